@@ -1,0 +1,58 @@
+#ifndef BRIDGE_BRIDGEFENCE_H
+#define BRIDGE_BRIDGEFENCE_H
+
+#include <exception>
+#include <initializer_list>
+
+#include "xpl/Xlog.h"
+
+// What stands between the library and its host: no C++ exception leaves it, and no null text
+// enters it.
+
+// Log an error line with the function's name.
+void bridgeLogException(const char* function, const char* what) noexcept;
+void bridgeLogNullArgument(const char* function) noexcept;
+
+// Answers call(), or `failure` when it throws.
+template <typename Result, typename Call>
+Result bridgeFence(const char* function, Result failure, Call call) noexcept {
+    try {
+        return call();
+    } catch (const std::exception& e) {
+        bridgeLogException(function, e.what());
+    } catch (...) {
+        bridgeLogException(function, "unknown exception");
+    }
+    return failure;
+}
+
+using BridgeTexts = std::initializer_list<const char*>;
+
+inline bool bridgeHasNull(BridgeTexts texts) {
+    for (const char* text : texts) {
+        if (text == nullptr) return true;
+    }
+    return false;
+}
+
+// An export that answers a status: 22 for a null text, -1 for an exception.
+template <typename Call>
+XErr bridgeStatus(const char* function, BridgeTexts texts, Call call) noexcept {
+    if (bridgeHasNull(texts)) {
+        bridgeLogNullArgument(function);
+        return XERR_INVAL;
+    }
+    return bridgeFence(function, XErr{XERR_FAILURE}, call);
+}
+
+// An export that answers a value: 0, false or null for a null text or an exception.
+template <typename Result, typename Call>
+Result bridgeValue(const char* function, BridgeTexts texts, Call call) noexcept {
+    if (bridgeHasNull(texts)) {
+        bridgeLogNullArgument(function);
+        return Result{};
+    }
+    return bridgeFence(function, Result{}, call);
+}
+
+#endif

@@ -1,0 +1,77 @@
+// Initialisation and client identity.
+#include "bridge/BridgeInit.h"
+
+#include <algorithm>
+#include <atomic>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include "bridge/BridgeFence.h"
+#include "bridge/BridgeLog.h"
+#include "conf/Conf.h"
+#include "utl/UtlFolders.h"
+#include "utl/UtlImages.h"
+#include "utl/UtlRegistry.h"
+#include "xpl/Xpl.h"
+
+namespace bridge {
+
+namespace {
+
+constexpr std::string_view kVersionCheckedClient = "Launcher";
+constexpr std::string_view kClients[] = {"Launcher", "Installer", "LogCollector", "Helper",
+                                         "Uninstaller"};
+
+std::atomic<const char*> currentClientId{nullptr};
+
+bool isKnownClient(std::string_view client) {
+    return std::find(std::begin(kClients), std::end(kClients), client) != std::end(kClients);
+}
+
+std::string confPath(bool noConfFile) {
+    return noConfFile ? std::string() : utlGetDataDir() + "vantrel.conf";
+}
+
+}  // namespace
+
+const char* clientId() noexcept { return currentClientId; }
+
+XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*reserved*/,
+                     const char* logFilePath) {
+    const char* const self = "bridgeApiInitEx";
+    const std::string client = clientIdText == nullptr ? "(null)" : clientIdText;
+    if (!isKnownClient(client)) {
+        XLOG_E(kLog, "%s: Invalid clientId : %s", self, client.c_str());
+        return XERR_INVAL;
+    }
+    if (client == kVersionCheckedClient) {
+        const std::string product =
+            utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "Version", {});
+        if (product != UTL_VERSION) {
+            XLOG_E(kLog, "%s: Version mismatch, Product Version : %s, Bridge Version : %s", self,
+                   product.c_str(), UTL_VERSION);
+            return XERR_FAILURE;
+        }
+    }
+    const std::string defaultLog = utlPlayerLogPath();
+    currentClientId = clientIdText;
+    const std::string log = logFilePath == nullptr ? defaultLog : logFilePath;
+    if (const XErr err = xplLibInit(nullptr, log); err != XERR_SUCCESS) return err;
+    xlogSetClientName(client + "_bridge");
+    XLOG_I(kLog, "%s:#################### In bridgeApiInit %s ###############", self,
+           client.c_str());
+    XLOG_I(kLog, "Loading configuration ...");
+    // Fenced on its own: a file that makes the loader throw is a failed load like any other.
+    const XErr err = bridgeFence(self, XErr{XERR_FAILURE}, [noConfFile] {
+        return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
+    });
+    if (err != XERR_SUCCESS) {
+        XLOG_E(kLog, "Error in confLibInit init");
+        return err;
+    }
+    XLOG_I(kLog, "Configuration loaded successfully...");
+    return XERR_SUCCESS;
+}
+
+}  // namespace bridge

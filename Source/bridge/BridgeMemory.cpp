@@ -1,0 +1,14 @@
+#include "bridge/BridgeMemory.h"
+
+#include <cstdlib>
+#include <cstring>
+
+char* bridgeHostCopy(std::string_view text) noexcept {
+    char* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (copy == nullptr) return nullptr;
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+void bridgeHostFree(void* memory) noexcept { std::free(memory); }

@@ -1,0 +1,76 @@
+#ifndef CONF_CONFCATALOGUE_H
+#define CONF_CONFCATALOGUE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+// Value types of properties. The numbers appear in log lines and in the product's other programs.
+enum class ConfType : std::uint32_t {
+    None = 0,         // unknown property; for the core setter: do not check
+    I32 = 1,          // decimal
+    I64 = 2,          // decimal
+    MultiString = 3,  // elements joined by ","
+    Bool = 4,         // "0" or "1"
+    String = 5,       // any text
+};
+
+struct ConfProperty {
+    ConfType type = ConfType::None;
+    std::string defaultValue;  // in the form of the file; may be empty
+    bool excludeFromAllConfigs = false;  // left out of the dump of an instance
+    bool deprecated = false;  // accepted from the file, dropped from it at the next commit
+};
+
+// Properties by name (without prefix), in byte order.
+using ConfDirectory = std::map<std::string, ConfProperty, std::less<>>;
+
+// The declared properties: global ones ("vtr.<name>") and those that every instance has
+// ("vtr.instance.<instance>.<name>"). Built once, then only read, from any thread.
+class ConfCatalogue {
+public:
+    // A second registration of a name replaces the first.
+    void registerGlobal(const std::string& name, ConfProperty property);
+    void registerInstance(const std::string& name, ConfProperty property);
+
+    const ConfDirectory& globals() const { return globals_; }
+    const ConfDirectory& instances() const { return instances_; }
+
+    // Null when there is no such property.
+    const ConfProperty* findGlobal(std::string_view name) const;
+    const ConfProperty* findInstance(std::string_view name) const;
+
+private:
+    ConfDirectory globals_;
+    ConfDirectory instances_;
+};
+
+// Type of a property by its bare name: with the flag the instance properties are looked at first,
+// then (or without it) the global ones. ConfType::None when there is none.
+ConfType confGetPropType(const ConfCatalogue& catalogue, std::string_view name,
+                         bool isInstanceProp);
+
+// The product's catalogue, as a table.
+struct ConfCatalogueRow {
+    const char* name;
+    ConfType type;
+    const char* defaultValue;
+    bool excludeFromAllConfigs;
+};
+
+struct ConfCatalogueRows {
+    const ConfCatalogueRow* first;
+    std::size_t count;
+    const ConfCatalogueRow* begin() const { return first; }
+    const ConfCatalogueRow* end() const { return first + count; }
+};
+
+ConfCatalogueRows confGlobalRows();
+ConfCatalogueRows confInstanceRows();
+
+// Registers every row of the table.
+ConfCatalogue confProductCatalogue();
+
+#endif

@@ -1,0 +1,44 @@
+#ifndef CONF_CONFFILES_H
+#define CONF_CONFFILES_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "xpl/Xerr.h"
+
+enum class ConfFileRead { Done, OpenFailed, ReadFailed };
+
+// A file that is being written. Destroying it closes it.
+class ConfOutput {
+public:
+    virtual ~ConfOutput() = default;
+
+    // `done` tells how many bytes reached the file, after a failure too.
+    [[nodiscard]] virtual XErr write(std::string_view piece, std::size_t& done) = 0;
+};
+
+// The file operations of the configuration: the disk, or what a test puts in its place to make an
+// operation fail.
+class ConfFiles {
+public:
+    virtual ~ConfFiles() = default;
+
+    virtual ConfFileRead read(const std::string& path, std::string& content) = 0;
+
+    // Creates or empties a file, with its missing folders. `output` is null after a failure.
+    [[nodiscard]] virtual XErr create(const std::string& path,
+                                      std::unique_ptr<ConfOutput>& output) = 0;
+
+    // Flushes `source` and moves it onto `destination`, with patience for one that is being held.
+    [[nodiscard]] virtual XErr replace(const std::string& source,
+                                       const std::string& destination) = 0;
+
+    virtual void remove(const std::string& path) = 0;
+};
+
+// The disk.
+ConfFiles& confDiskFiles();
+
+#endif

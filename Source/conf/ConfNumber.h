@@ -1,0 +1,16 @@
+#ifndef CONF_CONFNUMBER_H
+#define CONF_CONFNUMBER_H
+
+#include <cstdint>
+#include <string_view>
+
+// Decimal text to a number with the rules of the C library's strtol, in the C locale whatever the
+// process's is: leading white space and a sign are taken, the conversion stops at the first other
+// character, and numbers out of range saturate.
+//
+// False, which callers treat as fatal, only when the result is 0 and the conversion stopped before
+// the end of the text: "" and "0" are 0, "12abc" is 12, "abc" is refused.
+[[nodiscard]] bool confParseI32(std::string_view text, std::int32_t& number);
+[[nodiscard]] bool confParseI64(std::string_view text, std::int64_t& number);
+
+#endif

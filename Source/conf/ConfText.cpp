@@ -1,0 +1,50 @@
+// Reading and writing the lines of a configuration file.
+#include "conf/ConfText.h"
+
+namespace {
+
+constexpr std::string_view kBeforeValue = "=\"";
+constexpr std::string_view kAfterValue = "\"\n";
+
+std::string_view untilNul(std::string_view text) { return text.substr(0, text.find('\0')); }
+
+bool contains(std::string_view text, char c) { return text.find(c) != std::string_view::npos; }
+
+}  // namespace
+
+ConfRead ConfTextReader::next(ConfEntry& entry) {
+    if (rest_.empty()) return ConfRead::End;
+    const std::size_t end = rest_.find('\n');
+    const std::string_view line = rest_.substr(0, end);
+    rest_ = end == std::string_view::npos ? std::string_view{} : rest_.substr(end + 1);
+    entry.line = line;
+    if (line.size() > CONF_LINE_SIZE) return ConfRead::Malformed;
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return ConfRead::Malformed;
+    entry.key = line.substr(0, equals);
+    // A line that ends one character after its "=" leaves nothing to drop at the end.
+    const std::size_t start = equals + kBeforeValue.size();
+    const std::size_t length = start < line.size() ? line.size() - 1 - start : 0;
+    entry.value = untilNul(line.substr(start, length));
+    return ConfRead::Entry;
+}
+
+int confLineLength(std::string_view key, std::string_view value) {
+    const std::size_t length =
+        key.size() + kBeforeValue.size() + untilNul(value).size() + kAfterValue.size();
+    return length > CONF_LINE_SIZE ? -1 : static_cast<int>(length);
+}
+
+XErr confCheckEntry(std::string_view key, std::string_view value) {
+    if (contains(key, '\n') || contains(key, '=') || contains(key, '\0') ||
+        contains(untilNul(value), '\n')) {
+        return XERR_INVAL;
+    }
+    const int length = confLineLength(key, value);
+    const bool fits = length >= 0 && length < static_cast<int>(CONF_LINE_SIZE);
+    return fits ? XERR_SUCCESS : XERR_2BIG;
+}
+
+void confAppendLine(std::string& text, std::string_view key, std::string_view value) {
+    text.append(key).append(kBeforeValue).append(untilNul(value)).append(kAfterValue);
+}

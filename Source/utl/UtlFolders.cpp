@@ -1,0 +1,112 @@
+// The product's folders, from the registry, and the names built on them.
+#include "utl/UtlFolders.h"
+
+#include "utl/UtlRegistry.h"
+#include "xpl/Xlog.h"
+#include "xpl/Xtext.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
+
+std::string productValue(const char* name) {
+    return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, name, {});
+}
+
+// A text that is computed on first use and lives as long as the process.
+using Cached = const std::string&;
+
+Cached installDir() {
+    static Cached text = *new std::string(productValue("InstallDir"));
+    return text;
+}
+
+Cached dataDir() {
+    static Cached text = *new std::string(productValue("UserDefinedDir") + "\\");
+    return text;
+}
+
+std::wstring wideValue(const char* name) {
+    std::wstring wide;
+    // The registry holds UTF-16, so what was read is well-formed; an empty path is refused later.
+    static_cast<void>(xtextToWide(productValue(name), wide));
+    return wide;
+}
+
+bool isSeparator(wchar_t c) { return c == L'\\' || c == L'/'; }
+
+// Length of a path's root name: "C:", "\\server\share", or nothing.
+std::size_t rootNameLength(std::wstring_view path) {
+    if (path.size() >= 2 && path[1] == L':') return 2;
+    if (path.size() < 3 || !isSeparator(path[0]) || !isSeparator(path[1])) return 0;
+    const std::size_t server = path.find_first_of(L"\\/", 2);
+    if (server == std::wstring_view::npos) return path.size();
+    const std::size_t share = path.find_first_of(L"\\/", server + 1);
+    return share == std::wstring_view::npos ? path.size() : share;
+}
+
+}  // namespace
+
+std::string utlGetInstallDir() {
+    if (installDir().empty()) {
+        XLOG_E(kLog, "%s: Failed to get install dir properly", "utlGetInstallDir");
+        XLOG_FATAL(kLog);
+    }
+    return installDir();
+}
+
+std::string utlGetDataDir() {
+    // Never empty, since the separator is added to a missing value too; the check says what would
+    // be done if that changed.
+    if (dataDir().empty()) {
+        XLOG_E(kLog, "%s: Failed to get data dir properly", "utlGetDataDir");
+        XLOG_FATAL(kLog);
+    }
+    return dataDir();
+}
+
+std::filesystem::path utlInstallDir() {
+    static const std::wstring& path = *new std::wstring(wideValue("InstallDir"));
+    if (!utlIsAbsolute(path)) {
+        XLOG_E(kLog, "%s: Failed to initialize installDir properly: Got %s", "utlInstallDir",
+               xtextToUtf8(path).c_str());
+        XLOG_FATAL(kLog);
+    }
+    return path;
+}
+
+std::filesystem::path utlDataDir() {
+    static const std::wstring& path = *new std::wstring(wideValue("UserDefinedDir"));
+    if (!utlIsAbsolute(path)) XLOG_FATAL(kLog);
+    return path;
+}
+
+std::string utlAssetsDir() {
+    static Cached text = *new std::string(utlGetDataDir() + "Client/Assets/");
+    return text;
+}
+
+std::string utlLogsDir() {
+    static Cached text = *new std::string(utlGetDataDir() + "Logs/");
+    return text;
+}
+
+std::string utlSharedDir() {
+    static Cached text = *new std::string(utlGetDataDir() + "/Engine/UserData/SharedFolder/");
+    return text;
+}
+
+std::string utlPlayerLogPath() { return utlLogsDir() + "Player.log"; }
+
+std::string utlGlobalObjectName(std::string_view text) {
+    return "Global\\" + utlLocalObjectName(text);
+}
+
+std::string utlLocalObjectName(std::string_view text) {
+    return std::string("vtr_").append(text).append("_nvo");
+}
+
+bool utlIsAbsolute(std::wstring_view path) {
+    const std::size_t root = rootNameLength(path);
+    return root > 0 && root < path.size() && isSeparator(path[root]);
+}

@@ -1,0 +1,26 @@
+#ifndef XPL_XATTRIBUTES_H
+#define XPL_XATTRIBUTES_H
+
+// Attributes that only clang has, or that compilers spell differently.
+
+#if defined(__clang__)
+#define XTS_ATTRIBUTE(x) __attribute__((x))
+#else
+#define XTS_ATTRIBUTE(x)
+#endif
+
+// Checks a printf-like format at compile time: `format` and `first` are parameter numbers.
+#define XPRINTF_LIKE(format_number, first) XTS_ATTRIBUTE(format(printf, format_number, first))
+
+// Thread safety: what guards a member is written at the member, and the compiler checks it.
+
+#define XTS_CAPABILITY(name) XTS_ATTRIBUTE(capability(name))
+#define XTS_GUARDED_BY(lock) XTS_ATTRIBUTE(guarded_by(lock))
+#define XTS_REQUIRES(...) XTS_ATTRIBUTE(requires_capability(__VA_ARGS__))
+#define XTS_EXCLUDES(...) XTS_ATTRIBUTE(locks_excluded(__VA_ARGS__))
+#define XTS_ACQUIRE(...) XTS_ATTRIBUTE(acquire_capability(__VA_ARGS__))
+#define XTS_TRY_ACQUIRE(...) XTS_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
+#define XTS_RELEASE(...) XTS_ATTRIBUTE(release_capability(__VA_ARGS__))
+#define XTS_ACQUIRED_BEFORE(...) XTS_ATTRIBUTE(acquired_before(__VA_ARGS__))
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef XPL_XERR_H
+#define XPL_XERR_H
+
+#include <cstdint>
+#include <string>
+
+#include "xpl/XerrTable.h"
+
+// Status of a fallible operation: XERR_SUCCESS, XERR_FAILURE, a number of Linux's errno under its
+// XERR_ name, or XERR_WINDOWS_BASE plus a Windows error that has no equivalent.
+using XErr = std::int32_t;
+
+enum XErrCode : XErr {
+#define XERR_ENUMERATOR(code, name) XERR_##name = code,
+    XERR_CODES(XERR_ENUMERATOR)
+#undef XERR_ENUMERATOR
+};
+
+constexpr XErr XERR_WINDOWS_BASE = 100000;
+
+// Status for a Windows error, which the caller reads in the statement that failed. Windows error 0
+// has no equivalent either: it gives 100000, since a reported failure is never a success.
+XErr xerrFromWindows(std::int32_t windowsError) noexcept;
+
+// Name of a status for log lines: "XERR_NOENT", or "NOTDEFINED: 134" for one without a name.
+std::string xerrName(XErr code);
+
+#endif

@@ -1,0 +1,101 @@
+#ifndef XPL_XFILE_H
+#define XPL_XFILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "xpl/Xerr.h"
+
+// How a file is opened. Every mode shares reading, writing and deleting, and gives an inheritable
+// handle: children that this process starts receive the files that are open at that moment.
+enum class XfileMode : std::uint32_t {
+    Read = 1,       // must exist
+    ReadWrite = 2,  // created when missing
+    Append = 3,     // append only, created when missing: one write call is one piece in the file
+    WriteNew = 4,   // created, or emptied when it exists
+    Update = 5,     // read and write; must exist
+};
+
+enum class XfileSeekFrom : std::uint32_t { Begin = 0, Current = 1, End = 2 };
+
+// An open file, or none. Closes itself.
+class Xfile {
+public:
+    Xfile() = default;
+    ~Xfile();
+    Xfile(Xfile&& other) noexcept;
+    Xfile& operator=(Xfile&& other) noexcept;
+    Xfile(const Xfile&) = delete;
+    Xfile& operator=(const Xfile&) = delete;
+
+    bool isOpen() const { return handle_ != nullptr; }
+
+    // The Windows handle; null when closed. For the functions below.
+    void* handle() const { return handle_; }
+    void adopt(void* handle);
+
+private:
+    void* handle_ = nullptr;
+};
+
+// Paths are UTF-8. Every operation answers the translated Windows error and logs nothing, except
+// for the flush warning of the two moves.
+
+// Opens `path`. In every mode but Read, a missing folder before the last "\" is created first
+// ("/" does not count in this step); the open reports the real outcome.
+[[nodiscard]] XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode);
+
+// One read or write call. `done` is the count of bytes moved.
+[[nodiscard]] XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done);
+[[nodiscard]] XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length,
+                              std::uint32_t& done);
+
+// Repeats the call until everything is done; a file that ends early gives 61 (XERR_NODATA).
+// `done` tells how far it came, after a failure too.
+[[nodiscard]] XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done);
+[[nodiscard]] XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length,
+                                 std::size_t& done);
+
+// Closes the file; does nothing when it is closed. Closing has no status.
+void xfileClose(Xfile& file);
+
+[[nodiscard]] XErr xfileSize(Xfile& file, std::int64_t& size);
+[[nodiscard]] XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from,
+                             std::int64_t& position);
+
+// 0 when something, a file or a folder, has that path.
+[[nodiscard]] XErr xfileExists(const std::string& path);
+[[nodiscard]] XErr xfileSizeOfPath(const std::string& path, std::int64_t& size);
+[[nodiscard]] XErr xfileDelete(const std::string& path);
+[[nodiscard]] XErr xfileRemoveFolder(const std::string& path);
+
+// Creates one folder, whose parent must exist; a folder that exists already is a success.
+[[nodiscard]] XErr xfileCreateFolder(const std::string& path);
+
+// Creates every missing folder along a path, "/" and "\" both separating; works beyond 260
+// characters. The root of a drive and the share of a UNC path are never created.
+[[nodiscard]] XErr xfileMakeFolders(const std::string& path);
+
+// Writes a file's data to the disk. The file must exist.
+[[nodiscard]] XErr xfileFlush(const std::string& path);
+
+// Flushes `source` and moves it onto `destination`, replacing what is there. A failed flush is
+// logged as a warning, and the move goes on.
+[[nodiscard]] XErr xfileMove(const std::string& source, const std::string& destination);
+
+// The same for a destination that another process may be holding for a moment (a scanner, a
+// reader): a refused move (Windows errors 5 and 32) is tried up to 10 times more within half a
+// second.
+[[nodiscard]] XErr xfileMovePatiently(const std::string& source, const std::string& destination);
+
+// The folder that xfileOpen creates: what stands before the last "\", or nothing.
+std::string_view xfileFolderPart(std::string_view path);
+
+// The folders of an absolute path, shortest first, in the long-path form ("\\?\C:\a",
+// "\\?\C:\a\b"), without the root.
+std::vector<std::wstring> xfileFolderChain(std::wstring_view absolutePath);
+
+#endif

@@ -1,0 +1,62 @@
+// Path arithmetic of the file module: no file is touched here.
+#include "xpl/Xfile.h"
+
+namespace {
+
+constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
+constexpr std::wstring_view kLongUncPrefix = L"\\\\?\\UNC\\";
+constexpr std::wstring_view kUncPrefix = L"\\\\";
+
+bool startsWith(std::wstring_view text, std::wstring_view prefix) {
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+// What cannot be created ("\\?\C:", "\\?\UNC\server\share") and the rest of a path.
+struct SplitPath {
+    std::wstring root;
+    std::wstring_view rest;
+};
+
+// The text before the `count`th separator of `path`, and what follows it.
+SplitPath cutAfterComponents(std::wstring_view prefix, std::wstring_view path, int count) {
+    std::size_t end = 0;
+    for (int i = 0; i < count && end != std::wstring_view::npos; ++i) {
+        end = path.find(L'\\', i == 0 ? 0 : end + 1);
+    }
+    if (end == std::wstring_view::npos) return {std::wstring(prefix).append(path), {}};
+    return {std::wstring(prefix).append(path.substr(0, end)), path.substr(end + 1)};
+}
+
+SplitPath splitRoot(std::wstring_view path) {
+    if (startsWith(path, kLongUncPrefix)) {
+        return cutAfterComponents(kLongUncPrefix, path.substr(kLongUncPrefix.size()), 2);
+    }
+    if (startsWith(path, kLongPrefix)) {
+        return cutAfterComponents(kLongPrefix, path.substr(kLongPrefix.size()), 1);
+    }
+    if (startsWith(path, kUncPrefix)) {
+        return cutAfterComponents(kLongUncPrefix, path.substr(kUncPrefix.size()), 2);
+    }
+    return cutAfterComponents(kLongPrefix, path, 1);
+}
+
+}  // namespace
+
+std::string_view xfileFolderPart(std::string_view path) {
+    const std::size_t separator = path.rfind('\\');
+    return separator == std::string_view::npos ? std::string_view{} : path.substr(0, separator);
+}
+
+std::vector<std::wstring> xfileFolderChain(std::wstring_view absolutePath) {
+    auto [folder, rest] = splitRoot(absolutePath);
+    std::vector<std::wstring> chain;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find(L'\\');
+        const std::wstring_view name = rest.substr(0, end);
+        rest = end == std::wstring_view::npos ? std::wstring_view{} : rest.substr(end + 1);
+        if (name.empty()) continue;
+        folder.append(L"\\").append(name);
+        chain.push_back(folder);
+    }
+    return chain;
+}

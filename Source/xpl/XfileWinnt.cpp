@@ -1,0 +1,240 @@
+// Files by UTF-8 path over the wide Windows functions.
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "xpl/Xfile.h"
+#include "xpl/Xlog.h"
+#include "xpl/Xtext.h"
+#include "xpl/XwindowsLean.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
+
+constexpr int kMoveRetries = 10;
+constexpr DWORD kMoveRetryMs = 50;
+
+struct OpenRow {
+    DWORD access;
+    DWORD disposition;
+};
+
+OpenRow openRow(XfileMode mode) {
+    switch (mode) {
+        case XfileMode::ReadWrite: return {GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS};
+        case XfileMode::Append: return {FILE_APPEND_DATA, OPEN_ALWAYS};
+        case XfileMode::WriteNew: return {GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS};
+        case XfileMode::Update: return {GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING};
+        case XfileMode::Read: break;
+    }
+    return {GENERIC_READ, OPEN_EXISTING};
+}
+
+// Windows takes lengths of 32 bits.
+DWORD pieceOf(std::size_t length) {
+    return static_cast<DWORD>(std::min<std::size_t>(length, std::numeric_limits<DWORD>::max()));
+}
+
+bool existsWide(const std::wstring& path) {
+    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+XErr createFolderWide(const std::wstring& path) {
+    if (::CreateDirectoryW(path.c_str(), nullptr)) return XERR_SUCCESS;
+    const DWORD error = ::GetLastError();
+    return error == ERROR_ALREADY_EXISTS ? static_cast<XErr>(XERR_SUCCESS)
+                                         : xerrFromWindows(static_cast<std::int32_t>(error));
+}
+
+// Absolute, with "\" only.
+XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
+    const DWORD needed = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    if (needed == 0) return xerrLast();
+    absolute.resize(needed);
+    const DWORD length = ::GetFullPathNameW(path.c_str(), needed, absolute.data(), nullptr);
+    if (length == 0 || length >= needed) return xerrLast();
+    absolute.resize(length);
+    return XERR_SUCCESS;
+}
+
+// Calls `call(widePath)`, which answers whether it succeeded.
+template <typename Call>
+XErr withWidePath(const std::string& path, Call call) {
+    std::wstring wide;
+    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    return call(wide) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+}
+
+void flushBeforeMove(const std::string& source) {
+    if (const XErr err = xfileFlush(source); err != XERR_SUCCESS) {
+        XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
+    }
+}
+
+XErr replaceFile(const std::string& source, const std::string& destination, int retries) {
+    std::wstring from;
+    std::wstring to;
+    if (const XErr err = xtextToWide(source, from); err != XERR_SUCCESS) return err;
+    if (const XErr err = xtextToWide(destination, to); err != XERR_SUCCESS) return err;
+    for (int attempt = 0;; ++attempt) {
+        if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return XERR_SUCCESS;
+        const DWORD error = ::GetLastError();
+        const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+        if (!held || attempt == retries) return xerrFromWindows(static_cast<std::int32_t>(error));
+        ::Sleep(kMoveRetryMs);
+    }
+}
+
+}  // namespace
+
+Xfile::~Xfile() { xfileClose(*this); }
+
+Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+
+Xfile& Xfile::operator=(Xfile&& other) noexcept {
+    if (this != &other) adopt(std::exchange(other.handle_, nullptr));
+    return *this;
+}
+
+void Xfile::adopt(void* handle) {
+    if (handle_ != nullptr) ::CloseHandle(handle_);
+    handle_ = handle;
+}
+
+XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
+    if (mode != XfileMode::Read) {
+        const std::string folder(xfileFolderPart(path));
+        if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
+            static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
+        }
+    }
+    std::wstring wide;
+    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    const OpenRow row = openRow(mode);
+    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    const HANDLE handle = ::CreateFileW(
+        wide.c_str(), row.access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        &inheritable, row.disposition, FILE_ATTRIBUTE_NORMAL, /*hTemplateFile=*/nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return xerrLast();
+    file.adopt(handle);
+    return XERR_SUCCESS;
+}
+
+XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done) {
+    DWORD moved = 0;
+    const BOOL ok = ::ReadFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
+    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    done = moved;
+    return err;
+}
+
+XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint32_t& done) {
+    DWORD moved = 0;
+    const BOOL ok = ::WriteFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
+    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    done = moved;
+    return err;
+}
+
+XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err =
+            xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return xerrFromWindows(ERROR_HANDLE_EOF);
+        done += moved;
+    }
+    return XERR_SUCCESS;
+}
+
+XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err = xfileWrite(file, static_cast<const char*>(buffer) + done,
+                                    pieceOf(length - done), moved);
+        done += moved;
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return XERR_IO;  // a device that takes nothing would keep us here for ever
+    }
+    return XERR_SUCCESS;
+}
+
+void xfileClose(Xfile& file) { file.adopt(nullptr); }
+
+XErr xfileSize(Xfile& file, std::int64_t& size) {
+    LARGE_INTEGER value{};
+    if (!::GetFileSizeEx(file.handle(), &value)) return xerrLast();
+    size = value.QuadPart;
+    return XERR_SUCCESS;
+}
+
+XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from, std::int64_t& position) {
+    LARGE_INTEGER to{};
+    LARGE_INTEGER reached{};
+    to.QuadPart = distance;
+    if (!::SetFilePointerEx(file.handle(), to, &reached, static_cast<DWORD>(from))) {
+        return xerrLast();
+    }
+    position = reached.QuadPart;
+    return XERR_SUCCESS;
+}
+
+XErr xfileExists(const std::string& path) { return withWidePath(path, existsWide); }
+
+XErr xfileSizeOfPath(const std::string& path, std::int64_t& size) {
+    return withWidePath(path, [&size](const std::wstring& wide) {
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        if (!::GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &data)) return false;
+        size = static_cast<std::int64_t>((std::uint64_t{data.nFileSizeHigh} << 32) |
+                                         data.nFileSizeLow);
+        return true;
+    });
+}
+
+XErr xfileDelete(const std::string& path) {
+    return withWidePath(
+        path, [](const std::wstring& wide) { return ::DeleteFileW(wide.c_str()) != FALSE; });
+}
+
+XErr xfileRemoveFolder(const std::string& path) {
+    return withWidePath(
+        path, [](const std::wstring& wide) { return ::RemoveDirectoryW(wide.c_str()) != FALSE; });
+}
+
+XErr xfileCreateFolder(const std::string& path) {
+    std::wstring wide;
+    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    return createFolderWide(wide);
+}
+
+XErr xfileMakeFolders(const std::string& path) {
+    std::wstring wide;
+    std::wstring absolute;
+    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    if (const XErr err = absolutePath(wide, absolute); err != XERR_SUCCESS) return err;
+    for (const std::wstring& folder : xfileFolderChain(absolute)) {
+        if (existsWide(folder)) continue;
+        if (const XErr err = createFolderWide(folder); err != XERR_SUCCESS) return err;
+    }
+    return XERR_SUCCESS;
+}
+
+XErr xfileFlush(const std::string& path) {
+    Xfile file;
+    if (const XErr err = xfileOpen(file, path, XfileMode::Update); err != XERR_SUCCESS) return err;
+    return ::FlushFileBuffers(file.handle()) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+}
+
+XErr xfileMove(const std::string& source, const std::string& destination) {
+    flushBeforeMove(source);
+    return replaceFile(source, destination, /*retries=*/0);
+}
+
+XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
+    flushBeforeMove(source);
+    return replaceFile(source, destination, kMoveRetries);
+}

@@ -1,0 +1,6 @@
+#include "xpl/XinheritGate.h"
+
+std::mutex& xinheritGate() noexcept {
+    static std::mutex gate;
+    return gate;
+}

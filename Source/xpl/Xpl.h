@@ -1,0 +1,16 @@
+#ifndef XPL_XPL_H
+#define XPL_XPL_H
+
+#include <cstdint>
+#include <string>
+
+#include "xpl/Xlog.h"
+
+// A log of at least this size is rotated at start-up.
+constexpr std::int64_t XPL_LOG_ROTATE_SIZE = 10'485'760;
+
+// Starts the platform layer: UTF-8 locale, log rotation ("<log>" to "<log>.1", that to "<log>.2"),
+// logging. To be called before anything else of the library, and again for a new start.
+[[nodiscard]] XErr xplLibInit(const XlogLogger* logger, const std::string& logFilePath);
+
+#endif

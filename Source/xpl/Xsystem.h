@@ -1,0 +1,19 @@
+#ifndef XPL_XSYSTEM_H
+#define XPL_XSYSTEM_H
+
+#include <cstdint>
+
+// What the platform layer asks of the process it lives in.
+
+std::int32_t xsystemProcessId() noexcept;
+std::uint32_t xsystemThreadId() noexcept;
+
+// Makes UTF-8 the encoding of every narrow text in the C runtime, and the user's language its
+// locale: decimal commas are possible from here on, so data never goes through locale functions.
+void xsystemUseUtf8();
+
+// Breaks into the debugger. The process ends with status 0x80000003 (STATUS_BREAKPOINT): at once
+// when there is no debugger, else when the debugger lets it go on.
+[[noreturn]] void xsystemDebugBreak() noexcept;
+
+#endif

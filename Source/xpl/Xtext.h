@@ -1,0 +1,16 @@
+#ifndef XPL_XTEXT_H
+#define XPL_XTEXT_H
+
+#include <string>
+#include <string_view>
+
+#include "xpl/Xerr.h"
+
+// UTF-8 to UTF-16, the one way to a wide Windows call. Strict: bytes that are not UTF-8 are refused
+// with the translated Windows error 1113 (101113), and `wide` is left empty.
+[[nodiscard]] XErr xtextToWide(std::string_view text, std::wstring& wide);
+
+// UTF-16 to UTF-8; a lone surrogate becomes U+FFFD.
+std::string xtextToUtf8(std::wstring_view wide);
+
+#endif

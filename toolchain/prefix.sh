@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Prepares the Wine prefix of the build tree and keeps one wineserver alive for it, without which
+# each program start takes a second or more.
+#   prefix.sh up     creates the prefix when it is missing, and starts the server
+#   prefix.sh down   ends the server of this prefix, and of no other
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+export WINEPREFIX=${WINEPREFIX:-$tree/build/windows/prefix}
+export WINEDEBUG=-all
+wine="$tree/toolchain/wine.sh"
+server=/usr/lib/wine/wineserver64
+
+create() {
+    mkdir -p "$WINEPREFIX"
+    "$wine" wineboot --init
+    # A debug break ends the process at once instead of starting a debugger.
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
+        /v Auto /d 0 /f
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
+        /v Debugger /d '' /f
+    "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
+    "$wine" reg add 'HKCU\Software\Wine' /v Version /d win10 /f
+    "$server" -w
+    mark_complete "$WINEPREFIX"
+}
+
+case ${1:-up} in
+up)
+    if ! is_complete "$WINEPREFIX"; then
+        rm -rf "$WINEPREFIX"
+        steps_total=1
+        step "Wine prefix" "15 s" create
+    fi
+    "$server" -p 2>/dev/null || true  # fails when it runs already
+    ;;
+down) "$server" -k 2>/dev/null || true ;;
+*) die "prefix.sh: up or down" ;;
+esac

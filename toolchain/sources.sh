@@ -1,0 +1,41 @@
+# Debian source packages, fetched and verified by apt into the cache.
+# shellcheck shell=bash
+
+# The machine's own package sources, turned into sources of source packages.
+source_lists() {
+    local into=$1 file
+    rm -rf "$into"
+    mkdir -p "$into"
+    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
+        [ -f "$file" ] && grep -q bookworm "$file" &&
+            sed -n 's/^deb /deb-src /p' "$file" >"$into/$(basename "$file" .list).list"
+    done
+    for file in /etc/apt/sources.list.d/*.sources; do
+        [ -f "$file" ] && grep -q bookworm "$file" &&
+            sed 's/^Types:.*/Types: deb-src/' "$file" >"$into/$(basename "$file")"
+    done
+    return 0
+}
+
+# fetch_source PACKAGE: leaves its .dsc and archives in $cache/sources.
+fetch_source() {
+    local lists="$cache/apt" downloads="$cache/sources"
+    mkdir -p "$downloads" "$lists/state/partial"
+    source_lists "$lists/sources.list.d"
+    (
+        cd "$downloads"
+        apt=(apt-get -o Dir::Etc::sourcelist=/dev/null
+             -o "Dir::Etc::sourceparts=$lists/sources.list.d"
+             -o "Dir::State::lists=$lists/state" -o APT::Sandbox::User=root)
+        "${apt[@]}" update
+        "${apt[@]}" source --download-only "$1"
+    )
+}
+
+# source_file GLOB: the one fetched file with that name.
+source_file() {
+    local found
+    found=$(find "$cache/sources" -maxdepth 1 -name "$1" | sort | tail -n 1)
+    [ -n "$found" ] || { echo "no $1 among the fetched sources" >&2; return 1; }
+    printf '%s' "$found"
+}
