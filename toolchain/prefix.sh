@@ -14,12 +14,12 @@ server=/usr/lib/wine/wineserver64
 create() {
     mkdir -p "$WINEPREFIX"
     "$wine" wineboot --init
-    # A debug break ends the process at once instead of starting a debugger.
+    # A debug break ends the process at once: the debugger named here does not exist. (Asking the
+    # user instead, as Auto=0 does, would start a desktop that keeps the process's pipes open.)
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
-        /v Auto /d 0 /f
+        /v Auto /d 1 /f
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
-        /v Debugger /d '' /f
-    "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
+        /v Debugger /d 'none.exe %ld %ld' /f
     "$wine" reg add 'HKCU\Software\Wine' /v Version /d win10 /f
     "$server" -w
     mark_complete "$WINEPREFIX"
@@ -32,8 +32,9 @@ up)
         steps_total=1
         step "Wine prefix" "15 s" create
     fi
-    "$server" -p 2>/dev/null || true  # fails when it runs already
+    # Fails when it runs already. It must not hold the caller's output open.
+    "$server" -p >/dev/null 2>&1 </dev/null || true
     ;;
-down) "$server" -k 2>/dev/null || true ;;
+down) "$server" -k >/dev/null 2>&1 || true ;;
 *) die "prefix.sh: up or down" ;;
 esac

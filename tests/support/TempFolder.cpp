@@ -1,0 +1,73 @@
+#include "support/TempFolder.h"
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "support/WindowsForTests.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Some tests build paths beyond 260 characters, which only this form can remove.
+fs::path longForm(const std::string& path) { return fs::u8path("\\\\?\\" + path); }
+
+}  // namespace
+
+TempFolder::TempFolder() {
+    static std::atomic<int> count{0};
+    const fs::path folder =
+        fs::temp_directory_path() /
+        ("qxb-" + std::to_string(::GetCurrentProcessId()) + "-" + std::to_string(++count));
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    path_ = folder.u8string();
+}
+
+TempFolder::~TempFolder() {
+    std::error_code ignored;
+    fs::remove_all(longForm(path_), ignored);
+}
+
+std::string TempFolder::operator/(std::string_view name) const {
+    return path_ + "\\" + std::string(name);
+}
+
+std::string TempFolder::write(std::string_view name, std::string_view content) const {
+    writeBytes(*this / name, content);
+    return *this / name;
+}
+
+std::string TempFolder::read(std::string_view name) const { return readBytes(*this / name); }
+
+bool TempFolder::has(std::string_view name) const { return fs::exists(fs::u8path(*this / name)); }
+
+std::string TempFolder::makeFolder(std::string_view name) const {
+    fs::create_directories(fs::u8path(*this / name));
+    return *this / name;
+}
+
+std::vector<std::string> TempFolder::list() const {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(fs::u8path(path_))) {
+        names.push_back(entry.path().filename().u8string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void writeBytes(const std::string& path, std::string_view content) {
+    std::ofstream file(fs::u8path(path), std::ios::binary | std::ios::trunc);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    if (!file.flush()) throw std::runtime_error("cannot write " + path);
+}
+
+std::string readBytes(const std::string& path) {
+    std::ifstream file(fs::u8path(path), std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}

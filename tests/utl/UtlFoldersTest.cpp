@@ -1,0 +1,116 @@
+#include "utl/UtlFolders.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+#include "xpl/Xlog.h"
+
+namespace {
+
+// The folders are read once per process, so each case has a process of its own, which prints what
+// it got. The last line of a fatal case is the log's.
+std::string output(const std::string& scene, const SceneArguments& arguments) {
+    const ChildResult result = runScene(scene, arguments);
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    return result.out;
+}
+
+}  // namespace
+
+SCENE(printFolders) {
+    RegistrySandbox registry;
+    if (!arguments.empty()) registry.set("UserDefinedDir", arguments[0]);
+    std::printf("%s|%s|%s|%s|%s", utlGetDataDir().c_str(), utlLogsDir().c_str(),
+                utlPlayerLogPath().c_str(), utlAssetsDir().c_str(), utlSharedDir().c_str());
+    return 0;
+}
+
+SCENE(printInstallDir) {
+    RegistrySandbox registry;
+    if (!arguments.empty()) registry.set("InstallDir", arguments[0]);
+    std::printf("%s", utlGetInstallDir().c_str());
+    return 0;
+}
+
+SCENE(printWideDirs) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    registry.set("UserDefinedDir", arguments[1]);
+    std::printf("%s|%s", utlInstallDir().u8string().c_str(), utlDataDir().u8string().c_str());
+    return 0;
+}
+
+SCENE(changesTheRegistryBetween) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", "C:\\First\\");
+    const std::string first = utlGetInstallDir();
+    registry.set("InstallDir", "C:\\Second\\");
+    std::printf("%s|%s", first.c_str(), utlGetInstallDir().c_str());
+    return 0;
+}
+
+TEST(UtlFolders, DerivedFoldersKeepTheirMixedSeparators) {
+    EXPECT_EQ(output("printFolders", {"D:\\Data"}),
+              "D:\\Data\\|D:\\Data\\Logs/|D:\\Data\\Logs/Player.log|D:\\Data\\Client/Assets/|"
+              "D:\\Data\\/Engine/UserData/SharedFolder/");
+}
+
+TEST(UtlFolders, AMissingDataFolderIsOneSeparator) {
+    EXPECT_EQ(output("printFolders", {}),
+              "\\|\\Logs/|\\Logs/Player.log|\\Client/Assets/|\\/Engine/UserData/SharedFolder/");
+}
+
+TEST(UtlFolders, TheInstallFolderGetsNoSeparator) {
+    EXPECT_EQ(output("printInstallDir", {"C:\\Apps\\Player"}), "C:\\Apps\\Player");
+}
+
+TEST(UtlFolders, AMissingInstallFolderIsFatal) {
+    const ChildResult result = runScene("printInstallDir");
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
+              std::string::npos);
+    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+}
+
+TEST(UtlFolders, AChangeOfTheRegistryIsNeverSeen) {
+    EXPECT_EQ(output("changesTheRegistryBetween", {}), "C:\\First\\|C:\\First\\");
+}
+
+TEST(UtlFolders, WideFoldersAreTheRegistrysOwn) {
+    EXPECT_EQ(output("printWideDirs", {"C:\\Apps\\日本", "\\\\server\\share\\Data"}),
+              "C:\\Apps\\日本|\\\\server\\share\\Data");
+}
+
+TEST(UtlFolders, ARelativeInstallFolderIsFatalForTheWideForm) {
+    const ChildResult result = runScene("printWideDirs", {"Apps", "C:\\Data"});
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("utlInstallDir: Failed to initialize installDir properly: Got Apps"),
+              std::string::npos);
+}
+
+TEST(UtlFolders, ARelativeDataFolderIsFatalForTheWideForm) {
+    const ChildResult result = runScene("printWideDirs", {"C:\\Apps", "Data"});
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_EQ(result.out.find("Failed to"), std::string::npos) << "only the fatal line";
+    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+}
+
+TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {
+    EXPECT_TRUE(utlIsAbsolute(L"C:\\"));
+    EXPECT_TRUE(utlIsAbsolute(L"C:/Data"));
+    EXPECT_TRUE(utlIsAbsolute(L"\\\\server\\share\\x"));
+    EXPECT_FALSE(utlIsAbsolute(L""));
+    EXPECT_FALSE(utlIsAbsolute(L"C:"));
+    EXPECT_FALSE(utlIsAbsolute(L"C:Data"));
+    EXPECT_FALSE(utlIsAbsolute(L"\\Data"));
+    EXPECT_FALSE(utlIsAbsolute(L"\\\\server\\share"));
+}
+
+TEST(UtlFolders, ObjectNamesFollowTheProductsRule) {
+    EXPECT_EQ(utlGlobalObjectName("conf"), "Global\\vtr_conf_nvo");
+    EXPECT_EQ(utlGlobalObjectName("appc_Nougat64"), "Global\\vtr_appc_Nougat64_nvo");
+    EXPECT_EQ(utlLocalObjectName("Launcher_bridge"), "vtr_Launcher_bridge_nvo");
+}

@@ -1,0 +1,91 @@
+#include "utl/UtlImages.h"
+
+#include <gtest/gtest.h>
+
+#include "support/LogCapture.h"
+#include "support/Scene.h"
+
+TEST(UtlImages, BothImagesHaveTheirTraits) {
+    const UtlImageTrait& small = utlGetImageTrait("Nougat32");
+    EXPECT_STREQ(small.name, "Nougat32");
+    EXPECT_FALSE(small.is64Bit);
+    EXPECT_STREQ(small.family, "Nougat");
+    EXPECT_STREQ(small.displayName, "Nougat 32-bit");
+    EXPECT_STREQ(small.shortName, "N32");
+    EXPECT_EQ(small.count, 1);
+    const UtlImageTrait& large = utlGetImageTrait("Nougat64");
+    EXPECT_STREQ(large.name, "Nougat64");
+    EXPECT_TRUE(large.is64Bit);
+    EXPECT_STREQ(large.family, "Nougat");
+    EXPECT_STREQ(large.displayName, "Nougat 64-bit");
+    EXPECT_STREQ(large.shortName, "N64");
+    EXPECT_EQ(large.count, 1);
+}
+
+SCENE(looksUpImage) {
+    utlGetImageTrait(arguments[0]);
+    return 0;
+}
+
+TEST(UtlImages, AnUnknownImageIsFatal) {
+    for (const char* name : {"nougat64", "Nougat64_1", "", "Pie64"}) {
+        const ChildResult result = runScene("looksUpImage", {name});
+        EXPECT_EQ(result.status, kFatalStatus) << name;
+        EXPECT_NE(result.out.find("utlGetImageTrait"), std::string::npos) << name;
+    }
+    EXPECT_EQ(runScene("looksUpImage", {"Nougat32"}).status, 0u);
+}
+
+TEST(UtlImages, TheImageOfAnInstanceEndsAtItsFirstUnderscore) {
+    EXPECT_EQ(utlImageNameOfInstance("Nougat64_10"), "Nougat64");
+    EXPECT_EQ(utlImageNameOfInstance("Nougat64"), "Nougat64");
+    EXPECT_EQ(utlImageNameOfInstance("Nougat64_1_2"), "Nougat64");
+    EXPECT_EQ(utlImageNameOfInstance("_1"), "");
+}
+
+TEST(UtlImages, AbiListsOfEveryMask) {
+    const char* const wide[] = {"",        "x86",        "x64",           "x86,x64",
+                                "arm",     "x86,arm",    "x64,arm",       "x86,x64,arm",
+                                "arm64",   "x86,arm64",  "x64,arm64",     "x86,x64,arm64",
+                                "arm,arm64", "x86,arm,arm64", "x64,arm,arm64", "x86,x64,arm,arm64"};
+    const char* const narrow[] = {"",    "x86",     "",    "x86",     "arm", "x86,arm",
+                                  "arm", "x86,arm", "",    "x86",     "",    "x86",
+                                  "arm", "x86,arm", "arm", "x86,arm"};
+    for (int mask = 1; mask <= 15; ++mask) {
+        EXPECT_EQ(utlGetAbiListFromAbiInt(mask, "Nougat64"), wide[mask]) << mask;
+        EXPECT_EQ(utlGetAbiListFromAbiInt(mask, "Nougat32"), narrow[mask]) << mask;
+    }
+}
+
+TEST(UtlImages, AMaskOutsideItsRangeIsLoggedAndGivesNothing) {
+    const LogCapture log;
+    EXPECT_EQ(utlGetAbiListFromAbiInt(0, "Nougat64"), "");
+    EXPECT_EQ(utlGetAbiListFromAbiInt(16, "Nougat32"), "");
+    EXPECT_EQ(utlGetAbiListFromAbiInt(-1, "Pie"), "");
+    EXPECT_EQ(log.texts(), (std::vector<std::string>{
+                               "E UTL Invalid ABI value 0 for imageName Nougat64",
+                               "E UTL Invalid ABI value 16 for imageName Nougat32",
+                               "E UTL Invalid ABI value -1 for imageName Pie"}));
+}
+
+SCENE(listsAbisOfUnknownImage) {
+    utlGetAbiListFromAbiInt(2, "Pie64");
+    return 0;
+}
+
+TEST(UtlImages, AnUnknownImageIsFatalOnceA64BitAbiIsAsked) {
+    EXPECT_EQ(runScene("listsAbisOfUnknownImage").status, kFatalStatus);
+    EXPECT_EQ(utlGetAbiListFromAbiInt(5, "Pie64"), "x86,arm");
+}
+
+TEST(UtlImages, VersionTextAndDigest) {
+    EXPECT_STREQ(UTL_VERSION, "5.2.0.1052");
+    EXPECT_EQ(utlLibraryVersion(), "5.2.0.1052-orvane");
+    // printf 5.2.0.1052-orvane | md5sum
+    EXPECT_EQ(utlLibraryVersionDigest(), "fb1bb95464cc406c72b93ccb57d8656d");
+}
+
+TEST(UtlImages, TheDownloadLocationIsDigestFolderAndArchive) {
+    EXPECT_EQ(utlImageDownloadLocation("Nougat64"),
+              utlLibraryVersionDigest() + "/Android/Nougat64.zip");
+}

@@ -1,0 +1,70 @@
+#include "utl/UtlRegistry.h"
+
+#include <gtest/gtest.h>
+
+#include "support/RegistrySandbox.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+class UtlRegistry : public ::testing::Test {
+protected:
+    static std::string read(const std::string& name) {
+        return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, name, "default");
+    }
+
+    RegistrySandbox registry;
+};
+
+}  // namespace
+
+TEST_F(UtlRegistry, ReadsAText) {
+    registry.set("Version", "5.2.0.1052");
+    EXPECT_EQ(read("Version"), "5.2.0.1052");
+}
+
+TEST_F(UtlRegistry, ReadsNonAsciiTextAsUtf8) {
+    registry.set("InstallDir", "C:\\Prógrams\\日本語\\");
+    EXPECT_EQ(read("InstallDir"), "C:\\Prógrams\\日本語\\");
+}
+
+TEST_F(UtlRegistry, AMissingKeyGivesTheDefault) { EXPECT_EQ(read("Version"), "default"); }
+
+TEST_F(UtlRegistry, AMissingValueGivesTheDefault) {
+    registry.set("Version", "1");
+    EXPECT_EQ(read("Other"), "default");
+}
+
+TEST_F(UtlRegistry, AnExpandableTextCountsAsMissing) {
+    registry.setRaw("Version", REG_EXPAND_SZ, L"x", 4);
+    EXPECT_EQ(read("Version"), "default");
+}
+
+TEST_F(UtlRegistry, ANumberCountsAsMissing) {
+    const DWORD number = 5;
+    registry.setRaw("Version", REG_DWORD, &number, sizeof number);
+    EXPECT_EQ(read("Version"), "default");
+}
+
+TEST_F(UtlRegistry, AnEmptyTextIsNotMissing) {
+    registry.set("Version", "");
+    EXPECT_EQ(read("Version"), "");
+}
+
+TEST_F(UtlRegistry, TheTerminatorMayBeMissingOrDoubled) {
+    registry.setRaw("Version", REG_SZ, L"abc", 6);
+    EXPECT_EQ(read("Version"), "abc");
+    registry.setRaw("Version", REG_SZ, L"abc\0", 10);
+    EXPECT_EQ(read("Version"), "abc");
+}
+
+TEST_F(UtlRegistry, AnOddSizeLosesItsLastByte) {
+    registry.setRaw("Version", REG_SZ, L"abc", 5);
+    EXPECT_EQ(read("Version"), "ab");
+}
+
+TEST_F(UtlRegistry, ALongTextIsReadWhole) {
+    const std::string text(20'000, 'x');
+    registry.set("Version", text);
+    EXPECT_EQ(read("Version"), text);
+}

@@ -1,0 +1,44 @@
+#include "xpl/Xclock.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace {
+
+constexpr std::int64_t kSecond = 1'000'000;
+constexpr std::int64_t kMinute = 60 * kSecond;
+
+}  // namespace
+
+TEST(Xclock, TheSuffixIsTheDifferenceOfLocalTimeToUtc) {
+    const std::int64_t utc = 1'700'000'000 * kSecond;
+    EXPECT_EQ(xclockZoneSuffix(utc + 60 * kMinute, utc), "+0100");
+    EXPECT_EQ(xclockZoneSuffix(utc + 330 * kMinute, utc), "+0530");
+    EXPECT_EQ(xclockZoneSuffix(utc - 300 * kMinute, utc), "-0500");
+    EXPECT_EQ(xclockZoneSuffix(utc + 14 * 60 * kMinute, utc), "+1400");
+}
+
+TEST(Xclock, AZoneAtUtcCountsAsNegative) { EXPECT_EQ(xclockZoneSuffix(0, 0), "-0000"); }
+
+TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
+    const std::int64_t time = 1'709'820'309 * kSecond + 42'000;
+    EXPECT_STREQ(xclockStamp(time, "+0100").data(), "2024-03-07 14:05:09.042+0100");
+    EXPECT_STREQ(xclockStamp(time + 957'000, "").data(), "2024-03-07 14:05:09.999");
+}
+
+TEST(Xclock, NowHasTheResolutionOfAMillisecond) {
+    const std::int64_t now = xclockNow();
+    EXPECT_EQ(now % 1000, 0);
+    const auto utc = std::chrono::duration_cast<std::chrono::microseconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
+    EXPECT_LE(std::abs(now - utc), 15 * 60 * kMinute) << "local time is within 15 h of UTC";
+}
+
+TEST(Xclock, UtcKeepsTheFractionOfASecond) {
+    const std::int64_t local = 1'709'820'309 * kSecond + 42'000;
+    const std::int64_t utc = xclockLocalToUtc(local);
+    EXPECT_EQ((utc % kSecond), 42'000);
+    EXPECT_EQ((local - utc) % (15 * kMinute), 0) << "zones differ by whole quarters of an hour";
+}

@@ -1,0 +1,41 @@
+#include <gtest/gtest.h>
+
+#include "xpl/Xfile.h"
+
+namespace {
+
+using Chain = std::vector<std::wstring>;
+
+}  // namespace
+
+TEST(XfilePath, TheFolderPartEndsAtTheLastBackslash) {
+    EXPECT_EQ(xfileFolderPart("C:\\Data\\Logs/Player.log"), "C:\\Data");
+    EXPECT_EQ(xfileFolderPart("C:\\a"), "C:");
+    EXPECT_EQ(xfileFolderPart("Logs/Player.log"), "");
+    EXPECT_EQ(xfileFolderPart("name"), "");
+    EXPECT_EQ(xfileFolderPart(""), "");
+}
+
+TEST(XfilePath, FoldersOfADrive) {
+    EXPECT_EQ(xfileFolderChain(L"C:\\a\\b"), (Chain{L"\\\\?\\C:\\a", L"\\\\?\\C:\\a\\b"}));
+    EXPECT_EQ(xfileFolderChain(L"C:\\a\\"), (Chain{L"\\\\?\\C:\\a"}));
+    EXPECT_EQ(xfileFolderChain(L"C:\\\\a"), (Chain{L"\\\\?\\C:\\a"}));
+}
+
+TEST(XfilePath, ARootHasNothingToCreate) {
+    EXPECT_EQ(xfileFolderChain(L"C:\\"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\server\\share"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\server\\share\\"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\C:\\"), Chain{});
+}
+
+TEST(XfilePath, FoldersOfAShare) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\server\\share\\a\\b"),
+              (Chain{L"\\\\?\\UNC\\server\\share\\a", L"\\\\?\\UNC\\server\\share\\a\\b"}));
+}
+
+TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\C:\\a"), (Chain{L"\\\\?\\C:\\a"}));
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server\\share\\a"),
+              (Chain{L"\\\\?\\UNC\\server\\share\\a"}));
+}

@@ -1,0 +1,311 @@
+#include "xpl/Xfile.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+class XfileTest : public ::testing::Test {
+protected:
+    // Opens, writes, and tells the status of the first step that failed.
+    static XErr writeWith(const std::string& path, XfileMode mode, std::string_view text) {
+        Xfile file;
+        if (const XErr err = xfileOpen(file, path, mode); err != 0) return err;
+        std::size_t done = 0;
+        return xfileWriteAll(file, text.data(), text.size(), done);
+    }
+
+    // A handle that shares nothing, as a scanner or another program may have it.
+    static HANDLE hold(const std::string& path) {
+        return ::CreateFileW(wideForTests(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
+                             nullptr);
+    }
+
+    TempFolder folder;
+};
+
+}  // namespace
+
+TEST_F(XfileTest, ReadModeNeedsTheFile) {
+    Xfile file;
+    EXPECT_EQ(xfileOpen(file, folder / "missing", XfileMode::Read), XERR_NOENT);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_FALSE(folder.has("missing"));
+}
+
+TEST_F(XfileTest, ReadModeCreatesNoFolder) {
+    Xfile file;
+    EXPECT_EQ(xfileOpen(file, folder / "new\\missing", XfileMode::Read), XERR_NOENT);
+    EXPECT_FALSE(folder.has("new"));
+}
+
+TEST_F(XfileTest, AnUnlistedModeReads) {
+    folder.write("f", "abc");
+    EXPECT_EQ(writeWith(folder / "f", static_cast<XfileMode>(99), "x"), XERR_ACCES);
+    EXPECT_EQ(folder.read("f"), "abc");
+}
+
+TEST_F(XfileTest, ReadWriteModeKeepsWhatIsThere) {
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "abcdef"), 0);
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "XY"), 0);
+    EXPECT_EQ(folder.read("f"), "XYcdef");
+}
+
+TEST_F(XfileTest, AppendModeWritesAtTheEnd) {
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::Append, "one"), 0);
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::Append, "two"), 0);
+    EXPECT_EQ(folder.read("f"), "onetwo");
+}
+
+TEST_F(XfileTest, AppendModeCannotRead) {
+    folder.write("f", "abc");
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Append), 0);
+    char byte = 0;
+    std::uint32_t done = 7;
+    EXPECT_EQ(xfileRead(file, &byte, 1, done), XERR_ACCES);
+    EXPECT_EQ(done, 0u);
+}
+
+TEST_F(XfileTest, WriteNewModeEmptiesAnExistingFile) {
+    folder.write("f", "long content");
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::WriteNew, "s"), 0);
+    EXPECT_EQ(folder.read("f"), "s");
+}
+
+TEST_F(XfileTest, UpdateModeNeedsTheFile) {
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::Update, "x"), XERR_NOENT);
+    EXPECT_FALSE(folder.has("f"));
+    folder.write("f", "abc");
+    EXPECT_EQ(writeWith(folder / "f", XfileMode::Update, "X"), 0);
+    EXPECT_EQ(folder.read("f"), "Xbc");
+}
+
+TEST_F(XfileTest, WritingModesCreateTheMissingFolders) {
+    EXPECT_EQ(writeWith(folder / "a\\b\\c\\f", XfileMode::WriteNew, "x"), 0);
+    EXPECT_EQ(folder.read("a\\b\\c\\f"), "x");
+}
+
+TEST_F(XfileTest, OnlyBackslashesCountForTheMissingFolder) {
+    EXPECT_EQ(writeWith(folder / "new/f", XfileMode::Append, "x"), XERR_NOENT);
+    EXPECT_FALSE(folder.has("new"));
+}
+
+TEST_F(XfileTest, AFileInPlaceOfTheFolderIsTheOpensFailure) {
+    folder.write("a", "file");
+    EXPECT_EQ(writeWith(folder / "a\\f", XfileMode::WriteNew, "x"), XERR_NOENT);
+    EXPECT_EQ(folder.read("a"), "file");
+}
+
+TEST_F(XfileTest, AFolderIsNoFile) {
+    folder.makeFolder("d");
+    EXPECT_EQ(writeWith(folder / "d", XfileMode::WriteNew, "x"), XERR_ACCES);
+}
+
+TEST_F(XfileTest, PathsAreUtf8) {
+    EXPECT_EQ(writeWith(folder / "日本 é\xF0\x9F\x8E\xAE", XfileMode::WriteNew, "x"), 0);
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"日本 é\xF0\x9F\x8E\xAE"});
+    EXPECT_EQ(writeWith(folder / "\xFF", XfileMode::WriteNew, "x"), 101113);
+    EXPECT_EQ(xfileExists(folder / "\xFF"), 101113);
+}
+
+TEST_F(XfileTest, HandlesAreInheritableAndShareEverything) {
+    for (const XfileMode mode : {XfileMode::ReadWrite, XfileMode::Append, XfileMode::WriteNew,
+                                 XfileMode::Update, XfileMode::Read}) {
+        Xfile file;
+        ASSERT_EQ(xfileOpen(file, folder / "f", mode), 0);
+        DWORD flags = 0;
+        ASSERT_TRUE(::GetHandleInformation(file.handle(), &flags));
+        EXPECT_TRUE(flags & HANDLE_FLAG_INHERIT);
+        const HANDLE other =
+            ::CreateFileW(wideForTests(folder / "f").c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
+                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                          OPEN_EXISTING, 0, nullptr);
+        EXPECT_NE(other, INVALID_HANDLE_VALUE);
+        ::CloseHandle(other);
+    }
+}
+
+TEST_F(XfileTest, AHeldFileReportsTheSharingViolation) {
+    folder.write("f", "x");
+    const HANDLE held = hold(folder / "f");
+    Xfile file;
+    EXPECT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 100032);
+    ::CloseHandle(held);
+    EXPECT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+}
+
+TEST_F(XfileTest, ReadAllStopsAtTheEndOfTheFile) {
+    folder.write("f", "abc");
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+    char bytes[8] = {};
+    std::size_t done = 0;
+    EXPECT_EQ(xfileReadAll(file, bytes, 3, done), 0);
+    EXPECT_EQ(done, 3u);
+    EXPECT_EQ(xfileReadAll(file, bytes, 1, done), XERR_NODATA);
+    EXPECT_EQ(done, 0u);
+    EXPECT_STREQ(bytes, "abc");
+}
+
+TEST_F(XfileTest, AZeroLengthWriteAllDoesNotWrite) {
+    Xfile closed;  // any call with its handle would fail
+    std::size_t done = 9;
+    EXPECT_EQ(xfileWriteAll(closed, "", 0, done), 0);
+    EXPECT_EQ(done, 0u);
+    EXPECT_EQ(xfileWriteAll(closed, "x", 1, done), XERR_BADF);
+    EXPECT_EQ(done, 0u);
+}
+
+TEST_F(XfileTest, SizeAndSeek) {
+    folder.write("f", "0123456789");
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+    std::int64_t number = 0;
+    EXPECT_EQ(xfileSize(file, number), 0);
+    EXPECT_EQ(number, 10);
+    EXPECT_EQ(xfileSeek(file, -3, XfileSeekFrom::End, number), 0);
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(xfileSeek(file, 1, XfileSeekFrom::Current, number), 0);
+    EXPECT_EQ(number, 8);
+    char byte = 0;
+    std::uint32_t done = 0;
+    EXPECT_EQ(xfileRead(file, &byte, 1, done), 0);
+    EXPECT_EQ(byte, '8');
+    EXPECT_EQ(xfileSeek(file, -1, XfileSeekFrom::Begin, number), 100131);
+    xfileClose(file);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(xfileSize(file, number), XERR_BADF);
+    xfileClose(file);
+}
+
+TEST_F(XfileTest, MovingAnObjectLeavesNoHandleBehind) {
+    folder.write("f", "x");
+    Xfile first;
+    ASSERT_EQ(xfileOpen(first, folder / "f", XfileMode::Read), 0);
+    Xfile second(std::move(first));
+    EXPECT_TRUE(second.isOpen());
+    Xfile third;
+    third = std::move(second);
+    EXPECT_TRUE(third.isOpen());
+    third = Xfile();
+    const HANDLE exclusive = hold(folder / "f");
+    EXPECT_NE(exclusive, INVALID_HANDLE_VALUE) << "every handle is closed";
+    ::CloseHandle(exclusive);
+}
+
+TEST_F(XfileTest, ExistsSizeAndDeletePerPath) {
+    std::int64_t size = -1;
+    EXPECT_EQ(xfileExists(folder / "f"), XERR_NOENT);
+    EXPECT_EQ(xfileSizeOfPath(folder / "f", size), XERR_NOENT);
+    EXPECT_EQ(xfileDelete(folder / "f"), XERR_NOENT);
+    folder.write("f", "12345");
+    EXPECT_EQ(xfileExists(folder / "f"), 0);
+    EXPECT_EQ(xfileExists(folder.path()), 0);
+    EXPECT_EQ(xfileSizeOfPath(folder / "f", size), 0);
+    EXPECT_EQ(size, 5);
+    EXPECT_EQ(xfileDelete(folder / "f"), 0);
+    EXPECT_FALSE(folder.has("f"));
+}
+
+TEST_F(XfileTest, CreateAndRemoveOneFolder) {
+    EXPECT_EQ(xfileCreateFolder(folder / "d"), 0);
+    EXPECT_EQ(xfileCreateFolder(folder / "d"), 0) << "an existing folder is a success";
+    EXPECT_EQ(xfileCreateFolder(folder / "x\\y"), XERR_NOENT) << "its parent must exist";
+    folder.write("d\\f", "x");
+    EXPECT_EQ(xfileRemoveFolder(folder / "d"), XERR_NOTEMPTY);
+    EXPECT_EQ(xfileDelete(folder / "d\\f"), 0);
+    EXPECT_EQ(xfileRemoveFolder(folder / "d"), 0);
+    EXPECT_FALSE(folder.has("d"));
+}
+
+TEST_F(XfileTest, MakeFoldersTakesBothSeparators) {
+    EXPECT_EQ(xfileMakeFolders(folder / "a/b\\c//d\\"), 0);
+    EXPECT_TRUE(folder.has("a\\b\\c\\d"));
+    EXPECT_EQ(xfileMakeFolders(folder / "a/b\\c//d\\"), 0) << "existing folders are no error";
+}
+
+TEST_F(XfileTest, MakeFoldersWorksBeyond260Characters) {
+    std::string deep = folder.path();
+    while (deep.size() < 600) deep += "\\a folder with a long name";
+    EXPECT_EQ(xfileMakeFolders(deep), 0);
+    EXPECT_EQ(xfileExists("\\\\?\\" + deep), 0);
+}
+
+TEST_F(XfileTest, MakeFoldersTakesARelativePath) {
+    wchar_t before[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, before);
+    ASSERT_TRUE(::SetCurrentDirectoryW(wideForTests(folder.path()).c_str()));
+    EXPECT_EQ(xfileMakeFolders("rel/sub"), 0);
+    ::SetCurrentDirectoryW(before);
+    EXPECT_TRUE(folder.has("rel\\sub"));
+}
+
+TEST_F(XfileTest, MakeFoldersReportsTheFirstRealFailure) {
+    folder.write("file", "x");
+    EXPECT_EQ(xfileMakeFolders(folder / "file\\a\\b"), XERR_NOENT);
+}
+
+TEST_F(XfileTest, MoveReplacesTheDestination) {
+    folder.write("from", "new");
+    folder.write("to", "old");
+    EXPECT_EQ(xfileMove(folder / "from", folder / "to"), 0);
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"to"});
+    EXPECT_EQ(folder.read("to"), "new");
+}
+
+TEST_F(XfileTest, MoveOfAMissingSourceWarnsAndFails) {
+    const LogCapture log;
+    EXPECT_EQ(xfileMove(folder / "from", folder / "to"), XERR_NOENT);
+    EXPECT_EQ(log.texts(), std::vector<std::string>{"W XFILE Error in flushing file " +
+                                                    (folder / "from") +
+                                                    " to disk. Error = 2"});
+    EXPECT_EQ(folder.list(), std::vector<std::string>{});
+}
+
+TEST_F(XfileTest, FlushNeverCreatesTheFile) {
+    EXPECT_EQ(xfileFlush(folder / "f"), XERR_NOENT);
+    EXPECT_FALSE(folder.has("f"));
+    folder.write("f", "x");
+    EXPECT_EQ(xfileFlush(folder / "f"), 0);
+}
+
+TEST_F(XfileTest, APlainMoveDoesNotWaitForAHeldDestination) {
+    folder.write("from", "new");
+    folder.write("to", "old");
+    const HANDLE held = hold(folder / "to");
+    const XErr err = xfileMove(folder / "from", folder / "to");
+    ::CloseHandle(held);
+    EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
+    EXPECT_EQ(folder.read("to"), "old");
+    EXPECT_EQ(folder.read("from"), "new");
+}
+
+TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
+    folder.write("from", "new");
+    folder.write("to", "old");
+    const HANDLE held = hold(folder / "to");
+    std::thread release([held] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(120));
+        ::CloseHandle(held);
+    });
+    EXPECT_EQ(xfileMovePatiently(folder / "from", folder / "to"), 0);
+    release.join();
+    EXPECT_EQ(folder.read("to"), "new");
+}
+
+TEST_F(XfileTest, APatientMoveGivesUpOnALongHold) {
+    folder.write("from", "new");
+    folder.write("to", "old");
+    const HANDLE held = hold(folder / "to");
+    const XErr err = xfileMovePatiently(folder / "from", folder / "to");
+    ::CloseHandle(held);
+    EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
+    EXPECT_EQ(folder.read("to"), "old");
+}

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <thread>
+
+#include "support/LogCapture.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+#include "xpl/XmutexNamed.h"
+#include "xpl/XmutexSecurity.h"
+
+// Last: it needs <windows.h>.
+#include <aclapi.h>
+#include <sddl.h>
+
+namespace {
+
+std::string uniqueName(const char* text) {
+    return "Global\\vtr_test_" + std::string(text) + std::to_string(::GetCurrentProcessId());
+}
+
+using Lines = std::vector<std::string>;
+
+}  // namespace
+
+// Holds the mutex until it is killed or told to end.
+SCENE(holdsMutex) {
+    XmutexNamed mutex;
+    if (mutex.init(arguments[0]) != 0) return 1;
+    const std::lock_guard<XmutexNamed> guard(mutex);
+    std::puts("held");
+    std::fflush(stdout);
+    ::Sleep(60'000);
+    return 0;
+}
+
+SCENE(exitsWithoutUnlocking) {
+    static XmutexNamed& mutex = *new XmutexNamed;
+    if (mutex.init(arguments[0]) != 0) return 1;
+    mutex.lock();
+    ::ExitProcess(0);
+}
+
+TEST(XmutexNamed, LocksAndUnlocks) {
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(uniqueName("a")), 0);
+    mutex.lock();
+    EXPECT_TRUE(mutex.try_lock()) << "recursive for its thread";
+    mutex.unlock();
+    mutex.unlock();
+}
+
+TEST(XmutexNamed, TheSecondCreationOpensTheSameMutex) {
+    const std::string name = uniqueName("b");
+    XmutexNamed first;
+    XmutexNamed second;
+    ASSERT_EQ(first.init(name), 0);
+    ASSERT_EQ(second.init(name), 0);
+    first.lock();
+    bool acquired = true;
+    std::thread([&]() XTS_ATTRIBUTE(no_thread_safety_analysis) {
+        acquired = second.try_lock();
+        if (acquired) second.unlock();
+    }).join();
+    EXPECT_FALSE(acquired);
+    first.unlock();
+}
+
+TEST(XmutexNamed, AMutexHeldByAnotherProcessIsNotAcquired) {
+    const std::string name = uniqueName("c");
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(name), 0);
+    ChildProcess holder = startScene("holdsMutex", {name});
+    ASSERT_EQ(holder.readLine(), "held");
+    EXPECT_FALSE(mutex.try_lock());
+    holder.kill();
+    EXPECT_TRUE(mutex.try_lock()) << "a dead holder is taken over from";
+    mutex.unlock();
+}
+
+TEST(XmutexNamed, AHolderThatExitsWithoutUnlockIsTakenOverFrom) {
+    const std::string name = uniqueName("d");
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(name), 0);
+    ASSERT_EQ(runScene("exitsWithoutUnlocking", {name}).status, 0u);
+    mutex.lock();
+    mutex.unlock();
+    EXPECT_TRUE(mutex.try_lock());
+    mutex.unlock();
+}
+
+TEST(XmutexNamed, InitOnAnInitialisedObjectClosesTheOldHandle) {
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(uniqueName("e")), 0);
+    DWORD before = 0;
+    DWORD after = 0;
+    ::GetProcessHandleCount(::GetCurrentProcess(), &before);
+    for (int i = 0; i < 50; ++i) ASSERT_EQ(mutex.init(uniqueName("e")), 0);
+    ::GetProcessHandleCount(::GetCurrentProcess(), &after);
+    EXPECT_EQ(after, before);
+}
+
+TEST(XmutexNamed, ANameOfAnotherKindOfObjectIsRefused) {
+    const std::string name = uniqueName("f");
+    const HANDLE event = ::CreateEventW(nullptr, FALSE, FALSE, wideForTests(name).c_str());
+    const LogCapture log;
+    XmutexNamed mutex;
+    EXPECT_EQ(mutex.init(name), -1);
+    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex '" + name + "'. Error = 6"});
+    ::CloseHandle(event);
+}
+
+TEST(XmutexNamed, ANameThatIsNotUtf8IsRefused) {
+    const LogCapture log;
+    XmutexNamed mutex;
+    EXPECT_EQ(mutex.init("\xFF"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex '\xFF'. Error = 1113"});
+}
+
+TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
+    const LogCapture log;
+    XmutexNamed mutex;
+    const bool acquired = mutex.try_lock();
+    EXPECT_FALSE(acquired);
+    if (acquired) mutex.unlock();
+    EXPECT_EQ(log.texts(), Lines{"E XMUTEX try_lock: Error in try_lock, GetLastError: 6"});
+}
+
+SCENE(locksUninitialised) {
+    if (xlogLibInit(nullptr, "") != 0) return 1;
+    XmutexNamed mutex;
+    mutex.lock();
+    mutex.unlock();
+    return 0;
+}
+
+TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
+    const ChildResult result = runScene("locksUninitialised");
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("lock: Error in taking lock, GetLastError: 6"), std::string::npos);
+    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"), std::string::npos);
+}
+
+SCENE(unlocksUnowned) {
+    if (xlogLibInit(nullptr, "") != 0) return 1;
+    XmutexNamed mutex;
+    if (mutex.init(arguments[0]) != 0) return 1;
+    [&]() XTS_ATTRIBUTE(no_thread_safety_analysis) { mutex.unlock(); }();
+    return 0;
+}
+
+TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
+    const ChildResult result = runScene("unlocksUnowned", {uniqueName("g")});
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("unlock: Error in unlocking, GetLastError: 288"), std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK:"), std::string::npos);
+}
+
+TEST(XmutexSecurity, GrantsEveryoneAllRightsOnce) {
+    XsidPtr sid;
+    XlocalPtr acl;
+    XlocalPtr descriptor;
+    ASSERT_EQ(xmutexInitSecurityAttribs(sid, acl, descriptor), 0);
+    LPSTR text = nullptr;
+    ASSERT_TRUE(::ConvertSidToStringSidA(sid.get(), &text));
+    EXPECT_STREQ(text, "S-1-1-0");
+    ::LocalFree(text);
+
+    BOOL present = FALSE;
+    BOOL defaulted = TRUE;
+    PACL list = nullptr;
+    ASSERT_TRUE(::GetSecurityDescriptorDacl(descriptor.get(), &present, &list, &defaulted));
+    EXPECT_TRUE(present);
+    EXPECT_FALSE(defaulted);
+    EXPECT_EQ(list, acl.get());
+    ASSERT_EQ(list->AceCount, 1);
+    void* ace = nullptr;
+    ASSERT_TRUE(::GetAce(list, 0, &ace));
+    const auto* allowed = static_cast<const ACCESS_ALLOWED_ACE*>(ace);
+    EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+    EXPECT_EQ(allowed->Header.AceFlags, 0);
+    EXPECT_EQ(allowed->Mask, 0x001FFFFFu);
+    EXPECT_TRUE(::EqualSid(sid.get(), const_cast<DWORD*>(&allowed->SidStart)));
+}

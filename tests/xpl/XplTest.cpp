@@ -1,0 +1,67 @@
+#include "xpl/Xpl.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cwchar>
+
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+
+// Last: its _M constants clash with names inside the C++ library.
+#include <mbctype.h>
+
+namespace {
+
+class XplTest : public ::testing::Test {
+protected:
+    std::string log() const { return folder / "Player.log"; }
+
+    TempFolder folder;
+};
+
+using Lines = std::vector<std::string>;
+
+}  // namespace
+
+TEST_F(XplTest, StartMakesUtf8TheEncodingOfNarrowTexts) {
+    ASSERT_EQ(xplLibInit(nullptr, log()), 0);
+    EXPECT_NE(std::string(std::setlocale(LC_ALL, nullptr)).find("65001"), std::string::npos);
+    EXPECT_EQ(_getmbcp(), 65001);
+    constexpr XlogModule module{XlogTag::XSTR, "test"};
+    XLOG_E(module, "%ls", L"日本");
+    EXPECT_EQ(logMessages(folder.read("Player.log")), Lines{"E XSTR  日本"});
+}
+
+TEST_F(XplTest, ALogOfTheLimitIsRotated) {
+    folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE, 'a'));
+    folder.write("Player.log.1", "one");
+    folder.write("Player.log.2", "two");
+    ASSERT_EQ(xplLibInit(nullptr, log()), 0);
+    EXPECT_EQ(folder.list(), (Lines{"Player.log", "Player.log.1", "Player.log.2"}));
+    EXPECT_EQ(folder.read("Player.log"), "");
+    EXPECT_EQ(folder.read("Player.log.1").size(), std::size_t{10'485'760});
+    EXPECT_EQ(folder.read("Player.log.2"), "one") << "the oldest is replaced";
+}
+
+TEST_F(XplTest, ALogBelowTheLimitIsNot) {
+    folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE - 1, 'a'));
+    ASSERT_EQ(xplLibInit(nullptr, log()), 0);
+    EXPECT_EQ(folder.list(), Lines{"Player.log"});
+    EXPECT_EQ(folder.read("Player.log").size(), std::size_t{10'485'759});
+}
+
+TEST_F(XplTest, TheFirstRotationHasNoOlderLog) {
+    folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE + 5, 'a'));
+    ASSERT_EQ(xplLibInit(nullptr, log()), 0);
+    EXPECT_EQ(folder.list(), (Lines{"Player.log", "Player.log.1"}));
+}
+
+TEST_F(XplTest, ARotationThatFailsDoesNotStopTheStart) {
+    folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE, 'a'));
+    folder.makeFolder("Player.log.1");
+    folder.write("Player.log.1\\inside", "x");
+    folder.makeFolder("Player.log.2");
+    EXPECT_EQ(xplLibInit(nullptr, log()), 0);
+    EXPECT_EQ(folder.read("Player.log").size(), std::size_t{XPL_LOG_ROTATE_SIZE});
+}
