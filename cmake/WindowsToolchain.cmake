@@ -27,6 +27,11 @@ set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../toolchain/wine.s
 set(CMAKE_C_FLAGS_INIT "-gcodeview")
 set(CMAKE_CXX_FLAGS_INIT "-gcodeview")
 
+# The C++ runtime is linked statically: its names are not imported from anywhere.
+foreach(language C CXX)
+    string(APPEND CMAKE_${language}_FLAGS_INIT " -D_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS")
+endforeach()
+
 # What nobody calls stays out of the programs.
 string(APPEND CMAKE_C_FLAGS_INIT " -ffunction-sections -fdata-sections")
 string(APPEND CMAKE_CXX_FLAGS_INIT " -ffunction-sections -fdata-sections")

@@ -46,18 +46,17 @@ bridge_i64 bridgeConfGetI64(const char* key) {
 }
 
 char* bridgeConfGetString(const char* key) {
-    return bridgeValue<char*>(
-        __func__, {key}, [&] { return bridgeHostCopy(confGetString(confStore(), key)); });
+    return bridgeValue<char*>(__func__, {key},
+                              [&] { return bridgeHostCopy(confGetString(confStore(), key)); });
 }
 
 char* bridgeConfGetMultiString(const char* key) {
-    return bridgeValue<char*>(
-        __func__, {key}, [&] { return bridgeHostCopy(confGetMultiString(confStore(), key)); });
+    return bridgeValue<char*>(__func__, {key},
+                              [&] { return bridgeHostCopy(confGetMultiString(confStore(), key)); });
 }
 
 bridge_i32 bridgeConfSetBool(const char* key, bridge_bool value) {
-    return bridgeStatus(__func__, {key},
-                        [&] { return confSetBool(confStore(), key, value != 0); });
+    return bridgeStatus(__func__, {key}, [&] { return confSetBool(confStore(), key, value != 0); });
 }
 
 bridge_i32 bridgeConfSetI32(const char* key, bridge_i32 value) {

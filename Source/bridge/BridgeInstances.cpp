@@ -29,7 +29,8 @@ QJsonObject instanceObject(ConfStore& store, const std::string& name) {
          fromUtf8(utlGetImageTrait(utlImageNameOfInstance(name)).name)},
         {QStringLiteral("displayName"), text("display_name")},
         {QStringLiteral("ram"), number("ram")},
-        {QStringLiteral("cpu"), number("cpus")},  // the one member that is not named as its property
+        {QStringLiteral("cpu"),
+         number("cpus")},  // the one member that is not named as its property
     };
 }
 

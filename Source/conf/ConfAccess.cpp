@@ -23,8 +23,10 @@ Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view key) 
     switch (parts.scope) {
         case ConfScope::Instance:
             return {catalogue.findInstance(parts.property), "iprop", "iprop dir"};
-        case ConfScope::Global: return {catalogue.findGlobal(parts.property), "prop", "prop dir"};
-        case ConfScope::None: break;
+        case ConfScope::Global:
+            return {catalogue.findGlobal(parts.property), "prop", "prop dir"};
+        case ConfScope::None:
+            break;
     }
     return {nullptr, "prop", "prop dir"};
 }

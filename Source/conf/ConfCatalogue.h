@@ -19,7 +19,7 @@ enum class ConfType : std::uint32_t {
 
 struct ConfProperty {
     ConfType type = ConfType::None;
-    std::string defaultValue;  // in the form of the file; may be empty
+    std::string defaultValue;            // in the form of the file; may be empty
     bool excludeFromAllConfigs = false;  // left out of the dump of an instance
     bool deprecated = false;  // accepted from the file, dropped from it at the next commit
 };
@@ -30,7 +30,7 @@ using ConfDirectory = std::map<std::string, ConfProperty, std::less<>>;
 // The declared properties: global ones ("vtr.<name>") and those that every instance has
 // ("vtr.instance.<instance>.<name>"). Built once, then only read, from any thread.
 class ConfCatalogue {
-public:
+ public:
     // A second registration of a name replaces the first.
     void registerGlobal(const std::string& name, ConfProperty property);
     void registerInstance(const std::string& name, ConfProperty property);
@@ -42,7 +42,7 @@ public:
     const ConfProperty* findGlobal(std::string_view name) const;
     const ConfProperty* findInstance(std::string_view name) const;
 
-private:
+ private:
     ConfDirectory globals_;
     ConfDirectory instances_;
 };

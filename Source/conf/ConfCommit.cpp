@@ -15,7 +15,7 @@ constexpr std::size_t kPieceSize = 1 << 20;
 
 // The temporary file of a commit: closed and deleted unless it was moved into place.
 class TemporaryFile {
-public:
+ public:
     TemporaryFile(ConfFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
     ~TemporaryFile() {
         if (!exists_) return;
@@ -41,7 +41,7 @@ public:
         return err;
     }
 
-private:
+ private:
     ConfFiles& files_;
     std::string path_;
     std::unique_ptr<ConfOutput> output_;
@@ -50,7 +50,7 @@ private:
 
 // Writes entries in large pieces. After a failure no more is written.
 class EntryWriter {
-public:
+ public:
     explicit EntryWriter(ConfOutput& output) : output_(output) { piece_.reserve(kPieceSize); }
 
     void write(std::string_view key, std::string_view value) {
@@ -69,7 +69,7 @@ public:
         return result_;
     }
 
-private:
+ private:
     void flush() {
         if (result_ != XERR_SUCCESS) return;
         std::size_t done = 0;
@@ -111,11 +111,11 @@ void applyPending(ConfStore& store) XTS_REQUIRES(store.lock) {
 XErr writeValues(const ConfStore& store, ConfOutput& output) XTS_REQUIRES(store.lock) {
     EntryWriter writer(output);
     std::string key;
-    store.values.forEach([&](std::string_view prefix, std::string_view name,
-                             const std::string& value) {
-        key.assign(prefix).append(name);
-        writer.write(key, value);
-    });
+    store.values.forEach(
+        [&](std::string_view prefix, std::string_view name, const std::string& value) {
+            key.assign(prefix).append(name);
+            writer.write(key, value);
+        });
     return writer.finish();
 }
 

@@ -6,19 +6,19 @@
 namespace {
 
 class DiskOutput final : public ConfOutput {
-public:
+ public:
     explicit DiskOutput(Xfile file) : file_(std::move(file)) {}
 
     XErr write(std::string_view piece, std::size_t& done) override {
         return xfileWriteAll(file_, piece.data(), piece.size(), done);
     }
 
-private:
+ private:
     Xfile file_;
 };
 
 class DiskFiles final : public ConfFiles {
-public:
+ public:
     ConfFileRead read(const std::string& path, std::string& content) override {
         Xfile file;
         if (xfileOpen(file, path, XfileMode::Read) != XERR_SUCCESS) return ConfFileRead::OpenFailed;

@@ -12,7 +12,7 @@ enum class ConfFileRead { Done, OpenFailed, ReadFailed };
 
 // A file that is being written. Destroying it closes it.
 class ConfOutput {
-public:
+ public:
     virtual ~ConfOutput() = default;
 
     // `done` tells how many bytes reached the file, after a failure too.
@@ -22,7 +22,7 @@ public:
 // The file operations of the configuration: the disk, or what a test puts in its place to make an
 // operation fail.
 class ConfFiles {
-public:
+ public:
     virtual ~ConfFiles() = default;
 
     virtual ConfFileRead read(const std::string& path, std::string& content) = 0;

@@ -24,8 +24,7 @@ inline ConfKey confSplitKey(std::string_view key) {
         const std::size_t dot = key.find('.', CONF_INSTANCE_PREFIX.size());
         const std::string_view instance =
             key.substr(CONF_INSTANCE_PREFIX.size(), dot - CONF_INSTANCE_PREFIX.size());
-        const std::string_view property =
-            dot == std::string_view::npos ? key : key.substr(dot + 1);
+        const std::string_view property = dot == std::string_view::npos ? key : key.substr(dot + 1);
         return {ConfScope::Instance, instance, property};
     }
     if (key.substr(0, CONF_PREFIX.size()) == CONF_PREFIX) {

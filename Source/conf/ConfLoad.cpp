@@ -16,7 +16,7 @@ namespace {
 // each step remembers where the one before ended. The store is handed to each step, so that the
 // compiler sees whose lock is held.
 class Loader {
-public:
+ public:
     explicit Loader(ConfStore& store) XTS_REQUIRES(store.lock)
         : feed_(store.values), expected_(store.catalogue.instances().begin()) {}
 
@@ -24,14 +24,17 @@ public:
     bool apply(ConfStore& store, const ConfEntry& entry) XTS_REQUIRES(store.lock) {
         const ConfKey key = confSplitKey(entry.key);
         switch (key.scope) {
-            case ConfScope::Instance: return applyInstance(store, entry, key);
-            case ConfScope::Global: return applyGlobal(store, entry, key);
-            case ConfScope::None: break;
+            case ConfScope::Instance:
+                return applyInstance(store, entry, key);
+            case ConfScope::Global:
+                return applyGlobal(store, entry, key);
+            case ConfScope::None:
+                break;
         }
         return refuse(entry, "prop dir");
     }
 
-private:
+ private:
     bool applyInstance(ConfStore& store, const ConfEntry& entry, const ConfKey& key)
         XTS_REQUIRES(store.lock) {
         const ConfProperty* property = instanceProperty(store.catalogue.instances(), key.property);
@@ -86,7 +89,8 @@ XErr applyContent(ConfStore& store, std::string_view content) XTS_REQUIRES(store
     Loader loader(store);
     for (ConfEntry entry;;) {
         switch (reader.next(entry)) {
-            case ConfRead::End: return XERR_SUCCESS;
+            case ConfRead::End:
+                return XERR_SUCCESS;
             case ConfRead::Malformed:
                 XLOG_E(kLog, "conf file not in correct format, %s",
                        std::string(entry.line).c_str());
@@ -123,7 +127,8 @@ XErr confLoad(ConfStore& store) {
     if (store.path.empty()) return XERR_SUCCESS;
     std::string content;
     switch (store.files.read(store.path, content)) {
-        case ConfFileRead::Done: return applyContent(store, content);
+        case ConfFileRead::Done:
+            return applyContent(store, content);
         case ConfFileRead::OpenFailed:
             XLOG_E(kLog, "open failed for %s", store.path.c_str());
             break;

@@ -12,7 +12,8 @@ constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 template <typename Number>
 bool parse(std::string_view text, Number& number) {
     number = 0;
-    std::string_view digits = text.substr(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
+    std::string_view digits =
+        text.substr(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
     const bool plus = !digits.empty() && digits.front() == '+';
     if (plus) digits.remove_prefix(1);
     if (plus && !digits.empty() && digits.front() == '-') digits = {};

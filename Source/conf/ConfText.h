@@ -26,14 +26,14 @@ enum class ConfRead { Entry, Malformed, End };
 
 // Reads entry after entry. Views point into the content.
 class ConfTextReader {
-public:
+ public:
     explicit ConfTextReader(std::string_view content) : rest_(content) {}
 
     // Malformed (too long, empty, without "=") sets the line only. Throws std::out_of_range for a
     // line that ends at its first "=".
     ConfRead next(ConfEntry& entry);
 
-private:
+ private:
     std::string_view rest_;
 };
 
@@ -41,8 +41,8 @@ private:
 // formatter of the product answers for a line that fills its buffer (4096) or exceeds it (-1).
 int confLineLength(std::string_view key, std::string_view value);
 
-// Whether an entry would read back as it is written: 7 (XERR_2BIG) for a line of 4096 bytes or more,
-// 22 (XERR_INVAL) for a line feed in it or a "=" or NUL in the key.
+// Whether an entry would read back as it is written: 7 (XERR_2BIG) for a line of 4096 bytes or
+// more, 22 (XERR_INVAL) for a line feed in it or a "=" or NUL in the key.
 XErr confCheckEntry(std::string_view key, std::string_view value);
 
 // Appends the line of an entry that passed the check; a value ends at its first NUL.

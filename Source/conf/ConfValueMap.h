@@ -13,7 +13,7 @@
 // ("vtr.instance.<instance>."), so they are kept as one sorted list under it: loading thirty
 // thousand keys takes a thousand nodes, and a lookup compares short names.
 class ConfValueMap {
-public:
+ public:
     // Null when the key is absent. Valid until the next change.
     const std::string* find(std::string_view key) const;
 
@@ -29,7 +29,7 @@ public:
     template <typename Visit>
     void forEach(Visit visit) const;
 
-private:
+ private:
     friend class ConfValueFeed;
 
     struct Entry {
@@ -51,7 +51,7 @@ private:
 // Assigns many keys of one map that come in order, as a file has them: each is looked for right
 // behind the one before.
 class ConfValueFeed {
-public:
+ public:
     explicit ConfValueFeed(ConfValueMap& map) : map_(map) {}
 
     // The keys of this instance come next; the group must exist.
@@ -59,7 +59,7 @@ public:
 
     void assignInInstance(std::string_view name, std::string_view value);
 
-private:
+ private:
     ConfValueMap& map_;
     ConfValueMap::Group* group_ = nullptr;
     std::size_t next_ = 0;

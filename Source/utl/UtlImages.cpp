@@ -35,10 +35,15 @@ constexpr Abi kAbis[] = {
 
 }  // namespace
 
-const UtlImageTrait& utlGetImageTrait(std::string_view imageName) {
+const UtlImageTrait* utlFindImageTrait(std::string_view imageName) {
     for (const UtlImageTrait& image : kImages) {
-        if (imageName == image.name) return image;
+        if (imageName == image.name) return &image;
     }
+    return nullptr;
+}
+
+const UtlImageTrait& utlGetImageTrait(std::string_view imageName) {
+    if (const UtlImageTrait* image = utlFindImageTrait(imageName)) return *image;
     XLOG_E(kLog, "%s: Unknown image %s", "utlGetImageTrait", std::string(imageName).c_str());
     XLOG_FATAL(kLog);
 }

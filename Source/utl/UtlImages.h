@@ -15,7 +15,10 @@ struct UtlImageTrait {
     std::int32_t count;       // for the product's other programs
 };
 
-// The trait record of an image, by its exact name. An unknown image is fatal.
+// The trait record of an image, by its exact name; null for an unknown image.
+const UtlImageTrait* utlFindImageTrait(std::string_view imageName);
+
+// The same for callers that know the image: an unknown one is fatal.
 const UtlImageTrait& utlGetImageTrait(std::string_view imageName);
 
 // Image part of an instance name: the text before its first "_".

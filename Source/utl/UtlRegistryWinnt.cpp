@@ -9,7 +9,7 @@ namespace {
 
 // An open registry key, or none. Closes itself.
 class RegistryKey {
-public:
+ public:
     RegistryKey(HKEY root, const std::wstring& path) {
         if (::RegOpenKeyExW(root, path.c_str(), 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY, &key_) !=
             ERROR_SUCCESS) {
@@ -35,7 +35,7 @@ public:
         return true;
     }
 
-private:
+ private:
     LSTATUS query(const std::wstring& name, DWORD& type, wchar_t* data, DWORD& size) const {
         return ::RegQueryValueExW(key_, name.c_str(), /*lpReserved=*/nullptr, &type,
                                   reinterpret_cast<BYTE*>(data), &size);

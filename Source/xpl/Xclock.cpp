@@ -18,5 +18,6 @@ XclockStamp xclockStamp(std::int64_t local, const char* zoneSuffix) {
 }
 
 std::string xclockZoneSuffix(std::int64_t local, std::int64_t utc) {
-    return local - utc > 0 ? xclockFormat(local - utc, "+%H%M") : xclockFormat(utc - local, "-%H%M");
+    return local - utc > 0 ? xclockFormat(local - utc, "+%H%M")
+                           : xclockFormat(utc - local, "-%H%M");
 }

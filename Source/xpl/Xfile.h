@@ -23,7 +23,7 @@ enum class XfileSeekFrom : std::uint32_t { Begin = 0, Current = 1, End = 2 };
 
 // An open file, or none. Closes itself.
 class Xfile {
-public:
+ public:
     Xfile() = default;
     ~Xfile();
     Xfile(Xfile&& other) noexcept;
@@ -37,7 +37,7 @@ public:
     void* handle() const { return handle_; }
     void adopt(void* handle);
 
-private:
+ private:
     void* handle_ = nullptr;
 };
 

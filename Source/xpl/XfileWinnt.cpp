@@ -22,11 +22,16 @@ struct OpenRow {
 
 OpenRow openRow(XfileMode mode) {
     switch (mode) {
-        case XfileMode::ReadWrite: return {GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS};
-        case XfileMode::Append: return {FILE_APPEND_DATA, OPEN_ALWAYS};
-        case XfileMode::WriteNew: return {GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS};
-        case XfileMode::Update: return {GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING};
-        case XfileMode::Read: break;
+        case XfileMode::ReadWrite:
+            return {GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS};
+        case XfileMode::Append:
+            return {FILE_APPEND_DATA, OPEN_ALWAYS};
+        case XfileMode::WriteNew:
+            return {GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS};
+        case XfileMode::Update:
+            return {GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING};
+        case XfileMode::Read:
+            break;
     }
     return {GENERIC_READ, OPEN_EXISTING};
 }

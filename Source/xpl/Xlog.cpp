@@ -92,7 +92,8 @@ const char* baseName(const char* file) {
 
 const char* tagName(std::int32_t tag) {
     const auto index = static_cast<std::size_t>(tag);
-    const char* name = index < kTagCount ? tags[index].name.load(std::memory_order_relaxed) : nullptr;
+    const char* name =
+        index < kTagCount ? tags[index].name.load(std::memory_order_relaxed) : nullptr;
     return name == nullptr ? "" : name;
 }
 
@@ -108,9 +109,8 @@ std::int32_t writeLine(const Context& to, const XlogLineBuffer& line, std::size_
         return printed;
     }
     std::uint32_t written = 0;
-    if (to.file == nullptr ||
-        xfileWrite(*to.file, line.data(), static_cast<std::uint32_t>(length), written) !=
-            XERR_SUCCESS) {
+    if (to.file == nullptr || xfileWrite(*to.file, line.data(), static_cast<std::uint32_t>(length),
+                                         written) != XERR_SUCCESS) {
         return 0;  // a line that cannot be written is lost: there is nowhere to say so
     }
     return static_cast<std::int32_t>(written);
@@ -125,8 +125,8 @@ std::int32_t defaultPrint(std::int32_t level, std::int32_t tag, const char* file
     const std::shared_ptr<const Context> now = currentContext();
     const XclockStamp stamp = xclockStamp(xclockNow(), now->zoneSuffix.c_str());
     const std::string thread = std::to_string(xsystemThreadId());
-    const XlogLineHeader header{stamp.data(),  xsystemProcessId(),      thread.c_str(),
-                                tagName(tag),  now->clientName.c_str(), levelLetter(level)};
+    const XlogLineHeader header{stamp.data(), xsystemProcessId(),      thread.c_str(),
+                                tagName(tag), now->clientName.c_str(), levelLetter(level)};
     XlogLineSite site;
     if (now->showFile) site.file = baseName(file);
     if (now->showFunction) site.function = function;

@@ -46,8 +46,8 @@ struct XlogLogger {
     Print print XPRINTF_LIKE(6, 7);
 };
 
-// The process-wide pair, through which every line goes. Before xlogLibInit it prints errors, without
-// a tag name, to standard output.
+// The process-wide pair, through which every line goes. Before xlogLibInit it prints errors,
+// without a tag name, to standard output.
 const XlogLogger& xlogGetLogger() noexcept;
 
 // Starts logging. With a logger of the host's nothing else is set up. Otherwise the file is opened
@@ -79,13 +79,11 @@ inline bool xlogIsEnabled(const XlogModule& module, std::int32_t level) noexcept
     return xlogGetLogger().isEnabled(static_cast<std::int32_t>(module.tag), level) != 0;
 }
 
-#define XLOG_AT(module, level, ...)                                                           \
-    (xlogIsEnabled(module, level)                                                             \
-         ? static_cast<void>(xlogGetLogger().print(level,                                     \
-                                                   static_cast<std::int32_t>((module).tag),   \
-                                                   (module).file, __func__, __LINE__,         \
-                                                   __VA_ARGS__))                              \
-         : static_cast<void>(0))
+#define XLOG_AT(module, level, ...)                                                      \
+    (xlogIsEnabled(module, level) ? static_cast<void>(xlogGetLogger().print(             \
+                                        level, static_cast<std::int32_t>((module).tag),  \
+                                        (module).file, __func__, __LINE__, __VA_ARGS__)) \
+                                  : static_cast<void>(0))
 #define XLOG_E(module, ...) XLOG_AT(module, XLOG_ERROR, __VA_ARGS__)
 #define XLOG_W(module, ...) XLOG_AT(module, XLOG_WARNING, __VA_ARGS__)
 #define XLOG_I(module, ...) XLOG_AT(module, XLOG_INFORMATION, __VA_ARGS__)

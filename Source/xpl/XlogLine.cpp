@@ -10,7 +10,7 @@ constexpr std::size_t kLimit = XLOG_LINE_SIZE - 2;  // room for the line feed an
 
 // A line under construction. Text beyond the limit is dropped; `used` then stands at the limit.
 class Line {
-public:
+ public:
     explicit Line(XlogLineBuffer& buffer) : buffer_(buffer) {
         // A formatter that fails may leave part of its room untouched: no old stack bytes there.
         buffer_.fill(' ');
@@ -23,11 +23,9 @@ public:
         va_end(arguments);
     }
 
-    void appendList(const char* format, std::va_list arguments)
-        XPRINTF_LIKE(2, 0) {
+    void appendList(const char* format, std::va_list arguments) XPRINTF_LIKE(2, 0) {
         if (used_ >= kLimit) return;
-        const int length =
-            std::vsnprintf(&buffer_[used_], kLimit + 1 - used_, format, arguments);
+        const int length = std::vsnprintf(&buffer_[used_], kLimit + 1 - used_, format, arguments);
         used_ = length < 0 ? kLimit : std::min(kLimit, used_ + static_cast<std::size_t>(length));
         if (length < 0) blankTerminators();
     }
@@ -39,7 +37,7 @@ public:
         return length;
     }
 
-private:
+ private:
     void blankTerminators() { std::replace(buffer_.begin(), buffer_.end(), '\0', ' '); }
 
     XlogLineBuffer& buffer_;

@@ -3,15 +3,15 @@
 
 #include <string>
 
-#include "xpl/Xerr.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 
 // A machine-wide mutex that every process of the product can open, whatever its user or elevation.
 // It belongs to the thread that locked it and is recursive there; use it with the usual scoped
 // locks. A holder that died is taken over from without a repair step: what the mutex guards must be
 // whole at every moment.
 class XTS_CAPABILITY("mutex") XmutexNamed {
-public:
+ public:
     XmutexNamed() = default;
     ~XmutexNamed() { close(); }
     XmutexNamed(const XmutexNamed&) = delete;
@@ -33,7 +33,7 @@ public:
     // A release that fails is fatal.
     void unlock() XTS_RELEASE();
 
-private:
+ private:
     void* handle_ = nullptr;
 };
 

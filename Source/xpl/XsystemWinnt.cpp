@@ -1,8 +1,7 @@
 // Process-wide services of Windows and of the Universal C Runtime.
-#include "xpl/Xsystem.h"
-
 #include <clocale>
 
+#include "xpl/Xsystem.h"
 #include "xpl/XwindowsLean.h"
 
 // Last: its _M constants clash with names inside the C++ library.

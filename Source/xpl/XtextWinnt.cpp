@@ -1,8 +1,7 @@
 // Conversion between UTF-8 and UTF-16.
-#include "xpl/Xtext.h"
-
 #include <limits>
 
+#include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 
 namespace {

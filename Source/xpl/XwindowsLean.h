@@ -14,6 +14,8 @@
 #include "xpl/Xerr.h"
 
 // Status of the system call that just failed on this thread.
-inline XErr xerrLast() noexcept { return xerrFromWindows(static_cast<std::int32_t>(::GetLastError())); }
+inline XErr xerrLast() noexcept {
+    return xerrFromWindows(static_cast<std::int32_t>(::GetLastError()));
+}
 
 #endif

@@ -77,12 +77,12 @@ typedef unsigned char bridge_bool;
  */
 /**@{*/
 #define BRIDGE_SUCCESS 0
-#define BRIDGE_FAILURE (-1)          /**< Generic failure; the log has the cause. */
-#define BRIDGE_NO_ENTRY 2            /**< A file or folder does not exist. */
-#define BRIDGE_TOO_BIG 7             /**< A configuration line is 4096 bytes or longer. */
-#define BRIDGE_ACCESS 13             /**< Access to a file was denied. */
-#define BRIDGE_INVALID_ARGUMENT 22   /**< An argument was refused. */
-#define BRIDGE_NOT_IMPLEMENTED 38    /**< This build does not have the function yet. */
+#define BRIDGE_FAILURE (-1)        /**< Generic failure; the log has the cause. */
+#define BRIDGE_NO_ENTRY 2          /**< A file or folder does not exist. */
+#define BRIDGE_TOO_BIG 7           /**< A configuration line is 4096 bytes or longer. */
+#define BRIDGE_ACCESS 13           /**< Access to a file was denied. */
+#define BRIDGE_INVALID_ARGUMENT 22 /**< An argument was refused. */
+#define BRIDGE_NOT_IMPLEMENTED 38  /**< This build does not have the function yet. */
 /**@}*/
 
 #ifdef __cplusplus

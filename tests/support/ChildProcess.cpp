@@ -29,7 +29,7 @@ std::wstring commandLine(const std::string& program, const std::vector<std::stri
 
 // Values that CreateProcess inherits from this process while the object lives.
 class ScopedEnvironment {
-public:
+ public:
     explicit ScopedEnvironment(const ChildOptions& options) : values_(options.environment) {
         for (const auto& [name, value] : values_) {
             ::SetEnvironmentVariableW(wideForTests(name).c_str(), wideForTests(value).c_str());
@@ -41,7 +41,7 @@ public:
         }
     }
 
-private:
+ private:
     std::vector<std::pair<std::string, std::string>> values_;
 };
 
@@ -139,8 +139,8 @@ std::string ChildProcess::readLine() {
     std::size_t end;
     while ((end = state_->outText.find('\n')) == std::string::npos) {
         if (!readMore(state_->out.read, state_->outText)) {
-            throw std::runtime_error("child ended without the line; it wrote: " +
-                                     state_->outText + state_->errText);
+            throw std::runtime_error("child ended without the line; it wrote: " + state_->outText +
+                                     state_->errText);
         }
     }
     std::string line = state_->outText.substr(0, end);

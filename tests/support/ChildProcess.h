@@ -26,7 +26,7 @@ struct ChildOptions {
 
 // A running child with its output in pipes. Destroying it kills it.
 class ChildProcess {
-public:
+ public:
     ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
                  const ChildOptions& options = {});
     ~ChildProcess();
@@ -43,7 +43,7 @@ public:
     // The Windows handle, for what this class does not offer.
     void* handle() const;
 
-private:
+ private:
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -73,8 +73,9 @@ std::vector<std::string> logMessages(std::string_view text) {
         R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\S* \d+ +\d+ +(\S*) *(\S*) +([EWIDV]): (.*)$)");
     std::vector<std::string> messages;
     while (!text.empty()) {
-        const std::string line(text.substr(0, text.find('\n')));
+        std::string line(text.substr(0, text.find('\n')));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
+        if (!line.empty() && line.back() == '\r') line.pop_back();  // standard output's text mode
         std::smatch parts;
         if (std::regex_match(line, parts, header)) {
             messages.push_back(parts[3].str() + " " + parts[1].str() + " " + parts[2].str() + " " +

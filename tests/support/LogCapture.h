@@ -10,7 +10,7 @@
 
 // Takes every log line of this process, of every level, while it lives. One at a time.
 class LogCapture {
-public:
+ public:
     LogCapture();
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
@@ -31,7 +31,7 @@ public:
 
     void clear();
 
-private:
+ private:
     XlogLogger previous_;
 };
 

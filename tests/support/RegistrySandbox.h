@@ -7,7 +7,7 @@
 
 // Gives this process, and no other, a HKEY_LOCAL_MACHINE of its own, empty at first.
 class RegistrySandbox {
-public:
+ public:
     RegistrySandbox();
     ~RegistrySandbox();
     RegistrySandbox(const RegistrySandbox&) = delete;
@@ -19,7 +19,7 @@ public:
     // Any value: type and bytes.
     void setRaw(std::string_view name, unsigned long type, const void* data, std::size_t size);
 
-private:
+ private:
     std::wstring key_;
 };
 

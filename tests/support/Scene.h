@@ -18,9 +18,9 @@ struct SceneEntry {
     SceneEntry(const char* name, SceneFunction function);
 };
 
-#define SCENE(name)                                              \
-    static int scene_##name(const SceneArguments& arguments);    \
-    static const SceneEntry entry_##name(#name, scene_##name);   \
+#define SCENE(name)                                            \
+    static int scene_##name(const SceneArguments& arguments);  \
+    static const SceneEntry entry_##name(#name, scene_##name); \
     static int scene_##name([[maybe_unused]] const SceneArguments& arguments)
 
 ChildResult runScene(const std::string& name, const SceneArguments& arguments = {},

@@ -7,7 +7,7 @@
 
 // A folder of the test's own, removed with everything in it. Paths are UTF-8 with "\".
 class TempFolder {
-public:
+ public:
     TempFolder();
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
@@ -26,7 +26,7 @@ public:
     // Names of everything directly inside, sorted.
     std::vector<std::string> list() const;
 
-private:
+ private:
     std::string path_;
 };
 

@@ -1,11 +1,10 @@
-#include "utl/UtlFolders.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdio>
 
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
+#include "utl/UtlFolders.h"
 #include "xpl/Xlog.h"
 
 namespace {

@@ -1,9 +1,8 @@
-#include "utl/UtlImages.h"
-
 #include <gtest/gtest.h>
 
 #include "support/LogCapture.h"
 #include "support/Scene.h"
+#include "utl/UtlImages.h"
 
 TEST(UtlImages, BothImagesHaveTheirTraits) {
     const UtlImageTrait& small = utlGetImageTrait("Nougat32");
@@ -44,13 +43,12 @@ TEST(UtlImages, TheImageOfAnInstanceEndsAtItsFirstUnderscore) {
 }
 
 TEST(UtlImages, AbiListsOfEveryMask) {
-    const char* const wide[] = {"",        "x86",        "x64",           "x86,x64",
-                                "arm",     "x86,arm",    "x64,arm",       "x86,x64,arm",
-                                "arm64",   "x86,arm64",  "x64,arm64",     "x86,x64,arm64",
+    const char* const wide[] = {"",          "x86",           "x64",           "x86,x64",
+                                "arm",       "x86,arm",       "x64,arm",       "x86,x64,arm",
+                                "arm64",     "x86,arm64",     "x64,arm64",     "x86,x64,arm64",
                                 "arm,arm64", "x86,arm,arm64", "x64,arm,arm64", "x86,x64,arm,arm64"};
-    const char* const narrow[] = {"",    "x86",     "",    "x86",     "arm", "x86,arm",
-                                  "arm", "x86,arm", "",    "x86",     "",    "x86",
-                                  "arm", "x86,arm", "arm", "x86,arm"};
+    const char* const narrow[] = {"", "x86", "", "x86", "arm", "x86,arm", "arm", "x86,arm",
+                                  "", "x86", "", "x86", "arm", "x86,arm", "arm", "x86,arm"};
     for (int mask = 1; mask <= 15; ++mask) {
         EXPECT_EQ(utlGetAbiListFromAbiInt(mask, "Nougat64"), wide[mask]) << mask;
         EXPECT_EQ(utlGetAbiListFromAbiInt(mask, "Nougat32"), narrow[mask]) << mask;
@@ -62,10 +60,10 @@ TEST(UtlImages, AMaskOutsideItsRangeIsLoggedAndGivesNothing) {
     EXPECT_EQ(utlGetAbiListFromAbiInt(0, "Nougat64"), "");
     EXPECT_EQ(utlGetAbiListFromAbiInt(16, "Nougat32"), "");
     EXPECT_EQ(utlGetAbiListFromAbiInt(-1, "Pie"), "");
-    EXPECT_EQ(log.texts(), (std::vector<std::string>{
-                               "E UTL Invalid ABI value 0 for imageName Nougat64",
-                               "E UTL Invalid ABI value 16 for imageName Nougat32",
-                               "E UTL Invalid ABI value -1 for imageName Pie"}));
+    EXPECT_EQ(log.texts(),
+              (std::vector<std::string>{"E UTL Invalid ABI value 0 for imageName Nougat64",
+                                        "E UTL Invalid ABI value 16 for imageName Nougat32",
+                                        "E UTL Invalid ABI value -1 for imageName Pie"}));
 }
 
 SCENE(listsAbisOfUnknownImage) {

@@ -1,14 +1,13 @@
-#include "utl/UtlRegistry.h"
-
 #include <gtest/gtest.h>
 
 #include "support/RegistrySandbox.h"
 #include "support/WindowsForTests.h"
+#include "utl/UtlRegistry.h"
 
 namespace {
 
 class UtlRegistry : public ::testing::Test {
-protected:
+ protected:
     static std::string read(const std::string& name) {
         return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, name, "default");
     }

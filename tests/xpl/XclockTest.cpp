@@ -1,8 +1,8 @@
-#include "xpl/Xclock.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
+
+#include "xpl/Xclock.h"
 
 namespace {
 

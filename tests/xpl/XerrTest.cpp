@@ -1,10 +1,9 @@
-#include "xpl/Xerr.h"
-
 #include <gtest/gtest.h>
 
 #include <set>
 
 #include "support/WindowsForTests.h"
+#include "xpl/Xerr.h"
 
 TEST(Xerr, NamesTheSpecialCodes) {
     EXPECT_EQ(xerrName(0), "XERR_SUCCESS");
@@ -35,9 +34,9 @@ TEST(Xerr, EveryCodeFrom0To133ButTwoHasItsOwnName) {
 
 TEST(Xerr, RowsCarryTheNumbersOfTheWindowsHeaders) {
     int rows = 0;
-#define CHECK_ROW(number, name, code)               \
-    EXPECT_EQ(name, static_cast<DWORD>(number));    \
-    EXPECT_EQ(xerrFromWindows(name), XERR_##code);  \
+#define CHECK_ROW(number, name, code)              \
+    EXPECT_EQ(name, static_cast<DWORD>(number));   \
+    EXPECT_EQ(xerrFromWindows(name), XERR_##code); \
     ++rows;
     XERR_WINDOWS_ERRORS(CHECK_ROW)
 #undef CHECK_ROW

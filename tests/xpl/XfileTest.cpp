@@ -1,5 +1,3 @@
-#include "xpl/Xfile.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -8,11 +6,12 @@
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
+#include "xpl/Xfile.h"
 
 namespace {
 
 class XfileTest : public ::testing::Test {
-protected:
+ protected:
     // Opens, writes, and tells the status of the first step that failed.
     static XErr writeWith(const std::string& path, XfileMode mode, std::string_view text) {
         Xfile file;
@@ -264,8 +263,7 @@ TEST_F(XfileTest, MoveOfAMissingSourceWarnsAndFails) {
     const LogCapture log;
     EXPECT_EQ(xfileMove(folder / "from", folder / "to"), XERR_NOENT);
     EXPECT_EQ(log.texts(), std::vector<std::string>{"W XFILE Error in flushing file " +
-                                                    (folder / "from") +
-                                                    " to disk. Error = 2"});
+                                                    (folder / "from") + " to disk. Error = 2"});
     EXPECT_EQ(folder.list(), std::vector<std::string>{});
 }
 

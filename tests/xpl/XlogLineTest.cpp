@@ -1,13 +1,12 @@
-#include "xpl/XlogLine.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "xpl/XlogLine.h"
+
 namespace {
 
-const XlogLineHeader kHeader{"2024-03-07 14:05:09.042+0100", 42,  "7",
-                             "CONF",                         "Helper_bridge", 'I'};
+const XlogLineHeader kHeader{"2024-03-07 14:05:09.042+0100", 42, "7", "CONF", "Helper_bridge", 'I'};
 const std::string kHeaderText = "2024-03-07 14:05:09.042+0100 42    7     CONF   Helper_bridge I: ";
 
 std::string format(const XlogLineHeader& header, const XlogLineSite& site, const char* text, ...)
@@ -38,7 +37,9 @@ TEST(XlogLine, AMessageThatEndsInALineFeedGetsNoSecondOne) {
     EXPECT_EQ(format(kHeader, {}, "m\n"), kHeaderText + "m\n");
 }
 
-TEST(XlogLine, AnEmptyMessageIsALine) { EXPECT_EQ(format(kHeader, {}, "%s", ""), kHeaderText + "\n"); }
+TEST(XlogLine, AnEmptyMessageIsALine) {
+    EXPECT_EQ(format(kHeader, {}, "%s", ""), kHeaderText + "\n");
+}
 
 TEST(XlogLine, ThePlaceInTheSourceStandsBeforeTheMessage) {
     EXPECT_EQ(format(kHeader, {"File", "function", 12}, "m"),

@@ -1,3 +1,8 @@
+// The compiler refuses much of what is tried here, which is what it is for.
+#if defined(__clang__)
+#pragma clang diagnostic ignored "-Wthread-safety-analysis"
+#endif
+
 #include <gtest/gtest.h>
 
 #include <mutex>
@@ -58,7 +63,7 @@ TEST(XmutexNamed, TheSecondCreationOpensTheSameMutex) {
     ASSERT_EQ(second.init(name), 0);
     first.lock();
     bool acquired = true;
-    std::thread([&]() XTS_ATTRIBUTE(no_thread_safety_analysis) {
+    std::thread([&]() {
         acquired = second.try_lock();
         if (acquired) second.unlock();
     }).join();
@@ -145,7 +150,7 @@ SCENE(unlocksUnowned) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
-    [&]() XTS_ATTRIBUTE(no_thread_safety_analysis) { mutex.unlock(); }();
+    mutex.unlock();
     return 0;
 }
 

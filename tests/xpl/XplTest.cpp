@@ -1,5 +1,3 @@
-#include "xpl/Xpl.h"
-
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -7,6 +5,7 @@
 
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "xpl/Xpl.h"
 
 // Last: its _M constants clash with names inside the C++ library.
 #include <mbctype.h>
@@ -14,7 +13,7 @@
 namespace {
 
 class XplTest : public ::testing::Test {
-protected:
+ protected:
     std::string log() const { return folder / "Player.log"; }
 
     TempFolder folder;

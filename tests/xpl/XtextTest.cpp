@@ -1,6 +1,6 @@
-#include "xpl/Xtext.h"
-
 #include <gtest/gtest.h>
+
+#include "xpl/Xtext.h"
 
 namespace {
 

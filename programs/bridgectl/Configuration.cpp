@@ -1,0 +1,137 @@
+#include "Configuration.h"
+
+#include <stdexcept>
+
+#include "conf/ConfKey.h"
+#include "conf/ConfNumber.h"
+#include "conf/ConfText.h"
+
+namespace {
+
+// The entries up to the first line that the library would stop at.
+template <typename Visit>
+void forEachEntry(std::string_view content, Visit visit) {
+    ConfTextReader reader(content);
+    ConfEntry entry;
+    try {
+        while (reader.next(entry) == ConfRead::Entry && visit(entry)) {
+        }
+    } catch (const std::out_of_range&) {
+        // A line that ends at its "=" stops the library too.
+    }
+}
+
+KeyState stateOf(ConfType type, const std::string& text) {
+    std::int32_t number = 0;
+    switch (type) {
+        case ConfType::Bool:
+            if (text.empty()) return KeyState::Unset;
+            return text == "0" || text == "1" ? KeyState::Value : KeyState::Invalid;
+        case ConfType::I32:
+            return confParseI32(text, number) ? KeyState::Value : KeyState::Invalid;
+        default:
+            return KeyState::Value;
+    }
+}
+
+std::optional<std::string> storedBool(std::string_view value) {
+    if (value == "true" || value == "1") return "1";
+    if (value == "false" || value == "0") return "0";
+    return std::nullopt;
+}
+
+// Stricter than the library's reading: the whole text must be the number.
+std::optional<std::string> storedNumber(std::string_view value) {
+    std::int32_t number = 0;
+    if (!confParseI32(value, number) || std::to_string(number) != value) return std::nullopt;
+    return std::string(value);
+}
+
+}  // namespace
+
+Configuration::Configuration(std::string_view content) {
+    forEachEntry(content, [this](const ConfEntry& entry) {
+        if (propertyOf(entry.key) == nullptr) return false;
+        const ConfKey key = confSplitKey(entry.key);
+        if (key.scope == ConfScope::Instance) instances_.emplace(key.instance);
+        stored_[std::string(entry.key)] = entry.value;
+        return true;
+    });
+}
+
+const ConfProperty* Configuration::propertyOf(std::string_view key) const {
+    const ConfKey parts = confSplitKey(key);
+    if (parts.scope == ConfScope::Instance) return catalogue_.findInstance(parts.property);
+    return parts.scope == ConfScope::Global ? catalogue_.findGlobal(parts.property) : nullptr;
+}
+
+KeyInfo Configuration::describe(const std::string& key, const ConfProperty& property) const {
+    const auto stored = stored_.find(key);
+    const std::string& text = stored == stored_.end() ? property.defaultValue : stored->second;
+    return {key, property.type, stateOf(property.type, text), text};
+}
+
+std::optional<KeyInfo> Configuration::find(std::string_view key) const {
+    const ConfProperty* property = propertyOf(key);
+    if (property == nullptr) return std::nullopt;
+    const ConfKey parts = confSplitKey(key);
+    if (parts.scope == ConfScope::Instance && instances_.count(std::string(parts.instance)) == 0) {
+        return std::nullopt;
+    }
+    return describe(std::string(key), *property);
+}
+
+std::optional<ConfType> Configuration::typeOf(std::string_view key) const {
+    const ConfProperty* property = propertyOf(key);
+    return property == nullptr ? std::nullopt : std::optional(property->type);
+}
+
+std::vector<KeyInfo> Configuration::list() const {
+    std::map<std::string, const ConfProperty*> keys;
+    for (const auto& [name, property] : catalogue_.globals()) {
+        keys[confGlobalKey(name)] = &property;
+    }
+    for (const std::string& instance : instances_) {
+        for (const auto& [name, property] : catalogue_.instances()) {
+            keys[confInstancePrefix(instance) + name] = &property;
+        }
+    }
+    std::vector<KeyInfo> all;
+    for (const auto& [key, property] : keys) all.push_back(describe(key, *property));
+    return all;
+}
+
+const char* typeName(ConfType type) {
+    switch (type) {
+        case ConfType::I32:
+            return "i32";
+        case ConfType::I64:
+            return "i64";
+        case ConfType::MultiString:
+            return "multi-string";
+        case ConfType::Bool:
+            return "bool";
+        case ConfType::String:
+            return "string";
+        case ConfType::None:
+            break;
+    }
+    return "none";
+}
+
+std::optional<std::string> storedForm(std::string_view key, ConfType type, std::string_view value) {
+    std::optional<std::string> stored;
+    switch (type) {
+        case ConfType::Bool:
+            stored = storedBool(value);
+            break;
+        case ConfType::I32:
+            stored = storedNumber(value);
+            break;
+        default:
+            stored = value;
+            break;
+    }
+    const bool fits = stored && confCheckEntry(key, *stored) == XERR_SUCCESS;
+    return fits ? stored : std::nullopt;
+}

@@ -1,0 +1,15 @@
+#ifndef BRIDGECTL_CONSOLE_H
+#define BRIDGECTL_CONSOLE_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// UTF-8 in and out: as it stands into files and pipes, converted for a console window.
+void printOut(std::string_view text);
+void printError(std::string_view text);
+
+// The arguments of the command line behind the program's name.
+std::vector<std::string> commandLineArguments();
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef BRIDGECTL_EXITCODE_H
+#define BRIDGECTL_EXITCODE_H
+
+// X(name, number, meaning): how the program ends. The help prints this table.
+#define BRIDGECTL_EXIT_CODES(X)                                            \
+    X(Success, 0, "done")                                                  \
+    X(Usage, 2, "the command line is not understood")                      \
+    X(UnknownName, 3, "no such key or instance")                           \
+    X(BadValue, 4, "the value, stored or given, does not fit the type")    \
+    X(Library, 5, "the library cannot start or failed; see the log")       \
+    X(Commit, 6, "the change could not be written; the old file is whole") \
+    X(Unset, 7, "the key has no value")
+
+enum class ExitCode : int {
+#define BRIDGECTL_ENUMERATOR(name, number, meaning) name = number,
+    BRIDGECTL_EXIT_CODES(BRIDGECTL_ENUMERATOR)
+#undef BRIDGECTL_ENUMERATOR
+};
+
+#endif

@@ -1,0 +1,62 @@
+// bridgectl instances [--json]
+#include <bridge/bridge.h>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "Console.h"
+#include "Session.h"
+#include "Table.h"
+#include "utl/UtlImages.h"
+
+namespace {
+
+struct FreeText {
+    void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
+};
+
+void printTable(const char* text) {
+    std::vector<TableRow> rows{{"INSTANCE", "NAME", "IMAGE", "CPU", "RAM", "GRAPHICS", "PROFILE"}};
+    for (const nlohmann::json& object : nlohmann::json::parse(text)) {
+        rows.push_back({object["instance"], object["displayName"], object["imageName"],
+                        object["cpu"].dump(), object["ram"].dump(),
+                        object["graphicsEngine"].get<std::string>() + "/" +
+                            object["graphicsRenderer"].get<std::string>(),
+                        object["deviceProfile"]});
+    }
+    printOut(formatTable(rows));
+}
+
+// The library's listing ends the process when it meets an instance of an unknown image.
+bool imagesAreKnown(Session& session) {
+    for (const std::string& instance : session.configuration().instances()) {
+        if (utlFindImageTrait(utlImageNameOfInstance(instance)) == nullptr) {
+            return session.fail(ExitCode::UnknownName,
+                                "instance " + instance + " has an unknown image");
+        }
+    }
+    return true;
+}
+
+void run(Session& session, bool json) {
+    if (!session.start() || !imagesAreKnown(session)) return;
+    const std::unique_ptr<char, FreeText> text(bridgeConfGetInstances());
+    if (text == nullptr) {
+        session.fail(ExitCode::Library, "no listing; see the log");
+        return;
+    }
+    json ? printOut(text.get()) : printTable(text.get());
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto json = std::make_shared<bool>(false);
+    parser.add_flag("--json", *json, "The library's JSON as it is");
+    parser.callback([&session, json] { run(session, *json); });
+}
+
+}  // namespace
+
+extern const Command commandInstances;
+const Command commandInstances{"", "instances", "Lists the instances",
+                               "Example: bridgectl instances --json", declare};

@@ -1,0 +1,78 @@
+// bridgectl: the library from a command line.
+#include <bridge/bridge.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "Command.h"
+#include "Console.h"
+#include "Session.h"
+
+namespace {
+
+std::string exitCodeHelp() {
+    std::string text = "Exit codes:\n";
+#define BRIDGECTL_LINE(name, number, meaning) text += "  " #number "  " meaning "\n";
+    BRIDGECTL_EXIT_CODES(BRIDGECTL_LINE)
+#undef BRIDGECTL_LINE
+    return text;
+}
+
+CLI::App& groupOf(CLI::App& app, const Command& command) {
+    const std::string group = command.group;
+    if (group.empty()) return app;
+    if (CLI::App* known = app.get_subcommand_no_throw(group)) return *known;
+    return *app.add_subcommand(group, "Commands on the configuration")->require_subcommand(1);
+}
+
+void declareOptions(CLI::App& app, Session& session) {
+    app.add_option("--client", session.client,
+                   "Client id: Launcher, Installer, LogCollector, Helper or Uninstaller")
+        ->capture_default_str();
+    app.add_option("--log-file", session.logFile, "Log into this file instead of the product's");
+    app.add_flag("--no-conf", session.noConf, "Start with the defaults, without the file");
+    app.set_version_flag("--version", "bridgectl " BRIDGE_VERSION_TEXT);
+    app.footer(exitCodeHelp());
+    app.require_subcommand(1);
+}
+
+int endOf(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {  // --help and --version arrive here
+        const bool isVersion = error.get_name() == "CallForVersion";
+        printOut(isVersion ? app.version() + "\n" : app.help());
+        return static_cast<int>(ExitCode::Success);
+    }
+    printError(error.what());
+    printError("see bridgectl --help");
+    return static_cast<int>(ExitCode::Usage);
+}
+
+int run() {
+    CLI::App app("The bridge native library from a command line.", "bridgectl");
+    Session session;
+    declareOptions(app, session);
+    for (const Command* command : allCommands()) {
+        CLI::App* parser = groupOf(app, *command).add_subcommand(command->name, command->summary);
+        parser->footer(command->details);
+        command->declare(*parser, session);
+    }
+    std::vector<std::string> arguments = commandLineArguments();
+    std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+    try {
+        app.parse(arguments);
+    } catch (const CLI::ParseError& error) {
+        return endOf(app, error);
+    }
+    return static_cast<int>(session.exitCode);
+}
+
+}  // namespace
+
+int main() {
+    try {
+        return run();
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return static_cast<int>(ExitCode::Library);
+    }
+}

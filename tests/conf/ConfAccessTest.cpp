@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include "ConfFixture.h"
+#include "support/Scene.h"
+#include "xpl/Xpl.h"
+
+namespace {
+
+class ConfAccessTest : public ConfTest {
+ protected:
+    void SetUp() override {
+        ASSERT_EQ(init("vtr.enable_adb_access=\"1\"\nvtr.locale=\"en-US\"\n"
+                       "vtr.instance.A.dpi=\"320\"\nvtr.instance.A.enable_vsync=\"1\"\n"),
+                  0);
+    }
+};
+
+}  // namespace
+
+TEST_F(ConfAccessTest, ReadsEveryType) {
+    EXPECT_TRUE(confGetBool(store, "vtr.enable_adb_access"));
+    EXPECT_FALSE(confGetBool(store, "vtr.enable_adb_remote_access"));
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.boot_duration"), -1);
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
+    EXPECT_EQ(confGetMultiString(store, "vtr.shared_folders"),
+              "Documents,Pictures,InputMapper,VtrSharedFolder");
+    EXPECT_EQ(confGetMultiStringList(store, "vtr.shared_folders"),
+              (Lines{"Documents", "Pictures", "InputMapper", "VtrSharedFolder"}));
+}
+
+TEST_F(ConfAccessTest, AnEmptyNumberReadsAsZero) {
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.ram"), 0);
+    EXPECT_EQ(confGetI32(store, "vtr.status.imap_schema_version"), 0);
+}
+
+TEST_F(ConfAccessTest, AKeyOfAnUnknownInstanceReadsAsNothing) {
+    EXPECT_EQ(confGetString(store, "vtr.instance.Z.display_name"), "");
+    EXPECT_EQ(confGetI32(store, "vtr.instance.Z.dpi"), 0);
+}
+
+TEST_F(ConfAccessTest, AStagedValueIsReadAtOnceAndNotCommitted) {
+    EXPECT_EQ(confSetString(store, "vtr.locale", "de-DE"), 0);
+    EXPECT_EQ(confSetI32(store, "vtr.instance.A.dpi", -5), 0);
+    EXPECT_EQ(confSetBool(store, "vtr.enable_adb_access", false), 0);
+    EXPECT_EQ(confSetMultiStringList(store, "vtr.shared_folders", {"a", "", "b"}), 0);
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "de-DE");
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), -5);
+    EXPECT_FALSE(confGetBool(store, "vtr.enable_adb_access"));
+    EXPECT_EQ(confGetMultiString(store, "vtr.shared_folders"), "a,,b");
+    EXPECT_EQ(committed("vtr.locale"), "en-US");
+    EXPECT_TRUE(confIsPropPending(store, "vtr.locale"));
+    EXPECT_FALSE(confIsPropPending(store, "vtr.guid"));
+}
+
+TEST_F(ConfAccessTest, NumbersAreStagedInDecimal) {
+    confSetI32(store, "vtr.instance.A.dpi", INT32_MIN);
+    EXPECT_EQ(confGetStringInternal(store, "vtr.instance.A.dpi", ConfType::I32), "-2147483648");
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), INT32_MIN);
+}
+
+TEST_F(ConfAccessTest, SettingTheCommittedValueTakesTheChangeBack) {
+    confSetString(store, "vtr.log_levels", "*:D");
+    EXPECT_TRUE(confHasPendingChanges(store));
+    confSetString(store, "vtr.log_levels", "*:I");
+    EXPECT_FALSE(confHasPendingChanges(store));
+}
+
+TEST_F(ConfAccessTest, SettingAnUnknownInstanceMakesItKnownWithItsDefaults) {
+    confSetI32(store, "vtr.instance.New.ram", 2048);
+    EXPECT_EQ(confGetInstances(store).count("New"), 1u);
+    EXPECT_EQ(committed("vtr.instance.New.display_name"), "Vantrel");
+    EXPECT_EQ(committed("vtr.instance.New.ram"), "");
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.ram"), 2048);
+}
+
+TEST_F(ConfAccessTest, SettingANewInstancesKeyToItsDefaultStagesNothing) {
+    confSetI32(store, "vtr.instance.New.dpi", 240);
+    EXPECT_EQ(confGetInstances(store).count("New"), 1u);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    log.clear();
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(log.texts(XLOG_DEBUG),
+              Lines{"D CONF No changes in conf file, so nothing to commit."});
+}
+
+TEST_F(ConfAccessTest, DiscardingForgetsEveryChange) {
+    confSetString(store, "vtr.locale", "x");
+    EXPECT_EQ(confDiscardChanges(store), 0);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
+}
+
+TEST_F(ConfAccessTest, TypeNoneSkipsValidation) {
+    EXPECT_EQ(confSetStringInternal(store, "vtr.unheard_of", ConfType::None, "x"), 0);
+    EXPECT_TRUE(confIsPropPending(store, "vtr.unheard_of"));
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(ConfAccessTest, TheCurrentInstanceShortensKeys) {
+    EXPECT_EQ(confGetCurrentInstance(store), "");
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    EXPECT_EQ(confGetCurrentInstance(store), "A");
+    EXPECT_EQ(confCurrentInstanceKey(store, "dpi"), "vtr.instance.A.dpi");
+    EXPECT_EQ(confGetI32(store, confCurrentInstanceKey(store, "dpi")), 320);
+    EXPECT_TRUE(confGetBool(store, confCurrentInstanceKey(store, "enable_vsync")));
+    confSetI32(store, confCurrentInstanceKey(store, "dpi"), 5);
+    EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
+}
+
+TEST_F(ConfAccessTest, AnUnknownInstanceCannotBeCurrent) {
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    EXPECT_EQ(confSetCurrentInstance(store, "X"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF Instance X doesn't exist"});
+    EXPECT_EQ(confGetCurrentInstance(store), "A");
+}
+
+TEST_F(ConfAccessTest, RestoringADefaultStagesIt) {
+    EXPECT_EQ(confRestorePropDefault(store, "vtr.enable_adb_access"), 0);
+    EXPECT_FALSE(confGetBool(store, "vtr.enable_adb_access"));
+    EXPECT_TRUE(confIsPropPending(store, "vtr.enable_adb_access"));
+}
+
+TEST_F(ConfAccessTest, RestoringLeavesAPendingChangeWhereTheFileHasTheDefault) {
+    confSetString(store, "vtr.log_levels", "*:D");
+    EXPECT_EQ(confRestorePropDefault(store, "vtr.log_levels"), 0);
+    EXPECT_EQ(confGetString(store, "vtr.log_levels"), "*:D");
+}
+
+TEST_F(ConfAccessTest, ValidationSaysWhyNot) {
+    EXPECT_TRUE(confValidateProp(store, "vtr.locale", ConfType::String, false));
+    EXPECT_TRUE(confValidateProp(store, "vtr.instance.Z.dpi", ConfType::I32, false));
+    EXPECT_EQ(log.texts(), Lines{});
+    EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(store, "vtr.locale", ConfType::I32, false));
+    EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.nothing", ConfType::I32, false));
+    EXPECT_FALSE(confValidateProp(store, "vtr.instance.A", ConfType::I32, false));
+    EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::Bool, false));
+    EXPECT_FALSE(confValidateProp(store, "locale", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(store, "", ConfType::String, false));
+    EXPECT_EQ(log.texts(), (Lines{"E CONF vtr.nothing prop not found in prop dir",
+                                  "E CONF vtr.locale type of the prop is not matching",
+                                  "E CONF vtr.instance.A.nothing prop not found in iprop dir",
+                                  "E CONF vtr.instance.A prop not found in iprop dir",
+                                  "E CONF vtr.instance.A.dpi type of the iprop is not matching",
+                                  "E CONF locale prop not found in prop dir",
+                                  "E CONF  prop not found in prop dir"}));
+}
+
+TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
+    ConfCatalogue old;
+    old.registerGlobal("old", {ConfType::String, "", false, true});
+    ConfStore other(old, confDiskFiles());
+    EXPECT_TRUE(confValidateProp(other, "vtr.old", ConfType::String, true));
+    EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
+    EXPECT_EQ(log.texts(), Lines{"E CONF confValidateProp: Deprecated conf vtr.old"});
+}
+
+TEST(ConfMultiString, SplitsAtEveryComma) {
+    EXPECT_EQ(confSplitMultiString(""), Lines{});
+    EXPECT_EQ(confSplitMultiString("a"), Lines{"a"});
+    EXPECT_EQ(confSplitMultiString("a,"), (Lines{"a", ""}));
+    EXPECT_EQ(confSplitMultiString(",a,,b"), (Lines{"", "a", "", "b"}));
+    EXPECT_EQ(confSplitMultiString(","), (Lines{"", ""}));
+}
+
+TEST(ConfMultiString, JoiningLosesLeadingEmptyElementsOnly) {
+    EXPECT_EQ(confJoinMultiString({}), "");
+    EXPECT_EQ(confJoinMultiString({"", "a"}), "a");
+    EXPECT_EQ(confJoinMultiString({"a", "", "b"}), "a,,b");
+    EXPECT_EQ(confJoinMultiString({"a", ""}), "a,");
+}
+
+// Does one fatal thing, with the log on standard output.
+SCENE(confFatal) {
+    TempFolder folder;
+    const std::string path = folder.write(
+        "c",
+        "vtr.feature.rooting=\"maybe\"\nvtr.mem_pcd_pclimit=\"abc\"\nvtr.instance.A.dpi=\"1\"\n");
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    ConfStore& store = confStore();
+    if (confLibInit(store, path, false) != 0) return 2;
+    const std::string& what = arguments[0];
+    if (what == "getUnknown") confGetString(store, "vtr.nothing");
+    if (what == "getWrongType") confGetI32(store, "vtr.locale");
+    if (what == "getI64") confGetI64(store, "vtr.next_vm_id");
+    if (what == "getEmptyBool") confGetBool(store, "vtr.prefer_dedicated_gpu");
+    if (what == "getBadBool") confGetBool(store, "vtr.feature.rooting");
+    if (what == "getBadNumber") confGetI32(store, "vtr.mem_pcd_pclimit");
+    if (what == "getMissingBool") confGetBool(store, "vtr.instance.Z.enable_vsync");
+    if (what == "setUnknown") confSetString(store, "vtr.nothing", "x");
+    if (what == "setWrongType") confSetBool(store, "vtr.locale", true);
+    if (what == "restoreUnknown") confRestorePropDefault(store, "vtr.nothing");
+    if (what == "restoreShort") confRestorePropDefault(store, "vt");
+    if (what == "getRemoved") {
+        {
+            const std::lock_guard<std::mutex> guard(store.lock);
+            store.removals.insert("vtr.instance.A.dpi");
+        }
+        confGetI32(store, "vtr.instance.A.dpi");
+    }
+    return 0;
+}
+
+namespace {
+
+struct FatalCase {
+    const char* what;
+    const char* message;  // the line before the fatal one; null: none
+};
+
+void PrintTo(const FatalCase& fatal, std::ostream* out) { *out << fatal.what; }
+
+class ConfFatalTest : public ::testing::TestWithParam<FatalCase> {};
+
+}  // namespace
+
+TEST_P(ConfFatalTest, EndsTheProcess) {
+    const ChildResult result = runScene("confFatal", {GetParam().what});
+    EXPECT_EQ(result.status, kFatalStatus);
+    Lines lines;
+    for (const std::string& line : logMessages(result.out)) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back().rfind("E CONF  FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u)
+        << lines.back();
+    ASSERT_EQ(lines.size(), GetParam().message == nullptr ? 1u : 2u) << result.out;
+    if (GetParam().message != nullptr) {
+        EXPECT_EQ(lines[0], std::string("E CONF  ") + GetParam().message);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ConfFatalTest,
+    ::testing::Values(
+        FatalCase{"getUnknown", "vtr.nothing prop not found in prop dir"},
+        FatalCase{"getWrongType", "vtr.locale type of the prop is not matching"},
+        FatalCase{"getI64", "vtr.next_vm_id type of the prop is not matching"},
+        FatalCase{"getEmptyBool", "confGetBool error for vtr.prefer_dedicated_gpu:"},
+        FatalCase{"getBadBool", "confGetBool error for vtr.feature.rooting:maybe"},
+        FatalCase{"getBadNumber", "confGetI32 error for vtr.mem_pcd_pclimit:abc"},
+        FatalCase{"getMissingBool", "confGetBool error for vtr.instance.Z.enable_vsync:"},
+        FatalCase{"setUnknown", "vtr.nothing prop not found in prop dir"},
+        FatalCase{"setWrongType", "vtr.locale type of the prop is not matching"},
+        FatalCase{"restoreUnknown", nullptr}, FatalCase{"restoreShort", nullptr},
+        FatalCase{"getRemoved",
+                  "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]"}),
+    [](const auto& info) { return std::string(info.param.what); });

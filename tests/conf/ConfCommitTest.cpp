@@ -1,0 +1,499 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <thread>
+
+#include "ConfFixture.h"
+#include "conf/ConfText.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+#include "xpl/XmutexNamed.h"
+#include "xpl/Xpl.h"
+
+namespace {
+
+using ConfCommitTest = ConfTest;
+
+// Passes on to the disk until the step that is to fail.
+class FailingFiles final : public ConfFiles {
+ public:
+    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before a write fails
+    XErr writeError = XERR_NOSPC;
+    bool failReplace = false;
+    std::vector<std::string> removed;
+
+    ConfFileRead read(const std::string& path, std::string& content) override {
+        return confDiskFiles().read(path, content);
+    }
+    XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override {
+        std::unique_ptr<ConfOutput> disk;
+        const XErr err = confDiskFiles().create(path, disk);
+        if (err == XERR_SUCCESS) output = std::make_unique<Output>(*this, std::move(disk));
+        return err;
+    }
+    XErr replace(const std::string& source, const std::string& destination) override {
+        return failReplace ? XERR_ACCES : confDiskFiles().replace(source, destination);
+    }
+    void remove(const std::string& path) override {
+        removed.push_back(path);
+        confDiskFiles().remove(path);
+    }
+
+ private:
+    class Output final : public ConfOutput {
+     public:
+        Output(FailingFiles& files, std::unique_ptr<ConfOutput> disk)
+            : files_(files), disk_(std::move(disk)) {}
+        XErr write(std::string_view piece, std::size_t& done) override {
+            if (piece.size() <= files_.writeLimit) {
+                files_.writeLimit -= piece.size();
+                return disk_->write(piece, done);
+            }
+            done = files_.writeLimit;
+            return files_.writeError;
+        }
+
+     private:
+        FailingFiles& files_;
+        std::unique_ptr<ConfOutput> disk_;
+    };
+};
+
+}  // namespace
+
+TEST_F(ConfCommitTest, WritesEveryKeyInByteOrder) {
+    ASSERT_EQ(init("vtr.instance.Nougat64_2.display_name=\"Ünïcode 日本\"\n"
+                   "vtr.instance.Nougat64_10.dpi=\"320\"\nvtr.locale=\"en-US\"\n"),
+              0);
+    confSetString(store, "vtr.guid", "say \"hi\" = \\x");
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.locale"] = "en-US";
+    expected["vtr.guid"] = "say \"hi\" = \\x";
+    expected["vtr.instance.Nougat64_2.display_name"] = "Ünïcode 日本";
+    expected["vtr.instance.Nougat64_10.dpi"] = "320";
+    addInstanceDefaults(expected, "Nougat64_2");
+    addInstanceDefaults(expected, "Nougat64_10");
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    EXPECT_EQ(log.texts(), Lines{"I CONF confCommitToFile args: " + path()});
+    EXPECT_FALSE(confHasPendingChanges(store));
+}
+
+TEST_F(ConfCommitTest, WithoutAChangeNothingIsWritten) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    log.clear();
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+    EXPECT_EQ(log.texts(XLOG_VERBOSE),
+              Lines{"D CONF No changes in conf file, so nothing to commit."});
+}
+
+TEST_F(ConfCommitTest, CommittingToAFileAlwaysWrites) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    EXPECT_EQ(confCommitToFile(store, folder / "new\\sub\\copy"), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.locale"] = "a";
+    EXPECT_EQ(folder.read("new\\sub\\copy"), fileText(expected));
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n") << "the loaded file is only read";
+}
+
+TEST_F(ConfCommitTest, WhatOthersCommittedMeanwhileIsKept) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.guid=\"old\"\n"), 0);
+    confSetString(store, "vtr.guid", "mine");
+    folder.write("vantrel.conf",
+                 "vtr.guid=\"theirs\"\nvtr.locale=\"b\"\nvtr.instance.N.dpi=\"7\"\n");
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.guid"] = "mine";
+    expected["vtr.locale"] = "b";
+    expected["vtr.instance.N.dpi"] = "7";
+    addInstanceDefaults(expected, "N");
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    EXPECT_EQ(confGetInstances(store).count("N"), 1u);
+}
+
+TEST_F(ConfCommitTest, KeysThatAnotherProgramDeletedComeBack) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"7\"\nvtr.instance.B.dpi=\"8\"\n"), 0);
+    folder.write("vantrel.conf", "vtr.instance.B.dpi=\"8\"\n");
+    confSetString(store, "vtr.guid", "x");
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"7\"\n"), std::string::npos);
+}
+
+TEST_F(ConfCommitTest, ANewInstanceIsMissingFromTheSetUntilTheNextLoad) {
+    ASSERT_EQ(init(""), 0);
+    confSetI32(store, "vtr.instance.New.ram", 1);
+    EXPECT_EQ(confGetInstances(store).size(), 1u);
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(confGetInstances(store).size(), 0u);
+    EXPECT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store).size(), 1u);
+}
+
+TEST_F(ConfCommitTest, RemovedKeysLeaveTheFile) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"7\"\n"), 0);
+    {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        for (const auto& entry : catalogue.instances()) {
+            store.removals.insert("vtr.instance.A." + entry.first);
+        }
+        store.instances.clear();
+    }
+    EXPECT_TRUE(confHasPendingChanges(store));
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(globalDefaults()));
+    EXPECT_EQ(confGetInstances(store).count("A"), 1u) << "listed until the next load";
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store).count("A"), 0u);
+}
+
+TEST_F(ConfCommitTest, DeprecatedKeysAreDroppedFromTheFile) {
+    ConfCatalogue old;
+    old.registerGlobal("kept", {ConfType::String, "k"});
+    old.registerGlobal("old", {ConfType::String, "d", false, true});
+    ConfStore other(old, confDiskFiles());
+    folder.write("vantrel.conf", "vtr.old=\"x\"\n");
+    ASSERT_EQ(confLibInit(other, path(), true), 0);
+    EXPECT_EQ(confGetString(other, "vtr.old"), "x");
+    ASSERT_EQ(confCommitToFile(other, path()), 0);
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.kept=\"k\"\n");
+}
+
+TEST_F(ConfCommitTest, WithCarriageReturnsTheClosingQuotesStay) {
+    ASSERT_EQ(init("vtr.locale=\"en\"\r\n"), 0);
+    ASSERT_EQ(confCommitToFile(store, path()), 0);
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"en\"\"\n"), std::string::npos);
+}
+
+TEST_F(ConfCommitTest, ATemporaryFileThatCannotBeCreatedChangesNothing) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    folder.makeFolder("vantrel.conf-temp");
+    confSetString(store, "vtr.guid", "x");
+    log.clear();
+    EXPECT_EQ(confCommit(store), XERR_ACCES);
+    EXPECT_EQ(log.texts(), (Lines{"I CONF confCommitToFile args: " + path(),
+                                  "E CONF confCommitToFile: xfileOpen failed, err = 13 "
+                                  "[XERR_ACCES]"}));
+    EXPECT_TRUE(confHasPendingChanges(store));
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+    EXPECT_TRUE(folder.has("vantrel.conf-temp"));
+}
+
+TEST_F(ConfCommitTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
+    ASSERT_EQ(init(""), 0);
+    folder.write("file", "x");
+    log.clear();
+    EXPECT_EQ(confCommitToFile(store, folder / "file\\sub\\copy"), XERR_NOENT);
+    EXPECT_EQ(log.texts().back(),
+              "E CONF confCommitToFile: xfileOpen failed, err = 2 [XERR_NOENT]");
+    EXPECT_EQ(folder.read("file"), "x");
+}
+
+TEST_F(ConfCommitTest, AFailedReloadKeepsTheChangesPending) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.guid", "x");
+    folder.write("vantrel.conf", "broken\n");
+    log.clear();
+    EXPECT_EQ(confCommit(store), -1);
+    EXPECT_EQ(log.texts().back(), "E CONF conf file not in correct format, broken");
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    EXPECT_EQ(folder.read("vantrel.conf"), "broken\n");
+    EXPECT_TRUE(confIsPropPending(store, "vtr.guid"));
+}
+
+TEST_F(ConfCommitTest, AMissingConfFileIsNeverCreated) {
+    ASSERT_EQ(confLibInit(store, path(), false), -1);
+    confSetString(store, "vtr.guid", "x");
+    EXPECT_EQ(confCommit(store), -1);
+    EXPECT_EQ(folder.list(), Lines{});
+}
+
+TEST_F(ConfCommitTest, AnExceptionInTheReloadDeletesTheTemporaryFile) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.guid", "x");
+    folder.write("vantrel.conf", "vtr.locale=");
+    EXPECT_THROW(static_cast<void>(confCommit(store)), std::out_of_range);
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    folder.write("vantrel.conf", "");
+    EXPECT_EQ(confCommit(store), 0) << "every lock was released";
+}
+
+TEST_F(ConfCommitTest, WithoutAConfFileTheMoveFails) {
+    ASSERT_EQ(initWithoutFile(), 0);
+    wchar_t before[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, before);
+    ASSERT_TRUE(::SetCurrentDirectoryW(wideForTests(folder.path()).c_str()));
+    confSetString(store, "vtr.guid", "x");
+    log.clear();
+    const XErr err = confCommit(store);
+    ::SetCurrentDirectoryW(before);
+    EXPECT_EQ(err, XERR_NOENT);
+    EXPECT_EQ(log.texts(), (Lines{"I CONF confCommitToFile args: ",
+                                  "E CONF xfileMove failed, err = 2 [XERR_NOENT]"}));
+    EXPECT_EQ(folder.list(), Lines{}) << "\"-temp\" is deleted";
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(committed("vtr.guid"), "x") << "the change is only in memory";
+}
+
+TEST_F(ConfCommitTest, AFailedMoveDeletesTheTemporaryFile) {
+    ASSERT_EQ(init(""), 0);
+    folder.makeFolder("target");
+    log.clear();
+    EXPECT_EQ(confCommitToFile(store, folder / "target"), XERR_ACCES);
+    EXPECT_EQ(log.texts().back(), "E CONF xfileMove failed, err = 13 [XERR_ACCES]");
+    EXPECT_EQ(folder.list(), (Lines{"target", "vantrel.conf"}));
+}
+
+TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplacedAllTheSame) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    const HANDLE held =
+        ::CreateFileW(wideForTests(path()).c_str(), GENERIC_READ,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    std::thread release([held] {
+        ::Sleep(150);
+        ::CloseHandle(held);
+    });
+    EXPECT_EQ(confCommit(store), 0);
+    release.join();
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"b\""), std::string::npos);
+}
+
+TEST_F(ConfCommitTest, AFileHeldForLongStaysAndTheTemporaryFileGoes) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    const HANDLE held =
+        ::CreateFileW(wideForTests(path()).c_str(), GENERIC_READ,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    const XErr err = confCommit(store);
+    ::CloseHandle(held);
+    EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+}
+
+TEST_F(ConfCommitTest, AFailedWriteNamesTheFirstLineThatIsNotWhole) {
+    const std::string text = fileText(globalDefaults());
+    const std::size_t third = text.find('\n', text.find('\n') + 1) + 1;
+    const std::string thirdLine = text.substr(third, text.find('\n', third) + 1 - third);
+    for (const std::size_t written : {third, third + 1, third + thirdLine.size() - 1}) {
+        FailingFiles files;
+        files.writeLimit = written;
+        ConfStore failing(catalogue, files);
+        folder.write("vantrel.conf", "");
+        ASSERT_EQ(confLibInit(failing, path(), false), 0);
+        log.clear();
+        EXPECT_EQ(confCommitToFile(failing, path()), XERR_NOSPC);
+        EXPECT_EQ(log.texts().back(),
+                  "E CONF xfileWrite failed for " + thirdLine + ", err = 28 [XERR_NOSPC]");
+        EXPECT_EQ(log.texts().size(), 2u);
+        EXPECT_EQ(files.removed, Lines{path() + "-temp"});
+        EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+        EXPECT_EQ(folder.read("vantrel.conf"), "");
+    }
+}
+
+TEST_F(ConfCommitTest, AWriteThatFailsAtOnceNamesTheFirstLine) {
+    FailingFiles files;
+    files.writeLimit = 0;
+    ConfStore failing(catalogue, files);
+    folder.write("vantrel.conf", "");
+    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    confSetString(failing, "vtr.guid", "x");
+    log.clear();
+    EXPECT_EQ(confCommit(failing), XERR_NOSPC);
+    EXPECT_EQ(log.texts().back(),
+              "E CONF xfileWrite failed for vtr.campaign_hash=\"\"\n, err = 28 [XERR_NOSPC]");
+    EXPECT_FALSE(confHasPendingChanges(failing)) << "merged into the map, and only there";
+    EXPECT_EQ(confGetString(failing, "vtr.guid"), "x");
+}
+
+TEST_F(ConfCommitTest, TheNextCommitBringsWhatAFailedMoveLeftInMemory) {
+    FailingFiles files;
+    files.failReplace = true;
+    ConfStore failing(catalogue, files);
+    folder.write("vantrel.conf", "");
+    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    confSetString(failing, "vtr.guid", "x");
+    EXPECT_EQ(confCommit(failing), XERR_ACCES);
+    EXPECT_EQ(folder.read("vantrel.conf"), "");
+    files.failReplace = false;
+    EXPECT_EQ(confCommit(failing), 0) << "nothing is pending any more";
+    EXPECT_EQ(folder.read("vantrel.conf"), "");
+    EXPECT_EQ(confCommitToFile(failing, path()), 0);
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"x\""), std::string::npos);
+}
+
+TEST_F(ConfCommitTest, AnEntryOf4096BytesOrMoreIsRefusedAndTheOldFileStays) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    struct {
+        std::size_t line;  // with its line feed
+        int shown;
+    } const cases[] = {{4096, 4096}, {4097, -1}, {9000, -1}};
+    for (const auto& [size, shown] : cases) {
+        const std::string value(size - 12, 'x');
+        confSetString(store, "vtr.guid", value);
+        log.clear();
+        EXPECT_EQ(confCommit(store), XERR_2BIG);
+        EXPECT_EQ(log.texts().back(), "E CONF invalid conf entry vtr.guid=\"" + value +
+                                          "\", prop len = " + std::to_string(shown) +
+                                          ", max len = 4096");
+        EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+        EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    }
+    confSetString(store, "vtr.guid", std::string(4095 - 12, 'x'));
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(confReload(store), 0) << "what was written reads back";
+}
+
+TEST_F(ConfCommitTest, AFileWithALineThatCannotBeWrittenAgainLoadsAndBlocksCommits) {
+    for (const std::size_t size : {4095u, 4096u}) {
+        ASSERT_EQ(init("vtr.guid=\"" + std::string(size - 11, 'x') + "\"\n"), 0);
+        confSetString(store, "vtr.locale", std::to_string(size));
+        EXPECT_EQ(confCommit(store), XERR_2BIG);
+        confSetString(store, "vtr.guid", "short");
+        EXPECT_EQ(confCommit(store), 0);
+    }
+    ASSERT_EQ(init("vtr.guid=\"" + std::string(4094 - 11, 'x') + "\"\n"), 0);
+    confSetString(store, "vtr.locale", "fits");
+    EXPECT_EQ(confCommit(store), 0);
+}
+
+TEST_F(ConfCommitTest, ALineFeedInAValueIsRefusedUntilItIsSetAgain) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.guid", "x\ny");
+    log.clear();
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    EXPECT_EQ(log.texts().back(),
+              "E CONF invalid conf entry vtr.guid=\"x\ny\", prop len = 15, max len = 4096");
+    confSetString(store, "vtr.locale", "b");
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    confSetString(store, "vtr.guid", "xy");
+    EXPECT_EQ(confCommit(store), 0);
+}
+
+TEST_F(ConfCommitTest, AnImpossibleInstanceNameBlocksTheCommitsOfThisProcess) {
+    ASSERT_EQ(init(""), 0);
+    confSetI32(store, "vtr.instance.a=b.dpi", 1);
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    confSetString(store, "vtr.locale", "x");
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    EXPECT_EQ(folder.read("vantrel.conf"), "");
+}
+
+TEST_F(ConfCommitTest, AFailedWriteComesBeforeALaterEntryThatIsRefused) {
+    FailingFiles files;
+    files.writeLimit = 0;
+    ConfStore failing(catalogue, files);
+    folder.write("vantrel.conf", "");
+    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    confSetString(failing, "vtr.version_machine_id", "x\ny");
+    EXPECT_EQ(confCommit(failing), XERR_NOSPC);
+}
+
+TEST_F(ConfCommitTest, ALargeStoreIsWrittenInSeveralPieces) {
+    Entries expected = globalDefaults();
+    for (int i = 0; i < 1000; ++i) addInstanceDefaults(expected, "Nougat64_" + std::to_string(i));
+    ASSERT_EQ(expected.size(), 30'087u);
+    const std::string text = fileText(expected);
+    ASSERT_GT(text.size(), std::size_t{1 << 20});
+    ASSERT_EQ(init(text), 0);
+    EXPECT_EQ(confCommitToFile(store, folder / "copy"), 0);
+    EXPECT_TRUE(folder.read("copy") == text);
+}
+
+// Commits own counters and a shared key, as often as told.
+SCENE(commitsManyTimes) {
+    LogCapture quiet;
+    ConfStore& store = confStore();
+    const std::string& own = arguments[1];
+    if (confLibInit(store, arguments[0], false) != 0) return 1;
+    const int count = std::stoi(arguments[2]);
+    for (int i = 1; i <= count; ++i) {
+        confSetI32(store, "vtr.instance." + own + ".ram", i);
+        confSetI32(store, "vtr.instance." + own + ".cpus", i);
+        confSetString(store, "vtr.guid", own + "-" + std::to_string(i));
+        if (confCommit(store) != 0) return 2;
+    }
+    return 0;
+}
+
+namespace {
+
+// What is wrong with a state of the file; empty when it is complete: every global key and, for each
+// instance, all thirty of its keys with a matching pair of counters.
+std::string flawOf(const std::string& content) {
+    Entries entries;
+    ConfTextReader reader(content);
+    ConfEntry entry;
+    for (ConfRead read; (read = reader.next(entry)) != ConfRead::End;) {
+        if (read == ConfRead::Malformed) return "malformed: " + std::string(entry.line);
+        entries[std::string(entry.key)] = entry.value;
+    }
+    if (content.empty() || content.back() != '\n') return "cut at its end";
+    Entries needed = globalDefaults();
+    for (const auto& [key, value] : entries) {
+        if (key.rfind("vtr.instance.", 0) != 0) continue;
+        const std::string instance = key.substr(13, key.find('.', 13) - 13);
+        addInstanceDefaults(needed, instance);
+        const std::string prefix = "vtr.instance." + instance + ".";
+        if (entries[prefix + "ram"] != entries[prefix + "cpus"]) return "mixed: " + instance;
+    }
+    if (entries.size() != needed.size()) return "keys are missing";
+    return {};
+}
+
+}  // namespace
+
+TEST_F(ConfCommitTest, FourProcessesThatCommitAtTheSameTimeLoseNothing) {
+    constexpr int kProcesses = 4;
+    constexpr int kCommits = 200;
+    ASSERT_EQ(init(""), 0);
+    ASSERT_EQ(confCommitToFile(store, path()), 0);
+    std::vector<ChildProcess> committers;
+    for (int p = 0; p < kProcesses; ++p) {
+        committers.push_back(startScene(
+            "commitsManyTimes", {path(), "P" + std::to_string(p), std::to_string(kCommits)}));
+    }
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init("Global\\vtr_conf_nvo"), 0);
+    std::atomic<bool> finished{false};
+    int states = 0;
+    std::thread auditor([&] {
+        while (!finished) {
+            const std::lock_guard<XmutexNamed> guard(mutex);
+            ASSERT_EQ(flawOf(folder.read("vantrel.conf")), "");
+            ++states;
+        }
+    });
+    for (ChildProcess& committer : committers) EXPECT_EQ(committer.finish().status, 0u);
+    finished = true;
+    auditor.join();
+    EXPECT_GT(states, 10);
+    ASSERT_EQ(confReload(store), 0);
+    for (int p = 0; p < kProcesses; ++p) {
+        EXPECT_EQ(confGetI32(store, "vtr.instance.P" + std::to_string(p) + ".ram"), kCommits);
+    }
+    const std::string shared = confGetString(store, "vtr.guid");
+    EXPECT_EQ(shared.substr(2), "-" + std::to_string(kCommits)) << shared;
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+}
+
+TEST_F(ConfCommitTest, ProcessesThatCommitInTurnSeeEachOther) {
+    ASSERT_EQ(init(""), 0);
+    for (int i = 1; i <= 5; ++i) {
+        const std::string own = "P" + std::to_string(i);
+        ASSERT_EQ(runScene("commitsManyTimes", {path(), own, "2"}).status, 0u);
+        confSetI32(store, "vtr.next_vm_id", i);
+        ASSERT_EQ(confCommit(store), 0);
+    }
+    const std::string text = folder.read("vantrel.conf");
+    EXPECT_EQ(flawOf(text), "");
+    for (int i = 1; i <= 5; ++i) {
+        EXPECT_NE(text.find("vtr.instance.P" + std::to_string(i) + ".ram=\"2\"\n"),
+                  std::string::npos);
+    }
+    EXPECT_NE(text.find("vtr.next_vm_id=\"5\"\n"), std::string::npos);
+}

@@ -1,0 +1,53 @@
+#ifndef TESTS_CONFFIXTURE_H
+#define TESTS_CONFFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "conf/Conf.h"
+#include "conf/ConfStore.h"
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+
+using Lines = std::vector<std::string>;
+
+// One row of the listing that is kept with the tests.
+struct ListedProperty {
+    std::string scope;
+    std::string name;
+    std::string type;
+    std::string defaultValue;
+    bool excluded;
+};
+std::vector<ListedProperty> listedProperties();
+
+// Expected entries of a file, from the listing: full key to value.
+using Entries = std::map<std::string, std::string>;
+Entries globalDefaults();
+void addInstanceDefaults(Entries& entries, const std::string& instance);
+std::string fileText(const Entries& entries);
+
+// A store of the test's own over a folder of the test's own.
+class ConfTest : public ::testing::Test {
+ protected:
+    // Writes the file and initialises the store with it.
+    XErr init(std::string_view content);
+    XErr initWithoutFile();
+
+    std::string path() const { return folder / "vantrel.conf"; }
+
+    // The committed value, whatever its type; nothing when the key is absent.
+    std::optional<std::string> committed(const std::string& key);
+    std::size_t committedCount();
+
+    TempFolder folder;
+    LogCapture log;
+    ConfCatalogue catalogue = confProductCatalogue();
+    ConfStore store{catalogue, confDiskFiles()};
+};
+
+#endif

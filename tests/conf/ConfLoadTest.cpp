@@ -1,0 +1,303 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "ConfFixture.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+#include "xpl/XmutexNamed.h"
+
+namespace {
+
+using ConfLoadTest = ConfTest;
+
+std::set<std::string, std::less<>> names(std::initializer_list<const char*> list) {
+    return {list.begin(), list.end()};
+}
+
+}  // namespace
+
+TEST_F(ConfLoadTest, WithoutAFileTheMapHoldsTheGlobalDefaults) {
+    ASSERT_EQ(initWithoutFile(), 0);
+    EXPECT_EQ(committedCount(), 87u);
+    for (const auto& [key, value] : globalDefaults()) EXPECT_EQ(committed(key), value) << key;
+    EXPECT_TRUE(confGetInstances(store).empty());
+}
+
+TEST_F(ConfLoadTest, AnEmptyFileLoadsNothing) {
+    EXPECT_EQ(init(""), 0);
+    EXPECT_EQ(committedCount(), 87u);
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(ConfLoadTest, AFileThatEndsInALineFeedLoads) {
+    EXPECT_EQ(init("vtr.locale=\"en-US\"\n"), 0);
+    EXPECT_EQ(committed("vtr.locale"), "en-US");
+}
+
+TEST_F(ConfLoadTest, AFileThatEndsWithoutOneLoads) {
+    EXPECT_EQ(init("vtr.locale=\"en-US\""), 0);
+    EXPECT_EQ(committed("vtr.locale"), "en-US");
+}
+
+TEST_F(ConfLoadTest, OneKeyMakesAnInstanceKnownWithAllItsDefaults) {
+    ASSERT_EQ(init("vtr.instance.Nougat64.dpi=\"320\"\n"), 0);
+    EXPECT_EQ(confGetInstances(store), names({"Nougat64"}));
+    Entries expected;
+    addInstanceDefaults(expected, "Nougat64");
+    expected["vtr.instance.Nougat64.dpi"] = "320";
+    EXPECT_EQ(expected.size(), 30u);
+    for (const auto& [key, value] : expected) EXPECT_EQ(committed(key), value) << key;
+}
+
+TEST_F(ConfLoadTest, KeysComeInAnyOrderAndTheLastOneWins) {
+    ASSERT_EQ(init("vtr.instance.B.ram=\"1\"\nvtr.instance.A.ram=\"2\"\nvtr.locale=\"a\"\n"
+                   "vtr.instance.B.cpus=\"3\"\nvtr.instance.B.ram=\"4\"\nvtr.locale=\"b\"\n"),
+              0);
+    EXPECT_EQ(committed("vtr.instance.A.ram"), "2");
+    EXPECT_EQ(committed("vtr.instance.B.ram"), "4");
+    EXPECT_EQ(committed("vtr.instance.B.cpus"), "3");
+    EXPECT_EQ(committed("vtr.locale"), "b");
+}
+
+TEST_F(ConfLoadTest, AnEmptyInstanceNameIsAName) {
+    ASSERT_EQ(init("vtr.instance..dpi=\"1\"\n"), 0);
+    EXPECT_EQ(confGetInstances(store), names({""}));
+    EXPECT_EQ(committed("vtr.instance..dpi"), "1");
+}
+
+TEST_F(ConfLoadTest, AMissingFileFails) {
+    EXPECT_EQ(confLibInit(store, path(), false), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+    EXPECT_EQ(committedCount(), 87u) << "the defaults stay usable";
+}
+
+TEST_F(ConfLoadTest, AFolderInPlaceOfTheFileFails) {
+    folder.makeFolder("vantrel.conf");
+    EXPECT_EQ(confLibInit(store, path(), false), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+}
+
+TEST_F(ConfLoadTest, AFileHeldByAnotherProgramFails) {
+    folder.write("vantrel.conf", "vtr.locale=\"x\"\n");
+    const HANDLE held = ::CreateFileW(wideForTests(path()).c_str(), GENERIC_READ, 0, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(confLibInit(store, path(), false), -1);
+    ::CloseHandle(held);
+    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"x\"\n");
+}
+
+TEST_F(ConfLoadTest, ABlankLineStopsTheLoadAfterTheLinesBeforeIt) {
+    EXPECT_EQ(init("vtr.locale=\"a\"\n\nvtr.guid=\"b\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, "});
+    EXPECT_EQ(committed("vtr.locale"), "a");
+    EXPECT_EQ(committed("vtr.guid"), "");
+}
+
+TEST_F(ConfLoadTest, ALineWithoutEqualsStopsTheLoad) {
+    EXPECT_EQ(init("vtr.locale=\"a\"\nnonsense\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, nonsense"});
+}
+
+TEST_F(ConfLoadTest, ALineOf4097BytesStopsTheLoad) {
+    const std::string line = "vtr.guid=\"" + std::string(4097 - 11, 'x') + "\"";
+    ASSERT_EQ(line.size(), 4097u);
+    EXPECT_EQ(init(line + "\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, " + line});
+}
+
+TEST_F(ConfLoadTest, LinesOf4094To4096BytesLoad) {
+    for (const std::size_t size : {4094u, 4095u, 4096u}) {
+        const std::string value(size - 11, 'x');
+        EXPECT_EQ(init("vtr.guid=\"" + value + "\"\n"), 0) << size;
+        EXPECT_EQ(committed("vtr.guid"), value) << size;
+    }
+}
+
+TEST_F(ConfLoadTest, AnUnknownGlobalPropertyStopsTheLoad) {
+    EXPECT_EQ(init("vtr.unknown=\"1\"\n"), -1);
+    EXPECT_EQ(log.texts(),
+              Lines{"E CONF vtr.unknown prop not found in prop dir: vtr.unknown=\"1\""});
+}
+
+TEST_F(ConfLoadTest, AnUnknownInstancePropertyStopsTheLoad) {
+    EXPECT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.locale=\"x\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A.locale prop not found in iprop dir: "
+                                 "vtr.instance.A.locale=\"x\""});
+    EXPECT_EQ(confGetInstances(store), names({"A"}));
+}
+
+TEST_F(ConfLoadTest, AnInstanceKeyWithoutAPropertyStopsTheLoad) {
+    EXPECT_EQ(init("vtr.instance.A=\"1\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A prop not found in iprop dir: "
+                                 "vtr.instance.A=\"1\""});
+    EXPECT_TRUE(confGetInstances(store).empty());
+}
+
+TEST_F(ConfLoadTest, AnInstancePropertyIsNoGlobalOne) {
+    EXPECT_EQ(init("vtr.dpi=\"1\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.dpi prop not found in prop dir: vtr.dpi=\"1\""});
+}
+
+TEST_F(ConfLoadTest, AForeignKeyStopsTheLoad) {
+    EXPECT_EQ(init("other.key=\"1\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF other.key prop not found in prop dir: other.key=\"1\""});
+}
+
+TEST_F(ConfLoadTest, ALineThatEndsAtItsSignThrowsWithEveryLockReleased) {
+    EXPECT_THROW(static_cast<void>(init("vtr.locale=\"a\"\nvtr.guid=\n")), std::out_of_range);
+    EXPECT_EQ(committed("vtr.locale"), "a");
+    folder.write("vantrel.conf", "vtr.guid=\"b\"\n");
+    EXPECT_EQ(confReload(store), 0);
+    EXPECT_EQ(committed("vtr.guid"), "b");
+}
+
+TEST_F(ConfLoadTest, ALineThatEndsOneBehindItsSignIsAnEmptyValue) {
+    EXPECT_EQ(init("vtr.mem_opt_mode=\"\n"), 0);
+    EXPECT_EQ(committed("vtr.mem_opt_mode"), "");
+}
+
+TEST_F(ConfLoadTest, WithCarriageReturnsEachValueKeepsItsClosingQuote) {
+    EXPECT_EQ(init("vtr.locale=\"en\"\r\nvtr.guid=\"g\"\r\n"), 0);
+    EXPECT_EQ(committed("vtr.locale"), "en\"");
+    EXPECT_EQ(committed("vtr.guid"), "g\"");
+}
+
+TEST_F(ConfLoadTest, ANulEndsAValue) {
+    EXPECT_EQ(init({"vtr.locale=\"en\0us\"\n", 19}), 0);
+    EXPECT_EQ(committed("vtr.locale"), "en");
+}
+
+TEST_F(ConfLoadTest, ANulInAKeyIsPartOfIt) {
+    EXPECT_EQ(init({"vtr.loc\0ale=\"en\"\n", 17}), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.loc prop not found in prop dir: vtr.loc"});
+}
+
+TEST_F(ConfLoadTest, AFileOf50MegabytesOnOneLineIsRefused) {
+    EXPECT_EQ(init(std::string(50 << 20, 'x')), -1);
+    EXPECT_EQ(log.texts().size(), 1u);
+}
+
+TEST_F(ConfLoadTest, AFileOf50MegabytesOfEntriesLoads) {
+    std::string text;
+    const std::string value(4000, 'v');
+    while (text.size() < (50u << 20)) text += "vtr.guid=\"" + value + "\"\n";
+    EXPECT_EQ(init(text), 0);
+    EXPECT_EQ(committed("vtr.guid"), value);
+}
+
+TEST_F(ConfLoadTest, AReloadKeepsKeysThatTheFileLost) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n"), 0);
+    folder.write("vantrel.conf", "vtr.instance.B.ram=\"3\"\n");
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(committed("vtr.locale"), "a");
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "1");
+    EXPECT_EQ(committed("vtr.instance.B.dpi"), "2");
+    EXPECT_EQ(committed("vtr.instance.B.ram"), "3");
+    EXPECT_EQ(confGetInstances(store), names({"B"})) << "but the instance set is the file's";
+}
+
+TEST_F(ConfLoadTest, AFailedOpenKeepsTheInstances) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    writeBytes(path(), "");
+    ASSERT_TRUE(::DeleteFileW(wideForTests(path()).c_str()));
+    EXPECT_EQ(confReload(store), -1);
+    EXPECT_EQ(confGetInstances(store), names({"A"}));
+}
+
+TEST_F(ConfLoadTest, AReloadKeepsPendingChangesAndTheCurrentInstance) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    confSetString(store, "vtr.locale", "pending");
+    folder.write("vantrel.conf", "vtr.locale=\"file\"\n");
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(committed("vtr.locale"), "file");
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "pending");
+    EXPECT_EQ(confGetCurrentInstance(store), "A");
+}
+
+TEST_F(ConfLoadTest, ASecondInitialisationPutsTheGlobalDefaultsBackFirst) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n"), 0);
+    ASSERT_EQ(init("vtr.instance.B.dpi=\"2\"\n"), 0);
+    EXPECT_EQ(committed("vtr.locale"), "");
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "1") << "instance keys are not touched";
+}
+
+TEST_F(ConfLoadTest, AddingAnInstanceOverwritesNothing) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    EXPECT_EQ(confAddInstance(store, "A"), 0);
+    EXPECT_EQ(confAddInstance(store, "B"), 0);
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "1");
+    EXPECT_EQ(committed("vtr.instance.B.dpi"), "240");
+    EXPECT_EQ(confGetInstances(store), names({"A", "B"}));
+}
+
+TEST_F(ConfLoadTest, ALoadWaitsForTheMachineWideMutex) {
+    ASSERT_EQ(init("vtr.locale=\"old\"\n"), 0);
+    XmutexNamed other;
+    ASSERT_EQ(other.init("Global\\vtr_conf_nvo"), 0);
+    other.lock();
+    std::thread reload([this] { EXPECT_EQ(confReload(store), 0); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    folder.write("vantrel.conf", "vtr.locale=\"new\"\n");
+    other.unlock();
+    reload.join();
+    EXPECT_EQ(committed("vtr.locale"), "new");
+}
+
+namespace {
+
+class ReadFailure final : public ConfFiles {
+ public:
+    ConfFileRead read(const std::string&, std::string&) override {
+        return ConfFileRead::ReadFailed;
+    }
+    XErr create(const std::string&, std::unique_ptr<ConfOutput>&) override { return XERR_IO; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_IO; }
+    void remove(const std::string&) override {}
+};
+
+}  // namespace
+
+TEST_F(ConfLoadTest, AReadThatFailsIsReported) {
+    ReadFailure files;
+    ConfStore broken(catalogue, files);
+    EXPECT_EQ(confLibInit(broken, "C:\\x.conf", false), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF read failed for C:\\x.conf"});
+}
+
+TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {
+    ConfCatalogue old = confProductCatalogue();
+    old.registerGlobal("old", {ConfType::String, "d", false, true});
+    old.registerInstance("old", {ConfType::String, "", false, true});
+    ConfStore other(old, confDiskFiles());
+    folder.write("vantrel.conf", "vtr.instance.A.old=\"1\"\n");
+    ASSERT_EQ(confLibInit(other, path(), true), 0);
+    const std::lock_guard<std::mutex> guard(other.lock);
+    EXPECT_EQ(other.deprecated, names({"vtr.old", "vtr.instance.A.old"}));
+}
+
+SCENE(initialisesWhileTheNameIsTaken) {
+    LogCapture log;
+    ConfCatalogue catalogue = confProductCatalogue();
+    ConfStore store(catalogue, confDiskFiles());
+    const XErr err = confLibInit(store, "", false);
+    for (const std::string& line : log.texts()) std::puts(line.c_str());
+    return err == XERR_FAILURE ? 5 : 6;
+}
+
+TEST(ConfLoadMutex, AFailureToCreateTheMutexIsReturned) {
+    // In a prefix that other tests share, nobody else may be holding the real mutex.
+    const HANDLE taken = ::CreateEventW(nullptr, FALSE, FALSE, L"Global\\vtr_conf_nvo");
+    if (taken == nullptr || ::GetLastError() == ERROR_ALREADY_EXISTS) {
+        if (taken != nullptr) ::CloseHandle(taken);
+        GTEST_SKIP() << "skipped: another process has the configuration's mutex at this moment";
+    }
+    const ChildResult result = runScene("initialisesWhileTheNameIsTaken");
+    ::CloseHandle(taken);
+    EXPECT_EQ(result.status, 5u);
+    EXPECT_EQ(result.out, "E XMUTEX Failed to create mutex 'Global\\vtr_conf_nvo'. Error = 6\r\n");
+}

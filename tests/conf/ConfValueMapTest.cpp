@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "conf/ConfValueMap.h"
+
+namespace {
+
+using Model = std::map<std::string, std::string>;
+
+std::vector<std::pair<std::string, std::string>> entries(const ConfValueMap& map) {
+    std::vector<std::pair<std::string, std::string>> all;
+    map.forEach([&all](std::string_view prefix, std::string_view name, const std::string& value) {
+        all.emplace_back(std::string(prefix).append(name), value);
+    });
+    return all;
+}
+
+void expectSame(const ConfValueMap& map, const Model& model) {
+    const auto all = entries(map);
+    EXPECT_EQ(map.size(), model.size());
+    EXPECT_EQ(all, (std::vector<std::pair<std::string, std::string>>(model.begin(), model.end())));
+}
+
+// Keys around every border of the grouping: instances that are prefixes of each other, characters
+// before and after ".", keys without a second ".", global keys on both sides of the instances.
+std::string randomKey(std::mt19937& random) {
+    static const char* const instances[] = {"A", "A-", "A0", "AB", "", "a", "\xC3\xA9", "Z_1"};
+    static const char* const names[] = {"dpi", "cpus", "status.adb_port", "", "z", "\xFF"};
+    const auto pick = [&random](const auto& list) { return list[random() % std::size(list)]; };
+    switch (random() % 4) {
+        case 0:
+            return std::string("vtr.") + pick(names);
+        case 1:
+            return std::string("vtr.instance.") + pick(instances);
+        case 2:
+            return std::string("vtr.instancf.") + pick(names);
+        default:
+            return std::string("vtr.instance.") + pick(instances) + "." + pick(names);
+    }
+}
+
+}  // namespace
+
+TEST(ConfValueMap, BehavesAsAnOrderedMap) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 50; ++round) {
+        ConfValueMap map;
+        Model model;
+        for (int step = 0; step < 200; ++step) {
+            const std::string key = randomKey(random);
+            if (random() % 3 == 0) {
+                map.erase(key);
+                model.erase(key);
+            } else {
+                const std::string value = std::to_string(random() % 100);
+                map.assign(key, value);
+                model[key] = value;
+            }
+            const std::string probe = randomKey(random);
+            const std::string* found = map.find(probe);
+            ASSERT_EQ(found != nullptr, model.count(probe) == 1) << probe;
+            if (found != nullptr) ASSERT_EQ(*found, model[probe]);
+        }
+        expectSame(map, model);
+    }
+}
+
+TEST(ConfValueMap, AddMissingKeepsWhatIsThere) {
+    const ConfDirectory properties{
+        {"a", {ConfType::I32, "1"}}, {"b", {ConfType::I32, "2"}}, {"c", {ConfType::I32, "3"}}};
+    ConfValueMap map;
+    map.assign("vtr.instance.X.b", "own");
+    map.assign("vtr.instance.X.z", "own");
+    map.addMissing("X", properties);
+    map.addMissing("Y", properties);
+    expectSame(map, {{"vtr.instance.X.a", "1"},
+                     {"vtr.instance.X.b", "own"},
+                     {"vtr.instance.X.c", "3"},
+                     {"vtr.instance.X.z", "own"},
+                     {"vtr.instance.Y.a", "1"},
+                     {"vtr.instance.Y.b", "2"},
+                     {"vtr.instance.Y.c", "3"}});
+}
+
+TEST(ConfValueMap, TheFeedTakesKeysInAnyOrder) {
+    const ConfDirectory properties{
+        {"a", {ConfType::I32, ""}}, {"b", {ConfType::I32, ""}}, {"c", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    map.addMissing("Y", properties);
+    ConfValueFeed feed(map);
+    feed.enterInstance("Y");
+    feed.assignInInstance("a", "1");
+    feed.assignInInstance("b", "2");
+    feed.assignInInstance("c", "3");
+    feed.assignInInstance("c", "4");
+    feed.assignInInstance("a", "5");
+    feed.enterInstance("X");
+    feed.assignInInstance("c", "6");
+    feed.assignInInstance("b", "7");
+    expectSame(map, {{"vtr.instance.X.a", ""},
+                     {"vtr.instance.X.b", "7"},
+                     {"vtr.instance.X.c", "6"},
+                     {"vtr.instance.Y.a", "5"},
+                     {"vtr.instance.Y.b", "2"},
+                     {"vtr.instance.Y.c", "4"}});
+}

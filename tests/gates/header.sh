@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# The public header compiles alone, as each language it is for, without a warning.
+set -euo pipefail
+gcc=$1 clang=$2 include=$3
+
+compile() {
+    echo "#include <bridge/bridge.h>" | "$@" -I"$include" -pedantic -Wall -Wextra -Werror \
+        -fsyntax-only -
+    echo "ok: $*"
+}
+
+for standard in c89 c11; do
+    compile "$gcc" -x c -std=$standard
+    compile "$clang" -x c -std=$standard -Wdocumentation
+    compile "$clang" -x c -std=$standard --target=x86_64-pc-windows-msvc -DBRIDGE_DLLIMPORT
+done
+compile "$gcc" -x c++ -std=c++17
+compile "$clang" -x c++ -std=c++17 -Wdocumentation

@@ -1,0 +1,164 @@
+#include "PlainHost.h"
+
+namespace {
+
+using ConfigurationTest = PlainHostTest;
+
+// A log without the three lines of the initialisation.
+Lines afterStart(Lines lines) {
+    lines.erase(lines.begin(), lines.begin() + 3);
+    return lines;
+}
+
+}  // namespace
+
+TEST_F(ConfigurationTest, EveryTypeIsReadAndSet) {
+    writeConf("vtr.instance.Nougat64.display_name=\"Jeux é日\"\n");
+    EXPECT_EQ(output({"init",
+                      "Helper",
+                      "getbool",
+                      "vtr.enable_statusbar",
+                      "geti32",
+                      "vtr.instance.Nougat64.dpi",
+                      "getstr",
+                      "vtr.instance.Nougat64.display_name",
+                      "getmulti",
+                      "vtr.shared_folders",
+                      "setbool",
+                      "vtr.enable_statusbar",
+                      "0",
+                      "seti32",
+                      "vtr.instance.Nougat64.dpi",
+                      "-7",
+                      "setstr",
+                      "vtr.instance.Nougat64.display_name",
+                      "Zwölf",
+                      "setmulti",
+                      "vtr.shared_folders",
+                      "a,b",
+                      "getbool",
+                      "vtr.enable_statusbar",
+                      "geti32",
+                      "vtr.instance.Nougat64.dpi",
+                      "getstr",
+                      "vtr.instance.Nougat64.display_name",
+                      "getmulti",
+                      "vtr.shared_folders",
+                      "commit"}),
+              (Lines{"init 0", "getbool 1", "geti32 240", "getstr Jeux é日",
+                     "getmulti Documents,Pictures,InputMapper,VtrSharedFolder", "setbool 0",
+                     "seti32 0", "setstr 0", "setmulti 0", "getbool 0", "geti32 -7", "getstr Zwölf",
+                     "getmulti a,b", "commit 0"}));
+    const std::string text = data.read("vantrel.conf");
+    EXPECT_NE(text.find("vtr.enable_statusbar=\"0\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.instance.Nougat64.dpi=\"-7\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.instance.Nougat64.display_name=\"Zwölf\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.shared_folders=\"a,b\"\n"), std::string::npos);
+    EXPECT_EQ(linesOf(text).size(), 87u + 30u);
+}
+
+TEST_F(ConfigurationTest, AnyByteButZeroIsTrue) {
+    writeConf("");
+    EXPECT_EQ(output({"init", "Helper", "setbool", "vtr.force_raw_mode", "2", "getbool",
+                      "vtr.force_raw_mode"}),
+              (Lines{"init 0", "setbool 0", "getbool 1"}));
+}
+
+TEST_F(ConfigurationTest, AReturnedTextSurvivesLaterChanges) {
+    writeConf("vtr.locale=\"before\"\n");
+    EXPECT_EQ(output({"init", "Helper", "hold", "vtr.locale", "getstr", "vtr.locale"}),
+              (Lines{"init 0", "hold before", "getstr changed"}));
+}
+
+TEST_F(ConfigurationTest, FreeingNullDoesNothing) {
+    EXPECT_EQ(output({"freenull", "fini"}), Lines{"fini 0"});
+}
+
+TEST_F(ConfigurationTest, NullTextsAreRefusedWithALogLine) {
+    writeConf("");
+    EXPECT_EQ(output({"init",
+                      "Helper",
+                      "getbool",
+                      "(null)",
+                      "geti32",
+                      "(null)",
+                      "geti64",
+                      "(null)",
+                      "getstr",
+                      "(null)",
+                      "getmulti",
+                      "(null)",
+                      "setbool",
+                      "(null)",
+                      "1",
+                      "seti32",
+                      "(null)",
+                      "1",
+                      "seti64",
+                      "(null)",
+                      "1",
+                      "setstr",
+                      "(null)",
+                      "x",
+                      "setstr",
+                      "vtr.locale",
+                      "(null)",
+                      "setmulti",
+                      "vtr.shared_folders",
+                      "(null)",
+                      "committo",
+                      "(null)"}),
+              (Lines{"init 0", "getbool 0", "geti32 0", "geti64 0", "getstr (null)",
+                     "getmulti (null)", "setbool 22", "seti32 22", "seti64 22", "setstr 22",
+                     "setstr 22", "setmulti 22", "committo 22"}));
+    const Lines lines = afterStart(log());
+    ASSERT_EQ(lines.size(), 12u);
+    EXPECT_EQ(lines[0], "E BRIDGE Helper_bridge bridgeConfGetBool: null argument");
+    EXPECT_EQ(lines[11], "E BRIDGE Helper_bridge bridgeConfCommitToFile: null argument");
+}
+
+TEST_F(ConfigurationTest, CommittingToAFileLogsItsPathTwice) {
+    writeConf("vtr.locale=\"a\"\n");
+    const std::string copy = data / "copy.conf";
+    EXPECT_EQ(output({"init", "Helper", "committo", copy}), (Lines{"init 0", "committo 0"}));
+    EXPECT_EQ(afterStart(log()),
+              (Lines{"I BRIDGE Helper_bridge bridgeConfCommitToFile args: " + copy,
+                     "I CONF Helper_bridge confCommitToFile args: " + copy}));
+    EXPECT_EQ(linesOf(data.read("copy.conf")).size(), 87u);
+}
+
+TEST_F(ConfigurationTest, ACommitWithoutAChangeWritesAndLogsNothing) {
+    writeConf("vtr.locale=\"a\"\n");
+    EXPECT_EQ(output({"init", "Helper", "commit"}), (Lines{"init 0", "commit 0"}));
+    EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+    EXPECT_EQ(afterStart(log()), Lines{});
+}
+
+TEST_F(ConfigurationTest, AnUnknownKeyEndsTheHost) {
+    writeConf("");
+    for (const char* operation : {"getstr", "getmulti", "getbool", "geti32", "geti64"}) {
+        const ChildResult result = play({"init", "Helper", operation, "vtr.nothing"});
+        EXPECT_EQ(result.status, kFatalStatus) << operation;
+        EXPECT_EQ(linesOf(result.out), Lines{"init 0"}) << operation;
+    }
+    const Lines lines = log();
+    EXPECT_EQ(lines[3], "E CONF Helper_bridge vtr.nothing prop not found in prop dir");
+    EXPECT_EQ(lines[4].rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u);
+}
+
+TEST_F(ConfigurationTest, TheI64FunctionsHaveNoKeyToWorkOn) {
+    writeConf("");
+    EXPECT_EQ(play({"init", "Helper", "geti64", "vtr.next_vm_id"}).status, kFatalStatus);
+    EXPECT_EQ(play({"init", "Helper", "seti64", "vtr.next_vm_id", "1"}).status, kFatalStatus);
+}
+
+TEST_F(ConfigurationTest, WithoutAConfFileACommitLeavesNothingInTheCurrentFolder) {
+    const TempFolder current;
+    ChildOptions options;
+    options.folder = current.path();
+    const ChildResult result =
+        play({"initex", "Helper", "1", "(null)", "setstr", "vtr.guid", "x", "commit"}, options);
+    EXPECT_EQ(linesOf(result.out), (Lines{"initex 0", "setstr 0", "commit 2"}));
+    EXPECT_EQ(current.list(), Lines{});
+    EXPECT_EQ(log().back(), "E CONF Helper_bridge xfileMove failed, err = 2 [XERR_NOENT]");
+}

@@ -1,0 +1,157 @@
+#include "PlainHost.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+class InitTest : public PlainHostTest {
+ protected:
+    // The one log line that an initialisation prints before there is a log, and its result.
+    std::pair<std::string, std::string> refused(const Script& script) const {
+        const Lines lines = output(script);
+        EXPECT_EQ(lines.size(), 2u);
+        if (lines.size() != 2) return {};
+        const std::size_t level = lines[0].find(" E: ");
+        return {level == std::string::npos ? lines[0] : lines[0].substr(level + 4), lines[1]};
+    }
+};
+
+using Refusal = std::pair<std::string, std::string>;
+
+}  // namespace
+
+TEST_F(InitTest, LoadsTheConfigurationAndLogsIntoTheProductsLog) {
+    writeConf("vtr.locale=\"fr-FR\"\n");
+    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale", "fini"}),
+              (Lines{"init 0", "getstr fr-FR", "fini 0"}));
+    EXPECT_EQ(log(), (Lines{"I BRIDGE Helper_bridge bridgeApiInitEx:#################### In "
+                            "bridgeApiInit Helper ###############",
+                            "I BRIDGE Helper_bridge Loading configuration ...",
+                            "I BRIDGE Helper_bridge Configuration loaded successfully..."}));
+}
+
+TEST_F(InitTest, EveryClientButTheLauncherStartsWhateverIsInstalled) {
+    writeConf("");
+    version = "1.0";
+    for (const char* client : {"Installer", "LogCollector", "Helper", "Uninstaller"}) {
+        EXPECT_EQ(output({"init", client}), Lines{"init 0"}) << client;
+    }
+    EXPECT_EQ(log()[0],
+              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In "
+              "bridgeApiInit Installer ###############");
+}
+
+TEST_F(InitTest, UnknownClientsAreRefused) {
+    for (const std::string client : {"launcher", "Launcher ", " Launcher", "", "Other"}) {
+        EXPECT_EQ(refused({"init", client}),
+                  (Refusal{"bridgeApiInitEx: Invalid clientId : " + client, "init 22"}));
+    }
+    EXPECT_EQ(refused({"init", "(null)"}),
+              (Refusal{"bridgeApiInitEx: Invalid clientId : (null)", "init 22"}));
+    EXPECT_FALSE(data.has("Logs\\Player.log")) << "nothing else has been done";
+}
+
+TEST_F(InitTest, TheLauncherNeedsTheProductsExactVersion) {
+    writeConf("");
+    EXPECT_EQ(output({"init", "Launcher"}), Lines{"init 0"});
+    for (const char* other : {"5.2.0.10520", "5.2.0.105", "", "5.2.0.1053"}) {
+        version = other;
+        EXPECT_EQ(refused({"init", "Launcher"}),
+                  (Refusal{"bridgeApiInitEx: Version mismatch, Product Version : " + version +
+                               ", Bridge Version : 5.2.0.1052",
+                           "init -1"}));
+    }
+}
+
+TEST_F(InitTest, AMissingVersionMismatchesToo) {
+    const ChildResult result =
+        runChild(builtProgram("plain_host.exe"), {"sandbox", "init", "Launcher"});
+    EXPECT_NE(result.out.find("Version mismatch, Product Version : , Bridge Version : 5.2.0.1052"),
+              std::string::npos);
+    EXPECT_NE(result.out.find("init -1"), std::string::npos);
+}
+
+TEST_F(InitTest, WithoutAConfFileTheDefaultsAreThere) {
+    writeConf("vtr.locale=\"fr-FR\"\n");
+    EXPECT_EQ(output({"initex", "Helper", "1", "(null)", "getstr", "vtr.locale", "getstr",
+                      "vtr.log_levels"}),
+              (Lines{"initex 0", "getstr ", "getstr *:I"}));
+}
+
+TEST_F(InitTest, AGivenLogFileReplacesTheProducts) {
+    writeConf("");
+    EXPECT_EQ(output({"initex", "Helper", "0", data / "own.log"}), Lines{"initex 0"});
+    EXPECT_EQ(logMessages(data.read("own.log")).size(), 3u);
+    EXPECT_FALSE(data.has("Logs\\Player.log"));
+}
+
+TEST_F(InitTest, AMissingConfFileIsAFailureThatLeavesTheDefaults) {
+    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.log_levels"}),
+              (Lines{"init -1", "getstr *:I"}));
+    EXPECT_EQ(log(), (Lines{"I BRIDGE Helper_bridge bridgeApiInitEx:#################### In "
+                            "bridgeApiInit Helper ###############",
+                            "I BRIDGE Helper_bridge Loading configuration ...",
+                            "E CONF Helper_bridge open failed for " + confPath(),
+                            "E BRIDGE Helper_bridge Error in confLibInit init"}));
+}
+
+TEST_F(InitTest, ABrokenLineIsAFailureThatLeavesWhatWasRead) {
+    writeConf("vtr.locale=\"fr-FR\"\nbroken\n");
+    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale"}),
+              (Lines{"init -1", "getstr fr-FR"}));
+    EXPECT_EQ(log()[2], "E CONF Helper_bridge conf file not in correct format, broken");
+    EXPECT_EQ(log()[3], "E BRIDGE Helper_bridge Error in confLibInit init");
+}
+
+TEST_F(InitTest, ALineThatEndsAtItsSignStopsAtTheFence) {
+    writeConf("vtr.locale=\"fr-FR\"\nvtr.guid=\n");
+    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale", "setstr", "vtr.guid", "x", "commit",
+                      "getstr", "vtr.guid"}),
+              (Lines{"init -1", "getstr fr-FR", "setstr 0", "commit -1", "getstr x"}));
+    const Lines lines = log();
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(lines[2].rfind("E BRIDGE Helper_bridge bridgeApiInitEx: exception: ", 0), 0u);
+    EXPECT_EQ(lines[3], "E BRIDGE Helper_bridge Error in confLibInit init");
+    EXPECT_EQ(lines[5].rfind("E BRIDGE Helper_bridge bridgeConfCommit: exception: ", 0), 0u);
+    EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"})) << "no temporary file is left";
+    EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"fr-FR\"\nvtr.guid=\n");
+}
+
+TEST_F(InitTest, AMissingLogsFolderIsFatalAndSilent) {
+    writeConf("");
+    ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
+    const ChildResult result = play({"init", "Helper"});
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(data.list(), Lines{"vantrel.conf"});
+}
+
+TEST_F(InitTest, ASecondInitialisationRunsEveryStepAgain) {
+    writeConf("vtr.locale=\"a\"\n");
+    EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.guid", "staged", "initex", "Installer", "0",
+                      data / "own.log", "getstr", "vtr.locale", "getstr", "vtr.guid", "fini"}),
+              (Lines{"init 0", "setstr 0", "initex 0", "getstr a", "getstr staged", "fini 0"}));
+    EXPECT_EQ(log().size(), 3u);
+    EXPECT_EQ(logMessages(data.read("own.log"))[0],
+              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In bridgeApiInit "
+              "Installer ###############");
+}
+
+TEST_F(InitTest, FinishingCommitsNothing) {
+    writeConf("vtr.locale=\"a\"\n");
+    EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.locale", "b", "fini"}),
+              (Lines{"init 0", "setstr 0", "fini 0"}));
+    EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+}
+
+TEST_F(InitTest, FinishingWithoutAnythingAnswersZero) {
+    EXPECT_EQ(output({"fini"}), Lines{"fini 0"});
+}
+
+TEST_F(InitTest, FunctionsThatAreNotBuiltYetSaySo) {
+    writeConf("");
+    EXPECT_EQ(output({"init", "Helper", "unbuilt"}),
+              (Lines{"init 0", "launchapp 38", "appstore 38", "url 38", "apk 38", "uninstall 38",
+                     "image 38", "create 38", "plrshutdown 38", "apps (null)"}));
+    EXPECT_EQ(log().size(), 3u + 11u);
+    EXPECT_EQ(log()[3], "E BRIDGE Helper_bridge bridgeLaunchApp: not implemented in this build");
+}

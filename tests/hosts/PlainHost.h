@@ -1,0 +1,39 @@
+#ifndef TESTS_PLAINHOST_H
+#define TESTS_PLAINHOST_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/ChildProcess.h"
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+
+using Lines = std::vector<std::string>;
+using Script = std::vector<std::string>;
+
+// A data folder of the test's own, and hosts that see it as the product's.
+class PlainHostTest : public ::testing::Test {
+ protected:
+    PlainHostTest() { data.makeFolder("Logs"); }
+
+    // Runs the host with a registry that names the data folder, then the script.
+    ChildResult play(const Script& script, const ChildOptions& options = {}) const;
+
+    // The lines that a script prints, up to the status 0 that is expected.
+    Lines output(const Script& script) const;
+
+    // Messages of the product's log, as "I CONF Helper_bridge message".
+    Lines log() const { return logMessages(data.read("Logs\\Player.log")); }
+
+    void writeConf(std::string_view content) const { data.write("vantrel.conf", content); }
+    std::string confPath() const { return data / "vantrel.conf"; }
+
+    TempFolder data;
+    std::string version = "5.2.0.1052";
+};
+
+Lines linesOf(std::string_view text);
+
+#endif

@@ -1,0 +1,167 @@
+/*
+ * A host as C programmers write it: no Qt, no C++, the older C runtime, the library through its
+ * import library. It plays a script given as arguments, one operation after another, and prints
+ * what each one answered, as UTF-8:
+ *
+ *     registry NAME TEXT   a REG_SZ value that only this process sees
+ *     sandbox              an empty product key that only this process sees
+ *     init CLIENT | initex CLIENT NOCONF LOG | fini
+ *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
+ *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
+ *     commit | committo PATH | instances | freenull
+ *     hold KEY             reads a text, changes the key, and prints the text read before
+ *
+ * "(null)" stands for a null pointer.
+ */
+#include <bridge/bridge.h>
+#include <shellapi.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <windows.h>
+
+static WCHAR** wideArguments;
+static int argumentCount;
+static int argumentIndex = 1;
+
+/* The next argument as UTF-8, in memory that is never freed; NULL for "(null)". */
+static const char* next(void) {
+    int size;
+    char* text;
+    if (argumentIndex >= argumentCount) exit(97);
+    size = WideCharToMultiByte(CP_UTF8, 0, wideArguments[argumentIndex], -1, NULL, 0, NULL, NULL);
+    text = (char*)malloc((size_t)size);
+    WideCharToMultiByte(CP_UTF8, 0, wideArguments[argumentIndex], -1, text, size, NULL, NULL);
+    ++argumentIndex;
+    return strcmp(text, "(null)") == 0 ? NULL : text;
+}
+
+static const WCHAR* nextWide(void) { return wideArguments[argumentIndex++]; }
+
+static HKEY openKey(HKEY root, const WCHAR* path) {
+    HKEY key = NULL;
+    RegCreateKeyExW(root, path, 0, NULL, REG_OPTION_VOLATILE, KEY_ALL_ACCESS | KEY_WOW64_64KEY,
+                    NULL, &key, NULL);
+    return key;
+}
+
+static void sandbox(void) {
+    WCHAR path[64];
+    HKEY key;
+    wsprintfW(path, L"Software\\QXBridgeTests\\host-%lu", GetCurrentProcessId());
+    key = openKey(HKEY_CURRENT_USER, path);
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
+    RegCloseKey(key);
+}
+
+static void registry(void) {
+    const WCHAR* name = nextWide();
+    const WCHAR* text = nextWide();
+    const HKEY key = openKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Vantrel_nvo");
+    RegSetValueExW(key, name, 0, REG_SZ, (const BYTE*)text,
+                   (DWORD)((lstrlenW(text) + 1) * sizeof(WCHAR)));
+    RegCloseKey(key);
+}
+
+static void printText(const char* name, char* text) {
+    printf("%s %s\n", name, text == NULL ? "(null)" : text);
+    bridgeFreeMemory(text);
+}
+
+static void printNumber(const char* name, bridge_i64 number) { printf("%s %I64d\n", name, number); }
+
+static void hold(const char* key) {
+    char* text = bridgeConfGetString(key);
+    bridgeConfSetString(key, "changed");
+    printText("hold", text);
+}
+
+static int configurationOperation(const char* name) {
+    const char* key;
+    if (strcmp(name, "commit") == 0) {
+        printNumber(name, bridgeConfCommit());
+        return 1;
+    }
+    if (strcmp(name, "instances") == 0) {
+        printText(name, bridgeConfGetInstances());
+        return 1;
+    }
+    if (strcmp(name, "freenull") == 0) {
+        bridgeFreeMemory(NULL);
+        return 1;
+    }
+    key = next();
+    if (strcmp(name, "committo") == 0)
+        printNumber(name, bridgeConfCommitToFile(key));
+    else if (strcmp(name, "getbool") == 0)
+        printNumber(name, bridgeConfGetBool(key));
+    else if (strcmp(name, "geti32") == 0)
+        printNumber(name, bridgeConfGetI32(key));
+    else if (strcmp(name, "geti64") == 0)
+        printNumber(name, bridgeConfGetI64(key));
+    else if (strcmp(name, "getstr") == 0)
+        printText(name, bridgeConfGetString(key));
+    else if (strcmp(name, "getmulti") == 0)
+        printText(name, bridgeConfGetMultiString(key));
+    else if (strcmp(name, "hold") == 0)
+        hold(key);
+    else if (strcmp(name, "setbool") == 0)
+        printNumber(name, bridgeConfSetBool(key, (bridge_bool)atoi(next())));
+    else if (strcmp(name, "seti32") == 0)
+        printNumber(name, bridgeConfSetI32(key, atoi(next())));
+    else if (strcmp(name, "seti64") == 0)
+        printNumber(name, bridgeConfSetI64(key, atoi(next())));
+    else if (strcmp(name, "setstr") == 0)
+        printNumber(name, bridgeConfSetString(key, next()));
+    else if (strcmp(name, "setmulti") == 0)
+        printNumber(name, bridgeConfSetMultiString(key, next()));
+    else
+        return 0;
+    return 1;
+}
+
+static void initex(void) {
+    const char* client = next();
+    const int noConf = atoi(next());
+    const char* log = next();
+    printNumber("initex", bridgeApiInitEx(client, (bridge_bool)noConf, 0, log));
+}
+
+/* The functions that another part of the library will bring: each says that it is not there yet. */
+static void unbuilt(void) {
+    printNumber("launchapp", bridgeLaunchApp("i", "p"));
+    printNumber("appstore", bridgeLaunchAppStore("i", "s", "p"));
+    printNumber("url", bridgeLaunchUrl("i", "u"));
+    printNumber("apk", bridgeInstallApk("i", "a"));
+    printNumber("uninstall", bridgeUninstallApp("i", "p"));
+    printNumber("image", bridgeInstallImage("i"));
+    printNumber("create", bridgeCreateFreshInstance("i", "1", "1", "g", "r", "p"));
+    printNumber("plrshutdown", bridgePlrShutdown("i", 0));
+    bridgeShutdown();
+    bridgeRegisterCallbacks(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
+    printText("apps", bridgeGetInstalledApps("i"));
+}
+
+int main(void) {
+    SetErrorMode(SEM_NOGPFAULTERRORBOX);
+    setvbuf(stdout, NULL, _IONBF, 0);
+    wideArguments = CommandLineToArgvW(GetCommandLineW(), &argumentCount);
+    while (argumentIndex < argumentCount) {
+        const char* name = next();
+        if (strcmp(name, "sandbox") == 0)
+            sandbox();
+        else if (strcmp(name, "registry") == 0)
+            registry();
+        else if (strcmp(name, "init") == 0)
+            printNumber(name, bridgeApiInit(next()));
+        else if (strcmp(name, "initex") == 0)
+            initex();
+        else if (strcmp(name, "fini") == 0)
+            printNumber(name, bridgeApiFini());
+        else if (strcmp(name, "unbuilt") == 0)
+            unbuilt();
+        else if (!configurationOperation(name))
+            return 98;
+    }
+    return 0;
+}
