@@ -11,7 +11,7 @@
 
 namespace {
 
-struct LocalFree {
+struct FreeArguments {
     void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
 };
 
@@ -37,7 +37,7 @@ void printError(std::string_view text) {
 
 std::vector<std::string> commandLineArguments() {
     int count = 0;
-    const std::unique_ptr<LPWSTR[], LocalFree> wide(
+    const std::unique_ptr<LPWSTR[], FreeArguments> wide(
         ::CommandLineToArgvW(::GetCommandLineW(), &count));
     std::vector<std::string> arguments;
     for (int i = 1; i < count; ++i)

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <map>
 
 #include "Command.h"
 #include "Console.h"
@@ -18,12 +19,27 @@ std::string exitCodeHelp() {
     return text;
 }
 
-CLI::App& groupOf(CLI::App& app, const Command& command) {
-    const std::string group = command.group;
-    if (group.empty()) return app;
-    if (CLI::App* known = app.get_subcommand_no_throw(group)) return *known;
-    return *app.add_subcommand(group, "Commands on the configuration")->require_subcommand(1);
-}
+// Parsers of the groups that commands name, made as they come.
+class Groups {
+ public:
+    explicit Groups(CLI::App& app) : app_(app) {}
+
+    CLI::App& of(const Command& command) {
+        const std::string name = command.group;
+        if (name.empty()) return app_;
+        CLI::App*& group = groups_[name];
+        if (group == nullptr) group = add(name);
+        return *group;
+    }
+
+ private:
+    CLI::App* add(const std::string& name) {
+        return app_.add_subcommand(name, "Commands on the configuration")->require_subcommand(1);
+    }
+
+    CLI::App& app_;
+    std::map<std::string, CLI::App*> groups_;
+};
 
 void declareOptions(CLI::App& app, Session& session) {
     app.add_option("--client", session.client,
@@ -51,8 +67,9 @@ int run() {
     CLI::App app("The bridge native library from a command line.", "bridgectl");
     Session session;
     declareOptions(app, session);
+    Groups groups(app);
     for (const Command* command : allCommands()) {
-        CLI::App* parser = groupOf(app, *command).add_subcommand(command->name, command->summary);
+        CLI::App* parser = groups.of(*command).add_subcommand(command->name, command->summary);
         parser->footer(command->details);
         command->declare(*parser, session);
     }

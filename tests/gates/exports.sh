@@ -3,9 +3,9 @@
 set -euo pipefail
 readobj=$1 dll=$2 def=$3 header=$4
 
-reviewed=$(sed -n 's/^    \([A-Za-z]*\)$/\1/p' "$def" | sort)
+reviewed=$(sed -n 's/^    \([A-Za-z0-9]*\)$/\1/p' "$def" | sort)
 exported=$("$readobj" --coff-exports "$dll" | sed -n 's/^ *Name: \(..*\)$/\1/p' | sort)
-declared=$(grep -o 'BRIDGE_CALL bridge[A-Za-z]*(' "$header" | sed 's/BRIDGE_CALL //; s/($//' | sort)
+declared=$(grep -o 'BRIDGE_CALL bridge[A-Za-z0-9]*(' "$header" | sed 's/BRIDGE_CALL //; s/($//' | sort)
 
 [ "$(wc -l <<<"$reviewed")" = 28 ] || { echo "the list has not 28 names"; exit 1; }
 diff <(echo "$reviewed") <(echo "$exported") || { echo "the library exports other names"; exit 1; }

@@ -12,7 +12,8 @@ compile() {
 for standard in c89 c11; do
     compile "$gcc" -x c -std=$standard
     compile "$clang" -x c -std=$standard -Wdocumentation
-    compile "$clang" -x c -std=$standard --target=x86_64-pc-windows-msvc -DBRIDGE_DLLIMPORT
+    compile "$clang" -x c -std=$standard --target=x86_64-pc-windows-msvc -DBRIDGE_DLLIMPORT \
+        -Wno-language-extension-token -Wno-long-long  # __int64 is that compiler's own
 done
 compile "$gcc" -x c++ -std=c++17
 compile "$clang" -x c++ -std=c++17 -Wdocumentation

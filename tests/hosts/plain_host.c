@@ -14,11 +14,13 @@
  * "(null)" stands for a null pointer.
  */
 #include <bridge/bridge.h>
-#include <shellapi.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <windows.h>
+
+/* Last: it needs <windows.h>. */
+#include <shellapi.h>
 
 static WCHAR** wideArguments;
 static int argumentCount;
@@ -68,7 +70,7 @@ static void printText(const char* name, char* text) {
     bridgeFreeMemory(text);
 }
 
-static void printNumber(const char* name, bridge_i64 number) { printf("%s %I64d\n", name, number); }
+static void printNumber(const char* name, int number) { printf("%s %d\n", name, number); }
 
 static void hold(const char* key) {
     char* text = bridgeConfGetString(key);
@@ -98,7 +100,7 @@ static int configurationOperation(const char* name) {
     else if (strcmp(name, "geti32") == 0)
         printNumber(name, bridgeConfGetI32(key));
     else if (strcmp(name, "geti64") == 0)
-        printNumber(name, bridgeConfGetI64(key));
+        printNumber(name, (int)bridgeConfGetI64(key));
     else if (strcmp(name, "getstr") == 0)
         printText(name, bridgeConfGetString(key));
     else if (strcmp(name, "getmulti") == 0)

@@ -1,0 +1,237 @@
+// The real program, with the registry, the data folder, the log and the library that it uses.
+#include <gtest/gtest.h>
+
+#include "support/ChildProcess.h"
+#include "support/LogCapture.h"
+#include "support/ProductRegistry.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+class BridgectlTest : public ::testing::Test {
+ protected:
+    BridgectlTest() {
+        data.makeFolder("Logs");
+        registry.set("UserDefinedDir", data.path());
+        registry.set("Version", "5.2.0.1052");
+        data.write("vantrel.conf",
+                   "vtr.locale=\"fr-FR\"\nvtr.next_vm_id=\"3\"\nvtr.feature.rooting=\"maybe\"\n"
+                   "vtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
+                   "vtr.instance.Nougat64.cpus=\"4\"\nvtr.instance.Nougat64.ram=\"4096\"\n"
+                   "vtr.instance.Nougat64.enable_vsync=\"1\"\n");
+    }
+
+    static ChildResult run(const Arguments& arguments) {
+        return runChild(builtProgram("bridgectl.exe"), arguments);
+    }
+
+    // Runs a command that succeeds and says nothing on standard error.
+    static std::string output(const Arguments& arguments) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        return result.out;
+    }
+
+    static void expectFailure(const Arguments& arguments, unsigned status,
+                              const std::string& error) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "bridgectl: " + error + "\n");
+    }
+
+    TempFolder data;
+    ProductRegistry registry;
+};
+
+}  // namespace
+
+TEST_F(BridgectlTest, GetsEveryType) {
+    EXPECT_EQ(output({"conf", "get", "vtr.locale"}), "fr-FR\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.next_vm_id"}), "3\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.enable_statusbar"}), "true\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.enable_navigationbar"}), "false\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.shared_folders"}),
+              "Documents,Pictures,InputMapper,VtrSharedFolder\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.instance.Nougat64.display_name"}), "Jeux 日本\n");
+}
+
+TEST_F(BridgectlTest, ABoolWithoutAValueIsUnset) {
+    const ChildResult result = run({"conf", "get", "vtr.prefer_dedicated_gpu"});
+    EXPECT_EQ(result.status, 7u);
+    EXPECT_EQ(result.out, "unset\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(BridgectlTest, AStoredValueThatCannotBeReadIsAnError) {
+    expectFailure({"conf", "get", "vtr.feature.rooting"}, 4,
+                  "vtr.feature.rooting holds no bool: \"maybe\"");
+}
+
+TEST_F(BridgectlTest, UnknownKeysAreErrors) {
+    expectFailure({"conf", "get", "vtr.nothing"}, 3, "no such key: vtr.nothing");
+    expectFailure({"conf", "get", "vtr.instance.Other.dpi"}, 3,
+                  "no such key: vtr.instance.Other.dpi");
+    expectFailure({"conf", "set", "vtr.nothing", "1"}, 3, "no such key: vtr.nothing");
+    expectFailure({"conf", "list", "--instance", "Other"}, 3, "no such instance: Other");
+}
+
+TEST_F(BridgectlTest, SetsAndCommits) {
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", "日本語 é"}), "vtr.locale: fr-FR -> 日本語 é\n");
+    EXPECT_EQ(output({"conf", "set", "vtr.prefer_dedicated_gpu", "true"}),
+              "vtr.prefer_dedicated_gpu: unset -> true\n");
+    EXPECT_EQ(output({"conf", "set", "vtr.feature.rooting", "false"}),
+              "vtr.feature.rooting: invalid: \"maybe\" -> false\n");
+    EXPECT_EQ(output({"conf", "set", "--", "vtr.next_vm_id", "-5"}), "vtr.next_vm_id: 3 -> -5\n");
+    const std::string text = data.read("vantrel.conf");
+    EXPECT_NE(text.find("vtr.locale=\"日本語 é\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.prefer_dedicated_gpu=\"1\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.next_vm_id=\"-5\"\n"), std::string::npos);
+}
+
+TEST_F(BridgectlTest, SettingAKeyOfANewInstanceCreatesIt) {
+    EXPECT_EQ(output({"conf", "set", "vtr.instance.Nougat32.ram", "1024"}),
+              "vtr.instance.Nougat32.ram: unset -> 1024\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.instance.Nougat32.display_name"}), "Vantrel\n");
+}
+
+TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
+    const std::string before = data.read("vantrel.conf");
+    expectFailure({"conf", "set", "vtr.next_vm_id", "many"}, 4,
+                  "vtr.next_vm_id cannot be \"many\": it is a i32");
+    expectFailure({"conf", "set", "vtr.enable_statusbar", "on"}, 4,
+                  "vtr.enable_statusbar cannot be \"on\": it is a bool");
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+}
+
+TEST_F(BridgectlTest, CommitsToAnotherFile) {
+    const std::string before = data.read("vantrel.conf");
+    const std::string copy = data / "new\\copy.conf";
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", "de", "--to", copy}),
+              "vtr.locale: fr-FR -> de\n");
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+    EXPECT_NE(data.read("new\\copy.conf").find("vtr.locale=\"de\"\n"), std::string::npos);
+}
+
+TEST_F(BridgectlTest, ACommitThatFailsSaysWhy) {
+    data.makeFolder("vantrel.conf-temp");
+    expectFailure({"conf", "set", "vtr.locale", "de"}, 6, "not committed: 13 XERR_ACCES");
+}
+
+TEST_F(BridgectlTest, ListsAnInstanceAsATable) {
+    const std::string text = output({"conf", "list", "--instance", "Nougat64"});
+    EXPECT_EQ(text.rfind("KEY                                             TYPE          VALUE\n"
+                         "vtr.instance.Nougat64.abi_list                  multi-string\n",
+                         0),
+              0u)
+        << text;
+    EXPECT_NE(text.find("vtr.instance.Nougat64.enable_vsync              bool          true\n"),
+              std::string::npos);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 31);
+}
+
+TEST_F(BridgectlTest, ListsGlobalKeysAsJson) {
+    const std::string text = output({"conf", "list", "--global", "--json"});
+    EXPECT_NE(text.find("    {\n        \"key\": \"vtr.feature.macros\",\n"
+                        "        \"type\": \"bool\",\n        \"value\": null\n    },\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("        \"value\": null,\n        \"invalid\": \"maybe\"\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("        \"key\": \"vtr.next_vm_id\",\n        \"type\": \"i32\",\n"
+                        "        \"value\": 3\n"),
+              std::string::npos);
+    EXPECT_EQ(text.find("vtr.instance."), std::string::npos);
+}
+
+TEST_F(BridgectlTest, ListsEverything) {
+    const std::string text = output({"conf", "list"});
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + 87 + 30);
+    EXPECT_NE(text.find("invalid: \"maybe\"\n"), std::string::npos);
+    EXPECT_NE(text.find("unset\n"), std::string::npos);
+}
+
+TEST_F(BridgectlTest, ListsInstancesAsATable) {
+    data.write("vantrel.conf",
+               "vtr.instance.Nougat64.display_name=\"日本\"\n"
+               "vtr.instance.Nougat64.cpus=\"4\"\n"
+               "vtr.instance.Nougat64.graphics_engine=\"aga\"\n"
+               "vtr.instance.Nougat64.graphics_renderer=\"dx\"\n"
+               "vtr.instance.Nougat64_10.ram=\"2048\"\n");
+    EXPECT_EQ(output({"instances"}),
+              "INSTANCE     NAME     IMAGE     CPU  RAM   GRAPHICS  PROFILE\n"
+              "Nougat64     日本     Nougat64  4    0     aga/dx\n"
+              "Nougat64_10  Vantrel  Nougat64  0    2048  /\n");
+}
+
+TEST_F(BridgectlTest, ListsInstancesAsTheLibrarysJson) {
+    data.write("vantrel.conf", "");
+    EXPECT_EQ(output({"instances", "--json"}), "[\n]\n");
+}
+
+TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsAnErrorAndNotTheEnd) {
+    data.write("vantrel.conf", "vtr.instance.Pie64_1.ram=\"1\"\n");
+    expectFailure({"instances"}, 3, "instance Pie64_1 has an unknown image");
+}
+
+TEST_F(BridgectlTest, WithoutTheFileTheDefaultsAreShown) {
+    EXPECT_EQ(output({"--no-conf", "conf", "get", "vtr.next_vm_id"}), "1\n");
+    EXPECT_EQ(output({"--no-conf", "instances", "--json"}), "[\n]\n");
+}
+
+TEST_F(BridgectlTest, LogsUnderItsClientsNameIntoTheGivenFile) {
+    output({"--client", "Installer", "--log-file", data / "own.log", "conf", "get", "vtr.locale"});
+    EXPECT_EQ(logMessages(data.read("own.log"))[0],
+              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In bridgeApiInit "
+              "Installer ###############");
+    EXPECT_FALSE(data.has("Logs\\Player.log"));
+}
+
+TEST_F(BridgectlTest, AMissingFileIsAnErrorOfTheLibrary) {
+    ASSERT_TRUE(::DeleteFileW(wideForTests(data / "vantrel.conf").c_str()));
+    expectFailure({"conf", "get", "vtr.locale"}, 5, "the library did not start: -1 XERR_FAILURE");
+}
+
+TEST_F(BridgectlTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
+    ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
+    expectFailure({"conf", "get", "vtr.locale"}, 5,
+                  "cannot open the log file " + data.path() + "\\Logs/Player.log: 2 XERR_NOENT");
+}
+
+TEST_F(BridgectlTest, AnUnknownClientIsRefusedByTheLibrary) {
+    const ChildResult result = run({"--client", "Other", "conf", "get", "vtr.locale"});
+    EXPECT_EQ(result.status, 5u);
+    EXPECT_EQ(result.err, "bridgectl: the library did not start: 22 XERR_INVAL\n");
+}
+
+TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {
+    registry.set("Version", "5.2.0.1053");
+    EXPECT_EQ(run({"--client", "Launcher", "conf", "get", "vtr.locale"}).status, 5u);
+    EXPECT_EQ(output({"--client", "Helper", "conf", "get", "vtr.locale"}), "fr-FR\n");
+}
+
+TEST_F(BridgectlTest, MisuseIsExplained) {
+    for (const Arguments& arguments :
+         {Arguments{}, Arguments{"conf"}, Arguments{"conf", "get"}, Arguments{"nonsense"},
+          Arguments{"conf", "get", "a", "b"}, Arguments{"instances", "--xml"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 2u);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err.rfind("bridgectl: ", 0), 0u);
+        EXPECT_NE(result.err.find("bridgectl: see bridgectl --help\n"), std::string::npos);
+    }
+}
+
+TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
+    const std::string text = output({"--help"});
+    for (const char* part : {"conf", "instances", "--client", "--log-file", "--no-conf",
+                             "  7  the key has no value"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part;
+    }
+    EXPECT_NE(output({"conf", "set", "--help"}).find("Example: bridgectl conf set"),
+              std::string::npos);
+    EXPECT_EQ(output({"--version"}), "bridgectl 5.2.0.1052\n");
+}
