@@ -9,14 +9,16 @@ bin="$tree/build/windows/bin"
 data="$WINEPREFIX/drive_c/ProgramData/BridgeDemo"
 windows_data='C:\ProgramData\BridgeDemo'
 
-title() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+bold='' plain=''
+if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\033[1m' plain=$'\033[0m'; fi
+title() { printf '\n%s== %s%s\n' "$bold" "$*" "$plain"; }
 explain() { printf '%s\n' "$*"; }
 
 bridgectl() {
     local shown=
     printf -v shown ' %q' "$@"
     printf '\n$ bridgectl%s\n' "$shown"
-    "$wine" "$bin/bridgectl.exe" "$@" || printf '(exit code %d)\n' $?
+    "$wine" "$bin/bridgectl.exe" "$@" 2>&1 || printf '(exit code %d)\n' $?
 }
 
 registry_value() {
@@ -50,15 +52,15 @@ bridgectl conf set vtr.instance.Nougat64_1.dpi 320
 bridgectl conf set vtr.enable_adb_access true
 bridgectl conf set vtr.instance.Nougat64.display_name 'Zweitgerät 第二'
 
+title "The lines of vantrel.conf that changed (- before, + after)"
+diff -U0 "$data/before.conf" "$data/vantrel.conf" | grep -E '^[-+]vtr' || true
+
+title "What the library wrote into the product's log about the last change"
+tail -n 4 "$data/Logs/Player.log"
+
 title "What cannot be done is said before the library is asked"
 bridgectl conf set vtr.instance.Nougat64_1.dpi many
 bridgectl conf get vtr.no_such_key
-
-title "The lines of vantrel.conf that changed (- before, + after)"
-diff -U0 "$data/before.conf" "$data/vantrel.conf" | grep -E '^[-+]vtr' || explain "(none)"
-
-title "What the library wrote into the product's log"
-tail -n 8 "$data/Logs/Player.log"
 
 explain ""
 explain "Try more: ./run wine bridgectl.exe --help. The data folder is"

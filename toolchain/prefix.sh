@@ -34,6 +34,8 @@ up)
     fi
     # Fails when it runs already. It must not hold the caller's output open.
     "$server" -p >/dev/null 2>&1 </dev/null || true
+    # The first program starts Wine's services, which keep its output open as long as they live.
+    "$wine" cmd /c exit >/dev/null 2>&1 </dev/null
     ;;
 down) "$server" -k >/dev/null 2>&1 || true ;;
 *) die "prefix.sh: up or down" ;;

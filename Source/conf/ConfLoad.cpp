@@ -7,7 +7,6 @@
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfText.h"
-#include "utl/UtlFolders.h"
 #include "xpl/XinheritGate.h"
 
 namespace {
@@ -150,7 +149,7 @@ XErr confLibInit(ConfStore& store, const std::string& path, bool allowDeprecated
     store.allowDeprecated = allowDeprecated;
     fillGlobalDefaults(store);
     store.path = path;
-    if (const XErr err = store.fileLock.init(utlGlobalObjectName("conf")); err != XERR_SUCCESS) {
+    if (const XErr err = store.fileLock.init(store.fileLockName); err != XERR_SUCCESS) {
         return err;
     }
     return loadUnderFileLock(store);

@@ -11,6 +11,7 @@
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfValueMap.h"
+#include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/XmutexNamed.h"
 
@@ -41,7 +42,8 @@ struct ConfStore {
     std::set<std::string, std::less<>> instances XTS_GUARDED_BY(lock);
     std::string path XTS_GUARDED_BY(lock);  // empty: no file
 
-    // Orders loads and commits between processes: "Global\vtr_conf_nvo".
+    // Orders loads and commits between processes; named when the store is initialised.
+    std::string fileLockName = utlGlobalObjectName("conf");
     XmutexNamed fileLock;
 
     // Read without the lock.

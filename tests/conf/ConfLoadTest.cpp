@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "ConfFixture.h"
-#include "support/Scene.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
 
@@ -280,24 +279,13 @@ TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {
     EXPECT_EQ(other.deprecated, names({"vtr.old", "vtr.instance.A.old"}));
 }
 
-SCENE(initialisesWhileTheNameIsTaken) {
-    LogCapture log;
-    ConfCatalogue catalogue = confProductCatalogue();
-    ConfStore store(catalogue, confDiskFiles());
-    const XErr err = confLibInit(store, "", false);
-    for (const std::string& line : log.texts()) std::puts(line.c_str());
-    return err == XERR_FAILURE ? 5 : 6;
-}
-
-TEST(ConfLoadMutex, AFailureToCreateTheMutexIsReturned) {
-    // In a prefix that other tests share, nobody else may be holding the real mutex.
-    const HANDLE taken = ::CreateEventW(nullptr, FALSE, FALSE, L"Global\\vtr_conf_nvo");
-    if (taken == nullptr || ::GetLastError() == ERROR_ALREADY_EXISTS) {
-        if (taken != nullptr) ::CloseHandle(taken);
-        GTEST_SKIP() << "skipped: another process has the configuration's mutex at this moment";
-    }
-    const ChildResult result = runScene("initialisesWhileTheNameIsTaken");
+TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {
+    store.fileLockName = "Global\\vtr_test_conf" + std::to_string(::GetCurrentProcessId());
+    const HANDLE taken =
+        ::CreateEventW(nullptr, FALSE, FALSE, wideForTests(store.fileLockName).c_str());
+    EXPECT_EQ(init("vtr.locale=\"a\"\n"), -1);
     ::CloseHandle(taken);
-    EXPECT_EQ(result.status, 5u);
-    EXPECT_EQ(result.out, "E XMUTEX Failed to create mutex 'Global\\vtr_conf_nvo'. Error = 6\r\n");
+    EXPECT_EQ(log.texts(),
+              Lines{"E XMUTEX Failed to create mutex '" + store.fileLockName + "'. Error = 6"});
+    EXPECT_EQ(committed("vtr.locale"), "") << "nothing is read without the lock";
 }

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# The library exports exactly the names that are under review, and the header declares them all.
+# The library exports exactly the names that are under review; the header declares them all, and
+# both import libraries offer them all.
 set -euo pipefail
-readobj=$1 dll=$2 def=$3 header=$4
+readobj=$1 dll=$2 def=$3 header=$4 nm=$5
+shift 5
 
 reviewed=$(sed -n 's/^    \([A-Za-z0-9]*\)$/\1/p' "$def" | sort)
 exported=$("$readobj" --coff-exports "$dll" | sed -n 's/^ *Name: \(..*\)$/\1/p' | sort)
@@ -10,4 +12,8 @@ declared=$(grep -o 'BRIDGE_CALL bridge[A-Za-z0-9]*(' "$header" | sed 's/BRIDGE_C
 [ "$(wc -l <<<"$reviewed")" = 28 ] || { echo "the list has not 28 names"; exit 1; }
 diff <(echo "$reviewed") <(echo "$exported") || { echo "the library exports other names"; exit 1; }
 diff <(echo "$reviewed") <(echo "$declared") || { echo "the header declares other names"; exit 1; }
-echo "28 names: reviewed, exported and declared"
+for library in "$@"; do
+    offered=$("$nm" "$library" 2>/dev/null | sed -n 's/.* __imp_\(bridge.*\)$/\1/p' | sort -u)
+    diff <(echo "$reviewed") <(echo "$offered") || { echo "$library offers other names"; exit 1; }
+done
+echo "28 names: reviewed, exported, declared, and offered by $# import libraries"

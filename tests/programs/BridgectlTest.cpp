@@ -102,9 +102,9 @@ TEST_F(BridgectlTest, SettingAKeyOfANewInstanceCreatesIt) {
 TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.next_vm_id", "many"}, 4,
-                  "vtr.next_vm_id cannot be \"many\": it is a i32");
+                  "vtr.next_vm_id cannot be \"many\": its type is i32");
     expectFailure({"conf", "set", "vtr.enable_statusbar", "on"}, 4,
-                  "vtr.enable_statusbar cannot be \"on\": it is a bool");
+                  "vtr.enable_statusbar cannot be \"on\": its type is bool");
     EXPECT_EQ(data.read("vantrel.conf"), before);
 }
 

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
+
+#include "support/Scene.h"
 
 #include "xpl/Xclock.h"
 
@@ -25,6 +28,20 @@ TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
     const std::int64_t time = 1'709'820'309 * kSecond + 42'000;
     EXPECT_STREQ(xclockStamp(time, "+0100").data(), "2024-03-07 14:05:09.042+0100");
     EXPECT_STREQ(xclockStamp(time + 957'000, "").data(), "2024-03-07 14:05:09.999");
+}
+
+// Prints how far UTC is from a local time in January and in July.
+SCENE(printsDistanceToUtc) {
+    for (const std::int64_t local : {1'704'110'400 * kSecond, 1'719'835'200 * kSecond}) {
+        std::printf("%d ", static_cast<int>((local - xclockLocalToUtc(local)) / kMinute));
+    }
+    return 0;
+}
+
+TEST(Xclock, AZoneWithADaylightRuleIsTakenToBeInItAllYear) {
+    ChildOptions zone;
+    zone.environment = {{"TZ", "AAA0BBB"}};
+    EXPECT_EQ(runScene("printsDistanceToUtc", {}, zone).out, "60 60 ");
 }
 
 TEST(Xclock, NowHasTheResolutionOfAMillisecond) {

@@ -48,8 +48,8 @@ void run(Session& session, const Arguments& arguments) {
     }
     const std::optional<std::string> stored = storedForm(key, *type, arguments.value);
     if (!stored) {
-        session.fail(ExitCode::BadValue,
-                     key + " cannot be \"" + arguments.value + "\": it is a " + typeName(*type));
+        session.fail(ExitCode::BadValue, key + " cannot be \"" + arguments.value +
+                                             "\": its type is " + typeName(*type));
         return;
     }
     const std::string before = shown(session.configuration().find(key));
