@@ -1,6 +1,6 @@
 # bridge_layer(NAME SOURCES ... [DEPENDS ...] [SYSTEM_LIBRARIES ...])
 #
-# One folder of Source/ as a static library. Its headers are reached as "NAME/Header.h", and only
+# The folder that calls it, one of Source/, as a static library. Its headers are reached as "NAME/Header.h", and only
 # by those who declare the dependency: an include of a layer that is not declared does not build.
 function(bridge_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;DEPENDS;SYSTEM_LIBRARIES" ${ARGN})

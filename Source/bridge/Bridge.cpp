@@ -5,8 +5,10 @@
 #include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeInstances.h"
+#include "bridge/BridgeLaunch.h"
 #include "bridge/BridgeLog.h"
 #include "bridge/BridgeMemory.h"
+#include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
 
 namespace {
@@ -95,28 +97,69 @@ char* bridgeConfGetInstances(void) {
 
 void bridgeFreeMemory(void* memory) { bridgeHostFree(memory); }
 
-bridge_i32 bridgeLaunchApp(const char*, const char*) { return notImplemented(__func__); }
-
-bridge_i32 bridgeLaunchAppStore(const char*, const char*, const char*) {
-    return notImplemented(__func__);
+bridge_i32 bridgeLaunchApp(const char* instance, const char* package) {
+    return bridgeStatus(__func__, {instance, package}, [&] {
+        return bridgeStartPlayer(
+            {"--instance", instance, "--cmd", "launchApp", "--package", package});
+    });
 }
 
-bridge_i32 bridgeLaunchUrl(const char*, const char*) { return notImplemented(__func__); }
-
-bridge_i32 bridgeInstallApk(const char*, const char*) { return notImplemented(__func__); }
-
-bridge_i32 bridgeUninstallApp(const char*, const char*) { return notImplemented(__func__); }
-
-bridge_i32 bridgeInstallImage(const char*) { return notImplemented(__func__); }
-
-bridge_i32 bridgeCreateFreshInstance(const char*, const char*, const char*, const char*,
-                                     const char*, const char*) {
-    return notImplemented(__func__);
+bridge_i32 bridgeLaunchAppStore(const char* instance, const char* store, const char* package) {
+    return bridgeStatus(__func__, {instance, store, package}, [&] {
+        return bridgeStartPlayer({"--instance", instance, "--cmd", "installApp", "--package",
+                                  package, "--store", store});
+    });
 }
 
-bridge_i32 bridgePlrShutdown(const char*, bridge_bool) { return notImplemented(__func__); }
+bridge_i32 bridgeLaunchUrl(const char* instance, const char* url) {
+    return bridgeStatus(__func__, {instance, url}, [&] {
+        return bridgeStartPlayer({"--instance", instance, "--cmd", "launchUrl", "--url", url});
+    });
+}
 
-void bridgeShutdown(void) { notImplemented(__func__); }
+bridge_i32 bridgeInstallApk(const char* instance, const char* apkFilePath) {
+    return bridgeStatus(__func__, {instance, apkFilePath}, [&] {
+        return bridgeStartPlayer(
+            {"--instance", instance, "--cmd", "installApk", "--filepath", apkFilePath});
+    });
+}
+
+bridge_i32 bridgeUninstallApp(const char* instance, const char* package) {
+    return bridgeStatus(__func__, {instance, package}, [&] {
+        return bridgeStartPlayer(
+            {"--instance", instance, "--cmd", "uninstallApp", "--package", package});
+    });
+}
+
+bridge_i32 bridgeInstallImage(const char* imageName) {
+    return bridgeStatus(__func__, {imageName}, [&] {
+        return bridgeStartManager({"--hidden", "--cmd", "installImage", "--imageName", imageName});
+    });
+}
+
+bridge_i32 bridgeCreateFreshInstance(const char* imageName, const char* cpu, const char* ram,
+                                     const char* graphicEngine, const char* graphicRenderer,
+                                     const char* deviceProfile) {
+    return bridgeStatus(
+        __func__, {imageName, cpu, ram, graphicEngine, graphicRenderer, deviceProfile}, [&] {
+            return bridgeStartManager({"--hidden", "--cmd", "createFreshInstance", "--imageName",
+                                       imageName, "--cpu", cpu, "--ram", ram, "--graphicEngine",
+                                       graphicEngine, "--graphicRenderer", graphicRenderer,
+                                       "--deviceProfile", deviceProfile});
+        });
+}
+
+bridge_i32 bridgePlrShutdown(const char* instance, bridge_bool flag) {
+    return bridgeStatus(__func__, {instance},
+                        [&] { return bridge::bridgePlrShutdown(instance, flag != 0); });
+}
+
+void bridgeShutdown(void) {
+    bridgeStatus(__func__, {}, [] {
+        bridge::bridgeShutdown();
+        return XErr{XERR_SUCCESS};
+    });
+}
 
 void bridgeRegisterCallbacks(bridgeOnAppInstalled, bridgeOnAppUninstalled,
                              bridgeOnApkInstallCompleted, bridgeOnInstanceListUpdated,

@@ -35,6 +35,12 @@ void printError(std::string_view text) {
     print(STD_ERROR_HANDLE, std::string("bridgectl: ").append(text).append("\n"));
 }
 
+void keepStandardHandles() {
+    for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        ::SetHandleInformation(::GetStdHandle(stream), HANDLE_FLAG_INHERIT, 0);
+    }
+}
+
 std::vector<std::string> commandLineArguments() {
     int count = 0;
     const std::unique_ptr<LPWSTR[], FreeArguments> wide(

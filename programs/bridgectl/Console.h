@@ -9,6 +9,10 @@
 void printOut(std::string_view text);
 void printError(std::string_view text);
 
+// Keeps the standard handles from the programs that this one starts: they would hold a pipe open,
+// and whoever reads it would wait for their end.
+void keepStandardHandles();
+
 // The arguments of the command line behind the program's name.
 std::vector<std::string> commandLineArguments();
 

@@ -9,7 +9,8 @@
     X(BadValue, 4, "the value, stored or given, does not fit the type")    \
     X(Library, 5, "the library cannot start or failed; see the log")       \
     X(Commit, 6, "the change could not be written; the old file is whole") \
-    X(Unset, 7, "the key has no value")
+    X(Unset, 7, "the key has no value")                                    \
+    X(Program, 8, "the program could not be started or asked")
 
 enum class ExitCode : int {
 #define BRIDGECTL_ENUMERATOR(name, number, meaning) name = number,

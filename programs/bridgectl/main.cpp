@@ -86,6 +86,7 @@ int run() {
 }  // namespace
 
 int main() {
+    keepStandardHandles();
     try {
         return run();
     } catch (const std::exception& error) {

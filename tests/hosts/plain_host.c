@@ -9,6 +9,8 @@
  *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
+ *     launchapp, appstore, url, apk, uninstall, image, create, plrshutdown ARGUMENTS...
+ *     shutdown | shutdownmany INSTANCE COUNT | unbuilt
  *     hold KEY             reads a text, changes the key, and prints the text read before
  *
  * "(null)" stands for a null pointer.
@@ -131,17 +133,64 @@ static void initex(void) {
 
 /* The functions that another part of the library will bring: each says that it is not there yet. */
 static void unbuilt(void) {
-    printNumber("launchapp", bridgeLaunchApp("i", "p"));
-    printNumber("appstore", bridgeLaunchAppStore("i", "s", "p"));
-    printNumber("url", bridgeLaunchUrl("i", "u"));
-    printNumber("apk", bridgeInstallApk("i", "a"));
-    printNumber("uninstall", bridgeUninstallApp("i", "p"));
-    printNumber("image", bridgeInstallImage("i"));
-    printNumber("create", bridgeCreateFreshInstance("i", "1", "1", "g", "r", "p"));
-    printNumber("plrshutdown", bridgePlrShutdown("i", 0));
-    bridgeShutdown();
     bridgeRegisterCallbacks(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
     printText("apps", bridgeGetInstalledApps("i"));
+}
+
+static DWORD handleCount(void) {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+
+/* Many requests to one player: how many handles are left over after a warm-up. */
+static void shutdownMany(const char* instance, int count) {
+    DWORD before;
+    int i;
+    for (i = 0; i < 20; ++i) bridgePlrShutdown(instance, 0);
+    before = handleCount();
+    for (i = 0; i < count; ++i) bridgePlrShutdown(instance, 0);
+    printNumber("shutdownmany", (int)handleCount() - (int)before);
+}
+
+/* The programs: each operation takes its function's arguments. */
+static int programOperation(const char* name) {
+    const char* a;
+    const char* b;
+    const char* c;
+    const char* d;
+    const char* e;
+    if (strcmp(name, "shutdown") == 0) {
+        bridgeShutdown();
+        return 1;
+    }
+    if (strcmp(name, "launchapp") != 0 && strcmp(name, "appstore") != 0 &&
+        strcmp(name, "url") != 0 && strcmp(name, "apk") != 0 && strcmp(name, "uninstall") != 0 &&
+        strcmp(name, "image") != 0 && strcmp(name, "create") != 0 &&
+        strcmp(name, "plrshutdown") != 0 && strcmp(name, "shutdownmany") != 0) {
+        return 0;
+    }
+    a = next();
+    if (strcmp(name, "image") == 0) {
+        printNumber(name, bridgeInstallImage(a));
+        return 1;
+    }
+    b = next();
+    if (strcmp(name, "launchapp") == 0) printNumber(name, bridgeLaunchApp(a, b));
+    if (strcmp(name, "url") == 0) printNumber(name, bridgeLaunchUrl(a, b));
+    if (strcmp(name, "apk") == 0) printNumber(name, bridgeInstallApk(a, b));
+    if (strcmp(name, "uninstall") == 0) printNumber(name, bridgeUninstallApp(a, b));
+    if (strcmp(name, "plrshutdown") == 0)
+        printNumber(name, bridgePlrShutdown(a, (bridge_bool)atoi(b)));
+    if (strcmp(name, "shutdownmany") == 0) shutdownMany(a, atoi(b));
+    if (strcmp(name, "appstore") == 0) printNumber(name, bridgeLaunchAppStore(a, b, next()));
+    if (strcmp(name, "create") == 0) {
+        c = next();
+        d = next();
+        e = next();
+        printNumber(name, bridgeCreateFreshInstance(a, b, c, d, e, next()));
+    }
+    return 1;
 }
 
 int main(void) {
@@ -162,7 +211,7 @@ int main(void) {
             printNumber(name, bridgeApiFini());
         else if (strcmp(name, "unbuilt") == 0)
             unbuilt();
-        else if (!configurationOperation(name))
+        else if (!programOperation(name) && !configurationOperation(name))
             return 98;
     }
     return 0;

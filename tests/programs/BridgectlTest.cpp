@@ -213,6 +213,121 @@ TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {
     EXPECT_EQ(output({"--client", "Helper", "conf", "get", "vtr.locale"}), "fr-FR\n");
 }
 
+namespace {
+
+// The stand-ins in place of the product's programs, with their output in the data folder.
+class BridgectlProgramsTest : public BridgectlTest {
+ protected:
+    BridgectlProgramsTest() {
+        const std::string bin = builtProgram("");
+        registry.set("InstallDir", bin.substr(0, bin.size() - 4) + "standins\\");
+        options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
+                               {"QX_STANDIN_SECONDS", "5"}};
+    }
+
+    std::string output(const Arguments& arguments) const {
+        const ChildResult result = runChild(builtProgram("bridgectl.exe"), arguments, options);
+        EXPECT_EQ(result.status, 0u) << result.err;
+        return result.out;
+    }
+
+    // Waits until the stand-ins have written that many lines, and gives all of them.
+    std::vector<std::string> waitForLines(std::size_t count) const {
+        std::vector<std::string> lines;
+        for (int i = 0; i < 400 && lines.size() < count; ++i) {
+            ::Sleep(10);
+            if (data.has("standins.txt")) lines = logMessages(data.read("standins.txt"));
+        }
+        EXPECT_EQ(lines.size(), count);
+        lines.resize(count);
+        return lines;
+    }
+
+    std::string program(const std::string& name) const {
+        std::string path = builtProgram("");
+        path = path.substr(0, path.size() - 4) + "standins\\" + name;
+        std::string quoted;
+        for (const char c : path) quoted += c == '\\' ? std::string("\\\\") : std::string(1, c);
+        return "commandLine: \"" + quoted + "\"";
+    }
+
+    ChildOptions options;
+};
+
+}  // namespace
+
+TEST_F(BridgectlProgramsTest, LaunchesAnAppAndShutsThePlayerDown) {
+    EXPECT_EQ(output({"launch", "Nougat64", "com.example.app"}), "started\n");
+    EXPECT_EQ(waitForLines(2),
+              (Arguments{program("QX-Player.exe") + R"( "--instance" "Nougat64" "--cmd" )"
+                                                    R"("launchApp" "--package" "com.example.app")",
+                         "serving: vtr_plr_Nougat64_nvo"}));
+    EXPECT_EQ(output({"shutdown", "Nougat64", "--flag"}), "asked the player of Nougat64\n");
+    EXPECT_EQ(waitForLines(4)[2], "plrShutdownRpc(true)");
+    EXPECT_EQ(waitForLines(4)[3], "ended: vtr_plr_Nougat64_nvo");
+}
+
+TEST_F(BridgectlProgramsTest, EveryCommandHasItsCommandLine) {
+    const struct {
+        Arguments command;
+        std::string line;
+    } cases[] = {
+        {{"launch-url", "Nougat64", "https://example.com/?a b"},
+         R"( "--instance" "Nougat64" "--cmd" "launchUrl" "--url" "https://example.com/?a b")"},
+        {{"app-store", "Nougat64", "play", "com.a"},
+         R"( "--instance" "Nougat64" "--cmd" "installApp" "--package" "com.a" "--store" "play")"},
+        {{"install-apk", "Nougat64", "C:\\é\\a.apk"},
+         R"( "--instance" "Nougat64" "--cmd" "installApk" "--filepath" "C:\\é\\a.apk")"},
+        {{"uninstall", "Nougat64", "com.a"},
+         R"( "--instance" "Nougat64" "--cmd" "uninstallApp" "--package" "com.a")"},
+    };
+    std::size_t lines = 0;
+    for (const auto& [command, line] : cases) {
+        EXPECT_EQ(output(command), "started\n");
+        lines += lines == 0 ? 2 : 1;  // the first one goes on serving
+        EXPECT_EQ(waitForLines(lines)[lines == 2 ? 0 : lines - 1], program("QX-Player.exe") + line);
+    }
+    output({"shutdown", "Nougat64"});
+    EXPECT_EQ(waitForLines(lines + 2)[lines], "plrShutdownRpc(false)");
+}
+
+TEST_F(BridgectlProgramsTest, TheManagerIsStartedAndShutDownWithEverything) {
+    EXPECT_EQ(output({"install-image", "Nougat32"}), "started\n");
+    EXPECT_EQ(waitForLines(2),
+              (Arguments{program("QX-MultiInstanceManager.exe") +
+                             R"( "--hidden" "--cmd" "installImage" "--imageName" "Nougat32")",
+                         "serving: vtr_mim_nvo"}));
+    EXPECT_EQ(output({"create-instance", "Nougat64", "4", "", "aga", "dx", "s21 \"u\""}),
+              "started\n");
+    EXPECT_EQ(waitForLines(3)[2],
+              program("QX-MultiInstanceManager.exe") +
+                  R"( "--hidden" "--cmd" "createFreshInstance" "--imageName" "Nougat64" "--cpu" )"
+                  R"("4" "--ram" "" "--graphicEngine" "aga" "--graphicRenderer" "dx" )"
+                  R"("--deviceProfile" "s21 \"u\"")");
+    EXPECT_EQ(output({"shutdown"}), "asked the manager and every player\n");
+    EXPECT_EQ(waitForLines(5)[3], "mimShutdownRpc()");
+}
+
+TEST_F(BridgectlProgramsTest, OutputCanBeJson) {
+    options.environment.push_back({"QX_STANDIN_FORMAT", "json"});
+    output({"launch", "Nougat64", "com.a"});
+    EXPECT_EQ(waitForLines(2)[1], R"({"serving":"vtr_plr_Nougat64_nvo"})");
+    output({"shutdown", "Nougat64"});
+    EXPECT_EQ(waitForLines(4)[2],
+              R"({"request":"plrShutdownRpc","opcode":2000,"replyLength":0,"arguments":[false]})");
+}
+
+TEST_F(BridgectlProgramsTest, AProgramThatIsNotThereIsAnError) {
+    registry.set("InstallDir", "C:\\Nowhere\\");
+    const ChildResult result = run({"launch", "Nougat64", "com.a"});
+    EXPECT_EQ(result.status, 8u);
+    EXPECT_EQ(result.err, "bridgectl: not started: 2 XERR_NOENT\n");
+}
+
+TEST_F(BridgectlTest, WithoutAnInstallFolderNothingIsStarted) {
+    expectFailure({"launch", "Nougat64", "com.a"}, 5, "the registry names no install folder");
+}
+
 TEST_F(BridgectlTest, MisuseIsExplained) {
     for (const Arguments& arguments :
          {Arguments{}, Arguments{"conf"}, Arguments{"conf", "get"}, Arguments{"nonsense"},

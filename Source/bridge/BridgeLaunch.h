@@ -1,0 +1,16 @@
+#ifndef BRIDGE_BRIDGELAUNCH_H
+#define BRIDGE_BRIDGELAUNCH_H
+
+#include <string>
+#include <vector>
+
+#include "xpl/Xerr.h"
+
+using BridgeArguments = std::vector<std::string>;
+
+// Start a program of the product with these arguments behind its path, without waiting for it. The
+// status is the process creation's, which logs its failures.
+[[nodiscard]] XErr bridgeStartPlayer(const BridgeArguments& arguments);
+[[nodiscard]] XErr bridgeStartManager(const BridgeArguments& arguments);
+
+#endif

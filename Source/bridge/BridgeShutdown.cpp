@@ -1,0 +1,35 @@
+// Shutting down the product's running programs.
+#include "bridge/BridgeShutdown.h"
+
+#include "bridge/BridgeLog.h"
+#include "conf/Conf.h"
+#include "mim/MimEnc.h"
+#include "plr/PlrEnc.h"
+#include "utl/UtlFolders.h"
+
+namespace bridge {
+
+XErr bridgePlrShutdown(const std::string& instance, bool flag, ClientInit init) {
+    const std::string server = utlLocalObjectName("plr_" + instance);
+    IpcClient client;
+    if (const int err = init(client, server); err != 0) {
+        XLOG_E(kLog, "IPC client for %s init failed: err %d", server.c_str(), err);
+        return err;
+    }
+    plrShutdownRpc(client, flag);
+    return XERR_SUCCESS;
+}
+
+void bridgeShutdown(ClientInit init) {
+    IpcClient manager;  // stays until every player has been asked
+    if (const int err = init(manager, utlLocalObjectName("mim")); err != 0) {
+        XLOG_E(kLog, "MIM IPC client init failed: err %d", err);
+    } else {
+        mimShutdownRpc(manager);
+    }
+    for (const std::string& instance : confGetInstances(confStore())) {
+        static_cast<void>(bridgePlrShutdown(instance, /*flag=*/false, init));
+    }
+}
+
+}  // namespace bridge

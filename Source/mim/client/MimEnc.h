@@ -1,0 +1,23 @@
+#ifndef MIM_MIMENC_H
+#define MIM_MIMENC_H
+
+#include <cstdint>
+
+#include "ipc/IpcRequest.h"
+
+// Requests to the multi-instance manager. Each takes a client for its server ("vtr_mim_nvo"), sends
+// one packet and returns; a failure is only logged. Texts are UTF-8. What parameters without a name
+// of their own mean is the receiver's business.
+
+// Every request, in the order of the opcodes.
+constexpr std::size_t MIM_REQUEST_COUNT = 4;
+extern const IpcRequest MIM_REQUESTS[MIM_REQUEST_COUNT];
+
+void mimShutdownRpc(IpcClient& client);
+void mimBringToFrontRpc(IpcClient& client);
+void mimDownloadImageRpc(IpcClient& client, const char* imageName);
+void mimCreateFreshInstanceRpc(IpcClient& client, const char* imageName, const char* cpu,
+                               const char* ram, const char* graphicEngine,
+                               const char* graphicRenderer, const char* deviceProfile);
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef PLR_PLRENC_H
+#define PLR_PLRENC_H
+
+#include <cstdint>
+
+#include "ipc/IpcRequest.h"
+
+// Requests to the player of an instance. Each takes a client for its server
+// ("vtr_plr_<instance>_nvo"), sends one packet and returns; a failure is only logged. Texts are
+// UTF-8. What parameters without a name of their own mean is the receiver's business.
+
+// Every request, in the order of the opcodes.
+constexpr std::size_t PLR_REQUEST_COUNT = 18;
+extern const IpcRequest PLR_REQUESTS[PLR_REQUEST_COUNT];
+
+void plrShutdownRpc(IpcClient& client, bool flag);
+// Waits for the player's answer, an unsigned 64-bit number; 0 when none came.
+std::uint64_t plrBringToFrontRpc(IpcClient& client);
+void plrEnableEcoModeRpc(IpcClient& client, bool enable);
+void plrMuteMediaRpc(IpcClient& client, bool mute);
+void plrResizeWindowRpc(IpcClient& client, std::int32_t first, std::int32_t second,
+                        std::int32_t third, std::int32_t fourth);
+void plrLaunchAppStoreRpc(IpcClient& client, const char* first, const char* second);
+void plrLaunchAppRpc(IpcClient& client, const char* package);
+void plrLaunchUrlRpc(IpcClient& client, const char* url);
+void plrUninstallAppRpc(IpcClient& client, const char* package);
+void plrInstallApkRpc(IpcClient& client, const char* apkFilePath);
+void plrMnsSyncKeyEventRpc(IpcClient& client, std::int32_t first, bool second);
+void plrMnsSyncMouseEventRpc(IpcClient& client, std::int32_t first, double second, double third,
+                             std::int32_t fourth);
+void plrMnsSyncImeEventRpc(IpcClient& client, const char* text);
+void plrMnsSyncUiEventRpc(IpcClient& client, std::int32_t event);
+void plrMnsSyncStartRpc(IpcClient& client, const char* first, const char* second);
+void plrMnsSyncStopRpc(IpcClient& client, const char* text);
+void plrOnConfChangedRpc(IpcClient& client);
+void plrMnsOnAnyMacroChangedRpc(IpcClient& client);
+
+#endif

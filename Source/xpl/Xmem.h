@@ -1,0 +1,18 @@
+#ifndef XPL_XMEM_H
+#define XPL_XMEM_H
+
+#include <cstddef>
+#include <memory>
+
+// The library's allocator for packet buffers: the C runtime's, behind one name.
+void* xmemAlloc(std::size_t size) noexcept;  // null when memory is short
+void xmemFree(void* memory) noexcept;
+void xmemCopy(void* to, const void* from, std::size_t size) noexcept;
+void xmemSet(void* to, int byte, std::size_t size) noexcept;
+
+struct XmemFree {
+    void operator()(void* memory) const noexcept { xmemFree(memory); }
+};
+using XmemBytes = std::unique_ptr<unsigned char[], XmemFree>;
+
+#endif

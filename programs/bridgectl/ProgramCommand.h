@@ -1,0 +1,28 @@
+#ifndef BRIDGECTL_PROGRAMCOMMAND_H
+#define BRIDGECTL_PROGRAMCOMMAND_H
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "Session.h"
+
+namespace CLI {
+class App;
+}
+
+// A command that starts one of the product's programs: positional texts in, one call, its status.
+struct ProgramArgument {
+    const char* name;
+    const char* help;
+};
+
+using ProgramTexts = std::vector<std::string>;
+using ProgramCall = int (*)(const ProgramTexts& texts);
+
+// Declares the arguments, all required, and the call as the parser's work. Needs no configuration
+// file of the library, but its log and the install folder.
+void declareProgram(CLI::App& parser, Session& session,
+                    const std::vector<ProgramArgument>& arguments, ProgramCall call);
+
+#endif

@@ -1,0 +1,26 @@
+// bridgectl app-store INSTANCE STORE PACKAGE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) {
+    return bridgeLaunchAppStore(texts[0].c_str(), texts[1].c_str(), texts[2].c_str());
+}
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session,
+                   {{"INSTANCE", "Instance name"},
+                    {"STORE", "The store"},
+                    {"PACKAGE", "Android package name"}},
+                   call);
+}
+
+}  // namespace
+
+extern const Command commandAppStore;
+const Command commandAppStore{"", "app-store", "Opens an app's page in an app store",
+                              "Example: bridgectl app-store Nougat64 play com.example.app",
+                              declare};

@@ -1,0 +1,30 @@
+// bridgectl create-instance IMAGE CPU RAM ENGINE RENDERER PROFILE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) {
+    return bridgeCreateFreshInstance(texts[0].c_str(), texts[1].c_str(), texts[2].c_str(),
+                                     texts[3].c_str(), texts[4].c_str(), texts[5].c_str());
+}
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session,
+                   {{"IMAGE", "Name of the image"},
+                    {"CPU", "Number of processors"},
+                    {"RAM", "Memory in MiB"},
+                    {"ENGINE", "Graphics engine"},
+                    {"RENDERER", "Graphics renderer"},
+                    {"PROFILE", "Device profile code"}},
+                   call);
+}
+
+}  // namespace
+
+extern const Command commandCreateInstance;
+const Command commandCreateInstance{
+    "", "create-instance", "Creates a new instance",
+    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u", declare};

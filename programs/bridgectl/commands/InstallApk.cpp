@@ -1,0 +1,21 @@
+// bridgectl install-apk INSTANCE FILE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) { return bridgeInstallApk(texts[0].c_str(), texts[1].c_str()); }
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"FILE", "The APK file"}},
+                   call);
+}
+
+}  // namespace
+
+extern const Command commandInstallApk;
+const Command commandInstallApk{"", "install-apk", "Installs an APK file into an instance",
+                                "Example: bridgectl install-apk Nougat64 C:\\Downloads\\app.apk",
+                                declare};

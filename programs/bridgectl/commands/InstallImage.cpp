@@ -1,0 +1,19 @@
+// bridgectl install-image IMAGE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) { return bridgeInstallImage(texts[0].c_str()); }
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session, {{"IMAGE", "Name of the image"}}, call);
+}
+
+}  // namespace
+
+extern const Command commandInstallImage;
+const Command commandInstallImage{"", "install-image", "Installs an Android image",
+                                  "Example: bridgectl install-image Nougat64", declare};

@@ -1,0 +1,20 @@
+// bridgectl launch INSTANCE PACKAGE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) { return bridgeLaunchApp(texts[0].c_str(), texts[1].c_str()); }
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session,
+                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}}, call);
+}
+
+}  // namespace
+
+extern const Command commandLaunch;
+const Command commandLaunch{"", "launch", "Launches an app in an instance",
+                            "Example: bridgectl launch Nougat64 com.example.app", declare};

@@ -1,0 +1,20 @@
+// bridgectl launch-url INSTANCE URL
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) { return bridgeLaunchUrl(texts[0].c_str(), texts[1].c_str()); }
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"URL", "The URL"}}, call);
+}
+
+}  // namespace
+
+extern const Command commandLaunchUrl;
+const Command commandLaunchUrl{"", "launch-url", "Opens a URL in an instance",
+                               "Example: bridgectl launch-url Nougat64 https://example.com/",
+                               declare};

@@ -1,0 +1,47 @@
+// bridgectl shutdown [INSTANCE] [--flag]
+#include <bridge/bridge.h>
+
+#include <CLI/CLI.hpp>
+
+#include "Command.h"
+#include "Console.h"
+#include "Session.h"
+
+namespace {
+
+struct Arguments {
+    std::string instance;  // empty: the manager and every player
+    bool flag = false;
+};
+
+void run(Session& session, const Arguments& arguments) {
+    if (!session.start()) return;
+    if (arguments.instance.empty()) {
+        bridgeShutdown();
+        printOut("asked the manager and every player\n");
+        return;
+    }
+    const int status = bridgePlrShutdown(arguments.instance.c_str(), arguments.flag ? 1 : 0);
+    if (status != BRIDGE_SUCCESS) {
+        session.failStatus(ExitCode::Program, "not asked", status);
+        return;
+    }
+    printOut("asked the player of " + arguments.instance + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::Option* instance =
+        parser.add_option("INSTANCE", arguments->instance, "Only the player of this instance");
+    parser.add_flag("--flag", arguments->flag, "The flag that the player is handed")
+        ->needs(instance);
+    parser.callback([&session, arguments] { run(session, *arguments); });
+}
+
+}  // namespace
+
+extern const Command commandShutdown;
+const Command commandShutdown{"", "shutdown", "Asks running programs to shut down",
+                              "Example: bridgectl shutdown Nougat64\n"
+                              "Whether a program was there to be asked is in the log only.",
+                              declare};

@@ -1,0 +1,22 @@
+// bridgectl uninstall INSTANCE PACKAGE
+#include <bridge/bridge.h>
+
+#include "Command.h"
+#include "ProgramCommand.h"
+
+namespace {
+
+int call(const ProgramTexts& texts) {
+    return bridgeUninstallApp(texts[0].c_str(), texts[1].c_str());
+}
+
+void declare(CLI::App& parser, Session& session) {
+    declareProgram(parser, session,
+                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}}, call);
+}
+
+}  // namespace
+
+extern const Command commandUninstall;
+const Command commandUninstall{"", "uninstall", "Uninstalls an app from an instance",
+                               "Example: bridgectl uninstall Nougat64 com.example.app", declare};

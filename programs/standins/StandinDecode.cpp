@@ -1,0 +1,138 @@
+#include "StandinDecode.h"
+
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "mim/MimEnc.h"
+#include "plr/PlrEnc.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Reads fields one behind the other, inside the packet's own bytes.
+class FieldReader {
+ public:
+    explicit FieldReader(std::string_view payload) : rest_(payload) {}
+
+    std::optional<Json> read(IpcFieldType type) {
+        switch (type) {
+            case IpcFieldType::I32:
+                return number<std::int32_t>();
+            case IpcFieldType::Bool:
+                return boolean();
+            case IpcFieldType::Double:
+                return number<double>();
+            case IpcFieldType::Text:
+                break;
+        }
+        return text();
+    }
+
+    bool atEnd() const { return rest_.empty(); }
+
+ private:
+    template <typename Number>
+    std::optional<Json> number() {
+        Number value;
+        if (!take(&value, sizeof value)) return std::nullopt;
+        return Json(value);
+    }
+
+    // Only the lowest byte counts.
+    std::optional<Json> boolean() {
+        unsigned char bytes[4];
+        if (!take(bytes, sizeof bytes)) return std::nullopt;
+        return Json(bytes[0] != 0);
+    }
+
+    std::optional<Json> text() {
+        std::uint32_t count = 0;
+        if (!take(&count, sizeof count) || count == 0 || count > rest_.size()) return std::nullopt;
+        if (rest_[count - 1] != '\0') return std::nullopt;
+        const std::string value(rest_.substr(0, count - 1));
+        rest_.remove_prefix(count);
+        return Json(value);
+    }
+
+    bool take(void* to, std::size_t size) {
+        if (rest_.size() < size) return false;
+        std::memcpy(to, rest_.data(), size);
+        rest_.remove_prefix(size);
+        return true;
+    }
+
+    std::string_view rest_;
+};
+
+const IpcRequest* findRequest(StandinRequests requests, std::uint32_t opcode) {
+    for (std::size_t i = 0; i < requests.count; ++i) {
+        if (requests.first[i].opcode == opcode) return &requests.first[i];
+    }
+    return nullptr;
+}
+
+std::optional<Json> readArguments(const IpcRequest& request, std::string_view payload) {
+    FieldReader reader(payload);
+    Json arguments = Json::array();
+    for (std::size_t i = 0; i < request.fieldCount; ++i) {
+        std::optional<Json> value = reader.read(request.fields[i]);
+        if (!value) return std::nullopt;
+        arguments.push_back(std::move(*value));
+    }
+    return reader.atEnd() ? std::optional(std::move(arguments)) : std::nullopt;
+}
+
+// Bytes that are not UTF-8 are replaced, and numbers that are none are shown as null.
+std::string dump(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string hexOf(std::string_view bytes) {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+std::string unreadable(std::string_view packet, StandinFormat format) {
+    const std::string hex = hexOf(packet);
+    return format == StandinFormat::Json ? dump(Json{{"unreadable", hex}}) : "unreadable " + hex;
+}
+
+}  // namespace
+
+StandinRequests standinPlayerRequests() { return {PLR_REQUESTS, PLR_REQUEST_COUNT}; }
+
+StandinRequests standinManagerRequests() { return {MIM_REQUESTS, MIM_REQUEST_COUNT}; }
+
+StandinHeader standinHeader(std::string_view packet) {
+    StandinHeader header;
+    std::memcpy(&header.opcode, packet.data() + IPC_OPCODE_OFFSET, 4);
+    std::memcpy(&header.length, packet.data() + IPC_LENGTH_OFFSET, 4);
+    std::memcpy(&header.replyLength, packet.data() + IPC_REPLY_LENGTH_OFFSET, 4);
+    return header;
+}
+
+std::string standinDescribe(std::string_view packet, StandinRequests requests,
+                            StandinFormat format) {
+    if (packet.size() < IPC_HEADER_SIZE) return unreadable(packet, format);
+    const StandinHeader header = standinHeader(packet);
+    const IpcRequest* request = findRequest(requests, header.opcode);
+    if (request == nullptr) return unreadable(packet, format);
+    const std::optional<Json> arguments = readArguments(*request, packet.substr(IPC_HEADER_SIZE));
+    if (!arguments) return unreadable(packet, format);
+    if (format == StandinFormat::Json) {
+        return dump(Json{{"request", request->name},
+                         {"opcode", header.opcode},
+                         {"replyLength", header.replyLength},
+                         {"arguments", *arguments}});
+    }
+    const std::string list = dump(*arguments);
+    return std::string(request->name) + "(" + list.substr(1, list.size() - 2) + ")";
+}

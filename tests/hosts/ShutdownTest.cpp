@@ -1,0 +1,130 @@
+#include <mutex>
+
+#include "PlainHost.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+class ShutdownTest : public PlainHostTest {
+ protected:
+    // A server of the product that writes down who was asked, in order.
+    RawServer::Serve recorder(const std::string& who) {
+        return [this, who](RawPipe& pipe) {
+            const std::string bytes = pipe.readAll();
+            const std::lock_guard<std::mutex> guard(lock);
+            asked.push_back(who + ":" + hex(bytes));
+        };
+    }
+
+    static std::string hex(const std::string& bytes) {
+        static const char* const digits = "0123456789ABCDEF";
+        std::string text;
+        for (const char c : bytes) {
+            const auto byte = static_cast<unsigned char>(c);
+            text += digits[byte >> 4];
+            text += digits[byte & 15];
+        }
+        return text;
+    }
+
+    static std::string unique(const std::string& name) {
+        return name + std::to_string(::GetCurrentProcessId());
+    }
+
+    Lines afterStart() const {
+        Lines lines;
+        for (const std::string& line : log()) {
+            if (line.find("bridgeApiInit") == std::string::npos &&
+                line.find("onfiguration") == std::string::npos &&
+                line.find("function took") == std::string::npos) {
+                lines.push_back(line);
+            }
+        }
+        return lines;
+    }
+
+    std::mutex lock;
+    Lines asked;
+};
+
+constexpr const char* kPlayerFalse = "D0070000100000000000000000000000";
+constexpr const char* kPlayerTrue = "D0070000100000000000000001000000";
+constexpr const char* kManager = "A00F00000C00000000000000";
+
+}  // namespace
+
+TEST_F(ShutdownTest, OnePlayerIsAskedWithTheFlag) {
+    writeConf("");
+    const std::string player = unique("Nougat64_");
+    {
+        RawServer server("vtr_plr_" + player + "_nvo", recorder("player"));
+        EXPECT_EQ(
+            output({"init", "Helper", "plrshutdown", player, "1", "plrshutdown", player, "0"}),
+            (Lines{"init 0", "plrshutdown 0", "plrshutdown 0"}));
+    }
+    EXPECT_EQ(asked,
+              (Lines{std::string("player:") + kPlayerTrue, std::string("player:") + kPlayerFalse}));
+    EXPECT_EQ(afterStart(), Lines{});
+}
+
+TEST_F(ShutdownTest, APlayerThatIsNotRunningIsAnErrorLineAndZero) {
+    writeConf("");
+    EXPECT_EQ(output({"init", "Helper", "plrshutdown", "nobody", "0"}),
+              (Lines{"init 0", "plrshutdown 0"}));
+    EXPECT_EQ(afterStart(), Lines{"E PLR Helper_bridge plrShutdownRpc: ipcSendToServer command "
+                                  "failed, opcode = 2000"});
+}
+
+TEST_F(ShutdownTest, TheManagerIsAskedFirstThenThePlayersInOrder) {
+    const std::string a = unique("Nougat64_1");
+    const std::string b = unique("Nougat64_2");
+    const std::string c = unique("Nougat64_3");
+    std::string content;
+    for (const std::string& name : {c, a, b}) {
+        content += "vtr.instance." + name + ".dpi=\"240\"\n";
+    }
+    writeConf(content);
+    {
+        RawServer manager("vtr_mim_nvo", recorder("manager"));
+        RawServer first("vtr_plr_" + a + "_nvo", recorder("a"));
+        RawServer third("vtr_plr_" + c + "_nvo", recorder("c"));
+        EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+    }
+    EXPECT_EQ(asked, (Lines{std::string("manager:") + kManager, std::string("a:") + kPlayerFalse,
+                            std::string("c:") + kPlayerFalse}));
+    EXPECT_EQ(afterStart(), Lines{"E PLR Helper_bridge plrShutdownRpc: ipcSendToServer command "
+                                  "failed, opcode = 2000"})
+        << "the second is not running";
+}
+
+TEST_F(ShutdownTest, WithoutInstancesOnlyTheManagerIsAsked) {
+    writeConf("");
+    {
+        RawServer manager("vtr_mim_nvo", recorder("manager"));
+        EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+    }
+    EXPECT_EQ(asked, Lines{std::string("manager:") + kManager});
+}
+
+TEST_F(ShutdownTest, WithoutAManagerThePlayersAreStillAsked) {
+    const std::string a = unique("Nougat64_1");
+    writeConf("vtr.instance." + a + ".dpi=\"240\"\n");
+    {
+        RawServer first("vtr_plr_" + a + "_nvo", recorder("a"));
+        EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+    }
+    EXPECT_EQ(asked, Lines{std::string("a:") + kPlayerFalse});
+    EXPECT_EQ(afterStart(), Lines{"E MIM Helper_bridge mimShutdownRpc: ipcSendToServer command "
+                                  "failed, opcode = 4000"});
+}
+
+TEST_F(ShutdownTest, ManyRequestsOfAHostWithoutQtLeaveNoHandle) {
+    writeConf("");
+    const std::string player = unique("Nougat64_9");
+    RawServer server("vtr_plr_" + player + "_nvo", [](RawPipe& pipe) { pipe.readAll(); });
+    EXPECT_EQ(output({"init", "Helper", "shutdownmany", player, "5000", "shutdownmany", "nobody",
+                      "5000"}),
+              (Lines{"init 0", "shutdownmany 0", "shutdownmany 0"}));
+    EXPECT_GE(server.served(), 5000);
+}

@@ -1,0 +1,286 @@
+#include "ipc/IpcClient.h"
+
+#include <gtest/gtest.h>
+
+#include <QLocalSocket>
+#include <chrono>
+
+#include "support/LogCapture.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+class IpcClientTest : public ::testing::Test {
+ protected:
+    IpcClientTest() {
+        static int count = 0;
+        name = "vtr_test_client_" + std::to_string(::GetCurrentProcessId()) + "_" +
+               std::to_string(++count);
+        ipcClientInit(client, name);
+        client.waitMs = 300;
+        log.clear();
+    }
+
+    int send(std::string_view bytes, bool disconnectAfter) {
+        const Clock::time_point start = Clock::now();
+        const int result =
+            ipcSendToServer(client, bytes.data(), static_cast<int>(bytes.size()), disconnectAfter);
+        seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        return result;
+    }
+
+    // Warnings and errors but for the slow-call warning, which depends on the machine's speed.
+    Lines complaints() const {
+        Lines all;
+        for (const std::string& line : log.texts(XLOG_WARNING)) {
+            if (line.find("function took") == std::string::npos) all.push_back(line);
+        }
+        return all;
+    }
+
+    bool warnedOfSlowness() const { return complaints().size() < log.texts(XLOG_WARNING).size(); }
+
+    std::string name;
+    LogCapture log;
+    IpcClient client;
+    double seconds = 0;
+};
+
+const std::string kPacket(12, 'p');
+
+}  // namespace
+
+TEST_F(IpcClientTest, ASizeBelowOneIsRefusedBeforeAnyConnection) {
+    EXPECT_EQ(ipcSendToServer(client, "x", 0, true), -1);
+    EXPECT_EQ(ipcSendToServer(client, "x", -5, true), -1);
+    EXPECT_EQ(log.texts(XLOG_DEBUG),
+              (Lines{"D IPC ipcSendToServer called with size 0",
+                     "W IPC ipcSendToServer called with invalid data size 0 for server " + name,
+                     "D IPC ipcSendToServer called with size -5",
+                     "W IPC ipcSendToServer called with invalid data size -5 for server " + name}));
+}
+
+TEST_F(IpcClientTest, ASendLogsEveryStep) {
+    std::string got;
+    RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    EXPECT_EQ(send(kPacket, true), 0);
+    Lines steps;
+    for (const std::string& line : log.texts(XLOG_DEBUG)) {
+        if (line.find("function took") == std::string::npos) steps.push_back(line);
+    }
+    ASSERT_GE(steps.size(), 8u);
+    EXPECT_EQ(Lines(steps.begin(), steps.begin() + 6),
+              (Lines{"D IPC ipcSendToServer called with size 12",
+                     "D IPC ipcSendToServer: check if we are already connected to server: " + name,
+                     "D IPC ipcSendToServer: connecting to server: " + name,
+                     "D IPC ipcSendToServer: successfully connected to server: " + name +
+                         ", send data of size 12",
+                     "D IPC ipcSendToServer: writing data of size 12 to server " + name,
+                     "D IPC ipcSendToServer: total data of size 12 written successfully for "
+                     "server " +
+                         name}));
+    EXPECT_EQ(steps[6], "D IPC ipcDisconnectFromServer called for server: " + name);
+    EXPECT_EQ(steps[7],
+              "D IPC Before disconnectFromServer serverName: " + name + " toWrite: 0 state: 3");
+}
+
+TEST_F(IpcClientTest, AMissingServerFailsAtOnceWithoutAWarning) {
+    EXPECT_EQ(send(kPacket, true), -1);
+    EXPECT_EQ(complaints(), Lines{});
+    const std::string start =
+        "D IPC ipcSendToServer: Socket in unconnected state, server: " + name + ", socket error: ";
+    bool found = false;
+    for (const std::string& line : log.texts(XLOG_DEBUG)) found |= line.rfind(start, 0) == 0;
+    EXPECT_TRUE(found);
+    EXPECT_LT(seconds, 2.0);
+}
+
+TEST_F(IpcClientTest, AServerWithAllInstancesBusyIsWaitedFor) {
+    const std::wstring path = L"\\\\.\\pipe\\" + wideForTests(name);
+    const HANDLE only =
+        ::CreateNamedPipeW(path.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 64, 64, 0, nullptr);
+    void* const other = connectRaw(name);
+    ASSERT_NE(other, nullptr);
+    EXPECT_EQ(send(kPacket, true), -1);
+    EXPECT_GT(seconds, 1.0);
+    EXPECT_LT(seconds, 31.0);
+    EXPECT_TRUE(warnedOfSlowness());
+    ::CloseHandle(other);
+    ::CloseHandle(only);
+}
+
+TEST_F(IpcClientTest, APeerThatNeverReadsCostsTheWritesAndTheDisconnectsWait) {
+    std::atomic<bool> done{false};
+    RawServer server(
+        name,
+        [&done](RawPipe&) {
+            while (!done) ::Sleep(5);
+        },
+        /*bufferSize=*/0);
+    const std::string large(1 << 20, 'x');
+    EXPECT_EQ(send(large, true), -1);
+    done = true;
+    EXPECT_GT(seconds, 0.25);
+    EXPECT_LT(seconds, 2.0) << "two waits of 0.3 s";
+    const Lines lines = complaints();
+    ASSERT_GE(lines.size(), 1u);
+    EXPECT_EQ(lines[0], "W IPC ipcSendToServer: ERROR: writing data of size 1048576 to server " +
+                            name + " failed");
+    EXPECT_TRUE(warnedOfSlowness());
+}
+
+TEST_F(IpcClientTest, APeerThatClosesMidPacketIsAFailedWrite) {
+    RawServer server(
+        name, [](RawPipe& pipe) { pipe.read(1000); }, /*bufferSize=*/0);
+    EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
+    EXPECT_EQ(complaints(), Lines{"W IPC ipcSendToServer: ERROR: writing data of size 1048576 to "
+                                  "server " +
+                                  name + " failed"});
+    EXPECT_LT(seconds, 2.0);
+}
+
+TEST_F(IpcClientTest, ALargePacketArrivesWhole) {
+    std::string got;
+    const std::string large(3 << 20, 'x');
+    {
+        RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
+        EXPECT_EQ(send(large, true), 0);
+        for (int i = 0; i < 1000 && server.served() == 0; ++i) ::Sleep(2);
+    }
+    EXPECT_TRUE(got == large) << got.size();
+}
+
+TEST_F(IpcClientTest, ASlowSendSucceedsWithAWarning) {
+    RawServer server(
+        name,
+        [](RawPipe& pipe) {
+            ::Sleep(60);
+            pipe.readAll();
+        },
+        /*bufferSize=*/0);
+    const std::string data(100'000, 'x');
+    EXPECT_EQ(send(data, true), 0);
+    const Lines all = log.texts(XLOG_WARNING);
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].rfind("W IPC ipcSendToServer: function took ", 0), 0u);
+    EXPECT_NE(all[0].find(" nsecs, err = 0, data size = 100000, server = " + name),
+              std::string::npos);
+}
+
+TEST_F(IpcClientTest, AClientOfAnotherServerIsDisconnectedFirst) {
+    RawServer first(name, [](RawPipe& pipe) { pipe.readAll(); });
+    std::string got;
+    RawServer second(name + "b", [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    ASSERT_EQ(send(kPacket, false), 0);
+    client.serverName = name + "b";
+    log.clear();
+    EXPECT_EQ(send("other packet", true), 0);
+    EXPECT_EQ(complaints(), Lines{"W IPC ipcSendToServer: disconnecting from server: " + name +
+                                  ", orig server: " + name + "b"});
+    for (int i = 0; i < 500 && second.served() == 0; ++i) ::Sleep(2);
+    EXPECT_EQ(got, "other packet");
+}
+
+TEST_F(IpcClientTest, AReplyInPiecesIsCollected) {
+    RawServer server(name, [](RawPipe& pipe) {
+        pipe.read(12);
+        for (const char* piece : {"ab", "c", "defg", "h"}) {
+            pipe.write(piece);
+            ::Sleep(20);
+        }
+        pipe.readAll();
+    });
+    ASSERT_EQ(send(kPacket, false), 0);
+    char reply[9] = {};
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
+    EXPECT_STREQ(reply, "abcdefgh");
+    EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
+    EXPECT_EQ(complaints(), Lines{});
+}
+
+TEST_F(IpcClientTest, AReplyThatIsTooLongIsCut) {
+    RawServer server(name, [](RawPipe& pipe) {
+        pipe.read(12);
+        pipe.write("abcdefghijklmnop");
+        pipe.readAll();
+    });
+    ASSERT_EQ(send(kPacket, false), 0);
+    char reply[9] = {};
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
+    EXPECT_STREQ(reply, "abcdefgh");
+}
+
+TEST_F(IpcClientTest, AShortReplyIsFilledWithZerosAndFails) {
+    RawServer server(name, [](RawPipe& pipe) {
+        pipe.read(12);
+        pipe.write("abc");
+    });
+    ASSERT_EQ(send(kPacket, false), 0);
+    char reply[8];
+    std::fill(std::begin(reply), std::end(reply), '#');
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(std::string(reply, 8), std::string("abc\0\0\0\0\0", 8));
+    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+}
+
+TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
+    std::atomic<bool> done{false};
+    RawServer server(name, [&done](RawPipe& pipe) {
+        pipe.read(12);
+        while (!done) ::Sleep(5);
+    });
+    ASSERT_EQ(send(kPacket, false), 0);
+    char reply[8];
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+    EXPECT_GT(waited, 0.25);
+    EXPECT_LT(waited, 1.5);
+    EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
+    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+    done = true;
+}
+
+TEST_F(IpcClientTest, ReadingWithoutASendFails) {
+    char reply[8];
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(log.texts(XLOG_DEBUG), Lines{"E IPC ipcReadFromServer: Unconnected state : " + name});
+}
+
+TEST_F(IpcClientTest, ReadingNothingFails) {
+    char reply[8];
+    EXPECT_EQ(ipcReadFromServer(client, reply, 0), -1);
+    EXPECT_EQ(
+        log.texts(XLOG_DEBUG),
+        Lines{"E IPC ipcReadFromServer called with invalid out data size 0 for server " + name});
+}
+
+TEST_F(IpcClientTest, ReadingFromAnotherServerFailsWithoutADisconnect) {
+    RawServer server(name, [](RawPipe& pipe) { pipe.readAll(); });
+    ASSERT_EQ(send(kPacket, false), 0);
+    client.serverName = "other";
+    char reply[8];
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: server mismatch, server: " + name +
+                                  ", orig server: other"});
+    EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
+}
+
+TEST_F(IpcClientTest, DisconnectingAnUnconnectedSocketSaysNothing) {
+    EXPECT_EQ(ipcDisconnectFromServer(client.socket.get()), 0);
+    EXPECT_EQ(log.texts(XLOG_DEBUG), Lines{});
+}
+
+TEST(IpcClient, InitAndEndAreLogged) {
+    LogCapture log;
+    {
+        IpcClient client;
+        EXPECT_EQ(ipcClientInit(client, "some name"), 0);
+    }
+    EXPECT_EQ(log.texts(XLOG_DEBUG), (Lines{"D IPC ipcClientInit called for server: some name",
+                                            "D IPC ~IpcClient called for server: some name"}));
+}

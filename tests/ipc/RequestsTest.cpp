@@ -1,0 +1,252 @@
+// The bytes of every request, as a server that shares no code with the library receives them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <limits>
+
+#include "mim/MimEnc.h"
+#include "plr/PlrEnc.h"
+#include "support/LogCapture.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Bytes as the protocol has them, written down independently.
+class Bytes {
+ public:
+    Bytes& u32(std::uint32_t value) {
+        for (int shift = 0; shift < 32; shift += 8) text_ += static_cast<char>(value >> shift);
+        return *this;
+    }
+    Bytes& i32(std::int32_t value) { return u32(static_cast<std::uint32_t>(value)); }
+    Bytes& f64(double value) {
+        std::uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        u32(static_cast<std::uint32_t>(bits));
+        return u32(static_cast<std::uint32_t>(bits >> 32));
+    }
+    Bytes& text(const std::string& value) {
+        u32(static_cast<std::uint32_t>(value.size() + 1));
+        text_ += value;
+        text_ += '\0';
+        return *this;
+    }
+    // The packet with a header in front of what was added so far.
+    std::string packet(std::uint32_t opcode, std::uint32_t reply = 0) const {
+        Bytes header;
+        header.u32(opcode).u32(static_cast<std::uint32_t>(12 + text_.size())).u32(reply);
+        return header.text_ + text_;
+    }
+
+ private:
+    std::string text_;
+};
+
+std::string serverName() { return "vtr_test_requests_" + std::to_string(::GetCurrentProcessId()); }
+
+using Encode = std::function<void(IpcClient& client)>;
+
+// What arrives at the server when a request is encoded.
+std::string received(const Encode& encode) {
+    std::string bytes;
+    {
+        RawServer server(serverName(), [&bytes](RawPipe& pipe) { bytes = pipe.readAll(); });
+        IpcClient client;
+        EXPECT_EQ(ipcClientInit(client, serverName()), 0);
+        encode(client);
+        for (int i = 0; i < 500 && server.served() == 0; ++i) ::Sleep(2);
+    }
+    return bytes;
+}
+
+const std::string kTexts[] = {"", "com.example.app", "é日\xF0\x9F\x8E\xAE",
+                              std::string(64 * 1024, 'x')};
+constexpr bool kBools[] = {false, true};
+
+}  // namespace
+
+TEST(Requests, WithoutFields) {
+    EXPECT_EQ(received(plrOnConfChangedRpc), Bytes().packet(2016));
+    EXPECT_EQ(received(plrMnsOnAnyMacroChangedRpc), Bytes().packet(2017));
+    EXPECT_EQ(received(mimShutdownRpc), Bytes().packet(4000));
+    EXPECT_EQ(received(mimBringToFrontRpc), Bytes().packet(4001));
+    EXPECT_EQ(Bytes().packet(4000), std::string("\xA0\x0F\0\0\x0C\0\0\0\0\0\0\0", 12));
+}
+
+TEST(Requests, WithABool) {
+    for (const bool flag : kBools) {
+        const std::int32_t number = flag ? 1 : 0;
+        EXPECT_EQ(received([&](IpcClient& c) { plrShutdownRpc(c, flag); }),
+                  Bytes().i32(number).packet(2000));
+        EXPECT_EQ(received([&](IpcClient& c) { plrEnableEcoModeRpc(c, flag); }),
+                  Bytes().i32(number).packet(2002));
+        EXPECT_EQ(received([&](IpcClient& c) { plrMuteMediaRpc(c, flag); }),
+                  Bytes().i32(number).packet(2003));
+        EXPECT_EQ(received([&](IpcClient& c) { plrMnsSyncKeyEventRpc(c, -65, flag); }),
+                  Bytes().i32(-65).i32(number).packet(2010));
+    }
+}
+
+TEST(Requests, WithNumbers) {
+    EXPECT_EQ(received([](IpcClient& c) { plrResizeWindowRpc(c, 1, -2, INT32_MIN, INT32_MAX); }),
+              Bytes().i32(1).i32(-2).i32(INT32_MIN).i32(INT32_MAX).packet(2004));
+    EXPECT_EQ(received([](IpcClient& c) { plrMnsSyncUiEventRpc(c, -1); }),
+              Bytes().i32(-1).packet(2013));
+}
+
+TEST(Requests, WithDoubles) {
+    const double values[] = {0.0,
+                             -0.0,
+                             1.5,
+                             std::numeric_limits<double>::infinity(),
+                             -std::numeric_limits<double>::infinity(),
+                             std::numeric_limits<double>::quiet_NaN(),
+                             std::numeric_limits<double>::denorm_min()};
+    for (const double value : values) {
+        const std::string packet =
+            received([&](IpcClient& c) { plrMnsSyncMouseEventRpc(c, 7, value, -value, -8); });
+        EXPECT_EQ(packet, Bytes().i32(7).f64(value).f64(-value).i32(-8).packet(2011)) << value;
+        EXPECT_EQ(packet.size(), 36u);
+    }
+}
+
+TEST(Requests, WithOneText) {
+    const struct {
+        std::uint32_t opcode;
+        void (*encode)(IpcClient&, const char*);
+    } requests[] = {{2006, plrLaunchAppRpc},       {2007, plrLaunchUrlRpc},
+                    {2008, plrUninstallAppRpc},    {2009, plrInstallApkRpc},
+                    {2012, plrMnsSyncImeEventRpc}, {2015, plrMnsSyncStopRpc},
+                    {4002, mimDownloadImageRpc}};
+    for (const auto& request : requests) {
+        for (const std::string& text : kTexts) {
+            EXPECT_TRUE(received([&](IpcClient& c) { request.encode(c, text.c_str()); }) ==
+                        Bytes().text(text).packet(request.opcode))
+                << request.opcode << " " << text.size();
+        }
+    }
+    EXPECT_EQ(received([](IpcClient& c) { plrLaunchAppRpc(c, "com.example.app"); }),
+              std::string("\xD6\x07\0\0\x20\0\0\0\0\0\0\0\x10\0\0\0com.example.app\0", 32));
+}
+
+TEST(Requests, WithTwoTexts) {
+    for (const std::string& text : kTexts) {
+        EXPECT_TRUE(received([&](IpcClient& c) { plrLaunchAppStoreRpc(c, text.c_str(), "b"); }) ==
+                    Bytes().text(text).text("b").packet(2005));
+        EXPECT_TRUE(received([&](IpcClient& c) { plrMnsSyncStartRpc(c, "a", text.c_str()); }) ==
+                    Bytes().text("a").text(text).packet(2014));
+    }
+    EXPECT_EQ(received([](IpcClient& c) { plrLaunchAppStoreRpc(c, "", ""); }).size(), 22u);
+}
+
+TEST(Requests, WithSixTexts) {
+    for (const std::string& text : kTexts) {
+        EXPECT_TRUE(
+            received([&](IpcClient& c) {
+                mimCreateFreshInstanceRpc(c, text.c_str(), "2", "", "g", "r", text.c_str());
+            }) ==
+            Bytes().text(text).text("2").text("").text("g").text("r").text(text).packet(4003));
+    }
+}
+
+TEST(Requests, BringToFrontReturnsTheReply) {
+    std::string bytes;
+    std::uint64_t answer = 0;
+    LogCapture log;
+    {
+        RawServer server(serverName(), [&bytes](RawPipe& pipe) {
+            bytes = pipe.read(12);
+            pipe.write("\x08\x07\x06\x05\x04\x03\x02\x01");
+            pipe.readAll();
+        });
+        IpcClient client;
+        ipcClientInit(client, serverName());
+        log.clear();
+        answer = plrBringToFrontRpc(client);
+    }
+    EXPECT_EQ(bytes, Bytes().packet(2001, 8));
+    EXPECT_EQ(answer, 0x0102030405060708u);
+    const Lines lines = log.texts(XLOG_DEBUG);
+    EXPECT_EQ(lines.front(), "D PLR plrBringToFrontRpc()\n");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                         "D PLR returning [72623859790382856] from plrBringToFrontRpc()\n"),
+              1);
+}
+
+TEST(Requests, BringToFrontWithoutAServerOrAReplyAnswersZero) {
+    const LogCapture log;
+    {
+        IpcClient client;
+        ipcClientInit(client, serverName());
+        EXPECT_EQ(plrBringToFrontRpc(client), 0u);
+    }
+    RawServer server(serverName(), [](RawPipe& pipe) {
+        pipe.read(12);
+        pipe.write("abc");
+    });
+    IpcClient client;
+    ipcClientInit(client, serverName());
+    EXPECT_EQ(plrBringToFrontRpc(client), 0u);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              (Lines{"E PLR plrBringToFrontRpc: ipcSendToServer command failed, opcode = 2001",
+                     "E IPC ipcReadFromServer: Unable to read from server: " + serverName(),
+                     "E PLR plrBringToFrontRpc: ipcReadFromServer command failed, opcode = 2001"}));
+}
+
+TEST(Requests, EntryAndExitAreLoggedWithTheArguments) {
+    const auto entryAndExit = [](const Encode& encode) {
+        LogCapture log;
+        received(encode);
+        Lines lines;
+        for (const LogCapture::Line& line : log.lines()) {
+            if (line.tag != XlogTag::IPC) lines.push_back(line.message);
+        }
+        return lines;
+    };
+    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrShutdownRpc(c, true); }),
+              (Lines{"plrShutdownRpc(1)\n", "returning from plrShutdownRpc(1)\n"}));
+    EXPECT_EQ(
+        entryAndExit([](IpcClient& c) { plrLaunchAppStoreRpc(c, "a", "b"); }),
+        (Lines{"plrLaunchAppStoreRpc(a, b)\n", "returning from plrLaunchAppStoreRpc(a, b)\n"}));
+    EXPECT_EQ(
+        entryAndExit([](IpcClient& c) { plrMnsSyncKeyEventRpc(c, -3, false); }),
+        (Lines{"plrMnsSyncKeyEventRpc(-3, 0)\n", "returning from plrMnsSyncKeyEventRpc(-3, 0)\n"}));
+    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrResizeWindowRpc(c, 1, 2, 3, 4); }),
+              (Lines{"plrResizeWindowRpc(1, 2, 3, 4)\n",
+                     "returning from plrResizeWindowRpc(1, 2, 3, 4)\n"}));
+    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrMnsSyncMouseEventRpc(c, 1, 0.5, -2, 3); }),
+              (Lines{"plrMnsSyncMouseEventRpc(1, 0.500000, -2.000000, 3)\n",
+                     "returning from plrMnsSyncMouseEventRpc(1, 0.500000, -2.000000, 3)\n"}));
+    EXPECT_EQ(entryAndExit(
+                  [](IpcClient& c) { mimCreateFreshInstanceRpc(c, "a", "b", "c", "d", "e", "f"); }),
+              (Lines{"mimCreateFreshInstanceRpc(a, b, c, d, e, f)\n",
+                     "returning from mimCreateFreshInstanceRpc(a, b, c, d, e, f)\n"}));
+    EXPECT_EQ(entryAndExit(mimShutdownRpc),
+              (Lines{"mimShutdownRpc()\n", "returning from mimShutdownRpc()\n"}));
+}
+
+TEST(Requests, AServerThatIsNotThereIsAnErrorLineOnly) {
+    LogCapture log;
+    IpcClient client;
+    ipcClientInit(client, "vtr_plr_nobody_nvo");
+    plrMuteMediaRpc(client, true);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{"E PLR plrMuteMediaRpc: ipcSendToServer command failed, opcode = 2003"});
+}
+
+TEST(Requests, TheCatalogueHasEveryRequestOnce) {
+    for (std::size_t i = 0; i < PLR_REQUEST_COUNT; ++i) {
+        EXPECT_EQ(PLR_REQUESTS[i].opcode, 2000 + i);
+        EXPECT_EQ(PLR_REQUESTS[i].replyLength, i == 1 ? 8u : 0u);
+    }
+    for (std::size_t i = 0; i < MIM_REQUEST_COUNT; ++i) {
+        EXPECT_EQ(MIM_REQUESTS[i].opcode, 4000 + i);
+        EXPECT_EQ(MIM_REQUESTS[i].replyLength, 0u);
+    }
+    EXPECT_EQ(PLR_REQUEST_COUNT + MIM_REQUEST_COUNT, 22u);
+}

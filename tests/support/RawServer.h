@@ -1,0 +1,58 @@
+#ifndef TESTS_RAWSERVER_H
+#define TESTS_RAWSERVER_H
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+// One end of a named pipe, over the system calls themselves.
+class RawPipe {
+ public:
+    explicit RawPipe(void* handle) : handle_(handle) {}
+    ~RawPipe();
+    RawPipe(const RawPipe&) = delete;
+    RawPipe& operator=(const RawPipe&) = delete;
+
+    // Reads up to this many bytes; fewer when the peer closes.
+    std::string read(std::size_t count);
+    // Reads until the peer closes.
+    std::string readAll();
+    bool write(std::string_view bytes);
+    void close();
+
+ private:
+    void* handle_;
+};
+
+// A server for local sockets that shares no code with the library. It serves its connections one
+// after another, on a thread of its own, with the function given.
+class RawServer {
+ public:
+    using Serve = std::function<void(RawPipe& pipe)>;
+
+    RawServer(const std::string& name, Serve serve, std::size_t bufferSize = 65536);
+    ~RawServer();
+    RawServer(const RawServer&) = delete;
+    RawServer& operator=(const RawServer&) = delete;
+
+    int served() const { return served_; }
+
+ private:
+    void* listen() const;
+    void run(void* first);
+
+    std::wstring path_;
+    Serve serve_;
+    unsigned long bufferSize_;
+    std::atomic<bool> stop_{false};
+    std::atomic<int> served_{0};
+    std::thread thread_;
+};
+
+// Connects to a server as a client; null when there is none.
+void* connectRaw(const std::string& name);
+
+#endif
