@@ -21,6 +21,16 @@ bridgectl() {
     "$wine" "$bin/bridgectl.exe" "$@" 2>&1 || printf '(exit code %d)\n' $?
 }
 
+# Waits for a line that the stand-ins write.
+wait_for() {
+    local i
+    for i in $(seq 200); do
+        grep -qxF "$1" "$data/programs.txt" 2>/dev/null && return
+        sleep 0.05
+    done
+    die "the programs did not come to \"$1\""
+}
+
 registry_value() {
     "$wine" reg add 'HKLM\Software\Vantrel_nvo' /v "$1" /d "$2" /f >/dev/null
     printf '  %-16s %s\n' "$1" "$2"
@@ -33,6 +43,7 @@ registry_value InstallDir "$windows_data\\Install\\"
 registry_value Version 5.2.0.1052
 rm -rf "$data"
 mkdir -p "$data/Logs"
+cp -r "$tree/build/windows/standins" "$data/Install"
 cp "$tree/demo/vantrel.conf" "$data/vantrel.conf"
 explain "In the data folder: Logs/, and vantrel.conf with $(wc -l <"$data/vantrel.conf") lines, among them:"
 grep -E 'display_name|vtr.locale' "$data/vantrel.conf" | sed 's/^/  /'
@@ -57,6 +68,28 @@ diff -U0 "$data/before.conf" "$data/vantrel.conf" | grep -E '^[-+]vtr' || true
 
 title "What the library wrote into the product's log about the last change"
 tail -n 4 "$data/Logs/Player.log"
+
+title "It launches an app: the player (a stand-in) is started from the install folder"
+rm -f "$data/programs.txt"
+export QX_STANDIN_OUTPUT="$windows_data\\programs.txt"
+bridgectl launch Nougat64 com.example.app
+wait_for "serving: vtr_plr_Nougat64_nvo"
+explain "The command line that the player got, and the local socket that it serves now:"
+cat "$data/programs.txt"
+
+title "One player is shut down; then everything, the manager first"
+bridgectl launch-url Nougat64_1 https://example.com/
+wait_for "serving: vtr_plr_Nougat64_1_nvo"
+bridgectl install-image Nougat32
+wait_for "serving: vtr_mim_nvo"
+bridgectl shutdown Nougat64
+wait_for "ended: vtr_plr_Nougat64_nvo"
+bridgectl shutdown
+wait_for "ended: vtr_plr_Nougat64_1_nvo"
+explain "What the programs were asked, in order:"
+grep -E 'Rpc|ended' "$data/programs.txt"
+explain "The player of Nougat32 was not running, which the log says:"
+grep 'command failed' "$data/Logs/Player.log" | tail -n 1
 
 title "What cannot be done is said before the library is asked"
 bridgectl conf set vtr.instance.Nougat64_1.dpi many

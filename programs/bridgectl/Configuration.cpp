@@ -23,12 +23,15 @@ void forEachEntry(std::string_view content, Visit visit) {
 
 KeyState stateOf(ConfType type, const std::string& text) {
     std::int32_t number = 0;
+    std::int64_t longNumber = 0;
     switch (type) {
         case ConfType::Bool:
             if (text.empty()) return KeyState::Unset;
             return text == "0" || text == "1" ? KeyState::Value : KeyState::Invalid;
         case ConfType::I32:
             return confParseI32(text, number) ? KeyState::Value : KeyState::Invalid;
+        case ConfType::I64:
+            return confParseI64(text, longNumber) ? KeyState::Value : KeyState::Invalid;
         default:
             return KeyState::Value;
     }
@@ -41,9 +44,11 @@ std::optional<std::string> storedBool(std::string_view value) {
 }
 
 // Stricter than the library's reading: the whole text must be the number.
-std::optional<std::string> storedNumber(std::string_view value) {
-    std::int32_t number = 0;
-    if (!confParseI32(value, number) || std::to_string(number) != value) return std::nullopt;
+template <typename Number>
+std::optional<std::string> storedNumber(std::string_view value,
+                                        bool (*parse)(std::string_view, Number&)) {
+    Number number = 0;
+    if (!parse(value, number) || std::to_string(number) != value) return std::nullopt;
     return std::string(value);
 }
 
@@ -119,19 +124,15 @@ const char* typeName(ConfType type) {
     return "none";
 }
 
-std::optional<std::string> storedForm(std::string_view key, ConfType type, std::string_view value) {
-    std::optional<std::string> stored;
+std::optional<std::string> storedForm(ConfType type, std::string_view value) {
     switch (type) {
         case ConfType::Bool:
-            stored = storedBool(value);
-            break;
+            return storedBool(value);
         case ConfType::I32:
-            stored = storedNumber(value);
-            break;
+            return storedNumber(value, confParseI32);
+        case ConfType::I64:
+            return storedNumber(value, confParseI64);
         default:
-            stored = value;
-            break;
+            return std::string(value);
     }
-    const bool fits = stored && confCheckEntry(key, *stored) == XERR_SUCCESS;
-    return fits ? stored : std::nullopt;
 }

@@ -56,7 +56,7 @@ class Configuration {
 const char* typeName(ConfType type);
 
 // The stored form of a value that was typed in: "1" for "true". Nothing when it does not fit the
-// type or the line of the file.
-std::optional<std::string> storedForm(std::string_view key, ConfType type, std::string_view value);
+// type.
+std::optional<std::string> storedForm(ConfType type, std::string_view value);
 
 #endif

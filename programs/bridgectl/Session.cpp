@@ -2,25 +2,27 @@
 
 #include <bridge/bridge.h>
 
-#include <memory>
+#include <stdexcept>
 
 #include "Console.h"
+#include "LibraryText.h"
 #include "conf/ConfFiles.h"
+#include "conf/ConfKey.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
 
 namespace {
 
-struct FreeText {
-    void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
-};
-
-std::string taken(char* text) {
-    const std::unique_ptr<char, FreeText> owner(text);
-    return text == nullptr ? std::string() : text;
+std::string taken(const LibraryText& text) {
+    if (text == nullptr) throw std::runtime_error("the library gave no text; see the log");
+    return text.get();
 }
 
 }  // namespace
+
+Session::~Session() {
+    if (started_) bridgeApiFini();
+}
 
 // A log that cannot be opened ends the process inside the library without a word.
 bool Session::logCanBeOpened() {
@@ -41,8 +43,8 @@ bool Session::start() {
     if (!logCanBeOpened()) return false;
     const int status = bridgeApiInitEx(client.c_str(), noConf ? 1 : 0, 0,
                                        logFile.empty() ? nullptr : logFile.c_str());
-    return status == BRIDGE_SUCCESS ||
-           failStatus(ExitCode::Library, "the library did not start", status);
+    started_ = status == BRIDGE_SUCCESS;
+    return started_ || failStatus(ExitCode::Library, "the library did not start", status);
 }
 
 bool Session::fail(ExitCode code, const std::string& message) {
@@ -55,10 +57,27 @@ bool Session::failStatus(ExitCode code, const std::string& what, int status) {
     return fail(code, what + ": " + std::to_string(status) + " " + xerrName(status));
 }
 
+bool Session::failInvalid(const KeyInfo& key) {
+    return fail(ExitCode::BadValue,
+                key.key + " holds no " + typeName(key.type) + ": \"" + key.text + "\"");
+}
+
+std::optional<ConfType> Session::requireType(const std::string& key) {
+    const std::optional<ConfType> type = configuration().typeOf(key);
+    if (!type) fail(ExitCode::UnknownName, "no such key: " + key);
+    return type;
+}
+
 std::optional<KeyInfo> Session::requireKey(const std::string& key) {
+    if (!requireType(key)) return std::nullopt;
     std::optional<KeyInfo> info = configuration().find(key);
-    if (!info) fail(ExitCode::UnknownName, "no such key: " + key);
+    // The property exists, so that what is missing is the instance.
+    if (!info) failInstance(confSplitKey(key).instance);
     return info;
+}
+
+bool Session::failInstance(std::string_view instance) {
+    return fail(ExitCode::UnknownName, std::string("no such instance: ").append(instance));
 }
 
 std::string readValue(const KeyInfo& key) {
@@ -70,11 +89,23 @@ std::string readValue(const KeyInfo& key) {
         case ConfType::I64:
             return std::to_string(bridgeConfGetI64(key.key.c_str()));
         case ConfType::MultiString:
-            return taken(bridgeConfGetMultiString(key.key.c_str()));
+            return taken(LibraryText(bridgeConfGetMultiString(key.key.c_str())));
         case ConfType::String:
-            return taken(bridgeConfGetString(key.key.c_str()));
+            return taken(LibraryText(bridgeConfGetString(key.key.c_str())));
         case ConfType::None:
             break;
     }
     return {};
+}
+
+std::string shownValue(const KeyInfo& key) {
+    switch (key.state) {
+        case KeyState::Unset:
+            return "unset";
+        case KeyState::Invalid:
+            return "invalid: \"" + key.text + "\"";
+        case KeyState::Value:
+            break;
+    }
+    return readValue(key);
 }

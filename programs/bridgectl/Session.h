@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Configuration.h"
 #include "ExitCode.h"
@@ -11,7 +12,12 @@
 // and how the run ends.
 class Session {
  public:
-    // The library keeps the pointer to the client's text: a session lives as long as the process.
+    Session() = default;
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // The library keeps the pointer to the client's text, which does not change after start().
     std::string client = "Helper";
     std::string logFile;  // empty: the product's log
     bool noConf = false;
@@ -29,16 +35,29 @@ class Session {
     // The same for a status of the library.
     bool failStatus(ExitCode code, const std::string& what, int status);
 
-    // Describes a key that a read may go on with; else an error.
+    // The error of a key in KeyState::Invalid.
+    bool failInvalid(const KeyInfo& key);
+
+    // The error of an instance that is not known.
+    bool failInstance(std::string_view instance);
+
+    // Type of a key; nothing, after an error, when there is no such key.
+    std::optional<ConfType> requireType(const std::string& key);
+
+    // Describes a key; nothing, after an error, when it or its instance does not exist.
     std::optional<KeyInfo> requireKey(const std::string& key);
 
  private:
     bool logCanBeOpened();
 
     std::optional<Configuration> configuration_;
+    bool started_ = false;
 };
 
 // Reads a key through the library, in the form that people see. Only for KeyState::Value.
 std::string readValue(const KeyInfo& key);
+
+// The same for every state: "unset", and `invalid: "text"`.
+std::string shownValue(const KeyInfo& key);
 
 #endif

@@ -47,6 +47,7 @@ void declareOptions(CLI::App& app, Session& session) {
         ->capture_default_str();
     app.add_option("--log-file", session.logFile, "Log into this file instead of the product's");
     app.add_flag("--no-conf", session.noConf, "Start with the defaults, without the file");
+    app.allow_windows_style_options(false);  // texts may begin with "/"
     app.set_version_flag("--version", "bridgectl " BRIDGE_VERSION_TEXT);
     app.footer(exitCodeHelp());
     app.require_subcommand(1);

@@ -9,7 +9,7 @@
 #include "support/Scene.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
-#include "xpl/Xpl.h"
+#include "xpl/Xproc.h"
 
 namespace {
 
@@ -496,4 +496,39 @@ TEST_F(ConfCommitTest, ProcessesThatCommitInTurnSeeEachOther) {
                   std::string::npos);
     }
     EXPECT_NE(text.find("vtr.next_vm_id=\"5\"\n"), std::string::npos);
+}
+
+SCENE(staysAlive) {
+    ::Sleep(120'000);
+    return 0;
+}
+
+TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
+    constexpr int kCommits = 1000;
+    constexpr int kChildren = 25;
+    ASSERT_EQ(init(""), 0);
+    std::atomic<int> commits{0};
+    std::vector<XprocHandle> children(kChildren);
+    std::thread launcher([&] {
+        for (int i = 0; i < kChildren; ++i) {
+            EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
+                                  {builtProgram("conf_test.exe"), "--scene", "staysAlive"}),
+                      0);
+            // Spread over all the commits.
+            while (commits < kCommits * i / kChildren) ::Sleep(1);
+        }
+    });
+    for (int i = 1; i <= kCommits; ++i) {
+        confSetI32(store, "vtr.next_vm_id", i + 1);
+        EXPECT_EQ(confCommit(store), 0) << i;
+        commits = i;
+    }
+    launcher.join();
+    EXPECT_EQ(runScene("commitsManyTimes", {path(), "Other", "20"}).status, 0u)
+        << "another process commits while the children live";
+    for (XprocHandle child : children) {
+        xprocKill(child, 0);
+        EXPECT_EQ(xprocWait(child, nullptr), 0);
+    }
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.next_vm_id=\"1001\""), std::string::npos);
 }

@@ -24,6 +24,8 @@
 /* Last: it needs <windows.h>. */
 #include <shellapi.h>
 
+#include <psapi.h>
+
 static WCHAR** wideArguments;
 static int argumentCount;
 static int argumentIndex = 1;
@@ -53,6 +55,8 @@ static void sandbox(void) {
     WCHAR path[64];
     HKEY key;
     wsprintfW(path, L"Software\\QXBridgeTests\\host-%lu", GetCurrentProcessId());
+    /* One of that name is a fatally ended host's, whose process id came again. */
+    RegDeleteTreeW(HKEY_CURRENT_USER, path);
     key = openKey(HKEY_CURRENT_USER, path);
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
     RegCloseKey(key);
@@ -143,14 +147,23 @@ static DWORD handleCount(void) {
     return count;
 }
 
-/* Many requests to one player: how many handles are left over after a warm-up. */
+static SIZE_T privateBytes(void) {
+    PROCESS_MEMORY_COUNTERS_EX counters;
+    GetProcessMemoryInfo(GetCurrentProcess(), (PROCESS_MEMORY_COUNTERS*)&counters, sizeof counters);
+    return counters.PrivateUsage;
+}
+
+/* Many requests to one player: the handles and whole megabytes left over after a warm-up. */
 static void shutdownMany(const char* instance, int count) {
-    DWORD before;
+    DWORD handles;
+    SIZE_T bytes;
     int i;
-    for (i = 0; i < 20; ++i) bridgePlrShutdown(instance, 0);
-    before = handleCount();
+    for (i = 0; i < 500; ++i) bridgePlrShutdown(instance, 0);
+    handles = handleCount();
+    bytes = privateBytes();
     for (i = 0; i < count; ++i) bridgePlrShutdown(instance, 0);
-    printNumber("shutdownmany", (int)handleCount() - (int)before);
+    printNumber("handles", (int)handleCount() - (int)handles);
+    printNumber("megabytes", (int)(((long)privateBytes() - (long)bytes) / (1024 * 1024)));
 }
 
 /* The programs: each operation takes its function's arguments. */

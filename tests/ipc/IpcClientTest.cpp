@@ -133,6 +133,18 @@ TEST_F(IpcClientTest, APeerThatNeverReadsCostsTheWritesAndTheDisconnectsWait) {
     EXPECT_TRUE(warnedOfSlowness());
 }
 
+TEST_F(IpcClientTest, APeerThatClosesAtOnceLosesALargePacket) {
+    RawServer server(
+        name, [](RawPipe& pipe) { pipe.close(); }, /*bufferSize=*/0);
+    EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
+    EXPECT_LT(seconds, 2.0);
+    // The end is noticed while connecting, while writing, or not before the write's wait.
+    for (const std::string& line : complaints()) {
+        EXPECT_EQ(line, "W IPC ipcSendToServer: ERROR: writing data of size 1048576 to server " +
+                            name + " failed");
+    }
+}
+
 TEST_F(IpcClientTest, APeerThatClosesMidPacketIsAFailedWrite) {
     RawServer server(
         name, [](RawPipe& pipe) { pipe.read(1000); }, /*bufferSize=*/0);
@@ -243,6 +255,23 @@ TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
     EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
     EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
     done = true;
+}
+
+TEST_F(IpcClientTest, AReplyIsWaitedForThirtySeconds) {
+    client.waitMs = IPC_WAIT_MS;
+    std::atomic<bool> done{false};
+    RawServer server(name, [&done](RawPipe& pipe) {
+        pipe.read(12);
+        while (!done) ::Sleep(5);
+    });
+    ASSERT_EQ(send(kPacket, false), 0);
+    char reply[8];
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+    done = true;
+    EXPECT_GT(waited, 29.5);
+    EXPECT_LT(waited, 33.0);
 }
 
 TEST_F(IpcClientTest, ReadingWithoutASendFails) {

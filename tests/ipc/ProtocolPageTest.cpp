@@ -13,16 +13,27 @@
 
 namespace {
 
+// What stands in two columns of the page's rows that match.
+std::map<std::string, std::string> pageRows(const std::regex& row) {
+    const std::string page = kProtocolPage;
+    std::map<std::string, std::string> rows;
+    for (std::sregex_iterator it(page.begin(), page.end(), row), end; it != end; ++it) {
+        rows[(*it)[1]] = (*it)[2];
+    }
+    return rows;
+}
+
 // Example to bytes, as the page has them.
 std::map<std::string, std::string> pageExamples() {
     static const std::regex row(
         R"(\| \d+ \| [^|]* \| `([a-z]+[A-Za-z]*Rpc\([^`]*\))` \| `([0-9A-F ]+)` \|)");
-    const std::string page = kProtocolPage;
-    std::map<std::string, std::string> examples;
-    for (std::sregex_iterator it(page.begin(), page.end(), row), end; it != end; ++it) {
-        examples[(*it)[1]] = (*it)[2];
-    }
-    return examples;
+    return pageRows(row);
+}
+
+// Opcode of an event to bytes.
+std::map<std::string, std::string> pageEvents() {
+    static const std::regex row(R"(\| (300\d) \| [^|]* \| [^|]* \| `([0-9A-F ]+)` \|)");
+    return pageRows(row);
 }
 
 std::string hexOf(const std::string& bytes) {
@@ -94,4 +105,26 @@ TEST(ProtocolPage, EveryExampleIsWhatTheLibrarySends) {
         ASSERT_NE(call, calls.end()) << example;
         EXPECT_EQ(sentBytes(call->second), bytes) << example;
     }
+}
+
+TEST(ProtocolPage, EveryEventIsLaidOutAsTheValuesAre) {
+    const auto layOut = [](std::uint32_t opcode, IpcFields fields) {
+        const IpcPacket packet = ipcLayOut(opcode, 0, fields);
+        return std::string(reinterpret_cast<const char*>(packet.bytes.get()), packet.size);
+    };
+    // The one field of one byte has no place among the fields that requests have.
+    std::string installed = layOut(3000, {"N", "p", "a", "l", 5, "1", "i"}) + '\1';
+    installed[4] = static_cast<char>(installed.size());
+    const std::map<std::string, std::string> expected = {
+        {"3000", hexOf(installed)},
+        {"3001", hexOf(layOut(3001, {"N", "p"}))},
+        {"3002", hexOf(layOut(3002, {"N", 0, "f"}))},
+        {"3003", hexOf(layOut(3003, {}))},
+        {"3004", hexOf(layOut(3004, {"N", 1, 0.5}))},
+        {"3005", hexOf(layOut(3005, {0, "N"}))},
+        {"3006", hexOf(layOut(3006, {"N"}))},
+        {"3007", hexOf(layOut(3007, {"N", "p"}))},
+        {"3008", hexOf(layOut(3008, {"N", "e", 1}))},
+    };
+    EXPECT_EQ(pageEvents(), expected);
 }

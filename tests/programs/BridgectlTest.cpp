@@ -1,6 +1,8 @@
 // The real program, with the registry, the data folder, the log and the library that it uses.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/ProductRegistry.h"
@@ -74,8 +76,9 @@ TEST_F(BridgectlTest, AStoredValueThatCannotBeReadIsAnError) {
 
 TEST_F(BridgectlTest, UnknownKeysAreErrors) {
     expectFailure({"conf", "get", "vtr.nothing"}, 3, "no such key: vtr.nothing");
-    expectFailure({"conf", "get", "vtr.instance.Other.dpi"}, 3,
-                  "no such key: vtr.instance.Other.dpi");
+    expectFailure({"conf", "get", "vtr.instance.Other.dpi"}, 3, "no such instance: Other");
+    expectFailure({"conf", "get", "vtr.instance.Nougat64.nothing"}, 3,
+                  "no such key: vtr.instance.Nougat64.nothing");
     expectFailure({"conf", "set", "vtr.nothing", "1"}, 3, "no such key: vtr.nothing");
     expectFailure({"conf", "list", "--instance", "Other"}, 3, "no such instance: Other");
 }
@@ -106,6 +109,32 @@ TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
     expectFailure({"conf", "set", "vtr.enable_statusbar", "on"}, 4,
                   "vtr.enable_statusbar cannot be \"on\": its type is bool");
     EXPECT_EQ(data.read("vantrel.conf"), before);
+}
+
+TEST_F(BridgectlTest, ValuesThatMakeNoLineAreErrorsThatChangeNothing) {
+    const std::string before = data.read("vantrel.conf");
+    expectFailure({"conf", "set", "vtr.locale", "a\nb"}, 4,
+                  "vtr.locale and its value make no line of the file: 22 XERR_INVAL");
+    // The line has four characters beside key and value, and fewer than 4096 in all.
+    const std::string longest(4095 - 4 - std::string("vtr.locale").size(), 'x');
+    expectFailure({"conf", "set", "vtr.locale", longest + "x"}, 4,
+                  "vtr.locale and its value make no line of the file: 7 XERR_2BIG");
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", longest}),
+              "vtr.locale: fr-FR -> " + longest + "\n");
+}
+
+TEST_F(BridgectlTest, ValuesMayLookLikeSomethingElse) {
+    std::string before = "fr-FR";
+    for (const std::string value : {"/data/x", "/to", "list", "instances", "[a,b]", "{}", "", "a=b",
+                                    "\"quoted\"", "C:\\a b\\", "%PATH%"}) {
+        EXPECT_EQ(output({"conf", "set", "vtr.locale", value}),
+                  "vtr.locale: " + before + " -> " + value + "\n");
+        EXPECT_EQ(output({"conf", "get", "vtr.locale"}), value + "\n");
+        before = value;
+    }
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", "--", "--to"}),
+              "vtr.locale: " + before + " -> --to\n");
 }
 
 TEST_F(BridgectlTest, CommitsToAnotherFile) {
@@ -177,6 +206,22 @@ TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsAnErrorAndNotTheEnd) {
     expectFailure({"instances"}, 3, "instance Pie64_1 has an unknown image");
 }
 
+TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
+    data.write("vantrel.conf", "vtr.instance.Nougat64.ram=\"many\"\n");
+    expectFailure({"instances"}, 4, "vtr.instance.Nougat64.ram holds no i32: \"many\"");
+    data.write("vantrel.conf", "vtr.instance.Nougat64.cpus=\"many\"\n");
+    expectFailure({"instances", "--json"}, 4, "vtr.instance.Nougat64.cpus holds no i32: \"many\"");
+}
+
+TEST_F(BridgectlTest, WithoutTheFileThereIsNothingToCommitTo) {
+    expectFailure({"--no-conf", "conf", "set", "vtr.locale", "de"}, 2,
+                  "--no-conf leaves no file to commit to: add --to FILE");
+    const std::string file = data / "défaut.conf";
+    EXPECT_EQ(output({"--no-conf", "conf", "set", "vtr.locale", "de", "--to", file}),
+              "vtr.locale:  -> de\n");
+    EXPECT_NE(data.read("défaut.conf").find("vtr.locale=\"de\"\n"), std::string::npos);
+}
+
 TEST_F(BridgectlTest, WithoutTheFileTheDefaultsAreShown) {
     EXPECT_EQ(output({"--no-conf", "conf", "get", "vtr.next_vm_id"}), "1\n");
     EXPECT_EQ(output({"--no-conf", "instances", "--json"}), "[\n]\n");
@@ -193,6 +238,19 @@ TEST_F(BridgectlTest, LogsUnderItsClientsNameIntoTheGivenFile) {
 TEST_F(BridgectlTest, AMissingFileIsAnErrorOfTheLibrary) {
     ASSERT_TRUE(::DeleteFileW(wideForTests(data / "vantrel.conf").c_str()));
     expectFailure({"conf", "get", "vtr.locale"}, 5, "the library did not start: -1 XERR_FAILURE");
+}
+
+TEST_F(BridgectlTest, AMalformedFileIsAnErrorOfTheLibrary) {
+    for (const char* line : {"nonsense\n", "vtr.nothing=\"1\"\n", "vtr.locale=\n"}) {
+        data.write("vantrel.conf", line);
+        expectFailure({"conf", "list"}, 5, "the library did not start: -1 XERR_FAILURE");
+    }
+}
+
+TEST_F(BridgectlTest, AMissingFolderOfTheGivenLogIsCreated) {
+    EXPECT_EQ(output({"--log-file", data / "new\\own.log", "conf", "get", "vtr.locale"}),
+              "fr-FR\n");
+    EXPECT_TRUE(data.has("new\\own.log"));
 }
 
 TEST_F(BridgectlTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
@@ -349,4 +407,12 @@ TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
     EXPECT_NE(output({"conf", "set", "--help"}).find("Example: bridgectl conf set"),
               std::string::npos);
     EXPECT_EQ(output({"--version"}), "bridgectl 5.2.0.1052\n");
+}
+
+TEST_F(BridgectlTest, TheHelpCommandSaysWhatTheOptionSays) {
+    EXPECT_EQ(output({"help"}), output({"--help"}));
+    EXPECT_EQ(output({"help", "conf"}), output({"conf", "--help"}));
+    EXPECT_EQ(output({"help", "conf", "set"}), output({"conf", "set", "--help"}));
+    EXPECT_EQ(output({"help", "help"}), output({"help", "--help"}));
+    expectFailure({"help", "conf", "nonsense"}, 2, "no such command: conf nonsense");
 }

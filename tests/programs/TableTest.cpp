@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "DisplayWidth.h"
+#include "DisplayWidthTable.h"
 
 TEST(DisplayWidth, CountsColumns) {
     EXPECT_EQ(displayWidth(""), 0u);
@@ -14,6 +15,27 @@ TEST(DisplayWidth, CountsColumns) {
     EXPECT_EQ(displayWidth("ｱ"), 1u) << "half-width";
     EXPECT_EQ(displayWidth("Ａ"), 2u) << "full-width";
     EXPECT_EQ(displayWidth("\xFF\xFE"), 2u) << "bytes that are not UTF-8";
+}
+
+TEST(DisplayWidth, KnowsEveryScript) {
+    EXPECT_EQ(displayWidth("\xD7\xA9\xD6\xBF"), 1u) << "Hebrew with a point";
+    EXPECT_EQ(displayWidth("\xE0\xA4\x95\xE0\xA4\x82"), 1u) << "Devanagari with anusvara";
+    EXPECT_EQ(displayWidth("\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB"), 2u) << "Hangul in parts";
+    EXPECT_EQ(displayWidth("\xF0\x9F\x8C\xA1"), 1u) << "a narrow symbol among pictographs";
+    EXPECT_EQ(displayWidth("\xC2\xAD"), 1u) << "the soft hyphen";
+}
+
+TEST(DisplayWidth, TheTablesAreInAscendingOrder) {
+    const auto expectAscending = [](const auto& table) {
+        std::uint32_t end = 0;
+        for (const WidthRange& range : table) {
+            EXPECT_LT(end, range.first);
+            EXPECT_LE(range.first, range.last);
+            end = range.last;
+        }
+    };
+    expectAscending(kZeroWidth);
+    expectAscending(kDoubleWidth);
 }
 
 TEST(Table, AlignsColumnsByWidth) {

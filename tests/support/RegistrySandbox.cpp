@@ -8,6 +8,8 @@ RegistrySandbox::RegistrySandbox() {
     static std::atomic<int> count{0};
     key_ = L"Software\\QXBridgeTests\\" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
            std::to_wstring(++count);
+    // A process that the library ended cannot have cleaned up, and process ids come again.
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());
     const HKEY own = createRegistryKey(HKEY_CURRENT_USER, key_.c_str());
     ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, own);
     ::RegCloseKey(own);

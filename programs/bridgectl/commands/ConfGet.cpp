@@ -20,8 +20,7 @@ void run(Session& session, const std::string& key) {
             session.exitCode = ExitCode::Unset;
             return;
         case KeyState::Invalid:
-            session.fail(ExitCode::BadValue,
-                         key + " holds no " + typeName(info->type) + ": \"" + info->text + "\"");
+            session.failInvalid(*info);
     }
 }
 

@@ -23,18 +23,6 @@ bool isWanted(const Arguments& arguments, const KeyInfo& info) {
            (key.scope == ConfScope::Instance && key.instance == arguments.instance);
 }
 
-std::string shownValue(const KeyInfo& info) {
-    switch (info.state) {
-        case KeyState::Unset:
-            return "unset";
-        case KeyState::Invalid:
-            return "invalid: \"" + info.text + "\"";
-        case KeyState::Value:
-            break;
-    }
-    return readValue(info);
-}
-
 nlohmann::ordered_json jsonOf(const KeyInfo& info) {
     nlohmann::ordered_json object{{"key", info.key}, {"type", typeName(info.type)}};
     object["value"] = nullptr;
@@ -46,7 +34,8 @@ nlohmann::ordered_json jsonOf(const KeyInfo& info) {
             object["value"] = value == "true";
             break;
         case ConfType::I32:
-            object["value"] = std::stoi(value);
+        case ConfType::I64:
+            object["value"] = std::stoll(value);
             break;
         default:
             object["value"] = value;
@@ -73,7 +62,7 @@ void run(Session& session, const Arguments& arguments) {
     if (!session.start()) return;
     const Configuration& configuration = session.configuration();
     if (!arguments.instance.empty() && configuration.instances().count(arguments.instance) == 0) {
-        session.fail(ExitCode::UnknownName, "no such instance: " + arguments.instance);
+        session.failInstance(arguments.instance);
         return;
     }
     std::vector<KeyInfo> keys;

@@ -6,6 +6,7 @@
 #include "Command.h"
 #include "Console.h"
 #include "Session.h"
+#include "conf/ConfText.h"
 
 namespace {
 
@@ -33,37 +34,46 @@ int stage(const std::string& key, ConfType type, const std::string& stored) {
     return BRIDGE_INVALID_ARGUMENT;
 }
 
-std::string shown(const std::optional<KeyInfo>& info) {
-    if (!info || info->state == KeyState::Unset) return "unset";
-    return info->state == KeyState::Value ? readValue(*info) : "invalid: \"" + info->text + "\"";
-}
-
-void run(Session& session, const Arguments& arguments) {
-    if (!session.start()) return;
+// What is to be stored; nothing after an error.
+std::optional<KeyInfo> checkedChange(Session& session, const Arguments& arguments) {
     const std::string& key = arguments.key;
-    const std::optional<ConfType> type = session.configuration().typeOf(key);
-    if (!type) {
-        session.fail(ExitCode::UnknownName, "no such key: " + key);
-        return;
-    }
-    const std::optional<std::string> stored = storedForm(key, *type, arguments.value);
+    const std::optional<ConfType> type = session.requireType(key);
+    if (!type) return std::nullopt;
+    const std::optional<std::string> stored = storedForm(*type, arguments.value);
     if (!stored) {
         session.fail(ExitCode::BadValue, key + " cannot be \"" + arguments.value +
                                              "\": its type is " + typeName(*type));
+        return std::nullopt;
+    }
+    if (const XErr err = confCheckEntry(key, *stored); err != XERR_SUCCESS) {
+        session.failStatus(ExitCode::BadValue, key + " and its value make no line of the file",
+                           err);
+        return std::nullopt;
+    }
+    return KeyInfo{key, *type, KeyState::Value, *stored};
+}
+
+int stageAndCommit(const KeyInfo& change, const std::string& file) {
+    const int status = stage(change.key, change.type, change.text);
+    if (status != BRIDGE_SUCCESS) return status;
+    return file.empty() ? bridgeConfCommit() : bridgeConfCommitToFile(file.c_str());
+}
+
+void run(Session& session, const Arguments& arguments) {
+    if (session.noConf && arguments.file.empty()) {
+        session.fail(ExitCode::Usage, "--no-conf leaves no file to commit to: add --to FILE");
         return;
     }
-    const std::string before = shown(session.configuration().find(key));
-    int status = stage(key, *type, *stored);
-    if (status == BRIDGE_SUCCESS) {
-        status = arguments.file.empty() ? bridgeConfCommit()
-                                        : bridgeConfCommitToFile(arguments.file.c_str());
-    }
-    if (status != BRIDGE_SUCCESS) {
+    if (!session.start()) return;
+    const std::optional<KeyInfo> change = checkedChange(session, arguments);
+    if (!change) return;
+    const std::optional<KeyInfo> old = session.configuration().find(change->key);
+    const std::string before = old ? shownValue(*old) : "unset";
+    if (const int status = stageAndCommit(*change, arguments.file); status != BRIDGE_SUCCESS) {
         session.failStatus(ExitCode::Commit, "not committed", status);
         return;
     }
-    const KeyInfo after{key, *type, KeyState::Value, *stored};
-    printOut(key + ": " + before + " -> " + readValue(after) + "\n");
+    printOut(change->key + ": " + before + " -> " + readValue(*change) + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -2,19 +2,18 @@
 #include <bridge/bridge.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
+#include "LibraryText.h"
 #include "Session.h"
 #include "Table.h"
+#include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
 
 namespace {
-
-struct FreeText {
-    void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
-};
 
 void printTable(const char* text) {
     std::vector<TableRow> rows{{"INSTANCE", "NAME", "IMAGE", "CPU", "RAM", "GRAPHICS", "PROFILE"}};
@@ -28,20 +27,31 @@ void printTable(const char* text) {
     printOut(formatTable(rows));
 }
 
-// The library's listing ends the process when it meets an instance of an unknown image.
-bool imagesAreKnown(Session& session) {
-    for (const std::string& instance : session.configuration().instances()) {
-        if (utlFindImageTrait(utlImageNameOfInstance(instance)) == nullptr) {
-            return session.fail(ExitCode::UnknownName,
-                                "instance " + instance + " has an unknown image");
-        }
+// The library's listing ends the process when it meets an instance of an unknown image, or one
+// whose numbers cannot be read.
+bool canBeListed(Session& session, const std::string& instance) {
+    if (utlFindImageTrait(utlImageNameOfInstance(instance)) == nullptr) {
+        return session.fail(ExitCode::UnknownName,
+                            "instance " + instance + " has an unknown image");
+    }
+    for (const char* property : {"cpus", "ram"}) {
+        const std::string key = confInstancePrefix(instance) + property;
+        const KeyInfo number = session.configuration().find(key).value();
+        if (number.state == KeyState::Invalid) return session.failInvalid(number);
     }
     return true;
 }
 
+bool canAllBeListed(Session& session) {
+    const std::set<std::string>& instances = session.configuration().instances();
+    return std::all_of(instances.begin(), instances.end(), [&session](const std::string& instance) {
+        return canBeListed(session, instance);
+    });
+}
+
 void run(Session& session, bool json) {
-    if (!session.start() || !imagesAreKnown(session)) return;
-    const std::unique_ptr<char, FreeText> text(bridgeConfGetInstances());
+    if (!session.start() || !canAllBeListed(session)) return;
+    const LibraryText text(bridgeConfGetInstances());
     if (text == nullptr) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;

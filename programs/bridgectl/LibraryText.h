@@ -1,0 +1,15 @@
+#ifndef BRIDGECTL_LIBRARYTEXT_H
+#define BRIDGECTL_LIBRARYTEXT_H
+
+#include <bridge/bridge.h>
+
+#include <memory>
+
+struct FreeLibraryText {
+    void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
+};
+
+// A text that the library returned, which goes back to it at the end.
+using LibraryText = std::unique_ptr<char, FreeLibraryText>;
+
+#endif

@@ -1,0 +1,64 @@
+// A client that cannot be prepared, which only a stand-in for the preparation can show.
+#include "bridge/BridgeShutdown.h"
+
+#include <gtest/gtest.h>
+
+#include "conf/Conf.h"
+#include "support/LogCapture.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+int failInit(IpcClient&, const std::string&) { return -7; }
+
+// Fails for the manager only.
+int failForManager(IpcClient& client, const std::string& serverName) {
+    return serverName == "vtr_mim_nvo" ? -8 : ipcClientInit(client, serverName);
+}
+
+class BridgeShutdownTest : public ::testing::Test {
+ protected:
+    BridgeShutdownTest() {
+        EXPECT_EQ(confLibInit(confStore(), "", false), 0);
+        confAddInstance(confStore(), "Nougat64_2");
+        confAddInstance(confStore(), "Nougat64_10");
+        log.clear();
+    }
+
+    LogCapture log;
+};
+
+}  // namespace
+
+TEST_F(BridgeShutdownTest, TheErrorOfOnePlayersClientIsReturned) {
+    EXPECT_EQ(bridge::bridgePlrShutdown("Nougat64", true, failInit), -7);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{"E BRIDGE IPC client for vtr_plr_Nougat64_nvo init failed: err -7"});
+}
+
+TEST_F(BridgeShutdownTest, EveryFailureIsLoggedAndTheNextIsAsked) {
+    bridge::bridgeShutdown(failInit);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              (Lines{"E BRIDGE MIM IPC client init failed: err -7",
+                     "E BRIDGE IPC client for vtr_plr_Nougat64_10_nvo init failed: err -7",
+                     "E BRIDGE IPC client for vtr_plr_Nougat64_2_nvo init failed: err -7"}));
+}
+
+TEST_F(BridgeShutdownTest, WithoutTheManagersClientThePlayersAreStillAsked) {
+    bridge::bridgeShutdown(failForManager);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              (Lines{"E BRIDGE MIM IPC client init failed: err -8",
+                     "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000",
+                     "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000"}));
+}
+
+TEST_F(BridgeShutdownTest, LinesCarryTheExportsNames) {
+    static_cast<void>(bridge::bridgePlrShutdown("X", false, failInit));
+    bridge::bridgeShutdown(failForManager);
+    Lines functions;
+    for (const LogCapture::Line& line : log.lines()) {
+        if (line.tag == XlogTag::BRIDGE) functions.push_back(line.function);
+    }
+    EXPECT_EQ(functions, (Lines{"bridgePlrShutdown", "bridgeShutdown"}));
+}
