@@ -1,7 +1,6 @@
 #ifndef BRIDGECTL_PROGRAMCOMMAND_H
 #define BRIDGECTL_PROGRAMCOMMAND_H
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -20,8 +19,8 @@ struct ProgramArgument {
 using ProgramTexts = std::vector<std::string>;
 using ProgramCall = int (*)(const ProgramTexts& texts);
 
-// Declares the arguments, all required, and the call as the parser's work. Needs no configuration
-// file of the library, but its log and the install folder.
+// Declares the arguments, all required, and the call as the parser's work. Like every command it
+// starts the library first; besides, the registry must name the install folder.
 void declareProgram(CLI::App& parser, Session& session,
                     const std::vector<ProgramArgument>& arguments, ProgramCall call);
 

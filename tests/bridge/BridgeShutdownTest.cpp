@@ -53,6 +53,28 @@ TEST_F(BridgeShutdownTest, WithoutTheManagersClientThePlayersAreStillAsked) {
                      "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000"}));
 }
 
+TEST_F(BridgeShutdownTest, TheManagerIsAskedFirstAndItsClientGoesLast) {
+    bridge::bridgeShutdown();
+    Lines steps;
+    for (const std::string& line : log.texts(XLOG_DEBUG)) {
+        for (const char* step : {"ipcClientInit", "~IpcClient", "Rpc("}) {
+            if (line.find(step) != std::string::npos &&
+                line.find("returning") == std::string::npos) {
+                steps.push_back(line);
+            }
+        }
+    }
+    EXPECT_EQ(steps, (Lines{"D IPC ipcClientInit called for server: vtr_mim_nvo",
+                            "D MIM mimShutdownRpc()\n",
+                            "D IPC ipcClientInit called for server: vtr_plr_Nougat64_10_nvo",
+                            "D PLR plrShutdownRpc(0)\n",
+                            "D IPC ~IpcClient called for server: vtr_plr_Nougat64_10_nvo",
+                            "D IPC ipcClientInit called for server: vtr_plr_Nougat64_2_nvo",
+                            "D PLR plrShutdownRpc(0)\n",
+                            "D IPC ~IpcClient called for server: vtr_plr_Nougat64_2_nvo",
+                            "D IPC ~IpcClient called for server: vtr_mim_nvo"}));
+}
+
 TEST_F(BridgeShutdownTest, LinesCarryTheExportsNames) {
     static_cast<void>(bridge::bridgePlrShutdown("X", false, failInit));
     bridge::bridgeShutdown(failForManager);

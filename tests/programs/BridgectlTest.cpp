@@ -102,6 +102,15 @@ TEST_F(BridgectlTest, SettingAKeyOfANewInstanceCreatesIt) {
     EXPECT_EQ(output({"conf", "get", "vtr.instance.Nougat32.display_name"}), "Vantrel\n");
 }
 
+TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsNotCreated) {
+    const std::string before = data.read("vantrel.conf");
+    expectFailure({"conf", "set", "vtr.instance.Typo.ram", "1024"}, 3,
+                  "instance Typo has an unknown image");
+    expectFailure({"conf", "set", "vtr.instance..ram", "1024"}, 3,
+                  "instance  has an unknown image");
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+}
+
 TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.next_vm_id", "many"}, 4,

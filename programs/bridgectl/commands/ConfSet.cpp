@@ -6,7 +6,9 @@
 #include "Command.h"
 #include "Console.h"
 #include "Session.h"
+#include "conf/ConfKey.h"
 #include "conf/ConfText.h"
+#include "utl/UtlImages.h"
 
 namespace {
 
@@ -34,11 +36,21 @@ int stage(const std::string& key, ConfType type, const std::string& stored) {
     return BRIDGE_INVALID_ARGUMENT;
 }
 
+// A key of a new instance makes the instance, and one of an unknown image would end every host that
+// lists the instances.
+bool instanceIsPossible(Session& session, const std::string& key) {
+    const ConfKey parts = confSplitKey(key);
+    if (parts.scope != ConfScope::Instance || session.configuration().find(key)) return true;
+    if (utlFindImageTrait(utlImageNameOfInstance(parts.instance)) != nullptr) return true;
+    return session.fail(ExitCode::UnknownName,
+                        "instance " + std::string(parts.instance) + " has an unknown image");
+}
+
 // What is to be stored; nothing after an error.
 std::optional<KeyInfo> checkedChange(Session& session, const Arguments& arguments) {
     const std::string& key = arguments.key;
     const std::optional<ConfType> type = session.requireType(key);
-    if (!type) return std::nullopt;
+    if (!type || !instanceIsPossible(session, key)) return std::nullopt;
     const std::optional<std::string> stored = storedForm(*type, arguments.value);
     if (!stored) {
         session.fail(ExitCode::BadValue, key + " cannot be \"" + arguments.value +
