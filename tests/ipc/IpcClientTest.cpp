@@ -52,6 +52,12 @@ class IpcClientTest : public ::testing::Test {
 
 const std::string kPacket(12, 'p');
 
+// Ends the waiting of a server that is declared before it, also where a check ends the test early.
+struct SetAtEnd {
+    std::atomic<bool>& flag;
+    ~SetAtEnd() { flag = true; }
+};
+
 }  // namespace
 
 TEST_F(IpcClientTest, ASizeBelowOneIsRefusedBeforeAnyConnection) {
@@ -121,6 +127,7 @@ TEST_F(IpcClientTest, APeerThatNeverReadsCostsTheWritesAndTheDisconnectsWait) {
             while (!done) ::Sleep(5);
         },
         /*bufferSize=*/0);
+    const SetAtEnd release{done};
     const std::string large(1 << 20, 'x');
     EXPECT_EQ(send(large, true), -1);
     done = true;
@@ -245,6 +252,7 @@ TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
         pipe.read(12);
         while (!done) ::Sleep(5);
     });
+    const SetAtEnd release{done};
     ASSERT_EQ(send(kPacket, false), 0);
     char reply[8];
     const Clock::time_point start = Clock::now();
@@ -264,6 +272,7 @@ TEST_F(IpcClientTest, AReplyIsWaitedForThirtySeconds) {
         pipe.read(12);
         while (!done) ::Sleep(5);
     });
+    const SetAtEnd release{done};
     ASSERT_EQ(send(kPacket, false), 0);
     char reply[8];
     const Clock::time_point start = Clock::now();
@@ -297,6 +306,7 @@ TEST_F(IpcClientTest, ReadingFromAnotherServerFailsWithoutADisconnect) {
     EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: server mismatch, server: " + name +
                                   ", orig server: other"});
     EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
+    client.socket.reset();  // the server waits for the end of the connection
 }
 
 TEST_F(IpcClientTest, DisconnectingAnUnconnectedSocketSaysNothing) {

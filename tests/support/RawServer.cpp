@@ -58,6 +58,9 @@ RawServer::~RawServer() {
     stop_ = true;
     const HANDLE wake =
         ::CreateFileW(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    // A client that outlives the server would keep it reading.
+    const HANDLE thread = reinterpret_cast<HANDLE>(thread_.native_handle());
+    while (::WaitForSingleObject(thread, 20) == WAIT_TIMEOUT) ::CancelSynchronousIo(thread);
     thread_.join();
     if (wake != INVALID_HANDLE_VALUE) ::CloseHandle(wake);
 }
