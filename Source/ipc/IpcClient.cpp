@@ -82,7 +82,8 @@ bool writeAll(IpcClient& client, const char* data, int size, const char* self) {
         XLOG_D(kLog, "%s: writing data of size %d to server %s", self, rest,
                client.serverName.c_str());
         const qint64 count = socket.write(data + written, rest);
-        ok = count >= 0 && waitUntilWritten(socket, reported, written + count, client.waitMs);
+        // There is something to write, so that a count of 0 would keep us here for ever.
+        ok = count > 0 && waitUntilWritten(socket, reported, written + count, client.waitMs);
         if (ok) {
             written += count;
         } else {
