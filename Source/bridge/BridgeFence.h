@@ -1,29 +1,21 @@
 #ifndef BRIDGE_BRIDGEFENCE_H
 #define BRIDGE_BRIDGEFENCE_H
 
-#include <exception>
 #include <initializer_list>
 
-#include "xpl/Xlog.h"
+#include "bridge/BridgeLog.h"
+#include "xpl/Xfence.h"
 
 // What stands between the library and its host: no C++ exception leaves it, and no null text
 // enters it.
 
-// Log an error line with the function's name.
-void bridgeLogException(const char* function, const char* what) noexcept;
+// Logs the error line of a null text, with the function's name.
 void bridgeLogNullArgument(const char* function) noexcept;
 
 // Answers call(), or `failure` when it throws.
 template <typename Result, typename Call>
 Result bridgeFence(const char* function, Result failure, Call call) noexcept {
-    try {
-        return call();
-    } catch (const std::exception& e) {
-        bridgeLogException(function, e.what());
-    } catch (...) {
-        bridgeLogException(function, "unknown exception");
-    }
-    return failure;
+    return xfence(kLog, function, failure, call);
 }
 
 using BridgeTexts = std::initializer_list<const char*>;

@@ -6,6 +6,7 @@
 
 // The library's allocator for packet buffers: the C runtime's, behind one name.
 void* xmemAlloc(std::size_t size) noexcept;  // null when memory is short
+void* xmemAllocZeroed(std::size_t size) noexcept;
 void xmemFree(void* memory) noexcept;
 void xmemCopy(void* to, const void* from, std::size_t size) noexcept;
 void xmemSet(void* to, int byte, std::size_t size) noexcept;
