@@ -7,6 +7,7 @@
 #include <QThread>
 #include <chrono>
 
+#include "ipc/IpcQt.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xmem.h"
 
@@ -151,6 +152,7 @@ int ipcClientInit(IpcClient& client, const std::string& serverName) {
     static const int type =
         qRegisterMetaType<QLocalSocket::LocalSocketError>("QLocalSocket::LocalSocketError");
     static_cast<void>(type);
+    ipcKeepQtLoaded();
     client.serverName = serverName;
     client.socket.reset(new QLocalSocket);
     return 0;

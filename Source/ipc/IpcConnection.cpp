@@ -1,0 +1,215 @@
+// Connections of the server: from bytes as they come to whole packets, and back to replies.
+#include "ipc/IpcConnection.h"
+
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "ipc/IpcPacket.h"
+#include "ipc/IpcServerLog.h"
+#include "xpl/Xfence.h"
+#include "xpl/Xmem.h"
+
+namespace {
+
+constexpr int kHeaderSize = static_cast<int>(IPC_HEADER_SIZE);
+
+// Below Qt's limit for one array. A packet that would be longer cannot be held.
+constexpr qint64 kMaxBuffer = std::numeric_limits<int>::max() - 64;
+
+// A buffer that grew larger than this for one packet is not kept for the next.
+constexpr int kKeptBuffer = 64 * 1024;
+
+// Replies are handed over in pieces that the socket's own buffers can take.
+constexpr qint64 kReplyPiece = 1024 * 1024;
+
+std::uint32_t numberAt(const QByteArray& buffer, std::size_t offset) {
+    std::uint32_t number = 0;
+    std::memcpy(&number, buffer.constData() + offset, sizeof number);
+    return number;
+}
+
+const char* serverOf(const IpcConnectionInfo& info) { return info.serverName->c_str(); }
+
+// Appends up to `wanted` bytes, and no more than there are: memory follows what has arrived, not
+// what a header claims.
+void append(IpcConnectionInfo& info, qint64 wanted) {
+    const qint64 count = std::min(wanted, info.socket->bytesAvailable());
+    const int before = info.buffer.size();
+    if (count <= 0) return;
+    if (before + count > kMaxBuffer) throw std::bad_alloc();
+    info.buffer.resize(before + static_cast<int>(count));
+    const qint64 got = info.socket->read(info.buffer.data() + before, count);
+    info.buffer.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
+}
+
+// Starts a packet with the header that is waiting, and gives the length of the reply it wants.
+std::uint32_t readHeader(IpcConnectionInfo& info, const char* self) {
+    XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
+           static_cast<int>(info.socket->bytesAvailable()));
+    info.buffer.resize(0);
+    append(info, kHeaderSize);
+    info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
+    const std::uint32_t replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
+    XLOG_D(kLog,
+           "%s for serverName %s, packetLen = %u, buffer.size = %d, opcode = 0x%x, outLen = %d",
+           self, serverOf(info), info.packetLen, info.buffer.size(),
+           numberAt(info.buffer, IPC_OPCODE_OFFSET), static_cast<std::int32_t>(replyLength));
+    return replyLength;
+}
+
+// The bytes still to come are a signed 32-bit number, so that lengths near both ends of the range
+// give a negative one: nothing can find the next packet behind such a header.
+void readBody(IpcConnectionInfo& info, const char* self) {
+    const auto bytesToRead =
+        static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(info.buffer.size()));
+    XLOG_D(kLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info), bytesToRead);
+    if (bytesToRead < 0) {
+        XLOG_E(kLog,
+               "%s for serverName %s, bytesToRead %d is negative, packetLen = %u, buffer size = %d",
+               self, serverOf(info), bytesToRead, info.packetLen, info.buffer.size());
+        XLOG_FATAL(kLog);
+    }
+    append(info, bytesToRead);
+}
+
+// Memory for a reply; none, and a reply length of 0, when it cannot be had. Zeroed, so that no old
+// memory reaches the peer.
+XmemBytes replyBuffer(const IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
+    if (replyLength == 0) return nullptr;
+    XmemBytes reply;
+    if (replyLength <= static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max())) {
+        reply.reset(static_cast<unsigned char*>(xmemAllocZeroed(replyLength)));
+    }
+    if (reply == nullptr) {
+        XLOG_E(kLog, "%s for serverName %s, no memory for a reply of %u bytes", self,
+               serverOf(info), replyLength);
+        replyLength = 0;
+    }
+    return reply;
+}
+
+void writeReply(QLocalSocket& socket, const unsigned char* reply, std::uint32_t length) {
+    const char* const bytes = reinterpret_cast<const char*>(reply);
+    for (qint64 done = 0; done < length;) {
+        const qint64 count = socket.write(bytes + done, std::min(kReplyPiece, length - done));
+        if (count <= 0) return;  // the peer has gone
+        done += count;
+    }
+}
+
+void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
+              const char* self) {
+    XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
+    const XmemBytes reply = replyBuffer(info, replyLength, self);
+    xfence(kLog, self, false, [&] {
+        return decode(info.socket, reinterpret_cast<const std::uint8_t*>(info.buffer.constData()),
+                      info.buffer.size(), reply.get(), static_cast<std::int32_t>(replyLength));
+    });
+    writeReply(*info.socket, reply.get(), replyLength);
+    info.packetLen = 0;
+    if (info.buffer.capacity() > kKeptBuffer) {
+        info.buffer.clear();
+    } else {
+        info.buffer.resize(0);
+    }
+}
+
+// Runs again from the event loop, when nothing works on the connection any more.
+void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
+
+// What arrives on a connection, behind a fence: one that cannot be worked on is dropped, since its
+// next packet cannot be found. A host that runs an event loop of its own inside a callback comes
+// here a second time; the first call goes on with what has arrived then.
+void receive(IpcConnectionInfo* info, IpcDecode decode) {
+    if (info->busy) return;
+    info->busy = true;
+    const bool ok = xfence(kLog, "ipcReadCommand", false, [&] {
+        ipcReadCommand(info, decode);
+        return true;
+    });
+    info->busy = false;
+    if (!ok) info->socket->abort();
+    if (info->disconnectedMeanwhile) disposeLater(info, decode);
+}
+
+// The last bytes of a peer that wrote and left can still wait here when the disconnect is told.
+void dispose(IpcConnectionInfo* info, IpcDecode decode) {
+    if (info->busy) {
+        info->disconnectedMeanwhile = true;
+        return;
+    }
+    if (info->socket->bytesAvailable() > 0) receive(info, decode);
+    info->socket->deleteLater();
+}
+
+void disposeLater(IpcConnectionInfo* info, IpcDecode decode) {
+    info->disconnectedMeanwhile = false;
+    QMetaObject::invokeMethod(
+        info->socket, [info, decode] { dispose(info, decode); }, Qt::QueuedConnection);
+}
+
+void logAboutToClose(const IpcConnectionInfo* info) {
+    XLOG_D(kLog, "%s:%d AboutToClose cleaning info %p", kLog.file, __LINE__,
+           static_cast<const void*>(info));
+}
+
+}  // namespace
+
+IpcConnectionInfo::IpcConnectionInfo(QLocalSocket* connection, const std::string* server)
+    : socket(connection), serverName(server) {
+    buffer.reserve(kHeaderSize);  // from here on a shorter packet keeps the memory
+    XLOG_D(kLog, "%s called for serverName %s, packetLen = %u", "IpcConnectionInfo",
+           serverName->c_str(), packetLen);
+}
+
+void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName) {
+    QLocalSocket* const socket = server->nextPendingConnection();
+    if (socket == nullptr) return;
+    // The three handlers share the record, and the last of them goes with the socket: it is
+    // released exactly once, whatever order the signals come in.
+    const auto info = std::make_shared<IpcConnectionInfo>(socket, serverName);
+    XLOG_D(kLog, "%s: New connection received for server %s", "ipcHandleNewConnection",
+           serverName->c_str());
+    QObject::connect(
+        socket, &QLocalSocket::readyRead, socket, [info, decode] { receive(info.get(), decode); },
+        Qt::DirectConnection);
+    QObject::connect(
+        socket, &QLocalSocket::disconnected, socket,
+        [info, decode] { ipcDestroyConnection(info.get(), decode); }, Qt::DirectConnection);
+    QObject::connect(
+        socket, &QLocalSocket::aboutToClose, socket, [info] { logAboutToClose(info.get()); },
+        Qt::DirectConnection);
+}
+
+void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
+    const char* const self = "ipcReadCommand";
+    XLOG_D(kLog, "%s called for info %p", self, static_cast<void*>(info));
+    XLOG_D(kLog, "%s called for serverName %s", self, serverOf(*info));
+    // Known within this call only: a packet that is completed by a later one gets no reply.
+    std::uint32_t replyLength = 0;
+    do {
+        if (info->packetLen == 0) {
+            if (info->socket->bytesAvailable() < kHeaderSize) return;
+            replyLength = readHeader(*info, self);
+        }
+        readBody(*info, self);
+        if (static_cast<std::uint32_t>(info->buffer.size()) == info->packetLen) {
+            dispatch(*info, decode, replyLength, self);
+        } else {
+            XLOG_D(kLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
+                   serverOf(*info), info->buffer.size(), info->packetLen);
+        }
+    } while (info->socket->bytesAvailable() > 0);
+}
+
+void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode) {
+    XLOG_D(kLog, "%s called for serverName %s info %p bytes %d state %d", "ipcDestroyConnection",
+           serverOf(*info), static_cast<void*>(info),
+           static_cast<int>(info->socket->bytesAvailable()),
+           static_cast<int>(info->socket->state()));
+    disposeLater(info, decode);
+}

@@ -1,0 +1,37 @@
+#ifndef IPC_IPCCONNECTION_H
+#define IPC_IPCCONNECTION_H
+
+#include <QByteArray>
+#include <cstdint>
+#include <string>
+
+#include "ipc/IpcServer.h"
+
+class QLocalServer;
+class QLocalSocket;
+
+// The server's side of one connection. Everything here runs on the thread that the socket lives on.
+struct IpcConnectionInfo {
+    IpcConnectionInfo(QLocalSocket* connection, const std::string* server);
+
+    QLocalSocket* socket;
+    QByteArray buffer;              // the packet being assembled, header included
+    std::uint32_t packetLen = 0;    // its length; 0: the next bytes are a header
+    const std::string* serverName;  // for log lines
+    bool busy = false;              // inside ipcReadCommand
+    bool disconnectedMeanwhile = false;
+};
+
+// Takes one waiting connection of the server, if there is one. Its record lives as long as the
+// socket, which the server owns until the peer disconnects.
+void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName);
+
+// Assembles packets from what the socket holds and hands over each complete one; writes the reply
+// of one that wants a reply and came within this call. A length that cannot be one is fatal. Throws
+// what memory and decode throw.
+void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode);
+
+// After a disconnect: takes in what arrived before it, then disposes of the socket.
+void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode);
+
+#endif

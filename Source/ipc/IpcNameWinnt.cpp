@@ -1,0 +1,13 @@
+#include "ipc/IpcName.h"
+
+#include "xpl/Xtext.h"
+#include "xpl/XwindowsLean.h"
+
+bool ipcNameIsServed(const std::string& serverName) {
+    std::wstring path;
+    if (xtextToWide("\\\\.\\pipe\\" + serverName, path) != XERR_SUCCESS) return false;
+    // A pipe that exists and has no instance free is in use too; only a missing one is not.
+    constexpr DWORD kMilliseconds = 1;
+    return ::WaitNamedPipeW(path.c_str(), kMilliseconds) != 0 ||
+           ::GetLastError() == ERROR_SEM_TIMEOUT;
+}

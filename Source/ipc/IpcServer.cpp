@@ -1,0 +1,91 @@
+// The server's thread.
+#include "ipc/IpcServer.h"
+
+#include <private/qthread_p.h>
+#include <QLocalServer>
+
+#include "ipc/IpcConnection.h"
+#include "ipc/IpcName.h"
+#include "ipc/IpcQt.h"
+#include "ipc/IpcServerLog.h"
+#include "xpl/Xfence.h"
+
+namespace {
+
+void logFailedListen(const std::string& name, int error, const std::string& text) {
+    XLOG_E(kLog, "IpcServer Failed to listen on %s, error: %d(%s)", name.c_str(), error,
+           text.c_str());
+}
+
+}  // namespace
+
+IpcServerThread::IpcServerThread(const std::string& name, IpcDecode decodeFunction)
+    : serverName(name), decode(decodeFunction) {
+    XLOG_D(kLog, "IpcServerThread %s called for server: %s", "IpcServerThread", serverName.c_str());
+    setObjectName(QStringLiteral("IpcServerThread"));
+}
+
+IpcServerThread::~IpcServerThread() {
+    XLOG_D(kLog, "IpcServerThread %s called for server: %s", "~IpcServerThread",
+           serverName.c_str());
+}
+
+void IpcServerThread::run() {
+    XLOG_D(kLog, "IpcServerThread %s called for server: %s", "run", serverName.c_str());
+    // Without this Qt delivers nothing at all here until the host has an application object, and
+    // most hosts never have one.
+    QThreadData::get2(this)->requiresCoreApplication = false;
+    xfence(kLog, "run", false, [this] {
+        serve();
+        return true;
+    });
+    // Here, where the sockets live: after the thread's end nothing would deliver their deletion.
+    server.reset();
+}
+
+void IpcServerThread::serve() {
+    server = std::make_unique<QLocalServer>();
+    server->setSocketOptions(QLocalServer::WorldAccessOption);
+    connect(
+        server.get(), &QLocalServer::newConnection, server.get(),
+        [this] {
+            xfence(kLog, "ipcHandleNewConnection", false, [this] {
+                ipcHandleNewConnection(server.get(), decode, &serverName);
+                return true;
+            });
+        },
+        Qt::DirectConnection);
+    if (listen()) exec();
+}
+
+bool IpcServerThread::listen() {
+    if (ipcNameIsServed(serverName)) {
+        logFailedListen(serverName, QAbstractSocket::AddressInUseError,
+                        "QLocalServer::listen: Address in use");
+        return false;
+    }
+    if (server->listen(QString::fromStdString(serverName))) return true;
+    logFailedListen(serverName, server->serverError(), server->errorString().toStdString());
+    return false;
+}
+
+int ipcServerInit(IpcServerThread** out, const std::string& name, IpcDecode decode) {
+    XLOG_D(kLog, "%s: called with name = %s", "ipcServerInit", name.c_str());
+    ipcKeepQtLoaded();
+    *out = new IpcServerThread(name, decode);
+    (*out)->start();
+    return 0;
+}
+
+int ipcServerFini(IpcServerThread** thread) {
+    XLOG_D(kLog, "%s called", "ipcServerFini");
+    if (*thread == nullptr) return 0;
+    (*thread)->quit();
+    (*thread)->wait();
+    delete *thread;
+    return 0;
+}
+
+bool ipcServerIsCurrentThread(const IpcServerThread* thread) {
+    return QThread::currentThread() == thread;
+}

@@ -1,0 +1,339 @@
+// Packet assembly, over a socket that holds exactly what each test gives it: a delivery is one call
+// of ipcReadCommand.
+#include <gtest/gtest.h>
+
+#include <QLocalSocket>
+#include <algorithm>
+#include <random>
+
+#include "ipc/IpcConnection.h"
+#include "support/EventPackets.h"
+#include "support/LogCapture.h"
+#include "support/Scene.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Qt's own reading and buffering, over bytes in memory.
+class FakeSocket : public QLocalSocket {
+ public:
+    FakeSocket() { setOpenMode(QIODevice::ReadWrite); }
+
+    qint64 bytesAvailable() const override {
+        return QIODevice::bytesAvailable() + static_cast<qint64>(waiting.size());
+    }
+
+    std::string waiting;
+    std::string written;
+
+ protected:
+    qint64 readData(char* to, qint64 size) override {
+        const std::size_t count = std::min(static_cast<std::size_t>(size), waiting.size());
+        waiting.copy(to, count);
+        waiting.erase(0, count);
+        return static_cast<qint64>(count);
+    }
+
+    qint64 writeData(const char* bytes, qint64 size) override {
+        written.append(bytes, static_cast<std::size_t>(size));
+        return size;
+    }
+};
+
+struct Call {
+    std::string packet;
+    bool hasReply;
+    std::int32_t replyLength;
+};
+std::vector<Call> calls;
+
+bool record(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void* reply,
+            std::int32_t replyLength) {
+    calls.push_back({{reinterpret_cast<const char*>(packet), static_cast<std::size_t>(length)},
+                     reply != nullptr,
+                     replyLength});
+    return true;
+}
+
+bool fillReply(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length, void* reply,
+               std::int32_t replyLength) {
+    for (std::int32_t i = 0; reply != nullptr && i < replyLength; ++i) {
+        static_cast<char*>(reply)[i] = static_cast<char>('a' + i);
+    }
+    return record(socket, packet, length, reply, replyLength);
+}
+
+bool throwing(QLocalSocket*, const std::uint8_t*, std::int32_t, void*, std::int32_t) {
+    throw std::runtime_error("the decoder's own");
+}
+
+const std::string kServerName = "vtr_test_nvo";
+
+class IpcReadCommandTest : public ::testing::Test {
+ protected:
+    IpcReadCommandTest() : info(&socket, &kServerName) {
+        calls.clear();
+        log.clear();
+    }
+
+    void deliver(std::string_view bytes, IpcDecode decode = record) {
+        socket.waiting.append(bytes);
+        ipcReadCommand(&info, decode);
+    }
+
+    static std::vector<std::string> packets() {
+        std::vector<std::string> all;
+        for (const Call& call : calls) all.push_back(call.packet);
+        return all;
+    }
+
+    LogCapture log;
+    FakeSocket socket;
+    IpcConnectionInfo info;
+};
+
+// Packets of every kind of event, short and long.
+std::vector<std::string> samplePackets() {
+    return {appInstalledPacket("N", "p", "a", "l", 5, "2", "i", 1),
+            instanceListUpdatedPacket(),
+            apkInstallCompletedPacket("Nougat64_1", -1, "C:\\\xC3\xA9.apk"),
+            installImageProgressPacket("N", 1, 0.5),
+            createInstanceCompletedPacket(0, "N"),
+            appDisplayedPacket("", ""),
+            accountListUpdatedPacket("N", std::string(5000, 'e'), 1)};
+}
+
+}  // namespace
+
+TEST_F(IpcReadCommandTest, APacketWithoutPayloadIsHandedOverWithItsHeaderAndWithoutAReply) {
+    const std::string packet = packetOf(4711, "");
+    deliver(packet);
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].packet, packet);
+    EXPECT_FALSE(calls[0].hasReply);
+    EXPECT_EQ(calls[0].replyLength, 0);
+    EXPECT_EQ(socket.written, "");
+}
+
+TEST_F(IpcReadCommandTest, EveryStepIsLogged) {
+    deliver(packetOf(0x1234, "abcd", 8));
+    Lines lines = log.texts(XLOG_DEBUG);
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(lines[0].substr(0, lines[0].find("info ") + 5),
+              "D IPC ipcReadCommand called for info ");
+    lines.erase(lines.begin());
+    EXPECT_EQ(lines, (Lines{"D IPC ipcReadCommand called for serverName vtr_test_nvo",
+                            "D IPC ipcReadCommand for serverName vtr_test_nvo, bytesAvailable = 16",
+                            "D IPC ipcReadCommand for serverName vtr_test_nvo, packetLen = 16, "
+                            "buffer.size = 12, opcode = 0x1234, outLen = 8",
+                            "D IPC ipcReadCommand for serverName vtr_test_nvo, bytesToRead = 4",
+                            "D IPC ipcReadCommand for serverName vtr_test_nvo, calling "
+                            "decodeFunction"}));
+}
+
+TEST_F(IpcReadCommandTest, ABodyInPiecesIsLoggedAtEachDelivery) {
+    const std::string packet = packetOf(1, "abcd");
+    deliver(packet.substr(0, 13));
+    log.clear();
+    deliver(packet.substr(13, 1));
+    Lines lines = log.texts(XLOG_DEBUG);
+    lines.erase(lines.begin(), lines.begin() + 2);
+    EXPECT_EQ(lines,
+              (Lines{"D IPC ipcReadCommand for serverName vtr_test_nvo, bytesToRead = 3",
+                     "D IPC ipcReadCommand for serverName vtr_test_nvo, bufferReadSize = 14, "
+                     "packetLen = 16"}));
+    EXPECT_TRUE(calls.empty());
+}
+
+TEST_F(IpcReadCommandTest, AHeaderInPiecesStaysInTheSocket) {
+    const std::string packet = packetOf(1, "");
+    for (std::size_t i = 0; i + 1 < packet.size(); ++i) {
+        deliver(packet.substr(i, 1));
+        EXPECT_EQ(socket.bytesAvailable(), static_cast<qint64>(i + 1));
+        EXPECT_EQ(info.packetLen, 0u);
+    }
+    deliver(packet.substr(11));
+    EXPECT_EQ(packets(), Lines{packet});
+}
+
+TEST_F(IpcReadCommandTest, TwoPacketsOfOneDeliveryAreDecodedInOrderInOneCall) {
+    const std::string first = packetOf(1, "a");
+    const std::string second = packetOf(2, "bb");
+    deliver(first + second);
+    EXPECT_EQ(packets(), (Lines{first, second}));
+}
+
+TEST_F(IpcReadCommandTest, EverySplitIntoTwoDeliveriesGivesTheSamePackets) {
+    std::string all;
+    for (const std::string& packet : samplePackets()) all += packet;
+    for (std::size_t at = 1; at < all.size(); ++at) {
+        calls.clear();
+        deliver(std::string_view(all).substr(0, at));
+        deliver(std::string_view(all).substr(at));
+        ASSERT_EQ(packets(), samplePackets()) << "split at " << at;
+        ASSERT_EQ(info.packetLen, 0u);
+    }
+}
+
+TEST_F(IpcReadCommandTest, OneByteAtATimeGivesTheSamePackets) {
+    for (const std::string& packet : samplePackets()) {
+        for (const char byte : packet) deliver({&byte, 1});
+    }
+    EXPECT_EQ(packets(), samplePackets());
+}
+
+TEST_F(IpcReadCommandTest, TwoToSixtyFourGluedPacketsGiveTheSamePackets) {
+    const std::vector<std::string> samples = samplePackets();
+    for (std::size_t count = 2; count <= 64; ++count) {
+        calls.clear();
+        Lines expected;
+        std::string all;
+        for (std::size_t i = 0; i < count; ++i) {
+            expected.push_back(samples[i % samples.size()]);
+            all += expected.back();
+        }
+        deliver(all);
+        ASSERT_EQ(packets(), expected);
+    }
+}
+
+TEST_F(IpcReadCommandTest, RandomPiecesGiveTheSamePackets) {
+    std::mt19937 random(20'240'307);
+    const std::vector<std::string> samples = samplePackets();
+    for (int round = 0; round < 300; ++round) {
+        calls.clear();
+        Lines expected;
+        std::string all;
+        for (std::size_t i = 0; i < 20; ++i) {
+            expected.push_back(samples[random() % samples.size()]);
+            all += expected.back();
+        }
+        for (std::string_view rest = all; !rest.empty();) {
+            const std::size_t count = std::min<std::size_t>(1 + random() % 600, rest.size());
+            deliver(rest.substr(0, count));
+            rest.remove_prefix(count);
+        }
+        ASSERT_EQ(packets(), expected) << "round " << round;
+    }
+}
+
+TEST_F(IpcReadCommandTest, AReplyWantedInOneDeliveryIsExactlyThatLongAndZeroed) {
+    deliver(packetOf(1, "abc", 8));
+    EXPECT_EQ(socket.written, std::string(8, '\0'));
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_TRUE(calls[0].hasReply);
+    EXPECT_EQ(calls[0].replyLength, 8);
+}
+
+TEST_F(IpcReadCommandTest, TheReplyIsWhatTheDecoderFilledIn) {
+    deliver(packetOf(1, "", 3) + packetOf(2, "", 2), fillReply);
+    EXPECT_EQ(socket.written, "abcab");
+}
+
+TEST_F(IpcReadCommandTest, APacketCompletedByALaterDeliveryGetsNoReply) {
+    const std::string packet = packetOf(1, "abcd", 8);
+    for (std::size_t at = 12; at < packet.size(); ++at) {
+        calls.clear();
+        deliver(packet.substr(0, at), fillReply);
+        deliver(packet.substr(at), fillReply);
+        ASSERT_EQ(calls.size(), 1u);
+        EXPECT_FALSE(calls[0].hasReply);
+        EXPECT_EQ(calls[0].replyLength, 0);
+    }
+    EXPECT_EQ(socket.written, "");
+}
+
+TEST_F(IpcReadCommandTest, AHeaderInTwoDeliveriesWithItsBodyGetsItsReply) {
+    const std::string packet = packetOf(1, "abcd", 2);
+    deliver(packet.substr(0, 11), fillReply);
+    deliver(packet.substr(11), fillReply);
+    EXPECT_EQ(socket.written, "ab");
+}
+
+TEST_F(IpcReadCommandTest, ThePacketBehindALateBodyGetsItsOwnReply) {
+    const std::string late = packetOf(1, "abcd", 8);
+    deliver(late.substr(0, 14), fillReply);
+    deliver(late.substr(14) + packetOf(2, "", 2), fillReply);
+    EXPECT_EQ(socket.written, "ab");
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_FALSE(calls[0].hasReply);
+    EXPECT_TRUE(calls[1].hasReply);
+}
+
+TEST_F(IpcReadCommandTest, AReplyThatCannotBeAllocatedIsAnErrorLineAndNothingIsWritten) {
+    deliver(packetOf(1, "", 0x80000000u));
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC ipcReadCommand for serverName vtr_test_nvo, no "
+                                           "memory for a reply of 2147483648 bytes"});
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_FALSE(calls[0].hasReply);
+    EXPECT_EQ(calls[0].replyLength, 0);
+    EXPECT_EQ(socket.written, "");
+}
+
+TEST_F(IpcReadCommandTest, ALongReplyIsWrittenWhole) {
+    deliver(packetOf(1, "", 3'000'001));
+    EXPECT_EQ(socket.written, std::string(3'000'001, '\0'));
+}
+
+TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
+    const std::string good = packetOf(2, "");
+    deliver(packetOf(1, "", 4), throwing);
+    deliver(good);
+    EXPECT_EQ(packets(), Lines{good});
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC ipcReadCommand: exception: the decoder's own"});
+    EXPECT_EQ(socket.written, std::string(4, '\0'));
+}
+
+TEST_F(IpcReadCommandTest, AClaimedLengthTakesNoMemoryBeforeTheBytesCome) {
+    const std::uint32_t largest = 0x8000000Bu;  // 2^31 + 11: the last that is not fatal
+    deliver(bytesOf(1u) + bytesOf(largest) + bytesOf(0u) + "abc");
+    EXPECT_EQ(info.packetLen, largest);
+    EXPECT_EQ(info.buffer.size(), 15);
+    EXPECT_LT(info.buffer.capacity(), 4096);
+    EXPECT_TRUE(calls.empty());
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
+}
+
+TEST_F(IpcReadCommandTest, AMegabyteIsHandedOverWholeAndItsMemoryGivenBack) {
+    const std::string packet = packetOf(1, std::string(1 << 20, 'x'));
+    deliver(packet);
+    EXPECT_EQ(packets(), Lines{packet});
+    EXPECT_LT(info.buffer.capacity(), 4096);
+}
+
+// Lengths whose rest is no positive 32-bit number end the process, after their line.
+SCENE(deliversALength) {
+    FakeSocket socket;
+    IpcConnectionInfo info(&socket, &kServerName);
+    const auto length = static_cast<std::uint32_t>(std::stoul(arguments.at(0)));
+    socket.waiting = bytesOf(1u) + bytesOf(length) + bytesOf(0u);
+    ipcReadCommand(&info, record);
+    return 0;
+}
+
+namespace {
+
+void expectFatal(std::uint32_t length, const std::string& rest) {
+    const ChildResult result = runScene("deliversALength", {std::to_string(length)});
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("ipcReadCommand for serverName vtr_test_nvo, bytesToRead " + rest +
+                              " is negative, packetLen = " + std::to_string(length) +
+                              ", buffer size = 12"),
+              std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), std::string::npos);
+}
+
+}  // namespace
+
+TEST(IpcReadCommandFatalTest, ALengthOfZero) { expectFatal(0, "-12"); }
+TEST(IpcReadCommandFatalTest, ALengthOfOne) { expectFatal(1, "-11"); }
+TEST(IpcReadCommandFatalTest, ALengthOneBelowTheHeader) { expectFatal(11, "-1"); }
+TEST(IpcReadCommandFatalTest, TheFirstLengthBeyondThe32BitRest) {
+    expectFatal(0x8000000Cu, "-2147483648");
+}
+TEST(IpcReadCommandFatalTest, TheLargestLength) { expectFatal(0xFFFFFFFFu, "-13"); }
+TEST(IpcReadCommandFatalTest, TheLargestLengthThatIsNot) {
+    EXPECT_EQ(runScene("deliversALength", {"2147483659"}).status, 0u);
+}

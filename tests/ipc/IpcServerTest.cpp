@@ -1,0 +1,244 @@
+// The server thread in a process without an application object, and raw pipes as its clients.
+#include <atomic>
+#include <thread>
+
+#include "ServerFixture.h"
+#include "ipc/IpcName.h"
+#include "support/EventPackets.h"
+#include "support/LogCapture.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+#include "xpl/Xsystem.h"
+
+namespace {
+
+std::atomic<bool> released{true};
+
+// Keeps the server's thread until the test lets it go.
+bool seeWhenReleased(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length,
+                     void* reply, std::int32_t replyLength) {
+    while (!released) ::Sleep(1);
+    return see(socket, packet, length, reply, replyLength);
+}
+
+class IpcServerTest : public ServerFixture {
+ protected:
+    bool waitForLine(const std::string& line) const {
+        for (int i = 0; i < 1000; ++i) {
+            for (const std::string& text : log.texts(XLOG_DEBUG)) {
+                if (text.find(line) != std::string::npos) return true;
+            }
+            ::Sleep(5);
+        }
+        return false;
+    }
+
+    std::size_t countLines(const std::string& part) const {
+        std::size_t found = 0;
+        for (const std::string& text : log.texts(XLOG_DEBUG)) {
+            if (text.find(part) != std::string::npos) ++found;
+        }
+        return found;
+    }
+
+    // Every record that was made has been released: its socket said so when it closed.
+    void expectNoRecordLeft() const {
+        EXPECT_EQ(countLines("AboutToClose cleaning info"),
+                  countLines("IpcConnectionInfo called for serverName"));
+    }
+
+    LogCapture log;
+};
+
+}  // namespace
+
+TEST_F(IpcServerTest, ItsLifeIsLogged) {
+    start();
+    stop();
+    EXPECT_EQ(
+        log.texts(XLOG_DEBUG),
+        (Lines{"D IPC ipcServerInit: called with name = " + name,
+               "D IPC IpcServerThread IpcServerThread called for server: " + name,
+               "D IPC IpcServerThread run called for server: " + name, "D IPC ipcServerFini called",
+               "D IPC IpcServerThread ~IpcServerThread called for server: " + name}));
+}
+
+TEST_F(IpcServerTest, StoppingANullThreadDoesNothing) {
+    IpcServerThread* none = nullptr;
+    EXPECT_EQ(ipcServerFini(&none), 0);
+    EXPECT_EQ(log.texts(XLOG_DEBUG), Lines{"D IPC ipcServerFini called"});
+}
+
+TEST_F(IpcServerTest, ThePointerKeepsItsValueAfterStopping) {
+    start();
+    IpcServerThread* pointer = std::exchange(thread, nullptr);
+    IpcServerThread* const before = pointer;
+    ipcServerFini(&pointer);
+    EXPECT_EQ(pointer, before);
+}
+
+TEST_F(IpcServerTest, AServerThatIsStoppedAtOnceStops) {
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_EQ(ipcServerInit(&thread, name, see), 0);
+        stop();
+    }
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+TEST_F(IpcServerTest, PacketsArriveOnItsOwnThread) {
+    start();
+    RawPipe client(connect());
+    const std::string packet = appDisplayedPacket("N", "p");
+    ASSERT_TRUE(client.write(packet));
+    ASSERT_TRUE(seen.waitFor(1));
+    EXPECT_EQ(seen.packets, Lines{packet});
+    EXPECT_NE(seen.thread, xsystemThreadId());
+}
+
+TEST_F(IpcServerTest, TheConnectionsLifeIsLogged) {
+    start();
+    log.clear();
+    {
+        RawPipe client(connect());
+        ASSERT_TRUE(client.write(packetOf(1, "")));
+        ASSERT_TRUE(seen.waitFor(1));
+    }
+    ASSERT_TRUE(waitForLine("AboutToClose"));
+    const Lines lines = log.texts(XLOG_DEBUG);
+    EXPECT_EQ(lines.at(0),
+              "D IPC IpcConnectionInfo called for serverName " + name + ", packetLen = 0");
+    EXPECT_EQ(lines.at(1),
+              "D IPC ipcHandleNewConnection: New connection received for server " + name);
+    const std::string& gone = lines.at(lines.size() - 2);
+    EXPECT_EQ(gone.find("D IPC ipcDestroyConnection called for serverName " + name + " info "), 0u)
+        << gone;
+    EXPECT_NE(gone.find(" bytes 0 state 0"), std::string::npos) << gone;
+    EXPECT_EQ(lines.back().find("D IPC Source/ipc/IpcServer:"), 0u) << lines.back();
+    EXPECT_NE(lines.back().find(" AboutToClose cleaning info "), std::string::npos);
+}
+
+TEST_F(IpcServerTest, ASecondServerOfANameLogsItsFailureAndTheFirstGoesOn) {
+    start();
+    log.clear();
+    IpcServerThread* second = nullptr;
+    ASSERT_EQ(ipcServerInit(&second, name, see), 0);
+    ASSERT_TRUE(waitForLine("Failed to listen"));
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC IpcServer Failed to listen on " + name +
+                                           ", error: 8(QLocalServer::listen: Address in use)"});
+    ipcServerFini(&second);
+    RawPipe client(connect());
+    ASSERT_TRUE(client.write(packetOf(1, "")));
+    EXPECT_TRUE(seen.waitFor(1));
+}
+
+TEST_F(IpcServerTest, AnImpossibleNameIsAFailedListen) {
+    name.clear();
+    IpcServerThread* server = nullptr;
+    ASSERT_EQ(ipcServerInit(&server, name, see), 0);
+    ASSERT_TRUE(waitForLine("Failed to listen"));
+    ipcServerFini(&server);
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{"E IPC IpcServer Failed to listen on , error: 2(QLocalServer::listen: Name "
+                    "error)"});
+}
+
+TEST_F(IpcServerTest, ANameIsFreeAgainAfterItsServer) {
+    start();
+    stop();
+    start();
+    RawPipe client(connect());
+    ASSERT_TRUE(client.write(packetOf(1, "")));
+    EXPECT_TRUE(seen.waitFor(1));
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
+}
+
+TEST_F(IpcServerTest, AReplyArrivesOverThePipeAndNothingElse) {
+    start();
+    RawPipe client(connect());
+    ASSERT_TRUE(client.write(packetOf(1, "abc", 8)));
+    EXPECT_EQ(client.read(8), std::string(8, '\0'));
+    ASSERT_TRUE(client.write(packetOf(2, "", 3)));
+    EXPECT_EQ(client.read(3), std::string(3, '\0'));
+}
+
+TEST_F(IpcServerTest, APacketWhoseBodyComesInALaterDeliveryGetsNoReply) {
+    start();
+    RawPipe client(connect());
+    const std::string packet = packetOf(1, "abcd", 8);
+    ASSERT_TRUE(client.write(std::string_view(packet).substr(0, 14)));
+    ASSERT_TRUE(waitForLine("bufferReadSize = 14")) << "the first delivery is over";
+    ASSERT_TRUE(client.write(packet.substr(14) + packetOf(2, "", 3)));
+    EXPECT_EQ(client.read(3), std::string(3, '\0'))
+        << "the second packet's, and the first had none";
+    ASSERT_TRUE(seen.waitFor(2));
+    log.clear();
+}
+
+TEST_F(IpcServerTest, WhatAClientWroteBeforeItWasAcceptedArrivesAlthoughItHasLeft) {
+    start(seeWhenReleased);
+    released = false;
+    const std::string first = packetOf(1, "");
+    const std::string second = packetOf(2, "abc");
+    RawPipe blocking(connect());
+    ASSERT_TRUE(blocking.write(first));
+    ASSERT_TRUE(waitForLine("calling decodeFunction"));
+    std::thread leaving([&] {
+        RawPipe client(connect());
+        client.write(second);
+    });
+    ::Sleep(100);  // so that it has gone where the system lets it go
+    released = true;
+    leaving.join();
+    ASSERT_TRUE(seen.waitFor(2));
+    EXPECT_EQ(seen.packets, (Lines{first, second}));
+}
+
+TEST_F(IpcServerTest, AMebibyteArrivesWhole) {
+    start();
+    const std::string packet = packetOf(1, std::string(1 << 20, 'x'));
+    RawPipe client(connect());
+    ASSERT_TRUE(client.write(packet));
+    ASSERT_TRUE(seen.waitFor(1));
+    EXPECT_EQ(seen.packets, Lines{packet});
+}
+
+TEST_F(IpcServerTest, OpenConnectionsAndHalfPacketsDoNotKeepItFromStopping) {
+    start();
+    const std::string packet = packetOf(1, "abcd", 1 << 20);
+    RawPipe idle(connect());
+    RawPipe half(connect());
+    RawPipe unreadReply(connect());
+    ASSERT_TRUE(half.write(packet.substr(0, 13)));
+    ASSERT_TRUE(unreadReply.write(packet));
+    ASSERT_TRUE(seen.waitFor(1));
+    ASSERT_TRUE(waitForLine("bufferReadSize = 13"));
+    stop();
+    EXPECT_EQ(countLines("IpcConnectionInfo called for serverName"), 3u);
+    expectNoRecordLeft();
+}
+
+TEST_F(IpcServerTest, EveryRecordIsReleasedWhateverEndsTheConnection) {
+    start();
+    { RawPipe leaves(connect()); }
+    RawPipe stays(connect());
+    ASSERT_TRUE(stays.write(packetOf(1, "")));
+    ASSERT_TRUE(seen.waitFor(1));
+    ASSERT_TRUE(waitForLine("AboutToClose"));
+    stop();
+    EXPECT_EQ(countLines("IpcConnectionInfo called for serverName"), 2u);
+    expectNoRecordLeft();
+}
+
+TEST_F(IpcServerTest, StartingAndStoppingGivesEveryHandleBack) {
+    const auto round = [this] {
+        start();
+        RawPipe client(connect());
+        ASSERT_TRUE(client.write(packetOf(1, "")));
+        ASSERT_TRUE(seen.waitFor(1));
+        stop();
+    };
+    round();
+    const unsigned long before = handleCount();
+    for (int i = 0; i < 100; ++i) round();
+    EXPECT_LE(handleCount(), before + 2);
+}

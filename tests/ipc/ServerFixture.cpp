@@ -1,0 +1,71 @@
+#include "ServerFixture.h"
+
+#include <utility>
+
+#include "ipc/IpcName.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+#include "xpl/Xsystem.h"
+
+// Last: it needs <windows.h>.
+#include <psapi.h>
+
+Seen seen;
+
+bool Seen::waitFor(std::size_t wanted, std::chrono::seconds limit) {
+    std::unique_lock<std::mutex> guard(lock);
+    return changed.wait_for(guard, limit, [&] { return count >= wanted; });
+}
+
+bool see(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, std::int32_t) {
+    const std::lock_guard<std::mutex> guard(seen.lock);
+    seen.packets.emplace_back(reinterpret_cast<const char*>(packet),
+                              static_cast<std::size_t>(length));
+    seen.thread = xsystemThreadId();
+    ++seen.count;
+    seen.changed.notify_all();
+    return true;
+}
+
+ServerFixture::ServerFixture() {
+    static int count = 0;
+    name = "vtr_test_server_" + std::to_string(::GetCurrentProcessId()) + "_" +
+           std::to_string(++count);
+    const std::lock_guard<std::mutex> guard(seen.lock);
+    seen.packets.clear();
+    seen.count = 0;
+}
+
+ServerFixture::~ServerFixture() { stop(); }
+
+void ServerFixture::start(IpcDecode decode) {
+    ASSERT_EQ(ipcServerInit(&thread, name, decode), 0);
+    for (int i = 0; i < 1000 && !ipcNameIsServed(name); ++i) ::Sleep(5);
+    ASSERT_TRUE(ipcNameIsServed(name));
+}
+
+void ServerFixture::stop() {
+    IpcServerThread* running = std::exchange(thread, nullptr);
+    if (running != nullptr) EXPECT_EQ(ipcServerFini(&running), 0);
+}
+
+void* ServerFixture::connect() const {
+    for (int i = 0; i < 2000; ++i) {
+        if (void* const pipe = connectRaw(name)) return pipe;
+        ::WaitNamedPipeW((L"\\\\.\\pipe\\" + wideForTests(name)).c_str(), 1000);
+    }
+    return nullptr;
+}
+
+unsigned long handleCount() {
+    DWORD count = 0;
+    ::GetProcessHandleCount(::GetCurrentProcess(), &count);
+    return count;
+}
+
+std::size_t privateBytes() {
+    PROCESS_MEMORY_COUNTERS_EX counters;
+    ::GetProcessMemoryInfo(::GetCurrentProcess(),
+                           reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+    return counters.PrivateUsage;
+}

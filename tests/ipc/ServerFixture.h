@@ -1,0 +1,51 @@
+#ifndef TESTS_IPC_SERVERFIXTURE_H
+#define TESTS_IPC_SERVERFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ipc/IpcServer.h"
+
+using Lines = std::vector<std::string>;
+
+// What the decoder of the tests saw. A decoder is a plain function, so there is one of these.
+struct Seen {
+    std::mutex lock;
+    std::condition_variable changed;
+    Lines packets;
+    std::uint32_t thread = 0;
+    std::size_t count = 0;
+
+    bool waitFor(std::size_t wanted, std::chrono::seconds limit = std::chrono::seconds(60));
+};
+extern Seen seen;
+
+bool see(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length, void* reply,
+         std::int32_t replyLength);
+
+// A server under a name of the test's own.
+class ServerFixture : public ::testing::Test {
+ protected:
+    ServerFixture();
+    ~ServerFixture() override;
+
+    void start(IpcDecode decode = see);
+    void stop();
+
+    // Connects as soon as an instance of the pipe is free; the handle is the caller's.
+    void* connect() const;
+
+    std::string name;
+    IpcServerThread* thread = nullptr;
+};
+
+unsigned long handleCount();
+std::size_t privateBytes();
+
+#endif
