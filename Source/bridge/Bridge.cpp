@@ -2,6 +2,7 @@
 // result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
+#include "bridge/BridgeEvents.h"
 #include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeInstances.h"
@@ -32,7 +33,9 @@ bridge_i32 bridgeApiInitEx(const char* clientId, bridge_bool noConfFile, bridge_
     });
 }
 
-bridge_i32 bridgeApiFini(void) { return XERR_SUCCESS; }
+bridge_i32 bridgeApiFini(void) {
+    return bridgeStatus(__func__, {}, [] { return bridge::bridgeApiFini(); });
+}
 
 bridge_bool bridgeConfGetBool(const char* key) {
     return bridgeValue<bridge_bool>(
@@ -161,12 +164,22 @@ void bridgeShutdown(void) {
     });
 }
 
-void bridgeRegisterCallbacks(bridgeOnAppInstalled, bridgeOnAppUninstalled,
-                             bridgeOnApkInstallCompleted, bridgeOnInstanceListUpdated,
-                             bridgeInstallImageProgress, bridgeOnCreateInstanceCompleted,
-                             bridgeOnInstanceConfigurationChanged, bridgeOnAppDisplayed,
-                             bridgeOnAccountListUpdated) {
-    notImplemented(__func__);
+void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
+                             bridgeOnAppUninstalled onAppUninstalled,
+                             bridgeOnApkInstallCompleted onApkInstallCompleted,
+                             bridgeOnInstanceListUpdated onInstanceListUpdated,
+                             bridgeInstallImageProgress installImageProgress,
+                             bridgeOnCreateInstanceCompleted onCreateInstanceCompleted,
+                             bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
+                             bridgeOnAppDisplayed onAppDisplayed,
+                             bridgeOnAccountListUpdated onAccountListUpdated) {
+    bridgeStatus(__func__, {}, [&] {
+        bridge::bridgeRegisterCallbacks({onAppInstalled, onAppUninstalled, onApkInstallCompleted,
+                                         onInstanceListUpdated, installImageProgress,
+                                         onCreateInstanceCompleted, onInstanceConfigurationChanged,
+                                         onAppDisplayed, onAccountListUpdated});
+        return XErr{XERR_SUCCESS};
+    });
 }
 
 char* bridgeGetInstalledApps(const char*) {

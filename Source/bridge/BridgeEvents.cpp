@@ -1,0 +1,72 @@
+#include "bridge/BridgeEvents.h"
+
+#include <mutex>
+
+#include "bridge/BridgeDec.h"
+#include "bridge/BridgeInit.h"
+#include "bridge/BridgeLog.h"
+#include "utl/UtlFolders.h"
+#include "xpl/Xattributes.h"
+
+namespace bridge {
+
+namespace {
+
+struct EventServer {
+    std::mutex lock;
+    bool exists XTS_GUARDED_BY(lock) = false;    // started, or tried
+    bool finished XTS_GUARDED_BY(lock) = false;  // stopped by bridgeApiFini
+    IpcServerThread* thread XTS_GUARDED_BY(lock) = nullptr;
+};
+
+EventServer& eventServer() {
+    static EventServer& server = *new EventServer;
+    return server;
+}
+
+// False when the server was tried just now and could not be started.
+bool ensureServer(EventServer& server, ServerInit init) {
+    const std::lock_guard<std::mutex> guard(server.lock);
+    if (server.finished) {
+        XLOG_E(kLog, "%s: called after bridgeApiFini, no event will come",
+               "bridgeRegisterCallbacks");
+        return true;
+    }
+    if (server.exists) return true;
+    XLOG_I(kLog, "Bridge ipc ..");
+    server.exists = true;
+    const std::string name = utlLocalObjectName(std::string(clientId()) + "_bridge");
+    const int err = init(&server.thread, name, bridgeDecode);
+    if (err != 0) XLOG_E(kLog, "FATAL: Bridge IPC server init failed: err %d", err);
+    return err == 0;
+}
+
+// The running server, which is nobody else's to stop from here on; null when there is none.
+IpcServerThread* takeForStop(EventServer& server) {
+    const std::lock_guard<std::mutex> guard(server.lock);
+    if (server.thread != nullptr && ipcServerIsCurrentThread(server.thread)) {
+        XLOG_E(kLog, "%s: called inside a callback, nothing is stopped", "bridgeApiFini");
+        return nullptr;
+    }
+    server.finished = server.exists;
+    return std::exchange(server.thread, nullptr);
+}
+
+}  // namespace
+
+void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks, ServerInit init) {
+    if (clientId() == nullptr) {
+        XLOG_E(kLog, "%s: called before bridgeApiInit", "bridgeRegisterCallbacks");
+        return;
+    }
+    if (ensureServer(eventServer(), init)) bridgeSetCallbacks(callbacks);
+}
+
+XErr bridgeApiFini() {
+    // Not under the lock: a callback that is running may want to register.
+    IpcServerThread* thread = takeForStop(eventServer());
+    if (thread != nullptr) ipcServerFini(&thread);
+    return XERR_SUCCESS;
+}
+
+}  // namespace bridge
