@@ -25,6 +25,16 @@ create() {
     mark_complete "$WINEPREFIX"
 }
 
+# Wine's desktop is started by the first program that needs a message window, inherits that
+# program's output and keeps it open; it ends a second after the last program. So it is started here,
+# without output, and a shell that waits for input for ever keeps it.
+keep_desktop() {
+    local input="$WINEPREFIX/no-input"
+    [ -p "$input" ] || mkfifo "$input"
+    "$wine" explorer /desktop >/dev/null 2>&1 </dev/null &
+    "$wine" cmd >/dev/null 2>&1 <>"$input" &
+}
+
 case ${1:-up} in
 up)
     if ! is_complete "$WINEPREFIX"; then
@@ -33,7 +43,7 @@ up)
         step "Wine prefix" "15 s" create
     fi
     # Fails when it runs already. It must not hold the caller's output open.
-    "$server" -p >/dev/null 2>&1 </dev/null || true
+    if "$server" -p >/dev/null 2>&1 </dev/null; then keep_desktop; fi
     # The first program starts Wine's services, which keep its output open as long as they live.
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null
     ;;

@@ -2,9 +2,14 @@
 // of ipcReadCommand.
 #include <gtest/gtest.h>
 
+#include <private/qthread_p.h>
+#include <QCoreApplication>
 #include <QLocalSocket>
+#include <QPointer>
+#include <QThread>
 #include <algorithm>
 #include <random>
+#include <utility>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
@@ -300,6 +305,25 @@ TEST_F(IpcReadCommandTest, AMegabyteIsHandedOverWholeAndItsMemoryGivenBack) {
     deliver(packet);
     EXPECT_EQ(packets(), Lines{packet});
     EXPECT_LT(info.buffer.capacity(), 4096);
+}
+
+// Qt delivers to a thread without an application object once the thread says that it needs none.
+TEST_F(IpcReadCommandTest, WhatWaitsWhenThePeerHasLeftIsReadBeforeTheSocketGoes) {
+    QThreadData* const thread = QThreadData::get2(QThread::currentThread());
+    const bool before = std::exchange(thread->requiresCoreApplication, false);
+    auto* const leaving = new FakeSocket;
+    QPointer<QLocalSocket> alive(leaving);
+    IpcConnectionInfo connection(leaving, &kServerName);
+    const std::string packet = packetOf(1, "the last words");
+    leaving->waiting = packet;
+    ipcDestroyConnection(&connection, record);
+    EXPECT_EQ(packets(), Lines{}) << "not inside the signal";
+    QCoreApplication::sendPostedEvents(leaving);
+    EXPECT_EQ(packets(), Lines{packet});
+    EXPECT_FALSE(alive.isNull());
+    QCoreApplication::sendPostedEvents(leaving, QEvent::DeferredDelete);
+    EXPECT_TRUE(alive.isNull());
+    thread->requiresCoreApplication = before;
 }
 
 // Lengths whose rest is no positive 32-bit number end the process, after their line.

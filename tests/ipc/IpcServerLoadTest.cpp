@@ -87,7 +87,7 @@ TEST_F(IpcServerLoadTest, AMillionPacketsOnOneConnectionArriveInOrder) {
     stream(0, 1000);
     ASSERT_TRUE(waitForTotal(1000));
     counted.next[0] = 0;
-    const unsigned long handles = settled(handleCount, handleCount() - 1);
+    const unsigned long handles = handleCount();
     const std::size_t memory = privateBytes();
     stream(0, 1'000'000);
     EXPECT_TRUE(waitForTotal(1'001'000));

@@ -1,0 +1,332 @@
+// From packets to the host's functions, with the lines that the log gets.
+#include "bridge/BridgeDec.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "GuardedBytes.h"
+#include "HostCalls.h"
+#include "conf/Conf.h"
+#include "support/EventPackets.h"
+#include "support/LogCapture.h"
+#include "support/OddPackets.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class BridgeDecTest : public ::testing::Test {
+ protected:
+    BridgeDecTest() {
+        folder.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
+        EXPECT_EQ(confLibInit(confStore(), folder / "vantrel.conf", false), 0);
+        bridgeSetCallbacks(writingHost());
+        hostCalls.clear();
+        log.clear();
+    }
+
+    // Decodes bytes behind which there is nothing.
+    static bool decode(const std::string& packet) {
+        const GuardedBytes bytes(packet);
+        return bridgeDecode(nullptr, bytes.data(), static_cast<std::int32_t>(packet.size()),
+                            nullptr, 0);
+    }
+
+    // The bridge's own lines, from debug level up.
+    Lines bridgeLines() const {
+        Lines lines;
+        for (const std::string& line : log.texts(XLOG_DEBUG)) {
+            if (line.find(" BRIDGE ") != std::string::npos) lines.push_back(line);
+        }
+        return lines;
+    }
+
+    TempFolder folder;
+    LogCapture log;
+};
+
+// What "%p" makes of a place in a packet.
+std::string address(const std::string& packet, std::size_t offset) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%p", static_cast<const void*>(packet.data() + offset));
+    return text;
+}
+
+bool decodeInPlace(const std::string& packet) {
+    return bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
+                        static_cast<std::int32_t>(packet.size()), nullptr, 0);
+}
+
+}  // namespace
+
+TEST_F(BridgeDecTest, AnInstalledAppReachesSlot1) {
+    const std::string packet =
+        appInstalledPacket("N", "com.a", "Main", "Größe 大", -7, "1.2", "C:\\i.png", 200);
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onAppInstalled(N|com.a|Main|Größe 大|-7|1.2|C:\\i.png|1)"});
+    const auto field = [&](std::size_t offset, int count) {
+        return address(packet, offset) + "(" + std::to_string(count) + ")";
+    };
+    EXPECT_EQ(
+        bridgeLines(),
+        (Lines{"D BRIDGE bridgeOnAppInstalled (" + field(16, 2) + ", " + field(22, 6) + ", " +
+                   field(32, 5) + ", " + field(41, 12) + ", -7, " + field(61, 4) + ", " +
+                   field(69, 9) + ", 200)\n",
+               "I BRIDGE bridgeOnAppInstalledClbk called: instance N, package com.a, activity "
+               "Main, appLabel Größe 大, versionCode -7, versionName 1.2, iconFilePath "
+               "C:\\i.png, isUpdate 1",
+               "D BRIDGE bridgeOnAppInstalled returning\n"}));
+}
+
+TEST_F(BridgeDecTest, AnAppThatWasNotThereBeforeIsNoUpdate) {
+    ASSERT_TRUE(decode(appInstalledPacket("", "", "", "", 0, "", "", 0)));
+    EXPECT_EQ(hostCalls, Lines{"onAppInstalled(||||0|||0)"});
+}
+
+TEST_F(BridgeDecTest, AnUninstalledAppReachesSlot2) {
+    const std::string packet = appUninstalledPacket("N", "com.a");
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onAppUninstalled(N|com.a)"});
+    EXPECT_EQ(bridgeLines(),
+              (Lines{"D BRIDGE bridgeOnAppUninstalled (" + address(packet, 16) + "(2), " +
+                         address(packet, 22) + "(6))\n",
+                     "I BRIDGE bridgeOnAppUninstalledClbk called: instance N, package com.a",
+                     "D BRIDGE bridgeOnAppUninstalled returning\n"}));
+}
+
+TEST_F(BridgeDecTest, AFinishedApkReachesSlot3) {
+    const std::string packet = apkInstallCompletedPacket("N", -2, "C:\\a.apk");
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onApkInstallCompleted(N|-2|C:\\a.apk)"});
+    EXPECT_EQ(bridgeLines(),
+              (Lines{"D BRIDGE bridgeOnApkInstallCompleted (" + address(packet, 16) + "(2), -2, " +
+                         address(packet, 26) + "(9))\n",
+                     "I BRIDGE bridgeOnApkInstallCompletedClbk called: instance N, status -2, "
+                     "apkFilePath C:\\a.apk",
+                     "D BRIDGE bridgeOnApkInstallCompleted returning\n"}));
+}
+
+TEST_F(BridgeDecTest, AnInstanceListOfEightBytesIsEnough) {
+    ASSERT_TRUE(decode(instanceListUpdatedPacket().substr(0, 8)));
+    EXPECT_EQ(hostCalls, Lines{"onInstanceListUpdated()"});
+    EXPECT_EQ(bridgeLines(), (Lines{"D BRIDGE bridgeOnInstanceListUpdated ()\n",
+                                    "I BRIDGE bridgeOnInstanceListUpdatedClbk called:",
+                                    "D BRIDGE bridgeOnInstanceListUpdated returning\n"}));
+}
+
+TEST_F(BridgeDecTest, ProgressReachesSlot5Alone) {
+    const std::string packet = installImageProgressPacket("Nougat32", 1, 62.5);
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"installImageProgress(Nougat32|1|62.500000)"});
+    EXPECT_EQ(
+        bridgeLines(),
+        (Lines{
+            "D BRIDGE bridgeInstallImageProgress (" + address(packet, 16) + "(9), 1, 62.500000)\n",
+            "I BRIDGE bridgeInstallImageProgressClbk called: imageName Nougat32, status 1, "
+            "progress 62.500000",
+            "D BRIDGE bridgeInstallImageProgress returning\n"}));
+}
+
+TEST_F(BridgeDecTest, ProgressWithStatus2AnnouncesTheInstanceListFirst) {
+    ASSERT_TRUE(decode(installImageProgressPacket("Nougat32", 2, 100)));
+    EXPECT_EQ(hostCalls,
+              (Lines{"onInstanceListUpdated()", "installImageProgress(Nougat32|2|100.000000)"}));
+    Lines lines = bridgeLines();
+    lines.erase(lines.begin());
+    EXPECT_EQ(lines, (Lines{"I BRIDGE bridgeInstallImageProgressClbk called: imageName Nougat32, "
+                            "status 2, progress 100.000000",
+                            "I BRIDGE bridgeOnInstanceListUpdatedClbk called:",
+                            "D BRIDGE bridgeInstallImageProgress returning\n"}));
+}
+
+TEST_F(BridgeDecTest, ACreatedInstanceComesWithItsStatusFirst) {
+    const std::string packet = createInstanceCompletedPacket(3, "Nougat64_1");
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onCreateInstanceCompleted(3|Nougat64_1)"});
+    EXPECT_EQ(
+        bridgeLines(),
+        (Lines{"D BRIDGE bridgeOnCreateInstanceCompleted (3, " + address(packet, 20) + "(11))\n",
+               "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 3, instance Nougat64_1",
+               "D BRIDGE bridgeOnCreateInstanceCompleted returning\n"}));
+}
+
+TEST_F(BridgeDecTest, AChangedConfigurationReachesSlot7) {
+    const std::string packet = instanceConfigurationChangedPacket("N");
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onInstanceConfigurationChanged(N)"});
+    EXPECT_EQ(
+        bridgeLines(),
+        (Lines{"D BRIDGE bridgeOnInstanceConfigurationChanged (" + address(packet, 16) + "(2))\n",
+               "I BRIDGE bridgeOnInstanceConfigurationChangedClbk called: instance N",
+               "D BRIDGE bridgeOnInstanceConfigurationChanged returning\n"}));
+}
+
+TEST_F(BridgeDecTest, ADisplayedAppReachesSlot8) {
+    const std::string packet = appDisplayedPacket("N", "com.a");
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onAppDisplayed(N|com.a)"});
+    EXPECT_EQ(bridgeLines(),
+              (Lines{"D BRIDGE bridgeOnAppDisplayed (" + address(packet, 16) + "(2), " +
+                         address(packet, 22) + "(6))\n",
+                     "I BRIDGE bridgeOnAppDisplayedClbk called: instance N, package com.a",
+                     "D BRIDGE bridgeOnAppDisplayed returning\n"}));
+}
+
+TEST_F(BridgeDecTest, AnAccountListReachesSlot9) {
+    const std::string packet = accountListUpdatedPacket("N", "a@b.c", 1);
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{"onAccountListUpdated(N|a@b.c|1)"});
+    EXPECT_EQ(bridgeLines(),
+              (Lines{"D BRIDGE bridgeOnAccountListUpdated (" + address(packet, 16) + "(2), " +
+                         address(packet, 22) + "(6), 1)\n",
+                     "I BRIDGE bridgeOnAccountListUpdatedClbk called: instance N, emailId a@b.c, "
+                     "action = 1",
+                     "D BRIDGE bridgeOnAccountListUpdated returning\n"}));
+}
+
+TEST_F(BridgeDecTest, SevenBytesAreNoPacket) {
+    EXPECT_FALSE(decode(instanceListUpdatedPacket().substr(0, 7)));
+    EXPECT_EQ(bridgeLines(), Lines{"E BRIDGE bridgeDecode: invalid bufferLen: 7"});
+}
+
+TEST_F(BridgeDecTest, TheOpcodesNextToTheEventsAreRefused) {
+    EXPECT_FALSE(decode(packetOf(2999, "")));
+    EXPECT_FALSE(decode(packetOf(3009, "")));
+    EXPECT_EQ(bridgeLines(), (Lines{"E BRIDGE bridgeDecode: invalid opcode: 2999",
+                                    "E BRIDGE bridgeDecode: invalid opcode: 3009"}));
+    EXPECT_EQ(hostCalls, Lines{});
+}
+
+TEST_F(BridgeDecTest, AHostWithoutFunctionsOnlyLogs) {
+    bridgeSetCallbacks({});
+    for (std::uint32_t opcode = 3000; opcode <= 3008; ++opcode) {
+        log.clear();
+        EXPECT_TRUE(decode(evenPacket(opcode)));
+        EXPECT_EQ(bridgeLines().size(), 3u);
+    }
+    EXPECT_EQ(hostCalls, Lines{});
+}
+
+TEST_F(BridgeDecTest, EachOddPacketIsReadAsACarefulReaderDoes) {
+    const std::string good = appDisplayedPacket("good", "one");
+    const Lines packets = oddPackets();
+    EXPECT_GE(packets.size(), 300u);
+    for (const std::string& packet : packets) {
+        hostCalls.clear();
+        log.clear();
+        const Reading expected = readCarefully(packet);
+        ASSERT_EQ(decode(packet), expected.error.empty());
+        ASSERT_EQ(hostCalls, expected.calls);
+        if (expected.error.empty()) {
+            ASSERT_EQ(log.texts(XLOG_ERROR), Lines{});
+        } else {
+            ASSERT_EQ(bridgeLines(), Lines{expected.error}) << "the only line";
+        }
+        hostCalls.clear();
+        ASSERT_TRUE(decode(good));
+        ASSERT_EQ(hostCalls, Lines{"onAppDisplayed(good|one)"});
+    }
+}
+
+namespace {
+
+std::int32_t dpiSeen = 0;
+void lookAtDpi() { dpiSeen = confGetI32(confStore(), "vtr.instance.Nougat64.dpi"); }
+
+}  // namespace
+
+TEST_F(BridgeDecTest, TheConfigurationIsLoadedAgainBeforeTheHostIsCalled) {
+    BridgeCallbacks host = writingHost();
+    host.onInstanceListUpdated = lookAtDpi;
+    host.onInstanceConfigurationChanged = [](const char*) { lookAtDpi(); };
+    bridgeSetCallbacks(host);
+    const auto expectSeen = [this](const char* dpi, const std::string& packet) {
+        folder.write("vantrel.conf", std::string("vtr.instance.Nougat64.dpi=\"") + dpi + "\"\n");
+        ASSERT_TRUE(decode(packet));
+        EXPECT_EQ(std::to_string(dpiSeen), dpi);
+    };
+    expectSeen("320", instanceListUpdatedPacket());
+    expectSeen("160", instanceConfigurationChangedPacket("Nougat64"));
+    expectSeen("480", installImageProgressPacket("Nougat64", 2, 100));
+}
+
+TEST_F(BridgeDecTest, TheOtherEventsDoNotLoadTheConfiguration) {
+    folder.write("vantrel.conf", "not a configuration\n");
+    for (const std::uint32_t opcode : {3000u, 3001u, 3002u, 3004u, 3005u, 3007u, 3008u}) {
+        EXPECT_TRUE(decode(evenPacket(opcode)));
+    }
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
+    EXPECT_EQ(hostCalls.size(), 7u);
+}
+
+TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheConfigurationCannotBeLoaded) {
+    folder.write("vantrel.conf", "not a configuration\n");
+    EXPECT_TRUE(decode(instanceListUpdatedPacket()));
+    EXPECT_TRUE(decode(instanceConfigurationChangedPacket("N")));
+    EXPECT_EQ(hostCalls, (Lines{"onInstanceListUpdated()", "onInstanceConfigurationChanged(N)"}));
+    const Lines once{"E CONF conf file not in correct format, not a configuration"};
+    EXPECT_EQ(log.texts(XLOG_ERROR), (Lines{once[0], once[0]}));
+}
+
+TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheLoadThrows) {
+    folder.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\n");
+    EXPECT_TRUE(decode(instanceListUpdatedPacket()));
+    EXPECT_EQ(hostCalls, Lines{"onInstanceListUpdated()"});
+    const Lines errors = log.texts(XLOG_ERROR);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].find("E BRIDGE bridgeOnInstanceListUpdatedClbk: exception: "), 0u)
+        << errors[0];
+}
+
+TEST_F(BridgeDecTest, Slot4WithoutSlot3NeverHears) {
+    BridgeCallbacks host = writingHost();
+    host.onApkInstallCompleted = nullptr;
+    bridgeSetCallbacks(host);
+    EXPECT_TRUE(decode(instanceListUpdatedPacket()));
+    EXPECT_TRUE(decode(installImageProgressPacket("Nougat32", 2, 100)));
+    EXPECT_EQ(hostCalls, Lines{"installImageProgress(Nougat32|2|100.000000)"});
+}
+
+TEST_F(BridgeDecTest, AFunctionThatThrowsIsTheCallersToFence) {
+    BridgeCallbacks host = writingHost();
+    host.onAppDisplayed = [](const char*, const char*) { throw std::runtime_error("the host's"); };
+    bridgeSetCallbacks(host);
+    EXPECT_THROW(decode(appDisplayedPacket("N", "p")), std::runtime_error);
+    EXPECT_TRUE(decode(appUninstalledPacket("N", "p")));
+    EXPECT_EQ(hostCalls, Lines{"onAppUninstalled(N|p)"});
+}
+
+TEST_F(BridgeDecTest, LinesCarryTheirFunctionsNames) {
+    ASSERT_TRUE(decode(appDisplayedPacket("N", "p")));
+    Lines files;
+    for (const LogCapture::Line& line : log.lines()) files.push_back(line.file);
+    EXPECT_EQ(files, (Lines{"Source/bridge/BridgeDec", "Source/bridge/BridgeIpcClbk",
+                            "Source/bridge/BridgeDec"}));
+}
+
+// Slot 3 set and slot 4 null: the call would jump to no function.
+SCENE(callsSlot4OfNull) {
+    BridgeCallbacks host{};
+    host.onApkInstallCompleted = [](const char*, bridge_i32, const char*) {};
+    bridgeSetCallbacks(host);
+    static_cast<void>(confLibInit(confStore(), "", false));
+    const std::string packet = arguments.at(0) == "list"
+                                   ? instanceListUpdatedPacket()
+                                   : installImageProgressPacket("Nougat32", 2, 100);
+    decodeInPlace(packet);
+    return 0;
+}
+
+TEST(BridgeDecFatalTest, Slot3WithoutSlot4EndsTheProcessAtAListUpdate) {
+    for (const char* event : {"list", "progress"}) {
+        const ChildResult result = runScene("callsSlot4OfNull", {event});
+        EXPECT_EQ(result.status, kFatalStatus) << event;
+        EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/bridge/BridgeIpcClbk:"),
+                  std::string::npos)
+            << result.out;
+    }
+}

@@ -1,0 +1,197 @@
+// The event server's life. It is kept once per process, so each test has a process of its own.
+#include "bridge/BridgeEvents.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "HostCalls.h"
+#include "bridge/BridgeDec.h"
+#include "bridge/BridgeInit.h"
+#include "ipc/IpcName.h"
+#include "support/EventPackets.h"
+#include "support/LogCapture.h"
+#include "support/RawServer.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+constexpr const char* kServerName = "vtr_Uninstaller_bridge_nvo";
+
+int failInit(IpcServerThread**, const std::string& name, IpcDecode) {
+    std::printf("start of %s\n", name.c_str());
+    return -9;
+}
+
+void initialise() { static_cast<void>(bridge::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
+
+// The lines that the bridge logged since, and the calls that the host got.
+void print(LogCapture& log) {
+    for (const std::string& line : log.texts()) {
+        if (line.find(" BRIDGE ") != std::string::npos) std::printf("%s\n", line.c_str());
+    }
+    for (const std::string& call : hostCalls) std::printf("%s\n", call.c_str());
+    log.clear();
+    hostCalls.clear();
+}
+
+// An event without a server.
+void decodeOne() {
+    const std::string packet = createInstanceCompletedPacket(0, "N");
+    bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
+                 static_cast<std::int32_t>(packet.size()), nullptr, 0);
+}
+
+std::string outputOf(const std::string& scene) {
+    const ChildResult result = runScene(scene);
+    EXPECT_EQ(result.status, 0u) << result.err;
+    std::string text = result.out;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
+void waitUntilServed() {
+    for (int i = 0; i < 1000 && !ipcNameIsServed(kServerName); ++i) ::Sleep(5);
+}
+
+// Sends an event and waits until the server has read it: it answers when it is through.
+void sendOne() {
+    RawPipe pipe(connectRaw(kServerName));
+    const std::string event = createInstanceCompletedPacket(7, "N");
+    pipe.write(event + packetOf(1, "", 1));
+    pipe.read(1);
+}
+
+}  // namespace
+
+SCENE(registersBeforeInit) {
+    LogCapture log;
+    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    decodeOne();
+    print(log);
+    return 0;
+}
+
+TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothing) {
+    EXPECT_EQ(outputOf("registersBeforeInit"),
+              "E BRIDGE bridgeRegisterCallbacks: called before bridgeApiInit\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n");
+}
+
+SCENE(failsToStart) {
+    initialise();
+    LogCapture log;
+    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    decodeOne();
+    print(log);
+    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    decodeOne();
+    print(log);
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    return 0;
+}
+
+TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
+    EXPECT_EQ(outputOf("failsToStart"),
+              "start of vtr_Uninstaller_bridge_nvo\n"
+              "I BRIDGE Bridge ipc ..\n"
+              "E BRIDGE FATAL: Bridge IPC server init failed: err -9\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
+              "onCreateInstanceCompleted(0|N)\n"
+              "fini 0\n");
+}
+
+SCENE(registersTwice) {
+    initialise();
+    LogCapture log;
+    bridge::bridgeRegisterCallbacks({});
+    waitUntilServed();
+    sendOne();
+    print(log);
+    bridge::bridgeRegisterCallbacks(writingHost());
+    sendOne();
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    print(log);
+    std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
+    return 0;
+}
+
+TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
+    EXPECT_EQ(outputOf("registersTwice"),
+              "I BRIDGE Bridge ipc ..\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
+              "E BRIDGE bridgeDecode: invalid opcode: 1\n"
+              "fini 0\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
+              "E BRIDGE bridgeDecode: invalid opcode: 1\n"
+              "onCreateInstanceCompleted(7|N)\n"
+              "served 0\n");
+}
+
+SCENE(finishesWithoutServer) {
+    LogCapture log;
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    initialise();
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    bridge::bridgeRegisterCallbacks(writingHost());
+    waitUntilServed();
+    sendOne();
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", bridge::bridgeApiFini());
+    for (const std::string& call : hostCalls) std::printf("%s\n", call.c_str());
+    return 0;
+}
+
+TEST(BridgeEventsTest, FinishingWithoutAServerDoesNothingAndOneCanStillStart) {
+    EXPECT_EQ(outputOf("finishesWithoutServer"),
+              "fini 0\nfini 0\nfini 0\nfini 0\nonCreateInstanceCompleted(7|N)\n");
+}
+
+SCENE(registersAfterFini) {
+    initialise();
+    bridge::bridgeRegisterCallbacks({});
+    bridge::bridgeApiFini();
+    LogCapture log;
+    bridge::bridgeRegisterCallbacks(writingHost());
+    std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
+    decodeOne();
+    print(log);
+    return 0;
+}
+
+TEST(BridgeEventsTest, AfterTheEndCallbacksAreSetButNoServerComesBack) {
+    EXPECT_EQ(outputOf("registersAfterFini"),
+              "served 0\n"
+              "E BRIDGE bridgeRegisterCallbacks: called after bridgeApiFini, no event will come\n"
+              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
+              "onCreateInstanceCompleted(0|N)\n");
+}
+
+SCENE(finishesInACallback) {
+    initialise();
+    LogCapture log;
+    BridgeCallbacks host{};
+    host.onCreateInstanceCompleted = [](bridge_i32, const char*) {
+        hostCalls.push_back("fini " + std::to_string(bridge::bridgeApiFini()));
+    };
+    bridge::bridgeRegisterCallbacks(host);
+    waitUntilServed();
+    sendOne();
+    sendOne();
+    std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
+    bridge::bridgeApiFini();
+    print(log);
+    return 0;
+}
+
+TEST(BridgeEventsTest, FinishingInsideACallbackStopsNothing) {
+    const std::string event =
+        "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
+        "E BRIDGE bridgeApiFini: called inside a callback, nothing is stopped\n"
+        "E BRIDGE bridgeDecode: invalid opcode: 1\n";
+    EXPECT_EQ(outputOf("finishesInACallback"),
+              "served 1\nI BRIDGE Bridge ipc ..\n" + event + event + "fini 0\nfini 0\n");
+}

@@ -1,0 +1,22 @@
+#ifndef TESTS_BRIDGE_GUARDEDBYTES_H
+#define TESTS_BRIDGE_GUARDEDBYTES_H
+
+#include <cstdint>
+#include <string_view>
+
+// Bytes that end where no memory is: reading one byte behind them ends the process.
+class GuardedBytes {
+ public:
+    explicit GuardedBytes(std::string_view bytes);
+    ~GuardedBytes();
+    GuardedBytes(const GuardedBytes&) = delete;
+    GuardedBytes& operator=(const GuardedBytes&) = delete;
+
+    const std::uint8_t* data() const { return data_; }
+
+ private:
+    void* pages_;
+    std::uint8_t* data_;
+};
+
+#endif

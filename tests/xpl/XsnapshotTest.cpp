@@ -1,0 +1,79 @@
+#include "xpl/Xsnapshot.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+struct Words {
+    std::uintptr_t word[9];
+};
+
+Words allOf(std::uintptr_t word) {
+    Words words;
+    for (std::uintptr_t& each : words.word) each = word;
+    return words;
+}
+
+bool areEqual(const Words& words) {
+    for (const std::uintptr_t each : words.word) {
+        if (each != words.word[0]) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+TEST(XsnapshotTest, ItIsZeroBeforeItIsSet) {
+    const Xsnapshot<Words> snapshot;
+    EXPECT_EQ(snapshot.get().word[0], 0u);
+    EXPECT_TRUE(areEqual(snapshot.get()));
+}
+
+TEST(XsnapshotTest, TheLastValueIsRead) {
+    Xsnapshot<Words> snapshot;
+    snapshot.set(allOf(1));
+    snapshot.set(allOf(2));
+    EXPECT_EQ(snapshot.get().word[8], 2u);
+    EXPECT_TRUE(areEqual(snapshot.get()));
+}
+
+TEST(XsnapshotTest, ReadersNeverSeeHalfOfTwoValues) {
+    Xsnapshot<Words> snapshot;
+    std::atomic<bool> stop{false};
+    std::atomic<std::uint64_t> mixed{0};
+    std::atomic<std::uint64_t> backwards{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 3; ++i) {
+        readers.emplace_back([&] {
+            for (std::uintptr_t last = 0; !stop;) {
+                const Words words = snapshot.get();
+                if (!areEqual(words)) ++mixed;
+                if (words.word[0] < last) ++backwards;
+                last = words.word[0];
+            }
+        });
+    }
+    for (std::uintptr_t i = 1; i <= 200'000; ++i) snapshot.set(allOf(i));
+    stop = true;
+    for (std::thread& reader : readers) reader.join();
+    EXPECT_EQ(mixed, 0u);
+    EXPECT_EQ(backwards, 0u);
+}
+
+TEST(XsnapshotTest, SeveralWritersLeaveOneWholeValue) {
+    Xsnapshot<Words> snapshot;
+    std::vector<std::thread> writers;
+    for (std::uintptr_t id = 1; id <= 4; ++id) {
+        writers.emplace_back([&snapshot, id] {
+            for (int i = 0; i < 20'000; ++i) snapshot.set(allOf(id));
+        });
+    }
+    for (std::thread& writer : writers) writer.join();
+    const Words last = snapshot.get();
+    EXPECT_TRUE(areEqual(last));
+    EXPECT_TRUE(last.word[0] >= 1 && last.word[0] <= 4);
+}
