@@ -2,22 +2,12 @@
 #include "ipc/IpcServer.h"
 
 #include <private/qthread_p.h>
-#include <QLocalServer>
 
 #include "ipc/IpcConnection.h"
-#include "ipc/IpcName.h"
+#include "ipc/IpcLocalServer.h"
 #include "ipc/IpcQt.h"
 #include "ipc/IpcServerLog.h"
 #include "xpl/Xfence.h"
-
-namespace {
-
-void logFailedListen(const std::string& name, int error, const std::string& text) {
-    XLOG_E(kLog, "IpcServer Failed to listen on %s, error: %d(%s)", name.c_str(), error,
-           text.c_str());
-}
-
-}  // namespace
 
 IpcServerThread::IpcServerThread(const std::string& name, IpcDecode decodeFunction)
     : serverName(name), decode(decodeFunction) {
@@ -44,8 +34,7 @@ void IpcServerThread::run() {
 }
 
 void IpcServerThread::serve() {
-    server = std::make_unique<QLocalServer>();
-    server->setSocketOptions(QLocalServer::WorldAccessOption);
+    server = std::make_unique<IpcLocalServer>();
     connect(
         server.get(), &QLocalServer::newConnection, server.get(),
         [this] {
@@ -55,18 +44,12 @@ void IpcServerThread::serve() {
             });
         },
         Qt::DirectConnection);
-    if (listen()) exec();
-}
-
-bool IpcServerThread::listen() {
-    if (ipcNameIsServed(serverName)) {
-        logFailedListen(serverName, QAbstractSocket::AddressInUseError,
-                        "QLocalServer::listen: Address in use");
-        return false;
+    if (const auto error = server->open(serverName)) {
+        XLOG_E(kLog, "IpcServer Failed to listen on %s, error: %d(%s)", serverName.c_str(),
+               error->code, error->text.c_str());
+        return;
     }
-    if (server->listen(QString::fromStdString(serverName))) return true;
-    logFailedListen(serverName, server->serverError(), server->errorString().toStdString());
-    return false;
+    exec();
 }
 
 int ipcServerInit(IpcServerThread** out, const std::string& name, IpcDecode decode) {

@@ -8,7 +8,7 @@
 
 #include "xpl/XmodulePin.h"
 
-class QLocalServer;
+class IpcLocalServer;
 class QLocalSocket;
 
 // Takes a complete packet, header included, on the server's thread. `reply` has `replyLength`
@@ -29,12 +29,11 @@ class IpcServerThread : public QThread {
 
  private:
     void serve();
-    bool listen();
 
     const std::string serverName;
     const IpcDecode decode;
-    std::unique_ptr<QLocalServer> server;  // made, used and deleted by run()
-    XmodulePin pin;                        // the thread runs this module's code
+    std::unique_ptr<IpcLocalServer> server;  // made, used and deleted by run()
+    XmodulePin pin;                          // the thread runs this module's code
 };
 
 // Starts a server under its full name. Always 0: whether it can listen shows later, in the log. A

@@ -6,6 +6,7 @@
 #include "ServerFixture.h"
 #include "support/EventPackets.h"
 #include "support/RawServer.h"
+#include "support/open_handles.h"
 
 namespace {
 
@@ -87,12 +88,12 @@ TEST_F(IpcServerLoadTest, AMillionPacketsOnOneConnectionArriveInOrder) {
     stream(0, 1000);
     ASSERT_TRUE(waitForTotal(1000));
     counted.next[0] = 0;
-    const unsigned long handles = handleCount();
+    const long handles = openHandles();
     const std::size_t memory = privateBytes();
     stream(0, 1'000'000);
     EXPECT_TRUE(waitForTotal(1'001'000));
     EXPECT_EQ(counted.outOfOrder, 0u);
-    EXPECT_LE(settled(handleCount, handles), handles);
+    EXPECT_LE(settled(openHandles, handles), handles);
     EXPECT_LE(settled(privateBytes, memory + kMebibyte), memory + kMebibyte);
 }
 
@@ -117,13 +118,13 @@ TEST_F(IpcServerLoadTest, TenThousandClientsThatWriteAndLeaveAreAllHeard) {
     };
     cycles(60, 100);
     ASSERT_TRUE(waitForTotal(100));
-    const unsigned long handles = handleCount();
+    const long handles = openHandles();
     const std::size_t memory = privateBytes();
     std::vector<std::thread> clients;
     for (std::uint32_t i = 0; i < 4; ++i) clients.emplace_back([&, i] { cycles(i, 2500); });
     for (std::thread& client : clients) client.join();
     EXPECT_TRUE(waitForTotal(10'100)) << counted.total;
-    EXPECT_LE(settled(handleCount, handles), handles);
+    EXPECT_LE(settled(openHandles, handles), handles);
     EXPECT_LE(settled(privateBytes, memory + kMebibyte), memory + kMebibyte);
 }
 
@@ -143,4 +144,35 @@ TEST_F(IpcServerLoadTest, TwoHundredClientsAtOnceAreAllServed) {
     }
     for (std::thread& client : clients) client.join();
     EXPECT_EQ(served, kClients);
+}
+
+TEST_F(IpcServerLoadTest, ClientsThatLeaveAtOnceDoNotMakeItDeaf) {
+    start(countInOrder);
+    for (int i = 0; i < 2000; ++i) {
+        const RawPipe leaving(connect());
+    }
+    stream(0, 100);
+    EXPECT_TRUE(waitForTotal(100));
+    EXPECT_EQ(counted.outOfOrder, 0u);
+}
+
+TEST_F(IpcServerLoadTest, ClientsThatLeaveAtOnceDoNotKeepItFromStarting) {
+    std::atomic<bool> stopKnocking{false};
+    std::vector<std::thread> clients;
+    for (int i = 0; i < 4; ++i) {
+        clients.emplace_back([&] {
+            while (!stopKnocking) {
+                if (void* const pipe = connectRaw(name)) const RawPipe leaving(pipe);
+            }
+        });
+    }
+    for (std::uint32_t i = 0; i < 30; ++i) {
+        start(countInOrder);
+        RawPipe client(connect());
+        ASSERT_TRUE(client.write(numbered(0, i)));
+        EXPECT_TRUE(waitForTotal(i + 1));
+        stop();
+    }
+    stopKnocking = true;
+    for (std::thread& client : clients) client.join();
 }

@@ -8,6 +8,7 @@
 #include "support/LogCapture.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"
+#include "support/open_handles.h"
 #include "xpl/Xsystem.h"
 
 namespace {
@@ -238,7 +239,7 @@ TEST_F(IpcServerTest, StartingAndStoppingGivesEveryHandleBack) {
         stop();
     };
     round();
-    const unsigned long before = handleCount();
+    const long before = openHandles();
     for (int i = 0; i < 100; ++i) round();
-    EXPECT_LE(handleCount(), before + 2);
+    EXPECT_LE(openHandles(), before + 2);
 }

@@ -57,12 +57,6 @@ void* ServerFixture::connect() const {
     return nullptr;
 }
 
-unsigned long handleCount() {
-    DWORD count = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &count);
-    return count;
-}
-
 std::size_t privateBytes() {
     PROCESS_MEMORY_COUNTERS_EX counters;
     ::GetProcessMemoryInfo(::GetCurrentProcess(),

@@ -45,7 +45,6 @@ class ServerFixture : public ::testing::Test {
     IpcServerThread* thread = nullptr;
 };
 
-unsigned long handleCount();
 std::size_t privateBytes();
 
 #endif

@@ -11,6 +11,7 @@
 #include "support/LogCapture.h"
 #include "support/Scene.h"
 #include "support/WindowsForTests.h"
+#include "support/open_handles.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XmutexSecurity.h"
 
@@ -97,12 +98,9 @@ TEST(XmutexNamed, AHolderThatExitsWithoutUnlockIsTakenOverFrom) {
 TEST(XmutexNamed, InitOnAnInitialisedObjectClosesTheOldHandle) {
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(uniqueName("e")), 0);
-    DWORD before = 0;
-    DWORD after = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &before);
+    const long before = openHandles();
     for (int i = 0; i < 50; ++i) ASSERT_EQ(mutex.init(uniqueName("e")), 0);
-    ::GetProcessHandleCount(::GetCurrentProcess(), &after);
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(openHandles(), before);
 }
 
 TEST(XmutexNamed, ANameOfAnotherKindOfObjectIsRefused) {

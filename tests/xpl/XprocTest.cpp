@@ -8,6 +8,7 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
+#include "support/open_handles.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 
@@ -176,12 +177,9 @@ TEST(Xproc, OtherFailuresAreNotTriedAgain) {
 
 TEST(Xproc, AHandleNobodyAsksForIsClosed) {
     const FakeCalls calls(0, 0);
-    DWORD before = 0;
-    DWORD after = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &before);
+    const long before = openHandles();
     for (int i = 0; i < 50; ++i) ASSERT_EQ(xprocCreate(nullptr, {"x"}), 0);
-    ::GetProcessHandleCount(::GetCurrentProcess(), &after);
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(openHandles(), before);
 }
 
 TEST(Xproc, AnElevatedStartReachesTheProgram) {
