@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# The public header compiles alone, as each language it is for, without a warning.
+# Each public header compiles alone, as each language it is for, without a warning.
 set -euo pipefail
 gcc=$1 clang=$2 include=$3
 
 compile() {
-    echo "#include <bridge/bridge.h>" | "$@" -I"$include" -pedantic -Wall -Wextra -Werror \
+    echo "#include <bridge/${header:-bridge.h}>" | "$@" -I"$include" -pedantic -Wall -Wextra -Werror \
         -fsyntax-only -
-    echo "ok: $*"
+    echo "ok: ${header:-bridge.h} $*"
 }
 
 for standard in c89 c11; do
@@ -17,3 +17,5 @@ for standard in c89 c11; do
 done
 compile "$gcc" -x c++ -std=c++17
 compile "$clang" -x c++ -std=c++17 -Wdocumentation
+header=bridge.hpp compile "$gcc" -x c++ -std=c++17
+header=bridge.hpp compile "$clang" -x c++ -std=c++17 -Wdocumentation

@@ -10,16 +10,18 @@
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
  *     launchapp, appstore, url, apk, uninstall, image, create, plrshutdown ARGUMENTS...
- *     shutdown | shutdownmany INSTANCE COUNT | unbuilt
+ *     shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
  *     hold KEY             reads a text, changes the key, and prints the text read before
  *
- * "(null)" stands for a null pointer.
+ * "(null)" stands for a null pointer. plain_events.h has the operations on events.
  */
+#include "plain_events.h"
+#include "support/open_handles.h"
+
 #include <bridge/bridge.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <windows.h>
 
 /* Last: it needs <windows.h>. */
 #include <shellapi.h>
@@ -31,7 +33,7 @@ static int argumentCount;
 static int argumentIndex = 1;
 
 /* The next argument as UTF-8, in memory that is never freed; NULL for "(null)". */
-static const char* next(void) {
+const char* next(void) {
     int size;
     char* text;
     if (argumentIndex >= argumentCount) exit(97);
@@ -42,7 +44,7 @@ static const char* next(void) {
     return strcmp(text, "(null)") == 0 ? NULL : text;
 }
 
-static const WCHAR* nextWide(void) { return wideArguments[argumentIndex++]; }
+const WCHAR* nextWide(void) { return wideArguments[argumentIndex++]; }
 
 static HKEY openKey(HKEY root, const WCHAR* path) {
     HKEY key = NULL;
@@ -71,12 +73,30 @@ static void registry(void) {
     RegCloseKey(key);
 }
 
+void printLine(const char* line) {
+    const size_t length = strlen(line);
+    char* const whole = (char*)malloc(length + 1);
+    DWORD written;
+    memcpy(whole, line, length);
+    whole[length] = '\n';
+    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), whole, (DWORD)length + 1, &written, NULL);
+    free(whole);
+}
+
 static void printText(const char* name, char* text) {
-    printf("%s %s\n", name, text == NULL ? "(null)" : text);
+    const char* const shown = text == NULL ? "(null)" : text;
+    char* const line = (char*)malloc(strlen(name) + strlen(shown) + 2);
+    sprintf(line, "%s %s", name, shown);
+    printLine(line);
+    free(line);
     bridgeFreeMemory(text);
 }
 
-static void printNumber(const char* name, int number) { printf("%s %d\n", name, number); }
+void printNumber(const char* name, int number) {
+    char line[100];
+    sprintf(line, "%s %d", name, number);
+    printLine(line);
+}
 
 static void hold(const char* key) {
     char* text = bridgeConfGetString(key);
@@ -135,19 +155,7 @@ static void initex(void) {
     printNumber("initex", bridgeApiInitEx(client, (bridge_bool)noConf, 0, log));
 }
 
-/* The functions that another part of the library will bring: each says that it is not there yet. */
-static void unbuilt(void) {
-    bridgeRegisterCallbacks(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
-    printText("apps", bridgeGetInstalledApps("i"));
-}
-
-static DWORD handleCount(void) {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
-static SIZE_T privateBytes(void) {
+SIZE_T privateBytes(void) {
     PROCESS_MEMORY_COUNTERS_EX counters;
     GetProcessMemoryInfo(GetCurrentProcess(), (PROCESS_MEMORY_COUNTERS*)&counters, sizeof counters);
     return counters.PrivateUsage;
@@ -155,14 +163,14 @@ static SIZE_T privateBytes(void) {
 
 /* Many requests to one player: the handles and whole megabytes left over after a warm-up. */
 static void shutdownMany(const char* instance, int count) {
-    DWORD handles;
+    long handles;
     SIZE_T bytes;
     int i;
     for (i = 0; i < 500; ++i) bridgePlrShutdown(instance, 0);
-    handles = handleCount();
+    handles = openHandles();
     bytes = privateBytes();
     for (i = 0; i < count; ++i) bridgePlrShutdown(instance, 0);
-    printNumber("handles", (int)handleCount() - (int)handles);
+    printNumber("handles", (int)(openHandles() - handles));
     printNumber("megabytes", (int)(((long)privateBytes() - (long)bytes) / (1024 * 1024)));
 }
 
@@ -208,7 +216,7 @@ static int programOperation(const char* name) {
 
 int main(void) {
     SetErrorMode(SEM_NOGPFAULTERRORBOX);
-    setvbuf(stdout, NULL, _IONBF, 0);
+    prepareEvents();
     wideArguments = CommandLineToArgvW(GetCommandLineW(), &argumentCount);
     while (argumentIndex < argumentCount) {
         const char* name = next();
@@ -222,9 +230,9 @@ int main(void) {
             initex();
         else if (strcmp(name, "fini") == 0)
             printNumber(name, bridgeApiFini());
-        else if (strcmp(name, "unbuilt") == 0)
-            unbuilt();
-        else if (!programOperation(name) && !configurationOperation(name))
+        else if (strcmp(name, "apps") == 0)
+            printText(name, bridgeGetInstalledApps(next()));
+        else if (!eventOperation(name) && !programOperation(name) && !configurationOperation(name))
             return 98;
     }
     return 0;

@@ -1,0 +1,236 @@
+// Events from a raw pipe to the callbacks of a host without Qt.
+#include <algorithm>
+
+#include "NineEvents.h"
+#include "support/EventPackets.h"
+#include "support/OddPackets.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+constexpr const char* kAllSlots = "511";
+
+// How the host shows a text that is too long to print.
+std::string longText(const std::string& text) {
+    std::uint32_t sum = 2166136261u;
+    for (const char c : text) sum = (sum ^ static_cast<unsigned char>(c)) * 16777619u;
+    return "#" + std::to_string(text.size()) + ":" + std::to_string(sum);
+}
+
+class EventsTest : public PlainHostTest {
+ protected:
+    EventsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
+
+    // A host that waits for this many events. The status is checked when it is collected.
+    ChildProcess startHost(const Script& script) const {
+        Script all{"sandbox",    "registry",   "UserDefinedDir", data.path(), "registry",
+                   "InstallDir", "C:\\None\\", "init",           "Helper"};
+        all.insert(all.end(), script.begin(), script.end());
+        return ChildProcess(builtProgram("plain_host.exe"), all);
+    }
+
+    // The lines behind the "init 0" that each host begins with.
+    static Lines linesAfterInit(ChildProcess& host, std::uint32_t status = 0) {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, status) << result.out << result.err;
+        Lines lines = linesOf(result.out);
+        EXPECT_EQ(lines.empty() ? "" : lines[0], "init 0");
+        if (!lines.empty()) lines.erase(lines.begin());
+        return lines;
+    }
+
+    // What a host with the callbacks of a mask prints for packets that make so many calls.
+    Lines linesFor(const std::string& mask, const std::string& packets, int calls) const {
+        ChildProcess host = startHost({"register", mask, "wait", std::to_string(calls), "fini"});
+        RawPipe pipe(connectToHelper());
+        EXPECT_TRUE(pipe.write(packets));
+        return linesAfterInit(host);
+    }
+};
+
+}  // namespace
+
+TEST_F(EventsTest, AllNineReachTheirCallbacksOnTheServersThread) {
+    EXPECT_EQ(linesFor(kAllSlots, nineEvents(), 9), with(nineLines(), {"waited 9", "fini 0"}));
+}
+
+TEST_F(EventsTest, EmptyTextsArriveEmpty) {
+    const std::string packets =
+        appInstalledPacket("", "", "", "", 0, "", "", 0) + appUninstalledPacket("", "") +
+        apkInstallCompletedPacket("", 0, "") + installImageProgressPacket("", 0, 0) +
+        createInstanceCompletedPacket(0, "") + instanceConfigurationChangedPacket("") +
+        appDisplayedPacket("", "") + accountListUpdatedPacket("", "", 0);
+    EXPECT_EQ(linesFor(kAllSlots, packets, 8),
+              (Lines{"appInstalled ||||0|||0", "appUninstalled |", "apkInstallCompleted |0|",
+                     "installImageProgress |0|0.000", "createInstanceCompleted 0|",
+                     "instanceConfigurationChanged ", "appDisplayed |", "accountListUpdated ||0",
+                     "waited 8", "fini 0"}));
+}
+
+TEST_F(EventsTest, TextsOfAMebibyteArriveWhole) {
+    std::string text(1 << 20, ' ');
+    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>('a' + i % 23);
+    const std::string t = longText(text);
+    const std::string packets =
+        appInstalledPacket(text, text, text, text, 7, text, text, 1) +
+        appUninstalledPacket(text, text) + apkInstallCompletedPacket(text, 1, text) +
+        installImageProgressPacket(text, 1, 50) + createInstanceCompletedPacket(1, text) +
+        instanceConfigurationChangedPacket(text) + appDisplayedPacket(text, text) +
+        accountListUpdatedPacket(text, text, 1);
+    EXPECT_EQ(linesFor(kAllSlots, packets, 8),
+              (Lines{"appInstalled " + t + "|" + t + "|" + t + "|" + t + "|7|" + t + "|" + t + "|1",
+                     "appUninstalled " + t + "|" + t, "apkInstallCompleted " + t + "|1|" + t,
+                     "installImageProgress " + t + "|1|50.000", "createInstanceCompleted 1|" + t,
+                     "instanceConfigurationChanged " + t, "appDisplayed " + t + "|" + t,
+                     "accountListUpdated " + t + "|" + t + "|1", "waited 8", "fini 0"}));
+}
+
+TEST_F(EventsTest, AFinishedImageAnnouncesTheInstanceListFirst) {
+    EXPECT_EQ(linesFor(kAllSlots, installImageProgressPacket("Nougat32", 2, 100), 2),
+              (Lines{"instanceListUpdated", "installImageProgress Nougat32|2|100.000", "waited 2",
+                     "fini 0"}));
+}
+
+TEST_F(EventsTest, ASlotThatIsNullIsPassedOver) {
+    // Without slot 3, slot 4 does not hear either.
+    EXPECT_EQ(linesFor("256", nineEvents(), 1), (Lines{nineLines()[8], "waited 1", "fini 0"}));
+    EXPECT_EQ(linesFor("264", nineEvents(), 1), (Lines{nineLines()[8], "waited 1", "fini 0"}));
+}
+
+TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
+    ChildProcess host = startHost({"register", "4", "wait", "1", "fini"});
+    RawPipe pipe(connectToHelper());
+    ASSERT_TRUE(pipe.write(instanceListUpdatedPacket()));
+    EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
+    EXPECT_NE(log().back().find("E BRIDGE Helper_bridge FATAL: DEBUG BREAK: "
+                                "Source/bridge/BridgeIpcClbk:"),
+              std::string::npos)
+        << log().back();
+}
+
+TEST_F(EventsTest, OddPacketsAreReadOrRefusedAndTheNextEventArrives) {
+    std::string packets;
+    int calls = 1;
+    Lines errors;
+    for (const std::string& packet : oddPackets()) {
+        if (packet.size() < 12) continue;  // cannot travel
+        packets += packet;
+        const Reading reading = readCarefully(packet);
+        calls += static_cast<int>(reading.calls.size());
+        if (!reading.error.empty()) errors.push_back(reading.error);
+    }
+    const Lines lines = linesFor(kAllSlots, packets + appDisplayedPacket("good", "one"), calls);
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(calls) + 2);
+    EXPECT_EQ(lines[lines.size() - 3], "appDisplayed good|one");
+    Lines logged;
+    for (const std::string& line : log()) {
+        if (line.compare(0, 2, "E ") == 0) logged.push_back(line);
+    }
+    for (std::string& error : errors) error.replace(0, 9, "E BRIDGE Helper_bridge ");
+    EXPECT_EQ(logged, errors);
+}
+
+TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
+    for (const std::uint32_t length : {0u, 11u, 0x8000000Cu, 0xFFFFFFFFu}) {
+        ChildProcess host = startHost({"register", kAllSlots, "wait", "1", "fini"});
+        RawPipe pipe(connectToHelper());
+        ASSERT_TRUE(pipe.write(bytesOf(3003u) + bytesOf(length) + bytesOf(0u)));
+        EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
+        const Lines lines = log();
+        const std::string rest = std::to_string(static_cast<std::int32_t>(length - 12));
+        EXPECT_EQ(lines.at(lines.size() - 2),
+                  "E IPC Helper_bridge ipcReadCommand for serverName " +
+                      std::string(kHelperServer) + ", bytesToRead " + rest +
+                      " is negative, packetLen = " + std::to_string(length) + ", buffer size = 12");
+        EXPECT_EQ(
+            lines.back().find("E IPC Helper_bridge FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), 0u)
+            << lines.back();
+    }
+}
+
+TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
+    ChildProcess host = startHost({"reenter", kAllSlots, "wait", "9", "fini"});
+    RawPipe pipe(connectToHelper());
+    ASSERT_TRUE(pipe.write(nineEvents()));
+    Lines expected;
+    for (const std::string& line : nineLines()) {
+        expected.push_back(
+            "inside: text 1, list 1, several 1, set 0, dpi 0, commit 0, launched 6, asked 0");
+        expected.push_back(line);
+    }
+    EXPECT_EQ(linesAfterInit(host), with(expected, {"waited 9", "fini 0"}));
+}
+
+TEST_F(EventsTest, ACallbackThatBlocksHoldsTheOthersUpAndLosesNone) {
+    ChildProcess host =
+        startHost({"block", "5000", "register", "128", "served", "Helper", "wait", "3", "fini"});
+    RawPipe first(connectToHelper());
+    RawPipe second(connectToHelper());
+    ASSERT_TRUE(first.write(appDisplayedPacket("1", "a") + appDisplayedPacket("2", "b")));
+    ASSERT_TRUE(second.write(appDisplayedPacket("3", "c")));
+    const Lines lines = linesAfterInit(host);
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "appDisplayed 3|c"), 1);
+    const auto a = std::find(lines.begin(), lines.end(), "appDisplayed 1|a");
+    EXPECT_NE(std::find(a, lines.end(), "appDisplayed 2|b"), lines.end());
+}
+
+TEST_F(EventsTest, TheEndWaitsForACallbackThatRuns) {
+    ChildProcess host = startHost(
+        {"block", "500", "register", "128", "served", "Helper", "waitbegun", "1", "fini"});
+    RawPipe pipe(connectToHelper());
+    ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
+    EXPECT_EQ(linesAfterInit(host), (Lines{"served", "waited 1", "appDisplayed 1|a", "fini 0"}));
+}
+
+TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
+    ChildProcess first = startHost({"register", "128", "served", "Helper", "wait", "1", "fini"});
+    EXPECT_EQ(first.readLine(), "init 0");
+    EXPECT_EQ(first.readLine(), "served");
+    ChildProcess second = startHost({"register", "128", "fini"});
+    EXPECT_EQ(linesAfterInit(second), Lines{"fini 0"});
+    RawPipe pipe(connectToHelper());
+    ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
+    const ChildResult result = first.finish();
+    EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1", "fini 0"}));
+}
+
+TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
+    for (const char* way : {"exit", "exitthread"}) {
+        ChildProcess host = startHost({"register", "128", "served", "Helper", "wait", "1", way});
+        RawPipe open(connectToHelper());
+        RawPipe half(connectToHelper());
+        ASSERT_TRUE(half.write("abc"));
+        ASSERT_TRUE(open.write(appDisplayedPacket("1", "a")));
+        EXPECT_EQ(linesAfterInit(host), (Lines{"served", "appDisplayed 1|a", "waited 1"})) << way;
+    }
+}
+
+TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
+    const std::string copy = data / "Copy-of-QX-Bridge.dll";
+    writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
+    EXPECT_EQ(output({"loadunload", copy, "20"}), Lines{"unloaded 20"});
+}
+
+TEST_F(EventsTest, AnUnloadWithoutTheEndLeavesTheServerRunning) {
+    const std::string copy = data / "Copy-of-QX-Bridge.dll";
+    writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
+    EXPECT_EQ(output({"loadonly", copy, "served", "Installer"}), (Lines{"unloaded 0", "served"}));
+}
+
+TEST_F(EventsTest, TenThousandEventsLeaveNothingBehind) {
+    ChildProcess host = startHost({"quiet", "register", "128", "served", "Helper", "wait", "500",
+                                   "steady", "wait", "10500", "steady", "fini"});
+    const std::string event = appDisplayedPacket("N", "p");
+    for (int count : {500, 10'000}) {
+        RawPipe pipe(connectToHelper());
+        std::string all;
+        for (int i = 0; i < count; ++i) all += event;
+        ASSERT_TRUE(pipe.write(all));
+    }
+    Lines lines = linesAfterInit(host);
+    ASSERT_EQ(lines.size(), 5u) << ::testing::PrintToString(lines);
+    lines.erase(lines.begin() + 1);  // how many the first wait saw
+    EXPECT_EQ(lines, (Lines{"served", "waited 10500", "steady: handles 0, megabytes 0", "fini 0"}));
+}

@@ -1,0 +1,78 @@
+// The same events in hosts of every kind.
+#include "NineEvents.h"
+#include "support/RawServer.h"
+
+namespace {
+
+class HostKindsTest : public PlainHostTest {
+ protected:
+    HostKindsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
+
+    // What a host prints that gets the nine events.
+    Lines linesOfHost(const std::string& program, const std::string& scene) const {
+        ChildProcess host(builtProgram(program), {data.path(), scene});
+        RawPipe pipe(connectToHelper());
+        EXPECT_TRUE(pipe.write(nineEvents()));
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u) << result.out << result.err;
+        return linesOf(result.out);
+    }
+
+    static Lines framed(const Lines& before, const Lines& after) {
+        return with(with(with({"init 0"}, before), nineLines()), after);
+    }
+};
+
+}  // namespace
+
+TEST_F(HostKindsTest, ThroughTheCppWrapper) {
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "nine"), framed({}, {"finished"}));
+}
+
+TEST_F(HostKindsTest, AnExceptionStaysInTheWrapper) {
+    Lines expected = framed({}, {"finished"});
+    expected[8] = "failed: the host's own";
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "throws"), expected);
+}
+
+TEST_F(HostKindsTest, AnExceptionOfABareCallbackIsLoggedAndTheNextEventComes) {
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "raw"), (Lines{"init 0", nineLines()[8], "finished"}));
+    EXPECT_EQ(log().at(log().size() - 2),
+              "E IPC Helper_bridge ipcReadCommand: exception: through the library");
+}
+
+TEST_F(HostKindsTest, EmptyFunctionsOfTheWrapperArePassedOver) {
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "empty"), (Lines{"init 0", nineLines()[8], "finished"}));
+}
+
+TEST_F(HostKindsTest, TheWrappersOtherFunctions) {
+    const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), "calls"});
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(linesOf(result.out),
+              (Lines{"init 0", "locale ", "set 1 1 1 1", "get 320 1 a,b", "commit 0", "instances 1",
+                     "apps -1", "launch 2 2 2 2 2 2 2", "shutdown 0", "finished"}));
+}
+
+TEST_F(HostKindsTest, WithAnApplicationObjectMadeBefore) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "before"),
+              framed({}, {"the host's own timer ran: 1", "finished"}));
+}
+
+TEST_F(HostKindsTest, WithAnApplicationObjectMadeAfterwards) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "after"),
+              framed({}, {"the host's own timer ran: 1", "finished"}));
+}
+
+TEST_F(HostKindsTest, WithAnApplicationObjectThatIsGone) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "ended"), framed({}, {"finished"}));
+}
+
+TEST_F(HostKindsTest, WithQtAndWithoutAnApplicationObject) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "none"), framed({}, {"finished"}));
+}
+
+TEST_F(HostKindsTest, AnApplicationObjectOfAnotherThreadMakesQtWarn) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "elsewhere"),
+              framed({"Qt says: WARNING: QApplication was not created in the main() thread."},
+                     {"finished"}));
+}

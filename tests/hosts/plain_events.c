@@ -1,0 +1,251 @@
+#include "plain_events.h"
+#include "support/open_handles.h"
+
+#include <bridge/bridge.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+static DWORD mainThread;
+static DWORD eventThread;
+static HANDLE arrived;
+static volatile LONG begun;
+static volatile LONG arrivals;
+static DWORD blockFor;
+static int reenters;
+static int quiet;
+
+/* A long text stands as its length and its FNV-1a sum. */
+static const char* shown(const char* text) {
+    static char sums[8][40];
+    static int nextSum;
+    size_t length = strlen(text);
+    unsigned long sum = 2166136261ul;
+    size_t i;
+    char* place;
+    if (length <= 200) return text;
+    for (i = 0; i < length; ++i) sum = ((sum ^ (unsigned char)text[i]) * 16777619ul) & 0xFFFFFFFFul;
+    place = sums[nextSum++ % 8];
+    sprintf(place, "#%lu:%lu", (unsigned long)length, sum);
+    return place;
+}
+
+/* Every other kind of function, from inside a callback. What they answer is printed. */
+static void useEverything(void) {
+    char* text = bridgeConfGetString("vtr.locale");
+    char* list = bridgeConfGetInstances();
+    char* several = bridgeConfGetMultiString("vtr.shared_folders");
+    const int set = bridgeConfSetI32("vtr.instance.Nougat64.dpi", 100 + (int)arrivals);
+    const int dpi = bridgeConfGetI32("vtr.instance.Nougat64.dpi");
+    const int commit = bridgeConfCommit();
+    const int launched = bridgeLaunchApp("Nougat64", "p") + bridgeLaunchUrl("Nougat64", "u") +
+                         bridgeInstallImage("Nougat64");
+    const int asked = bridgePlrShutdown("Nougat64", 0);
+    char line[200];
+    bridgeShutdown();
+    sprintf(
+        line,
+        "inside: text %d, list %d, several %d, set %d, dpi %d, commit %d, launched %d, asked %d",
+        text != NULL, list != NULL, several != NULL, set, dpi - 100 - (int)arrivals, commit,
+        launched, asked);
+    printLine(line);
+    bridgeFreeMemory(text);
+    bridgeFreeMemory(list);
+    bridgeFreeMemory(several);
+}
+
+static void registerMask(unsigned long mask);
+static unsigned long registered;
+
+/* Whether the call comes on one thread that is not the main one. */
+static const char* place(void) {
+    const DWORD thread = GetCurrentThreadId();
+    if (eventThread == 0) eventThread = thread;
+    return thread == eventThread && thread != mainThread ? "" : " ON THE WRONG THREAD";
+}
+
+/* Prints an event in one piece, unless the host is to be quiet, and counts it. */
+static void happened(const char* format, ...) {
+    char line[4096];
+    va_list arguments;
+    InterlockedIncrement(&begun);
+    SetEvent(arrived);
+    if (reenters) {
+        useEverything();
+        registerMask(registered);
+    }
+    Sleep(blockFor);
+    blockFor = 0;
+    va_start(arguments, format);
+    vsprintf(line, format, arguments);
+    va_end(arguments);
+    if (!quiet) printLine(strcat(line, place()));
+    InterlockedIncrement(&arrivals);
+    SetEvent(arrived);
+}
+
+static void BRIDGE_CALL onAppInstalled(const char* instance, const char* package,
+                                       const char* activity, const char* appLabel,
+                                       bridge_i32 versionCode, const char* versionName,
+                                       const char* iconFilePath, bridge_bool isUpdate) {
+    happened("appInstalled %s|%s|%s|%s|%d|%s|%s|%d", shown(instance), shown(package),
+             shown(activity), shown(appLabel), versionCode, shown(versionName), shown(iconFilePath),
+             isUpdate);
+}
+
+static void BRIDGE_CALL onAppUninstalled(const char* instance, const char* package) {
+    happened("appUninstalled %s|%s", shown(instance), shown(package));
+}
+
+static void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 status,
+                                              const char* apkFilePath) {
+    happened("apkInstallCompleted %s|%d|%s", shown(instance), status, shown(apkFilePath));
+}
+
+static void BRIDGE_CALL onInstanceListUpdated(void) { happened("instanceListUpdated"); }
+
+static void BRIDGE_CALL installImageProgress(const char* imageName, bridge_i32 status,
+                                             double progress) {
+    happened("installImageProgress %s|%d|%.3f", shown(imageName), status, progress);
+}
+
+static void BRIDGE_CALL onCreateInstanceCompleted(bridge_i32 status, const char* instance) {
+    happened("createInstanceCompleted %d|%s", status, shown(instance));
+}
+
+static void BRIDGE_CALL onInstanceConfigurationChanged(const char* instance) {
+    happened("instanceConfigurationChanged %s", shown(instance));
+}
+
+static void BRIDGE_CALL onAppDisplayed(const char* instance, const char* package) {
+    happened("appDisplayed %s|%s", shown(instance), shown(package));
+}
+
+static void BRIDGE_CALL onAccountListUpdated(const char* instance, const char* emailId,
+                                             bridge_i32 action) {
+    happened("accountListUpdated %s|%s|%d", shown(instance), shown(emailId), action);
+}
+
+static void registerMask(unsigned long mask) {
+    registered = mask;
+    bridgeRegisterCallbacks(
+        mask & 1 ? onAppInstalled : NULL, mask & 2 ? onAppUninstalled : NULL,
+        mask & 4 ? onApkInstallCompleted : NULL, mask & 8 ? onInstanceListUpdated : NULL,
+        mask & 16 ? installImageProgress : NULL, mask & 32 ? onCreateInstanceCompleted : NULL,
+        mask & 64 ? onInstanceConfigurationChanged : NULL, mask & 128 ? onAppDisplayed : NULL,
+        mask & 256 ? onAccountListUpdated : NULL);
+}
+
+static void waitUntilServed(const WCHAR* client) {
+    WCHAR path[100];
+    int i;
+    wsprintfW(path, L"\\\\.\\pipe\\vtr_%s_bridge_nvo", client);
+    for (i = 0; i < 2000 && !WaitNamedPipeW(path, 1); ++i) Sleep(5);
+    printLine(i < 2000 ? "served" : "NOT SERVED");
+}
+
+/* Waits until a count of the events comes so far. */
+static void waitFor(const volatile LONG* count, LONG wanted) {
+    while (*count < wanted && WaitForSingleObject(arrived, 30000) == WAIT_OBJECT_0) {
+    }
+    printNumber("waited", (int)*count);
+}
+
+static int gained(long long now, long long before) {
+    return now > before ? (int)(now - before) : 0;
+}
+
+/* Connections that just ended need a moment to be cleaned up. */
+static void steady(void) {
+    static long handles;
+    static SIZE_T bytes;
+    char line[100];
+    int i;
+    for (i = 0; handles != 0 && openHandles() > handles && i < 1000; ++i) Sleep(5);
+    if (handles != 0) {
+        sprintf(line, "steady: handles %d, megabytes %d", gained(openHandles(), handles),
+                gained((long long)privateBytes(), (long long)bytes) / (1024 * 1024));
+        printLine(line);
+    }
+    handles = openHandles();
+    bytes = privateBytes();
+}
+
+typedef bridge_i32(BRIDGE_CALL* InitFunction)(const char*, bridge_bool, bridge_i64, const char*);
+typedef bridge_i32(BRIDGE_CALL* FiniFunction)(void);
+typedef void(BRIDGE_CALL* RegisterFunction)(bridgeOnAppInstalled, bridgeOnAppUninstalled,
+                                            bridgeOnApkInstallCompleted,
+                                            bridgeOnInstanceListUpdated, bridgeInstallImageProgress,
+                                            bridgeOnCreateInstanceCompleted,
+                                            bridgeOnInstanceConfigurationChanged,
+                                            bridgeOnAppDisplayed, bridgeOnAccountListUpdated);
+
+/* One life of a copy of the library that is not linked: 1 when it has left the process again. */
+static int loadAndUnload(const WCHAR* path, int finish) {
+    HMODULE library = LoadLibraryW(path);
+    const InitFunction init = (InitFunction)(void*)GetProcAddress(library, "bridgeApiInitEx");
+    const FiniFunction fini = (FiniFunction)(void*)GetProcAddress(library, "bridgeApiFini");
+    const RegisterFunction reg =
+        (RegisterFunction)(void*)GetProcAddress(library, "bridgeRegisterCallbacks");
+    init("Installer", 1, 0, "NUL");
+    reg(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
+    if (finish) fini();
+    FreeLibrary(library);
+    return GetModuleHandleW(path) == NULL;
+}
+
+static void loadUnload(const WCHAR* path, int count) {
+    int gone = 0;
+    int i;
+    for (i = 0; i < count; ++i) gone += loadAndUnload(path, 1);
+    printNumber("unloaded", gone);
+}
+
+static DWORD WINAPI endProcess(LPVOID unused) {
+    (void)unused;
+    exit(0);
+}
+
+static void endFromAnotherThread(void) {
+    CreateThread(NULL, 0, endProcess, NULL, 0, NULL);
+    Sleep(INFINITE);
+}
+
+int eventOperation(const char* name) {
+    if (strcmp(name, "register") == 0) {
+        registerMask(strtoul(next(), NULL, 10));
+    } else if (strcmp(name, "reenter") == 0) {
+        reenters = 1;
+        registerMask(strtoul(next(), NULL, 10));
+    } else if (strcmp(name, "block") == 0) {
+        blockFor = strtoul(next(), NULL, 10);
+    } else if (strcmp(name, "quiet") == 0) {
+        quiet = 1;
+    } else if (strcmp(name, "served") == 0) {
+        waitUntilServed(nextWide());
+    } else if (strcmp(name, "wait") == 0) {
+        waitFor(&arrivals, atoi(next()));
+    } else if (strcmp(name, "waitbegun") == 0) {
+        waitFor(&begun, atoi(next()));
+    } else if (strcmp(name, "steady") == 0) {
+        steady();
+    } else if (strcmp(name, "loadunload") == 0) {
+        const WCHAR* path = nextWide();
+        loadUnload(path, atoi(next()));
+    } else if (strcmp(name, "loadonly") == 0) {
+        printNumber("unloaded", loadAndUnload(nextWide(), 0));
+    } else if (strcmp(name, "exit") == 0) {
+        exit(0);
+    } else if (strcmp(name, "exitthread") == 0) {
+        endFromAnotherThread();
+    } else {
+        return 0;
+    }
+    return 1;
+}
+
+void prepareEvents(void) {
+    mainThread = GetCurrentThreadId();
+    arrived = CreateEventW(NULL, FALSE, FALSE, NULL);
+}

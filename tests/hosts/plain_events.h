@@ -1,0 +1,37 @@
+/*
+ * The plain host's callbacks, and what it does with events:
+ *
+ *     register MASK        registers the callbacks whose bits are set: 1 for slot 1, 256 for slot 9
+ *     reenter MASK         the same, and each call uses every other kind of function first
+ *     block MS             the next callback takes that long
+ *     quiet                events are counted and no longer printed
+ *     served CLIENT        waits until the client's event server can be connected to
+ *     wait N               waits for N events since the start
+ *     waitbegun N          the same for N callbacks that have been entered
+ *     steady               prints the handles and whole megabytes gained since its first call
+ *     loadunload PATH N    loads, uses, finishes and unloads a copy of the library N times
+ *     loadonly PATH        the same once, without finishing
+ *     exit | exitthread    ends the process at once, from the main or from another thread
+ */
+#ifndef TESTS_HOSTS_PLAIN_EVENTS_H
+#define TESTS_HOSTS_PLAIN_EVENTS_H
+
+#include <windows.h>
+
+/* The script's next argument, as UTF-8 and NULL for "(null)", or as it stands. */
+const char* next(void);
+const WCHAR* nextWide(void);
+
+/* Print a line in one piece, whatever other threads print. */
+void printLine(const char* line);
+void printNumber(const char* name, int number);
+
+SIZE_T privateBytes(void);
+
+/* Zero when the operation is none of those above. */
+int eventOperation(const char* name);
+
+/* To be called on the main thread before the first operation. */
+void prepareEvents(void);
+
+#endif

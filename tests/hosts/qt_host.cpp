@@ -1,0 +1,75 @@
+// A host with Qt of its own: qt_host DATA-FOLDER ORDER
+//
+//     before     the application object is made first, and runs its loop while events come
+//     after      the library comes first, and the application object on the same thread
+//     ended      the application object is gone again before the library comes
+//     none       there is none
+//     elsewhere  the library comes first on the main thread, the object on another: Qt warns
+#include <QCoreApplication>
+#include <QTimer>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "event_printer.hpp"
+#include "support/RegistrySandbox.h"
+
+namespace {
+
+void printWarning(QtMsgType, const QMessageLogContext&, const QString& text) {
+    std::printf("Qt says: %s\n", text.toUtf8().constData());
+}
+
+std::unique_ptr<QCoreApplication> makeApplication() {
+    static int count = 1;
+    static char name[] = "qt_host";
+    static char* arguments[] = {name, nullptr};
+    return std::make_unique<QCoreApplication>(count, arguments);
+}
+
+void startLibrary(EventPrinter& printer) {
+    std::printf("init %d\n", bridge::init(bridge::Client::Helper).code());
+    bridge::registerCallbacks(printer.callbacks());
+}
+
+// Lets the application's loop run until nine events have come.
+void runLoop(EventPrinter& printer) {
+    std::thread waiting([&printer] {
+        printer.waitFor(9);
+        QMetaObject::invokeMethod(
+            qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+    });
+    bool timerRan = false;
+    QTimer::singleShot(0, qApp, [&timerRan] { timerRan = true; });
+    QCoreApplication::exec();
+    waiting.join();
+    std::printf("the host's own timer ran: %d\n", timerRan);
+}
+
+void play(const std::string& order, EventPrinter& printer) {
+    std::unique_ptr<QCoreApplication> application;
+    if (order == "before" || order == "ended") application = makeApplication();
+    if (order == "ended") application.reset();
+    startLibrary(printer);
+    if (order == "after") application = makeApplication();
+    if (order == "elsewhere") std::thread([] { makeApplication(); }).join();
+    if (application != nullptr) {
+        runLoop(printer);
+    } else {
+        printer.waitFor(9);
+    }
+    bridge::finish();
+}
+
+}  // namespace
+
+int main(int, char** arguments) {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    qInstallMessageHandler(printWarning);
+    RegistrySandbox registry;
+    registry.set("UserDefinedDir", arguments[1]);
+    play(arguments[2], *new EventPrinter);
+    std::printf("finished\n");
+    return 0;
+}
