@@ -1,0 +1,122 @@
+// Whole instances: copying, removing, and the dump of the current one.
+#include <cstring>
+
+#include "conf/Conf.h"
+#include "conf/ConfKey.h"
+#include "conf/ConfLog.h"
+#include "conf/ConfStore.h"
+#include "utl/UtlImages.h"
+
+namespace {
+
+// The room that readers of a dump have for a key and for a value, in bytes, without a NUL.
+constexpr std::size_t kDumpKeyMax = 31;
+constexpr std::size_t kDumpValueMax = 91;
+
+// An entry of the value map, as its forEach hands it over.
+struct StoredEntry {
+    std::string_view prefix;  // empty for a global key
+    std::string_view name;
+    const std::string& value;
+
+    std::string key() const { return std::string(prefix).append(name); }
+};
+
+void appendDumpLine(std::string& dump, std::string_view property, const StoredEntry& entry) {
+    const std::string shown = confGlobalKey(property);
+    if (shown.size() > kDumpKeyMax || entry.value.size() > kDumpValueMax) {
+        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entry.key().c_str(),
+               entry.value.c_str());
+        XLOG_FATAL(kLog);
+    }
+    dump.append(shown).append("=").append(entry.value).append("\n");
+}
+
+void appendDumpEntry(std::string& dump, const ConfCatalogue& catalogue, const StoredEntry& entry) {
+    const bool isGlobal = entry.prefix.empty();
+    const std::string_view property = isGlobal ? confSplitKey(entry.name).property : entry.name;
+    const ConfProperty* declared =
+        isGlobal ? catalogue.findGlobal(property) : catalogue.findInstance(property);
+    if (declared == nullptr || declared->excludeFromAllConfigs) return;
+    appendDumpLine(dump, property, entry);
+}
+
+std::string dumpOfEntries(const ConfStore& store) XTS_REQUIRES(store.lock) {
+    // Without a current instance this is the prefix of no instance.
+    const std::string current = confCurrentInstanceKey(store, {});
+    std::string dump;
+    store.values.forEach(
+        [&](std::string_view prefix, std::string_view name, const std::string& value) {
+            if (!prefix.empty() && prefix != current) return;
+            appendDumpEntry(dump, store.catalogue, {prefix, name, value});
+        });
+    return dump;
+}
+
+}  // namespace
+
+bool confIsInstanceName(std::string_view name) {
+    constexpr std::string_view kEndsAKey{".=\n\0", 4};
+    return name.find_first_of(kEndsAKey) == std::string_view::npos;
+}
+
+XErr confCopyInstance(ConfStore& store, const std::string& source, const std::string& target) {
+    const std::string sourcePrefix = confInstancePrefix(source);
+    const std::string targetPrefix = confInstancePrefix(target);
+    const std::lock_guard<std::mutex> guard(store.lock);
+    if (store.instances.find(source) == store.instances.end()) {
+        XLOG_E(kLog, "Instance %s doesn't exist", source.c_str());
+        return XERR_FAILURE;
+    }
+    if (!confIsInstanceName(target)) {
+        // Committed, its keys would stop every later load of every program.
+        XLOG_E(kLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
+        return XERR_INVAL;
+    }
+    auto& pending = store.pending;
+    const auto& deprecated = store.deprecated;
+    store.values.forEach(
+        [&](std::string_view prefix, std::string_view name, const std::string& value) {
+            if (prefix != sourcePrefix) return;
+            if (deprecated.count(sourcePrefix + std::string(name)) > 0) return;
+            pending[targetPrefix + std::string(name)] = value;
+        });
+    store.instances.insert(target);  // without defaults: the copied keys are all that it needs
+    return XERR_SUCCESS;
+}
+
+XErr confDeleteInstance(ConfStore& store, const std::string& name) {
+    const std::string deletedPrefix = confInstancePrefix(name);
+    const std::lock_guard<std::mutex> guard(store.lock);
+    auto& pending = store.pending;
+    auto& removals = store.removals;
+    store.values.forEach(
+        [&](std::string_view prefix, std::string_view property, const std::string&) {
+            if (prefix != deletedPrefix) return;
+            const std::string key = deletedPrefix + std::string(property);
+            removals.insert(key);
+            pending.erase(key);
+        });
+    store.instances.erase(name);
+    return XERR_SUCCESS;
+}
+
+XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t bufferSize,
+                               std::uint32_t& outSize) {
+    std::string dump;
+    {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        dump = dumpOfEntries(store);
+    }
+    dump.append("vtr.oem=nvo\n").append("vtr.version=").append(UTL_VERSION).append("\n");
+    // A catalogue's worth of short lines: far below 32 bits.
+    const auto needed = static_cast<std::uint32_t>(dump.size() + 1);
+    if (bufferSize >= needed && buffer == nullptr) {
+        XLOG_E(kLog, "%s: buffer is null", "confGetInstanceAllConfigs");
+        return XERR_INVAL;
+    }
+    outSize = needed;
+    if (bufferSize < needed) return XERR_FBIG;
+    std::memcpy(buffer, dump.c_str(), needed);
+    return XERR_SUCCESS;
+}
