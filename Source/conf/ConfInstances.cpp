@@ -1,5 +1,6 @@
 // Whole instances: copying, removing, and the dump of the current one.
 #include <cstring>
+#include <vector>
 
 #include "conf/Conf.h"
 #include "conf/ConfKey.h"
@@ -8,6 +9,23 @@
 #include "utl/UtlImages.h"
 
 namespace {
+
+// A committed setting of an instance; valid until the value map changes.
+struct InstanceEntry {
+    std::string_view property;
+    const std::string& value;
+};
+
+// In key order.
+std::vector<InstanceEntry> entriesOfInstance(const ConfStore& store, std::string_view wanted)
+    XTS_REQUIRES(store.lock) {
+    std::vector<InstanceEntry> entries;
+    store.values.forEach(
+        [&](std::string_view prefix, std::string_view name, const std::string& value) {
+            if (prefix == wanted) entries.push_back({name, value});
+        });
+    return entries;
+}
 
 // The room that readers of a dump have for a key and for a value, in bytes, without a NUL.
 constexpr std::size_t kDumpKeyMax = 31;
@@ -73,30 +91,23 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
         XLOG_E(kLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
         return XERR_INVAL;
     }
-    auto& pending = store.pending;
-    const auto& deprecated = store.deprecated;
-    store.values.forEach(
-        [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            if (prefix != sourcePrefix) return;
-            if (deprecated.count(sourcePrefix + std::string(name)) > 0) return;
-            pending[targetPrefix + std::string(name)] = value;
-        });
+    for (const InstanceEntry& entry : entriesOfInstance(store, sourcePrefix)) {
+        const std::string property(entry.property);
+        if (store.deprecated.count(sourcePrefix + property) > 0) continue;
+        store.pending[targetPrefix + property] = entry.value;
+    }
     store.instances.insert(target);  // without defaults: the copied keys are all that it needs
     return XERR_SUCCESS;
 }
 
 XErr confDeleteInstance(ConfStore& store, const std::string& name) {
-    const std::string deletedPrefix = confInstancePrefix(name);
+    const std::string prefix = confInstancePrefix(name);
     const std::lock_guard<std::mutex> guard(store.lock);
-    auto& pending = store.pending;
-    auto& removals = store.removals;
-    store.values.forEach(
-        [&](std::string_view prefix, std::string_view property, const std::string&) {
-            if (prefix != deletedPrefix) return;
-            const std::string key = deletedPrefix + std::string(property);
-            removals.insert(key);
-            pending.erase(key);
-        });
+    for (const InstanceEntry& entry : entriesOfInstance(store, prefix)) {
+        const std::string key = prefix + std::string(entry.property);
+        store.removals.insert(key);
+        store.pending.erase(key);
+    }
     store.instances.erase(name);
     return XERR_SUCCESS;
 }

@@ -7,6 +7,6 @@
 // the install folder in it, in the same letter case, this process among them. Processes that cannot
 // be opened are skipped. 0, or -1 after a log line when the processes cannot be listed. A missing
 // install folder is fatal (utlGetInstallDir).
-XErr utlTrimMemoryAllProcs();
+[[nodiscard]] XErr utlTrimMemoryAllProcs();
 
 #endif

@@ -362,7 +362,8 @@ TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
     EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
     EXPECT_EQ(text.find("grm_ignored_rules"), std::string::npos);
     EXPECT_EQ(text.find("vtr.instance."), std::string::npos);
-    EXPECT_EQ(text.substr(text.size() - 36), "vtr.oem=nvo\nvtr.version=5.2.0.1052\n");
+    const std::string end = "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
 TEST_F(ConfInstancesTest, WithoutACurrentInstanceTheDumpHasTheGlobalSettingsOnly) {
@@ -431,17 +432,17 @@ TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
 namespace {
 
 // A catalogue with one property of each scope, whose names are that long.
-ConfCatalogue catalogueOf(std::size_t nameLength) {
+ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) {
     ConfCatalogue catalogue;
-    catalogue.registerGlobal(std::string(nameLength, 'g'), {ConfType::String, ""});
-    catalogue.registerInstance(std::string(nameLength, 'i'), {ConfType::String, ""});
+    catalogue.registerGlobal(std::string(globalLength, 'g'), {ConfType::String, ""});
+    catalogue.registerInstance(std::string(instanceLength, 'i'), {ConfType::String, ""});
     return catalogue;
 }
 
 }  // namespace
 
 TEST_F(ConfInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
-    const ConfCatalogue longest = catalogueOf(27);
+    const ConfCatalogue longest = catalogueOf(27, 27);
     ConfStore other(longest, confDiskFiles());
     const std::string global = "vtr." + std::string(27, 'g');
     const std::string property(27, 'i');
@@ -471,8 +472,10 @@ SCENE(instanceFatal) {
     TempFolder folder;
     const std::string path = folder.write("c", arguments[1]);
     if (xplLibInit(nullptr, "") != 0) return 1;
-    const ConfCatalogue catalogue =
-        arguments[0] == "dumpLongKey" ? catalogueOf(28) : confProductCatalogue();
+    const ConfCatalogue catalogue = arguments[0] == "dumpLongGlobalKey" ? catalogueOf(28, 1)
+                                    : arguments[0] == "dumpLongInstanceKey"
+                                        ? catalogueOf(1, 28)
+                                        : confProductCatalogue();
     ConfStore store(catalogue, confDiskFiles());
     if (confLibInit(store, path, false) != 0) return 2;
     if (arguments[0] == "readRemoved") {
@@ -510,8 +513,14 @@ TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
 
 TEST(ConfInstancesFatalTest, DumpingAGlobalKeyOf32Bytes) {
     const std::string key = "vtr." + std::string(28, 'g');
-    expectFatal("dumpLongKey", key + "=\"x\"\nvtr.instance.A." + std::string(28, 'i') + "=\"y\"\n",
+    expectFatal("dumpLongGlobalKey", key + "=\"x\"\nvtr.instance.A.i=\"y\"\n",
                 "Invalid conf entry. Key = '" + key + "', value = 'x'");
+}
+
+TEST(ConfInstancesFatalTest, DumpingAnInstanceKeyThatShowsWith32BytesNamesTheStoredKey) {
+    const std::string key = "vtr.instance.A." + std::string(28, 'i');
+    expectFatal("dumpLongInstanceKey", "vtr.g=\"x\"\n" + key + "=\"y\"\n",
+                "Invalid conf entry. Key = '" + key + "', value = 'y'");
 }
 
 TEST(ConfInstancesFatalTest, DumpingAGlobalValueOf92Bytes) {
