@@ -32,7 +32,7 @@ void print(DWORD stream, std::string_view text) {
 void printOut(std::string_view text) { print(STD_OUTPUT_HANDLE, text); }
 
 void printError(std::string_view text) {
-    print(STD_ERROR_HANDLE, std::string("bridgectl: ").append(text).append("\n"));
+    print(STD_ERROR_HANDLE, std::string(programName).append(": ").append(text).append("\n"));
 }
 
 void keepStandardHandles() {

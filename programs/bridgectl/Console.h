@@ -5,7 +5,11 @@
 #include <string_view>
 #include <vector>
 
-// UTF-8 in and out: as it stands into files and pipes, converted for a console window.
+// Each program defines its own.
+extern const char* const programName;
+
+// UTF-8 in and out: as it stands into files and pipes, converted for a console window. Errors begin
+// with the program's name.
 void printOut(std::string_view text);
 void printError(std::string_view text);
 
