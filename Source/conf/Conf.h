@@ -117,4 +117,7 @@ XErr confDeleteInstance(ConfStore& store, const std::string& name);
 [[nodiscard]] XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer,
                                              std::uint32_t bufferSize, std::uint32_t& outSize);
 
+// The stored keys that the dump would now be fatal for.
+std::vector<std::string> confKeysTooLongForDump(ConfStore& store);
+
 #endif

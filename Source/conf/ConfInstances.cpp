@@ -1,5 +1,6 @@
 // Whole instances: copying, removing, and the dump of the current one.
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "conf/Conf.h"
@@ -40,35 +41,46 @@ struct StoredEntry {
     std::string key() const { return std::string(prefix).append(name); }
 };
 
-void appendDumpLine(std::string& dump, std::string_view property, const StoredEntry& entry) {
-    const std::string shown = confGlobalKey(property);
-    if (shown.size() > kDumpKeyMax || entry.value.size() > kDumpValueMax) {
-        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entry.key().c_str(),
-               entry.value.c_str());
-        XLOG_FATAL(kLog);
-    }
-    dump.append(shown).append("=").append(entry.value).append("\n");
-}
+// A line of the dump.
+struct DumpEntry {
+    std::string shown;  // key
+    StoredEntry stored;
 
-void appendDumpEntry(std::string& dump, const ConfCatalogue& catalogue, const StoredEntry& entry) {
-    const bool isGlobal = entry.prefix.empty();
-    const std::string_view property = isGlobal ? confSplitKey(entry.name).property : entry.name;
+    bool fits() const {
+        return shown.size() <= kDumpKeyMax && stored.value.size() <= kDumpValueMax;
+    }
+};
+
+// Nothing for what the catalogue excludes.
+std::optional<DumpEntry> dumpEntryOf(const ConfCatalogue& catalogue, const StoredEntry& stored) {
+    const bool isGlobal = stored.prefix.empty();
+    const std::string_view property = isGlobal ? confSplitKey(stored.name).property : stored.name;
     const ConfProperty* declared =
         isGlobal ? catalogue.findGlobal(property) : catalogue.findInstance(property);
-    if (declared == nullptr || declared->excludeFromAllConfigs) return;
-    appendDumpLine(dump, property, entry);
+    if (declared == nullptr || declared->excludeFromAllConfigs) return std::nullopt;
+    return DumpEntry{confGlobalKey(property), stored};
 }
 
-std::string dumpOfEntries(const ConfStore& store) XTS_REQUIRES(store.lock) {
+// Calls visit(entry) for each line, in the order of the stored keys.
+template <typename Visit>
+void forEachDumpEntry(const ConfStore& store, Visit visit) XTS_REQUIRES(store.lock) {
     // Without a current instance this is the prefix of no instance.
     const std::string current = confCurrentInstanceKey(store, {});
-    std::string dump;
     store.values.forEach(
         [&](std::string_view prefix, std::string_view name, const std::string& value) {
             if (!prefix.empty() && prefix != current) return;
-            appendDumpEntry(dump, store.catalogue, {prefix, name, value});
+            const auto entry = dumpEntryOf(store.catalogue, {prefix, name, value});
+            if (entry) visit(*entry);
         });
-    return dump;
+}
+
+void appendDumpLine(std::string& dump, const DumpEntry& entry) {
+    if (!entry.fits()) {
+        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entry.stored.key().c_str(),
+               entry.stored.value.c_str());
+        XLOG_FATAL(kLog);
+    }
+    dump.append(entry.shown).append("=").append(entry.stored.value).append("\n");
 }
 
 }  // namespace
@@ -112,12 +124,21 @@ XErr confDeleteInstance(ConfStore& store, const std::string& name) {
     return XERR_SUCCESS;
 }
 
+std::vector<std::string> confKeysTooLongForDump(ConfStore& store) {
+    std::vector<std::string> keys;
+    const std::lock_guard<std::mutex> guard(store.lock);
+    forEachDumpEntry(store, [&keys](const DumpEntry& entry) {
+        if (!entry.fits()) keys.push_back(entry.stored.key());
+    });
+    return keys;
+}
+
 XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t bufferSize,
                                std::uint32_t& outSize) {
     std::string dump;
     {
         const std::lock_guard<std::mutex> guard(store.lock);
-        dump = dumpOfEntries(store);
+        forEachDumpEntry(store, [&dump](const DumpEntry& entry) { appendDumpLine(dump, entry); });
     }
     dump.append("vtr.oem=nvo\n").append("vtr.version=").append(UTL_VERSION).append("\n");
     // A catalogue's worth of short lines: far below 32 bits.

@@ -465,6 +465,24 @@ TEST_F(ConfInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonge
               0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     EXPECT_EQ(dump().find(value), std::string::npos);
+    EXPECT_EQ(confKeysTooLongForDump(store), Lines{});
+}
+
+TEST_F(ConfInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
+    const std::string tooLong(92, 'v');
+    const std::string longest(91, 'v');
+    ASSERT_EQ(init("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
+                   "\"\nvtr.instance.A.display_name=\"" + tooLong + "\"\n"),
+              0);
+    EXPECT_EQ(confKeysTooLongForDump(store), Lines{"vtr.shared_folders"});
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    EXPECT_EQ(confKeysTooLongForDump(store),
+              (Lines{"vtr.instance.A.display_name", "vtr.shared_folders"}));
+
+    const ConfCatalogue longKeys = catalogueOf(28, 28);
+    ConfStore other(longKeys, confDiskFiles());
+    ASSERT_EQ(confLibInit(other, folder.write("other.conf", ""), false), 0);
+    EXPECT_EQ(confKeysTooLongForDump(other), Lines{"vtr." + std::string(28, 'g')});
 }
 
 // Does one fatal thing to a file with instance A current, with the log on standard output.
