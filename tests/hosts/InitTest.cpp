@@ -146,13 +146,3 @@ TEST_F(InitTest, FinishingCommitsNothing) {
 TEST_F(InitTest, FinishingWithoutAnythingAnswersZero) {
     EXPECT_EQ(output({"fini"}), Lines{"fini 0"});
 }
-
-TEST_F(InitTest, FunctionsThatAreNotBuiltYetSaySo) {
-    writeConf("");
-    EXPECT_EQ(output({"init", "Helper", "unbuilt"}), (Lines{"init 0", "apps (null)"}));
-    EXPECT_EQ(log().size(), 3u + 2u);
-    EXPECT_EQ(log()[3],
-              "E BRIDGE Helper_bridge bridgeRegisterCallbacks: not implemented in this build");
-    EXPECT_EQ(log()[4],
-              "E BRIDGE Helper_bridge bridgeGetInstalledApps: not implemented in this build");
-}
