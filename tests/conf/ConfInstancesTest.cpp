@@ -62,34 +62,6 @@ Entries twoInstances() {
     return entries;
 }
 
-void addCopy(Entries& entries, const std::string& source, const std::string& target) {
-    const std::string prefix = "vtr.instance." + source + ".";
-    Entries copies;
-    for (const auto& [key, value] : entries) {
-        if (key.rfind(prefix, 0) != 0) continue;
-        copies["vtr.instance." + target + "." + key.substr(prefix.size())] = value;
-    }
-    entries.insert(copies.begin(), copies.end());
-}
-
-// The dump that the listing asks for; an empty instance: none.
-std::string expectedDump(const Entries& entries, const std::string& instance) {
-    std::set<std::string> excluded;
-    for (const ListedProperty& row : listedProperties()) {
-        if (row.excluded) excluded.insert(row.scope + row.name);
-    }
-    const std::string own = "vtr.instance." + instance + ".";
-    std::string text;
-    for (const auto& [key, value] : entries) {
-        const bool isOwn = !instance.empty() && key.rfind(own, 0) == 0;
-        if (!isOwn && key.rfind("vtr.instance.", 0) == 0) continue;
-        const std::string property = key.substr(isOwn ? own.size() : 4);
-        if (excluded.count((isOwn ? "instance" : "global") + property) > 0) continue;
-        text += "vtr." + property + "=" + value + "\n";
-    }
-    return text + "vtr.oem=nvo\nvtr.version=5.2.0.1052\n";
-}
-
 }  // namespace
 
 // Another program that reads the file: prints the instances and the resolution of each.
@@ -137,7 +109,7 @@ TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
     EXPECT_EQ(folder.read("vantrel.conf"), kTwoInstances);
     ASSERT_EQ(confCommit(store), 0);
     Entries expected = twoInstances();
-    addCopy(expected, "A", "Nougat64_日本");
+    addInstanceCopy(expected, "A", "Nougat64_日本");
     EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"})) << "missing until the next load";
@@ -346,9 +318,9 @@ TEST_F(ConfInstancesTest, TheDumpHasTheCurrentInstancesAndTheGlobalSettings) {
     ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     log.clear();
-    EXPECT_EQ(dump(), expectedDump(twoInstances(), "A"));
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
     ASSERT_EQ(confSetCurrentInstance(store, "B"), 0);
-    EXPECT_EQ(dump(), expectedDump(twoInstances(), "B"));
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "B"));
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
@@ -368,7 +340,7 @@ TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
 
 TEST_F(ConfInstancesTest, WithoutACurrentInstanceTheDumpHasTheGlobalSettingsOnly) {
     ASSERT_EQ(init(kTwoInstances), 0);
-    EXPECT_EQ(dump(), expectedDump(twoInstances(), ""));
+    EXPECT_EQ(dump(), dumpText(twoInstances(), ""));
 }
 
 TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
@@ -376,19 +348,19 @@ TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     confSetI32(store, "vtr.instance.A.dpi", 999);
     confSetString(store, "vtr.guid", "pending");
-    EXPECT_EQ(dump(), expectedDump(twoInstances(), "A"));
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
     confDeleteInstance(store, "A");
-    EXPECT_EQ(dump(), expectedDump(twoInstances(), "A")) << "until the commit";
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A")) << "until the commit";
     ASSERT_EQ(confCommit(store), 0);
     Entries expected = twoInstances();
     expected["vtr.guid"] = "pending";
-    EXPECT_EQ(dump(), expectedDump(expected, ""));
+    EXPECT_EQ(dump(), dumpText(expected, ""));
 }
 
 TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
     ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
-    const std::string text = expectedDump(twoInstances(), "A");
+    const std::string text = dumpText(twoInstances(), "A");
     const auto needed = static_cast<std::uint32_t>(text.size() + 1);
     std::string buffer(needed + 10, '?');
     std::uint32_t size = 0;
@@ -403,7 +375,7 @@ TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
 
 TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
     ASSERT_EQ(init(kTwoInstances), 0);
-    const std::string text = expectedDump(twoInstances(), "");
+    const std::string text = dumpText(twoInstances(), "");
     std::string buffer(text.size() + 100, '?');
     std::uint32_t size = 0;
     EXPECT_EQ(confGetInstanceAllConfigs(store, buffer.data(),
@@ -417,7 +389,7 @@ TEST_F(ConfInstancesTest, NoBufferAtAllAsksForTheSize) {
     ASSERT_EQ(init(kTwoInstances), 0);
     std::uint32_t size = 0;
     EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
-    EXPECT_EQ(size, expectedDump(twoInstances(), "").size() + 1);
+    EXPECT_EQ(size, dumpText(twoInstances(), "").size() + 1);
 }
 
 TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
