@@ -5,11 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// Each program defines its own.
-extern const char* const programName;
-
-// UTF-8 in and out: as it stands into files and pipes, converted for a console window. Errors begin
-// with the program's name.
+// UTF-8 in and out: as it stands into files and pipes, converted for a console window.
 void printOut(std::string_view text);
 void printError(std::string_view text);
 
@@ -19,5 +15,8 @@ void keepStandardHandles();
 
 // The arguments of the command line behind the program's name.
 std::vector<std::string> commandLineArguments();
+
+// What errors begin with. Each program defines its own.
+extern const char* const programName;
 
 #endif
