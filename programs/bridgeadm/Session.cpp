@@ -1,5 +1,8 @@
 #include "Session.h"
 
+#include <algorithm>
+
+#include "appc/Appc.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
 #include "xpl/Xfence.h"
@@ -11,6 +14,12 @@ constexpr XlogModule kLog{XlogTag::CONF, "programs/bridgeadm/Session"};
 
 XErr load() {
     return confLibInit(confStore(), utlGetDataDir() + "vantrel.conf", /*allowDeprecated=*/false);
+}
+
+// No locale has a say in it.
+bool isPackageCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '_';
 }
 
 }  // namespace
@@ -53,4 +62,22 @@ bool Session::requirePossibleInstance(const std::string& instance) {
 bool Session::commit() {
     const XErr err = confCommit(store());
     return err == XERR_SUCCESS || failStatus(ExitCode::Commit, "not committed", err);
+}
+
+bool Session::openCache(const std::string& instance) {
+    if (!startWithConfiguration() || !requireInstance(instance)) return false;
+    const XErr err = appcLibInit(appcStore(), instance);
+    return err == XERR_SUCCESS ||
+           failStatus(ExitCode::Library, "the app cache cannot be read", err);
+}
+
+bool Session::requirePackageName(const std::string& package) {
+    const bool possible =
+        !package.empty() && std::all_of(package.begin(), package.end(), isPackageCharacter);
+    return possible || fail(ExitCode::BadValue, "no app can have this package name: " + package);
+}
+
+bool Session::saved(XErr err) {
+    return err == XERR_SUCCESS ||
+           failStatus(ExitCode::Commit, "the app cache was not written", err);
 }

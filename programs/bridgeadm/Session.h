@@ -25,6 +25,15 @@ class Session : public ProgramRun {
     bool requirePossibleInstance(const std::string& instance);
 
     bool commit();
+
+    // Starts with the configuration, which must know the instance, and opens its app cache.
+    bool openCache(const std::string& instance);
+
+    // Whether this can be the name of an Android package. It becomes a part of file names.
+    bool requirePackageName(const std::string& package);
+
+    // For the result of an operation that ends with the app cache's files written.
+    bool saved(XErr err);
 };
 
 #endif

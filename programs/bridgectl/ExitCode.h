@@ -5,7 +5,7 @@
 #define BRIDGECTL_EXIT_CODES(X)                                            \
     X(Success, 0, "done")                                                  \
     X(Usage, 2, "the command line is not understood")                      \
-    X(UnknownName, 3, "no such key or instance")                           \
+    X(UnknownName, 3, "no such key, instance or app")                      \
     X(BadValue, 4, "the value, stored or given, does not fit the type")    \
     X(Library, 5, "the library cannot start or failed; see the log")       \
     X(Commit, 6, "the change could not be written; the old file is whole") \

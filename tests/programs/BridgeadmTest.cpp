@@ -1,65 +1,10 @@
 // The real program, with the registry, the data folder and the log that it uses.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
-#include "ConfExpectation.h"
-#include "support/ChildProcess.h"
-#include "support/LogCapture.h"
-#include "support/ProductRegistry.h"
-#include "support/TempFolder.h"
+#include "BridgeadmFixture.h"
 #include "support/WindowsForTests.h"
 
 namespace {
-
-using Arguments = std::vector<std::string>;
-
-class BridgeadmTest : public ::testing::Test {
- protected:
-    BridgeadmTest() {
-        data.makeFolder("Logs");
-        registry.set("UserDefinedDir", data.path());
-        entries["vtr.instance.Nougat64.display_name"] = "Jeux 日本";
-        entries["vtr.instance.Nougat64.dpi"] = "320";
-        entries["vtr.instance.Nougat32.ram"] = "1024";
-        addInstanceDefaults(entries, "Nougat64");
-        addInstanceDefaults(entries, "Nougat32");
-        write(entries);
-    }
-
-    void write(const Entries& content) const { data.write("vantrel.conf", fileText(content)); }
-    std::string file() const { return data.read("vantrel.conf"); }
-
-    static ChildResult run(const Arguments& arguments) {
-        return runChild(builtProgram("bridgeadm.exe"), arguments);
-    }
-
-    // Runs a command that succeeds and says nothing on standard error.
-    static std::string output(const Arguments& arguments) {
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, 0u);
-        EXPECT_EQ(result.err, "");
-        return result.out;
-    }
-
-    // Runs one that fails and leaves the file alone.
-    void expectFailure(const Arguments& arguments, unsigned status,
-                       const std::string& error) const {
-        const std::string before = file();
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, status);
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err, "bridgeadm: " + error + "\n");
-        EXPECT_EQ(file(), before);
-        EXPECT_FALSE(data.has("vantrel.conf-temp"));
-    }
-
-    Arguments loggedLines() const { return logMessages(data.read("Logs\\Player.log")); }
-
-    TempFolder data;
-    ProductRegistry registry;
-    Entries entries = globalDefaults();  // what the file holds
-};
 
 std::string jsonOfLines(const std::string& lines) {
     std::string json;
@@ -280,7 +225,11 @@ TEST_F(BridgeadmTest, MisuseIsExplained) {
          {Arguments{}, Arguments{"nonsense"}, Arguments{"copy-instance", "Nougat64"},
           Arguments{"remove-instance"}, Arguments{"remove-instance", "a", "b"},
           Arguments{"dump-instance"}, Arguments{"dump-instance", "Nougat64", "--xml"},
-          Arguments{"trim", "all"}}) {
+          Arguments{"trim", "all"}, Arguments{"sync-apps", "Nougat64"},
+          Arguments{"update-app", "Nougat64"},
+          Arguments{"update-app", "Nougat64", "com.a", "--version-code", "2147483648"},
+          Arguments{"update-app", "Nougat64", "com.a", "--version-code", "many"},
+          Arguments{"remove-app", "Nougat64"}, Arguments{"copy-cache", "Nougat64"}}) {
         const ChildResult result = run(arguments);
         EXPECT_EQ(result.status, 2u);
         EXPECT_EQ(result.out, "");
@@ -295,7 +244,8 @@ TEST_F(BridgeadmTest, EveryCommandHasAnExample) {
     EXPECT_NE(text.find("\n  6  the change could not be written; the old file is whole\n"),
               std::string::npos);
     for (const std::string command :
-         {"copy-instance", "remove-instance", "dump-instance", "trim", "help"}) {
+         {"copy-cache", "copy-instance", "dump-instance", "help", "remove-app", "remove-instance",
+          "sync-apps", "trim", "update-app"}) {
         EXPECT_NE(text.find("\n  " + command + " "), std::string::npos) << command;
         EXPECT_NE(output({command, "--help"}).find("\nExample: bridgeadm " + command),
                   std::string::npos)
