@@ -27,6 +27,9 @@ class Session {
     // Reads the file for `configuration` and initialises the library. False after an error message.
     bool start();
 
+    // Ends the library before the session ends: no callback runs afterwards. Not inside one.
+    void stop();
+
     const Configuration& configuration() const { return *configuration_; }
 
     // Prints an error and sets the exit code; false, so that callers can return it.
