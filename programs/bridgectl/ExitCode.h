@@ -10,7 +10,10 @@
     X(Library, 5, "the library cannot start or failed; see the log")       \
     X(Commit, 6, "the change could not be written; the old file is whole") \
     X(Unset, 7, "the key has no value")                                    \
-    X(Program, 8, "the program could not be started or asked")
+    X(Program, 8, "the program could not be started or asked")             \
+    X(Timeout, 9, "the events that were counted did not come in time")     \
+    X(NameInUse, 10, "another front end receives the client's events")     \
+    X(Output, 11, "standard output cannot be written")
 
 enum class ExitCode : int {
 #define BRIDGECTL_ENUMERATOR(name, number, meaning) name = number,

@@ -3,6 +3,7 @@
 #include <bridge/bridge.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "Console.h"
 #include "LibraryText.h"
@@ -19,8 +20,10 @@ std::string taken(const LibraryText& text) {
 
 }  // namespace
 
-Session::~Session() {
-    if (started_) bridgeApiFini();
+Session::~Session() { stop(); }
+
+void Session::stop() {
+    if (std::exchange(started_, false)) bridgeApiFini();
 }
 
 bool Session::start() {

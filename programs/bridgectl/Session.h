@@ -22,6 +22,9 @@ class Session : public ProgramRun {
     // Reads the file for `configuration` and initialises the library. False after an error message.
     bool start();
 
+    // Ends the library before the session ends: no callback runs afterwards. Not inside one.
+    void stop();
+
     const Configuration& configuration() const { return *configuration_; }
 
     // The error of a key in KeyState::Invalid.

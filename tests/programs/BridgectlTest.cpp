@@ -325,7 +325,8 @@ class BridgectlProgramsTest : public BridgectlTest {
         const std::string bin = builtProgram("");
         registry.set("InstallDir", bin.substr(0, bin.size() - 4) + "standins\\");
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                               {"QX_STANDIN_SECONDS", "5"}};
+                               {"QX_STANDIN_SECONDS", "5"},
+                               {"QX_STANDIN_CLIENTS", "none"}};
     }
 
     std::string output(const Arguments& arguments) const {

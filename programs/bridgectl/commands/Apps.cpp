@@ -48,7 +48,11 @@ void run(Session& session, const Arguments& arguments) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    arguments.json ? printOut(text.get()) : printTable(text.get());
+    if (arguments.json) {
+        printOut(text.get());
+    } else {
+        printTable(text.get());
+    }
 }
 
 void declare(CLI::App& parser, Session& session) {
