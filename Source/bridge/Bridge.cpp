@@ -2,6 +2,7 @@
 // result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
+#include "bridge/BridgeApps.h"
 #include "bridge/BridgeEvents.h"
 #include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
@@ -11,16 +12,6 @@
 #include "bridge/BridgeMemory.h"
 #include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
-
-namespace {
-
-// For functions that this build does not have yet.
-XErr notImplemented(const char* function) {
-    XLOG_E(kLog, "%s: not implemented in this build", function);
-    return XERR_NOSYS;
-}
-
-}  // namespace
 
 extern "C" {
 
@@ -182,9 +173,11 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
     });
 }
 
-char* bridgeGetInstalledApps(const char*) {
-    notImplemented(__func__);
-    return nullptr;
+char* bridgeGetInstalledApps(const char* instance) {
+    return bridgeValue<char*>(__func__, {instance}, [&]() -> char* {
+        const auto apps = bridge::bridgeGetInstalledApps(appcStore(), instance);
+        return apps ? bridgeHostCopy(*apps) : nullptr;
+    });
 }
 
 }  // extern "C"

@@ -92,4 +92,32 @@ bool confHasPendingChanges(ConfStore& store);
 bool confIsPropPending(ConfStore& store, std::string_view key);
 XErr confDiscardChanges(ConfStore& store);
 
+// Whole instances. All three look at the committed values only.
+
+// Whether keys of an instance of that name can be read back: not with ".", "=", line feed or NUL.
+bool confIsInstanceName(std::string_view name);
+
+// Stages the source's values, deprecated ones left out, as changes of the target and makes the
+// target known. A target that exists already is overwritten; one that is removed but not committed
+// stays removed. -1 when the source is not known, 22 when `target` is no instance name.
+[[nodiscard]] XErr confCopyInstance(ConfStore& store, const std::string& source,
+                                    const std::string& target);
+
+// Stages the removal of an instance's committed keys, takes back what is staged for them, and
+// forgets the instance. Reading such a key is fatal until the commit. Always 0.
+XErr confDeleteInstance(ConfStore& store, const std::string& name);
+
+// The current instance's settings and the global ones, without those that the catalogue excludes,
+// as lines "key=value\n" and a NUL, in the order of the stored keys; an instance's key shows as
+// "vtr.<property>". Two lines about the product come last. Without a current instance there are
+// only the global ones. A key of more than 31 bytes or a value of more than 91 is fatal.
+//
+// `outSize` is the size of it all, NUL included. 27 when `bufferSize` is less: nothing is written
+// then, and `buffer` may be null. 22 for a null buffer otherwise.
+[[nodiscard]] XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer,
+                                             std::uint32_t bufferSize, std::uint32_t& outSize);
+
+// The stored keys that the dump would now be fatal for.
+std::vector<std::string> confKeysTooLongForDump(ConfStore& store);
+
 #endif

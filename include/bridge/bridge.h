@@ -82,7 +82,6 @@ typedef unsigned char bridge_bool;
 #define BRIDGE_TOO_BIG 7           /**< A configuration line is 4096 bytes or longer. */
 #define BRIDGE_ACCESS 13           /**< Access to a file was denied. */
 #define BRIDGE_INVALID_ARGUMENT 22 /**< An argument was refused. */
-#define BRIDGE_NOT_IMPLEMENTED 38  /**< This build does not have the function yet. */
 /**@}*/
 
 #ifdef __cplusplus
@@ -431,9 +430,12 @@ BRIDGE_API void BRIDGE_CALL bridgeRegisterCallbacks(
 
 /**
  * Lists the apps of an instance as JSON: an array of objects with the texts "package",
- * "activity", "appLabel", "versionName", "iconFilePath" and the number "versionCode".
+ * "activity", "appLabel", "versionName", "iconFilePath" and the number "versionCode", ordered by
+ * package. Reads the instance's app cache, running or not; without one the array is empty. An icon
+ * file need not exist. A cache that is no JSON array is deleted, and the array is empty.
  * @param instance instance name
- * @return a new text for bridgeFreeMemory(); null when the app cache cannot be opened
+ * @return a new text for bridgeFreeMemory(); null, after an error in the log, when the app cache
+ *         cannot be opened or has an app without one of its values
  */
 BRIDGE_API char* BRIDGE_CALL bridgeGetInstalledApps(const char* instance);
 /**@}*/

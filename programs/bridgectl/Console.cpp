@@ -1,6 +1,7 @@
 // The console and the command line of Windows.
 #include "Console.h"
 
+#include <atomic>
 #include <memory>
 
 #include "xpl/Xtext.h"
@@ -15,24 +16,56 @@ struct FreeArguments {
     void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
 };
 
-void print(DWORD stream, std::string_view text) {
+bool printWide(HANDLE console, const std::wstring& text) {
+    DWORD written = 0;
+    return ::WriteConsoleW(console, text.data(), static_cast<DWORD>(text.size()), &written,
+                           nullptr) &&
+           written == text.size();
+}
+
+bool printBytes(HANDLE handle, std::string_view text) {
+    while (!text.empty()) {
+        DWORD written = 0;
+        if (!::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) ||
+            written == 0) {
+            return false;
+        }
+        text.remove_prefix(written);
+    }
+    return true;
+}
+
+bool print(DWORD stream, std::string_view text) {
     const HANDLE handle = ::GetStdHandle(stream);
     DWORD mode = 0;
-    DWORD written = 0;
     std::wstring wide;
-    if (::GetConsoleMode(handle, &mode) && xtextToWide(text, wide) == XERR_SUCCESS) {
-        ::WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-        return;
-    }
-    ::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    const bool isConsole = ::GetConsoleMode(handle, &mode) != 0;
+    return isConsole && xtextToWide(text, wide) == XERR_SUCCESS ? printWide(handle, wide)
+                                                                : printBytes(handle, text);
+}
+
+std::atomic<void (*)()> consoleEnd{nullptr};
+
+BOOL WINAPI onConsoleEvent(DWORD event) {
+    void (*const end)() = consoleEnd.exchange(nullptr);
+    if (end == nullptr) return FALSE;
+    end();
+    // The system ends the process when this returns; main() is on its way to do that.
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(INFINITE);
+    return TRUE;
 }
 
 }  // namespace
 
-void printOut(std::string_view text) { print(STD_OUTPUT_HANDLE, text); }
+bool printOut(std::string_view text) { return print(STD_OUTPUT_HANDLE, text); }
 
 void printError(std::string_view text) {
-    print(STD_ERROR_HANDLE, std::string("bridgectl: ").append(text).append("\n"));
+    print(STD_ERROR_HANDLE, std::string(programName).append(": ").append(text).append("\n"));
+}
+
+void onConsoleEnd(void (*end)()) {
+    consoleEnd = end;
+    ::SetConsoleCtrlHandler(onConsoleEvent, TRUE);
 }
 
 void keepStandardHandles() {

@@ -5,9 +5,15 @@
 #include <string_view>
 #include <vector>
 
-// UTF-8 in and out: as it stands into files and pipes, converted for a console window.
-void printOut(std::string_view text);
+// UTF-8 in and out: as it stands into files and pipes, converted for a console window. False when
+// not all of it could be written.
+bool printOut(std::string_view text);
 void printError(std::string_view text);
+
+// Calls a function, on a thread of its own, when the user ends the program with Ctrl-C or
+// Ctrl-Break or closes the console; main() is to return soon then. A second time ends the program
+// at once.
+void onConsoleEnd(void (*end)());
 
 // Keeps the standard handles from the programs that this one starts: they would hold a pipe open,
 // and whoever reads it would wait for their end.
@@ -15,5 +21,8 @@ void keepStandardHandles();
 
 // The arguments of the command line behind the program's name.
 std::vector<std::string> commandLineArguments();
+
+// What errors begin with. Each program defines its own.
+extern const char* const programName;
 
 #endif

@@ -3,20 +3,11 @@
 #include <CLI/CLI.hpp>
 
 #include "Console.h"
-#include "utl/UtlRegistry.h"
 
 namespace {
 
-// A missing value ends the process inside the library.
-bool hasInstallFolder(Session& session) {
-    const std::string folder =
-        utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "InstallDir", {});
-    return !folder.empty() ||
-           session.fail(ExitCode::Library, "the registry names no install folder");
-}
-
 void run(Session& session, const ProgramTexts& texts, ProgramCall call) {
-    if (!session.start() || !hasInstallFolder(session)) return;
+    if (!session.start() || !session.requireInstallFolder()) return;
     const int status = call(texts);
     if (status != 0) {
         session.failStatus(ExitCode::Program, "not started", status);

@@ -3,13 +3,13 @@
 #include <bridge/bridge.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "Console.h"
 #include "LibraryText.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlFolders.h"
-#include "xpl/Xfile.h"
 
 namespace {
 
@@ -20,17 +20,10 @@ std::string taken(const LibraryText& text) {
 
 }  // namespace
 
-Session::~Session() {
-    if (started_) bridgeApiFini();
-}
+Session::~Session() { stop(); }
 
-// A log that cannot be opened ends the process inside the library without a word.
-bool Session::logCanBeOpened() {
-    const std::string path = logFile.empty() ? utlPlayerLogPath() : logFile;
-    Xfile file;
-    const XErr err = xfileOpen(file, path, XfileMode::Append);
-    return err == XERR_SUCCESS ||
-           failStatus(ExitCode::Library, "cannot open the log file " + path, err);
+void Session::stop() {
+    if (std::exchange(started_, false)) bridgeApiFini();
 }
 
 bool Session::start() {
@@ -40,21 +33,11 @@ bool Session::start() {
         static_cast<void>(confDiskFiles().read(utlGetDataDir() + "vantrel.conf", content));
     }
     configuration_.emplace(content);
-    if (!logCanBeOpened()) return false;
+    if (!requireLog()) return false;
     const int status = bridgeApiInitEx(client.c_str(), noConf ? 1 : 0, 0,
                                        logFile.empty() ? nullptr : logFile.c_str());
     started_ = status == BRIDGE_SUCCESS;
     return started_ || failStatus(ExitCode::Library, "the library did not start", status);
-}
-
-bool Session::fail(ExitCode code, const std::string& message) {
-    printError(message);
-    exitCode = code;
-    return false;
-}
-
-bool Session::failStatus(ExitCode code, const std::string& what, int status) {
-    return fail(code, what + ": " + std::to_string(status) + " " + xerrName(status));
 }
 
 bool Session::failInvalid(const KeyInfo& key) {
@@ -74,10 +57,6 @@ std::optional<KeyInfo> Session::requireKey(const std::string& key) {
     // The property exists, so that what is missing is the instance.
     if (!info) failInstance(confSplitKey(key).instance);
     return info;
-}
-
-bool Session::failInstance(std::string_view instance) {
-    return fail(ExitCode::UnknownName, std::string("no such instance: ").append(instance));
 }
 
 std::string readValue(const KeyInfo& key) {

@@ -6,40 +6,29 @@
 #include <string_view>
 
 #include "Configuration.h"
-#include "ExitCode.h"
+#include "ProgramRun.h"
 
-// One run of the program: the options in front of the command, the library once a command needs it,
-// and how the run ends.
-class Session {
+// One run of the program: the options in front of the command, and the library once a command needs
+// it.
+class Session : public ProgramRun {
  public:
     Session() = default;
     ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
 
     // The library keeps the pointer to the client's text, which does not change after start().
     std::string client = "Helper";
-    std::string logFile;  // empty: the product's log
     bool noConf = false;
-
-    ExitCode exitCode = ExitCode::Success;
 
     // Reads the file for `configuration` and initialises the library. False after an error message.
     bool start();
 
+    // Ends the library before the session ends: no callback runs afterwards. Not inside one.
+    void stop();
+
     const Configuration& configuration() const { return *configuration_; }
-
-    // Prints an error and sets the exit code; false, so that callers can return it.
-    bool fail(ExitCode code, const std::string& message);
-
-    // The same for a status of the library.
-    bool failStatus(ExitCode code, const std::string& what, int status);
 
     // The error of a key in KeyState::Invalid.
     bool failInvalid(const KeyInfo& key);
-
-    // The error of an instance that is not known.
-    bool failInstance(std::string_view instance);
 
     // Type of a key; nothing, after an error, when there is no such key.
     std::optional<ConfType> requireType(const std::string& key);
@@ -48,8 +37,6 @@ class Session {
     std::optional<KeyInfo> requireKey(const std::string& key);
 
  private:
-    bool logCanBeOpened();
-
     std::optional<Configuration> configuration_;
     bool started_ = false;
 };

@@ -3,7 +3,8 @@
 
 int main() {
     Standin standin;
-    if (!standin.start()) return 2;
+    if (!standin.start()) return Standin::kMisuse;
+    if (const auto status = standin.runOption()) return *status;
     standin.serve("vtr_mim_nvo", standinManagerRequests());
-    return 0;
+    return Standin::kDone;
 }

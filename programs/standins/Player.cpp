@@ -4,12 +4,13 @@
 
 int main() {
     Standin standin;
-    if (!standin.start()) return 2;
+    if (!standin.start()) return Standin::kMisuse;
+    if (const auto status = standin.runOption()) return *status;
     const auto instance = standinOption(standin.arguments(), "instance");
     if (!instance) {
         standin.say("error", "no --instance");
-        return 2;
+        return Standin::kMisuse;
     }
     standin.serve("vtr_plr_" + *instance + "_nvo", standinPlayerRequests());
-    return 0;
+    return Standin::kDone;
 }

@@ -1,14 +1,51 @@
 #include "Standin.h"
 
+#include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
 
 #include "StandinCommandLine.h"
+#include "StandinDefaults.h"
+#include "StandinPipe.h"
 #include "StandinServer.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 
+// Last: it needs <windows.h>.
+#include <shellapi.h>
+
 namespace {
+
+struct FreeArguments {
+    void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
+};
+
+// The command line as shells and other programs write it. The product's own quoting is another.
+std::vector<std::string> commonArguments() {
+    int count = 0;
+    const std::unique_ptr<LPWSTR[], FreeArguments> wide(
+        ::CommandLineToArgvW(::GetCommandLineW(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 0; i < count; ++i) {
+        arguments.push_back(xtextToUtf8(wide[static_cast<std::size_t>(i)]));
+    }
+    return arguments;
+}
+
+void printOut(const std::string& text) {
+    DWORD written = 0;
+    ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()),
+                &written, nullptr);
+}
+
+std::string help() {
+    return "A stand-in for a program of the product. Besides the product's command lines it takes\n"
+           "  --event NAME ARGUMENT...  sends an event to the front ends, and ends: status 0 when\n"
+           "                            one took it, 3 when none did, 2 for a misuse\n"
+           "Events and their arguments:\n" +
+           standinEventHelp();
+}
 
 std::string environment(const wchar_t* name) {
     wchar_t value[1024];
@@ -35,21 +72,23 @@ std::string readText(const std::string& path) {
                                                                               : std::string();
 }
 
+// The first request of each program is its shutdown.
 bool isShutdown(std::string_view packet, StandinRequests requests) {
-    // The first request of each program is its shutdown.
-    return packet.size() >= IPC_HEADER_SIZE &&
-           standinHeader(packet).opcode == requests.first[0].opcode;
+    return standinFindRequest(packet, requests) == requests.first;
 }
 
 }  // namespace
 
 bool Standin::start() {
+    if (outputLock_.init("Local\\qx_standin_output") != 0) return false;
     arguments_ = standinSplit(xtextToUtf8(::GetCommandLineW()));
     const std::string output = environment(L"QX_STANDIN_OUTPUT");
     outputPath_ = output.empty() ? ownStem() + ".output.txt" : output;
     if (environment(L"QX_STANDIN_FORMAT") == "json") format_ = StandinFormat::Json;
     const std::string seconds = environment(L"QX_STANDIN_SECONDS");
     if (!seconds.empty()) idleSeconds_ = std::atoi(seconds.c_str());
+    const std::string clients = environment(L"QX_STANDIN_CLIENTS");
+    clients_ = clients.empty() ? standinKnownClients() : standinParseClients(clients);
     const std::string scriptPath = environment(L"QX_STANDIN_SCRIPT");
     std::string error;
     const auto script = standinParseScript(
@@ -65,27 +104,72 @@ bool Standin::start() {
 
 void Standin::say(const char* member, const std::string& text) {
     const nlohmann::ordered_json json{{member, text}};
-    append(format_ == StandinFormat::Json
-               ? json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-               : std::string(member) + ": " + text);
+    append((format_ == StandinFormat::Json
+                ? json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+                : std::string(member) + ": " + text) +
+           "\n");
 }
 
-void Standin::append(const std::string& line) {
-    const std::string text = line + "\n";
+void Standin::append(const std::string& lines) {
+    const std::lock_guard<XmutexNamed> guard(outputLock_);
     Xfile file;
     std::size_t done = 0;
     if (xfileOpen(file, outputPath_, XfileMode::Append) != XERR_SUCCESS) return;
-    static_cast<void>(xfileWriteAll(file, text.data(), text.size(), done));
+    static_cast<void>(xfileWriteAll(file, lines.data(), lines.size(), done));
+}
+
+std::optional<int> Standin::runOption() {
+    if (arguments_.size() < 2) return std::nullopt;
+    if (arguments_[1] == "--event") {
+        const std::vector<std::string> arguments = commonArguments();
+        return sendEvent({arguments.begin() + 2, arguments.end()});
+    }
+    if (arguments_[1] != "--help") return std::nullopt;
+    printOut(help());
+    return kDone;
+}
+
+int Standin::sendEvent(const std::vector<std::string>& words) {
+    std::string error;
+    const auto event = standinParseEvent(words, error);
+    if (!event) {
+        say("error", error);
+        return kMisuse;
+    }
+    return standinSend(sending(), {*event}) > 0 ? kDone : kNobody;
+}
+
+StandinSending Standin::sending() {
+    return {clients_, script_, format_, [this](const std::string& lines) { append(lines); }};
+}
+
+StandinSteps Standin::stepsFor(std::string_view command,
+                               const std::vector<StandinEvent>& otherwise) const {
+    const auto found = script_.on.find(command);
+    return found == script_.on.end() ? StandinSteps{{0, otherwise}} : found->second;
 }
 
 void Standin::serve(const std::string& serverName, StandinRequests requests) {
-    if (standinIsServed(serverName)) return;
+    StandinSender sender(sending());
+    const StandinSteps own =
+        stepsFor(standinOption(arguments_, "cmd").value_or(""), standinDefaultEvents(arguments_));
+    if (standinIsServed(serverName)) {
+        sender.post(own);
+        return;
+    }
+    StandinPipe pipe = StandinPipe::listen(serverName);
     say("serving", serverName);
+    sender.post(script_.atStart);
+    sender.post(own);
     int count = 0;
-    standinServe(serverName, script_, idleSeconds_, [&](std::string_view packet) {
-        append(standinDescribe(packet, requests, format_));
+    standinServe(std::move(pipe), serverName, script_, idleSeconds_, [&](std::string_view packet) {
+        append(standinDescribe(packet, requests, format_) + "\n");
         ++count;
+        if (const IpcRequest* const request = standinFindRequest(packet, requests)) {
+            sender.post(stepsFor(request->name, {}));
+        }
         return !isShutdown(packet, requests) && !(script_.quitAfter && count >= *script_.quitAfter);
     });
+    sender.hurry();
     say("ended", serverName);
 }

@@ -1,5 +1,6 @@
 #include "StandinDecode.h"
 
+#include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -66,13 +67,6 @@ class FieldReader {
     std::string_view rest_;
 };
 
-const IpcRequest* findRequest(StandinRequests requests, std::uint32_t opcode) {
-    for (std::size_t i = 0; i < requests.count; ++i) {
-        if (requests.first[i].opcode == opcode) return &requests.first[i];
-    }
-    return nullptr;
-}
-
 std::optional<Json> readArguments(const IpcRequest& request, std::string_view payload) {
     FieldReader reader(payload);
     Json arguments = Json::array();
@@ -119,12 +113,21 @@ StandinHeader standinHeader(std::string_view packet) {
     return header;
 }
 
+const IpcRequest* standinFindRequest(std::string_view packet, StandinRequests requests) {
+    if (packet.size() < IPC_HEADER_SIZE) return nullptr;
+    const std::uint32_t opcode = standinHeader(packet).opcode;
+    const auto* const end = requests.first + requests.count;
+    const auto* const found =
+        std::find_if(requests.first, end,
+                     [opcode](const IpcRequest& request) { return request.opcode == opcode; });
+    return found == end ? nullptr : found;
+}
+
 std::string standinDescribe(std::string_view packet, StandinRequests requests,
                             StandinFormat format) {
-    if (packet.size() < IPC_HEADER_SIZE) return unreadable(packet, format);
-    const StandinHeader header = standinHeader(packet);
-    const IpcRequest* request = findRequest(requests, header.opcode);
+    const IpcRequest* const request = standinFindRequest(packet, requests);
     if (request == nullptr) return unreadable(packet, format);
+    const StandinHeader header = standinHeader(packet);
     const std::optional<Json> arguments = readArguments(*request, packet.substr(IPC_HEADER_SIZE));
     if (!arguments) return unreadable(packet, format);
     if (format == StandinFormat::Json) {

@@ -26,6 +26,9 @@ struct StandinHeader {
 // The first 12 bytes of a packet; they must be there.
 StandinHeader standinHeader(std::string_view packet);
 
+// The request that a packet is; null when it is none of these.
+const IpcRequest* standinFindRequest(std::string_view packet, StandinRequests requests);
+
 enum class StandinFormat { Text, Json };
 
 // One line, without a line feed, for a whole packet: "plrLaunchAppRpc("com.example.app")" or a JSON

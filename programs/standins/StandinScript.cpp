@@ -1,8 +1,50 @@
 #include "StandinScript.h"
 
+#include <algorithm>
 #include <charconv>
 
+#include "StandinDefaults.h"
+
 namespace {
+
+using Words = std::vector<std::string>;
+
+// More would not fit into memory as events.
+constexpr int kMaxFlood = 1'000'000;
+
+constexpr std::string_view kBlanks = " \t\r";
+
+// Takes a word between double quotes, of which the first one is gone.
+bool takeQuoted(std::string_view& rest, std::string& word) {
+    while (!rest.empty()) {
+        char c = rest.front();
+        rest.remove_prefix(1);
+        if (c == '"') return rest.empty() || rest.find_first_of(" \t\r#") == 0;
+        if (c == '\\') {
+            if (rest.empty() || (rest.front() != '"' && rest.front() != '\\')) return false;
+            c = rest.front();
+            rest.remove_prefix(1);
+        }
+        word += c;
+    }
+    return false;
+}
+
+// The words of a line in front of its comment; false when a quote does not fit.
+bool splitLine(std::string_view rest, Words& words) {
+    for (;;) {
+        rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+        if (rest.empty() || rest.front() == '#') return true;
+        std::string& word = words.emplace_back();
+        if (rest.front() == '"') {
+            rest.remove_prefix(1);
+            if (!takeQuoted(rest, word)) return false;
+        } else {
+            word = rest.substr(0, rest.find_first_of(" \t\r#"));
+            rest.remove_prefix(word.size());
+        }
+    }
+}
 
 bool parseNumber(std::string_view text, int& number) {
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -11,7 +53,7 @@ bool parseNumber(std::string_view text, int& number) {
 
 bool parseHex(std::string_view text, std::string& bytes) {
     bytes.clear();
-    if (text.size() % 2 != 0) return false;
+    if (text.empty() || text.size() % 2 != 0) return false;
     for (std::size_t i = 0; i < text.size(); i += 2) {
         int byte = 0;
         const char* const first = text.data() + i;
@@ -20,6 +62,63 @@ bool parseHex(std::string_view text, std::string& bytes) {
         bytes += static_cast<char>(byte);
     }
     return true;
+}
+
+std::string replaced(std::string text, std::string_view from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+bool addEvent(StandinSteps& steps, const Words& words, std::string& error) {
+    std::optional<StandinEvent> event = standinParseEvent(words, error);
+    if (!event) return false;
+    if (steps.empty()) steps.emplace_back();
+    steps.back().events.push_back(std::move(*event));
+    return true;
+}
+
+bool addFlood(StandinSteps& steps, Words words, std::string& error) {
+    int count = 0;
+    if (words.empty() || !parseNumber(words[0], count)) return false;
+    if (count == 0 || count > kMaxFlood) return false;
+    words.erase(words.begin());
+    for (int i = 1; i <= count; ++i) {
+        Words numbered = words;
+        for (std::string& word : numbered) word = replaced(word, "{n}", std::to_string(i));
+        if (!addEvent(steps, numbered, error)) return false;
+    }
+    return true;
+}
+
+bool addPause(StandinSteps& steps, const Words& words) {
+    StandinStep step;
+    if (words.size() != 1 || !parseNumber(words[0], step.pauseMs)) return false;
+    steps.push_back(std::move(step));
+    return true;
+}
+
+bool isStep(std::string_view wish) {
+    return wish == "event" || wish == "event-flood" || wish == "pause";
+}
+
+// Adds what the words from `first` on say: "event ...", "event-flood ..." or "pause ...".
+bool addStep(StandinSteps& steps, const Words& words, std::size_t first, std::string& error) {
+    const std::string& wish = words[first];
+    Words rest(words.begin() + static_cast<std::ptrdiff_t>(first) + 1, words.end());
+    if (wish == "pause") return addPause(steps, rest);
+    if (wish == "event-flood") return addFlood(steps, std::move(rest), error);
+    return wish == "event" && addEvent(steps, rest, error);
+}
+
+bool applyOn(StandinScript& script, const Words& words, std::string& error) {
+    if (words.size() < 3) return false;
+    if (!standinIsCommand(words[1])) {
+        error = "no such command or request: " + words[1];
+        return false;
+    }
+    return addStep(script.on[words[1]], words, 2, error);
 }
 
 bool applyNumber(StandinScript& script, std::string_view wish, int number) {
@@ -34,28 +133,36 @@ bool applyNumber(StandinScript& script, std::string_view wish, int number) {
         script.garbage = size;
     } else if (wish == "quit-after") {
         script.quitAfter = number;
+    } else if (wish == "event-split") {
+        script.eventSplit = size;
+    } else if (wish == "event-garbage") {
+        script.eventGarbage = size;
     } else {
         return false;
     }
     return true;
 }
 
-bool applyLine(StandinScript& script, std::string_view line) {
-    if (line == "close-early") return script.closeEarly = true;
-    if (line == "never-read") return script.neverRead = true;
-    const std::size_t blank = line.find(' ');
-    if (blank == std::string_view::npos) return false;
-    const std::string_view wish = line.substr(0, blank);
-    const std::string_view value = line.substr(blank + 1);
-    if (wish == "reply") return parseHex(value, script.reply);
+bool applyWord(StandinScript& script, std::string_view wish) {
+    if (wish == "close-early") return script.closeEarly = true;
+    if (wish == "never-read") return script.neverRead = true;
+    if (wish == "event-close-early") return script.eventCloseEarly = true;
+    return false;
+}
+
+bool applyLine(StandinScript& script, const Words& words, std::string& error) {
+    const std::string& wish = words[0];
+    if (isStep(wish)) return addStep(script.atStart, words, 0, error);
+    if (wish == "on") return applyOn(script, words, error);
+    if (words.size() == 1) return applyWord(script, wish);
+    if (words.size() != 2) return false;
+    if (wish == "reply") return parseHex(words[1], script.reply);
     int number = 0;
-    return parseNumber(value, number) && applyNumber(script, wish, number);
+    return parseNumber(words[1], number) && applyNumber(script, wish, number);
 }
 
 std::string_view trimmed(std::string_view line) {
-    line = line.substr(0, line.find('#'));
-    while (!line.empty() && (line.back() == ' ' || line.back() == '\r')) line.remove_suffix(1);
-    return line;
+    return line.substr(0, line.find_last_not_of(kBlanks) + 1);
 }
 
 }  // namespace
@@ -66,8 +173,13 @@ std::optional<StandinScript> standinParseScript(std::string_view text, std::stri
         const std::size_t end = std::min(text.find('\n'), text.size());
         const std::string_view line = trimmed(text.substr(0, end));
         text.remove_prefix(std::min(text.size(), end + 1));
-        if (line.empty() || applyLine(script, line)) continue;
+        Words words;
+        std::string reason;
+        if (splitLine(line, words)) {
+            if (words.empty() || applyLine(script, words, reason)) continue;
+        }
         error = "not understood: " + std::string(line);
+        if (!reason.empty()) error += " (" + reason + ")";
         return std::nullopt;
     }
     return script;

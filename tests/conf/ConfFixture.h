@@ -3,33 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "ConfExpectation.h"
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 
 using Lines = std::vector<std::string>;
-
-// One row of the listing that is kept with the tests.
-struct ListedProperty {
-    std::string scope;
-    std::string name;
-    std::string type;
-    std::string defaultValue;
-    bool excluded;
-};
-std::vector<ListedProperty> listedProperties();
-
-// Expected entries of a file, from the listing: full key to value.
-using Entries = std::map<std::string, std::string>;
-Entries globalDefaults();
-void addInstanceDefaults(Entries& entries, const std::string& instance);
-std::string fileText(const Entries& entries);
 
 // A store of the test's own over a folder of the test's own.
 class ConfTest : public ::testing::Test {

@@ -222,6 +222,42 @@ TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
     expectFailure({"instances", "--json"}, 4, "vtr.instance.Nougat64.cpus holds no i32: \"many\"");
 }
 
+TEST_F(BridgectlTest, ListsAppsAsATable) {
+    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
+        data.makeFolder(folder);
+    }
+    data.write("Engine\\Nougat64\\AppCache\\com.a.png", "icon");
+    data.write("Engine\\Nougat64\\AppCache\\AppCache.json",
+               R"([{"package": "com.b", "activity": "com.b.Main", "appLabel": "B",
+                    "versionCode": -1, "versionName": ""},
+                   {"package": "com.a", "activity": "com.a.Start", "appLabel": "日本",
+                    "versionCode": 12, "versionName": "1.0"}])");
+    EXPECT_EQ(output({"apps", "Nougat64"}),
+              "NAME  PACKAGE  ACTIVITY     VERSION   ICON\n"
+              "日本  com.a    com.a.Start  1.0 (12)  yes\n"
+              "B     com.b    com.b.Main   (-1)      no\n");
+}
+
+TEST_F(BridgectlTest, ListsAppsAsTheLibrarysJson) {
+    EXPECT_EQ(output({"apps", "Nougat64", "--json"}), "[\n]\n") << "there is no cache";
+    EXPECT_EQ(output({"--no-conf", "apps", "Any", "--json"}), "[\n]\n");
+    EXPECT_EQ(output({"apps", "Nougat64"}), "NAME  PACKAGE  ACTIVITY  VERSION  ICON\n");
+}
+
+TEST_F(BridgectlTest, AppsOfAnInstanceThatDoesNotExistAreAnError) {
+    expectFailure({"apps", "Other"}, 3, "no such instance: Other");
+}
+
+TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
+    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
+        data.makeFolder(folder);
+    }
+    data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[3]");
+    expectFailure({"apps", "Nougat64"}, 5, "no listing; see the log");
+    EXPECT_EQ(logMessages(data.read("Logs\\Player.log")).back(),
+              "E BRIDGE Helper_bridge Error in appcLibInit, err = XERR_FAILURE (-1)");
+}
+
 TEST_F(BridgectlTest, WithoutTheFileThereIsNothingToCommitTo) {
     expectFailure({"--no-conf", "conf", "set", "vtr.locale", "de"}, 2,
                   "--no-conf leaves no file to commit to: add --to FILE");
@@ -289,7 +325,8 @@ class BridgectlProgramsTest : public BridgectlTest {
         const std::string bin = builtProgram("");
         registry.set("InstallDir", bin.substr(0, bin.size() - 4) + "standins\\");
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                               {"QX_STANDIN_SECONDS", "5"}};
+                               {"QX_STANDIN_SECONDS", "5"},
+                               {"QX_STANDIN_CLIENTS", "none"}};
     }
 
     std::string output(const Arguments& arguments) const {

@@ -108,8 +108,35 @@ TEST(StandinScript, ReadsEveryWish) {
 }
 
 TEST(StandinScript, RefusesWhatItDoesNotKnow) {
-    for (const char* text : {"nonsense", "delay", "delay x", "delay -1", "reply 0", "reply zz",
-                             "speed 5", "split 3x"}) {
+    for (const char* text : {"nonsense",
+                             "delay",
+                             "delay x",
+                             "delay -1",
+                             "reply 0",
+                             "reply zz",
+                             "speed 5",
+                             "split 3x",
+                             "delay 1 2",
+                             "close-early now",
+                             "reply",
+                             "reply \"\"",
+                             "event-split x",
+                             "event-close-early 1",
+                             "pause",
+                             "pause x",
+                             "pause 1 2",
+                             "event-flood",
+                             "event-flood 0 instance-list-updated",
+                             "event-flood 1000001 instance-list-updated",
+                             "event-flood x instance-list-updated",
+                             "on",
+                             "on launchApp",
+                             "on launchApp delay 5",
+                             "on launchApp on launchApp pause 1",
+                             "event app-displayed \"N p",
+                             "event app-displayed \"N\"p",
+                             "event app-displayed \"N\\a\" p",
+                             "event app-displayed N \"p\\"}) {
         std::string error;
         EXPECT_FALSE(standinParseScript(text, error)) << text;
         EXPECT_EQ(error, "not understood: " + std::string(text));
@@ -125,4 +152,99 @@ TEST(StandinScript, RepliesHaveTheirLengthUnlessTheyMisbehave) {
     EXPECT_EQ(standinReply(script, 8), std::string("\x01\0\0", 3));
     script.garbage = 2;
     EXPECT_EQ(standinReply(script, 8), std::string("\x01\0\0##", 5));
+}
+
+namespace {
+
+StandinScript scriptOf(std::string_view text) {
+    std::string error;
+    const auto script = standinParseScript(text, error);
+    EXPECT_TRUE(script) << error;
+    return script.value_or(StandinScript());
+}
+
+std::string errorOf(std::string_view text) {
+    std::string error;
+    EXPECT_FALSE(standinParseScript(text, error)) << text;
+    return error;
+}
+
+// Steps as text: "500 app-displayed("N","p") ...; ...".
+Texts shown(const StandinSteps& steps) {
+    Texts texts;
+    for (const StandinStep& step : steps) {
+        std::string line = std::to_string(step.pauseMs);
+        for (const StandinEvent& event : step.events) {
+            line += " " + standinDescribeEvent(event, {"x"}, StandinFormat::Text);
+        }
+        texts.push_back(line);
+    }
+    return texts;
+}
+
+}  // namespace
+
+TEST(StandinScript, ReadsEventWishes) {
+    const StandinScript script = scriptOf("event-split 5\nevent-garbage 3\nevent-close-early\n");
+    EXPECT_EQ(script.eventSplit, 5u);
+    EXPECT_EQ(script.eventGarbage, 3u);
+    EXPECT_TRUE(script.eventCloseEarly);
+    EXPECT_EQ(script.split, std::nullopt);
+    EXPECT_EQ(script.garbage, 0u);
+    EXPECT_FALSE(script.closeEarly);
+    EXPECT_TRUE(script.atStart.empty());
+}
+
+TEST(StandinScript, EventsStandBehindTheirPause) {
+    EXPECT_EQ(shown(scriptOf("event instance-list-updated\nevent app-displayed N p\npause 20\n"
+                             "pause 30\nevent app-uninstalled N p")
+                        .atStart),
+              (Texts{R"(0 event instance-list-updated() -> x event app-displayed("N","p") -> x)",
+                     "20", R"(30 event app-uninstalled("N","p") -> x)"}));
+}
+
+TEST(StandinScript, AFloodNumbersItsEvents) {
+    EXPECT_EQ(shown(scriptOf("event-flood 2 apk-install-completed N{n}{n} {n} p{n}").atStart),
+              (Texts{R"(0 event apk-install-completed("N11",1,"p1") -> x)"
+                     R"( event apk-install-completed("N22",2,"p2") -> x)"}));
+    EXPECT_EQ(shown(scriptOf("event app-displayed N{n} p").atStart),
+              (Texts{R"(0 event app-displayed("N{n}","p") -> x)"}))
+        << "a single event is sent as it stands";
+}
+
+TEST(StandinScript, StepsMayWaitForACommandOrARequest) {
+    const StandinScript script = scriptOf(
+        "on launchApp pause 5\non launchApp event app-displayed N p\n"
+        "on mimDownloadImageRpc event-flood 1 instance-list-updated\n"
+        "on plrShutdownRpc pause 0");
+    EXPECT_TRUE(script.atStart.empty());
+    EXPECT_EQ(script.on.size(), 3u);
+    EXPECT_EQ(shown(script.on.at("launchApp")), Texts{R"(5 event app-displayed("N","p") -> x)"});
+    EXPECT_EQ(shown(script.on.at("mimDownloadImageRpc")),
+              Texts{"0 event instance-list-updated() -> x"});
+    EXPECT_EQ(shown(script.on.at("plrShutdownRpc")), Texts{"0"});
+}
+
+TEST(StandinScript, WordsMayStandBetweenQuotes) {
+    EXPECT_EQ(shown(scriptOf("\tevent app-displayed  \"a # b\" \"\"# comment \"\r\n"
+                             R"("event" app-displayed "say \"hi\" C:\\" 日本"é#)")
+                        .atStart),
+              (Texts{R"(0 event app-displayed("a # b","") -> x)"
+                     R"( event app-displayed("say \"hi\" C:\\","日本\"é") -> x)"}));
+}
+
+TEST(StandinScript, ErrorsOfEventsSayWhy) {
+    EXPECT_EQ(errorOf("delay 5\nevent app-shown N p # x\n"),
+              "not understood: event app-shown N p # x (no such event: app-shown)");
+    EXPECT_EQ(errorOf("event"), "not understood: event (no event is named)");
+    EXPECT_EQ(errorOf("event app-displayed N"),
+              "not understood: event app-displayed N (not the arguments of: app-displayed instance "
+              "package)");
+    EXPECT_EQ(errorOf("event-flood 3 apk-install-completed N one f"),
+              "not understood: event-flood 3 apk-install-completed N one f (not the arguments of: "
+              "apk-install-completed instance status:i32 apkFilePath)");
+    EXPECT_EQ(errorOf("on lunchApp pause 5"),
+              "not understood: on lunchApp pause 5 (no such command or request: lunchApp)");
+    EXPECT_EQ(errorOf("on plrShutdownRpc event app-shown"),
+              "not understood: on plrShutdownRpc event app-shown (no such event: app-shown)");
 }

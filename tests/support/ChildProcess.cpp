@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -27,22 +30,34 @@ std::wstring commandLine(const std::string& program, const std::vector<std::stri
     return line;
 }
 
+std::optional<std::wstring> environmentValue(const std::wstring& name) {
+    wchar_t value[4096];
+    ::SetLastError(ERROR_SUCCESS);  // a value may be empty
+    const DWORD length = ::GetEnvironmentVariableW(name.c_str(), value, 4096);
+    if (length == 0 && ::GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
+    return std::wstring(value, length);
+}
+
 // Values that CreateProcess inherits from this process while the object lives.
 class ScopedEnvironment {
  public:
-    explicit ScopedEnvironment(const ChildOptions& options) : values_(options.environment) {
-        for (const auto& [name, value] : values_) {
-            ::SetEnvironmentVariableW(wideForTests(name).c_str(), wideForTests(value).c_str());
+    explicit ScopedEnvironment(const ChildOptions& options) {
+        for (const auto& [name, value] : options.environment) {
+            const std::wstring wideName = wideForTests(name);
+            before_.emplace_back(wideName, environmentValue(wideName));
+            ::SetEnvironmentVariableW(wideName.c_str(), wideForTests(value).c_str());
         }
     }
+    // Backwards, since a name may have been set twice.
     ~ScopedEnvironment() {
-        for (const auto& entry : values_) {
-            ::SetEnvironmentVariableW(wideForTests(entry.first).c_str(), nullptr);
+        for (auto entry = before_.rbegin(); entry != before_.rend(); ++entry) {
+            const auto& [name, value] = *entry;
+            ::SetEnvironmentVariableW(name.c_str(), value ? value->c_str() : nullptr);
         }
     }
 
  private:
-    std::vector<std::pair<std::string, std::string>> values_;
+    std::vector<std::pair<std::wstring, std::optional<std::wstring>>> before_;
 };
 
 // A pipe whose writing end the child inherits.
@@ -75,8 +90,24 @@ struct ChildProcess::State {
     PROCESS_INFORMATION process{};
     std::chrono::seconds limit{};
     std::string outText;
-    std::string errText;
     std::thread errReader;
+
+    std::mutex errLock;
+    std::condition_variable errChanged;
+    std::string errText;      // all of it
+    std::size_t errRead = 0;  // how much of it readErrorLine() has given
+    bool errEnded = false;
+
+    void readErrors() {
+        for (std::string piece; readMore(err.read, piece); piece.clear()) {
+            const std::lock_guard<std::mutex> guard(errLock);
+            errText += piece;
+            errChanged.notify_all();
+        }
+        const std::lock_guard<std::mutex> guard(errLock);
+        errEnded = true;
+        errChanged.notify_all();
+    }
 };
 
 ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
@@ -100,10 +131,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     state_->out.closeWrite();
     state_->err.closeWrite();
     State& state = *state_;
-    state.errReader = std::thread([&state] {
-        while (readMore(state.err.read, state.errText)) {
-        }
-    });
+    state.errReader = std::thread([&state] { state.readErrors(); });
 }
 
 ChildProcess::ChildProcess(ChildProcess&&) noexcept = default;
@@ -114,7 +142,7 @@ ChildProcess::~ChildProcess() {
     if (state_->errReader.joinable()) state_->errReader.join();
     ::CloseHandle(state_->process.hThread);
     ::CloseHandle(state_->process.hProcess);
-    ::CloseHandle(state_->out.read);
+    if (state_->out.read != nullptr) closeOutput();
     ::CloseHandle(state_->err.read);
 }
 
@@ -129,6 +157,7 @@ std::string ChildProcess::readLine() {
     std::size_t end;
     while ((end = state_->outText.find('\n')) == std::string::npos) {
         if (!readMore(state_->out.read, state_->outText)) {
+            const std::lock_guard<std::mutex> guard(state_->errLock);
             throw std::runtime_error("child ended without the line; it wrote: " + state_->outText +
                                      state_->errText);
         }
@@ -139,10 +168,25 @@ std::string ChildProcess::readLine() {
     return line;
 }
 
+std::string ChildProcess::readErrorLine() {
+    State& state = *state_;
+    std::unique_lock<std::mutex> guard(state.errLock);
+    std::size_t end;
+    while ((end = state.errText.find('\n', state.errRead)) == std::string::npos) {
+        if (state.errEnded) throw std::runtime_error("child ended; it wrote: " + state.errText);
+        state.errChanged.wait(guard);
+    }
+    const std::string line = state.errText.substr(state.errRead, end - state.errRead);
+    state.errRead = end + 1;
+    return line;
+}
+
+void ChildProcess::closeOutput() { ::CloseHandle(std::exchange(state_->out.read, nullptr)); }
+
 ChildResult ChildProcess::finish() {
     State& state = *state_;
     std::thread outReader([&state] {
-        while (readMore(state.out.read, state.outText)) {
+        while (state.out.read != nullptr && readMore(state.out.read, state.outText)) {
         }
     });
     const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(state.limit);

@@ -19,7 +19,7 @@ struct ChildResult {
 };
 
 struct ChildOptions {
-    std::vector<std::pair<std::string, std::string>> environment;  // added to this process's
+    std::vector<std::pair<std::string, std::string>> environment;  // before this process's
     std::string folder;                                            // empty: this process's
     std::chrono::seconds limit{60};                                // then it is killed
 };
@@ -34,6 +34,12 @@ class ChildProcess {
 
     // Waits for the next line of its standard output, without the line feed.
     std::string readLine();
+
+    // The same for its standard error, which finish() gives whole all the same.
+    std::string readErrorLine();
+
+    // Leaves its standard output without a reader.
+    void closeOutput();
 
     // Waits for its end. A child that does not end within its limit fails the test.
     ChildResult finish();

@@ -56,7 +56,11 @@ void run(Session& session, bool json) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    json ? printOut(text.get()) : printTable(text.get());
+    if (json) {
+        printOut(text.get());
+    } else {
+        printTable(text.get());
+    }
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -1,0 +1,29 @@
+// The cache of a new instance, from that of another.
+#include <QDir>
+
+#include "appc/Appc.h"
+#include "appc/AppcLog.h"
+#include "appc/AppcStore.h"
+#include "utl/UtlCopy.h"
+#include "xpl/Xfile.h"
+
+XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
+                      const std::string& newInstance) {
+    const std::string baseDir = store.instanceDir(baseInstance);
+    const std::string newDir = store.instanceDir(newInstance);
+    if (xfileExists(baseDir) != XERR_SUCCESS) {
+        XLOG_E(kLog, "Base instance directory %s doesn't exist", baseDir.c_str());
+        return XERR_FAILURE;
+    }
+    // Fails for a folder that is there already, which xfileCreateFolder does not.
+    if (!QDir().mkdir(QString::fromStdString(newDir))) {
+        XLOG_E(kLog, "Failed to create directory %s for new instance %s", newDir.c_str(),
+               newInstance.c_str());
+        return XERR_FAILURE;
+    }
+    const std::lock_guard<AppcLock> guard(store.lock);
+    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+    // What could not be copied is in the log, and the new instance has to do without it.
+    static_cast<void>(utlCopyRecursive(baseDir, newDir));
+    return XERR_SUCCESS;
+}

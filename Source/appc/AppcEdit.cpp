@@ -1,0 +1,42 @@
+// Changes of the cache. Each holds the lock from its first look at the apps until the file is
+// saved.
+#include "appc/Appc.h"
+#include "appc/AppcJson.h"
+#include "appc/AppcLog.h"
+#include "appc/AppcStore.h"
+
+XErr appcSyncInstalledApps(AppcStore& store, const char* json) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    QJsonArray apps;
+    if (json == nullptr || !appcParseSyncList(json, apps)) {
+        XLOG_E(kLog, "%s: Error in reading appList as json array", __func__);
+        return XERR_FAILURE;
+    }
+    if (appcReadFromJsonObj(store, apps) != XERR_SUCCESS) {
+        XLOG_E(kLog, "%s: Error in reading json object", __func__);
+        return XERR_FAILURE;
+    }
+    return appcSaveToFile(store);
+}
+
+XErr appcUpdateApp(AppcStore& store, const std::string& package, const std::string& activity,
+                   const std::string& appLabel, std::int32_t versionCode,
+                   const std::string& versionName, const std::string& iconName) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    const AppcApp app{activity, appLabel, versionCode, versionName, appcIconFileName(package)};
+    store.apps.insert_or_assign(package, app);
+    // An app without an icon is an app all the same.
+    static_cast<void>(
+        store.files.move(store.sharedDir + "/" + iconName, store.appcDir + app.iconFileName));
+    return appcSaveToFile(store);
+}
+
+XErr appcRemoveApp(AppcStore& store, const std::string& package) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    const auto found = store.apps.find(package);
+    if (found == store.apps.end()) return XERR_SUCCESS;
+    const std::string icon = store.appcDir + found->second.iconFileName;
+    store.apps.erase(found);
+    store.files.remove(icon);
+    return appcSaveToFile(store);
+}

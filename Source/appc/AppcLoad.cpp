@@ -1,0 +1,113 @@
+// Opening and loading, and the questions that the cache answers.
+#include "appc/Appc.h"
+#include "appc/AppcJson.h"
+#include "appc/AppcLog.h"
+#include "appc/AppcStore.h"
+#include "utl/UtlFolders.h"
+#include "xpl/Xfile.h"
+
+namespace {
+
+// A file that is just being replaced can refuse to be looked at: that is for the open to decide,
+// which waits for the other process.
+bool isMissing(const std::string& path) {
+    const XErr err = xfileExists(path);
+    return err != XERR_SUCCESS && err != XERR_ACCES;
+}
+
+// The next save writes a fresh file.
+void discard(AppcStore& store) XTS_REQUIRES(store.lock) {
+    store.files.remove(store.filePath());
+    store.apps.clear();
+}
+
+XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
+    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+    const std::string path = store.filePath();
+    std::string content;
+    if (const XErr err = store.files.read(path, content); err != XERR_SUCCESS) {
+        XLOG_E(kLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
+               appcErrorText(err).c_str());
+        discard(store);
+        return XERR_SUCCESS;
+    }
+    QJsonArray array;
+    if (!appcParseArray(content, array)) {
+        XLOG_E(kLog, "Could not create JsonDocument from %s deleting the files", path.c_str());
+        discard(store);
+        return XERR_SUCCESS;
+    }
+    return appcReadFromJsonObj(store, array);
+}
+
+template <typename Field>
+void copyTo(Field* out, const Field& field) {
+    if (out != nullptr) *out = field;
+}
+
+}  // namespace
+
+AppcStore& appcStore() {
+    static AppcStore& store = *new AppcStore(appcDiskFiles(), utlGetDataDir(), utlSharedDir());
+    return store;
+}
+
+XErr appcLibInit(AppcStore& store, const std::string& instance) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    store.instance = instance;
+    store.appcDir = store.instanceDir(instance);
+    store.apps.clear();  // a missing file must not show another instance's apps
+    const std::string lockName = utlGlobalObjectName("appc_" + instance);
+    if (const XErr err = store.fileLock.init(lockName); err != XERR_SUCCESS) return err;
+    const XErr err = appcLoadFromFile(store);
+    if (err != XERR_SUCCESS) XLOG_E(kLog, "Failed to load app cache from file");
+    return err;
+}
+
+XErr appcLoadFromFile(AppcStore& store) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    if (isMissing(store.filePath())) {
+        XLOG_W(kLog, "File %s not present", store.filePath().c_str());
+        return XERR_SUCCESS;
+    }
+    return loadUnderFileLock(store);
+}
+
+XErr appcReadFromJsonObj(AppcStore& store, const QJsonArray& apps) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    const AppcFlaw flaw = appcReadApps(apps, store.apps);
+    switch (flaw.kind) {
+        case AppcFlaw::None:
+            return XERR_SUCCESS;
+        case AppcFlaw::NotAnObject:
+            break;
+        case AppcFlaw::NotDefined:
+            XLOG_E(kLog, "%s: %d: json value %s: Not defined", __func__, __LINE__, flaw.key);
+            break;
+        case AppcFlaw::InvalidType:
+            XLOG_E(kLog, "%s: %d: json value %s: Invalid type %d expected %s", __func__, __LINE__,
+                   flaw.key, static_cast<int>(flaw.type), flaw.expected);
+            break;
+    }
+    return XERR_FAILURE;
+}
+
+XErr appcGetApp(AppcStore& store, const std::string& package, std::string* activity,
+                std::string* appLabel, std::int32_t* versionCode, std::string* versionName,
+                std::string* iconFileName) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    const auto found = store.apps.find(package);
+    if (found == store.apps.end()) return XERR_NOENT;
+    const AppcApp& app = found->second;
+    copyTo(activity, app.activity);
+    copyTo(appLabel, app.appLabel);
+    copyTo(versionCode, app.versionCode);
+    copyTo(versionName, app.versionName);
+    copyTo(iconFileName, app.iconFileName);
+    return XERR_SUCCESS;
+}
+
+void appcGetPackages(AppcStore& store, std::list<std::string>& packages) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    for (const auto& entry : store.apps) packages.push_back(entry.first);
+}

@@ -1,0 +1,58 @@
+#ifndef APPC_APPCSTORE_H
+#define APPC_APPCSTORE_H
+
+#include <mutex>
+#include <string>
+
+#include "appc/AppcApp.h"
+#include "appc/AppcFiles.h"
+#include "xpl/Xattributes.h"
+#include "xpl/XmutexNamed.h"
+
+// Taken again by the thread that holds it: the operations that edit the cache save it while they
+// hold the lock, and so does whoever needs several operations to be one.
+class XTS_CAPABILITY("mutex") AppcLock {
+ public:
+    void lock() XTS_ACQUIRE() { mutex_.lock(); }
+    void unlock() XTS_RELEASE() { mutex_.unlock(); }
+
+ private:
+    std::recursive_mutex mutex_;
+};
+
+// State of an app cache; for the files of this module, its tests, and callers that hold the lock
+// over several operations. Everybody else calls the functions of Appc.h.
+//
+// Lock order: `lock`, then `fileLock`, then xinheritGate(). Nothing can take the first two the
+// other way round: `fileLock` is itself guarded by `lock`, so that code which takes it without
+// holding `lock` does not compile. Were the load to take `fileLock` first and `lock` for the apps,
+// a thread that loads and one that saves would wait for each other for ever.
+struct AppcStore {
+    // `productDataDir` ends with a separator.
+    AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir)
+        : files(filesToUse),
+          dataDir(std::move(productDataDir)),
+          sharedDir(std::move(productSharedDir)) {}
+
+    // Where an instance keeps its cache: file and icons. Ends with "/".
+    std::string instanceDir(const std::string& name) const {
+        return dataDir + "Engine/" + name + "/AppCache/";
+    }
+
+    AppcFiles& files;
+    const std::string dataDir;
+    const std::string sharedDir;
+
+    AppcLock lock;
+
+    std::string instance XTS_GUARDED_BY(lock);
+    std::string appcDir XTS_GUARDED_BY(lock);  // the instance's
+    AppcApps apps XTS_GUARDED_BY(lock);
+
+    // Guards the file between processes. Before appcLibInit named it, taking it is fatal.
+    XmutexNamed fileLock XTS_GUARDED_BY(lock);
+
+    std::string filePath() const XTS_REQUIRES(lock) { return appcDir + "AppCache.json"; }
+};
+
+#endif

@@ -1,0 +1,57 @@
+// Folders are listed, made and removed, and files copied, by Qt, which takes paths of any length.
+#include "utl/UtlCopy.h"
+
+#include <QDir>
+#include <QFile>
+
+#include "xpl/Xlog.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
+
+QString qtText(const std::string& text) { return QString::fromStdString(text); }
+
+std::string joined(const std::string& folder, const QString& name) {
+    return folder + QDir::separator().toLatin1() + name.toStdString();
+}
+
+// An empty folder, whatever was there. A failure shows when files are copied into it.
+void makeAfresh(const std::string& folder) {
+    QDir existing(qtText(folder));
+    if (existing.exists()) existing.removeRecursively();
+    QDir().mkpath(qtText(folder));
+}
+
+void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
+    for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort)) {
+        const std::string target = joined(destination, name);
+        makeAfresh(target);
+        // Its failures are logged, and do not count here.
+        static_cast<void>(utlCopyRecursive(source + "/" + name.toStdString(), target));
+    }
+}
+
+XErr copyFiles(const QDir& folder, const std::string& source, const std::string& destination) {
+    XErr result = XERR_SUCCESS;
+    for (const QString& name : folder.entryList(QDir::Files, QDir::NoSort)) {
+        // Never overwrites.
+        if (QFile::copy(qtText(joined(source, name)), qtText(joined(destination, name)))) continue;
+        XLOG_W(kLog, "%s: Failed to copy file = %s", "utlCopyRecursive",
+               name.toStdString().c_str());
+        result = XERR_FAILURE;
+    }
+    return result;
+}
+
+}  // namespace
+
+XErr utlCopyRecursive(const std::string& source, const std::string& destination) {
+    const QDir folder(qtText(source));
+    if (!folder.exists()) {
+        XLOG_W(kLog, "%s: source dir %s doesn't exist", "utlCopyRecursive", source.c_str());
+        return XERR_SUCCESS;
+    }
+    copySubfolders(folder, source, destination);
+    return copyFiles(folder, source, destination);
+}

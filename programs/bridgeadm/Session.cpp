@@ -1,0 +1,83 @@
+#include "Session.h"
+
+#include <algorithm>
+
+#include "appc/Appc.h"
+#include "utl/UtlFolders.h"
+#include "utl/UtlImages.h"
+#include "xpl/Xfence.h"
+#include "xpl/Xpl.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::CONF, "programs/bridgeadm/Session"};
+
+XErr load() {
+    return confLibInit(confStore(), utlGetDataDir() + "vantrel.conf", /*allowDeprecated=*/false);
+}
+
+// No locale has a say in it.
+bool isPackageCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '_';
+}
+
+}  // namespace
+
+bool Session::start() {
+    if (!requireLog()) return false;
+    if (const XErr err = xplLibInit(nullptr, logPath()); err != XERR_SUCCESS) {
+        return failStatus(ExitCode::Library, "the log did not start", err);
+    }
+    xlogSetClientName("bridgeadm");
+    return true;
+}
+
+bool Session::startWithConfiguration() {
+    if (!start()) return false;
+    // A line that ends at its "=" makes the loader throw.
+    const XErr err = xfence(kLog, "confLibInit", XErr{XERR_FAILURE}, load);
+    return err == XERR_SUCCESS ||
+           failStatus(ExitCode::Library, "the configuration cannot be loaded", err);
+}
+
+bool Session::isKnown(const std::string& instance) const {
+    const auto instances = confGetInstances(store());
+    return instances.find(instance) != instances.end();
+}
+
+bool Session::requireInstance(const std::string& instance) {
+    return isKnown(instance) || failInstance(instance);
+}
+
+bool Session::requirePossibleInstance(const std::string& instance) {
+    if (!confIsInstanceName(instance)) {
+        return fail(ExitCode::BadValue, "no instance can have this name: " + instance);
+    }
+    // It would end every host that lists the instances.
+    return utlFindImageTrait(utlImageNameOfInstance(instance)) != nullptr ||
+           fail(ExitCode::UnknownName, "instance " + instance + " has an unknown image");
+}
+
+bool Session::commit() {
+    const XErr err = confCommit(store());
+    return err == XERR_SUCCESS || failStatus(ExitCode::Commit, "not committed", err);
+}
+
+bool Session::openCache(const std::string& instance) {
+    if (!startWithConfiguration() || !requireInstance(instance)) return false;
+    const XErr err = appcLibInit(appcStore(), instance);
+    return err == XERR_SUCCESS ||
+           failStatus(ExitCode::Library, "the app cache cannot be read", err);
+}
+
+bool Session::requirePackageName(const std::string& package) {
+    const bool possible =
+        !package.empty() && std::all_of(package.begin(), package.end(), isPackageCharacter);
+    return possible || fail(ExitCode::BadValue, "no app can have this package name: " + package);
+}
+
+bool Session::saved(XErr err) {
+    return err == XERR_SUCCESS ||
+           failStatus(ExitCode::Commit, "the app cache was not written", err);
+}

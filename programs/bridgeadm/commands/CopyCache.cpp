@@ -1,0 +1,54 @@
+// bridgeadm copy-cache SOURCE TARGET
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "appc/Appc.h"
+#include "appc/AppcStore.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+#include "xpl/Xfile.h"
+
+namespace {
+
+struct Arguments {
+    std::string source;
+    std::string target;
+};
+
+bool hasCache(const std::string& instance) {
+    return xfileExists(appcStore().instanceDir(instance)) == XERR_SUCCESS;
+}
+
+bool canBeCopied(Session& session, const Arguments& arguments) {
+    if (!session.requireInstance(arguments.target)) return false;
+    if (!hasCache(arguments.source)) {
+        return session.fail(ExitCode::UnknownName, "no app cache of " + arguments.source);
+    }
+    return !hasCache(arguments.target) ||
+           session.fail(ExitCode::Usage, "an app cache of " + arguments.target + " exists");
+}
+
+void run(Session& session, const Arguments& arguments) {
+    // The source's machine-wide lock keeps others from changing what is copied.
+    if (!session.openCache(arguments.source) || !canBeCopied(session, arguments)) return;
+    const XErr err = appcCopyInstance(appcStore(), arguments.source, arguments.target);
+    if (!session.saved(err)) return;
+    printOut("copied the app cache of " + arguments.source + " to " + arguments.target + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto arguments = std::make_shared<Arguments>();
+    parser.add_option("SOURCE", arguments->source, "Instance whose cache is copied")->required();
+    parser.add_option("TARGET", arguments->target, "Instance that has none yet")->required();
+    parser.callback([&session, arguments] { run(session, *arguments); });
+}
+
+}  // namespace
+
+extern const Command commandCopyCache;
+const Command commandCopyCache{
+    "", "copy-cache", "Copies the app cache of an instance to another one",
+    "List and icons; the folder of the target in \"Engine\" must exist. Files that could not be\n"
+    "copied are in the log.\n"
+    "Example: bridgeadm copy-cache Nougat64 Nougat64_1",
+    declare};

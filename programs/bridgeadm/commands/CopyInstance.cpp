@@ -1,0 +1,54 @@
+// bridgeadm copy-instance SOURCE TARGET [--overwrite]
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+
+namespace {
+
+struct Arguments {
+    std::string source;
+    std::string target;
+    bool overwrite = false;
+};
+
+bool canBeCopied(Session& session, const Arguments& arguments) {
+    if (!session.requireInstance(arguments.source)) return false;
+    if (arguments.source == arguments.target) {
+        return session.fail(ExitCode::Usage, "an instance cannot be copied onto itself");
+    }
+    if (!session.requirePossibleInstance(arguments.target)) return false;
+    return arguments.overwrite || !session.isKnown(arguments.target) ||
+           session.fail(ExitCode::Usage,
+                        "instance " + arguments.target + " exists: add --overwrite");
+}
+
+void run(Session& session, const Arguments& arguments) {
+    if (!session.startWithConfiguration() || !canBeCopied(session, arguments)) return;
+    const XErr err = confCopyInstance(session.store(), arguments.source, arguments.target);
+    if (err != XERR_SUCCESS) {
+        session.failStatus(ExitCode::Library, "not copied", err);
+        return;
+    }
+    if (!session.commit()) return;
+    printOut("copied the settings of " + arguments.source + " to " + arguments.target + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto arguments = std::make_shared<Arguments>();
+    parser.add_option("SOURCE", arguments->source, "Instance to copy")->required();
+    parser.add_option("TARGET", arguments->target, "Name of the copy")->required();
+    parser.add_flag("--overwrite", arguments->overwrite,
+                    "Replace the settings of an instance that exists");
+    parser.callback([&session, arguments] { run(session, *arguments); });
+}
+
+}  // namespace
+
+extern const Command commandCopyInstance;
+const Command commandCopyInstance{"", "copy-instance",
+                                  "Copies the settings of an instance to another one",
+                                  "Its app cache is copied by copy-cache.\n"
+                                  "Example: bridgeadm copy-instance Nougat64 Nougat64_1",
+                                  declare};

@@ -1,0 +1,76 @@
+// bridgeadm dump-instance NAME [--json]
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "Session.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+
+namespace {
+
+// The dump of the current instance; nothing after an error.
+std::optional<std::string> dump(Session& session) {
+    std::uint32_t size = 0;
+    XErr err = confGetInstanceAllConfigs(session.store(), nullptr, 0, size);
+    std::string text(size, '\0');
+    if (err == XERR_FBIG) {
+        err = confGetInstanceAllConfigs(session.store(), text.data(), size, size);
+    }
+    if (err != XERR_SUCCESS) {
+        session.failStatus(ExitCode::Library, "not dumped", err);
+        return std::nullopt;
+    }
+    text.pop_back();  // the NUL
+    return text;
+}
+
+// The dump itself ends the process when it meets one.
+bool everyLineFits(Session& session) {
+    const std::vector<std::string> keys = confKeysTooLongForDump(session.store());
+    return keys.empty() ||
+           session.fail(ExitCode::BadValue, "too long for a dump: " + CLI::detail::join(keys, " "));
+}
+
+void printJson(const std::string& text) {
+    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t equals = line.find('=');
+        array.push_back({{"key", line.substr(0, equals)}, {"value", line.substr(equals + 1)}});
+    }
+    // Bytes that are not UTF-8 must not end the dump.
+    printOut(array.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+}
+
+void run(Session& session, const std::string& instance, bool json) {
+    if (!session.startWithConfiguration() || !session.requireInstance(instance)) return;
+    if (const XErr err = confSetCurrentInstance(session.store(), instance); err != XERR_SUCCESS) {
+        session.failInstance(instance);
+        return;
+    }
+    if (!everyLineFits(session)) return;
+    const std::optional<std::string> text = dump(session);
+    if (!text) return;
+    if (json) {
+        printJson(*text);
+    } else {
+        printOut(*text);
+    }
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto instance = std::make_shared<std::string>();
+    const auto json = std::make_shared<bool>(false);
+    parser.add_option("NAME", *instance, "Instance to dump")->required();
+    parser.add_flag("--json", *json, "As JSON: an array of objects");
+    parser.callback([&session, instance, json] { run(session, *instance, *json); });
+}
+
+}  // namespace
+
+extern const Command commandDumpInstance;
+const Command commandDumpInstance{
+    "", "dump-instance", "Prints the settings of an instance and the global ones",
+    "One line a setting, in the form that the product's programs exchange.\n"
+    "Example: bridgeadm dump-instance Nougat64 --json",
+    declare};

@@ -1,0 +1,43 @@
+// bridgeadm remove-app INSTANCE PACKAGE
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "appc/Appc.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+
+namespace {
+
+struct Arguments {
+    std::string instance;
+    std::string package;
+};
+
+// The library takes the removal of an app that is not there for done.
+bool requireApp(Session& session, const std::string& package) {
+    return appcGetApp(appcStore(), package, nullptr, nullptr, nullptr, nullptr, nullptr) ==
+               XERR_SUCCESS ||
+           session.fail(ExitCode::UnknownName, "no such app: " + package);
+}
+
+void run(Session& session, const Arguments& arguments) {
+    if (!session.requirePackageName(arguments.package)) return;
+    if (!session.openCache(arguments.instance) || !requireApp(session, arguments.package)) return;
+    if (!session.saved(appcRemoveApp(appcStore(), arguments.package))) return;
+    printOut("removed " + arguments.package + " from " + arguments.instance + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto arguments = std::make_shared<Arguments>();
+    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
+    parser.add_option("PACKAGE", arguments->package, "Android package name")->required();
+    parser.callback([&session, arguments] { run(session, *arguments); });
+}
+
+}  // namespace
+
+extern const Command commandRemoveApp;
+const Command commandRemoveApp{"", "remove-app", "Removes an app from the app cache of an instance",
+                               "The app itself stays installed; its icon is deleted.\n"
+                               "Example: bridgeadm remove-app Nougat64 com.example.app",
+                               declare};

@@ -1,0 +1,31 @@
+// bridgeadm remove-instance NAME
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+
+namespace {
+
+void run(Session& session, const std::string& instance) {
+    if (!session.startWithConfiguration() || !session.requireInstance(instance)) return;
+    confDeleteInstance(session.store(), instance);
+    if (!session.commit()) return;
+    printOut("removed the settings of " + instance + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto instance = std::make_shared<std::string>();
+    parser.add_option("NAME", *instance, "Instance to remove")->required();
+    parser.callback([&session, instance] { run(session, *instance); });
+}
+
+}  // namespace
+
+extern const Command commandRemoveInstance;
+const Command commandRemoveInstance{
+    "", "remove-instance", "Removes the settings of an instance",
+    "The instance's other files stay. Close its player first: a program that has the instance\n"
+    "loaded brings its settings back with its next commit.\n"
+    "Example: bridgeadm remove-instance Nougat64_1",
+    declare};

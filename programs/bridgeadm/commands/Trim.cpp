@@ -1,0 +1,30 @@
+// bridgeadm trim
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+#include "utl/UtlTrim.h"
+
+namespace {
+
+void run(Session& session) {
+    if (!session.start() || !session.requireInstallFolder()) return;
+    if (const XErr err = utlTrimMemoryAllProcs(); err != XERR_SUCCESS) {
+        session.failStatus(ExitCode::Library, "not trimmed", err);
+        return;
+    }
+    printOut("trimmed the product's processes\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    parser.callback([&session] { run(session); });
+}
+
+}  // namespace
+
+extern const Command commandTrim;
+const Command commandTrim{"", "trim", "Empties the working sets of the product's processes",
+                          "Those that run from the install folder; the log names each.\n"
+                          "Example: bridgeadm trim",
+                          declare};

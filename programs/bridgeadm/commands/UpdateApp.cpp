@@ -1,0 +1,84 @@
+// bridgeadm update-app INSTANCE PACKAGE [--activity TEXT] [--label TEXT] [--version-code NUMBER]
+// [--version-name TEXT] [--icon FILE]
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "appc/Appc.h"
+#include "bridgectl/Command.h"
+#include "bridgectl/Console.h"
+#include "utl/UtlFolders.h"
+#include "xpl/Xfile.h"
+
+namespace {
+
+struct Arguments {
+    std::string instance;
+    std::string package;
+    std::optional<std::string> activity;
+    std::optional<std::string> label;
+    std::optional<std::int32_t> versionCode;
+    std::optional<std::string> versionName;
+    std::string icon;  // empty: it stays as it is
+};
+
+struct App {
+    std::string activity;
+    std::string label;
+    std::int32_t versionCode = 0;
+    std::string versionName;
+};
+
+// What the cache has, or nothing of it, under what the command line has.
+App updatedApp(const Arguments& arguments) {
+    App app;
+    static_cast<void>(appcGetApp(appcStore(), arguments.package, &app.activity, &app.label,
+                                 &app.versionCode, &app.versionName, /*iconFileName=*/nullptr));
+    return {arguments.activity.value_or(app.activity), arguments.label.value_or(app.label),
+            arguments.versionCode.value_or(app.versionCode),
+            arguments.versionName.value_or(app.versionName)};
+}
+
+std::string iconPath(const std::string& icon) { return utlSharedDir() + icon; }
+
+bool requireIcon(Session& session, const std::string& icon) {
+    return icon.empty() || xfileExists(iconPath(icon)) == XERR_SUCCESS ||
+           session.fail(ExitCode::UnknownName, "no such file in the shared folder: " + icon);
+}
+
+// The library does not tell.
+bool iconWasMoved(Session& session, const std::string& icon) {
+    return icon.empty() || xfileExists(iconPath(icon)) != XERR_SUCCESS ||
+           session.fail(ExitCode::Library, "saved, but the icon could not be moved: " + icon);
+}
+
+void run(Session& session, const Arguments& arguments) {
+    if (!session.requirePackageName(arguments.package)) return;
+    if (!session.openCache(arguments.instance) || !requireIcon(session, arguments.icon)) return;
+    const App app = updatedApp(arguments);
+    const XErr err = appcUpdateApp(appcStore(), arguments.package, app.activity, app.label,
+                                   app.versionCode, app.versionName, arguments.icon);
+    if (!session.saved(err) || !iconWasMoved(session, arguments.icon)) return;
+    printOut("updated " + arguments.package + " of " + arguments.instance + "\n");
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto arguments = std::make_shared<Arguments>();
+    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
+    parser.add_option("PACKAGE", arguments->package, "Android package name")->required();
+    parser.add_option("--activity", arguments->activity, "Launch activity");
+    parser.add_option("--label", arguments->label, "Name that users see");
+    parser.add_option("--version-code", arguments->versionCode, "Version for Android");
+    parser.add_option("--version-name", arguments->versionName, "Version that users see");
+    parser.add_option("--icon", arguments->icon,
+                      "File of the shared folder that becomes the app's icon");
+    parser.callback([&session, arguments] { run(session, *arguments); });
+}
+
+}  // namespace
+
+extern const Command commandUpdateApp;
+const Command commandUpdateApp{
+    "", "update-app", "Adds an app to the app cache of an instance, or changes it",
+    "What is not given stays as it is, or is empty in a new app.\n"
+    "Example: bridgeadm update-app Nougat64 com.example.app --label Example --version-code 3",
+    declare};

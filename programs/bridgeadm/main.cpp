@@ -1,0 +1,24 @@
+// bridgeadm: maintenance of the product's data, with the layers of the library and without its DLL.
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+#include "bridgectl/CommandLine.h"
+#include "bridgectl/Console.h"
+#include "utl/UtlImages.h"
+
+namespace {
+
+void declareOptions(CLI::App& app, Session& session) {
+    app.add_option("--log-file", session.logFile, "Log into this file instead of the product's");
+}
+
+}  // namespace
+
+const char* const programName = "bridgeadm";
+
+int main() {
+    Session session;
+    return runCommandLine({"Maintenance of the product's instances and their app caches.",
+                           UTL_VERSION, declareOptions},
+                          session, session);
+}

@@ -1,0 +1,21 @@
+#ifndef BRIDGECTL_COMMANDLINE_H
+#define BRIDGECTL_COMMANDLINE_H
+
+#include "Command.h"
+#include "ProgramRun.h"
+
+// What a program's command line has beside its commands.
+struct Program {
+    const char* description;  // one line of the help
+    const char* version;
+
+    // Adds the options in front of the command.
+    void (*declareOptions)(CLI::App& app, Session& session);
+};
+
+// All that main() does: parses this process's command line, does the command's work and answers the
+// exit code, which the work leaves in `run`, the session's base. Nothing that this process starts
+// inherits its standard handles.
+int runCommandLine(const Program& program, Session& session, const ProgramRun& run) noexcept;
+
+#endif

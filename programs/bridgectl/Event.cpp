@@ -1,0 +1,71 @@
+#include "Event.h"
+
+#include <cstdio>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kNames[] = {
+#define BRIDGECTL_NAME(kind, name) name,
+    BRIDGECTL_EVENTS(BRIDGECTL_NAME)
+#undef BRIDGECTL_NAME
+};
+
+Json jsonOf(const EventValue& value) {
+    return std::visit([](const auto& content) { return Json(content); }, value);
+}
+
+// What JSON lets through and terminals take for controls: DEL and U+0080 to U+009F.
+std::string withoutControls(const std::string& json) {
+    std::string safe;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(json[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : 0);
+        const bool isC1 = byte == 0xC2 && next < 0xA0;
+        if (byte != 0x7F && !isC1) {
+            safe += json[i];
+            continue;
+        }
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\u%04x", isC1 ? next : byte);
+        safe += escaped;
+        if (isC1) ++i;
+    }
+    return safe;
+}
+
+std::string dump(const Json& json) {
+    return withoutControls(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+}  // namespace
+
+const char* eventName(EventKind kind) { return kNames[static_cast<std::size_t>(kind)]; }
+
+std::vector<std::string> eventNames() { return {std::begin(kNames), std::end(kNames)}; }
+
+std::string isoTime(const LocalTime& time) {
+    const int offset = time.offset < 0 ? -time.offset : time.offset;
+    char text[96];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03d%c%02d:%02d", time.year,
+                  time.month, time.day, time.hour, time.minute, time.second, time.millisecond,
+                  time.offset < 0 ? '-' : '+', offset / 60, offset % 60);
+    return text;
+}
+
+std::string eventText(const Event& event) {
+    std::string line = isoTime(event.time) + " " + eventName(event.kind);
+    for (const auto& [name, value] : event.fields) {
+        line.append(" ").append(name).append("=").append(dump(jsonOf(value)));
+    }
+    return line + "\n";
+}
+
+std::string eventJson(const Event& event) {
+    Json json{{"time", isoTime(event.time)}, {"event", eventName(event.kind)}};
+    for (const auto& [name, value] : event.fields) json[name] = jsonOf(value);
+    return dump(json) + "\n";
+}

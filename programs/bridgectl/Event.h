@@ -1,0 +1,65 @@
+#ifndef BRIDGECTL_EVENT_H
+#define BRIDGECTL_EVENT_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+// Events as the program shows them.
+
+// X(kind, name): every event, in the order of the library's callbacks.
+#define BRIDGECTL_EVENTS(X)                                           \
+    X(AppInstalled, "app-installed")                                  \
+    X(AppUninstalled, "app-uninstalled")                              \
+    X(ApkInstallCompleted, "apk-install-completed")                   \
+    X(InstanceListUpdated, "instance-list-updated")                   \
+    X(ImageInstallProgress, "image-install-progress")                 \
+    X(CreateInstanceCompleted, "create-instance-completed")           \
+    X(InstanceConfigurationChanged, "instance-configuration-changed") \
+    X(AppDisplayed, "app-displayed")                                  \
+    X(AccountListUpdated, "account-list-updated")
+
+enum class EventKind {
+#define BRIDGECTL_ENUMERATOR(kind, name) kind,
+    BRIDGECTL_EVENTS(BRIDGECTL_ENUMERATOR)
+#undef BRIDGECTL_ENUMERATOR
+};
+
+const char* eventName(EventKind kind);
+std::vector<std::string> eventNames();
+
+// A moment in the local time of this machine.
+struct LocalTime {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int millisecond = 0;
+    int offset = 0;  // minutes that the local time is ahead of UTC
+};
+
+LocalTime localTimeNow();
+
+// "2024-03-07T14:05:09.042+05:30"
+std::string isoTime(const LocalTime& time);
+
+using EventValue = std::variant<std::int32_t, bool, double, std::string>;
+
+struct Event {
+    LocalTime time;
+    EventKind kind;
+    std::vector<std::pair<const char*, EventValue>> fields;
+};
+
+// One line with its line feed: the time, the name, and name=value for each field, or a JSON object
+// with all of these. Texts stand between quotes in both: what a sender put into them cannot end the
+// line or reach the terminal's controls, and bytes that are not UTF-8 become U+FFFD.
+std::string eventText(const Event& event);
+std::string eventJson(const Event& event);
+
+#endif

@@ -1,0 +1,221 @@
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include "AppcFixture.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
+                                 {"com.b", "com.b.Main", "B", 2, "2.0"}};
+
+class AppcEditTest : public AppcTest {
+ protected:
+    AppcEditTest() {
+        EXPECT_EQ(init(fileOf(kTwo)), 0);
+        log.clear();
+    }
+
+    void writeShared(const std::string& name, std::string_view content) const {
+        data.write("Engine\\UserData\\SharedFolder\\" + name, content);
+    }
+    bool hasShared(const std::string& name) const {
+        return data.has("Engine\\UserData\\SharedFolder\\" + name);
+    }
+    std::string icon(const std::string& package) const {
+        return data.read("Engine\\Nougat64\\AppCache\\" + package + ".png");
+    }
+    void writeIcon(const std::string& package) const {
+        data.write("Engine\\Nougat64\\AppCache\\" + package + ".png", "old icon");
+    }
+    bool hasIcon(const std::string& package) const {
+        return data.has("Engine\\Nougat64\\AppCache\\" + package + ".png");
+    }
+
+    // Makes the next save fail: a file cannot be put in place of a folder.
+    void blockTheFile() const {
+        ::DeleteFileW(wideForTests(file()).c_str());
+        data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
+    }
+};
+
+const char* const kSync = R"({"apps": [
+    {"package": "com.b", "activity": "b2", "appLabel": "B2", "versionCode": 3, "versionName": "3"},
+    {"package": "com.c", "activity": "c", "appLabel": "C", "versionCode": 1, "versionName": "1"}]})";
+
+}  // namespace
+
+TEST_F(AppcEditTest, ASyncReplacesTheWholeCache) {
+    writeIcon("com.a");
+    EXPECT_EQ(appcSyncInstalledApps(store, kSync), 0);
+    EXPECT_EQ(read(), fileOf({{"com.b", "b2", "B2", 3, "3"}, {"com.c", "c", "C", 1, "1"}}));
+    EXPECT_EQ(packages(), (Lines{"com.b", "com.c"}));
+    EXPECT_TRUE(hasIcon("com.a")) << "icons are not touched";
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(AppcEditTest, ASyncWithNoAppsWritesAnEmptyArray) {
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0);
+    EXPECT_EQ(read(), "[\n]\n");
+    EXPECT_EQ(count(), 0u);
+}
+
+TEST_F(AppcEditTest, ASyncWithoutAnArrayOfAppsChangesNothing) {
+    for (const char* json : {R"({"apps": {}})", "", "[]", "{}", "nonsense", R"({"apps": null})",
+                             static_cast<const char*>(nullptr)}) {
+        log.clear();
+        EXPECT_EQ(appcSyncInstalledApps(store, json), -1);
+        EXPECT_EQ(log.texts(),
+                  Lines{"E APPC appcSyncInstalledApps: Error in reading appList as json array"});
+        EXPECT_EQ(packages(), (Lines{"com.a", "com.b"}));
+        EXPECT_EQ(read(), fileOf(kTwo));
+    }
+}
+
+TEST_F(AppcEditTest, ASyncWithABadKeyEmptiesTheMemoryAndLeavesTheFile) {
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": [{"package": "com.x"}]})"), -1);
+    EXPECT_EQ(withoutNumbers(log.texts()),
+              (Lines{"E APPC appcReadFromJsonObj: N: json value activity: Not defined",
+                     "E APPC appcSyncInstalledApps: Error in reading json object"}));
+    EXPECT_EQ(count(), 0u);
+    EXPECT_EQ(read(), fileOf(kTwo));
+}
+
+TEST_F(AppcEditTest, ASyncWithSomethingElseInTheListKeepsTheAppsBeforeItInMemory) {
+    EXPECT_EQ(appcSyncInstalledApps(
+                  store, (R"({"apps": )" + arrayOf({Element().text(), "1"}) + "}").c_str()),
+              -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC appcSyncInstalledApps: Error in reading json object"});
+    EXPECT_EQ(packages(), Lines{"com.a"});
+    EXPECT_EQ(read(), fileOf(kTwo));
+}
+
+TEST_F(AppcEditTest, ASyncAnswersTheSavesResult) {
+    blockTheFile();
+    EXPECT_EQ(appcSyncInstalledApps(store, kSync), -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
+    EXPECT_EQ(packages(), (Lines{"com.b", "com.c"}));
+}
+
+TEST_F(AppcEditTest, ReadingAnArrayReplacesTheMemoryAndNotTheFile) {
+    EXPECT_EQ(appcReadFromJsonObj(store, QJsonArray()), 0);
+    EXPECT_EQ(count(), 0u);
+    EXPECT_EQ(read(), fileOf(kTwo));
+    EXPECT_EQ(appcReadFromJsonObj(store, QJsonArray{QJsonObject()}), -1);
+    EXPECT_EQ(withoutNumbers(log.texts()),
+              Lines{"E APPC appcReadFromJsonObj: N: json value package: Not defined"});
+}
+
+TEST_F(AppcEditTest, AnUpdateAddsAnAppWithItsIcon) {
+    writeShared("new icon é.png", "icon");
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "com.c.Main", "C 日本", -7, "3.0", "new icon é.png"),
+              0);
+    EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "com.c.Main", "C 日本", -7, "3.0"}}));
+    EXPECT_EQ(icon("com.c"), "icon");
+    EXPECT_FALSE(hasShared("new icon é.png"));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(AppcEditTest, AnUpdateOfAnAppKeepsOneRecordAndReplacesItsValuesAndIcon) {
+    writeIcon("com.a");
+    writeShared("x.png", "new icon");
+    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
+    EXPECT_EQ(read(), fileOf({{"com.a", "m", "l", 9, "v"}, kTwo[1]}));
+    EXPECT_EQ(app("com.a"), (AppcApp{"m", "l", 9, "v", "com.a.png"}));
+    EXPECT_EQ(icon("com.a"), "new icon");
+}
+
+TEST_F(AppcEditTest, AnIconThatIsNotThereIsNotReported) {
+    writeIcon("com.a");
+    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "missing.png"), 0);
+    EXPECT_EQ(read(), fileOf({{"com.a", "m", "l", 9, "v"}, kTwo[1]}));
+    EXPECT_EQ(icon("com.a"), "old icon");
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
+    EXPECT_EQ(log.texts(), Lines{"W XFILE Error in flushing file " + store.sharedDir +
+                                 "/missing.png to disk. Error = 2"});
+}
+
+TEST_F(AppcEditTest, AFolderIsNeverMovedAsAnIcon) {
+    data.makeFolder("Engine\\UserData\\SharedFolder\\sub");
+    writeShared("sub\\x", "x");
+    for (const char* name : {"", ".", "..", "sub", "sub/"}) {
+        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", name), 0) << name;
+        EXPECT_TRUE(hasShared("sub\\x")) << name;
+        EXPECT_FALSE(hasIcon("com.c")) << name;
+    }
+}
+
+TEST_F(AppcEditTest, TheFirstAppOfAnInstanceLeavesItsIconWhereItIs) {
+    ASSERT_EQ(appcLibInit(store, "Nougat64_1"), 0);
+    data.makeFolder("Engine\\Nougat64_1");
+    writeShared("x.png", "icon");
+    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
+    EXPECT_TRUE(hasShared("x.png")) << "the folder comes with the save, after the move";
+    EXPECT_EQ(data.read("Engine\\Nougat64_1\\AppCache\\AppCache.json"),
+              fileOf({{"com.a", "m", "l", 9, "v"}}));
+    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
+    EXPECT_FALSE(hasShared("x.png"));
+}
+
+TEST_F(AppcEditTest, AnUpdateAnswersTheSavesResultAndTheRecordStays) {
+    blockTheFile();
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", "x.png"), -1);
+    EXPECT_EQ(packages(), (Lines{"com.a", "com.b", "com.c"}));
+    ASSERT_EQ(appcLibInit(store, "New"), 0);
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", "x.png"), XERR_NOENT);
+    EXPECT_EQ(log.texts(XLOG_ERROR).back(),
+              "E APPC Failed to create dir " + dir("New") + ", err: XERR_NOENT [2]");
+}
+
+TEST_F(AppcEditTest, TextsThatAreNotUtf8ReachTheFileReplaced) {
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "m\xFF", "l", 9, "v", "x.png"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "m\xEF\xBF\xBD", "l", 9, "v"}}));
+    EXPECT_EQ(app("com.c").activity, "m\xFF") << "the memory has them as they came";
+}
+
+TEST_F(AppcEditTest, ARemovalTakesTheAppAndItsIcon) {
+    writeIcon("com.a");
+    writeIcon("com.b");
+    EXPECT_EQ(appcRemoveApp(store, "com.a"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[1]}));
+    EXPECT_FALSE(hasIcon("com.a"));
+    EXPECT_TRUE(hasIcon("com.b"));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(AppcEditTest, AnAppWithoutAnIconFileIsRemovedAllTheSame) {
+    EXPECT_EQ(appcRemoveApp(store, "com.b"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[0]}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(AppcEditTest, RemovingWhatIsNotCachedRewritesNothing) {
+    write("untouched");
+    writeIcon("com.c");
+    EXPECT_EQ(appcRemoveApp(store, "com.c"), 0);
+    EXPECT_EQ(read(), "untouched");
+    EXPECT_TRUE(hasIcon("com.c"));
+}
+
+TEST_F(AppcEditTest, ARemovalAnswersTheSavesResult) {
+    blockTheFile();
+    EXPECT_EQ(appcRemoveApp(store, "com.a"), -1);
+    EXPECT_EQ(packages(), Lines{"com.b"});
+}
+
+TEST_F(AppcEditTest, ANulInAPackageNameEndsNoPath) {
+    data.write("Engine\\Nougat64\\AppCache\\keep", "x");
+    writeShared("icon", "icon");
+    EXPECT_EQ(appcUpdateApp(store, std::string("keep\0", 5), "m", "l", 9, "v", "icon"), 0);
+    EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\keep"), "x");
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", std::string("icon\0x", 6)), 0);
+    EXPECT_TRUE(hasShared("icon"));
+    EXPECT_EQ(appcRemoveApp(store, std::string("keep\0", 5)), 0);
+    EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\keep"), "x");
+}
+
+TEST_F(AppcEditTest, AnEditWritesWhatThisProcessHasInMemory) {
+    write(fileOf({{"com.theirs", "t", "T", 1, "1"}}));
+    EXPECT_EQ(appcRemoveApp(store, "com.a"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[1]})) << "nothing watches the file";
+}

@@ -1,0 +1,125 @@
+#include "AppcFixture.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+#include <thread>
+#include <tuple>
+
+#include "support/WindowsForTests.h"
+#include "xpl/Xtext.h"
+
+namespace fs = std::filesystem;
+
+std::string Element::text() const {
+    return R"({"package": )" + package + R"(, "activity": )" + activity + R"(, "appLabel": )" +
+           appLabel + R"(, "versionCode": )" + versionCode + R"(, "versionName": )" + versionName +
+           "}";
+}
+
+std::string arrayOf(const std::vector<std::string>& elements) {
+    std::string text;
+    for (const std::string& element : elements) text += (text.empty() ? "" : ",") + element;
+    return "[" + text + "]";
+}
+
+std::string fileOf(const std::vector<PlainApp>& apps) {
+    std::string text = "[\n";
+    for (const PlainApp& app : apps) {
+        if (&app != &apps.front()) text += ",\n";
+        text += "    {\n        \"activity\": \"" + app.activity + "\",\n        \"appLabel\": \"" +
+                app.appLabel + "\",\n        \"iconFileName\": \"" + app.package +
+                ".png\",\n        \"package\": \"" + app.package +
+                "\",\n        \"versionCode\": " + std::to_string(app.versionCode) +
+                ",\n        \"versionName\": \"" + app.versionName + "\"\n    }";
+    }
+    return text + (apps.empty() ? "]\n" : "\n]\n");
+}
+
+Lines withoutNumbers(Lines lines) {
+    static const std::regex number("(appcReadFromJsonObj): [0-9]+:");
+    for (std::string& line : lines) line = std::regex_replace(line, number, "$1: N:");
+    return lines;
+}
+
+std::string windowsText(unsigned long error) {
+    wchar_t text[512];
+    const DWORD length =
+        ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                         0, text, 512, nullptr);
+    std::wstring wide(text, length);
+    while (!wide.empty() && (wide.back() == L'\n' || wide.back() == L'\r')) wide.pop_back();
+    return xtextToUtf8(wide);
+}
+
+bool isFileLockFree() {
+    bool isFree = false;
+    // This thread may have it itself, and would get it again.
+    std::thread([&isFree] {
+        XmutexNamed mutex;
+        ASSERT_EQ(mutex.init("Global\\vtr_appc_Nougat64_nvo"), 0);
+        if (!mutex.try_lock()) return;
+        mutex.unlock();
+        isFree = true;
+    }).join();
+    return isFree;
+}
+
+bool operator==(const AppcApp& a, const AppcApp& b) {
+    const auto tied = [](const AppcApp& app) {
+        return std::tie(app.activity, app.appLabel, app.versionCode, app.versionName,
+                        app.iconFileName);
+    };
+    return tied(a) == tied(b);
+}
+
+AppcTest::AppcTest() {
+    for (const char* folder :
+         {"Engine", "Engine\\Nougat64", "Engine\\UserData", "Engine\\UserData\\SharedFolder"}) {
+        data.makeFolder(folder);
+    }
+}
+
+XErr AppcTest::init(std::string_view content) {
+    write(content);
+    return appcLibInit(store, "Nougat64");
+}
+
+std::string AppcTest::dir(const std::string& instance) const {
+    return data.path() + "\\Engine/" + instance + "/AppCache/";
+}
+
+void AppcTest::write(std::string_view content) const {
+    fs::create_directory(fs::u8path(dir()));
+    writeBytes(file(), content);
+}
+
+std::string AppcTest::read() const { return readBytes(file()); }
+
+bool AppcTest::exists() const { return fs::exists(fs::u8path(file())); }
+
+Lines AppcTest::list() const {
+    Lines names;
+    for (const auto& entry : fs::directory_iterator(fs::u8path(dir()))) {
+        names.push_back(entry.path().filename().u8string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> AppcTest::packages() {
+    std::list<std::string> list;
+    appcGetPackages(store, list);
+    return {list.begin(), list.end()};
+}
+
+AppcApp AppcTest::app(const std::string& package) {
+    AppcApp app;
+    EXPECT_EQ(appcGetApp(store, package, &app.activity, &app.appLabel, &app.versionCode,
+                         &app.versionName, &app.iconFileName),
+              0)
+        << package;
+    return app;
+}
+
+std::size_t AppcTest::count() { return packages().size(); }

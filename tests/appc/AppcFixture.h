@@ -1,0 +1,86 @@
+#ifndef TESTS_APPCFIXTURE_H
+#define TESTS_APPCFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "appc/Appc.h"
+#include "appc/AppcStore.h"
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+
+using Lines = std::vector<std::string>;
+
+// The text of a JSON object, with its values as they stand in JSON.
+struct Element {
+    std::string package = R"("com.a")";
+    std::string activity = R"("com.a.Main")";
+    std::string appLabel = R"("A")";
+    std::string versionCode = "1";
+    std::string versionName = R"("1.0")";
+
+    std::string text() const;
+};
+
+// The texts of elements as an array.
+std::string arrayOf(const std::vector<std::string>& elements);
+
+// What the file holds for apps, laid out without the library's code. Values are written as given:
+// no character in them may need an escape.
+struct PlainApp {
+    std::string package;
+    std::string activity;
+    std::string appLabel;
+    int versionCode;
+    std::string versionName;
+};
+std::string fileOf(const std::vector<PlainApp>& apps);
+
+// The lines, with the number of the source line in them as "N".
+Lines withoutNumbers(Lines lines);
+
+// The system's text for one of its errors.
+std::string windowsText(unsigned long error);
+
+// Whether no other thread, of any process, has the file lock of the instance "Nougat64".
+bool isFileLockFree();
+
+bool operator==(const AppcApp& a, const AppcApp& b);
+
+// A cache of the test's own, in a data folder of the test's own.
+class AppcTest : public ::testing::Test {
+ protected:
+    AppcTest();
+
+    // Writes the file and opens the cache with it.
+    XErr init(std::string_view content);
+
+    std::string dir(const std::string& instance = "Nougat64") const;
+    std::string file() const { return dir() + "AppCache.json"; }
+    void write(std::string_view content) const;
+    std::string read() const;
+    bool exists() const;
+
+    // Names of what is in the cache's folder.
+    Lines list() const;
+
+    std::vector<std::string> packages();
+    AppcApp app(const std::string& package);
+    std::size_t count();
+
+    TempFolder data;
+    LogCapture log;
+    AppcStore store{appcDiskFiles(), data.path() + "\\",
+                    data.path() + "\\/Engine/UserData/SharedFolder/"};
+};
+
+// A cache over the folder `data` of another process.
+struct ForeignStore : AppcStore {
+    explicit ForeignStore(const std::string& data, AppcFiles& files = appcDiskFiles())
+        : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}
+};
+
+#endif

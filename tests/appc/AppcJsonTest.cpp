@@ -1,0 +1,301 @@
+#include "appc/AppcJson.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <random>
+
+#include "AppcFixture.h"
+
+namespace {
+
+// Reads one element with this version code.
+std::int32_t codeOf(const std::string& number) {
+    QJsonArray array;
+    AppcApps apps;
+    Element element;
+    element.versionCode = number;
+    EXPECT_TRUE(appcParseArray(arrayOf({element.text()}), array)) << number;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None) << number;
+    return apps.at("com.a").versionCode;
+}
+
+// Reads one element with this label, as it stands in JSON, without its quotes.
+std::string labelOf(const std::string& text) {
+    QJsonArray array;
+    AppcApps apps;
+    Element element;
+    element.appLabel = '"' + text + '"';
+    EXPECT_TRUE(appcParseArray(arrayOf({element.text()}), array)) << text;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None) << text;
+    return apps.at("com.a").appLabel;
+}
+
+bool isArray(std::string_view text) {
+    QJsonArray array;
+    return appcParseArray(text, array);
+}
+
+// The same by Qt alone, object by object.
+std::string byQt(const AppcApps& apps, const char* iconKey, const std::string& folder) {
+    QJsonArray array;
+    for (const auto& [package, app] : apps) {
+        QJsonObject object;
+        object["package"] = QString::fromStdString(package);
+        object["activity"] = QString::fromStdString(app.activity);
+        object["appLabel"] = QString::fromStdString(app.appLabel);
+        object["versionCode"] = app.versionCode;
+        object["versionName"] = QString::fromStdString(app.versionName);
+        object[iconKey] = QString::fromStdString(folder + app.iconFileName);
+        array.append(object);
+    }
+    return QJsonDocument(array).toJson().toStdString();
+}
+
+// A file with an app of this label, with the label's text in JSON.
+std::string fileWithLabel(const std::string& text) {
+    return fileOf({{"com.a", "com.a.Main", text, 1, "1.0"}});
+}
+
+std::string written(const std::string& label) {
+    return appcFileText({{"com.a", {"com.a.Main", label, 1, "1.0", "com.a.png"}}});
+}
+
+}  // namespace
+
+TEST(AppcJson, NumbersAreCutAndSaturate) {
+    struct {
+        const char* text;
+        std::int32_t code;
+    } const cases[] = {{"0", 0},
+                       {"-0", 0},
+                       {"1e3", 1000},
+                       {"1E+3", 1000},
+                       {"1.5", 1},
+                       {"-1.5", -1},
+                       {"0.9999999", 0},
+                       {"-0.9999999", 0},
+                       {"2147483647", 2147483647},
+                       {"2147483647.9", 2147483647},
+                       {"2147483648", 2147483647},
+                       {"-2147483648", INT32_MIN},
+                       {"-2147483648.9", INT32_MIN},
+                       {"-2147483649", INT32_MIN},
+                       {"4294967296", 2147483647},
+                       {"9223372036854775807", 2147483647},
+                       {"-9223372036854775808", INT32_MIN},
+                       {"18446744073709551616", 2147483647},
+                       {"1e300", 2147483647},
+                       {"-1e300", INT32_MIN},
+                       {"1e-300", 0}};
+    for (const auto& [text, code] : cases) EXPECT_EQ(codeOf(text), code) << text;
+}
+
+TEST(AppcJson, NumbersBeyondADoubleMakeNoDocument) {
+    Element element;
+    element.versionCode = "1e400";
+    EXPECT_FALSE(isArray(arrayOf({element.text()})));
+}
+
+TEST(AppcJson, TextsAreReadAsTheyAre) {
+    EXPECT_EQ(labelOf(""), "");
+    EXPECT_EQ(labelOf("é 日本 🎮"), "é 日本 🎮");
+    EXPECT_EQ(labelOf(R"(\u00e9 \ud83c\udfae)"), "é 🎮");
+    EXPECT_EQ(labelOf(R"(\" \\ \/ \b\f\n\r\t\u001f)"), "\" \\ / \b\f\n\r\t\x1F");
+    EXPECT_EQ(labelOf(R"(a\u0000b)"), std::string("a\0b", 3));
+    EXPECT_EQ(labelOf("x\xEF\xBB\xBF"), "x\xEF\xBB\xBF") << "a mark inside a text";
+    EXPECT_EQ(labelOf("\xEF\xBB\xBFx"), "x") << "a mark at the start of a text goes";
+}
+
+TEST(AppcJson, HalfASurrogatePairBecomesAQuestionMark) {
+    EXPECT_EQ(labelOf(R"(a\ud83cb)"), "a?b");
+    EXPECT_EQ(labelOf(R"(a\udfaeb)"), "a?b");
+}
+
+TEST(AppcJson, OnlyAnArrayIsAnArray) {
+    EXPECT_TRUE(isArray("[]"));
+    EXPECT_TRUE(isArray(" \t\r\n[ \n] \n"));
+    EXPECT_TRUE(isArray("\xEF\xBB\xBF[]")) << "a byte order mark";
+    for (const char* text : {"",
+                             " ",
+                             "{}",
+                             "null",
+                             "true",
+                             "1",
+                             "\"[]\"",
+                             "[",
+                             "]",
+                             "[]x",
+                             "[][]",
+                             "[,]",
+                             "[1,]",
+                             "[\"\xFF\"]",
+                             "[\"\xC0\x80\"]",
+                             "[\"\xED\xA0\x80\"]",
+                             "\xFF\xFE[\0]\0",
+                             "[01]",
+                             "['a']",
+                             "[nan]",
+
+                             "[\"\\u12\"]",
+                             "// x\n[]",
+                             "\xEF\xBB[]"}) {
+        EXPECT_FALSE(isArray(text)) << text;
+    }
+    EXPECT_FALSE(isArray(std::string_view("[]\0", 3)));
+}
+
+TEST(AppcJson, TextsAreReadWithPatience) {
+    EXPECT_EQ(labelOf("a\tb"), "a\tb") << "a control character without its escape";
+    EXPECT_EQ(labelOf(R"(\x\')"), "x'") << "an escape that JSON does not have";
+}
+
+TEST(AppcJson, NestingHasALimit) {
+    EXPECT_TRUE(isArray(std::string(500, '[') + std::string(500, ']')));
+    EXPECT_FALSE(isArray(std::string(1'000'000, '[') + std::string(1'000'000, ']')));
+}
+
+TEST(AppcJson, TheLastOfTwoElementsOfOnePackageCounts) {
+    QJsonArray array;
+    Element second;
+    second.appLabel = R"("B")";
+    ASSERT_TRUE(appcParseArray(arrayOf({Element().text(), second.text()}), array));
+    AppcApps apps;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
+    ASSERT_EQ(apps.size(), 1u);
+    EXPECT_EQ(apps["com.a"].appLabel, "B");
+}
+
+TEST(AppcJson, TheLastOfTwoEqualKeysCounts) {
+    QJsonArray array;
+    ASSERT_TRUE(appcParseArray(R"([{"package":"a","activity":"","appLabel":"x","appLabel":"y",)"
+                               R"("versionCode":1,"versionName":""}])",
+                               array));
+    AppcApps apps;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
+    EXPECT_EQ(apps["a"].appLabel, "y");
+}
+
+TEST(AppcJson, OtherKeysAreIgnoredAndTheIconIsThePackages) {
+    QJsonArray array;
+    ASSERT_TRUE(appcParseArray(R"([{"iconFileName":"other.png","package":"","activity":"m",)"
+                               R"("appLabel":"l","versionCode":-7,"versionName":"v","x":[{}]}])",
+                               array));
+    AppcApps apps;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
+    EXPECT_EQ(apps[""], (AppcApp{"m", "l", -7, "v", ".png"}));
+}
+
+TEST(AppcJson, TheSyncListIsAMemberOfTheTopLevelObject) {
+    QJsonArray array;
+    EXPECT_TRUE(appcParseSyncList(R"({"apps": [], "x": 1})", array));
+    for (const char* text :
+         {"", "[]", "{}", R"({"apps": {}})", R"({"apps": null})", R"({"apps": "[]"})",
+          R"({"Apps": []})", R"([{"apps": []}])", R"({"apps": [])"}) {
+        EXPECT_FALSE(appcParseSyncList(text, array)) << text;
+    }
+}
+
+TEST(AppcJson, NoAppIsAnArrayOnTwoLines) {
+    EXPECT_EQ(appcFileText({}), "[\n]\n");
+    EXPECT_EQ(appcListingText({}, "C:\\x"), "[\n]\n");
+}
+
+TEST(AppcJson, MembersAreIndentedByFourBlanksInOrderOfTheirKeys) {
+    const AppcApps apps{{"com.b", {"com.b.Main", "B", -5, "2.0", "com.b.png"}},
+                        {"com.a", {"com.a.Main", "A", 2147483647, "", "com.a.png"}}};
+    EXPECT_EQ(appcFileText(apps),
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"com.a.Main\",\n"
+              "        \"appLabel\": \"A\",\n"
+              "        \"iconFileName\": \"com.a.png\",\n"
+              "        \"package\": \"com.a\",\n"
+              "        \"versionCode\": 2147483647,\n"
+              "        \"versionName\": \"\"\n"
+              "    },\n"
+              "    {\n"
+              "        \"activity\": \"com.b.Main\",\n"
+              "        \"appLabel\": \"B\",\n"
+              "        \"iconFileName\": \"com.b.png\",\n"
+              "        \"package\": \"com.b\",\n"
+              "        \"versionCode\": -5,\n"
+              "        \"versionName\": \"2.0\"\n"
+              "    }\n"
+              "]\n");
+    EXPECT_EQ(appcListingText({*apps.begin()}, "D:\\Data\\Engine/Jeux é/AppCache/"),
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"com.a.Main\",\n"
+              "        \"appLabel\": \"A\",\n"
+              "        \"iconFilePath\": \"D:\\\\Data\\\\Engine/Jeux é/AppCache/com.a.png\",\n"
+              "        \"package\": \"com.a\",\n"
+              "        \"versionCode\": 2147483647,\n"
+              "        \"versionName\": \"\"\n"
+              "    }\n"
+              "]\n");
+}
+
+TEST(AppcJson, TextsAreEscapedAsLittleAsPossible) {
+    EXPECT_EQ(written("say \"hi\" \\ /"), fileWithLabel(R"(say \"hi\" \\ /)"));
+    EXPECT_EQ(written("\b\f\n\r\t"), fileWithLabel(R"(\b\f\n\r\t)"));
+    EXPECT_EQ(written("\x01\x1F\x7F"), fileWithLabel("\\u0001\\u001f\x7F"));
+    EXPECT_EQ(written(std::string("a\0b", 3)), fileWithLabel(R"(a\u0000b)"));
+    EXPECT_EQ(written("é\xE2\x80\xA8日本🎮"), fileWithLabel("é\xE2\x80\xA8日本🎮"));
+    EXPECT_EQ(written("\xEF\xBF\xBF"), fileWithLabel("\xEF\xBF\xBF"));
+}
+
+TEST(AppcJson, BytesThatAreNotUtf8AreReplaced) {
+    EXPECT_EQ(written("a\xFFz"), fileWithLabel("a\xEF\xBF\xBDz"));
+    EXPECT_EQ(written("\xEF\xBB\xBFx"), fileWithLabel("x")) << "a mark at the start of a text goes";
+}
+
+TEST(AppcJson, EveryCharacterIsWrittenAsQtDoes) {
+    AppcApps apps;
+    const auto add = [&apps](const std::string& text) {
+        apps[text + "p"] = {text, text + text, 0, "x" + text, appcIconFileName(text + "p")};
+    };
+    for (unsigned code = 0; code < 0x110000; code += code < 0x3000 ? 1 : 0x1F) {
+        if (code >= 0xD800 && code < 0xE000) continue;
+        const char32_t character = code;
+        add(QString::fromUcs4(&character, 1).toStdString());
+    }
+    for (unsigned byte = 0x80; byte < 0x100; ++byte) add(std::string(1, static_cast<char>(byte)));
+    EXPECT_GT(apps.size(), 0x3000u);
+    EXPECT_TRUE(appcFileText(apps) == byQt(apps, "iconFileName", ""));
+    EXPECT_TRUE(appcListingText(apps, "\xC3") == byQt(apps, "iconFilePath", "\xC3"));
+}
+
+TEST(AppcJson, RandomBytesAreWrittenAsQtDoes) {
+    std::mt19937 random(5);
+    const auto text = [&random] {
+        // Mostly the bytes that matter to UTF-8 and to JSON.
+        constexpr std::string_view bytes(
+            "\0\x01\x1F\"\\/azé\xC0\xC3\xE2\xED\xEF\xF0\xF4\xF8\xFF\x80\x9F\xA0\xBB\xBF\x8F\x90",
+            29);
+        std::string result;
+        for (unsigned i = random() % 12; i > 0; --i) result += bytes[random() % bytes.size()];
+        return result;
+    };
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string package = text();
+        const AppcApps apps{{package,
+                             {text(), text(), static_cast<std::int32_t>(random()), text(),
+                              appcIconFileName(package)}}};
+        const std::string folder = text();
+        ASSERT_EQ(appcFileText(apps), byQt(apps, "iconFileName", ""));
+        ASSERT_EQ(appcListingText(apps, folder), byQt(apps, "iconFilePath", folder));
+    }
+}
+
+TEST(AppcJson, WhatIsWrittenIsReadBack) {
+    AppcApps apps;
+    for (const std::string& text :
+         {std::string("plain"), std::string("\"\\\b\x7F é 日本 🎮"), std::string("a\0b", 3)}) {
+        apps[text] = {text + "1", text + "2", -1, text + "3", appcIconFileName(text)};
+    }
+    QJsonArray array;
+    ASSERT_TRUE(appcParseArray(appcFileText(apps), array));
+    AppcApps again;
+    EXPECT_EQ(appcReadApps(array, again).kind, AppcFlaw::None);
+    EXPECT_TRUE(again == apps);
+}

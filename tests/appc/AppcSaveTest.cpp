@@ -1,0 +1,305 @@
+#include <filesystem>
+#include <thread>
+
+#include "AppcFixture.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using AppcSaveTest = AppcTest;
+
+const std::vector<PlainApp> kOld{{"com.old", "com.old.Main", "Old", 1, "1.0"}};
+const std::vector<PlainApp> kNew{{"com.new", "com.new.Main", "New", 2, "2.0"}};
+
+// Puts the apps into the cache alone.
+void setApps(AppcStore& store, const std::vector<PlainApp>& apps) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    store.apps.clear();
+    for (const PlainApp& app : apps) {
+        store.apps[app.package] = {app.activity, app.appLabel, app.versionCode, app.versionName,
+                                   appcIconFileName(app.package)};
+    }
+}
+
+// Passes on to the disk until the step that is to fail.
+class FailingFiles final : public AppcFiles {
+ public:
+    XErr folderError = XERR_SUCCESS;
+    bool failOpen = false;
+    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before the write fails
+    bool failMove = false;
+    Lines removed;
+
+    XErr read(const std::string& path, std::string& content) override {
+        return appcDiskFiles().read(path, content);
+    }
+    XErr makeFolder(const std::string& path) override {
+        return folderError == XERR_SUCCESS ? appcDiskFiles().makeFolder(path) : folderError;
+    }
+    AppcWrite write(const std::string& path, std::string_view text) override {
+        if (failOpen) return AppcWrite::OpenFailed;
+        const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
+        return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
+    }
+    XErr move(const std::string& source, const std::string& destination) override {
+        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+    }
+    void remove(const std::string& path) override {
+        removed.push_back(path);
+        appcDiskFiles().remove(path);
+    }
+};
+
+// Ends the process, without any clean-up, at the step of that number.
+class DyingFiles final : public AppcFiles {
+ public:
+    explicit DyingFiles(int lastStep) : left_(lastStep) {}
+
+    XErr read(const std::string& path, std::string& content) override {
+        return appcDiskFiles().read(path, content);
+    }
+    XErr makeFolder(const std::string& path) override {
+        step();
+        const XErr err = appcDiskFiles().makeFolder(path);
+        step();
+        return err;
+    }
+    AppcWrite write(const std::string& path, std::string_view text) override {
+        for (const std::size_t size : {std::size_t{0}, std::size_t{1}, text.size() / 2}) {
+            static_cast<void>(appcDiskFiles().write(path, text.substr(0, size)));
+            step();
+        }
+        const AppcWrite result = appcDiskFiles().write(path, text);
+        step();
+        return result;
+    }
+    XErr move(const std::string& source, const std::string& destination) override {
+        step();
+        const XErr err = appcDiskFiles().move(source, destination);
+        step();
+        return err;
+    }
+    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
+
+ private:
+    void step() {
+        if (--left_ == 0) ::TerminateProcess(::GetCurrentProcess(), 7);
+    }
+
+    int left_;
+};
+
+}  // namespace
+
+TEST_F(AppcSaveTest, AnEmptyCacheIsWrittenAndTheFolderCreated) {
+    ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
+    ASSERT_FALSE(fs::exists(fs::u8path(dir())));
+    log.clear();
+    EXPECT_EQ(appcSaveToFile(store), 0);
+    EXPECT_EQ(read(), "[\n]\n");
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(AppcSaveTest, ReplacesTheFile) {
+    ASSERT_EQ(init(fileOf(kOld)), 0);
+    setApps(store, kNew);
+    EXPECT_EQ(appcSaveToFile(store), 0);
+    EXPECT_EQ(read(), fileOf(kNew));
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+}
+
+TEST_F(AppcSaveTest, ASavedCacheIsLoadedAgainByteForByte) {
+    const std::string odd = arrayOf(
+        {Element{R"("b \"q\" \\ /")", R"("\u0001\b\t")", R"("é 日本 🎮")", "1e3", "\"\x7F\""}
+             .text(),
+         Element{R"("a\u0000b")", "\"\"", R"("x\ud800y")", "1.5", "\"1\""}.text()});
+    ASSERT_EQ(init(odd), 0);
+    ASSERT_EQ(appcSaveToFile(store), 0);
+    EXPECT_EQ(read(),
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"\",\n"
+              "        \"appLabel\": \"x?y\",\n"
+              "        \"iconFileName\": \"a\\u0000b.png\",\n"
+              "        \"package\": \"a\\u0000b\",\n"
+              "        \"versionCode\": 1,\n"
+              "        \"versionName\": \"1\"\n"
+              "    },\n"
+              "    {\n"
+              "        \"activity\": \"\\u0001\\b\\t\",\n"
+              "        \"appLabel\": \"é 日本 🎮\",\n"
+              "        \"iconFileName\": \"b \\\"q\\\" \\\\ /.png\",\n"
+              "        \"package\": \"b \\\"q\\\" \\\\ /\",\n"
+              "        \"versionCode\": 1000,\n"
+              "        \"versionName\": \"\x7F\"\n"
+              "    }\n"
+              "]\n");
+    const std::string saved = read();
+    ASSERT_EQ(appcLoadFromFile(store), 0);
+    ASSERT_EQ(appcSaveToFile(store), 0);
+    EXPECT_EQ(read(), saved);
+}
+
+TEST_F(AppcSaveTest, WithoutTheInstancesFolderTheCachesFolderCannotBeCreated) {
+    ASSERT_EQ(appcLibInit(store, "New"), 0);
+    log.clear();
+    EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
+    EXPECT_EQ(log.texts(),
+              Lines{"E APPC Failed to create dir " + dir("New") + ", err: XERR_NOENT [2]"});
+    EXPECT_FALSE(data.has("Engine\\New"));
+}
+
+TEST_F(AppcSaveTest, BeforeTheCacheIsOpenedThereIsNowhereToSaveTo) {
+    EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Failed to create dir , err: XERR_NOENT [2]"});
+}
+
+TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
+    data.write("Engine\\Nougat64\\AppCache", "x");
+    ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
+    log.clear();
+    EXPECT_EQ(appcSaveToFile(store), -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache"), "x");
+}
+
+TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedMove) {
+    data.makeFolder("Engine\\Nougat64\\AppCache");
+    data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
+    ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
+    log.clear();
+    EXPECT_EQ(appcSaveToFile(store), -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
+    EXPECT_EQ(list(), Lines{"AppCache.json"}) << "the temporary file is gone";
+}
+
+TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
+    ASSERT_EQ(init(fileOf(kOld)), 0);
+    setApps(store, kNew);
+    const HANDLE held =
+        ::CreateFileW(wideForTests(file()).c_str(), GENERIC_READ,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(appcSaveToFile(store), -1);
+    ::CloseHandle(held);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
+    EXPECT_EQ(read(), fileOf(kOld));
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+    EXPECT_EQ(packages(), Lines{"com.new"}) << "the memory has what could not be saved";
+    EXPECT_EQ(appcSaveToFile(store), 0);
+    EXPECT_EQ(read(), fileOf(kNew));
+}
+
+TEST_F(AppcSaveTest, EveryStepThatFailsLeavesTheOldFileWhole) {
+    const std::string cannotOpen = "E APPC Cannot open AppCache file " + file() + " for writing";
+    const std::string failed = "E APPC Error in writing to AppCache file " + file() + " failed";
+    struct {
+        void (*arrange)(FailingFiles& files);
+        XErr result;
+        std::string line;
+        std::size_t removed;
+    } const cases[] = {
+        {[](FailingFiles& f) { f.folderError = XERR_NOSPC; }, XERR_NOSPC,
+         "E APPC Failed to create dir " + dir() + ", err: XERR_NOSPC [28]", 0},
+        {[](FailingFiles& f) { f.folderError = 100007; }, 100007,
+         "E APPC Failed to create dir " + dir() + ", err: NOTDEFINED: 100007 [100007]", 0},
+        {[](FailingFiles& f) { f.failOpen = true; }, -1, cannotOpen, 0},
+        {[](FailingFiles& f) { f.writeLimit = 0; }, -1, failed, 1},
+        {[](FailingFiles& f) { f.writeLimit = 17; }, -1, failed, 1},
+        {[](FailingFiles& f) { f.failMove = true; }, -1, failed, 1},
+    };
+    for (const auto& [arrange, result, line, removed] : cases) {
+        FailingFiles files;
+        ForeignStore failing(data.path(), files);
+        write(fileOf(kOld));
+        ASSERT_EQ(appcLibInit(failing, "Nougat64"), 0);
+        setApps(failing, kNew);
+        arrange(files);
+        log.clear();
+        EXPECT_EQ(appcSaveToFile(failing), result) << line;
+        EXPECT_EQ(log.texts(), Lines{line});
+        EXPECT_EQ(read(), fileOf(kOld)) << line;
+        EXPECT_EQ(list(), Lines{"AppCache.json"}) << line;
+        EXPECT_EQ(files.removed.size(), removed) << line;
+    }
+}
+
+SCENE(savesAndDies) {
+    LogCapture quiet;
+    DyingFiles files(std::stoi(arguments[1]));
+    ForeignStore store(arguments[0], files);
+    if (appcLibInit(store, "Nougat64") != 0) return 1;
+    setApps(store, kNew);
+    return appcSaveToFile(store);
+}
+
+TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
+    constexpr int kMoved = 8;  // the step behind the move
+    for (int step = 1;; ++step) {
+        ASSERT_EQ(init(fileOf(kOld)), 0);
+        const ChildResult child = runScene("savesAndDies", {data.path(), std::to_string(step)});
+        if (child.status == 0) {
+            EXPECT_EQ(step, kMoved + 1) << "the sweep went through every step";
+            EXPECT_EQ(read(), fileOf(kNew));
+            break;
+        }
+        ASSERT_EQ(child.status, 7u) << step;
+        EXPECT_EQ(read(), fileOf(step < kMoved ? kOld : kNew)) << step;
+        // The next one saves as if nothing had been.
+        setApps(store, {});
+        ASSERT_EQ(appcSaveToFile(store), 0) << step;
+        EXPECT_EQ(read(), "[\n]\n");
+    }
+}
+
+// Saves and loads the same cache in turn; the apps of one save all carry its writer and its number.
+SCENE(savesAndLoads) {
+    LogCapture log;
+    ForeignStore store(arguments[0]);
+    const std::string own = arguments[1];
+    constexpr int kApps = 20;
+    if (appcLibInit(store, "Nougat64") != 0) return 1;
+    const int count = std::stoi(arguments[2]);
+    std::puts("ready");
+    std::fflush(stdout);
+    for (int i = 0; i < count; ++i) {
+        const std::lock_guard<AppcLock> guard(store.lock);
+        store.apps.clear();
+        for (int app = 0; app < kApps; ++app) {
+            const std::string package = "com.app" + std::to_string(app);
+            store.apps[package] = {own, own, i, own, appcIconFileName(package)};
+        }
+        if (appcSaveToFile(store) != 0) return 2;
+        if (appcLoadFromFile(store) != 0) return 3;
+        if (store.apps.size() != kApps) return 4;
+        const AppcApp first = store.apps.begin()->second;
+        for (const auto& entry : store.apps) {
+            const AppcApp& app = entry.second;
+            if (app.versionCode != first.versionCode || app.activity != first.activity) return 5;
+        }
+    }
+    for (const std::string& line : log.texts()) std::puts(line.c_str());
+    return 0;
+}
+
+TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) {
+    ASSERT_EQ(init("[]"), 0);
+    ASSERT_EQ(appcSaveToFile(store), 0);
+    ChildProcess a = startScene("savesAndLoads", {data.path(), "a", "1000"});
+    ChildProcess b = startScene("savesAndLoads", {data.path(), "b", "1000"});
+    ASSERT_EQ(a.readLine(), "ready");
+    ASSERT_EQ(b.readLine(), "ready");
+    for (ChildProcess* child : {&a, &b}) {
+        const ChildResult result = child->finish();
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.out, "") << "not one line was logged";
+    }
+    EXPECT_EQ(appcLoadFromFile(store), 0);
+    EXPECT_EQ(count(), 20u);
+    EXPECT_EQ(app("com.app0").versionCode, 999);
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+}

@@ -1,0 +1,227 @@
+#include "bridge/BridgeApps.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <filesystem>
+#include <thread>
+
+#include "appc/AppcStore.h"
+#include "support/LogCapture.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// A cache over a data folder.
+struct Cache : AppcStore {
+    explicit Cache(const std::string& data)
+        : AppcStore(appcDiskFiles(), data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}
+};
+
+class BridgeAppsTest : public ::testing::Test {
+ protected:
+    void write(const std::string& instance, std::string_view content) const {
+        fs::create_directories(fs::u8path(dir(instance)));
+        writeBytes(file(instance), content);
+    }
+    bool exists(const std::string& instance) const {
+        return fs::exists(fs::u8path(file(instance)));
+    }
+    std::string dir(const std::string& instance) const {
+        return data.path() + "\\Engine/" + instance + "/AppCache/";
+    }
+    std::string file(const std::string& instance) const { return dir(instance) + "AppCache.json"; }
+
+    std::string listing(const std::string& instance) {
+        const auto text = bridge::bridgeGetInstalledApps(store, instance);
+        EXPECT_TRUE(text) << instance;
+        return text.value_or("");
+    }
+
+    TempFolder data;
+    LogCapture log;
+    Cache store{data.path()};
+};
+
+// An array of one app, of this package.
+std::string oneApp(const std::string& package) {
+    return R"([{"package":")" + package +
+           R"(","activity":"m","appLabel":"l","versionCode":1,"versionName":"v"}])";
+}
+
+// A file as Qt writes it, and the listing that it makes, both without the library's code.
+struct Reference {
+    std::string file;
+    std::string listing;
+};
+
+Reference referenceOf(int count, const std::string& dir) {
+    QJsonArray fileArray;
+    QJsonArray listingArray;
+    for (int i = 0; i < count; ++i) {
+        const QString package = QStringLiteral("com.example.app%1").arg(10'000 + i);
+        QJsonObject object{{"package", package},
+                           {"activity", package + ".Main"},
+                           {"appLabel", QString::fromUtf8("App \"日本\" 🎮\t%1").arg(i)},
+                           {"versionCode", i * 1000},
+                           {"versionName", QStringLiteral("1.2.%1\\").arg(i)}};
+        QJsonObject listed = object;
+        object["iconFileName"] = package + ".png";
+        listed["iconFilePath"] = QString::fromStdString(dir) + package + ".png";
+        fileArray.append(object);
+        listingArray.append(listed);
+    }
+    return {QJsonDocument(fileArray).toJson().toStdString(),
+            QJsonDocument(listingArray).toJson().toStdString()};
+}
+
+}  // namespace
+
+TEST_F(BridgeAppsTest, MembersAreSortedAndTheIconIsAFullPath) {
+    write(
+        "Nougat64",
+        R"([{"package": "com.b", "activity": "b.Main", "appLabel": "B \"q\" \\", "versionCode": 1e3,
+               "versionName": "1.0", "iconFileName": "ignored"},
+              {"package": "com.a", "activity": "", "appLabel": "é 日本", "versionCode": 99999999999,
+               "versionName": "\u0001", "other": []}])");
+    std::string folder;  // as it stands in JSON
+    for (const char c : dir("Nougat64")) folder += c == '\\' ? "\\\\" : std::string(1, c);
+    EXPECT_EQ(listing("Nougat64"),
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"\",\n"
+              "        \"appLabel\": \"é 日本\",\n"
+              "        \"iconFilePath\": \"" +
+                  folder +
+                  "com.a.png\",\n"
+                  "        \"package\": \"com.a\",\n"
+                  "        \"versionCode\": 2147483647,\n"
+                  "        \"versionName\": \"\\u0001\"\n"
+                  "    },\n"
+                  "    {\n"
+                  "        \"activity\": \"b.Main\",\n"
+                  "        \"appLabel\": \"B \\\"q\\\" \\\\\",\n"
+                  "        \"iconFilePath\": \"" +
+                  folder +
+                  "com.b.png\",\n"
+                  "        \"package\": \"com.b\",\n"
+                  "        \"versionCode\": 1000,\n"
+                  "        \"versionName\": \"1.0\"\n"
+                  "    }\n"
+                  "]\n");
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(BridgeAppsTest, WithoutACacheTheArrayIsEmpty) {
+    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file("Nougat64") + " not present"});
+    EXPECT_FALSE(data.has("Engine")) << "nothing is created";
+}
+
+TEST_F(BridgeAppsTest, AnEmptyCacheIsAnEmptyArray) {
+    write("Nougat64", "[]");
+    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(BridgeAppsTest, ANameThatIsNotAsciiIsUsedAsItIs) {
+    write("Jeux é 日本", oneApp("com.a"));
+    EXPECT_NE(listing("Jeux é 日本").find("Engine/Jeux é 日本/AppCache/com.a.png\""),
+              std::string::npos);
+}
+
+TEST_F(BridgeAppsTest, EachCallOpensItsInstanceAnew) {
+    write("A", oneApp("com.a"));
+    write("B", oneApp("com.b"));
+    EXPECT_NE(listing("A").find("com.a"), std::string::npos);
+    EXPECT_EQ(listing("B").find("com.a"), std::string::npos);
+    EXPECT_EQ(listing("C"), "[\n]\n");
+    write("A", oneApp("com.new"));
+    EXPECT_EQ(listing("A").find("com.a\""), std::string::npos) << "the file has changed meanwhile";
+}
+
+TEST_F(BridgeAppsTest, AFileThatIsNoArrayIsDeletedAndTheArrayIsEmpty) {
+    write("Nougat64", "{}");
+    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file("Nougat64") +
+                                 " deleting the files"});
+    EXPECT_FALSE(exists("Nougat64"));
+}
+
+TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
+    for (const char* content : {"[3]", "[{}]"}) {
+        write("Nougat64", content);
+        log.clear();
+        EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "Nougat64"), std::nullopt);
+        const Lines lines = log.texts();
+        ASSERT_GE(lines.size(), 2u);
+        EXPECT_EQ(Lines(lines.end() - 2, lines.end()),
+                  (Lines{"E APPC Failed to load app cache from file",
+                         "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)"}));
+        EXPECT_EQ(log.lines().back().function, "bridgeGetInstalledApps");
+        EXPECT_TRUE(exists("Nougat64"));
+    }
+}
+
+TEST_F(BridgeAppsTest, ALockThatCannotBeMadeIsNoListing) {
+    EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
+    EXPECT_EQ(log.texts().back(), "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)");
+}
+
+TEST_F(BridgeAppsTest, TenThousandAppsAreListedByteForByteAsQtDoes) {
+    const Reference reference = referenceOf(10'000, dir("Nougat64"));
+    write("Nougat64", reference.file);
+    EXPECT_TRUE(listing("Nougat64") == reference.listing);
+}
+
+TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
+    std::vector<std::string> expected;
+    for (int i = 0; i < 4; ++i) {
+        const std::string instance = "I" + std::to_string(i);
+        write(instance, oneApp("com.app" + std::to_string(i)));
+        expected.push_back(listing(instance));
+    }
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < 200; ++round) {
+                ASSERT_EQ(listing("I" + std::to_string(i)), expected[i]);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+// The listing beside everything that edits a cache, on threads.
+SCENE(listsBesideEdits) {
+    LogCapture log;
+    Cache store(arguments[0]);
+    if (appcLibInit(store, "Nougat64") != 0) return 1;
+    const auto repeat = [](auto call) {
+        return std::thread([call] {
+            for (int round = 0; round < 200; ++round) call();
+        });
+    };
+    std::thread threads[] = {
+        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Nougat64")); }),
+        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Other")); }),
+        repeat([&] { EXPECT_EQ(appcSaveToFile(store), 0); }),
+        repeat([&] { EXPECT_EQ(appcLoadFromFile(store), 0); }),
+        repeat([&] { EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0); })};
+    for (std::thread& thread : threads) thread.join();
+    return ::testing::Test::HasFailure() ? 2 : 0;
+}
+
+TEST_F(BridgeAppsTest, AListingAndEditsNeverWaitForEachOtherForEver) {
+    write("Nougat64", oneApp("com.a"));
+    write("Other", oneApp("com.b"));
+    EXPECT_EQ(runScene("listsBesideEdits", {data.path()}).status, 0u);
+}

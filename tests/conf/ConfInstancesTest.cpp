@@ -1,0 +1,528 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "ConfFixture.h"
+#include "support/Scene.h"
+#include "xpl/Xpl.h"
+
+namespace {
+
+// Everything about instance A differs from its defaults where it is named; B is a neighbour.
+constexpr const char* kTwoInstances =
+    "vtr.instance.A.display_name=\"Ünïcode 日本\"\nvtr.instance.A.dpi=\"320\"\n"
+    "vtr.instance.A.grm_ignored_rules=\"x,y\"\nvtr.instance.B.dpi=\"160\"\n"
+    "vtr.instance.B.ram=\"2048\"\n";
+
+using Names = std::set<std::string, std::less<>>;
+
+class ConfInstancesTest : public ConfTest {
+ protected:
+    std::vector<std::string> pendingKeys() {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        std::vector<std::string> keys;
+        for (const auto& entry : store.pending) keys.push_back(entry.first);
+        return keys;
+    }
+
+    std::vector<std::string> removedKeys() {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        return {store.removals.begin(), store.removals.end()};
+    }
+
+    std::vector<std::string> keysOf(const std::string& instance) const {
+        std::vector<std::string> keys;
+        for (const auto& entry : catalogue.instances()) {
+            keys.push_back("vtr.instance." + instance + "." + entry.first);
+        }
+        return keys;
+    }
+
+    std::string dump() {
+        std::uint32_t size = 0;
+        EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
+        std::string text(size, '?');
+        EXPECT_EQ(confGetInstanceAllConfigs(store, text.data(), size, size), 0);
+        EXPECT_EQ(text.back(), '\0');
+        text.pop_back();
+        return text;
+    }
+};
+
+// Expected entries of the file for kTwoInstances.
+Entries twoInstances() {
+    Entries entries = globalDefaults();
+    entries["vtr.instance.A.display_name"] = "Ünïcode 日本";
+    entries["vtr.instance.A.dpi"] = "320";
+    entries["vtr.instance.A.grm_ignored_rules"] = "x,y";
+    entries["vtr.instance.B.dpi"] = "160";
+    entries["vtr.instance.B.ram"] = "2048";
+    addInstanceDefaults(entries, "A");
+    addInstanceDefaults(entries, "B");
+    return entries;
+}
+
+}  // namespace
+
+// Another program that reads the file: prints the instances and the resolution of each.
+SCENE(readsTheInstances) {
+    const LogCapture quiet;
+    ConfStore& store = confStore();
+    if (confLibInit(store, arguments[0], false) != 0) return 1;
+    for (const std::string& name : confGetInstances(store)) {
+        std::printf("%s %d\n", name.c_str(), confGetI32(store, "vtr.instance." + name + ".dpi"));
+    }
+    return 0;
+}
+
+namespace {
+
+std::string seenByAnotherProgram(const std::string& path) {
+    const ChildResult result = runScene("readsTheInstances", {path});
+    EXPECT_EQ(result.status, 0u) << result.err;
+    std::string text;
+    for (const char c : result.out) {
+        if (c != '\r') text += c;
+    }
+    return text;
+}
+
+}  // namespace
+
+TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    const std::size_t before = committedCount();
+    log.clear();
+    EXPECT_EQ(confCopyInstance(store, "A", "New"), 0);
+    EXPECT_EQ(pendingKeys(), keysOf("New"));
+    EXPECT_EQ(committedCount(), before) << "no defaults are filled in";
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B", "New"}));
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 320);
+    EXPECT_EQ(confGetString(store, "vtr.instance.New.display_name"), "Ünïcode 日本");
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.max_fps"), 60);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confCopyInstance(store, "A", "Nougat64_日本"), 0);
+    EXPECT_EQ(folder.read("vantrel.conf"), kTwoInstances);
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = twoInstances();
+    addInstanceCopy(expected, "A", "Nougat64_日本");
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"})) << "missing until the next load";
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B", "Nougat64_日本"}));
+    EXPECT_EQ(confGetI32(store, "vtr.instance.Nougat64_日本.dpi"), 320);
+}
+
+TEST_F(ConfInstancesTest, AnotherProgramSeesTheCopyAfterTheCommitOnly) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
+    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\n");
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\nNew 320\n");
+}
+
+TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    log.clear();
+    EXPECT_EQ(confCopyInstance(store, "Z", "New"), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF Instance Z doesn't exist"});
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
+    confSetString(store, "vtr.guid", "x");
+    EXPECT_EQ(confCommit(store), 0) << "the lock was released";
+}
+
+TEST_F(ConfInstancesTest, TheSourcesPendingChangesAreNotCopied) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confSetI32(store, "vtr.instance.A.dpi", 999);
+    ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 320);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 999);
+}
+
+TEST_F(ConfInstancesTest, OfAnInstanceThatIsNotCommittedTheDefaultsAreCopied) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confSetI32(store, "vtr.instance.Fresh.dpi", 999);
+    ASSERT_EQ(confCopyInstance(store, "Fresh", "New"), 0);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 240);
+}
+
+TEST_F(ConfInstancesTest, DeprecatedKeysAreNotCopied) {
+    ConfCatalogue old;
+    old.registerInstance("kept", {ConfType::String, "k"});
+    old.registerInstance("old", {ConfType::String, "o", false, /*deprecated=*/true});
+    ConfStore other(old, confDiskFiles());
+    folder.write("vantrel.conf", "vtr.instance.A.kept=\"1\"\nvtr.instance.A.old=\"2\"\n");
+    ASSERT_EQ(confLibInit(other, path(), /*allowDeprecated=*/true), 0);
+    ASSERT_EQ(confCopyInstance(other, "A", "New"), 0);
+    EXPECT_TRUE(confIsPropPending(other, "vtr.instance.New.kept"));
+    EXPECT_FALSE(confIsPropPending(other, "vtr.instance.New.old"));
+    EXPECT_EQ(confGetString(other, "vtr.instance.New.old"), "");
+    ASSERT_EQ(confCommit(other), 0);
+    EXPECT_EQ(folder.read("vantrel.conf"),
+              "vtr.instance.A.kept=\"1\"\nvtr.instance.New.kept=\"1\"\n");
+}
+
+TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        store.values.erase("vtr.instance.A.ram");
+    }
+    confSetI32(store, "vtr.instance.B.dpi", 999);
+    ASSERT_EQ(confCopyInstance(store, "A", "B"), 0);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.B.dpi"), 320) << "a pending change too";
+    EXPECT_FALSE(confIsPropPending(store, "vtr.instance.B.ram"));
+    EXPECT_EQ(confGetI32(store, "vtr.instance.B.ram"), 2048);
+    EXPECT_EQ(pendingKeys().size(), 29u);
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(committed("vtr.instance.B.dpi"), "320");
+    EXPECT_EQ(committed("vtr.instance.B.ram"), "2048");
+}
+
+TEST_F(ConfInstancesTest, ACopyOntoItselfTakesItsPendingChangesBack) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confSetI32(store, "vtr.instance.A.dpi", 999);
+    ASSERT_EQ(confCopyInstance(store, "A", "A"), 0);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
+    EXPECT_EQ(pendingKeys(), keysOf("A"));
+}
+
+TEST_F(ConfInstancesTest, ATargetThatIsRemovedButNotCommittedStaysRemoved) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confDeleteInstance(store, "B");
+    ASSERT_EQ(confCopyInstance(store, "A", "B"), 0);
+    EXPECT_EQ(removedKeys(), keysOf("B"));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
+    ASSERT_EQ(confCommit(store), 0);
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store), Names{"A"});
+}
+
+TEST_F(ConfInstancesTest, NamesThatBeginAlikeAreKeptApart) {
+    ASSERT_EQ(init("vtr.instance.N.dpi=\"1\"\nvtr.instance.N_1.dpi=\"2\"\n"
+                   "vtr.instance.N_10.dpi=\"3\"\n"),
+              0);
+    ASSERT_EQ(confCopyInstance(store, "N_1", "New"), 0);
+    EXPECT_EQ(pendingKeys(), keysOf("New"));
+    EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 2);
+    confDiscardChanges(store);
+    confDeleteInstance(store, "N_1");
+    EXPECT_EQ(removedKeys(), keysOf("N_1"));
+    EXPECT_EQ(confGetInstances(store), (Names{"N", "N_10", "New"}));
+}
+
+TEST_F(ConfInstancesTest, ATargetWhoseKeysCouldNotBeReadBackIsRefused) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    const std::string names[] = {"New.1", ".", "a=b", "a\nb"};
+    for (const std::string& name : names) {
+        log.clear();
+        EXPECT_FALSE(confIsInstanceName(name));
+        EXPECT_EQ(confCopyInstance(store, "A", name), XERR_INVAL);
+        EXPECT_EQ(log.texts(XLOG_VERBOSE),
+                  Lines{"E CONF confCopyInstance: invalid instance name " + name});
+    }
+    EXPECT_EQ(confCopyInstance(store, "A", std::string("a\0b", 3)), XERR_INVAL);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
+    for (const char* name : {"Nougat64_1", "a b", "日本", "\"", ""}) {
+        EXPECT_TRUE(confIsInstanceName(name)) << name;
+        EXPECT_EQ(confCopyInstance(store, "A", name), 0);
+    }
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(confReload(store), 0) << "what was written reads back";
+    EXPECT_EQ(confGetInstances(store).size(), 7u);
+}
+
+TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confSetI32(store, "vtr.instance.A.dpi", 999);
+    confSetI32(store, "vtr.instance.B.dpi", 111);
+    log.clear();
+    EXPECT_EQ(confDeleteInstance(store, "A"), 0);
+    EXPECT_EQ(removedKeys(), keysOf("A"));
+    EXPECT_EQ(pendingKeys(), Lines{"vtr.instance.B.dpi"});
+    EXPECT_EQ(confGetInstances(store), Names{"B"});
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "320") << "until the commit";
+    EXPECT_EQ(confSetCurrentInstance(store, "A"), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF Instance A doesn't exist"});
+}
+
+TEST_F(ConfInstancesTest, ARemovalReachesTheFileWithTheCommit) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confDeleteInstance(store, "A");
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.instance.B.dpi"] = "160";
+    expected["vtr.instance.B.ram"] = "2048";
+    addInstanceDefaults(expected, "B");
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"})) << "listed until the next load";
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store), Names{"B"});
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), std::nullopt);
+}
+
+TEST_F(ConfInstancesTest, AnotherProgramSeesTheRemovalAfterTheCommitOnly) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confDeleteInstance(store, "A");
+    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\n");
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(seenByAnotherProgram(path()), "B 160\n");
+}
+
+TEST_F(ConfInstancesTest, RemovingAnUnknownInstanceStagesNothing) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    log.clear();
+    EXPECT_EQ(confDeleteInstance(store, "Z"), 0);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(ConfInstancesTest, AKeyThatIsSetAfterTheRemovalStays) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confDeleteInstance(store, "A");
+    confSetI32(store, "vtr.instance.A.dpi", 480);
+    EXPECT_EQ(removedKeys().size(), 29u);
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"480\"\n"), std::string::npos);
+    EXPECT_EQ(folder.read("vantrel.conf").find("vtr.instance.A.display_name"), std::string::npos);
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetString(store, "vtr.instance.A.display_name"), "Vantrel");
+}
+
+TEST_F(ConfInstancesTest, ACopyThatIsNotCommittedSurvivesItsRemoval) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
+    confDeleteInstance(store, "New");
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
+    EXPECT_EQ(pendingKeys(), keysOf("New")) << "only committed keys are removed";
+}
+
+TEST_F(ConfInstancesTest, DiscardingARemovalBringsTheInstanceBackWithTheNextLoad) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    confDeleteInstance(store, "A");
+    confDiscardChanges(store);
+    EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
+    EXPECT_EQ(confGetInstances(store), Names{"B"});
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
+}
+
+TEST_F(ConfInstancesTest, TheDumpHasTheCurrentInstancesAndTheGlobalSettings) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    log.clear();
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
+    ASSERT_EQ(confSetCurrentInstance(store, "B"), 0);
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "B"));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    const std::string text = dump();
+    EXPECT_NE(text.find("\nvtr.installed_images=\nvtr.abi_list=\nvtr.adb_port=5555\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("\nvtr.ram=\nvtr.status.adb_port=\nvtr.locale=\n"), std::string::npos);
+    EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
+    EXPECT_EQ(text.find("grm_ignored_rules"), std::string::npos);
+    EXPECT_EQ(text.find("vtr.instance."), std::string::npos);
+    const std::string end = "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+TEST_F(ConfInstancesTest, WithoutACurrentInstanceTheDumpHasTheGlobalSettingsOnly) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    EXPECT_EQ(dump(), dumpText(twoInstances(), ""));
+}
+
+TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    confSetI32(store, "vtr.instance.A.dpi", 999);
+    confSetString(store, "vtr.guid", "pending");
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
+    confDeleteInstance(store, "A");
+    EXPECT_EQ(dump(), dumpText(twoInstances(), "A")) << "until the commit";
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = twoInstances();
+    expected["vtr.guid"] = "pending";
+    EXPECT_EQ(dump(), dumpText(expected, ""));
+}
+
+TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    const std::string text = dumpText(twoInstances(), "A");
+    const auto needed = static_cast<std::uint32_t>(text.size() + 1);
+    std::string buffer(needed + 10, '?');
+    std::uint32_t size = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, buffer.data(), needed - 1, size), XERR_FBIG);
+    EXPECT_EQ(size, needed);
+    EXPECT_EQ(buffer, std::string(needed + 10, '?'));
+    size = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, buffer.data(), needed, size), 0);
+    EXPECT_EQ(size, needed);
+    EXPECT_EQ(buffer, text + '\0' + std::string(10, '?'));
+}
+
+TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    const std::string text = dumpText(twoInstances(), "");
+    std::string buffer(text.size() + 100, '?');
+    std::uint32_t size = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, buffer.data(),
+                                        static_cast<std::uint32_t>(buffer.size()), size),
+              0);
+    EXPECT_EQ(size, text.size() + 1);
+    EXPECT_EQ(buffer, text + '\0' + std::string(99, '?'));
+}
+
+TEST_F(ConfInstancesTest, NoBufferAtAllAsksForTheSize) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    std::uint32_t size = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
+    EXPECT_EQ(size, dumpText(twoInstances(), "").size() + 1);
+}
+
+TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    log.clear();
+    std::uint32_t size = 7;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 1 << 20, size), XERR_INVAL);
+    EXPECT_EQ(size, 7u);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF confGetInstanceAllConfigs: buffer is null"});
+}
+
+namespace {
+
+// A catalogue with one property of each scope, whose names are that long.
+ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) {
+    ConfCatalogue catalogue;
+    catalogue.registerGlobal(std::string(globalLength, 'g'), {ConfType::String, ""});
+    catalogue.registerInstance(std::string(instanceLength, 'i'), {ConfType::String, ""});
+    return catalogue;
+}
+
+}  // namespace
+
+TEST_F(ConfInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
+    const ConfCatalogue longest = catalogueOf(27, 27);
+    ConfStore other(longest, confDiskFiles());
+    const std::string global = "vtr." + std::string(27, 'g');
+    const std::string property(27, 'i');
+    const std::string value(91, 'v');
+    folder.write("vantrel.conf", global + "=\"" + value + "\"\nvtr.instance.A." + property + "=\"" +
+                                     value + "\"\n");
+    ASSERT_EQ(confLibInit(other, path(), false), 0);
+    ASSERT_EQ(confSetCurrentInstance(other, "A"), 0);
+    char buffer[1024];
+    std::uint32_t size = 0;
+    ASSERT_EQ(confGetInstanceAllConfigs(other, buffer, sizeof buffer, size), 0);
+    EXPECT_EQ(std::string(buffer, size - 1), global + "=" + value + "\nvtr." + property + "=" +
+                                                 value + "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n");
+}
+
+TEST_F(ConfInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {
+    const std::string value(92, 'v');
+    ASSERT_EQ(init("vtr.media_folder=\"" + value + "\"\nvtr.instance.A.grm_ignored_rules=\"" +
+                   value + "\"\nvtr.instance.B.display_name=\"" + value + "\"\n"),
+              0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    EXPECT_EQ(dump().find(value), std::string::npos);
+    EXPECT_EQ(confKeysTooLongForDump(store), Lines{});
+}
+
+TEST_F(ConfInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
+    const std::string tooLong(92, 'v');
+    const std::string longest(91, 'v');
+    ASSERT_EQ(init("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
+                   "\"\nvtr.instance.A.display_name=\"" + tooLong + "\"\n"),
+              0);
+    EXPECT_EQ(confKeysTooLongForDump(store), Lines{"vtr.shared_folders"});
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    EXPECT_EQ(confKeysTooLongForDump(store),
+              (Lines{"vtr.instance.A.display_name", "vtr.shared_folders"}));
+
+    const ConfCatalogue longKeys = catalogueOf(28, 28);
+    ConfStore other(longKeys, confDiskFiles());
+    ASSERT_EQ(confLibInit(other, folder.write("other.conf", ""), false), 0);
+    EXPECT_EQ(confKeysTooLongForDump(other), Lines{"vtr." + std::string(28, 'g')});
+}
+
+// Does one fatal thing to a file with instance A current, with the log on standard output.
+SCENE(instanceFatal) {
+    TempFolder folder;
+    const std::string path = folder.write("c", arguments[1]);
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    const ConfCatalogue catalogue = arguments[0] == "dumpLongGlobalKey" ? catalogueOf(28, 1)
+                                    : arguments[0] == "dumpLongInstanceKey"
+                                        ? catalogueOf(1, 28)
+                                        : confProductCatalogue();
+    ConfStore store(catalogue, confDiskFiles());
+    if (confLibInit(store, path, false) != 0) return 2;
+    if (arguments[0] == "readRemoved") {
+        confDeleteInstance(store, "A");
+        confGetI32(store, "vtr.instance.A.dpi");
+        return 3;
+    }
+    if (confSetCurrentInstance(store, "A") != 0) return 4;
+    std::uint32_t size = 0;
+    return confGetInstanceAllConfigs(store, nullptr, 0, size);
+}
+
+namespace {
+
+// The scene must end with the fatal line, right behind this one.
+void expectFatal(const std::string& what, const std::string& content, const std::string& message) {
+    const ChildResult result = runScene("instanceFatal", {what, content});
+    EXPECT_EQ(result.status, kFatalStatus);
+    Lines lines;
+    for (const std::string& line : logMessages(result.out)) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 2u) << result.out;
+    EXPECT_EQ(lines[0], "E CONF  " + message);
+    EXPECT_EQ(lines[1].rfind("E CONF  FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u) << lines[1];
+    EXPECT_EQ(lines[1].substr(lines[1].rfind(' ')), " 0.000000()");
+}
+
+}  // namespace
+
+TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
+    expectFatal("readRemoved", "vtr.instance.A.dpi=\"320\"\n",
+                "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]");
+}
+
+TEST(ConfInstancesFatalTest, DumpingAGlobalKeyOf32Bytes) {
+    const std::string key = "vtr." + std::string(28, 'g');
+    expectFatal("dumpLongGlobalKey", key + "=\"x\"\nvtr.instance.A.i=\"y\"\n",
+                "Invalid conf entry. Key = '" + key + "', value = 'x'");
+}
+
+TEST(ConfInstancesFatalTest, DumpingAnInstanceKeyThatShowsWith32BytesNamesTheStoredKey) {
+    const std::string key = "vtr.instance.A." + std::string(28, 'i');
+    expectFatal("dumpLongInstanceKey", "vtr.g=\"x\"\n" + key + "=\"y\"\n",
+                "Invalid conf entry. Key = '" + key + "', value = 'y'");
+}
+
+TEST(ConfInstancesFatalTest, DumpingAGlobalValueOf92Bytes) {
+    const std::string value(92, 'v');
+    expectFatal("dumpLongValue",
+                "vtr.shared_folders=\"" + value + "\"\nvtr.instance.A.dpi=\"320\"\n",
+                "Invalid conf entry. Key = 'vtr.shared_folders', value = '" + value + "'");
+}
+
+TEST(ConfInstancesFatalTest, DumpingAnInstanceValueOf92BytesNamesTheStoredKey) {
+    std::string value;  // 46 characters
+    for (int i = 0; i < 46; ++i) value += "ü";
+    expectFatal("dumpLongValue", "vtr.instance.A.display_name=\"" + value + "\"\n",
+                "Invalid conf entry. Key = 'vtr.instance.A.display_name', value = '" + value + "'");
+}

@@ -1,0 +1,261 @@
+// The real program, with the registry, the data folder and the log that it uses.
+#include <algorithm>
+
+#include "BridgeadmFixture.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+std::string jsonOfLines(const std::string& lines) {
+    std::string json;
+    for (std::size_t start = 0; start < lines.size();) {
+        const std::size_t end = lines.find('\n', start);
+        const std::size_t equals = lines.find('=', start);
+        json += json.empty() ? "[\n" : ",\n";
+        json += "    {\n        \"key\": \"" + lines.substr(start, equals - start) +
+                "\",\n        \"value\": \"" + lines.substr(equals + 1, end - equals - 1) +
+                "\"\n    }";
+        start = end + 1;
+    }
+    return json + "\n]\n";
+}
+
+}  // namespace
+
+TEST_F(BridgeadmTest, CopiesAnInstanceIntoTheFile) {
+    EXPECT_EQ(output({"copy-instance", "Nougat64", "Nougat64_1"}),
+              "copied the settings of Nougat64 to Nougat64_1\n");
+    addInstanceCopy(entries, "Nougat64", "Nougat64_1");
+    EXPECT_EQ(file(), fileText(entries));
+    EXPECT_EQ(data.list(), (Arguments{"Logs", "vantrel.conf"}));
+}
+
+TEST_F(BridgeadmTest, ACopyIsThereForOtherPrograms) {
+    output({"copy-instance", "Nougat64", "Nougat64_日本"});
+    const ChildResult result = runChild(builtProgram("bridgectl.exe"),
+                                        {"conf", "get", "vtr.instance.Nougat64_日本.display_name"});
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(result.out, "Jeux 日本\n");
+}
+
+TEST_F(BridgeadmTest, AnInstanceThatExistsIsOverwrittenOnlyWhenAsked) {
+    expectFailure({"copy-instance", "Nougat64", "Nougat32"}, 2,
+                  "instance Nougat32 exists: add --overwrite");
+    EXPECT_EQ(output({"copy-instance", "Nougat64", "Nougat32", "--overwrite"}),
+              "copied the settings of Nougat64 to Nougat32\n");
+    Entries expected = globalDefaults();
+    for (const auto& [key, value] : entries) {
+        if (key.find("Nougat32") == std::string::npos) expected[key] = value;
+    }
+    addInstanceCopy(expected, "Nougat64", "Nougat32");
+    EXPECT_EQ(file(), fileText(expected));
+}
+
+TEST_F(BridgeadmTest, OverwritingTakesANewInstanceToo) {
+    output({"copy-instance", "--overwrite", "Nougat64", "Nougat64_1"});
+    addInstanceCopy(entries, "Nougat64", "Nougat64_1");
+    EXPECT_EQ(file(), fileText(entries));
+}
+
+TEST_F(BridgeadmTest, OfAnUnknownInstanceThereIsNoCopy) {
+    expectFailure({"copy-instance", "Nougat64_9", "Nougat64_1"}, 3, "no such instance: Nougat64_9");
+}
+
+TEST_F(BridgeadmTest, AnInstanceIsNotCopiedOntoItself) {
+    expectFailure({"copy-instance", "Nougat64", "Nougat64", "--overwrite"}, 2,
+                  "an instance cannot be copied onto itself");
+}
+
+TEST_F(BridgeadmTest, ANameThatCannotBeReadBackIsRefused) {
+    for (const std::string name : {"Nougat64_1.2", "Nougat64_a=b", "Nougat64_a\nb"}) {
+        expectFailure({"copy-instance", "Nougat64", name}, 4,
+                      "no instance can have this name: " + name);
+    }
+}
+
+TEST_F(BridgeadmTest, ANameWithoutAnImageIsRefused) {
+    for (const std::string name : {"Typo", "nougat64", "_1", ""}) {
+        expectFailure({"copy-instance", "Nougat64", name}, 3,
+                      "instance " + name + " has an unknown image");
+    }
+}
+
+TEST_F(BridgeadmTest, RemovesAnInstanceFromTheFile) {
+    EXPECT_EQ(output({"remove-instance", "Nougat64"}), "removed the settings of Nougat64\n");
+    Entries expected = globalDefaults();
+    expected["vtr.instance.Nougat32.ram"] = "1024";
+    addInstanceDefaults(expected, "Nougat32");
+    EXPECT_EQ(file(), fileText(expected));
+    expectFailure({"remove-instance", "Nougat64"}, 3, "no such instance: Nougat64");
+}
+
+TEST_F(BridgeadmTest, TheLastInstanceCanBeRemoved) {
+    output({"remove-instance", "Nougat32"});
+    output({"remove-instance", "Nougat64"});
+    EXPECT_EQ(file(), fileText(globalDefaults()));
+}
+
+TEST_F(BridgeadmTest, AnInstanceOfAnUnknownImageCanBeRemoved) {
+    Entries withTypo = entries;
+    addInstanceDefaults(withTypo, "Typo");
+    write(withTypo);
+    output({"remove-instance", "Typo"});
+    EXPECT_EQ(file(), fileText(entries));
+}
+
+TEST_F(BridgeadmTest, AFileThatCannotBeWrittenBackStaysAsItIs) {
+    entries["vtr.locale"] = std::string(4095 - 4 - std::string("vtr.locale").size() + 1, 'x');
+    write(entries);
+    expectFailure({"copy-instance", "Nougat64", "Nougat64_1"}, 6, "not committed: 7 XERR_2BIG");
+    expectFailure({"remove-instance", "Nougat64"}, 6, "not committed: 7 XERR_2BIG");
+}
+
+TEST_F(BridgeadmTest, DumpsAnInstance) {
+    EXPECT_EQ(output({"dump-instance", "Nougat64"}), dumpText(entries, "Nougat64"));
+    EXPECT_EQ(output({"dump-instance", "Nougat32"}), dumpText(entries, "Nougat32"));
+    EXPECT_EQ(file(), fileText(entries));
+}
+
+TEST_F(BridgeadmTest, ADumpHasTheInstancesKeysUnderGlobalNamesAndTwoLastLines) {
+    const std::string text = output({"dump-instance", "Nougat64"});
+    EXPECT_NE(text.find("\nvtr.display_name=Jeux 日本\n"), std::string::npos);
+    EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
+    const std::string end = "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+TEST_F(BridgeadmTest, ADumpCanBeJson) {
+    EXPECT_EQ(output({"dump-instance", "Nougat64", "--json"}),
+              jsonOfLines(dumpText(entries, "Nougat64")));
+}
+
+TEST_F(BridgeadmTest, BytesThatAreNotUtf8DoNotEndAJsonDump) {
+    entries["vtr.guid"] = "a\xff";
+    write(entries);
+    EXPECT_NE(output({"dump-instance", "Nougat64", "--json"})
+                  .find("\"key\": \"vtr.guid\",\n        \"value\": \"a\xef\xbf\xbd\"\n"),
+              std::string::npos);
+    EXPECT_EQ(output({"dump-instance", "Nougat64"}), dumpText(entries, "Nougat64"));
+}
+
+TEST_F(BridgeadmTest, OfAnUnknownInstanceThereIsNoDump) {
+    expectFailure({"dump-instance", "Nougat"}, 3, "no such instance: Nougat");
+}
+
+TEST_F(BridgeadmTest, WhatIsTooLongForADumpIsAnErrorAndNotTheEnd) {
+    const std::string tooLong(92, 'v');
+    entries["vtr.shared_folders"] = tooLong;
+    entries["vtr.instance.Nougat64.display_name"] = tooLong;
+    write(entries);
+    expectFailure({"dump-instance", "Nougat32"}, 4, "too long for a dump: vtr.shared_folders");
+    expectFailure({"dump-instance", "Nougat64", "--json"}, 4,
+                  "too long for a dump: vtr.instance.Nougat64.display_name vtr.shared_folders");
+}
+
+TEST_F(BridgeadmTest, AMissingFileIsAnError) {
+    ASSERT_TRUE(::DeleteFileW(wideForTests(data / "vantrel.conf").c_str()));
+    for (const Arguments& arguments :
+         {Arguments{"copy-instance", "Nougat64", "Nougat64_1"},
+          Arguments{"remove-instance", "Nougat64"}, Arguments{"dump-instance", "Nougat64"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 5u);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "bridgeadm: the configuration cannot be loaded: -1 XERR_FAILURE\n");
+    }
+    EXPECT_EQ(data.list(), Arguments{"Logs"});
+}
+
+TEST_F(BridgeadmTest, AMalformedFileIsAnError) {
+    for (const char* line : {"nonsense\n", "vtr.nothing=\"1\"\n", "vtr.locale=\n"}) {
+        data.write("vantrel.conf", line);
+        expectFailure({"remove-instance", "Nougat64"}, 5,
+                      "the configuration cannot be loaded: -1 XERR_FAILURE");
+    }
+}
+
+TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
+    ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
+    const std::string error =
+        "cannot open the log file " + data.path() + "\\Logs/Player.log: 2 XERR_NOENT";
+    expectFailure({"dump-instance", "Nougat64"}, 5, error);
+    expectFailure({"trim"}, 5, error);
+}
+
+TEST_F(BridgeadmTest, LogsUnderItsNameIntoTheProductsLogOrTheGivenFile) {
+    output({"remove-instance", "Nougat32"});
+    const std::string line =
+        "I CONF bridgeadm confCommitToFile args: " + data.path() + "\\vantrel.conf";
+    EXPECT_EQ(loggedLines(), Arguments{line});
+    output({"--log-file", data / "new\\own.log", "remove-instance", "Nougat64"});
+    EXPECT_EQ(logMessages(data.read("new\\own.log")), Arguments{line});
+    EXPECT_EQ(loggedLines(), Arguments{line});
+}
+
+TEST_F(BridgeadmTest, TrimsTheProcessesOfTheInstallFolder) {
+    // The program itself runs from there.
+    const std::string program = builtProgram("bridgeadm.exe");
+    registry.set("InstallDir",
+                 program.substr(0, program.size() - std::string("bridgeadm.exe").size()));
+    EXPECT_EQ(output({"trim"}), "trimmed the product's processes\n");
+    const Arguments lines = loggedLines();
+    EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [&program](const std::string& line) {
+        return line.rfind("I UTL bridgeadm Trimming memory for process ", 0) == 0 &&
+               line.find(":" + program) == line.size() - program.size() - 1;
+    })) << ::testing::PrintToString(lines);
+}
+
+TEST_F(BridgeadmTest, NothingElseIsTrimmed) {
+    registry.set("InstallDir", "C:\\Nowhere\\");
+    EXPECT_EQ(output({"trim"}), "trimmed the product's processes\n");
+    EXPECT_EQ(loggedLines(), Arguments{});
+}
+
+TEST_F(BridgeadmTest, TrimmingNeedsNoConfiguration) {
+    ASSERT_TRUE(::DeleteFileW(wideForTests(data / "vantrel.conf").c_str()));
+    registry.set("InstallDir", "C:\\Nowhere\\");
+    EXPECT_EQ(output({"trim"}), "trimmed the product's processes\n");
+}
+
+TEST_F(BridgeadmTest, WithoutAnInstallFolderNothingIsTrimmed) {
+    expectFailure({"trim"}, 5, "the registry names no install folder");
+}
+
+TEST_F(BridgeadmTest, MisuseIsExplained) {
+    for (const Arguments& arguments :
+         {Arguments{}, Arguments{"nonsense"}, Arguments{"copy-instance", "Nougat64"},
+          Arguments{"remove-instance"}, Arguments{"remove-instance", "a", "b"},
+          Arguments{"dump-instance"}, Arguments{"dump-instance", "Nougat64", "--xml"},
+          Arguments{"trim", "all"}, Arguments{"sync-apps", "Nougat64"},
+          Arguments{"update-app", "Nougat64"},
+          Arguments{"update-app", "Nougat64", "com.a", "--version-code", "2147483648"},
+          Arguments{"update-app", "Nougat64", "com.a", "--version-code", "many"},
+          Arguments{"remove-app", "Nougat64"}, Arguments{"copy-cache", "Nougat64"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 2u);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err.rfind("bridgeadm: ", 0), 0u);
+        EXPECT_NE(result.err.find("bridgeadm: see bridgeadm --help\n"), std::string::npos);
+    }
+    EXPECT_EQ(file(), fileText(entries));
+}
+
+TEST_F(BridgeadmTest, EveryCommandHasAnExample) {
+    const std::string text = output({"--help"});
+    EXPECT_NE(text.find("\n  6  the change could not be written; the old file is whole\n"),
+              std::string::npos);
+    for (const std::string command :
+         {"copy-cache", "copy-instance", "dump-instance", "help", "remove-app", "remove-instance",
+          "sync-apps", "trim", "update-app"}) {
+        EXPECT_NE(text.find("\n  " + command + " "), std::string::npos) << command;
+        EXPECT_NE(output({command, "--help"}).find("\nExample: bridgeadm " + command),
+                  std::string::npos)
+            << command;
+    }
+    EXPECT_EQ(output({"--version"}), "bridgeadm 5.2.0.1052\n");
+}
+
+TEST_F(BridgeadmTest, TheHelpCommandSaysWhatTheOptionSays) {
+    EXPECT_EQ(output({"help"}), output({"--help"}));
+    EXPECT_EQ(output({"help", "trim"}), output({"trim", "--help"}));
+    expectFailure({"help", "nonsense"}, 2, "no such command: nonsense");
+}

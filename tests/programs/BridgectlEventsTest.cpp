@@ -1,0 +1,425 @@
+// `bridgectl events` on the real library, told of events by the real stand-ins.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <io.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "support/ChildProcess.h"
+#include "support/ProductRegistry.h"
+#include "support/RawServer.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const std::string kServer = "vtr_LogCollector_bridge_nvo";
+const std::string kListening = "bridgectl: listening on " + kServer;
+
+Texts linesOf(const std::string& text) {
+    Texts lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return lines;
+}
+
+// Whether a text begins with a time like "2024-03-07T14:05:09.042+05:30".
+bool beginsWithTime(const std::string& text) {
+    const std::string form = "####-##-##T##:##:##.###+##:##";
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        const char c = i < text.size() ? text[i] : '\0';
+        const bool fits = form[i] == '#'   ? c >= '0' && c <= '9'
+                          : form[i] == '+' ? c == '+' || c == '-'
+                                           : c == form[i];
+        if (!fits) return false;
+    }
+    return true;
+}
+
+constexpr std::size_t kTimeLength = 29;
+
+// The members of a JSON object behind its time.
+std::string withoutTime(const std::string& line) {
+    const std::string opening = "{\"time\":\"";
+    const std::size_t start = opening.size() + kTimeLength + 2;
+    const bool fits = line.rfind(opening, 0) == 0 && beginsWithTime(line.substr(opening.size())) &&
+                      line.substr(start - 2, 2) == "\"," && line.back() == '}';
+    EXPECT_TRUE(fits) << line;
+    return fits ? line.substr(start, line.size() - start - 1) : line;
+}
+
+Texts eventsOf(const std::string& output) {
+    Texts lines = linesOf(output);
+    for (std::string& line : lines) line = withoutTime(line);
+    return lines;
+}
+
+class BridgectlEventsTest : public ::testing::Test {
+ protected:
+    BridgectlEventsTest() {
+        const std::string bin = builtProgram("");
+        standins = bin.substr(0, bin.size() - 4) + "standins\\";
+        data.makeFolder("Logs");
+        data.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
+        registry.set("UserDefinedDir", data.path());
+        registry.set("InstallDir", standins);
+        registry.set("Version", "5.2.0.1052");
+        setScript("");
+    }
+
+    static Texts arguments(const Texts& more) {
+        Texts all{"--client", "LogCollector", "events"};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+
+    // Starts to listen; from here on no event is missed.
+    static ChildProcess listen(const Texts& more) {
+        ChildProcess program(builtProgram("bridgectl.exe"), arguments(more));
+        EXPECT_EQ(program.readErrorLine(), kListening);
+        return program;
+    }
+
+    void setScript(const std::string& script) {
+        environment.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
+                                   {"QX_STANDIN_SCRIPT", data.write("script", script)},
+                                   {"QX_STANDIN_CLIENTS", "LogCollector"},
+                                   {"QX_STANDIN_SECONDS", "1"}};
+    }
+
+    void send(Texts event) const {
+        event.insert(event.begin(), "--event");
+        EXPECT_EQ(runChild(standins + "QX-Player.exe", event, environment).status, 0u);
+    }
+
+    // Starts a program of the product through the library, as a front end does.
+    void start(const Texts& command) const {
+        EXPECT_EQ(runChild(builtProgram("bridgectl.exe"), command, environment).status, 0u);
+    }
+
+    // Ends the programs that start() has left running, and waits for it.
+    void shutDown(std::size_t count) const {
+        start({"shutdown"});
+        std::size_t ended = 0;
+        for (int i = 0; i < 400 && ended < count; ++i) {
+            ::Sleep(10);
+            const Texts lines = linesOf(data.read("standins.txt"));
+            ended = static_cast<std::size_t>(std::count_if(
+                lines.begin(), lines.end(),
+                [](const std::string& line) { return line.rfind("ended: ", 0) == 0; }));
+        }
+        EXPECT_EQ(ended, count);
+    }
+
+    // The events that a listener has shown when it ends, except those that were read before.
+    static Texts finish(ChildProcess& listener) {
+        const ChildResult result = listener.finish();
+        EXPECT_EQ(result.status, 0u) << result.err;
+        EXPECT_EQ(result.err, kListening + "\n");
+        return eventsOf(result.out);
+    }
+
+    TempFolder data;
+    ProductRegistry registry;
+    std::string standins;
+    ChildOptions environment;
+};
+
+}  // namespace
+
+TEST_F(BridgectlEventsTest, ShowsEveryEvent) {
+    ChildProcess listener = listen({"--json", "--count", "9"});
+    send({"app-installed", "N", "p", "a", "l", "5", "1.0", "C:\\i.png", "true"});
+    send({"app-uninstalled", "N", "p"});
+    send({"apk-install-completed", "N", "-3", "C:\\a b.apk"});
+    send({"instance-list-updated"});
+    send({"image-install-progress", "Nougat64", "1", "12.5"});
+    send({"create-instance-completed", "7", "N_1"});
+    send({"instance-configuration-changed", "N"});
+    send({"app-displayed", "N", "p"});
+    send({"account-list-updated", "N", "who@example.com", "2"});
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"app-installed","instance":"N","package":"p","activity":"a",)"
+                     R"("appLabel":"l","versionCode":5,"versionName":"1.0",)"
+                     R"("iconFilePath":"C:\\i.png","isUpdate":true)",
+                     R"("event":"app-uninstalled","instance":"N","package":"p")",
+                     R"("event":"apk-install-completed","instance":"N","status":-3,)"
+                     R"("apkFilePath":"C:\\a b.apk")",
+                     R"("event":"instance-list-updated")",
+                     R"("event":"image-install-progress","imageName":"Nougat64","status":1,)"
+                     R"("progress":12.5)",
+                     R"("event":"create-instance-completed","status":7,"instance":"N_1")",
+                     R"("event":"instance-configuration-changed","instance":"N")",
+                     R"("event":"app-displayed","instance":"N","package":"p")",
+                     R"("event":"account-list-updated","instance":"N","emailId":"who@example.com",)"
+                     R"("action":2)"}));
+}
+
+TEST_F(BridgectlEventsTest, TextsArriveAsTheyWereSent) {
+    setScript("event app-displayed \"a # \xFF\" \"\x1B[31m\xC2\x9B\"");
+    ChildProcess listener = listen({"--json", "--count", "4"});
+    send({"app-displayed", "Jeux 日本 \xF0\x9F\x8E\xAE", "say \"hi\" \\ there\\"});
+    send({"app-displayed", "", ""});
+    send({"app-installed", "", "", "", "", "-2147483648", "", "", "false"});
+    EXPECT_EQ(runChild(standins + "QX-Player.exe", {"--instance", "Script"}, environment).status,
+              0u);
+    EXPECT_EQ(finish(listener),
+              (Texts{"\"event\":\"app-displayed\",\"instance\":\"Jeux 日本 \xF0\x9F\x8E\xAE\","
+                     R"("package":"say \"hi\" \\ there\\")",
+                     R"("event":"app-displayed","instance":"","package":"")",
+                     R"("event":"app-installed","instance":"","package":"","activity":"",)"
+                     R"("appLabel":"","versionCode":-2147483648,"versionName":"",)"
+                     R"("iconFilePath":"","isUpdate":false)",
+                     "\"event\":\"app-displayed\",\"instance\":\"a # \xEF\xBF\xBD\","
+                     R"("package":"\u001b[31m\u009b")"}));
+}
+
+TEST_F(BridgectlEventsTest, LinesAreReadable) {
+    ChildProcess listener = listen({"--count", "1"});
+    send({"apk-install-completed", "N", "0", "C:\\a b.apk"});
+    const ChildResult result = listener.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_TRUE(beginsWithTime(result.out)) << result.out;
+    EXPECT_EQ(result.out.substr(kTimeLength),
+              " apk-install-completed instance=\"N\" status=0 apkFilePath=\"C:\\\\a b.apk\"\n");
+}
+
+TEST_F(BridgectlEventsTest, EachLineIsThereAtOnce) {
+    ChildProcess listener = listen({"--json"});
+    send({"app-displayed", "N", "p"});
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"app-displayed","instance":"N","package":"p")");
+}
+
+TEST_F(BridgectlEventsTest, EachCommandReportsItsWork) {
+    ChildProcess listener = listen({"--json", "--count", "11"});
+    start({"launch", "Nougat64", "com.a"});
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"app-displayed","instance":"Nougat64","package":"com.a")");
+    start({"install-apk", "Nougat64", "C:\\d\\com.b.apk"});
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"app-installed","instance":"Nougat64","package":"com.b",)"
+              R"("activity":"com.b.MainActivity","appLabel":"com.b","versionCode":1,)"
+              R"("versionName":"1.0","iconFilePath":"","isUpdate":false)");
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"apk-install-completed","instance":"Nougat64","status":0,)"
+              R"("apkFilePath":"C:\\d\\com.b.apk")");
+    start({"uninstall", "Nougat64", "com.b"});
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"app-uninstalled","instance":"Nougat64","package":"com.b")");
+    start({"install-image", "Nougat32"});
+    for (const char* part : {"25.0", "50.0", "75.0"}) {
+        EXPECT_EQ(withoutTime(listener.readLine()),
+                  std::string(R"("event":"image-install-progress","imageName":"Nougat32",)"
+                              R"("status":1,"progress":)") +
+                      part);
+    }
+    EXPECT_EQ(withoutTime(listener.readLine()), R"("event":"instance-list-updated")")
+        << "an image that is installed changes the list, and the library says so first";
+    EXPECT_EQ(withoutTime(listener.readLine()),
+              R"("event":"image-install-progress","imageName":"Nougat32","status":2,)"
+              R"("progress":100.0)");
+    start({"create-instance", "Nougat64", "4", "4096", "aga", "dx", "s21u"});
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"create-instance-completed","status":0,"instance":"Nougat64_1")",
+                     R"("event":"instance-list-updated")"}));
+    shutDown(2);
+}
+
+TEST_F(BridgectlEventsTest, SplitEventsArriveWhole) {
+    setScript("event-split 5");
+    ChildProcess listener = listen({"--json", "--count", "2"});
+    send({"app-displayed", "N", "p"});
+    send({"app-uninstalled", "N", "p"});
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+                     R"("event":"app-uninstalled","instance":"N","package":"p")"}));
+}
+
+TEST_F(BridgectlEventsTest, GarbageBehindAnEventSpoilsNoOther) {
+    ChildProcess listener = listen({"--json", "--count", "2"});
+    setScript("event-garbage 40");
+    send({"app-displayed", "N", "p"});
+    setScript("");
+    send({"app-uninstalled", "N", "p"});
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+                     R"("event":"app-uninstalled","instance":"N","package":"p")"}));
+}
+
+TEST_F(BridgectlEventsTest, ABrokenOffEventIsNoneAndSpoilsNoOther) {
+    ChildProcess listener = listen({"--json", "--count", "1"});
+    setScript("event-close-early");
+    send({"app-displayed", "N", "p"});
+    setScript("");
+    send({"app-uninstalled", "N", "p"});
+    EXPECT_EQ(finish(listener), Texts{R"("event":"app-uninstalled","instance":"N","package":"p")"});
+}
+
+TEST_F(BridgectlEventsTest, AFloodArrivesInOrder) {
+    setScript("event-flood 1000 create-instance-completed {n} N{n}");
+    ChildProcess listener = listen({"--json", "--count", "1000"});
+    ChildProcess player(standins + "QX-Player.exe", {"--instance", "Flood"}, environment);
+    const Texts events = finish(listener);
+    ASSERT_EQ(events.size(), 1000u);
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        ASSERT_EQ(events[i], R"("event":"create-instance-completed","status":)" + number +
+                                 R"(,"instance":"N)" + number + "\"");
+    }
+}
+
+TEST_F(BridgectlEventsTest, TheCountEndsIt) {
+    setScript("event-flood 5 create-instance-completed {n} N");
+    ChildProcess listener = listen({"--json", "--count", "2"});
+    ChildProcess player(standins + "QX-Player.exe", {"--instance", "Count"}, environment);
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"create-instance-completed","status":1,"instance":"N")",
+                     R"("event":"create-instance-completed","status":2,"instance":"N")"}));
+}
+
+TEST_F(BridgectlEventsTest, OnlyTheFilteredEventsAreShownAndCounted) {
+    ChildProcess listener =
+        listen({"--json", "--count", "3", "--filter", "app-displayed,instance-list-updated",
+                "--filter", "account-list-updated"});
+    send({"app-uninstalled", "N", "p"});
+    send({"app-displayed", "N", "p"});
+    send({"create-instance-completed", "0", "N"});
+    send({"account-list-updated", "N", "e", "1"});
+    send({"image-install-progress", "N", "2", "100"});
+    EXPECT_EQ(finish(listener),
+              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+                     R"("event":"account-list-updated","instance":"N","emailId":"e","action":1)",
+                     R"("event":"instance-list-updated")"}));
+}
+
+TEST_F(BridgectlEventsTest, ATimeoutEndsTheWaitingForACount) {
+    ChildProcess listener = listen({"--json", "--count", "3", "--timeout", "1"});
+    const ChildResult result = listener.finish();
+    EXPECT_EQ(result.status, 9u);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, kListening + "\nbridgectl: 0 of 3 events\n");
+}
+
+TEST_F(BridgectlEventsTest, ATimeoutAloneIsANormalEnd) {
+    ChildProcess listener = listen({"--json", "--timeout", "1"});
+    send({"app-displayed", "N", "p"});
+    const ChildResult result = listener.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(eventsOf(result.out),
+              Texts{R"("event":"app-displayed","instance":"N","package":"p")"});
+    EXPECT_EQ(result.err, kListening + "\nbridgectl: 1 event\n");
+}
+
+TEST_F(BridgectlEventsTest, MisuseIsExplained) {
+    const struct {
+        Texts options;
+        const char* part;
+    } cases[] = {
+        {{"--filter", "app-displayed,app-shown"}, "app-shown"},
+        {{"--filter", ""}, "--filter"},
+        {{"--count", "0"}, "--count"},
+        {{"--count", "x"}, "--count"},
+        {{"--timeout", "0"}, "--timeout"},
+        {{"app-displayed"}, "app-displayed"},
+    };
+    for (const auto& [options, part] : cases) {
+        const ChildResult result = runChild(builtProgram("bridgectl.exe"), arguments(options));
+        EXPECT_EQ(result.status, 2u) << part;
+        EXPECT_EQ(result.out, "");
+        EXPECT_NE(result.err.find(part), std::string::npos) << result.err;
+    }
+    const ChildResult result =
+        runChild(builtProgram("bridgectl.exe"), arguments({"--filter", "app-shown"}));
+    for (const char* name :
+         {"app-installed", "app-uninstalled", "apk-install-completed", "instance-list-updated",
+          "image-install-progress", "create-instance-completed", "instance-configuration-changed",
+          "app-displayed", "account-list-updated"}) {
+        EXPECT_NE(result.err.find(name), std::string::npos) << result.err;
+    }
+}
+
+TEST_F(BridgectlEventsTest, ANameInUseIsAnError) {
+    const std::string error = "bridgectl: another front end serves " + kServer + ": see --client\n";
+    ChildProcess listener = listen({"--count", "1"});
+    ChildResult second = runChild(builtProgram("bridgectl.exe"), arguments({}));
+    EXPECT_EQ(second.status, 10u);
+    EXPECT_EQ(second.err, error);
+    send({"app-displayed", "N", "p"});
+    EXPECT_EQ(listener.finish().status, 0u) << "the first one goes on";
+    const RawServer other(kServer, [](RawPipe&) {});
+    EXPECT_EQ(runChild(builtProgram("bridgectl.exe"), arguments({})).err, error);
+}
+
+TEST_F(BridgectlEventsTest, ThePreviousListenerLeavesTheNameFree) {
+    for (int i = 0; i < 3; ++i) {
+        ChildProcess listener = listen({"--count", "1"});
+        send({"app-displayed", "N", "p"});
+        EXPECT_EQ(listener.finish().status, 0u);
+    }
+}
+
+// A process with a console of its own, so that its Ctrl-C reaches nobody else: it starts a listener
+// on that console, has an event sent and shown, and presses Ctrl-C. Its output and its status are
+// the listener's, except where the system gives no such console.
+constexpr int kNoConsole = 97;
+
+SCENE(pressesCtrlC) {
+    ::FreeConsole();
+    if (!::AllocConsole()) return kNoConsole;
+    ChildProcess listener(builtProgram("bridgectl.exe"),
+                          {"--client", "LogCollector", "events", "--json"});
+    if (listener.readErrorLine() != kListening) return 96;
+    const Texts event{"--event", "app-displayed", "N", "p"};
+    if (runChild(arguments[0], event).status != 0) return 95;
+    const std::string line = listener.readLine();
+    ::SetConsoleCtrlHandler(nullptr, TRUE);  // not this process
+    if (!::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) return kNoConsole;
+    const ChildResult result = listener.finish();
+    ::_setmode(::_fileno(stdout), _O_BINARY);
+    ::_setmode(::_fileno(stderr), _O_BINARY);
+    std::fputs((line + "\n" + result.out).c_str(), stdout);
+    std::fputs(result.err.c_str(), stderr);
+    return static_cast<int>(result.status);
+}
+
+TEST_F(BridgectlEventsTest, CtrlCEndsItWithTheCount) {
+    const ChildResult result = runScene("pressesCtrlC", {standins + "QX-Player.exe"}, environment);
+    if (result.status == kNoConsole) GTEST_SKIP() << "needs a system that gives a new console";
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(eventsOf(result.out),
+              Texts{R"("event":"app-displayed","instance":"N","package":"p")"});
+    EXPECT_EQ(result.err, kListening + "\nbridgectl: 1 event\n");
+}
+
+TEST_F(BridgectlEventsTest, AnOutputWithoutAReaderEndsIt) {
+    ChildProcess listener = listen({"--json"});
+    listener.closeOutput();
+    send({"app-displayed", "N", "p"});
+    const ChildResult result = listener.finish();
+    EXPECT_EQ(result.status, 11u);
+    EXPECT_EQ(result.err, kListening + "\nbridgectl: standard output cannot be written\n");
+}
+
+TEST_F(BridgectlEventsTest, AnUnknownClientIsRefusedByTheLibrary) {
+    const ChildResult result =
+        runChild(builtProgram("bridgectl.exe"), {"--client", "Other", "events"});
+    EXPECT_EQ(result.status, 5u);
+    EXPECT_EQ(result.err, "bridgectl: the library did not start: 22 XERR_INVAL\n");
+}
+
+TEST_F(BridgectlEventsTest, HelpExplainsTheEnds) {
+    const ChildResult result = runChild(builtProgram("bridgectl.exe"), {"--help"});
+    for (const char* part : {"  events ", "  9  the events that were counted did not come in time",
+                             "  10  another front end receives the client's events",
+                             "  11  standard output cannot be written"}) {
+        EXPECT_NE(result.out.find(part), std::string::npos) << part << result.out;
+    }
+}

@@ -1,0 +1,313 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "support/LogCapture.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "utl/UtlCopy.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+// Opens a file so that nobody else can, while it lives.
+class HeldFile {
+ public:
+    explicit HeldFile(const std::string& path)
+        : handle_(::CreateFileW(wideForTests(path).c_str(), GENERIC_READ, /*dwShareMode=*/0,
+                                nullptr, OPEN_EXISTING, 0, nullptr)) {
+        EXPECT_NE(handle_, INVALID_HANDLE_VALUE);
+    }
+    ~HeldFile() { ::CloseHandle(handle_); }
+    HeldFile(const HeldFile&) = delete;
+    HeldFile& operator=(const HeldFile&) = delete;
+
+ private:
+    HANDLE handle_;
+};
+
+// Everything below a folder: "name=content" for files, "name\" for folders, sorted. Any length.
+Lines treeOf(const std::string& folder) {
+    Lines tree;
+    const fs::path root = fs::u8path("\\\\?\\" + folder);
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
+        const std::string path = entry.path().u8string();
+        const std::string name = path.substr(root.u8string().size() + 1);
+        tree.push_back(entry.is_directory() ? name + "\\" : name + "=" + readBytes(path));
+    }
+    std::sort(tree.begin(), tree.end());
+    return tree;
+}
+
+std::string failedLine(const std::string& name) {
+    return "W UTL utlCopyRecursive: Failed to copy file = " + name;
+}
+
+class UtlCopyTest : public ::testing::Test {
+ protected:
+    UtlCopyTest() { folder.makeFolder("source"); }
+
+    void fillSource(const std::vector<std::string>& files) {
+        for (const std::string& name : files) {
+            const std::string path = "source\\" + name;
+            folder.makeFolder(path.substr(0, path.rfind('\\')));
+            folder.write(path, "new " + name);
+        }
+    }
+
+    XErr copy() { return utlCopyRecursive(source, destination); }
+
+    TempFolder folder;
+    LogCapture log;
+    const std::string source = folder / "source";
+    const std::string destination = folder / "destination";
+};
+
+}  // namespace
+
+TEST_F(UtlCopyTest, CopiesEveryFileAndFolder) {
+    fillSource({"a", "b.json", "sub\\c", "sub\\deeper\\d", "other\\e"});
+    folder.makeFolder("source\\empty");
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), treeOf(source));
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "b.json=new b.json", "empty\\", "other\\",
+                                          "other\\e=new other\\e", "sub\\", "sub\\c=new sub\\c",
+                                          "sub\\deeper\\", "sub\\deeper\\d=new sub\\deeper\\d"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(UtlCopyTest, FilesAreCopiedByteForByte) {
+    std::string bytes;
+    for (int i = 0; i < 300'000; ++i) bytes += static_cast<char>(i * 7 + i / 256);
+    folder.write("source\\bytes", bytes);
+    folder.write("source\\nothing", "");
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_TRUE(folder.read("destination\\bytes") == bytes);
+    EXPECT_EQ(folder.read("destination\\nothing"), "");
+}
+
+TEST_F(UtlCopyTest, TheSourceStaysAsItIs) {
+    fillSource({"a", "sub\\b"});
+    const Lines before = treeOf(source);
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(source), before);
+}
+
+TEST_F(UtlCopyTest, AMissingSourceIsAWarningAndSuccess) {
+    EXPECT_EQ(utlCopyRecursive(folder / "nowhere", destination), 0);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"W UTL utlCopyRecursive: source dir " +
+                                             (folder / "nowhere") + " doesn't exist"});
+    EXPECT_EQ(folder.list(), Lines{"source"});
+}
+
+TEST_F(UtlCopyTest, AFileInPlaceOfTheSourceIsAMissingSource) {
+    folder.write("file", "x");
+    EXPECT_EQ(utlCopyRecursive(folder / "file", destination), 0);
+    EXPECT_EQ(log.texts(),
+              Lines{"W UTL utlCopyRecursive: source dir " + (folder / "file") + " doesn't exist"});
+}
+
+TEST_F(UtlCopyTest, ASourceThatIsNotUtf8IsAMissingSource) {
+    EXPECT_EQ(utlCopyRecursive(source + "\xff", destination), 0);
+    EXPECT_EQ(log.texts(),
+              Lines{"W UTL utlCopyRecursive: source dir " + source + "\xff doesn't exist"});
+}
+
+TEST_F(UtlCopyTest, AnEmptySourceDoesNotCreateTheDestination) {
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(folder.list(), Lines{"source"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(UtlCopyTest, AnEmptySourceLeavesTheDestinationUnchanged) {
+    folder.makeFolder("destination\\sub");
+    folder.write("destination\\sub\\a", "old");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\a=old"}));
+}
+
+TEST_F(UtlCopyTest, AMissingDestinationIsNotCreatedForFiles) {
+    fillSource({"a"});
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(folder.list(), Lines{"source"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("a")});
+}
+
+TEST_F(UtlCopyTest, AMissingDestinationIsCreatedForSubfoldersWhichComeFirst) {
+    fillSource({"a", "sub\\b"});
+    EXPECT_EQ(copy(), 0) << "the folder is there by the time the file is copied";
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub\\", "sub\\b=new sub\\b"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(UtlCopyTest, MissingParentsAreCreatedForSubfolders) {
+    fillSource({"sub\\b"});
+    EXPECT_EQ(utlCopyRecursive(source, folder / "x\\y\\z"), 0);
+    EXPECT_EQ(treeOf(folder / "x"),
+              (Lines{"y\\", "y\\z\\", "y\\z\\sub\\", "y\\z\\sub\\b=new sub\\b"}));
+}
+
+TEST_F(UtlCopyTest, AnExistingSubfolderIsReplacedWithAllItsContent) {
+    fillSource({"sub\\b"});
+    folder.makeFolder("destination\\sub\\old");
+    folder.write("destination\\sub\\old\\c", "old");
+    folder.write("destination\\sub\\b", "old");
+    folder.makeFolder("destination\\other");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"other\\", "sub\\", "sub\\b=new sub\\b"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(UtlCopyTest, AReadOnlyFileInAnExistingSubfolderGoesToo) {
+    fillSource({"sub\\b"});
+    folder.makeFolder("destination\\sub");
+    folder.write("destination\\sub\\locked", "old");
+    ::SetFileAttributesW(wideForTests(destination + "\\sub\\locked").c_str(),
+                         FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\b=new sub\\b"}));
+}
+
+TEST_F(UtlCopyTest, AnExistingFileKeepsItsContentAndTheOthersAreCopied) {
+    fillSource({"a", "b", "c"});
+    folder.makeFolder("destination");
+    folder.write("destination\\b", "old");
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "b=old", "c=new c"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+}
+
+TEST_F(UtlCopyTest, AFolderInPlaceOfAFileStays) {
+    fillSource({"a"});
+    folder.makeFolder("destination\\a");
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(treeOf(destination), Lines{"a\\"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("a")});
+}
+
+TEST_F(UtlCopyTest, AFileThatCannotBeReadFailsAndTheOthersAreCopied) {
+    fillSource({"a", "b", "c"});
+    folder.makeFolder("destination");
+    const HeldFile held(source + "\\b");
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "c=new c"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+}
+
+TEST_F(UtlCopyTest, AFailureTwoLevelsDownIsLoggedAndNotCounted) {
+    fillSource({"a", "sub\\deeper\\b"});
+    folder.makeFolder("destination");
+    const HeldFile held(source + "\\sub\\deeper\\b");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub\\", "sub\\deeper\\"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+}
+
+TEST_F(UtlCopyTest, AFailureOneLevelDownIsLoggedBeforeThoseOfTheFolderItself) {
+    fillSource({"a", "sub\\b"});
+    folder.makeFolder("destination");
+    folder.write("destination\\a", "old");
+    const HeldFile held(source + "\\sub\\b");
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{failedLine("b"), failedLine("a")}));
+}
+
+TEST_F(UtlCopyTest, ASubfolderThatCannotBeMadeFailsItsFilesOnly) {
+    fillSource({"a", "sub\\b", "sub\\deeper\\c"});
+    folder.makeFolder("destination");
+    folder.write("destination\\sub", "a file in its place");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub=a file in its place"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{failedLine("c"), failedLine("b")}));
+}
+
+TEST_F(UtlCopyTest, ASubfolderThatCannotBeRemovedKeepsWhatIsHeld) {
+    fillSource({"sub\\b", "sub\\c"});
+    folder.makeFolder("destination\\sub");
+    folder.write("destination\\sub\\b", "old");
+    folder.write("destination\\sub\\c", "old");
+    {
+        const HeldFile held(destination + "\\sub\\b");
+        EXPECT_EQ(copy(), 0);
+    }
+    EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\b=old", "sub\\c=new sub\\c"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+}
+
+TEST_F(UtlCopyTest, HiddenFilesAndFoldersAreLeftOut) {
+    fillSource({"a", "hidden", "sub\\b"});
+    for (const char* name : {"\\hidden", "\\sub"}) {
+        const std::wstring path = wideForTests(source + name);
+        ASSERT_TRUE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
+        if ((::GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN) == 0) {
+            GTEST_SKIP() << "needs a file system that keeps the attribute";
+        }
+    }
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), Lines{"a=new a"});
+}
+
+TEST_F(UtlCopyTest, NamesOutsideAsciiAreKept) {
+    fillSource({"Ünïcode", "日本\\アプリ", "😀\\😀"});
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), treeOf(source));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("Ünïcode")})
+        << "the folders were copied afresh";
+}
+
+TEST_F(UtlCopyTest, FoldersOutsideAsciiAreTakenAsUtf8) {
+    folder.makeFolder("日本");
+    folder.write("日本\\a", "x");
+    folder.makeFolder("Ünïcode");
+    EXPECT_EQ(utlCopyRecursive(folder / "日本", folder / "Ünïcode"), 0);
+    EXPECT_EQ(folder.read("Ünïcode\\a"), "x");
+    EXPECT_EQ(utlCopyRecursive(folder / "日本語", folder / "Ünïcode"), 0);
+    EXPECT_EQ(log.texts(), Lines{"W UTL utlCopyRecursive: source dir " + (folder / "日本語") +
+                                 " doesn't exist"});
+}
+
+TEST_F(UtlCopyTest, BothSeparatorsAreTaken) {
+    fillSource({"sub\\b"});
+    std::string slashed = source;
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    EXPECT_EQ(utlCopyRecursive(slashed, destination), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\b=new sub\\b"}));
+}
+
+TEST_F(UtlCopyTest, PathsBeyond260CharactersAreCopied) {
+    const std::string part(100, 'p');
+    const std::string deep = part + "\\" + part + "\\" + part;
+    const std::string file(100, 'f');
+    fs::create_directories(fs::u8path("\\\\?\\" + source + "\\" + deep));
+    writeBytes("\\\\?\\" + source + "\\" + deep + "\\" + file, "deep");
+    folder.makeFolder("destination");
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(treeOf(destination), (Lines{part + "\\", part + "\\" + part + "\\", deep + "\\",
+                                          deep + "\\" + file + "=deep"}));
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    EXPECT_EQ(copy(), 0) << "what is there is removed again";
+    EXPECT_EQ(treeOf(destination).size(), 4u);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST_F(UtlCopyTest, AFailureBeyond260CharactersIsLogged) {
+    const std::string part(120, 'p');
+    const std::string deep = "\\" + part + "\\" + part + "\\" + part;
+    fs::create_directories(fs::u8path("\\\\?\\" + source + deep));
+    fs::create_directories(fs::u8path("\\\\?\\" + destination + deep));
+    writeBytes("\\\\?\\" + source + deep + "\\file", "new");
+    writeBytes("\\\\?\\" + destination + deep + "\\file", "old");
+    EXPECT_EQ(utlCopyRecursive(source + deep, destination + deep), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("file")});
+    EXPECT_EQ(readBytes("\\\\?\\" + destination + deep + "\\file"), "old");
+}

@@ -1,0 +1,281 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include "support/LogCapture.h"
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "support/Wine.h"
+#include "utl/UtlCrashHandler.h"
+#include "utl/UtlProcessCalls.h"
+#include "utl/UtlTrim.h"
+#include "xpl/Xtext.h"
+
+// Last: it needs <windows.h>.
+#include <psapi.h>
+
+// The install folder is read once per process, so each case has a process of its own. It prints the
+// calls that were made, then the log, then the result.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Reach { Closed, WithoutModules, WithoutPath, Whole };
+
+struct FakeProcess {
+    std::uint32_t id;
+    Reach reach;
+    std::string path;
+};
+
+std::vector<FakeProcess> fakes;
+
+void say(const char* call, std::uint32_t id) { std::printf("%s %u\n", call, id); }
+
+const FakeProcess& fakeOf(void* process) { return *static_cast<const FakeProcess*>(process); }
+
+bool enumerateFakes(std::vector<std::uint32_t>& ids) {
+    for (const FakeProcess& fake : fakes) ids.push_back(fake.id);
+    return true;
+}
+
+bool failToEnumerate(std::vector<std::uint32_t>&) { return false; }
+
+void* openFake(std::uint32_t id) {
+    say("open", id);
+    for (FakeProcess& fake : fakes) {
+        if (fake.id == id && fake.reach != Reach::Closed) return &fake;
+    }
+    return nullptr;
+}
+
+void closeFake(void* process) { say("close", fakeOf(process).id); }
+
+bool hasFakeModules(void* process) { return fakeOf(process).reach != Reach::WithoutModules; }
+
+bool fakePath(void* process, std::wstring& path) {
+    if (fakeOf(process).reach == Reach::WithoutPath) return false;
+    path = wideForTests(fakeOf(process).path);
+    return true;
+}
+
+void trimFake(void* process) { say("trim", fakeOf(process).id); }
+
+std::int32_t failToRegister(const std::wstring& path) {
+    std::printf("register %s\n", xtextToUtf8(path).c_str());
+    return static_cast<std::int32_t>(0x80070057);
+}
+
+void useFakes(bool canEnumerate) {
+    utlProcessCalls() = {canEnumerate ? enumerateFakes : failToEnumerate,
+                         openFake,
+                         closeFake,
+                         hasFakeModules,
+                         fakePath,
+                         trimFake,
+                         failToRegister};
+}
+
+void trimAndPrint() {
+    const LogCapture log;
+    const XErr result = utlTrimMemoryAllProcs();
+    for (const std::string& line : log.texts(XLOG_VERBOSE)) std::printf("%s\n", line.c_str());
+    std::printf("%d\n", result);
+}
+
+// What a scene printed; it must have ended well.
+std::string output(const std::string& scene, const SceneArguments& arguments) {
+    const ChildResult result = runScene(scene, arguments);
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    std::string text = result.out;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
+// A folder with this program in it, in the form that Windows gives image paths.
+class InstallFolder {
+ public:
+    InstallFolder() : path_(fs::canonical(fs::u8path(folder_.path())).u8string() + "\\") {
+        for (const char* name : {"utl_test.exe", "Qt5Core.dll"}) {
+            fs::copy_file(fs::u8path(builtProgram(name)), fs::u8path(path_ + name));
+        }
+    }
+
+    // Ends in a separator, as the registry has it.
+    const std::string& path() const { return path_; }
+    std::string program() const { return path_ + "utl_test.exe"; }
+
+    // A process that runs from the folder, holding this much memory.
+    ChildProcess start(std::size_t megabytes) const {
+        ChildProcess child(program(), {"--scene", "holdsMemory", std::to_string(megabytes)});
+        EXPECT_EQ(child.readLine(), "ready");
+        return child;
+    }
+
+ private:
+    TempFolder folder_;
+    std::string path_;
+};
+
+std::size_t workingSetOf(void* process) {
+    PROCESS_MEMORY_COUNTERS counters{};
+    EXPECT_TRUE(::GetProcessMemoryInfo(process, &counters, sizeof counters));
+    return counters.WorkingSetSize;
+}
+
+}  // namespace
+
+SCENE(trimsFakeProcesses) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    fakes = {
+        {4, Reach::Closed, "C:\\Apps\\Player\\QX-Service.exe"},
+        {100, Reach::Whole, "C:\\Apps\\Player\\QX-Player.exe"},
+        {104, Reach::Whole, "C:\\Windows\\explorer.exe"},
+        {108, Reach::Whole, "c:\\apps\\player\\QX-Player.exe"},
+        {112, Reach::WithoutModules, "C:\\Apps\\Player\\QX-Player.exe"},
+        {116, Reach::WithoutPath, "C:\\Apps\\Player\\QX-Player.exe"},
+        {120, Reach::Whole, "\\\\?\\C:\\Apps\\Player\\bin\\Ünïcode 日本.exe"},
+        {124, Reach::Whole, "C:\\Apps\\Player"},
+    };
+    useFakes(/*canEnumerate=*/true);
+    trimAndPrint();
+    return 0;
+}
+
+SCENE(cannotListProcesses) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", "C:\\Apps\\Player\\");
+    useFakes(/*canEnumerate=*/false);
+    trimAndPrint();
+    return 0;
+}
+
+SCENE(trimsRealProcesses) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    trimAndPrint();
+    return 0;
+}
+
+SCENE(trimsWithoutAnInstallFolder) {
+    RegistrySandbox registry;
+    useFakes(/*canEnumerate=*/true);
+    return utlTrimMemoryAllProcs();
+}
+
+SCENE(holdsMemory) {
+    std::vector<char> memory(std::stoul(arguments[0]) << 20, 'x');
+    std::printf("ready\n");
+    std::fflush(stdout);
+    ::Sleep(120'000);
+    return memory[0];
+}
+
+SCENE(registersTheCrashHandler) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    if (arguments[1] == "refused") utlProcessCalls().registerCrashModule = failToRegister;
+    std::printf("%d\n", utlRegisterCrashHandler());
+    return 0;
+}
+
+SCENE(registersWithoutAnInstallFolder) {
+    RegistrySandbox registry;
+    return utlRegisterCrashHandler();
+}
+
+TEST(UtlTrim, OnlyTheProductsProcessesAreTrimmedAndEveryHandleIsClosed) {
+    EXPECT_EQ(
+        output("trimsFakeProcesses", {"C:\\Apps\\Player\\"}),
+        "open 4\n"
+        "open 100\ntrim 100\nclose 100\n"
+        "open 104\nclose 104\n"
+        "open 108\nclose 108\n"
+        "open 112\nclose 112\n"
+        "open 116\nclose 116\n"
+        "open 120\ntrim 120\nclose 120\n"
+        "open 124\nclose 124\n"
+        "I UTL Trimming memory for process 100:C:\\Apps\\Player\\QX-Player.exe\n"
+        "I UTL Trimming memory for process 120:\\\\?\\C:\\Apps\\Player\\bin\\Ünïcode 日本.exe\n"
+        "0\n");
+}
+
+TEST(UtlTrim, TheInstallFolderIsLookedForAsItStands) {
+    const std::string text = output("trimsFakeProcesses", {"C:\\Apps\\Player"});
+    EXPECT_NE(text.find("I UTL Trimming memory for process 124:C:\\Apps\\Player\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(UtlTrim, AProcessWithoutANameIsCalledUnknown) {
+    const std::string text = output("trimsFakeProcesses", {"known"});
+    EXPECT_NE(text.find("close 124\n"
+                        "I UTL Trimming memory for process 112:<unknown>\n"
+                        "I UTL Trimming memory for process 116:<unknown>\n"
+                        "0\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(UtlTrim, AFailedEnumerationIsLoggedAndNothingIsOpened) {
+    EXPECT_EQ(output("cannotListProcesses", {}),
+              "E UTL utlTrimMemoryAllProcs-> EnumProcesses: failed\n-1\n");
+}
+
+TEST(UtlTrim, AMissingInstallFolderIsFatal) {
+    const ChildResult result = runScene("trimsWithoutAnInstallFolder");
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_EQ(result.out.find("open"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
+              std::string::npos);
+}
+
+TEST(UtlTrim, ARealProcessOfTheInstallFolderIsTrimmed) {
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/1);
+    const std::string id = std::to_string(::GetProcessId(child.handle()));
+    EXPECT_EQ(output("trimsRealProcesses", {install.path()}),
+              "I UTL Trimming memory for process " + id + ":" + install.program() + "\n0\n");
+}
+
+TEST(UtlTrim, ARealProcessOfAnotherFolderIsLeftAlone) {
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/1);
+    EXPECT_EQ(output("trimsRealProcesses", {install.path() + "other\\"}), "0\n");
+}
+
+TEST(UtlTrim, TheWorkingSetShrinks) {
+    if (runsUnderWine()) GTEST_SKIP() << "needs Windows, whose working sets can be trimmed";
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/64);
+    const std::size_t before = workingSetOf(child.handle());
+    EXPECT_GT(before, std::size_t{64} << 20);
+    output("trimsRealProcesses", {install.path()});
+    EXPECT_LT(workingSetOf(child.handle()), before / 2);
+}
+
+TEST(UtlCrashHandler, TheModuleOfTheInstallFolderIsRegistered) {
+    EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\日本\\", "refused"}),
+              "register C:\\Apps\\日本\\QX-WerHandler.dll\n-2147024809\n");
+}
+
+TEST(UtlCrashHandler, NoSeparatorIsAdded) {
+    EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\Player", "refused"}),
+              "register C:\\Apps\\PlayerQX-WerHandler.dll\n-2147024809\n");
+}
+
+TEST(UtlCrashHandler, WindowsTakesTheModule) {
+    const TempFolder folder;
+    folder.write("QX-WerHandler.dll", "looked for only when the process crashes");
+    EXPECT_EQ(output("registersTheCrashHandler", {folder.path() + "\\", "real"}), "0\n");
+}
+
+TEST(UtlCrashHandler, AMissingInstallFolderIsFatal) {
+    EXPECT_EQ(runScene("registersWithoutAnInstallFolder").status, kFatalStatus);
+}
