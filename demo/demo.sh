@@ -21,14 +21,44 @@ bridgectl() {
     "$wine" "$bin/bridgectl.exe" "$@" 2>&1 || printf '(exit code %d)\n' $?
 }
 
-# Waits for a line that the stand-ins write.
-wait_for() {
+# wait_for_text FILE TEXT GREP_OPTION: waits for a line of a file below the data folder.
+wait_for_text() {
     local i
     for i in $(seq 200); do
-        grep -qxF "$1" "$data/programs.txt" 2>/dev/null && return
+        grep -q"$3" "$2" "$data/$1" 2>/dev/null && return
         sleep 0.05
     done
-    die "the programs did not come to \"$1\""
+    die "$1 did not come to \"$2\""
+}
+
+# Waits for a line that the stand-ins write.
+wait_for() { wait_for_text programs.txt "$1" xF; }
+
+# Waits for an event that the listening front end prints, given without its time.
+wait_for_event() { wait_for_text events.txt " $1" F; }
+
+# What an event tells a front end.
+meaning() {
+    case $1 in
+    app-installed) echo "The player installed an app; a launcher adds its icon now." ;;
+    apk-install-completed) echo "The APK file has been dealt with: status 0, a success." ;;
+    app-displayed) echo "The app is on the screen." ;;
+    app-uninstalled) echo "The app is gone, and so is its icon." ;;
+    image-install-progress) echo "The manager downloads an image: status 1 on the way, 2 at the end." ;;
+    instance-list-updated) echo "The list of instances may have changed; the library has read it again." ;;
+    create-instance-completed) echo "A new instance is ready." ;;
+    *) die "nobody reported $1" ;;
+    esac
+}
+
+# Shows the events in their order, with the meaning of each at its first line.
+show_events() {
+    local time name fields previous=
+    while read -r time name fields; do
+        [ "$name" = "$previous" ] || explain "$(meaning "$name")"
+        printf '  %s %s %s\n' "${time:11:12}" "$name" "$fields"
+        previous=$name
+    done <"$data/events.txt"
 }
 
 registry_value() {
@@ -69,19 +99,45 @@ diff -U0 "$data/before.conf" "$data/vantrel.conf" | grep -E '^[-+]vtr' || true
 title "What the library wrote into the product's log about the last change"
 tail -n 4 "$data/Logs/Player.log"
 
-title "It launches an app: the player (a stand-in) is started from the install folder"
+title "Another front end listens: it is told what the programs do"
 rm -f "$data/programs.txt"
 export QX_STANDIN_OUTPUT="$windows_data\\programs.txt"
-bridgectl launch Nougat64 com.example.app
+export QX_STANDIN_SECONDS=120
+printf '\n$ bridgectl --client LogCollector events --count 11 &\n'
+"$wine" "$bin/bridgectl.exe" --client LogCollector events --count 11 --timeout 120 \
+    >"$data/events.txt" 2>"$data/listener.txt" &
+listener=$!
+wait_for_text listener.txt "bridgectl: listening on vtr_LogCollector_bridge_nvo" xF
+explain "It runs in the background and prints each event as it comes; they are shown below."
+
+title "An app is installed: the player (a stand-in) is started from the install folder"
+bridgectl install-apk Nougat64 'C:\Downloads\com.example.app.apk'
 wait_for "serving: vtr_plr_Nougat64_nvo"
-explain "The command line that the player got, and the local socket that it serves now:"
+wait_for_text programs.txt "event apk-install-completed(" F
+explain "The command line that the player got, the local socket that it serves now, and the events"
+explain "that it sent when the work was done, with the local socket of the front end that took them:"
 cat "$data/programs.txt"
+
+title "The app is launched, and uninstalled"
+bridgectl launch Nougat64 com.example.app
+wait_for_event 'app-displayed instance="Nougat64" package="com.example.app"'
+bridgectl uninstall Nougat64 com.example.app
+wait_for_event 'app-uninstalled instance="Nougat64" package="com.example.app"'
+
+title "An image is installed, and an instance created: that is the manager (a stand-in)"
+bridgectl install-image Nougat32
+wait_for "serving: vtr_mim_nvo"
+wait_for_event 'image-install-progress imageName="Nougat32" status=2 progress=100.0'
+bridgectl create-instance Nougat64 4 4096 aga dx s21u
+wait_for_event 'create-instance-completed status=0 instance="Nougat64_1"'
+
+title "What the listening front end was told, in order"
+wait "$listener" || die "the listening front end ended with $?"
+show_events
 
 title "One player is shut down; then everything, the manager first"
 bridgectl launch-url Nougat64_1 https://example.com/
 wait_for "serving: vtr_plr_Nougat64_1_nvo"
-bridgectl install-image Nougat32
-wait_for "serving: vtr_mim_nvo"
 bridgectl shutdown Nougat64
 wait_for "ended: vtr_plr_Nougat64_nvo"
 bridgectl shutdown

@@ -3,17 +3,26 @@
 
 #include <string>
 
-// Who serves a local socket of this name.
-enum class ServerOwner {
-    Nobody,
-    ThisProcess,
-    AnotherProcess,
-};
-
-// Whether anybody does, without a connection to them.
+// Whether anybody serves a local socket of this name. Connects to nobody.
 bool isServed(const std::string& serverName);
 
-// Connects for a moment to find out.
-ServerOwner findOwner(const std::string& serverName);
+// A connection that only tells whose the server is. It stays open as long as the object: a client
+// that goes before the library's server has accepted it would fail that server's start.
+class EventServerProbe {
+ public:
+    EventServerProbe() = default;
+    ~EventServerProbe();
+    EventServerProbe(const EventServerProbe&) = delete;
+    EventServerProbe& operator=(const EventServerProbe&) = delete;
+
+    // False when nobody serves the name, or no connection is free at the moment.
+    bool connect(const std::string& serverName);
+
+    // Whether this process is the server. Only after connect().
+    bool isOwn() const;
+
+ private:
+    void* pipe_ = nullptr;
+};
 
 #endif

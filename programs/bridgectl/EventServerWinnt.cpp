@@ -20,15 +20,20 @@ bool isServed(const std::string& serverName) {
            ::GetLastError() == ERROR_SEM_TIMEOUT;
 }
 
-ServerOwner findOwner(const std::string& serverName) {
+EventServerProbe::~EventServerProbe() {
+    if (pipe_ != nullptr) ::CloseHandle(pipe_);
+}
+
+bool EventServerProbe::connect(const std::string& serverName) {
     const HANDLE pipe =
         ::CreateFileW(pipePath(serverName).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                       SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
-    if (pipe == INVALID_HANDLE_VALUE) return ServerOwner::Nobody;
+    if (pipe == INVALID_HANDLE_VALUE) return false;
+    pipe_ = pipe;
+    return true;
+}
+
+bool EventServerProbe::isOwn() const {
     ULONG process = 0;
-    const BOOL known = ::GetNamedPipeServerProcessId(pipe, &process);
-    ::CloseHandle(pipe);
-    if (!known) return ServerOwner::Nobody;
-    return process == ::GetCurrentProcessId() ? ServerOwner::ThisProcess
-                                              : ServerOwner::AnotherProcess;
+    return ::GetNamedPipeServerProcessId(pipe_, &process) && process == ::GetCurrentProcessId();
 }

@@ -119,12 +119,10 @@ void Standin::append(const std::string& lines) {
 }
 
 std::optional<int> Standin::runOption() {
-    if (arguments_.size() < 2) return std::nullopt;
-    if (arguments_[1] == "--event") {
-        const std::vector<std::string> arguments = commonArguments();
-        return sendEvent({arguments.begin() + 2, arguments.end()});
-    }
-    if (arguments_[1] != "--help") return std::nullopt;
+    const std::vector<std::string> arguments = commonArguments();
+    if (arguments.size() < 2) return std::nullopt;
+    if (arguments[1] == "--event") return sendEvent({arguments.begin() + 2, arguments.end()});
+    if (arguments[1] != "--help") return std::nullopt;
     printOut(help());
     return kDone;
 }
@@ -149,27 +147,34 @@ StandinSteps Standin::stepsFor(std::string_view command,
     return found == script_.on.end() ? StandinSteps{{0, otherwise}} : found->second;
 }
 
+StandinSteps Standin::stepsForRequest(std::string_view packet, StandinRequests requests) const {
+    const IpcRequest* const request = standinFindRequest(packet, requests);
+    return request == nullptr ? StandinSteps() : stepsFor(request->name, {});
+}
+
 void Standin::serve(const std::string& serverName, StandinRequests requests) {
-    StandinSender sender(sending());
     const StandinSteps own =
         stepsFor(standinOption(arguments_, "cmd").value_or(""), standinDefaultEvents(arguments_));
     if (standinIsServed(serverName)) {
-        sender.post(own);
+        StandinSender(sending()).post(own);
         return;
     }
     StandinPipe pipe = StandinPipe::listen(serverName);
     say("serving", serverName);
-    sender.post(script_.atStart);
-    sender.post(own);
-    int count = 0;
-    standinServe(std::move(pipe), serverName, script_, idleSeconds_, [&](std::string_view packet) {
-        append(standinDescribe(packet, requests, format_) + "\n");
-        ++count;
-        if (const IpcRequest* const request = standinFindRequest(packet, requests)) {
-            sender.post(stepsFor(request->name, {}));
-        }
-        return !isShutdown(packet, requests) && !(script_.quitAfter && count >= *script_.quitAfter);
-    });
-    sender.hurry();
+    {
+        StandinSender sender(sending());
+        sender.post(script_.atStart);
+        sender.post(own);
+        int count = 0;
+        standinServe(std::move(pipe), serverName, script_, idleSeconds_,
+                     [&](std::string_view packet) {
+                         append(standinDescribe(packet, requests, format_) + "\n");
+                         ++count;
+                         sender.post(stepsForRequest(packet, requests));
+                         return !isShutdown(packet, requests) &&
+                                !(script_.quitAfter && count >= *script_.quitAfter);
+                     });
+        sender.hurry();
+    }  // here its last events are sent
     say("ended", serverName);
 }

@@ -49,6 +49,7 @@ class Standin {
     // What the script has for a command or request; else these events.
     StandinSteps stepsFor(std::string_view command,
                           const std::vector<StandinEvent>& otherwise) const;
+    StandinSteps stepsForRequest(std::string_view packet, StandinRequests requests) const;
     void append(const std::string& lines);
 
     std::vector<std::string> arguments_;

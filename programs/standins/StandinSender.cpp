@@ -23,28 +23,39 @@ bool write(StandinPipe& pipe, std::string_view bytes, const std::optional<std::s
     return pipe.write(bytes.substr(first), kPatienceMs);
 }
 
-// One front end's part. The lines about it are reported together.
+// One front end's part.
 class Delivery {
  public:
     Delivery(const StandinSending& sending, std::string server)
         : sending_(sending), server_(std::move(server)) {}
 
-    bool send(const StandinEvent& event) {
+    // Sends up to the first failure, and reports that. False when there was one.
+    bool sendAll(const std::vector<StandinEvent>& events) {
+        std::string lines;
+        bool failed = false;
+        for (const StandinEvent& event : events) {
+            const StandinDelivery result = send(event);
+            lines += standinDescribeEvent(event, result, sending_.format) + "\n";
+            failed = result.failed;
+            if (failed) break;
+        }
+        sending_.report(lines);
+        return !failed;
+    }
+
+ private:
+    StandinDelivery send(const StandinEvent& event) {
         const StandinScript& script = sending_.script;
         std::string bytes = standinEncodeEvent(event);
         StandinDelivery result{server_};
         if (script.eventCloseEarly) bytes.resize(result.cutAt = bytes.size() / 2);
         bytes.append(script.eventGarbage, '#');
         result.failed = !connect() || !write(pipe_, bytes, script.eventSplit);
-        lines_ += standinDescribeEvent(event, result, sending_.format) + "\n";
         // Nothing that follows on this connection could be read.
         if (script.eventCloseEarly || script.eventGarbage > 0) pipe_.close();
-        return !result.failed;
+        return result;
     }
 
-    void report() const { sending_.report(lines_); }
-
- private:
     bool connect() {
         if (!pipe_.isOpen()) pipe_ = StandinPipe::connect(server_, kPatienceMs);
         return pipe_.isOpen();
@@ -53,7 +64,6 @@ class Delivery {
     const StandinSending& sending_;
     std::string server_;
     StandinPipe pipe_;
-    std::string lines_;
 };
 
 void reportNobody(const StandinSending& sending, const std::vector<StandinEvent>& events) {
@@ -90,11 +100,7 @@ int standinSend(const StandinSending& sending, const std::vector<StandinEvent>& 
         if (!standinIsServed(server)) continue;
         ++present;
         Delivery delivery(sending, server);
-        const bool all = std::all_of(events.begin(), events.end(), [&delivery](const auto& event) {
-            return delivery.send(event);
-        });
-        if (all) ++delivered;
-        delivery.report();
+        if (delivery.sendAll(events)) ++delivered;
     }
     if (present == 0) reportNobody(sending, events);
     return delivered;

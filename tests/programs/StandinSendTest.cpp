@@ -193,11 +193,11 @@ TEST_F(StandinSendTest, TheScriptsEventsOfACommandReplaceTheDefault) {
 
 TEST_F(StandinSendTest, ARequestMayHaveEvents) {
     FrontEnd frontEnd("Request");
-    ChildProcess manager(program("QX-Player.exe"), player(),
-                         options(frontEnd.client,
-                                 "on plrLaunchAppRpc event app-displayed N p\n"
-                                 "on plrShutdownRpc pause 60000\n"
-                                 "on plrShutdownRpc event app-uninstalled N p"));
+    ChildProcess child(program("QX-Player.exe"), player(),
+                       options(frontEnd.client,
+                               "on plrLaunchAppRpc event app-displayed N p\n"
+                               "on plrShutdownRpc pause 60000\n"
+                               "on plrShutdownRpc event app-uninstalled N p"));
     void* pipe = nullptr;
     for (int i = 0; i < 1000 && pipe == nullptr; ++i) {
         ::Sleep(10);
@@ -208,8 +208,10 @@ TEST_F(StandinSendTest, ARequestMayHaveEvents) {
     ASSERT_TRUE(client.write(packetOf(2006, textField("p"))));
     EXPECT_EQ(frontEnd.connections(1), Texts{appDisplayedPacket("N", "p")});
     ASSERT_TRUE(client.write(packetOf(2000, bytesOf(std::int32_t{0}))));
-    EXPECT_EQ(manager.finish().status, 0u) << "the shutdown ends the pause";
+    EXPECT_EQ(child.finish().status, 0u) << "the shutdown ends the pause";
     EXPECT_EQ(frontEnd.connections(2)[1], appUninstalledPacket("N", "p"));
+    const std::string output = folder.read("out.txt");
+    EXPECT_LT(output.find("event app-uninstalled("), output.find("ended: "));
 }
 
 TEST_F(StandinSendTest, ASplitEventIsWhole) {

@@ -61,23 +61,23 @@ bool failInUse(Session& session, const std::string& server) {
 
 // The library's thread starts to listen, or fails to, some time after the registration, and tells
 // its log only.
-bool waitUntilServing(Session& session, const std::string& server) {
+bool waitUntilServing(Session& session, const std::string& server, EventServerProbe& probe) {
     const Clock::time_point end = Clock::now() + std::chrono::seconds(10);
-    while (Clock::now() < end) {
-        const ServerOwner owner = findOwner(server);
-        if (owner == ServerOwner::ThisProcess) return true;
-        if (owner == ServerOwner::AnotherProcess) return failInUse(session, server);
+    while (!probe.connect(server)) {
+        if (Clock::now() >= end) {
+            return session.fail(ExitCode::Library, "the library does not listen; see the log");
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    return session.fail(ExitCode::Library, "the library does not listen; see the log");
+    return probe.isOwn() || failInUse(session, server);
 }
 
-bool listen(Session& session) {
+bool listen(Session& session, EventServerProbe& probe) {
     const std::string server = utlLocalObjectName(session.client + "_bridge");
     if (isServed(server)) return failInUse(session, server);
     onConsoleEnd([] { eventQueue().stop(); });
     startEvents();
-    if (!waitUntilServing(session, server)) return false;
+    if (!waitUntilServing(session, server, probe)) return false;
     printError("listening on " + server);
     return true;
 }
@@ -107,7 +107,8 @@ bool printEvents(Session& session, const Arguments& arguments, Printer& printer,
 }
 
 void run(Session& session, const Arguments& arguments) {
-    if (!session.start() || !listen(session)) return;
+    EventServerProbe probe;
+    if (!session.start() || !listen(session, probe)) return;
     Printer printer(arguments);
     EventQueue::End end = EventQueue::End::Stopped;
     if (!printEvents(session, arguments, printer, end)) {
