@@ -50,7 +50,12 @@ void run(Session& session, const std::string& instance, bool json) {
     }
     if (!everyLineFits(session)) return;
     const std::optional<std::string> text = dump(session);
-    if (text) json ? printJson(*text) : printOut(*text);
+    if (!text) return;
+    if (json) {
+        printJson(*text);
+    } else {
+        printOut(*text);
+    }
 }
 
 void declare(CLI::App& parser, Session& session) {
