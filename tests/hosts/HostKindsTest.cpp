@@ -50,7 +50,7 @@ TEST_F(HostKindsTest, TheWrappersOtherFunctions) {
     EXPECT_EQ(result.status, 0u) << result.err;
     EXPECT_EQ(linesOf(result.out),
               (Lines{"init 0", "locale ", "set 1 1 1 1", "get 320 1 a,b", "commit 0", "instances 1",
-                     "apps -1", "launch 2 2 2 2 2 2 2", "shutdown 0", "finished"}));
+                     "apps 0", "launch 2 2 2 2 2 2 2", "shutdown 0", "finished"}));
 }
 
 TEST_F(HostKindsTest, WithAnApplicationObjectMadeBefore) {
