@@ -1,9 +1,11 @@
+#include <atomic>
 #include <filesystem>
 #include <thread>
 
 #include "AppcFixture.h"
 #include "support/Scene.h"
 #include "support/WindowsForTests.h"
+#include "xpl/Xproc.h"
 
 namespace fs = std::filesystem;
 
@@ -302,4 +304,38 @@ TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) 
     EXPECT_EQ(count(), 20u);
     EXPECT_EQ(app("com.app0").versionCode, 999);
     EXPECT_EQ(list(), Lines{"AppCache.json"});
+}
+
+SCENE(staysAlive) {
+    ::Sleep(120'000);
+    return 0;
+}
+
+TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
+    constexpr int kSaves = 1000;
+    constexpr int kChildren = 25;
+    ASSERT_EQ(init(fileOf(kOld)), 0);
+    std::atomic<int> saves{0};
+    std::vector<XprocHandle> children(kChildren);
+    std::thread launcher([&] {
+        for (int i = 0; i < kChildren; ++i) {
+            EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
+                                  {builtProgram("appc_test.exe"), "--scene", "staysAlive"}),
+                      0);
+            // Spread over all the saves.
+            while (saves < kSaves * i / kChildren) ::Sleep(1);
+        }
+    });
+    for (int i = 1; i <= kSaves; ++i) {
+        EXPECT_EQ(appcSaveToFile(store), 0) << i;
+        EXPECT_EQ(appcLoadFromFile(store), 0) << i;
+        saves = i;
+    }
+    launcher.join();
+    for (XprocHandle child : children) {
+        xprocKill(child, 0);
+        EXPECT_EQ(xprocWait(child, nullptr), 0);
+    }
+    EXPECT_EQ(read(), fileOf(kOld));
+    EXPECT_EQ(log.texts(XLOG_WARNING), Lines{});
 }

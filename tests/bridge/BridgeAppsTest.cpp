@@ -19,7 +19,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// A cache over a data folder.
+// A cache over a data folder. Its instances are others than those of the layer's own tests, which
+// look at the machine-wide lock and may run at the same time.
 struct Cache : AppcStore {
     explicit Cache(const std::string& data)
         : AppcStore(appcDiskFiles(), data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}
@@ -86,14 +87,14 @@ Reference referenceOf(int count, const std::string& dir) {
 
 TEST_F(BridgeAppsTest, MembersAreSortedAndTheIconIsAFullPath) {
     write(
-        "Nougat64",
+        "Nougat32",
         R"([{"package": "com.b", "activity": "b.Main", "appLabel": "B \"q\" \\", "versionCode": 1e3,
                "versionName": "1.0", "iconFileName": "ignored"},
               {"package": "com.a", "activity": "", "appLabel": "é 日本", "versionCode": 99999999999,
                "versionName": "\u0001", "other": []}])");
     std::string folder;  // as it stands in JSON
-    for (const char c : dir("Nougat64")) folder += c == '\\' ? "\\\\" : std::string(1, c);
-    EXPECT_EQ(listing("Nougat64"),
+    for (const char c : dir("Nougat32")) folder += c == '\\' ? "\\\\" : std::string(1, c);
+    EXPECT_EQ(listing("Nougat32"),
               "[\n"
               "    {\n"
               "        \"activity\": \"\",\n"
@@ -120,14 +121,14 @@ TEST_F(BridgeAppsTest, MembersAreSortedAndTheIconIsAFullPath) {
 }
 
 TEST_F(BridgeAppsTest, WithoutACacheTheArrayIsEmpty) {
-    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
-    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file("Nougat64") + " not present"});
+    EXPECT_EQ(listing("Nougat32"), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file("Nougat32") + " not present"});
     EXPECT_FALSE(data.has("Engine")) << "nothing is created";
 }
 
 TEST_F(BridgeAppsTest, AnEmptyCacheIsAnEmptyArray) {
-    write("Nougat64", "[]");
-    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
+    write("Nougat32", "[]");
+    EXPECT_EQ(listing("Nougat32"), "[\n]\n");
     EXPECT_EQ(log.texts(), Lines{});
 }
 
@@ -148,25 +149,25 @@ TEST_F(BridgeAppsTest, EachCallOpensItsInstanceAnew) {
 }
 
 TEST_F(BridgeAppsTest, AFileThatIsNoArrayIsDeletedAndTheArrayIsEmpty) {
-    write("Nougat64", "{}");
-    EXPECT_EQ(listing("Nougat64"), "[\n]\n");
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file("Nougat64") +
+    write("Nougat32", "{}");
+    EXPECT_EQ(listing("Nougat32"), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file("Nougat32") +
                                  " deleting the files"});
-    EXPECT_FALSE(exists("Nougat64"));
+    EXPECT_FALSE(exists("Nougat32"));
 }
 
 TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
     for (const char* content : {"[3]", "[{}]"}) {
-        write("Nougat64", content);
+        write("Nougat32", content);
         log.clear();
-        EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "Nougat64"), std::nullopt);
+        EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "Nougat32"), std::nullopt);
         const Lines lines = log.texts();
         ASSERT_GE(lines.size(), 2u);
         EXPECT_EQ(Lines(lines.end() - 2, lines.end()),
                   (Lines{"E APPC Failed to load app cache from file",
                          "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)"}));
         EXPECT_EQ(log.lines().back().function, "bridgeGetInstalledApps");
-        EXPECT_TRUE(exists("Nougat64"));
+        EXPECT_TRUE(exists("Nougat32"));
     }
 }
 
@@ -176,9 +177,9 @@ TEST_F(BridgeAppsTest, ALockThatCannotBeMadeIsNoListing) {
 }
 
 TEST_F(BridgeAppsTest, TenThousandAppsAreListedByteForByteAsQtDoes) {
-    const Reference reference = referenceOf(10'000, dir("Nougat64"));
-    write("Nougat64", reference.file);
-    EXPECT_TRUE(listing("Nougat64") == reference.listing);
+    const Reference reference = referenceOf(10'000, dir("Nougat32"));
+    write("Nougat32", reference.file);
+    EXPECT_TRUE(listing("Nougat32") == reference.listing);
 }
 
 TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
@@ -204,14 +205,14 @@ TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
 SCENE(listsBesideEdits) {
     LogCapture log;
     Cache store(arguments[0]);
-    if (appcLibInit(store, "Nougat64") != 0) return 1;
+    if (appcLibInit(store, "Nougat32") != 0) return 1;
     const auto repeat = [](auto call) {
         return std::thread([call] {
             for (int round = 0; round < 200; ++round) call();
         });
     };
     std::thread threads[] = {
-        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Nougat64")); }),
+        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Nougat32")); }),
         repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Other")); }),
         repeat([&] { EXPECT_EQ(appcSaveToFile(store), 0); }),
         repeat([&] { EXPECT_EQ(appcLoadFromFile(store), 0); }),
@@ -221,7 +222,7 @@ SCENE(listsBesideEdits) {
 }
 
 TEST_F(BridgeAppsTest, AListingAndEditsNeverWaitForEachOtherForEver) {
-    write("Nougat64", oneApp("com.a"));
+    write("Nougat32", oneApp("com.a"));
     write("Other", oneApp("com.b"));
     EXPECT_EQ(runScene("listsBesideEdits", {data.path()}).status, 0u);
 }
