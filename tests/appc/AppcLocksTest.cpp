@@ -82,7 +82,7 @@ SCENE(runsEveryPair) {
 TEST_F(AppcTest, NoTwoOperationsWaitForEachOtherForEver) {
     data.makeFolder("Engine\\Nougat64\\AppCache");
     ChildOptions options;
-    options.limit = std::chrono::seconds(60);
+    options.limit = std::chrono::seconds(120);
     const ChildResult result = runScene("runsEveryPair", {data.path()}, options);
     const auto pairs = std::count(result.out.begin(), result.out.end(), '\n');
     EXPECT_EQ(result.status, 0u) << "the last pair that came to its end: " << result.out;
@@ -112,7 +112,7 @@ SCENE(loadsAndSavesOnThreads) {
 TEST_F(AppcTest, ThreadsOfTwoProcessesLoadAndSave) {
     ASSERT_EQ(init("[]"), 0);
     ChildOptions options;
-    options.limit = std::chrono::seconds(60);
+    options.limit = std::chrono::seconds(120);
     ChildProcess a = startScene("loadsAndSavesOnThreads", {data.path()}, options);
     ChildProcess b = startScene("loadsAndSavesOnThreads", {data.path()}, options);
     for (ChildProcess* child : {&a, &b}) {

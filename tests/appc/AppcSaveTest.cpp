@@ -291,8 +291,10 @@ SCENE(savesAndLoads) {
 TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) {
     ASSERT_EQ(init("[]"), 0);
     ASSERT_EQ(appcSaveToFile(store), 0);
-    ChildProcess a = startScene("savesAndLoads", {data.path(), "a", "1000"});
-    ChildProcess b = startScene("savesAndLoads", {data.path(), "b", "1000"});
+    ChildOptions options;
+    options.limit = std::chrono::seconds(120);
+    ChildProcess a = startScene("savesAndLoads", {data.path(), "a", "1000"}, options);
+    ChildProcess b = startScene("savesAndLoads", {data.path(), "b", "1000"}, options);
     ASSERT_EQ(a.readLine(), "ready");
     ASSERT_EQ(b.readLine(), "ready");
     for (ChildProcess* child : {&a, &b}) {
