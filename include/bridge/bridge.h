@@ -22,7 +22,8 @@
  *     and a stored number or boolean that cannot be read are programming errors: the library logs
  *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003.
  *  9. Callbacks run on the library's event thread, one after another, never on the host's thread.
- *     Their text arguments are valid during the call only.
+ *     Their text arguments are valid during the call only. Inside one, every function works except
+ *     bridgeApiFini(). An exception must not leave a callback.
  * 10. No C++ exception leaves a function; one that reaches the boundary is logged and becomes
  *     BRIDGE_FAILURE, 0, false or null.
  */
@@ -195,8 +196,9 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_b
                                                   bridge_i64 reserved, const char* logFilePath);
 
 /**
- * Stops the event server, if there is one, and waits for its thread. Does not commit pending
- * changes. Call it once, last, and not from inside a callback.
+ * Stops the event server, if there is one, and waits for its thread and the callback that runs.
+ * Does not commit pending changes. Call it last; inside a callback it stops nothing and logs an
+ * error. Without it a host ends cleanly too, but cannot unload the library.
  * @return 0
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);
@@ -407,8 +409,12 @@ BRIDGE_API void BRIDGE_CALL bridgeShutdown(void);
 
 /**
  * Starts the event server, on the first call, and sets the callbacks; a later call replaces all
- * nine. Any of them may be null, but slots 3 and 4 go together: bridgeOnInstanceListUpdated is
- * called exactly when bridgeOnApkInstallCompleted is set.
+ * nine, from inside a callback too. Any of them may be null, but slots 3 and 4 go together:
+ * bridgeOnInstanceListUpdated is called exactly when bridgeOnApkInstallCompleted is set, and a null
+ * one ends the process then.
+ *
+ * A server that cannot start is told by the log only: another process with the same client id has
+ * its name. It is not tried again, nor after bridgeApiFini().
  * @param onAppInstalled                 slot 1
  * @param onAppUninstalled               slot 2
  * @param onApkInstallCompleted          slot 3
