@@ -14,12 +14,14 @@ if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\033[1m' plain=$'\033[0m'; fi
 title() { printf '\n%s== %s%s\n' "$bold" "$*" "$plain"; }
 explain() { printf '%s\n' "$*"; }
 
-bridgectl() {
+play() {
     local shown=
     printf -v shown ' %q' "$@"
-    printf '\n$ bridgectl%s\n' "$shown"
-    "$wine" "$bin/bridgectl.exe" "$@" 2>&1 || printf '(exit code %d)\n' $?
+    printf '\n$%s\n' "$shown"
+    "$wine" "$bin/$1.exe" "${@:2}" 2>&1 || printf '(exit code %d)\n' $?
 }
+bridgectl() { play bridgectl "$@"; }
+bridgeadm() { play bridgeadm "$@"; }
 
 # wait_for_text FILE TEXT GREP_OPTION: waits for a line of a file below the data folder.
 wait_for_text() {
@@ -74,13 +76,18 @@ registry_value Version 5.2.0.1052
 rm -rf "$data"
 mkdir -p "$data/Logs"
 cp -r "$tree/build/windows/standins" "$data/Install"
-cp "$tree/demo/vantrel.conf" "$data/vantrel.conf"
-explain "In the data folder: Logs/, and vantrel.conf with $(wc -l <"$data/vantrel.conf") lines, among them:"
+cp "$tree/demo/vantrel.conf" "$tree/demo/apps.json" "$data"
+mkdir -p "$data/Engine/Nougat64"
+cp -r "$tree/demo/AppCache" "$data/Engine/Nougat64"
+explain "In the data folder: Logs/, the apps of an instance in Engine/, and vantrel.conf with $(wc -l <"$data/vantrel.conf") lines, among them:"
 grep -E 'display_name|vtr.locale' "$data/vantrel.conf" | sed 's/^/  /'
 cp "$data/vantrel.conf" "$data/before.conf"
 
 title "A front end lists the instances"
 bridgectl instances
+
+title "It lists the apps of one, whether its player runs or not"
+bridgectl apps Nougat64
 
 title "It reads typed values"
 bridgectl conf get vtr.instance.Nougat64.display_name
@@ -134,6 +141,10 @@ wait_for_event 'create-instance-completed status=0 instance="Nougat64_1"'
 title "What the listening front end was told, in order"
 wait "$listener" || die "the listening front end ended with $?"
 show_events
+
+title "The player writes down which apps it has (bridgeadm does it here); the next listing shows them"
+bridgeadm sync-apps Nougat64 "$windows_data\\apps.json"
+bridgectl apps Nougat64
 
 title "One player is shut down; then everything, the manager first"
 bridgectl launch-url Nougat64_1 https://example.com/

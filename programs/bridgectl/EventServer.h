@@ -6,8 +6,7 @@
 // Whether anybody serves a local socket of this name. Connects to nobody.
 bool isServed(const std::string& serverName);
 
-// A connection that only tells whose the server is. It stays open as long as the object: a client
-// that goes before the library's server has accepted it would fail that server's start.
+// A connection that only tells whose the server is; closed with the object.
 class EventServerProbe {
  public:
     EventServerProbe() = default;
