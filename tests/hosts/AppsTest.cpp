@@ -1,0 +1,59 @@
+// The listing of installed apps, through the library.
+#include "PlainHost.h"
+
+namespace {
+
+class AppsTest : public PlainHostTest {
+ protected:
+    AppsTest() {
+        writeConf("");
+        data.makeFolder("Engine");
+        for (const char* instance : {"Engine\\A", "Engine\\B"}) {
+            data.makeFolder(instance);
+            data.makeFolder(std::string(instance) + "\\AppCache");
+        }
+    }
+
+    void writeCache(const std::string& instance, const std::string& text) const {
+        data.write("Engine\\" + instance + "\\AppCache\\AppCache.json", text);
+    }
+
+    std::string iconOf(const std::string& package) const {
+        std::string folder;
+        for (const char c : data.path()) folder.append(c == '\\' ? 2 : 1, c);
+        return folder + "\\\\Engine/A/AppCache/" + package + ".png";
+    }
+};
+
+constexpr const char* kOneApp =
+    R"([{"package":"com.a","activity":"Main","appLabel":"Größe \"1\"","versionCode":7,)"
+    R"("versionName":"1.2"}])";
+
+}  // namespace
+
+TEST_F(AppsTest, AreListedAsJson) {
+    writeCache("A", kOneApp);
+    EXPECT_EQ(output({"init", "Helper", "apps", "A"}),
+              (Lines{"init 0", "apps [", "    {", R"(        "activity": "Main",)",
+                     R"(        "appLabel": "Größe \"1\"",)",
+                     R"(        "iconFilePath": ")" + iconOf("com.a") + R"(",)",
+                     R"(        "package": "com.a",)", R"(        "versionCode": 7,)",
+                     R"(        "versionName": "1.2")", "    }", "]", ""}));
+}
+
+TEST_F(AppsTest, OfAnotherInstanceComeNext) {
+    writeCache("A", kOneApp);
+    EXPECT_EQ(output({"init", "Helper", "apps", "B", "apps", "A", "apps", "B"}).size(),
+              1u + 3 + 11 + 3);
+}
+
+TEST_F(AppsTest, ABadCacheIsNull) {
+    writeCache("A", R"([{"package":"com.a"}])");
+    EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps (null)"}));
+    EXPECT_EQ(log().back(), "E BRIDGE Helper_bridge Error in appcLibInit, err = XERR_FAILURE (-1)");
+}
+
+TEST_F(AppsTest, ANullInstanceIsNull) {
+    EXPECT_EQ(output({"init", "Helper", "apps", "(null)"}), (Lines{"init 0", "apps (null)"}));
+    EXPECT_EQ(log().back(), "E BRIDGE Helper_bridge bridgeGetInstalledApps: null argument");
+}
