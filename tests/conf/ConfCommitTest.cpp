@@ -310,7 +310,24 @@ TEST_F(ConfCommitTest, AWriteThatFailsAtOnceNamesTheFirstLine) {
     EXPECT_EQ(confGetString(failing, "vtr.guid"), "x");
 }
 
-TEST_F(ConfCommitTest, TheNextCommitBringsWhatAFailedMoveLeftInMemory) {
+TEST_F(ConfCommitTest, AfterAFailedMoveTheFilesValuesComeBackWithTheNextCommit) {
+    FailingFiles files;
+    files.failReplace = true;
+    ConfStore failing(catalogue, files);
+    folder.write("vantrel.conf", "vtr.guid=\"old\"\n");
+    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    confSetString(failing, "vtr.guid", "new");
+    EXPECT_EQ(confCommit(failing), XERR_ACCES);
+    EXPECT_EQ(confGetString(failing, "vtr.guid"), "new");
+    confSetString(failing, "vtr.guid", "new");
+    EXPECT_FALSE(confHasPendingChanges(failing)) << "it is the value in memory already";
+    files.failReplace = false;
+    EXPECT_EQ(confCommitToFile(failing, path()), 0);
+    EXPECT_EQ(confGetString(failing, "vtr.guid"), "old");
+    EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"old\""), std::string::npos);
+}
+
+TEST_F(ConfCommitTest, TheNextCommitBringsKeysThatTheFileLacksAfterAFailedMove) {
     FailingFiles files;
     files.failReplace = true;
     ConfStore failing(catalogue, files);
