@@ -101,7 +101,9 @@ class IpcReadCommandTest : public ::testing::Test {
 // Packets of every kind of event, short and long.
 std::vector<std::string> samplePackets() {
     return {appInstalledPacket("N", "p", "a", "l", 5, "2", "i", 1),
+            appUninstalledPacket("N", "com.a"),
             instanceListUpdatedPacket(),
+            instanceConfigurationChangedPacket("Nougat64_1"),
             apkInstallCompletedPacket("Nougat64_1", -1, "C:\\\xC3\xA9.apk"),
             installImageProgressPacket("N", 1, 0.5),
             createInstanceCompletedPacket(0, "N"),
