@@ -7,6 +7,7 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
+#include "xpl/Xfence.h"
 #include "xpl/XinheritGate.h"
 
 namespace {
@@ -20,12 +21,17 @@ class TemporaryFile {
     ~TemporaryFile() {
         if (!exists_) return;
         output_.reset();
-        files_.remove(path_);
+        // Without memory for its path the file stays: the next commit takes its place.
+        xfence(kLog, "confCommitToFile", false, [this] {
+            files_.remove(path_);
+            return true;
+        });
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     [[nodiscard]] XErr create() {
+        exists_ = true;  // until it is known better: memory can run out behind the file's creation
         const XErr err = files_.create(path_, output_);
         exists_ = err == XERR_SUCCESS;
         return err;
