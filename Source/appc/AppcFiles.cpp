@@ -7,6 +7,7 @@
 
 #include "xpl/Xfile.h"
 #include "xpl/XinheritGate.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -80,7 +81,7 @@ int windowsErrorOf(XErr err) {
 }  // namespace
 
 AppcFiles& appcDiskFiles() {
-    static AppcFiles& files = *new DiskFiles;
+    static AppcFiles& files = xunloadKeep<DiskFiles>();
     return files;
 }
 

@@ -5,6 +5,7 @@
 #include "appc/AppcStore.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -48,7 +49,8 @@ void copyTo(Field* out, const Field& field) {
 }  // namespace
 
 AppcStore& appcStore() {
-    static AppcStore& store = *new AppcStore(appcDiskFiles(), utlGetDataDir(), utlSharedDir());
+    static AppcStore& store =
+        xunloadKeep<AppcStore>(appcDiskFiles(), utlGetDataDir(), utlSharedDir());
     return store;
 }
 

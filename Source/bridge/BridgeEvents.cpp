@@ -7,6 +7,7 @@
 #include "bridge/BridgeLog.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xunload.h"
 
 namespace bridge {
 
@@ -20,7 +21,7 @@ struct EventServer {
 };
 
 EventServer& eventServer() {
-    static EventServer& server = *new EventServer;
+    static EventServer& server = xunloadKeep<EventServer>();
     return server;
 }
 

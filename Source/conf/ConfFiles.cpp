@@ -2,6 +2,7 @@
 #include "conf/ConfFiles.h"
 
 #include "xpl/Xfile.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -49,6 +50,6 @@ class DiskFiles final : public ConfFiles {
 }  // namespace
 
 ConfFiles& confDiskFiles() {
-    static ConfFiles& files = *new DiskFiles;
+    static ConfFiles& files = xunloadKeep<DiskFiles>();
     return files;
 }

@@ -8,6 +8,7 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfText.h"
 #include "xpl/XinheritGate.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -139,8 +140,8 @@ XErr confLoad(ConfStore& store) {
 }
 
 ConfStore& confStore() {
-    static const ConfCatalogue& catalogue = *new ConfCatalogue(confProductCatalogue());
-    static ConfStore& store = *new ConfStore(catalogue, confDiskFiles());
+    static const ConfCatalogue& catalogue = xunloadKeep<ConfCatalogue>(confProductCatalogue());
+    static ConfStore& store = xunloadKeep<ConfStore>(catalogue, confDiskFiles());
     return store;
 }
 

@@ -13,6 +13,7 @@
 #include "xpl/Xfile.h"
 #include "xpl/XlogLine.h"
 #include "xpl/Xsystem.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -51,11 +52,14 @@ struct ContextHolder {
     std::shared_ptr<const Context> current;
     // Without a lock: at unload nobody logs, and at process exit the other threads have ended,
     // perhaps inside one.
-    ~ContextHolder() { current.reset(); }
+    ~ContextHolder() {
+        xunloadRelease();
+        current.reset();
+    }
 };
 
-// The one object of the library that is destroyed at exit or unload: it releases the texts and
-// closes the log file.
+// The one object of the library that is destroyed at exit or unload: it releases the texts, closes
+// the log file, and at unload releases what else is kept.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wexit-time-destructors"
 #pragma clang diagnostic ignored "-Wglobal-constructors"
@@ -67,7 +71,7 @@ std::mutex contextChange;  // one setter at a time
 std::shared_ptr<const Context> currentContext() {
     static constexpr auto keep = [](const Context*) {};
     if (auto now = std::atomic_load(&context.current)) return now;
-    static const Context* const initial = new Context;
+    static const Context* const initial = &xunloadKeep<Context>();
     return {initial, keep};
 }
 

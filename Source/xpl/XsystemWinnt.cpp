@@ -12,6 +12,23 @@ namespace {
 constexpr int kUtf8CodePage = 65001;
 constexpr UINT kStatusBreakpoint = 0x80000003;
 
+bool processEnds() {
+    using Ask = BOOLEAN(NTAPI*)();
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    const auto ask = reinterpret_cast<Ask>(
+        reinterpret_cast<void*>(::GetProcAddress(ntdll, "RtlDllShutdownInProgress")));
+    return ask == nullptr || ask();
+}
+
+bool isLibrary() {
+    static const char here = 0;
+    HMODULE self = nullptr;
+    return ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                    GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                reinterpret_cast<LPCWSTR>(&here), &self) &&
+           self != ::GetModuleHandleW(nullptr);
+}
+
 }  // namespace
 
 std::int32_t xsystemProcessId() noexcept {
@@ -30,3 +47,5 @@ void xsystemDebugBreak() noexcept {
     ::TerminateProcess(::GetCurrentProcess(), kStatusBreakpoint);
     for (;;) ::Sleep(INFINITE);  // the end of the process is on its way
 }
+
+bool xsystemIsUnloading() noexcept { return isLibrary() && !processEnds(); }

@@ -1,5 +1,5 @@
 #include "plain_events.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 
 #include <bridge/bridge.h>
 #include <stdarg.h>
@@ -156,20 +156,24 @@ static int gained(long long now, long long before) {
     return now > before ? (int)(now - before) : 0;
 }
 
-/* Connections that just ended need a moment to be cleaned up. */
+/* What just ended, threads and connections, needs a moment to be cleaned up. */
+static void settle(long handles) {
+    int i;
+    for (i = 0; openHandles() > handles && i < 1000; ++i) Sleep(5);
+}
+
 static void steady(void) {
     static long handles;
-    static SIZE_T bytes;
+    static long long bytes;
     char line[100];
-    int i;
-    for (i = 0; handles != 0 && openHandles() > handles && i < 1000; ++i) Sleep(5);
+    if (handles != 0) settle(handles);
     if (handles != 0) {
         sprintf(line, "steady: handles %d, megabytes %d", gained(openHandles(), handles),
-                gained((long long)privateBytes(), (long long)bytes) / (1024 * 1024));
+                gained(heapBytes(), bytes) / (1024 * 1024));
         printLine(line);
     }
     handles = openHandles();
-    bytes = privateBytes();
+    bytes = heapBytes();
 }
 
 typedef bridge_i32(BRIDGE_CALL* InitFunction)(const char*, bridge_bool, bridge_i64, const char*);
@@ -195,11 +199,25 @@ static int loadAndUnload(const WCHAR* path, int finish) {
     return GetModuleHandleW(path) == NULL;
 }
 
+/* The first lives may leave something behind that the later ones use again. */
 static void loadUnload(const WCHAR* path, int count) {
+    const int warmUp = 5;
     int gone = 0;
+    long handles = 0;
+    long long bytes = 0;
     int i;
-    for (i = 0; i < count; ++i) gone += loadAndUnload(path, 1);
-    printNumber("unloaded", gone);
+    char line[100];
+    for (i = 0; i < warmUp + count; ++i) {
+        if (i == warmUp) {
+            handles = openHandles();
+            bytes = heapBytes();
+        }
+        gone += loadAndUnload(path, 1);
+    }
+    settle(handles);
+    sprintf(line, "unloaded %d, handles %d, kilobytes %d", gone - warmUp,
+            gained(openHandles(), handles), gained(heapBytes(), bytes) / 1024);
+    printLine(line);
 }
 
 static DWORD WINAPI endProcess(LPVOID unused) {

@@ -26,8 +26,6 @@ const WCHAR* nextWide(void);
 void printLine(const char* line);
 void printNumber(const char* name, int number);
 
-SIZE_T privateBytes(void);
-
 /* Zero when the operation is none of those above. */
 int eventOperation(const char* name);
 

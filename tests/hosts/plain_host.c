@@ -16,7 +16,7 @@
  * "(null)" stands for a null pointer. plain_events.h has the operations on events.
  */
 #include "plain_events.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 
 #include <bridge/bridge.h>
 #include <stdio.h>
@@ -25,8 +25,6 @@
 
 /* Last: it needs <windows.h>. */
 #include <shellapi.h>
-
-#include <psapi.h>
 
 static WCHAR** wideArguments;
 static int argumentCount;
@@ -155,23 +153,17 @@ static void initex(void) {
     printNumber("initex", bridgeApiInitEx(client, (bridge_bool)noConf, 0, log));
 }
 
-SIZE_T privateBytes(void) {
-    PROCESS_MEMORY_COUNTERS_EX counters;
-    GetProcessMemoryInfo(GetCurrentProcess(), (PROCESS_MEMORY_COUNTERS*)&counters, sizeof counters);
-    return counters.PrivateUsage;
-}
-
 /* Many requests to one player: the handles and whole megabytes left over after a warm-up. */
 static void shutdownMany(const char* instance, int count) {
     long handles;
-    SIZE_T bytes;
+    long long bytes;
     int i;
     for (i = 0; i < 500; ++i) bridgePlrShutdown(instance, 0);
     handles = openHandles();
-    bytes = privateBytes();
+    bytes = heapBytes();
     for (i = 0; i < count; ++i) bridgePlrShutdown(instance, 0);
     printNumber("handles", (int)(openHandles() - handles));
-    printNumber("megabytes", (int)(((long)privateBytes() - (long)bytes) / (1024 * 1024)));
+    printNumber("megabytes", (int)((heapBytes() - bytes) / (1024 * 1024)));
 }
 
 /* The programs: each operation takes its function's arguments. */

@@ -8,12 +8,12 @@
 #include "support/EventPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 #include "xpl/Xlog.h"
 
 namespace {
 
-constexpr std::size_t kMebibyte = 1 << 20;
+constexpr long long kMebibyte = 1 << 20;
 
 std::int32_t printNothing(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
                           const char*, ...) {
@@ -41,14 +41,17 @@ class IpcPeerDeathTest : public ServerFixture {
         };
         for (int i = 0; i < 5; ++i) all();
         const long handles = openHandles();
-        const std::size_t memory = privateBytes();
+        const long long memory = heapBytes();
         const int rounds = proofSize(100, 1000);
         for (int i = 0; i < rounds; ++i) all();
-        for (int i = 0; i < 1000 && openHandles() > handles; ++i) {
+        const auto isBack = [&] {
+            return openHandles() <= handles && heapBytes() <= memory + kMebibyte;
+        };
+        for (int i = 0; i < 1000 && !isBack(); ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
         EXPECT_LE(openHandles(), handles);
-        EXPECT_LE(privateBytes(), memory + kMebibyte);
+        EXPECT_LE(heapBytes(), memory + kMebibyte);
     }
 };
 

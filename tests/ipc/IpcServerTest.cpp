@@ -8,7 +8,7 @@
 #include "support/LogCapture.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 #include "xpl/Xsystem.h"
 
 namespace {

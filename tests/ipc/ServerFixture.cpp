@@ -7,9 +7,6 @@
 #include "support/WindowsForTests.h"
 #include "xpl/Xsystem.h"
 
-// Last: it needs <windows.h>.
-#include <psapi.h>
-
 Seen seen;
 
 bool Seen::waitFor(std::size_t wanted, std::chrono::seconds limit) {
@@ -55,11 +52,4 @@ void* ServerFixture::connect() const {
         ::WaitNamedPipeW((L"\\\\.\\pipe\\" + wideForTests(name)).c_str(), 1000);
     }
     return nullptr;
-}
-
-std::size_t privateBytes() {
-    PROCESS_MEMORY_COUNTERS_EX counters;
-    ::GetProcessMemoryInfo(::GetCurrentProcess(),
-                           reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-    return counters.PrivateUsage;
 }

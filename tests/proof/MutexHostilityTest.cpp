@@ -12,7 +12,7 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include "support/LogCapture.h"
 #include "support/Scene.h"
 #include "support/WindowsForTests.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XmutexSecurity.h"
 

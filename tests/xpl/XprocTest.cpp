@@ -8,7 +8,7 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
-#include "support/open_handles.h"
+#include "support/process_figures.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 

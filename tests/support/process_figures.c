@@ -1,6 +1,7 @@
-#include "open_handles.h"
+#include "process_figures.h"
 
 #include <stdlib.h>
+#include <string.h>
 #include <windows.h>
 
 /* Last: it needs <windows.h>. */
@@ -48,4 +49,26 @@ long openHandles(void) {
     for (i = 0; i < table->count; ++i) found += table->entries[i].process == self;
     free(table);
     return found;
+}
+
+static long long busyBytes(HANDLE heap) {
+    PROCESS_HEAP_ENTRY entry;
+    long long bytes = 0;
+    memset(&entry, 0, sizeof entry);
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) {
+        if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
+    }
+    HeapUnlock(heap);
+    return bytes;
+}
+
+long long heapBytes(void) {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(64, heaps);
+    long long bytes = 0;
+    DWORD i;
+    if (count == 0 || count > 64) abort();
+    for (i = 0; i < count; ++i) bytes += busyBytes(heaps[i]);
+    return bytes;
 }

@@ -1,0 +1,24 @@
+#ifndef TESTS_PROCESS_FIGURES_H
+#define TESTS_PROCESS_FIGURES_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * How many handles this process has. Read from the system's table of all handles, since
+ * GetProcessHandleCount answers 0 under Wine.
+ */
+long openHandles(void);
+
+/*
+ * Bytes in use on this process's heaps. The counters of private memory do not serve: one is 0 under
+ * Wine, and the others move with the system's own worker threads.
+ */
+long long heapBytes(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
