@@ -22,9 +22,9 @@ bash "$tree/toolchain/licences.sh" "$folder/share/licences"
     cat "$tree/docs/Doxyfile"
     echo "PROJECT_NUMBER = $version"
     echo "OUTPUT_DIRECTORY = $folder/share/doc"
-    echo "STRIP_FROM_PATH = $tree/include"
+    echo "STRIP_FROM_PATH = $tree/include $tree"
     echo "STRIP_FROM_INC_PATH = $tree/include"
-    echo "INPUT = $tree/include/bridge"
+    echo "INPUT = $tree/docs/reference.dox $tree/include/bridge"
 ) | doxygen - >"$into/package/doxygen.log"
 
 (

@@ -34,6 +34,7 @@ grep -qi 'LLVM Exceptions' share/licences/LLVM-runtimes.txt
 if grep -rlF "$tree" --include='*.cmake' --include='*.md' --include='*.html' .; then
     fail "a path of the build machine is published"
 fi
+grep -q 'bridge_8h.html' share/doc/reference/index.html
 grep -q 'bridgeConfGetInstances' share/doc/reference/bridge_8h.html
 
 # Whatever a program loads is in bin/, or is the system's.
