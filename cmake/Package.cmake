@@ -23,7 +23,9 @@ install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBrid
     DESTINATION lib/cmake/QXBridge)
 
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
-    PATTERN maintenance.md EXCLUDE PATTERN working-on-the-library.md EXCLUDE)
+    PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE
+    PATTERN working-on-the-library.md EXCLUDE)
+install(FILES docs/package.md DESTINATION . RENAME README.md)
 foreach(folder examples bindings)
     if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}")
         install(DIRECTORY ${folder}/ DESTINATION share/${folder} PATTERN node_modules EXCLUDE)

@@ -2,8 +2,64 @@
 
 #include <functional>
 #include <set>
+#include <utility>
 
 namespace {
+
+constexpr const char* kBash = R"script(# Completion of @PROGRAM@ for bash: source this file.
+_@PROGRAM@() {
+    local word=${COMP_WORDS[COMP_CWORD]} path= words= i
+    COMPREPLY=()
+    case "${COMP_WORDS[COMP_CWORD - 1]}" in
+        @VALUE_OPTIONS@) return ;;
+    esac
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        case "${COMP_WORDS[i - 1]}" in
+            @VALUE_OPTIONS@) continue ;;
+        esac
+        case "${path:+$path }${COMP_WORDS[i]}" in
+            @PATHS@)
+                path=${path:+$path }${COMP_WORDS[i]} ;;
+        esac
+    done
+    case "$path" in
+@CASES@    esac
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+}
+complete -o default -F _@PROGRAM@ @PROGRAM@ @PROGRAM@.exe
+)script";
+
+constexpr const char* kPowershell =
+    R"script(# Completion of @PROGRAM@ for PowerShell, for the profile.
+Register-ArgumentCompleter -Native -CommandName '@PROGRAM@', '@PROGRAM@.exe' -ScriptBlock {
+    param($wordToComplete, $commandAst, $cursorPosition)
+    $words = @{
+@WORDS@    }
+    $path = ''
+    foreach ($element in $commandAst.CommandElements | Select-Object -Skip 1) {
+        $next = "$path $($element.Extent.Text)".Trim()
+        if ($element.Extent.EndOffset -lt $cursorPosition -and $words.ContainsKey($next)) {
+            $path = $next
+        }
+    }
+    $words[$path] | Where-Object { $_ -like "$wordToComplete*" } | ForEach-Object {
+        [System.Management.Automation.CompletionResult]::new($_, $_, 'ParameterValue', $_)
+    }
+}
+)script";
+
+// The text with each place holder replaced by what stands for it.
+using Pieces = std::vector<std::pair<std::string, std::string>>;
+
+std::string filled(std::string text, const Pieces& pieces) {
+    for (const auto& [holder, piece] : pieces) {
+        for (std::size_t at = 0; (at = text.find(holder, at)) != std::string::npos;) {
+            text.replace(at, holder.size(), piece);
+            at += piece.size();
+        }
+    }
+    return text;
+}
 
 // Visits a command and those inside it with their paths: "" for the program, "conf get".
 using Visit = std::function<void(const std::string& path, const CommandNode& command)>;
@@ -57,67 +113,20 @@ std::string bashCompletion(const CommandNode& program) {
     std::string cases;
     forEachCommand("", program, [&](const std::string& path, const CommandNode& command) {
         if (!path.empty()) paths.push_back(path);
-        cases +=
-            "        \"" + path + "\") words=\"" + joined(wordsOf(command), "", " ") + "\" ;;\n";
+        cases.append("        \"").append(path).append("\") words=\"");
+        cases.append(joined(wordsOf(command), "", " ")).append("\" ;;\n");
     });
-    const std::string function = "_" + program.name;
-    const std::string values = joined(valueOptions(program), "", " | ");
-    return "# Completion of " + program.name + " for bash: source this file.\n" + function +
-           "() {\n"
-           "    local word=${COMP_WORDS[COMP_CWORD]} path= words= i\n"
-           "    COMPREPLY=()\n"
-           "    case \"${COMP_WORDS[COMP_CWORD - 1]}\" in\n"
-           "        " +
-           values +
-           ") return ;;\n"
-           "    esac\n"
-           "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
-           "        case \"${COMP_WORDS[i - 1]}\" in\n"
-           "            " +
-           values +
-           ") continue ;;\n"
-           "        esac\n"
-           "        case \"${path:+$path }${COMP_WORDS[i]}\" in\n"
-           "            " +
-           joined(paths, "\"", " | ") +
-           ")\n"
-           "                path=${path:+$path }${COMP_WORDS[i]} ;;\n"
-           "        esac\n"
-           "    done\n"
-           "    case \"$path\" in\n" +
-           cases +
-           "    esac\n"
-           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$word\")\n"
-           "}\n"
-           "complete -o default -F " +
-           function + " " + program.name + " " + program.name + ".exe\n";
+    return filled(kBash, {{"@PROGRAM@", program.name},
+                          {"@VALUE_OPTIONS@", joined(valueOptions(program), "", " | ")},
+                          {"@PATHS@", joined(paths, "\"", " | ")},
+                          {"@CASES@", cases}});
 }
 
 std::string powershellCompletion(const CommandNode& program) {
     std::string words;
     forEachCommand("", program, [&words](const std::string& path, const CommandNode& command) {
-        words += "        '" + path + "' = @(" + joined(wordsOf(command), "'", ", ") + ")\n";
+        words.append("        '").append(path).append("' = @(");
+        words.append(joined(wordsOf(command), "'", ", ")).append(")\n");
     });
-    return "# Completion of " + program.name +
-           " for PowerShell: run this script in the profile.\n" +
-           "Register-ArgumentCompleter -Native -CommandName '" + program.name + "', '" +
-           program.name +
-           ".exe' -ScriptBlock {\n"
-           "    param($wordToComplete, $commandAst, $cursorPosition)\n"
-           "    $words = @{\n" +
-           words +
-           "    }\n"
-           "    $path = ''\n"
-           "    foreach ($element in $commandAst.CommandElements | Select-Object -Skip 1) {\n"
-           "        $next = \"$path $($element.Extent.Text)\".Trim()\n"
-           "        if ($element.Extent.EndOffset -lt $cursorPosition -and "
-           "$words.ContainsKey($next)) {\n"
-           "            $path = $next\n"
-           "        }\n"
-           "    }\n"
-           "    $words[$path] | Where-Object { $_ -like \"$wordToComplete*\" } | ForEach-Object {\n"
-           "        [System.Management.Automation.CompletionResult]::new($_, $_, 'ParameterValue', "
-           "$_)\n"
-           "    }\n"
-           "}\n";
+    return filled(kPowershell, {{"@PROGRAM@", program.name}, {"@WORDS@", words}});
 }

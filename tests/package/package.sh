@@ -21,7 +21,7 @@ cd "$root"
 sha256sum --quiet -c SHA256SUMS
 diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
     <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || fail "a file without a checksum"
-for file in bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe,QX-Player.exe} \
+for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe,QX-Player.exe} \
     bin/QX-MultiInstanceManager.exe include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
     share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
