@@ -1,6 +1,15 @@
 # bridge_system_headers(TARGET FOLDER...): header-only libraries of the build machine as an
-# INTERFACE target. Only these folders of /usr/include are seen: the rest belongs to another system.
+# INTERFACE target. Where the build machine is the target, any folder of CMAKE_PREFIX_PATH may hold
+# them; else only these folders of /usr/include are seen: the rest belongs to another system.
 function(bridge_system_headers target)
+    add_library(${target} INTERFACE)
+    if(CMAKE_HOST_WIN32)
+        foreach(folder ${ARGN})
+            find_path(${target}_${folder} "${folder}" REQUIRED)
+            target_include_directories(${target} SYSTEM INTERFACE "${${target}_${folder}}")
+        endforeach()
+        return()
+    endif()
     set(root "${PROJECT_BINARY_DIR}/system-headers/${target}")
     file(MAKE_DIRECTORY "${root}")
     foreach(folder ${ARGN})
@@ -9,6 +18,5 @@ function(bridge_system_headers target)
         endif()
         file(CREATE_LINK "/usr/include/${folder}" "${root}/${folder}" SYMBOLIC)
     endforeach()
-    add_library(${target} INTERFACE)
     target_include_directories(${target} SYSTEM INTERFACE "${root}")
 endfunction()

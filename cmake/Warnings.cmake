@@ -4,11 +4,13 @@ add_library(test_warnings INTERFACE)
 add_library(bridge_warnings INTERFACE)
 target_link_libraries(bridge_warnings INTERFACE test_warnings)
 if(MSVC)
-    target_compile_options(test_warnings INTERFACE /W4 /WX /utf-8)
+    # 4068: pragmas of another compiler.
+    target_compile_options(test_warnings INTERFACE /W4 /WX /wd4068 /utf-8)
+    target_compile_definitions(test_warnings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
     target_compile_options(test_warnings INTERFACE
         -Wall -Wextra -Werror -Wshadow -Wconversion -Wthread-safety -Wformat=2 -Wdocumentation)
     target_compile_definitions(test_warnings INTERFACE _LIBCPP_ENABLE_THREAD_SAFETY_ANNOTATIONS)
     target_compile_options(bridge_warnings INTERFACE
-        -Wglobal-constructors -Wexit-time-destructors)
+        -Wglobal-constructors -Wexit-time-destructors -Wpedantic)
 endif()

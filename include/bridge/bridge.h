@@ -5,23 +5,23 @@
  *
  * Conventions, for every function below:
  *
- *  1. Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. Nothing
+ * 1.  Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. Nothing
  *     checks this.
- *  2. Texts are NUL-terminated UTF-8. A text argument is read during the call only, with one
+ * 2.  Texts are NUL-terminated UTF-8. A text argument is read during the call only, with one
  *     exception: the client id of the initialisation is kept by pointer.
- *  3. Ownership. A text that a function returns belongs to the caller, who gives it back to
+ * 3.  Ownership. A text that a function returns belongs to the caller, who gives it back to
  *     bridgeFreeMemory(). No other deallocator fits, whatever C runtime the host uses.
- *  4. Results. Functions that return bridge_i32 answer 0 (BRIDGE_SUCCESS) or one of the codes
+ * 4.  Results. Functions that return bridge_i32 answer 0 (BRIDGE_SUCCESS) or one of the codes
  *     below; a failure also leaves a line in the log.
- *  5. Booleans are one byte, 0 or 1; any other value is read as 1.
- *  6. Null. A null text is refused with a log line and BRIDGE_INVALID_ARGUMENT, 0, false or null;
+ * 5.  Booleans are one byte, 0 or 1; any other value is read as 1.
+ * 6.  Null. A null text is refused with a log line and BRIDGE_INVALID_ARGUMENT, 0, false or null;
  *     where null is welcome the parameter says so.
- *  7. Threads. After the initialisation every function may be called from any thread, except
+ * 7.  Threads. After the initialisation every function may be called from any thread, except
  *     bridgeApiInit(), bridgeApiInitEx() and bridgeApiFini(), during which no other call may run.
- *  8. Fatal errors. A configuration key that does not exist, a read or write of the wrong type,
+ * 8.  Fatal errors. A configuration key that does not exist, a read or write of the wrong type,
  *     and a stored number or boolean that cannot be read are programming errors: the library logs
  *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003.
- *  9. Callbacks run on the library's event thread, one after another, never on the host's thread.
+ * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
  *     Their text arguments are valid during the call only. Inside one, every function works except
  *     bridgeApiFini(). An exception must not leave a callback.
  * 10. No C++ exception leaves a function; one that reaches the boundary is logged and becomes

@@ -19,6 +19,6 @@ const char* const programName = "bridgeadm";
 int main() {
     Session session;
     return runCommandLine({"Maintenance of the product's instances and their app caches.",
-                           UTL_VERSION, declareOptions},
+                           std::string(programName) + " " + UTL_VERSION, declareOptions, nullptr},
                           session, session);
 }

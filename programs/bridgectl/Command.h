@@ -17,6 +17,7 @@ struct Command {
     const char* details;  // what else the command's own help says, with an example
 
     // Adds options and arguments to the command's parser, and its work as the parser's callback.
+    // Null for a group of commands, which has neither.
     void (*declare)(CLI::App& parser, Session& session);
 };
 

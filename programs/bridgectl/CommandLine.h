@@ -1,21 +1,26 @@
 #ifndef BRIDGECTL_COMMANDLINE_H
 #define BRIDGECTL_COMMANDLINE_H
 
+#include <string>
+
 #include "Command.h"
 #include "ProgramRun.h"
 
 // What a program's command line has beside its commands.
 struct Program {
     const char* description;  // one line of the help
-    const char* version;
+    std::string version;      // what --version prints
 
     // Adds the options in front of the command.
     void (*declareOptions)(CLI::App& app, Session& session);
+
+    // Adds the options that every command has; null when there are none.
+    void (*declareCommonOptions)(CLI::App& command, Session& session);
 };
 
 // All that main() does: parses this process's command line, does the command's work and answers the
 // exit code, which the work leaves in `run`, the session's base. Nothing that this process starts
 // inherits its standard handles.
-int runCommandLine(const Program& program, Session& session, const ProgramRun& run) noexcept;
+int runCommandLine(const Program& program, Session& session, ProgramRun& run) noexcept;
 
 #endif

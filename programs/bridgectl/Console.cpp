@@ -2,6 +2,7 @@
 #include "Console.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 
 #include "xpl/Xtext.h"
@@ -44,6 +45,15 @@ bool print(DWORD stream, std::string_view text) {
                                                                 : printBytes(handle, text);
 }
 
+TextStyle styleOf(DWORD stream) {
+    const HANDLE handle = ::GetStdHandle(stream);
+    DWORD mode = 0;
+    const bool showsColours =
+        ::GetConsoleMode(handle, &mode) != 0 &&
+        ::SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+    return TextStyle(showsColours, std::getenv("NO_COLOR"));
+}
+
 std::atomic<void (*)()> consoleEnd{nullptr};
 
 BOOL WINAPI onConsoleEvent(DWORD event) {
@@ -60,8 +70,17 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
 bool printOut(std::string_view text) { return print(STD_OUTPUT_HANDLE, text); }
 
 void printError(std::string_view text) {
+    const std::string prefix = errorStyle().error(std::string(programName) + ":");
+    print(STD_ERROR_HANDLE, prefix + " " + std::string(text) + "\n");
+}
+
+void printNotice(std::string_view text) {
     print(STD_ERROR_HANDLE, std::string(programName).append(": ").append(text).append("\n"));
 }
+
+TextStyle outputStyle() { return styleOf(STD_OUTPUT_HANDLE); }
+
+TextStyle errorStyle() { return styleOf(STD_ERROR_HANDLE); }
 
 void onConsoleEnd(void (*end)()) {
     consoleEnd = end;

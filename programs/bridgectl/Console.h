@@ -5,10 +5,19 @@
 #include <string_view>
 #include <vector>
 
+#include "TextStyle.h"
+
 // UTF-8 in and out: as it stands into files and pipes, converted for a console window. False when
 // not all of it could be written.
 bool printOut(std::string_view text);
 void printError(std::string_view text);
+
+// On standard error too, but nothing has failed.
+void printNotice(std::string_view text);
+
+// The style of a stream of this process, which is made ready to show colours.
+TextStyle outputStyle();
+TextStyle errorStyle();
 
 // Calls a function, on a thread of its own, when the user ends the program with Ctrl-C or
 // Ctrl-Break or closes the console; main() is to return soon then. A second time ends the program

@@ -1,7 +1,9 @@
 #include "HelpCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "CommandTree.h"
 #include "Console.h"
 
 namespace {
@@ -26,8 +28,13 @@ void explain(ProgramRun& run, const CLI::App& program, const Names& names) {
         }
         title += " " + name;
     }
+    if (run.json) {
+        run.printJson(commandJson(commandTree(*parser)));
+        return;
+    }
     // Not the parser's own help(), which would explain the command that runs: this one.
-    printOut(parser->get_formatter()->make_help(parser, title, CLI::AppFormatMode::Normal));
+    run.print(outputStyle().help(
+        parser->get_formatter()->make_help(parser, title, CLI::AppFormatMode::Normal)));
 }
 
 }  // namespace

@@ -1,25 +1,24 @@
 #include "ProgramCommand.h"
 
 #include <CLI/CLI.hpp>
-
-#include "Console.h"
+#include <nlohmann/json.hpp>
 
 namespace {
 
-void run(Session& session, const ProgramTexts& texts, ProgramCall call) {
+void run(Session& session, const ProgramTexts& texts, const ProgramCall& call) {
     if (!session.start() || !session.requireInstallFolder()) return;
-    const int status = call(texts);
+    const int status = session.timed(call.function, [&] { return call.call(texts); });
     if (status != 0) {
         session.failStatus(ExitCode::Program, "not started", status);
         return;
     }
-    printOut("started\n");
+    session.confirm("started", {{"started", true}});
 }
 
 }  // namespace
 
 void declareProgram(CLI::App& parser, Session& session,
-                    const std::vector<ProgramArgument>& arguments, ProgramCall call) {
+                    const std::vector<ProgramArgument>& arguments, const ProgramCall& call) {
     const auto texts = std::make_shared<ProgramTexts>(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         parser.add_option(arguments[i].name, (*texts)[i], arguments[i].help)->required();

@@ -17,11 +17,15 @@ struct ProgramArgument {
 };
 
 using ProgramTexts = std::vector<std::string>;
-using ProgramCall = int (*)(const ProgramTexts& texts);
+
+struct ProgramCall {
+    const char* function;  // of the library
+    int (*call)(const ProgramTexts& texts);
+};
 
 // Declares the arguments, all required, and the call as the parser's work. Like every command it
 // starts the library first; besides, the registry must name the install folder.
 void declareProgram(CLI::App& parser, Session& session,
-                    const std::vector<ProgramArgument>& arguments, ProgramCall call);
+                    const std::vector<ProgramArgument>& arguments, const ProgramCall& call);
 
 #endif

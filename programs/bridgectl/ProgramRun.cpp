@@ -1,9 +1,29 @@
 #include "ProgramRun.h"
 
+#include <nlohmann/json.hpp>
+
 #include "Console.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xfile.h"
+
+bool ProgramRun::print(std::string_view text) {
+    return printOut(text) || fail(ExitCode::Output, "standard output cannot be written");
+}
+
+bool ProgramRun::printJson(const nlohmann::ordered_json& value) {
+    return print(value.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) +
+                 "\n");
+}
+
+bool ProgramRun::confirm(const std::string& text, const nlohmann::ordered_json& value) {
+    if (quiet) return true;
+    return json ? printJson(value) : print(text + "\n");
+}
+
+void ProgramRun::notice(const std::string& text) const {
+    if (!quiet) printNotice(text);
+}
 
 bool ProgramRun::fail(ExitCode code, const std::string& message) {
     printError(message);

@@ -1,13 +1,15 @@
 #ifndef BRIDGECTL_PROGRAMRUN_H
 #define BRIDGECTL_PROGRAMRUN_H
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
 #include "ExitCode.h"
 #include "xpl/Xerr.h"
 
-// One run of a program: where it logs and how it ends. The programs' sessions are runs.
+// One run of a program: where it logs, how it prints and how it ends. The programs' sessions are
+// runs.
 class ProgramRun {
  public:
     ProgramRun() = default;
@@ -15,8 +17,23 @@ class ProgramRun {
     ProgramRun& operator=(const ProgramRun&) = delete;
 
     std::string logFile;  // empty: the product's log
+    bool json = false;    // results are printed as JSON
+    bool quiet = false;   // nothing is printed but results and errors
 
     ExitCode exitCode = ExitCode::Success;
+
+    // Prints a result on standard output. False, after an error, when it cannot be written: as with
+    // every function below.
+    bool print(std::string_view text);
+
+    // The same, indented, with U+FFFD for bytes that are not UTF-8.
+    bool printJson(const nlohmann::ordered_json& value);
+
+    // Says that the work is done, in one of the two forms.
+    bool confirm(const std::string& text, const nlohmann::ordered_json& value);
+
+    // A line on standard error that is no error.
+    void notice(const std::string& text) const;
 
     // Prints an error and sets the exit code; false, so that callers can return it.
     bool fail(ExitCode code, const std::string& message);

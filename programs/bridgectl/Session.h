@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "CallTimes.h"
 #include "Configuration.h"
 #include "ProgramRun.h"
 
@@ -18,12 +19,23 @@ class Session : public ProgramRun {
     // The library keeps the pointer to the client's text, which does not change after start().
     std::string client = "Helper";
     bool noConf = false;
+    bool timing = false;  // printTimes() prints
 
     // Reads the file for `configuration` and initialises the library. False after an error message.
     bool start();
 
     // Ends the library before the session ends: no callback runs afterwards. Not inside one.
     void stop();
+
+    // Calls a function of the library, whose name is for printTimes().
+    template <typename Call>
+    auto timed(const char* function, Call call) {
+        const CallTimer timer(times_, function);
+        return call();
+    }
+
+    // The library's times on standard error, once it has stopped.
+    void printTimes() const;
 
     const Configuration& configuration() const { return *configuration_; }
 
@@ -37,14 +49,11 @@ class Session : public ProgramRun {
     std::optional<KeyInfo> requireKey(const std::string& key);
 
  private:
+    int startLibrary();
+
+    CallTimes times_;
     std::optional<Configuration> configuration_;
     bool started_ = false;
 };
-
-// Reads a key through the library, in the form that people see. Only for KeyState::Value.
-std::string readValue(const KeyInfo& key);
-
-// The same for every state: "unset", and `invalid: "text"`.
-std::string shownValue(const KeyInfo& key);
 
 #endif

@@ -452,7 +452,7 @@ TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
     }
     EXPECT_NE(output({"conf", "set", "--help"}).find("Example: bridgectl conf set"),
               std::string::npos);
-    EXPECT_EQ(output({"--version"}), "bridgectl 5.2.0.1052\n");
+    EXPECT_EQ(output({"--version"}), "bridgectl 5.2.0.1052\nQX-Bridge.dll 5.2.0.1052\n");
 }
 
 TEST_F(BridgectlTest, TheHelpCommandSaysWhatTheOptionSays) {

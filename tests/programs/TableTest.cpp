@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CallTimes.h"
 #include "DisplayWidth.h"
 #include "DisplayWidthTable.h"
 
@@ -46,4 +47,60 @@ TEST(Table, AlignsColumnsByWidth) {
 TEST(Table, LinesHaveNoBlanksAtTheirEnds) {
     EXPECT_EQ(formatTable({{"A", "B"}, {"long text", ""}}), "A          B\nlong text\n");
     EXPECT_EQ(formatTable({}), "");
+}
+
+TEST(Table, WideCharactersAndCombiningMarksKeepTheColumnsInLine) {
+    const std::string text = formatTable({{"NAME", "IMAGE", "CPU"},
+                                          {"日本のゲーム", "Nougat64", "4"},
+                                          {"Cafe\xCC\x81 ｶﾞ", "Nougat32", "12"},
+                                          {"\xF0\x9F\x8E\xAE Spiele", "Nougat64_1", "1"}});
+    std::vector<std::size_t> columns;
+    for (std::size_t at = 0, end; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+        const std::string line = text.substr(at, end - at);
+        const std::size_t image = std::min(line.find("Nougat"), line.find("IMAGE"));
+        columns.push_back(displayWidth(line.substr(0, image)));
+        columns.push_back(displayWidth(line.substr(0, line.rfind(' ') + 1)));
+    }
+    EXPECT_EQ(columns, (std::vector<std::size_t>{14, 26, 14, 26, 14, 26, 14, 26}));
+}
+
+TEST(Table, ControlsDoNotReachTheTerminal) {
+    EXPECT_EQ(formatTable({{"A"}, {"x\ny\x1b[1m\x7F\xC2\x9Bz"}}),
+              "A\nx\xEF\xBF\xBDy\xEF\xBF\xBD[1m\xEF\xBF\xBD\xEF\xBF\xBDz\n");
+}
+
+TEST(Table, OnATerminalTheHeadingStandsOut) {
+    const std::vector<TableRow> rows{{"A", "B"}, {"long", "1"}};
+    EXPECT_EQ(formatTable(rows, TextStyle(/*isTerminal=*/true, nullptr)),
+              "\x1b[1mA     B\x1b[0m\nlong  1\n");
+    EXPECT_EQ(formatTable(rows, TextStyle(/*isTerminal=*/true, "")),
+              "\x1b[1mA     B\x1b[0m\nlong  1\n")
+        << "an empty NO_COLOR asks for nothing";
+}
+
+TEST(Table, WithoutATerminalOrWithNoColorNothingStandsOut) {
+    const std::vector<TableRow> rows{{"A", "B"}, {"long", "1"}};
+    for (const TextStyle& style :
+         {TextStyle(), TextStyle(/*isTerminal=*/false, nullptr),
+          TextStyle(/*isTerminal=*/true, "1"), TextStyle(/*isTerminal=*/false, "1")}) {
+        EXPECT_EQ(formatTable(rows, style), "A     B\nlong  1\n");
+        EXPECT_EQ(style.error("e"), "e");
+        EXPECT_EQ(style.help("Options:\n  --x\n"), "Options:\n  --x\n");
+    }
+}
+
+TEST(TextStyle, HeadingsOfAHelpAreLinesThatEndWithAColon) {
+    const TextStyle style(/*isTerminal=*/true, nullptr);
+    EXPECT_EQ(style.help("Usage: x\n\nOptions:\n  a:\nend"),
+              "Usage: x\n\n\x1b[1mOptions:\x1b[0m\n  a:\nend");
+    EXPECT_EQ(style.error("bad"), "\x1b[31mbad\x1b[0m");
+}
+
+TEST(CallTimes, AddsUpInTheOrderOfTheFirstCalls) {
+    CallTimes times;
+    times.add("b", std::chrono::microseconds(1500));
+    times.add("a", std::chrono::nanoseconds(400));
+    times.add("b", std::chrono::milliseconds(2));
+    EXPECT_EQ(times.lines(),
+              (std::vector<std::string>{"b: 2 calls, 3.500 ms", "a: 1 call, 0.000 ms"}));
 }

@@ -122,6 +122,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     startup.hStdInput = ::GetStdHandle(STD_INPUT_HANDLE);
     startup.hStdOutput = state_->out.write;
     startup.hStdError = state_->err.write;
+    if (options.outputIsBroken) closeOutput();
     if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, /*bInheritHandles=*/TRUE, 0,
                           nullptr, folder.empty() ? nullptr : folder.c_str(), &startup,
                           &state_->process)) {

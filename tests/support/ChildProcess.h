@@ -22,6 +22,7 @@ struct ChildOptions {
     std::vector<std::pair<std::string, std::string>> environment;  // before this process's
     std::string folder;                                            // empty: this process's
     std::chrono::seconds limit{60};                                // then it is killed
+    bool outputIsBroken = false;                                   // its output has no reader
 };
 
 // A running child with its output in pipes. Destroying it kills it.

@@ -5,7 +5,6 @@
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 #include "xpl/Xfile.h"
 
 namespace {
@@ -33,7 +32,7 @@ void run(Session& session, const Arguments& arguments) {
     if (!session.openCache(arguments.source) || !canBeCopied(session, arguments)) return;
     const XErr err = appcCopyInstance(appcStore(), arguments.source, arguments.target);
     if (!session.saved(err)) return;
-    printOut("copied the app cache of " + arguments.source + " to " + arguments.target + "\n");
+    session.print("copied the app cache of " + arguments.source + " to " + arguments.target + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -3,7 +3,6 @@
 
 #include "Session.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 
 namespace {
 
@@ -32,7 +31,7 @@ void run(Session& session, const Arguments& arguments) {
         return;
     }
     if (!session.commit()) return;
-    printOut("copied the settings of " + arguments.source + " to " + arguments.target + "\n");
+    session.print("copied the settings of " + arguments.source + " to " + arguments.target + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

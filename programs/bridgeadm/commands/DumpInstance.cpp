@@ -4,7 +4,6 @@
 
 #include "Session.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 
 namespace {
 
@@ -31,15 +30,14 @@ bool everyLineFits(Session& session) {
            session.fail(ExitCode::BadValue, "too long for a dump: " + CLI::detail::join(keys, " "));
 }
 
-void printJson(const std::string& text) {
+void printJson(Session& session, const std::string& text) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t equals = line.find('=');
         array.push_back({{"key", line.substr(0, equals)}, {"value", line.substr(equals + 1)}});
     }
-    // Bytes that are not UTF-8 must not end the dump.
-    printOut(array.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+    session.printJson(array);
 }
 
 void run(Session& session, const std::string& instance, bool json) {
@@ -52,9 +50,9 @@ void run(Session& session, const std::string& instance, bool json) {
     const std::optional<std::string> text = dump(session);
     if (!text) return;
     if (json) {
-        printJson(*text);
+        printJson(session, *text);
     } else {
-        printOut(*text);
+        session.print(*text);
     }
 }
 

@@ -4,7 +4,6 @@
 #include "Session.h"
 #include "appc/Appc.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 
 namespace {
 
@@ -24,7 +23,7 @@ void run(Session& session, const Arguments& arguments) {
     if (!session.requirePackageName(arguments.package)) return;
     if (!session.openCache(arguments.instance) || !requireApp(session, arguments.package)) return;
     if (!session.saved(appcRemoveApp(appcStore(), arguments.package))) return;
-    printOut("removed " + arguments.package + " from " + arguments.instance + "\n");
+    session.print("removed " + arguments.package + " from " + arguments.instance + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -3,7 +3,6 @@
 
 #include "Session.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 
 namespace {
 
@@ -11,7 +10,7 @@ void run(Session& session, const std::string& instance) {
     if (!session.startWithConfiguration() || !session.requireInstance(instance)) return;
     confDeleteInstance(session.store(), instance);
     if (!session.commit()) return;
-    printOut("removed the settings of " + instance + "\n");
+    session.print("removed the settings of " + instance + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -6,7 +6,6 @@
 #include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 
 namespace {
 
@@ -57,7 +56,7 @@ void run(Session& session, const Arguments& arguments) {
     if (!count || !session.openCache(arguments.instance)) return;
     const XErr err = appcSyncInstalledApps(appcStore(), list.c_str());
     if (!session.saved(err)) return;
-    printOut("apps of " + arguments.instance + ": " + std::to_string(*count) + "\n");
+    session.print("apps of " + arguments.instance + ": " + std::to_string(*count) + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

@@ -3,7 +3,6 @@
 
 #include "Session.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 #include "utl/UtlTrim.h"
 
 namespace {
@@ -14,7 +13,7 @@ void run(Session& session) {
         session.failStatus(ExitCode::Library, "not trimmed", err);
         return;
     }
-    printOut("trimmed the product's processes\n");
+    session.print("trimmed the product's processes\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

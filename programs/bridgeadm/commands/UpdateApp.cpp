@@ -5,7 +5,6 @@
 #include "Session.h"
 #include "appc/Appc.h"
 #include "bridgectl/Command.h"
-#include "bridgectl/Console.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
 
@@ -58,7 +57,7 @@ void run(Session& session, const Arguments& arguments) {
     const XErr err = appcUpdateApp(appcStore(), arguments.package, app.activity, app.label,
                                    app.versionCode, app.versionName, arguments.icon);
     if (!session.saved(err) || !iconWasMoved(session, arguments.icon)) return;
-    printOut("updated " + arguments.package + " of " + arguments.instance + "\n");
+    session.print("updated " + arguments.package + " of " + arguments.instance + "\n");
 }
 
 void declare(CLI::App& parser, Session& session) {

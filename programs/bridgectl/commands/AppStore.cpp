@@ -15,7 +15,7 @@ void declare(CLI::App& parser, Session& session) {
                    {{"INSTANCE", "Instance name"},
                     {"STORE", "The store"},
                     {"PACKAGE", "Android package name"}},
-                   call);
+                   {"bridgeLaunchAppStore", call});
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// bridgectl apps INSTANCE [--json]
+// bridgectl apps INSTANCE
 #include <bridge/bridge.h>
 
 #include <CLI/CLI.hpp>
@@ -13,11 +13,6 @@
 
 namespace {
 
-struct Arguments {
-    std::string instance;
-    bool json = false;
-};
-
 const char* iconMark(const std::string& path) {
     return xfileExists(path) == XERR_SUCCESS ? "yes" : "no";
 }
@@ -27,39 +22,36 @@ std::string versionText(const nlohmann::json& object) {
     return (name.empty() ? "" : name + " ") + "(" + object["versionCode"].dump() + ")";
 }
 
-void printTable(const char* text) {
+std::string tableOf(const char* text) {
     std::vector<TableRow> rows{{"NAME", "PACKAGE", "ACTIVITY", "VERSION", "ICON"}};
     for (const nlohmann::json& object : nlohmann::json::parse(text)) {
         rows.push_back({object["appLabel"], object["package"], object["activity"],
                         versionText(object), iconMark(object["iconFilePath"])});
     }
-    printOut(formatTable(rows));
+    return formatTable(rows, outputStyle());
 }
 
-void run(Session& session, const Arguments& arguments) {
+void run(Session& session, const std::string& instance) {
     if (!session.start()) return;
     // Without the configuration file no instance is known, and the library is asked for any.
-    if (!session.noConf && session.configuration().instances().count(arguments.instance) == 0) {
-        session.failInstance(arguments.instance);
+    if (!session.noConf && session.configuration().instances().count(instance) == 0) {
+        session.failInstance(instance);
         return;
     }
-    const LibraryText text(bridgeGetInstalledApps(arguments.instance.c_str()));
+    const LibraryText text(session.timed("bridgeGetInstalledApps", [&instance] {
+        return bridgeGetInstalledApps(instance.c_str());
+    }));
     if (text == nullptr) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    if (arguments.json) {
-        printOut(text.get());
-    } else {
-        printTable(text.get());
-    }
+    session.print(session.json ? text.get() : tableOf(text.get()));
 }
 
 void declare(CLI::App& parser, Session& session) {
-    const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
-    parser.add_flag("--json", arguments->json, "The library's JSON as it is");
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    const auto instance = std::make_shared<std::string>();
+    parser.add_option("INSTANCE", *instance, "Instance name")->required();
+    parser.callback([&session, instance] { run(session, *instance); });
 }
 
 }  // namespace
@@ -69,5 +61,5 @@ const Command commandApps{
     "", "apps", "Lists the apps of an instance",
     "Example: bridgectl apps Nougat64\n"
     "The list is the app cache's; the player need not run. ICON tells whether "
-    "the icon file exists.",
+    "the icon file exists. The JSON is the library's own.",
     declare};

@@ -1,9 +1,9 @@
 // bridgectl conf get KEY
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "Command.h"
-#include "Console.h"
-#include "Session.h"
+#include "KeyValue.h"
 
 namespace {
 
@@ -11,17 +11,13 @@ void run(Session& session, const std::string& key) {
     if (!session.start()) return;
     const std::optional<KeyInfo> info = session.requireKey(key);
     if (!info) return;
-    switch (info->state) {
-        case KeyState::Value:
-            printOut(readValue(*info) + "\n");
-            return;
-        case KeyState::Unset:
-            printOut("unset\n");
-            session.exitCode = ExitCode::Unset;
-            return;
-        case KeyState::Invalid:
-            session.failInvalid(*info);
+    if (info->state == KeyState::Invalid) {
+        session.failInvalid(*info);
+        return;
     }
+    const bool isPrinted = session.json ? session.printJson(keyJson(session, *info))
+                                        : session.print(shownValue(session, *info) + "\n");
+    if (isPrinted && info->state == KeyState::Unset) session.exitCode = ExitCode::Unset;
 }
 
 void declare(CLI::App& parser, Session& session) {

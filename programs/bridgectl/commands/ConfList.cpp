@@ -1,17 +1,16 @@
-// bridgectl conf list [--json] [--global] [--instance NAME]
+// bridgectl conf list [--global] [--instance NAME]
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
-#include "Session.h"
+#include "KeyValue.h"
 #include "Table.h"
 #include "conf/ConfKey.h"
 
 namespace {
 
 struct Arguments {
-    bool json = false;
     bool globalOnly = false;
     std::string instance;
 };
@@ -23,39 +22,18 @@ bool isWanted(const Arguments& arguments, const KeyInfo& info) {
            (key.scope == ConfScope::Instance && key.instance == arguments.instance);
 }
 
-nlohmann::ordered_json jsonOf(const KeyInfo& info) {
-    nlohmann::ordered_json object{{"key", info.key}, {"type", typeName(info.type)}};
-    object["value"] = nullptr;
-    if (info.state == KeyState::Invalid) object["invalid"] = info.text;
-    if (info.state != KeyState::Value) return object;
-    const std::string value = readValue(info);
-    switch (info.type) {
-        case ConfType::Bool:
-            object["value"] = value == "true";
-            break;
-        case ConfType::I32:
-        case ConfType::I64:
-            object["value"] = std::stoll(value);
-            break;
-        default:
-            object["value"] = value;
-            break;
-    }
-    return object;
-}
-
-void printJson(const std::vector<KeyInfo>& keys) {
+nlohmann::ordered_json jsonOf(Session& session, const std::vector<KeyInfo>& keys) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
-    for (const KeyInfo& info : keys) array.push_back(jsonOf(info));
-    // Bytes that are not UTF-8 must not end the listing.
-    printOut(array.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+    for (const KeyInfo& info : keys) array.push_back(keyJson(session, info));
+    return array;
 }
 
-void printTable(const std::vector<KeyInfo>& keys) {
+std::string tableOf(Session& session, const std::vector<KeyInfo>& keys) {
     std::vector<TableRow> rows{{"KEY", "TYPE", "VALUE"}};
-    for (const KeyInfo& info : keys)
-        rows.push_back({info.key, typeName(info.type), shownValue(info)});
-    printOut(formatTable(rows));
+    for (const KeyInfo& info : keys) {
+        rows.push_back({info.key, typeName(info.type), shownValue(session, info)});
+    }
+    return formatTable(rows, outputStyle());
 }
 
 void run(Session& session, const Arguments& arguments) {
@@ -69,12 +47,11 @@ void run(Session& session, const Arguments& arguments) {
     for (const KeyInfo& info : configuration.list()) {
         if (isWanted(arguments, info)) keys.push_back(info);
     }
-    arguments.json ? printJson(keys) : printTable(keys);
+    session.json ? session.printJson(jsonOf(session, keys)) : session.print(tableOf(session, keys));
 }
 
 void declare(CLI::App& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_flag("--json", arguments->json, "As JSON: an array of objects");
     CLI::Option* global = parser.add_flag("--global", arguments->globalOnly, "Global keys only");
     parser.add_option("--instance", arguments->instance, "Keys of this instance only")
         ->excludes(global);

@@ -2,10 +2,10 @@
 #include <bridge/bridge.h>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "Command.h"
-#include "Console.h"
-#include "Session.h"
+#include "KeyValue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
 #include "utl/UtlImages.h"
@@ -18,18 +18,22 @@ struct Arguments {
     std::string file;  // empty: the product's configuration
 };
 
-int stage(const std::string& key, ConfType type, const std::string& stored) {
-    switch (type) {
+int stage(Session& session, const KeyInfo& change) {
+    const auto set = [&session, &change](const char* function, auto call, auto value) {
+        return session.timed(function, [&] { return call(change.key.c_str(), value); });
+    };
+    const std::string& stored = change.text;
+    switch (change.type) {
         case ConfType::Bool:
-            return bridgeConfSetBool(key.c_str(), stored == "1" ? 1 : 0);
+            return set("bridgeConfSetBool", bridgeConfSetBool, bridge_bool{stored == "1"});
         case ConfType::I32:
-            return bridgeConfSetI32(key.c_str(), std::stoi(stored));
+            return set("bridgeConfSetI32", bridgeConfSetI32, std::stoi(stored));
         case ConfType::I64:
-            return bridgeConfSetI64(key.c_str(), std::stoll(stored));
+            return set("bridgeConfSetI64", bridgeConfSetI64, std::stoll(stored));
         case ConfType::MultiString:
-            return bridgeConfSetMultiString(key.c_str(), stored.c_str());
+            return set("bridgeConfSetMultiString", bridgeConfSetMultiString, stored.c_str());
         case ConfType::String:
-            return bridgeConfSetString(key.c_str(), stored.c_str());
+            return set("bridgeConfSetString", bridgeConfSetString, stored.c_str());
         case ConfType::None:
             break;
     }
@@ -65,10 +69,12 @@ std::optional<KeyInfo> checkedChange(Session& session, const Arguments& argument
     return KeyInfo{key, *type, KeyState::Value, *stored};
 }
 
-int stageAndCommit(const KeyInfo& change, const std::string& file) {
-    const int status = stage(change.key, change.type, change.text);
+int stageAndCommit(Session& session, const KeyInfo& change, const std::string& file) {
+    const int status = stage(session, change);
     if (status != BRIDGE_SUCCESS) return status;
-    return file.empty() ? bridgeConfCommit() : bridgeConfCommitToFile(file.c_str());
+    if (file.empty()) return session.timed("bridgeConfCommit", bridgeConfCommit);
+    return session.timed("bridgeConfCommitToFile",
+                         [&file] { return bridgeConfCommitToFile(file.c_str()); });
 }
 
 void run(Session& session, const Arguments& arguments) {
@@ -80,12 +86,16 @@ void run(Session& session, const Arguments& arguments) {
     const std::optional<KeyInfo> change = checkedChange(session, arguments);
     if (!change) return;
     const std::optional<KeyInfo> old = session.configuration().find(change->key);
-    const std::string before = old ? shownValue(*old) : "unset";
-    if (const int status = stageAndCommit(*change, arguments.file); status != BRIDGE_SUCCESS) {
+    const std::string before = old ? shownValue(session, *old) : "unset";
+    const nlohmann::ordered_json beforeJson = old ? valueJson(session, *old) : nullptr;
+    if (const int status = stageAndCommit(session, *change, arguments.file);
+        status != BRIDGE_SUCCESS) {
         session.failStatus(ExitCode::Commit, "not committed", status);
         return;
     }
-    printOut(change->key + ": " + before + " -> " + readValue(*change) + "\n");
+    nlohmann::ordered_json json = keyJson(session, *change);
+    json["before"] = beforeJson;
+    session.confirm(change->key + ": " + before + " -> " + readValue(session, *change), json);
 }
 
 void declare(CLI::App& parser, Session& session) {

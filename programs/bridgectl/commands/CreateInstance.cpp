@@ -19,7 +19,7 @@ void declare(CLI::App& parser, Session& session) {
                     {"ENGINE", "Graphics engine"},
                     {"RENDERER", "Graphics renderer"},
                     {"PROFILE", "Device profile code"}},
-                   call);
+                   {"bridgeCreateFreshInstance", call});
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ int call(const ProgramTexts& texts) { return bridgeInstallApk(texts[0].c_str(), 
 
 void declare(CLI::App& parser, Session& session) {
     declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"FILE", "The APK file"}},
-                   call);
+                   {"bridgeInstallApk", call});
 }
 
 }  // namespace

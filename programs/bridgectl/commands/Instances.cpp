@@ -1,4 +1,4 @@
-// bridgectl instances [--json]
+// bridgectl instances
 #include <bridge/bridge.h>
 
 #include <CLI/CLI.hpp>
@@ -15,7 +15,7 @@
 
 namespace {
 
-void printTable(const char* text) {
+std::string tableOf(const char* text) {
     std::vector<TableRow> rows{{"INSTANCE", "NAME", "IMAGE", "CPU", "RAM", "GRAPHICS", "PROFILE"}};
     for (const nlohmann::json& object : nlohmann::json::parse(text)) {
         rows.push_back({object["instance"], object["displayName"], object["imageName"],
@@ -24,7 +24,7 @@ void printTable(const char* text) {
                             object["graphicsRenderer"].get<std::string>(),
                         object["deviceProfile"]});
     }
-    printOut(formatTable(rows));
+    return formatTable(rows, outputStyle());
 }
 
 // The library's listing ends the process when it meets an instance of an unknown image, or one
@@ -49,28 +49,23 @@ bool canAllBeListed(Session& session) {
     });
 }
 
-void run(Session& session, bool json) {
+void run(Session& session) {
     if (!session.start() || !canAllBeListed(session)) return;
-    const LibraryText text(bridgeConfGetInstances());
+    const LibraryText text(session.timed("bridgeConfGetInstances", bridgeConfGetInstances));
     if (text == nullptr) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    if (json) {
-        printOut(text.get());
-    } else {
-        printTable(text.get());
-    }
+    session.print(session.json ? text.get() : tableOf(text.get()));
 }
 
 void declare(CLI::App& parser, Session& session) {
-    const auto json = std::make_shared<bool>(false);
-    parser.add_flag("--json", *json, "The library's JSON as it is");
-    parser.callback([&session, json] { run(session, *json); });
+    parser.callback([&session] { run(session); });
 }
 
 }  // namespace
 
 extern const Command commandInstances;
 const Command commandInstances{"", "instances", "Lists the instances",
-                               "Example: bridgectl instances --json", declare};
+                               "Example: bridgectl instances\nThe JSON is the library's own.",
+                               declare};

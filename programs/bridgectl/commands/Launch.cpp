@@ -10,7 +10,8 @@ int call(const ProgramTexts& texts) { return bridgeLaunchApp(texts[0].c_str(), t
 
 void declare(CLI::App& parser, Session& session) {
     declareProgram(parser, session,
-                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}}, call);
+                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
+                   {"bridgeLaunchApp", call});
 }
 
 }  // namespace

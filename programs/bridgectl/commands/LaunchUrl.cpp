@@ -9,7 +9,8 @@ namespace {
 int call(const ProgramTexts& texts) { return bridgeLaunchUrl(texts[0].c_str(), texts[1].c_str()); }
 
 void declare(CLI::App& parser, Session& session) {
-    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"URL", "The URL"}}, call);
+    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"URL", "The URL"}},
+                   {"bridgeLaunchUrl", call});
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 #include <bridge/bridge.h>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "Command.h"
-#include "Console.h"
 #include "Session.h"
 
 namespace {
@@ -17,16 +17,19 @@ struct Arguments {
 void run(Session& session, const Arguments& arguments) {
     if (!session.start()) return;
     if (arguments.instance.empty()) {
-        bridgeShutdown();
-        printOut("asked the manager and every player\n");
+        session.timed("bridgeShutdown", bridgeShutdown);
+        session.confirm("asked the manager and every player", {{"instance", nullptr}});
         return;
     }
-    const int status = bridgePlrShutdown(arguments.instance.c_str(), arguments.flag ? 1 : 0);
+    const int status = session.timed("bridgePlrShutdown", [&arguments] {
+        return bridgePlrShutdown(arguments.instance.c_str(), arguments.flag ? 1 : 0);
+    });
     if (status != BRIDGE_SUCCESS) {
         session.failStatus(ExitCode::Program, "not asked", status);
         return;
     }
-    printOut("asked the player of " + arguments.instance + "\n");
+    session.confirm("asked the player of " + arguments.instance,
+                    {{"instance", arguments.instance}});
 }
 
 void declare(CLI::App& parser, Session& session) {

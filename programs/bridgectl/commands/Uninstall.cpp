@@ -12,7 +12,8 @@ int call(const ProgramTexts& texts) {
 
 void declare(CLI::App& parser, Session& session) {
     declareProgram(parser, session,
-                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}}, call);
+                   {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
+                   {"bridgeUninstallApp", call});
 }
 
 }  // namespace

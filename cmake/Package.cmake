@@ -1,0 +1,33 @@
+# What goes into the package, as install rules: `cmake --install build/windows --prefix FOLDER`. The
+# documents, licences and checksums come from toolchain/package.sh, which makes the zip.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS QX-Bridge RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
+install(TARGETS bridgectl standin_player standin_manager RUNTIME DESTINATION bin)
+install(FILES "$<TARGET_FILE_DIR:QX-Bridge>/QX-Bridge.pdb" DESTINATION bin)
+foreach(module Core Network)
+    get_target_property(dll Qt5::${module} IMPORTED_LOCATION_RELEASE)
+    install(FILES "${dll}" DESTINATION bin)
+endforeach()
+if(NOT MSVC)
+    install(FILES "${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/QX-Bridge.lib" DESTINATION lib)
+endif()
+
+install(DIRECTORY include/bridge DESTINATION include)
+
+set(package_folder "${PROJECT_BINARY_DIR}/package-config")
+configure_file(cmake/QXBridgeConfig.cmake.in "${package_folder}/QXBridgeConfig.cmake" @ONLY)
+write_basic_package_version_file("${package_folder}/QXBridgeConfigVersion.cmake"
+    VERSION "${PROJECT_VERSION}" COMPATIBILITY SameMajorVersion)
+install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBridgeConfigVersion.cmake"
+    DESTINATION lib/cmake/QXBridge)
+
+install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
+    PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE
+    PATTERN working-on-the-library.md EXCLUDE)
+install(FILES docs/package.md DESTINATION . RENAME README.md)
+foreach(folder examples bindings)
+    if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}")
+        install(DIRECTORY ${folder}/ DESTINATION share/${folder} PATTERN node_modules EXCLUDE)
+    endif()
+endforeach()

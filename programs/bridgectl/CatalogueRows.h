@@ -1,0 +1,22 @@
+#ifndef BRIDGECTL_CATALOGUEROWS_H
+#define BRIDGECTL_CATALOGUEROWS_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "Table.h"
+
+// The keys that the library's catalogue has: global ones, then those of an instance, each in byte
+// order.
+
+// One row a key, below a row of headings.
+std::vector<TableRow> catalogueRows();
+
+// Objects with "key", "scope", "type" and "default".
+nlohmann::ordered_json catalogueJson();
+
+// The table of the document on configuration keys.
+std::string catalogueMarkdown();
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef BRIDGECTL_COMMANDTREE_H
+#define BRIDGECTL_COMMANDTREE_H
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+// A program's commands and options as its parser knows them.
+
+struct OptionNode {
+    std::string name;  // "--count", or "INSTANCE" for an argument by its place
+    std::string help;
+    bool isPositional = false;
+    bool isRequired = false;
+    bool takesValue = false;
+    std::vector<std::string> choices;  // empty: any text
+};
+
+struct CommandNode {
+    std::string name;
+    std::string summary;
+    std::string details;
+    std::vector<OptionNode> options;
+    std::vector<CommandNode> commands;
+};
+
+CommandNode commandTree(const CLI::App& app);
+
+nlohmann::ordered_json commandJson(const CommandNode& command);
+
+#endif

@@ -1,0 +1,35 @@
+// bridgectl catalogue [--markdown]
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "CatalogueRows.h"
+#include "Command.h"
+#include "Console.h"
+#include "Session.h"
+
+namespace {
+
+void run(Session& session, bool markdown) {
+    if (markdown) {
+        session.print(catalogueMarkdown());
+    } else if (session.json) {
+        session.printJson(catalogueJson());
+    } else {
+        session.print(formatTable(catalogueRows(), outputStyle()));
+    }
+}
+
+void declare(CLI::App& parser, Session& session) {
+    const auto markdown = std::make_shared<bool>(false);
+    parser.add_flag("--markdown", *markdown, "As the table of the document");
+    parser.callback([&session, markdown] { run(session, *markdown); });
+}
+
+}  // namespace
+
+extern const Command commandCatalogue;
+const Command commandCatalogue{
+    "", "catalogue", "Lists every key there can be, with its scope, type and default",
+    "Example: bridgectl catalogue --json\n"
+    "The library is not started. A bool without a default cannot be read before it is set.",
+    declare};

@@ -1,0 +1,6 @@
+// bridgectl conf ...
+#include "Command.h"
+
+extern const Command commandConf;
+const Command commandConf{"", "conf", "Commands on the configuration",
+                          "Example: bridgectl conf get vtr.locale", nullptr};

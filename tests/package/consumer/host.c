@@ -1,0 +1,11 @@
+#include <bridge/bridge.h>
+#include <stdio.h>
+
+int main(void) {
+    char* text;
+    if (bridgeApiInit("Helper") != BRIDGE_SUCCESS) return 1;
+    text = bridgeConfGetInstances();
+    printf("%s", text);
+    bridgeFreeMemory(text);
+    return bridgeApiFini();
+}

@@ -1,0 +1,294 @@
+// Every command's --json, and the options that every command has.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "support/ChildProcess.h"
+#include "support/ProductRegistry.h"
+#include "support/TempFolder.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+using Json = nlohmann::ordered_json;
+
+class BridgectlJsonTest : public ::testing::Test {
+ protected:
+    BridgectlJsonTest() {
+        const std::string bin = builtProgram("");
+        standins = bin.substr(0, bin.size() - 4) + "standins\\";
+        data.makeFolder("Logs");
+        data.write("vantrel.conf",
+                   "vtr.locale=\"fr-FR\"\nvtr.feature.rooting=\"maybe\"\n"
+                   "vtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
+                   "vtr.instance.Nougat64.ram=\"4096\"\n");
+        registry.set("UserDefinedDir", data.path());
+        registry.set("InstallDir", standins);
+        registry.set("Version", "5.2.0.1052");
+        options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
+                               {"QX_STANDIN_SECONDS", "1"},
+                               {"QX_STANDIN_CLIENTS", "LogCollector"}};
+    }
+
+    ChildResult run(const Arguments& arguments) const {
+        return runChild(builtProgram("bridgectl.exe"), arguments, options);
+    }
+
+    // What a command that succeeds prints, and it prints nothing else.
+    std::string output(const Arguments& arguments) const {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 0u) << result.err;
+        EXPECT_EQ(result.err, "");
+        return result.out;
+    }
+
+    Json json(const Arguments& arguments) const {
+        return Json::parse(output(arguments), nullptr, /*allow_exceptions=*/false);
+    }
+
+    TempFolder data;
+    ProductRegistry registry;
+    std::string standins;
+    ChildOptions options;
+};
+
+// Names of the commands inside one of `help --json`, "conf get" among them.
+Arguments commandsOf(const Json& command, const std::string& prefix = {}) {
+    Arguments names;
+    for (const Json& inner : command["commands"]) {
+        const std::string name = prefix + inner["name"].get<std::string>();
+        const Arguments deeper = commandsOf(inner, name + " ");
+        deeper.empty() ? names.push_back(name)
+                       : static_cast<void>(names.insert(names.end(), deeper.begin(), deeper.end()));
+    }
+    return names;
+}
+
+// The arguments that each command is tried with.
+const std::map<std::string, Arguments>& commandArguments() {
+    static const auto& all = *new std::map<std::string, Arguments>{
+        {"app-store", {"Nougat64", "play", "com.a"}},
+        {"apps", {"Nougat64"}},
+        {"catalogue", {}},
+        {"completion", {"bash"}},
+        {"conf get", {"vtr.locale"}},
+        {"conf list", {}},
+        {"conf set", {"vtr.locale", "de"}},
+        {"create-instance", {"Nougat64", "4", "4096", "aga", "dx", "s21u"}},
+        {"explain", {"13"}},
+        {"help", {"conf", "get"}},
+        {"install-apk", {"Nougat64", "a.apk"}},
+        {"install-image", {"Nougat64"}},
+        {"instances", {}},
+        {"launch", {"Nougat64", "com.a"}},
+        {"launch-url", {"Nougat64", "https://example.com/"}},
+        {"shutdown", {"Nougat64"}},
+        {"uninstall", {"Nougat64", "com.a"}},
+        {"version", {}},
+    };
+    return all;
+}
+
+Arguments lineOf(const std::string& name, const Arguments& more) {
+    Arguments line;
+    const std::size_t blank = name.find(' ');
+    if (blank != std::string::npos) line.push_back(name.substr(0, blank));
+    line.push_back(blank == std::string::npos ? name : name.substr(blank + 1));
+    line.insert(line.end(), more.begin(), more.end());
+    return line;
+}
+
+}  // namespace
+
+TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
+    const Arguments names = commandsOf(json({"help", "--json"}));
+    EXPECT_EQ(names.size(), commandArguments().size() + 2);
+    for (const std::string& name : names) {
+        if (name == "events" || name == "wait-for") continue;  // below
+        const auto arguments = commandArguments().find(name);
+        ASSERT_NE(arguments, commandArguments().end()) << name << " is not tried";
+        Arguments line = lineOf(name, arguments->second);
+        line.push_back("--json");
+        const Json value = json(line);
+        EXPECT_TRUE(value.is_object() || value.is_array()) << name;
+        EXPECT_FALSE(value.is_object() && value.empty()) << name;
+    }
+}
+
+TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectALine) {
+    for (const Arguments& command :
+         {Arguments{"events", "--count", "1"}, Arguments{"wait-for", "app-displayed"}}) {
+        Arguments line{"--client", "LogCollector", "--json"};
+        line.insert(line.end(), command.begin(), command.end());
+        ChildProcess listener(builtProgram("bridgectl.exe"), line);
+        ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
+        const ChildResult sent =
+            runChild(standins + "QX-Player.exe", {"--event", "app-displayed", "N", "p"}, options);
+        EXPECT_EQ(sent.status, 0u);
+        const ChildResult result = listener.finish();
+        EXPECT_EQ(result.status, 0u);
+        const Json event = Json::parse(result.out, nullptr, false);
+        ASSERT_TRUE(event.is_object()) << result.out;
+        EXPECT_EQ(event["event"], "app-displayed");
+        EXPECT_EQ(event["package"], "p");
+    }
+}
+
+TEST_F(BridgectlJsonTest, TheOptionStandsBeforeOrBehindTheCommand) {
+    const std::string text = output({"conf", "get", "vtr.locale", "--json"});
+    EXPECT_EQ(text,
+              "{\n    \"key\": \"vtr.locale\",\n    \"type\": \"string\",\n"
+              "    \"value\": \"fr-FR\"\n}\n");
+    EXPECT_EQ(output({"--json", "conf", "get", "vtr.locale"}), text);
+}
+
+TEST_F(BridgectlJsonTest, AnUnsetKeyIsNullAndItsExitCodeStays) {
+    const ChildResult result = run({"conf", "get", "vtr.prefer_dedicated_gpu", "--json"});
+    EXPECT_EQ(result.status, 7u);
+    EXPECT_TRUE(Json::parse(result.out)["value"].is_null());
+}
+
+TEST_F(BridgectlJsonTest, AnErrorLeavesStandardOutputEmpty) {
+    const ChildResult result = run({"conf", "get", "vtr.nothing", "--json"});
+    EXPECT_EQ(result.status, 3u);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "bridgectl: no such key: vtr.nothing\n");
+}
+
+TEST_F(BridgectlJsonTest, ChangesAreShownWithWhatWasBefore) {
+    const Json change = json({"conf", "set", "vtr.next_vm_id", "5", "--json"});
+    EXPECT_EQ(change.dump(), R"({"key":"vtr.next_vm_id","type":"i32","value":5,"before":1})");
+}
+
+TEST_F(BridgectlJsonTest, WorkThatIsDoneIsSaidAsAnObject) {
+    EXPECT_EQ(json({"shutdown", "Nougat64", "--json"}).dump(), R"({"instance":"Nougat64"})");
+    EXPECT_EQ(json({"shutdown", "--json"}).dump(), R"({"instance":null})");
+    EXPECT_EQ(json({"launch", "Nougat64", "com.a", "--json"}).dump(), R"({"started":true})");
+}
+
+TEST_F(BridgectlJsonTest, QuietPrintsResultsAndErrorsOnly) {
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", "de", "--quiet"}), "");
+    EXPECT_EQ(output({"conf", "set", "vtr.locale", "nl", "--quiet", "--json"}), "");
+    EXPECT_EQ(output({"--quiet", "conf", "get", "vtr.locale"}), "nl\n");
+    EXPECT_EQ(output({"shutdown", "Nougat64", "--quiet"}), "");
+    const ChildResult listener =
+        run({"--client", "LogCollector", "--quiet", "events", "--timeout", "1"});
+    EXPECT_EQ(listener.status, 0u);
+    EXPECT_EQ(listener.out + listener.err, "");
+    EXPECT_EQ(run({"--quiet", "conf", "get", "vtr.nothing"}).err,
+              "bridgectl: no such key: vtr.nothing\n");
+}
+
+TEST_F(BridgectlJsonTest, TimingNamesEachFunctionOfTheLibrary) {
+    const ChildResult result = run({"conf", "list", "--instance", "Nougat64", "--timing"});
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 31);
+    Arguments functions;
+    int reads = 0;
+    std::istringstream lines(result.err);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(line.rfind("bridgectl: bridge", 0), 0u) << line;
+        EXPECT_EQ(line.substr(line.size() - 3), " ms") << line;
+        const std::size_t colon = line.find(": ", 11);
+        functions.push_back(line.substr(11, colon - 11));
+        if (functions.back().rfind("bridgeConfGet", 0) == 0) {
+            reads += std::stoi(line.substr(colon + 2));
+        }
+    }
+    EXPECT_EQ(functions.front(), "bridgeApiInit");
+    EXPECT_EQ(functions.back(), "bridgeApiFini");
+    EXPECT_EQ(reads, 30) << "one for each key";
+}
+
+TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
+    const ChildResult result =
+        run({"--client", "LogCollector", "wait-for", "app-installed", "--timeout", "1"});
+    EXPECT_EQ(result.status, 9u);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "bridgectl: listening on vtr_LogCollector_bridge_nvo\n"
+              "bridgectl: 0 of 1 events\n");
+    EXPECT_EQ(run({"wait-for", "nonsense"}).status, 2u);
+}
+
+TEST_F(BridgectlJsonTest, WaitForPassesOtherEventsOver) {
+    ChildProcess listener(builtProgram("bridgectl.exe"),
+                          {"--client", "LogCollector", "wait-for", "app-uninstalled", "--json"});
+    ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
+    for (const char* event : {"app-displayed", "app-uninstalled"}) {
+        runChild(standins + "QX-Player.exe", {"--event", event, "N", "p"}, options);
+    }
+    const ChildResult result = listener.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(Json::parse(result.out)["event"], "app-uninstalled");
+}
+
+TEST_F(BridgectlJsonTest, AnOutputWithoutAReaderIsNoticedByEveryCommand) {
+    // A pipe whose reader has gone before the program starts.
+    options.outputIsBroken = true;
+    for (const Arguments& arguments :
+         {Arguments{"--help"}, Arguments{"--version"}, Arguments{"instances"},
+          Arguments{"conf", "get", "vtr.locale"}, Arguments{"conf", "list", "--json"},
+          Arguments{"conf", "set", "vtr.locale", "de"}, Arguments{"help"}, Arguments{"catalogue"},
+          Arguments{"explain", "2"}, Arguments{"completion", "bash"},
+          Arguments{"shutdown", "Nougat64"}, Arguments{"apps", "Nougat64"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 11u) << arguments[0];
+        EXPECT_EQ(result.err, "bridgectl: standard output cannot be written\n") << arguments[0];
+    }
+}
+
+TEST_F(BridgectlJsonTest, WhatGoesIntoAPipeHasNoColours) {
+    for (const Arguments& arguments :
+         {Arguments{"--help"}, Arguments{"instances"}, Arguments{"conf", "get", "vtr.nothing"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ((result.out + result.err).find('\x1b'), std::string::npos) << arguments[0];
+    }
+}
+
+TEST_F(BridgectlJsonTest, TheCatalogueHasEveryKeyWithoutTheLibrary) {
+    const Json keys = json({"--log-file", "\\nowhere\\x:y", "catalogue", "--json"});
+    ASSERT_EQ(keys.size(), 87u + 30u);
+    EXPECT_EQ(keys[0].dump(),
+              R"({"key":"vtr.campaign_hash","scope":"global","type":"string","default":""})");
+    EXPECT_EQ(keys[87].dump(), R"({"key":"vtr.instance.<instance>.abi_list",)"
+                               R"("scope":"instance","type":"multi-string","default":""})");
+}
+
+TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
+    EXPECT_EQ(output({"explain", "2"}), "2 XERR_NOENT: no such file or folder\n");
+    EXPECT_EQ(output({"explain", "NOENT"}), output({"explain", "XERR_NOENT"}));
+    EXPECT_EQ(output({"explain", "--", "-1"}),
+              "-1 XERR_FAILURE: it failed; the log has the cause\n");
+    EXPECT_EQ(json({"explain", "98", "--json"}).dump(),
+              R"({"code":98,"name":"XERR_ADDRINUSE","meaning":"the name or address is in use",)"
+              R"("windowsErrors":[183]})");
+    EXPECT_EQ(output({"explain", "101314"}).rfind("101314: Windows error 1314", 0), 0u);
+    for (const char* code : {"134", "41", "99999", "2x", "", "XERR_", "NOSUCH"}) {
+        if (*code == '\0') continue;
+        const ChildResult result = run({"explain", code});
+        EXPECT_EQ(result.status, 3u) << code;
+        EXPECT_EQ(result.err, std::string("bridgectl: no such result code: ") + code + "\n");
+    }
+    EXPECT_EQ(json({"explain", "--json"}).size(), 133u);
+}
+
+TEST_F(BridgectlJsonTest, TheVersionsAreTheProgramsAndTheLibrarys) {
+    EXPECT_EQ(json({"version", "--json"}).dump(),
+              R"({"bridgectl":"5.2.0.1052","library":"5.2.0.1052"})");
+    EXPECT_EQ(output({"--version"}), output({"version"}));
+}
+
+TEST_F(BridgectlJsonTest, EveryCommandHasAnExampleAndItsGroupASummary) {
+    const Json program = json({"help", "--json"});
+    for (const Json& command : program["commands"]) {
+        EXPECT_NE(command["summary"], "") << command["name"];
+        EXPECT_NE(command["details"].get<std::string>().find("Example: bridgectl "),
+                  std::string::npos)
+            << command["name"];
+    }
+    EXPECT_NE(output({"help"}).find("Commands on the configuration"), std::string::npos);
+}

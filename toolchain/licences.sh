@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# licences.sh FOLDER: the licences of everything that is in the package, from Debian's source packages
+# and from the packages of the header-only libraries.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+. "$tree/toolchain/sources.sh"
+
+into=$1
+mkdir -p "$into"
+
+# The licences of a source package as Debian lists them.
+list() {
+    local archive
+    archive=$(source_file "$1_*.debian.tar.xz" 2>/dev/null) || {
+        fetch_source "$1"
+        archive=$(source_file "$1_*.debian.tar.xz")
+    }
+    tar -xOf "$archive" debian/copyright >"$into/$2"
+}
+
+list qtbase-opensource-src Qt.txt
+list llvm-toolchain-16 LLVM-runtimes.txt
+list mingw-w64 mingw-w64-runtime.txt
+cp "$(qt_dir)/licences/LICENSE.LGPL3" "$into/Qt-LGPL-3.txt"
+cp "$(qt_dir)/licences/LICENSE.GPL3" "$into/Qt-GPL-3.txt"
+cp /usr/share/common-licenses/Apache-2.0 "$into/Apache-2.0.txt"
+cp /usr/share/doc/libcli11-dev/copyright "$into/CLI11.txt"
+cp /usr/share/doc/nlohmann-json3-dev/copyright "$into/nlohmann-json.txt"
+
+qt_source=$(basename "$(source_file 'qtbase-opensource-src_*.dsc')" .dsc)
+cat >"$into/README.md" <<END
+# Licences of what is in this package
+
+| what | where | licence |
+|---|---|---|
+| Qt 5.15, Core and Network, with what Qt contains | \`bin/Qt5Core.dll\`, \`bin/Qt5Network.dll\` | LGPL 3 (\`Qt-LGPL-3.txt\`, with \`Qt-GPL-3.txt\`, to which it refers); the parts inside: \`Qt.txt\` |
+| libc++, libc++abi, libunwind, compiler-rt of LLVM 16 | inside the programs and the library | Apache 2.0 with LLVM's exceptions (\`LLVM-runtimes.txt\`, \`Apache-2.0.txt\`) |
+| the start-up code of mingw-w64 | inside the programs and the library | \`mingw-w64-runtime.txt\` |
+| CLI11 | inside \`bin/bridgectl.exe\` and the stand-ins | \`CLI11.txt\` |
+| JSON for Modern C++ | inside \`bin/bridgectl.exe\` and the stand-ins | \`nlohmann-json.txt\` |
+
+Qt is linked dynamically and can be replaced by another build of Qt 5.15 for the same C++ runtime. It
+was built from Debian's source package \`$qt_source\`, patched by Debian only and configured as
+\`toolchain/qt.sh\` of the library's source says.
+END

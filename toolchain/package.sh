@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# package.sh [FOLDER]: makes the package of what is built in build/windows, as a zip in FOLDER
+# (build/windows when none is named), and says where.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+build="$tree/build/windows"
+into=${1:-$build}
+version=$(sed -n 's/^project(QXBridge VERSION \([0-9.]*\).*/\1/p' "$tree/CMakeLists.txt")
+name="QX-Bridge-$version"
+folder="$into/package/$name"
+# The time of the newest commit: the same commit gives the same package.
+stamp=$(git -C "$tree" log -1 --format=%ct 2>/dev/null || echo 315532800)
+
+rm -rf "$into/package"
+mkdir -p "$folder"
+cmake --install "$build" --prefix "$folder" >"$into/package/install.log"
+bash "$tree/toolchain/licences.sh" "$folder/share/licences"
+
+# The reference, from the header; a comment that is wrong, or lacks a parameter, ends it.
+(
+    cat "$tree/docs/Doxyfile"
+    echo "PROJECT_NUMBER = $version"
+    echo "OUTPUT_DIRECTORY = $folder/share/doc"
+    echo "STRIP_FROM_PATH = $tree/include $tree"
+    echo "STRIP_FROM_INC_PATH = $tree/include"
+    echo "INPUT = $tree/docs/reference.dox $tree/include/bridge"
+) | doxygen - >"$into/package/doxygen.log"
+
+(
+    cd "$folder"
+    find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum >SHA256SUMS
+)
+rm -f "$into/$name.zip"
+python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$stamp"
+echo "$into/$name.zip"
