@@ -38,9 +38,16 @@ _CALLBACKS = {
     "bridgeOnAppDisplayed": dict(instance=c_char_p, package=c_char_p),
     "bridgeOnAccountListUpdated": dict(instance=c_char_p, emailId=c_char_p, action=c_int32),
 }
-_CALLBACK_TYPES = {
-    name: CFUNCTYPE(None, *parameters.values()) for name, parameters in _CALLBACKS.items()
-}
+
+
+def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
+    """A type of its own for each: CFUNCTYPE gives equal signatures one type."""
+    plain = CFUNCTYPE(None, *parameters.values())
+    members = dict(_flags_=plain._flags_, _argtypes_=plain._argtypes_, _restype_=plain._restype_)
+    return type(name, (ctypes._CFuncPtr,), members)
+
+
+_CALLBACK_TYPES = {name: _callback_type(name, one) for name, one in _CALLBACKS.items()}
 _FUNCTIONS = {
     "bridgeApiInit": (c_int32, dict(clientId=c_char_p)),
     "bridgeApiInitEx": (c_int32, dict(

@@ -9,10 +9,8 @@ tree=$(cd "$here/../../.." && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# "qx-bridge" is found as an installed package is.
-mkdir -p "$folder/data" "$folder/node_modules"
-cp -r "$tree/bindings/node" "$folder/node_modules/qx-bridge"
-export NODE_PATH="Z:$folder/node_modules;Z:$tools/node_modules"
+mkdir "$folder/data"
+export NODE_PATH="Z:$build/node_modules"
 export QX_TEST_DATA="Z:$folder/data" QX_TEST_BUILD="Z:$build"
 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "$@" >"$folder/output" 2>&1 </dev/null
 status=$?
