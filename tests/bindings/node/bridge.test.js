@@ -258,6 +258,12 @@ test('without listening, Node ends by itself; while listening it does not, unles
     assert.deepStrictEqual(host.runScript('unref.js'), { status: 0, output: 'no reason to stay\n' });
 });
 
-test('a key that does not exist ends the process', () => {
-    assert.strictEqual(host.runScript('fatal.js').status, 0x80000003);
+test('a key that does not exist, or of another type, ends the process', () => {
+    const breaks = () => host.log().filter((line) => line.includes('FATAL: DEBUG BREAK: ')).length;
+    for (const call of ['missing', 'otherType', 'getI64', 'setI64']) {
+        const before = breaks();
+        const { status, output } = host.runScript('fatal.js', call);
+        assert.deepStrictEqual([status, output.includes('still here')], [0x80000003, false], `${call} ${output}`);
+        assert.strictEqual(breaks(), before + 1, call);
+    }
 });
