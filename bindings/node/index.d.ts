@@ -1,0 +1,194 @@
+/**
+ * QX-Bridge.dll for Node.js and Electron. The conventions of bridge.h hold; what differs is said
+ * here. A configuration key that does not exist, or one of another type than the function's, ends
+ * the process: that is the library's way.
+ */
+import { EventEmitter } from 'events';
+
+/** Who the host is. Two hosts of one kind share a server name: only the first gets events. */
+export type ClientId = 'Launcher' | 'Installer' | 'LogCollector' | 'Helper' | 'Uninstaller';
+
+export const CLIENTS: readonly ClientId[];
+
+/** Result codes that have a name; others are numbers of errno, or 100000 and a Windows error. */
+export const RESULT: {
+    readonly SUCCESS: 0;
+    readonly FAILURE: -1;
+    readonly NO_ENTRY: 2;
+    readonly TOO_BIG: 7;
+    readonly ACCESS: 13;
+    readonly INVALID_ARGUMENT: 22;
+};
+
+/** A function of the library answered with a code other than 0, or without its text. */
+export class BridgeError extends Error {
+    readonly name: 'BridgeError';
+    /** The function, as bridge.h calls it. */
+    readonly operation: string;
+    readonly code: number;
+}
+
+/** An instance, as the configuration has it. */
+export interface Instance {
+    instance: string;
+    displayName: string;
+    imageName: string;
+    deviceProfile: string;
+    graphicsEngine: string;
+    graphicsRenderer: string;
+    /** MiB */
+    ram: number;
+    cpu: number;
+}
+
+/** An app, as the app cache of its instance has it. */
+export interface App {
+    package: string;
+    activity: string;
+    appLabel: string;
+    versionCode: number;
+    versionName: string;
+    iconFilePath: string;
+}
+
+export interface AppInstalled extends App {
+    instance: string;
+    /** The package was there before. */
+    isUpdate: boolean;
+}
+export interface AppUninstalled {
+    instance: string;
+    package: string;
+}
+export interface ApkInstallCompleted {
+    instance: string;
+    /** The sender's status number. */
+    status: number;
+    apkFilePath: string;
+}
+/** The instance list changed; the configuration has been loaded again. */
+export interface InstanceListUpdated {}
+export interface InstallImageProgress {
+    imageName: string;
+    status: number;
+    progress: number;
+}
+export interface CreateInstanceCompleted {
+    status: number;
+    instance: string;
+}
+/** The configuration of an instance changed; it has been loaded again. */
+export interface InstanceConfigurationChanged {
+    instance: string;
+}
+/** An app came to the front. */
+export interface AppDisplayed {
+    instance: string;
+    package: string;
+}
+export interface AccountListUpdated {
+    instance: string;
+    emailId: string;
+    /** The sender's action number. */
+    action: number;
+}
+
+export interface BridgeEvents {
+    appInstalled: AppInstalled;
+    appUninstalled: AppUninstalled;
+    apkInstallCompleted: ApkInstallCompleted;
+    instanceListUpdated: InstanceListUpdated;
+    installImageProgress: InstallImageProgress;
+    createInstanceCompleted: CreateInstanceCompleted;
+    instanceConfigurationChanged: InstanceConfigurationChanged;
+    appDisplayed: AppDisplayed;
+    accountListUpdated: AccountListUpdated;
+}
+
+/** Event names by the names of the callbacks of bridge.h. */
+export const EVENTS: Readonly<Record<string, keyof BridgeEvents>>;
+
+/**
+ * Typed access to the configuration, by full key: "vtr.<name>" or "vtr.instance.<instance>.<name>".
+ * Set functions stage a change; the file has it after commit(). They throw BridgeError.
+ */
+export interface Configuration {
+    getBool(key: string): boolean;
+    getI32(key: string): number;
+    getI64(key: string): bigint;
+    getString(key: string): string;
+    getMultiString(key: string): string[];
+    setBool(key: string, value: boolean): void;
+    setI32(key: string, value: number): void;
+    setI64(key: string, value: bigint | number): void;
+    setString(key: string, value: string): void;
+    /** Elements, or their stored form: joined by ",". */
+    setMultiString(key: string, value: readonly string[] | string): void;
+    commit(): void;
+    /** Writes the whole configuration with the staged changes into another file. */
+    commitToFile(path: string): void;
+}
+
+export interface InitOptions {
+    /** Starts with the catalogue's defaults and without a configuration file. */
+    noConfFile?: boolean;
+    /** File to log into instead of the product's log. One that cannot be opened is fatal. */
+    logFile?: string | null;
+}
+
+/** What a new instance is to be. */
+export interface FreshInstance {
+    imageName: string;
+    cpu: number;
+    /** MiB */
+    ram: number;
+    graphicEngine: string;
+    graphicRenderer: string;
+    deviceProfile: string;
+}
+
+/** The library; there is one in a process. Not for worker threads. */
+export interface Bridge extends EventEmitter {
+    readonly conf: Configuration;
+
+    /** Starts the library. Throws BridgeError: 22 for an unknown client, -1 for a version mismatch. */
+    init(clientId: ClientId, options?: InitOptions): void;
+
+    /** Starts the event server. From here on events are emitted, and Node does not end by itself. */
+    listen(): void;
+
+    /**
+     * Stops the library, once and for all. From this call on no event is emitted and every other
+     * function throws; the promise tells when the event server has stopped.
+     */
+    fini(): Promise<void>;
+
+    /** Whether listening keeps Node from ending: as for a server of net. */
+    ref(): this;
+    unref(): this;
+
+    instances(): Instance[];
+    apps(instance: string): App[];
+
+    /** These start a program and return; what becomes of the work arrives as events. */
+    launchApp(instance: string, packageName: string): void;
+    launchAppStore(instance: string, store: string, packageName: string): void;
+    launchUrl(instance: string, url: string): void;
+    installApk(instance: string, apkFilePath: string): void;
+    uninstallApp(instance: string, packageName: string): void;
+    installImage(imageName: string): void;
+    createFreshInstance(wanted: FreshInstance): void;
+
+    /** Asks one player, or the manager and every player, to shut down; on a thread of its own. */
+    shutdownPlayer(instance: string, flag?: boolean): Promise<void>;
+    shutdown(): Promise<void>;
+
+    on<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    once<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    off<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    addListener<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    removeListener<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+}
+
+/** Loads QX-Bridge.dll, with the Qt DLLs from beside it; a second call gives the same object. */
+export function load(file?: string): Bridge;

@@ -1,0 +1,349 @@
+"""QX-Bridge.dll for Python: configuration, instances, apps, programs and events.
+
+    with Bridge(r"C:\\path\\to\\bin\\QX-Bridge.dll") as bridge:
+        bridge.init("Helper")
+        print(bridge.instances())
+
+bridge.h has the conventions. A configuration key that does not exist, or one of another type than
+the function's, ends the process: that is the library's way.
+"""
+
+import atexit
+import ctypes
+import json
+from ctypes import CFUNCTYPE, c_bool, c_char_p, c_double, c_int32, c_int64, c_void_p
+from typing import Any, Callable, Dict, List, NamedTuple, Optional, Sequence, Union
+
+CLIENTS = ("Launcher", "Installer", "LogCollector", "Helper", "Uninstaller")
+
+SUCCESS = 0
+FAILURE = -1
+NO_ENTRY = 2
+TOO_BIG = 7
+ACCESS = 13
+INVALID_ARGUMENT = 22
+
+# The callbacks and functions of bridge.h, in its order, with its parameter names: a test compares
+# the two. A returned text is an address here, which bridgeFreeMemory wants back.
+_CALLBACKS = {
+    "bridgeOnAppInstalled": dict(
+        instance=c_char_p, package=c_char_p, activity=c_char_p, appLabel=c_char_p,
+        versionCode=c_int32, versionName=c_char_p, iconFilePath=c_char_p, isUpdate=c_bool),
+    "bridgeOnAppUninstalled": dict(instance=c_char_p, package=c_char_p),
+    "bridgeOnApkInstallCompleted": dict(instance=c_char_p, status=c_int32, apkFilePath=c_char_p),
+    "bridgeOnInstanceListUpdated": dict(),
+    "bridgeInstallImageProgress": dict(imageName=c_char_p, status=c_int32, progress=c_double),
+    "bridgeOnCreateInstanceCompleted": dict(status=c_int32, instance=c_char_p),
+    "bridgeOnInstanceConfigurationChanged": dict(instance=c_char_p),
+    "bridgeOnAppDisplayed": dict(instance=c_char_p, package=c_char_p),
+    "bridgeOnAccountListUpdated": dict(instance=c_char_p, emailId=c_char_p, action=c_int32),
+}
+
+
+def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
+    """A type of its own for each: CFUNCTYPE gives equal signatures one type."""
+    plain = CFUNCTYPE(None, *parameters.values())
+    members = dict(_flags_=plain._flags_, _argtypes_=plain._argtypes_, _restype_=plain._restype_)
+    return type(name, (ctypes._CFuncPtr,), members)
+
+
+_CALLBACK_TYPES = {name: _callback_type(name, one) for name, one in _CALLBACKS.items()}
+_FUNCTIONS = {
+    "bridgeApiInit": (c_int32, dict(clientId=c_char_p)),
+    "bridgeApiInitEx": (c_int32, dict(
+        clientId=c_char_p, noConfFile=c_bool, reserved=c_int64, logFilePath=c_char_p)),
+    "bridgeApiFini": (c_int32, dict()),
+    "bridgeConfGetBool": (c_bool, dict(key=c_char_p)),
+    "bridgeConfGetI32": (c_int32, dict(key=c_char_p)),
+    "bridgeConfGetI64": (c_int64, dict(key=c_char_p)),
+    "bridgeConfGetString": (c_void_p, dict(key=c_char_p)),
+    "bridgeConfGetMultiString": (c_void_p, dict(key=c_char_p)),
+    "bridgeConfSetBool": (c_int32, dict(key=c_char_p, value=c_bool)),
+    "bridgeConfSetI32": (c_int32, dict(key=c_char_p, value=c_int32)),
+    "bridgeConfSetI64": (c_int32, dict(key=c_char_p, value=c_int64)),
+    "bridgeConfSetString": (c_int32, dict(key=c_char_p, value=c_char_p)),
+    "bridgeConfSetMultiString": (c_int32, dict(key=c_char_p, value=c_char_p)),
+    "bridgeConfCommit": (c_int32, dict()),
+    "bridgeConfCommitToFile": (c_int32, dict(path=c_char_p)),
+    "bridgeConfGetInstances": (c_void_p, dict()),
+    "bridgeFreeMemory": (None, dict(memory=c_void_p)),
+    "bridgeLaunchApp": (c_int32, dict(instance=c_char_p, package=c_char_p)),
+    "bridgeLaunchAppStore": (c_int32, dict(instance=c_char_p, store=c_char_p, package=c_char_p)),
+    "bridgeLaunchUrl": (c_int32, dict(instance=c_char_p, url=c_char_p)),
+    "bridgeInstallApk": (c_int32, dict(instance=c_char_p, apkFilePath=c_char_p)),
+    "bridgeUninstallApp": (c_int32, dict(instance=c_char_p, package=c_char_p)),
+    "bridgeInstallImage": (c_int32, dict(imageName=c_char_p)),
+    "bridgeCreateFreshInstance": (c_int32, dict(
+        imageName=c_char_p, cpu=c_char_p, ram=c_char_p, graphicEngine=c_char_p,
+        graphicRenderer=c_char_p, deviceProfile=c_char_p)),
+    "bridgePlrShutdown": (c_int32, dict(instance=c_char_p, flag=c_bool)),
+    "bridgeShutdown": (None, dict()),
+    "bridgeRegisterCallbacks": (None, dict(
+        onAppInstalled=_CALLBACK_TYPES["bridgeOnAppInstalled"],
+        onAppUninstalled=_CALLBACK_TYPES["bridgeOnAppUninstalled"],
+        onApkInstallCompleted=_CALLBACK_TYPES["bridgeOnApkInstallCompleted"],
+        onInstanceListUpdated=_CALLBACK_TYPES["bridgeOnInstanceListUpdated"],
+        installImageProgress=_CALLBACK_TYPES["bridgeInstallImageProgress"],
+        onCreateInstanceCompleted=_CALLBACK_TYPES["bridgeOnCreateInstanceCompleted"],
+        onInstanceConfigurationChanged=_CALLBACK_TYPES["bridgeOnInstanceConfigurationChanged"],
+        onAppDisplayed=_CALLBACK_TYPES["bridgeOnAppDisplayed"],
+        onAccountListUpdated=_CALLBACK_TYPES["bridgeOnAccountListUpdated"])),
+    "bridgeGetInstalledApps": (c_void_p, dict(instance=c_char_p)),
+}
+
+
+class BridgeError(Exception):
+    """A function of the library answered with a code other than 0, or without its text."""
+
+    def __init__(self, operation: str, code: int) -> None:
+        super().__init__(f"{operation} failed with {code}; the log has the cause")
+        self.operation = operation
+        self.code = code
+
+
+class AppInstalled(NamedTuple):
+    """An app was installed or, with is_update, updated."""
+
+    instance: str
+    package: str
+    activity: str
+    app_label: str
+    version_code: int
+    version_name: str
+    icon_file_path: str
+    is_update: bool
+
+
+class Callbacks(NamedTuple):
+    """The host's functions; any may be None.
+
+    They run on the library's event thread, one after another. What one of them raises goes to
+    sys.unraisablehook. The names of the arguments are those of bridge.h.
+    """
+
+    app_installed: Optional[Callable[[AppInstalled], Any]] = None
+    app_uninstalled: Optional[Callable[[str, str], Any]] = None
+    apk_install_completed: Optional[Callable[[str, int, str], Any]] = None
+    instance_list_updated: Optional[Callable[[], Any]] = None
+    install_image_progress: Optional[Callable[[str, int, float], Any]] = None
+    create_instance_completed: Optional[Callable[[int, str], Any]] = None
+    instance_configuration_changed: Optional[Callable[[str], Any]] = None
+    app_displayed: Optional[Callable[[str, str], Any]] = None
+    account_list_updated: Optional[Callable[[str, str, int], Any]] = None
+
+
+# What the library keeps pointers to. Never freed: events can come until the process ends.
+_kept_texts: Dict[str, Any] = {}
+_kept_callbacks: List[Any] = []
+
+
+def _utf8(text: str, name: str = "text") -> bytes:
+    if not isinstance(text, str):
+        raise TypeError(f"{name} must be str, not {type(text).__name__}")
+    if "\0" in text:
+        raise ValueError(f"{name} must not contain NUL")
+    return text.encode("utf-8")
+
+
+def _kept_text(text: str) -> Any:
+    if text not in _kept_texts:
+        _kept_texts[text] = ctypes.create_string_buffer(_utf8(text, "client_id"))
+    return _kept_texts[text]
+
+
+def _integer(value: int, bits: int) -> int:
+    if not isinstance(value, int) or isinstance(value, bool):
+        raise TypeError(f"value must be int, not {type(value).__name__}")
+    if not -(1 << bits - 1) <= value < 1 << bits - 1:
+        raise OverflowError(f"{value} has more than {bits} bits")
+    return value
+
+
+def _boolean(value: bool) -> bool:
+    if not isinstance(value, bool):
+        raise TypeError(f"value must be bool, not {type(value).__name__}")
+    return value
+
+
+def _function_pointer(name: str, function: Optional[Callable[..., Any]]) -> Any:
+    if function is None:
+        return _CALLBACK_TYPES[name](0)
+
+    def call(*values: Any) -> None:
+        # The bytes live as long as the call.
+        plain = [one.decode("utf-8") if isinstance(one, bytes) else one for one in values]
+        if name == "bridgeOnAppInstalled":
+            function(AppInstalled(*plain))
+        else:
+            function(*plain)
+
+    return _CALLBACK_TYPES[name](call)
+
+
+class _Calls:
+    """The functions of the library, with what they answer turned into values and errors."""
+
+    def __init__(self, library: Any) -> None:
+        for name, (result, parameters) in _FUNCTIONS.items():
+            function = getattr(library, name)
+            function.restype = result
+            function.argtypes = list(parameters.values())
+        self._library = library
+
+    def value(self, operation: str, *values: Any) -> Any:
+        return getattr(self._library, operation)(*values)
+
+    def status(self, operation: str, *values: Any) -> None:
+        code = self.value(operation, *values)
+        if code != SUCCESS:
+            raise BridgeError(operation, code)
+
+    def text(self, operation: str, *values: Any) -> str:
+        address = self.value(operation, *values)
+        if address is None:
+            raise BridgeError(operation, FAILURE)
+        try:
+            return ctypes.string_at(address).decode("utf-8")
+        finally:
+            self._library.bridgeFreeMemory(address)
+
+
+class Configuration:
+    """Typed access by full key: "vtr.<name>" or "vtr.instance.<instance>.<name>".
+
+    Setters stage a change; the file has it after commit().
+    """
+
+    def __init__(self, calls: _Calls) -> None:
+        self._calls = calls
+
+    def get_bool(self, key: str) -> bool:
+        return self._calls.value("bridgeConfGetBool", _utf8(key, "key"))
+
+    def get_i32(self, key: str) -> int:
+        return self._calls.value("bridgeConfGetI32", _utf8(key, "key"))
+
+    def get_i64(self, key: str) -> int:
+        return self._calls.value("bridgeConfGetI64", _utf8(key, "key"))
+
+    def get_string(self, key: str) -> str:
+        return self._calls.text("bridgeConfGetString", _utf8(key, "key"))
+
+    def get_multi_string(self, key: str) -> List[str]:
+        stored = self._calls.text("bridgeConfGetMultiString", _utf8(key, "key"))
+        return stored.split(",") if stored else []
+
+    def set_bool(self, key: str, value: bool) -> None:
+        self._calls.status("bridgeConfSetBool", _utf8(key, "key"), _boolean(value))
+
+    def set_i32(self, key: str, value: int) -> None:
+        self._calls.status("bridgeConfSetI32", _utf8(key, "key"), _integer(value, 32))
+
+    def set_i64(self, key: str, value: int) -> None:
+        self._calls.status("bridgeConfSetI64", _utf8(key, "key"), _integer(value, 64))
+
+    def set_string(self, key: str, value: str) -> None:
+        self._calls.status("bridgeConfSetString", _utf8(key, "key"), _utf8(value, "value"))
+
+    def set_multi_string(self, key: str, value: Union[str, Sequence[str]]) -> None:
+        """Takes the elements, or their stored form: joined by ","."""
+        if not isinstance(value, str):
+            for element in value:
+                if "," in element:
+                    raise ValueError('an element must not contain ","')
+            value = ",".join(value)
+        self._calls.status("bridgeConfSetMultiString", _utf8(key, "key"), _utf8(value, "value"))
+
+    def commit(self) -> None:
+        self._calls.status("bridgeConfCommit")
+
+    def commit_to_file(self, path: str) -> None:
+        self._calls.status("bridgeConfCommitToFile", _utf8(path, "path"))
+
+
+class Bridge:
+    """The library; make one per process. After init() every method may be called from any thread,
+    except fini(), during which no other call may run."""
+
+    def __init__(self, path: str = "QX-Bridge.dll") -> None:
+        """Loads the library; an absolute path also finds the Qt DLLs beside it."""
+        self._calls = _Calls(ctypes.CDLL(path))
+        self._ready = False
+        self.conf = Configuration(self._calls)
+
+    def __enter__(self) -> "Bridge":
+        return self
+
+    def __exit__(self, *_: Any) -> None:
+        self.fini()
+
+    def init(self, client_id: str, *, no_conf_file: bool = False,
+             log_file: Optional[str] = None) -> None:
+        """Starts the library: 22 for a client id not in CLIENTS, -1 for a version mismatch."""
+        client = _kept_text(client_id)
+        if no_conf_file or log_file is not None:
+            log = None if log_file is None else _utf8(log_file, "log_file")
+            self._calls.status("bridgeApiInitEx", client, _boolean(no_conf_file), 0, log)
+        else:
+            self._calls.status("bridgeApiInit", client)
+        if not self._ready:
+            # The event thread must not call into an interpreter that is gone.
+            atexit.register(self.fini)
+        self._ready = True
+
+    def fini(self) -> None:
+        """Stops the library, once and for all; not from inside a callback."""
+        if self._ready:
+            self._ready = False
+            atexit.unregister(self.fini)
+            self._calls.value("bridgeApiFini")
+
+    def register(self, callbacks: Callbacks) -> None:
+        """Starts the event server, the first time, and replaces all functions."""
+        functions = callbacks
+        if functions.apk_install_completed is None and functions.instance_list_updated is not None:
+            # The library calls the function for the instance list only with the one for APK files.
+            functions = functions._replace(apk_install_completed=lambda *_: None)
+        pointers = [_function_pointer(name, function)
+                    for name, function in zip(_CALLBACKS, functions)]
+        _kept_callbacks.append(pointers)
+        self._calls.value("bridgeRegisterCallbacks", *pointers)
+
+    def instances(self) -> List[Dict[str, Any]]:
+        """The instances, with the members that bridge.h names."""
+        return json.loads(self._calls.text("bridgeConfGetInstances"))
+
+    def apps(self, instance: str) -> List[Dict[str, Any]]:
+        """The apps of an instance, with the members that bridge.h names."""
+        return json.loads(self._calls.text("bridgeGetInstalledApps", _utf8(instance, "instance")))
+
+    def launch_app(self, instance: str, package: str) -> None:
+        self._calls.status("bridgeLaunchApp", _utf8(instance), _utf8(package))
+
+    def launch_app_store(self, instance: str, store: str, package: str) -> None:
+        self._calls.status("bridgeLaunchAppStore", _utf8(instance), _utf8(store), _utf8(package))
+
+    def launch_url(self, instance: str, url: str) -> None:
+        self._calls.status("bridgeLaunchUrl", _utf8(instance), _utf8(url))
+
+    def install_apk(self, instance: str, apk_file_path: str) -> None:
+        self._calls.status("bridgeInstallApk", _utf8(instance), _utf8(apk_file_path))
+
+    def uninstall_app(self, instance: str, package: str) -> None:
+        self._calls.status("bridgeUninstallApp", _utf8(instance), _utf8(package))
+
+    def install_image(self, image_name: str) -> None:
+        self._calls.status("bridgeInstallImage", _utf8(image_name))
+
+    def create_fresh_instance(self, image_name: str, cpu: int, ram: int, graphic_engine: str,
+                              graphic_renderer: str, device_profile: str) -> None:
+        """ram in MiB"""
+        self._calls.status("bridgeCreateFreshInstance", _utf8(image_name), b"%d" % cpu, b"%d" % ram,
+                           _utf8(graphic_engine), _utf8(graphic_renderer), _utf8(device_profile))
+
+    def shutdown_player(self, instance: str, flag: bool = False) -> None:
+        self._calls.status("bridgePlrShutdown", _utf8(instance), _boolean(flag))
+
+    def shutdown(self) -> None:
+        """Asks the multi-instance manager and every player to shut down."""
+        self._calls.value("bridgeShutdown")

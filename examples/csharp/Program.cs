@@ -1,0 +1,47 @@
+// A small host in C#: example.exe [EVENTS], beside QX-Bridge.dll
+// Lists the instances, reads a setting, waits for so many events (none without the number), ends.
+// Compile it together with bindings/csharp/QXBridge.cs, for 64 bits.
+
+using System;
+using System.Threading;
+using QXBridge;
+
+static class Program
+{
+    static int Main(string[] arguments)
+    {
+        int events = arguments.Length > 0 ? int.Parse(arguments[0]) : 0;
+        try
+        {
+            using (var arrived = new SemaphoreSlim(0))
+            using (var session = new Session(Client.Helper))
+            {
+                Console.WriteLine("instances " + session.InstancesJson());
+                Console.WriteLine("locale " + session.Conf.GetString("vtr.locale"));
+
+                // Handlers run on the library's thread.
+                session.AppInstalled += app =>
+                {
+                    Console.WriteLine("installed {0} {1}: {2} {3}", app.Instance, app.Package, app.AppLabel,
+                                      app.VersionName);
+                    arrived.Release();
+                };
+                session.AppDisplayed += (instance, package) =>
+                {
+                    Console.WriteLine("displayed {0} {1}", instance, package);
+                    arrived.Release();
+                };
+                session.Listen();
+                Console.WriteLine("listening");
+                while (events-- > 0 && arrived.Wait(TimeSpan.FromSeconds(30))) { }
+            } // the session ends first: from then on no handler runs
+        }
+        catch (BridgeException exception)
+        {
+            Console.Error.WriteLine("the library does not start: " + exception.Message);
+            return 1;
+        }
+        Console.WriteLine("finished");
+        return 0;
+    }
+}

@@ -1,0 +1,36 @@
+'use strict';
+// A small host for Node: node main.js PATH-OF-QX-Bridge.dll [EVENTS]
+// Lists the instances, reads a setting, waits for so many events (none without the number), ends.
+
+const { load } = require('qx-bridge');
+
+const [file, wanted = '0'] = process.argv.slice(2);
+const bridge = load(file);
+bridge.init('Helper');
+
+for (const { instance, displayName } of bridge.instances()) console.log('instance', instance, displayName);
+console.log('locale', bridge.conf.getString('vtr.locale'));
+
+let left = Number(wanted);
+
+async function end() {
+    clearTimeout(timer);
+    await bridge.fini(); // from here on no listener is called
+    console.log('finished');
+}
+
+function count() {
+    if (--left === 0) end();
+}
+
+bridge.on('appInstalled', ({ instance, package: name, appLabel, versionName }) => {
+    console.log('installed', instance, `${name}:`, appLabel, versionName);
+    count();
+});
+bridge.on('appDisplayed', ({ instance, package: name }) => {
+    console.log('displayed', instance, name);
+    count();
+});
+bridge.listen();
+console.log('listening');
+const timer = setTimeout(end, left > 0 ? 30000 : 0);

@@ -1,0 +1,56 @@
+// A small host with Qt: example_qt [EVENTS]
+// Lists the instances, reads a setting, lets its loop run until so many events have come, ends.
+#include <QCoreApplication>
+#include <QTextStream>
+#include <QTimer>
+#include <bridge/bridge.hpp>
+
+namespace {
+
+QString textOf(std::string_view utf8) {
+    return QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size()));
+}
+
+void print(const QString& line) {
+    static QTextStream out(stdout);
+    out.setCodec("UTF-8");
+    out << line << '\n';
+    out.flush();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    QCoreApplication application(count, arguments);
+    if (const bridge::Status status = bridge::init(bridge::Client::Helper); !status) {
+        print(QString("the library does not start: %1").arg(status.code()));
+        return 1;
+    }
+    print("instances " + QString::fromStdString(bridge::instances().valueOr("")));
+    print("locale " + QString::fromStdString(bridge::conf::getString("vtr.locale").valueOr("")));
+
+    // Events come on the library's thread, and go on to the application's: its objects live there.
+    int expected = count > 1 ? application.arguments().at(1).toInt() : 0;
+    const auto toApplication = [&](const QString& line) {
+        const auto handle = [&, line] {
+            print(line);
+            if (--expected == 0) application.quit();
+        };
+        QMetaObject::invokeMethod(&application, handle, Qt::QueuedConnection);
+    };
+    bridge::Callbacks callbacks;
+    callbacks.appInstalled = [&](const bridge::AppInstalled& app) {
+        toApplication("installed " + textOf(app.instance) + ' ' + textOf(app.package) + ": " +
+                      textOf(app.appLabel) + ' ' + textOf(app.versionName));
+    };
+    callbacks.appDisplayed = [&](std::string_view instance, std::string_view package) {
+        toApplication("displayed " + textOf(instance) + ' ' + textOf(package));
+    };
+    bridge::registerCallbacks(callbacks);
+    print("listening");
+    QTimer::singleShot(expected > 0 ? 30000 : 0, &application, &QCoreApplication::quit);
+    application.exec();
+
+    bridge::finish();
+    print("finished");
+}

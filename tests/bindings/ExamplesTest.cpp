@@ -1,0 +1,141 @@
+// The examples as their readers run them: the product's key in the registry, a data folder, and the
+// stand-in that reports what an app did.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "support/ChildProcess.h"
+#include "support/ProductRegistry.h"
+#include "support/TempFolder.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const Lines kInstances = {"instances [",
+                          "    {",
+                          "        \"cpu\": 4,",
+                          "        \"deviceProfile\": \"\",",
+                          "        \"displayName\": \"Größe 日本\",",
+                          "        \"graphicsEngine\": \"aga\",",
+                          "        \"graphicsRenderer\": \"gl\",",
+                          "        \"imageName\": \"Nougat64\",",
+                          "        \"instance\": \"Nougat64\",",
+                          "        \"ram\": 4096",
+                          "    }",
+                          "]",
+                          ""};
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// The path of the stand-in, which is beside the folder of the programs.
+std::string player() {
+    const std::string bin = builtProgram("");
+    return bin.substr(0, bin.find_last_of("/\\", bin.size() - 2)) + "/standins/QX-Player.exe";
+}
+
+class ExamplesTest : public ::testing::Test {
+ protected:
+    ExamplesTest() {
+        data.makeFolder("Logs");
+        data.write("vantrel.conf",
+                   "vtr.locale=\"fr-FR\"\n"
+                   "vtr.instance.Nougat64.cpus=\"4\"\n"
+                   "vtr.instance.Nougat64.display_name=\"Größe 日本\"\n"
+                   "vtr.instance.Nougat64.graphics_engine=\"aga\"\n"
+                   "vtr.instance.Nougat64.graphics_renderer=\"gl\"\n"
+                   "vtr.instance.Nougat64.ram=\"4096\"\n");
+        registry.set("UserDefinedDir", data.path());
+        registry.set("InstallDir", "C:\\None\\");
+    }
+
+    void send(const std::vector<std::string>& words) const {
+        std::vector<std::string> arguments{"--event"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        ChildOptions options;
+        options.environment = {{"QX_STANDIN_CLIENTS", "Helper"},
+                               {"QX_STANDIN_OUTPUT", data / "standin.txt"}};
+        EXPECT_EQ(runChild(player(), arguments, options).status, 0u);
+    }
+
+    // What an example prints that waits for two events, which come as soon as it listens.
+    Lines linesOf(const std::string& program, std::vector<std::string> arguments = {}) const {
+        arguments.push_back("2");
+        ChildProcess example(program, arguments);
+        Lines lines;
+        while (lines.size() < 20 && (lines.empty() || lines.back() != "listening")) {
+            lines.push_back(readLine(example));
+        }
+        send({"app-installed", "Nougat64", "com.größe", "Main", "第二", "5", "1.0β", "i", "false"});
+        send({"app-displayed", "Nougat64", "😀"});
+        for (int i = 0; i < 3; ++i) lines.push_back(readLine(example));
+        const ChildResult result = example.finish();
+        EXPECT_EQ(result.status, 0u) << result.err;
+        EXPECT_EQ(result.err, "");
+        return lines;
+    }
+
+    static Lines expected(Lines lines) {
+        for (const char* line :
+             {"locale fr-FR", "listening", "installed Nougat64 com.größe: 第二 1.0β",
+              "displayed Nougat64 😀", "finished"}) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+    TempFolder data;
+    ProductRegistry registry;
+
+ private:
+    static std::string readLine(ChildProcess& example) {
+        std::string line = example.readLine();
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        return line;
+    }
+};
+
+}  // namespace
+
+TEST_F(ExamplesTest, C) { EXPECT_EQ(linesOf(builtProgram("example_c.exe")), expected(kInstances)); }
+
+TEST_F(ExamplesTest, COfAnotherCompilerAndRuntime) {
+    EXPECT_EQ(linesOf(builtProgram("example_c_gcc.exe")), expected(kInstances));
+}
+
+TEST_F(ExamplesTest, Cpp) {
+    EXPECT_EQ(linesOf(builtProgram("example_cpp.exe")), expected(kInstances));
+}
+
+TEST_F(ExamplesTest, Qt) {
+    EXPECT_EQ(linesOf(builtProgram("example_qt.exe")), expected(kInstances));
+}
+
+TEST_F(ExamplesTest, Node) {
+    EXPECT_EQ(linesOf(environment("QX_NODE"), {environment("QX_EXAMPLES") + "/node/main.js",
+                                               builtProgram("QX-Bridge.dll")}),
+              expected({"instance Nougat64 Größe 日本"}));
+}
+
+TEST_F(ExamplesTest, WithoutANumberTheyEndAtOnce) {
+    for (const char* program : {"example_c.exe", "example_cpp.exe", "example_qt.exe"}) {
+        const ChildResult result = runChild(builtProgram(program), {});
+        EXPECT_EQ(result.status, 0u) << program << result.err;
+        EXPECT_NE(result.out.find("listening"), std::string::npos) << program;
+        EXPECT_NE(result.out.find("finished"), std::string::npos) << program;
+    }
+}
+
+TEST_F(ExamplesTest, AFailedStartIsSaid) {
+    data.write("vantrel.conf", "no line of a configuration\n");
+    for (const char* program : {"example_c.exe", "example_cpp.exe", "example_qt.exe"}) {
+        const ChildResult result = runChild(builtProgram(program), {});
+        EXPECT_EQ(result.status, 1u) << program;
+        EXPECT_NE((result.out + result.err).find("the library does not start: -1"),
+                  std::string::npos)
+            << program << result.out << result.err;
+    }
+}

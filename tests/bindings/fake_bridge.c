@@ -1,0 +1,225 @@
+/*
+ * Stands for QX-Bridge.dll where the real one cannot run: the exports of bridge.h for this machine,
+ * which write down how they were called. The compiler holds them against the header. A binding's
+ * test asks the fake... functions what arrived.
+ */
+#include <bridge/bridge.h>
+#include <pthread.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+static char calls[1 << 16];
+static bridge_i32 answer;
+static int liveTexts;
+static const char* keptClient;
+static volatile int flooding;
+static pthread_t flood;
+
+static struct {
+    bridgeOnAppInstalled appInstalled;
+    bridgeOnAppUninstalled appUninstalled;
+    bridgeOnApkInstallCompleted apkInstallCompleted;
+    bridgeOnInstanceListUpdated instanceListUpdated;
+    bridgeInstallImageProgress installImageProgress;
+    bridgeOnCreateInstanceCompleted createInstanceCompleted;
+    bridgeOnInstanceConfigurationChanged instanceConfigurationChanged;
+    bridgeOnAppDisplayed appDisplayed;
+    bridgeOnAccountListUpdated accountListUpdated;
+} slots;
+
+static bridge_i32 note(const char* format, ...) {
+    const size_t used = strlen(calls);
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(calls + used, sizeof calls - used, format, arguments);
+    va_end(arguments);
+    strncat(calls, "\n", sizeof calls - strlen(calls) - 1);
+    return answer;
+}
+
+static const char* shown(const char* text) { return text == NULL ? "(null)" : text; }
+
+/* What the functions answer that return a text: null for "null". */
+static char* textFor(const char* key, const char* text) {
+    char* copy;
+    if (key != NULL && strcmp(key, "null") == 0) return NULL;
+    copy = (char*)malloc(strlen(text) + 1);
+    strcpy(copy, text);
+    __sync_fetch_and_add(&liveTexts, 1);
+    return copy;
+}
+
+const char* fakeCalls(void) { return calls; }
+void fakeReset(void) { calls[0] = '\0'; }
+void fakeAnswer(bridge_i32 code) { answer = code; }
+int fakeLiveTexts(void) { return liveTexts; }
+const char* fakeClient(void) { return keptClient; }
+
+static void* sendAll(void* utf8) {
+    const int full = utf8 != NULL;
+    if (slots.appInstalled)
+        slots.appInstalled(full ? "Nougat64" : "", full ? "com.größe" : "", full ? "Main" : "",
+                           full ? "第二 App" : "", full ? -5 : 0, full ? "1.0β" : "",
+                           full ? "C:\\Ü.png" : "", full ? 1 : 0);
+    if (slots.appUninstalled) slots.appUninstalled(full ? "Nougat64" : "", full ? "com.größe" : "");
+    if (slots.apkInstallCompleted)
+        slots.apkInstallCompleted(full ? "Nougat64" : "", full ? -1 : 0, full ? "C:\\П.apk" : "");
+    if (slots.instanceListUpdated) slots.instanceListUpdated();
+    if (slots.installImageProgress)
+        slots.installImageProgress(full ? "Nougat32" : "", full ? 1 : 0, full ? 33.125 : 0);
+    if (slots.createInstanceCompleted)
+        slots.createInstanceCompleted(full ? -2 : 0, full ? "Nougat64_1" : "");
+    if (slots.instanceConfigurationChanged)
+        slots.instanceConfigurationChanged(full ? "Nougat64" : "");
+    if (slots.appDisplayed) slots.appDisplayed(full ? "Nougat64" : "", full ? "😀" : "");
+    if (slots.accountListUpdated)
+        slots.accountListUpdated(full ? "Nougat64" : "", full ? "jürgen@example.com" : "",
+                                 full ? 2 : 0);
+    return NULL;
+}
+
+/* Every event once, on a thread that the binding has never seen; texts full or empty. */
+void fakeSend(int full) {
+    pthread_t thread;
+    pthread_create(&thread, NULL, sendAll, full ? (void*)"full" : NULL);
+    pthread_join(thread, NULL);
+}
+
+static void* sendUntilEnd(void* unused) {
+    (void)unused;
+    while (flooding) slots.appDisplayed("N", "p");
+    return NULL;
+}
+
+/* One event after another, until bridgeApiFini, which waits for the callback as the library does.
+ */
+void fakeFlood(void) {
+    flooding = 1;
+    pthread_create(&flood, NULL, sendUntilEnd, NULL);
+}
+
+bridge_i32 bridgeApiInit(const char* clientId) {
+    keptClient = clientId;
+    return note("bridgeApiInit %s", shown(clientId));
+}
+bridge_i32 bridgeApiInitEx(const char* clientId, bridge_bool noConfFile, bridge_i64 reserved,
+                           const char* logFilePath) {
+    keptClient = clientId;
+    return note("bridgeApiInitEx %s %d %lld %s", shown(clientId), noConfFile, reserved,
+                shown(logFilePath));
+}
+bridge_i32 bridgeApiFini(void) {
+    if (flooding) {
+        flooding = 0;
+        pthread_join(flood, NULL);
+    }
+    note("bridgeApiFini");
+    return 0;
+}
+bridge_bool bridgeConfGetBool(const char* key) {
+    note("bridgeConfGetBool %s", shown(key));
+    return strcmp(key, "true") == 0;
+}
+bridge_i32 bridgeConfGetI32(const char* key) {
+    note("bridgeConfGetI32 %s", shown(key));
+    return -2147483647;
+}
+bridge_i64 bridgeConfGetI64(const char* key) {
+    note("bridgeConfGetI64 %s", shown(key));
+    return -9007199254740993;
+}
+char* bridgeConfGetString(const char* key) {
+    note("bridgeConfGetString %s", shown(key));
+    return textFor(key, strcmp(key, "empty") == 0 ? "" : "Größe 日本 😀");
+}
+char* bridgeConfGetMultiString(const char* key) {
+    note("bridgeConfGetMultiString %s", shown(key));
+    return textFor(key, strcmp(key, "empty") == 0 ? "" : "Bilder,Größe");
+}
+bridge_i32 bridgeConfSetBool(const char* key, bridge_bool value) {
+    return note("bridgeConfSetBool %s %d", shown(key), value);
+}
+bridge_i32 bridgeConfSetI32(const char* key, bridge_i32 value) {
+    return note("bridgeConfSetI32 %s %d", shown(key), value);
+}
+bridge_i32 bridgeConfSetI64(const char* key, bridge_i64 value) {
+    return note("bridgeConfSetI64 %s %lld", shown(key), value);
+}
+bridge_i32 bridgeConfSetString(const char* key, const char* value) {
+    return note("bridgeConfSetString %s %s", shown(key), shown(value));
+}
+bridge_i32 bridgeConfSetMultiString(const char* key, const char* value) {
+    return note("bridgeConfSetMultiString %s %s", shown(key), shown(value));
+}
+bridge_i32 bridgeConfCommit(void) { return note("bridgeConfCommit"); }
+bridge_i32 bridgeConfCommitToFile(const char* path) {
+    return note("bridgeConfCommitToFile %s", shown(path));
+}
+char* bridgeConfGetInstances(void) {
+    note("bridgeConfGetInstances");
+    return textFor(NULL,
+                   "[{\"instance\":\"Nougat64\",\"deviceProfile\":\"s21u\",\"graphicsEngine\":"
+                   "\"aga\",\"graphicsRenderer\":\"dx\",\"imageName\":\"Nougat64\","
+                   "\"displayName\":\"Größe\",\"ram\":4096,\"cpu\":4}]");
+}
+void bridgeFreeMemory(void* memory) {
+    if (memory == NULL) return;
+    __sync_fetch_and_sub(&liveTexts, 1);
+    free(memory);
+}
+bridge_i32 bridgeLaunchApp(const char* instance, const char* package) {
+    return note("bridgeLaunchApp %s %s", shown(instance), shown(package));
+}
+bridge_i32 bridgeLaunchAppStore(const char* instance, const char* store, const char* package) {
+    return note("bridgeLaunchAppStore %s %s %s", shown(instance), shown(store), shown(package));
+}
+bridge_i32 bridgeLaunchUrl(const char* instance, const char* url) {
+    return note("bridgeLaunchUrl %s %s", shown(instance), shown(url));
+}
+bridge_i32 bridgeInstallApk(const char* instance, const char* apkFilePath) {
+    return note("bridgeInstallApk %s %s", shown(instance), shown(apkFilePath));
+}
+bridge_i32 bridgeUninstallApp(const char* instance, const char* package) {
+    return note("bridgeUninstallApp %s %s", shown(instance), shown(package));
+}
+bridge_i32 bridgeInstallImage(const char* imageName) {
+    return note("bridgeInstallImage %s", shown(imageName));
+}
+bridge_i32 bridgeCreateFreshInstance(const char* imageName, const char* cpu, const char* ram,
+                                     const char* graphicEngine, const char* graphicRenderer,
+                                     const char* deviceProfile) {
+    return note("bridgeCreateFreshInstance %s %s %s %s %s %s", shown(imageName), shown(cpu),
+                shown(ram), shown(graphicEngine), shown(graphicRenderer), shown(deviceProfile));
+}
+bridge_i32 bridgePlrShutdown(const char* instance, bridge_bool flag) {
+    return note("bridgePlrShutdown %s %d", shown(instance), flag);
+}
+void bridgeShutdown(void) { note("bridgeShutdown"); }
+void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
+                             bridgeOnAppUninstalled onAppUninstalled,
+                             bridgeOnApkInstallCompleted onApkInstallCompleted,
+                             bridgeOnInstanceListUpdated onInstanceListUpdated,
+                             bridgeInstallImageProgress installImageProgress,
+                             bridgeOnCreateInstanceCompleted onCreateInstanceCompleted,
+                             bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
+                             bridgeOnAppDisplayed onAppDisplayed,
+                             bridgeOnAccountListUpdated onAccountListUpdated) {
+    slots.appInstalled = onAppInstalled;
+    slots.appUninstalled = onAppUninstalled;
+    slots.apkInstallCompleted = onApkInstallCompleted;
+    slots.instanceListUpdated = onInstanceListUpdated;
+    slots.installImageProgress = installImageProgress;
+    slots.createInstanceCompleted = onCreateInstanceCompleted;
+    slots.instanceConfigurationChanged = onInstanceConfigurationChanged;
+    slots.appDisplayed = onAppDisplayed;
+    slots.accountListUpdated = onAccountListUpdated;
+    note("bridgeRegisterCallbacks");
+}
+char* bridgeGetInstalledApps(const char* instance) {
+    note("bridgeGetInstalledApps %s", shown(instance));
+    return textFor(instance,
+                   "[{\"package\":\"com.größe\",\"activity\":\"Main\",\"appLabel\":\"第二\","
+                   "\"versionCode\":-5,\"versionName\":\"1.0β\",\"iconFilePath\":\"a.png\"}]");
+}

@@ -1,0 +1,51 @@
+'use strict';
+// What the scripts of this folder share: the library, its data folder and the stand-ins.
+
+const assert = require('assert');
+const { spawn, spawnSync } = require('child_process');
+const { once } = require('events');
+const fs = require('fs');
+const path = require('path');
+const { data, setProduct } = require('./sandbox');
+
+const build = process.env.QX_TEST_BUILD;
+const dll = path.join(build, 'bin', 'QX-Bridge.dll');
+const standins = path.join(build, 'standins');
+const output = path.join(data, 'standin.txt');
+
+// No other test is this client: local sockets are shared by everything that runs at the same time.
+const CLIENT = 'Launcher';
+process.env.QX_STANDIN_CLIENTS = CLIENT;
+process.env.QX_STANDIN_OUTPUT = output;
+process.env.QX_STANDIN_SECONDS = '5';
+
+function write(name, content) {
+    const file = path.join(data, name);
+    fs.mkdirSync(path.dirname(file), { recursive: true });
+    fs.writeFileSync(file, content);
+    return file;
+}
+
+const read = (name) => fs.readFileSync(path.join(data, name), 'utf8');
+
+// The messages of the product's log.
+const log = () => read('Logs/Player.log').split(/\r?\n/);
+
+// Sends one event as the product does. The event loop runs meanwhile.
+async function send(...words) {
+    const player = spawn(path.join(standins, 'QX-Player.exe'), ['--event', ...words], { stdio: 'ignore' });
+    const [status] = await once(player, 'exit');
+    assert.strictEqual(status, 0, `nobody took ${words.join(' ')}`);
+}
+
+// Runs another script of this folder to its end, with a sandbox of its own.
+function runScript(name, ...words) {
+    const file = path.join(data, `${name}.output`);
+    const out = fs.openSync(file, 'w');
+    const result = spawnSync(process.execPath, [path.join(__dirname, name), ...words],
+        { stdio: ['ignore', out, out], timeout: 60000 });
+    fs.closeSync(out);
+    return { status: result.status, output: fs.readFileSync(file, 'utf8') };
+}
+
+module.exports = { CLIENT, data, dll, log, output, read, runScript, send, setProduct, standins, write };

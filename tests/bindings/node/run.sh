@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Runs a script in Node for Windows under Wine: run.sh NODE-FOLDER BUILD-FOLDER SCRIPT ARGUMENT...
+# Wine gives Node no pipes of this system that it can write to, so that the output goes into a file.
+set -u
+tools=$1 build=$2
+shift 2
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+tree=$(cd "$here/../../.." && pwd)
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+mkdir "$folder/data"
+export NODE_PATH="Z:$build/node_modules"
+export QX_TEST_DATA="Z:$folder/data" QX_TEST_BUILD="Z:$build"
+"$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "$@" >"$folder/output" 2>&1 </dev/null
+status=$?
+cat "$folder/output"
+exit $status

@@ -1,0 +1,4 @@
+// Stands for Node's own types, of which the binding uses this.
+declare module 'events' {
+    class EventEmitter {}
+}

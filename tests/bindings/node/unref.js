@@ -1,0 +1,10 @@
+'use strict';
+const host = require('./host');
+const { load } = require('qx-bridge');
+
+host.write('vantrel.conf', '');
+const bridge = load(host.dll);
+bridge.init(host.CLIENT);
+bridge.listen();
+bridge.unref();
+process.on('exit', () => console.log('no reason to stay'));
