@@ -1,9 +1,11 @@
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
 #include "AppcFixture.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 
 namespace fs = std::filesystem;
 
@@ -86,7 +88,7 @@ class DyingFiles final : public AppcFiles {
 
  private:
     void step() {
-        if (--left_ == 0) ::TerminateProcess(::GetCurrentProcess(), 7);
+        if (--left_ == 0) std::_Exit(7);
     }
 
     int left_;
@@ -96,7 +98,7 @@ class DyingFiles final : public AppcFiles {
 
 TEST_F(AppcSaveTest, AnEmptyCacheIsWrittenAndTheFolderCreated) {
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
-    ASSERT_FALSE(fs::exists(fs::u8path(dir())));
+    ASSERT_FALSE(fs::exists(systemPath(dir())));
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), 0);
     EXPECT_EQ(read(), "[\n]\n");
@@ -178,14 +180,13 @@ TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedMove) {
 }
 
 TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(fileOf(kOld)), 0);
     setApps(store, kNew);
-    const HANDLE held =
-        ::CreateFileW(wideForTests(file()).c_str(), GENERIC_READ,
-                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    HeldFile held(file(), HeldFile::Shares::ReadAndWrite);
+    ASSERT_TRUE(held.isHeld());
     EXPECT_EQ(appcSaveToFile(store), -1);
-    ::CloseHandle(held);
+    held.release();
     EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
     EXPECT_EQ(read(), fileOf(kOld));
     EXPECT_EQ(list(), Lines{"AppCache.json"});

@@ -5,6 +5,7 @@
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"
+#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/open_handles.h"
 

@@ -45,6 +45,4 @@ class ServerFixture : public ::testing::Test {
     IpcServerThread* thread = nullptr;
 };
 
-std::size_t privateBytes();
-
 #endif
