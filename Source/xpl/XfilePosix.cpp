@@ -41,6 +41,7 @@ int descriptorOf(const Xfile& file) {
 }
 
 void* handleOf(int descriptor) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the handle of the interface is a pointer
     return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
 }
 

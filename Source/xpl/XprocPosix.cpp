@@ -53,6 +53,7 @@ unsigned long createProcess(std::wstring& commandLine, void*& process) {
     if (arguments.empty()) return kFileNotFound;
     const std::string program = xfileSystemPath(arguments[0]);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     pid_t id = 0;
