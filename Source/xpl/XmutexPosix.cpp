@@ -29,6 +29,9 @@ constexpr int kNoUnicodeTranslation = 1113;
 
 // What the processes share. Released by nobody: a name is as cheap as its few bytes.
 struct Shared {
+    // Held while waiting for the mutex. Who releases the mutex and wants it again stands behind the
+    // one who waits, as on Windows, where a mutex goes to those who wait in their order.
+    pthread_mutex_t turn;
     pthread_mutex_t mutex;
     std::atomic<pid_t> owner;  // a thread, or 0
     int depth;                 // of the owner
@@ -54,6 +57,7 @@ void initialise(Shared& shared) {
     ::pthread_mutexattr_init(&attributes);
     ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
     ::pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    ::pthread_mutex_init(&shared.turn, &attributes);
     ::pthread_mutex_init(&shared.mutex, &attributes);
     ::pthread_mutexattr_destroy(&attributes);
 }
@@ -95,9 +99,18 @@ Shared* sharedOf(const std::string& name) {
 }
 
 // The answer of a lock function: what a dead owner left is taken over.
-bool isTaken(Shared& shared, int answer) {
-    if (answer == EOWNERDEAD) ::pthread_mutex_consistent(&shared.mutex);
-    if (answer != 0 && answer != EOWNERDEAD) return false;
+bool isTaken(pthread_mutex_t& mutex, int answer) {
+    if (answer == EOWNERDEAD) ::pthread_mutex_consistent(&mutex);
+    return answer == 0 || answer == EOWNERDEAD;
+}
+
+// Takes the turn and then the mutex by one of the lock functions.
+template <typename Lock>
+bool take(Shared& shared, Lock lock) {
+    if (!isTaken(shared.turn, lock(&shared.turn))) return false;
+    const bool taken = isTaken(shared.mutex, lock(&shared.mutex));
+    ::pthread_mutex_unlock(&shared.turn);
+    if (!taken) return false;
     shared.owner = ::gettid();
     shared.depth = 1;
     return true;
@@ -133,7 +146,7 @@ void XmutexNamed::lock() {
             ++shared->depth;
             return;
         }
-        if (isTaken(*shared, ::pthread_mutex_lock(&shared->mutex))) return;
+        if (take(*shared, ::pthread_mutex_lock)) return;
     }
     XLOG_E(kLog, "%s: Error in taking lock, GetLastError: %u", "lock",
            static_cast<unsigned>(kInvalidHandle));
@@ -151,7 +164,7 @@ bool XmutexNamed::try_lock() {
         ++shared->depth;
         return true;
     }
-    return isTaken(*shared, ::pthread_mutex_trylock(&shared->mutex));
+    return take(*shared, ::pthread_mutex_trylock);
 }
 
 void XmutexNamed::unlock() {
