@@ -2,6 +2,7 @@
 #
 # The folder that calls it, one of Source/, as a static library. Its headers are reached as "NAME/Header.h", and only
 # by those who declare the dependency: an include of a layer that is not declared does not build.
+# SYSTEM_LIBRARIES are those of Windows.
 function(bridge_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;DEPENDS;SYSTEM_LIBRARIES" ${ARGN})
     if(CMAKE_HOST_WIN32)  # links need a privilege there
@@ -11,8 +12,11 @@ function(bridge_layer name)
         file(MAKE_DIRECTORY "${include_root}")
         file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${name}" SYMBOLIC)
     endif()
+    bridge_platform_sources(LAYER_SOURCES)
     add_library(${name} STATIC ${LAYER_SOURCES})
     target_include_directories(${name} PUBLIC "${include_root}")
-    target_link_libraries(${name} PUBLIC ${LAYER_DEPENDS} ${LAYER_SYSTEM_LIBRARIES}
-                                  PRIVATE bridge_warnings)
+    target_link_libraries(${name} PUBLIC ${LAYER_DEPENDS} PRIVATE bridge_warnings)
+    if(WIN32)
+        target_link_libraries(${name} PUBLIC ${LAYER_SYSTEM_LIBRARIES})
+    endif()
 endfunction()

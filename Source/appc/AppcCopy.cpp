@@ -16,7 +16,7 @@ XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
         return XERR_FAILURE;
     }
     // Fails for a folder that is there already, which xfileCreateFolder does not.
-    if (!QDir().mkdir(QString::fromStdString(newDir))) {
+    if (!QDir().mkdir(QString::fromStdString(xfileSystemPath(newDir)))) {
         XLOG_E(kLog, "Failed to create directory %s for new instance %s", newDir.c_str(),
                newInstance.c_str());
         return XERR_FAILURE;

@@ -69,12 +69,22 @@ class DiskFiles final : public AppcFiles {
     }
 };
 
+struct WindowsRow {
+    int windowsError;
+    XErr code;
+};
+
+constexpr WindowsRow kWindowsRows[] = {
+#define APPC_ROW(windowsError, windowsName, name) {windowsError, XERR_##name},
+    XERR_WINDOWS_ERRORS(APPC_ROW)
+#undef APPC_ROW
+};
+
 // The Windows error that a status stands for; of several, the most usual one.
 int windowsErrorOf(XErr err) {
-#define APPC_WINDOWS_ERROR(number, windowsName, name) \
-    if (err == XERR_##name) return number;
-    XERR_WINDOWS_ERRORS(APPC_WINDOWS_ERROR)
-#undef APPC_WINDOWS_ERROR
+    for (const WindowsRow& row : kWindowsRows) {
+        if (row.code == err) return row.windowsError;
+    }
     return err - XERR_WINDOWS_BASE;
 }
 

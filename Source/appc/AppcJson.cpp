@@ -46,7 +46,7 @@ class ElementReader {
  private:
     QJsonValue get(const char* key, QJsonValue::Type type, const char* typeName) {
         if (flaw_.kind != AppcFlaw::None) return {};
-        const QJsonValue value = object_.value(QLatin1String(key));
+        QJsonValue value = object_.value(QLatin1String(key));
         if (value.type() == type) return value;
         const bool defined = !value.isUndefined() && !value.isNull();
         flaw_ = {defined ? AppcFlaw::InvalidType : AppcFlaw::NotDefined, key, value.type(),
@@ -89,7 +89,7 @@ void appendEscape(std::string& out, char c) {
         out.append(1, '\\').append(1, names[known]);
         return;
     }
-    const auto code = static_cast<std::size_t>(c);
+    const std::size_t code = static_cast<unsigned char>(c);
     out.append("\\u00").append(1, digits[code >> 4]).append(1, digits[code & 15]);
 }
 

@@ -24,7 +24,7 @@ constexpr qint64 kMaxBuffer = std::numeric_limits<int>::max() - 64;
 constexpr int kKeptBuffer = 64 * 1024;
 
 // Replies are handed over in pieces that the socket's own buffers can take.
-constexpr qint64 kReplyPiece = 1024 * 1024;
+constexpr qint64 kReplyPiece = 1'048'576;
 
 std::uint32_t numberAt(const QByteArray& buffer, std::size_t offset) {
     std::uint32_t number = 0;

@@ -4,13 +4,14 @@
 #include <QDir>
 #include <QFile>
 
+#include "xpl/Xfile.h"
 #include "xpl/Xlog.h"
 
 namespace {
 
 constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
 
-QString qtText(const std::string& text) { return QString::fromStdString(text); }
+QString qtPath(const std::string& path) { return QString::fromStdString(xfileSystemPath(path)); }
 
 std::string joined(const std::string& folder, const QString& name) {
     return folder + QDir::separator().toLatin1() + name.toStdString();
@@ -18,9 +19,9 @@ std::string joined(const std::string& folder, const QString& name) {
 
 // An empty folder, whatever was there. A failure shows when files are copied into it.
 void makeAfresh(const std::string& folder) {
-    QDir existing(qtText(folder));
+    QDir existing(qtPath(folder));
     if (existing.exists()) existing.removeRecursively();
-    QDir().mkpath(qtText(folder));
+    QDir().mkpath(qtPath(folder));
 }
 
 void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
@@ -36,7 +37,7 @@ XErr copyFiles(const QDir& folder, const std::string& source, const std::string&
     XErr result = XERR_SUCCESS;
     for (const QString& name : folder.entryList(QDir::Files, QDir::NoSort)) {
         // Never overwrites.
-        if (QFile::copy(qtText(joined(source, name)), qtText(joined(destination, name)))) continue;
+        if (QFile::copy(qtPath(joined(source, name)), qtPath(joined(destination, name)))) continue;
         XLOG_W(kLog, "%s: Failed to copy file = %s", "utlCopyRecursive",
                name.toStdString().c_str());
         result = XERR_FAILURE;
@@ -47,7 +48,7 @@ XErr copyFiles(const QDir& folder, const std::string& source, const std::string&
 }  // namespace
 
 XErr utlCopyRecursive(const std::string& source, const std::string& destination) {
-    const QDir folder(qtText(source));
+    const QDir folder(qtPath(source));
     if (!folder.exists()) {
         XLOG_W(kLog, "%s: source dir %s doesn't exist", "utlCopyRecursive", source.c_str());
         return XERR_SUCCESS;

@@ -11,7 +11,7 @@
 using XErr = std::int32_t;
 
 enum XErrCode : XErr {
-#define XERR_ENUMERATOR(code, name) XERR_##name = code,
+#define XERR_ENUMERATOR(code, name) XERR_##name = (code),
     XERR_CODES(XERR_ENUMERATOR)
 #undef XERR_ENUMERATOR
 };

@@ -33,7 +33,7 @@ class Xfile {
 
     bool isOpen() const { return handle_ != nullptr; }
 
-    // The Windows handle; null when closed. For the functions below.
+    // The system's handle; null when closed. For the functions below.
     void* handle() const { return handle_; }
     void adopt(void* handle);
 
@@ -90,6 +90,9 @@ void xfileClose(Xfile& file);
 // reader): a refused move (Windows errors 5 and 32) is tried up to 10 times more within half a
 // second.
 [[nodiscard]] XErr xfileMovePatiently(const std::string& source, const std::string& destination);
+
+// A path as the system's own functions and Qt's take it: Windows takes the product's as they are.
+std::string xfileSystemPath(const std::string& path);
 
 // The folder that xfileOpen creates: what stands before the last "\", or nothing.
 std::string_view xfileFolderPart(std::string_view path);

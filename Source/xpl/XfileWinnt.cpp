@@ -93,6 +93,8 @@ XErr replaceFile(const std::string& source, const std::string& destination, int 
 
 }  // namespace
 
+std::string xfileSystemPath(const std::string& path) { return path; }
+
 Xfile::~Xfile() { xfileClose(*this); }
 
 Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}

@@ -16,7 +16,10 @@ struct XprocCalls {
                            void*& process);
 };
 
-// The calls in use: Windows' own, until a test replaces them.
+// Lets go of a process that nobody waits for.
+void xprocClose(void* process) noexcept;
+
+// The calls in use: the system's own, until a test replaces them.
 XprocCalls& xprocCalls() noexcept;
 
 #endif

@@ -2,7 +2,6 @@
 #include <QJsonObject>
 
 #include "AppcFixture.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -34,7 +33,7 @@ class AppcEditTest : public AppcTest {
 
     // Makes the next save fail: a file cannot be put in place of a folder.
     void blockTheFile() const {
-        ::DeleteFileW(wideForTests(file()).c_str());
+        removeFile(file());
         data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     }
 };

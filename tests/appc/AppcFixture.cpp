@@ -6,8 +6,7 @@
 #include <thread>
 #include <tuple>
 
-#include "support/WindowsForTests.h"
-#include "xpl/Xtext.h"
+#include "support/Platform.h"
 
 namespace fs = std::filesystem;
 
@@ -40,16 +39,6 @@ Lines withoutNumbers(Lines lines) {
     static const std::regex number("(appcReadFromJsonObj): [0-9]+:");
     for (std::string& line : lines) line = std::regex_replace(line, number, "$1: N:");
     return lines;
-}
-
-std::string windowsText(unsigned long error) {
-    wchar_t text[512];
-    const DWORD length =
-        ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
-                         0, text, 512, nullptr);
-    std::wstring wide(text, length);
-    while (!wide.empty() && (wide.back() == L'\n' || wide.back() == L'\r')) wide.pop_back();
-    return xtextToUtf8(wide);
 }
 
 bool isFileLockFree() {
@@ -90,17 +79,17 @@ std::string AppcTest::dir(const std::string& instance) const {
 }
 
 void AppcTest::write(std::string_view content) const {
-    fs::create_directory(fs::u8path(dir()));
+    fs::create_directory(systemPath(dir()));
     writeBytes(file(), content);
 }
 
 std::string AppcTest::read() const { return readBytes(file()); }
 
-bool AppcTest::exists() const { return fs::exists(fs::u8path(file())); }
+bool AppcTest::exists() const { return fs::exists(systemPath(file())); }
 
 Lines AppcTest::list() const {
     Lines names;
-    for (const auto& entry : fs::directory_iterator(fs::u8path(dir()))) {
+    for (const auto& entry : fs::directory_iterator(systemPath(dir()))) {
         names.push_back(entry.path().filename().u8string());
     }
     std::sort(names.begin(), names.end());

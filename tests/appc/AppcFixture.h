@@ -42,9 +42,6 @@ std::string fileOf(const std::vector<PlainApp>& apps);
 // The lines, with the number of the source line in them as "N".
 Lines withoutNumbers(Lines lines);
 
-// The system's text for one of its errors.
-std::string windowsText(unsigned long error);
-
 // Whether no other thread, of any process, has the file lock of the instance "Nougat64".
 bool isFileLockFree();
 

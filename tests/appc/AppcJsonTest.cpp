@@ -269,9 +269,9 @@ TEST(AppcJson, RandomBytesAreWrittenAsQtDoes) {
     std::mt19937 random(5);
     const auto text = [&random] {
         // Mostly the bytes that matter to UTF-8 and to JSON.
-        constexpr std::string_view bytes(
-            "\0\x01\x1F\"\\/azé\xC0\xC3\xE2\xED\xEF\xF0\xF4\xF8\xFF\x80\x9F\xA0\xBB\xBF\x8F\x90",
-            29);
+        static constexpr char literal[] =
+            "\0\x01\x1F\"\\/azé\xC0\xC3\xE2\xED\xEF\xF0\xF4\xF8\xFF\x80\x9F\xA0\xBB\xBF\x8F\x90";
+        constexpr std::string_view bytes(literal, sizeof literal - 1);
         std::string result;
         for (unsigned i = random() % 12; i > 0; --i) result += bytes[random() % bytes.size()];
         return result;

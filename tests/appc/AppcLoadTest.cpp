@@ -1,9 +1,10 @@
 #include <cstdio>
 
 #include "AppcFixture.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -75,7 +76,7 @@ TEST_F(AppcLoadTest, OpeningAnotherInstanceNeverShowsTheAppsOfTheFirst) {
 
 TEST_F(AppcLoadTest, ALoadByItselfKeepsTheCacheWhereTheFileIsMissing) {
     ASSERT_EQ(init(kTwoApps), 0);
-    ASSERT_TRUE(::DeleteFileW(wideForTests(file()).c_str()));
+    removeFile(file());
     EXPECT_EQ(appcLoadFromFile(store), 0);
     EXPECT_EQ(count(), 2u);
     EXPECT_EQ(log.texts(), Lines{"W APPC File " + file() + " not present"});
@@ -229,31 +230,31 @@ TEST_F(AppcLoadTest, AFolderInPlaceOfTheFileStays) {
     data.makeFolder("Engine\\Nougat64\\AppCache");
     data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() + ", error: " + windowsText(5) +
-                                 ", deleting the file"});
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
+                                 ", error: " + systemErrorText(5) + ", deleting the file"});
     EXPECT_EQ(count(), 0u);
     EXPECT_TRUE(exists());
 }
 
 // Keeps a file open that nobody else may open.
 SCENE(holdsFile) {
-    const HANDLE held = ::CreateFileW(wideForTests(arguments[0]).c_str(), GENERIC_READ,
-                                      /*dwShareMode=*/0, nullptr, OPEN_EXISTING, 0, nullptr);
-    std::puts(held == INVALID_HANDLE_VALUE ? "failed" : "held");
+    const HeldFile held(arguments[0]);
+    std::puts(held.isHeld() ? "held" : "failed");
     std::fflush(stdout);
-    ::Sleep(60'000);
+    sleepMs(60'000);
     return 0;
 }
 
 TEST_F(AppcLoadTest, AFileThatAnotherProcessHoldsForItselfStaysAndTheCacheIsEmpty) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(kTwoApps), 0);
     {
         ChildProcess holder = startScene("holdsFile", {file()});
         ASSERT_EQ(holder.readLine(), "held");
         EXPECT_EQ(appcLoadFromFile(store), 0);
     }
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() + ", error: " + windowsText(32) +
-                                 ", deleting the file"});
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
+                                 ", error: " + systemErrorText(32) + ", deleting the file"});
     EXPECT_EQ(count(), 0u);
     EXPECT_EQ(read(), kTwoApps);
 }
@@ -378,7 +379,7 @@ TEST(AppcStoreTest, TheProcesssStoreLivesInTheProductsFolders) {
 }
 
 TEST(AppcErrorText, IsTheSystems) {
-    EXPECT_EQ(appcErrorText(XERR_ACCES), windowsText(5));
-    EXPECT_EQ(appcErrorText(XERR_NOENT), windowsText(2));
-    EXPECT_EQ(appcErrorText(XERR_WINDOWS_BASE + 32), windowsText(32));
+    EXPECT_EQ(appcErrorText(XERR_ACCES), systemErrorText(5));
+    EXPECT_EQ(appcErrorText(XERR_NOENT), systemErrorText(2));
+    EXPECT_EQ(appcErrorText(XERR_WINDOWS_BASE + 32), systemErrorText(32));
 }

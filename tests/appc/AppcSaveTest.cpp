@@ -1,10 +1,12 @@
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
 #include "AppcFixture.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 #include "xpl/Xproc.h"
 
 namespace fs = std::filesystem;
@@ -88,7 +90,7 @@ class DyingFiles final : public AppcFiles {
 
  private:
     void step() {
-        if (--left_ == 0) ::TerminateProcess(::GetCurrentProcess(), 7);
+        if (--left_ == 0) std::_Exit(7);
     }
 
     int left_;
@@ -98,7 +100,7 @@ class DyingFiles final : public AppcFiles {
 
 TEST_F(AppcSaveTest, AnEmptyCacheIsWrittenAndTheFolderCreated) {
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
-    ASSERT_FALSE(fs::exists(fs::u8path(dir())));
+    ASSERT_FALSE(fs::exists(systemPath(dir())));
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), 0);
     EXPECT_EQ(read(), "[\n]\n");
@@ -180,14 +182,13 @@ TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedMove) {
 }
 
 TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(fileOf(kOld)), 0);
     setApps(store, kNew);
-    const HANDLE held =
-        ::CreateFileW(wideForTests(file()).c_str(), GENERIC_READ,
-                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    HeldFile held(file(), HeldFile::Shares::ReadAndWrite);
+    ASSERT_TRUE(held.isHeld());
     EXPECT_EQ(appcSaveToFile(store), -1);
-    ::CloseHandle(held);
+    held.release();
     EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
     EXPECT_EQ(read(), fileOf(kOld));
     EXPECT_EQ(list(), Lines{"AppCache.json"});
@@ -309,7 +310,7 @@ TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) 
 }
 
 SCENE(staysAlive) {
-    ::Sleep(120'000);
+    sleepMs(120'000);
     return 0;
 }
 
@@ -325,7 +326,7 @@ TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
                                   {builtProgram("appc_test.exe"), "--scene", "staysAlive"}),
                       0);
             // Spread over all the saves.
-            while (saves < kSaves * i / kChildren) ::Sleep(1);
+            while (saves < kSaves * i / kChildren) sleepMs(1);
         }
     });
     for (int i = 1; i <= kSaves; ++i) {

@@ -10,6 +10,7 @@
 
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 
@@ -29,11 +30,11 @@ struct Cache : AppcStore {
 class BridgeAppsTest : public ::testing::Test {
  protected:
     void write(const std::string& instance, std::string_view content) const {
-        fs::create_directories(fs::u8path(dir(instance)));
+        fs::create_directories(systemPath(dir(instance)));
         writeBytes(file(instance), content);
     }
     bool exists(const std::string& instance) const {
-        return fs::exists(fs::u8path(file(instance)));
+        return fs::exists(systemPath(file(instance)));
     }
     std::string dir(const std::string& instance) const {
         return data.path() + "\\Engine/" + instance + "/AppCache/";

@@ -12,9 +12,9 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ std::string outputOf(const std::string& scene) {
 }
 
 void waitUntilServed() {
-    for (int i = 0; i < 1000 && !ipcNameIsServed(kServerName); ++i) ::Sleep(5);
+    for (int i = 0; i < 1000 && !ipcNameIsServed(kServerName); ++i) sleepMs(5);
 }
 
 // Sends an event and waits until the server has read it: it answers when it is through.

@@ -5,6 +5,7 @@
 
 #include "conf/Conf.h"
 #include "support/LogCapture.h"
+#include "support/TempFolder.h"
 
 namespace {
 
@@ -20,12 +21,14 @@ int failForManager(IpcClient& client, const std::string& serverName) {
 class BridgeShutdownTest : public ::testing::Test {
  protected:
     BridgeShutdownTest() {
-        EXPECT_EQ(confLibInit(confStore(), "", false), 0);
+        // A file without instances, whatever the tests before have left in the one store.
+        EXPECT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", ""), false), 0);
         confAddInstance(confStore(), "Nougat64_2");
         confAddInstance(confStore(), "Nougat64_10");
         log.clear();
     }
 
+    TempFolder folder;
     LogCapture log;
 };
 

@@ -1,6 +1,7 @@
 #ifndef TESTS_BRIDGE_GUARDEDBYTES_H
 #define TESTS_BRIDGE_GUARDEDBYTES_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -15,6 +16,7 @@ class GuardedBytes {
     const std::uint8_t* data() const { return data_; }
 
  private:
+    std::size_t size_;  // of the pages, with the one that is no memory
     void* pages_;
     std::uint8_t* data_;
 };

@@ -6,8 +6,9 @@
 
 #include "ConfFixture.h"
 #include "conf/ConfText.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
 
@@ -222,14 +223,12 @@ TEST_F(ConfCommitTest, AnExceptionInTheReloadDeletesTheTemporaryFile) {
 
 TEST_F(ConfCommitTest, WithoutAConfFileTheMoveFails) {
     ASSERT_EQ(initWithoutFile(), 0);
-    wchar_t before[MAX_PATH];
-    ::GetCurrentDirectoryW(MAX_PATH, before);
-    ASSERT_TRUE(::SetCurrentDirectoryW(wideForTests(folder.path()).c_str()));
     confSetString(store, "vtr.guid", "x");
     log.clear();
-    const XErr err = confCommit(store);
-    ::SetCurrentDirectoryW(before);
-    EXPECT_EQ(err, XERR_NOENT);
+    {
+        const InFolder here(folder.path());
+        EXPECT_EQ(confCommit(store), XERR_NOENT);
+    }
     EXPECT_EQ(log.texts(), (Lines{"I CONF confCommitToFile args: ",
                                   "E CONF xfileMove failed, err = 2 [XERR_NOENT]"}));
     EXPECT_EQ(folder.list(), Lines{}) << "\"-temp\" is deleted";
@@ -247,14 +246,13 @@ TEST_F(ConfCommitTest, AFailedMoveDeletesTheTemporaryFile) {
 }
 
 TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplacedAllTheSame) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
     confSetString(store, "vtr.locale", "b");
-    const HANDLE held =
-        ::CreateFileW(wideForTests(path()).c_str(), GENERIC_READ,
-                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    std::thread release([held] {
-        ::Sleep(150);
-        ::CloseHandle(held);
+    HeldFile held(path(), HeldFile::Shares::ReadAndWrite);
+    std::thread release([&held] {
+        sleepMs(150);
+        held.release();
     });
     EXPECT_EQ(confCommit(store), 0);
     release.join();
@@ -262,13 +260,12 @@ TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplacedAllTheSame) {
 }
 
 TEST_F(ConfCommitTest, AFileHeldForLongStaysAndTheTemporaryFileGoes) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
     confSetString(store, "vtr.locale", "b");
-    const HANDLE held =
-        ::CreateFileW(wideForTests(path()).c_str(), GENERIC_READ,
-                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    HeldFile held(path(), HeldFile::Shares::ReadAndWrite);
     const XErr err = confCommit(store);
-    ::CloseHandle(held);
+    held.release();
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
@@ -422,7 +419,7 @@ TEST_F(ConfCommitTest, ALargeStoreIsWrittenInSeveralPieces) {
 }
 
 SCENE(staysAlive) {
-    ::Sleep(120'000);
+    sleepMs(120'000);
     return 0;
 }
 
@@ -438,7 +435,7 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
                                   {builtProgram("conf_test.exe"), "--scene", "staysAlive"}),
                       0);
             // Spread over all the commits.
-            while (commits < kCommits * i / kChildren) ::Sleep(1);
+            while (commits < kCommits * i / kChildren) sleepMs(1);
         }
     });
     for (int i = 1; i <= kCommits; ++i) {

@@ -10,9 +10,9 @@
 
 #include "ConfFixture.h"
 #include "conf/ConfText.h"
+#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/Scene.h"
-#include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
@@ -192,7 +192,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
     }
     std::mt19937 random(7);
     for (int i = 0; i < kills; ++i) {
-        ::Sleep(20 + random() % 60);
+        sleepMs(20 + static_cast<int>(random() % 60));
         Committer& victim = committers[random() % kProcesses];
         victim.kill();
         std::string text;

@@ -151,8 +151,8 @@ TEST_F(ShutdownTest, ManyRequestsOfAHostWithoutQtLeaveNoHandle) {
     const std::string player = unique("Nougat64_9");
     RawServer server("vtr_plr_" + player + "_nvo", [](RawPipe& pipe) { pipe.readAll(); });
     const std::string count = std::to_string(proofSize(5000, 50'000));
-    EXPECT_EQ(output({"init", "Helper", "shutdownmany", player, count, "shutdownmany", "nobody",
-                      count}),
-              (Lines{"init 0", "handles 0", "megabytes 0", "handles 0", "megabytes 0"}));
+    EXPECT_EQ(
+        output({"init", "Helper", "shutdownmany", player, count, "shutdownmany", "nobody", count}),
+        (Lines{"init 0", "handles 0", "megabytes 0", "handles 0", "megabytes 0"}));
     EXPECT_GE(server.served(), std::stoi(count));
 }

@@ -7,6 +7,7 @@
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"
+#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/process_figures.h"

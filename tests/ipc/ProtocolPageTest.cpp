@@ -8,8 +8,8 @@
 #include "ProtocolPage.h"
 #include "mim/MimEnc.h"
 #include "plr/PlrEnc.h"
+#include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ std::string hexOf(const std::string& bytes) {
 }
 
 std::string sentBytes(const std::function<void(IpcClient&)>& encode) {
-    const std::string name = "vtr_test_page_" + std::to_string(::GetCurrentProcessId());
+    const std::string name = "vtr_test_page_" + std::to_string(ownProcessId());
     std::string bytes;
     {
         // The reply lets the one request that waits for an answer go on.
@@ -61,7 +61,7 @@ std::string sentBytes(const std::function<void(IpcClient&)>& encode) {
         IpcClient client;
         ipcClientInit(client, name);
         encode(client);
-        for (int i = 0; i < 500 && server.served() == 0; ++i) ::Sleep(2);
+        for (int i = 0; i < 500 && server.served() == 0; ++i) sleepMs(2);
     }
     return hexOf(bytes);
 }

@@ -9,8 +9,8 @@
 #include "mim/MimEnc.h"
 #include "plr/PlrEnc.h"
 #include "support/LogCapture.h"
+#include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ class Bytes {
     std::string text_;
 };
 
-std::string serverName() { return "vtr_test_requests_" + std::to_string(::GetCurrentProcessId()); }
+std::string serverName() { return "vtr_test_requests_" + std::to_string(ownProcessId()); }
 
 using Encode = std::function<void(IpcClient& client)>;
 
@@ -59,7 +59,7 @@ std::string received(const Encode& encode) {
         IpcClient client;
         EXPECT_EQ(ipcClientInit(client, serverName()), 0);
         encode(client);
-        for (int i = 0; i < 500 && server.served() == 0; ++i) ::Sleep(2);
+        for (int i = 0; i < 500 && server.served() == 0; ++i) sleepMs(2);
     }
     return bytes;
 }

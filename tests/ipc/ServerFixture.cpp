@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "ipc/IpcName.h"
+#include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/WindowsForTests.h"
 #include "xpl/Xsystem.h"
 
 Seen seen;
@@ -26,8 +26,7 @@ bool see(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, 
 
 ServerFixture::ServerFixture() {
     static int count = 0;
-    name = "vtr_test_server_" + std::to_string(::GetCurrentProcessId()) + "_" +
-           std::to_string(++count);
+    name = "vtr_test_server_" + std::to_string(ownProcessId()) + "_" + std::to_string(++count);
     const std::lock_guard<std::mutex> guard(seen.lock);
     seen.packets.clear();
     seen.count = 0;
@@ -37,7 +36,7 @@ ServerFixture::~ServerFixture() { stop(); }
 
 void ServerFixture::start(IpcDecode decode) {
     ASSERT_EQ(ipcServerInit(&thread, name, decode), 0);
-    for (int i = 0; i < 1000 && !ipcNameIsServed(name); ++i) ::Sleep(5);
+    for (int i = 0; i < 1000 && !ipcNameIsServed(name); ++i) sleepMs(5);
     ASSERT_TRUE(ipcNameIsServed(name));
 }
 
@@ -49,7 +48,7 @@ void ServerFixture::stop() {
 void* ServerFixture::connect() const {
     for (int i = 0; i < 2000; ++i) {
         if (void* const pipe = connectRaw(name)) return pipe;
-        ::WaitNamedPipeW((L"\\\\.\\pipe\\" + wideForTests(name)).c_str(), 1000);
+        awaitRaw(name);
     }
     return nullptr;
 }

@@ -48,11 +48,15 @@ class RawServer {
     Serve serve_;
     unsigned long bufferSize_;
     std::atomic<bool> stop_{false};
+    std::atomic<bool> ended_{false};
     std::atomic<int> served_{0};
     std::thread thread_;
 };
 
-// Connects to a server as a client; null when there is none.
+// Connects to a server as a client; null when there is none, or none that is free.
 void* connectRaw(const std::string& name);
+
+// Waits for a moment until a server is free; at once when there is none.
+void awaitRaw(const std::string& name);
 
 #endif

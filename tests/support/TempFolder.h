@@ -30,8 +30,9 @@ class TempFolder {
     std::string path_;
 };
 
-// The same for any path.
+// The same for any path of the product.
 void writeBytes(const std::string& path, std::string_view content);
 std::string readBytes(const std::string& path);
+void removeFile(const std::string& path);
 
 #endif

@@ -79,8 +79,8 @@ TEST(UtlFolders, AChangeOfTheRegistryIsNeverSeen) {
 }
 
 TEST(UtlFolders, WideFoldersAreTheRegistrysOwn) {
-    EXPECT_EQ(output("printWideDirs", {"C:\\Apps\\日本", "\\\\server\\share\\Data"}),
-              "C:\\Apps\\日本|\\\\server\\share\\Data");
+    EXPECT_EQ(output("printWideDirs", {"C:\\Apps\\Player", "\\\\server\\share\\Data"}),
+              "C:\\Apps\\Player|\\\\server\\share\\Data");
 }
 
 TEST(UtlFolders, ARelativeInstallFolderIsFatalForTheWideForm) {

@@ -2,28 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
-#include "support/TempFolder.h"
-#include "support/WindowsForTests.h"
-#include "support/Wine.h"
 #include "utl/UtlCrashHandler.h"
 #include "utl/UtlProcessCalls.h"
 #include "utl/UtlTrim.h"
 #include "xpl/Xtext.h"
 
-// Last: it needs <windows.h>.
-#include <psapi.h>
-
 // The install folder is read once per process, so each case has a process of its own. It prints the
 // calls that were made, then the log, then the result.
 
 namespace {
-
-namespace fs = std::filesystem;
 
 enum class Reach { Closed, WithoutModules, WithoutPath, Whole };
 
@@ -60,8 +51,7 @@ bool hasFakeModules(void* process) { return fakeOf(process).reach != Reach::With
 
 bool fakePath(void* process, std::wstring& path) {
     if (fakeOf(process).reach == Reach::WithoutPath) return false;
-    path = wideForTests(fakeOf(process).path);
-    return true;
+    return xtextToWide(fakeOf(process).path, path) == XERR_SUCCESS;
 }
 
 void trimFake(void* process) { say("trim", fakeOf(process).id); }
@@ -97,37 +87,6 @@ std::string output(const std::string& scene, const SceneArguments& arguments) {
     return text;
 }
 
-// A folder with this program in it, in the form that Windows gives image paths.
-class InstallFolder {
- public:
-    InstallFolder() : path_(fs::canonical(fs::u8path(folder_.path())).u8string() + "\\") {
-        for (const char* name : {"utl_test.exe", "Qt5Core.dll"}) {
-            fs::copy_file(fs::u8path(builtProgram(name)), fs::u8path(path_ + name));
-        }
-    }
-
-    // Ends in a separator, as the registry has it.
-    const std::string& path() const { return path_; }
-    std::string program() const { return path_ + "utl_test.exe"; }
-
-    // A process that runs from the folder, holding this much memory.
-    ChildProcess start(std::size_t megabytes) const {
-        ChildProcess child(program(), {"--scene", "holdsMemory", std::to_string(megabytes)});
-        EXPECT_EQ(child.readLine(), "ready");
-        return child;
-    }
-
- private:
-    TempFolder folder_;
-    std::string path_;
-};
-
-std::size_t workingSetOf(void* process) {
-    PROCESS_MEMORY_COUNTERS counters{};
-    EXPECT_TRUE(::GetProcessMemoryInfo(process, &counters, sizeof counters));
-    return counters.WorkingSetSize;
-}
-
 }  // namespace
 
 SCENE(trimsFakeProcesses) {
@@ -156,25 +115,10 @@ SCENE(cannotListProcesses) {
     return 0;
 }
 
-SCENE(trimsRealProcesses) {
-    RegistrySandbox registry;
-    registry.set("InstallDir", arguments[0]);
-    trimAndPrint();
-    return 0;
-}
-
 SCENE(trimsWithoutAnInstallFolder) {
     RegistrySandbox registry;
     useFakes(/*canEnumerate=*/true);
     return utlTrimMemoryAllProcs();
-}
-
-SCENE(holdsMemory) {
-    std::vector<char> memory(std::stoul(arguments[0]) << 20, 'x');
-    std::printf("ready\n");
-    std::fflush(stdout);
-    ::Sleep(120'000);
-    return memory[0];
 }
 
 SCENE(registersTheCrashHandler) {
@@ -236,30 +180,6 @@ TEST(UtlTrim, AMissingInstallFolderIsFatal) {
               std::string::npos);
 }
 
-TEST(UtlTrim, ARealProcessOfTheInstallFolderIsTrimmed) {
-    const InstallFolder install;
-    const ChildProcess child = install.start(/*megabytes=*/1);
-    const std::string id = std::to_string(::GetProcessId(child.handle()));
-    EXPECT_EQ(output("trimsRealProcesses", {install.path()}),
-              "I UTL Trimming memory for process " + id + ":" + install.program() + "\n0\n");
-}
-
-TEST(UtlTrim, ARealProcessOfAnotherFolderIsLeftAlone) {
-    const InstallFolder install;
-    const ChildProcess child = install.start(/*megabytes=*/1);
-    EXPECT_EQ(output("trimsRealProcesses", {install.path() + "other\\"}), "0\n");
-}
-
-TEST(UtlTrim, TheWorkingSetShrinks) {
-    if (runsUnderWine()) GTEST_SKIP() << "needs Windows, whose working sets can be trimmed";
-    const InstallFolder install;
-    const ChildProcess child = install.start(/*megabytes=*/64);
-    const std::size_t before = workingSetOf(child.handle());
-    EXPECT_GT(before, std::size_t{64} << 20);
-    output("trimsRealProcesses", {install.path()});
-    EXPECT_LT(workingSetOf(child.handle()), before / 2);
-}
-
 TEST(UtlCrashHandler, TheModuleOfTheInstallFolderIsRegistered) {
     EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\日本\\", "refused"}),
               "register C:\\Apps\\日本\\QX-WerHandler.dll\n-2147024809\n");
@@ -268,12 +188,6 @@ TEST(UtlCrashHandler, TheModuleOfTheInstallFolderIsRegistered) {
 TEST(UtlCrashHandler, NoSeparatorIsAdded) {
     EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\Player", "refused"}),
               "register C:\\Apps\\PlayerQX-WerHandler.dll\n-2147024809\n");
-}
-
-TEST(UtlCrashHandler, WindowsTakesTheModule) {
-    const TempFolder folder;
-    folder.write("QX-WerHandler.dll", "looked for only when the process crashes");
-    EXPECT_EQ(output("registersTheCrashHandler", {folder.path() + "\\", "real"}), "0\n");
 }
 
 TEST(UtlCrashHandler, AMissingInstallFolderIsFatal) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "support/RegistrySandbox.h"
-#include "support/WindowsForTests.h"
 #include "utl/UtlRegistry.h"
 
 namespace {
@@ -34,32 +33,9 @@ TEST_F(UtlRegistry, AMissingValueGivesTheDefault) {
     EXPECT_EQ(read("Other"), "default");
 }
 
-TEST_F(UtlRegistry, AnExpandableTextCountsAsMissing) {
-    registry.setRaw("Version", REG_EXPAND_SZ, L"x", 4);
-    EXPECT_EQ(read("Version"), "default");
-}
-
-TEST_F(UtlRegistry, ANumberCountsAsMissing) {
-    const DWORD number = 5;
-    registry.setRaw("Version", REG_DWORD, &number, sizeof number);
-    EXPECT_EQ(read("Version"), "default");
-}
-
 TEST_F(UtlRegistry, AnEmptyTextIsNotMissing) {
     registry.set("Version", "");
     EXPECT_EQ(read("Version"), "");
-}
-
-TEST_F(UtlRegistry, TheTerminatorMayBeMissingOrDoubled) {
-    registry.setRaw("Version", REG_SZ, L"abc", 6);
-    EXPECT_EQ(read("Version"), "abc");
-    registry.setRaw("Version", REG_SZ, L"abc\0", 10);
-    EXPECT_EQ(read("Version"), "abc");
-}
-
-TEST_F(UtlRegistry, AnOddSizeLosesItsLastByte) {
-    registry.setRaw("Version", REG_SZ, L"abc", 5);
-    EXPECT_EQ(read("Version"), "ab");
 }
 
 TEST_F(UtlRegistry, ALongTextIsReadWhole) {

@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "support/WindowsForTests.h"
 #include "xpl/Xerr.h"
 
 TEST(Xerr, NamesTheSpecialCodes) {
@@ -30,21 +29,6 @@ TEST(Xerr, EveryCodeFrom0To133ButTwoHasItsOwnName) {
         names.insert(xerrName(code));
     }
     EXPECT_EQ(names.size(), 132u);
-}
-
-TEST(Xerr, RowsCarryTheNumbersOfTheWindowsHeaders) {
-    int rows = 0;
-#define CHECK_ROW(number, name, code)              \
-    EXPECT_EQ(name, static_cast<DWORD>(number));   \
-    EXPECT_EQ(xerrFromWindows(name), XERR_##code); \
-    ++rows;
-    XERR_WINDOWS_ERRORS(CHECK_ROW)
-#undef CHECK_ROW
-    EXPECT_EQ(rows, 36);
-}
-
-TEST(Xerr, AnObjectThatExistsAlreadyIsAnAddressInUse) {
-    EXPECT_EQ(xerrFromWindows(ERROR_ALREADY_EXISTS), 98);
 }
 
 TEST(Xerr, WindowsErrorsWithoutAnEquivalentAreShifted) {

@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <thread>
 
+#include "support/HeldFile.h"
 #include "support/LogCapture.h"
+#include "support/Platform.h"
 #include "support/TempFolder.h"
-#include "support/WindowsForTests.h"
+#include "support/process_figures.h"
 #include "xpl/Xfile.h"
 
 namespace {
@@ -18,12 +19,6 @@ class XfileTest : public ::testing::Test {
         if (const XErr err = xfileOpen(file, path, mode); err != 0) return err;
         std::size_t done = 0;
         return xfileWriteAll(file, text.data(), text.size(), done);
-    }
-
-    // A handle that shares nothing, as a scanner or another program may have it.
-    static HANDLE hold(const std::string& path) {
-        return ::CreateFileW(wideForTests(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
-                             nullptr);
     }
 
     TempFolder folder;
@@ -114,29 +109,13 @@ TEST_F(XfileTest, PathsAreUtf8) {
     EXPECT_EQ(xfileExists(folder / "\xFF"), 101113);
 }
 
-TEST_F(XfileTest, HandlesAreInheritableAndShareEverything) {
-    for (const XfileMode mode : {XfileMode::ReadWrite, XfileMode::Append, XfileMode::WriteNew,
-                                 XfileMode::Update, XfileMode::Read}) {
-        Xfile file;
-        ASSERT_EQ(xfileOpen(file, folder / "f", mode), 0);
-        DWORD flags = 0;
-        ASSERT_TRUE(::GetHandleInformation(file.handle(), &flags));
-        EXPECT_TRUE(flags & HANDLE_FLAG_INHERIT);
-        const HANDLE other =
-            ::CreateFileW(wideForTests(folder / "f").c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                          OPEN_EXISTING, 0, nullptr);
-        EXPECT_NE(other, INVALID_HANDLE_VALUE);
-        ::CloseHandle(other);
-    }
-}
-
 TEST_F(XfileTest, AHeldFileReportsTheSharingViolation) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "x");
-    const HANDLE held = hold(folder / "f");
+    HeldFile held(folder / "f");
     Xfile file;
     EXPECT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 100032);
-    ::CloseHandle(held);
+    held.release();
     EXPECT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
 }
 
@@ -186,6 +165,7 @@ TEST_F(XfileTest, SizeAndSeek) {
 
 TEST_F(XfileTest, MovingAnObjectLeavesNoHandleBehind) {
     folder.write("f", "x");
+    const long before = openHandles();
     Xfile first;
     ASSERT_EQ(xfileOpen(first, folder / "f", XfileMode::Read), 0);
     Xfile second(std::move(first));
@@ -194,9 +174,7 @@ TEST_F(XfileTest, MovingAnObjectLeavesNoHandleBehind) {
     third = std::move(second);
     EXPECT_TRUE(third.isOpen());
     third = Xfile();
-    const HANDLE exclusive = hold(folder / "f");
-    EXPECT_NE(exclusive, INVALID_HANDLE_VALUE) << "every handle is closed";
-    ::CloseHandle(exclusive);
+    EXPECT_EQ(openHandles(), before) << "every handle is closed";
 }
 
 TEST_F(XfileTest, ExistsSizeAndDeletePerPath) {
@@ -238,11 +216,10 @@ TEST_F(XfileTest, MakeFoldersWorksBeyond260Characters) {
 }
 
 TEST_F(XfileTest, MakeFoldersTakesARelativePath) {
-    wchar_t before[MAX_PATH];
-    ::GetCurrentDirectoryW(MAX_PATH, before);
-    ASSERT_TRUE(::SetCurrentDirectoryW(wideForTests(folder.path()).c_str()));
-    EXPECT_EQ(xfileMakeFolders("rel/sub"), 0);
-    ::SetCurrentDirectoryW(before);
+    {
+        const InFolder here(folder.path());
+        EXPECT_EQ(xfileMakeFolders("rel/sub"), 0);
+    }
     EXPECT_TRUE(folder.has("rel\\sub"));
 }
 
@@ -275,23 +252,25 @@ TEST_F(XfileTest, FlushNeverCreatesTheFile) {
 }
 
 TEST_F(XfileTest, APlainMoveDoesNotWaitForAHeldDestination) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
-    const HANDLE held = hold(folder / "to");
+    HeldFile held(folder / "to");
     const XErr err = xfileMove(folder / "from", folder / "to");
-    ::CloseHandle(held);
+    held.release();
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
     EXPECT_EQ(folder.read("to"), "old");
     EXPECT_EQ(folder.read("from"), "new");
 }
 
 TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
-    const HANDLE held = hold(folder / "to");
-    std::thread release([held] {
+    HeldFile held(folder / "to");
+    std::thread release([&held] {
         std::this_thread::sleep_for(std::chrono::milliseconds(120));
-        ::CloseHandle(held);
+        held.release();
     });
     EXPECT_EQ(xfileMovePatiently(folder / "from", folder / "to"), 0);
     release.join();
@@ -299,11 +278,12 @@ TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
 }
 
 TEST_F(XfileTest, APatientMoveGivesUpOnALongHold) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
-    const HANDLE held = hold(folder / "to");
+    HeldFile held(folder / "to");
     const XErr err = xfileMovePatiently(folder / "from", folder / "to");
-    ::CloseHandle(held);
+    held.release();
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
     EXPECT_EQ(folder.read("to"), "old");
 }

@@ -51,7 +51,10 @@ RawServer::RawServer(const std::string& name, Serve serve, std::size_t bufferSiz
       serve_(std::move(serve)),
       bufferSize_(static_cast<unsigned long>(bufferSize)) {
     void* const first = listen();  // before the constructor ends, so that clients find it
-    thread_ = std::thread([this, first] { run(first); });
+    thread_ = std::thread([this, first] {
+        run(first);
+        ended_ = true;
+    });
 }
 
 RawServer::~RawServer() {
@@ -60,7 +63,9 @@ RawServer::~RawServer() {
         ::CreateFileW(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     // A client that outlives the server would keep it reading.
     const HANDLE thread = reinterpret_cast<HANDLE>(thread_.native_handle());
-    while (::WaitForSingleObject(thread, 20) == WAIT_TIMEOUT) ::CancelSynchronousIo(thread);
+    while (!ended_ && ::WaitForSingleObject(thread, 20) == WAIT_TIMEOUT) {
+        ::CancelSynchronousIo(thread);
+    }
     thread_.join();
     if (wake != INVALID_HANDLE_VALUE) ::CloseHandle(wake);
 }
@@ -91,3 +96,5 @@ void* connectRaw(const std::string& name) {
                                       nullptr, OPEN_EXISTING, 0, nullptr);
     return pipe == INVALID_HANDLE_VALUE ? nullptr : pipe;
 }
+
+void awaitRaw(const std::string& name) { ::WaitNamedPipeW(pipePath(name).c_str(), 1000); }

@@ -1,0 +1,35 @@
+// The clock of POSIX.
+#include <time.h>
+
+#include "xpl/Xclock.h"
+
+namespace {
+
+constexpr std::int64_t kMicrosPerSecond = 1'000'000;
+
+}  // namespace
+
+std::int64_t xclockNow() {
+    timespec now{};
+    tm local{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    ::localtime_r(&now.tv_sec, &local);
+    return ::timegm(&local) * kMicrosPerSecond + now.tv_nsec / 1'000'000 * 1000;
+}
+
+std::int64_t xclockLocalToUtc(std::int64_t local) {
+    const time_t seconds = local / kMicrosPerSecond;
+    tm fields{};
+    ::gmtime_r(&seconds, &fields);
+    ::tzset();
+    fields.tm_isdst = ::daylight;
+    return ::mktime(&fields) * kMicrosPerSecond + local % kMicrosPerSecond;
+}
+
+std::string xclockFormat(std::int64_t time, const char* format) {
+    const time_t seconds = time / kMicrosPerSecond;
+    tm fields{};
+    ::gmtime_r(&seconds, &fields);
+    char text[64];
+    return std::string(text, ::strftime(text, sizeof text, format, &fields));
+}

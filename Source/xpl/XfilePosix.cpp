@@ -1,0 +1,260 @@
+// Files by the product's UTF-8 paths over POSIX. Every path goes through xfileSystemPath, and every
+// error through translated(), which answers what Windows would have.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "xpl/Xfile.h"
+#include "xpl/Xlog.h"
+#include "xpl/Xtext.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
+
+constexpr std::int32_t kNegativeSeek = 131;
+
+int openFlags(XfileMode mode) {
+    switch (mode) {
+        case XfileMode::ReadWrite:
+            return O_RDWR | O_CREAT;
+        case XfileMode::Append:
+            return O_WRONLY | O_APPEND | O_CREAT;
+        case XfileMode::WriteNew:
+            return O_RDWR | O_CREAT | O_TRUNC;
+        case XfileMode::Update:
+            return O_RDWR;
+        case XfileMode::Read:
+            break;
+    }
+    return O_RDONLY;
+}
+
+// Handles are descriptors moved up by one, since null is none.
+int descriptorOf(const Xfile& file) {
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(file.handle())) - 1;
+}
+
+void* handleOf(int descriptor) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the handle of the interface is a pointer
+    return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
+}
+
+// The codes are Linux's own but where Windows sees a failure differently.
+XErr translated(int error) {
+    switch (error) {
+        case ENOTDIR:  // something on the way is no folder
+            return XERR_NOENT;
+        case EISDIR:
+            return XERR_ACCES;
+        default:
+            return error;
+    }
+}
+
+XErr statusOf(int result) { return result == 0 ? XErr{XERR_SUCCESS} : translated(errno); }
+
+// Calls `call(systemPath)`, which answers 0 or sets errno.
+template <typename Call>
+XErr withPath(const std::string& path, Call call) {
+    std::wstring ignored;  // as strict as Windows about UTF-8
+    if (const XErr err = xtextToWide(path, ignored); err != XERR_SUCCESS) return err;
+    return statusOf(call(xfileSystemPath(path).c_str()));
+}
+
+// What a read or a write answered. A descriptor that is open for the other of the two is no access.
+XErr transferred(const Xfile& file, ssize_t moved, std::uint32_t& done) {
+    const int error = errno;
+    done = moved < 0 ? 0 : static_cast<std::uint32_t>(moved);
+    if (moved >= 0) return XERR_SUCCESS;
+    return error == EBADF && file.isOpen() ? XErr{XERR_ACCES} : translated(error);
+}
+
+std::uint32_t pieceOf(std::size_t length) {
+    return static_cast<std::uint32_t>(std::min<std::size_t>(length, 1u << 30));
+}
+
+bool isFolder(const char* path) {
+    struct stat data {};
+    return ::stat(path, &data) == 0 && S_ISDIR(data.st_mode);
+}
+
+int makeFolder(const char* path) {
+    const int result = ::mkdir(path, 0777);
+    return result != 0 && errno == EEXIST ? 0 : result;
+}
+
+// The product's form of an absolute path.
+std::string absolutePath(const std::string& path) {
+    std::string absolute = path;
+    if (xfileSystemPath(path).front() != '/') {
+        char folder[4096];
+        if (::getcwd(folder, sizeof folder) != nullptr) absolute = std::string(folder) + "/" + path;
+    }
+    std::replace(absolute.begin(), absolute.end(), '/', '\\');
+    const bool hasDrive = absolute.size() > 1 && absolute[1] == ':';
+    return hasDrive || absolute.substr(0, 2) == "\\\\" ? absolute : "C:" + absolute;
+}
+
+XErr replaceFile(const std::string& source, const std::string& destination) {
+    if (const XErr err = xfileFlush(source); err != XERR_SUCCESS) {
+        XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
+    }
+    return withPath(source, [&destination](const char* from) {
+        const std::string to = xfileSystemPath(destination);
+        if (!isFolder(to.c_str())) return std::rename(from, to.c_str());
+        errno = EACCES;  // nothing replaces a folder on Windows
+        return -1;
+    });
+}
+
+}  // namespace
+
+std::string xfileSystemPath(const std::string& path) {
+    if (path == "NUL") return "/dev/null";
+    constexpr std::string_view kLongPrefix = "\\\\?\\";
+    std::string mapped = path.substr(path.rfind(kLongPrefix, 0) == 0 ? kLongPrefix.size() : 0);
+    if (mapped.size() > 1 && mapped[1] == ':') mapped.erase(0, 2);
+    std::replace(mapped.begin(), mapped.end(), '\\', '/');
+    return mapped;
+}
+
+Xfile::~Xfile() { xfileClose(*this); }
+
+Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+
+Xfile& Xfile::operator=(Xfile&& other) noexcept {
+    if (this != &other) adopt(std::exchange(other.handle_, nullptr));
+    return *this;
+}
+
+void Xfile::adopt(void* handle) {
+    if (handle_ != nullptr) ::close(descriptorOf(*this));
+    handle_ = handle;
+}
+
+XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
+    if (mode != XfileMode::Read) {
+        const std::string folder(xfileFolderPart(path));
+        if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
+            static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
+        }
+    }
+    return withPath(path, [&file, mode](const char* system) {
+        const int descriptor = ::open(system, openFlags(mode), 0666);
+        if (descriptor < 0) return -1;
+        if (isFolder(system)) {  // which can be opened for reading here
+            ::close(descriptor);
+            errno = EISDIR;
+            return -1;
+        }
+        file.adopt(handleOf(descriptor));
+        return 0;
+    });
+}
+
+XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done) {
+    return transferred(file, ::read(descriptorOf(file), buffer, length), done);
+}
+
+XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint32_t& done) {
+    return transferred(file, ::write(descriptorOf(file), buffer, length), done);
+}
+
+XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err =
+            xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return XERR_NODATA;
+        done += moved;
+    }
+    return XERR_SUCCESS;
+}
+
+XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err = xfileWrite(file, static_cast<const char*>(buffer) + done,
+                                    pieceOf(length - done), moved);
+        done += moved;
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return XERR_IO;
+    }
+    return XERR_SUCCESS;
+}
+
+void xfileClose(Xfile& file) { file.adopt(nullptr); }
+
+XErr xfileSize(Xfile& file, std::int64_t& size) {
+    struct stat data {};
+    if (::fstat(descriptorOf(file), &data) != 0) return translated(errno);
+    size = data.st_size;
+    return XERR_SUCCESS;
+}
+
+XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from, std::int64_t& position) {
+    constexpr int kFrom[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    const off_t reached =
+        ::lseek(descriptorOf(file), distance, kFrom[static_cast<std::uint32_t>(from)]);
+    if (reached < 0) return errno == EINVAL ? xerrFromWindows(kNegativeSeek) : translated(errno);
+    position = reached;
+    return XERR_SUCCESS;
+}
+
+XErr xfileExists(const std::string& path) {
+    return withPath(path, [](const char* system) { return ::access(system, F_OK); });
+}
+
+XErr xfileSizeOfPath(const std::string& path, std::int64_t& size) {
+    return withPath(path, [&size](const char* system) {
+        struct stat data {};
+        if (::stat(system, &data) != 0) return -1;
+        size = data.st_size;
+        return 0;
+    });
+}
+
+XErr xfileDelete(const std::string& path) {
+    return withPath(path, [](const char* system) { return ::unlink(system); });
+}
+
+XErr xfileRemoveFolder(const std::string& path) {
+    return withPath(path, [](const char* system) { return ::rmdir(system); });
+}
+
+XErr xfileCreateFolder(const std::string& path) { return withPath(path, makeFolder); }
+
+XErr xfileMakeFolders(const std::string& path) {
+    std::wstring absolute;
+    if (const XErr err = xtextToWide(absolutePath(path), absolute); err != XERR_SUCCESS) return err;
+    for (const std::wstring& folder : xfileFolderChain(absolute)) {
+        const std::string narrow = xtextToUtf8(folder);
+        if (xfileExists(narrow) == XERR_SUCCESS) continue;
+        if (const XErr err = xfileCreateFolder(narrow); err != XERR_SUCCESS) return err;
+    }
+    return XERR_SUCCESS;
+}
+
+XErr xfileFlush(const std::string& path) {
+    Xfile file;
+    if (const XErr err = xfileOpen(file, path, XfileMode::Update); err != XERR_SUCCESS) return err;
+    return statusOf(::fsync(descriptorOf(file)));
+}
+
+XErr xfileMove(const std::string& source, const std::string& destination) {
+    return replaceFile(source, destination);
+}
+
+// Nobody can hold a file against its replacement here.
+XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
+    return replaceFile(source, destination);
+}

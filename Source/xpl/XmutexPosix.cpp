@@ -1,0 +1,181 @@
+// The named mutex, as a robust one in a file that the processes map, in the temporary folder.
+// Errors are the numbers of Windows, which the log lines carry.
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "xpl/Xlog.h"
+#include "xpl/XmutexNamed.h"
+#include "xpl/Xtext.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::XMUTEX, "Source/xpl/XmutexWinnt"};
+
+constexpr int kPathNotFound = 3;
+constexpr int kInvalidHandle = 6;
+constexpr int kNotOwner = 288;
+constexpr int kNoUnicodeTranslation = 1113;
+
+// What the processes share. Released by nobody: a name is as cheap as its few bytes.
+struct Shared {
+    // Held while waiting for the mutex. Who releases the mutex and wants it again stands behind the
+    // one who waits, as on Windows, where a mutex goes to those who wait in their order.
+    pthread_mutex_t turn;
+    pthread_mutex_t mutex;
+    std::atomic<pid_t> owner;  // a thread, or 0
+    int depth;                 // of the owner
+};
+
+constexpr std::string_view kGlobal = "Global\\";
+
+// A "\" behind the namespace would be one more of them, which there is not.
+bool isInNamespace(const std::string& name) {
+    const std::size_t start = name.rfind(kGlobal, 0) == 0 ? kGlobal.size() : 0;
+    return name.find('\\', start) == std::string::npos;
+}
+
+std::string pathOf(std::string name) {
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '\\' || c == '/'; }, '-');
+    const char* const folder = std::getenv("TMPDIR");
+    return std::string(folder == nullptr ? "/tmp" : folder) + "/qxb-mutex-" + name;
+}
+
+void initialise(Shared& shared) {
+    pthread_mutexattr_t attributes;
+    ::pthread_mutexattr_init(&attributes);
+    ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    ::pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    ::pthread_mutex_init(&shared.turn, &attributes);
+    ::pthread_mutex_init(&shared.mutex, &attributes);
+    ::pthread_mutexattr_destroy(&attributes);
+}
+
+Shared* mapFile(const std::string& path, int flags) {
+    const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | flags, 0666);
+    if (file < 0) return nullptr;
+    void* memory = MAP_FAILED;
+    if ((flags & O_CREAT) == 0 || ::ftruncate(file, sizeof(Shared)) == 0) {
+        memory =
+            ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, file, /*offset=*/0);
+    }
+    ::close(file);
+    return memory == MAP_FAILED ? nullptr : static_cast<Shared*>(memory);
+}
+
+// A mutex appears under its name when it is ready, or another process was first.
+Shared* mapNamed(const std::string& path) {
+    if (Shared* const existing = mapFile(path, 0)) return existing;
+    const std::string draft = path + "." + std::to_string(::getpid());
+    Shared* const made = mapFile(draft, O_CREAT | O_TRUNC);
+    if (made == nullptr) return nullptr;
+    initialise(*made);
+    const bool first = ::link(draft.c_str(), path.c_str()) == 0;
+    ::unlink(draft.c_str());
+    if (first) return made;
+    ::munmap(made, sizeof(Shared));
+    return mapFile(path, 0);
+}
+
+// One mapping for each name of this process, and for ever: a mutex must have one address.
+Shared* sharedOf(const std::string& name) {
+    static std::mutex guard;
+    static auto& all = *new std::map<std::string, Shared*>;
+    const std::lock_guard<std::mutex> lock(guard);
+    Shared*& known = all[name];
+    if (known == nullptr) known = mapNamed(pathOf(name));
+    return known;
+}
+
+// The answer of a lock function: what a dead owner left is taken over.
+bool isTaken(pthread_mutex_t& mutex, int answer) {
+    if (answer == EOWNERDEAD) ::pthread_mutex_consistent(&mutex);
+    return answer == 0 || answer == EOWNERDEAD;
+}
+
+// Takes the turn and then the mutex by one of the lock functions.
+template <typename Lock>
+bool take(Shared& shared, Lock lock) {
+    if (!isTaken(shared.turn, lock(&shared.turn))) return false;
+    const bool taken = isTaken(shared.mutex, lock(&shared.mutex));
+    ::pthread_mutex_unlock(&shared.turn);
+    if (!taken) return false;
+    shared.owner = ::gettid();
+    shared.depth = 1;
+    return true;
+}
+
+bool isMine(const Shared& shared) { return shared.owner == ::gettid(); }
+
+}  // namespace
+
+std::int32_t XmutexNamed::init(const std::string& name) {
+    close();
+    std::wstring ignored;
+    int error = 0;
+    if (xtextToWide(name, ignored) != XERR_SUCCESS) {
+        error = kNoUnicodeTranslation;
+    } else if (!isInNamespace(name)) {
+        error = kPathNotFound;
+    } else {
+        handle_ = sharedOf(name);
+        if (handle_ == nullptr) error = kInvalidHandle;
+    }
+    if (error == 0) return XERR_SUCCESS;
+    XLOG_E(kLog, "Failed to create mutex '%s'. Error = %d", name.c_str(), error);
+    return XERR_FAILURE;
+}
+
+void XmutexNamed::close() noexcept { handle_ = nullptr; }
+
+void XmutexNamed::lock() {
+    auto* const shared = static_cast<Shared*>(handle_);
+    if (shared != nullptr) {
+        if (isMine(*shared)) {
+            ++shared->depth;
+            return;
+        }
+        if (take(*shared, ::pthread_mutex_lock)) return;
+    }
+    XLOG_E(kLog, "%s: Error in taking lock, GetLastError: %u", "lock",
+           static_cast<unsigned>(kInvalidHandle));
+    xlogFatalBreak(kLog, __LINE__, "XmutexNamed::lock");
+}
+
+bool XmutexNamed::try_lock() {
+    auto* const shared = static_cast<Shared*>(handle_);
+    if (shared == nullptr) {
+        XLOG_E(kLog, "%s: Error in try_lock, GetLastError: %u", "try_lock",
+               static_cast<unsigned>(kInvalidHandle));
+        return false;
+    }
+    if (isMine(*shared)) {
+        ++shared->depth;
+        return true;
+    }
+    return take(*shared, ::pthread_mutex_trylock);
+}
+
+void XmutexNamed::unlock() {
+    auto* const shared = static_cast<Shared*>(handle_);
+    if (shared != nullptr && isMine(*shared)) {
+        if (--shared->depth > 0) return;
+        shared->owner = 0;
+        ::pthread_mutex_unlock(&shared->mutex);
+        return;
+    }
+    XLOG_E(kLog, "%s: Error in unlocking, GetLastError: %u", "unlock",
+           static_cast<unsigned>(shared == nullptr ? kInvalidHandle : kNotOwner));
+    xlogFatalBreak(kLog, __LINE__, "XmutexNamed::unlock");
+}

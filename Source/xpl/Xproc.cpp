@@ -1,0 +1,77 @@
+// Starting child processes: the command line, the inherit gate, and elevation.
+#include "xpl/Xproc.h"
+
+#include <mutex>
+
+#include "xpl/XinheritGate.h"
+#include "xpl/Xlog.h"
+#include "xpl/XprocCalls.h"
+#include "xpl/Xtext.h"
+
+namespace {
+
+// The tag is not XPROC: filters of the product's log depend on it.
+constexpr XlogModule kLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
+
+// Hands a new process to the caller who wants it, or lets go of it.
+void handOver(void* process, XprocHandle* handle) {
+    if (process == nullptr) return;
+    if (handle != nullptr) {
+        *handle = process;
+    } else {
+        xprocClose(process);
+    }
+}
+
+XErr translated(unsigned long error) { return xerrFromWindows(static_cast<std::int32_t>(error)); }
+
+}  // namespace
+
+XErr xprocCreate(XprocHandle* handle, const XprocArguments& arguments) {
+    if (arguments.empty()) return XERR_INVAL;
+    const XErr err = xprocCreate_basic(handle, arguments);
+    if (err != translated(XPROC_ELEVATION_REQUIRED)) return err;
+    return xprocCreate_elevated_basic(handle, arguments);
+}
+
+XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
+    std::wstring commandLine;
+    if (const XErr err = xtextToWide(xprocJoin(arguments, 0), commandLine); err != XERR_SUCCESS) {
+        return err;
+    }
+    const std::wstring shown = commandLine;  // the call may change the other one
+    void* process = nullptr;
+    unsigned long error = 0;
+    {
+        // No file that is about to be replaced may be open while a child starts.
+        const std::lock_guard<std::mutex> gate(xinheritGate());
+        error = xprocCalls().create(commandLine, process);
+    }
+    if (error != 0) {
+        XLOG_E(kLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d",
+               "xprocCreate_basic", shown.c_str(), static_cast<int>(error));
+        return translated(error);
+    }
+    handOver(process, handle);
+    return XERR_SUCCESS;
+}
+
+XErr xprocCreate_elevated_basic(XprocHandle* handle, const XprocArguments& arguments) {
+    std::wstring file;
+    std::wstring parameters;
+    if (arguments.empty()) return XERR_INVAL;
+    if (const XErr err = xtextToWide(arguments[0], file); err != XERR_SUCCESS) return err;
+    if (const XErr err = xtextToWide(xprocJoin(arguments, 1), parameters); err != XERR_SUCCESS) {
+        return err;
+    }
+    void* process = nullptr;
+    const unsigned long error = xprocCalls().runAs(file, parameters, process);
+    if (error != 0) {
+        XLOG_E(kLog, "%s: ShellExecuteEx failed: filename %ls parameters %ls GetLastError() %d",
+               "xprocCreate_elevated_basic", file.c_str(), parameters.c_str(),
+               static_cast<int>(error));
+        return translated(error);
+    }
+    handOver(process, handle);
+    return XERR_SUCCESS;
+}

@@ -1,0 +1,29 @@
+#ifndef TESTS_HELDFILE_H
+#define TESTS_HELDFILE_H
+
+#include <string>
+
+// A file as a scanner or another program may have it: nobody else can open it (Nothing), or move or
+// delete it (ReadAndWrite), while it is held.
+class HeldFile {
+ public:
+    enum class Shares { Nothing, ReadAndWrite };
+
+    explicit HeldFile(const std::string& path, Shares shares = Shares::Nothing);
+    ~HeldFile() { release(); }
+    HeldFile(const HeldFile&) = delete;
+    HeldFile& operator=(const HeldFile&) = delete;
+
+    bool isHeld() const { return handle_ != nullptr; }
+    void release();
+
+    // Whether this system lets a program do so.
+    static bool isPossible();
+    static constexpr const char* kNeedsWindows =
+        "needs Windows, where a program can hold a file against others";
+
+ private:
+    void* handle_ = nullptr;
+};
+
+#endif

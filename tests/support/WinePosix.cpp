@@ -1,0 +1,3 @@
+#include "support/Wine.h"
+
+bool runsUnderWine() { return false; }

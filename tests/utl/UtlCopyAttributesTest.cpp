@@ -1,0 +1,51 @@
+// Copying and the attributes that files have on Windows.
+#include <gtest/gtest.h>
+
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "utl/UtlCopy.h"
+
+namespace {
+
+class UtlCopyAttributesTest : public ::testing::Test {
+ protected:
+    UtlCopyAttributesTest() {
+        folder.makeFolder("source\\sub");
+        folder.makeFolder("destination");
+        folder.write("source\\a", "new");
+        folder.write("source\\sub\\b", "new");
+    }
+
+    // False where the file system does not keep the attribute.
+    bool set(const std::string& name, DWORD attribute) const {
+        const std::wstring path = wideForTests(folder / name);
+        EXPECT_TRUE(::SetFileAttributesW(path.c_str(), attribute));
+        return (::GetFileAttributesW(path.c_str()) & attribute) != 0;
+    }
+
+    TempFolder folder;
+};
+
+}  // namespace
+
+TEST_F(UtlCopyAttributesTest, AReadOnlyFileInAnExistingSubfolderGoesToo) {
+    folder.makeFolder("destination\\sub");
+    folder.write("destination\\sub\\locked", "old");
+    ASSERT_TRUE(set("destination\\sub\\locked", FILE_ATTRIBUTE_READONLY));
+    EXPECT_EQ(utlCopyRecursive(folder / "source", folder / "destination"), 0);
+    EXPECT_FALSE(folder.has("destination\\sub\\locked"));
+    EXPECT_EQ(folder.read("destination\\sub\\b"), "new");
+}
+
+TEST_F(UtlCopyAttributesTest, HiddenFilesAndFoldersAreLeftOut) {
+    folder.write("source\\hidden", "new");
+    for (const char* name : {"source\\hidden", "source\\sub"}) {
+        if (!set(name, FILE_ATTRIBUTE_HIDDEN)) {
+            GTEST_SKIP() << "needs a file system that keeps the attribute";
+        }
+    }
+    EXPECT_EQ(utlCopyRecursive(folder / "source", folder / "destination"), 0);
+    EXPECT_EQ(folder.read("destination\\a"), "new");
+    EXPECT_FALSE(folder.has("destination\\hidden"));
+    EXPECT_FALSE(folder.has("destination\\sub"));
+}

@@ -1,0 +1,119 @@
+// Trimming and registering with Windows itself, on processes that run.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include "support/LogCapture.h"
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "support/Wine.h"
+#include "utl/UtlCrashHandler.h"
+#include "utl/UtlTrim.h"
+
+// Last: it needs <windows.h>.
+#include <psapi.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// What a scene printed; it must have ended well.
+std::string output(const std::string& scene, const SceneArguments& arguments) {
+    const ChildResult result = runScene(scene, arguments);
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    std::string text = result.out;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
+// A folder with this program in it, in the form that Windows gives image paths.
+class InstallFolder {
+ public:
+    InstallFolder() : path_(fs::canonical(fs::u8path(folder_.path())).u8string() + "\\") {
+        for (const char* name : {"utl_test.exe", "Qt5Core.dll"}) {
+            fs::copy_file(fs::u8path(builtProgram(name)), fs::u8path(path_ + name));
+        }
+    }
+
+    // Ends in a separator, as the registry has it.
+    const std::string& path() const { return path_; }
+    std::string program() const { return path_ + "utl_test.exe"; }
+
+    // A process that runs from the folder, holding this much memory.
+    ChildProcess start(std::size_t megabytes) const {
+        ChildProcess child(program(), {"--scene", "holdsMemory", std::to_string(megabytes)});
+        EXPECT_EQ(child.readLine(), "ready");
+        return child;
+    }
+
+ private:
+    TempFolder folder_;
+    std::string path_;
+};
+
+std::size_t workingSetOf(void* process) {
+    PROCESS_MEMORY_COUNTERS counters{};
+    EXPECT_TRUE(::GetProcessMemoryInfo(process, &counters, sizeof counters));
+    return counters.WorkingSetSize;
+}
+
+}  // namespace
+
+SCENE(trimsRealProcesses) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    const LogCapture log;
+    const XErr result = utlTrimMemoryAllProcs();
+    for (const std::string& line : log.texts(XLOG_VERBOSE)) std::printf("%s\n", line.c_str());
+    std::printf("%d\n", result);
+    return 0;
+}
+
+SCENE(holdsMemory) {
+    std::vector<char> memory(std::stoul(arguments[0]) << 20, 'x');
+    std::printf("ready\n");
+    std::fflush(stdout);
+    ::Sleep(120'000);
+    return memory[0];
+}
+
+TEST(UtlTrim, ARealProcessOfTheInstallFolderIsTrimmed) {
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/1);
+    const std::string id = std::to_string(::GetProcessId(child.handle()));
+    EXPECT_EQ(output("trimsRealProcesses", {install.path()}),
+              "I UTL Trimming memory for process " + id + ":" + install.program() + "\n0\n");
+}
+
+TEST(UtlTrim, ARealProcessOfAnotherFolderIsLeftAlone) {
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/1);
+    EXPECT_EQ(output("trimsRealProcesses", {install.path() + "other\\"}), "0\n");
+}
+
+TEST(UtlTrim, TheWorkingSetShrinks) {
+    if (runsUnderWine()) GTEST_SKIP() << "needs Windows, whose working sets can be trimmed";
+    const InstallFolder install;
+    const ChildProcess child = install.start(/*megabytes=*/64);
+    const std::size_t before = workingSetOf(child.handle());
+    EXPECT_GT(before, std::size_t{64} << 20);
+    output("trimsRealProcesses", {install.path()});
+    EXPECT_LT(workingSetOf(child.handle()), before / 2);
+}
+
+SCENE(registersTheRealCrashHandler) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", arguments[0]);
+    std::printf("%d\n", utlRegisterCrashHandler());
+    return 0;
+}
+
+TEST(UtlCrashHandler, WindowsTakesTheModule) {
+    const TempFolder folder;
+    folder.write("QX-WerHandler.dll", "looked for only when the process crashes");
+    EXPECT_EQ(output("registersTheRealCrashHandler", {folder.path() + "\\"}), "0\n");
+}

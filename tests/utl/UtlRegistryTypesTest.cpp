@@ -1,0 +1,42 @@
+// Values as only the registry of Windows has them.
+#include <gtest/gtest.h>
+
+#include "support/RegistrySandbox.h"
+#include "support/WindowsForTests.h"
+#include "utl/UtlRegistry.h"
+
+namespace {
+
+class UtlRegistryTypes : public ::testing::Test {
+ protected:
+    static std::string read(const std::string& name) {
+        return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, name, "default");
+    }
+
+    RegistrySandbox registry;
+};
+
+}  // namespace
+
+TEST_F(UtlRegistryTypes, AnExpandableTextCountsAsMissing) {
+    registry.setRaw("Version", REG_EXPAND_SZ, L"x", 4);
+    EXPECT_EQ(read("Version"), "default");
+}
+
+TEST_F(UtlRegistryTypes, ANumberCountsAsMissing) {
+    const DWORD number = 5;
+    registry.setRaw("Version", REG_DWORD, &number, sizeof number);
+    EXPECT_EQ(read("Version"), "default");
+}
+
+TEST_F(UtlRegistryTypes, TheTerminatorMayBeMissingOrDoubled) {
+    registry.setRaw("Version", REG_SZ, L"abc", 6);
+    EXPECT_EQ(read("Version"), "abc");
+    registry.setRaw("Version", REG_SZ, L"abc\0", 10);
+    EXPECT_EQ(read("Version"), "abc");
+}
+
+TEST_F(UtlRegistryTypes, AnOddSizeLosesItsLastByte) {
+    registry.setRaw("Version", REG_SZ, L"abc", 5);
+    EXPECT_EQ(read("Version"), "ab");
+}

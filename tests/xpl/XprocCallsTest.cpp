@@ -1,0 +1,158 @@
+// What Windows is asked for, and what it says.
+#include <gtest/gtest.h>
+
+#include "QuotingCases.h"
+#include "support/LogCapture.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "support/process_figures.h"
+#include "xpl/Xproc.h"
+#include "xpl/XprocCalls.h"
+#include "xpl/Xtext.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Path of the test's own program; its own start-up undoes the C runtime's rule and leaves the
+// doubled backslashes, so it is looked for with single ones.
+std::string ownPath() { return builtProgram("xpl_test.exe"); }
+
+// Replaces the two system calls while it lives and keeps what they were given.
+class FakeCalls {
+ public:
+    FakeCalls(unsigned long createError, unsigned long runAsError) : real_(xprocCalls()) {
+        createResult = createError;
+        runAsResult = runAsError;
+        seen.clear();
+        xprocCalls() = {create, runAs};
+    }
+    ~FakeCalls() { xprocCalls() = real_; }
+    FakeCalls(const FakeCalls&) = delete;
+    FakeCalls& operator=(const FakeCalls&) = delete;
+
+    static Lines seen;
+
+ private:
+    static unsigned long create(std::wstring& commandLine, void*& process) {
+        seen.push_back("create " + xtextToUtf8(commandLine));
+        commandLine[0] = L'?';  // as the real call may
+        if (createResult == 0) process = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        return createResult;
+    }
+    static unsigned long runAs(const std::wstring& file, const std::wstring& parameters, void*&) {
+        seen.push_back("runas " + xtextToUtf8(file) + " | " + xtextToUtf8(parameters));
+        return runAsResult;
+    }
+
+    static unsigned long createResult;
+    static unsigned long runAsResult;
+    XprocCalls real_;
+};
+
+Lines FakeCalls::seen;
+unsigned long FakeCalls::createResult;
+unsigned long FakeCalls::runAsResult;
+
+}  // namespace
+
+SCENE(writesItsCommandLine) {
+    std::string line = xtextToUtf8(::GetCommandLineW());
+    writeBytes(arguments[0], line);
+    return 7;
+}
+
+TEST(Xproc, AChildGetsTheExactCommandLine) {
+    const TempFolder folder;
+    for (const QuotingCase& hard : kQuotingCases) {
+        const std::string file = folder / hard.name;
+        // Forward slashes: the child's own start-up keeps doubled backslashes as they are.
+        XprocHandle child = nullptr;
+        std::string slashed = file;
+        for (char& c : slashed) c = c == '\\' ? '/' : c;
+        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "writesItsCommandLine", slashed,
+                                       hard.argument}),
+                  0);
+        std::uint32_t status = 0;
+        EXPECT_EQ(xprocWait(child, &status), 0);
+        EXPECT_EQ(status, 7u) << hard.name;
+        EXPECT_EQ(folder.read(hard.name), xprocQuote(ownPath()) +
+                                              R"( "--scene" "writesItsCommandLine" ")" + slashed +
+                                              "\" " + hard.quoted);
+    }
+}
+
+TEST(Xproc, AProgramThatNeedsElevationIsStartedThroughTheShell) {
+    const LogCapture log;
+    const FakeCalls calls(XPROC_ELEVATION_REQUIRED, 0);
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate(&handle, {R"(C:\P\x.exe)", "a b", R"("q")"}), 0);
+    EXPECT_EQ(FakeCalls::seen, (Lines{R"(create "C:\\P\\x.exe" "a b" "\"q\"")",
+                                      R"(runas C:\P\x.exe | "a b" "\"q\"")"}));
+    EXPECT_EQ(handle, &handle) << "the shell gives no handle";
+    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
+                                 R"("C:\\P\\x.exe" "a b" "\"q\"" GetLastError() 740)"});
+}
+
+TEST(Xproc, AnElevatedStartWithOnlyAProgramHasNoParameters) {
+    const FakeCalls calls(0, 0);
+    EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"}), 0);
+    EXPECT_EQ(FakeCalls::seen, Lines{"runas C:\\x.exe | "});
+}
+
+TEST(Xproc, ADeclinedElevationIsLogged) {
+    const LogCapture log;
+    const FakeCalls calls(XPROC_ELEVATION_REQUIRED, ERROR_CANCELLED);
+    EXPECT_EQ(xprocCreate(nullptr, {"C:\\x.exe", "a"}), 101223);
+    ASSERT_EQ(log.texts().size(), 2u);
+    EXPECT_EQ(log.texts()[1],
+              "E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
+              "parameters \"a\" GetLastError() 1223");
+}
+
+TEST(Xproc, OtherFailuresAreNotTriedAgain) {
+    const FakeCalls calls(ERROR_ACCESS_DENIED, 0);
+    EXPECT_EQ(xprocCreate(nullptr, {"x"}), XERR_ACCES);
+    EXPECT_EQ(FakeCalls::seen.size(), 1u);
+}
+
+TEST(Xproc, AHandleNobodyAsksForIsClosed) {
+    const FakeCalls calls(0, 0);
+    const long before = openHandles();
+    for (int i = 0; i < 50; ++i) ASSERT_EQ(xprocCreate(nullptr, {"x"}), 0);
+    EXPECT_EQ(openHandles(), before);
+}
+
+TEST(Xproc, AnElevatedStartReachesTheProgram) {
+    const TempFolder folder;
+    std::string file = folder / "line";
+    for (char& c : file) c = c == '\\' ? '/' : c;
+    const LogCapture log;
+    const XErr err =
+        xprocCreate_elevated_basic(nullptr, {ownPath(), "--scene", "writesItsCommandLine", file});
+    ASSERT_EQ(err, 0) << "the shell answers for a program that exists";
+    for (int i = 0; i < 100 && !folder.has("line"); ++i) ::Sleep(50);
+    EXPECT_TRUE(folder.has("line"));
+}
+
+TEST(Xproc, KillingAnEndedProcessAnswersZero) {
+    XprocHandle child = nullptr;
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "sleepsLong"}), 0);
+    XprocHandle again = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), child, ::GetCurrentProcess(), &again, 0, FALSE,
+                      DUPLICATE_SAME_ACCESS);
+    xprocKill(child, 1);
+    EXPECT_EQ(xprocWait(child, nullptr), 0) << "closes the handle";
+    EXPECT_EQ(xprocKill(again, 2), 0);
+    ::CloseHandle(again);
+}
+
+TEST(Xproc, AnExitCodeThatCannotBeReadIsLoggedWithTwoBlanks) {
+    const LogCapture log;
+    const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
+    std::uint32_t status = 77;
+    EXPECT_EQ(xprocWait(noProcess, &status), 0);
+    EXPECT_EQ(status, 77u);
+    EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait  GetExitCodeProcess failed with 9 XERR_BADF"});
+}

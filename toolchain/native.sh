@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# The native build: the library's layers on this machine's own system, where clang's sanitizers and
+# fuzzer run. Nothing of it is shipped.
+#   native.sh sanitize           the tests under ASan + UBSan, then under TSan
+#   native.sh fuzz [SECONDS]     each fuzzer for so long, 600 if not told otherwise
+#   native.sh fuzz-briefly       each fuzzer over its seeds and a fixed series of changes to them
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+export UBSAN_OPTIONS=print_stacktrace=1
+export ASAN_OPTIONS=detect_stack_use_after_return=1:check_initialization_order=1
+export LSAN_OPTIONS=suppressions=$tree/tests/sanitizers/lsan.supp:print_suppressions=0
+export TSAN_OPTIONS=suppressions=$tree/tests/sanitizers/tsan.supp
+# Qt's own event loop, as on Windows, and not the one of another library.
+export QT_NO_GLIB=1
+
+# Files, sockets and named mutexes of one run, in memory where that is possible.
+private_folder() {
+    TMPDIR=$(mktemp -d -p "$([ -d /dev/shm ] && echo /dev/shm || echo /tmp)" qxb.XXXXXX)
+    export TMPDIR
+    trap 'rm -rf "$TMPDIR"' EXIT
+}
+
+build() {
+    (cd "$tree" && cmake --preset "$1" && cmake --build "$tree/build/$1")
+}
+
+run_tests() { ctest --test-dir "$tree/build/$1" --output-on-failure -j "$jobs"; }
+
+sanitize() {
+    steps_total=2
+    step "Build with ASan and UBSan" "2 min, later seconds" build asan
+    run_tests asan
+    step "Build with TSan" "2 min, later seconds" build tsan
+    run_tests tsan
+}
+
+# one_fuzzer FOUND NAME OPTION...: new inputs go into FOUND/NAME, those that break something into
+# the build tree.
+one_fuzzer() {
+    local found="$1/$2" name=$2 broken="$tree/build/fuzz/broken" log="$tree/build/fuzz/$2.log"
+    shift 2
+    mkdir -p "$found" "$broken"
+    if ! "$tree/build/fuzz/bin/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
+        -timeout=20 "$@" "$found" "$tree/fuzz/corpus/$name" >"$log" 2>&1; then
+        tail -n 40 "$log"
+        die "the fuzzer $name found something; its whole log: $log"
+    fi
+    awk -v name="$name" '
+        / cov: / { for (i = 1; i < NF; ++i) { if ($i == "cov:") cov = $(i + 1)
+                                             if ($i == "ft:") ft = $(i + 1) } }
+        /number_of_executed_units/ { runs = $2 }
+        /average_exec_per_sec/ { speed = $2 }
+        END { printf "%-16s %10d runs %8d a second %6d edges %7d features\n",
+                     name, runs, speed, cov, ft }' "$log"
+}
+
+each_fuzzer() {
+    local found=$1 folder
+    shift
+    for folder in "$tree"/fuzz/corpus/*/; do
+        one_fuzzer "$found" "$(basename "$folder")" "$@"
+    done
+}
+
+build_fuzzers() {
+    steps_total=1
+    step "Build of the fuzzers" "2 min, later seconds" build fuzz
+}
+
+private_folder
+case ${1:-} in
+sanitize) sanitize ;;
+fuzz)
+    build_fuzzers
+    each_fuzzer "$tree/build/fuzz/found" -max_total_time="${2:-600}" -max_len=8192
+    ;;
+fuzz-briefly)
+    build_fuzzers
+    # Without what earlier runs found: each run does the same.
+    each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
+    ;;
+*) die "native.sh: sanitize, fuzz or fuzz-briefly" ;;
+esac
