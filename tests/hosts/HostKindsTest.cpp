@@ -1,4 +1,6 @@
 // The same events in hosts of every kind.
+#include <algorithm>
+
 #include "NineEvents.h"
 #include "support/RawServer.h"
 
@@ -72,7 +74,12 @@ TEST_F(HostKindsTest, WithQtAndWithoutAnApplicationObject) {
 }
 
 TEST_F(HostKindsTest, AnApplicationObjectOfAnotherThreadMakesQtWarn) {
-    EXPECT_EQ(linesOfHost("qt_host.exe", "elsewhere"),
-              framed({"Qt says: WARNING: QApplication was not created in the main() thread."},
-                     {"finished"}));
+    Lines lines = linesOfHost("qt_host.exe", "elsewhere");
+    const std::string warning =
+        "Qt says: WARNING: QApplication was not created in the main() thread.";
+    const auto found =
+        std::find(lines.begin(), lines.end(), warning);  // somewhere among the events
+    ASSERT_NE(found, lines.end());
+    lines.erase(found);
+    EXPECT_EQ(lines, framed({}, {"finished"}));
 }
