@@ -51,8 +51,8 @@ one_fuzzer() {
                                              if ($i == "ft:") ft = $(i + 1) } }
         /number_of_executed_units/ { runs = $2 }
         /average_exec_per_sec/ { speed = $2 }
-        END { printf "%-16s %10d runs %8d a second %6d edges %7d features\n",
-                     name, runs, speed, cov, ft }' "$log"
+        END { printf "%-16s %10d runs %16s %6d edges %7d features\n", name, runs,
+                     speed > 0 ? speed " a second" : "within a second", cov, ft }' "$log"
 }
 
 each_fuzzer() {
