@@ -52,7 +52,7 @@ one_fuzzer() {
         /number_of_executed_units/ { runs = $2 }
         /average_exec_per_sec/ { speed = $2 }
         END { printf "%-16s %10d runs %16s %6d edges %7d features\n", name, runs,
-                     speed > 0 ? speed " a second" : "within a second", cov, ft }' "$log"
+                     (speed > 0 ? speed " a second" : "within a second"), cov, ft }' "$log"
 }
 
 each_fuzzer() {
