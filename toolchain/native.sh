@@ -77,7 +77,7 @@ fuzz)
     ;;
 fuzz-briefly)
     build_fuzzers
-    # Without what earlier runs found: each run does the same.
+    # Without what earlier runs found: every run starts alike.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
 *) die "native.sh: sanitize, fuzz or fuzz-briefly" ;;
