@@ -51,8 +51,8 @@ one_fuzzer() {
                                              if ($i == "ft:") ft = $(i + 1) } }
         /number_of_executed_units/ { runs = $2 }
         /average_exec_per_sec/ { speed = $2 }
-        END { printf "%-16s %10d runs %8d a second %6d edges %7d features\n",
-                     name, runs, speed, cov, ft }' "$log"
+        END { printf "%-16s %10d runs %16s %6d edges %7d features\n", name, runs,
+                     (speed > 0 ? speed " a second" : "within a second"), cov, ft }' "$log"
 }
 
 each_fuzzer() {
@@ -77,7 +77,7 @@ fuzz)
     ;;
 fuzz-briefly)
     build_fuzzers
-    # Without what earlier runs found: each run does the same.
+    # Without what earlier runs found: every run starts alike.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
 *) die "native.sh: sanitize, fuzz or fuzz-briefly" ;;
