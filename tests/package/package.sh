@@ -26,7 +26,9 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
     share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
-    share/licences/{mingw-w64-runtime,CLI11,nlohmann-json}.txt; do
+    share/licences/{mingw-w64-runtime,CLI11,nlohmann-json}.txt \
+    share/bindings/{node/index.js,csharp/QXBridge.cs,python/qxbridge.py} \
+    share/examples/{c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
 done
 grep -q 'GNU LESSER GENERAL PUBLIC LICENSE' share/licences/Qt-LGPL-3.txt
@@ -48,7 +50,7 @@ done
 # The document's hosts are the ones that are built here, of ten lines at most.
 consumer="$tree/tests/package/consumer"
 page=$(<share/doc/getting-started.md)
-for host in host.c host.cpp; do
+for host in host.c host.cpp host.js host.cs host.py; do
     [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$host")"* ]] || fail "$host is not the document's"
     [ "$(grep -c . "$consumer/$host")" -le 10 ] || fail "$host has more than ten lines"
 done
@@ -66,6 +68,12 @@ cmake --build "$work/clang"
 
 # The import library for Microsoft's linker, with the linker that there is.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
+
+# The hosts without a Windows runtime here are compiled.
+mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
+    share/bindings/csharp/QXBridge.cs
+PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
+    share/bindings/python/qxbridge.py
 
 export WINEPREFIX="$work/prefix"
 trap 'bash "$tree/toolchain/prefix.sh" down' EXIT
@@ -85,6 +93,16 @@ for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cx
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
     [ "$got" = "$listing" ] || fail "$host lists: $got"
 done
+# Node, with the packages where npm puts them; under Wine it cannot write to this system's pipes.
+node=$(bash "$tree/toolchain/node.sh" dir)
+mkdir -p "$work/npm/node_modules"
+cp -r "$root/share/bindings/node" "$work/npm/node_modules/qx-bridge"
+ln -s "$node/node_modules/koffi" "$work/npm/node_modules/koffi"
+cp "$consumer/host.js" "$work/npm"
+wine "$node/node/bin/node.exe" "$(windows_path "$work/npm/host.js")" \
+    "$(windows_path "$root/bin/QX-Bridge.dll")" >"$work/node.txt" 2>&1
+[ "$(tr -d '\r' <"$work/node.txt")" = "Nougat64 Jeux" ] || fail "host.js lists: $(<"$work/node.txt")"
+
 QX_STANDIN_OUTPUT="$(windows_path "$work/standins.txt")" QX_STANDIN_SECONDS=1 QX_STANDIN_CLIENTS=none \
     wine bin/bridgectl.exe launch Nougat64 com.example.app
 for ((i = 0; i < 100; i++)); do
