@@ -21,9 +21,6 @@ constexpr std::string_view kFloorLine =
 
 struct Log {
     Log() {
-        library = folder / "library.log";
-        benchCheck(xlogSetFile(library) == XERR_SUCCESS, "no log");
-        xlogSetClientName("Helper_bridge");
         auto sink =
             std::make_shared<spdlog::sinks::basic_file_sink_mt>(folder / "spdlog.log", true);
         other = std::make_shared<spdlog::logger>("CONF", std::move(sink));
@@ -32,7 +29,6 @@ struct Log {
     }
 
     TempFolder folder;
-    std::string library;
     std::shared_ptr<spdlog::logger> other;
     FloorHandle floor{floorOpenForAppend(wideForTests(folder / "floor.log").c_str())};
     int number = 0;

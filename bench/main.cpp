@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "Bench.h"
+#include "support/TempFolder.h"
 #include "xpl/Xlog.h"
 
 namespace {
@@ -16,6 +17,9 @@ bool isWanted(const std::string& name, int count, char** prefixes) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    const TempFolder folder;
+    if (xlogLibInit(nullptr, folder / "library.log") != XERR_SUCCESS) return 1;
+    xlogSetClientName("Helper_bridge");
     Rows rows;
     addLoadRows(rows);
     addAccessRows(rows);
