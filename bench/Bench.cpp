@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int kRounds = 11;
-constexpr int kAttempts = 4;
+constexpr int kAttempts = 3;
 constexpr double kSampleNanoseconds = 20e6;
 
 // Highest ratio of the slowest to the fastest sample of the middle half.

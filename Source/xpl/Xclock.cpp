@@ -43,7 +43,7 @@ char* put(char* to, std::int64_t number, int digits, char separator) {
     return to + digits + 1;
 }
 
-// From 1970 to 9999, without the C runtime, which takes longer than the rest of a log line.
+// From 1970 to 3000, without the C runtime, which takes longer than the rest of a log line.
 XclockStamp usualStamp(std::int64_t local, std::string_view zoneSuffix) {
     const std::int64_t seconds = local / kMicrosPerSecond;
     const Date date = dateOf(seconds / kSecondsPerDay);
@@ -64,8 +64,9 @@ XclockStamp usualStamp(std::int64_t local, std::string_view zoneSuffix) {
 }  // namespace
 
 XclockStamp xclockStamp(std::int64_t local, const char* zoneSuffix) {
-    constexpr std::int64_t kYear10000 = 253'402'300'800 * kMicrosPerSecond;
-    if (local >= 0 && local < kYear10000) return usualStamp(local, zoneSuffix);
+    // As far as the runtime's calendar goes; behind it there is no date.
+    constexpr std::int64_t kYear3001 = 32'535'216'000 * kMicrosPerSecond;
+    if (local >= 0 && local < kYear3001) return usualStamp(local, zoneSuffix);
     const int milliseconds = static_cast<int>((local % kMicrosPerSecond) / 1000);
     XclockStamp stamp{};
     std::snprintf(stamp.data(), stamp.size(), "%s.%03d%s",

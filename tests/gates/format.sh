@@ -3,7 +3,7 @@
 set -euo pipefail
 formatter=$1 root=$2
 
-mapfile -t files < <(find "$root"/{include,Source,programs,tests} -name '*.cpp' -o -name '*.h' -o -name '*.c')
+mapfile -t files < <(find "$root"/{include,Source,programs,tests,bench} -name '*.cpp' -o -name '*.h' -o -name '*.c')
 [ ${#files[@]} -gt 50 ] || { echo "only ${#files[@]} files found"; exit 1; }
 "$formatter" --style="file:$root/.clang-format" --dry-run --Werror "${files[@]}"
 echo "${#files[@]} files"
