@@ -43,18 +43,44 @@ inline std::size_t findOneByOne(std::string_view text, std::size_t at, char want
 
 }  // namespace xbytes_detail
 
+#if defined(XBYTES_SSE2)
+namespace xbytes_detail {
+
+constexpr std::size_t kBlock = sizeof(__m128i);
+
+// A bit for each byte of the block that is the wanted one.
+inline unsigned matches(const char* block, char wanted) noexcept {
+    __m128i bytes;
+    std::memcpy(&bytes, block, kBlock);
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted))));
+}
+
+inline std::size_t lowestBit(unsigned bits) noexcept {
+#if defined(__GNUC__) || defined(__clang__)
+    return static_cast<std::size_t>(__builtin_ctz(bits));
+#else
+    std::size_t place = 0;
+    for (; (bits & 1) == 0; bits >>= 1) ++place;
+    return place;
+#endif
+}
+
+}  // namespace xbytes_detail
+#endif
+
 // Place of the first such byte from `at` on, or npos.
 inline std::size_t xbytesFind(std::string_view text, char wanted, std::size_t at = 0) noexcept {
 #if defined(XBYTES_SSE2)
-    constexpr std::size_t kStep = sizeof(__m128i);
-    const __m128i pattern = _mm_set1_epi8(wanted);
-    for (; at + kStep <= text.size(); at += kStep) {
-        __m128i bytes;
-        std::memcpy(&bytes, text.data() + at, kStep);
-        auto found = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, pattern)));
-        if (found == 0) continue;
-        for (; (found & 1) == 0; found >>= 1) ++at;
-        return at;
+    using namespace xbytes_detail;
+    for (; at + kBlock <= text.size(); at += kBlock) {
+        const unsigned found = matches(text.data() + at, wanted);
+        if (found != 0) return at + lowestBit(found);
+    }
+    if (at < text.size() && text.size() >= kBlock) {
+        // The last block, of which the part before `at` does not count.
+        const std::size_t start = text.size() - kBlock;
+        const unsigned found = matches(text.data() + start, wanted) >> (at - start);
+        return found == 0 ? std::string_view::npos : at + lowestBit(found);
     }
 #endif
     return xbytes_detail::findOneByOne(text, at, wanted);
