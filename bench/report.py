@@ -19,6 +19,8 @@ CHART = TREE / "docs" / "performance.svg"
 
 # A ratio may be this many times the recorded one; noise of a shared machine stays below.
 CHECK_FACTOR = 1.6
+# Which thread wakes first decides about a latency: it is one of two times, on every side.
+CHECK_FACTORS = {"events/latency": 6}
 DLL_LIMIT = 600 * 1024
 MEMORY_LIMIT = 3.0  # of the file
 
@@ -158,11 +160,11 @@ def check(rows):
     for name, sides in ratios(rows).items():
         for side, ratio in sides.items():
             before = recorded.get(name, {}).get(side)
-            if before is None or ratio <= before * CHECK_FACTOR:
+            if before is None or ratio <= before * CHECK_FACTORS.get(name, CHECK_FACTOR):
                 continue
             failed += 1
             print(f"slower: {name} against {side}: ratio {ratio:.2f}, recorded {before:.2f}")
-    print(f"{failed} ratios are more than {CHECK_FACTOR} times the recorded ones")
+    print(f"{failed} ratios are too far above the recorded ones")
     return 1 if failed else 0
 
 
