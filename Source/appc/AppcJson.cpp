@@ -5,8 +5,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
-#include <charconv>
 #include <limits>
+
+#include "utl/UtlJson.h"
 
 namespace {
 
@@ -75,56 +76,6 @@ AppcFlaw readElement(const QJsonValue& element, AppcApps& apps) {
     return reader.flaw();
 }
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-void appendEscape(std::string& out, char c) {
-    constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
-    constexpr std::string_view names = "\"\\bfnrt";
-    constexpr std::string_view digits = "0123456789abcdef";
-    const std::size_t known = escaped.find(c);
-    if (known != std::string_view::npos) {
-        out.append(1, '\\').append(1, names[known]);
-        return;
-    }
-    const std::size_t code = static_cast<unsigned char>(c);
-    out.append("\\u00").append(1, digits[code >> 4]).append(1, digits[code & 15]);
-}
-
-bool needsEscape(char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; }
-
-void appendEscaped(std::string& out, std::string_view text) {
-    while (!text.empty()) {
-        const auto end = std::find_if(text.begin(), text.end(), needsEscape);
-        const auto plain = static_cast<std::size_t>(end - text.begin());
-        out.append(text.substr(0, plain));
-        if (plain == text.size()) return;
-        appendEscape(out, text[plain]);
-        text.remove_prefix(plain + 1);
-    }
-}
-
-void appendQuoted(std::string& out, std::string_view text) {
-    out += '"';
-    if (isAscii(text)) {
-        appendEscaped(out, text);
-    } else {
-        // Bytes that are not UTF-8 become what Qt makes of them.
-        const int size = static_cast<int>(text.size());
-        const QByteArray bytes = QString::fromUtf8(text.data(), size).toUtf8();
-        appendEscaped(out, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
-    }
-    out += '"';
-}
-
-void appendNumber(std::string& out, std::int32_t number) {
-    char digits[12];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    out.append(digits, end);
-}
-
 // How an element shows its icon.
 struct IconMember {
     std::string_view key;
@@ -133,7 +84,7 @@ struct IconMember {
 
 void appendText(std::string& out, std::string_view key, std::string_view text) {
     out.append("        \"").append(key).append("\": ");
-    appendQuoted(out, text);
+    utlJsonAppendText(out, text);
     out.append(",\n");
 }
 
@@ -146,9 +97,9 @@ void appendElement(std::string& out, const AppcApps::value_type& entry, const Ic
     appendText(out, icon.key, std::string(icon.folder).append(app.iconFileName));
     appendText(out, "package", package);
     out.append("        \"versionCode\": ");
-    appendNumber(out, app.versionCode);
+    utlJsonAppendNumber(out, app.versionCode);
     out.append(",\n        \"versionName\": ");
-    appendQuoted(out, app.versionName);
+    utlJsonAppendText(out, app.versionName);
     out.append("\n    }");
 }
 

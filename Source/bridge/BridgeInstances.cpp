@@ -1,45 +1,76 @@
 // The instance listing.
 #include "bridge/BridgeInstances.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
+#include "utl/UtlJson.h"
 
 namespace {
 
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+// About the size of an element.
+constexpr std::size_t kElementSize = 320;
+
+// What is read of an instance, in this order: an unknown image and a number that cannot be read are
+// fatal.
+struct Instance {
+    Instance(ConfStore& store, const std::string& instanceName) : name(instanceName) {
+        std::string key = confInstancePrefix(name);
+        const std::size_t prefix = key.size();
+        const auto keyOf = [&](const char* property) -> const std::string& {
+            return key.replace(prefix, std::string::npos, property);
+        };
+        deviceProfile = confGetString(store, keyOf("device_profile_code"));
+        graphicsEngine = confGetString(store, keyOf("graphics_engine"));
+        graphicsRenderer = confGetString(store, keyOf("graphics_renderer"));
+        imageName = utlGetImageTrait(utlImageNameOfInstance(name)).name;
+        displayName = confGetString(store, keyOf("display_name"));
+        ram = confGetI32(store, keyOf("ram"));
+        cpu = confGetI32(store, keyOf("cpus"));  // the one that is not shown under its name
+    }
+
+    const std::string& name;
+    std::string deviceProfile;
+    std::string graphicsEngine;
+    std::string graphicsRenderer;
+    const char* imageName;
+    std::string displayName;
+    std::int32_t ram;
+    std::int32_t cpu;
+};
+
+void appendText(std::string& out, const char* member, std::string_view text) {
+    out.append("        \"").append(member).append("\": ");
+    utlJsonAppendText(out, text);
+    out.append(",\n");
 }
 
-QJsonObject instanceObject(ConfStore& store, const std::string& name) {
-    const std::string prefix = confInstancePrefix(name);
-    const auto text = [&](const char* property) {
-        return fromUtf8(confGetString(store, prefix + property));
-    };
-    const auto number = [&](const char* property) { return confGetI32(store, prefix + property); };
-    return {
-        {QStringLiteral("instance"), fromUtf8(name)},
-        {QStringLiteral("deviceProfile"), text("device_profile_code")},
-        {QStringLiteral("graphicsEngine"), text("graphics_engine")},
-        {QStringLiteral("graphicsRenderer"), text("graphics_renderer")},
-        {QStringLiteral("imageName"),
-         fromUtf8(utlGetImageTrait(utlImageNameOfInstance(name)).name)},
-        {QStringLiteral("displayName"), text("display_name")},
-        {QStringLiteral("ram"), number("ram")},
-        {QStringLiteral("cpu"),
-         number("cpus")},  // the one member that is not named as its property
-    };
+// Members are in ascending order of their names, as Qt keeps them.
+void appendInstance(std::string& out, const Instance& instance) {
+    out.append("    {\n        \"cpu\": ");
+    utlJsonAppendNumber(out, instance.cpu);
+    out.append(",\n");
+    appendText(out, "deviceProfile", instance.deviceProfile);
+    appendText(out, "displayName", instance.displayName);
+    appendText(out, "graphicsEngine", instance.graphicsEngine);
+    appendText(out, "graphicsRenderer", instance.graphicsRenderer);
+    appendText(out, "imageName", instance.imageName);
+    appendText(out, "instance", instance.name);
+    out.append("        \"ram\": ");
+    utlJsonAppendNumber(out, instance.ram);
+    out.append("\n    }");
 }
 
 }  // namespace
 
 std::string bridgeInstancesJson(ConfStore& store) {
-    QJsonArray array;
-    for (const std::string& name : confGetInstances(store)) {
-        array.append(instanceObject(store, name));
+    const auto names = confGetInstances(store);
+    std::string out;
+    out.reserve(names.size() * kElementSize);
+    out.append("[\n");
+    for (auto name = names.begin(); name != names.end(); ++name) {
+        if (name != names.begin()) out.append(",\n");
+        appendInstance(out, Instance(store, *name));
     }
-    return QJsonDocument(array).toJson().toStdString();
+    if (!names.empty()) out += '\n';
+    return out.append("]\n");
 }

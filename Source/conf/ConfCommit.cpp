@@ -7,6 +7,7 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
+#include "xpl/Xbytes.h"
 #include "xpl/Xfence.h"
 #include "xpl/XinheritGate.h"
 
@@ -119,7 +120,9 @@ XErr writeValues(const ConfStore& store, ConfOutput& output) XTS_REQUIRES(store.
     std::string key;
     store.values.forEach(
         [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            key.assign(prefix).append(name);
+            // The keys of an instance come one behind the other.
+            if (!xbytesStartsWith(key, prefix)) key = prefix;
+            key.replace(prefix.size(), std::string::npos, name);
             writer.write(key, value);
         });
     return writer.finish();

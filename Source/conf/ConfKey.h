@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "conf/ConfCatalogue.h"
+#include "xpl/Xbytes.h"
 
 // The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>".
 
@@ -20,14 +21,14 @@ struct ConfKey {
 };
 
 inline ConfKey confSplitKey(std::string_view key) {
-    if (key.substr(0, CONF_INSTANCE_PREFIX.size()) == CONF_INSTANCE_PREFIX) {
-        const std::size_t dot = key.find('.', CONF_INSTANCE_PREFIX.size());
+    if (xbytesStartsWith(key, CONF_INSTANCE_PREFIX)) {
+        const std::size_t dot = xbytesFind(key, '.', CONF_INSTANCE_PREFIX.size());
         const std::string_view instance =
             key.substr(CONF_INSTANCE_PREFIX.size(), dot - CONF_INSTANCE_PREFIX.size());
         const std::string_view property = dot == std::string_view::npos ? key : key.substr(dot + 1);
         return {ConfScope::Instance, instance, property};
     }
-    if (key.substr(0, CONF_PREFIX.size()) == CONF_PREFIX) {
+    if (xbytesStartsWith(key, CONF_PREFIX)) {
         return {ConfScope::Global, {}, key.substr(CONF_PREFIX.size())};
     }
     return {};

@@ -7,6 +7,7 @@
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfText.h"
+#include "xpl/Xbytes.h"
 #include "xpl/XinheritGate.h"
 #include "xpl/Xunload.h"
 
@@ -39,7 +40,7 @@ class Loader {
         XTS_REQUIRES(store.lock) {
         const ConfProperty* property = instanceProperty(store.catalogue.instances(), key.property);
         if (property == nullptr) return refuse(entry, "iprop dir");
-        if (!instance_ || *instance_ != key.instance) enter(store, key.instance);
+        if (!instance_ || !xbytesSame(*instance_, key.instance)) enter(store, key.instance);
         feed_.assignInInstance(key.property, entry.value);
         if (property->deprecated) store.deprecated.emplace(entry.key);
         return true;
@@ -55,7 +56,8 @@ class Loader {
     }
 
     const ConfProperty* instanceProperty(const ConfDirectory& directory, std::string_view name) {
-        if (expected_ == directory.end() || expected_->first != name) {
+        if (expected_ == directory.end()) expected_ = directory.begin();
+        if (expected_ == directory.end() || !xbytesSame(expected_->first, name)) {
             expected_ = directory.find(name);
             if (expected_ == directory.end()) return nullptr;
         }
@@ -118,7 +120,7 @@ XErr loadUnderFileLock(ConfStore& store) XTS_REQUIRES(store.lock) {
 }  // namespace
 
 XErr confAddInstanceLocked(ConfStore& store, std::string_view name) {
-    store.instances.emplace(name);
+    store.instances.emplace_hint(store.instances.end(), name);  // a file has them in order
     store.values.addMissing(name, store.catalogue.instances());
     return XERR_SUCCESS;
 }

@@ -13,6 +13,7 @@
 #include "conf/ConfValueMap.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
 #include "xpl/XmutexNamed.h"
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
@@ -33,7 +34,7 @@ struct ConfStore {
     ConfValueMap values XTS_GUARDED_BY(lock);
 
     // Set and not committed yet; removed and not committed yet.
-    std::map<std::string, std::string, std::less<>> pending XTS_GUARDED_BY(lock);
+    std::map<std::string, std::string, XbytesOrder> pending XTS_GUARDED_BY(lock);
     std::set<std::string, std::less<>> removals XTS_GUARDED_BY(lock);
 
     // Keys of deprecated properties that were seen; a commit drops them.

@@ -1,25 +1,29 @@
 // Reading and writing the lines of a configuration file.
 #include "conf/ConfText.h"
 
+#include "xpl/Xbytes.h"
+
 namespace {
 
 constexpr std::string_view kBeforeValue = "=\"";
 constexpr std::string_view kAfterValue = "\"\n";
 
-std::string_view untilNul(std::string_view text) { return text.substr(0, text.find('\0')); }
+std::string_view untilNul(std::string_view text) { return text.substr(0, xbytesFind(text, '\0')); }
 
-bool contains(std::string_view text, char c) { return text.find(c) != std::string_view::npos; }
+bool contains(std::string_view text, char c) {
+    return xbytesFind(text, c) != std::string_view::npos;
+}
 
 }  // namespace
 
 ConfRead ConfTextReader::next(ConfEntry& entry) {
     if (rest_.empty()) return ConfRead::End;
-    const std::size_t end = rest_.find('\n');
+    const std::size_t end = xbytesFind(rest_, '\n');
     const std::string_view line = rest_.substr(0, end);
     rest_ = end == std::string_view::npos ? std::string_view{} : rest_.substr(end + 1);
     entry.line = line;
     if (line.size() > CONF_LINE_SIZE) return ConfRead::Malformed;
-    const std::size_t equals = line.find('=');
+    const std::size_t equals = xbytesFind(line, '=');
     if (equals == std::string_view::npos) return ConfRead::Malformed;
     entry.key = line.substr(0, equals);
     // A line that ends one character after its "=" leaves nothing to drop at the end.
@@ -46,5 +50,11 @@ XErr confCheckEntry(std::string_view key, std::string_view value) {
 }
 
 void confAppendLine(std::string& text, std::string_view key, std::string_view value) {
-    text.append(key).append(kBeforeValue).append(untilNul(value)).append(kAfterValue);
+    const std::string_view written = untilNul(value);
+    const std::size_t before = text.size();
+    text.resize(before + key.size() + kBeforeValue.size() + written.size() + kAfterValue.size());
+    char* end = xbytesCopy(&text[before], key);
+    end = xbytesCopy(end, kBeforeValue);
+    end = xbytesCopy(end, written);
+    xbytesCopy(end, kAfterValue);
 }

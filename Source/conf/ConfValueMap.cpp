@@ -3,70 +3,82 @@
 
 #include <algorithm>
 
-#include "conf/ConfKey.h"
-
 namespace {
 
-// Length of the prefix that groups a key; 0 for a key that belongs to no instance.
-std::size_t prefixLength(std::string_view key) {
-    if (key.substr(0, CONF_INSTANCE_PREFIX.size()) != CONF_INSTANCE_PREFIX) return 0;
-    const std::size_t dot = key.find('.', CONF_INSTANCE_PREFIX.size());
-    return dot == std::string_view::npos ? 0 : dot + 1;
+// Both parts of a key; no instance for a key that belongs to none, whose name is the whole key.
+struct Place {
+    bool isInstance = false;
+    std::string_view instance;
+    std::string_view name;
+};
+
+Place placeOf(std::string_view key) {
+    const std::size_t start = CONF_INSTANCE_PREFIX.size();
+    if (!xbytesStartsWith(key, CONF_INSTANCE_PREFIX)) return {false, {}, key};
+    const std::size_t dot = xbytesFind(key, '.', start);
+    if (dot == std::string_view::npos) return {false, {}, key};
+    return {true, key.substr(start, dot - start), key.substr(dot + 1)};
+}
+
+void setValue(std::string& value, std::string_view to) {
+    if (!xbytesSame(value, to)) value.assign(to);
 }
 
 }  // namespace
 
 template <typename AnyGroup>
 auto ConfValueMap::position(AnyGroup& group, std::string_view name) {
-    return std::lower_bound(
-        group.begin(), group.end(), name,
-        [](const Entry& entry, std::string_view wanted) { return entry.name < wanted; });
+    return std::lower_bound(group.begin(), group.end(), name,
+                            [](const Entry& entry, std::string_view wanted) {
+                                return xbytesCompare(entry.name, wanted) < 0;
+                            });
 }
 
 void ConfValueMap::assignIn(Group& group, std::string_view name, std::string_view value) {
     const auto found = position(group, name);
-    if (found != group.end() && found->name == name) {
-        found->value = value;
+    if (found != group.end() && xbytesSame(found->name, name)) {
+        setValue(found->value, value);
     } else {
-        group.insert(found, {std::string(name), std::string(value)});
+        const std::string_view own = *ownNames_.emplace(name).first;
+        group.insert(found, {own, std::string(value)});
     }
+}
+
+ConfValueMap::Group& ConfValueMap::groupOf(std::string_view instance) {
+    const auto found = groups_.lower_bound(instance);
+    if (found != groups_.end() && xbytesSame(found->first, instance)) return found->second;
+    return groups_.try_emplace(found, std::string(instance))->second;
 }
 
 const std::string* ConfValueMap::find(std::string_view key) const {
-    const std::size_t prefix = prefixLength(key);
+    const Place place = placeOf(key);
     const Group* group = &others_;
-    if (prefix > 0) {
-        const auto found = groups_.find(key.substr(0, prefix));
+    if (place.isInstance) {
+        const auto found = groups_.find(place.instance);
         if (found == groups_.end()) return nullptr;
         group = &found->second;
     }
-    const std::string_view name = key.substr(prefix);
-    const auto found = position(*group, name);
-    return found != group->end() && found->name == name ? &found->value : nullptr;
+    const auto found = position(*group, place.name);
+    return found != group->end() && xbytesSame(found->name, place.name) ? &found->value : nullptr;
 }
 
 void ConfValueMap::assign(std::string_view key, std::string_view value) {
-    const std::size_t prefix = prefixLength(key);
-    if (prefix == 0) {
-        assignIn(others_, key, value);
-    } else {
-        assignIn(groups_[std::string(key.substr(0, prefix))], key.substr(prefix), value);
-    }
+    const Place place = placeOf(key);
+    assignIn(place.isInstance ? groupOf(place.instance) : others_, place.name, value);
 }
 
 void ConfValueMap::erase(std::string_view key) {
-    const std::size_t prefix = prefixLength(key);
-    const auto group = prefix == 0 ? groups_.end() : groups_.find(key.substr(0, prefix));
-    if (prefix > 0 && group == groups_.end()) return;
-    Group& entries = prefix == 0 ? others_ : group->second;
-    const std::string_view name = key.substr(prefix);
-    const auto found = position(entries, name);
-    if (found != entries.end() && found->name == name) entries.erase(found);
-    if (prefix > 0 && entries.empty()) groups_.erase(group);
+    const Place place = placeOf(key);
+    const auto group = place.isInstance ? groups_.find(place.instance) : groups_.end();
+    if (place.isInstance && group == groups_.end()) return;
+    Group& entries = place.isInstance ? group->second : others_;
+    const auto found = position(entries, place.name);
+    if (found != entries.end() && xbytesSame(found->name, place.name)) entries.erase(found);
+    if (place.isInstance && entries.empty()) groups_.erase(group);
 }
 
 void ConfValueMap::addMissing(std::string_view instance, const ConfDirectory& properties) {
-    Group& group = groups_[confInstancePrefix(instance)];
+    Group& group = groupOf(instance);
     if (group.empty()) {
         group.reserve(properties.size());
         for (const auto& [name, property] : properties) {
@@ -76,7 +88,7 @@ void ConfValueMap::addMissing(std::string_view instance, const ConfDirectory& pr
     }
     for (const auto& [name, property] : properties) {
         const auto found = position(group, name);
-        if (found == group.end() || found->name != name) {
+        if (found == group.end() || !xbytesSame(found->name, name)) {
             group.insert(found, {name, property.defaultValue});
         }
     }
@@ -89,17 +101,17 @@ std::size_t ConfValueMap::size() const {
 }
 
 void ConfValueFeed::enterInstance(std::string_view instance) {
-    const auto found = map_.groups_.find(confInstancePrefix(instance));
+    const auto found = map_.groups_.find(instance);
     group_ = found == map_.groups_.end() ? nullptr : &found->second;
     next_ = 0;
 }
 
 void ConfValueFeed::assignInInstance(std::string_view name, std::string_view value) {
-    if (next_ >= group_->size() || (*group_)[next_].name != name) {
-        ConfValueMap::assignIn(*group_, name, value);
+    if (next_ >= group_->size() || !xbytesSame((*group_)[next_].name, name)) {
+        map_.assignIn(*group_, name, value);
         next_ = static_cast<std::size_t>(ConfValueMap::position(*group_, name) - group_->begin());
     } else {
-        (*group_)[next_].value = value;
+        setValue((*group_)[next_].value, value);
     }
     ++next_;
 }

@@ -4,6 +4,7 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -34,24 +35,74 @@ std::uint32_t numberAt(const QByteArray& buffer, std::size_t offset) {
 
 const char* serverOf(const IpcConnectionInfo& info) { return info.serverName->c_str(); }
 
+// What a socket holds, taken out of it in large blocks: packets are small, and each question to the
+// socket costs more than the bytes of one.
+class Incoming {
+ public:
+    explicit Incoming(QLocalSocket& socket) : socket_(socket) {}
+
+    qint64 available() const { return rest() + socket_.bytesAvailable(); }
+    bool hasAny() const { return rest() > 0 || socket_.bytesAvailable() > 0; }
+    bool has(qint64 count) const { return rest() >= count || available() >= count; }
+
+    // Up to `wanted`, and no more than there are.
+    qint64 availableOf(qint64 wanted) const {
+        return rest() >= wanted ? wanted : std::min(wanted, available());
+    }
+
+    // Gives the number of bytes that came.
+    qint64 take(char* to, qint64 count) {
+        qint64 done = takeRest(to, count);
+        if (done == count) return done;
+        if (count - done < static_cast<qint64>(block_.size())) {
+            at_ = 0;
+            end_ = read(block_.data(), static_cast<qint64>(block_.size()));
+            return done + takeRest(to + done, count - done);
+        }
+        return done + read(to + done, count - done);
+    }
+
+    // Puts what was not taken back into the socket, where the next call finds it.
+    void giveBack() {
+        while (end_ > at_) socket_.ungetChar(block_[static_cast<std::size_t>(--end_)]);
+    }
+
+ private:
+    qint64 rest() const { return end_ - at_; }
+
+    qint64 read(char* to, qint64 count) { return std::max<qint64>(socket_.read(to, count), 0); }
+
+    qint64 takeRest(char* to, qint64 wanted) {
+        const qint64 count = std::min(wanted, rest());
+        std::memcpy(to, block_.data() + at_, static_cast<std::size_t>(count));
+        at_ += count;
+        return count;
+    }
+
+    QLocalSocket& socket_;
+    qint64 at_ = 0;
+    qint64 end_ = 0;
+    std::array<char, 16 * 1024> block_;
+};
+
 // Appends up to `wanted` bytes, and no more than there are: memory follows what has arrived, not
 // what a header claims.
-void append(IpcConnectionInfo& info, qint64 wanted) {
-    const qint64 count = std::min(wanted, info.socket->bytesAvailable());
+void append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
+    const qint64 count = incoming.availableOf(wanted);
     const int before = info.buffer.size();
     if (count <= 0) return;
     if (before + count > kMaxBuffer) throw std::bad_alloc();
     info.buffer.resize(before + static_cast<int>(count));
-    const qint64 got = info.socket->read(info.buffer.data() + before, count);
-    info.buffer.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
+    const qint64 got = incoming.take(info.buffer.data() + before, count);
+    if (got < count) info.buffer.resize(before + static_cast<int>(got));
 }
 
 // Starts a packet with the header that is waiting, and gives the length of the reply it wants.
-std::uint32_t readHeader(IpcConnectionInfo& info, const char* self) {
+std::uint32_t readHeader(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
     XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
-           static_cast<int>(info.socket->bytesAvailable()));
+           static_cast<int>(incoming.available()));
     info.buffer.resize(0);
-    append(info, kHeaderSize);
+    append(info, incoming, kHeaderSize);
     info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
     const std::uint32_t replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
     XLOG_D(kLog,
@@ -63,7 +114,7 @@ std::uint32_t readHeader(IpcConnectionInfo& info, const char* self) {
 
 // The bytes still to come are a signed 32-bit number, so that lengths near both ends of the range
 // give a negative one: nothing can find the next packet behind such a header.
-void readBody(IpcConnectionInfo& info, const char* self) {
+void readBody(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
     const auto bytesToRead =
         static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(info.buffer.size()));
     XLOG_D(kLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info), bytesToRead);
@@ -73,7 +124,7 @@ void readBody(IpcConnectionInfo& info, const char* self) {
                self, serverOf(info), bytesToRead, info.packetLen, info.buffer.size());
         XLOG_FATAL(kLog);
     }
-    append(info, bytesToRead);
+    append(info, incoming, bytesToRead);
 }
 
 // Memory for a reply; none, and a reply length of 0, when it cannot be had. Zeroed, so that no old
@@ -189,21 +240,25 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     const char* const self = "ipcReadCommand";
     XLOG_D(kLog, "%s called for info %p", self, static_cast<void*>(info));
     XLOG_D(kLog, "%s called for serverName %s", self, serverOf(*info));
+    Incoming incoming(*info->socket);
     // Known within this call only: a packet that is completed by a later one gets no reply.
     std::uint32_t replyLength = 0;
     do {
         if (info->packetLen == 0) {
-            if (info->socket->bytesAvailable() < kHeaderSize) return;
-            replyLength = readHeader(*info, self);
+            if (!incoming.has(kHeaderSize)) {
+                incoming.giveBack();
+                return;
+            }
+            replyLength = readHeader(*info, incoming, self);
         }
-        readBody(*info, self);
+        readBody(*info, incoming, self);
         if (static_cast<std::uint32_t>(info->buffer.size()) == info->packetLen) {
             dispatch(*info, decode, replyLength, self);
         } else {
             XLOG_D(kLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
                    serverOf(*info), info->buffer.size(), info->packetLen);
         }
-    } while (info->socket->bytesAvailable() > 0);
+    } while (incoming.hasAny());
 }
 
 void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode) {

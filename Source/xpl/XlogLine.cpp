@@ -2,7 +2,11 @@
 #include "xpl/XlogLine.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <string_view>
+
+#include "xpl/Xbytes.h"
 
 namespace {
 
@@ -11,9 +15,14 @@ constexpr std::size_t kLimit = XLOG_LINE_SIZE - 2;  // room for the line feed an
 // A line under construction. Text beyond the limit is dropped; `used` then stands at the limit.
 class Line {
  public:
-    explicit Line(XlogLineBuffer& buffer) : buffer_(buffer) {
-        // A formatter that fails may leave part of its room untouched: no old stack bytes there.
-        buffer_.fill(' ');
+    explicit Line(XlogLineBuffer& buffer) : buffer_(buffer) {}
+
+    // A text, blanks up to this width, and the separator.
+    void appendText(std::string_view text, std::size_t width, std::string_view separator) {
+        constexpr std::string_view blanks = "          ";
+        add(text);
+        if (text.size() < width) add(blanks.substr(0, width - text.size()));
+        add(separator);
     }
 
     void append(const char* format, ...) XPRINTF_LIKE(2, 3) {
@@ -25,9 +34,15 @@ class Line {
 
     void appendList(const char* format, std::va_list arguments) XPRINTF_LIKE(2, 0) {
         if (used_ >= kLimit) return;
+        std::va_list again;
+        va_copy(again, arguments);
         const int length = std::vsnprintf(&buffer_[used_], kLimit + 1 - used_, format, arguments);
-        used_ = length < 0 ? kLimit : std::min(kLimit, used_ + static_cast<std::size_t>(length));
-        if (length < 0) blankTerminators();
+        if (length < 0) {
+            appendAgain(format, again);
+        } else {
+            used_ = std::min(kLimit, used_ + static_cast<std::size_t>(length));
+        }
+        va_end(again);
     }
 
     std::size_t finish() {
@@ -38,7 +53,20 @@ class Line {
     }
 
  private:
-    void blankTerminators() { std::replace(buffer_.begin(), buffer_.end(), '\0', ' '); }
+    void add(std::string_view text) {
+        const std::string_view fitting = text.substr(0, kLimit - used_);
+        xbytesCopy(&buffer_[used_], fitting);
+        used_ += fitting.size();
+    }
+
+    // A formatter that fails may leave part of its room untouched: no old stack bytes there.
+    void appendAgain(const char* format, std::va_list arguments) XPRINTF_LIKE(2, 0) {
+        const auto rest = buffer_.begin() + static_cast<std::ptrdiff_t>(used_);
+        std::fill(rest, buffer_.end(), ' ');
+        static_cast<void>(std::vsnprintf(&buffer_[used_], kLimit + 1 - used_, format, arguments));
+        std::replace(rest, buffer_.end(), '\0', ' ');
+        used_ = kLimit;
+    }
 
     XlogLineBuffer& buffer_;
     std::size_t used_ = 0;
@@ -49,8 +77,14 @@ class Line {
 std::size_t xlogFormatLine(XlogLineBuffer& buffer, const XlogLineHeader& header,
                            const XlogLineSite& site, const char* format, std::va_list arguments) {
     Line line(buffer);
-    line.append("%s %-5d %-5s %-6s %s %-1c: ", header.timestamp, header.processId, header.threadId,
-                header.tag, header.client, header.level);
+    char digits[12];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, header.processId).ptr;
+    line.appendText(header.timestamp, 0, " ");
+    line.appendText({digits, static_cast<std::size_t>(end - digits)}, 5, " ");
+    line.appendText(header.threadId, 5, " ");
+    line.appendText(header.tag, 6, " ");
+    line.appendText(header.client, 0, " ");
+    line.appendText({&header.level, 1}, 1, ": ");
     if (site.file != nullptr) line.append("%s ", site.file);
     if (site.function != nullptr) line.append("%s ", site.function);
     if (site.line != 0) line.append("%d | ", site.line);

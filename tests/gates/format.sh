@@ -3,7 +3,8 @@
 set -euo pipefail
 formatter=$1 root=$2
 
-mapfile -t files < <(find "$root"/{fuzz,include,Source,programs,tests} -name '*.cpp' -o -name '*.h' -o -name '*.c')
+mapfile -t files < <(find "$root"/{bench,examples,fuzz,include,Source,programs,tests} \
+    -name '*.cpp' -o -name '*.h' -o -name '*.hpp' -o -name '*.c')
 [ ${#files[@]} -gt 50 ] || { echo "only ${#files[@]} files found"; exit 1; }
 "$formatter" --style="file:$root/.clang-format" --dry-run --Werror "${files[@]}"
 echo "${#files[@]} files"

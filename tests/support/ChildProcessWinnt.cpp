@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Proof.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -128,7 +129,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
                           &state_->process)) {
         throw std::runtime_error("cannot start " + program);
     }
-    state_->limit = options.limit;
+    state_->limit = options.limit * proofSize(1, 60);
     state_->out.closeWrite();
     state_->err.closeWrite();
     State& state = *state_;

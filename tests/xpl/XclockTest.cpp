@@ -30,6 +30,20 @@ TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
     EXPECT_STREQ(xclockStamp(time + 957'000, "").data(), "2024-03-07 14:05:09.999");
 }
 
+TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {
+    constexpr std::int64_t kYear3001 = 32'535'216'000;
+    constexpr std::int64_t kStep = 86'400 * 17 + 7'919;  // every month, leap days, times of day
+    for (std::int64_t time = 0; time < kYear3001; time += kStep) {
+        const std::string expected = xclockFormat(time * kSecond, "%Y-%m-%d %H:%M:%S") + ".000";
+        ASSERT_EQ(xclockStamp(time * kSecond, "").data(), expected);
+    }
+}
+
+TEST(Xclock, ALeapDayHasItsStamp) {
+    EXPECT_STREQ(xclockStamp(951'782'400 * kSecond, "").data(), "2000-02-29 00:00:00.000");
+    EXPECT_STREQ(xclockStamp(4'107'542'400 * kSecond, "").data(), "2100-03-01 00:00:00.000");
+}
+
 // Prints how far UTC is from a local time in January and in July.
 SCENE(printsDistanceToUtc) {
     for (const std::int64_t local : {1'704'110'400 * kSecond, 1'719'835'200 * kSecond}) {

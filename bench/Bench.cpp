@@ -1,0 +1,112 @@
+// Rounds, stability, and the lines of JSON.
+#include "Bench.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr int kRounds = 11;
+constexpr int kAttempts = 3;
+constexpr double kSampleNanoseconds = 20e6;
+
+// Highest ratio of the slowest to the fastest sample of the middle half.
+constexpr double kSpread = 1.35;
+
+using Samples = std::vector<double>;  // nanoseconds of one piece of work
+
+// The middle half, sorted.
+Samples core(Samples samples) {
+    std::sort(samples.begin(), samples.end());
+    const auto quarter = static_cast<std::ptrdiff_t>(samples.size() / 4);
+    return {samples.begin() + quarter, samples.end() - quarter};
+}
+
+double spreadOf(const Samples& samples) {
+    const Samples middle = core(samples);
+    return middle.back() / middle.front();
+}
+
+double worstSpread(const std::vector<Samples>& sides) {
+    double worst = 1;
+    for (const Samples& samples : sides) worst = std::max(worst, spreadOf(samples));
+    return worst;
+}
+
+// How often the work fits into a sample. The first time is left out: much is done then for once.
+std::int64_t timesFor(const Side& side) {
+    side.time(1);
+    for (std::int64_t times = 1;; times *= 4) {
+        const double took = side.time(times);
+        if (took < kSampleNanoseconds / 8) continue;
+        const double wanted = static_cast<double>(times) * kSampleNanoseconds / took;
+        return std::max<std::int64_t>(1, static_cast<std::int64_t>(wanted));
+    }
+}
+
+std::vector<Samples> measureOnce(const Row& row, const std::vector<Side>& sides,
+                                 const std::vector<std::int64_t>& times) {
+    std::vector<Samples> all(sides.size());
+    for (int round = 0; round < kRounds; ++round) {
+        for (std::size_t i = 0; i < sides.size(); ++i) {
+            const double took = sides[i].time(times[i]);
+            all[i].push_back(took / static_cast<double>(times[i]) / row.pieces);
+        }
+    }
+    return all;
+}
+
+void printList(const char* name, const Samples& samples) {
+    std::printf("\"%s\": [", name);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        std::printf("%s%.4g", i == 0 ? "" : ", ", samples[i]);
+    }
+    std::printf("]");
+}
+
+void print(const Row& row, const std::vector<Side>& sides, const std::vector<Samples>& all,
+           int attempts) {
+    std::printf("{\"row\": \"%s\", \"work\": \"%s\", \"limit\": %g, \"attempts\": %d, \"sides\": [",
+                row.name.c_str(), row.work.c_str(), row.limit, attempts);
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        std::printf("%s{\"name\": \"%s\", \"aim\": %g, ", i == 0 ? "" : ", ", sides[i].name.c_str(),
+                    sides[i].aim);
+        printList("samples", all[i]);
+        std::printf("}");
+    }
+    std::printf("]}\n");
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+void benchFail(std::string_view why) {
+    std::fprintf(stderr, "error: %.*s\n", static_cast<int>(why.size()), why.data());
+    std::fflush(nullptr);
+    std::_Exit(1);
+}
+
+void benchMeasure(const Row& row) {
+    const std::vector<Side> sides = row.sides();
+    std::vector<std::int64_t> times;
+    for (const Side& side : sides) times.push_back(timesFor(side));
+    std::vector<Samples> best = measureOnce(row, sides, times);
+    int attempts = 1;
+    for (; attempts < kAttempts && worstSpread(best) > kSpread; ++attempts) {
+        std::vector<Samples> again = measureOnce(row, sides, times);
+        if (worstSpread(again) < worstSpread(best)) best = std::move(again);
+    }
+    print(row, sides, best, attempts);
+}
+
+void benchPrintNumbers(std::string_view row,
+                       const std::vector<std::pair<std::string, double>>& numbers) {
+    std::printf("{\"row\": \"%.*s\", \"numbers\": {", static_cast<int>(row.size()), row.data());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        std::printf("%s\"%s\": %.0f", i == 0 ? "" : ", ", numbers[i].first.c_str(),
+                    numbers[i].second);
+    }
+    std::printf("}}\n");
+    std::fflush(stdout);
+}

@@ -1,0 +1,102 @@
+#ifndef BENCH_BENCH_H
+#define BENCH_BENCH_H
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The harness: rows of work, each done by several sides, one after another in rounds, so that what
+// else happens on the machine meets all of them.
+
+// One way of doing a row's work.
+struct Side {
+    std::string name;
+
+    // Highest ratio of the library's time to this side's that is aimed at; 0: none.
+    double aim = 0;
+
+    // Does the work so many times and answers the nanoseconds that it took.
+    std::function<double(std::int64_t times)> time;
+};
+
+struct Row {
+    std::string name;  // "load/1000": what the command line selects by, up to any "/"
+    std::string work;  // for readers
+
+    // Sets the work up; called when the row is measured. The first side is the library. What the
+    // sides own goes when they go.
+    std::function<std::vector<Side>()> sides;
+
+    // Pieces of work that one time is for: times are shown for one of them.
+    double pieces = 1;
+
+    // Most nanoseconds that the library should take; 0: no such aim.
+    double limit = 0;
+};
+
+using Rows = std::vector<Row>;
+
+// Sides' times around a call, or around a call that something comes before each time.
+template <typename Run>
+std::function<double(std::int64_t)> timed(Run run) {
+    return [run](std::int64_t times) {
+        const auto start = std::chrono::steady_clock::now();
+        for (std::int64_t i = 0; i < times; ++i) run();
+        return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
+            .count();
+    };
+}
+
+template <typename Prepare, typename Run>
+std::function<double(std::int64_t)> timedAfter(Prepare prepare, Run run) {
+    return [prepare, run](std::int64_t times) {
+        double sum = 0;
+        for (std::int64_t i = 0; i < times; ++i) {
+            prepare();
+            const auto start = std::chrono::steady_clock::now();
+            run();
+            sum +=
+                std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
+                    .count();
+        }
+        return sum;
+    };
+}
+
+// Ends the program: a row that cannot do its work must not look fast.
+[[noreturn]] void benchFail(std::string_view why);
+inline void benchCheck(bool ok, std::string_view why) {
+    if (!ok) benchFail(why);
+}
+
+// Keeps a result from being optimised away.
+template <typename Value>
+void benchUse(const Value& value) {
+    asm volatile("" : : "r"(&value) : "memory");
+}
+
+// Measures a row and prints it as one line of JSON.
+void benchMeasure(const Row& row);
+
+// A line of JSON with numbers that are no times: name, and pairs of name and number.
+void benchPrintNumbers(std::string_view row,
+                       const std::vector<std::pair<std::string, double>>& numbers);
+
+// The rows of each file.
+void addLoadRows(Rows& rows);
+void addAccessRows(Rows& rows);
+void addCommitRows(Rows& rows);
+void addListingRows(Rows& rows);
+void addLogRows(Rows& rows);
+void addRequestRows(Rows& rows);
+void addEventRows(Rows& rows);
+void addStartRows(Rows& rows);
+
+// Prints the row "footprint": sizes of the DLL, of a configuration of 1,000 instances, and of the
+// private memory that initialising with it takes.
+void benchFootprint();
+
+#endif

@@ -1,0 +1,64 @@
+// A log line into a file, and one whose level is off.
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <memory>
+
+#include "Bench.h"
+#include "Floor.h"
+#include "support/TempFolder.h"
+#include "xpl/Xlog.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::CONF, "bench/LogRows"};
+constexpr double kOffLimit = 2;
+
+// As long as the lines of the others.
+constexpr std::string_view kFloorLine =
+    "2024-03-07 14:05:09.042+0100 1234  1234  CONF   Helper_bridge I: "
+    "bridgeOnAppDisplayedClbk called: instance Nougat64, number 4711\n";
+
+struct Log {
+    Log() {
+        auto sink =
+            std::make_shared<spdlog::sinks::basic_file_sink_mt>(folder / "spdlog.log", true);
+        other = std::make_shared<spdlog::logger>("CONF", std::move(sink));
+        other->set_pattern("%Y-%m-%d %H:%M:%S.%e%z %-5P %-5t %-6n Helper_bridge %L: %v", {});
+        other->flush_on(spdlog::level::info);
+    }
+
+    TempFolder folder;
+    std::shared_ptr<spdlog::logger> other;
+    FloorHandle floor{floorOpenForAppend(wideForTests(folder / "floor.log").c_str())};
+    int number = 0;
+};
+
+std::vector<Side> writtenSides() {
+    const auto log = std::make_shared<Log>();
+    return {{"library", 0, timed([log] {
+                 XLOG_I(kLog, "%s called: instance %s, number %d", "bridgeOnAppDisplayedClbk",
+                        "Nougat64", ++log->number);
+             })},
+            {"spdlog", 1.0, timed([log] {
+                 log->other->info("{} called: instance {}, number {}", "bridgeOnAppDisplayedClbk",
+                                  "Nougat64", ++log->number);
+             })},
+            {"floor: WriteFile", 1.1, timed([log] { floorWrite(log->floor.get(), kFloorLine); })}};
+}
+
+std::vector<Side> offSides() {
+    const auto log = std::make_shared<Log>();
+    return {{"library", 0,
+             timed([] { XLOG_D(kLog, "%s called: number %d", "bridgeOnAppDisplayedClbk", 1); })},
+            {"spdlog", 0, timed([log] {
+                 log->other->debug("{} called: number {}", "bridgeOnAppDisplayedClbk", 1);
+             })}};
+}
+
+}  // namespace
+
+void addLogRows(Rows& rows) {
+    rows.push_back({"log/written", "write a log line", writtenSides});
+    rows.push_back({"log/off", "meet a log line that is off", offSides, 1, kOffLimit});
+}

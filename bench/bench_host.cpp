@@ -1,0 +1,72 @@
+// bench_host library|qt|memory FOLDER: a host that starts the library over the product's data in
+// FOLDER, or loads only what the library needs, and prints the nanoseconds; or the private bytes
+// that the initialisation took.
+#include <bridge/bridge.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include "support/RegistrySandbox.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+template <typename Function>
+Function resolve(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
+}
+
+// Memory that belongs to this process alone, program texts left out.
+std::size_t privateBytes() {
+    std::size_t sum = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (char* at = nullptr; ::VirtualQuery(at, &region, sizeof region) == sizeof region;
+         at += region.RegionSize) {
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) sum += region.RegionSize;
+    }
+    return sum;
+}
+
+double nanosecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+}
+
+int printTime(bool ok, Clock::time_point start) {
+    std::printf("%.0f\n", nanosecondsSince(start));
+    return ok ? 0 : 1;
+}
+
+int loadQt() {
+    const auto start = Clock::now();
+    const bool core = ::LoadLibraryW(L"Qt5Core.dll") != nullptr;
+    return printTime(::LoadLibraryW(L"Qt5Network.dll") != nullptr && core, start);
+}
+
+int useLibrary(bool showMemory) {
+    const auto start = Clock::now();
+    const HMODULE module = ::LoadLibraryW(L"QX-Bridge.dll");
+    if (module == nullptr) return 1;
+    const auto init = resolve<decltype(&bridgeApiInit)>(module, "bridgeApiInit");
+    const auto fini = resolve<decltype(&bridgeApiFini)>(module, "bridgeApiFini");
+    const std::size_t before = privateBytes();
+    bool ok = init("Helper") == BRIDGE_SUCCESS;
+    if (showMemory) {
+        std::printf("%.0f\n", static_cast<double>(privateBytes()) - static_cast<double>(before));
+        return ok ? 0 : 1;
+    }
+    ok = fini() == BRIDGE_SUCCESS && ok;
+    return printTime(ok, start);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count != 3) return 2;
+    RegistrySandbox registry;
+    registry.set("UserDefinedDir", arguments[2]);
+    if (std::strcmp(arguments[1], "qt") == 0) return loadQt();
+    return useLibrary(std::strcmp(arguments[1], "memory") == 0);
+}
