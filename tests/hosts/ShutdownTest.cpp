@@ -19,6 +19,17 @@ class ShutdownTest : public PlainHostTest {
         };
     }
 
+    // A request is in the pipe when the host has ended, and may not have been read yet.
+    void waitForAsked(std::size_t count) {
+        for (int i = 0; i < 2000; ++i) {
+            {
+                const std::lock_guard<std::mutex> guard(lock);
+                if (asked.size() >= count) return;
+            }
+            ::Sleep(5);
+        }
+    }
+
     static std::string hex(const std::string& bytes) {
         static const char* const digits = "0123456789ABCDEF";
         std::string text;
@@ -70,6 +81,7 @@ TEST_F(ShutdownTest, OnePlayerIsAskedWithTheFlag) {
         EXPECT_EQ(
             output({"init", "Helper", "plrshutdown", player, "1", "plrshutdown", player, "0"}),
             (Lines{"init 0", "plrshutdown 0", "plrshutdown 0"}));
+        waitForAsked(2);
     }
     EXPECT_EQ(asked,
               (Lines{std::string("player:") + kPlayerTrue, std::string("player:") + kPlayerFalse}));
@@ -98,6 +110,7 @@ TEST_F(ShutdownTest, APlayerThatIsMissingDoesNotStopTheOthers) {
         RawServer first("vtr_plr_" + a + "_nvo", recorder("a"));
         RawServer third("vtr_plr_" + c + "_nvo", recorder("c"));
         EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+        waitForAsked(3);
     }
     EXPECT_EQ(sorted(asked),
               (Lines{std::string("a:") + kPlayerFalse, std::string("c:") + kPlayerFalse,
@@ -118,6 +131,7 @@ TEST_F(ShutdownTest, ThreeRunningPlayersAreAllAsked) {
         RawServer second("vtr_plr_" + players[1] + "_nvo", recorder("5"));
         RawServer third("vtr_plr_" + players[2] + "_nvo", recorder("6"));
         EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+        waitForAsked(4);
     }
     EXPECT_EQ(sorted(asked),
               (Lines{std::string("4:") + kPlayerFalse, std::string("5:") + kPlayerFalse,
@@ -130,6 +144,7 @@ TEST_F(ShutdownTest, WithoutInstancesOnlyTheManagerIsAsked) {
     {
         RawServer manager("vtr_mim_nvo", recorder("manager"));
         EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+        waitForAsked(1);
     }
     EXPECT_EQ(asked, Lines{std::string("manager:") + kManager});
 }
@@ -140,6 +155,7 @@ TEST_F(ShutdownTest, WithoutAManagerThePlayersAreStillAsked) {
     {
         RawServer first("vtr_plr_" + a + "_nvo", recorder("a"));
         EXPECT_EQ(output({"init", "Helper", "shutdown"}), Lines{"init 0"});
+        waitForAsked(1);
     }
     EXPECT_EQ(asked, Lines{std::string("a:") + kPlayerFalse});
     EXPECT_EQ(afterStart(), Lines{"E MIM Helper_bridge mimShutdownRpc: ipcSendToServer command "
