@@ -138,7 +138,8 @@ XErr confSetStringInternal(ConfStore& store, std::string_view key, ConfType type
         const auto pending = store.pending.find(key);
         if (pending != store.pending.end()) store.pending.erase(pending);
     } else {
-        store.pending[std::string(key)] = value;
+        // Both texts are made before the map changes: memory may run out in between.
+        store.pending.insert_or_assign(std::string(key), std::string(value));
     }
     const auto removed = store.removals.find(key);
     if (removed != store.removals.end()) store.removals.erase(removed);

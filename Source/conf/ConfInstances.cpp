@@ -106,7 +106,7 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
     for (const InstanceEntry& entry : entriesOfInstance(store, sourcePrefix)) {
         const std::string property(entry.property);
         if (store.deprecated.count(sourcePrefix + property) > 0) continue;
-        store.pending[targetPrefix + property] = entry.value;
+        store.pending.insert_or_assign(targetPrefix + property, entry.value);
     }
     store.instances.insert(target);  // without defaults: the copied keys are all that it needs
     return XERR_SUCCESS;

@@ -136,6 +136,17 @@ TEST_F(AllocationTest, Setters) {
                     });
 }
 
+TEST_F(AllocationTest, ALongTextIsSetWholeOrNotAtAll) {
+    const std::string text(60, 'x');
+    const int shortages = inEveryShortage(
+        [&] { return bridgeConfSetString(kLocale, text.c_str()); },
+        [&](bridge_i32 result) {
+            EXPECT_EQ(taken(bridgeConfGetString(kLocale)), result == 0 ? text : "en-US") << result;
+            EXPECT_EQ(bridgeConfSetString(kLocale, "en-US"), 0);
+        });
+    EXPECT_GT(shortages, 1);
+}
+
 TEST_F(AllocationTest, ASetOfAnUnknownInstance) {
     int number = 0;
     std::string key = "vtr.instance.Nougat64_0.dpi";
