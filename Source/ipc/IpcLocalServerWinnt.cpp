@@ -9,6 +9,7 @@
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
+#include "xpl/Xfence.h"
 #include "xpl/XmutexSecurity.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
@@ -115,7 +116,13 @@ class IpcLocalServer::Instances {
           notifier_(event_) {
         retry_.setSingleShot(true);
         retry_.setInterval(kRetryMilliseconds);
-        const auto again = [this] { takeClients(); };
+        // No exception passes through Qt's event loop.
+        const auto again = [this] {
+            xfence(kLog, "IpcLocalServer", false, [this] {
+                takeClients();
+                return true;
+            });
+        };
         QObject::connect(&notifier_, &QWinEventNotifier::activated, &notifier_, again);
         QObject::connect(&retry_, &QTimer::timeout, &retry_, again);
     }
