@@ -26,6 +26,9 @@ const WCHAR* nextWide(void);
 void printLine(const char* line);
 void printNumber(const char* name, int number);
 
+/* How many handles there are more than before, beyond what the system takes for itself. */
+int handlesLeaked(long before);
+
 /* Zero when the operation is none of those above. */
 int eventOperation(const char* name);
 

@@ -162,7 +162,7 @@ static void shutdownMany(const char* instance, int count) {
     handles = openHandles();
     bytes = heapBytes();
     for (i = 0; i < count; ++i) bridgePlrShutdown(instance, 0);
-    printNumber("handles", (int)(openHandles() - handles));
+    printNumber("handles", handlesLeaked(handles));
     printNumber("megabytes", (int)((heapBytes() - bytes) / (1024 * 1024)));
 }
 
