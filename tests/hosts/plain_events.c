@@ -164,7 +164,7 @@ int handlesLeaked(long before) {
 /* What just ended, threads and connections, needs a moment to be cleaned up. */
 static void settle(long handles) {
     int i;
-    for (i = 0; openHandles() > handles && i < 1000; ++i) Sleep(5);
+    for (i = 0; handlesLeaked(handles) > 0 && i < 1000; ++i) Sleep(5);
 }
 
 static void steady(void) {
