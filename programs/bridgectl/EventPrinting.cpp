@@ -7,6 +7,7 @@
 #include "Console.h"
 #include "EventServer.h"
 #include "EventSource.h"
+#include "ipc/IpcName.h"
 #include "utl/UtlFolders.h"
 
 namespace {
@@ -67,7 +68,7 @@ bool waitUntilServing(Session& session, const std::string& server, EventServerPr
 
 bool listen(Session& session, EventServerProbe& probe) {
     const std::string server = utlLocalObjectName(session.client + "_bridge");
-    if (isServed(server)) return failInUse(session, server);
+    if (ipcNameIsServed(server)) return failInUse(session, server);
     onConsoleEnd([] { eventQueue().stop(); });
     session.timed("bridgeRegisterCallbacks", startEvents);
     if (!waitUntilServing(session, server, probe)) return false;

@@ -3,9 +3,6 @@
 
 #include <string>
 
-// Whether anybody serves a local socket of this name. Connects to nobody.
-bool isServed(const std::string& serverName);
-
 // A connection that only tells whose the server is; closed with the object.
 class EventServerProbe {
  public:

@@ -13,13 +13,6 @@ std::wstring pipePath(const std::string& serverName) {
 
 }  // namespace
 
-bool isServed(const std::string& serverName) {
-    // A pipe that exists and has no instance free is in use too; only a missing one is not.
-    constexpr DWORD kMilliseconds = 1;
-    return ::WaitNamedPipeW(pipePath(serverName).c_str(), kMilliseconds) != 0 ||
-           ::GetLastError() == ERROR_SEM_TIMEOUT;
-}
-
 EventServerProbe::~EventServerProbe() {
     if (pipe_ != nullptr) ::CloseHandle(pipe_);
 }
