@@ -2,7 +2,6 @@
 # The native build: the library's layers on this machine's own system, where clang's sanitizers and
 # fuzzer run. Nothing of it is shipped.
 #   native.sh sanitize           the tests under ASan + UBSan, then under TSan
-#   native.sh coverage           which lines and branches of the layers the tests reach
 #   native.sh fuzz [SECONDS]     each fuzzer for so long, 600 if not told otherwise
 #   native.sh fuzz-briefly       each fuzzer over its seeds and a fixed series of changes to them
 set -euo pipefail
@@ -34,21 +33,6 @@ sanitize() {
     run_tests asan
     step "Build with TSan" "2 min, later seconds" build tsan
     run_tests tsan
-}
-
-# A profile for each process, the tests' children too; those that end by a fatal break or are killed
-# leave none.
-coverage() {
-    local profiles="$tree/build/coverage/profiles" binary objects=()
-    steps_total=1
-    step "Build for coverage" "2 min, later seconds" build coverage
-    rm -rf "$profiles"
-    LLVM_PROFILE_FILE="$profiles/%p-%m.profraw" run_tests coverage
-    llvm-profdata-16 merge -sparse "$profiles"/*.profraw -o "$tree/build/coverage/all.profdata"
-    for binary in "$tree"/build/coverage/bin/*_test; do objects+=(-object "$binary"); done
-    llvm-cov-16 report "${objects[@]:1}" -instr-profile="$tree/build/coverage/all.profdata" \
-        -ignore-filename-regex='/(tests|programs|googletest)/|^/usr/|_autogen' \
-        -show-region-summary=false "$tree/Source"
 }
 
 # one_fuzzer FOUND NAME OPTION...: new inputs go into FOUND/NAME, those that break something into
@@ -87,7 +71,6 @@ build_fuzzers() {
 private_folder
 case ${1:-} in
 sanitize) sanitize ;;
-coverage) coverage ;;
 fuzz)
     build_fuzzers
     each_fuzzer "$tree/build/fuzz/found" -max_total_time="${2:-600}" -max_len=8192
@@ -97,5 +80,5 @@ fuzz-briefly)
     # Without what earlier runs found: every run starts alike.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
-*) die "native.sh: sanitize, coverage, fuzz or fuzz-briefly" ;;
+*) die "native.sh: sanitize, fuzz or fuzz-briefly" ;;
 esac

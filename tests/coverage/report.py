@@ -1,0 +1,114 @@
+"""report.py TREE LCOV: what the tests reach of Source/, against the limits and the reasons.
+
+Prints a line for each file that is not reached whole, the totals, and every line that nothing
+reached. Such a line needs a reason in reasons.txt. The exit status is 1 when one has none, when a
+reason is no longer needed, or when a total is below its limit.
+"""
+
+import pathlib
+import sys
+
+LINES_AT_LEAST = 95.0
+BRANCHES_AT_LEAST = 90.0
+
+
+class Reached:
+    """Of one file: line number -> count, and (line, branch) -> count."""
+
+    def __init__(self):
+        self.lines = {}
+        self.branches = {}
+
+
+def read_lcov(path):
+    """File -> Reached. A file that layers include by a link is one file."""
+    files = {}
+    with open(path, encoding="utf-8") as lcov:
+        for text in lcov:
+            kind, _, rest = text.strip().partition(":")
+            if kind == "SF":
+                reached = files.setdefault(pathlib.Path(rest).resolve(), Reached())
+            elif kind == "DA":
+                line, count = rest.split(",")[:2]
+                reached.lines[int(line)] = reached.lines.get(int(line), 0) + int(count)
+            elif kind == "BRDA":
+                line, block, branch, count = rest.split(",")
+                key = (int(line), block, branch)
+                taken = 0 if count == "-" else int(count)
+                reached.branches[key] = reached.branches.get(key, 0) + taken
+    return files
+
+
+def read_reasons(path):
+    """[file, first line's text, last line's text, reason] of each entry."""
+    entries = []
+    for text in path.read_text(encoding="utf-8").splitlines():
+        if text and not text.startswith("#"):
+            entries.append([field.strip() for field in text.split(" | ")])
+            if len(entries[-1]) != 4:
+                raise SystemExit(f"{path}: four fields are needed: {text}")
+    return entries
+
+
+def excused_lines(source, file, reasons):
+    """Line numbers of `file` that the entries about it excuse, and which entry each."""
+    excused = {}
+    for index, (name, first, last, _) in enumerate(reasons):
+        if name != file:
+            continue
+        starts = [n for n, text in enumerate(source) if text.strip() == first]
+        for start in starts:
+            ends = [n for n in range(start, len(source)) if source[n].strip() == last]
+            if ends:
+                for line in range(start, ends[0] + 1):
+                    excused[line + 1] = index
+    return excused
+
+
+def percent(part, whole):
+    return 100.0 * part / whole if whole else 100.0
+
+
+def count(branches_or_lines):
+    return sum(1 for taken in branches_or_lines.values() if taken), len(branches_or_lines)
+
+
+def main(tree, lcov):
+    root = pathlib.Path(tree).resolve() / "Source"
+    reasons = read_reasons(pathlib.Path(__file__).with_name("reasons.txt"))
+    needed = set()
+    totals = [0, 0, 0, 0]
+    unexcused = []
+    print(f"{'file':44} {'lines':>16} {'branches':>16}")
+    for path, reached in sorted(read_lcov(lcov).items()):
+        if root not in path.parents:
+            continue
+        file = path.relative_to(root).as_posix()
+        figures = [*count(reached.lines), *count(reached.branches)]
+        totals = [total + figure for total, figure in zip(totals, figures)]
+        lines, all_lines, branches, all_branches = figures
+        if lines < all_lines or branches < all_branches:
+            print(f"{file:44} {lines:6} of {all_lines:6} {branches:6} of {all_branches:6}")
+        source = path.read_text(encoding="utf-8").splitlines()
+        excused = excused_lines(source, file, reasons)
+        for line, taken in sorted(reached.lines.items()):
+            if not taken and line in excused:
+                needed.add(excused[line])
+            elif not taken:
+                unexcused.append(f"{file}:{line}: {source[line - 1].strip()}")
+    lines, branches = percent(*totals[:2]), percent(*totals[2:])
+    print(f"{'together':44} {lines:15.2f}% {branches:15.2f}%")
+    useless = [" | ".join(entry) for n, entry in enumerate(reasons) if n not in needed]
+    for title, texts in (("reached by no test, without a reason", unexcused),
+                         ("reasons that are not needed", useless)):
+        if texts:
+            print(f"\n{title}:")
+            print("\n".join(texts))
+    enough = lines >= LINES_AT_LEAST and branches >= BRANCHES_AT_LEAST
+    if not enough:
+        print(f"\nless than {LINES_AT_LEAST}% of the lines or {BRANCHES_AT_LEAST}% of the branches")
+    return 0 if enough and not unexcused and not useless else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# coverage.sh: builds the product once more so that it counts what is reached, runs the tests under
+# Wine, and compares the outcome with the limits and the reasons of tests/coverage. For ./run
+# coverage, which sets QX_TOOLCHAIN and QX_QT and has Wine's server running.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+build="$tree/build/coverage"
+profiles="$build/profiles"
+# Counted with the profiles' names for each process: the runtime that merges profiles keeps two
+# handles for each load of the library.
+unmerged='EventsTest.TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain'
+
+compile() {
+    local runtime
+    runtime="$(bash "$tree/toolchain/profile.sh" --dir)/profile.lib"
+    (cd "$tree" && cmake --preset coverage "-DBRIDGE_COVERAGE=$runtime")
+    ninja -C "$build"
+}
+
+run_tests() {
+    rm -rf "$profiles"
+    LLVM_PROFILE_FILE="Z:$profiles/%8m.profraw" GTEST_FILTER="-$unmerged" \
+        ctest --test-dir "$build" --output-on-failure -j "$jobs"
+    LLVM_PROFILE_FILE="Z:$profiles/unload-%p.profraw" \
+        "$tree/toolchain/wine.sh" "$build/bin/hosts_test.exe" --gtest_brief=1 --gtest_filter="$unmerged"
+}
+
+# The paths in the programs begin at the tree; what is not the library's is left out.
+report() {
+    local program objects=()
+    llvm-profdata-16 merge -sparse "$profiles"/*.profraw -o "$build/all.profdata"
+    for program in "$build"/bin/*.exe; do objects+=(-object "$program"); done
+    llvm-cov-16 export -format=lcov "$build/bin/QX-Bridge.dll" "${objects[@]}" \
+        -instr-profile="$build/all.profdata" -compilation-dir="$tree" \
+        -ignore-filename-regex='(^|/)(tests|programs|examples|googletest)/|_autogen|/mingw' \
+        >"$build/all.lcov"
+    python3 "$tree/tests/coverage/report.py" "$tree" "$build/all.lcov"
+}
+
+bash "$tree/toolchain/profile.sh"
+steps_total=1
+step "Build for coverage" "4 min, later seconds" compile
+run_tests
+report

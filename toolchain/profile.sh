@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# The runtime of clang's source-based coverage for the Windows toolchain, from Debian's LLVM source
+# package, into the cache: `profile.sh --dir` tells where. QX_TOOLCHAIN is set by ./run.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+. "$tree/toolchain/sources.sh"
+
+prefix="$cache/profile-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/profile.sh")"
+if [ "${1:-}" = --dir ]; then
+    printf '%s' "$prefix"
+    exit 0
+fi
+is_complete "$prefix" && exit 0
+begin_build "$prefix" "the coverage runtime"
+work="$prefix/build"
+mkdir -p "$work"
+
+unpack() {
+    source_file 'llvm-toolchain-16_*.orig.tar.xz' >"$work/archive" || {
+        fetch_source llvm-toolchain-16
+        source_file 'llvm-toolchain-16_*.orig.tar.xz' >"$work/archive"
+    }
+    tar -xf "$(cat "$work/archive")" -C "$work" --strip-components=1 --wildcards \
+        '*/compiler-rt/lib/profile' '*/compiler-rt/include/profile'
+}
+
+# What its CMakeLists.txt compiles for Windows, without the half that is for another kind of profile.
+compile() {
+    local source objects=() sources="$work/compiler-rt/lib/profile"
+    for source in "$sources"/InstrProfiling*.c "$sources"/InstrProfilingRuntime.cpp \
+        "$sources"/WindowsMMap.c; do
+        objects+=("$work/$(basename "$source").obj")
+        "$QX_TOOLCHAIN/bin/$triple-clang" -c -O2 -DCOMPILER_RT_HAS_ATOMICS=1 -fno-exceptions -w \
+            -I"$work/compiler-rt/include" -I"$work/compiler-rt/lib" "$source" -o "${objects[-1]}"
+    done
+    "$QX_TOOLCHAIN/bin/$triple-ar" rcs "$prefix/profile.lib" "${objects[@]}"
+}
+
+say "Building the coverage runtime in $prefix"
+steps_total=2
+step "Source of the coverage runtime" "20 s" unpack
+step "Coverage runtime" "5 s" compile
+rm -rf "$work"
+mark_complete "$prefix"
