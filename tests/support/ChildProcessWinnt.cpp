@@ -127,7 +127,8 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, /*bInheritHandles=*/TRUE, 0,
                           nullptr, folder.empty() ? nullptr : folder.c_str(), &startup,
                           &state_->process)) {
-        throw std::runtime_error("cannot start " + program);
+        throw std::runtime_error("cannot start " + program + ": error " +
+                                 std::to_string(::GetLastError()));
     }
     state_->limit = options.limit * proofSize(1, 60);
     state_->out.closeWrite();
