@@ -20,6 +20,12 @@ constexpr std::uint32_t kDiedStatus = 7;
 // Large enough to be written in two pieces.
 constexpr int kInstances = 900;
 
+void addInstances(ConfStore& store) {
+    for (int i = 1; i <= kInstances; ++i) {
+        confAddInstance(store, "Nougat64_" + std::to_string(i));
+    }
+}
+
 void stage(ConfStore& store) {
     confSetI32(store, "vtr.instance.Nougat64_1.dpi", 320);
     confSetString(store, "vtr.locale", "de-DE");
@@ -38,9 +44,7 @@ class CommitFaultsTest : public ::testing::Test {
         ConfStore& store = confStore();
         folder.write("empty", "");
         EXPECT_EQ(confLibInit(store, folder / "empty", false), 0);
-        for (int i = 1; i <= kInstances; ++i) {
-            confAddInstance(store, "Nougat64_" + std::to_string(i));
-        }
+        addInstances(store);
         EXPECT_EQ(confCommitToFile(store, path), 0);
         commit.before = folder.read("vantrel.conf");
         EXPECT_GT(commit.before.size(), std::size_t{1} << 20);
@@ -84,6 +88,24 @@ class CommitFaultsTest : public ::testing::Test {
 };
 
 }  // namespace
+
+// The two halves of what inject.sh plays: a file to begin with, and one commit over it.
+SCENE(fills) {
+    LogCapture quiet;
+    ConfStore& store = confStore();
+    writeBytes(arguments[0], "");
+    if (confLibInit(store, arguments[0], false) != 0) return 1;
+    addInstances(store);
+    return confCommitToFile(store, arguments[0]);
+}
+
+SCENE(commits) {
+    LogCapture quiet;
+    ConfStore& store = confStore();
+    if (confLibInit(store, arguments[0], false) != 0) return 1;
+    stage(store);
+    return confCommit(store) == 0 ? 0 : 2;
+}
 
 // Commits with a fault, and says what came of it: the result, the size of the file, and the result
 // of starting over, as a host does.

@@ -15,3 +15,5 @@ play ipc_test 'IpcServerLoadTest.*:IpcPeerDeathTest.*'
 play hosts_test 'EventsTest.TheLibraryIsLoaded*:ShutdownTest.ManyRequests*'
 play conf_test 'ConfCrowdTest.*'
 play proof_test '*'
+printf '== inject.sh\n'
+bash "$tree/tests/proof/inject.sh" "$build"

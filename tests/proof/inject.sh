@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# inject.sh BUILD: commits whose every system call on the configuration file or its temporary file
+# fails, or is the process's last, by strace under Wine: nothing in the program knows of it. (The
+# move is the work of Wine's server; proof_test lets that one fail.)
+set -euo pipefail
+build=$1
+tree=$(cd "$(dirname "$0")/../.." && pwd)
+. "$tree/toolchain/common.sh"
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+conf="$folder/vantrel.conf"
+
+scene() { "$tree/toolchain/wine.sh" "$build/bin/proof_test.exe" --scene "$1" "Z:$conf"; }
+
+# The file is the old one or the new one, nothing but a temporary file is left, and the next process
+# commits.
+expect_whole() {
+    cmp -s "$conf" "$folder/before" || cmp -s "$conf" "$folder/after" ||
+        die "$1: the file is neither the old one nor the new one"
+    [ -z "$(find "$folder" -name 'vantrel*' ! -name vantrel.conf ! -name vantrel.conf-temp)" ] ||
+        die "$1: $(ls "$folder")"
+    scene commits || die "$1: the next commit failed with $?"
+    cmp -s "$conf" "$folder/after" || die "$1: the next commit is not in the file"
+    [ ! -e "$conf-temp" ] || die "$1: a temporary file is left"
+}
+
+# commit_with FAULT CALL N: a commit whose Nth CALL has it. Its status.
+commit_with() (
+    strace -f -o "$folder/trace" -P "$conf" -P "$conf-temp" -e "trace=$2" \
+        -e "inject=$2:$1:when=$3" \
+        "$tree/toolchain/wine.sh" "$build/bin/proof_test.exe" --scene commits "Z:$conf"
+    exit $?  # so that this shell, whose words nobody reads, is the one that reports a kill
+) >/dev/null 2>&1
+
+# sweep FAULT CALL...: for each of these calls, the first, the second, until there are no more.
+sweep() {
+    local fault=$1 call n status
+    shift
+    for call in "$@"; do
+        for ((n = 1; ; ++n)); do
+            cp "$folder/before" "$conf"
+            status=0
+            commit_with "$fault" "$call" "$n" || status=$?
+            grep -qE 'INJECTED|killed by SIGKILL' "$folder/trace" || break
+            expect_whole "$fault at $call $n"
+            points=$((points + 1))
+        done
+        [ "$status" = 0 ] || die "$fault at $call: status $status without a fault"
+        printf '%-16s %-12s %3d points\n' "$fault" "$call" $((n - 1))
+    done
+}
+
+points=0
+scene fills
+cp "$conf" "$folder/before"
+scene commits
+cp "$conf" "$folder/after"
+if cmp -s "$folder/before" "$folder/after"; then die "the commit changes nothing"; fi
+sweep signal=SIGKILL read write fsync close fcntl newfstatat fgetxattr
+sweep error=EIO read write fsync close fcntl newfstatat
+sweep error=ENOSPC write
+printf 'in all %d points: the old file or the new one, and the next commit succeeded\n' "$points"
+[ "$points" -ge 20 ] || die "strace injects nothing here"
