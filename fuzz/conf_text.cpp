@@ -70,11 +70,12 @@ void checkWriting(const Entries& entries) {
     Entries written;
     for (const auto& [key, value] : entries) {
         if (confCheckEntry(key, value) != XERR_SUCCESS) continue;
-        const std::size_t before = text.size();
-        confAppendLine(text, key, value);
-        written.emplace_back(key, value);
-        check(static_cast<int>(text.size() - before) == confLineLength(key, value),
+        std::string line = key;
+        line.resize(static_cast<std::size_t>(confLineLength(key, value)));
+        check(confEndLine(&line[key.size()], value) == line.data() + line.size(),
               "a line has the length that was told");
+        text += line;
+        written.emplace_back(key, value);
     }
     const Reading again = read(text);
     check(!again.malformed && !again.threw, "what is written is well formed");

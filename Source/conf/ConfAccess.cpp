@@ -11,67 +11,37 @@
 
 namespace {
 
-// What validation needs to know of a key.
+// What a key's declaration says.
 struct Declaration {
-    const ConfProperty* property;
-    const char* kind;       // for "type of the ... is not matching"
-    const char* directory;  // for "prop not found in ..."
+    const ConfProperty* property;  // null: there is none
+    std::size_t place;             // among the properties of its directory
+    const char* kind;              // for "type of the ... is not matching"
+    const char* directory;         // for "prop not found in ..."
 };
+
+Declaration declarationOf(const ConfDirectory& properties, std::string_view name, const char* kind,
+                          const char* directory) {
+    const auto found = properties.find(name);
+    const auto place = static_cast<std::size_t>(found - properties.begin());
+    return {found == properties.end() ? nullptr : &found->second, place, kind, directory};
+}
 
 Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view key) {
     const ConfKey parts = confSplitKey(key);
     switch (parts.scope) {
         case ConfScope::Instance:
-            return {catalogue.findInstance(parts.property), "iprop", "iprop dir"};
+            return declarationOf(catalogue.instances(), parts.property, "iprop", "iprop dir");
         case ConfScope::Global:
-            return {catalogue.findGlobal(parts.property), "prop", "prop dir"};
+            return declarationOf(catalogue.globals(), parts.property, "prop", "prop dir");
         case ConfScope::None:
             break;
     }
-    return {nullptr, "prop", "prop dir"};
+    return {nullptr, 0, "prop", "prop dir"};
 }
 
-// The value that a read sees; null when there is none.
-const std::string* effectiveValue(const ConfStore& store, std::string_view key)
-    XTS_REQUIRES(store.lock) {
-    if (!store.pending.empty()) {
-        const auto changed = store.pending.find(key);
-        if (changed != store.pending.end()) return &changed->second;
-    }
-    return store.values.find(key);
-}
-
-template <typename Number>
-Number getNumber(ConfStore& store, std::string_view key, ConfType type,
-                 bool (*parse)(std::string_view, Number&), const char* function, int line) {
-    const std::string value = confGetStringInternal(store, key, type);
-    Number number = 0;
-    if (!parse(value, number)) {
-        XLOG_E(kLog, "%s error for %s:%s\n", function, std::string(key).c_str(), value.c_str());
-        xlogFatalBreak(kLog, line, function);
-    }
-    return number;
-}
-
-bool isCommittedValue(const ConfStore& store, std::string_view key, std::string_view value)
-    XTS_REQUIRES(store.lock) {
-    const std::string* committed = store.values.find(key);
-    return committed != nullptr && *committed == value;
-}
-
-void makeInstanceKnown(ConfStore& store, std::string_view key) XTS_REQUIRES(store.lock) {
-    const ConfKey parts = confSplitKey(key);
-    if (parts.scope != ConfScope::Instance) return;
-    if (store.instances.find(parts.instance) == store.instances.end()) {
-        confAddInstanceLocked(store, parts.instance);
-    }
-}
-
-}  // namespace
-
-bool confValidateProp(const ConfStore& store, std::string_view key, ConfType type,
-                      bool allowDeprecated) {
-    const Declaration declared = declarationOf(store.catalogue, key);
+// Whether the key may be used so; logged when not.
+bool isValid(const Declaration& declared, std::string_view key, ConfType type,
+             bool allowDeprecated) {
     if (declared.property == nullptr) {
         XLOG_E(kLog, "%s prop not found in %s", std::string(key).c_str(), declared.directory);
         return false;
@@ -87,15 +57,57 @@ bool confValidateProp(const ConfStore& store, std::string_view key, ConfType typ
     return true;
 }
 
+// The value that a read sees; null when there is none.
+const std::string* effectiveValue(const ConfStore& store, std::string_view key, std::size_t place)
+    XTS_REQUIRES(store.lock) {
+    if (!store.pending.empty()) {
+        if (const std::string* const changed = store.pending.find(key)) return changed;
+    }
+    return store.values.find(key, place);
+}
+
+template <typename Number>
+Number getNumber(ConfStore& store, std::string_view key, ConfType type,
+                 bool (*parse)(std::string_view, Number&), const char* function, int line) {
+    const std::string value = confGetStringInternal(store, key, type);
+    Number number = 0;
+    if (!parse(value, number)) {
+        XLOG_E(kLog, "%s error for %s:%s\n", function, std::string(key).c_str(), value.c_str());
+        xlogFatalBreak(kLog, line, function);
+    }
+    return number;
+}
+
+bool isCommittedValue(const ConfStore& store, std::string_view key, std::size_t place,
+                      std::string_view value) XTS_REQUIRES(store.lock) {
+    const std::string* const committed = store.values.find(key, place);
+    return committed != nullptr && xbytesSame(*committed, value);
+}
+
+void makeInstanceKnown(ConfStore& store, std::string_view key) XTS_REQUIRES(store.lock) {
+    const ConfKey parts = confSplitKey(key);
+    if (parts.scope == ConfScope::Instance && !store.instances.contains(parts.instance)) {
+        confAddInstanceLocked(store, parts.instance);
+    }
+}
+
+}  // namespace
+
+bool confValidateProp(const ConfStore& store, std::string_view key, ConfType type,
+                      bool allowDeprecated) {
+    return isValid(declarationOf(store.catalogue, key), key, type, allowDeprecated);
+}
+
 std::string confGetStringInternal(ConfStore& store, std::string_view key, ConfType type) {
-    if (!confValidateProp(store, key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
+    const Declaration declared = declarationOf(store.catalogue, key);
+    if (!isValid(declared, key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
     const std::lock_guard<std::mutex> guard(store.lock);
     if (!store.removals.empty() && store.removals.find(key) != store.removals.end()) {
         XLOG_E(kLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
                std::string(key).c_str());
         XLOG_FATAL(kLog);
     }
-    const std::string* value = effectiveValue(store, key);
+    const std::string* const value = effectiveValue(store, key, declared.place);
     return value == nullptr ? std::string() : *value;
 }
 
@@ -129,17 +141,16 @@ std::int64_t confGetI64(ConfStore& store, std::string_view key) {
 
 XErr confSetStringInternal(ConfStore& store, std::string_view key, ConfType type,
                            std::string_view value) {
-    if (type != ConfType::None && !confValidateProp(store, key, type, /*allowDeprecated=*/false)) {
+    const Declaration declared = declarationOf(store.catalogue, key);
+    if (type != ConfType::None && !isValid(declared, key, type, /*allowDeprecated=*/false)) {
         XLOG_FATAL(kLog);
     }
     const std::lock_guard<std::mutex> guard(store.lock);
     makeInstanceKnown(store, key);
-    if (isCommittedValue(store, key, value)) {
-        const auto pending = store.pending.find(key);
-        if (pending != store.pending.end()) store.pending.erase(pending);
+    if (isCommittedValue(store, key, declared.place, value)) {
+        store.pending.erase(key);
     } else {
-        // Both texts are made before the map changes: memory may run out in between.
-        store.pending.insert_or_assign(std::string(key), std::string(value));
+        store.pending.assign(key, value);
     }
     const auto removed = store.removals.find(key);
     if (removed != store.removals.end()) store.removals.erase(removed);
@@ -193,7 +204,7 @@ std::string confJoinMultiString(const std::vector<std::string>& elements) {
 
 XErr confSetCurrentInstance(ConfStore& store, const std::string& name) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    if (store.instances.find(name) == store.instances.end()) {
+    if (!store.instances.contains(name)) {
         XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
         return XERR_FAILURE;
     }
@@ -215,7 +226,7 @@ std::string confCurrentInstanceKey(const ConfStore& store, std::string_view prop
 
 std::set<std::string, std::less<>> confGetInstances(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return store.instances;
+    return store.instances.all();
 }
 
 XErr confRestorePropDefault(ConfStore& store, std::string_view key) {
@@ -224,7 +235,7 @@ XErr confRestorePropDefault(ConfStore& store, std::string_view key) {
     if (declared == nullptr) XLOG_FATAL(kLog);
     {
         const std::lock_guard<std::mutex> guard(store.lock);
-        if (isCommittedValue(store, key, declared->defaultValue)) return XERR_SUCCESS;
+        if (isCommittedValue(store, key, /*place=*/0, declared->defaultValue)) return XERR_SUCCESS;
     }
     return confSetStringInternal(store, key, ConfType::None, declared->defaultValue);
 }
@@ -236,8 +247,7 @@ bool confHasPendingChanges(ConfStore& store) {
 
 bool confIsPropPending(ConfStore& store, std::string_view key) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return store.pending.find(key) != store.pending.end() ||
-           store.removals.find(key) != store.removals.end();
+    return store.pending.find(key) != nullptr || store.removals.find(key) != store.removals.end();
 }
 
 XErr confDiscardChanges(ConfStore& store) {

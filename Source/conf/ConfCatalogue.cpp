@@ -1,6 +1,7 @@
 // The directories of declared properties.
 #include "conf/ConfCatalogue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -17,12 +18,37 @@ ConfProperty propertyOf(const ConfCatalogueRow& row) {
 
 }  // namespace
 
+ConfDirectory::ConfDirectory(std::initializer_list<Entry> entries) {
+    for (const auto& [name, property] : entries) put(name, property);
+}
+
+void ConfDirectory::put(const std::string& name, ConfProperty property) {
+    const auto at = std::lower_bound(
+        entries_.begin(), entries_.end(), name,
+        [](const Entry& entry, const std::string& wanted) { return entry.first < wanted; });
+    if (at != entries_.end() && at->first == name) {
+        at->second = std::move(property);
+        return;
+    }
+    entries_.insert(at, {name, std::move(property)});
+    index_.clear();
+    for (const Entry& entry : entries_) {
+        index_.reserveOne();
+        index_.add(entry.first, entry);
+    }
+}
+
+ConfDirectory::const_iterator ConfDirectory::find(std::string_view name) const {
+    const Entry* const found = index_.find(name);
+    return found == nullptr ? entries_.end() : entries_.begin() + (found - entries_.data());
+}
+
 void ConfCatalogue::registerGlobal(const std::string& name, ConfProperty property) {
-    globals_[name] = std::move(property);
+    globals_.put(name, std::move(property));
 }
 
 void ConfCatalogue::registerInstance(const std::string& name, ConfProperty property) {
-    instances_[name] = std::move(property);
+    instances_.put(name, std::move(property));
 }
 
 const ConfProperty* ConfCatalogue::findGlobal(std::string_view name) const {

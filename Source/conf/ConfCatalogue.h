@@ -3,9 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
+
+#include "conf/ConfNameIndex.h"
 
 // Value types of properties. The numbers appear in log lines and in the product's other programs.
 enum class ConfType : std::uint32_t {
@@ -25,13 +29,38 @@ struct ConfProperty {
 };
 
 // Properties by name (without prefix), in byte order.
-using ConfDirectory = std::map<std::string, ConfProperty, std::less<>>;
+class ConfDirectory {
+ public:
+    using Entry = std::pair<std::string, ConfProperty>;
+    using const_iterator = std::vector<Entry>::const_iterator;
+
+    ConfDirectory() = default;
+    ConfDirectory(std::initializer_list<Entry> entries);
+    ConfDirectory(const ConfDirectory&) = delete;
+    ConfDirectory& operator=(const ConfDirectory&) = delete;
+    ConfDirectory(ConfDirectory&&) noexcept = default;
+    ConfDirectory& operator=(ConfDirectory&&) noexcept = default;
+    ~ConfDirectory() = default;
+
+    // Replaces the property of that name. Iterators, and views of names, end.
+    void put(const std::string& name, ConfProperty property);
+
+    const_iterator begin() const { return entries_.begin(); }
+    const_iterator end() const { return entries_.end(); }
+    std::size_t size() const { return entries_.size(); }
+    const_iterator find(std::string_view name) const;
+
+ private:
+    std::vector<Entry> entries_;
+    ConfNameIndex<const Entry> index_;
+};
 
 // The declared properties: global ones ("vtr.<name>") and those that every instance has
 // ("vtr.instance.<instance>.<name>"). Built once, then only read, from any thread.
 class ConfCatalogue {
  public:
-    // A second registration of a name replaces the first.
+    // A second registration of a name replaces the first. For the start: each makes the directory's
+    // index anew.
     void registerGlobal(const std::string& name, ConfProperty property);
     void registerInstance(const std::string& name, ConfProperty property);
 

@@ -1,5 +1,6 @@
 // The commit: lock, load again, lay the pending changes over it, write a temporary file, flush,
 // replace, unlock.
+#include <memory>
 #include <utility>
 
 #include "conf/Conf.h"
@@ -13,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t kPieceSize = 1 << 20;
+constexpr std::size_t kPieceSize = std::size_t{1} << 20;
 
 // The temporary file of a commit: closed and deleted unless it was moved into place.
 class TemporaryFile {
@@ -58,17 +59,22 @@ class TemporaryFile {
 // Writes entries in large pieces. After a failure no more is written.
 class EntryWriter {
  public:
-    explicit EntryWriter(ConfOutput& output) : output_(output) { piece_.reserve(kPieceSize); }
+    explicit EntryWriter(ConfOutput& output)
+        : output_(output), piece_(new char[kPieceSize + CONF_LINE_SIZE]), end_(piece_.get()) {}
 
-    void write(std::string_view key, std::string_view value) {
+    // The key comes in two parts, and is put together where it is to stand.
+    void write(std::string_view prefix, std::string_view name, std::string_view value) {
         if (result_ != XERR_SUCCESS) return;
-        if (const XErr err = confCheckEntry(key, value); err != XERR_SUCCESS) {
-            flush();  // a line that cannot be written comes before one that must not be
-            if (result_ == XERR_SUCCESS) refuse(key, value, err);
-            return;
+        if (prefix.size() + name.size() > CONF_LINE_SIZE) {
+            const std::string key = std::string(prefix).append(name);
+            return refuse(key, value, confCheckEntry(key, value));
         }
-        confAppendLine(piece_, key, value);
-        if (piece_.size() + CONF_LINE_SIZE > kPieceSize) flush();
+        char* const behindKey = xbytesCopy(xbytesCopy(end_, prefix), name);
+        const std::string_view key(end_, static_cast<std::size_t>(behindKey - end_));
+        const XErr err = confCheckEntry(key, value);
+        if (err != XERR_SUCCESS) return refuse(std::string(key), value, err);
+        end_ = confEndLine(behindKey, value);
+        if (piece().size() + CONF_LINE_SIZE > kPieceSize) flush();
     }
 
     [[nodiscard]] XErr finish() {
@@ -77,38 +83,46 @@ class EntryWriter {
     }
 
  private:
+    std::string_view piece() const {
+        return {piece_.get(), static_cast<std::size_t>(end_ - piece_.get())};
+    }
+
     void flush() {
         if (result_ != XERR_SUCCESS) return;
         std::size_t done = 0;
-        result_ = output_.write(piece_, done);
+        result_ = output_.write(piece(), done);
         if (result_ != XERR_SUCCESS) {
             XLOG_E(kLog, "xfileWrite failed for %s, err = %d [%s]", lineAt(done).c_str(), result_,
                    xerrName(result_).c_str());
         }
-        piece_.clear();
+        end_ = piece_.get();
     }
 
-    void refuse(std::string_view key, std::string_view value, XErr err) {
-        XLOG_E(kLog, "invalid conf entry %s=\"%s\", prop len = %d, max len = %d",
-               std::string(key).c_str(), std::string(value).c_str(), confLineLength(key, value),
+    void refuse(const std::string& key, std::string_view value, XErr err) {
+        flush();  // a line that cannot be written comes before one that must not be
+        if (result_ != XERR_SUCCESS) return;
+        XLOG_E(kLog, "invalid conf entry %s=\"%s\", prop len = %d, max len = %d", key.c_str(),
+               std::string(value).c_str(), confLineLength(key, value),
                static_cast<int>(CONF_LINE_SIZE));
         result_ = err;
     }
 
     // The first line of the piece that did not reach the file whole.
     std::string lineAt(std::size_t done) const {
-        const std::size_t before = done == 0 ? std::string::npos : piece_.rfind('\n', done - 1);
+        const std::string_view all = piece();
+        const std::size_t before = done == 0 ? std::string::npos : all.rfind('\n', done - 1);
         const std::size_t start = before == std::string::npos ? 0 : before + 1;
-        return piece_.substr(start, piece_.find('\n', start) + 1 - start);
+        return std::string(all.substr(start, all.find('\n', start) + 1 - start));
     }
 
     ConfOutput& output_;
-    std::string piece_;
+    const std::unique_ptr<char[]> piece_;
+    char* end_;  // of what is in it
     XErr result_ = XERR_SUCCESS;
 };
 
 void applyPending(ConfStore& store) XTS_REQUIRES(store.lock) {
-    for (const auto& [key, value] : store.pending) store.values.assign(key, value);
+    store.values.assignAll(store.pending);
     store.pending.clear();
     for (const std::string& key : store.removals) store.values.erase(key);
     store.removals.clear();
@@ -117,13 +131,9 @@ void applyPending(ConfStore& store) XTS_REQUIRES(store.lock) {
 
 XErr writeValues(const ConfStore& store, ConfOutput& output) XTS_REQUIRES(store.lock) {
     EntryWriter writer(output);
-    std::string key;
     store.values.forEach(
-        [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            // The keys of an instance come one behind the other.
-            if (!xbytesStartsWith(key, prefix)) key = prefix;
-            key.replace(prefix.size(), std::string::npos, name);
-            writer.write(key, value);
+        [&writer](std::string_view prefix, std::string_view name, const std::string& value) {
+            writer.write(prefix, name, value);
         });
     return writer.finish();
 }

@@ -94,7 +94,7 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
     const std::string sourcePrefix = confInstancePrefix(source);
     const std::string targetPrefix = confInstancePrefix(target);
     const std::lock_guard<std::mutex> guard(store.lock);
-    if (store.instances.find(source) == store.instances.end()) {
+    if (!store.instances.contains(source)) {
         XLOG_E(kLog, "Instance %s doesn't exist", source.c_str());
         return XERR_FAILURE;
     }
@@ -106,9 +106,9 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
     for (const InstanceEntry& entry : entriesOfInstance(store, sourcePrefix)) {
         const std::string property(entry.property);
         if (store.deprecated.count(sourcePrefix + property) > 0) continue;
-        store.pending.insert_or_assign(targetPrefix + property, entry.value);
+        store.pending.assign(targetPrefix + property, entry.value);
     }
-    store.instances.insert(target);  // without defaults: the copied keys are all that it needs
+    store.instances.add(target);  // without defaults: the copied keys are all that it needs
     return XERR_SUCCESS;
 }
 
@@ -120,7 +120,7 @@ XErr confDeleteInstance(ConfStore& store, const std::string& name) {
         store.removals.insert(key);
         store.pending.erase(key);
     }
-    store.instances.erase(name);
+    store.instances.remove(name);
     return XERR_SUCCESS;
 }
 

@@ -22,7 +22,7 @@ struct ConfKey {
 
 inline ConfKey confSplitKey(std::string_view key) {
     if (xbytesStartsWith(key, CONF_INSTANCE_PREFIX)) {
-        const std::size_t dot = xbytesFind(key, '.', CONF_INSTANCE_PREFIX.size());
+        const std::size_t dot = xbytesFind<'.'>(key, CONF_INSTANCE_PREFIX.size());
         const std::string_view instance =
             key.substr(CONF_INSTANCE_PREFIX.size(), dot - CONF_INSTANCE_PREFIX.size());
         const std::string_view property = dot == std::string_view::npos ? key : key.substr(dot + 1);

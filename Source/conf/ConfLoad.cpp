@@ -23,7 +23,7 @@ class Loader {
 
     // False when the key has no property; logged.
     bool apply(ConfStore& store, const ConfEntry& entry) XTS_REQUIRES(store.lock) {
-        const ConfKey key = confSplitKey(entry.key);
+        const ConfKey key = splitKey(entry.key);
         switch (key.scope) {
             case ConfScope::Instance:
                 return applyInstance(store, entry, key);
@@ -36,13 +36,20 @@ class Loader {
     }
 
  private:
+    // A key of the same instance as the one before needs no second look.
+    ConfKey splitKey(std::string_view key) const {
+        if (prefix_.empty() || !xbytesStartsWith(key, prefix_)) return confSplitKey(key);
+        return {ConfScope::Instance, *instance_, key.substr(prefix_.size())};
+    }
+
     bool applyInstance(ConfStore& store, const ConfEntry& entry, const ConfKey& key)
         XTS_REQUIRES(store.lock) {
-        const ConfProperty* property = instanceProperty(store.catalogue.instances(), key.property);
-        if (property == nullptr) return refuse(entry, "iprop dir");
+        const auto* const declared = instanceProperty(store.catalogue.instances(), key.property);
+        if (declared == nullptr) return refuse(entry, "iprop dir");
         if (!instance_ || !xbytesSame(*instance_, key.instance)) enter(store, key.instance);
-        feed_.assignInInstance(key.property, entry.value);
-        if (property->deprecated) store.deprecated.emplace(entry.key);
+        prefix_ = entry.key.substr(0, entry.key.size() - key.property.size());
+        feed_.assignInInstance(declared->first, entry.value);
+        if (declared->second.deprecated) store.deprecated.emplace(entry.key);
         return true;
     }
 
@@ -55,21 +62,18 @@ class Loader {
         return true;
     }
 
-    const ConfProperty* instanceProperty(const ConfDirectory& directory, std::string_view name) {
+    const ConfDirectory::Entry* instanceProperty(const ConfDirectory& directory,
+                                                 std::string_view name) {
         if (expected_ == directory.end()) expected_ = directory.begin();
         if (expected_ == directory.end() || !xbytesSame(expected_->first, name)) {
             expected_ = directory.find(name);
             if (expected_ == directory.end()) return nullptr;
         }
-        const ConfProperty* property = &expected_->second;
-        ++expected_;
-        return property;
+        return &*expected_++;
     }
 
     void enter(ConfStore& store, std::string_view name) XTS_REQUIRES(store.lock) {
-        if (store.instances.find(name) == store.instances.end()) {
-            confAddInstanceLocked(store, name);
-        }
+        if (!store.instances.contains(name)) confAddInstanceLocked(store, name);
         instance_ = name;
         feed_.enterInstance(name);
     }
@@ -82,6 +86,7 @@ class Loader {
 
     ConfValueFeed feed_;
     std::optional<std::string_view> instance_;
+    std::string_view prefix_;  // of its keys
     ConfDirectory::const_iterator expected_;
 };
 
@@ -120,7 +125,7 @@ XErr loadUnderFileLock(ConfStore& store) XTS_REQUIRES(store.lock) {
 }  // namespace
 
 XErr confAddInstanceLocked(ConfStore& store, std::string_view name) {
-    store.instances.emplace_hint(store.instances.end(), name);  // a file has them in order
+    store.instances.add(name);
     store.values.addMissing(name, store.catalogue.instances());
     return XERR_SUCCESS;
 }

@@ -2,7 +2,6 @@
 #define CONF_CONFSTORE_H
 
 #include <atomic>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -10,10 +9,10 @@
 
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
+#include "conf/ConfNames.h"
 #include "conf/ConfValueMap.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
-#include "xpl/Xbytes.h"
 #include "xpl/XmutexNamed.h"
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
@@ -34,13 +33,13 @@ struct ConfStore {
     ConfValueMap values XTS_GUARDED_BY(lock);
 
     // Set and not committed yet; removed and not committed yet.
-    std::map<std::string, std::string, XbytesOrder> pending XTS_GUARDED_BY(lock);
+    ConfValueMap pending XTS_GUARDED_BY(lock);
     std::set<std::string, std::less<>> removals XTS_GUARDED_BY(lock);
 
     // Keys of deprecated properties that were seen; a commit drops them.
     std::set<std::string, std::less<>> deprecated XTS_GUARDED_BY(lock);
 
-    std::set<std::string, std::less<>> instances XTS_GUARDED_BY(lock);
+    ConfNames instances XTS_GUARDED_BY(lock);
     std::string path XTS_GUARDED_BY(lock);  // empty: no file
 
     // Orders loads and commits between processes; named when the store is initialised.

@@ -8,23 +8,19 @@ namespace {
 constexpr std::string_view kBeforeValue = "=\"";
 constexpr std::string_view kAfterValue = "\"\n";
 
-std::string_view untilNul(std::string_view text) { return text.substr(0, xbytesFind(text, '\0')); }
-
-bool contains(std::string_view text, char c) {
-    return xbytesFind(text, c) != std::string_view::npos;
-}
+std::string_view untilNul(std::string_view text) { return text.substr(0, xbytesFind<'\0'>(text)); }
 
 }  // namespace
 
 ConfRead ConfTextReader::next(ConfEntry& entry) {
     if (rest_.empty()) return ConfRead::End;
-    const std::size_t end = xbytesFind(rest_, '\n');
+    const std::size_t equals = xbytesFind<'=', '\n'>(rest_);
+    const bool hasKey = equals != std::string_view::npos && rest_[equals] == '=';
+    const std::size_t end = hasKey ? xbytesFind<'\n'>(rest_, equals + 1) : equals;
     const std::string_view line = rest_.substr(0, end);
     rest_ = end == std::string_view::npos ? std::string_view{} : rest_.substr(end + 1);
     entry.line = line;
-    if (line.size() > CONF_LINE_SIZE) return ConfRead::Malformed;
-    const std::size_t equals = xbytesFind(line, '=');
-    if (equals == std::string_view::npos) return ConfRead::Malformed;
+    if (!hasKey || line.size() > CONF_LINE_SIZE) return ConfRead::Malformed;
     entry.key = line.substr(0, equals);
     // A line that ends one character after its "=" leaves nothing to drop at the end.
     const std::size_t start = equals + kBeforeValue.size();
@@ -40,21 +36,15 @@ int confLineLength(std::string_view key, std::string_view value) {
 }
 
 XErr confCheckEntry(std::string_view key, std::string_view value) {
-    if (contains(key, '\n') || contains(key, '=') || contains(key, '\0') ||
-        contains(untilNul(value), '\n')) {
-        return XERR_INVAL;
-    }
+    if (xbytesFind<'\n', '=', '\0'>(key) != std::string_view::npos) return XERR_INVAL;
+    const std::size_t end = xbytesFind<'\n', '\0'>(value);
+    if (end != std::string_view::npos && value[end] == '\n') return XERR_INVAL;
     const int length = confLineLength(key, value);
     const bool fits = length >= 0 && length < static_cast<int>(CONF_LINE_SIZE);
     return fits ? XERR_SUCCESS : XERR_2BIG;
 }
 
-void confAppendLine(std::string& text, std::string_view key, std::string_view value) {
-    const std::string_view written = untilNul(value);
-    const std::size_t before = text.size();
-    text.resize(before + key.size() + kBeforeValue.size() + written.size() + kAfterValue.size());
-    char* end = xbytesCopy(&text[before], key);
-    end = xbytesCopy(end, kBeforeValue);
-    end = xbytesCopy(end, written);
-    xbytesCopy(end, kAfterValue);
+char* confEndLine(char* behindKey, std::string_view value) {
+    char* const start = xbytesCopy(behindKey, kBeforeValue);
+    return xbytesCopy(xbytesCopy(start, untilNul(value)), kAfterValue);
 }

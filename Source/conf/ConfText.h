@@ -45,7 +45,8 @@ int confLineLength(std::string_view key, std::string_view value);
 // more, 22 (XERR_INVAL) for a line feed in it or a "=" or NUL in the key.
 XErr confCheckEntry(std::string_view key, std::string_view value);
 
-// Appends the line of an entry that passed the check; a value ends at its first NUL.
-void confAppendLine(std::string& text, std::string_view key, std::string_view value);
+// Writes what follows the key in the line of an entry that passed the check, to where there is room
+// for it, and returns the place behind it. A value ends at its first NUL.
+char* confEndLine(char* behindKey, std::string_view value);
 
 #endif

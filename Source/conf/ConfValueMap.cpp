@@ -15,7 +15,7 @@ struct Place {
 Place placeOf(std::string_view key) {
     const std::size_t start = CONF_INSTANCE_PREFIX.size();
     if (!xbytesStartsWith(key, CONF_INSTANCE_PREFIX)) return {false, {}, key};
-    const std::size_t dot = xbytesFind(key, '.', start);
+    const std::size_t dot = xbytesFind<'.'>(key, start);
     if (dot == std::string_view::npos) return {false, {}, key};
     return {true, key.substr(start, dot - start), key.substr(dot + 1)};
 }
@@ -39,24 +39,25 @@ void ConfValueMap::assignIn(Group& group, std::string_view name, std::string_vie
     if (found != group.end() && xbytesSame(found->name, name)) {
         setValue(found->value, value);
     } else {
-        const std::string_view own = *ownNames_.emplace(name).first;
-        group.insert(found, {own, std::string(value)});
+        group.insert(found, {ownNames_.add(name), std::string(value)});
+        ++size_;
     }
 }
 
 ConfValueMap::Group& ConfValueMap::groupOf(std::string_view instance) {
-    const auto found = groups_.lower_bound(instance);
-    if (found != groups_.end() && xbytesSame(found->first, instance)) return found->second;
-    return groups_.try_emplace(found, std::string(instance))->second;
+    if (Group* const known = groupIndex_.find(instance)) return *known;
+    groupIndex_.reserveOne();
+    const auto added = groups_.try_emplace(groups_.end(), std::string(instance));  // often the last
+    groupIndex_.add(added->first, added->second);
+    return added->second;
 }
 
-const std::string* ConfValueMap::find(std::string_view key) const {
+const std::string* ConfValueMap::find(std::string_view key, std::size_t guess) const {
     const Place place = placeOf(key);
-    const Group* group = &others_;
-    if (place.isInstance) {
-        const auto found = groups_.find(place.instance);
-        if (found == groups_.end()) return nullptr;
-        group = &found->second;
+    const Group* const group = place.isInstance ? groupIndex_.find(place.instance) : &others_;
+    if (group == nullptr) return nullptr;
+    if (guess < group->size() && xbytesSame((*group)[guess].name, place.name)) {
+        return &(*group)[guess].value;
     }
     const auto found = position(*group, place.name);
     return found != group->end() && xbytesSame(found->name, place.name) ? &found->value : nullptr;
@@ -67,47 +68,58 @@ void ConfValueMap::assign(std::string_view key, std::string_view value) {
     assignIn(place.isInstance ? groupOf(place.instance) : others_, place.name, value);
 }
 
+void ConfValueMap::assignAll(const ConfValueMap& from) {
+    for (const Entry& other : from.others_) assignIn(others_, other.name, other.value);
+    for (const auto& [instance, entries] : from.groups_) {
+        if (entries.empty()) continue;
+        Group& group = groupOf(instance);
+        for (const Entry& entry : entries) assignIn(group, entry.name, entry.value);
+    }
+}
+
 void ConfValueMap::erase(std::string_view key) {
     const Place place = placeOf(key);
-    const auto group = place.isInstance ? groups_.find(place.instance) : groups_.end();
-    if (place.isInstance && group == groups_.end()) return;
-    Group& entries = place.isInstance ? group->second : others_;
-    const auto found = position(entries, place.name);
-    if (found != entries.end() && xbytesSame(found->name, place.name)) entries.erase(found);
-    if (place.isInstance && entries.empty()) groups_.erase(group);
+    Group* const group = place.isInstance ? groupIndex_.find(place.instance) : &others_;
+    if (group == nullptr) return;
+    const auto found = position(*group, place.name);
+    if (found == group->end() || !xbytesSame(found->name, place.name)) return;
+    group->erase(found);  // an empty list stays, and waits for the next key of the instance
+    --size_;
+}
+
+void ConfValueMap::clear() {
+    groupIndex_.clear();
+    groups_.clear();
+    others_.clear();
+    size_ = 0;
 }
 
 void ConfValueMap::addMissing(std::string_view instance, const ConfDirectory& properties) {
     Group& group = groupOf(instance);
-    if (group.empty()) {
-        group.reserve(properties.size());
-        for (const auto& [name, property] : properties) {
-            group.push_back({name, property.defaultValue});
-        }
-        return;
-    }
+    if (group.empty()) group.reserve(properties.size());
+    // Both are in order, and usually the same names, as texts too.
+    std::size_t at = 0;
     for (const auto& [name, property] : properties) {
-        const auto found = position(group, name);
-        if (found == group.end() || !xbytesSame(found->name, name)) {
-            group.insert(found, {name, property.defaultValue});
+        const bool isNext = at < group.size() && group[at].name.data() == name.data();
+        while (!isNext && at < group.size() && xbytesCompare(group[at].name, name) < 0) ++at;
+        if (!isNext && (at == group.size() || !xbytesSame(group[at].name, name))) {
+            group.insert(group.begin() + static_cast<std::ptrdiff_t>(at),
+                         {name, property.defaultValue});
+            ++size_;
         }
+        ++at;
     }
-}
-
-std::size_t ConfValueMap::size() const {
-    std::size_t count = others_.size();
-    for (const auto& group : groups_) count += group.second.size();
-    return count;
 }
 
 void ConfValueFeed::enterInstance(std::string_view instance) {
-    const auto found = map_.groups_.find(instance);
-    group_ = found == map_.groups_.end() ? nullptr : &found->second;
+    group_ = map_.groupIndex_.find(instance);
     next_ = 0;
 }
 
 void ConfValueFeed::assignInInstance(std::string_view name, std::string_view value) {
-    if (next_ >= group_->size() || !xbytesSame((*group_)[next_].name, name)) {
+    const std::string_view expected =
+        next_ < group_->size() ? (*group_)[next_].name : std::string_view{};
+    if (expected.data() != name.data() && !xbytesSame(expected, name)) {
         map_.assignIn(*group_, name, value);
         next_ = static_cast<std::size_t>(ConfValueMap::position(*group_, name) - group_->begin());
     } else {

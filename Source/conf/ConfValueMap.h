@@ -3,35 +3,41 @@
 
 #include <cstddef>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
+#include "conf/ConfNameIndex.h"
+#include "conf/ConfNames.h"
 #include "xpl/Xbytes.h"
 
 // An ordered map from full keys to values. The keys of an instance share their prefix
 // ("vtr.instance.<instance>."), so they are kept as one sorted list under its name: loading thirty
-// thousand keys takes a thousand nodes, and a lookup compares short names.
+// thousand keys takes a thousand nodes, and a lookup finds the instance by its hash and compares
+// short names.
 class ConfValueMap {
  public:
     ConfValueMap() = default;
     ConfValueMap(const ConfValueMap&) = delete;
     ConfValueMap& operator=(const ConfValueMap&) = delete;
 
-    // Null when the key is absent. Valid until the next change.
-    const std::string* find(std::string_view key) const;
+    // Null when the key is absent. Valid until the next change. `guess`, of a caller who knows that
+    // an instance usually has all properties of a directory: the place of the key's among them.
+    const std::string* find(std::string_view key, std::size_t guess = 0) const;
 
     void assign(std::string_view key, std::string_view value);
+    void assignAll(const ConfValueMap& from);
     void erase(std::string_view key);
 
     // Gives an instance every property of the directory that it lacks, with its default. The map
     // names its entries with the directory's texts, which must live as long.
     void addMissing(std::string_view instance, const ConfDirectory& properties);
 
-    std::size_t size() const;
+    std::size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    void clear();
 
     // Calls visit(prefix, name, value) for every entry, in byte order of prefix + name. The prefix
     // is valid during the call.
@@ -62,8 +68,10 @@ class ConfValueMap {
     Group& groupOf(std::string_view instance);
 
     Groups groups_;
+    ConfNameIndex<Group> groupIndex_;
     Group others_;  // keys that belong to no instance, whole
-    std::set<std::string, std::less<>> ownNames_;
+    ConfNames ownNames_;
+    std::size_t size_ = 0;
 };
 
 // Assigns many keys of one map that come in order, as a file has them: each is looked for right

@@ -36,8 +36,9 @@ inline void copyEnds(char* to, const char* from, std::size_t size) noexcept {
     std::memcpy(to + size - sizeof(Word), &last, sizeof(Word));
 }
 
-inline std::size_t findOneByOne(std::string_view text, std::size_t at, char wanted) noexcept {
-    while (at < text.size() && text[at] != wanted) ++at;
+template <char... Wanted>
+inline std::size_t findOneByOne(std::string_view text, std::size_t at) noexcept {
+    while (at < text.size() && ((text[at] != Wanted) && ...)) ++at;
     return at < text.size() ? at : std::string_view::npos;
 }
 
@@ -48,11 +49,14 @@ namespace xbytes_detail {
 
 constexpr std::size_t kBlock = sizeof(__m128i);
 
-// A bit for each byte of the block that is the wanted one.
-inline unsigned matches(const char* block, char wanted) noexcept {
+// A bit for each byte of the block that is one of the wanted ones.
+template <char... Wanted>
+inline unsigned matches(const char* block) noexcept {
     __m128i bytes;
     std::memcpy(&bytes, block, kBlock);
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted))));
+    __m128i found = _mm_setzero_si128();
+    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(Wanted)))), ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
 }
 
 inline std::size_t lowestBit(unsigned bits) noexcept {
@@ -68,22 +72,23 @@ inline std::size_t lowestBit(unsigned bits) noexcept {
 }  // namespace xbytes_detail
 #endif
 
-// Place of the first such byte from `at` on, or npos.
-inline std::size_t xbytesFind(std::string_view text, char wanted, std::size_t at = 0) noexcept {
+// Place of the first byte from `at` on that is one of these, or npos.
+template <char... Wanted>
+inline std::size_t xbytesFind(std::string_view text, std::size_t at = 0) noexcept {
 #if defined(XBYTES_SSE2)
     using namespace xbytes_detail;
     for (; at + kBlock <= text.size(); at += kBlock) {
-        const unsigned found = matches(text.data() + at, wanted);
+        const unsigned found = matches<Wanted...>(text.data() + at);
         if (found != 0) return at + lowestBit(found);
     }
     if (at < text.size() && text.size() >= kBlock) {
         // The last block, of which the part before `at` does not count.
         const std::size_t start = text.size() - kBlock;
-        const unsigned found = matches(text.data() + start, wanted) >> (at - start);
+        const unsigned found = matches<Wanted...>(text.data() + start) >> (at - start);
         return found == 0 ? std::string_view::npos : at + lowestBit(found);
     }
 #endif
-    return xbytes_detail::findOneByOne(text, at, wanted);
+    return xbytes_detail::findOneByOne<Wanted...>(text, at);
 }
 
 inline bool xbytesSame(std::string_view a, std::string_view b) noexcept {
@@ -124,6 +129,28 @@ inline int xbytesCompare(std::string_view a, std::string_view b) noexcept {
         return static_cast<unsigned char>(a[at]) < static_cast<unsigned char>(b[at]) ? -1 : 1;
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
+
+// A number that names rarely share; every byte counts.
+inline std::size_t xbytesHash(std::string_view text) noexcept {
+    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;  // 2^64 by the golden ratio
+    constexpr std::size_t kStep = sizeof(std::uint64_t);
+    std::uint64_t hash = text.size() * kMultiplier;
+    const auto mix = [&hash](const char* bytes, std::size_t size) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes, size);
+        hash = (hash ^ word) * kMultiplier;
+        hash ^= hash >> 32;
+    };
+    std::size_t at = 0;
+    for (; at + kStep <= text.size(); at += kStep) mix(text.data() + at, kStep);
+    if (at < text.size() && at > 0) {
+        mix(text.data() + text.size() - kStep, kStep);  // some bytes once more
+    } else {
+        for (; at < text.size(); ++at) mix(text.data() + at, 1);
+    }
+    hash *= kMultiplier;  // so that the last bytes reach the low bits too
+    return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
 // The order of std::less<>, for containers of texts that begin alike.

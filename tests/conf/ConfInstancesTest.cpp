@@ -21,7 +21,10 @@ class ConfInstancesTest : public ConfTest {
     std::vector<std::string> pendingKeys() {
         const std::lock_guard<std::mutex> guard(store.lock);
         std::vector<std::string> keys;
-        for (const auto& entry : store.pending) keys.push_back(entry.first);
+        store.pending.forEach(
+            [&keys](std::string_view prefix, std::string_view name, const std::string&) {
+                keys.push_back(std::string(prefix).append(name));
+            });
         return keys;
     }
 

@@ -110,10 +110,13 @@ TEST(ConfText, EntriesThatWouldNotReadBackAreRefused) {
 }
 
 TEST(ConfText, WrittenLinesReadBack) {
-    std::string text;
-    confAppendLine(text, "a", "say \"hi\" = é日");
-    confAppendLine(text, "b", "");
-    confAppendLine(text, "c", {"x\0y", 3});
+    char room[100] = "a";
+    char* end = confEndLine(room + 1, "say \"hi\" = é日");
+    *end = 'b';
+    end = confEndLine(end + 1, "");
+    *end = 'c';
+    end = confEndLine(end + 1, {"x\0y", 3});
+    const std::string text(room, end);
     EXPECT_EQ(text, "a=\"say \"hi\" = é日\"\nb=\"\"\nc=\"x\"\n");
     EXPECT_EQ(readAll(text), (Read{"a>say \"hi\" = é日", "b>", "c>x", "end"}));
 }

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "xpl/Xbytes.h"
 
@@ -26,12 +29,40 @@ void forEachText(Check check) {
 
 TEST(Xbytes, FindsWhatTheLibraryFinds) {
     forEachText([](std::string_view text) {
-        for (const char wanted :
-             {text.empty() ? 'x' : text.front(), text.empty() ? 'x' : text.back(), '\0'}) {
-            for (std::size_t at = 0; at <= text.size() + 1; ++at) {
-                ASSERT_EQ(xbytesFind(text, wanted, at), text.find(wanted, at));
+        // Every place of the text holds the byte once, and there may be others.
+        std::string own(text);
+        for (std::size_t place = 0; place < own.size(); ++place) {
+            const char before = std::exchange(own[place], '=');
+            for (const std::size_t at : {std::size_t{0}, place, place + 1, own.size() + 1}) {
+                ASSERT_EQ(xbytesFind<'='>(own, at), own.find('=', at));
+                ASSERT_EQ((xbytesFind<'=', '\0', '\x80'>(own, at)),
+                          own.find_first_of(std::string_view("=\0\x80", 3), at));
             }
+            own[place] = before;
         }
+        ASSERT_EQ(xbytesFind<'x'>(text), text.find('x'));
+    });
+}
+
+TEST(Xbytes, NamesThatDifferLittleHaveOtherHashes) {
+    constexpr std::size_t kSlots = 16'384;  // as a table of so many names has at least
+    std::vector<int> used(kSlots);
+    for (int number = 0; number < 8000; ++number) {
+        const std::string digits = std::to_string(100'000 + number).substr(1);
+        ++used[xbytesHash("Nougat64_" + digits) % kSlots];
+    }
+    EXPECT_LE(*std::max_element(used.begin(), used.end()), 8);
+}
+
+TEST(Xbytes, EveryByteCountsForTheHash) {
+    forEachText([](std::string_view text) {
+        std::string other(text);
+        for (char& byte : other) {
+            byte = static_cast<char>(byte ^ 1);
+            ASSERT_NE(xbytesHash(text), xbytesHash(other));
+            byte = static_cast<char>(byte ^ 1);
+        }
+        ASSERT_NE(xbytesHash(text), xbytesHash(other + '\0'));
     });
 }
 
