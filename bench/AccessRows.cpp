@@ -16,8 +16,10 @@ constexpr double kFloorAim = 1.2;
 // The keys of one type, and what every side reads and writes.
 struct Access {
     explicit Access(ConfType type) : keys(someKeys(Library::get().values(), type, kKeyCount)) {
-        const std::string path = folder.write("settings.ini", sampleText(Library::get().values()));
-        settings = std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat);
+        const FloorPath path =
+            floorPath(folder.write("settings.ini", sampleText(Library::get().values())));
+        settings = std::make_unique<QSettings>(QString::fromStdString(path.u8string()),
+                                               QSettings::IniFormat);
         settings->sync();
         for (const std::string& key : keys) qtKeys.push_back(QString::fromStdString(key));
         for (const auto& [key, value] : Library::get().values()) {

@@ -100,6 +100,16 @@ void benchMeasure(const Row& row) {
     print(row, sides, best, attempts);
 }
 
+void benchRepeat(const Row& row, const std::string& side, std::int64_t times) {
+    for (const Side& candidate : row.sides()) {
+        if (candidate.name != side) continue;
+        candidate.time(1);
+        candidate.time(times);
+        return;
+    }
+    benchFail("no such side");
+}
+
 void benchPrintNumbers(std::string_view row,
                        const std::vector<std::pair<std::string, double>>& numbers) {
     std::printf("{\"row\": \"%.*s\", \"numbers\": {", static_cast<int>(row.size()), row.data());

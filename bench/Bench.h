@@ -81,6 +81,9 @@ void benchUse(const Value& value) {
 // Measures a row and prints it as one line of JSON.
 void benchMeasure(const Row& row);
 
+// Sets a row up and does the work of one of its sides so many times, for a profiler to look at.
+void benchRepeat(const Row& row, const std::string& side, std::int64_t times);
+
 // A line of JSON with numbers that are no times: name, and pairs of name and number.
 void benchPrintNumbers(std::string_view row,
                        const std::vector<std::pair<std::string, double>>& numbers);

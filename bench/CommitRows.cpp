@@ -2,6 +2,7 @@
 #include <QSettings>
 #include <algorithm>
 #include <memory>
+#include <mutex>
 
 #include "Bench.h"
 #include "Floor.h"
@@ -15,9 +16,10 @@ struct Commit {
         : store(instances), keys(someKeys(store.values, ConfType::String, changes)) {
         const std::string text = sampleText(store.values);
         settings = std::make_unique<QSettings>(
-            QString::fromStdString(store.folder.write("settings.ini", text)), QSettings::IniFormat);
-        floorPath = wideForTests(store.folder.write("floor.conf", text));
-        temporary = floorPath + L"-temp";
+            QString::fromStdString(floorPath(store.folder.write("settings.ini", text)).u8string()),
+            QSettings::IniFormat);
+        floor = floorPath(store.folder.write("floor.conf", text));
+        temporary = floorPath(store.folder / "floor.conf-temp");
         for (const std::string& key : keys) qtKeys.push_back(QString::fromStdString(key));
     }
 
@@ -27,25 +29,22 @@ struct Commit {
     std::vector<std::string> keys;
     std::vector<QString> qtKeys;
     std::unique_ptr<QSettings> settings;
-    std::wstring floorPath;
-    std::wstring temporary;
-    FloorHandle mutex{::CreateMutexW(nullptr, FALSE, L"Global\\QX-Bridge-bench")};
+    FloorPath floor;
+    FloorPath temporary;
+    FloorMutex mutex{"QX-Bridge-bench"};
     int version = 0;
 };
 using CommitPtr = std::shared_ptr<Commit>;
 
 void floorCommit(Commit& commit) {
-    ::WaitForSingleObject(commit.mutex.get(), INFINITE);
-    const std::string content = floorRead(commit.floorPath.c_str());
+    const std::lock_guard<FloorMutex> guard(commit.mutex);
+    const std::string content = floorRead(commit.floor);
     {
-        const FloorHandle file(floorCreate(commit.temporary.c_str()));
-        floorWrite(file.get(), content);
-        ::FlushFileBuffers(file.get());
+        FloorFile file(commit.temporary, FloorFile::Create);
+        file.write(content);
+        file.flush();
     }
-    benchCheck(::MoveFileExW(commit.temporary.c_str(), commit.floorPath.c_str(),
-                             MOVEFILE_REPLACE_EXISTING) != FALSE,
-               "cannot move a file");
-    ::ReleaseMutex(commit.mutex.get());
+    floorMove(commit.temporary, commit.floor);
 }
 
 std::vector<Side> commitSides(int instances, std::size_t changes) {

@@ -4,17 +4,9 @@
 #include <cstring>
 
 #include "Bench.h"
+#include "xpl/Xfile.h"
 
 namespace {
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-HANDLE open(const wchar_t* path, DWORD access, DWORD disposition) {
-    const HANDLE file = ::CreateFileW(path, access, kShareAll, nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
-    benchCheck(file != INVALID_HANDLE_VALUE, "cannot open a file");
-    return file;
-}
 
 void splitLine(std::string_view line, KeyValues& values) {
     const std::size_t equals = line.find('=');
@@ -24,37 +16,13 @@ void splitLine(std::string_view line, KeyValues& values) {
 
 }  // namespace
 
-void FloorHandle::close() {
-    if (handle_ != nullptr) ::CloseHandle(handle_);
-    handle_ = nullptr;
+FloorPath floorPath(const std::string& path) {
+    return std::filesystem::u8path(xfileSystemPath(path));
 }
 
-HANDLE floorOpenForRead(const wchar_t* path) { return open(path, GENERIC_READ, OPEN_EXISTING); }
+std::string floorRead(const FloorPath& path) { return FloorFile(path, FloorFile::Read).read(); }
 
-HANDLE floorCreate(const wchar_t* path) { return open(path, GENERIC_WRITE, CREATE_ALWAYS); }
-
-HANDLE floorOpenForAppend(const wchar_t* path) {
-    return open(path, FILE_APPEND_DATA | SYNCHRONIZE, OPEN_ALWAYS);
-}
-
-std::string floorRead(const wchar_t* path) {
-    const FloorHandle file(floorOpenForRead(path));
-    LARGE_INTEGER size{};
-    ::GetFileSizeEx(file.get(), &size);
-    std::string content(static_cast<std::size_t>(size.QuadPart), '\0');
-    DWORD done = 0;
-    ::ReadFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &done, nullptr);
-    benchCheck(done == content.size(), "cannot read a file");
-    return content;
-}
-
-void floorWrite(HANDLE file, std::string_view bytes) {
-    DWORD done = 0;
-    ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr);
-    benchCheck(done == bytes.size(), "cannot write a file");
-}
-
-KeyValues floorLoad(const wchar_t* path) {
+KeyValues floorLoad(const FloorPath& path) {
     const std::string content = floorRead(path);
     KeyValues values;
     for (std::string_view rest = content; !rest.empty();) {
@@ -72,11 +40,8 @@ char* floorCopy(std::string_view text) {
     return copy;
 }
 
-void floorTouch(const wchar_t* path) {
-    static std::uint64_t seconds = 0;
-    constexpr std::uint64_t kSecond = 10'000'000;
-    const std::uint64_t time = 0x01D9000000000000 + ++seconds * kSecond;
-    const FILETIME stamp{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-    const FloorHandle file(open(path, FILE_WRITE_ATTRIBUTES, OPEN_EXISTING));
-    benchCheck(::SetFileTime(file.get(), nullptr, nullptr, &stamp) != FALSE, "cannot touch a file");
+void floorTouch(const FloorPath& path) {
+    static int seconds = 0;
+    const auto before = std::filesystem::last_write_time(path);
+    std::filesystem::last_write_time(path, before + std::chrono::seconds(++seconds));
 }

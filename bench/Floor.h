@@ -2,44 +2,64 @@
 #define BENCH_FLOOR_H
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 #include "SampleConf.h"
-#include "support/WindowsForTests.h"
 
 // What the system itself costs: the bare calls, with no checks but those that a measurement needs.
 
-// A handle that closes itself.
-class FloorHandle {
- public:
-    explicit FloorHandle(HANDLE handle = nullptr) : handle_(handle) {}
-    ~FloorHandle() { close(); }
-    FloorHandle(const FloorHandle&) = delete;
-    FloorHandle& operator=(const FloorHandle&) = delete;
+using FloorPath = std::filesystem::path;
 
-    HANDLE get() const { return handle_; }
-    void close();
+// A path of the library's, as the system has it.
+FloorPath floorPath(const std::string& path);
+
+// An open file, which closes itself.
+class FloorFile {
+ public:
+    enum Mode { Read, Create, Append };
+
+    FloorFile(const FloorPath& path, Mode mode);
+    ~FloorFile();
+    FloorFile(const FloorFile&) = delete;
+    FloorFile& operator=(const FloorFile&) = delete;
+
+    std::string read();  // all of it, in one piece
+    void write(std::string_view bytes);
+    void flush();  // to the disk
 
  private:
-    HANDLE handle_;
+    std::intptr_t handle_;
 };
 
-HANDLE floorOpenForRead(const wchar_t* path);
-HANDLE floorCreate(const wchar_t* path);
-HANDLE floorOpenForAppend(const wchar_t* path);
+// Puts a file into another one's place.
+void floorMove(const FloorPath& from, const FloorPath& to);
 
-std::string floorRead(const wchar_t* path);
-void floorWrite(HANDLE file, std::string_view bytes);
+// The lock that processes share, of that name.
+class FloorMutex {
+ public:
+    explicit FloorMutex(const char* name);
+    ~FloorMutex();
+    FloorMutex(const FloorMutex&) = delete;
+    FloorMutex& operator=(const FloorMutex&) = delete;
+    void lock();
+    void unlock();
+
+ private:
+    std::intptr_t handle_;
+};
+
+std::string floorRead(const FloorPath& path);
 
 // Reads a configuration in one piece and splits its lines into an ordered map, with the hint that
 // they come in order.
-KeyValues floorLoad(const wchar_t* path);
+KeyValues floorLoad(const FloorPath& path);
 
 // A new text of malloc's with these bytes.
 char* floorCopy(std::string_view text);
 
 // Gives a file another time of its last change, so that caches of its content are stale.
-void floorTouch(const wchar_t* path);
+void floorTouch(const FloorPath& path);
 
 #endif

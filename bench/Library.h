@@ -4,11 +4,12 @@
 #include <bridge/bridge.h>
 
 #include "SampleConf.h"
-#include "support/WindowsForTests.h"
 
-// The DLL itself, loaded once and initialised over a configuration of 1,000 instances.
+// The library as its host sees it, once, initialised over a configuration of 1,000 instances.
 class Library {
  public:
+    static constexpr int kInstances = 1000;
+
     static const Library& get();
 
     const KeyValues& values() const { return values_; }

@@ -1,11 +1,10 @@
-#include "Library.h"
-
+// The DLL itself.
 #include "Bench.h"
+#include "Library.h"
 #include "support/RegistrySandbox.h"
+#include "support/WindowsForTests.h"
 
 namespace {
-
-constexpr int kInstances = 1000;
 
 template <typename Function>
 void resolve(HMODULE module, const char* name, Function& function) {

@@ -123,13 +123,13 @@ struct Apps {
         folder.makeFolder("Engine\\Nougat64");
         folder.makeFolder("Engine\\Nougat64\\AppCache");
         const std::string name = "Engine\\Nougat64\\AppCache\\AppCache.json";
-        path = wideForTests(folder.write(name, appcFileText(apps)));
+        path = floorPath(folder.write(name, appcFileText(apps)));
         icons = folder.path() + "\\Engine/Nougat64/AppCache/";
     }
 
     TempFolder folder;
     AppcStore store;
-    std::wstring path;
+    FloorPath path;
     std::string icons;
 };
 
@@ -140,7 +140,7 @@ std::string libraryApps(Apps& apps) {
 }
 
 std::string qtApps(const Apps& apps) {
-    const std::string content = floorRead(apps.path.c_str());
+    const std::string content = floorRead(apps.path);
     const QString icons = qt(apps.icons);
     QJsonArray array;
     const auto document =
@@ -155,7 +155,7 @@ std::string qtApps(const Apps& apps) {
 }
 
 std::string rapidApps(const Apps& apps) {
-    const std::string content = floorRead(apps.path.c_str());
+    const std::string content = floorRead(apps.path);
     rapidjson::Document document;
     document.Parse(content.data(), content.size());
     rapidjson::StringBuffer buffer;

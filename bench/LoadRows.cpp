@@ -4,6 +4,7 @@
 
 #include "Bench.h"
 #include "Floor.h"
+#include "ProfileSide.h"
 #include "SampleConf.h"
 #include "conf/Conf.h"
 
@@ -14,17 +15,15 @@ constexpr const char* kLastKey = "vtr.version_machine_id";
 struct Files {
     explicit Files(int instances) : store(instances) {
         const std::string text = sampleText(store.values);
-        library = wideForTests(store.path);
-        settings = QString::fromStdString(store.folder.write("settings.ini", text));
-        settingsWide = settings.toStdWString();
-        profile = wideForTests(store.folder.write("profile.ini", "[General]\n" + text));
+        library = floorPath(store.path);
+        settings = floorPath(store.folder.write("settings.ini", text));
+        profile = store.folder.write("profile.ini", "[General]\n" + text);
     }
 
     SampleStore store;
-    std::wstring library;
-    QString settings;
-    std::wstring settingsWide;
-    std::wstring profile;
+    FloorPath library;
+    FloorPath settings;
+    std::string profile;
     std::unique_ptr<ConfStore> fresh;
     std::unique_ptr<QSettings> qt;
     KeyValues map;
@@ -49,42 +48,30 @@ std::function<double(std::int64_t)> settingsLoad(const std::shared_ptr<Files>& f
     return timedAfter(
         [files] {
             files->qt.reset();
-            floorTouch(files->settingsWide.c_str());  // or the parsed file of the last time serves
+            floorTouch(files->settings);  // or the parsed file of the last time serves
         },
         [files] {
-            files->qt = std::make_unique<QSettings>(files->settings, QSettings::IniFormat);
+            files->qt = std::make_unique<QSettings>(
+                QString::fromStdString(files->settings.u8string()), QSettings::IniFormat);
             benchCheck(files->qt->contains(kLastKey), "QSettings has not read its file");
-        });
-}
-
-std::function<double(std::int64_t)> profileLoad(const std::shared_ptr<Files>& files) {
-    return timedAfter(
-        [files] {
-            ::WritePrivateProfileStringW(nullptr, nullptr, nullptr, files->profile.c_str());
-            floorTouch(files->profile.c_str());
-        },
-        [files] {
-            wchar_t value[64];
-            ::GetPrivateProfileStringW(L"General", L"vtr.version_machine_id", L"missing", value, 64,
-                                       files->profile.c_str());
-            benchCheck(std::wstring(value) != L"missing", "the profile was not read");
         });
 }
 
 std::function<double(std::int64_t)> floorLoadOf(const std::shared_ptr<Files>& files) {
     return timedAfter([files] { files->map.clear(); },
                       [files] {
-                          files->map = floorLoad(files->library.c_str());
+                          files->map = floorLoad(files->library);
                           benchUse(valueSize(files->map));
                       });
 }
 
 std::vector<Side> loadSides(int instances) {
     const auto files = std::make_shared<Files>(instances);
-    return {{"library", 0, libraryLoad(files)},
-            {"QSettings", 0.1, settingsLoad(files)},
-            {"profile API", 0, profileLoad(files)},
-            {"floor: ordered map", 0.6, floorLoadOf(files)}};
+    std::vector<Side> sides{{"library", 0, libraryLoad(files)},
+                            {"QSettings", 0.1, settingsLoad(files)}};
+    if (const auto profile = profileSide(files->profile, kLastKey)) sides.push_back(*profile);
+    sides.push_back({"floor: ordered map", 0.6, floorLoadOf(files)});
+    return sides;
 }
 
 std::vector<Side> reloadSides(int instances) {

@@ -30,7 +30,7 @@ struct Log {
 
     TempFolder folder;
     std::shared_ptr<spdlog::logger> other;
-    FloorHandle floor{floorOpenForAppend(wideForTests(folder / "floor.log").c_str())};
+    FloorFile floor{floorPath(folder / "floor.log"), FloorFile::Append};
     int number = 0;
 };
 
@@ -44,7 +44,7 @@ std::vector<Side> writtenSides() {
                  log->other->info("{} called: instance {}, number {}", "bridgeOnAppDisplayedClbk",
                                   "Nougat64", ++log->number);
              })},
-            {"floor: WriteFile", 1.1, timed([log] { floorWrite(log->floor.get(), kFloorLine); })}};
+            {"floor: WriteFile", 1.1, timed([log] { log->floor.write(kFloorLine); })}};
 }
 
 std::vector<Side> offSides() {

@@ -1,7 +1,10 @@
-// bench [ROW...]: measures the rows whose names begin with one of these, or all.
+// bench [ROW...]             measures the rows whose names begin with one of these, or all
+// bench --repeat ROW SIDE N   does the work of one side N times, for a profiler
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
-#include "Bench.h"
+#include "Rows.h"
 #include "support/TempFolder.h"
 #include "xpl/Xlog.h"
 
@@ -14,21 +17,23 @@ bool isWanted(const std::string& name, int count, char** prefixes) {
     return count == 1;
 }
 
+int repeat(const Rows& rows, const std::string& name, const std::string& side, std::int64_t times) {
+    for (const Row& row : rows) {
+        if (row.name == name) benchRepeat(row, side, times);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
     const TempFolder folder;
     if (xlogLibInit(nullptr, folder / "library.log") != XERR_SUCCESS) return 1;
     xlogSetClientName("Helper_bridge");
-    Rows rows;
-    addLoadRows(rows);
-    addAccessRows(rows);
-    addCommitRows(rows);
-    addListingRows(rows);
-    addLogRows(rows);
-    addRequestRows(rows);
-    addEventRows(rows);
-    addStartRows(rows);
+    const Rows rows = allRows();
+    if (count == 5 && std::strcmp(arguments[1], "--repeat") == 0) {
+        return repeat(rows, arguments[2], arguments[3], std::atoll(arguments[4]));
+    }
     bool any = false;
     for (const Row& row : rows) {
         if (!isWanted(row.name, count, arguments)) continue;

@@ -1,0 +1,3 @@
+#include "ProfileSide.h"
+
+std::optional<Side> profileSide(const std::string&, const std::string&) { return std::nullopt; }
