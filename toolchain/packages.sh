@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of packages.txt that are missing.
+# packages.sh [NAME...]: installs the Debian packages of packages.txt, and these, that are missing.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
 wanted=$(grep -v '^#' "$tree/toolchain/packages.txt")
 missing=()
-for name in $wanted; do
+for name in $wanted "$@"; do
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null)" = installed ] ||
         missing+=("$name")
 done

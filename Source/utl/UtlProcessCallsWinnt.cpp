@@ -29,9 +29,9 @@ void* open(std::uint32_t id) { return ::OpenProcess(kAccess, /*bInheritHandle=*/
 void close(void* process) { ::CloseHandle(process); }
 
 bool hasModules(void* process) {
-    HMODULE first = nullptr;
+    HMODULE first[1];
     DWORD needed = 0;
-    return ::EnumProcessModules(process, &first, sizeof first, &needed) != FALSE;
+    return ::EnumProcessModules(process, first, sizeof first, &needed) != FALSE;
 }
 
 bool imagePath(void* process, std::wstring& path) {
