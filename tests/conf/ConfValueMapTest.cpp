@@ -107,3 +107,15 @@ TEST(ConfValueMap, TheFeedTakesKeysInAnyOrder) {
                      {"vtr.instance.Y.b", "2"},
                      {"vtr.instance.Y.c", "4"}});
 }
+
+TEST(ConfValueMap, TheFeedBringsBackANameThatWasErased) {
+    const ConfDirectory properties{{"a", {ConfType::I32, ""}}, {"b", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    map.erase("vtr.instance.X.b");
+    ConfValueFeed feed(map);
+    feed.enterInstance("X");
+    feed.assignInInstance("a", "1");
+    feed.assignInInstance("b", "2");
+    expectSame(map, {{"vtr.instance.X.a", "1"}, {"vtr.instance.X.b", "2"}});
+}

@@ -284,6 +284,36 @@ TEST_F(IpcReadCommandTest, AMegabyteIsHandedOverWholeAndItsMemoryGivenBack) {
     EXPECT_LT(info.buffer.capacity(), 4096);
 }
 
+TEST_F(IpcReadCommandTest, APacketOfSeveralBlocksLeavesTheNextOneAlone) {
+    for (const std::size_t size : {16'384u, 40'000u, 100'000u}) {
+        calls.clear();
+        const std::string large = packetOf(1, std::string(size, 'x'));
+        const std::string next = packetOf(2, std::string(size, 'y'));
+        deliver(large + next + large);
+        EXPECT_EQ(packets(), (Lines{large, next, large})) << size;
+    }
+}
+
+TEST_F(IpcReadCommandTest, FewerBytesThanTheSocketToldOfAreNotFilledUp) {
+    // Tells of bytes that never come, until a read finds none.
+    struct BoastingSocket : FakeSocket {
+        qint64 bytesAvailable() const override { return FakeSocket::bytesAvailable() + more; }
+        qint64 readData(char* to, qint64 size) override {
+            if (waiting.empty()) more = 0;
+            return FakeSocket::readData(to, size);
+        }
+        qint64 more = 5;
+    };
+    BoastingSocket boasting;
+    IpcConnectionInfo connection(&boasting, &kServerName);
+    const std::string packet = packetOf(1, "abcdefgh");
+    boasting.waiting = packet.substr(0, 15);
+    ipcReadCommand(&connection, record);
+    boasting.waiting = packet.substr(15);
+    ipcReadCommand(&connection, record);
+    EXPECT_EQ(packets(), Lines{packet});
+}
+
 // Qt delivers to a thread without an application object once the thread says that it needs none.
 TEST_F(IpcReadCommandTest, WhatWaitsWhenThePeerHasLeftIsReadBeforeTheSocketGoes) {
     QThreadData* const thread = QThreadData::get2(QThread::currentThread());

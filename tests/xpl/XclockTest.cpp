@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <string>
 
 #include "support/Scene.h"
 
@@ -28,6 +29,14 @@ TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
     const std::int64_t time = 1'709'820'309 * kSecond + 42'000;
     EXPECT_STREQ(xclockStamp(time, "+0100").data(), "2024-03-07 14:05:09.042+0100");
     EXPECT_STREQ(xclockStamp(time + 957'000, "").data(), "2024-03-07 14:05:09.999");
+}
+
+TEST(Xclock, ASuffixThatIsTooLongIsCut) {
+    constexpr std::int64_t kYear3001 = 32'535'216'000;
+    const std::string suffix(64, 'z');
+    EXPECT_EQ(std::string(xclockStamp(0, suffix.c_str()).data()),
+              "1970-01-01 00:00:00.000" + std::string(40, 'z'));
+    EXPECT_EQ(std::string(xclockStamp(kYear3001 * kSecond, suffix.c_str()).data()).size(), 63u);
 }
 
 TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {

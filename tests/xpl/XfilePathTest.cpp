@@ -34,6 +34,11 @@ TEST(XfilePath, FoldersOfAShare) {
               (Chain{L"\\\\?\\UNC\\server\\share\\a", L"\\\\?\\UNC\\server\\share\\a\\b"}));
 }
 
+TEST(XfilePath, AShareWithoutANameIsOneAllTheSame) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\server\\\\a\\b"),
+              (Chain{L"\\\\?\\UNC\\server\\\\a", L"\\\\?\\UNC\\server\\\\a\\b"}));
+}
+
 TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\C:\\a"), (Chain{L"\\\\?\\C:\\a"}));
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server\\share\\a"),
