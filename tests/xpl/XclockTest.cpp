@@ -32,11 +32,10 @@ TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
 }
 
 TEST(Xclock, ASuffixThatIsTooLongIsCut) {
-    constexpr std::int64_t kYear3001 = 32'535'216'000;
     const std::string suffix(64, 'z');
     EXPECT_EQ(std::string(xclockStamp(0, suffix.c_str()).data()),
               "1970-01-01 00:00:00.000" + std::string(40, 'z'));
-    EXPECT_EQ(std::string(xclockStamp(kYear3001 * kSecond, suffix.c_str()).data()).size(), 63u);
+    EXPECT_EQ(std::string(xclockStamp(-kSecond, suffix.c_str()).data()).size(), 63u);
 }
 
 TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {
@@ -46,6 +45,11 @@ TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {
         const std::string expected = xclockFormat(time * kSecond, "%Y-%m-%d %H:%M:%S") + ".000";
         ASSERT_EQ(xclockStamp(time * kSecond, "").data(), expected);
     }
+}
+
+TEST(Xclock, AStampBefore1970IsTheRuntimesOwn) {
+    EXPECT_EQ(std::string(xclockStamp(-kSecond, "+0100").data()),
+              xclockFormat(-kSecond, "%Y-%m-%d %H:%M:%S") + ".000+0100");
 }
 
 TEST(Xclock, ALeapDayHasItsStamp) {
