@@ -119,3 +119,13 @@ TEST(ConfValueMap, TheFeedBringsBackANameThatWasErased) {
     feed.assignInInstance("b", "2");
     expectSame(map, {{"vtr.instance.X.a", "1"}, {"vtr.instance.X.b", "2"}});
 }
+
+TEST(ConfValueMap, TheFeedTakesANameOutOfALongerText) {
+    const ConfDirectory properties{{"a", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    ConfValueFeed feed(map);
+    feed.enterInstance(std::string_view("XY").substr(0, 1));
+    feed.assignInInstance("a", "1");
+    expectSame(map, {{"vtr.instance.X.a", "1"}});
+}

@@ -118,11 +118,18 @@ class Jobs:
         threads = [threading.Thread(target=self.work, args=(tree,)) for tree in trees_]
         for thread in threads:
             thread.start()
-        for thread in threads:
-            thread.join()
+        self.wait_for(threads)
         if self.errors:
             raise self.errors[0]
         return self.done
+
+    def wait_for(self, threads):
+        try:
+            for thread in threads:
+                thread.join()
+        except KeyboardInterrupt as stop:  # each tree ends what it is at
+            self.errors.append(stop)
+            self.wait_for(threads)
 
 
 def line_of(mutant):
