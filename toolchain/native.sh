@@ -4,6 +4,7 @@
 #   native.sh sanitize           the tests under ASan + UBSan, then under TSan
 #   native.sh fuzz [SECONDS]     each fuzzer for so long, 600 if not told otherwise
 #   native.sh fuzz-briefly       each fuzzer over its seeds and a fixed series of changes to them
+#   native.sh mutate [N]         N small changes to the pure cores, and which of them no test notices
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -80,5 +81,9 @@ fuzz-briefly)
     # Without what earlier runs found: every run starts alike.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
-*) die "native.sh: sanitize, fuzz or fuzz-briefly" ;;
+mutate)
+    shift
+    QX_STANDIN_CLIENTS=none python3 "$tree/tests/mutation/mutate.py" "$@"
+    ;;
+*) die "native.sh: sanitize, fuzz, fuzz-briefly or mutate" ;;
 esac

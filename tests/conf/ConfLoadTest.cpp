@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "ConfFixture.h"
+#include "conf/ConfLoad.h"
 #include "support/HeldFile.h"
 #include "xpl/XmutexNamed.h"
 
@@ -277,6 +278,17 @@ TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {
     ASSERT_EQ(confLibInit(other, path(), true), 0);
     const std::lock_guard<std::mutex> guard(other.lock);
     EXPECT_EQ(other.deprecated, names({"vtr.old", "vtr.instance.A.old"}));
+}
+
+TEST_F(ConfLoadTest, TheLoadItselfRemembersADeprecatedGlobalKey) {
+    ConfCatalogue old;
+    old.registerGlobal("old", {ConfType::String, "d", false, true});
+    ConfStore other(old, confDiskFiles());
+    folder.write("vantrel.conf", "vtr.old=\"1\"\n");
+    const std::lock_guard<std::mutex> guard(other.lock);
+    other.path = path();
+    ASSERT_EQ(confLoad(other), 0);
+    EXPECT_EQ(other.deprecated, names({"vtr.old"}));
 }
 
 TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {

@@ -32,6 +32,11 @@ TEST(ConfNumber, AnEmptyTextIsZero) {
     EXPECT_EQ(parse64(""), 0);
 }
 
+TEST(ConfNumber, ReadsNothingBehindTheText) {
+    EXPECT_EQ(parse32(std::string_view("123456").substr(0, 3)), 123);
+    EXPECT_EQ(parse64(std::string_view("-123456").substr(0, 3)), -12);
+}
+
 TEST(ConfNumber, StopsAtTheFirstOtherCharacter) {
     EXPECT_EQ(parse32("12abc"), 12);
     EXPECT_EQ(parse32("1.9"), 1);

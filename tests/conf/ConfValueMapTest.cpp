@@ -107,3 +107,25 @@ TEST(ConfValueMap, TheFeedTakesKeysInAnyOrder) {
                      {"vtr.instance.Y.b", "2"},
                      {"vtr.instance.Y.c", "4"}});
 }
+
+TEST(ConfValueMap, TheFeedBringsBackANameThatWasErased) {
+    const ConfDirectory properties{{"a", {ConfType::I32, ""}}, {"b", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    map.erase("vtr.instance.X.b");
+    ConfValueFeed feed(map);
+    feed.enterInstance("X");
+    feed.assignInInstance("a", "1");
+    feed.assignInInstance("b", "2");
+    expectSame(map, {{"vtr.instance.X.a", "1"}, {"vtr.instance.X.b", "2"}});
+}
+
+TEST(ConfValueMap, TheFeedTakesANameOutOfALongerText) {
+    const ConfDirectory properties{{"a", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    ConfValueFeed feed(map);
+    feed.enterInstance(std::string_view("XY").substr(0, 1));
+    feed.assignInInstance("a", "1");
+    expectSame(map, {{"vtr.instance.X.a", "1"}});
+}

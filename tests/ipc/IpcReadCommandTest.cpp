@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QThread>
 #include <algorithm>
+#include <limits>
+#include <new>
 #include <random>
 #include <utility>
 
@@ -258,6 +260,34 @@ TEST_F(IpcReadCommandTest, ALongReplyIsWrittenWhole) {
     EXPECT_EQ(socket.written, std::string(3'000'001, '\0'));
 }
 
+TEST_F(IpcReadCommandTest, AReplyIsWrittenWholeHoweverLittleTheSocketTakes) {
+    struct NarrowSocket : FakeSocket {
+        qint64 writeData(const char* bytes, qint64) override {
+            return FakeSocket::writeData(bytes, 1);
+        }
+    };
+    NarrowSocket narrow;
+    IpcConnectionInfo connection(&narrow, &kServerName);
+    narrow.waiting = packetOf(1, "", 3);
+    ipcReadCommand(&connection, fillReply);
+    EXPECT_EQ(narrow.written, "abc");
+}
+
+TEST_F(IpcReadCommandTest, AReplyIsGivenUpWhenThePeerHasGone) {
+    // Takes one piece.
+    struct LeavingSocket : FakeSocket {
+        qint64 writeData(const char* bytes, qint64 size) override {
+            return written.empty() ? FakeSocket::writeData(bytes, size) : -1;
+        }
+    };
+    LeavingSocket leaving;
+    IpcConnectionInfo connection(&leaving, &kServerName);
+    leaving.waiting = packetOf(1, "", 3'000'000);
+    ipcReadCommand(&connection, record);
+    EXPECT_EQ(leaving.written, std::string(1'048'576, '\0'));
+    EXPECT_EQ(connection.packetLen, 0u);
+}
+
 TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
     const std::string good = packetOf(2, "");
     deliver(packetOf(1, "", 4), throwing);
@@ -277,11 +307,51 @@ TEST_F(IpcReadCommandTest, AClaimedLengthTakesNoMemoryBeforeTheBytesCome) {
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
 }
 
+TEST_F(IpcReadCommandTest, APacketThatCannotBeHeldIsRefusedBeforeItIsCopied) {
+    const int size = std::numeric_limits<int>::max() - 64;
+    info.buffer = QByteArray::fromRawData("", size);  // nothing may look into it
+    info.packetLen = 0x80000000u;
+    socket.waiting = "x";
+    EXPECT_THROW(ipcReadCommand(&info, record), std::bad_alloc);
+    EXPECT_EQ(info.buffer.size(), size);
+    EXPECT_EQ(socket.waiting, "x");
+}
+
 TEST_F(IpcReadCommandTest, AMegabyteIsHandedOverWholeAndItsMemoryGivenBack) {
     const std::string packet = packetOf(1, std::string(1 << 20, 'x'));
     deliver(packet);
     EXPECT_EQ(packets(), Lines{packet});
     EXPECT_LT(info.buffer.capacity(), 4096);
+}
+
+TEST_F(IpcReadCommandTest, APacketOfSeveralBlocksLeavesTheNextOneAlone) {
+    for (const std::size_t size : {16'384u, 40'000u, 100'000u}) {
+        calls.clear();
+        const std::string large = packetOf(1, std::string(size, 'x'));
+        const std::string next = packetOf(2, std::string(size, 'y'));
+        deliver(large + next + large);
+        EXPECT_EQ(packets(), (Lines{large, next, large})) << size;
+    }
+}
+
+TEST_F(IpcReadCommandTest, FewerBytesThanTheSocketToldOfAreNotFilledUp) {
+    // Tells of bytes that never come, until a read finds none.
+    struct BoastingSocket : FakeSocket {
+        qint64 bytesAvailable() const override { return FakeSocket::bytesAvailable() + more; }
+        qint64 readData(char* to, qint64 size) override {
+            if (waiting.empty()) more = 0;
+            return FakeSocket::readData(to, size);
+        }
+        qint64 more = 5;
+    };
+    BoastingSocket boasting;
+    IpcConnectionInfo connection(&boasting, &kServerName);
+    const std::string packet = packetOf(1, "abcdefgh");
+    boasting.waiting = packet.substr(0, 15);
+    ipcReadCommand(&connection, record);
+    boasting.waiting = packet.substr(15);
+    ipcReadCommand(&connection, record);
+    EXPECT_EQ(packets(), Lines{packet});
 }
 
 // Qt delivers to a thread without an application object once the thread says that it needs none.

@@ -108,6 +108,13 @@ TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {
     EXPECT_FALSE(utlIsAbsolute(L"\\\\server\\share"));
 }
 
+TEST(UtlFolders, ADriveOrTwoLeadingSeparatorsMakeARoot) {
+    EXPECT_FALSE(utlIsAbsolute(L"\\a\\b\\c"));
+    EXPECT_FALSE(utlIsAbsolute(L"a\\b\\c\\d"));
+    EXPECT_FALSE(utlIsAbsolute(L"a\\\\b\\c\\d"));
+    EXPECT_TRUE(utlIsAbsolute(L"\\\\server\\\\x")) << "a share without a name";
+}
+
 TEST(UtlFolders, ObjectNamesFollowTheProductsRule) {
     EXPECT_EQ(utlGlobalObjectName("conf"), "Global\\vtr_conf_nvo");
     EXPECT_EQ(utlGlobalObjectName("appc_Nougat64"), "Global\\vtr_appc_Nougat64_nvo");

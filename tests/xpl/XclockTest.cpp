@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <string>
 
 #include "support/Scene.h"
 
@@ -30,6 +31,13 @@ TEST(Xclock, AStampHasMillisecondsAndTheSuffix) {
     EXPECT_STREQ(xclockStamp(time + 957'000, "").data(), "2024-03-07 14:05:09.999");
 }
 
+TEST(Xclock, ASuffixThatIsTooLongIsCut) {
+    const std::string suffix(64, 'z');
+    EXPECT_EQ(std::string(xclockStamp(0, suffix.c_str()).data()),
+              "1970-01-01 00:00:00.000" + std::string(40, 'z'));
+    EXPECT_EQ(std::string(xclockStamp(-kSecond, suffix.c_str()).data()).size(), 63u);
+}
+
 TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {
     constexpr std::int64_t kYear3001 = 32'535'216'000;
     constexpr std::int64_t kStep = 86'400 * 17 + 7'919;  // every month, leap days, times of day
@@ -37,6 +45,11 @@ TEST(Xclock, AStampIsWhatTheCalendarOfTheSystemSays) {
         const std::string expected = xclockFormat(time * kSecond, "%Y-%m-%d %H:%M:%S") + ".000";
         ASSERT_EQ(xclockStamp(time * kSecond, "").data(), expected);
     }
+}
+
+TEST(Xclock, AStampBefore1970IsTheRuntimesOwn) {
+    EXPECT_EQ(std::string(xclockStamp(-kSecond, "+0100").data()),
+              xclockFormat(-kSecond, "%Y-%m-%d %H:%M:%S") + ".000+0100");
 }
 
 TEST(Xclock, ALeapDayHasItsStamp) {

@@ -34,6 +34,12 @@ TEST(XfilePath, FoldersOfAShare) {
               (Chain{L"\\\\?\\UNC\\server\\share\\a", L"\\\\?\\UNC\\server\\share\\a\\b"}));
 }
 
+TEST(XfilePath, AServerOrShareWithoutANameIsOneAllTheSame) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\\\share\\a"), (Chain{L"\\\\?\\UNC\\\\share\\a"}));
+    EXPECT_EQ(xfileFolderChain(L"\\\\server\\\\a\\b"),
+              (Chain{L"\\\\?\\UNC\\server\\\\a", L"\\\\?\\UNC\\server\\\\a\\b"}));
+}
+
 TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\C:\\a"), (Chain{L"\\\\?\\C:\\a"}));
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server\\share\\a"),

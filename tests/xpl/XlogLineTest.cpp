@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <string>
 
 #include "xpl/XlogLine.h"
@@ -75,4 +77,15 @@ TEST(XlogLine, AMessageThatCannotBeFormattedIsPaddedWithBlanks) {
     EXPECT_EQ(line.find('\0'), std::string::npos);
     EXPECT_EQ(line.back(), '\n');
     EXPECT_EQ(line.rfind(kHeaderText, 0), 0u);
+}
+
+TEST(XlogLine, WhatTheFormatterLeftOfAMessageIsShown) {
+    for (const std::string& before : {std::string("before "), std::string(5000, 'x')}) {
+        std::string rest(4095 - kHeaderText.size(), ' ');
+        std::snprintf(rest.data(), rest.size(), "%s%ls", before.c_str(), L"\xD800");
+        std::replace(rest.begin(), rest.end(), '\0', ' ');
+        rest.resize(4093 - kHeaderText.size());
+        EXPECT_EQ(format(kHeader, {}, "%s%ls", before.c_str(), L"\xD800"),
+                  kHeaderText + rest + "\n");
+    }
 }

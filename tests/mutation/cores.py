@@ -1,0 +1,66 @@
+"""What is mutated, which tests have to notice it, and which of them are not asked."""
+
+# Each file between bytes and meaning; of some only these classes and functions. Tables are left
+# out: conf's properties, the requests of plr and mim, the status codes. So is the listing of
+# instances, which only the hosts' tests look at.
+CORES = {
+    "Source/xpl/Xbytes.h": None,
+    "Source/xpl/Xclock.cpp": None,
+    "Source/xpl/Xerr.cpp": None,
+    "Source/xpl/XfilePath.cpp": None,
+    "Source/xpl/Xlog.cpp": ["baseName", "tagName", "levelLetter", "setThreshold", "applyLevelItem",
+                            "xlogSetLevels"],
+    "Source/xpl/XlogLine.cpp": None,
+    "Source/xpl/XprocQuote.cpp": None,
+    "Source/utl/UtlFolders.cpp": ["isSeparator", "rootNameLength", "utlIsAbsolute",
+                                  "utlGlobalObjectName", "utlLocalObjectName"],
+    "Source/utl/UtlImages.cpp": ["utlFindImageTrait", "utlGetImageTrait", "utlImageNameOfInstance",
+                                 "utlGetAbiListFromAbiInt"],
+    "Source/utl/UtlJson.cpp": None,
+    "Source/conf/ConfAccess.cpp": ["confSplitMultiString", "confJoinMultiString"],
+    "Source/conf/ConfCatalogue.cpp": None,
+    "Source/conf/ConfCommit.cpp": ["EntryWriter", "writeValues"],
+    "Source/conf/ConfKey.h": None,
+    "Source/conf/ConfLoad.cpp": ["Loader", "applyContent"],
+    "Source/conf/ConfNumber.cpp": None,
+    "Source/conf/ConfText.cpp": None,
+    "Source/conf/ConfText.h": None,
+    "Source/conf/ConfValueMap.cpp": None,
+    "Source/conf/ConfValueMap.h": None,
+    "Source/appc/AppcJson.cpp": None,
+    "Source/ipc/IpcConnection.cpp": ["numberAt", "Incoming", "append", "readHeader", "readBody",
+                                     "replyBuffer", "writeReply", "dispatch", "ipcReadCommand"],
+    "Source/ipc/IpcPacket.cpp": None,
+    "Source/ipc/IpcPacket.h": None,
+    "Source/ipc/IpcRequest.cpp": ["shownList"],
+    "Source/bridge/BridgeDec.cpp": None,
+}
+
+# The layer's own tests first, then those of the layers above.
+TESTS = {
+    "xpl": ["xpl_test", "utl_test", "conf_test", "appc_test", "bridge_layer_test", "ipc_test"],
+    "utl": ["utl_test", "appc_test", "conf_test", "bridge_layer_test"],
+    "conf": ["conf_test", "bridge_layer_test"],
+    "appc": ["appc_test", "bridge_layer_test"],
+    "ipc": ["ipc_test", "bridge_layer_test"],
+    "bridge": ["bridge_layer_test"],
+}
+
+# Tests that take long, or depend on how fast the machine is just then, and are about something else.
+NOT_ASKED = {
+    "ConfCrowdTest.*": "processes that compete for a file",
+    "IpcClientTest.AReplyIsWaitedForThirtySeconds": "a time limit",
+    "IpcClientTest.APeerThatNeverReads*": "a time limit",
+    "IpcClientTest.ALateReply*": "a time limit",
+    "IpcServerLoadTest.*": "many connections",
+    "IpcServerTest.StartingAndStoppingGivesEveryHandleBack": "handles",
+    "*.ChildrenThatStartMeanwhileNeverBlock*": "inheritance of files",
+    "AppcSaveTest.TwoProcessesThat*": "processes that compete for a file",
+    "XplTest.*": "rotation of the log",
+    "XsnapshotTest.*": "threads that compete for a value",
+    "*.*WaitForEachOther*": "locks",
+}
+
+
+def tests_of(path):
+    return TESTS[path.split("/")[1]]
