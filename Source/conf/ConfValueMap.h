@@ -93,8 +93,9 @@ class ConfValueFeed {
 
 inline bool ConfValueMap::PrefixOrder::operator()(std::string_view a,
                                                   std::string_view b) const noexcept {
+    // A name that goes on with a "." comes behind the one that it begins with.
     if (a.size() < b.size() && xbytesStartsWith(b, a))
-        return '.' < static_cast<unsigned char>(b[a.size()]);
+        return '.' <= static_cast<unsigned char>(b[a.size()]);
     if (b.size() < a.size() && xbytesStartsWith(a, b))
         return static_cast<unsigned char>(a[b.size()]) < '.';
     return xbytesCompare(a, b) < 0;

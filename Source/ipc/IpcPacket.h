@@ -32,8 +32,6 @@ class IpcField {
     IpcField(double value) : type_(IpcFieldType::Double), double_(value) {}
     IpcField(const char* value) : type_(IpcFieldType::Text), text_(value) {}
 
-    IpcFieldType type() const { return type_; }
-
     // Bytes that the field takes.
     std::size_t size() const;
 

@@ -90,7 +90,7 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
     for (ChildProcess& committer : committers) EXPECT_EQ(committer.finish().status, 0u);
     finished = true;
     auditor.join();
-    EXPECT_GT(states, 10);
+    EXPECT_GT(states, 1) << "the auditor looked while others wrote";
     ASSERT_EQ(confReload(store), 0);
     for (int p = 0; p < kProcesses; ++p) {
         EXPECT_EQ(confGetI32(store, "vtr.instance.P" + std::to_string(p) + ".ram"), commits);

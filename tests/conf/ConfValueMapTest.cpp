@@ -84,6 +84,17 @@ TEST(ConfValueMap, AddMissingKeepsWhatIsThere) {
                      {"vtr.instance.Y.c", "3"}});
 }
 
+TEST(ConfValueMap, InstancesWhoseNamesBeginAlikeAreTwo) {
+    const ConfDirectory properties{{"a", {ConfType::I32, "1"}}};
+    for (const bool shortFirst : {true, false}) {
+        ConfValueMap map;
+        map.addMissing(shortFirst ? "A" : "A.B", properties);
+        map.addMissing(shortFirst ? "A.B" : "A", properties);
+        EXPECT_EQ(entries(map), (std::vector<std::pair<std::string, std::string>>{
+                                    {"vtr.instance.A.a", "1"}, {"vtr.instance.A.B.a", "1"}}));
+    }
+}
+
 TEST(ConfValueMap, TheFeedTakesKeysInAnyOrder) {
     const ConfDirectory properties{
         {"a", {ConfType::I32, ""}}, {"b", {ConfType::I32, ""}}, {"c", {ConfType::I32, ""}}};

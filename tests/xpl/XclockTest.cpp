@@ -86,3 +86,8 @@ TEST(Xclock, UtcKeepsTheFractionOfASecond) {
     EXPECT_EQ((utc % kSecond), 42'000);
     EXPECT_EQ((local - utc) % (15 * kMinute), 0) << "zones differ by whole quarters of an hour";
 }
+
+TEST(Xclock, ATimeThatNoCalendarHasIsNoText) {
+    constexpr std::int64_t kYear3002 = 32'566'752'000 * kSecond;
+    EXPECT_EQ(xclockFormat(kYear3002, "%Y"), "");
+}
