@@ -82,7 +82,7 @@ class Incoming {
     QLocalSocket& socket_;
     qint64 at_ = 0;
     qint64 end_ = 0;
-    std::array<char, 16 * 1024> block_;
+    std::array<char, std::size_t{16} * 1024> block_;
 };
 
 // Appends up to `wanted` bytes, and no more than there are: memory follows what has arrived, not
@@ -101,7 +101,6 @@ void append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
 std::uint32_t readHeader(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
     XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
            static_cast<int>(incoming.available()));
-    info.buffer.resize(0);
     append(info, incoming, kHeaderSize);
     info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
     const std::uint32_t replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
@@ -110,6 +109,18 @@ std::uint32_t readHeader(IpcConnectionInfo& info, Incoming& incoming, const char
            self, serverOf(info), info.packetLen, info.buffer.size(),
            numberAt(info.buffer, IPC_OPCODE_OFFSET), static_cast<std::int32_t>(replyLength));
     return replyLength;
+}
+
+// Whether a packet has begun, with the length of the reply that it wants when it begins now.
+bool beginPacket(IpcConnectionInfo& info, Incoming& incoming, std::uint32_t& replyLength,
+                 const char* self) {
+    if (info.packetLen != 0) return true;
+    if (!incoming.has(kHeaderSize)) {
+        incoming.giveBack();
+        return false;
+    }
+    replyLength = readHeader(info, incoming, self);
+    return true;
 }
 
 // The bytes still to come are a signed 32-bit number, so that lengths near both ends of the range
@@ -244,13 +255,7 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     // Known within this call only: a packet that is completed by a later one gets no reply.
     std::uint32_t replyLength = 0;
     do {
-        if (info->packetLen == 0) {
-            if (!incoming.has(kHeaderSize)) {
-                incoming.giveBack();
-                return;
-            }
-            replyLength = readHeader(*info, incoming, self);
-        }
+        if (!beginPacket(*info, incoming, replyLength, self)) return;
         readBody(*info, incoming, self);
         if (static_cast<std::uint32_t>(info->buffer.size()) == info->packetLen) {
             dispatch(*info, decode, replyLength, self);

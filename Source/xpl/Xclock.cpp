@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int64_t kMicrosPerSecond = 1'000'000;
 
-constexpr std::int64_t kSecondsPerDay = 24 * 60 * 60;
+constexpr std::int64_t kSecondsPerDay = 86'400;
 
 struct Date {
     std::int64_t year;
