@@ -61,7 +61,7 @@ std::vector<Side> getSides(ConfType type, Library library, Qt qt) {
     return {
         side("library", 0, type,
              [library](Access& access) { library(access.keys[access.next()].c_str()); }),
-        side("QSettings", kSettingsAim, type,
+        side("QSettings value()", kSettingsAim, type,
              [qt](Access& access) { qt(access.settings->value(access.qtKeys[access.next()])); }),
         side("floor: lookup and copy", kFloorAim, type, [](Access& access) {
             char* const copy = floorCopy(access.map.find(access.keys[access.next()])->second);
@@ -84,7 +84,11 @@ std::vector<Side> setSides(ConfType type, Library library, Qt qt, Text text) {
                      const char* const key = access.keys[access.next()].c_str();
                      benchCheck(library(key, access.odd) == BRIDGE_SUCCESS, "set failed");
                  }),
-            side("QSettings", kSettingsAim, type,
+            side("QSettings value()", kSettingsAim, type,
+                 [](Access& access) {
+                     benchUse(access.settings->value(access.qtKeys[access.next()]));
+                 }),
+            side("QSettings setValue()", 0, type,
                  [qt](Access& access) {
                      const QString& key = access.qtKeys[access.next()];
                      access.settings->setValue(key, qt(access.odd));

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Turns the lines of JSON that bench.exe prints into a table, results.json and a chart.
+"""Turns the lines of JSON that the measurements left in a folder into tables and a chart.
 
-report.py table RAW FOLDER            table on the terminal; results.json and chart.svg in FOLDER
-report.py record RAW FOLDER           the same, and the figures of bench/recorded.json and docs
-report.py check RAW FOLDER            the same, and compares the ratios with the recorded ones
+report.py table FOLDER     raw.jsonl: table on the terminal; results.json and chart.svg in FOLDER
+report.py check FOLDER     the same, and compares the ratios with the recorded ones
+report.py native FOLDER    native.jsonl: table
+report.py count FOLDER     counts.jsonl: table
+report.py record FOLDER    the table, and the figures of bench/recorded.json and docs of all three
 """
 import json
 import math
@@ -100,20 +102,34 @@ def footprint_lines(numbers):
 HEAD = ("row", "library", "against", "takes", "ratio", "aim", "", "spread")
 
 
-def print_table(rows, footprint):
-    lines = [HEAD] + list(cells(rows))
-    widths = [max(len(line[i]) for line in lines) for i in range(len(HEAD))]
+def print_table(lines):
+    widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
     for line in lines:
         print("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip())
-    for line in footprint_lines(footprint) if footprint else []:
-        print(line)
 
 
-def markdown(rows, footprint):
-    out = ["| " + " | ".join(HEAD) + " |", "|" + "---|" * len(HEAD)]
-    out += ["| " + " | ".join(line) + " |" for line in cells(rows)]
-    out += ["", *["- " + line for line in footprint_lines(footprint)]] if footprint else []
-    return "\n".join(out)
+def markdown(lines):
+    head, *rest = ["| " + " | ".join(line) + " |" for line in lines]
+    return "\n".join([head, "|" + "---|" * len(lines[0]), *rest])
+
+
+def rows_table(rows):
+    return [HEAD, *cells(rows)]
+
+
+def read_counts(path):
+    return [json.loads(line) for line in Path(path).read_text().splitlines()]
+
+
+def counts_table(counts):
+    """Instructions of one piece of work, of each side."""
+    lines = [("row", "library", "against", "instructions", "ratio")]
+    for row in counts:
+        own, *others = row["instructions"].items()
+        for name, value in others:
+            lines.append((row["row"], f"{own[1]:,.0f}", name, f"{value:,.0f}",
+                          f"{own[1] / value:.2f}"))
+    return lines
 
 
 def chart(rows):
@@ -168,26 +184,41 @@ def check(rows):
     return 1 if failed else 0
 
 
-def record(rows, footprint):
+def replace(page, name, text):
+    """Puts a text between the page's two marks of that name."""
+    begin, end = f"<!-- {name} -->", f"<!-- end of {name} -->"
+    return re.sub(f"{begin}.*{end}", lambda _: f"{begin}\n{text}\n{end}", page, flags=re.S)
+
+
+def record(rows, footprint, folder):
     RECORDED.write_text(json.dumps(ratios(rows), indent=1, ensure_ascii=False) + "\n")
     CHART.write_text(chart(rows))
-    page = PAGE.read_text()
-    figures = f"<!-- figures -->\n{markdown(rows, footprint)}\n<!-- end of figures -->"
-    PAGE.write_text(re.sub(r"<!-- figures -->.*<!-- end of figures -->", lambda _: figures, page,
-                           flags=re.S))
+    lines = "\n".join("- " + line for line in footprint_lines(footprint))
+    page = replace(PAGE.read_text(), "figures", markdown(rows_table(rows)) + "\n\n" + lines)
+    native, _ = read(folder / "native.jsonl")
+    page = replace(page, "native figures", markdown(rows_table(native)))
+    counts = markdown(counts_table(read_counts(folder / "counts.jsonl")))
+    PAGE.write_text(replace(page, "counts", counts))
 
 
 def main():
-    mode, raw, folder = sys.argv[1], sys.argv[2], Path(sys.argv[3])
-    rows, footprint = read(raw)
+    mode, folder = sys.argv[1], Path(sys.argv[2])
+    if mode == "count":
+        print_table(counts_table(read_counts(folder / "counts.jsonl")))
+        return 0
+    rows, footprint = read(folder / ("native.jsonl" if mode == "native" else "raw.jsonl"))
     if not rows and not footprint:
         sys.exit("nothing was measured")
-    print_table(rows, footprint)
+    print_table(rows_table(rows))
+    if mode == "native":
+        return 0
+    for line in footprint_lines(footprint) if footprint else []:
+        print(line)
     results = {"rows": rows, "footprint": footprint}
     (folder / "results.json").write_text(json.dumps(results, indent=1, ensure_ascii=False) + "\n")
     (folder / "chart.svg").write_text(chart(rows))
     if mode == "record":
-        record(rows, footprint)
+        record(rows, footprint, folder)
     return check(rows) if mode == "check" else 0
 
 
