@@ -247,3 +247,10 @@ INSTANTIATE_TEST_SUITE_P(
         FatalCase{"getRemoved",
                   "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]"}),
     [](const auto& info) { return std::string(info.param.what); });
+
+TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
+    ASSERT_EQ(confDeleteInstance(store, "A"), 0);
+    EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
+    EXPECT_FALSE(confIsPropPending(store, "vtr.locale"));
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
+}
