@@ -386,15 +386,15 @@ TEST_F(IpcClientTest, TwoSendsShareOneConnection) {
     EXPECT_EQ(server.served(), 1);
 }
 
-TEST_F(IpcClientTest, ADisconnectWaitsForWhatIsStillToBeWritten) {
+TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
     std::string got;
     const std::string large(1 << 20, 'x');
     {
         RawServer server(
             name,
-            [&got](RawPipe& pipe) {
+            [&got, size = kPacket.size() + large.size()](RawPipe& pipe) {
                 sleepMs(50);
-                got = pipe.readAll();
+                got = pipe.read(size);
             },
             /*bufferSize=*/0);
         client.waitMs = 10'000;
