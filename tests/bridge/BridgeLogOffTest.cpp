@@ -65,8 +65,16 @@ TEST_F(BridgeLogOffTest, PacketsThatAreNone) {
 }
 
 TEST_F(BridgeLogOffTest, NullTexts) {
-    EXPECT_EQ(bridgeStatus("f", {"a", nullptr}, [] { return XErr{0}; }), XERR_INVAL);
-    EXPECT_EQ(bridgeValue<int>("f", {nullptr}, [] { return 5; }), 0);
+    const auto status = [](const char* text) {
+        return bridgeStatus("f", {"a", text}, [] { return XErr{0}; });
+    };
+    const auto value = [](const char* text) {
+        return bridgeValue<int>("f", {text}, [] { return 5; });
+    };
+    EXPECT_EQ(status("b"), 0);
+    EXPECT_EQ(status(nullptr), XERR_INVAL);
+    EXPECT_EQ(value("b"), 5);
+    EXPECT_EQ(value(nullptr), 0);
 }
 
 TEST_F(BridgeLogOffTest, AListingWithoutALock) {
