@@ -541,7 +541,7 @@ TEST(ModuleRefusals, ALibraryIsUnloadedWhileTheProcessGoesOn) {
 namespace {
 
 constexpr int kThreads = 4;
-constexpr int kObjects = 50'000;
+constexpr int kObjects = 150'000;
 
 std::vector<int> releasedOrder[kThreads];
 
@@ -561,9 +561,11 @@ void release(void* object) {
 SCENE(remembersOnSeveralThreads) {
     std::vector<Remembered> objects[kThreads];
     std::vector<std::thread> threads;
+    std::atomic<bool> together{false};
     for (int thread = 0; thread < kThreads; ++thread) {
         objects[thread].resize(kObjects);
-        threads.emplace_back([thread, &own = objects[thread]] {
+        threads.emplace_back([thread, &together, &own = objects[thread]] {
+            while (!together) std::this_thread::yield();
             for (int i = 0; i < kObjects; ++i) {
                 Remembered& object = own[static_cast<std::size_t>(i)];
                 object = {thread, i};
@@ -571,6 +573,7 @@ SCENE(remembersOnSeveralThreads) {
             }
         });
     }
+    together = true;
     for (std::thread& thread : threads) thread.join();
     {
         const OddModule library("GetModuleHandleW", beALibrary);
