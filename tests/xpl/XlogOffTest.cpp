@@ -102,5 +102,5 @@ SCENE(unlocksUnownedInSilence) {
 
 TEST_F(XlogOffTest, ALockThatCannotBeReleasedIsStillFatal) {
     expectSilentBreak("unlocksUnownedInSilence",
-                      {"Local\\vtr_test_off_" + std::to_string(ownProcessId())});
+                      {"Global\\vtr_test_off_" + std::to_string(ownProcessId())});
 }
