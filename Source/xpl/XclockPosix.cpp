@@ -29,9 +29,9 @@ std::int64_t xclockLocalToUtc(std::int64_t local) {
 std::string xclockFormat(std::int64_t time, const char* format) {
     const time_t seconds = time / kMicrosPerSecond;
     tm fields{};
-    // The calendar of the Universal C Runtime ends with the year 3000.
-    constexpr std::int64_t kYear3001 = 32'535'216'000;
-    if (seconds >= kYear3001 || ::gmtime_r(&seconds, &fields) == nullptr) return {};
+    // Where the calendar of the Universal C Runtime ends, in January 3001.
+    constexpr std::int64_t kLast = 0x7'9358'2AFF;
+    if (seconds > kLast || ::gmtime_r(&seconds, &fields) == nullptr) return {};
     char text[64];
     return std::string(text, ::strftime(text, sizeof text, format, &fields));
 }

@@ -247,3 +247,28 @@ INSTANTIATE_TEST_SUITE_P(
         FatalCase{"getRemoved",
                   "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]"}),
     [](const auto& info) { return std::string(info.param.what); });
+
+TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
+    ASSERT_EQ(confDeleteInstance(store, "A"), 0);
+    EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
+    EXPECT_FALSE(confIsPropPending(store, "vtr.locale"));
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
+}
+
+// The product declares no long number.
+SCENE(readsABadLongNumber) {
+    TempFolder folder;
+    ConfCatalogue catalogue;
+    catalogue.registerGlobal("big", {ConfType::I64, "0"});
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    ConfStore other(catalogue, confDiskFiles());
+    if (confLibInit(other, folder.write("c", "vtr.big=\"abc\"\n"), false) != 0) return 2;
+    confGetI64(other, "vtr.big");
+    return 0;
+}
+
+TEST(ConfLongNumberTest, OneThatCannotBeReadEndsTheProcess) {
+    const ChildResult result = runScene("readsABadLongNumber");
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_NE(result.out.find("confGetI64 error for vtr.big:abc"), std::string::npos) << result.out;
+}

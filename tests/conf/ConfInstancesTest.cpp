@@ -529,3 +529,16 @@ TEST(ConfInstancesFatalTest, DumpingAnInstanceValueOf92BytesNamesTheStoredKey) {
     expectFatal("dumpLongValue", "vtr.instance.A.display_name=\"" + value + "\"\n",
                 "Invalid conf entry. Key = 'vtr.instance.A.display_name', value = '" + value + "'");
 }
+
+TEST_F(ConfInstancesTest, WhatIsNotDeclaredIsNotDumped) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    std::uint32_t before = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, before), XERR_FBIG);
+    ASSERT_EQ(confSetStringInternal(store, "foreign", ConfType::None, "x"), 0);
+    ASSERT_EQ(confSetStringInternal(store, "vtr.instance.A.foreign", ConfType::None, "x"), 0);
+    static_cast<void>(confCommit(store));  // lays them over the values, and cannot load them again
+    std::uint32_t after = 0;
+    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, after), XERR_FBIG);
+    EXPECT_EQ(after, before);
+}

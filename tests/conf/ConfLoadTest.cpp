@@ -298,3 +298,14 @@ TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {
               Lines{"E XMUTEX Failed to create mutex '" + store.fileLockName + "'. Error = 1113"});
     EXPECT_EQ(committed("vtr.locale"), "") << "nothing is read without the lock";
 }
+
+TEST_F(ConfLoadTest, ACatalogueWithoutInstancePropertiesKnowsNoInstance) {
+    ConfCatalogue globalsOnly;
+    globalsOnly.registerGlobal("locale", {ConfType::String, ""});
+    ConfStore other(globalsOnly, confDiskFiles());
+    folder.write("vantrel.conf", "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
+    EXPECT_EQ(confLibInit(other, path(), false), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A.dpi prop not found in iprop dir: "
+                                 "vtr.instance.A.dpi=\"1\""});
+    EXPECT_EQ(confGetString(other, "vtr.locale"), "a");
+}

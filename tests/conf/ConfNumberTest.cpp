@@ -65,3 +65,8 @@ TEST(ConfNumber, NumbersOutOfRangeSaturate) {
     EXPECT_EQ(parse64("9223372036854775808"), INT64_MAX);
     EXPECT_EQ(parse64("-9223372036854775809"), INT64_MIN);
 }
+
+TEST(ConfNumber, LongNumbersTakeASignToo) {
+    EXPECT_EQ(parse64("+7"), 7);
+    EXPECT_EQ(parse64("-7"), -7);
+}

@@ -57,3 +57,13 @@ TEST_F(LaunchTest, AMissingInstallFolderEndsTheHost) {
     EXPECT_EQ(play({"init", "Helper", "launchapp", "a", "b"}).status, kFatalStatus);
     EXPECT_EQ(log()[3], "E UTL Helper_bridge utlGetInstallDir: Failed to get install dir properly");
 }
+
+TEST_F(LaunchTest, NullTextsAreRefusedByEveryOtherFunctionToo) {
+    for (const Script& call :
+         {Script{"url", "a", "(null)"}, Script{"apk", "(null)", "b"},
+          Script{"uninstall", "a", "(null)"}, Script{"plrshutdown", "(null)", "1"}}) {
+        Script script{"init", "Helper"};
+        script.insert(script.end(), call.begin(), call.end());
+        EXPECT_EQ(output(script), (Lines{"init 0", call[0] + " 22"}));
+    }
+}

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QLocalSocket>
+#include <QPointer>
 #include <chrono>
+#include <thread>
 
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/Scene.h"
 
 namespace {
 
@@ -307,4 +311,130 @@ TEST(IpcClient, InitAndEndAreLogged) {
     }
     EXPECT_EQ(log.texts(XLOG_DEBUG), (Lines{"D IPC ipcClientInit called for server: some name",
                                             "D IPC ~IpcClient called for server: some name"}));
+}
+
+namespace {
+
+// A connected socket whose bytes go nowhere, or come from nowhere.
+class OddSocket : public QLocalSocket {
+ public:
+    bool refusesBytes = false;
+    bool promisesBytes = false;
+    int readyMs = -1;  // how long a wait for bytes takes, which then says that they are there
+
+    qint64 bytesAvailable() const override {
+        return promisesBytes ? 8 : QLocalSocket::bytesAvailable();
+    }
+    bool waitForReadyRead(int ms) override {
+        if (readyMs < 0) return QLocalSocket::waitForReadyRead(ms);
+        sleepMs(readyMs);
+        return true;
+    }
+
+ protected:
+    qint64 writeData(const char* bytes, qint64 size) override {
+        return refusesBytes ? -1 : QLocalSocket::writeData(bytes, size);
+    }
+    qint64 readData(char* to, qint64 size) override {
+        return promisesBytes ? -1 : QLocalSocket::readData(to, size);
+    }
+};
+
+}  // namespace
+
+TEST_F(IpcClientTest, ASocketThatTakesNothingFailsAtOnce) {
+    RawServer server(name, [](RawPipe& pipe) { pipe.readAll(); });
+    auto* const odd = new OddSocket;
+    client.socket.reset(odd);
+    odd->refusesBytes = true;
+    EXPECT_EQ(send(kPacket, true), -1);
+    EXPECT_EQ(complaints(),
+              Lines{"W IPC ipcSendToServer: ERROR: writing data of size 12 to server " + name +
+                    " failed"});
+    EXPECT_LT(seconds, 2.0);
+}
+
+TEST_F(IpcClientTest, PromisedBytesThatNeverComeAreWaitedForWithinTheLimit) {
+    RawServer server(name, [](RawPipe& pipe) { pipe.readAll(); });
+    auto* const odd = new OddSocket;
+    client.socket.reset(odd);
+    ASSERT_EQ(send(kPacket, false), 0);
+    odd->promisesBytes = true;
+    odd->readyMs = 120;
+    char reply[8];
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+    EXPECT_GT(waited, 0.29);
+    EXPECT_LT(waited, 2.0);
+    EXPECT_EQ(std::string(reply, 8), std::string(8, '\0'));
+    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+    client.socket.reset();
+}
+
+TEST_F(IpcClientTest, TwoSendsShareOneConnection) {
+    std::string got;
+    RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    ASSERT_EQ(send("first ", false), 0);
+    log.clear();
+    ASSERT_EQ(send("second", true), 0);
+    for (const std::string& line : log.texts(XLOG_DEBUG)) {
+        EXPECT_EQ(line.find("connecting to server"), std::string::npos) << line;
+    }
+    for (int i = 0; i < 1000 && server.served() == 0; ++i) sleepMs(5);
+    EXPECT_EQ(got, "first second");
+    EXPECT_EQ(server.served(), 1);
+}
+
+TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
+    std::string got;
+    const std::string large(1 << 20, 'x');
+    {
+        RawServer server(
+            name,
+            [&got, size = kPacket.size() + large.size()](RawPipe& pipe) {
+                sleepMs(50);
+                got = pipe.read(size);
+            },
+            /*bufferSize=*/0);
+        client.waitMs = 10'000;
+        ASSERT_EQ(send(kPacket, false), 0);
+        ASSERT_EQ(client.socket->write(large.data(), static_cast<qint64>(large.size())),
+                  static_cast<qint64>(large.size()));
+        EXPECT_EQ(ipcDisconnectFromServer(client.socket.get(), client.waitMs), 0);
+        EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
+        EXPECT_EQ(complaints(), Lines{});
+        for (int i = 0; i < 1000 && server.served() == 0; ++i) sleepMs(5);
+    }
+    EXPECT_EQ(got.size(), kPacket.size() + large.size());
+}
+
+// In a process of its own: there is one application object, and others would see it.
+SCENE(deletesSocketsBesideAnApplication) {
+    int count = 0;
+    QCoreApplication application(count, nullptr);
+    QPointer<QLocalSocket> own;
+    {
+        IpcClient client;
+        ipcClientInit(client, "some name");
+        own = client.socket.get();
+    }
+    if (own.isNull()) return 1;  // the event loop's work
+    QCoreApplication::sendPostedEvents(own.data(), QEvent::DeferredDelete);
+    if (!own.isNull()) return 2;
+    bool gone = false;
+    std::thread([&gone] {
+        QPointer<QLocalSocket> foreign;
+        {
+            IpcClient client;
+            ipcClientInit(client, "some name");
+            foreign = client.socket.get();
+        }
+        gone = foreign.isNull();
+    }).join();
+    return gone ? 0 : 3;
+}
+
+TEST(IpcClient, ASocketIsDeletedWhereAnEventLoopWillComeAndAtOnceElsewhere) {
+    EXPECT_EQ(runScene("deletesSocketsBesideAnApplication").status, 0u);
 }

@@ -1,10 +1,10 @@
 #include "SystemCalls.h"
 
-#include <cstring>
 #include <map>
 #include <mutex>
 #include <type_traits>
 
+#include "ImportTable.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -161,58 +161,21 @@ BOOL WINAPI releaseMutex(HANDLE mutex) {
         BOOL{FALSE}, ERROR_NOT_OWNER, [&] { return realRelease(mutex); }, kNothing);
 }
 
-struct Hook {
-    const char* name;
-    void* replacement;
-    void** original;
-};
-
 template <typename Function>
-Hook hook(const char* name, Function replacement, Function& original) {
-    return {name, reinterpret_cast<void*>(replacement), reinterpret_cast<void**>(&original)};
-}
-
-void replaceImport(void** slot, const Hook& wanted) {
-    *wanted.original = *slot;
-    DWORD before = 0;
-    ::VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
-    *slot = wanted.replacement;
-    ::VirtualProtect(slot, sizeof *slot, before, &before);
-}
-
-// Walks the program's import table, name by name.
-void install(const std::vector<Hook>& hooks) {
-    auto* const base = reinterpret_cast<char*>(::GetModuleHandleW(nullptr));
-    const auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
-    const auto* headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    auto* module = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
-    for (; module->Name != 0; ++module) {
-        auto* name = reinterpret_cast<IMAGE_THUNK_DATA*>(base + module->OriginalFirstThunk);
-        auto* slot = reinterpret_cast<void**>(base + module->FirstThunk);
-        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            const auto* import =
-                reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-            for (const Hook& wanted : hooks) {
-                if (std::strcmp(reinterpret_cast<const char*>(import->Name), wanted.name) == 0) {
-                    replaceImport(slot, wanted);
-                }
-            }
-        }
-    }
+void install(const char* name, Function replacement, Function& original) {
+    replaceImport(name, reinterpret_cast<void*>(replacement), reinterpret_cast<void**>(&original));
 }
 
 void installOnce() {
     static const bool once = [] {
-        install({hook("CreateFileW", &createFile, realCreateFile),
-                 hook("ReadFile", &readFile, realReadFile),
-                 hook("WriteFile", &writeFile, realWriteFile),
-                 hook("FlushFileBuffers", &flush, realFlush),
-                 hook("CloseHandle", &closeHandle, realClose),
-                 hook("MoveFileExW", &moveFile, realMove),
-                 hook("DeleteFileW", &deleteFile, realDelete),
-                 hook("ReleaseMutex", &releaseMutex, realRelease)});
+        install("CreateFileW", &createFile, realCreateFile);
+        install("ReadFile", &readFile, realReadFile);
+        install("WriteFile", &writeFile, realWriteFile);
+        install("FlushFileBuffers", &flush, realFlush);
+        install("CloseHandle", &closeHandle, realClose);
+        install("MoveFileExW", &moveFile, realMove);
+        install("DeleteFileW", &deleteFile, realDelete);
+        install("ReleaseMutex", &releaseMutex, realRelease);
         return true;
     }();
     static_cast<void>(once);

@@ -1,5 +1,6 @@
 #include "support/LogCapture.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
@@ -37,6 +38,22 @@ std::int32_t capture(std::int32_t level, std::int32_t tag, const char* file, con
     return length;
 }
 
+std::atomic<int> refusedLines;
+std::atomic<int> printedLines;
+
+std::int32_t enableNone(std::int32_t, std::int32_t) {
+    ++refusedLines;
+    return 0;
+}
+
+std::int32_t countLine(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
+                       const char*, ...) XPRINTF_LIKE(6, 7);
+
+std::int32_t countLine(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
+                       const char*, ...) {
+    return ++printedLines;
+}
+
 }  // namespace
 
 LogCapture::LogCapture() : previous_(xlogGetLogger()) {
@@ -67,6 +84,19 @@ void LogCapture::clear() {
     const std::lock_guard<std::mutex> lock(guard);
     captured.clear();
 }
+
+LogOff::LogOff() : previous_(xlogGetLogger()) {
+    const XlogLogger off{enableNone, countLine};
+    static_cast<void>(xlogLibInit(&off, {}));
+    refusedLines = 0;
+    printedLines = 0;
+}
+
+LogOff::~LogOff() { static_cast<void>(xlogLibInit(&previous_, {})); }
+
+int LogOff::refused() const { return refusedLines; }
+
+int LogOff::printed() const { return printedLines; }
 
 std::vector<std::string> logMessages(std::string_view text) {
     static const std::regex header(

@@ -35,6 +35,22 @@ class LogCapture {
     XlogLogger previous_;
 };
 
+// Turns every level of this process off while it lives. One at a time.
+class LogOff {
+ public:
+    LogOff();
+    ~LogOff();
+    LogOff(const LogOff&) = delete;
+    LogOff& operator=(const LogOff&) = delete;
+
+    // How many lines there would have been, and how many were printed all the same.
+    int refused() const;
+    int printed() const;
+
+ private:
+    XlogLogger previous_;
+};
+
 // The messages of a log file's text as "E CONF Helper_bridge message"; a line that has no header
 // stands as it is.
 std::vector<std::string> logMessages(std::string_view text);

@@ -120,3 +120,5 @@ TEST(UtlFolders, ObjectNamesFollowTheProductsRule) {
     EXPECT_EQ(utlGlobalObjectName("appc_Nougat64"), "Global\\vtr_appc_Nougat64_nvo");
     EXPECT_EQ(utlLocalObjectName("Launcher_bridge"), "vtr_Launcher_bridge_nvo");
 }
+
+TEST(UtlFolders, AServerWithoutAShareIsNotAbsolute) { EXPECT_FALSE(utlIsAbsolute(L"\\\\server")); }

@@ -43,3 +43,11 @@ TEST_F(UtlRegistry, ALongTextIsReadWhole) {
     registry.set("Version", text);
     EXPECT_EQ(read("Version"), text);
 }
+
+TEST_F(UtlRegistry, NamesThatAreNotUtf8GiveTheDefault) {
+    registry.set("Version", "abc");
+    EXPECT_EQ(read("Version\xFF"), "default");
+    EXPECT_EQ(utlRegistryString(UtlRegistryRoot::LocalMachine,
+                                std::string(UTL_PRODUCT_KEY) + "\xFF", "Version", "default"),
+              "default");
+}

@@ -1,6 +1,7 @@
 // Values as only the registry of Windows has them.
 #include <gtest/gtest.h>
 
+#include "support/RegistryKey.h"
 #include "support/RegistrySandbox.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlRegistry.h"
@@ -39,4 +40,16 @@ TEST_F(UtlRegistryTypes, TheTerminatorMayBeMissingOrDoubled) {
 TEST_F(UtlRegistryTypes, AnOddSizeLosesItsLastByte) {
     registry.setRaw("Version", REG_SZ, L"abc", 5);
     EXPECT_EQ(read("Version"), "ab");
+}
+
+TEST_F(UtlRegistryTypes, TheUsersOwnRegistryIsAnotherOne) {
+    constexpr const wchar_t* kKey = L"Software\\QXBridgeTests\\OfTheUser";
+    const HKEY key = createRegistryKey(HKEY_CURRENT_USER, kKey);
+    ::RegSetValueExW(key, L"Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"abc"), 8);
+    ::RegCloseKey(key);
+    const std::string path = "Software\\QXBridgeTests\\OfTheUser";
+    EXPECT_EQ(utlRegistryString(UtlRegistryRoot::CurrentUser, path, "Version", "default"), "abc");
+    EXPECT_EQ(utlRegistryString(UtlRegistryRoot::LocalMachine, path, "Version", "default"),
+              "default");
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
 }

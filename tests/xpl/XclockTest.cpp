@@ -91,3 +91,13 @@ TEST(Xclock, ATimeThatNoCalendarHasIsNoText) {
     constexpr std::int64_t kYear3002 = 32'566'752'000 * kSecond;
     EXPECT_EQ(xclockFormat(kYear3002, "%Y"), "");
 }
+
+TEST(Xclock, OutsideItsUsualYearsAStampHasWhatTheSystemsCalendarKnows) {
+    for (const std::int64_t seconds : {-86'400LL, 32'535'216'000LL, 99'999'999'999LL}) {
+        const std::int64_t time = seconds * kSecond;
+        const std::string date = xclockFormat(time, "%Y-%m-%d %H:%M:%S");
+        EXPECT_EQ(xclockStamp(time, "+0100").data(), date + ".000+0100");
+    }
+    EXPECT_STREQ(xclockStamp(32'535'216'000 * kSecond + 42'000, "").data(),
+                 "3001-01-01 00:00:00.042");
+}

@@ -22,3 +22,31 @@ TEST(XfileHandles, HandlesAreInheritableAndShareEverything) {
         ::CloseHandle(other);
     }
 }
+
+TEST(XfileHandles, PathsThatAreNotUtf8AreRefusedByEveryFunction) {
+    constexpr XErr kNoUnicode = 101113;
+    const TempFolder folder;
+    const std::string bad = folder / "\xFF";
+    const std::string good = folder.write("good", "content");
+    Xfile file;
+    std::int64_t size = 0;
+    EXPECT_EQ(xfileOpen(file, bad, XfileMode::WriteNew), kNoUnicode);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(xfileExists(bad), kNoUnicode);
+    EXPECT_EQ(xfileSizeOfPath(bad, size), kNoUnicode);
+    EXPECT_EQ(xfileDelete(bad), kNoUnicode);
+    EXPECT_EQ(xfileRemoveFolder(bad), kNoUnicode);
+    EXPECT_EQ(xfileCreateFolder(bad), kNoUnicode);
+    EXPECT_EQ(xfileMakeFolders(bad), kNoUnicode);
+    EXPECT_EQ(xfileFlush(bad), kNoUnicode);
+    EXPECT_EQ(xfileMove(bad, good), kNoUnicode);
+    EXPECT_EQ(xfileMove(good, bad), kNoUnicode);
+    EXPECT_EQ(xfileMovePatiently(good, bad), kNoUnicode);
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"good"});
+    EXPECT_EQ(folder.read("good"), "content");
+}
+
+TEST(XfileHandles, AMissingPathCannotBeMade) {
+    EXPECT_NE(xfileMakeFolders(""), 0);
+    EXPECT_NE(xfileMakeFolders("?:\\a"), 0);
+}

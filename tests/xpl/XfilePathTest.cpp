@@ -45,3 +45,8 @@ TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server\\share\\a"),
               (Chain{L"\\\\?\\UNC\\server\\share\\a"}));
 }
+
+TEST(XfilePath, AServerWithoutAShareHasNothingToCreate) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\server"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server"), Chain{});
+}

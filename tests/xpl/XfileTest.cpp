@@ -287,3 +287,14 @@ TEST_F(XfileTest, APatientMoveGivesUpOnALongHold) {
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
     EXPECT_EQ(folder.read("to"), "old");
 }
+
+TEST_F(XfileTest, MovingAFileOntoItselfKeepsItOpen) {
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::WriteNew), 0);
+    Xfile& same = file;
+    file = std::move(same);
+    EXPECT_TRUE(file.isOpen());
+    std::uint32_t done = 0;
+    EXPECT_EQ(xfileWrite(file, "abc", 3, done), 0);
+    EXPECT_EQ(done, 3u);
+}

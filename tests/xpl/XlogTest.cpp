@@ -306,3 +306,12 @@ TEST(XlogStart, ProcessesShareALogWithoutLosingLines) {
     const Lines lines = logMessages(folder.read("log"));
     EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), 4000u);
 }
+
+TEST_F(XlogTest, NumbersThatAreNoTagOrLevelAreLinesAllTheSame) {
+    const XlogLogger& logger = xlogGetLogger();
+    EXPECT_EQ(logger.isEnabled(43, XLOG_ERROR), 0);
+    EXPECT_EQ(logger.isEnabled(-1, XLOG_ERROR), 0);
+    EXPECT_GT(logger.print(5, 43, "f", "g", 1, "line"), 0);
+    EXPECT_NE(folder.read("log").find("         ?: line\n"), std::string::npos)
+        << folder.read("log");
+}

@@ -156,3 +156,13 @@ TEST(Xproc, AnExitCodeThatCannotBeReadIsLoggedWithTwoBlanks) {
     EXPECT_EQ(status, 77u);
     EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait  GetExitCodeProcess failed with 9 XERR_BADF"});
 }
+
+TEST(Xproc, AnExitCodeThatCannotBeReadIsLeftAloneWithTheLogOff) {
+    const LogOff off;
+    const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
+    std::uint32_t status = 77;
+    EXPECT_EQ(xprocWait(noProcess, &status), 0);
+    EXPECT_EQ(status, 77u);
+    EXPECT_EQ(off.refused(), 1);
+    EXPECT_EQ(off.printed(), 0);
+}

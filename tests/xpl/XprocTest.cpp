@@ -114,3 +114,10 @@ TEST(Xproc, AVariableReachesTheChildren) {
     ASSERT_EQ(xprocSetEnvironment("BRIDGE_TEST", ""), 0);
     EXPECT_EQ(runScene("printsVariable").out, "(none)");
 }
+
+TEST(Xproc, AnElevatedStartTakesUtf8Only) {
+    const LogCapture log;
+    EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"\xFF"}), 101113);
+    EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"x.exe", "\xFF"}), 101113);
+    EXPECT_EQ(log.texts(), Lines{});
+}

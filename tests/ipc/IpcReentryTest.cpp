@@ -1,0 +1,160 @@
+// What comes on a connection while its decoder runs an event loop of its own, and connections that
+// cannot be worked on. The server is one that hands over a socket in memory.
+#include <gtest/gtest.h>
+
+#include <private/qthread_p.h>
+#include <QCoreApplication>
+#include <QLocalServer>
+#include <QPointer>
+#include <QThread>
+#include <functional>
+#include <utility>
+
+#include "ipc/IpcConnection.h"
+#include "support/EventPackets.h"
+#include "support/FakeSocket.h"
+#include "support/LogCapture.h"
+#include "support/Platform.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kServerName = "vtr_test_nvo";
+
+Lines packets;
+std::function<void()> meanwhile;  // runs inside the decoder, once
+
+bool record(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, std::int32_t) {
+    packets.emplace_back(reinterpret_cast<const char*>(packet), static_cast<std::size_t>(length));
+    if (const auto now = std::exchange(meanwhile, nullptr)) now();
+    return true;
+}
+
+// A socket that claims more bytes than it gives: as many as fit a packet of the largest length.
+class BoundlessSocket : public FakeSocket {
+ public:
+    qint64 bytesAvailable() const override { return qint64{1} << 32; }
+};
+
+// A socket that loses its last bytes between the question for their number and the read.
+class LossySocket : public FakeSocket {
+ public:
+    qint64 bytesAvailable() const override { return FakeSocket::bytesAvailable() + lost; }
+    qint64 lost = 0;
+
+ protected:
+    qint64 readData(char* to, qint64 size) override {
+        if (waiting.empty()) lost = 0;
+        return FakeSocket::readData(to, size);
+    }
+};
+
+class OneSocketServer : public QLocalServer {
+ public:
+    explicit OneSocketServer(QLocalSocket* socket) : socket_(socket) {}
+    QLocalSocket* nextPendingConnection() override { return std::exchange(socket_, nullptr); }
+
+ private:
+    QLocalSocket* socket_;
+};
+
+class IpcReentryTest : public ::testing::Test {
+ protected:
+    IpcReentryTest() {
+        packets.clear();
+        meanwhile = nullptr;
+        // Else Qt delivers nothing without an application object.
+        before_ = std::exchange(thread()->requiresCoreApplication, false);
+    }
+    ~IpcReentryTest() override { thread()->requiresCoreApplication = before_; }
+
+    template <typename Socket>
+    void connect(Socket* socket) {
+        OneSocketServer server(socket);
+        ipcHandleNewConnection(&server, record, &kServerName);
+        log.clear();
+    }
+
+    static QThreadData* thread() { return QThreadData::get2(QThread::currentThread()); }
+
+    LogCapture log;
+
+ private:
+    bool before_ = true;
+};
+
+}  // namespace
+
+TEST_F(IpcReentryTest, WhatComesInsideADecoderIsReadBehindIt) {
+    auto* const socket = new FakeSocket;
+    const QPointer<QLocalSocket> alive(socket);
+    connect(socket);
+    const std::string first = packetOf(1, "a");
+    const std::string second = packetOf(2, "bb");
+    meanwhile = [&] {
+        socket->waiting = second;
+        emit socket->readyRead();
+        EXPECT_EQ(packets, Lines{first}) << "not inside the other one";
+    };
+    socket->waiting = first;
+    emit socket->readyRead();
+    EXPECT_EQ(packets, (Lines{first, second}));
+    delete alive.data();
+}
+
+TEST_F(IpcReentryTest, APeerThatLeavesInsideADecoderIsReadToItsEndAndDisposedOfOnce) {
+    auto* const socket = new FakeSocket;
+    QPointer<QLocalSocket> alive(socket);
+    connect(socket);
+    const std::string first = packetOf(1, "a");
+    const std::string second = packetOf(2, "the last words");
+    meanwhile = [&] {
+        emit socket->disconnected();
+        QCoreApplication::sendPostedEvents(socket);  // the decoder's own event loop
+        QCoreApplication::sendPostedEvents(socket, QEvent::DeferredDelete);
+        EXPECT_FALSE(alive.isNull()) << "it is being worked on";
+        socket->waiting = second;
+    };
+    socket->waiting = first;
+    emit socket->readyRead();
+    EXPECT_EQ(packets, (Lines{first, second}));
+    EXPECT_FALSE(alive.isNull());
+    QCoreApplication::sendPostedEvents(socket);
+    QCoreApplication::sendPostedEvents(socket, QEvent::DeferredDelete);
+    EXPECT_TRUE(alive.isNull());
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
+}
+
+TEST_F(IpcReentryTest, APacketThatNoMemoryCanHoldDropsItsConnection) {
+    auto* const socket = new BoundlessSocket;
+    const QPointer<QLocalSocket> alive(socket);
+    connect(socket);
+    socket->waiting = bytesOf(1u) + bytesOf(0x8000000Bu) + bytesOf(0u);
+    emit socket->readyRead();
+    EXPECT_EQ(packets, Lines{});
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{std::string("E IPC ipcReadCommand: exception: ") + std::bad_alloc().what()});
+    // Where it has another socket inside, that one is aborted.
+    if (closeSignals() == 1) EXPECT_FALSE(socket->isOpen());
+    delete alive.data();
+}
+
+TEST_F(IpcReentryTest, ASocketThatGivesLessThanItClaimedCompletesThePacketLater) {
+    LossySocket socket;
+    IpcConnectionInfo info(&socket, &kServerName);
+    const std::string packet = packetOf(1, std::string(40'000, 'x'));
+    socket.waiting = packet.substr(0, 20'000);
+    socket.lost = 30'000;
+    ipcReadCommand(&info, record);
+    EXPECT_EQ(info.buffer.size(), 20'000);
+    EXPECT_EQ(packets, Lines{});
+    socket.waiting = packet.substr(20'000);
+    ipcReadCommand(&info, record);
+    EXPECT_TRUE(packets == Lines{packet});
+}
+
+TEST_F(IpcReentryTest, AServerWithoutAWaitingConnectionIsLeftAlone) {
+    connect<QLocalSocket>(nullptr);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}

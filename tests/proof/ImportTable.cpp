@@ -1,0 +1,46 @@
+#include "ImportTable.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "support/WindowsForTests.h"
+
+namespace {
+
+// The place of an imported function's address; null when there is none of that name.
+void** slotIn(HMODULE program, const char* wanted) {
+    auto* const base = reinterpret_cast<char*>(program);
+    const auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
+    const auto* headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    auto* module = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+    for (; module->Name != 0; ++module) {
+        auto* name = reinterpret_cast<IMAGE_THUNK_DATA*>(base + module->OriginalFirstThunk);
+        auto* slot = reinterpret_cast<void**>(base + module->FirstThunk);
+        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
+            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+            const auto* import =
+                reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
+            if (std::strcmp(reinterpret_cast<const char*>(import->Name), wanted) == 0) return slot;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void replaceImport(const char* name, void* replacement, void** original) {
+    // Found before anything is replaced: the search itself calls the system.
+    static const HMODULE program = ::GetModuleHandleW(nullptr);
+    void** const slot = slotIn(program, name);
+    if (slot == nullptr) {
+        ADD_FAILURE() << name << " is not imported";
+        return;
+    }
+    *original = *slot;
+    DWORD before = 0;
+    ::VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
+    *slot = replacement;
+    ::VirtualProtect(slot, sizeof *slot, before, &before);
+}

@@ -1,0 +1,292 @@
+// Pipes that Windows refuses, or answers for in the ways that it hardly ever does.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "ImportTable.h"
+#include "ipc/IpcName.h"
+#include "ipc/IpcServer.h"
+#include "support/EventPackets.h"
+#include "support/LogCapture.h"
+#include "support/Platform.h"
+#include "support/RawServer.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+using OddCreate = ReplacedImport<decltype(::CreateNamedPipeW)>;
+using OddConnect = ReplacedImport<decltype(::ConnectNamedPipe)>;
+using OddResult = ReplacedImport<decltype(::GetOverlappedResult)>;
+using OddCancel = ReplacedImport<decltype(::CancelIoEx)>;
+using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
+
+// The system's own, past the import table.
+template <typename Function>
+Function* real(const char* name) {
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+std::string pipeName;
+std::atomic<DWORD> refusal;  // 0: none
+std::atomic<int> refused;
+std::atomic<int> armed;
+
+// What the server received.
+std::mutex seenLock;
+Lines seenPackets;
+
+bool see(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, std::int32_t) {
+    const std::lock_guard<std::mutex> guard(seenLock);
+    seenPackets.emplace_back(reinterpret_cast<const char*>(packet),
+                             static_cast<std::size_t>(length));
+    return true;
+}
+
+HANDLE WINAPI createWhenAllowed(LPCWSTR path, DWORD open, DWORD mode, DWORD count, DWORD out,
+                                DWORD in, DWORD wait, LPSECURITY_ATTRIBUTES security) {
+    if (const DWORD error = refusal; error != 0) {
+        ++refused;
+        ::SetLastError(error);
+        return INVALID_HANDLE_VALUE;
+    }
+    return real<decltype(::CreateNamedPipeW)>("CreateNamedPipeW")(path, open, mode, count, out, in,
+                                                                  wait, security);
+}
+
+BOOL WINAPI connectWhenAllowed(HANDLE pipe, LPOVERLAPPED overlapped) {
+    if (const DWORD error = refusal; error != 0) {
+        ++refused;
+        ::SetLastError(error);
+        return FALSE;
+    }
+    return real<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
+}
+
+class PipeRefusals : public ::testing::Test {
+ protected:
+    PipeRefusals() {
+        static int count = 0;
+        name =
+            "vtr_test_refusals_" + std::to_string(ownProcessId()) + "_" + std::to_string(++count);
+        pipeName = name;
+        refusal = 0;
+        refused = 0;
+        armed = 0;
+        const std::lock_guard<std::mutex> guard(seenLock);
+        seenPackets.clear();
+    }
+    ~PipeRefusals() override { stop(); }
+
+    void launch() { ASSERT_EQ(ipcServerInit(&thread, name, see), 0); }
+
+    void start() {
+        launch();
+        ASSERT_TRUE(waitFor([this] { return ipcNameIsServed(name); }));
+    }
+
+    void stop() {
+        IpcServerThread* running = std::exchange(thread, nullptr);
+        if (running != nullptr) EXPECT_EQ(ipcServerFini(&running), 0);
+    }
+
+    template <typename Condition>
+    static bool waitFor(Condition condition) {
+        for (int i = 0; i < 2000; ++i) {
+            if (condition()) return true;
+            sleepMs(5);
+        }
+        return false;
+    }
+
+    Lines errors() const { return log.texts(XLOG_ERROR); }
+
+    // The error line of a server that could not start.
+    std::string awaitError() const {
+        waitFor([this] { return !errors().empty(); });
+        return errors().empty() ? std::string() : errors().back();
+    }
+
+    std::string listenError(int code, const std::string& why) const {
+        return "E IPC IpcServer Failed to listen on " + name + ", error: " + std::to_string(code) +
+               "(QLocalServer::listen: " + why + ")";
+    }
+
+    // A client whose packet arrives.
+    void expectServed(std::uint32_t opcode) const {
+        const std::string packet = packetOf(opcode, "");
+        void* handle = nullptr;
+        EXPECT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
+        RawPipe client(handle);
+        EXPECT_TRUE(client.write(packet));
+        EXPECT_TRUE(waitFor([&] {
+            const std::lock_guard<std::mutex> guard(seenLock);
+            return !seenPackets.empty() && seenPackets.back() == packet;
+        }));
+    }
+
+    std::string name;
+    LogCapture log;
+    IpcServerThread* thread = nullptr;
+};
+
+}  // namespace
+
+TEST_F(PipeRefusals, AnotherProcessWasFirstAfterAll) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    refusal = ERROR_ACCESS_DENIED;
+    launch();
+    EXPECT_EQ(awaitError(), listenError(8, "Address in use"));
+    EXPECT_EQ(refused, 1);
+}
+
+TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsToldInTheSystemsWords) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    refusal = ERROR_INVALID_PARAMETER;
+    launch();
+    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
+    const RefusedSid sid("AllocateAndInitializeSid",
+                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
+                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
+                             ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+                             return FALSE;
+                         });
+    launch();
+    ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
+    EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 8\n",
+                               listenError(-1, systemErrorText(ERROR_NOT_ENOUGH_MEMORY))}));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
+    const OddConnect odd("ConnectNamedPipe", connectWhenAllowed);
+    refusal = ERROR_INVALID_PARAMETER;
+    launch();
+    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
+    EXPECT_FALSE(ipcNameIsServed(name)) << "no handle is left open";
+    stop();
+    refusal = 0;
+    start();
+    expectServed(1);
+}
+
+// Every instance but the refused ones goes on; those come back, with one line for all attempts.
+TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    start();
+    const Lines line{"E IPC IpcLocalServer: no instance for the next client, error 1816"};
+    for (std::size_t round = 1; round <= 2; ++round) {
+        refusal = ERROR_NOT_ENOUGH_QUOTA;
+        refused = 0;
+        expectServed(10);
+        ASSERT_TRUE(waitFor([] { return refused >= 4; })) << "it is tried again and again";
+        EXPECT_EQ(errors(), Lines(round, line[0])) << "and complained about once";
+        refusal = 0;
+        std::vector<std::unique_ptr<RawPipe>> clients;
+        for (std::uint32_t i = 0; i < 20; ++i) {
+            void* handle = nullptr;
+            ASSERT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; })) << i;
+            clients.push_back(std::make_unique<RawPipe>(handle));
+        }
+        expectServed(20);
+    }
+}
+
+TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutAWord) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    start();
+    {
+        const LogOff off;
+        refusal = ERROR_NOT_ENOUGH_QUOTA;
+        expectServed(10);
+        ASSERT_TRUE(waitFor([] { return refused >= 2; }));
+        refusal = 0;
+        expectServed(20);
+        EXPECT_GT(off.refused(), 0);
+        EXPECT_EQ(off.printed(), 0);
+        stop();
+    }
+    EXPECT_EQ(errors(), Lines{});
+}
+
+// A client that comes between the creation of an instance and its wait.
+TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
+    static RawPipe* early;
+    const OddConnect odd("ConnectNamedPipe", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
+        if (armed.exchange(0) != 0) early = new RawPipe(connectRaw(pipeName));
+        const BOOL ok = real<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
+        // The same, as a system would say it that takes it for no failure.
+        return ok || ::GetLastError() == ERROR_PIPE_CONNECTED;
+    });
+    armed = 1;
+    launch();
+    ASSERT_TRUE(waitFor([] { return armed == 0; }));
+    ASSERT_TRUE(waitFor([this] { return ipcNameIsServed(name); }));
+    ASSERT_NE(early, nullptr);
+    const std::string packet = packetOf(7, "early");
+    EXPECT_TRUE(early->write(packet));
+    EXPECT_TRUE(waitFor([&] {
+        const std::lock_guard<std::mutex> guard(seenLock);
+        return seenPackets == Lines{packet};
+    }));
+    delete std::exchange(early, nullptr);
+    expectServed(1);
+    EXPECT_EQ(errors(), Lines{});
+}
+
+// The connection of a client that has gone ends at once.
+TEST_F(PipeRefusals, AWaitThatEndsWithAnErrorIsAClientToo) {
+    const OddResult odd("GetOverlappedResult",
+                        [](HANDLE pipe, LPOVERLAPPED overlapped, LPDWORD count, BOOL wait) -> BOOL {
+                            const BOOL ok = real<decltype(::GetOverlappedResult)>(
+                                "GetOverlappedResult")(pipe, overlapped, count, wait);
+                            if (!ok || armed.exchange(0) == 0) return ok;
+                            ::SetLastError(ERROR_NO_DATA);
+                            return FALSE;
+                        });
+    start();
+    armed = 1;
+    expectServed(1);
+    EXPECT_EQ(armed, 0);
+    expectServed(2);
+    EXPECT_EQ(errors(), Lines{});
+}
+
+// The memory of an instance is the system's until the wait has ended.
+TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
+    static std::atomic<int> cancelled;
+    static std::vector<std::thread> slow;
+    cancelled = 0;
+    const OddCancel odd("CancelIoEx", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
+        slow.emplace_back([pipe, overlapped] {
+            sleepMs(20);
+            ++cancelled;
+            real<decltype(::CancelIoEx)>("CancelIoEx")(pipe, overlapped);
+        });
+        return TRUE;
+    });
+    start();
+    expectServed(1);
+    stop();
+    EXPECT_EQ(cancelled, 8) << "none was given up before";
+    for (std::thread& thread : slow) thread.join();
+    slow.clear();
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+TEST_F(PipeRefusals, ANameThatIsNotUtf8CannotBeServed) {
+    name = "vtr_test_\xFF";
+    launch();
+    EXPECT_EQ(awaitError(), listenError(2, "Name error"));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}

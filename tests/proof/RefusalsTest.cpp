@@ -1,0 +1,612 @@
+// Calls into Windows that fail, or answer what they hardly ever answer: what the functions above
+// them say then.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "ImportTable.h"
+#include "appc/Appc.h"
+#include "appc/AppcJson.h"
+#include "appc/AppcStore.h"
+#include "conf/Conf.h"
+#include "conf/ConfStore.h"
+#include "support/LogCapture.h"
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+#include "utl/UtlProcessCalls.h"
+#include "utl/UtlRegistry.h"
+#include "xpl/Xfile.h"
+#include "xpl/XlogLine.h"
+#include "xpl/XmodulePin.h"
+#include "xpl/XmutexNamed.h"
+#include "xpl/Xproc.h"
+#include "xpl/Xsystem.h"
+#include "xpl/Xtext.h"
+#include "xpl/Xunload.h"
+
+// Last: they need <windows.h>.
+#include <aclapi.h>
+#include <psapi.h>
+#include <shellapi.h>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+template <typename Result>
+Result refuse(DWORD error, Result result) {
+    ::SetLastError(error);
+    return result;
+}
+
+std::atomic<int> calls;
+
+}  // namespace
+
+// The named mutex and its access list.
+
+namespace {
+
+constexpr const char* kMutexName = "Global\\vtr_test_refusals";
+
+using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
+using RefusedAcl = ReplacedImport<decltype(::SetEntriesInAclW)>;
+using RefusedMemory = ReplacedImport<decltype(::LocalAlloc)>;
+using RefusedDescriptor = ReplacedImport<decltype(::InitializeSecurityDescriptor)>;
+using RefusedDacl = ReplacedImport<decltype(::SetSecurityDescriptorDacl)>;
+
+BOOL WINAPI refuseSid(PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
+                      DWORD, DWORD, PSID*) {
+    return refuse(ERROR_NOT_ENOUGH_MEMORY, FALSE);
+}
+
+// The one that answers its error; the thread's is another one.
+DWORD WINAPI refuseAcl(ULONG, PEXPLICIT_ACCESSW, PACL, PACL*) {
+    return refuse(ERROR_BUSY, DWORD{ERROR_INVALID_PARAMETER});
+}
+
+HLOCAL WINAPI refuseMemory(UINT, SIZE_T) {
+    return refuse(ERROR_NOT_ENOUGH_MEMORY, HLOCAL{nullptr});
+}
+
+BOOL WINAPI refuseDescriptor(PSECURITY_DESCRIPTOR, DWORD) {
+    return refuse(ERROR_UNKNOWN_REVISION, FALSE);
+}
+
+BOOL WINAPI refuseDacl(PSECURITY_DESCRIPTOR, BOOL, PACL, BOOL) {
+    return refuse(ERROR_INVALID_ACL, FALSE);
+}
+
+// A mutex that cannot be made, in these words, and without a word when the log is off.
+void expectNoMutex(const std::string& step, int status) {
+    XmutexNamed mutex;
+    {
+        const LogCapture log;
+        EXPECT_EQ(mutex.init(kMutexName), -1);
+        EXPECT_EQ(log.texts(),
+                  (Lines{"E XMUTEX " + step + "\n",
+                         std::string("E XMUTEX Failed to set security attributes for mutex '") +
+                             kMutexName + "'. Error = " + std::to_string(status)}));
+    }
+    const LogOff off;
+    EXPECT_EQ(mutex.init(kMutexName), -1);
+    EXPECT_EQ(off.refused(), 2);
+    EXPECT_EQ(off.printed(), 0);
+}
+
+}  // namespace
+
+TEST(MutexRefusals, EveryoneCannotBeNamed) {
+    const RefusedSid refused("AllocateAndInitializeSid", refuseSid);
+    expectNoMutex("AllocateAndInitializeSid Error 8", XERR_NOMEM);
+}
+
+TEST(MutexRefusals, TheAccessListCannotBeMade) {
+    const RefusedAcl refused("SetEntriesInAclW", refuseAcl);
+    expectNoMutex("SetEntriesInAcl Error 87", XERR_INVAL);
+}
+
+TEST(MutexRefusals, ThereIsNoMemoryForTheDescriptor) {
+    const RefusedMemory refused("LocalAlloc", refuseMemory);
+    expectNoMutex("InitializeSecurityDescriptor Error 8", XERR_NOMEM);
+}
+
+TEST(MutexRefusals, TheDescriptorCannotBeInitialised) {
+    const RefusedDescriptor refused("InitializeSecurityDescriptor", refuseDescriptor);
+    expectNoMutex("InitializeSecurityDescriptor Error 1305", 101305);
+}
+
+TEST(MutexRefusals, TheAccessListCannotBeSet) {
+    const RefusedDacl refused("SetSecurityDescriptorDacl", refuseDacl);
+    expectNoMutex("SetSecurityDescriptorDacl Error 1336", 101336);
+}
+
+TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
+    XmutexNamed mutex;
+    const LogCapture log;
+    {
+        const RefusedSid refused("AllocateAndInitializeSid", refuseSid);
+        EXPECT_EQ(mutex.init(kMutexName), -1);
+    }
+    EXPECT_EQ(mutex.init(kMutexName), 0);
+    mutex.lock();
+    mutex.unlock();
+    EXPECT_EQ(log.texts().size(), 2u) << "those of the refusal";
+}
+
+// Files.
+
+namespace {
+
+using RefusedSize = ReplacedImport<decltype(::GetFileSizeEx)>;
+using OddWrite = ReplacedImport<decltype(::WriteFile)>;
+using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
+using OddFullPath = ReplacedImport<decltype(::GetFullPathNameW)>;
+
+BOOL WINAPI refuseSize(HANDLE, PLARGE_INTEGER) { return refuse(ERROR_INVALID_FUNCTION, FALSE); }
+
+BOOL WINAPI hugeSize(HANDLE, PLARGE_INTEGER size) {
+    size->QuadPart = 0x80000000LL;
+    return TRUE;
+}
+
+BOOL WINAPI refuseWrite(HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) {
+    *done = 0;
+    return refuse(ERROR_DISK_FULL, FALSE);
+}
+
+BOOL WINAPI writeNothing(HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) {
+    *done = 0;
+    return TRUE;
+}
+
+// Held by another program for the first two attempts.
+BOOL WINAPI moveAtTheThirdAttempt(LPCWSTR, LPCWSTR, DWORD) {
+    return ++calls < 3 ? refuse(ERROR_SHARING_VIOLATION, FALSE) : TRUE;
+}
+
+class FileRefusals : public ::testing::Test {
+ protected:
+    FileRefusals() { calls = 0; }
+
+    TempFolder folder;
+    LogCapture log;
+};
+
+// An app cache over the folder, with one app in its file.
+struct Cache : AppcStore {
+    explicit Cache(const TempFolder& folder)
+        : AppcStore(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\") {
+        for (const char* name : {"Engine", "Engine\\Refusals", "Engine\\Refusals\\AppCache"}) {
+            folder.makeFolder(name);
+        }
+        folder.write("Engine\\Refusals\\AppCache\\AppCache.json",
+                     R"([{"package":"com.a","activity":"m","appLabel":"l","versionCode":1,)"
+                     R"("versionName":"v"}])");
+    }
+    std::string file() const { return instanceDir("Refusals") + "AppCache.json"; }
+
+    Lines packages() {
+        std::list<std::string> list;
+        appcGetPackages(*this, list);
+        return {list.begin(), list.end()};
+    }
+};
+
+}  // namespace
+
+TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
+    const std::string path = folder.write("vantrel.conf", "vtr.locale=\"a\"\n");
+    const ConfCatalogue catalogue = confProductCatalogue();
+    ConfStore store(catalogue, confDiskFiles());
+    {
+        const RefusedSize refused("GetFileSizeEx", refuseSize);
+        EXPECT_EQ(confLibInit(store, path, false), -1);
+    }
+    EXPECT_EQ(log.texts(), Lines{"E CONF read failed for " + path});
+    EXPECT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "a");
+}
+
+TEST_F(FileRefusals, AnAppCacheWithoutASizeIsNoArrayAndIsDeleted) {
+    Cache cache(folder);
+    const RefusedSize refused("GetFileSizeEx", refuseSize);
+    EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + cache.file() +
+                                 " deleting the files"});
+    EXPECT_NE(xfileExists(cache.file()), 0);
+}
+
+TEST_F(FileRefusals, AnAppCacheOf2GiBIsNotReadAndIsDeleted) {
+    Cache cache(folder);
+    const RefusedSize huge("GetFileSizeEx", hugeSize);
+    EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + cache.file() +
+                                 " deleting the files"});
+    EXPECT_NE(xfileExists(cache.file()), 0);
+}
+
+TEST_F(FileRefusals, AnAppCacheThatRefusesToBeLookedAtIsOpenedAllTheSame) {
+    Cache cache(folder);
+    const ReplacedImport<decltype(::GetFileAttributesW)> refused(
+        "GetFileAttributesW",
+        [](LPCWSTR) -> DWORD { return refuse(ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES); });
+    EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
+    EXPECT_EQ(cache.packages(), Lines{"com.a"});
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(FileRefusals, AnAppCacheThatCannotBeWrittenStaysAsItWas) {
+    Cache cache(folder);
+    ASSERT_EQ(appcLibInit(cache, "Refusals"), 0);
+    const std::string before = readBytes(cache.file());
+    {
+        const OddWrite refused("WriteFile", refuseWrite);
+        EXPECT_EQ(appcSaveToFile(cache), -1);
+    }
+    EXPECT_EQ(log.texts(),
+              Lines{"E APPC Error in writing to AppCache file " + cache.file() + " failed"});
+    EXPECT_EQ(readBytes(cache.file()), before);
+    EXPECT_EQ(folder.list(), Lines{"Engine"});
+}
+
+TEST_F(FileRefusals, ADeviceThatTakesNothingIsAnError) {
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::WriteNew), 0);
+    std::size_t done = 77;
+    const OddWrite nothing("WriteFile", writeNothing);
+    EXPECT_EQ(xfileWriteAll(file, "abc", 3, done), XERR_IO);
+    EXPECT_EQ(done, 0u);
+}
+
+TEST_F(FileRefusals, ASharingViolationIsWaitedForWithPatience) {
+    const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
+    const std::string source = folder.write("a", "");
+    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 0);
+    EXPECT_EQ(calls, 3);
+}
+
+TEST_F(FileRefusals, ASharingViolationFailsAtOnceWithoutIt) {
+    const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
+    const std::string source = folder.write("a", "");
+    EXPECT_EQ(xfileMove(source, folder / "b"), 100032);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(FileRefusals, AFullPathThatCannotBeToldIsTheStatus) {
+    const OddFullPath refused("GetFullPathNameW", [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD {
+        return refuse(ERROR_BAD_PATHNAME, DWORD{0});
+    });
+    EXPECT_EQ(xfileMakeFolders(folder / "a\\b"), XERR_NOENT);
+    EXPECT_FALSE(folder.has("a"));
+}
+
+TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondQuestionIsTheStatus) {
+    const OddFullPath refused(
+        "GetFullPathNameW", [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
+            return room == 0 ? DWORD{20} : refuse(ERROR_NOT_ENOUGH_MEMORY, DWORD{0});
+        });
+    EXPECT_EQ(xfileMakeFolders(folder / "a"), XERR_NOMEM);
+    EXPECT_FALSE(folder.has("a"));
+}
+
+// Another thread has gone to another folder in between.
+TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsNotUsed) {
+    const OddFullPath growing("GetFullPathNameW",
+                              [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
+                                  return refuse(ERROR_MORE_DATA, room + 20);
+                              });
+    EXPECT_EQ(xfileMakeFolders(folder / "a"), XERR_MSGSIZE);
+    EXPECT_FALSE(folder.has("a"));
+}
+
+// The log.
+
+SCENE(logsToAFullDisk) {
+    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
+    constexpr XlogModule module{XlogTag::CONF, "f"};
+    {
+        const OddWrite refused("WriteFile", refuseWrite);
+        XLOG_E(module, "lost");
+    }
+    XLOG_E(module, "written");
+    return 0;
+}
+
+TEST_F(FileRefusals, ALogLineThatCannotBeWrittenIsLostAndTheNextOneIsNot) {
+    EXPECT_EQ(runScene("logsToAFullDisk", {folder / "log"}).status, 0u);
+    EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF  written"});
+}
+
+namespace {
+
+using Formatter = int(unsigned long long, char*, std::size_t, const char*, void*, va_list);
+
+// Gives up on a text that it cannot convert, with part of its room written.
+int giveUp(unsigned long long, char* buffer, std::size_t, const char*, void*, va_list) {
+    std::memcpy(buffer, "before", 7);
+    return -1;
+}
+
+std::string formatLine(const char* text, ...) XPRINTF_LIKE(1, 2);
+
+std::string formatLine(const char* text, ...) {
+    XlogLineBuffer buffer;
+    std::va_list arguments;
+    va_start(arguments, text);
+    const std::size_t length =
+        xlogFormatLine(buffer, {"T", 1, "2", "TAG", "C", 'E'}, {}, text, arguments);
+    va_end(arguments);
+    return {buffer.data(), length};
+}
+
+}  // namespace
+
+TEST(LogRefusals, AMessageThatCannotBeFormattedIsPaddedWithBlanksToTheEndOfTheLine) {
+    const std::string header = formatLine("%s", "");
+    std::string line;
+    {
+        const ReplacedImport<Formatter> failing("__stdio_common_vsprintf", giveUp);
+        line = formatLine("%d", 5);
+    }
+    const std::string start = header.substr(0, header.size() - 1) + "before";
+    EXPECT_EQ(line, start + std::string(4093 - start.size(), ' ') + "\n");
+}
+
+// Texts.
+
+namespace {
+
+// Memory that takes no pages as long as nobody looks at it; null where there is none.
+class HugeMemory {
+ public:
+    explicit HugeMemory(std::size_t size)
+        : memory_(::VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READONLY)) {}
+    ~HugeMemory() {
+        if (memory_ != nullptr) ::VirtualFree(memory_, 0, MEM_RELEASE);
+    }
+    HugeMemory(const HugeMemory&) = delete;
+    HugeMemory& operator=(const HugeMemory&) = delete;
+
+    const void* get() const { return memory_; }
+
+ private:
+    void* memory_;
+};
+
+constexpr std::size_t kTooLong = std::size_t{1} << 31;
+
+}  // namespace
+
+TEST(TextRefusals, ATextOf2GiBIsRefused) {
+    const HugeMemory memory(kTooLong);
+    ASSERT_NE(memory.get(), nullptr);
+    const std::string_view text(static_cast<const char*>(memory.get()), kTooLong);
+    std::wstring wide = L"before";
+    EXPECT_EQ(xtextToWide(text, wide), XERR_NAMETOOLONG);
+    EXPECT_EQ(wide, L"");
+    QJsonArray array;
+    EXPECT_FALSE(appcParseArray(text, array));
+}
+
+TEST(TextRefusals, AWideTextOf4GiBIsRefused) {
+    const HugeMemory memory(kTooLong * sizeof(wchar_t));
+    ASSERT_NE(memory.get(), nullptr);
+    EXPECT_EQ(xtextToUtf8({static_cast<const wchar_t*>(memory.get()), kTooLong}), "");
+}
+
+TEST(TextRefusals, AWideTextThatCannotBeConvertedIsEmpty) {
+    const ReplacedImport<decltype(::WideCharToMultiByte)> refused(
+        "WideCharToMultiByte",
+        [](UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL) -> int { return 0; });
+    EXPECT_EQ(xtextToUtf8(L"abc"), "");
+}
+
+// Processes.
+
+TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
+    const LogCapture log;
+    const ReplacedImport<decltype(::ShellExecuteExW)> refused(
+        "ShellExecuteExW",
+        [](SHELLEXECUTEINFOW*) -> BOOL { return refuse(ERROR_CANCELLED, FALSE); });
+    XprocHandle handle = nullptr;
+    EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe", "a"}), 101223);
+    EXPECT_EQ(handle, nullptr);
+    EXPECT_EQ(log.texts(),
+              Lines{"E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
+                    "parameters \"a\" GetLastError() 1223"});
+}
+
+TEST(ProcessRefusals, AVariableThatCannotBeSetIsTheStatus) {
+    const ReplacedImport<int(const char*)> refused(
+        "_putenv", [](const char*) { return refuse(ERROR_NOT_ENOUGH_MEMORY, -1); });
+    EXPECT_EQ(xprocSetEnvironment("BRIDGE_TEST", "x"), XERR_NOMEM);
+}
+
+TEST(ProcessRefusals, AListOfProcessesThatCannotBeHadIsAFailure) {
+    const ReplacedImport<decltype(::EnumProcesses)> refused(
+        "K32EnumProcesses", [](DWORD*, DWORD, DWORD*) -> BOOL { return FALSE; });
+    std::vector<std::uint32_t> ids{1, 2};
+    EXPECT_FALSE(utlProcessCalls().enumerate(ids));
+    EXPECT_EQ(ids, (std::vector<std::uint32_t>{1, 2}));
+}
+
+TEST(ProcessRefusals, AnImageWhosePathCannotBeHadHasNone) {
+    const ReplacedImport<decltype(::QueryFullProcessImageNameW)> refused(
+        "QueryFullProcessImageNameW",
+        [](HANDLE, DWORD, LPWSTR, PDWORD) -> BOOL { return refuse(ERROR_GEN_FAILURE, FALSE); });
+    std::wstring path = L"before";
+    EXPECT_FALSE(utlProcessCalls().imagePath(::GetCurrentProcess(), path));
+    EXPECT_EQ(path, L"");
+}
+
+// The registry.
+
+namespace {
+
+using OddQuery = ReplacedImport<decltype(::RegQueryValueExW)>;
+
+// A value of 6 bytes at the first question; another program changes it before the second.
+template <DWORD kType, LSTATUS kStatus>
+LSTATUS WINAPI changeBetween(HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE data, LPDWORD size) {
+    *size = 6;
+    *type = data == nullptr ? REG_SZ : kType;
+    return data == nullptr ? LSTATUS{ERROR_SUCCESS} : kStatus;
+}
+
+std::string readVersion() {
+    return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "Version", "default");
+}
+
+}  // namespace
+
+TEST(RegistryRefusals, AValueThatGrowsWhileItIsReadGivesTheDefault) {
+    RegistrySandbox registry;
+    registry.set("Version", "abc");
+    const OddQuery changing("RegQueryValueExW", changeBetween<REG_SZ, ERROR_MORE_DATA>);
+    EXPECT_EQ(readVersion(), "default");
+}
+
+TEST(RegistryRefusals, AValueThatBecomesANumberWhileItIsReadGivesTheDefault) {
+    RegistrySandbox registry;
+    registry.set("Version", "abc");
+    const OddQuery changing("RegQueryValueExW", changeBetween<REG_DWORD, ERROR_SUCCESS>);
+    EXPECT_EQ(readVersion(), "default");
+}
+
+// The module that the code is in.
+
+namespace {
+
+using OddHandleOf = ReplacedImport<decltype(::GetModuleHandleExW)>;
+using OddModule = ReplacedImport<decltype(::GetModuleHandleW)>;
+using OddExport = ReplacedImport<decltype(::GetProcAddress)>;
+
+BOOL WINAPI findNoModule(DWORD, LPCWSTR, HMODULE* module) {
+    *module = nullptr;
+    return refuse(ERROR_MOD_NOT_FOUND, FALSE);
+}
+
+BOOLEAN NTAPI sayThatTheProcessEnds() { return TRUE; }
+
+FARPROC WINAPI findProcessEnds(HMODULE, LPCSTR) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(sayThatTheProcessEnds));
+}
+
+FARPROC WINAPI findNoExport(HMODULE, LPCSTR) { return nullptr; }
+
+// Another module's handle for the program's: as if this code were in a library.
+HMODULE WINAPI beALibrary(LPCWSTR name) {
+    HMODULE found = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                         name == nullptr ? L"ntdll.dll" : name, &found);
+    return found;
+}
+
+}  // namespace
+
+TEST(ModuleRefusals, AModuleThatIsNotFoundIsNotPinned) {
+    calls = 0;
+    const OddHandleOf none("GetModuleHandleExW", findNoModule);
+    const ReplacedImport<decltype(::FreeLibrary)> counting("FreeLibrary", [](HMODULE) -> BOOL {
+        ++calls;
+        return TRUE;
+    });
+    { const XmodulePin pin; }
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(ModuleRefusals, ALibraryIsUnloadedWhileTheProcessGoesOn) {
+    EXPECT_FALSE(xsystemIsUnloading()) << "a program";
+    const OddModule library("GetModuleHandleW", beALibrary);
+    EXPECT_TRUE(xsystemIsUnloading());
+    {
+        const OddExport ends("GetProcAddress", findProcessEnds);
+        EXPECT_FALSE(xsystemIsUnloading());
+    }
+    {
+        const OddExport unknown("GetProcAddress", findNoExport);
+        EXPECT_FALSE(xsystemIsUnloading()) << "releasing too little is safe";
+    }
+    const OddHandleOf none("GetModuleHandleExW", findNoModule);
+    EXPECT_FALSE(xsystemIsUnloading());
+}
+
+namespace {
+
+// Objects that are kept, and how often each was released.
+std::vector<int> released;
+
+void release(void* object) { ++released[reinterpret_cast<std::uintptr_t>(object)]; }
+
+void remember(std::size_t number) { xunloadRemember(reinterpret_cast<void*>(number), release); }
+
+// Somebody else keeps an object just before one instruction of xunloadRemember.
+struct Intrusion {
+    bool active = false;
+    int instruction = 0;
+    int reached = 0;
+    std::size_t number = 0;
+} intrusion;
+
+constexpr DWORD kTrapFlag = 0x100;
+constexpr std::uintptr_t kFunctionSize = 512;  // and more
+
+LONG CALLBACK singleStep(EXCEPTION_POINTERS* exception) {
+    if (exception->ExceptionRecord->ExceptionCode != EXCEPTION_SINGLE_STEP) {
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+    CONTEXT& context = *exception->ContextRecord;
+    const auto function = reinterpret_cast<std::uintptr_t>(&xunloadRemember);
+    const bool isInside = context.Rip - function < kFunctionSize;
+    if (intrusion.active && isInside && ++intrusion.reached == intrusion.instruction) {
+        intrusion.active = false;
+        remember(intrusion.number);
+    }
+    if (intrusion.active) {
+        context.EFlags |= kTrapFlag;
+    } else {
+        context.EFlags &= ~kTrapFlag;
+    }
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+// False when the function ended before that instruction.
+bool rememberBeside(std::size_t number, std::size_t intruder, int instruction) {
+    intrusion = {true, instruction, 0, intruder};
+    __asm__ volatile("pushfq; orq $0x100, (%%rsp); popfq" ::: "memory", "cc");
+    remember(number);
+    return !std::exchange(intrusion.active, false);
+}
+
+}  // namespace
+
+// In a process of its own: everything that it keeps is released.
+SCENE(remembersBesideOthers) {
+    void* const watch = ::AddVectoredExceptionHandler(/*First=*/1, singleStep);
+    std::size_t count = 0;
+    int instruction = 1;
+    while (rememberBeside(count, count + 1, instruction)) {
+        count += 2;
+        ++instruction;
+    }
+    ++count;
+    ::RemoveVectoredExceptionHandler(watch);
+    released.assign(count, 0);
+    {
+        const OddModule library("GetModuleHandleW", beALibrary);
+        xunloadRelease();
+    }
+    if (instruction < 10) return 1;
+    return released == std::vector<int>(count, 1) ? 0 : 2;
+}
+
+TEST(ModuleRefusals, WhatSeveralKeepAtTheSameMomentIsReleasedOnce) {
+    EXPECT_EQ(runScene("remembersBesideOthers").status, 0u);
+}
