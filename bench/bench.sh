@@ -26,12 +26,11 @@ build_native() {
 }
 
 # Qt's own event loop, and files in memory where that is possible.
-native() {
-    local folder
+native() (
     folder=$(mktemp -d -p "$([ -d /dev/shm ] && echo /dev/shm || echo /tmp)" qxb.XXXXXX)
-    trap 'rm -rf "$folder"' RETURN
+    trap 'rm -rf "$folder"' EXIT
     QT_NO_GLIB=1 TMPDIR="$folder" "$@"
-}
+)
 
 measure_native() {
     steps_done=0

@@ -97,29 +97,25 @@ void append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
     if (got < count) info.buffer.resize(before + static_cast<int>(got));
 }
 
-// Starts a packet with the header that is waiting, and gives the length of the reply it wants.
-std::uint32_t readHeader(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
-    XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
-           static_cast<int>(incoming.available()));
-    append(info, incoming, kHeaderSize);
-    info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
-    const std::uint32_t replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
-    XLOG_D(kLog,
-           "%s for serverName %s, packetLen = %u, buffer.size = %d, opcode = 0x%x, outLen = %d",
-           self, serverOf(info), info.packetLen, info.buffer.size(),
-           numberAt(info.buffer, IPC_OPCODE_OFFSET), static_cast<std::int32_t>(replyLength));
-    return replyLength;
-}
-
 // Whether a packet has begun, with the length of the reply that it wants when it begins now.
 bool beginPacket(IpcConnectionInfo& info, Incoming& incoming, std::uint32_t& replyLength,
                  const char* self) {
     if (info.packetLen != 0) return true;
-    if (!incoming.has(kHeaderSize)) {
+    const qint64 missing = kHeaderSize - info.buffer.size();
+    if (!incoming.has(missing)) {
         incoming.giveBack();
         return false;
     }
-    replyLength = readHeader(info, incoming, self);
+    XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
+           static_cast<int>(incoming.available()));
+    append(info, incoming, missing);
+    if (info.buffer.size() < kHeaderSize) return false;  // the socket had claimed more
+    info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
+    replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
+    XLOG_D(kLog,
+           "%s for serverName %s, packetLen = %u, buffer.size = %d, opcode = 0x%x, outLen = %d",
+           self, serverOf(info), info.packetLen, info.buffer.size(),
+           numberAt(info.buffer, IPC_OPCODE_OFFSET), static_cast<std::int32_t>(replyLength));
     return true;
 }
 

@@ -75,6 +75,7 @@ XErr xmutexInitSecurityAttribs(XsidPtr& sid, XlocalPtr& acl, XlocalPtr& descript
     } else {
         return XERR_SUCCESS;
     }
+    ::SetLastError(error);  // for the caller, whatever the log did
     return xerrFromWindows(static_cast<std::int32_t>(error));
 }
 

@@ -154,6 +154,19 @@ TEST_F(IpcReentryTest, ASocketThatGivesLessThanItClaimedCompletesThePacketLater)
     EXPECT_TRUE(packets == Lines{packet});
 }
 
+TEST_F(IpcReentryTest, ASocketThatGivesLessThanAHeaderCompletesItLater) {
+    LossySocket socket;
+    IpcConnectionInfo info(&socket, &kServerName);
+    const std::string packet = packetOf(1, "abcdefgh");
+    socket.waiting = packet.substr(0, 5);
+    socket.lost = 30;
+    ipcReadCommand(&info, record);
+    EXPECT_EQ(info.packetLen, 0u);
+    socket.waiting = packet.substr(5);
+    ipcReadCommand(&info, record);
+    EXPECT_EQ(packets, Lines{packet});
+}
+
 TEST_F(IpcReentryTest, AServerWithoutAWaitingConnectionIsLeftAlone) {
     connect<QLocalSocket>(nullptr);
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});

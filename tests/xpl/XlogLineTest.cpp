@@ -80,6 +80,9 @@ TEST(XlogLine, AMessageThatCannotBeFormattedIsPaddedWithBlanks) {
 }
 
 TEST(XlogLine, WhatTheFormatterLeftOfAMessageIsShown) {
+    if (std::snprintf(nullptr, 0, "%ls", L"\xD800") >= 0) {
+        GTEST_SKIP() << "skipped: with this locale the runtime formats every text";
+    }
     for (const std::string& before : {std::string("before "), std::string(5000, 'x')}) {
         std::string rest(4095 - kHeaderText.size(), ' ');
         std::snprintf(rest.data(), rest.size(), "%s%ls", before.c_str(), L"\xD800");
