@@ -11,32 +11,33 @@
 
 namespace {
 
-// What a key's declaration says.
+// A key, and what its declaration says.
 struct Declaration {
+    ConfKey key;
     const ConfProperty* property;  // null: there is none
     std::size_t place;             // among the properties of its directory
     const char* kind;              // for "type of the ... is not matching"
     const char* directory;         // for "prop not found in ..."
 };
 
-Declaration declarationOf(const ConfDirectory& properties, std::string_view name, const char* kind,
+Declaration declarationOf(const ConfKey& key, const ConfDirectory& properties, const char* kind,
                           const char* directory) {
-    const auto found = properties.find(name);
+    const auto found = properties.find(key.property);
     const auto place = static_cast<std::size_t>(found - properties.begin());
-    return {found == properties.end() ? nullptr : &found->second, place, kind, directory};
+    return {key, found == properties.end() ? nullptr : &found->second, place, kind, directory};
 }
 
-Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view key) {
-    const ConfKey parts = confSplitKey(key);
-    switch (parts.scope) {
+Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view text) {
+    const ConfKey key = confSplitKey(text);
+    switch (key.scope) {
         case ConfScope::Instance:
-            return declarationOf(catalogue.instances(), parts.property, "iprop", "iprop dir");
+            return declarationOf(key, catalogue.instances(), "iprop", "iprop dir");
         case ConfScope::Global:
-            return declarationOf(catalogue.globals(), parts.property, "prop", "prop dir");
+            return declarationOf(key, catalogue.globals(), "prop", "prop dir");
         case ConfScope::None:
             break;
     }
-    return {nullptr, 0, "prop", "prop dir"};
+    return {key, nullptr, 0, "prop", "prop dir"};
 }
 
 // Whether the key may be used so; logged when not.
@@ -84,10 +85,9 @@ bool isCommittedValue(const ConfStore& store, std::string_view key, std::size_t 
     return committed != nullptr && xbytesSame(*committed, value);
 }
 
-void makeInstanceKnown(ConfStore& store, std::string_view key) XTS_REQUIRES(store.lock) {
-    const ConfKey parts = confSplitKey(key);
-    if (parts.scope == ConfScope::Instance && !store.instances.contains(parts.instance)) {
-        confAddInstanceLocked(store, parts.instance);
+void makeInstanceKnown(ConfStore& store, const ConfKey& key) XTS_REQUIRES(store.lock) {
+    if (key.scope == ConfScope::Instance && !store.instances.contains(key.instance)) {
+        confAddInstanceLocked(store, key.instance);
     }
 }
 
@@ -146,7 +146,7 @@ XErr confSetStringInternal(ConfStore& store, std::string_view key, ConfType type
         XLOG_FATAL(kLog);
     }
     const std::lock_guard<std::mutex> guard(store.lock);
-    makeInstanceKnown(store, key);
+    makeInstanceKnown(store, declared.key);
     if (isCommittedValue(store, key, declared.place, value)) {
         store.pending.erase(key);
     } else {
