@@ -153,14 +153,6 @@ inline std::size_t xbytesHash(std::string_view text) noexcept {
     return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
-// The order of std::less<>, for containers of texts that begin alike.
-struct XbytesOrder {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const noexcept {
-        return xbytesCompare(a, b) < 0;
-    }
-};
-
 inline bool xbytesStartsWith(std::string_view text, std::string_view start) noexcept {
     return text.size() >= start.size() && xbytesSame(text.substr(0, start.size()), start);
 }

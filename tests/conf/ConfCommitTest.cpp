@@ -362,6 +362,27 @@ TEST_F(ConfCommitTest, AnEntryOf4096BytesOrMoreIsRefusedAndTheOldFileStays) {
     EXPECT_EQ(confReload(store), 0) << "what was written reads back";
 }
 
+TEST_F(ConfCommitTest, AKeyThatFillsALineIsRefusedAndTheOldFileStays) {
+    const auto& first = *catalogue.instances().begin();
+    const struct {
+        std::string name;
+        XErr result;
+    } cases[] = {{std::string(5000, 'n'), XERR_2BIG}, {std::string(5000, 'n') + "\n", XERR_INVAL}};
+    for (const auto& [name, result] : cases) {
+        ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+        confSetI32(store, "vtr.instance." + name + ".dpi", 320);
+        log.clear();
+        EXPECT_EQ(confCommit(store), result);
+        EXPECT_EQ(log.texts().back(), "E CONF invalid conf entry vtr.instance." + name + "." +
+                                          first.first + "=\"" + first.second.defaultValue +
+                                          "\", prop len = -1, max len = 4096");
+        EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+        EXPECT_FALSE(folder.has("vantrel.conf-temp"));
+        ASSERT_EQ(confDeleteInstance(store, name), 0);
+        ASSERT_EQ(confCommit(store), 0);
+    }
+}
+
 TEST_F(ConfCommitTest, AFileWithALineThatCannotBeWrittenAgainLoadsAndBlocksCommits) {
     for (const std::size_t size : {4095u, 4096u}) {
         ASSERT_EQ(init("vtr.guid=\"" + std::string(size - 11, 'x') + "\"\n"), 0);
