@@ -274,18 +274,22 @@ TEST_F(IpcReadCommandTest, AReplyIsWrittenWholeHoweverLittleTheSocketTakes) {
 }
 
 TEST_F(IpcReadCommandTest, AReplyIsGivenUpWhenThePeerHasGone) {
-    // Takes one piece.
+    // Takes one piece, and then fails, or takes nothing for ever.
     struct LeavingSocket : FakeSocket {
         qint64 writeData(const char* bytes, qint64 size) override {
-            return written.empty() ? FakeSocket::writeData(bytes, size) : -1;
+            return written.empty() ? FakeSocket::writeData(bytes, size) : answer;
         }
+        qint64 answer = -1;
     };
-    LeavingSocket leaving;
-    IpcConnectionInfo connection(&leaving, &kServerName);
-    leaving.waiting = packetOf(1, "", 3'000'000);
-    ipcReadCommand(&connection, record);
-    EXPECT_EQ(leaving.written, std::string(1'048'576, '\0'));
-    EXPECT_EQ(connection.packetLen, 0u);
+    for (const qint64 answer : {-1, 0}) {
+        LeavingSocket leaving;
+        leaving.answer = answer;
+        IpcConnectionInfo connection(&leaving, &kServerName);
+        leaving.waiting = packetOf(1, "", 3'000'000);
+        ipcReadCommand(&connection, record);
+        EXPECT_EQ(leaving.written, std::string(1'048'576, '\0'));
+        EXPECT_EQ(connection.packetLen, 0u);
+    }
 }
 
 TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
