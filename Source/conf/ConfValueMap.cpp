@@ -117,9 +117,7 @@ void ConfValueFeed::enterInstance(std::string_view instance) {
 }
 
 void ConfValueFeed::assignInInstance(std::string_view name, std::string_view value) {
-    const std::string_view expected =
-        next_ < group_->size() ? (*group_)[next_].name : std::string_view{};
-    if (expected.data() != name.data() && !xbytesSame(expected, name)) {
+    if (next_ >= group_->size() || !xbytesSame((*group_)[next_].name, name)) {
         map_.assignIn(*group_, name, value);
         next_ = static_cast<std::size_t>(ConfValueMap::position(*group_, name) - group_->begin());
     } else {

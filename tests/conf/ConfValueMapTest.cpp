@@ -140,3 +140,15 @@ TEST(ConfValueMap, TheFeedTakesANameOutOfALongerText) {
     feed.assignInInstance("a", "1");
     expectSame(map, {{"vtr.instance.X.a", "1"}});
 }
+
+TEST(ConfValueMap, TheFeedTakesAnEmptyNameBehindTheLast) {
+    const ConfDirectory properties{{"a", {ConfType::I32, ""}}};
+    ConfValueMap map;
+    map.addMissing("X", properties);
+    ConfValueFeed feed(map);
+    feed.enterInstance("X");
+    feed.assignInInstance("a", "1");
+    feed.assignInInstance("", "2");
+    feed.assignInInstance(std::string_view("a").substr(0, 0), "3");
+    expectSame(map, {{"vtr.instance.X.", "3"}, {"vtr.instance.X.a", "1"}});
+}
