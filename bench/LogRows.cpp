@@ -21,8 +21,8 @@ constexpr std::string_view kFloorLine =
 
 struct Log {
     Log() {
-        auto sink =
-            std::make_shared<spdlog::sinks::basic_file_sink_mt>(folder / "spdlog.log", true);
+        auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(
+            floorPath(folder / "spdlog.log").u8string(), true);
         other = std::make_shared<spdlog::logger>("CONF", std::move(sink));
         other->set_pattern("%Y-%m-%d %H:%M:%S.%e%z %-5P %-5t %-6n Helper_bridge %L: %v", {});
         other->flush_on(spdlog::level::info);
