@@ -9,8 +9,8 @@
 namespace {
 
 // The place of an imported function's address; null when there is none of that name.
-void** slotIn(HMODULE program, const char* wanted) {
-    auto* const base = reinterpret_cast<char*>(program);
+void** slotIn(HMODULE importer, const char* wanted) {
+    auto* const base = reinterpret_cast<char*>(importer);
     const auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
     const auto* headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -30,10 +30,11 @@ void** slotIn(HMODULE program, const char* wanted) {
 
 }  // namespace
 
-void replaceImport(const char* name, void* replacement, void** original) {
+void replaceImport(const char* module, const char* name, void* replacement, void** original) {
     // Found before anything is replaced: the search itself calls the system.
     static const HMODULE program = ::GetModuleHandleW(nullptr);
-    void** const slot = slotIn(program, name);
+    const HMODULE importer = module == nullptr ? program : ::GetModuleHandleA(module);
+    void** const slot = importer == nullptr ? nullptr : slotIn(importer, name);
     if (slot == nullptr) {
         ADD_FAILURE() << name << " is not imported";
         return;

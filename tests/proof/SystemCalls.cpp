@@ -163,7 +163,8 @@ BOOL WINAPI releaseMutex(HANDLE mutex) {
 
 template <typename Function>
 void install(const char* name, Function replacement, Function& original) {
-    replaceImport(name, reinterpret_cast<void*>(replacement), reinterpret_cast<void**>(&original));
+    replaceImport(/*module=*/nullptr, name, reinterpret_cast<void*>(replacement),
+                  reinterpret_cast<void**>(&original));
 }
 
 void installOnce() {
