@@ -1,10 +1,11 @@
-# bridge_layer(NAME SOURCES ... [DEPENDS ...] [SYSTEM_LIBRARIES ...])
+# bridge_layer(NAME SOURCES ... [WINDOWS_SOURCES ...] [DEPENDS ...] [SYSTEM_LIBRARIES ...])
 #
 # The folder that calls it, one of Source/, as a static library. Its headers are reached as "NAME/Header.h", and only
 # by those who declare the dependency: an include of a layer that is not declared does not build.
-# SYSTEM_LIBRARIES are those of Windows.
+# WINDOWS_SOURCES are those that only the siblings of Windows need. SYSTEM_LIBRARIES are those of
+# Windows.
 function(bridge_layer name)
-    cmake_parse_arguments(LAYER "" "" "SOURCES;DEPENDS;SYSTEM_LIBRARIES" ${ARGN})
+    cmake_parse_arguments(LAYER "" "" "SOURCES;WINDOWS_SOURCES;DEPENDS;SYSTEM_LIBRARIES" ${ARGN})
     if(CMAKE_HOST_WIN32)  # links need a privilege there
         set(include_root "${PROJECT_SOURCE_DIR}/Source")
     else()
@@ -13,6 +14,9 @@ function(bridge_layer name)
         file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${name}" SYMBOLIC)
     endif()
     bridge_platform_sources(LAYER_SOURCES)
+    if(WIN32)
+        list(APPEND LAYER_SOURCES ${LAYER_WINDOWS_SOURCES})
+    endif()
     add_library(${name} STATIC ${LAYER_SOURCES})
     target_include_directories(${name} PUBLIC "${include_root}")
     target_link_libraries(${name} PUBLIC ${LAYER_DEPENDS} PRIVATE bridge_warnings)

@@ -2,10 +2,10 @@
 #include <QAbstractSocket>
 #include <QLocalSocket>
 #include <QTimer>
-#include <QWinEventNotifier>
 #include <array>
 #include <functional>
 
+#include "ipc/IpcEventWatcherWinnt.h"
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
@@ -110,43 +110,25 @@ class IpcLocalServer::Instances {
     using Accept = std::function<void(qintptr handle)>;
 
     Instances(const std::wstring& path, Accept accept)
-        : path_(path),
-          accept_(std::move(accept)),
-          event_(::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, nullptr)),
-          notifier_(event_) {
+        : path_(path), accept_(std::move(accept)), watcher_([this] { takeClientsFenced(); }) {
         retry_.setSingleShot(true);
         retry_.setInterval(kRetryMilliseconds);
-        // No exception passes through Qt's event loop.
-        const auto again = [this] {
-            xfence(kLog, "IpcLocalServer", false, [this] {
-                takeClients();
-                return true;
-            });
-        };
-        QObject::connect(&notifier_, &QWinEventNotifier::activated, &notifier_, again);
-        QObject::connect(&retry_, &QTimer::timeout, &retry_, again);
+        QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsFenced(); });
     }
 
-    ~Instances() {
-        notifier_.setEnabled(false);
-        ::CloseHandle(event_);
-    }
-
-    Instances(const Instances&) = delete;
-    Instances& operator=(const Instances&) = delete;
+    // False when nothing would tell of a client.
+    [[nodiscard]] bool watch() { return watcher_.watch(); }
 
     // The first one; false, with the last error, when the name is somebody else's.
-    bool openFirst() { return all_[0].open(path_, event_, /*first=*/true); }
+    bool openFirst() { return all_[0].open(path_, watcher_.handle(), /*first=*/true); }
 
     // Hands over every client that has come, and puts a new instance into each one's place. One
     // pass: what is there to be read comes in between.
     void takeClients() {
-        ::ResetEvent(event_);
         for (Instance& instance : all_) {
             if (instance.isReady()) {
                 const HANDLE handle = instance.release();
                 replace(instance);
-                ::SetEvent(event_);
                 accept_(reinterpret_cast<qintptr>(handle));
             } else if (!instance.exists()) {
                 replace(instance);
@@ -155,11 +137,19 @@ class IpcLocalServer::Instances {
     }
 
  private:
+    // No exception passes through Qt's event loop.
+    void takeClientsFenced() {
+        xfence(kLog, "IpcLocalServer", false, [this] {
+            takeClients();
+            return true;
+        });
+    }
+
     // Waiting for a client of a new instance resets the event that all share, so that every
     // replacement asks for another pass.
     void replace(Instance& instance) {
-        if (instance.open(path_, event_, /*first=*/false)) {
-            ::SetEvent(event_);
+        if (instance.open(path_, watcher_.handle(), /*first=*/false)) {
+            ::SetEvent(watcher_.handle());
             complained_ = false;
             return;
         }
@@ -172,8 +162,7 @@ class IpcLocalServer::Instances {
 
     const std::wstring path_;
     const Accept accept_;
-    const HANDLE event_;
-    QWinEventNotifier notifier_;
+    IpcEventWatcher watcher_;
     QTimer retry_;
     std::array<Instance, kInstances> all_;
     bool complained_ = false;
@@ -191,6 +180,9 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
     instances_ = std::make_unique<Instances>(path, [this](qintptr handle) { accept(handle); });
     if (ipcNameIsServed(serverName)) {
         return listenError(QAbstractSocket::AddressInUseError, "Address in use");
+    }
+    if (!instances_->watch()) {
+        return listenError(QAbstractSocket::SocketResourceError, "Out of resources");
     }
     if (!instances_->openFirst()) {
         const DWORD error = ::GetLastError();

@@ -3,30 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <private/qthread_p.h>
 #include <QEventLoop>
 #include <QLocalSocket>
-#include <QThread>
-#include <memory>
 #include <thread>
 
+#include "QtThread.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-
-namespace {
-
-// Runs `call` on a thread of Qt's, which delivers without an application object.
-template <typename Call>
-void onQtThread(Call call) {
-    const std::unique_ptr<QThread> thread(QThread::create([call] {
-        QThreadData::get2(QThread::currentThread())->requiresCoreApplication = false;
-        call();
-    }));
-    thread->start();
-    ASSERT_TRUE(thread->wait(60'000));
-}
-
-}  // namespace
 
 TEST(IpcLocalServerTest, AConnectionIsPendingUntilItIsTaken) {
     const std::string name = "vtr_test_pending_" + std::to_string(ownProcessId());

@@ -284,6 +284,39 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
     EXPECT_FALSE(ipcNameIsServed(name));
 }
 
+TEST_F(PipeRefusals, WithoutAnEventNothingIsServed) {
+    const ReplacedImport<decltype(::CreateEventW)> odd(
+        "CreateEventW", [](LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) -> HANDLE {
+            ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return nullptr;
+        });
+    launch();
+    EXPECT_EQ(awaitError(), listenError(4, "Out of resources"));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+// The server's own thread is Qt's first, the one that waits for clients the second.
+TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
+    const ReplacedImport<decltype(::CreateThread)> odd(
+        "CreateThread",
+        [](LPSECURITY_ATTRIBUTES security, SIZE_T stack, LPTHREAD_START_ROUTINE start, LPVOID own,
+           DWORD flags, LPDWORD id) -> HANDLE {
+            if (++armed == 2) {
+                ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+                return nullptr;
+            }
+            return real<decltype(::CreateThread)>("CreateThread")(security, stack, start, own,
+                                                                  flags, id);
+        },
+        "Qt5Core.dll");
+    launch();
+    EXPECT_EQ(awaitError(), listenError(4, "Out of resources"));
+    EXPECT_FALSE(ipcNameIsServed(name));
+    stop();
+    start();
+    expectServed(1);
+}
+
 TEST_F(PipeRefusals, ANameThatIsNotUtf8CannotBeServed) {
     name = "vtr_test_\xFF";
     launch();
