@@ -7,15 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <utility>
 
-#include "xpl/Xfile.h"
-#include "xpl/Xlog.h"
+#include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 
 namespace {
-
-constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
 
 constexpr std::int32_t kNegativeSeek = 131;
 
@@ -75,10 +71,6 @@ XErr transferred(const Xfile& file, ssize_t moved, std::uint32_t& done) {
     return error == EBADF && file.isOpen() ? XErr{XERR_ACCES} : translated(error);
 }
 
-std::uint32_t pieceOf(std::size_t length) {
-    return static_cast<std::uint32_t>(std::min<std::size_t>(length, 1u << 30));
-}
-
 bool isFolder(const char* path) {
     struct stat data {};
     return ::stat(path, &data) == 0 && S_ISDIR(data.st_mode);
@@ -101,18 +93,6 @@ std::string absolutePath(const std::string& path) {
     return hasDrive || absolute.substr(0, 2) == "\\\\" ? absolute : "C:" + absolute;
 }
 
-XErr replaceFile(const std::string& source, const std::string& destination) {
-    if (const XErr err = xfileFlush(source); err != XERR_SUCCESS) {
-        XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
-    }
-    return withPath(source, [&destination](const char* from) {
-        const std::string to = xfileSystemPath(destination);
-        if (!isFolder(to.c_str())) return std::rename(from, to.c_str());
-        errno = EACCES;  // nothing replaces a folder on Windows
-        return -1;
-    });
-}
-
 }  // namespace
 
 std::string xfileSystemPath(const std::string& path) {
@@ -124,27 +104,12 @@ std::string xfileSystemPath(const std::string& path) {
     return mapped;
 }
 
-Xfile::~Xfile() { xfileClose(*this); }
-
-Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-
-Xfile& Xfile::operator=(Xfile&& other) noexcept {
-    if (this != &other) adopt(std::exchange(other.handle_, nullptr));
-    return *this;
-}
-
 void Xfile::adopt(void* handle) {
     if (handle_ != nullptr) ::close(descriptorOf(*this));
     handle_ = handle;
 }
 
-XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
-    if (mode != XfileMode::Read) {
-        const std::string folder(xfileFolderPart(path));
-        if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
-            static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
-        }
-    }
+XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode) {
     return withPath(path, [&file, mode](const char* system) {
         const int descriptor = ::open(system, openFlags(mode), 0666);
         if (descriptor < 0) return -1;
@@ -165,34 +130,6 @@ XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& d
 XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint32_t& done) {
     return transferred(file, ::write(descriptorOf(file), buffer, length), done);
 }
-
-XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {
-    done = 0;
-    while (done < length) {
-        std::uint32_t moved = 0;
-        const XErr err =
-            xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
-        if (err != XERR_SUCCESS) return err;
-        if (moved == 0) return XERR_NODATA;
-        done += moved;
-    }
-    return XERR_SUCCESS;
-}
-
-XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::size_t& done) {
-    done = 0;
-    while (done < length) {
-        std::uint32_t moved = 0;
-        const XErr err = xfileWrite(file, static_cast<const char*>(buffer) + done,
-                                    pieceOf(length - done), moved);
-        done += moved;
-        if (err != XERR_SUCCESS) return err;
-        if (moved == 0) return XERR_IO;
-    }
-    return XERR_SUCCESS;
-}
-
-void xfileClose(Xfile& file) { file.adopt(nullptr); }
 
 XErr xfileSize(Xfile& file, std::int64_t& size) {
     struct stat data {};
@@ -250,11 +187,13 @@ XErr xfileFlush(const std::string& path) {
     return statusOf(::fsync(descriptorOf(file)));
 }
 
-XErr xfileMove(const std::string& source, const std::string& destination) {
-    return replaceFile(source, destination);
-}
-
 // Nobody can hold a file against its replacement here.
-XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
-    return replaceFile(source, destination);
+XErr xfileSystemReplace(const std::string& source, const std::string& destination,
+                        int /*retries*/) {
+    return withPath(source, [&destination](const char* from) {
+        const std::string to = xfileSystemPath(destination);
+        if (!isFolder(to.c_str())) return std::rename(from, to.c_str());
+        errno = EACCES;  // nothing replaces a folder on Windows
+        return -1;
+    });
 }

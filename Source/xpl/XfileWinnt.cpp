@@ -1,19 +1,11 @@
 // Files by UTF-8 path over the wide Windows functions.
-#include <algorithm>
-#include <limits>
-#include <utility>
-
-#include "xpl/Xfile.h"
-#include "xpl/Xlog.h"
+#include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 
 namespace {
 
-constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
-
-constexpr int kMoveRetries = 10;
-constexpr DWORD kMoveRetryMs = 50;
+constexpr DWORD kReplaceRetryMs = 50;
 
 struct OpenRow {
     DWORD access;
@@ -34,11 +26,6 @@ OpenRow openRow(XfileMode mode) {
             break;
     }
     return {GENERIC_READ, OPEN_EXISTING};
-}
-
-// Windows takes lengths of 32 bits.
-DWORD pieceOf(std::size_t length) {
-    return static_cast<DWORD>(std::min<std::size_t>(length, std::numeric_limits<DWORD>::max()));
 }
 
 bool existsWide(const std::wstring& path) {
@@ -71,51 +58,16 @@ XErr withWidePath(const std::string& path, Call call) {
     return call(wide) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
 }
 
-void flushBeforeMove(const std::string& source) {
-    if (const XErr err = xfileFlush(source); err != XERR_SUCCESS) {
-        XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
-    }
-}
-
-XErr replaceFile(const std::string& source, const std::string& destination, int retries) {
-    std::wstring from;
-    std::wstring to;
-    if (const XErr err = xtextToWide(source, from); err != XERR_SUCCESS) return err;
-    if (const XErr err = xtextToWide(destination, to); err != XERR_SUCCESS) return err;
-    for (int attempt = 0;; ++attempt) {
-        if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return XERR_SUCCESS;
-        const DWORD error = ::GetLastError();
-        const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
-        if (!held || attempt == retries) return xerrFromWindows(static_cast<std::int32_t>(error));
-        ::Sleep(kMoveRetryMs);
-    }
-}
-
 }  // namespace
 
 std::string xfileSystemPath(const std::string& path) { return path; }
-
-Xfile::~Xfile() { xfileClose(*this); }
-
-Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-
-Xfile& Xfile::operator=(Xfile&& other) noexcept {
-    if (this != &other) adopt(std::exchange(other.handle_, nullptr));
-    return *this;
-}
 
 void Xfile::adopt(void* handle) {
     if (handle_ != nullptr) ::CloseHandle(handle_);
     handle_ = handle;
 }
 
-XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
-    if (mode != XfileMode::Read) {
-        const std::string folder(xfileFolderPart(path));
-        if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
-            static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
-        }
-    }
+XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode) {
     std::wstring wide;
     if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
     const OpenRow row = openRow(mode);
@@ -143,34 +95,6 @@ XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint
     done = moved;
     return err;
 }
-
-XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {
-    done = 0;
-    while (done < length) {
-        std::uint32_t moved = 0;
-        const XErr err =
-            xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
-        if (err != XERR_SUCCESS) return err;
-        if (moved == 0) return xerrFromWindows(ERROR_HANDLE_EOF);
-        done += moved;
-    }
-    return XERR_SUCCESS;
-}
-
-XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::size_t& done) {
-    done = 0;
-    while (done < length) {
-        std::uint32_t moved = 0;
-        const XErr err = xfileWrite(file, static_cast<const char*>(buffer) + done,
-                                    pieceOf(length - done), moved);
-        done += moved;
-        if (err != XERR_SUCCESS) return err;
-        if (moved == 0) return XERR_IO;  // a device that takes nothing would keep us here for ever
-    }
-    return XERR_SUCCESS;
-}
-
-void xfileClose(Xfile& file) { file.adopt(nullptr); }
 
 XErr xfileSize(Xfile& file, std::int64_t& size) {
     LARGE_INTEGER value{};
@@ -236,12 +160,16 @@ XErr xfileFlush(const std::string& path) {
     return ::FlushFileBuffers(file.handle()) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
 }
 
-XErr xfileMove(const std::string& source, const std::string& destination) {
-    flushBeforeMove(source);
-    return replaceFile(source, destination, /*retries=*/0);
-}
-
-XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
-    flushBeforeMove(source);
-    return replaceFile(source, destination, kMoveRetries);
+XErr xfileSystemReplace(const std::string& source, const std::string& destination, int retries) {
+    std::wstring from;
+    std::wstring to;
+    if (const XErr err = xtextToWide(source, from); err != XERR_SUCCESS) return err;
+    if (const XErr err = xtextToWide(destination, to); err != XERR_SUCCESS) return err;
+    for (int attempt = 0;; ++attempt) {
+        if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return XERR_SUCCESS;
+        const DWORD error = ::GetLastError();
+        const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+        if (!held || attempt == retries) return xerrFromWindows(static_cast<std::int32_t>(error));
+        ::Sleep(kReplaceRetryMs);
+    }
 }

@@ -1,0 +1,85 @@
+// What is the same about files on every system.
+#include "xpl/Xfile.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "xpl/XfileSystem.h"
+#include "xpl/Xlog.h"
+
+namespace {
+
+constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
+
+constexpr int kReplaceRetries = 10;
+
+// One call moves at most what 32 bits can tell.
+std::uint32_t pieceOf(std::size_t length) {
+    return static_cast<std::uint32_t>(
+        std::min<std::size_t>(length, std::numeric_limits<std::uint32_t>::max()));
+}
+
+XErr moveFile(const std::string& source, const std::string& destination, int retries) {
+    if (const XErr err = xfileFlush(source); err != XERR_SUCCESS) {
+        XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
+    }
+    return xfileSystemReplace(source, destination, retries);
+}
+
+}  // namespace
+
+Xfile::~Xfile() { xfileClose(*this); }
+
+Xfile::Xfile(Xfile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+
+Xfile& Xfile::operator=(Xfile&& other) noexcept {
+    if (this != &other) adopt(std::exchange(other.handle_, nullptr));
+    return *this;
+}
+
+XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
+    if (mode != XfileMode::Read) {
+        const std::string folder(xfileFolderPart(path));
+        if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
+            static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
+        }
+    }
+    return xfileSystemOpen(file, path, mode);
+}
+
+XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err =
+            xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return XERR_NODATA;
+        done += moved;
+    }
+    return XERR_SUCCESS;
+}
+
+XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::size_t& done) {
+    done = 0;
+    while (done < length) {
+        std::uint32_t moved = 0;
+        const XErr err = xfileWrite(file, static_cast<const char*>(buffer) + done,
+                                    pieceOf(length - done), moved);
+        done += moved;
+        if (err != XERR_SUCCESS) return err;
+        if (moved == 0) return XERR_IO;  // a device that takes nothing would keep us here for ever
+    }
+    return XERR_SUCCESS;
+}
+
+void xfileClose(Xfile& file) { file.adopt(nullptr); }
+
+XErr xfileMove(const std::string& source, const std::string& destination) {
+    return moveFile(source, destination, /*retries=*/0);
+}
+
+XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
+    return moveFile(source, destination, kReplaceRetries);
+}

@@ -1,0 +1,16 @@
+#ifndef XPL_XFILESYSTEM_H
+#define XPL_XFILESYSTEM_H
+
+// What Xfile.cpp needs of the system besides the rest of Xfile.h.
+
+#include "xpl/Xfile.h"
+
+// Opens a file whose folder is there, or is not.
+[[nodiscard]] XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode);
+
+// Moves `source` onto `destination`, replacing what is there, with so many further attempts while
+// somebody holds it.
+[[nodiscard]] XErr xfileSystemReplace(const std::string& source, const std::string& destination,
+                                      int retries);
+
+#endif
