@@ -1,0 +1,59 @@
+#ifndef TESTS_SYSTEMCHILD_H
+#define TESTS_SYSTEMCHILD_H
+
+// What ChildProcess needs of the system.
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/ChildProcess.h"
+
+// A pipe whose writing end a child gets as its standard output or error.
+class ChildPipe {
+ public:
+    ChildPipe();
+    ~ChildPipe();
+    ChildPipe(const ChildPipe&) = delete;
+    ChildPipe& operator=(const ChildPipe&) = delete;
+
+    // Appends what arrives; false at the end of the pipe, or when nothing is read from it any more.
+    bool readMore(std::string& text) const;
+
+    void closeRead();
+    void closeWrite();
+    std::intptr_t writingEnd() const { return write_; }
+
+ private:
+    std::intptr_t read_;
+    std::intptr_t write_;
+};
+
+// A process that has been started. The object's end is the process's too.
+class SystemChild {
+ public:
+    SystemChild(const std::string& program, const std::vector<std::string>& arguments,
+                const ChildOptions& options, const ChildPipe& out, const ChildPipe& err);
+    ~SystemChild();
+    SystemChild(const SystemChild&) = delete;
+    SystemChild& operator=(const SystemChild&) = delete;
+
+    // Whether it ended within the limit.
+    bool waitFor(std::chrono::seconds limit);
+
+    // Does nothing to one that has ended.
+    void kill();
+
+    // Waits for its end.
+    std::uint32_t status();
+
+    void* handle() const;
+
+ private:
+    std::intptr_t process_;
+    std::optional<std::uint32_t> status_;  // once it is known
+};
+
+#endif
