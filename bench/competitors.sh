@@ -6,13 +6,8 @@ set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"
 . "$tree/toolchain/sources.sh"
 
-prefix="$cache/competitors-$(digest "$tree/toolchain/windows.sh" "$tree/bench/competitors.sh")"
-if [ "${1:-}" = --dir ]; then
-    printf '%s' "$prefix"
-    exit 0
-fi
-is_complete "$prefix" && exit 0
-begin_build "$prefix" "the competitors"
+cached_build "$cache/competitors-$(digest "$tree/toolchain/windows.sh" "$tree/bench/competitors.sh")" \
+    "the competitors" "$@"
 work="$prefix/build"
 mkdir -p "$work" "$prefix/licences"
 

@@ -36,6 +36,18 @@ begin_build() {
     mkdir -p "$1"
 }
 
+# cached_build DIR NAME [--dir]: what a script that fills DIR begins with. It ends here when DIR is
+# complete, and with --dir, which only asks where DIR is.
+cached_build() {
+    prefix=$1
+    if [ "${3:-}" = --dir ]; then
+        printf '%s' "$prefix"
+        exit 0
+    fi
+    if is_complete "$prefix"; then exit 0; fi
+    begin_build "$prefix" "$2"
+}
+
 # step LABEL USUAL COMMAND...: runs COMMAND with its output in a log, and shows that it is alive.
 # The caller sets steps_total; USUAL is the time that the step took on two cores.
 steps_done=0

@@ -1,18 +1,12 @@
 #!/usr/bin/env bash
 # Node.js for Windows, koffi and TypeScript from npm, for the tests of the Node binding. No install
 # script of a package runs: they are only unpacked.
-#   node.sh        fetches them when they are missing
-#   node.sh dir    says where they are: node/bin/node.exe and node_modules
+#   node.sh          fetches them when they are missing
+#   node.sh --dir    says where they are: node/bin/node.exe and node_modules
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-prefix="$cache/node-$(digest "$tree/toolchain/node.sh")"
-if [ "${1:-}" = dir ]; then
-    printf '%s' "$prefix"
-    exit 0
-fi
-is_complete "$prefix" && exit 0
-begin_build "$prefix" "Node"
+cached_build "$cache/node-$(digest "$tree/toolchain/node.sh")" "Node" "$@"
 
 # name, version, sha256 of the package, folder
 packages="

@@ -5,13 +5,8 @@ set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
 
-prefix="$cache/profile-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/profile.sh")"
-if [ "${1:-}" = --dir ]; then
-    printf '%s' "$prefix"
-    exit 0
-fi
-is_complete "$prefix" && exit 0
-begin_build "$prefix" "the coverage runtime"
+cached_build "$cache/profile-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/profile.sh")" \
+    "the coverage runtime" "$@"
 work="$prefix/build"
 mkdir -p "$work"
 

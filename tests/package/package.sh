@@ -94,7 +94,7 @@ for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cx
     [ "$got" = "$listing" ] || fail "$host lists: $got"
 done
 # Node, with the packages where npm puts them; under Wine it cannot write to this system's pipes.
-node=$(bash "$tree/toolchain/node.sh" dir)
+node=$(bash "$tree/toolchain/node.sh" --dir)
 mkdir -p "$work/npm/node_modules"
 cp -r "$root/share/bindings/node" "$work/npm/node_modules/qx-bridge"
 ln -s "$node/node_modules/koffi" "$work/npm/node_modules/koffi"
