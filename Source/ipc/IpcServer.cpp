@@ -2,6 +2,7 @@
 #include "ipc/IpcServer.h"
 
 #include <private/qthread_p.h>
+#include <QAbstractEventDispatcher>
 
 #include "ipc/IpcConnection.h"
 #include "ipc/IpcLocalServer.h"
@@ -34,6 +35,9 @@ void IpcServerThread::run() {
 }
 
 void IpcServerThread::serve() {
+    // The event loop's window is made now, before anybody can know of the server: under Wine a host
+    // that ends while a thread makes its window hangs, since the window lock stays with the thread.
+    eventDispatcher()->processEvents(QEventLoop::AllEvents);
     server = std::make_unique<IpcLocalServer>();
     connect(
         server.get(), &QLocalServer::newConnection, server.get(),
