@@ -7,7 +7,9 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "xpl/Xclock.h"
 #include "xpl/Xfile.h"
@@ -49,12 +51,19 @@ struct Context {
 };
 
 struct ContextHolder {
-    std::shared_ptr<const Context> current;
+    std::atomic<const Context*> current{nullptr};
+    std::atomic<int> readers{0};
+    // Replaced, and perhaps still read; changed by setters only.
+    std::vector<std::unique_ptr<const Context>> replaced;
+
+    ContextHolder() = default;
+    ContextHolder(const ContextHolder&) = delete;
+    ContextHolder& operator=(const ContextHolder&) = delete;
     // Without a lock: at unload nobody logs, and at process exit the other threads have ended,
     // perhaps inside one.
     ~ContextHolder() {
         xunloadRelease();
-        current.reset();
+        delete current.exchange(nullptr);
     }
 };
 
@@ -68,19 +77,47 @@ ContextHolder context;
 
 std::mutex contextChange;  // one setter at a time
 
-std::shared_ptr<const Context> currentContext() {
-    static constexpr auto keep = [](const Context*) {};
-    if (auto now = std::atomic_load(&context.current)) return now;
+const Context& currentContext() {
+    if (const Context* const now = context.current.load()) return *now;
     static const Context* const initial = &xunloadKeep<Context>();
-    return {initial, keep};
+    return *initial;
+}
+
+// What a line is made with; it stays until the line is done.
+class ContextInUse {
+ public:
+    ContextInUse() : now_((context.readers.fetch_add(1), currentContext())) {}
+    ~ContextInUse() { context.readers.fetch_sub(1); }
+    ContextInUse(const ContextInUse&) = delete;
+    ContextInUse& operator=(const ContextInUse&) = delete;
+
+    const Context& operator*() const { return now_; }
+    const Context* operator->() const { return &now_; }
+
+ private:
+    const Context& now_;
+};
+
+// Whoever begins a line after the replacement sees the new context, so that without a reader nobody
+// has an old one. Lines that never stop do not keep a setter: what it leaves goes with the next.
+void releaseReplaced() {
+    constexpr int kTries = 1000;
+    for (int i = 0; i < kTries; ++i) {
+        if (context.readers.load() == 0) return context.replaced.clear();
+        std::this_thread::yield();
+    }
 }
 
 template <typename Change>
 void changeContext(Change change) {
     const std::lock_guard<std::mutex> guard(contextChange);
-    auto next = std::make_shared<Context>(*currentContext());
+    auto next = std::make_unique<Context>(currentContext());
     change(*next);
-    std::atomic_store(&context.current, std::shared_ptr<const Context>(std::move(next)));
+    context.replaced.reserve(context.replaced.size() + 1);
+    if (const Context* const before = context.current.exchange(next.release())) {
+        context.replaced.emplace_back(before);
+    }
+    releaseReplaced();
 }
 
 std::int32_t defaultIsEnabled(std::int32_t tag, std::int32_t level) {
@@ -126,7 +163,7 @@ std::int32_t defaultPrint(std::int32_t level, std::int32_t tag, const char* file
 
 std::int32_t defaultPrint(std::int32_t level, std::int32_t tag, const char* file,
                           const char* function, std::int32_t line, const char* format, ...) {
-    const std::shared_ptr<const Context> now = currentContext();
+    const ContextInUse now;
     const XclockStamp stamp = xclockStamp(xclockNow(), now->zoneSuffix.c_str());
     const std::string thread = std::to_string(xsystemThreadId());
     const XlogLineHeader header{stamp.data(), xsystemProcessId(),      thread.c_str(),
