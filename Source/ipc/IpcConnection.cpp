@@ -227,6 +227,12 @@ IpcConnectionInfo::IpcConnectionInfo(QLocalSocket* connection, const std::string
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName) {
     QLocalSocket* const socket = server->nextPendingConnection();
     if (socket == nullptr) return;
+    // Without memory for the rest there is no connection.
+    const auto abandon = [](QLocalSocket* connection) {
+        connection->abort();
+        connection->deleteLater();
+    };
+    std::unique_ptr<QLocalSocket, decltype(abandon)> unfinished(socket, abandon);
     // The three handlers share the record, and the last of them goes with the socket: it is
     // released exactly once, whatever order the signals come in.
     const auto info = std::make_shared<IpcConnectionInfo>(socket, serverName);
@@ -241,6 +247,9 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
     QObject::connect(
         socket, &QLocalSocket::aboutToClose, socket, [info] { logAboutToClose(info.get()); },
         Qt::DirectConnection);
+    static_cast<void>(unfinished.release());
+    // A socket that could not be read from at all has told so already, and will not again.
+    if (socket->state() == QLocalSocket::UnconnectedState) ipcDestroyConnection(info.get(), decode);
 }
 
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {

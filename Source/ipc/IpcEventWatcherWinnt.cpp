@@ -6,6 +6,13 @@
 #include "xpl/Xfence.h"
 #include "xpl/XwindowsLean.h"
 
+namespace {
+
+// Until a call is tried again for which there was no memory.
+constexpr unsigned long kRetryMilliseconds = 100;
+
+}  // namespace
+
 IpcEventWatcher::IpcEventWatcher(Callback activated)
     : activated_(std::move(activated)),
       event_(::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, nullptr)) {
@@ -46,5 +53,9 @@ void IpcEventWatcher::tell() {
     const bool posted = xfence(kLog, "IpcEventWatcher", false, [this, call] {
         return QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
     });
-    if (!posted) told_ = false;
+    if (posted) return;
+    // Nobody else would tell of what has happened.
+    told_ = false;
+    msleep(kRetryMilliseconds);
+    ::SetEvent(event_);
 }

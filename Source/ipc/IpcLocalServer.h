@@ -35,7 +35,8 @@ class IpcLocalServer : public QLocalServer {
  private:
     class Instances;
 
-    void accept(qintptr handle);
+    // A new socket, the last of those that wait to be asked for.
+    QLocalSocket& queueSocket();
 
     QQueue<QLocalSocket*> pending_;
     std::unique_ptr<Instances> instances_;

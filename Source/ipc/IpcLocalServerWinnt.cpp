@@ -3,7 +3,9 @@
 #include <QLocalSocket>
 #include <QTimer>
 #include <array>
-#include <functional>
+#include <memory>
+#include <type_traits>
+#include <utility>
 
 #include "ipc/IpcEventWatcherWinnt.h"
 #include "ipc/IpcLocalServer.h"
@@ -25,15 +27,39 @@ constexpr int kRetryMilliseconds = 100;
 // For clients that wait for an instance without saying how long.
 constexpr DWORD kClientMilliseconds = 3000;
 
-HANDLE createInstance(const std::wstring& path, bool first) {
-    XsidPtr everyone;
-    XlocalPtr acl;
-    XlocalPtr descriptor;
-    SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, /*bInheritHandle=*/FALSE};
-    if (xmutexInitSecurityAttribs(everyone, acl, descriptor) != XERR_SUCCESS) {
-        return INVALID_HANDLE_VALUE;
+// The server's end of a pipe. The pipe is taken from a client that still has the other end: its
+// name would stay in use for as long as that client lives.
+struct PipeClose {
+    void operator()(HANDLE pipe) const noexcept {
+        ::DisconnectNamedPipe(pipe);
+        ::CloseHandle(pipe);
     }
-    attributes.lpSecurityDescriptor = descriptor.get();
+};
+using Pipe = std::unique_ptr<std::remove_pointer_t<HANDLE>, PipeClose>;
+
+// Who may use the pipe: everyone on this machine.
+class Access {
+ public:
+    // ERROR_SUCCESS, or the error, which is in the log.
+    DWORD make() {
+        if (xmutexInitSecurityAttribs(everyone_, acl_, descriptor_) != XERR_SUCCESS) {
+            return ::GetLastError();
+        }
+        attributes_.lpSecurityDescriptor = descriptor_.get();
+        return ERROR_SUCCESS;
+    }
+
+    SECURITY_ATTRIBUTES* attributes() { return &attributes_; }
+
+ private:
+    XsidPtr everyone_;
+    XlocalPtr acl_;
+    XlocalPtr descriptor_;
+    SECURITY_ATTRIBUTES attributes_{sizeof(SECURITY_ATTRIBUTES), nullptr, /*bInheritHandle=*/FALSE};
+};
+
+// INVALID_HANDLE_VALUE, with the system's last error, when there can be no such instance now.
+HANDLE createInstance(const std::wstring& path, Access& access, bool first) {
     // Without buffers a client's write ends when the server has taken the bytes: a client that
     // writes and leaves loses nothing.
     return ::CreateNamedPipeW(
@@ -41,7 +67,7 @@ HANDLE createInstance(const std::wstring& path, bool first) {
         PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
         PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS,
         PIPE_UNLIMITED_INSTANCES, /*nOutBufferSize=*/0, /*nInBufferSize=*/0, kClientMilliseconds,
-        &attributes);
+        access.attributes());
 }
 
 // One instance. Its place in memory is the system's while it waits.
@@ -52,36 +78,38 @@ class Instance {
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
-    bool exists() const { return handle_ != INVALID_HANDLE_VALUE; }
+    bool exists() const { return pipe_ != nullptr; }
 
-    // False, with the system's last error, when there can be no such instance now.
-    bool open(const std::wstring& path, HANDLE event, bool first) {
-        handle_ = createInstance(path, first);
-        if (!exists()) return false;
+    // ERROR_SUCCESS, or why there can be no such instance now.
+    DWORD open(const std::wstring& path, Access& access, HANDLE event, bool first) {
+        const HANDLE made = createInstance(path, access, first);
+        if (made == INVALID_HANDLE_VALUE) return ::GetLastError();
+        pipe_.reset(made);
         overlapped_ = {};
         overlapped_.hEvent = event;
         waiting_ = false;
-        if (::ConnectNamedPipe(handle_, &overlapped_)) return true;
+        if (::ConnectNamedPipe(made, &overlapped_)) return ERROR_SUCCESS;
         const DWORD error = ::GetLastError();
         waiting_ = error == ERROR_IO_PENDING;
         // A client that has left already is a client: its connection ends at once.
-        if (waiting_ || error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA) return true;
+        if (waiting_ || error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA) {
+            return ERROR_SUCCESS;
+        }
         close();
-        ::SetLastError(error);
-        return false;
+        return error;
     }
 
     // Whether the wait is over; with a client, or with one that has gone.
     bool isReady() {
         DWORD ignored = 0;
         return exists() &&
-               (!waiting_ || ::GetOverlappedResult(handle_, &overlapped_, &ignored, FALSE) ||
+               (!waiting_ || ::GetOverlappedResult(pipe_.get(), &overlapped_, &ignored, FALSE) ||
                 ::GetLastError() != ERROR_IO_INCOMPLETE);
     }
 
-    HANDLE release() {
+    Pipe release() {
         waiting_ = false;
-        return std::exchange(handle_, INVALID_HANDLE_VALUE);
+        return std::move(pipe_);
     }
 
  private:
@@ -89,12 +117,12 @@ class Instance {
     // once. The event cannot tell: the instances share it.
     void close() {
         if (!exists()) return;
-        if (waiting_) ::CancelIoEx(handle_, &overlapped_);
+        if (waiting_) ::CancelIoEx(pipe_.get(), &overlapped_);
         while (waiting_ && !HasOverlappedIoCompleted(&overlapped_)) ::SwitchToThread();
-        ::CloseHandle(release());
+        release().reset();
     }
 
-    HANDLE handle_ = INVALID_HANDLE_VALUE;
+    Pipe pipe_;
     OVERLAPPED overlapped_{};
     bool waiting_ = false;
 };
@@ -107,10 +135,8 @@ IpcListenError listenError(int code, const std::string& why) {
 
 class IpcLocalServer::Instances {
  public:
-    using Accept = std::function<void(qintptr handle)>;
-
-    Instances(const std::wstring& path, Accept accept)
-        : path_(path), accept_(std::move(accept)), watcher_([this] { takeClientsFenced(); }) {
+    Instances(const std::wstring& path, IpcLocalServer& server)
+        : path_(path), server_(server), watcher_([this] { takeClientsFenced(); }) {
         retry_.setSingleShot(true);
         retry_.setInterval(kRetryMilliseconds);
         QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsFenced(); });
@@ -119,17 +145,23 @@ class IpcLocalServer::Instances {
     // False when nothing would tell of a client.
     [[nodiscard]] bool watch() { return watcher_.watch(); }
 
-    // The first one; false, with the last error, when the name is somebody else's.
-    bool openFirst() { return all_[0].open(path_, watcher_.handle(), /*first=*/true); }
+    // The first one: ERROR_SUCCESS, or why not; ERROR_ACCESS_DENIED when the name is somebody
+    // else's.
+    DWORD openFirst() {
+        if (const DWORD error = access_.make(); error != ERROR_SUCCESS) return error;
+        return all_[0].open(path_, access_, watcher_.handle(), /*first=*/true);
+    }
 
     // Hands over every client that has come, and puts a new instance into each one's place. One
     // pass: what is there to be read comes in between.
     void takeClients() {
         for (Instance& instance : all_) {
             if (instance.isReady()) {
-                const HANDLE handle = instance.release();
+                Pipe pipe = instance.release();
                 replace(instance);
-                accept_(reinterpret_cast<qintptr>(handle));
+                QLocalSocket& socket = server_.queueSocket();
+                socket.setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()));
+                emit server_.newConnection();
             } else if (!instance.exists()) {
                 replace(instance);
             }
@@ -148,27 +180,28 @@ class IpcLocalServer::Instances {
     // Waiting for a client of a new instance resets the event that all share, so that every
     // replacement asks for another pass.
     void replace(Instance& instance) {
-        if (instance.open(path_, watcher_.handle(), /*first=*/false)) {
+        const DWORD error = instance.open(path_, access_, watcher_.handle(), /*first=*/false);
+        if (error == ERROR_SUCCESS) {
             ::SetEvent(watcher_.handle());
             complained_ = false;
             return;
         }
         if (!std::exchange(complained_, true)) {
-            XLOG_E(kLog, "%s: no instance for the next client, error %lu", "IpcLocalServer",
-                   ::GetLastError());
+            XLOG_E(kLog, "%s: no instance for the next client, error %lu", "IpcLocalServer", error);
         }
         retry_.start();
     }
 
     const std::wstring path_;
-    const Accept accept_;
+    IpcLocalServer& server_;
+    Access access_;
     IpcEventWatcher watcher_;
     QTimer retry_;
     std::array<Instance, kInstances> all_;
     bool complained_ = false;
 };
 
-IpcLocalServer::IpcLocalServer() { setSocketOptions(WorldAccessOption); }
+IpcLocalServer::IpcLocalServer() = default;
 
 IpcLocalServer::~IpcLocalServer() = default;
 
@@ -177,18 +210,18 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
     if (serverName.empty() || xtextToWide("\\\\.\\pipe\\" + serverName, path) != XERR_SUCCESS) {
         return listenError(QAbstractSocket::HostNotFoundError, "Name error");
     }
-    instances_ = std::make_unique<Instances>(path, [this](qintptr handle) { accept(handle); });
+    instances_ = std::make_unique<Instances>(path, *this);
     if (ipcNameIsServed(serverName)) {
         return listenError(QAbstractSocket::AddressInUseError, "Address in use");
     }
     if (!instances_->watch()) {
         return listenError(QAbstractSocket::SocketResourceError, "Out of resources");
     }
-    if (!instances_->openFirst()) {
-        const DWORD error = ::GetLastError();
-        if (error == ERROR_ACCESS_DENIED) {  // somebody was first after all
-            return listenError(QAbstractSocket::AddressInUseError, "Address in use");
-        }
+    const DWORD error = instances_->openFirst();
+    if (error == ERROR_ACCESS_DENIED) {  // somebody was first after all
+        return listenError(QAbstractSocket::AddressInUseError, "Address in use");
+    }
+    if (error != ERROR_SUCCESS) {
         return listenError(QAbstractSocket::UnknownSocketError,
                            qt_error_string(static_cast<int>(error)).toStdString());
     }
@@ -196,11 +229,10 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
     return std::nullopt;
 }
 
-void IpcLocalServer::accept(qintptr handle) {
-    auto* const socket = new QLocalSocket(this);
-    socket->setSocketDescriptor(handle);
-    pending_.enqueue(socket);
-    emit newConnection();
+QLocalSocket& IpcLocalServer::queueSocket() {
+    auto socket = std::make_unique<QLocalSocket>(this);
+    pending_.enqueue(socket.get());
+    return *socket.release();
 }
 
 bool IpcLocalServer::hasPendingConnections() const { return !pending_.isEmpty(); }

@@ -22,6 +22,7 @@ IpcServerThread::~IpcServerThread() {
 }
 
 void IpcServerThread::run() {
+    begun = true;
     XLOG_D(kLog, "IpcServerThread %s called for server: %s", "run", serverName.c_str());
     // Without this Qt delivers nothing at all here until the host has an application object, and
     // most hosts never have one.
@@ -61,6 +62,9 @@ int ipcServerInit(IpcServerThread** out, const std::string& name, IpcDecode deco
     ipcKeepQtLoaded();
     *out = new IpcServerThread(name, decode);
     (*out)->start();
+    if ((*out)->isFinished() && !(*out)->hasBegun()) {
+        XLOG_E(kLog, "%s: no thread for server %s", "ipcServerInit", name.c_str());
+    }
     return 0;
 }
 

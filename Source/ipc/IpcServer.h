@@ -2,6 +2,7 @@
 #define IPC_IPCSERVER_H
 
 #include <QThread>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -24,6 +25,9 @@ class IpcServerThread : public QThread {
     IpcServerThread(const std::string& name, IpcDecode decodeFunction);
     ~IpcServerThread() override;
 
+    // Whether the system had a thread for it.
+    bool hasBegun() const { return begun; }
+
  protected:
     void run() override;
 
@@ -32,6 +36,7 @@ class IpcServerThread : public QThread {
 
     const std::string serverName;
     const IpcDecode decode;
+    std::atomic<bool> begun{false};
     std::unique_ptr<IpcLocalServer> server;  // made, used and deleted by run()
     XmodulePin pin;                          // the thread runs this module's code
 };

@@ -34,6 +34,34 @@ Function* real(const char* name) {
 }
 
 std::string pipeName;
+
+// What the pipe's instances were made with, in order.
+struct Made {
+    DWORD open;
+    DWORD mode;
+    bool isForEveryone;
+    bool isInheritable;
+};
+std::mutex madeLock;
+std::vector<Made> made;
+
+// An access list whose one entry gives everyone everything.
+bool isForEveryone(PSECURITY_DESCRIPTOR descriptor) {
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    PACL list = nullptr;
+    if (descriptor == nullptr ||
+        !::GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted) || !present ||
+        list == nullptr || list->AceCount != 1) {
+        return false;
+    }
+    void* entry = nullptr;
+    if (!::GetAce(list, 0, &entry)) return false;
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    return allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE && allowed->Mask == 0x001FFFFF &&
+           ::IsWellKnownSid(&allowed->SidStart, WinWorldSid);
+}
+
 std::atomic<DWORD> refusal;  // 0: none
 std::atomic<int> refused;
 std::atomic<int> armed;
@@ -55,6 +83,11 @@ HANDLE WINAPI createWhenAllowed(LPCWSTR path, DWORD open, DWORD mode, DWORD coun
         ++refused;
         ::SetLastError(error);
         return INVALID_HANDLE_VALUE;
+    }
+    {
+        const std::lock_guard<std::mutex> guard(madeLock);
+        made.push_back({open, mode, isForEveryone(security->lpSecurityDescriptor),
+                        security->bInheritHandle != FALSE});
     }
     return real<decltype(::CreateNamedPipeW)>("CreateNamedPipeW")(path, open, mode, count, out, in,
                                                                   wait, security);
@@ -144,6 +177,65 @@ TEST_F(PipeRefusals, AnotherProcessWasFirstAfterAll) {
     launch();
     EXPECT_EQ(awaitError(), listenError(8, "Address in use"));
     EXPECT_EQ(refused, 1);
+}
+
+TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsTheName) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    made.clear();
+    start();
+    expectServed(1);
+    stop();
+    const std::lock_guard<std::mutex> guard(madeLock);
+    ASSERT_GE(made.size(), 9u) << "eight, and one in the place of the client's";
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        EXPECT_EQ(made[i].open, PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED |
+                                    (i == 0 ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0u))
+            << i;
+        EXPECT_EQ(made[i].mode, static_cast<DWORD>(PIPE_REJECT_REMOTE_CLIENTS)) << i;
+        EXPECT_TRUE(made[i].isForEveryone) << i;
+        EXPECT_FALSE(made[i].isInheritable) << i;
+    }
+}
+
+// What the system frees on the way must not change what it has said.
+TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
+    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const ReplacedImport<decltype(::LocalFree)> free("LocalFree", [](HLOCAL memory) -> HLOCAL {
+        const HLOCAL left = real<decltype(::LocalFree)>("LocalFree")(memory);
+        ::SetLastError(ERROR_INVALID_HANDLE);
+        return left;
+    });
+    refusal = ERROR_ACCESS_DENIED;
+    launch();
+    EXPECT_EQ(awaitError(), listenError(8, "Address in use"));
+}
+
+// The access list is made once, so that a later shortage does not meet it.
+TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
+    start();
+    const RefusedSid sid("AllocateAndInitializeSid",
+                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
+                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
+                             ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+                             return FALSE;
+                         });
+    for (std::uint32_t i = 1; i <= 20; ++i) expectServed(i);
+    EXPECT_EQ(errors(), Lines{});
+}
+
+TEST_F(PipeRefusals, TheNameIsFreeAgainThoughAClientKeepsItsEnd) {
+    start();
+    std::vector<std::unique_ptr<RawPipe>> clients;
+    for (int i = 0; i < 12; ++i) {
+        void* handle = nullptr;
+        ASSERT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
+        clients.push_back(std::make_unique<RawPipe>(handle));
+    }
+    stop();
+    EXPECT_FALSE(ipcNameIsServed(name));
+    start();
+    expectServed(1);
+    EXPECT_EQ(errors(), Lines{});
 }
 
 TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsToldInTheSystemsWords) {
@@ -295,7 +387,22 @@ TEST_F(PipeRefusals, WithoutAnEventNothingIsServed) {
     EXPECT_FALSE(ipcNameIsServed(name));
 }
 
-// The server's own thread is Qt's first, the one that waits for clients the second.
+// The server's own thread is Qt's first.
+TEST_F(PipeRefusals, WithoutAThreadOfItsOwnTheServerSaysSo) {
+    const ReplacedImport<decltype(::CreateThread)> odd(
+        "CreateThread",
+        [](LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD,
+           LPDWORD) -> HANDLE {
+            ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return nullptr;
+        },
+        "Qt5Core.dll");
+    launch();
+    EXPECT_EQ(errors(), Lines{"E IPC ipcServerInit: no thread for server " + name});
+    stop();
+}
+
+// The one that waits for clients is the second.
 TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
     const ReplacedImport<decltype(::CreateThread)> odd(
         "CreateThread",
