@@ -4,12 +4,14 @@
 #include <private/qthread_p.h>
 #include <QCoreApplication>
 #include <QLocalSocket>
+#include <QMetaType>
 #include <QThread>
 #include <chrono>
 
 #include "ipc/IpcQt.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xmem.h"
+#include "xpl/Xunload.h"
 
 namespace {
 
@@ -74,8 +76,9 @@ bool waitUntilWritten(QLocalSocket& socket, const qint64& reported, qint64 size,
 bool writeAll(IpcClient& client, const char* data, int size, const char* self) {
     QLocalSocket& socket = *client.socket;
     qint64 reported = 0;
-    const QMetaObject::Connection counting = QObject::connect(
-        &socket, &QLocalSocket::bytesWritten, [&reported](qint64 count) { reported += count; });
+    const QObject counting;  // the connection ends with it, also by an exception
+    QObject::connect(&socket, &QLocalSocket::bytesWritten, &counting,
+                     [&reported](qint64 count) { reported += count; });
     qint64 written = 0;
     bool ok = true;
     while (ok && written < size) {
@@ -92,7 +95,6 @@ bool writeAll(IpcClient& client, const char* data, int size, const char* self) {
                    client.serverName.c_str());
         }
     }
-    QObject::disconnect(counting);
     return ok;
 }
 
@@ -133,6 +135,20 @@ qint64 collect(IpcClient& client, char* out, qint64 size) {
     }
 }
 
+// Qt keeps the functions that make and destroy a value of a registered type, which are this
+// library's: they must not be left behind at unload, unless a host's were there before.
+void registerErrorType() {
+    constexpr const char* kName = "QLocalSocket::LocalSocketError";
+    static const bool once = [] {
+        if (QMetaType::type(kName) != QMetaType::UnknownType) return true;
+        static int type = qRegisterMetaType<QLocalSocket::LocalSocketError>(kName);
+        xunloadRemember(&type,
+                        [](void* kept) { QMetaType::unregisterType(*static_cast<int*>(kept)); });
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
 }  // namespace
 
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
@@ -149,10 +165,8 @@ IpcClient::~IpcClient() {
 
 int ipcClientInit(IpcClient& client, const std::string& serverName) {
     XLOG_D(kLog, "%s called for server: %s", "ipcClientInit", serverName.c_str());
-    static const int type =
-        qRegisterMetaType<QLocalSocket::LocalSocketError>("QLocalSocket::LocalSocketError");
-    static_cast<void>(type);
     ipcKeepQtLoaded();
+    registerErrorType();
     client.serverName = serverName;
     client.socket.reset(new QLocalSocket);
     return 0;

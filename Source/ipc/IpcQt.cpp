@@ -1,5 +1,6 @@
 #include "ipc/IpcQt.h"
 
+#include <QLocalSocket>
 #include <QObject>
 
 #include "xpl/XmodulePin.h"
@@ -7,6 +8,7 @@
 void ipcKeepQtLoaded() {
     static const bool once = [] {
         xmodulePinForever(&QObject::staticMetaObject);
+        xmodulePinForever(&QLocalSocket::staticMetaObject);
         return true;
     }();
     static_cast<void>(once);
