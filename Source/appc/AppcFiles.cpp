@@ -2,6 +2,7 @@
 // open, so that no child process keeps a file that is going to be replaced.
 #include "appc/AppcFiles.h"
 
+#include <QFileInfo>
 #include <QString>
 #include <limits>
 
@@ -44,6 +45,11 @@ class DiskFiles final : public AppcFiles {
     }
 
     XErr makeFolder(const std::string& path) override { return xfileCreateFolder(path); }
+
+    bool isReplaceable(const std::string& path) override {
+        const QFileInfo there(QString::fromStdString(xfileSystemPath(path)));
+        return !there.exists() || (there.isFile() && there.isWritable());
+    }
 
     AppcWrite write(const std::string& path, std::string_view text) override {
         const std::lock_guard<std::mutex> children(xinheritGate());

@@ -21,6 +21,9 @@ class AppcFiles {
     // Creates one folder; an existing one is no error.
     [[nodiscard]] virtual XErr makeFolder(const std::string& path) = 0;
 
+    // Whether a file may be moved to there: nothing is there, or a file that may be written.
+    [[nodiscard]] virtual bool isReplaceable(const std::string& path) = 0;
+
     // Creates or empties a file, writes it and closes it.
     [[nodiscard]] virtual AppcWrite write(const std::string& path, std::string_view text) = 0;
 

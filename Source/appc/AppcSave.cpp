@@ -4,6 +4,7 @@
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
+#include "xpl/Xfence.h"
 #include "xpl/Xsystem.h"
 
 namespace {
@@ -14,9 +15,52 @@ std::string temporaryPath(const std::string& path) {
     return path + "." + std::to_string(xsystemProcessId()) + "-temp";
 }
 
-XErr replaceFile(AppcStore& store, const std::string& temporary) XTS_REQUIRES(store.lock) {
+// The new file, which is gone again at the end unless it took the old one's place: no later save
+// has its name.
+class TemporaryFile {
+ public:
+    TemporaryFile(AppcFiles& files, const std::string& path)
+        : files_(files), path_(temporaryPath(path)) {}
+    ~TemporaryFile() {
+        if (!exists_) return;
+        xfence(kLog, "appcSaveToFile", false, [this] {
+            files_.remove(path_);
+            return true;
+        });
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    AppcWrite write(std::string_view text) {
+        exists_ = true;  // until it is known better: memory can run out behind the file's creation
+        const AppcWrite written = files_.write(path_, text);
+        exists_ = written != AppcWrite::OpenFailed;
+        return written;
+    }
+
+    [[nodiscard]] XErr moveOnto(const std::string& path) {
+        const XErr err = files_.move(path_, path);
+        exists_ = err != XERR_SUCCESS;
+        return err;
+    }
+
+ private:
+    AppcFiles& files_;
+    const std::string path_;
+    bool exists_ = false;
+};
+
+// What can be known before anything is written: a folder, or a file that must not be written, does
+// not give way to the new one.
+AppcWrite writeBeside(AppcFiles& files, const std::string& path, TemporaryFile& temporary,
+                      std::string_view text) {
+    return files.isReplaceable(path) ? temporary.write(text) : AppcWrite::OpenFailed;
+}
+
+XErr replaceFile(AppcStore& store, const std::string& path, TemporaryFile& temporary)
+    XTS_REQUIRES(store.lock) {
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
-    return store.files.move(temporary, store.filePath());
+    return temporary.moveOnto(path);
 }
 
 }  // namespace
@@ -30,16 +74,15 @@ XErr appcSaveToFile(AppcStore& store) {
         return err;
     }
     const std::string path = store.filePath();
-    const std::string temporary = temporaryPath(path);
-    const AppcWrite written = store.files.write(temporary, text);
+    TemporaryFile temporary(store.files, path);
+    const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {
         XLOG_E(kLog, "Cannot open AppCache file %s for writing", path.c_str());
         return XERR_FAILURE;
     }
-    if (written == AppcWrite::Done && replaceFile(store, temporary) == XERR_SUCCESS) {
+    if (written == AppcWrite::Done && replaceFile(store, path, temporary) == XERR_SUCCESS) {
         return XERR_SUCCESS;
     }
     XLOG_E(kLog, "Error in writing to AppCache file %s failed", path.c_str());
-    store.files.remove(temporary);
     return XERR_FAILURE;
 }

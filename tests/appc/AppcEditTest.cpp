@@ -92,7 +92,7 @@ TEST_F(AppcEditTest, ASyncWithSomethingElseInTheListKeepsTheAppsBeforeItInMemory
 TEST_F(AppcEditTest, ASyncAnswersTheSavesResult) {
     blockTheFile();
     EXPECT_EQ(appcSyncInstalledApps(store, kSync), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
     EXPECT_EQ(packages(), (Lines{"com.b", "com.c"}));
 }
 

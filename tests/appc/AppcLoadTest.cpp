@@ -338,12 +338,38 @@ class WatchingFiles final : public AppcFiles {
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
+    bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
     XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string&) override {}
 };
 
+// Refuses to open a file that is there and can be deleted.
+class ClosedFiles final : public AppcFiles {
+ public:
+    XErr read(const std::string&, std::string&) override { return XERR_ACCES; }
+    XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
+    bool isReplaceable(const std::string&) override { return false; }
+    AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
+    XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
+    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
+};
+
 }  // namespace
+
+TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeleted) {
+    write(kTwoApps);
+    ClosedFiles files;
+    ForeignStore closed(data.path(), files);
+    EXPECT_EQ(appcLibInit(closed, "Nougat64"), 0);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
+                                 ", error: " + appcErrorText(XERR_ACCES) + ", deleting the file"});
+    std::list<std::string> names;
+    appcGetPackages(closed, names);
+    EXPECT_TRUE(names.empty());
+    EXPECT_FALSE(exists());
+    EXPECT_TRUE(isFileLockFree());
+}
 
 TEST_F(AppcLoadTest, TheFileIsReadUnderItsMachineWideLock) {
     write(kTwoApps);

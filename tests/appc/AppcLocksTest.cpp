@@ -1,10 +1,12 @@
 // Every operation beside every other, on threads of one process, with another process in between.
 #include <QJsonArray>
 #include <atomic>
+#include <filesystem>
 #include <functional>
 #include <thread>
 
 #include "AppcFixture.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
 
 namespace {
@@ -14,7 +16,8 @@ struct Operation {
     std::function<void(AppcStore& store, int round)> run;
 };
 
-std::vector<Operation> operations() {
+// `data` is the folder that the store works in.
+std::vector<Operation> operations(const std::string& data) {
     return {
         {"init", [](AppcStore& s, int) { EXPECT_EQ(appcLibInit(s, "Nougat64"), 0); }},
         {"load", [](AppcStore& s, int) { EXPECT_EQ(appcLoadFromFile(s), 0); }},
@@ -40,9 +43,11 @@ std::vector<Operation> operations() {
          }},
         {"remove", [](AppcStore& s, int) { EXPECT_EQ(appcRemoveApp(s, "com.b"), 0); }},
         {"copy",
-         [](AppcStore& s, int) {
-             static_cast<void>(appcCopyInstance(s, "Nougat64", "Missing"));
-             static_cast<void>(appcCopyInstance(s, "Nougat64", "New"));
+         [data](AppcStore& s, int) {
+             static std::atomic<int> copies{0};
+             const std::string instance = "Nougat64_" + std::to_string(++copies);
+             std::filesystem::create_directory(systemPath(data + "\\Engine\\" + instance));
+             EXPECT_EQ(appcCopyInstance(s, "Nougat64", instance), 0);
          }},
     };
 }
@@ -67,7 +72,7 @@ SCENE(runsEveryPair) {
     LogCapture quiet;
     ForeignStore store(arguments[0]);
     if (appcLibInit(store, "Nougat64") != 0) return 1;
-    const auto all = operations();
+    const auto all = operations(arguments[0]);
     for (std::size_t a = 0; a < all.size(); ++a) {
         for (std::size_t b = a; b < all.size(); ++b) {
             runBeside(store, all[a], all[b], 25);
@@ -94,7 +99,7 @@ SCENE(loadsAndSavesOnThreads) {
     LogCapture log;
     ForeignStore store(arguments[0]);
     if (appcLibInit(store, "Nougat64") != 0) return 1;
-    const auto all = operations();
+    const auto all = operations(arguments[0]);
     std::vector<std::thread> threads;
     for (const char* name : {"load", "save", "sync", "load"}) {
         threads.emplace_back([&store, &all, name] {

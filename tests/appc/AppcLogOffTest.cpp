@@ -60,6 +60,7 @@ class Failing : public AppcFiles {
 
     XErr read(const std::string&, std::string&) override { return XERR_NOENT; }
     XErr makeFolder(const std::string&) override { return step_ == Folder ? XERR_ACCES : 0; }
+    bool isReplaceable(const std::string&) override { return true; }
     AppcWrite write(const std::string&, std::string_view) override {
         if (step_ == Open) return AppcWrite::OpenFailed;
         return step_ == Write ? AppcWrite::WriteFailed : AppcWrite::Done;

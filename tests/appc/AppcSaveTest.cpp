@@ -35,6 +35,8 @@ class FailingFiles final : public AppcFiles {
     bool failOpen = false;
     std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before the write fails
     bool failMove = false;
+    bool throwInWrite = false;  // when the file exists
+    bool throwInMove = false;
     Lines removed;
 
     XErr read(const std::string& path, std::string& content) override {
@@ -43,12 +45,20 @@ class FailingFiles final : public AppcFiles {
     XErr makeFolder(const std::string& path) override {
         return folderError == XERR_SUCCESS ? appcDiskFiles().makeFolder(path) : folderError;
     }
+    bool isReplaceable(const std::string& path) override {
+        return appcDiskFiles().isReplaceable(path);
+    }
     AppcWrite write(const std::string& path, std::string_view text) override {
+        if (throwInWrite) {
+            static_cast<void>(appcDiskFiles().write(path, text.substr(0, 1)));
+            throw std::bad_alloc();
+        }
         if (failOpen) return AppcWrite::OpenFailed;
         const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
         return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
     }
     XErr move(const std::string& source, const std::string& destination) override {
+        if (throwInMove) throw std::bad_alloc();
         return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
     }
     void remove(const std::string& path) override {
@@ -70,6 +80,9 @@ class DyingFiles final : public AppcFiles {
         const XErr err = appcDiskFiles().makeFolder(path);
         step();
         return err;
+    }
+    bool isReplaceable(const std::string& path) override {
+        return appcDiskFiles().isReplaceable(path);
     }
     AppcWrite write(const std::string& path, std::string_view text) override {
         for (const std::size_t size : {std::size_t{0}, std::size_t{1}, text.size() / 2}) {
@@ -171,14 +184,99 @@ TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache"), "x");
 }
 
-TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedMove) {
+TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedOpen) {
     data.makeFolder("Engine\\Nougat64\\AppCache");
     data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
-    EXPECT_EQ(list(), Lines{"AppCache.json"}) << "the temporary file is gone";
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(list(), Lines{"AppCache.json"}) << "nothing was written";
+}
+
+TEST_F(AppcSaveTest, AFileThatMustNotBeWrittenIsAFailedOpen) {
+    ASSERT_EQ(init(fileOf(kOld)), 0);
+    setApps(store, kNew);
+    fs::permissions(systemPath(file()), fs::perms::owner_read | fs::perms::group_read);
+    log.clear();
+    // A system's administrator may write every file.
+    const bool refused = appcSaveToFile(store) != 0;
+    fs::permissions(systemPath(file()), fs::perms::all);
+    if (!refused) GTEST_SKIP() << "needs Windows, whose read-only files are so for everybody";
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(read(), fileOf(kOld));
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+}
+
+TEST_F(AppcSaveTest, AnExceptionLeavesTheOldFileAloneAndNoLock) {
+    for (bool FailingFiles::*thrower : {&FailingFiles::throwInWrite, &FailingFiles::throwInMove}) {
+        FailingFiles files;
+        ForeignStore failing(data.path(), files);
+        write(fileOf(kOld));
+        ASSERT_EQ(appcLibInit(failing, "Nougat64"), 0);
+        setApps(failing, kNew);
+        files.*thrower = true;
+        EXPECT_THROW(static_cast<void>(appcSaveToFile(failing)), std::bad_alloc);
+        EXPECT_EQ(read(), fileOf(kOld));
+        EXPECT_EQ(list(), Lines{"AppCache.json"});
+        EXPECT_TRUE(isFileLockFree());
+        files.*thrower = false;
+        EXPECT_EQ(appcSaveToFile(failing), 0);
+        EXPECT_EQ(read(), fileOf(kNew));
+    }
+}
+
+namespace {
+
+// Looks at the file lock at each step.
+class LockWatch final : public AppcFiles {
+ public:
+    Lines steps;
+    bool failMove = false;
+
+    XErr read(const std::string& path, std::string& content) override {
+        return appcDiskFiles().read(path, content);
+    }
+    XErr makeFolder(const std::string& path) override {
+        note("folder");
+        return appcDiskFiles().makeFolder(path);
+    }
+    bool isReplaceable(const std::string& path) override {
+        return appcDiskFiles().isReplaceable(path);
+    }
+    AppcWrite write(const std::string& path, std::string_view text) override {
+        note("write");
+        return appcDiskFiles().write(path, text);
+    }
+    XErr move(const std::string& source, const std::string& destination) override {
+        note("move");
+        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+    }
+    void remove(const std::string& path) override {
+        note("remove");
+        appcDiskFiles().remove(path);
+    }
+
+ private:
+    void note(const char* step) {
+        steps.push_back(step + std::string(isFileLockFree() ? "" : ", locked"));
+    }
+};
+
+}  // namespace
+
+TEST_F(AppcSaveTest, TheMachineWideLockIsTakenForTheMoveOnly) {
+    ASSERT_EQ(init("[]"), 0);
+    LockWatch files;
+    ForeignStore watched(data.path(), files);
+    ASSERT_EQ(appcLibInit(watched, "Nougat64"), 0);
+    EXPECT_EQ(appcSaveToFile(watched), 0);
+    EXPECT_EQ(files.steps, (Lines{"folder", "write", "move, locked"}));
+    files.steps.clear();
+    files.failMove = true;
+    EXPECT_EQ(appcSaveToFile(watched), -1);
+    EXPECT_EQ(files.steps, (Lines{"folder", "write", "move, locked", "remove"}));
+    EXPECT_TRUE(isFileLockFree());
 }
 
 TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
