@@ -17,6 +17,9 @@
 // Every function may be called from any thread. What can only be a programming error is fatal
 // (xlogFatalBreak): a key that the catalogue does not know, a type that is not the key's, a stored
 // number or bool that cannot be read, a key that was removed.
+//
+// Loads and commits throw when memory runs out, and std::out_of_range at a line of the file that
+// ends with its "=". The locks are released then, and a commit deletes its temporary file.
 
 struct ConfStore;
 
@@ -31,7 +34,7 @@ ConfStore& confStore();
 // Reads the file again. 0, or -1 after a log line; lines before a bad one stay applied.
 [[nodiscard]] XErr confReload(ConfStore& store);
 
-// Makes an instance known and gives it the defaults of the properties that it lacks.
+// Makes an instance known and gives it the defaults of the properties that it lacks; always 0.
 XErr confAddInstance(ConfStore& store, const std::string& name);
 
 // Writes the pending changes to the file that was loaded; does nothing when there are none.
@@ -39,7 +42,9 @@ XErr confAddInstance(ConfStore& store, const std::string& name);
 
 // The same into any file, and always. Reads the loaded file again under the machine-wide lock, lays
 // the pending changes over it and replaces `path` through "<path>-temp". A failed reload (-1) keeps
-// the changes pending; a later failure keeps them in memory only. The old file stays whole.
+// the changes pending; a later failure keeps them in memory only: 7 for a line that no load could
+// read, 22 for a key or value that would read back as something else, or a file operation's status.
+// The old file stays whole.
 [[nodiscard]] XErr confCommitToFile(ConfStore& store, const std::string& path);
 
 // Reads, by full key. A key without a value reads as the empty text or 0, and is fatal as a bool.

@@ -1,6 +1,6 @@
 // Typed access, pending changes and the current instance.
+#include <algorithm>
 #include <memory>
-#include <utility>
 
 #include "conf/Conf.h"
 #include "conf/ConfKey.h"

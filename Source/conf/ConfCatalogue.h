@@ -11,7 +11,7 @@
 
 #include "conf/ConfNameIndex.h"
 
-// Value types of properties. The numbers appear in log lines and in the product's other programs.
+// Value types of properties. The numbers are those of the product's other programs.
 enum class ConfType : std::uint32_t {
     None = 0,         // unknown property; for the core setter: do not check
     I32 = 1,          // decimal

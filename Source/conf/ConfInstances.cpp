@@ -8,6 +8,7 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xbytes.h"
 
 namespace {
 
@@ -17,13 +18,24 @@ struct InstanceEntry {
     const std::string& value;
 };
 
-// In key order.
-std::vector<InstanceEntry> entriesOfInstance(const ConfStore& store, std::string_view wanted)
+// What is behind `start` in the key that two parts make; nothing when it begins otherwise. The
+// first part may end within `start`: the keys of "A.B" are those of "A" that begin with "B.".
+std::optional<std::string_view> rest(std::string_view prefix, std::string_view name,
+                                     std::string_view start) {
+    if (prefix.empty() || !xbytesStartsWith(start, prefix)) return std::nullopt;
+    const std::string_view left = start.substr(prefix.size());
+    if (!xbytesStartsWith(name, left)) return std::nullopt;
+    return name.substr(left.size());
+}
+
+// Of the instance whose keys begin with `start`, in key order.
+std::vector<InstanceEntry> entriesOfInstance(const ConfStore& store, std::string_view start)
     XTS_REQUIRES(store.lock) {
     std::vector<InstanceEntry> entries;
     store.values.forEach(
         [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            if (prefix == wanted) entries.push_back({name, value});
+            const auto property = rest(prefix, name, start);
+            if (property) entries.push_back({*property, value});
         });
     return entries;
 }

@@ -125,8 +125,9 @@ XErr loadUnderFileLock(ConfStore& store) XTS_REQUIRES(store.lock) {
 }  // namespace
 
 XErr confAddInstanceLocked(ConfStore& store, std::string_view name) {
-    store.instances.add(name);
+    // A known instance has its defaults, also when memory runs out between the two.
     store.values.addMissing(name, store.catalogue.instances());
+    store.instances.add(name);
     return XERR_SUCCESS;
 }
 

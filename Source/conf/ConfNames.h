@@ -12,6 +12,10 @@ class ConfNames {
  public:
     using Set = std::set<std::string, std::less<>>;
 
+    ConfNames() = default;
+    ConfNames(const ConfNames&) = delete;
+    ConfNames& operator=(const ConfNames&) = delete;
+
     bool contains(std::string_view name) const noexcept { return index_.find(name) != nullptr; }
 
     // The name as it is kept, until it is removed.

@@ -95,7 +95,17 @@ void ConfValueMap::clear() {
 }
 
 void ConfValueMap::addMissing(std::string_view instance, const ConfDirectory& properties) {
-    Group& group = groupOf(instance);
+    if (instance.find('.') == std::string_view::npos) {
+        return addMissingTo(groupOf(instance), properties);
+    }
+    // Its keys read as those of the instance that its name begins with.
+    for (const auto& [name, property] : properties) {
+        const std::string key = confInstancePrefix(instance).append(name);
+        if (find(key) == nullptr) assign(key, property.defaultValue);
+    }
+}
+
+void ConfValueMap::addMissingTo(Group& group, const ConfDirectory& properties) {
     if (group.empty()) group.reserve(properties.size());
     // Both are in order, and usually the same names, as texts too.
     std::size_t at = 0;

@@ -66,6 +66,7 @@ class ConfValueMap {
     void assignIn(Group& group, std::string_view name, std::string_view value);
 
     Group& groupOf(std::string_view instance);
+    void addMissingTo(Group& group, const ConfDirectory& properties);
 
     Groups groups_;
     ConfNameIndex<Group> groupIndex_;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "ConfFixture.h"
 #include "support/Scene.h"
 #include "xpl/Xpl.h"
@@ -255,20 +257,78 @@ TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
     EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
 }
 
-// The product declares no long number.
-SCENE(readsABadLongNumber) {
+namespace {
+
+// What the product declares nothing of: long numbers, and properties that are on their way out.
+ConfCatalogue& rare() {
+    static ConfCatalogue catalogue;
+    static const bool once = [] {
+        catalogue.registerGlobal("big", {ConfType::I64, "0"});
+        catalogue.registerGlobal("old", {ConfType::String, "", false, /*deprecated=*/true});
+        return true;
+    }();
+    static_cast<void>(once);
+    return catalogue;
+}
+
+// In a scene: loads the content and gives the store to what ends the process.
+template <typename Use>
+int useRare(std::string_view content, bool allowDeprecated, Use use) {
     TempFolder folder;
-    ConfCatalogue catalogue;
-    catalogue.registerGlobal("big", {ConfType::I64, "0"});
     if (xplLibInit(nullptr, "") != 0) return 1;
-    ConfStore other(catalogue, confDiskFiles());
-    if (confLibInit(other, folder.write("c", "vtr.big=\"abc\"\n"), false) != 0) return 2;
-    confGetI64(other, "vtr.big");
+    ConfStore store(rare(), confDiskFiles());
+    if (confLibInit(store, folder.write("c", content), allowDeprecated) != 0) return 2;
+    use(store);
     return 0;
 }
 
-TEST(ConfLongNumberTest, OneThatCannotBeReadEndsTheProcess) {
-    const ChildResult result = runScene("readsABadLongNumber");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("confGetI64 error for vtr.big:abc"), std::string::npos) << result.out;
+class ConfRareTest : public ConfTest {
+ protected:
+    static void expectFatal(const std::string& scene, const std::string& message) {
+        const ChildResult result = runScene(scene);
+        EXPECT_EQ(result.status, kFatalStatus);
+        const Lines lines = logMessages(result.out);
+        EXPECT_NE(std::find(lines.begin(), lines.end(), "E CONF  " + message), lines.end())
+            << result.out;
+    }
+
+    ConfStore rareStore{rare(), confDiskFiles()};
+};
+
+}  // namespace
+
+TEST_F(ConfRareTest, ALongNumberKeepsItsBits) {
+    ASSERT_EQ(confLibInit(rareStore, folder.write("c", "vtr.big=\"9000000000\"\n"), false), 0);
+    EXPECT_EQ(confGetI64(rareStore, "vtr.big"), 9000000000);
+    EXPECT_EQ(confSetI64(rareStore, "vtr.big", INT64_MIN), 0);
+    EXPECT_EQ(confGetStringInternal(rareStore, "vtr.big", ConfType::I64), "-9223372036854775808");
+    EXPECT_EQ(confGetI64(rareStore, "vtr.big"), INT64_MIN);
+}
+
+SCENE(readsABadLongNumber) {
+    return useRare("vtr.big=\"abc\"\n", false,
+                   [](ConfStore& store) { confGetI64(store, "vtr.big"); });
+}
+
+TEST_F(ConfRareTest, ALongNumberThatCannotBeReadEndsTheProcess) {
+    expectFatal("readsABadLongNumber", "confGetI64 error for vtr.big:abc");
+}
+
+SCENE(readsADeprecatedProperty) {
+    return useRare("", false, [](ConfStore& store) { confGetString(store, "vtr.old"); });
+}
+
+TEST_F(ConfRareTest, ReadingADeprecatedPropertyEndsTheProcessUnlessAllowed) {
+    ASSERT_EQ(confLibInit(rareStore, folder.write("c", "vtr.old=\"x\"\n"), true), 0);
+    EXPECT_EQ(confGetString(rareStore, "vtr.old"), "x");
+    expectFatal("readsADeprecatedProperty", "confValidateProp: Deprecated conf vtr.old");
+}
+
+SCENE(setsADeprecatedProperty) {
+    return useRare("", /*allowDeprecated=*/true,
+                   [](ConfStore& store) { confSetString(store, "vtr.old", "x"); });
+}
+
+TEST_F(ConfRareTest, SettingADeprecatedPropertyEndsTheProcessAlsoWhereItMayBeRead) {
+    expectFatal("setsADeprecatedProperty", "confValidateProp: Deprecated conf vtr.old");
 }

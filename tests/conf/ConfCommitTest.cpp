@@ -409,6 +409,18 @@ TEST_F(ConfCommitTest, ALineFeedInAValueIsRefusedUntilItIsSetAgain) {
     EXPECT_EQ(confCommit(store), 0);
 }
 
+TEST_F(ConfCommitTest, ALineFeedInAValueOfTheFileIsRefusedOnceAndThenLost) {
+    ASSERT_EQ(init("vtr.guid=\"a\"\nvtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.guid", "x\ny");
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confCommit(store), 0) << "nothing is to be done";
+    confSetString(store, "vtr.locale", "b");
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(confGetString(store, "vtr.guid"), "a");
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "b");
+}
+
 TEST_F(ConfCommitTest, AnImpossibleInstanceNameBlocksTheCommitsOfThisProcess) {
     ASSERT_EQ(init(""), 0);
     confSetI32(store, "vtr.instance.a=b.dpi", 1);

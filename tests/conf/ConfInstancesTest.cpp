@@ -287,6 +287,28 @@ TEST_F(ConfInstancesTest, RemovingAnUnknownInstanceStagesNothing) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
+TEST_F(ConfInstancesTest, ANameWithADotMeansTheKeysThatBeginSo) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    EXPECT_EQ(confDeleteInstance(store, "A.status"), 0);
+    std::vector<std::string> expected;
+    for (const std::string& key : keysOf("A")) {
+        if (key.rfind("vtr.instance.A.status.", 0) == 0) expected.push_back(key);
+    }
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(removedKeys(), expected);
+}
+
+TEST_F(ConfInstancesTest, AnInstanceWithADotInItsNameIsRemovedWhole) {
+    ASSERT_EQ(init(kTwoInstances), 0);
+    ASSERT_EQ(confAddInstance(store, "A.B"), 0);
+    EXPECT_EQ(committed("vtr.instance.A.B.dpi"), "240");
+    ASSERT_EQ(confDeleteInstance(store, "A.B"), 0);
+    EXPECT_EQ(removedKeys(), keysOf("A.B"));
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(committed("vtr.instance.A.B.dpi"), std::nullopt);
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "320");
+}
+
 TEST_F(ConfInstancesTest, AKeyThatIsSetAfterTheRemovalStays) {
     ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");

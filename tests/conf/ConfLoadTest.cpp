@@ -202,7 +202,6 @@ TEST_F(ConfLoadTest, AReloadKeepsKeysThatTheFileLost) {
 
 TEST_F(ConfLoadTest, AFailedOpenKeepsTheInstances) {
     ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
-    writeBytes(path(), "");
     removeFile(path());
     EXPECT_EQ(confReload(store), -1);
     EXPECT_EQ(confGetInstances(store), names({"A"}));
@@ -250,11 +249,15 @@ TEST_F(ConfLoadTest, ALoadWaitsForTheMachineWideMutex) {
 
 namespace {
 
+// Reads what it is given, if anything, once.
 class ReadFailure final : public ConfFiles {
  public:
-    ConfFileRead read(const std::string&, std::string&) override {
-        return ConfFileRead::ReadFailed;
+    ConfFileRead read(const std::string&, std::string& content) override {
+        if (!once.has_value()) return ConfFileRead::ReadFailed;
+        content = *std::exchange(once, std::nullopt);
+        return ConfFileRead::Done;
     }
+    std::optional<std::string> once;
     XErr create(const std::string&, std::unique_ptr<ConfOutput>&) override { return XERR_IO; }
     XErr replace(const std::string&, const std::string&) override { return XERR_IO; }
     void remove(const std::string&) override {}
@@ -267,6 +270,17 @@ TEST_F(ConfLoadTest, AReadThatFailsIsReported) {
     ConfStore broken(catalogue, files);
     EXPECT_EQ(confLibInit(broken, "C:\\x.conf", false), -1);
     EXPECT_EQ(log.texts(), Lines{"E CONF read failed for C:\\x.conf"});
+}
+
+TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
+    ReadFailure files;
+    files.once = "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n";
+    ConfStore broken(catalogue, files);
+    ASSERT_EQ(confLibInit(broken, "C:\\x.conf", false), 0);
+    EXPECT_EQ(confReload(broken), -1);
+    EXPECT_EQ(confGetInstances(broken), names({"A"}));
+    EXPECT_EQ(confGetString(broken, "vtr.locale"), "a");
+    EXPECT_EQ(confGetI32(broken, "vtr.instance.A.dpi"), 1);
 }
 
 TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {

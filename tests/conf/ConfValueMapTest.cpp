@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 
@@ -86,13 +87,26 @@ TEST(ConfValueMap, AddMissingKeepsWhatIsThere) {
 
 TEST(ConfValueMap, InstancesWhoseNamesBeginAlikeAreTwo) {
     const ConfDirectory properties{{"a", {ConfType::I32, "1"}}};
-    for (const bool shortFirst : {true, false}) {
+    std::vector<std::string> names{"A", "A-", "A0"};
+    do {
         ConfValueMap map;
-        map.addMissing(shortFirst ? "A" : "A.B", properties);
-        map.addMissing(shortFirst ? "A.B" : "A", properties);
-        EXPECT_EQ(entries(map), (std::vector<std::pair<std::string, std::string>>{
-                                    {"vtr.instance.A.a", "1"}, {"vtr.instance.A.B.a", "1"}}));
-    }
+        for (const std::string& name : names) map.addMissing(name, properties);
+        expectSame(
+            map,
+            {{"vtr.instance.A-.a", "1"}, {"vtr.instance.A.a", "1"}, {"vtr.instance.A0.a", "1"}});
+    } while (std::next_permutation(names.begin(), names.end()));
+}
+
+TEST(ConfValueMap, AnInstanceWithADotInItsNameHasItsKeysInOrderAndOnce) {
+    const ConfDirectory properties{{"a", {ConfType::I32, "1"}}, {"b", {ConfType::I32, "2"}}};
+    ConfValueMap map;
+    map.assign("vtr.instance.A.B.b", "own");
+    map.addMissing("A", properties);
+    map.addMissing("A.B", properties);
+    expectSame(map, {{"vtr.instance.A.B.a", "1"},
+                     {"vtr.instance.A.B.b", "own"},
+                     {"vtr.instance.A.a", "1"},
+                     {"vtr.instance.A.b", "2"}});
 }
 
 TEST(ConfValueMap, TheFeedTakesKeysInAnyOrder) {

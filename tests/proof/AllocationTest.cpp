@@ -149,15 +149,18 @@ TEST_F(AllocationTest, ALongTextIsSetWholeOrNotAtAll) {
 
 TEST_F(AllocationTest, ASetOfAnUnknownInstance) {
     int number = 0;
-    std::string key = "vtr.instance.Nougat64_0.dpi";
-    const int shortages =
-        inEveryShortage([&] { return bridgeConfSetI32(key.c_str(), 99); },
-                        [&](bridge_i32 result) {
-                            EXPECT_TRUE(result == 0 || result == -1) << result;
-                            EXPECT_EQ(bridgeConfSetI32(key.c_str(), 99), 0);
-                            EXPECT_EQ(bridgeConfGetI32(key.c_str()), 99);
-                            key = "vtr.instance.Nougat64_" + std::to_string(++number) + ".dpi";
-                        });
+    std::string dpi = "vtr.instance.Nougat64_0.dpi";
+    std::string name = "vtr.instance.Nougat64_0.display_name";
+    const auto set = [&dpi] { return bridgeConfSetI32(dpi.c_str(), 99); };
+    const int shortages = inEveryShortage(set, [&](bridge_i32 result) {
+        EXPECT_TRUE(result == 0 || result == -1) << result;
+        EXPECT_EQ(set(), 0);
+        EXPECT_EQ(bridgeConfGetI32(dpi.c_str()), 99);
+        EXPECT_EQ(taken(bridgeConfGetString(name.c_str())), "Vantrel") << "no default is missing";
+        const std::string prefix = "vtr.instance.Nougat64_" + std::to_string(++number) + ".";
+        dpi = prefix + "dpi";
+        name = prefix + "display_name";
+    });
     EXPECT_GT(shortages, 4);
 }
 

@@ -1,0 +1,67 @@
+// The store among threads: every function at once, each thread sure of its own keys.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "ConfFixture.h"
+
+namespace {
+
+constexpr int kRounds = 60;
+
+class ConfThreadsTest : public ConfTest {};
+
+std::string counterOf(const std::string& instance) { return "vtr.instance." + instance + ".dpi"; }
+
+// Counts in an instance of its own, and reads each number back.
+void count(ConfStore& store, const std::string& instance) {
+    for (int number = 1; number <= kRounds; ++number) {
+        confSetI32(store, counterOf(instance), number);
+        EXPECT_EQ(confGetI32(store, counterOf(instance)), number);
+        EXPECT_EQ(confGetInstances(store).count(instance), 1u);
+        EXPECT_EQ(confSetCurrentInstance(store, instance), 0);
+        EXPECT_EQ(confGetCurrentInstance(store).size(), instance.size());
+    }
+}
+
+}  // namespace
+
+TEST_F(ConfThreadsTest, EveryFunctionMayBeCalledFromAnyThread) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"0\"\nvtr.instance.B.dpi=\"0\"\n"), 0);
+    const auto often = [](auto call) {
+        return std::thread([call] {
+            for (int round = 0; round < kRounds; ++round) call();
+        });
+    };
+    std::thread threads[] = {
+        std::thread([this] { count(store, "A"); }),
+        std::thread([this] { count(store, "B"); }),
+        often([this] { EXPECT_EQ(confCommit(store), 0); }),
+        often([this] { EXPECT_EQ(confReload(store), 0); }),
+        often([this] {
+            EXPECT_EQ(confLibInit(store, path(), false), 0);
+            confHasPendingChanges(store);
+            EXPECT_EQ(confGetString(store, "vtr.log_levels"), "*:I");
+        }),
+    };
+    for (std::thread& thread : threads) thread.join();
+    ASSERT_EQ(confCommit(store), 0);
+    ASSERT_EQ(confReload(store), 0);
+    for (const char* instance : {"A", "B"}) {
+        EXPECT_EQ(committed(counterOf(instance)), std::to_string(kRounds));
+    }
+}
+
+TEST_F(ConfThreadsTest, TheCurrentInstanceIsReadWithoutTheLock) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"0\"\n"), 0);
+    ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
+    std::future<std::string> current;
+    {
+        const std::lock_guard<std::mutex> held(store.lock);
+        current = std::async(std::launch::async, [this] { return confGetCurrentInstance(store); });
+        EXPECT_EQ(current.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    }
+    EXPECT_EQ(current.get(), "A");
+}
