@@ -25,18 +25,30 @@ void handOver(void* process, XprocHandle* handle) {
 
 XErr translated(unsigned long error) { return xerrFromWindows(static_cast<std::int32_t>(error)); }
 
+// UTF-16 for a call of `function`'s, which is not made when there is none.
+XErr toWide(const char* function, const std::string& text, std::wstring& wide) {
+    const XErr err = xtextToWide(text, wide);
+    if (err != XERR_SUCCESS) {
+        XLOG_E(kLog, "%s: arguments cannot be converted: %s err = %d [%s]", function, text.c_str(),
+               err, xerrName(err).c_str());
+    }
+    return err;
+}
+
 }  // namespace
 
 XErr xprocCreate(XprocHandle* handle, const XprocArguments& arguments) {
-    if (arguments.empty()) return XERR_INVAL;
     const XErr err = xprocCreate_basic(handle, arguments);
     if (err != translated(XPROC_ELEVATION_REQUIRED)) return err;
     return xprocCreate_elevated_basic(handle, arguments);
 }
 
 XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
+    constexpr const char* kFunction = "xprocCreate_basic";
+    if (arguments.empty()) return XERR_INVAL;
     std::wstring commandLine;
-    if (const XErr err = xtextToWide(xprocJoin(arguments, 0), commandLine); err != XERR_SUCCESS) {
+    if (const XErr err = toWide(kFunction, xprocJoin(arguments, 0), commandLine);
+        err != XERR_SUCCESS) {
         return err;
     }
     const std::wstring shown = commandLine;  // the call may change the other one
@@ -48,8 +60,8 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
         error = xprocCalls().create(commandLine, process);
     }
     if (error != 0) {
-        XLOG_E(kLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d",
-               "xprocCreate_basic", shown.c_str(), static_cast<int>(error));
+        XLOG_E(kLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d", kFunction,
+               shown.c_str(), static_cast<int>(error));
         return translated(error);
     }
     handOver(process, handle);
@@ -57,19 +69,20 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
 }
 
 XErr xprocCreate_elevated_basic(XprocHandle* handle, const XprocArguments& arguments) {
+    constexpr const char* kFunction = "xprocCreate_elevated_basic";
+    if (arguments.empty()) return XERR_INVAL;
     std::wstring file;
     std::wstring parameters;
-    if (arguments.empty()) return XERR_INVAL;
-    if (const XErr err = xtextToWide(arguments[0], file); err != XERR_SUCCESS) return err;
-    if (const XErr err = xtextToWide(xprocJoin(arguments, 1), parameters); err != XERR_SUCCESS) {
+    if (const XErr err = toWide(kFunction, arguments[0], file); err != XERR_SUCCESS) return err;
+    if (const XErr err = toWide(kFunction, xprocJoin(arguments, 1), parameters);
+        err != XERR_SUCCESS) {
         return err;
     }
     void* process = nullptr;
     const unsigned long error = xprocCalls().runAs(file, parameters, process);
     if (error != 0) {
         XLOG_E(kLog, "%s: ShellExecuteEx failed: filename %ls parameters %ls GetLastError() %d",
-               "xprocCreate_elevated_basic", file.c_str(), parameters.c_str(),
-               static_cast<int>(error));
+               kFunction, file.c_str(), parameters.c_str(), static_cast<int>(error));
         return translated(error);
     }
     handOver(process, handle);

@@ -64,6 +64,11 @@ TEST_F(XlogOffTest, AProgramThatIsNotThere) {
     expectSilence(1);
 }
 
+TEST_F(XlogOffTest, AProgramWhoseNameIsNotUtf8) {
+    EXPECT_EQ(xprocCreate(nullptr, {"\xFF"}), 101113);
+    expectSilence(1);
+}
+
 TEST_F(XlogOffTest, AnElevatedStartThatIsDeclined) {
     const XprocCalls real = xprocCalls();
     xprocCalls().runAs = [](const std::wstring&, const std::wstring&, void*&) -> unsigned long {

@@ -35,6 +35,7 @@ TEST(XprocQuote, ArgumentsAreJoinedBySingleBlanks) {
 TEST(Xproc, AnEmptyListIsRefused) {
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate(&handle, {}), XERR_INVAL);
+    EXPECT_EQ(xprocCreate_basic(&handle, {}), XERR_INVAL);
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {}), XERR_INVAL);
 }
 
@@ -51,7 +52,11 @@ TEST(Xproc, AMissingProgramIsLoggedWithItsCommandLine) {
 }
 
 TEST(Xproc, ArgumentsThatAreNotUtf8AreRefused) {
+    const LogCapture log;
     EXPECT_EQ(xprocCreate(nullptr, {"x.exe", "\xFF"}), 101113);
+    EXPECT_EQ(log.texts(),
+              Lines{"E XSTR xprocCreate_basic: arguments cannot be converted: \"x.exe\" \"\xFF\" "
+                    "err = 101113 [NOTDEFINED: 101113]"});
 }
 
 // Each argument on a line of its own, as the product's programs take them.
@@ -119,5 +124,7 @@ TEST(Xproc, AnElevatedStartTakesUtf8Only) {
     const LogCapture log;
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"\xFF"}), 101113);
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"x.exe", "\xFF"}), 101113);
-    EXPECT_EQ(log.texts(), Lines{});
+    const std::string start = "E XSTR xprocCreate_elevated_basic: arguments cannot be converted: ";
+    const std::string end = " err = 101113 [NOTDEFINED: 101113]";
+    EXPECT_EQ(log.texts(), (Lines{start + "\xFF" + end, start + "\"\xFF\"" + end}));
 }
