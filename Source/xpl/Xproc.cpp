@@ -2,25 +2,17 @@
 #include "xpl/Xproc.h"
 
 #include <mutex>
+#include <utility>
 
 #include "xpl/XinheritGate.h"
-#include "xpl/Xlog.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 
 namespace {
 
-// The tag is not XPROC: filters of the product's log depend on it.
-constexpr XlogModule kLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
-
-// Hands a new process to the caller who wants it, or lets go of it.
-void handOver(void* process, XprocHandle* handle) {
-    if (process == nullptr) return;
-    if (handle != nullptr) {
-        *handle = process;
-    } else {
-        xprocClose(process);
-    }
+// Hands a new process to the caller who wants it. There is none after an elevated start.
+void handOver(XprocPtr process, XprocHandle* handle) {
+    if (process != nullptr && handle != nullptr) *handle = process.release();
 }
 
 XErr translated(unsigned long error) { return xerrFromWindows(static_cast<std::int32_t>(error)); }
@@ -29,8 +21,8 @@ XErr translated(unsigned long error) { return xerrFromWindows(static_cast<std::i
 XErr toWide(const char* function, const std::string& text, std::wstring& wide) {
     const XErr err = xtextToWide(text, wide);
     if (err != XERR_SUCCESS) {
-        XLOG_E(kLog, "%s: arguments cannot be converted: %s err = %d [%s]", function, text.c_str(),
-               err, xerrName(err).c_str());
+        XLOG_E(kXprocLog, "%s: arguments cannot be converted: %s err = %d [%s]", function,
+               text.c_str(), err, xerrName(err).c_str());
     }
     return err;
 }
@@ -52,7 +44,7 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
         return err;
     }
     const std::wstring shown = commandLine;  // the call may change the other one
-    void* process = nullptr;
+    XprocPtr process;
     unsigned long error = 0;
     {
         // No file that is about to be replaced may be open while a child starts.
@@ -60,11 +52,11 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
         error = xprocCalls().create(commandLine, process);
     }
     if (error != 0) {
-        XLOG_E(kLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d", kFunction,
+        XLOG_E(kXprocLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d", kFunction,
                shown.c_str(), static_cast<int>(error));
         return translated(error);
     }
-    handOver(process, handle);
+    handOver(std::move(process), handle);
     return XERR_SUCCESS;
 }
 
@@ -78,13 +70,14 @@ XErr xprocCreate_elevated_basic(XprocHandle* handle, const XprocArguments& argum
         err != XERR_SUCCESS) {
         return err;
     }
-    void* process = nullptr;
+    XprocPtr process;
     const unsigned long error = xprocCalls().runAs(file, parameters, process);
     if (error != 0) {
-        XLOG_E(kLog, "%s: ShellExecuteEx failed: filename %ls parameters %ls GetLastError() %d",
+        XLOG_E(kXprocLog,
+               "%s: ShellExecuteEx failed: filename %ls parameters %ls GetLastError() %d",
                kFunction, file.c_str(), parameters.c_str(), static_cast<int>(error));
         return translated(error);
     }
-    handOver(process, handle);
+    handOver(std::move(process), handle);
     return XERR_SUCCESS;
 }

@@ -1,23 +1,36 @@
 #ifndef XPL_XPROCCALLS_H
 #define XPL_XPROCCALLS_H
 
+// What the parts of the process module share: the log's name for it, the ownership of processes,
+// and the system calls.
+
+#include <memory>
 #include <string>
+
+#include "xpl/Xlog.h"
+
+// The tag is not XPROC: filters of the product's log depend on it.
+constexpr XlogModule kXprocLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
 
 // ERROR_ELEVATION_REQUIRED of winerror.h, which some versions of that header lack.
 constexpr unsigned long XPROC_ELEVATION_REQUIRED = 740;
 
+// A process, or on Windows its first thread, that nobody has been given yet or no longer needs.
+// Letting go of it does not end it.
+struct XprocClose {
+    void operator()(void* process) const noexcept;
+};
+using XprocPtr = std::unique_ptr<void, XprocClose>;
+
 // The two system calls that start a process, and what a test puts in their place: elevation is
 // nothing that a test can have Windows demand.
 struct XprocCalls {
-    // Each answers 0 or the Windows error. `process` receives a handle, or null when there is none;
-    // `commandLine` may be changed by the call.
-    unsigned long (*create)(std::wstring& commandLine, void*& process);
+    // Each answers 0 or the Windows error. `process` receives a handle, or stays null when there is
+    // none; `commandLine` may be changed by the call.
+    unsigned long (*create)(std::wstring& commandLine, XprocPtr& process);
     unsigned long (*runAs)(const std::wstring& file, const std::wstring& parameters,
-                           void*& process);
+                           XprocPtr& process);
 };
-
-// Lets go of a process that nobody waits for.
-void xprocClose(void* process) noexcept;
 
 // The calls in use: the system's own, until a test replaces them.
 XprocCalls& xprocCalls() noexcept;

@@ -10,14 +10,11 @@
 #include <vector>
 
 #include "xpl/Xfile.h"
-#include "xpl/Xlog.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 
 namespace {
-
-constexpr XlogModule kLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
 
 constexpr unsigned long kFileNotFound = 2;
 constexpr unsigned long kAccessDenied = 5;
@@ -48,7 +45,7 @@ unsigned long windowsError(int error) {
     return error == EACCES ? kAccessDenied : kNotEnoughMemory;
 }
 
-unsigned long createProcess(std::wstring& commandLine, void*& process) {
+unsigned long createProcess(std::wstring& commandLine, XprocPtr& process) {
     std::vector<std::string> arguments = takeApart(xtextToUtf8(commandLine));
     if (arguments.empty()) return kFileNotFound;
     const std::string program = xfileSystemPath(arguments[0]);
@@ -60,20 +57,17 @@ unsigned long createProcess(std::wstring& commandLine, void*& process) {
     const int error = ::posix_spawn(&id, program.c_str(), /*file_actions=*/nullptr,
                                     /*attrp=*/nullptr, pointers.data(), environ);
     if (error != 0) return windowsError(error);
-    process = new Process{id, 0};
+    process.reset(new Process{id, 0});
     return 0;
 }
 
 // Nobody asks for consent here.
-unsigned long runAs(const std::wstring& file, const std::wstring& parameters, void*& process) {
+unsigned long runAs(const std::wstring& file, const std::wstring& parameters, XprocPtr&) {
     std::wstring line;
     static_cast<void>(xtextToWide(xprocQuote(xtextToUtf8(file)) + " ", line));
     line += parameters;
-    void* started = nullptr;
-    const unsigned long error = createProcess(line, started);
-    if (started != nullptr) xprocClose(started);
-    process = nullptr;
-    return error;
+    XprocPtr started;
+    return createProcess(line, started);
 }
 
 std::uint32_t exitCodeOf(const Process& process, int status) {
@@ -89,18 +83,18 @@ XprocCalls& xprocCalls() noexcept {
 }
 
 // The process stays as an entry of the system's table until this one ends.
-void xprocClose(XprocHandle handle) noexcept { delete static_cast<Process*>(handle); }
+void XprocClose::operator()(void* process) const noexcept { delete static_cast<Process*>(process); }
 
 XErr xprocWait(XprocHandle handle, std::uint32_t* exitCode) {
     const auto* const process = static_cast<const Process*>(handle);
     int status = 0;
     if (process == nullptr || ::waitpid(process->id, &status, 0) < 0) {
         const XErr err = process == nullptr ? XErr{XERR_BADF} : errno;
-        XLOG_E(kLog, "xprocWait failed with %d %s", err, xerrName(err).c_str());
+        XLOG_E(kXprocLog, "xprocWait failed with %d %s", err, xerrName(err).c_str());
         return err;
     }
+    const XprocPtr ended(handle);
     if (exitCode != nullptr) *exitCode = exitCodeOf(*process, status);
-    xprocClose(handle);
     return XERR_SUCCESS;
 }
 
@@ -109,7 +103,7 @@ XErr xprocKill(XprocHandle handle, std::uint32_t exitCode) {
     if (process != nullptr) process->killedWith = exitCode;
     if (process == nullptr || ::kill(process->id, SIGKILL) != 0) {
         const XErr err = process == nullptr ? XErr{XERR_BADF} : errno;
-        XLOG_E(kLog, "%s: TerminateProcess failed err=%d [%s]", "xprocKill", err,
+        XLOG_E(kXprocLog, "%s: TerminateProcess failed err=%d [%s]", "xprocKill", err,
                xerrName(err).c_str());
     }
     return XERR_SUCCESS;

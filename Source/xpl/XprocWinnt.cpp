@@ -1,7 +1,6 @@
 // The system calls of child processes: CreateProcessW, ShellExecuteExW and what belongs to them.
 #include <cstdlib>
 
-#include "xpl/Xlog.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/XwindowsLean.h"
@@ -10,9 +9,6 @@
 #include <shellapi.h>
 
 namespace {
-
-// The tag is not XPROC: filters of the product's log depend on it.
-constexpr XlogModule kLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
 
 STARTUPINFOW startupInfo() {
     STARTUPINFOW info{};
@@ -24,19 +20,20 @@ STARTUPINFOW startupInfo() {
     return info;
 }
 
-unsigned long createProcess(std::wstring& commandLine, void*& process) {
+unsigned long createProcess(std::wstring& commandLine, XprocPtr& process) {
     STARTUPINFOW startup = startupInfo();
     PROCESS_INFORMATION started{};
     const BOOL ok = ::CreateProcessW(
         /*lpApplicationName=*/nullptr, commandLine.data(), nullptr, nullptr,
         /*bInheritHandles=*/TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup, &started);
     if (!ok) return ::GetLastError();
-    ::CloseHandle(started.hThread);
-    process = started.hProcess;
+    process.reset(started.hProcess);
+    const XprocPtr thread(started.hThread);  // which nobody needs
     return ERROR_SUCCESS;
 }
 
-unsigned long shellRunAs(const std::wstring& file, const std::wstring& parameters, void*& process) {
+unsigned long shellRunAs(const std::wstring& file, const std::wstring& parameters,
+                         XprocPtr& process) {
     SHELLEXECUTEINFOW info{};
     info.cbSize = sizeof info;
     info.lpVerb = L"runas";
@@ -44,7 +41,7 @@ unsigned long shellRunAs(const std::wstring& file, const std::wstring& parameter
     info.lpParameters = parameters.c_str();
     info.nShow = SW_SHOWNORMAL;
     if (!::ShellExecuteExW(&info)) return ::GetLastError();
-    process = info.hProcess;  // none, since the mask does not ask for one
+    process.reset(info.hProcess);  // none, since the mask does not ask for one
     return ERROR_SUCCESS;
 }
 
@@ -55,32 +52,32 @@ XprocCalls& xprocCalls() noexcept {
     return calls;
 }
 
-void xprocClose(XprocHandle handle) noexcept { ::CloseHandle(handle); }
+void XprocClose::operator()(void* process) const noexcept { ::CloseHandle(process); }
 
 XErr xprocWait(XprocHandle handle, std::uint32_t* exitCode) {
     if (::WaitForSingleObject(handle, INFINITE) == WAIT_FAILED) {
         const XErr err = xerrLast();
-        XLOG_E(kLog, "xprocWait failed with %d %s", err, xerrName(err).c_str());
+        XLOG_E(kXprocLog, "xprocWait failed with %d %s", err, xerrName(err).c_str());
         return err;
     }
+    const XprocPtr ended(handle);
     DWORD code = 0;
     if (exitCode != nullptr) {
         if (::GetExitCodeProcess(handle, &code)) {
             *exitCode = code;
         } else {
             const XErr err = xerrLast();
-            XLOG_E(kLog, "xprocWait  GetExitCodeProcess failed with %d %s", err,
+            XLOG_E(kXprocLog, "xprocWait  GetExitCodeProcess failed with %d %s", err,
                    xerrName(err).c_str());
         }
     }
-    ::CloseHandle(handle);
     return XERR_SUCCESS;
 }
 
 XErr xprocKill(XprocHandle handle, std::uint32_t exitCode) {
     if (!::TerminateProcess(handle, exitCode)) {
         const XErr err = xerrLast();
-        XLOG_E(kLog, "%s: TerminateProcess failed err=%d [%s]", "xprocKill", err,
+        XLOG_E(kXprocLog, "%s: TerminateProcess failed err=%d [%s]", "xprocKill", err,
                xerrName(err).c_str());
     }
     return XERR_SUCCESS;

@@ -71,7 +71,7 @@ TEST_F(XlogOffTest, AProgramWhoseNameIsNotUtf8) {
 
 TEST_F(XlogOffTest, AnElevatedStartThatIsDeclined) {
     const XprocCalls real = xprocCalls();
-    xprocCalls().runAs = [](const std::wstring&, const std::wstring&, void*&) -> unsigned long {
+    xprocCalls().runAs = [](const std::wstring&, const std::wstring&, XprocPtr&) -> unsigned long {
         return XPROC_ELEVATION_REQUIRED;
     };
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"}), 100740);
