@@ -10,6 +10,30 @@
 #include <aclapi.h>
 #include <sddl.h>
 
+namespace {
+
+void expectEveryone(PSID sid) {
+    LPSTR text = nullptr;
+    ASSERT_TRUE(::ConvertSidToStringSidA(sid, &text));
+    EXPECT_STREQ(text, "S-1-1-0");
+    ::LocalFree(text);
+}
+
+// That the list has one entry, which grants everyone all rights.
+void expectEveryoneMayAll(PACL list) {
+    ASSERT_NE(list, nullptr);
+    ASSERT_EQ(list->AceCount, 1);
+    void* entry = nullptr;
+    ASSERT_TRUE(::GetAce(list, 0, &entry));
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+    EXPECT_EQ(allowed->Header.AceFlags, 0);
+    EXPECT_EQ(allowed->Mask, 0x001FFFFFu);
+    expectEveryone(&allowed->SidStart);
+}
+
+}  // namespace
+
 TEST(XmutexNamed, ANameOfAnotherKindOfObjectIsRefused) {
     const std::string name = "Global\\vtr_test_kind" + std::to_string(::GetCurrentProcessId());
     const HANDLE event = ::CreateEventW(nullptr, FALSE, FALSE, wideForTests(name).c_str());
@@ -26,11 +50,7 @@ TEST(XmutexSecurity, GrantsEveryoneAllRightsOnce) {
     XlocalPtr acl;
     XlocalPtr descriptor;
     ASSERT_EQ(xmutexInitSecurityAttribs(sid, acl, descriptor), 0);
-    LPSTR text = nullptr;
-    ASSERT_TRUE(::ConvertSidToStringSidA(sid.get(), &text));
-    EXPECT_STREQ(text, "S-1-1-0");
-    ::LocalFree(text);
-
+    expectEveryone(sid.get());
     BOOL present = FALSE;
     BOOL defaulted = TRUE;
     PACL list = nullptr;
@@ -38,12 +58,22 @@ TEST(XmutexSecurity, GrantsEveryoneAllRightsOnce) {
     EXPECT_TRUE(present);
     EXPECT_FALSE(defaulted);
     EXPECT_EQ(list, acl.get());
-    ASSERT_EQ(list->AceCount, 1);
-    void* ace = nullptr;
-    ASSERT_TRUE(::GetAce(list, 0, &ace));
-    const auto* allowed = static_cast<const ACCESS_ALLOWED_ACE*>(ace);
-    EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-    EXPECT_EQ(allowed->Header.AceFlags, 0);
-    EXPECT_EQ(allowed->Mask, 0x001FFFFFu);
-    EXPECT_TRUE(::EqualSid(sid.get(), const_cast<DWORD*>(&allowed->SidStart)));
+    expectEveryoneMayAll(list);
+}
+
+TEST(XmutexSecurity, ARealMutexIsOpenToEveryone) {
+    const std::string name = "Global\\vtr_test_open" + std::to_string(::GetCurrentProcessId());
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(name), 0);
+    const HANDLE opened =
+        ::OpenMutexW(READ_CONTROL, /*bInheritHandle=*/FALSE, wideForTests(name).c_str());
+    ASSERT_NE(opened, nullptr);
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_EQ(::GetSecurityInfo(opened, SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+                                nullptr, &list, nullptr, &descriptor),
+              DWORD{ERROR_SUCCESS});
+    const XlocalPtr owned(descriptor);
+    ::CloseHandle(opened);
+    expectEveryoneMayAll(list);
 }

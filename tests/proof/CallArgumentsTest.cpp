@@ -1,0 +1,419 @@
+// What Windows is asked for where its answer does not show it: the arguments of calls that start
+// processes, make the named mutex, and look at the processes that run.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "ImportTable.h"
+#include "support/LogCapture.h"
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+#include "support/WindowsForTests.h"
+#include "utl/UtlProcessCalls.h"
+#include "utl/UtlTrim.h"
+#include "xpl/XmutexNamed.h"
+#include "xpl/Xproc.h"
+
+// Last: they need <windows.h>.
+#include <psapi.h>
+#include <shellapi.h>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+HANDLE newEvent() { return ::CreateEventW(nullptr, FALSE, FALSE, nullptr); }
+
+bool isOpen(HANDLE handle) {
+    DWORD flags = 0;
+    return ::GetHandleInformation(handle, &flags) != FALSE;
+}
+
+}  // namespace
+
+// Starting a program.
+
+namespace {
+
+using SeenCreate = ReplacedImport<decltype(::CreateProcessW)>;
+
+struct Start {
+    bool hasProgram;
+    std::wstring commandLine;
+    LPSECURITY_ATTRIBUTES processAttributes;
+    LPSECURITY_ATTRIBUTES threadAttributes;
+    BOOL inheritHandles;
+    DWORD flags;
+    LPVOID environment;
+    bool hasFolder;
+    STARTUPINFOW startup;
+};
+
+std::vector<Start> starts;
+PROCESS_INFORMATION startedProcess;
+DWORD startError;
+
+// Writes into the command line, as the system may.
+BOOL WINAPI seeStart(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES process,
+                     LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags, LPVOID environment,
+                     LPCWSTR folder, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION started) {
+    starts.push_back({program != nullptr, commandLine, process, thread, inherit, flags, environment,
+                      folder != nullptr, *startup});
+    commandLine[0] = L'?';
+    *started = startedProcess;
+    ::SetLastError(startError);
+    return startError == ERROR_SUCCESS;
+}
+
+// Other standard handles of this process while it lives.
+class StandardHandles {
+ public:
+    StandardHandles() {
+        for (std::size_t i = 0; i < kIds.size(); ++i) {
+            before_[i] = ::GetStdHandle(kIds[i]);
+            own_[i] = newEvent();
+            ::SetStdHandle(kIds[i], own_[i]);
+        }
+    }
+    ~StandardHandles() {
+        for (std::size_t i = 0; i < kIds.size(); ++i) {
+            ::SetStdHandle(kIds[i], before_[i]);
+            ::CloseHandle(own_[i]);
+        }
+    }
+    StandardHandles(const StandardHandles&) = delete;
+    StandardHandles& operator=(const StandardHandles&) = delete;
+
+    HANDLE input() const { return own_[0]; }
+    HANDLE output() const { return own_[1]; }
+    HANDLE error() const { return own_[2]; }
+
+ private:
+    static constexpr std::array<DWORD, 3> kIds{STD_INPUT_HANDLE, STD_OUTPUT_HANDLE,
+                                               STD_ERROR_HANDLE};
+    std::array<HANDLE, 3> before_;
+    std::array<HANDLE, 3> own_;
+};
+
+class StartArguments : public ::testing::Test {
+ protected:
+    StartArguments() {
+        starts.clear();
+        startError = ERROR_SUCCESS;
+        startedProcess = {newEvent(), newEvent(), 1, 2};
+    }
+    ~StartArguments() override {
+        for (const HANDLE handle : {startedProcess.hProcess, startedProcess.hThread}) {
+            if (isOpen(handle)) ::CloseHandle(handle);
+        }
+    }
+};
+
+}  // namespace
+
+TEST_F(StartArguments, AProgramInheritsHandlesAndHasNoWindow) {
+    const SeenCreate seen("CreateProcessW", seeStart);
+    EXPECT_EQ(xprocCreate_basic(nullptr, {R"(C:\P\x.exe)", "a b"}), 0);
+    ASSERT_EQ(starts.size(), 1u);
+    EXPECT_FALSE(starts[0].hasProgram) << "the command line names it";
+    EXPECT_EQ(starts[0].commandLine, LR"("C:\\P\\x.exe" "a b")");
+    EXPECT_EQ(starts[0].processAttributes, nullptr);
+    EXPECT_EQ(starts[0].threadAttributes, nullptr);
+    EXPECT_EQ(starts[0].inheritHandles, TRUE);
+    EXPECT_EQ(starts[0].flags, 0x08000000u) << "CREATE_NO_WINDOW and nothing else";
+    EXPECT_EQ(starts[0].environment, nullptr);
+    EXPECT_FALSE(starts[0].hasFolder);
+}
+
+TEST_F(StartArguments, TheStandardHandlesAreGivenWithoutEffect) {
+    const StandardHandles standard;
+    const SeenCreate seen("CreateProcessW", seeStart);
+    EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
+    ASSERT_EQ(starts.size(), 1u);
+    const STARTUPINFOW& startup = starts[0].startup;
+    EXPECT_EQ(startup.cb, 104u);
+    EXPECT_EQ(startup.dwFlags, 0u) << "so that the handles mean nothing";
+    EXPECT_EQ(startup.hStdInput, standard.input());
+    EXPECT_EQ(startup.hStdOutput, standard.output());
+    EXPECT_EQ(startup.hStdError, standard.error());
+    EXPECT_EQ(startup.lpReserved, nullptr);
+    EXPECT_EQ(startup.lpDesktop, nullptr);
+    EXPECT_EQ(startup.lpTitle, nullptr);
+    for (const DWORD number :
+         {startup.dwX, startup.dwY, startup.dwXSize, startup.dwYSize, startup.dwXCountChars,
+          startup.dwYCountChars, startup.dwFillAttribute}) {
+        EXPECT_EQ(number, 0u);
+    }
+    EXPECT_EQ(startup.wShowWindow, 0);
+    EXPECT_EQ(startup.cbReserved2, 0);
+    EXPECT_EQ(startup.lpReserved2, nullptr);
+}
+
+TEST_F(StartArguments, TheProcessGoesToTheCallerAndItsThreadIsClosed) {
+    const SeenCreate seen("CreateProcessW", seeStart);
+    XprocHandle handle = nullptr;
+    EXPECT_EQ(xprocCreate_basic(&handle, {"x.exe"}), 0);
+    EXPECT_EQ(handle, startedProcess.hProcess);
+    EXPECT_TRUE(isOpen(startedProcess.hProcess));
+    EXPECT_FALSE(isOpen(startedProcess.hThread));
+}
+
+TEST_F(StartArguments, AProcessThatNobodyAskedForIsClosedWithItsThread) {
+    const SeenCreate seen("CreateProcessW", seeStart);
+    EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
+    EXPECT_FALSE(isOpen(startedProcess.hProcess));
+    EXPECT_FALSE(isOpen(startedProcess.hThread));
+}
+
+TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
+    const LogCapture log;
+    const SeenCreate seen("CreateProcessW", seeStart);
+    startError = ERROR_ACCESS_DENIED;
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate_basic(&handle, {"x.exe"}), XERR_ACCES);
+    EXPECT_EQ(handle, &handle);
+    EXPECT_TRUE(isOpen(startedProcess.hProcess));
+    EXPECT_TRUE(isOpen(startedProcess.hThread));
+    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
+                                 R"("x.exe" GetLastError() 5)"});
+}
+
+// Starting a program with elevation.
+
+namespace {
+
+using SeenShell = ReplacedImport<decltype(::ShellExecuteExW)>;
+
+struct Elevation {
+    SHELLEXECUTEINFOW info;
+    std::wstring verb;
+    std::wstring file;
+    std::wstring parameters;
+};
+
+std::vector<Elevation> elevations;
+HANDLE elevatedProcess;
+
+BOOL WINAPI seeElevation(SHELLEXECUTEINFOW* info) {
+    elevations.push_back({*info, info->lpVerb, info->lpFile, info->lpParameters});
+    info->hProcess = elevatedProcess;
+    return TRUE;
+}
+
+class ElevationArguments : public ::testing::Test {
+ protected:
+    ElevationArguments() {
+        starts.clear();
+        elevations.clear();
+        startedProcess = {};
+        startError = 740;
+        elevatedProcess = nullptr;
+    }
+
+    const SeenCreate seenStart{"CreateProcessW", seeStart};
+    const SeenShell seenElevation{"ShellExecuteExW", seeElevation};
+};
+
+}  // namespace
+
+TEST_F(ElevationArguments, TheShellIsAskedForNothingButTheStart) {
+    const LogCapture log;
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate(&handle, {R"(C:\P\x.exe)", "a b", R"(C:\)"}), 0);
+    ASSERT_EQ(starts.size(), 1u);
+    ASSERT_EQ(elevations.size(), 1u);
+    EXPECT_EQ(elevations[0].verb, L"runas");
+    EXPECT_EQ(elevations[0].file, LR"(C:\P\x.exe)");
+    EXPECT_EQ(elevations[0].parameters, LR"("a b" "C:\\")");
+    const SHELLEXECUTEINFOW& info = elevations[0].info;
+    EXPECT_EQ(info.cbSize, 112u);
+    EXPECT_EQ(info.fMask, 0u) << "which asks for no process handle";
+    EXPECT_EQ(info.hwnd, nullptr);
+    EXPECT_EQ(info.lpDirectory, nullptr);
+    EXPECT_EQ(info.nShow, 1) << "SW_SHOWNORMAL";
+    EXPECT_EQ(info.lpIDList, nullptr);
+    EXPECT_EQ(info.lpClass, nullptr);
+    EXPECT_EQ(info.hkeyClass, nullptr);
+    EXPECT_EQ(info.dwHotKey, 0u);
+    EXPECT_EQ(info.hIcon, nullptr);
+    EXPECT_EQ(info.hProcess, nullptr);
+    EXPECT_EQ(handle, &handle) << "as the caller set it";
+}
+
+TEST_F(ElevationArguments, AProcessThatTheShellGivesAllTheSameGoesToTheCaller) {
+    elevatedProcess = newEvent();
+    XprocHandle handle = nullptr;
+    EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"x.exe"}), 0);
+    EXPECT_EQ(handle, elevatedProcess);
+    EXPECT_TRUE(isOpen(elevatedProcess));
+    ::CloseHandle(elevatedProcess);
+}
+
+TEST_F(ElevationArguments, AProcessThatTheShellGivesAndNobodyAskedForIsClosed) {
+    elevatedProcess = newEvent();
+    EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"x.exe"}), 0);
+    EXPECT_FALSE(isOpen(elevatedProcess));
+}
+
+// The named mutex.
+
+namespace {
+
+struct MutexRequest {
+    int count;
+    bool hasAttributes;
+    DWORD length;
+    BOOL inherit;
+    ACCESS_MASK everyoneMay;
+    BOOL initialOwner;
+    std::wstring name;
+};
+
+MutexRequest mutexRequest;
+
+// What the one entry of the access list grants, if it is for everyone; 0 otherwise.
+ACCESS_MASK rightsOfEveryone(PSECURITY_DESCRIPTOR descriptor) {
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    PACL list = nullptr;
+    void* entry = nullptr;
+    SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
+    if (descriptor == nullptr) return 0;
+    if (!::GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted)) return 0;
+    if (!present || list == nullptr || list->AceCount != 1 || !::GetAce(list, 0, &entry)) return 0;
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    return ::EqualSid(&allowed->SidStart, &everyone) ? allowed->Mask : 0;
+}
+
+HANDLE WINAPI seeMutex(LPSECURITY_ATTRIBUTES attributes, BOOL initialOwner, LPCWSTR name) {
+    mutexRequest = {mutexRequest.count + 1, attributes != nullptr, 0, TRUE, 0, initialOwner, name};
+    if (attributes != nullptr) {
+        mutexRequest.length = attributes->nLength;
+        mutexRequest.inherit = attributes->bInheritHandle;
+        mutexRequest.everyoneMay = rightsOfEveryone(attributes->lpSecurityDescriptor);
+    }
+    return newEvent();
+}
+
+}  // namespace
+
+TEST(MutexArguments, TheMutexIsOpenToEveryoneAndNotInherited) {
+    mutexRequest = {};
+    const ReplacedImport<decltype(::CreateMutexW)> seen("CreateMutexW", seeMutex);
+    XmutexNamed mutex;
+    EXPECT_EQ(mutex.init("Global\\vtr_日本_nvo"), 0);
+    EXPECT_EQ(mutexRequest.count, 1);
+    ASSERT_TRUE(mutexRequest.hasAttributes);
+    EXPECT_EQ(mutexRequest.length, 24u);
+    EXPECT_EQ(mutexRequest.inherit, FALSE);
+    EXPECT_EQ(mutexRequest.everyoneMay, 0x001FFFFFu);
+    EXPECT_EQ(mutexRequest.initialOwner, FALSE);
+    EXPECT_EQ(mutexRequest.name, L"Global\\vtr_日本_nvo");
+}
+
+// The processes that run.
+
+namespace {
+
+constexpr DWORD kFirstProcess = 8001;
+
+// Three processes, of which the one in the middle is the product's.
+std::array<HANDLE, 3> processes;
+Lines processCalls;
+
+void saw(const std::string& call) { processCalls.push_back(call); }
+
+std::string numberOf(HANDLE process) {
+    for (std::size_t i = 0; i < processes.size(); ++i) {
+        if (processes[i] == process) return std::to_string(i);
+    }
+    return "none";
+}
+
+BOOL WINAPI listThree(DWORD* ids, DWORD size, DWORD* used) {
+    saw("list " + std::to_string(size));
+    for (DWORD i = 0; i < 3; ++i) ids[i] = kFirstProcess + i;
+    *used = 3 * sizeof(DWORD);
+    return TRUE;
+}
+
+HANDLE WINAPI openOfThree(DWORD access, BOOL inherit, DWORD id) {
+    const HANDLE process = processes.at(id - kFirstProcess);
+    saw("open " + numberOf(process) + " " + std::to_string(access) + " " + std::to_string(inherit));
+    return process;
+}
+
+BOOL WINAPI listModules(HANDLE process, HMODULE*, DWORD size, LPDWORD needed) {
+    saw("modules " + numberOf(process) + " " + std::to_string(size));
+    *needed = 0;
+    return TRUE;
+}
+
+BOOL WINAPI pathOfThree(HANDLE process, DWORD flags, LPWSTR path, PDWORD length) {
+    saw("path " + numberOf(process) + " " + std::to_string(flags) + " " + std::to_string(*length));
+    const std::wstring text = process == processes[1] ? L"C:\\Apps\\x.exe" : L"C:\\Other\\x.exe";
+    text.copy(path, text.size());
+    *length = static_cast<DWORD>(text.size());
+    return TRUE;
+}
+
+BOOL WINAPI trimOfThree(HANDLE process, SIZE_T smallest, SIZE_T largest) {
+    const bool isEverything = smallest == static_cast<SIZE_T>(-1) && largest == smallest;
+    saw("trim " + numberOf(process) + (isEverything ? " wholly" : " partly"));
+    return TRUE;
+}
+
+std::wstring crashModule;
+PVOID crashContext;
+
+HRESULT WINAPI seeCrashModule(PCWSTR path, PVOID context) {
+    crashModule = path;
+    crashContext = context;
+    return static_cast<HRESULT>(0x80070057);
+}
+
+}  // namespace
+
+// In a process of its own, since the install folder is read once.
+SCENE(trimsOneOfThree) {
+    RegistrySandbox registry;
+    registry.set("InstallDir", "C:\\Apps\\");
+    for (HANDLE& process : processes) process = newEvent();
+    const ReplacedImport<decltype(::EnumProcesses)> list("K32EnumProcesses", listThree);
+    const ReplacedImport<decltype(::OpenProcess)> open("OpenProcess", openOfThree);
+    const ReplacedImport<decltype(::EnumProcessModules)> modules("K32EnumProcessModules",
+                                                                 listModules);
+    const ReplacedImport<decltype(::QueryFullProcessImageNameW)> path("QueryFullProcessImageNameW",
+                                                                      pathOfThree);
+    const ReplacedImport<decltype(::SetProcessWorkingSetSize)> trim("SetProcessWorkingSetSize",
+                                                                    trimOfThree);
+    const LogCapture log;
+    if (utlTrimMemoryAllProcs() != 0) return 1;
+    for (const std::string& call : processCalls) std::printf("%s\n", call.c_str());
+    for (const HANDLE process : processes) {
+        if (isOpen(process)) return 2;
+    }
+    return 0;
+}
+
+TEST(ProcessArguments, OnlyTheProductsProcessIsTrimmedAndWholly) {
+    const ChildResult result = runScene("trimsOneOfThree");
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    EXPECT_EQ(result.out,
+              "list 4096\r\n"
+              "open 0 1296 0\r\nmodules 0 8\r\npath 0 0 32768\r\n"
+              "open 1 1296 0\r\nmodules 1 8\r\npath 1 0 32768\r\ntrim 1 wholly\r\n"
+              "open 2 1296 0\r\nmodules 2 8\r\npath 2 0 32768\r\n");
+}
+
+TEST(ProcessArguments, TheCrashModuleIsRegisteredWithoutAContext) {
+    crashContext = &crashModule;
+    const ReplacedImport<HRESULT WINAPI(PCWSTR, PVOID)> seen("WerRegisterRuntimeExceptionModule",
+                                                             seeCrashModule);
+    EXPECT_EQ(utlProcessCalls().registerCrashModule(L"C:\\日本\\x.dll"),
+              static_cast<std::int32_t>(0x80070057));
+    EXPECT_EQ(crashModule, L"C:\\日本\\x.dll");
+    EXPECT_EQ(crashContext, nullptr);
+}
