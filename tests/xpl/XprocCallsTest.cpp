@@ -136,14 +136,51 @@ TEST(Xproc, AnElevatedStartReachesTheProgram) {
     EXPECT_TRUE(folder.has("line"));
 }
 
+namespace {
+
+// Another handle of the same process, with these rights; to be closed.
+HANDLE otherHandle(HANDLE process, DWORD access) {
+    HANDLE made = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), process, ::GetCurrentProcess(), &made, access,
+                      /*bInheritHandle=*/FALSE, /*dwOptions=*/0);
+    return made;
+}
+
+bool isOpen(HANDLE handle) {
+    DWORD flags = 0;
+    return ::GetHandleInformation(handle, &flags) != FALSE;
+}
+
+}  // namespace
+
+TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
+    XprocHandle child = nullptr;
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    EXPECT_TRUE(isOpen(child));
+    EXPECT_EQ(xprocWait(child, nullptr), 0);
+    EXPECT_FALSE(isOpen(child));
+}
+
+TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
+    XprocHandle child = nullptr;
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    const HANDLE cannotWait = otherHandle(child, PROCESS_QUERY_INFORMATION);
+    {
+        const LogCapture log;
+        EXPECT_EQ(xprocWait(cannotWait, nullptr), XERR_ACCES);
+        EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait failed with 13 XERR_ACCES"});
+    }
+    EXPECT_TRUE(isOpen(cannotWait));
+    ::CloseHandle(cannotWait);
+    EXPECT_EQ(xprocWait(child, nullptr), 0);
+}
+
 TEST(Xproc, KillingAnEndedProcessAnswersZero) {
     XprocHandle child = nullptr;
     ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "sleepsLong"}), 0);
-    XprocHandle again = nullptr;
-    ::DuplicateHandle(::GetCurrentProcess(), child, ::GetCurrentProcess(), &again, 0, FALSE,
-                      DUPLICATE_SAME_ACCESS);
+    const HANDLE again = otherHandle(child, PROCESS_ALL_ACCESS);
     xprocKill(child, 1);
-    EXPECT_EQ(xprocWait(child, nullptr), 0) << "closes the handle";
+    EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_EQ(xprocKill(again, 2), 0);
     ::CloseHandle(again);
 }

@@ -10,6 +10,7 @@
 #include "support/Platform.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
+#include "support/process_figures.h"
 
 namespace {
 
@@ -79,6 +80,25 @@ TEST(Xproc, AChildGetsItsArgumentsAndItsStatusComesBack) {
     EXPECT_EQ(xprocWait(child, &status), 0);
     EXPECT_EQ(status, 7u);
     EXPECT_EQ(folder.read("arguments"), file + "\na b\n\né日\n");
+}
+
+SCENE(doesNothing) { return 7; }
+
+TEST(Xproc, NothingIsLeftOfChildrenThatWereWaitedFor) {
+    const auto startAndWait = [](std::uint32_t* status) {
+        XprocHandle child = nullptr;
+        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+        EXPECT_EQ(xprocWait(child, status), 0);
+    };
+    std::uint32_t status = 0;
+    startAndWait(&status);
+    EXPECT_EQ(status, 7u);
+    const long before = openHandles();
+    for (int i = 0; i < 5; ++i) {
+        startAndWait(nullptr);
+        startAndWait(&status);
+    }
+    EXPECT_EQ(openHandles(), before) << "neither processes nor their threads";
 }
 
 SCENE(sleepsLong) {
