@@ -39,15 +39,17 @@ XErr createFolderWide(const std::wstring& path) {
                                          : xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
-// Absolute, with "\" only.
+// Absolute, with "\" only. It may grow between two calls: another thread goes to another folder.
 XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
-    const DWORD needed = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
-    if (needed == 0) return xerrLast();
-    absolute.resize(needed);
-    const DWORD length = ::GetFullPathNameW(path.c_str(), needed, absolute.data(), nullptr);
-    if (length == 0 || length >= needed) return xerrLast();
-    absolute.resize(length);
-    return XERR_SUCCESS;
+    absolute.clear();
+    for (DWORD room = 0;;) {
+        const DWORD length =
+            ::GetFullPathNameW(path.c_str(), room, absolute.data(), /*lpFilePart=*/nullptr);
+        if (length == 0) return xerrLast();
+        absolute.resize(length);
+        if (length < room) return XERR_SUCCESS;
+        room = length;
+    }
 }
 
 // Calls `call(widePath)`, which answers whether it succeeded.

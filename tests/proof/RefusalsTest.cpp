@@ -296,14 +296,27 @@ TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondQuestionIsTheStatus) {
     EXPECT_FALSE(folder.has("a"));
 }
 
-// Another thread has gone to another folder in between.
-TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsNotUsed) {
-    const OddFullPath growing("GetFullPathNameW",
-                              [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
-                                  return refuse(ERROR_MORE_DATA, room + 20);
-                              });
-    EXPECT_EQ(xfileMakeFolders(folder / "a"), XERR_MSGSIZE);
-    EXPECT_FALSE(folder.has("a"));
+namespace {
+
+std::wstring fullPath;
+
+// Another thread goes to another folder after the first question.
+DWORD WINAPI growAfterTheFirst(LPCWSTR, DWORD room, LPWSTR path, LPWSTR*) {
+    if (++calls == 1) return 4;
+    if (room <= fullPath.size()) return static_cast<DWORD>(fullPath.size()) + 1;
+    fullPath.copy(path, fullPath.size());
+    path[fullPath.size()] = L'\0';
+    return static_cast<DWORD>(fullPath.size());
+}
+
+}  // namespace
+
+TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsAskedForAgain) {
+    fullPath = wideForTests(folder / "a\\b");
+    const OddFullPath growing("GetFullPathNameW", growAfterTheFirst);
+    EXPECT_EQ(xfileMakeFolders("b"), 0);
+    EXPECT_EQ(calls, 3);
+    EXPECT_TRUE(folder.has("a\\b"));
 }
 
 // The log.
