@@ -90,10 +90,11 @@ std::int32_t XmutexNamed::init(const std::string& name) {
         return XERR_FAILURE;
     }
     std::wstring wide;
-    if (xtextToWide(name, wide) != XERR_SUCCESS) ::SetLastError(ERROR_NO_UNICODE_TRANSLATION);
-    SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), descriptor.get(), FALSE};
-    if (!wide.empty()) {
+    if (xtextToWide(name, wide) == XERR_SUCCESS) {
+        SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), descriptor.get(), FALSE};
         handle_ = ::CreateMutexW(&attributes, /*bInitialOwner=*/FALSE, wide.c_str());
+    } else {
+        ::SetLastError(ERROR_NO_UNICODE_TRANSLATION);
     }
     if (handle_ != nullptr) return XERR_SUCCESS;
     const DWORD error = ::GetLastError();

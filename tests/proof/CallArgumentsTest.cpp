@@ -313,6 +313,28 @@ TEST(MutexArguments, TheMutexIsOpenToEveryoneAndNotInherited) {
     EXPECT_EQ(mutexRequest.name, L"Global\\vtr_日本_nvo");
 }
 
+TEST(MutexArguments, ANameThatIsNotUtf8IsNotAskedFor) {
+    mutexRequest = {};
+    const LogCapture log;
+    const ReplacedImport<decltype(::CreateMutexW)> seen("CreateMutexW", seeMutex);
+    XmutexNamed mutex;
+    EXPECT_EQ(mutex.init("\xFF"), -1);
+    EXPECT_EQ(mutexRequest.count, 0);
+    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex '\xFF'. Error = 1113"});
+}
+
+TEST(MutexArguments, AnEmptyNameIsWindowsToJudge) {
+    const LogCapture log;
+    const ReplacedImport<decltype(::CreateMutexW)> refused(
+        "CreateMutexW", [](LPSECURITY_ATTRIBUTES, BOOL, LPCWSTR name) -> HANDLE {
+            ::SetLastError(*name == L'\0' ? ERROR_INVALID_NAME : ERROR_GEN_FAILURE);
+            return nullptr;
+        });
+    XmutexNamed mutex;
+    EXPECT_EQ(mutex.init(""), -1);
+    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex ''. Error = 123"});
+}
+
 // The processes that run.
 
 namespace {
