@@ -54,9 +54,9 @@ XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& do
         std::uint32_t moved = 0;
         const XErr err =
             xfileRead(file, static_cast<char*>(buffer) + done, pieceOf(length - done), moved);
+        done += moved;
         if (err != XERR_SUCCESS) return err;
         if (moved == 0) return XERR_NODATA;
-        done += moved;
     }
     return XERR_SUCCESS;
 }

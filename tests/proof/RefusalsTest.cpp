@@ -166,6 +166,13 @@ BOOL WINAPI writeNothing(HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) {
     return TRUE;
 }
 
+// Moves two bytes at each call, of which the second fails all the same.
+BOOL WINAPI readTwoThenFailWithTwo(HANDLE, LPVOID bytes, DWORD, LPDWORD done, LPOVERLAPPED) {
+    std::memset(bytes, 'x', 2);
+    *done = 2;
+    return ++calls == 1 ? TRUE : refuse(ERROR_IO_DEVICE, FALSE);
+}
+
 // Held by another program for the first two attempts.
 BOOL WINAPI moveAtTheThirdAttempt(LPCWSTR, LPCWSTR, DWORD) {
     return ++calls < 3 ? refuse(ERROR_SHARING_VIOLATION, FALSE) : TRUE;
@@ -263,6 +270,19 @@ TEST_F(FileRefusals, ADeviceThatTakesNothingIsAnError) {
     const OddWrite nothing("WriteFile", writeNothing);
     EXPECT_EQ(xfileWriteAll(file, "abc", 3, done), XERR_IO);
     EXPECT_EQ(done, 0u);
+}
+
+TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
+    folder.write("f", "abcdef");
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+    std::size_t done = 77;
+    char bytes[6] = {};
+    const ReplacedImport<decltype(::ReadFile)> failing("ReadFile", readTwoThenFailWithTwo);
+    EXPECT_EQ(xfileReadAll(file, bytes, sizeof bytes, done), XERR_IO);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(done, 4u);
+    EXPECT_STREQ(bytes, "xxxx");
 }
 
 TEST_F(FileRefusals, ASharingViolationIsWaitedForWithPatience) {
