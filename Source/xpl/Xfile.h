@@ -79,7 +79,8 @@ void xfileClose(Xfile& file);
 // characters. The root of a drive and the share of a UNC path are never created.
 [[nodiscard]] XErr xfileMakeFolders(const std::string& path);
 
-// Writes a file's data to the disk. The file must exist.
+// Writes a file's data to the disk. The file must exist; its missing folder is made all the same,
+// as by every open that may write.
 [[nodiscard]] XErr xfileFlush(const std::string& path);
 
 // Flushes `source` and moves it onto `destination`, replacing what is there. A failed flush is

@@ -244,6 +244,16 @@ TEST_F(XfileTest, MoveOfAMissingSourceWarnsAndFails) {
     EXPECT_EQ(folder.list(), std::vector<std::string>{});
 }
 
+TEST_F(XfileTest, MoveFromAMissingFolderMakesTheFolderAndFails) {
+    const LogCapture log;
+    const std::string from = folder / "new\\from";
+    EXPECT_EQ(xfileMove(from, folder / "to"), XERR_NOENT);
+    EXPECT_EQ(log.texts(), std::vector<std::string>{"W XFILE Error in flushing file " + from +
+                                                    " to disk. Error = 2"});
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"new"});
+    EXPECT_FALSE(folder.has("new\\from"));
+}
+
 TEST_F(XfileTest, FlushNeverCreatesTheFile) {
     EXPECT_EQ(xfileFlush(folder / "f"), XERR_NOENT);
     EXPECT_FALSE(folder.has("f"));
