@@ -1,4 +1,6 @@
 // Path arithmetic of the file module: no file is touched here.
+#include <algorithm>
+
 #include "xpl/Xfile.h"
 
 namespace {
@@ -6,9 +8,20 @@ namespace {
 constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
 constexpr std::wstring_view kLongUncPrefix = L"\\\\?\\UNC\\";
 constexpr std::wstring_view kUncPrefix = L"\\\\";
+constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
+constexpr std::wstring_view kUncRoot = L"UNC\\";
 
 bool startsWith(std::wstring_view text, std::wstring_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
+}
+
+// The same for a prefix in capitals, whatever the text's letters are.
+bool startsWithLetters(std::wstring_view text, std::wstring_view prefix) {
+    constexpr auto isSame = [](wchar_t capital, wchar_t c) {
+        return c == capital || (c >= L'a' && c <= L'z' && c - L'a' + L'A' == capital);
+    };
+    return text.size() >= prefix.size() &&
+           std::equal(prefix.begin(), prefix.end(), text.begin(), isSame);
 }
 
 // What cannot be created ("\\?\C:", "\\?\UNC\server\share") and the rest of a path.
@@ -28,11 +41,12 @@ SplitPath cutAfterComponents(std::wstring_view prefix, std::wstring_view path, i
 }
 
 SplitPath splitRoot(std::wstring_view path) {
-    if (startsWith(path, kLongUncPrefix)) {
-        return cutAfterComponents(kLongUncPrefix, path.substr(kLongUncPrefix.size()), 2);
-    }
-    if (startsWith(path, kLongPrefix)) {
-        return cutAfterComponents(kLongPrefix, path.substr(kLongPrefix.size()), 1);
+    if (startsWith(path, kLongPrefix) || startsWith(path, kDevicePrefix)) {
+        const std::wstring_view inside = path.substr(kLongPrefix.size());
+        if (!startsWithLetters(inside, kUncRoot)) {
+            return cutAfterComponents(kLongPrefix, inside, 1);
+        }
+        return cutAfterComponents(kLongUncPrefix, inside.substr(kUncRoot.size()), 2);
     }
     if (startsWith(path, kUncPrefix)) {
         return cutAfterComponents(kLongUncPrefix, path.substr(kUncPrefix.size()), 2);

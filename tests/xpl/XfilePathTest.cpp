@@ -46,6 +46,22 @@ TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
               (Chain{L"\\\\?\\UNC\\server\\share\\a"}));
 }
 
+TEST(XfilePath, TheRootOfSharesIsInAnyCase) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\unc\\server\\share\\a"),
+              (Chain{L"\\\\?\\UNC\\server\\share\\a"}));
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\Unc\\server\\share"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\unC"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\UND\\a"), (Chain{L"\\\\?\\UND\\a"}));
+    EXPECT_EQ(xfileFolderChain(L"\\\\?\\UN"), Chain{});
+}
+
+TEST(XfilePath, FoldersOfADeviceAreThoseOfALongPath) {
+    EXPECT_EQ(xfileFolderChain(L"\\\\.\\C:\\"), Chain{});
+    EXPECT_EQ(xfileFolderChain(L"\\\\.\\C:\\a\\b"), (Chain{L"\\\\?\\C:\\a", L"\\\\?\\C:\\a\\b"}));
+    EXPECT_EQ(xfileFolderChain(L"\\\\.\\unc\\server\\share\\a"),
+              (Chain{L"\\\\?\\UNC\\server\\share\\a"}));
+}
+
 TEST(XfilePath, AServerWithoutAShareHasNothingToCreate) {
     EXPECT_EQ(xfileFolderChain(L"\\\\server"), Chain{});
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server"), Chain{});
