@@ -13,8 +13,9 @@ constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
 
 QString qtPath(const std::string& path) { return QString::fromStdString(xfileSystemPath(path)); }
 
-std::string joined(const std::string& folder, const QString& name) {
-    return folder + QDir::separator().toLatin1() + name.toStdString();
+// Not as UTF-8, which has no bytes for every name that a file can have.
+QString joined(const std::string& folder, const QString& name) {
+    return qtPath(folder) + QDir::separator() + name;
 }
 
 // An empty folder, whatever was there. A failure shows when files are copied into it.
@@ -24,9 +25,11 @@ void makeAfresh(const std::string& folder) {
     QDir().mkpath(qtPath(folder));
 }
 
+// Entries come by name, without regard to case: QDir::NoSort leaves a listing to the folder's object,
+// and that is the order it has.
 void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
     for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort)) {
-        const std::string target = joined(destination, name);
+        const std::string target = destination + QDir::separator().toLatin1() + name.toStdString();
         makeAfresh(target);
         // Its failures are logged, and do not count here.
         static_cast<void>(utlCopyRecursive(source + "/" + name.toStdString(), target));
@@ -37,7 +40,7 @@ XErr copyFiles(const QDir& folder, const std::string& source, const std::string&
     XErr result = XERR_SUCCESS;
     for (const QString& name : folder.entryList(QDir::Files, QDir::NoSort)) {
         // Never overwrites.
-        if (QFile::copy(qtPath(joined(source, name)), qtPath(joined(destination, name)))) continue;
+        if (QFile::copy(joined(source, name), joined(destination, name))) continue;
         XLOG_W(kLog, "%s: Failed to copy file = %s", "utlCopyRecursive",
                name.toStdString().c_str());
         result = XERR_FAILURE;

@@ -158,6 +158,16 @@ TEST_F(UtlCopyTest, AnExistingFileKeepsItsContentAndTheOthersAreCopied) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
 }
 
+TEST_F(UtlCopyTest, FailuresOfAFolderAreLoggedByNameWithoutRegardToCase) {
+    const std::vector<std::string> names{"d", "B", "a", "C"};
+    fillSource(names);
+    folder.makeFolder("destination");
+    for (const std::string& name : names) folder.write("destination\\" + name, "old");
+    EXPECT_EQ(copy(), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE),
+              (Lines{failedLine("a"), failedLine("B"), failedLine("C"), failedLine("d")}));
+}
+
 TEST_F(UtlCopyTest, AFolderInPlaceOfAFileStays) {
     fillSource({"a"});
     folder.makeFolder("destination\\a");
