@@ -117,6 +117,7 @@ TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
 
 SCENE(locksUninitialised) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
+    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
     XmutexNamed mutex;
     mutex.lock();
     mutex.unlock();
@@ -127,11 +128,14 @@ TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
     const ChildResult result = runScene("locksUninitialised");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("lock: Error in taking lock, GetLastError: 6"), std::string::npos);
-    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"), std::string::npos);
+    EXPECT_NE(result.out.find("XmutexNamed::lock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
+              std::string::npos)
+        << result.out;
 }
 
 SCENE(unlocksUnowned) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
+    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.unlock();
@@ -143,5 +147,7 @@ TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("unlock: Error in unlocking, GetLastError: 288"), std::string::npos)
         << result.out;
-    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK:"), std::string::npos);
+    EXPECT_NE(result.out.find("XmutexNamed::unlock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
+              std::string::npos)
+        << result.out;
 }
