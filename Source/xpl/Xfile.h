@@ -45,7 +45,8 @@ class Xfile {
 // for the flush warning of the two moves.
 
 // Opens `path`. In every mode but Read, a missing folder before the last "\" is created first
-// ("/" does not count in this step); the open reports the real outcome.
+// ("/" does not count in this step); the open reports the real outcome. A mode that is none of the
+// five opens like Read, and creates the folder all the same.
 [[nodiscard]] XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode);
 
 // One read or write call. `done` is the count of bytes moved.

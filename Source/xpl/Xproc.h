@@ -34,7 +34,9 @@ using XprocArguments = std::vector<std::string>;
 // Ends a process. Always 0: a failure is only logged. The handle stays open.
 XErr xprocKill(XprocHandle handle, std::uint32_t exitCode);
 
-// Sets an environment variable of this process and of the children that start from now on.
+// Sets an environment variable of this process and of the children that start from now on; an empty
+// value removes it. Texts beyond ASCII are UTF-8 only where the C runtime's locale is
+// (xsystemUseUtf8, which the start-up of the platform layer calls); else they are of its code page.
 [[nodiscard]] XErr xprocSetEnvironment(const std::string& name, const std::string& value);
 
 // An argument as the product's programs parse it: between double quotes, with a backslash before

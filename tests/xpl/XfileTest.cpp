@@ -45,6 +45,12 @@ TEST_F(XfileTest, AnUnlistedModeReads) {
     EXPECT_EQ(folder.read("f"), "abc");
 }
 
+TEST_F(XfileTest, AnUnlistedModeCreatesTheMissingFolders) {
+    EXPECT_EQ(writeWith(folder / "new\\f", static_cast<XfileMode>(0), "x"), XERR_NOENT);
+    EXPECT_TRUE(folder.has("new"));
+    EXPECT_FALSE(folder.has("new\\f"));
+}
+
 TEST_F(XfileTest, ReadWriteModeKeepsWhatIsThere) {
     EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "abcdef"), 0);
     EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "XY"), 0);
@@ -89,6 +95,16 @@ TEST_F(XfileTest, WritingModesCreateTheMissingFolders) {
 TEST_F(XfileTest, OnlyBackslashesCountForTheMissingFolder) {
     EXPECT_EQ(writeWith(folder / "new/f", XfileMode::Append, "x"), XERR_NOENT);
     EXPECT_FALSE(folder.has("new"));
+}
+
+TEST_F(XfileTest, TheLogOfAMissingDataFolderCreatesThatAndNotTheFolderOfLogs) {
+    const std::string log = folder / "Data\\Logs/Player.log";
+    EXPECT_EQ(writeWith(log, XfileMode::Append, "x"), XERR_NOENT);
+    EXPECT_TRUE(folder.has("Data"));
+    EXPECT_FALSE(folder.has("Data\\Logs"));
+    folder.makeFolder("Data\\Logs");
+    EXPECT_EQ(writeWith(log, XfileMode::Append, "x"), 0);
+    EXPECT_EQ(folder.read("Data\\Logs\\Player.log"), "x");
 }
 
 TEST_F(XfileTest, AFileInPlaceOfTheFolderIsTheOpensFailure) {

@@ -6,9 +6,11 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
+#include "support/Wine.h"
 #include "support/process_figures.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
+#include "xpl/Xsystem.h"
 #include "xpl/Xtext.h"
 
 namespace {
@@ -35,13 +37,14 @@ class FakeCalls {
     static Lines seen;
 
  private:
-    static unsigned long create(std::wstring& commandLine, void*& process) {
+    static unsigned long create(std::wstring& commandLine, XprocPtr& process) {
         seen.push_back("create " + xtextToUtf8(commandLine));
         commandLine[0] = L'?';  // as the real call may
-        if (createResult == 0) process = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        if (createResult == 0) process.reset(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
         return createResult;
     }
-    static unsigned long runAs(const std::wstring& file, const std::wstring& parameters, void*&) {
+    static unsigned long runAs(const std::wstring& file, const std::wstring& parameters,
+                               XprocPtr&) {
         seen.push_back("runas " + xtextToUtf8(file) + " | " + xtextToUtf8(parameters));
         return runAsResult;
     }
@@ -81,6 +84,40 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
                                               R"( "--scene" "writesItsCommandLine" ")" + slashed +
                                               "\" " + hard.quoted);
     }
+}
+
+namespace {
+
+constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
+
+}  // namespace
+
+SCENE(writesItsVariable) {
+    wchar_t value[64] = L"";
+    ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
+    writeBytes(arguments[0], xtextToUtf8(value));
+    return 0;
+}
+
+// In a process of its own, whose locale may change.
+SCENE(setsVariableBeyondAscii) {
+    xsystemUseUtf8();
+    XprocHandle child = nullptr;
+    if (xprocSetEnvironment("BRIDGE_TEST", kBeyondAscii) != 0) return 1;
+    if (xprocCreate(&child, {ownPath(), "--scene", "writesItsVariable", arguments[0]}) != 0)
+        return 2;
+    return xprocWait(child, nullptr);
+}
+
+TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
+    if (runsUnderWine()) {
+        GTEST_SKIP() << "needs Windows, whose C runtime sets variables in the locale's encoding";
+    }
+    const TempFolder folder;
+    std::string file = folder / "value";
+    for (char& c : file) c = c == '\\' ? '/' : c;
+    EXPECT_EQ(runScene("setsVariableBeyondAscii", {file}).status, 0u);
+    EXPECT_EQ(folder.read("value"), kBeyondAscii);
 }
 
 TEST(Xproc, AProgramThatNeedsElevationIsStartedThroughTheShell) {
