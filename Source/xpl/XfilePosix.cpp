@@ -81,16 +81,19 @@ int makeFolder(const char* path) {
     return result != 0 && errno == EEXIST ? 0 : result;
 }
 
-// The product's form of an absolute path.
-std::string absolutePath(const std::string& path) {
-    std::string absolute = path;
-    if (xfileSystemPath(path).front() != '/') {
+// The product's form of an absolute path. A drive alone stands for the current folder, as on
+// Windows.
+XErr absolutePath(const std::string& path, std::string& absolute) {
+    if (path.empty()) return XERR_NOENT;
+    absolute = xfileSystemPath(path);
+    if (absolute.empty() || absolute.front() != '/') {
         char folder[4096];
-        if (::getcwd(folder, sizeof folder) != nullptr) absolute = std::string(folder) + "/" + path;
+        if (::getcwd(folder, sizeof folder) == nullptr) return translated(errno);
+        absolute = std::string(folder) + "/" + absolute;
     }
     std::replace(absolute.begin(), absolute.end(), '/', '\\');
-    const bool hasDrive = absolute.size() > 1 && absolute[1] == ':';
-    return hasDrive || absolute.substr(0, 2) == "\\\\" ? absolute : "C:" + absolute;
+    if (absolute.substr(0, 2) != "\\\\") absolute.insert(0, "C:");
+    return XERR_SUCCESS;
 }
 
 }  // namespace
@@ -171,9 +174,11 @@ XErr xfileRemoveFolder(const std::string& path) {
 XErr xfileCreateFolder(const std::string& path) { return withPath(path, makeFolder); }
 
 XErr xfileMakeFolders(const std::string& path) {
-    std::wstring absolute;
-    if (const XErr err = xtextToWide(absolutePath(path), absolute); err != XERR_SUCCESS) return err;
-    for (const std::wstring& folder : xfileFolderChain(absolute)) {
+    std::string absolute;
+    std::wstring wide;
+    if (const XErr err = absolutePath(path, absolute); err != XERR_SUCCESS) return err;
+    if (const XErr err = xtextToWide(absolute, wide); err != XERR_SUCCESS) return err;
+    for (const std::wstring& folder : xfileFolderChain(wide)) {
         const std::string narrow = xtextToUtf8(folder);
         if (xfileExists(narrow) == XERR_SUCCESS) continue;
         if (const XErr err = xfileCreateFolder(narrow); err != XERR_SUCCESS) return err;

@@ -46,7 +46,4 @@ TEST(XfileHandles, PathsThatAreNotUtf8AreRefusedByEveryFunction) {
     EXPECT_EQ(folder.read("good"), "content");
 }
 
-TEST(XfileHandles, AMissingPathCannotBeMade) {
-    EXPECT_NE(xfileMakeFolders(""), 0);
-    EXPECT_NE(xfileMakeFolders("?:\\a"), 0);
-}
+TEST(XfileHandles, AMissingPathCannotBeMade) { EXPECT_NE(xfileMakeFolders("?:\\a"), 0); }

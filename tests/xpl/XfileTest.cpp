@@ -239,6 +239,24 @@ TEST_F(XfileTest, MakeFoldersTakesARelativePath) {
     EXPECT_TRUE(folder.has("rel\\sub"));
 }
 
+TEST_F(XfileTest, MakeFoldersTakesADrivesCurrentFolder) {
+    {
+        const InFolder here(folder.path());
+        const std::string drive = folder.path().substr(0, 2);
+        EXPECT_EQ(xfileMakeFolders(drive), 0);
+        EXPECT_EQ(folder.list(), std::vector<std::string>{});
+        EXPECT_EQ(xfileMakeFolders(drive + "a\\b"), 0);
+    }
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"a"});
+    EXPECT_TRUE(folder.has("a\\b"));
+}
+
+TEST_F(XfileTest, MakeFoldersNeedsAPath) {
+    const InFolder here(folder.path());
+    EXPECT_NE(xfileMakeFolders(""), 0);
+    EXPECT_EQ(folder.list(), std::vector<std::string>{});
+}
+
 TEST_F(XfileTest, MakeFoldersReportsTheFirstRealFailure) {
     folder.write("file", "x");
     EXPECT_EQ(xfileMakeFolders(folder / "file\\a\\b"), XERR_NOENT);
