@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <mutex>
@@ -33,9 +34,22 @@ struct Shared {
     // one who waits, as on Windows, where a mutex goes to those who wait in their order.
     pthread_mutex_t turn;
     pthread_mutex_t mutex;
-    std::atomic<pid_t> owner;  // a thread, or 0
-    int depth;                 // of the owner
 };
+
+// What this process knows of it. Who owns it is known to the owner's process alone: what a process
+// that died had written would name another thread as soon as the system gives its number again.
+struct Named {
+    Shared* shared = nullptr;
+    std::atomic<std::uint64_t> owner{0};  // a thread of this process, or 0
+    int depth = 0;                        // of the owner
+};
+
+// This thread, by a number that no other thread of this process ever has.
+std::uint64_t thisThread() {
+    static std::atomic<std::uint64_t> last{0};
+    thread_local const std::uint64_t number = ++last;
+    return number;
+}
 
 constexpr std::string_view kGlobal = "Global\\";
 
@@ -88,14 +102,15 @@ Shared* mapNamed(const std::string& path) {
     return mapFile(path, 0);
 }
 
-// One mapping for each name of this process, and for ever: a mutex must have one address.
-Shared* sharedOf(const std::string& name) {
+// One mapping for each name of this process, and for ever: a mutex must have one address. Null when
+// it cannot be made.
+Named* namedOf(const std::string& name) {
     static std::mutex guard;
-    static auto& all = *new std::map<std::string, Shared*>;
+    static auto& all = *new std::map<std::string, Named>;
     const std::lock_guard<std::mutex> lock(guard);
-    Shared*& known = all[name];
-    if (known == nullptr) known = mapNamed(pathOf(name));
-    return known;
+    Named& known = all[name];
+    if (known.shared == nullptr) known.shared = mapNamed(pathOf(name));
+    return known.shared == nullptr ? nullptr : &known;
 }
 
 // The answer of a lock function: what a dead owner left is taken over.
@@ -106,17 +121,18 @@ bool isTaken(pthread_mutex_t& mutex, int answer) {
 
 // Takes the turn and then the mutex by one of the lock functions.
 template <typename Lock>
-bool take(Shared& shared, Lock lock) {
+bool take(Named& named, Lock lock) {
+    Shared& shared = *named.shared;
     if (!isTaken(shared.turn, lock(&shared.turn))) return false;
     const bool taken = isTaken(shared.mutex, lock(&shared.mutex));
     ::pthread_mutex_unlock(&shared.turn);
     if (!taken) return false;
-    shared.owner = ::gettid();
-    shared.depth = 1;
+    named.owner = thisThread();
+    named.depth = 1;
     return true;
 }
 
-bool isMine(const Shared& shared) { return shared.owner == ::gettid(); }
+bool isMine(const Named& named) { return named.owner == thisThread(); }
 
 }  // namespace
 
@@ -129,7 +145,7 @@ std::int32_t XmutexNamed::init(const std::string& name) {
     } else if (!isInNamespace(name)) {
         error = kPathNotFound;
     } else {
-        handle_ = sharedOf(name);
+        handle_ = namedOf(name);
         if (handle_ == nullptr) error = kInvalidHandle;
     }
     if (error == 0) return XERR_SUCCESS;
@@ -140,13 +156,13 @@ std::int32_t XmutexNamed::init(const std::string& name) {
 void XmutexNamed::close() noexcept { handle_ = nullptr; }
 
 void XmutexNamed::lock() {
-    auto* const shared = static_cast<Shared*>(handle_);
-    if (shared != nullptr) {
-        if (isMine(*shared)) {
-            ++shared->depth;
+    auto* const named = static_cast<Named*>(handle_);
+    if (named != nullptr) {
+        if (isMine(*named)) {
+            ++named->depth;
             return;
         }
-        if (take(*shared, ::pthread_mutex_lock)) return;
+        if (take(*named, ::pthread_mutex_lock)) return;
     }
     XLOG_E(kLog, "%s: Error in taking lock, GetLastError: %u", "lock",
            static_cast<unsigned>(kInvalidHandle));
@@ -154,28 +170,28 @@ void XmutexNamed::lock() {
 }
 
 bool XmutexNamed::try_lock() {
-    auto* const shared = static_cast<Shared*>(handle_);
-    if (shared == nullptr) {
+    auto* const named = static_cast<Named*>(handle_);
+    if (named == nullptr) {
         XLOG_E(kLog, "%s: Error in try_lock, GetLastError: %u", "try_lock",
                static_cast<unsigned>(kInvalidHandle));
         return false;
     }
-    if (isMine(*shared)) {
-        ++shared->depth;
+    if (isMine(*named)) {
+        ++named->depth;
         return true;
     }
-    return take(*shared, ::pthread_mutex_trylock);
+    return take(*named, ::pthread_mutex_trylock);
 }
 
 void XmutexNamed::unlock() {
-    auto* const shared = static_cast<Shared*>(handle_);
-    if (shared != nullptr && isMine(*shared)) {
-        if (--shared->depth > 0) return;
-        shared->owner = 0;
-        ::pthread_mutex_unlock(&shared->mutex);
+    auto* const named = static_cast<Named*>(handle_);
+    if (named != nullptr && isMine(*named)) {
+        if (--named->depth > 0) return;
+        named->owner = 0;
+        ::pthread_mutex_unlock(&named->shared->mutex);
         return;
     }
     XLOG_E(kLog, "%s: Error in unlocking, GetLastError: %u", "unlock",
-           static_cast<unsigned>(shared == nullptr ? kInvalidHandle : kNotOwner));
+           static_cast<unsigned>(named == nullptr ? kInvalidHandle : kNotOwner));
     xlogFatalBreak(kLog, __LINE__, "XmutexNamed::unlock");
 }
