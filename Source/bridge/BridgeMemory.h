@@ -4,8 +4,9 @@
 #include <string_view>
 
 // A copy that the host owns and gives back to bridgeFreeMemory: malloc and free of this library's C
-// runtime, whatever the host's is. Null when memory is short.
-char* bridgeHostCopy(std::string_view text) noexcept;
+// runtime, whatever the host's is. Never null: when memory is short it throws std::bad_alloc, which
+// the fence logs, so that no export answers null without a line.
+char* bridgeHostCopy(std::string_view text);
 void bridgeHostFree(void* memory) noexcept;
 
 #endif

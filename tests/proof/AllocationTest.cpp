@@ -3,6 +3,8 @@
 #include <bridge/bridge.h>
 #include <gtest/gtest.h>
 
+#include <cstdarg>
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,6 +14,7 @@
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
+#include "xpl/Xlog.h"
 
 namespace {
 
@@ -25,6 +28,43 @@ std::optional<std::string> taken(char* text) {
     bridgeFreeMemory(text);
     return copy;
 }
+
+// Takes this process's error lines while it lives, into memory that no shortage can refuse.
+class ErrorLines {
+ public:
+    ErrorLines() : previous_(xlogGetLogger()) {
+        const XlogLogger own{isError, take};
+        static_cast<void>(xlogLibInit(&own, {}));
+        clear();
+    }
+    ~ErrorLines() { static_cast<void>(xlogLibInit(&previous_, {})); }
+    ErrorLines(const ErrorLines&) = delete;
+    ErrorLines& operator=(const ErrorLines&) = delete;
+
+    static int count() { return count_; }
+    static std::string last() { return last_; }
+    static void clear() {
+        count_ = 0;
+        last_[0] = '\0';
+    }
+
+ private:
+    static std::int32_t isError(std::int32_t, std::int32_t level) { return level == XLOG_ERROR; }
+
+    static std::int32_t take(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
+                             const char* format, ...) XPRINTF_LIKE(6, 7) {
+        std::va_list arguments;
+        va_start(arguments, format);
+        const int length = std::vsnprintf(last_, sizeof last_, format, arguments);
+        va_end(arguments);
+        ++count_;
+        return length;
+    }
+
+    static inline int count_ = 0;
+    static inline char last_[1000];
+    XlogLogger previous_;
+};
 
 class AllocationTest : public ::testing::Test {
  protected:
@@ -74,14 +114,21 @@ class AllocationTest : public ::testing::Test {
         return shortages;
     }
 
-    // A text is the one that comes with plenty of memory, or none.
-    static void expectText(const std::function<char*()>& call) {
+    // A text is the one that comes with plenty of memory, or none after one error line with the
+    // function's name.
+    static void expectText(const std::string& name, const std::function<char*()>& call) {
         const std::optional<std::string> plenty = taken(call());
         ASSERT_TRUE(plenty.has_value());
+        const ErrorLines errors;
         const int shortages = inEveryShortage(call, [&](char* text) {
             const std::optional<std::string> answer = taken(text);
             EXPECT_EQ(answer.value_or(*plenty), *plenty);
+            EXPECT_EQ(errors.count(), answer ? 0 : 1);
+            const std::string start = answer ? "" : name + ": exception: ";
+            EXPECT_EQ(errors.last().substr(0, start.size()), start);
+            errors.clear();
             EXPECT_EQ(taken(call()), plenty) << "afterwards";
+            EXPECT_EQ(errors.count(), 0) << errors.last();
         });
         EXPECT_GT(shortages, 0);
     }
@@ -112,8 +159,8 @@ int numberOf(char* text) { return std::stoi(taken(text).value_or("-1")); }
 }  // namespace
 
 TEST_F(AllocationTest, Getters) {
-    expectText([] { return bridgeConfGetString(kLocale); });
-    expectText([] { return bridgeConfGetMultiString(kFolders); });
+    expectText("bridgeConfGetString", [] { return bridgeConfGetString(kLocale); });
+    expectText("bridgeConfGetMultiString", [] { return bridgeConfGetMultiString(kFolders); });
     inEveryShortage([] { return bridgeConfGetI32(kDpi); },
                     [](bridge_i32 dpi) { EXPECT_TRUE(dpi == 240 || dpi == 0) << dpi; });
     inEveryShortage([] { return bridgeConfGetBool("vtr.enable_adb_access"); },
@@ -196,8 +243,8 @@ TEST_F(AllocationTest, Initialisation) {
 }
 
 TEST_F(AllocationTest, Listings) {
-    expectText([] { return bridgeConfGetInstances(); });
-    expectText([] { return bridgeGetInstalledApps("Nougat64"); });
+    expectText("bridgeConfGetInstances", [] { return bridgeConfGetInstances(); });
+    expectText("bridgeGetInstalledApps", [] { return bridgeGetInstalledApps("Nougat64"); });
 }
 
 TEST_F(AllocationTest, Programs) {
