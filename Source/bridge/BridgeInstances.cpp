@@ -10,10 +10,11 @@ namespace {
 // About the size of an element.
 constexpr std::size_t kElementSize = 320;
 
-// What is read of an instance, in this order: an unknown image and a number that cannot be read are
-// fatal.
+// What is read of an instance, in this order: an unknown image, a key that is being removed and a
+// number that cannot be read are fatal, and the first one says so.
 struct Instance {
     Instance(ConfStore& store, const std::string& instanceName) : name(instanceName) {
+        imageName = utlGetImageTrait(utlImageNameOfInstance(name)).name;
         std::string key = confInstancePrefix(name);
         const std::size_t prefix = key.size();
         const auto keyOf = [&](const char* property) -> const std::string& {
@@ -22,17 +23,16 @@ struct Instance {
         deviceProfile = confGetString(store, keyOf("device_profile_code"));
         graphicsEngine = confGetString(store, keyOf("graphics_engine"));
         graphicsRenderer = confGetString(store, keyOf("graphics_renderer"));
-        imageName = utlGetImageTrait(utlImageNameOfInstance(name)).name;
         displayName = confGetString(store, keyOf("display_name"));
         ram = confGetI32(store, keyOf("ram"));
         cpu = confGetI32(store, keyOf("cpus"));  // the one that is not shown under its name
     }
 
     const std::string& name;
+    const char* imageName;
     std::string deviceProfile;
     std::string graphicsEngine;
     std::string graphicsRenderer;
-    const char* imageName;
     std::string displayName;
     std::int32_t ram;
     std::int32_t cpu;
