@@ -7,10 +7,18 @@
 #include "plr/PlrEnc.h"
 #include "utl/UtlFolders.h"
 
+namespace {
+
+std::string playerServer(const std::string& instance) {
+    return utlLocalObjectName("plr_" + instance);
+}
+
+}  // namespace
+
 namespace bridge {
 
 XErr bridgePlrShutdown(const std::string& instance, bool flag, ClientInit init) {
-    const std::string server = utlLocalObjectName("plr_" + instance);
+    const std::string server = playerServer(instance);
     IpcClient client;
     if (const int err = init(client, server); err != 0) {
         XLOG_E(kLog, "IPC client for %s init failed: err %d", server.c_str(), err);
@@ -28,7 +36,14 @@ void bridgeShutdown(ClientInit init) {
         mimShutdownRpc(manager);
     }
     for (const std::string& instance : confGetInstances(confStore())) {
-        static_cast<void>(bridgePlrShutdown(instance, /*flag=*/false, init));
+        // Not by way of bridgePlrShutdown: the line of a failure carries this function's name.
+        const std::string server = playerServer(instance);
+        IpcClient player;
+        if (const int err = init(player, server); err != 0) {
+            XLOG_E(kLog, "IPC client for %s init failed: err %d", server.c_str(), err);
+        } else {
+            plrShutdownRpc(player, /*flag=*/false);
+        }
     }
 }
 
