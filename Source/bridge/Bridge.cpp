@@ -3,12 +3,12 @@
 #include <bridge/bridge.h>
 
 #include "bridge/BridgeApps.h"
+#include "bridge/BridgeCommit.h"
 #include "bridge/BridgeEvents.h"
 #include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeInstances.h"
 #include "bridge/BridgeLaunch.h"
-#include "bridge/BridgeLog.h"
 #include "bridge/BridgeMemory.h"
 #include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
@@ -78,10 +78,8 @@ bridge_i32 bridgeConfCommit(void) {
 }
 
 bridge_i32 bridgeConfCommitToFile(const char* path) {
-    return bridgeStatus(__func__, {path}, [&] {
-        XLOG_I(kLog, "bridgeConfCommitToFile args: %s", path);
-        return confCommitToFile(confStore(), path);
-    });
+    return bridgeStatus(__func__, {path},
+                        [&] { return bridge::bridgeConfCommitToFile(confStore(), path); });
 }
 
 char* bridgeConfGetInstances(void) {
