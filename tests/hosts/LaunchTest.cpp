@@ -1,4 +1,5 @@
 #include "PlainHost.h"
+#include "support/Platform.h"
 
 namespace {
 
@@ -20,6 +21,9 @@ class LaunchTest : public PlainHostTest {
 
     void SetUp() override { writeConf(""); }
 };
+
+// What the initialisation logs.
+constexpr std::size_t kLinesOfTheStart = 3;
 
 constexpr const char* kPlayer = R"("C:\\No Such\\QX-Player.exe")";
 constexpr const char* kManager = R"("C:\\No Such\\QX-MultiInstanceManager.exe")";
@@ -47,23 +51,78 @@ TEST_F(LaunchTest, EachFunctionHasItsCommandLine) {
                         R"("--deviceProfile" "s21 \"u\"")");
 }
 
-TEST_F(LaunchTest, NullTextsAreRefused) {
-    EXPECT_EQ(output({"init", "Helper", "launchapp", "(null)", "x", "appstore", "a", "(null)", "c",
-                      "image", "(null)", "create", "a", "b", "c", "d", "e", "(null)"}),
-              (Lines{"init 0", "launchapp 22", "appstore 22", "image 22", "create 22"}));
+TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
+    const struct {
+        const char* operation;
+        std::string function;
+        std::size_t texts;
+        Script rest;
+    } functions[] = {{"launchapp", "bridgeLaunchApp", 2, {}},
+                     {"appstore", "bridgeLaunchAppStore", 3, {}},
+                     {"url", "bridgeLaunchUrl", 2, {}},
+                     {"apk", "bridgeInstallApk", 2, {}},
+                     {"uninstall", "bridgeUninstallApp", 2, {}},
+                     {"image", "bridgeInstallImage", 1, {}},
+                     {"create", "bridgeCreateFreshInstance", 6, {}},
+                     {"plrshutdown", "bridgePlrShutdown", 1, {"1"}}};
+    std::size_t linesBefore = 0;
+    for (const auto& function : functions) {
+        Script script{"init", "Helper"};
+        Lines answers{"init 0"};
+        Lines refusals;
+        for (std::size_t place = 0; place < function.texts; ++place) {
+            Script texts(function.texts, "x");
+            texts[place] = "(null)";
+            script.push_back(function.operation);
+            script.insert(script.end(), texts.begin(), texts.end());
+            script.insert(script.end(), function.rest.begin(), function.rest.end());
+            answers.push_back(std::string(function.operation) + " 22");
+            refusals.push_back("E BRIDGE Helper_bridge " + function.function + ": null argument");
+        }
+        const std::size_t before = linesBefore + kLinesOfTheStart;
+        EXPECT_EQ(output(script), answers);
+        const Lines lines = log();
+        ASSERT_GE(lines.size(), before);
+        linesBefore = lines.size();
+        EXPECT_EQ(Lines(lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()),
+                  refusals);
+    }
+}
+
+// Into the product's stand-ins, which end after a second without a request.
+TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
+    const std::string bin = builtProgram("");
+    const std::string player = "Nougat64_" + std::to_string(ownProcessId());
+    ChildOptions options;
+    options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
+                           {"QX_STANDIN_SECONDS", "1"},
+                           {"QX_STANDIN_CLIENTS", "none"}};
+    const ChildResult result =
+        play({"registry",  "InstallDir", bin.substr(0, bin.size() - 4) + "standins\\",
+              "init",      "Helper",     "launchapp",
+              player,      "p",          "appstore",
+              player,      "s",          "p",
+              "url",       player,       "u",
+              "apk",       player,       "f",
+              "uninstall", player,       "p",
+              "image",     "Nougat32",   "create",
+              "Nougat64",  "1",          "2",
+              "g",         "r",          "d"},
+             options);
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "launchapp 0", "appstore 0", "url 0", "apk 0",
+                                          "uninstall 0", "image 0", "create 0"}));
+    EXPECT_EQ(log().size(), kLinesOfTheStart) << ::testing::PrintToString(log());
+    const auto haveEnded = [this] {
+        const std::string text = data.has("standins.txt") ? data.read("standins.txt") : "";
+        return text.find("ended: vtr_plr_") != std::string::npos &&
+               text.find("ended: vtr_mim_nvo") != std::string::npos;
+    };
+    for (int i = 0; i < 2000 && !haveEnded(); ++i) sleepMs(5);
+    EXPECT_TRUE(haveEnded()) << "their names and files are for the tests that follow";
 }
 
 TEST_F(LaunchTest, AMissingInstallFolderEndsTheHost) {
     EXPECT_EQ(play({"init", "Helper", "launchapp", "a", "b"}).status, kFatalStatus);
     EXPECT_EQ(log()[3], "E UTL Helper_bridge utlGetInstallDir: Failed to get install dir properly");
-}
-
-TEST_F(LaunchTest, NullTextsAreRefusedByEveryOtherFunctionToo) {
-    for (const Script& call :
-         {Script{"url", "a", "(null)"}, Script{"apk", "(null)", "b"},
-          Script{"uninstall", "a", "(null)"}, Script{"plrshutdown", "(null)", "1"}}) {
-        Script script{"init", "Helper"};
-        script.insert(script.end(), call.begin(), call.end());
-        EXPECT_EQ(output(script), (Lines{"init 0", call[0] + " 22"}));
-    }
 }
