@@ -268,7 +268,6 @@ TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
               R"("windowsErrors":[183]})");
     EXPECT_EQ(output({"explain", "101314"}).rfind("101314: Windows error 1314", 0), 0u);
     for (const char* code : {"134", "41", "99999", "2x", "", "XERR_", "NOSUCH"}) {
-        if (*code == '\0') continue;
         const ChildResult result = run({"explain", code});
         EXPECT_EQ(result.status, 3u) << code;
         EXPECT_EQ(result.err, std::string("bridgectl: no such result code: ") + code + "\n");

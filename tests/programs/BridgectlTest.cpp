@@ -412,6 +412,21 @@ TEST_F(BridgectlProgramsTest, TheManagerIsStartedAndShutDownWithEverything) {
     EXPECT_EQ(waitForLines(5)[3], "mimShutdownRpc()");
 }
 
+TEST_F(BridgectlProgramsTest, AnEmptyNameIsNoInstanceAndNobodyIsAsked) {
+    const Arguments install{"install-image", "Nougat32"};
+    EXPECT_EQ(output(install), "started\n");
+    const std::string started = waitForLines(2)[0];
+    expectFailure({"shutdown", ""}, 3, "no such instance: ");
+    EXPECT_EQ(output(install), "started\n");
+    EXPECT_EQ(waitForLines(3)[2], started) << "the manager goes on serving";
+    EXPECT_EQ(output({"shutdown"}), "asked the manager and every player\n");
+    EXPECT_EQ(waitForLines(5)[3], "mimShutdownRpc()");
+}
+
+TEST_F(BridgectlTest, TheKeysOfAnEmptyInstanceNameAreNotAllKeys) {
+    expectFailure({"conf", "list", "--instance", ""}, 3, "no such instance: ");
+}
+
 TEST_F(BridgectlProgramsTest, OutputCanBeJson) {
     options.environment.push_back({"QX_STANDIN_FORMAT", "json"});
     output({"launch", "Nougat64", "com.a"});

@@ -13,12 +13,13 @@ namespace {
 struct Arguments {
     bool globalOnly = false;
     std::string instance;
+    bool isForOne = false;
 };
 
 bool isWanted(const Arguments& arguments, const KeyInfo& info) {
     const ConfKey key = confSplitKey(info.key);
     if (arguments.globalOnly) return key.scope == ConfScope::Global;
-    return arguments.instance.empty() ||
+    return !arguments.isForOne ||
            (key.scope == ConfScope::Instance && key.instance == arguments.instance);
 }
 
@@ -39,7 +40,7 @@ std::string tableOf(Session& session, const std::vector<KeyInfo>& keys) {
 void run(Session& session, const Arguments& arguments) {
     if (!session.start()) return;
     const Configuration& configuration = session.configuration();
-    if (!arguments.instance.empty() && configuration.instances().count(arguments.instance) == 0) {
+    if (arguments.isForOne && configuration.instances().count(arguments.instance) == 0) {
         session.failInstance(arguments.instance);
         return;
     }
@@ -53,9 +54,13 @@ void run(Session& session, const Arguments& arguments) {
 void declare(CLI::App& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     CLI::Option* global = parser.add_flag("--global", arguments->globalOnly, "Global keys only");
-    parser.add_option("--instance", arguments->instance, "Keys of this instance only")
-        ->excludes(global);
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    CLI::Option* instance =
+        parser.add_option("--instance", arguments->instance, "Keys of this instance only")
+            ->excludes(global);
+    parser.callback([&session, arguments, instance] {
+        arguments->isForOne = instance->count() > 0;
+        run(session, *arguments);
+    });
 }
 
 }  // namespace

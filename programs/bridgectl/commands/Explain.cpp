@@ -31,13 +31,13 @@ void printOne(Session& session, const std::string& text) {
     }
 }
 
-void run(Session& session, const std::string& code, bool markdown) {
+void run(Session& session, const std::string* code, bool markdown) {
     if (markdown) {
         session.print(resultCodesMarkdown());
-    } else if (code.empty()) {
+    } else if (code == nullptr) {
         printAll(session);
     } else {
-        printOne(session, code);
+        printOne(session, *code);
     }
 }
 
@@ -47,7 +47,9 @@ void declare(CLI::App& parser, Session& session) {
     CLI::Option* option =
         parser.add_option("CODE", *code, "Number or name; without it, all are listed");
     parser.add_flag("--markdown", *markdown, "All, as the table of the document")->excludes(option);
-    parser.callback([&session, code, markdown] { run(session, *code, *markdown); });
+    parser.callback([&session, code, markdown, option] {
+        run(session, option->count() > 0 ? code.get() : nullptr, *markdown);
+    });
 }
 
 }  // namespace

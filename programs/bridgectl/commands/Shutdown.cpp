@@ -10,13 +10,19 @@
 namespace {
 
 struct Arguments {
-    std::string instance;  // empty: the manager and every player
+    std::string instance;
+    bool isForOne = false;  // else for the manager and every player
     bool flag = false;
 };
 
 void run(Session& session, const Arguments& arguments) {
+    // An empty name is a script's mistake, and must not end everything.
+    if (arguments.isForOne && arguments.instance.empty()) {
+        session.failInstance(arguments.instance);
+        return;
+    }
     if (!session.start()) return;
-    if (arguments.instance.empty()) {
+    if (!arguments.isForOne) {
         session.timed("bridgeShutdown", bridgeShutdown);
         session.confirm("asked the manager and every player", {{"instance", nullptr}});
         return;
@@ -38,7 +44,10 @@ void declare(CLI::App& parser, Session& session) {
         parser.add_option("INSTANCE", arguments->instance, "Only the player of this instance");
     parser.add_flag("--flag", arguments->flag, "The flag that the player is handed")
         ->needs(instance);
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.callback([&session, arguments, instance] {
+        arguments->isForOne = instance->count() > 0;
+        run(session, *arguments);
+    });
 }
 
 }  // namespace
