@@ -15,10 +15,6 @@ unsigned char* put(unsigned char* to, Number number) {
     return to + sizeof number;
 }
 
-std::uint32_t textCount(std::string_view text) {
-    return static_cast<std::uint32_t>(text.size() + 1);
-}
-
 }  // namespace
 
 std::size_t IpcField::size() const {
@@ -26,7 +22,7 @@ std::size_t IpcField::size() const {
         case IpcFieldType::Double:
             return sizeof double_;
         case IpcFieldType::Text:
-            return sizeof(std::uint32_t) + textCount(text_);
+            return ipcTextSize(text_.size());
         case IpcFieldType::I32:
         case IpcFieldType::Bool:
             break;
@@ -37,10 +33,11 @@ std::size_t IpcField::size() const {
 unsigned char* IpcField::write(unsigned char* to) const {
     if (type_ == IpcFieldType::Double) return put(to, double_);
     if (type_ != IpcFieldType::Text) return put(to, i32_);
-    to = put(to, textCount(text_));
+    const std::size_t count = text_.size() + 1;
+    to = put(to, static_cast<std::uint32_t>(count));
     xmemCopy(to, text_.data(), text_.size());
     to[text_.size()] = '\0';
-    return to + textCount(text_);
+    return to + count;
 }
 
 std::string IpcField::shown() const {
@@ -58,6 +55,7 @@ IpcPacket ipcLayOut(std::uint32_t opcode, std::uint32_t replyLength, IpcFields f
     IpcPacket packet;
     packet.size = IPC_HEADER_SIZE;
     for (const IpcField& field : fields) packet.size += field.size();
+    if (packet.size > IPC_PACKET_SIZE_MAX) return packet;
     packet.bytes.reset(static_cast<unsigned char*>(xmemAlloc(packet.size)));
     if (packet.bytes == nullptr) return packet;
     unsigned char* to = packet.bytes.get();

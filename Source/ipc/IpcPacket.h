@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -50,9 +51,18 @@ class IpcField {
 
 using IpcFields = std::initializer_list<IpcField>;
 
+// Bytes that a text of this length takes. Sums of sizes are never cut to 32 bits before they have
+// been compared with the limit.
+constexpr std::size_t ipcTextSize(std::size_t length) {
+    return sizeof(std::uint32_t) + length + sizeof '\0';
+}
+
+// The longest packet: its length is a signed 32-bit number for those who send and receive it.
+constexpr std::size_t IPC_PACKET_SIZE_MAX = std::numeric_limits<std::int32_t>::max();
+
 // A laid-out packet, in a buffer of exactly its length.
 struct IpcPacket {
-    XmemBytes bytes;  // null when memory was short
+    XmemBytes bytes;  // null when memory was short or the packet would be longer than the longest
     std::size_t size = 0;
 };
 

@@ -239,6 +239,22 @@ TEST(Requests, AServerThatIsNotThereIsAnErrorLineOnly) {
               Lines{"E PLR plrMuteMediaRpc: ipcSendToServer command failed, opcode = 2003"});
 }
 
+TEST(Requests, TheSizeOfATextIsNotCutTo32Bits) {
+    EXPECT_EQ(ipcTextSize(0), 5u);
+    EXPECT_EQ(ipcTextSize(0xFFFFFFFF), std::size_t{0x100000004});
+    EXPECT_EQ(ipcTextSize(0x7FFFFFFF), std::size_t{0x80000004});
+}
+
+TEST(Requests, APacketBeyondTheLongestIsNotLaidOut) {
+    // One text of 128 MiB, in as many fields as it takes.
+    const std::string text(std::size_t{128} << 20, 'x');
+    const IpcField t = text.c_str();
+    const IpcPacket packet = ipcLayOut(1, 0, {t, t, t, t, t, t, t, t, t, t, t, t, t, t, t, t});
+    EXPECT_EQ(packet.size, 12 + 16 * ipcTextSize(text.size()));
+    EXPECT_GT(packet.size, IPC_PACKET_SIZE_MAX);
+    EXPECT_TRUE(packet.bytes == nullptr);
+}
+
 TEST(Requests, TheCatalogueHasEveryRequestOnce) {
     for (std::size_t i = 0; i < PLR_REQUEST_COUNT; ++i) {
         EXPECT_EQ(PLR_REQUESTS[i].opcode, 2000 + i);
