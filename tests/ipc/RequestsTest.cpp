@@ -255,14 +255,147 @@ TEST(Requests, APacketBeyondTheLongestIsNotLaidOut) {
     EXPECT_TRUE(packet.bytes == nullptr);
 }
 
+namespace {
+
+// A request as the protocol has it. Letters of the fields: b bool, i 32-bit number, d double,
+// t text.
+struct Expected {
+    std::uint32_t opcode;
+    std::string encoder;
+    std::string fields;
+    Encode encode;  // with the values of ExpectedCall
+};
+
+// What a call with the values of the table makes: by its place each field has another.
+struct ExpectedCall {
+    explicit ExpectedCall(const Expected& expected) {
+        Bytes bytes;
+        for (std::size_t place = 0; place < expected.fields.size(); ++place) {
+            if (place > 0) arguments += ", ";
+            add(bytes, expected.fields[place], static_cast<int>(place));
+        }
+        packet = bytes.packet(expected.opcode, expected.opcode == 2001 ? 8 : 0);
+    }
+
+    std::string arguments;
+    std::string packet;
+
+ private:
+    void add(Bytes& bytes, char field, int place) {
+        switch (field) {
+            case 'b':
+                bytes.i32(1);
+                arguments += "1";
+                break;
+            case 'i':
+                bytes.i32(-7 - place);
+                arguments += std::to_string(-7 - place);
+                break;
+            case 'd':
+                bytes.f64(place + 0.5);
+                arguments += std::to_string(place) + ".500000";
+                break;
+            default:
+                bytes.text("t" + std::to_string(place));
+                arguments += "t" + std::to_string(place);
+        }
+    }
+};
+
+const std::vector<Expected>& expectedRequests() {
+    static const auto& all = *new std::vector<Expected>{
+        {2000, "plrShutdownRpc", "b", [](IpcClient& c) { plrShutdownRpc(c, true); }},
+        {2001, "plrBringToFrontRpc", "", [](IpcClient& c) { plrBringToFrontRpc(c); }},
+        {2002, "plrEnableEcoModeRpc", "b", [](IpcClient& c) { plrEnableEcoModeRpc(c, true); }},
+        {2003, "plrMuteMediaRpc", "b", [](IpcClient& c) { plrMuteMediaRpc(c, true); }},
+        {2004, "plrResizeWindowRpc", "iiii",
+         [](IpcClient& c) { plrResizeWindowRpc(c, -7, -8, -9, -10); }},
+        {2005, "plrLaunchAppStoreRpc", "tt",
+         [](IpcClient& c) { plrLaunchAppStoreRpc(c, "t0", "t1"); }},
+        {2006, "plrLaunchAppRpc", "t", [](IpcClient& c) { plrLaunchAppRpc(c, "t0"); }},
+        {2007, "plrLaunchUrlRpc", "t", [](IpcClient& c) { plrLaunchUrlRpc(c, "t0"); }},
+        {2008, "plrUninstallAppRpc", "t", [](IpcClient& c) { plrUninstallAppRpc(c, "t0"); }},
+        {2009, "plrInstallApkRpc", "t", [](IpcClient& c) { plrInstallApkRpc(c, "t0"); }},
+        {2010, "plrMnsSyncKeyEventRpc", "ib",
+         [](IpcClient& c) { plrMnsSyncKeyEventRpc(c, -7, true); }},
+        {2011, "plrMnsSyncMouseEventRpc", "iddi",
+         [](IpcClient& c) { plrMnsSyncMouseEventRpc(c, -7, 1.5, 2.5, -10); }},
+        {2012, "plrMnsSyncImeEventRpc", "t", [](IpcClient& c) { plrMnsSyncImeEventRpc(c, "t0"); }},
+        {2013, "plrMnsSyncUiEventRpc", "i", [](IpcClient& c) { plrMnsSyncUiEventRpc(c, -7); }},
+        {2014, "plrMnsSyncStartRpc", "tt", [](IpcClient& c) { plrMnsSyncStartRpc(c, "t0", "t1"); }},
+        {2015, "plrMnsSyncStopRpc", "t", [](IpcClient& c) { plrMnsSyncStopRpc(c, "t0"); }},
+        {2016, "plrOnConfChangedRpc", "", plrOnConfChangedRpc},
+        {2017, "plrMnsOnAnyMacroChangedRpc", "", plrMnsOnAnyMacroChangedRpc},
+        {4000, "mimShutdownRpc", "", mimShutdownRpc},
+        {4001, "mimBringToFrontRpc", "", mimBringToFrontRpc},
+        {4002, "mimDownloadImageRpc", "t", [](IpcClient& c) { mimDownloadImageRpc(c, "t0"); }},
+        {4003, "mimCreateFreshInstanceRpc", "tttttt",
+         [](IpcClient& c) { mimCreateFreshInstanceRpc(c, "t0", "t1", "t2", "t3", "t4", "t5"); }},
+    };
+    return all;
+}
+
+std::string lettersOf(const IpcRequest& request) {
+    std::string letters;
+    for (std::size_t i = 0; i < request.fieldCount; ++i) {
+        switch (request.fields[i]) {
+            case IpcFieldType::Bool:
+                letters += 'b';
+                break;
+            case IpcFieldType::I32:
+                letters += 'i';
+                break;
+            case IpcFieldType::Double:
+                letters += 'd';
+                break;
+            case IpcFieldType::Text:
+                letters += 't';
+        }
+    }
+    return letters;
+}
+
+}  // namespace
+
 TEST(Requests, TheCatalogueHasEveryRequestOnce) {
-    for (std::size_t i = 0; i < PLR_REQUEST_COUNT; ++i) {
-        EXPECT_EQ(PLR_REQUESTS[i].opcode, 2000 + i);
-        EXPECT_EQ(PLR_REQUESTS[i].replyLength, i == 1 ? 8u : 0u);
+    std::vector<IpcRequest> catalogue(PLR_REQUESTS, PLR_REQUESTS + PLR_REQUEST_COUNT);
+    catalogue.insert(catalogue.end(), MIM_REQUESTS, MIM_REQUESTS + MIM_REQUEST_COUNT);
+    ASSERT_EQ(catalogue.size(), 22u);
+    ASSERT_EQ(expectedRequests().size(), 22u);
+    for (std::size_t i = 0; i < catalogue.size(); ++i) {
+        const Expected& expected = expectedRequests()[i];
+        EXPECT_EQ(catalogue[i].opcode, expected.opcode);
+        EXPECT_EQ(catalogue[i].name, expected.encoder);
+        EXPECT_EQ(catalogue[i].replyLength, expected.opcode == 2001 ? 8u : 0u);
+        EXPECT_EQ(lettersOf(catalogue[i]), expected.fields) << expected.encoder;
     }
-    for (std::size_t i = 0; i < MIM_REQUEST_COUNT; ++i) {
-        EXPECT_EQ(MIM_REQUESTS[i].opcode, 4000 + i);
-        EXPECT_EQ(MIM_REQUESTS[i].replyLength, 0u);
+}
+
+TEST(Requests, EachEncoderSendsItsRowAndLogsItsArguments) {
+    for (const Expected& expected : expectedRequests()) {
+        const ExpectedCall call(expected);
+        std::string bytes;
+        LogCapture log;
+        {
+            RawServer server(serverName(), [&](RawPipe& pipe) {
+                bytes = pipe.read(call.packet.size());
+                if (expected.opcode == 2001) pipe.write("\x08\x07\x06\x05\x04\x03\x02\x01");
+                bytes += pipe.readAll();
+            });
+            IpcClient client;
+            ASSERT_EQ(ipcClientInit(client, serverName()), 0);
+            expected.encode(client);
+            for (int i = 0; i < 500 && server.served() == 0; ++i) sleepMs(2);
+        }
+        EXPECT_EQ(bytes, call.packet) << expected.encoder;
+        const std::string tag = expected.opcode < 4000 ? "D PLR " : "D MIM ";
+        const std::string shown = expected.encoder + "(" + call.arguments + ")\n";
+        const std::string before =
+            expected.opcode == 2001 ? "returning [72623859790382856] from " : "returning from ";
+        Lines lines;
+        for (const std::string& line : log.texts(XLOG_DEBUG)) {
+            if (line.find(" IPC ") == std::string::npos) lines.push_back(line);
+        }
+        EXPECT_EQ(lines, (Lines{tag + shown, tag + before + shown}));
     }
-    EXPECT_EQ(PLR_REQUEST_COUNT + MIM_REQUEST_COUNT, 22u);
 }
