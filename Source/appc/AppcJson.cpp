@@ -11,15 +11,12 @@
 
 namespace {
 
-constexpr std::size_t kLargestText = std::numeric_limits<int>::max();
-
 // About the size of an element without its texts.
 constexpr std::size_t kElementSize = 256;
 
 QJsonDocument parse(std::string_view text) {
-    if (text.size() > kLargestText) return {};
     return QJsonDocument::fromJson(
-        QByteArray::fromRawData(text.data(), static_cast<int>(text.size())));
+        QByteArray::fromRawData(text.data(), utlJsonLength(text.size())));
 }
 
 std::int32_t saturated(double number) {
@@ -82,37 +79,18 @@ struct IconMember {
     std::string_view folder;
 };
 
-void appendText(std::string& out, std::string_view key, std::string_view text) {
-    out.append("        \"").append(key).append("\": ");
-    utlJsonAppendText(out, text);
-    out.append(",\n");
-}
-
-// Members are in ascending order of their keys, as Qt keeps them.
-void appendElement(std::string& out, const AppcApps::value_type& entry, const IconMember& icon) {
-    const auto& [package, app] = entry;
-    out.append("    {\n");
-    appendText(out, "activity", app.activity);
-    appendText(out, "appLabel", app.appLabel);
-    appendText(out, icon.key, std::string(icon.folder).append(app.iconFileName));
-    appendText(out, "package", package);
-    out.append("        \"versionCode\": ");
-    utlJsonAppendNumber(out, app.versionCode);
-    out.append(",\n        \"versionName\": ");
-    utlJsonAppendText(out, app.versionName);
-    out.append("\n    }");
-}
-
 std::string arrayText(const AppcApps& apps, const IconMember& icon) {
-    std::string out;
-    out.reserve(apps.size() * (kElementSize + icon.folder.size()));
-    out.append("[\n");
-    for (auto entry = apps.begin(); entry != apps.end(); ++entry) {
-        if (entry != apps.begin()) out.append(",\n");
-        appendElement(out, *entry, icon);
+    UtlJsonArray array(apps.size() * (kElementSize + icon.folder.size()));
+    for (const auto& [package, app] : apps) {
+        array.object();
+        array.member("activity", app.activity);
+        array.member("appLabel", app.appLabel);
+        array.member(icon.key, std::string(icon.folder).append(app.iconFileName));
+        array.member("package", package);
+        array.member("versionCode", app.versionCode);
+        array.member("versionName", app.versionName);
     }
-    if (!apps.empty()) out += '\n';
-    return out.append("]\n");
+    return array.take();
 }
 
 }  // namespace

@@ -38,39 +38,22 @@ struct Instance {
     std::int32_t cpu;
 };
 
-void appendText(std::string& out, const char* member, std::string_view text) {
-    out.append("        \"").append(member).append("\": ");
-    utlJsonAppendText(out, text);
-    out.append(",\n");
-}
-
-// Members are in ascending order of their names, as Qt keeps them.
-void appendInstance(std::string& out, const Instance& instance) {
-    out.append("    {\n        \"cpu\": ");
-    utlJsonAppendNumber(out, instance.cpu);
-    out.append(",\n");
-    appendText(out, "deviceProfile", instance.deviceProfile);
-    appendText(out, "displayName", instance.displayName);
-    appendText(out, "graphicsEngine", instance.graphicsEngine);
-    appendText(out, "graphicsRenderer", instance.graphicsRenderer);
-    appendText(out, "imageName", instance.imageName);
-    appendText(out, "instance", instance.name);
-    out.append("        \"ram\": ");
-    utlJsonAppendNumber(out, instance.ram);
-    out.append("\n    }");
-}
-
 }  // namespace
 
 std::string bridgeInstancesJson(ConfStore& store) {
     const auto names = confGetInstances(store);
-    std::string out;
-    out.reserve(names.size() * kElementSize);
-    out.append("[\n");
-    for (auto name = names.begin(); name != names.end(); ++name) {
-        if (name != names.begin()) out.append(",\n");
-        appendInstance(out, Instance(store, *name));
+    UtlJsonArray array(names.size() * kElementSize);
+    for (const std::string& name : names) {
+        const Instance instance(store, name);
+        array.object();
+        array.member("cpu", instance.cpu);
+        array.member("deviceProfile", instance.deviceProfile);
+        array.member("displayName", instance.displayName);
+        array.member("graphicsEngine", instance.graphicsEngine);
+        array.member("graphicsRenderer", instance.graphicsRenderer);
+        array.member("imageName", instance.imageName);
+        array.member("instance", instance.name);
+        array.member("ram", instance.ram);
     }
-    if (!names.empty()) out += '\n';
-    return out.append("]\n");
+    return array.take();
 }

@@ -5,6 +5,9 @@
 #include <QString>
 #include <algorithm>
 #include <charconv>
+#include <limits>
+#include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -39,23 +42,54 @@ void appendEscaped(std::string& out, std::string_view text) {
     }
 }
 
-}  // namespace
-
-void utlJsonAppendText(std::string& out, std::string_view text) {
+// Appends a text in quotes.
+void appendText(std::string& out, std::string_view text) {
     out += '"';
     if (isAscii(text)) {
         appendEscaped(out, text);
     } else {
         // Bytes that are not UTF-8 become what Qt makes of them.
-        const int size = static_cast<int>(text.size());
-        const QByteArray bytes = QString::fromUtf8(text.data(), size).toUtf8();
+        const QByteArray bytes =
+            QString::fromUtf8(text.data(), utlJsonLength(text.size())).toUtf8();
         appendEscaped(out, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
     }
     out += '"';
 }
 
-void utlJsonAppendNumber(std::string& out, std::int32_t number) {
+}  // namespace
+
+int utlJsonLength(std::size_t length) {
+    constexpr int limit = std::numeric_limits<int>::max();
+    if (length > static_cast<std::size_t>(limit)) throw std::length_error("text too long for JSON");
+    return static_cast<int>(length);
+}
+
+UtlJsonArray::UtlJsonArray(std::size_t size) { out_.reserve(size); }
+
+void UtlJsonArray::object() {
+    out_.append(hasObject_ ? "\n    },\n    {" : "    {");
+    hasObject_ = true;
+    hasMember_ = false;
+}
+
+void UtlJsonArray::startMember(std::string_view name) {
+    out_.append(hasMember_ ? ",\n        \"" : "\n        \"").append(name).append("\": ");
+    hasMember_ = true;
+}
+
+void UtlJsonArray::member(std::string_view name, std::string_view text) {
+    startMember(name);
+    appendText(out_, text);
+}
+
+void UtlJsonArray::member(std::string_view name, std::int32_t number) {
+    startMember(name);
     char digits[12];
     const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    out.append(digits, end);
+    out_.append(digits, end);
+}
+
+std::string UtlJsonArray::take() {
+    out_.append(hasObject_ ? "\n    }\n]\n" : "]\n");
+    return std::move(out_);
 }

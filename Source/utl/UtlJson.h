@@ -8,10 +8,32 @@
 // Writing JSON text: the very bytes of QJsonDocument::toJson, without its tree of copies, which
 // would take most of the time of a listing.
 
-// Appends a text in quotes, with its escapes. Bytes that are not UTF-8 become what Qt makes of
-// them.
-void utlJsonAppendText(std::string& out, std::string_view text);
+// A length as Qt has it; std::length_error for more bytes than one of its texts can have.
+int utlJsonLength(std::size_t length);
 
-void utlJsonAppendNumber(std::string& out, std::int32_t number);
+// An array of flat objects in its indented form.
+class UtlJsonArray {
+ public:
+    // `size` is about the size of the whole text.
+    explicit UtlJsonArray(std::size_t size);
+
+    // Starts the next object. It gets at least one member.
+    void object();
+
+    // The members of the object, which come in ascending order of their names, as Qt keeps them.
+    // Bytes that are not UTF-8 become what Qt makes of them.
+    void member(std::string_view name, std::string_view text);
+    void member(std::string_view name, std::int32_t number);
+
+    // The text; the last call.
+    std::string take();
+
+ private:
+    void startMember(std::string_view name);
+
+    std::string out_ = "[\n";
+    bool hasObject_ = false;
+    bool hasMember_ = false;
+};
 
 #endif
