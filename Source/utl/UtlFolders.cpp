@@ -36,10 +36,13 @@ std::wstring wideValue(const char* name) {
 
 bool isSeparator(wchar_t c) { return c == L'\\' || c == L'/'; }
 
+bool isLetter(wchar_t c) { return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z'); }
+
 // Length of a path's root name: "C:", "\\server\share", or nothing.
 std::size_t rootNameLength(std::wstring_view path) {
-    if (path.size() >= 2 && path[1] == L':') return 2;
+    if (path.size() >= 2 && isLetter(path[0]) && path[1] == L':') return 2;
     if (path.size() < 3 || !isSeparator(path[0]) || !isSeparator(path[1])) return 0;
+    if (isSeparator(path[2])) return 0;  // a server has a name
     const std::size_t server = path.find_first_of(L"\\/", 2);
     if (server == std::wstring_view::npos) return path.size();
     const std::size_t share = path.find_first_of(L"\\/", server + 1);

@@ -8,7 +8,8 @@
 // The product's folders and the names of its shared objects. The registry is read once per process
 // and value; a later change of it is never seen. Safe from every thread.
 
-// The install folder as the registry has it, which ends in "\". A missing value is fatal.
+// The install folder as the registry has it. The value must end in "\": names of programs are put
+// right behind it. A missing value is fatal.
 std::string utlGetInstallDir();
 
 // The data folder and one "\", which is all of it when the registry value is missing.

@@ -106,6 +106,12 @@ TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {
     EXPECT_FALSE(utlIsAbsolute(L"C:Data"));
     EXPECT_FALSE(utlIsAbsolute(L"\\Data"));
     EXPECT_FALSE(utlIsAbsolute(L"\\\\server\\share"));
+    EXPECT_FALSE(utlIsAbsolute(L"\\:\\Data")) << "a drive is a letter";
+    EXPECT_FALSE(utlIsAbsolute(L"1:\\Data"));
+    EXPECT_FALSE(utlIsAbsolute(L"::\\Data"));
+    EXPECT_FALSE(utlIsAbsolute(L"\\\\\\\\")) << "a server has a name";
+    EXPECT_FALSE(utlIsAbsolute(L"\\\\\\share\\x"));
+    EXPECT_TRUE(utlIsAbsolute(L"z:/Data"));
 }
 
 TEST(UtlFolders, ADriveOrTwoLeadingSeparatorsMakeARoot) {
