@@ -15,7 +15,7 @@ constexpr UtlImageTrait kImages[] = {
 };
 
 constexpr const char* kBuildVariant = "-orvane";
-constexpr const char* kDownloadBase = "";  // set by the installation that has a server
+constexpr const char* kDownloadBase = "";  // whoever builds the library for a server puts it here
 
 constexpr std::int32_t kAbiMaskMin = 1;
 constexpr std::int32_t kAbiMaskMax = 15;

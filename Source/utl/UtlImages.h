@@ -36,8 +36,8 @@ std::string utlLibraryVersion();
 // MD5 of the full version text, 32 lower-case hexadecimal digits.
 std::string utlLibraryVersionDigest();
 
-// Where an image archive is downloaded from. The server is the installation's: without one, the
-// text starts with the digest.
+// Where an image archive is downloaded from. The server is fixed when the library is built; without
+// one, the text starts with the digest.
 std::string utlImageDownloadLocation(std::string_view imageName);
 
 #endif
