@@ -6,7 +6,8 @@
  * Conventions, for every function below:
  *
  * 1.  Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. Nothing
- *     checks this.
+ *     checks this, except that bridgeRegisterCallbacks() before the first or after the last starts
+ *     nothing and logs an error.
  * 2.  Texts are NUL-terminated UTF-8. A text argument is read during the call only, with one
  *     exception: the client id of the initialisation is kept by pointer.
  * 3.  Ownership. A text that a function returns belongs to the caller, who gives it back to
@@ -189,8 +190,9 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInit(const char* clientId);
  * @param reserved    ignored; pass 0
  * @param logFilePath file to log into, or null for the product's own log. Its folder must exist
  *                    when only "/" separates it; a log that cannot be opened is fatal.
- * @return 0; 22 for an unknown client id; -1 when the launcher meets another product version, or
- *         the configuration file is missing or malformed (what was read stays usable)
+ * @return 0; 22 for an unknown client id; -1 when the launcher meets another product version, the
+ *         configuration file is missing or malformed (what was read stays usable), the machine-wide
+ *         lock of that file cannot be made (nothing was read), or an exception reached the boundary
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_bool noConfFile,
                                                   bridge_i64 reserved, const char* logFilePath);
@@ -324,6 +326,10 @@ BRIDGE_API void BRIDGE_CALL bridgeFreeMemory(void* memory);
 /** @name Programs
  * Each starts the player or the multi-instance manager with a command line and returns as soon as
  * the process has been created; what becomes of the work arrives later, as events.
+ *
+ * A program that Windows starts only elevated (its error 740) is started so: the call waits until
+ * the user has consented, and answers 101223 when the user declines. Such a program runs with
+ * another token and inherits none of the host's handles.
  */
 /**@{*/
 
@@ -441,7 +447,8 @@ BRIDGE_API void BRIDGE_CALL bridgeRegisterCallbacks(
  * file need not exist. A cache that is no JSON array is deleted, and the array is empty.
  * @param instance instance name
  * @return a new text for bridgeFreeMemory(); null, after an error in the log, when the app cache
- *         cannot be opened or has an app without one of its values
+ *         cannot be opened, has an element that is no object, or an app with a value that is
+ *         missing or of another type
  */
 BRIDGE_API char* BRIDGE_CALL bridgeGetInstalledApps(const char* instance);
 /**@}*/

@@ -4,8 +4,9 @@
  *        callbacks as std::function. Header only; needs no Qt.
  *
  * The conventions of bridge.h hold. What differs: texts go in as std::string and come back as
- * bridge::Text, an exception of a callback stays in the host, and the functions for the app list
- * and for the instance list are always called when they are set (bridge.h: slots 3 and 4).
+ * bridge::Text, an exception of a callback stays in the host, and the functions for finished APK
+ * installs and for the instance list are called whenever they are set, each without regard to the
+ * other (bridge.h: slots 3 and 4).
  */
 #ifndef BRIDGE_BRIDGE_HPP
 #define BRIDGE_BRIDGE_HPP
