@@ -5,7 +5,7 @@ int main(void) {
     char* text;
     if (bridgeApiInit("Helper") != BRIDGE_SUCCESS) return 1;
     text = bridgeConfGetInstances();
-    printf("%s", text);
+    if (text != NULL) printf("%s", text);
     bridgeFreeMemory(text);
     return bridgeApiFini();
 }

@@ -3,6 +3,6 @@
 
 int main() {
     if (!bridge::init(bridge::Client::Helper)) return 1;
-    std::fputs(bridge::instances()->c_str(), stdout);
+    std::fputs(bridge::instances().valueOr("").c_str(), stdout);
     bridge::finish();
 }
