@@ -198,6 +198,18 @@ TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
     EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1", "fini 0"}));
 }
 
+TEST_F(EventsTest, TheLastInitialisationNamesTheServer) {
+    EXPECT_EQ(output({"init", "Helper", "initex", "Installer", "1", data / "own.log", "register",
+                      kAllSlots, "served", "Installer", "fini"}),
+              (Lines{"init 0", "initex 0", "served", "fini 0"}));
+}
+
+TEST_F(EventsTest, AnInitialisationThatIsRefusedNamesNoServer) {
+    EXPECT_EQ(output({"init", "Helper", "initex", "installer", "1", data / "own.log", "register",
+                      kAllSlots, "served", "Helper", "fini"}),
+              (Lines{"init 0", "initex 22", "served", "fini 0"}));
+}
+
 TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
     for (const char* way : {"exit", "exitthread"}) {
         ChildProcess host = startHost({"register", "128", "served", "Helper", "wait", "1", way});

@@ -55,6 +55,29 @@ TEST_F(HostKindsTest, TheWrappersOtherFunctions) {
                      "apps 0", "launch 2 2 2 2 2 2 2", "shutdown 0", "finished"}));
 }
 
+TEST_F(HostKindsTest, TheWrappersOtherFiles) {
+    writeConf("vtr.locale=\"fr-FR\"\n");
+    const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), "files"});
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "without 0 \"\"", "without, with a log 0",
+                                          "log 0 \"fr-FR\"", "committed 0", "finished"}));
+    EXPECT_EQ(log().size(), 6u) << "of the first two initialisations";
+    EXPECT_EQ(logMessages(data.read("first.log")).size(), 3u);
+    EXPECT_EQ(logMessages(data.read("second.log")).size(), 5u) << "a commit logs its path twice";
+    EXPECT_NE(data.read("copy.conf").find("vtr.locale=\"fr-FR\"\n"), std::string::npos);
+}
+
+TEST_F(HostKindsTest, TheWrappersLongNumbersReachTheirFunctions) {
+    for (const char* scene : {"geti64", "seti64"}) {
+        const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), scene});
+        EXPECT_EQ(result.status, kFatalStatus) << scene;
+        EXPECT_EQ(linesOf(result.out), Lines{"init 0"}) << scene;
+        EXPECT_EQ(
+            log().back().rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u)
+            << log().back();
+    }
+}
+
 TEST_F(HostKindsTest, WithAnApplicationObjectMadeBefore) {
     EXPECT_EQ(linesOfHost("qt_host.exe", "before"),
               framed({}, {"the host's own timer ran: 1", "finished"}));

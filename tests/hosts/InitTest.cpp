@@ -84,6 +84,16 @@ TEST_F(InitTest, AGivenLogFileReplacesTheProducts) {
     EXPECT_FALSE(data.has("Logs\\Player.log"));
 }
 
+TEST_F(InitTest, TheProductsLogIsLookedUpThoughAnotherIsGiven) {
+    const TempFolder later;
+    EXPECT_EQ(output({"initex", "Helper", "1", data / "own.log", "registry", "UserDefinedDir",
+                      later.path(), "initex", "Helper", "1", "(null)"}),
+              (Lines{"initex 0", "initex 0"}))
+        << "a Logs folder that is missing would be fatal";
+    EXPECT_EQ(log().size(), 3u) << "in the folder that the registry named first";
+    EXPECT_EQ(later.list(), Lines{});
+}
+
 TEST_F(InitTest, AMissingConfFileIsAFailureThatLeavesTheDefaults) {
     EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.log_levels"}),
               (Lines{"init -1", "getstr *:I"}));

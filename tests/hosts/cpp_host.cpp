@@ -5,6 +5,8 @@
 //     raw      the same with a bare function of the C interface
 //     empty    no function set but the last
 //     calls    what the other functions answer
+//     files    initialisations with other files, and a commit into another
+//     geti64, seti64   a property of a type that the catalogue does not have
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -76,13 +78,28 @@ void playCalls() {
     shutdown();
 }
 
-void play(const std::string& scene) {
+void playFiles(const std::string& folder) {
+    using namespace bridge;
+    const auto locale = [] { return conf::getString("vtr.locale").valueOr("none"); };
+    std::printf("without %d \"%s\"\n", initWithoutFile(Client::Installer).code(), locale().c_str());
+    std::printf("without, with a log %d\n",
+                initWithoutFile(Client::Installer, (folder + "\\first.log").c_str()).code());
+    std::printf("log %d \"%s\"\n", initWithLog(Client::Installer, folder + "\\second.log").code(),
+                locale().c_str());
+    std::printf("committed %d\n", conf::commitToFile(folder + "\\copy.conf").code());
+}
+
+void play(const std::string& scene, const std::string& folder) {
     EventPrinter& printer = *new EventPrinter;
     if (scene == "nine") playNine(printer);
     if (scene == "throws") playThrows(printer);
     if (scene == "raw") playRaw(printer);
     if (scene == "empty") playEmpty(printer);
     if (scene == "calls") playCalls();
+    if (scene == "files") playFiles(folder);
+    if (scene == "geti64")
+        std::printf("%d\n", static_cast<int>(bridge::conf::getI64("vtr.locale")));
+    if (scene == "seti64") std::printf("%d\n", bridge::conf::setI64("vtr.locale", 1).code());
 }
 
 }  // namespace
@@ -93,7 +110,7 @@ int main(int, char** arguments) {
     registry.set("UserDefinedDir", arguments[1]);
     registry.set("InstallDir", "C:\\None\\");
     std::printf("init %d\n", bridge::init(bridge::Client::Helper).code());
-    play(arguments[2]);
+    play(arguments[2], arguments[1]);
     bridge::finish();
     std::printf("finished\n");
     return 0;

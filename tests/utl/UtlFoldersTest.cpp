@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 
+#include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "utl/UtlFolders.h"
@@ -39,6 +41,13 @@ SCENE(printWideDirs) {
     registry.set("InstallDir", arguments[0]);
     registry.set("UserDefinedDir", arguments[1]);
     std::printf("%s|%s", utlInstallDir().u8string().c_str(), utlDataDir().u8string().c_str());
+    return 0;
+}
+
+SCENE(printMissingWideDir) {
+    RegistrySandbox registry;
+    std::printf("%s",
+                (arguments[0] == "install" ? utlInstallDir() : utlDataDir()).u8string().c_str());
     return 0;
 }
 
@@ -95,6 +104,23 @@ TEST(UtlFolders, ARelativeDataFolderIsFatalForTheWideForm) {
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out.find("Failed to"), std::string::npos) << "only the fatal line";
     EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+}
+
+TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideFormWhichGotNothing) {
+    const ChildResult result = runScene("printMissingWideDir", {"install"});
+    EXPECT_EQ(result.status, kFatalStatus);
+    const std::vector<std::string> lines = logMessages(result.out);
+    ASSERT_EQ(lines.size(), 2u) << result.out;
+    const std::string end = " utlInstallDir: Failed to initialize installDir properly: Got ";
+    EXPECT_EQ(lines[0].substr(lines[0].size() - std::min(lines[0].size(), end.size())), end);
+}
+
+TEST(UtlFolders, AMissingDataFolderIsFatalForTheWideForm) {
+    const ChildResult result = runScene("printMissingWideDir", {"data"});
+    EXPECT_EQ(result.status, kFatalStatus);
+    const std::vector<std::string> lines = logMessages(result.out);
+    ASSERT_EQ(lines.size(), 1u) << result.out;
+    EXPECT_NE(lines[0].find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
 }
 
 TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {

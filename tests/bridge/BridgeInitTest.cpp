@@ -1,0 +1,97 @@
+// What only the inside of an initialisation shows. It is kept once per process, so each test has a
+// process of its own.
+#include "bridge/BridgeInit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "conf/Conf.h"
+#include "conf/ConfStore.h"
+#include "support/LogCapture.h"
+#include "support/RegistrySandbox.h"
+#include "support/Scene.h"
+
+namespace {
+
+XErr initialise(const char* client) { return bridge::bridgeApiInitEx(client, true, 0, "NUL"); }
+
+// The bridge's lines with where they come from.
+void print(const LogCapture& log) {
+    for (const LogCapture::Line& line : log.lines()) {
+        if (line.tag != XlogTag::BRIDGE) continue;
+        std::printf("%s %s: %s\n", line.file.c_str(), line.function.c_str(), line.message.c_str());
+    }
+}
+
+std::string outputOf(const std::string& scene) {
+    const ChildResult result = runScene(scene);
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    std::string text = result.out;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
+}  // namespace
+
+SCENE(initialisesThreeWays) {
+    RegistrySandbox registry;
+    registry.set("Version", "1.0");
+    const LogCapture log;
+    for (const char* client : {"Other", "Launcher", "Helper"}) {
+        std::printf("%d\n", initialise(client));
+    }
+    print(log);
+    return 0;
+}
+
+TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
+    const std::string place = "Source/bridge/Bridge bridgeApiInitEx: ";
+    EXPECT_EQ(outputOf("initialisesThreeWays"),
+              "22\n-1\n0\n" + place + "bridgeApiInitEx: Invalid clientId : Other\n" + place +
+                  "bridgeApiInitEx: Version mismatch, Product Version : 1.0, Bridge Version : "
+                  "5.2.0.1052\n" +
+                  place +
+                  "bridgeApiInitEx:#################### In bridgeApiInit Helper "
+                  "###############\n" +
+                  place + "Loading configuration ...\n" + place +
+                  "Configuration loaded successfully...\n");
+}
+
+SCENE(keepsTheClientsText) {
+    RegistrySandbox registry;
+    registry.set("Version", "1.0");
+    const LogCapture log;
+    char first[] = "Helper";
+    char second[] = "Installer";
+    if (bridge::clientId() != nullptr || initialise("other") != XERR_INVAL) return 1;
+    if (bridge::clientId() != nullptr) return 2;
+    if (initialise(first) != XERR_SUCCESS || bridge::clientId() != first) return 3;
+    if (initialise("helper") != XERR_INVAL || bridge::clientId() != first) return 4;
+    if (initialise("Launcher") != XERR_FAILURE || bridge::clientId() != first) return 5;
+    if (initialise(second) != XERR_SUCCESS || bridge::clientId() != second) return 6;
+    return 0;
+}
+
+TEST(BridgeInitTest, TheHostsOwnTextIsKeptFromTheLastInitialisationThatWasNotRefused) {
+    EXPECT_EQ(outputOf("keepsTheClientsText"), "");
+}
+
+SCENE(cannotMakeTheLock) {
+    RegistrySandbox registry;
+    confStore().fileLockName = "a\\b";  // in no folder of the system's
+    const LogCapture log;
+    std::printf("%d\n", initialise("Helper"));
+    for (const std::string& line : log.texts(XLOG_ERROR)) std::printf("%s\n", line.c_str());
+    std::printf("%s\n", log.lines().back().function.c_str());
+    return 0;
+}
+
+TEST(BridgeInitTest, WithoutTheMachineWideLockItFailsWithTheLocksError) {
+    const std::string text = outputOf("cannotMakeTheLock");
+    const std::string start = "-1\nE XMUTEX Failed to create mutex 'a\\b'. Error = ";
+    EXPECT_EQ(text.substr(0, start.size()), start);
+    const std::string end = "\nE BRIDGE Error in confLibInit init\nbridgeApiInitEx\n";
+    EXPECT_EQ(text.substr(std::min(text.size(), text.find('\n', start.size()))), end) << text;
+}
