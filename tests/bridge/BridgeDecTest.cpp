@@ -302,10 +302,29 @@ TEST_F(BridgeDecTest, AFunctionThatThrowsIsTheCallersToFence) {
 
 TEST_F(BridgeDecTest, LinesCarryTheirFunctionsNames) {
     ASSERT_TRUE(decode(appDisplayedPacket("N", "p")));
-    Lines files;
-    for (const LogCapture::Line& line : log.lines()) files.push_back(line.file);
-    EXPECT_EQ(files, (Lines{"Source/bridge/BridgeDec", "Source/bridge/BridgeIpcClbk",
-                            "Source/bridge/BridgeDec"}));
+    ASSERT_FALSE(decode("short"));
+    Lines places;
+    for (const LogCapture::Line& line : log.lines()) {
+        places.push_back(line.file + ": " + line.function);
+    }
+    EXPECT_EQ(places, (Lines{"Source/bridge/BridgeDec: decodeAppDisplayed",
+                             "Source/bridge/BridgeIpcClbk: bridgeOnAppDisplayedClbk",
+                             "Source/bridge/BridgeDec: decodeAppDisplayed",
+                             "Source/bridge/BridgeDec: bridgeDecode"}));
+}
+
+TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
+    const std::string before(64, 'r');
+    std::string reply = before;
+    for (std::uint32_t opcode = 2999; opcode <= 3009; ++opcode) {
+        const bool isEvent = opcode >= 3000 && opcode <= 3008;
+        const std::string packet = isEvent ? evenPacket(opcode) : packetOf(opcode, "", 0);
+        EXPECT_EQ(bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
+                               static_cast<std::int32_t>(packet.size()), reply.data(),
+                               static_cast<std::int32_t>(reply.size())),
+                  isEvent);
+        EXPECT_EQ(reply, before) << opcode;
+    }
 }
 
 // Slot 3 set and slot 4 null: the call would jump to no function.

@@ -192,6 +192,13 @@ TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
     EXPECT_EQ(first.readLine(), "served");
     ChildProcess second = startHost({"register", "128", "fini"});
     EXPECT_EQ(linesAfterInit(second), Lines{"fini 0"});
+    const Lines told = log();
+    EXPECT_EQ(std::count(told.begin(), told.end(),
+                         "E IPC Helper_bridge IpcServer Failed to listen on " +
+                             std::string(kHelperServer) +
+                             ", error: 8(QLocalServer::listen: Address in use)"),
+              1)
+        << ::testing::PrintToString(told);
     RawPipe pipe(connectToHelper());
     ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
     const ChildResult result = first.finish();
