@@ -19,10 +19,12 @@ void CallTimes::add(const char* function, Clock::duration time) {
 std::vector<std::string> CallTimes::lines() const {
     std::vector<std::string> all;
     for (const Entry& entry : entries_) {
-        const std::chrono::duration<double, std::milli> time = entry.time;
-        char text[64];
-        std::snprintf(text, sizeof text, ": %u %s, %.3f ms", entry.calls,
-                      entry.calls == 1 ? "call" : "calls", time.count());
+        // Whole numbers: a decimal point would be the user's locale's, which may be a comma.
+        const long long time =
+            std::chrono::duration_cast<std::chrono::microseconds>(entry.time).count();
+        char text[80];
+        std::snprintf(text, sizeof text, ": %u %s, %lld.%03lld ms", entry.calls,
+                      entry.calls == 1 ? "call" : "calls", time / 1000, time % 1000);
         all.push_back(std::string(entry.function) + text);
     }
     return all;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdio>
+
 #include "CallTimes.h"
 #include "DisplayWidth.h"
 #include "DisplayWidthTable.h"
@@ -94,6 +97,20 @@ TEST(TextStyle, HeadingsOfAHelpAreLinesThatEndWithAColon) {
     EXPECT_EQ(style.help("Usage: x\n\nOptions:\n  a:\nend"),
               "Usage: x\n\n\x1b[1mOptions:\x1b[0m\n  a:\nend");
     EXPECT_EQ(style.error("bad"), "\x1b[31mbad\x1b[0m");
+}
+
+TEST(CallTimes, TimesHaveAPointInEveryLocale) {
+    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+    char half[8] = "";
+    if (std::setlocale(LC_NUMERIC, "de-DE") != nullptr) {
+        std::snprintf(half, sizeof half, "%.1f", 0.5);
+    }
+    CallTimes times;
+    times.add("a", std::chrono::microseconds(12'034));
+    const std::vector<std::string> lines = times.lines();
+    std::setlocale(LC_NUMERIC, before.c_str());
+    if (std::string(half) != "0,5") GTEST_SKIP() << "needs a locale with a decimal comma";
+    EXPECT_EQ(lines, std::vector<std::string>{"a: 1 call, 12.034 ms"});
 }
 
 TEST(CallTimes, AddsUpInTheOrderOfTheFirstCalls) {
