@@ -1,6 +1,8 @@
 // Initialisation and client identity.
 #include "bridge/BridgeInit.h"
 
+#include <bridge/bridge.h>
+
 #include <algorithm>
 #include <atomic>
 #include <iterator>
@@ -18,6 +20,10 @@
 namespace bridge {
 
 namespace {
+
+// The build's version, the interface's and the one that products are compared with change together.
+static_assert(std::string_view(BRIDGE_VERSION_TEXT) == UTL_VERSION);
+static_assert(std::string_view(BRIDGE_BUILD_VERSION) == UTL_VERSION);
 
 constexpr std::string_view kVersionCheckedClient = "Launcher";
 constexpr std::string_view kClients[] = {"Launcher", "Installer", "LogCollector", "Helper",

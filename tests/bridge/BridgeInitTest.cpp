@@ -2,6 +2,7 @@
 // process of its own.
 #include "bridge/BridgeInit.h"
 
+#include <bridge/bridge.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -94,4 +95,11 @@ TEST(BridgeInitTest, WithoutTheMachineWideLockItFailsWithTheLocksError) {
     EXPECT_EQ(text.substr(0, start.size()), start);
     const std::string end = "\nE BRIDGE Error in confLibInit init\nbridgeApiInitEx\n";
     EXPECT_EQ(text.substr(std::min(text.size(), text.find('\n', start.size()))), end) << text;
+}
+
+TEST(BridgeInitTest, TheHeadersVersionIsTheSameAsTextAndInNumbers) {
+    EXPECT_EQ(std::to_string(BRIDGE_VERSION_MAJOR) + "." + std::to_string(BRIDGE_VERSION_MINOR) +
+                  "." + std::to_string(BRIDGE_VERSION_PATCH) + "." +
+                  std::to_string(BRIDGE_VERSION_BUILD),
+              BRIDGE_VERSION_TEXT);
 }
