@@ -2,7 +2,8 @@
 
 Prints a line for each file that is not reached whole, the totals, and every line that nothing
 reached. Such a line needs a reason in reasons.txt. The exit status is 1 when one has none, when a
-reason is no longer needed, or when a total is below its limit.
+reason is no longer needed, when the data lack a file of Source/ that this build compiles, or when a
+total is below its limit.
 """
 
 import pathlib
@@ -65,8 +66,14 @@ def excused_lines(source, file, reasons):
     return excused
 
 
+def sources(root):
+    """The files that the Windows build compiles. The others are their siblings, named *Posix."""
+    return {path for path in root.rglob("*.cpp") if not path.stem.endswith("Posix")}
+
+
 def percent(part, whole):
-    return 100.0 * part / whole if whole else 100.0
+    """Of nothing, nothing is reached: data without lines or branches must not pass."""
+    return 100.0 * part / whole if whole else 0.0
 
 
 def count(branches_or_lines):
@@ -80,7 +87,10 @@ def main(tree, lcov):
     totals = [0, 0, 0, 0]
     unexcused = []
     print(f"{'file':44} {'lines':>16} {'branches':>16}")
-    for path, reached in sorted(read_lcov(lcov).items()):
+    files = read_lcov(lcov)
+    known = {path for path, reached in files.items() if reached.lines}
+    missing = sorted(path.relative_to(root).as_posix() for path in sources(root) - known)
+    for path, reached in sorted(files.items()):
         if root not in path.parents:
             continue
         file = path.relative_to(root).as_posix()
@@ -100,14 +110,15 @@ def main(tree, lcov):
     print(f"{'together':44} {lines:15.2f}% {branches:15.2f}%")
     useless = [" | ".join(entry) for n, entry in enumerate(reasons) if n not in needed]
     for title, texts in (("reached by no test, without a reason", unexcused),
-                         ("reasons that are not needed", useless)):
+                         ("reasons that are not needed", useless),
+                         ("files that the data lack", missing)):
         if texts:
             print(f"\n{title}:")
             print("\n".join(texts))
     enough = lines >= LINES_AT_LEAST and branches >= BRANCHES_AT_LEAST
     if not enough:
         print(f"\nless than {LINES_AT_LEAST}% of the lines or {BRANCHES_AT_LEAST}% of the branches")
-    return 0 if enough and not unexcused and not useless else 1
+    return 0 if enough and not unexcused and not useless and not missing else 1
 
 
 if __name__ == "__main__":
