@@ -1,95 +1,123 @@
-// The text of a configuration: what is read lies inside the content as the rules say, and an entry
-// that may be written reads back as it was.
-#include <optional>
+// The text of a configuration: what is read lies inside the content and is what the plain reader
+// reads; what may be written is what the plain rule says, and reads back as it was.
+#include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Check.h"
+#include "PlainConf.h"
 #include "conf/ConfText.h"
 
 namespace {
 
-using Entries = std::vector<std::pair<std::string, std::string>>;
+using Pair = std::pair<std::string, std::string>;
+using Pairs = std::vector<Pair>;
 
-struct Reading {
-    Entries entries;
-    bool malformed = false;
-    bool threw = false;
-};
+bool liesInside(std::string_view part, std::string_view whole) {
+    return part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size();
+}
 
-Reading read(std::string_view content) {
-    Reading result;
+PlainText read(std::string_view content) {
+    PlainText result;
     ConfTextReader reader(content);
     try {
         for (ConfEntry entry;;) {
             const ConfRead kind = reader.next(entry);
             if (kind == ConfRead::End) return result;
-            check(entry.line.data() >= content.data() &&
-                      entry.line.data() + entry.line.size() <= content.data() + content.size(),
-                  "a line lies inside the content");
+            check(liesInside(entry.line, content), "a line lies inside the content");
             if (kind == ConfRead::Malformed) {
-                result.malformed = true;
+                result.end = PlainText::Malformed;
+                result.badLine = entry.line;
                 return result;
             }
-            result.entries.emplace_back(entry.key, entry.value);
+            check(liesInside(entry.key, entry.line), "a key lies inside its line");
+            check(liesInside(entry.value, entry.line), "a value lies inside its line");
+            result.entries.push_back(
+                {std::string(entry.line), std::string(entry.key), std::string(entry.value)});
         }
     } catch (const std::out_of_range&) {
-        result.threw = true;
+        result.end = PlainText::Throws;
     }
     return result;
 }
 
-// The same, character by character.
-Reading readPlainly(const std::string& content) {
-    Reading result;
-    for (std::size_t at = 0; at < content.size();) {
-        std::string line;
-        while (at < content.size() && content[at] != '\n') line += content[at++];
-        ++at;
-        std::string key;
-        std::size_t i = 0;
-        while (i < line.size() && line[i] != '=') key += line[i++];
-        if (line.size() > 4096 || i == line.size()) {
-            result.malformed = true;
-            return result;
-        }
-        if (i + 1 == line.size()) {
-            result.threw = true;
-            return result;
-        }
-        std::string value;
-        for (i += 2; i + 1 < line.size() && line[i] != '\0'; ++i) value += line[i];
-        result.entries.emplace_back(key, value);
-    }
-    return result;
+bool areSame(const PlainEntry& a, const PlainEntry& b) {
+    return a.line == b.line && a.key == b.key && a.value == b.value;
 }
 
-void checkWriting(const Entries& entries) {
+void checkReading(std::string_view content, const PlainText& expected) {
+    const PlainText reading = read(content);
+    check(std::equal(reading.entries.begin(), reading.entries.end(), expected.entries.begin(),
+                     expected.entries.end(), areSame),
+          "the entries are those of the plain reader");
+    check(reading.end == expected.end, "it ends like the plain reader");
+    check(reading.end != PlainText::Malformed || reading.badLine == expected.badLine,
+          "the malformed line is the plain reader's");
+}
+
+// What the content reads as, and what nothing reads as: keys and values of any bytes, parted in the
+// middle and at its first "=" signs, which then stand in the one, the other or neither.
+Pairs pairsOf(const std::string& content, const PlainText& text) {
+    constexpr int kParted = 4;
+    Pairs pairs;
+    for (const PlainEntry& entry : text.entries) pairs.emplace_back(entry.key, entry.value);
+    const std::size_t middle = content.size() / 2;
+    pairs.emplace_back(content.substr(0, middle), content.substr(middle));
+    std::size_t equals = content.find('=');
+    for (int i = 0; i < kParted && equals != std::string::npos; ++i) {
+        const std::string before = content.substr(0, equals);
+        const std::string behind = content.substr(equals + 1);
+        pairs.emplace_back(before, behind);
+        pairs.emplace_back(before + "=", behind);
+        pairs.emplace_back(before, "=" + behind);
+        pairs.emplace_back(behind, before);
+        equals = content.find('=', equals + 1);
+    }
+    return pairs;
+}
+
+// Appends the entry to the text when it may be written.
+bool write(const Pair& entry, std::string& text) {
+    const auto& [key, value] = entry;
+    const std::string line = plainLine(key, value);
+    check(confLineLength(key, value) ==
+              (line.size() > CONF_LINE_SIZE ? -1 : static_cast<int>(line.size())),
+          "the length of a line");
+    const XErr err = confCheckEntry(key, value);
+    check(err == plainCheckEntry(key, value), "what may be written");
+    if (err != XERR_SUCCESS) return false;
+    std::string written = key;
+    written.resize(line.size());
+    check(confEndLine(&written[key.size()], value) == written.data() + written.size(),
+          "a line has the length that was told");
+    check(written == line, "a line as it is written");
+    text += written;
+    return true;
+}
+
+void checkWriting(const Pairs& pairs) {
     std::string text;
-    Entries written;
-    for (const auto& [key, value] : entries) {
-        if (confCheckEntry(key, value) != XERR_SUCCESS) continue;
-        std::string line = key;
-        line.resize(static_cast<std::size_t>(confLineLength(key, value)));
-        check(confEndLine(&line[key.size()], value) == line.data() + line.size(),
-              "a line has the length that was told");
-        text += line;
-        written.emplace_back(key, value);
+    Pairs written;
+    for (const Pair& pair : pairs) {
+        if (write(pair, text)) written.emplace_back(pair.first, pair.second.c_str());
     }
-    const Reading again = read(text);
-    check(!again.malformed && !again.threw, "what is written is well formed");
-    check(again.entries == written, "what is written reads back the same");
+    const PlainText again = read(text);
+    check(again.end == PlainText::Whole, "what is written is well formed");
+    check(std::equal(again.entries.begin(), again.entries.end(), written.begin(), written.end(),
+                     [](const PlainEntry& entry, const Pair& pair) {
+                         return entry.key == pair.first && entry.value == pair.second;
+                     }),
+          "what is written reads back the same");
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const Reading reading = read(textOf(data, size));
-    const Reading plain = readPlainly(std::string(textOf(data, size)));
-    check(reading.entries == plain.entries, "the entries are those of the plain reader");
-    check(reading.malformed == plain.malformed && reading.threw == plain.threw,
-          "it ends like the plain reader");
-    checkWriting(reading.entries);
+    const std::string content(textOf(data, size));
+    const PlainText expected = plainText(content);
+    checkReading(content, expected);
+    checkWriting(pairsOf(content, expected));
     return 0;
 }
