@@ -2,10 +2,13 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 
 #include "xpl/Xlog.h"
 
 namespace {
+
+void (*callAtFatalBreak)() = nullptr;
 
 std::int32_t enableAll(std::int32_t, std::int32_t) { return 1; }
 
@@ -20,6 +23,9 @@ std::int32_t format(std::int32_t, std::int32_t, const char*, const char*, std::i
     va_start(arguments, format);
     const int length = std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
+    constexpr std::string_view kFatalBreak = "FATAL: DEBUG BREAK: ";
+    const bool isFatal = std::string_view(line).substr(0, kFatalBreak.size()) == kFatalBreak;
+    if (isFatal && callAtFatalBreak != nullptr) callAtFatalBreak();
     return length;
 }
 
@@ -33,3 +39,5 @@ void logIntoNothing() {
     }();
     static_cast<void>(once);
 }
+
+void logCallAtFatalBreak(void (*atFatalBreak)()) { callAtFatalBreak = atFatalBreak; }

@@ -1,8 +1,10 @@
 // Packet assembly: however a stream of bytes is delivered, the packets are those that its headers
-// describe, and the replies those of packets that came whole within one delivery.
+// describe, and the replies those of packets that came whole within one delivery. A length that is
+// fatal ends the process, behind the packets before it and no earlier than its header is there.
 //
 // The first byte counts the sizes of deliveries that follow it, used over and over; the rest is the
 // stream.
+#include <csetjmp>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -37,23 +39,30 @@ struct Packet {
     std::size_t reply;
 };
 
-// The packets of a stream, which ends before a length that is fatal, and whose replies are kept
-// short: they are memory.
-std::vector<Packet> packetsOf(std::string& stream) {
+constexpr std::size_t kNowhere = std::string::npos;
+
+struct Plan {
     std::vector<Packet> packets;
+    std::size_t fatal = kNowhere;  // where the header with a fatal length begins
+};
+
+// What the headers of a stream describe. Replies are kept short: they are memory.
+Plan planOf(std::string& stream) {
+    constexpr std::uint64_t kTooLong = (std::uint64_t{1} << 31) + kHeader;
+    Plan plan;
     std::size_t at = 0;
     while (stream.size() - at >= kHeader) {
         const std::uint32_t length = numberAt(stream, at + 4);
-        if (static_cast<std::int32_t>(length - kHeader) < 0) {
-            stream.resize(at);
+        if (length < kHeader || length >= kTooLong) {
+            plan.fatal = at;
             break;
         }
         std::memset(stream.data() + at + 9, 0, 3);
         if (length > stream.size() - at) break;
-        packets.push_back({at, length, numberAt(stream, at + 8)});
+        plan.packets.push_back({at, length, numberAt(stream, at + 8)});
         at += length;
     }
-    return packets;
+    return plan;
 }
 
 // Ends of the deliveries.
@@ -74,24 +83,56 @@ std::size_t deliveryOf(const std::vector<std::size_t>& ends, std::size_t needed)
     return i;
 }
 
-void checkDelivery(const std::string& stream, const std::vector<Packet>& packets,
-                   const std::vector<std::size_t>& ends) {
-    static const std::string serverName = "vtr_fuzz_nvo";
-    received.clear();
-    FakeSocket socket;
-    IpcConnectionInfo info(&socket, &serverName);
+// How much a buffer may take for what came so far: Qt lets one that grows have room for as much
+// again.
+int roomFor(std::size_t arrived) { return static_cast<int>(2 * arrived + 64); }
+
+// Delivers the stream, whole or up to a fatal length.
+void deliver(IpcConnectionInfo& info, FakeSocket& socket, const std::string& stream,
+             const std::vector<std::size_t>& ends) {
     std::size_t start = 0;
     for (const std::size_t end : ends) {
         socket.waiting.append(stream, start, end - start);
         start = end;
         ipcReadCommand(&info, receive);
-        check(info.buffer.size() <= static_cast<int>(stream.size()), "memory follows what arrived");
+        std::size_t dispatched = 0;
+        for (const std::string& packet : received) dispatched += packet.size();
+        const std::size_t rest = end - dispatched;
+        check(info.buffer.size() == static_cast<int>(rest < kHeader ? 0 : rest),
+              "the buffer has what came of a packet that is not whole");
+        check(info.buffer.capacity() <= roomFor(end), "memory follows what arrived");
     }
-    std::size_t replies = 0;
+}
+
+std::jmp_buf behindFatalBreak;
+
+// Whether the work comes to a fatal break, which would end the process. It is left by a jump: what
+// stands on the stack between here and the break needs no destructor.
+template <typename Work>
+bool breaksFatally(Work work) {
+    if (setjmp(behindFatalBreak) != 0) return true;
+    work();
+    return false;
+}
+
+void checkReceived(const std::string& stream, const std::vector<Packet>& packets) {
     check(received.size() == packets.size(), "as many packets as headers");
     for (std::size_t i = 0; i < packets.size(); ++i) {
-        const Packet& packet = packets[i];
-        check(received[i] == stream.substr(packet.start, packet.size), "a packet's bytes");
+        check(received[i] == stream.substr(packets[i].start, packets[i].size), "a packet's bytes");
+    }
+}
+
+void checkDelivery(const std::string& stream, const Plan& plan,
+                   const std::vector<std::size_t>& ends) {
+    static const std::string serverName = "vtr_fuzz_nvo";
+    received.clear();
+    FakeSocket socket;
+    IpcConnectionInfo info(&socket, &serverName);
+    const bool fatal = breaksFatally([&] { deliver(info, socket, stream, ends); });
+    check(fatal == (plan.fatal != kNowhere), "a length that is fatal, and only that, ends it");
+    checkReceived(stream, plan.packets);
+    std::size_t replies = 0;
+    for (const Packet& packet : plan.packets) {
         const bool atOnce = deliveryOf(ends, packet.start + kHeader) ==
                             deliveryOf(ends, packet.start + packet.size);
         if (atOnce) replies += packet.reply;
@@ -99,16 +140,25 @@ void checkDelivery(const std::string& stream, const std::vector<Packet>& packets
     check(socket.written == std::string(replies, 'r'), "the replies of packets that came at once");
 }
 
+void checkStream(std::string stream, Plan plan, const std::string& sizes) {
+    checkDelivery(stream, plan, deliveries(sizes, stream.size()));
+    if (plan.fatal == kNowhere) return;
+    stream.resize(plan.fatal + kHeader - 1);  // is nothing yet
+    plan.fatal = kNowhere;
+    checkDelivery(stream, plan, deliveries(sizes, stream.size()));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     logIntoNothing();
+    logCallAtFatalBreak([] { std::longjmp(behindFatalBreak, 1); });
     if (size == 0) return 0;
     const std::string_view input = textOf(data + 1, size - 1);
     const std::size_t count = std::min<std::size_t>(data[0] % 16, input.size());
     std::string stream(input.substr(count));
-    const std::vector<Packet> packets = packetsOf(stream);
-    checkDelivery(stream, packets, deliveries(std::string(input.substr(0, count)), stream.size()));
-    checkDelivery(stream, packets, deliveries("", stream.size()));
+    const Plan plan = planOf(stream);
+    checkStream(stream, plan, std::string(input.substr(0, count)));
+    checkStream(stream, plan, "");
     return 0;
 }
