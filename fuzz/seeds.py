@@ -8,56 +8,158 @@ import struct
 root = pathlib.Path(__file__).resolve().parent / "corpus"
 
 
+written = {}
+
+
 def write(target, name, data):
+    data = data if isinstance(data, bytes) else data.encode()
+    twin = written.setdefault((target, data), name)
+    if twin != name:
+        raise SystemExit(f"{target}: {name} repeats {twin}")
     folder = root / target
     folder.mkdir(parents=True, exist_ok=True)
-    (folder / name).write_bytes(data if isinstance(data, bytes) else data.encode())
+    (folder / name).write_bytes(data)
 
 
-# Configuration texts, for the reader and for the store.
-KEYS = ["vtr.locale", "vtr.guid", "vtr.next_vm_id", "vtr.enable_adb_access"]
-INSTANCE_KEYS = ["dpi", "ram", "cpus", "display_name", "abi_list", "fb_width"]
-CONF = {
+# Configuration texts for the reader and the writer, which know no property.
+def line(key, value):
+    return f'{key}="{value}"\n'
+
+
+TEXT = {
     "empty": "",
-    "one": 'vtr.locale="en"\n',
-    "all-globals": "".join(f'{key}="1"\n' for key in KEYS),
-    "instance": "".join(f'vtr.instance.Nougat64.{key}="2"\n' for key in INSTANCE_KEYS),
-    "two-instances": "".join(f'vtr.instance.{name}.{key}="3"\n'
-                             for name in ("Nougat64", "Nougat32_1") for key in INSTANCE_KEYS),
-    "interleaved": "".join(f'vtr.instance.{name}.{key}="4"\n'
-                           for key in INSTANCE_KEYS for name in ("A", "B", "C")),
-    "unknown-keys": 'vtr.old="1"\nother="2"\nvtr.instance.A.old="3"\n',
+    "one": line("vtr.locale", "en"),
+    "three": line("a", "1") + line("b", "2") + line("c", "3"),
     "no-last-line-feed": 'vtr.locale="en"',
-    "blank-line": 'vtr.locale="en"\n\nvtr.guid="x"\n',
+    "blank-line": line("vtr.locale", "en") + "\n" + line("vtr.guid", "x"),
+    "blank-first": "\n" + line("vtr.locale", "en"),
+    "blank-last": line("vtr.locale", "en") + "\n",
     "only-line-feed": "\n",
     "no-equals": "nonsense\n",
+    "no-equals-behind-entries": line("a", "1") + "nonsense\n" + line("b", "2"),
+    "one-character": "x",
+    "only-equals": "=",
+    "many-equals": "====\n",
     "ends-at-equals": "vtr.locale=\n",
+    "ends-at-equals-behind-entries": line("a", "1") + "b=\n" + line("c", "3"),
     "one-behind-equals": "vtr.locale=x\n",
     "two-behind-equals": 'vtr.locale=""\n',
+    "three-behind-equals": 'vtr.locale="""\n',
     "no-quotes": "vtr.locale=abc\n",
-    "equals-in-value": 'vtr.locale="a=b=c"\n',
-    "quotes-in-value": 'vtr.locale="a"b"c"\n',
-    "backslashes": 'vtr.locale="C:\\\\Data\\\\"\n',
+    "blanks-around-equals": 'vtr.locale = "abc"\n',
+    "equals-in-value": line("vtr.locale", "a=b=c"),
+    "quotes-in-value": line("vtr.locale", 'a"b"c'),
+    "line-feed-in-value": line("vtr.locale", "a\nb=c"),
+    "backslashes": line("vtr.locale", "C:\\\\Data\\\\"),
     "carriage-returns": 'vtr.locale="a"\r\nvtr.guid="b"\r\n',
-    "nul-in-value": 'vtr.locale="a\0b"\n',
-    "nul-in-key": 'vtr.lo\0cale="a"\n',
-    "empty-key": '="a"\n',
-    "empty-instance": 'vtr.instance..dpi="1"\n',
-    "dots": 'vtr.instance.A.B.dpi="1"\nvtr..="2"\nvtr.instance.="3"\nvtr.instance="4"\n',
+    "only-carriage-returns": 'vtr.locale="a"\rvtr.guid="b"\r',
+    "nul-in-value": line("vtr.locale", "a\0b"),
+    "nul-first-in-value": line("vtr.locale", "\0b"),
+    "nul-for-the-quotes": "vtr.locale=\0a\0\n",
+    "nul-before-line-feed": line("vtr.locale", "a\0b\nc"),
+    "nul-in-key": line("vtr.lo\0cale", "a"),
+    "empty-key": line("", "a"),
     "not-utf8": b'vtr.locale="\xff\xfe"\n',
-    "utf8": 'vtr.locale="日本語 é 🎮"\n',
-    "repeated": 'vtr.locale="a"\nvtr.locale="b"\nvtr.locale="a"\n',
-    "numbers": "".join(f'vtr.next_vm_id="{n}"\n'
-                       for n in ("0", "-1", "2147483648", " 12", "0x10", "1e3", "")),
+    "utf8": line("vtr.locale", "日本語 é 🎮"),
+    "bom": b'\xef\xbb\xbfvtr.locale="a"\n',
+    # The borders of reading, 4096 bytes without the line feed, and of writing, 4095 with it.
     "longest-line": 'vtr.locale="' + "x" * (4096 - 13) + '"\n',
     "one-too-long": 'vtr.locale="' + "x" * (4096 - 12) + '"\n',
     "longest-written": 'vtr.locale="' + "x" * (4095 - 14) + '"\n',
-    "long-key": "k" * 4090 + '="v"\n',
-    "many-lines": "".join(f'vtr.instance.I{n}.dpi="{n}"\n' for n in range(60)),
-    "defaults-missing": 'vtr.instance.Nougat64.dpi="240"\nvtr.instance.Nougat64_1.dpi="160"\n',
+    "one-too-long-to-write": 'vtr.locale="' + "x" * (4096 - 14) + '"\n',
+    "long-but-short-to-write": 'vtr.locale="a\0' + "x" * 4000 + '"\n',
+    "longest-key-written": "k" * (4095 - 5) + '="v"\n',
+    "equals-in-the-last-place": "k" * 4095 + "=\n",
+    "equals-behind-the-last-place": "k" * 4096 + "=\n",
+    "too-long-behind-entries": line("a", "1") + "k" * 5000 + '="v"\n' + line("b", "2"),
 }
-for name, text in CONF.items():
+for name, text in TEXT.items():
     write("conf_text", name, text)
+
+
+# Configuration files for the store: which properties there are counts here.
+KEYS = ["vtr.locale", "vtr.guid", "vtr.next_vm_id", "vtr.enable_adb_access"]
+INSTANCE_KEYS = ["dpi", "ram", "cpus", "display_name", "abi_list", "fb_width"]
+
+
+def instance_key(instance, name="dpi"):
+    return f"vtr.instance.{instance}.{name}"
+
+
+def lines(keys, value):
+    return "".join(line(key, value) for key in keys)
+
+
+BEFORE, BEHIND = line("vtr.guid", "before"), line("vtr.guid", "behind")
+FILES = {
+    "globals": lines(KEYS, "1"),
+    "globals-backwards": lines(reversed(KEYS), "1"),
+    "instance": lines([instance_key("Nougat64", key) for key in INSTANCE_KEYS], "2"),
+    "two-instances": lines([instance_key(name, key) for name in ("Nougat64", "Nougat32_1")
+                            for key in INSTANCE_KEYS], "3"),
+    "interleaved": lines([instance_key(name, key) for key in INSTANCE_KEYS
+                          for name in ("A", "B", "C")], "4"),
+    "many-instances": "".join(line(instance_key(f"I{n}"), n) for n in range(20)),
+    "names-that-begin-alike": lines(map(instance_key, ("A", "AB", "A-", "A0", "a")), "5"),
+    "instance-before-global": line(instance_key("A"), "6") + line("vtr.guid", "7"),
+    "defaults": line(instance_key("A"), "240") + line("vtr.log_levels", "*:I"),
+    "default-emptied": line(instance_key("A"), "") + line("vtr.log_levels", ""),
+    "empty-instance": line(instance_key(""), "1"),
+    "utf8-instance": line(instance_key("é日"), "1"),
+    "blank-in-instance": line(instance_key("a b"), "1"),
+    "line-in-instance": line(instance_key('a"b'), "1"),
+    "repeated": lines(["vtr.guid"], "a") + lines(["vtr.guid"], "b") + lines(["vtr.guid"], "a"),
+    "repeated-in-instance": line(instance_key("A"), "1") + line(instance_key("B"), "2")
+                            + line(instance_key("A"), "3"),
+    "numbers": "".join(line("vtr.next_vm_id", n)
+                       for n in ("0", "-1", "2147483648", " 12", "0x10", "1e3", "")),
+    "carriage-returns": line("vtr.guid", "a").replace("\n", "\r\n"),
+    "nul-in-value": line("vtr.guid", "a\0b"),
+    "no-last-line-feed": BEFORE + 'vtr.country="x"',
+    # What every run changes.
+    "changed-already": line("vtr.locale", "fuzz"),
+    "all-changed-already": line("vtr.locale", "fuzz")
+                           + line(instance_key("Fuzz", "astc_decoding_mode"), "fuzz"),
+    "changed-instance-known": line(instance_key("Fuzz"), "7"),
+    "changed-twice": line("vtr.locale", "fuzz") + line("vtr.locale", "x"),
+    # Keys that there are not, between some that there are.
+    **{f"unknown-{name}": BEFORE + line(key, "1") + BEHIND for name, key in {
+        "global": "vtr.unknown",
+        "other": "other",
+        "empty": "",
+        "prefix": "vtr.",
+        "two-dots": "vtr..",
+        "capitals": "VTR.locale",
+        "capital": "vtr.Locale",
+        "blank-behind": "vtr.locale ",
+        "nul-behind": "vtr.locale\0",
+        "property-as-global": "vtr.dpi",
+        "global-of-instance": instance_key("A", "locale"),
+        "of-instance": instance_key("A", "old"),
+        "empty-of-instance": instance_key("A", ""),
+        "of-dotted-instance": instance_key("A.B"),
+        "instance": "vtr.instance",
+        "instance-prefix": "vtr.instance.",
+        "no-second-dot": "vtr.instance.dpi",
+    }.items()},
+    "unknown-that-ends-at-equals": BEFORE + "vtr.unknown=\n",
+    "ends-at-equals": BEFORE + "vtr.country=\n" + BEHIND,
+    "unknown-before-ends-at-equals": line("vtr.unknown", "1") + "vtr.country=\n",
+    "malformed": BEFORE + "vtr.country\n" + BEHIND,
+    # What loads and must not be written, and what may because a later line or the commit mends it.
+    "too-long-to-write": 'vtr.guid="' + "x" * (4095 - 11) + '"\n',
+    "longest-written": 'vtr.guid="' + "x" * (4095 - 12) + '"\n',
+    "too-long-then-short": 'vtr.guid="' + "x" * (4095 - 11) + '"\n' + BEHIND,
+    "too-long-then-changed": 'vtr.locale="' + "x" * (4096 - 13) + '"\n',
+    "longest-instance": line(instance_key("n" * 4051), "1"),
+    "instance-too-long-for-a-default": line(instance_key("n" * 4052), "1"),
+    "nul-in-instance": line(instance_key("a\0b"), "1"),
+    "nul-in-instance-and-too-long-behind": line(instance_key("a\0b"), "1")
+                                           + 'vtr.vantrel_account_id="' + "x" * 4070 + '"\n',
+    "too-long-before-nul-in-instance": 'vtr.guid="' + "x" * (4095 - 11) + '"\n'
+                                       + line(instance_key("a\0b"), "1"),
+}
+for name, text in FILES.items():
     write("conf_store", name, text)
 
 
@@ -92,8 +194,23 @@ JSON = {
     "unicode": [app(appLabel="日本語 é 🎮", package="com.é")],
     "empty-texts": [app(package="", activity="", appLabel="", versionName="")],
     "long-text": [app(appLabel="x" * 3000)],
+    "capital-key": [{**app(package=...), "Package": "com.a"}],
+    "flaw-behind-apps": [app(), app(package="com.b"), app(activity=...), app(package="com.c")],
+    "number-behind-flaw": [app(versionCode="1"), 5],
+    "backwards": [app(package=name) for name in ("c", "b", "a")],
+    "sync-with-flaw": {"apps": [app(), app(activity=None)]},
+    "sync-with-number": {"apps": [app(), 5]},
+    "sync-null": {"apps": None},
+    "sync-twice-nested": {"apps": {"apps": [app()]}},
+    "types": [app(versionCode=value) for value in (1, True, "1", [], {})],
+    "texts-of-types": [app(appLabel=value) for value in ("", False, 1, {}, None)],
 }
-for key in ("package", "activity", "appLabel", "versionCode", "versionName"):
+for number in (2147483646.9, 2147483647.5, -2147483648.9, -0.0, 1e19):
+    JSON[f"version-{number}"] = [app(versionCode=number)]
+MEMBERS = ("package", "activity", "appLabel", "versionCode", "versionName")
+for key, next_key in zip(MEMBERS, MEMBERS[1:]):
+    JSON[f"without-{key}-and-{next_key}"] = [app(**{key: ..., next_key: ...})]
+for key in MEMBERS:
     JSON[f"without-{key}"] = [app(**{key: ...})]
     JSON[f"null-{key}"] = [app(**{key: None})]
     JSON[f"mistyped-{key}"] = [app(**{key: [1]})]
@@ -108,6 +225,8 @@ write("appc_json", "bom", b"\xef\xbb\xbf[]")
 write("appc_json", "trailing", "[] x")
 write("appc_json", "blanks", " \t\r\n[ ] \n")
 write("appc_json", "deep", "[" * 600 + "]" * 600)
+write("appc_json", "same-key", json.dumps([app()]).replace('"appLabel"', '"package"'))
+write("appc_json", "same-list", '{"apps": [], "apps": 1}')
 
 
 # Event packets.
@@ -147,7 +266,7 @@ for count in (0, 1, 3, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFB, 0xFFFFFFFF):
     write("event_decode", f"count-{count:x}", packet(3006, text("Nougat64", count)))
 for opcode in (0, 2000, 2999, 3009, 0x7FFFFFFF, 0xFFFFFFFF):
     write("event_decode", f"opcode-{opcode:x}", packet(opcode, text("x")))
-for size in (0, 1, 7, 8, 11):
+for size in (0, 1, 7, 8, 10):
     write("event_decode", f"size-{size}", packet(3003)[:size])
 write("event_decode", "no-nul", packet(3006, struct.pack("<I", 3) + b"abc"))
 write("event_decode", "nul-behind", packet(3007, text("ab", 1) + text("c")))
@@ -171,6 +290,14 @@ write("packet_assembly", "short-header", stream([], packet(1)[:11]))
 for length in (0, 11, 13, 0x7FFFFFFF, 0x80000000, 0x8000000B, 0x8000000C, 0xFFFFFFFF):
     write("packet_assembly", f"length-{length:x}",
           stream([], packet(1), packet(2, b"abc", length=length)))
+# A header that is fatal, whole in one delivery or not, behind a packet that is whole or not.
+FATAL = packet(2, length=0x80000000 + 12)
+write("packet_assembly", "fatal-alone", stream([], FATAL))
+write("packet_assembly", "fatal-in-bytes", stream([1], packet(1, b"ab", 4), FATAL))
+write("packet_assembly", "fatal-in-halves", stream([6], FATAL, packet(1)))
+write("packet_assembly", "fatal-behind-three", stream([], *ALL[:3], FATAL, *ALL[3:]))
+write("packet_assembly", "fatal-without-its-end", stream([], packet(1), FATAL[:11]))
+write("packet_assembly", "nearly-fatal", stream([9], packet(2, b"abc", length=0x8000000B)))
 write("packet_assembly", "large-reply", stream([20], packet(1, b"abc", 0xFFFFFFFF)))
 write("packet_assembly", "long", stream([100], packet(1, b"y" * 3000, 1), packet(2)))
 
