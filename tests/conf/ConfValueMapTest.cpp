@@ -51,7 +51,10 @@ TEST(ConfValueMap, BehavesAsAnOrderedMap) {
         Model model;
         for (int step = 0; step < 200; ++step) {
             const std::string key = randomKey(random);
-            if (random() % 3 == 0) {
+            if (random() % 64 == 0) {
+                map.clear();
+                model.clear();
+            } else if (random() % 3 == 0) {
                 map.erase(key);
                 model.erase(key);
             } else {
@@ -66,6 +69,29 @@ TEST(ConfValueMap, BehavesAsAnOrderedMap) {
         }
         expectSame(map, model);
     }
+}
+
+// A commit clears what was pending, and the next change is often one of the same instance.
+TEST(ConfValueMap, AnInstanceComesBackAfterClearing) {
+    ConfValueMap map;
+    map.assign("vtr.instance.X.a", "1");
+    map.assign("vtr.instance.Y.a", "2");
+    map.assign("vtr.guid", "3");
+    map.clear();
+    EXPECT_TRUE(map.empty());
+    expectSame(map, {});
+    for (const char* key : {"vtr.instance.X.a", "vtr.instance.Y.a", "vtr.guid"}) {
+        EXPECT_EQ(map.find(key), nullptr) << key;
+        map.erase(key);
+    }
+    expectSame(map, {});
+    map.assign("vtr.instance.X.a", "4");
+    map.assign("vtr.instance.X.b", "5");
+    map.assign("vtr.guid", "6");
+    ASSERT_NE(map.find("vtr.instance.X.a"), nullptr);
+    EXPECT_EQ(*map.find("vtr.instance.X.a"), "4");
+    EXPECT_EQ(map.find("vtr.instance.Y.a"), nullptr);
+    expectSame(map, {{"vtr.guid", "6"}, {"vtr.instance.X.a", "4"}, {"vtr.instance.X.b", "5"}});
 }
 
 TEST(ConfValueMap, AddMissingKeepsWhatIsThere) {
