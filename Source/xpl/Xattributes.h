@@ -17,10 +17,8 @@
 #define XTS_CAPABILITY(name) XTS_ATTRIBUTE(capability(name))
 #define XTS_GUARDED_BY(lock) XTS_ATTRIBUTE(guarded_by(lock))
 #define XTS_REQUIRES(...) XTS_ATTRIBUTE(requires_capability(__VA_ARGS__))
-#define XTS_EXCLUDES(...) XTS_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define XTS_ACQUIRE(...) XTS_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define XTS_TRY_ACQUIRE(...) XTS_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
 #define XTS_RELEASE(...) XTS_ATTRIBUTE(release_capability(__VA_ARGS__))
-#define XTS_ACQUIRED_BEFORE(...) XTS_ATTRIBUTE(acquired_before(__VA_ARGS__))
 
 #endif
