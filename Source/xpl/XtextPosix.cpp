@@ -15,7 +15,7 @@ bool isLow(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 // 0 behind the end.
 std::uint32_t unitAt(std::wstring_view wide, std::size_t at) {
     if (at >= wide.size()) return 0;
-    return static_cast<std::uint32_t>(wide[at]);  // NOLINT(bugprone-signed-char-misuse): no char
+    return static_cast<std::uint32_t>(wide[at]);
 }
 
 // Bytes that follow the first one of a character; -1 for a byte that is no first one.
