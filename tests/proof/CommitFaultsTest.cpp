@@ -4,21 +4,121 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <iterator>
 #include <map>
+#include <set>
+#include <sstream>
 
 #include "SystemCalls.h"
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
+#include "support/Platform.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 
 namespace {
 
+using Lines = std::vector<std::string>;
+using Faults = std::vector<FaultAt>;
+
 constexpr std::uint32_t kDiedStatus = 7;
+
+constexpr const char* kFile = "vantrel.conf";
+constexpr const char* kTemporary = "vantrel.conf-temp";
 
 // Large enough to be written in two pieces.
 constexpr int kInstances = 900;
+
+// Where the changes of a commit are behind it.
+enum class Changes { Pending, InMemory, InFile };
+
+// What a commit with an error does: its result, its changes, whether the temporary file is left,
+// and how many more calls it makes.
+struct Course {
+    XErr result;
+    Changes changes;
+    bool leftover;
+    int laterCalls;
+};
+
+// The calls of a commit, and its course when one of them fails once or that one and every later
+// one. A release that fails is fatal.
+struct Call {
+    const char* function;
+    Course once;
+    Course forEver;
+};
+
+constexpr Course kDone{XERR_SUCCESS, Changes::InFile, false, 0};
+
+constexpr Course done(int laterCalls) { return {XERR_SUCCESS, Changes::InFile, false, laterCalls}; }
+constexpr Course notLoaded(bool leftover, int laterCalls) {
+    return {XERR_FAILURE, Changes::Pending, leftover, laterCalls};
+}
+constexpr Course notWritten(bool leftover, int laterCalls) {
+    return {XERR_NOSPC, Changes::InMemory, leftover, laterCalls};
+}
+constexpr Course kNotCreated{XERR_ACCES, Changes::Pending, false, 1};
+
+constexpr Call kCalls[] = {
+    // The temporary file.
+    {"CreateFileW", kNotCreated, kNotCreated},
+    // The file is loaded again.
+    {"CreateFileW", notLoaded(false, 3), notLoaded(true, 3)},
+    {"ReadFile", notLoaded(false, 4), notLoaded(true, 4)},
+    {"CloseHandle", done(8), notWritten(true, 4)},
+    // The temporary file is filled; then a failure deletes it.
+    {"WriteFile", notWritten(false, 3), notWritten(true, 3)},
+    {"WriteFile", notWritten(false, 3), notWritten(true, 3)},
+    {"CloseHandle", done(5), notWritten(true, 4)},
+    // It is flushed, or not, which is no reason to give up.
+    {"CreateFileW", done(2), notWritten(true, 3)},
+    {"FlushFileBuffers", done(3), notWritten(true, 4)},
+    {"CloseHandle", done(2), notWritten(true, 3)},
+    // It takes the file's place.
+    {"MoveFileExW", notWritten(false, 2), notWritten(true, 2)},
+    {"ReleaseMutex", kDone, kDone},
+};
+
+constexpr int kCallCount = static_cast<int>(std::size(kCalls));
+constexpr int kMove = kCallCount - 2;
+constexpr int kRelease = kCallCount - 1;
+
+const Call& callAt(int call) { return kCalls[static_cast<std::size_t>(call)]; }
+
+const Course& courseOf(Fault fault, int call) {
+    return fault == Fault::ErrorOnce ? callAt(call).once : callAt(call).forEver;
+}
+
+bool isWrite(int call) { return std::string_view(callAt(call).function) == "WriteFile"; }
+
+std::string nameOf(const Faults& faults) {
+    std::string name;
+    for (const FaultAt& at : faults) {
+        name += "fault " + std::to_string(static_cast<int>(at.fault)) + " at " +
+                std::to_string(at.call) + " ";
+    }
+    return name;
+}
+
+// Ends of the process, alone: what is behind one call is before the next one.
+std::vector<Faults> deaths() {
+    std::vector<Faults> all;
+    for (int call = 0; call < kCallCount; ++call) {
+        all.push_back({{Fault::DieBefore, call}});
+        if (isWrite(call)) all.push_back({{Fault::DieHalfway, call}});
+    }
+    all.push_back({{Fault::DieAfter, kRelease}});
+    return all;
+}
+
+// Whether the file is in place when the last of the faults ends the process.
+bool isMoved(const Faults& faults) {
+    const FaultAt& death = faults.back();
+    return death.call > kMove || (death.call == kMove && death.fault == Fault::DieAfter);
+}
 
 void addInstances(ConfStore& store) {
     for (int i = 1; i <= kInstances; ++i) {
@@ -26,48 +126,113 @@ void addInstances(ConfStore& store) {
     }
 }
 
+constexpr const char* kDpi = "vtr.instance.Nougat64_1.dpi";
+constexpr const char* kLocale = "vtr.locale";
+
 void stage(ConfStore& store) {
-    confSetI32(store, "vtr.instance.Nougat64_1.dpi", 320);
-    confSetString(store, "vtr.locale", "de-DE");
+    confSetI32(store, kDpi, 320);
+    confSetString(store, kLocale, "de-DE");
 }
 
-// The number of calls that a commit makes, and what it leaves behind without a fault.
+// What a commit without a fault finds, leaves behind and calls.
 struct Commit {
     std::string before;
     std::string after;
-    int calls = 0;
+    Lines calls;
 };
+
+// What a process says of a commit that it survived.
+struct Report {
+    XErr result = 0;
+    int pending = 0;  // changes at all, and each of the two
+    int dpiPending = 0;
+    int localePending = 0;
+    int calls = 0;
+    XErr again = 0;
+    Lines names;  // of what was there before it started over
+};
+
+Report reportOf(const std::string& text) {
+    Report report;
+    std::istringstream in(text);
+    in >> report.result >> report.pending >> report.dpiPending >> report.localePending >>
+        report.calls >> report.again;
+    EXPECT_TRUE(in) << text;
+    for (std::string name; in >> name;) report.names.push_back(name);
+    return report;
+}
 
 class CommitFaultsTest : public ::testing::Test {
  protected:
     CommitFaultsTest() {
         ConfStore& store = confStore();
-        folder.write("empty", "");
-        EXPECT_EQ(confLibInit(store, folder / "empty", false), 0);
+        other.write("empty", "");
+        EXPECT_EQ(confLibInit(store, other / "empty", false), 0);
         addInstances(store);
+        confSetI32(store, kDpi, 240);  // the tests before this one, in one process, changed it
         EXPECT_EQ(confCommitToFile(store, path), 0);
-        commit.before = folder.read("vantrel.conf");
+        commit.before = folder.read(kFile);
         EXPECT_GT(commit.before.size(), std::size_t{1} << 20);
         EXPECT_EQ(confLibInit(store, path, false), 0);
         stage(store);
-        arm(Fault::None, -1);
+        arm({});
         EXPECT_EQ(confCommit(store), 0);
         commit.calls = disarm();
-        commit.after = folder.read("vantrel.conf");
-        EXPECT_NE(commit.after, commit.before);
+        commit.after = folder.read(kFile);
+        expectValues(commit.before, "240", "");
+        expectValues(commit.after, "320", "de-DE");
     }
 
-    // A process that commits with one fault.
-    ChildResult play(Fault fault, int call) {
-        folder.write("vantrel.conf", commit.before);
-        return runScene("commitsWithAFault",
-                        {path, std::to_string(static_cast<int>(fault)), std::to_string(call)});
+    static void expectValues(const std::string& content, const std::string& dpi,
+                             const std::string& locale) {
+        EXPECT_NE(content.find(kDpi + ("=\"" + dpi + "\"\n")), std::string::npos);
+        EXPECT_NE(content.find(kLocale + ("=\"" + locale + "\"\n")), std::string::npos);
     }
 
-    void expectWhole(const std::string& where) {
-        const std::string now = folder.read("vantrel.conf");
-        EXPECT_TRUE(now == commit.before || now == commit.after)
-            << where << ": " << now.size() << " bytes";
+    // A process that commits with faults.
+    ChildResult play(const Faults& faults) {
+        folder.write(kFile, commit.before);
+        Lines arguments{path, other / "seen"};
+        for (const FaultAt& at : faults) {
+            arguments.push_back(std::to_string(static_cast<int>(at.fault)));
+            arguments.push_back(std::to_string(at.call));
+        }
+        return runScene("commitsWithFaults", arguments);
+    }
+
+    // A process that survives its faults takes that course, and starts over.
+    void expectCourse(const Faults& faults, const Course& expected, int calls) {
+        const std::string where = nameOf(faults);
+        const ChildResult child = play(faults);
+        ASSERT_EQ(child.status, 0u) << where << child.out << child.err;
+        const Report report = reportOf(child.out);
+        EXPECT_EQ(report.result, expected.result) << where;
+        const int pending = expected.changes == Changes::Pending ? 1 : 0;
+        EXPECT_EQ(report.pending, pending) << where;
+        EXPECT_EQ(report.dpiPending, pending) << where;
+        EXPECT_EQ(report.localePending, pending) << where;
+        EXPECT_EQ(report.calls, calls) << where;
+        EXPECT_EQ(report.names, expected.leftover ? (Lines{kFile, kTemporary}) : Lines{kFile})
+            << where;
+        EXPECT_TRUE(other.read("seen") ==
+                    (expected.changes == Changes::InFile ? commit.after : commit.before))
+            << where;
+        EXPECT_EQ(report.again, 0) << where;
+        EXPECT_TRUE(folder.read(kFile) == commit.after) << where;
+        EXPECT_EQ(folder.list(), Lines{kFile}) << where;
+        expectNextCommit(where);
+    }
+
+    // A process that ends at its last fault leaves the old file until the move and then the new
+    // one, beside it at most the temporary file, and no lock.
+    void expectDeath(const Faults& faults) {
+        const std::string where = nameOf(faults);
+        ASSERT_EQ(play(faults).status, kDiedStatus) << where;
+        EXPECT_TRUE(folder.read(kFile) == (isMoved(faults) ? commit.after : commit.before))
+            << where;
+        EXPECT_TRUE(folder.list() == Lines{kFile} || folder.list() == (Lines{kFile, kTemporary}))
+            << where;
+        expectNextCommit(where);
     }
 
     // This process is another one, and nothing keeps it from committing.
@@ -76,13 +241,13 @@ class CommitFaultsTest : public ::testing::Test {
         ASSERT_EQ(confLibInit(store, path, false), 0) << where;
         confSetString(store, "vtr.guid", where);
         ASSERT_EQ(confCommit(store), 0) << where;
-        EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"" + where + "\"\n"),
-                  std::string::npos);
-        EXPECT_FALSE(folder.has("vantrel.conf-temp")) << where;
+        EXPECT_NE(folder.read(kFile).find("vtr.guid=\"" + where + "\"\n"), std::string::npos);
+        EXPECT_EQ(folder.list(), Lines{kFile}) << where;
     }
 
     TempFolder folder;
-    std::string path = folder / "vantrel.conf";
+    TempFolder other;  // for what is not the commit's
+    std::string path = folder / kFile;
     Commit commit;
     LogCapture log;
 };
@@ -107,64 +272,65 @@ SCENE(commits) {
     return confCommit(store) == 0 ? 0 : 2;
 }
 
-// Commits with a fault, and says what came of it: the result, the size of the file, and the result
-// of starting over, as a host does.
-SCENE(commitsWithAFault) {
+// Commits with faults, keeps a copy of the file as it then is, starts over as a host does, and says
+// what came of it, as a Report.
+SCENE(commitsWithFaults) {
     LogCapture quiet;
     ConfStore& store = confStore();
     if (confLibInit(store, arguments[0], false) != 0) return 1;
     stage(store);
-    arm(static_cast<Fault>(std::stoi(arguments[1])), std::stoi(arguments[2]));
+    Faults faults;
+    for (std::size_t i = 2; i < arguments.size(); i += 2) {
+        faults.push_back(
+            {static_cast<Fault>(std::stoi(arguments[i])), std::stoi(arguments[i + 1])});
+    }
+    arm(std::move(faults));
     const XErr result = confCommit(store);
-    disarm();
-    const std::size_t size = readBytes(arguments[0]).size();
+    const std::size_t calls = disarm().size();
+    std::printf("%d %d %d %d %zu", result, confHasPendingChanges(store),
+                confIsPropPending(store, kDpi), confIsPropPending(store, kLocale), calls);
+    std::set<std::string> names;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(systemPath(arguments[0]).parent_path())) {
+        names.insert(entry.path().filename().string());
+    }
+    writeBytes(arguments[1], readBytes(arguments[0]));
     if (confLibInit(store, arguments[0], false) != 0) return 2;
     stage(store);
-    std::printf("%d %d %zu", result, confCommit(store), size);
+    std::printf(" %d", confCommit(store));
+    for (const std::string& name : names) std::printf(" %s", name.c_str());
     return 0;
 }
 
-TEST_F(CommitFaultsTest, TheSweepIsWideEnough) { EXPECT_GE(commit.calls * 5, 40); }
+TEST_F(CommitFaultsTest, ACommitMakesTheCallsOfTheSweep) {
+    Lines expected;
+    for (const Call& call : kCalls) expected.emplace_back(call.function);
+    EXPECT_EQ(commit.calls, expected);
+}
 
 TEST_F(CommitFaultsTest, ACallThatFailsLosesNothing) {
+    int fatal = 0;
     for (const Fault fault : {Fault::ErrorOnce, Fault::ErrorForEver}) {
-        for (int call = 0; call < commit.calls; ++call) {
-            const std::string where =
-                std::to_string(static_cast<int>(fault)) + "-" + std::to_string(call);
-            const ChildResult child = play(fault, call);
-            if (child.status == kFatalStatus) {  // a lock that cannot be released
-                expectWhole(where);
-            } else {
-                ASSERT_EQ(child.status, 0u) << where << child.out << child.err;
-                int result = 0;
-                int again = 0;
-                std::size_t size = 0;
-                ASSERT_EQ(std::sscanf(child.out.c_str(), "%d %d %zu", &result, &again, &size), 3);
-                EXPECT_EQ(again, 0) << where;
-                EXPECT_EQ(size, (result == 0 ? commit.after : commit.before).size()) << where;
-                EXPECT_TRUE(folder.read("vantrel.conf") == commit.after) << where;
-            }
-            expectNextCommit(where);
+        for (int call = 0; call < kRelease; ++call) {
+            const Course& expected = courseOf(fault, call);
+            ASSERT_NO_FATAL_FAILURE(
+                expectCourse({{fault, call}}, expected, call + 1 + expected.laterCalls));
         }
+        // A lock that cannot be released is fatal, and nothing else is.
+        const Faults release{{fault, kRelease}};
+        ASSERT_EQ(play(release).status, kFatalStatus);
+        ++fatal;
+        EXPECT_TRUE(folder.read(kFile) == commit.after);
+        expectNextCommit(nameOf(release));
     }
+    EXPECT_EQ(fatal, 2);
 }
 
 TEST_F(CommitFaultsTest, AProcessThatDiesAtAnyCallLeavesAWholeFileAndNoLock) {
-    for (const Fault fault : {Fault::DieBefore, Fault::DieHalfway, Fault::DieAfter}) {
-        for (int call = 0; call < commit.calls; ++call) {
-            const std::string where =
-                std::to_string(static_cast<int>(fault)) + "-" + std::to_string(call);
-            ASSERT_EQ(play(fault, call).status, kDiedStatus) << where;
-            expectWhole(where);
-            for (const std::string& name : folder.list()) {
-                EXPECT_TRUE(name == "vantrel.conf" || name == "vantrel.conf-temp" ||
-                            name == "empty")
-                    << name;
-            }
-            expectNextCommit(where);
-        }
-    }
+    for (const Faults& death : deaths()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
 }
+
+TEST_F(CommitFaultsTest, TheSweepIsWideEnough) { EXPECT_GE(commit.calls.size() * 5, 40u); }
 
 namespace {
 

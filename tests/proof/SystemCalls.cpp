@@ -2,7 +2,9 @@
 
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "ImportTable.h"
 #include "support/WindowsForTests.h"
@@ -11,9 +13,8 @@ namespace {
 
 struct State {
     std::recursive_mutex lock;
-    Fault fault = Fault::None;
-    int target = -1;
-    int count = 0;
+    std::vector<FaultAt> faults;
+    std::vector<std::string> calls;
     bool armed = false;
     bool recording = false;
     std::map<HANDLE, std::string> open;
@@ -32,29 +33,54 @@ constexpr UINT kDied = 7;
     for (;;) ::Sleep(1);
 }
 
-// Makes a call, or lets the armed fault take its place. `half` does half of it.
-template <typename Call, typename Half>
-auto guarded(decltype(std::declval<Call>()()) failure, DWORD error, Call call, Half half)
-    -> decltype(call()) {
+constexpr std::string_view kRelease = "ReleaseMutex";
+
+// Whether a fault goes on at a later call, of this function.
+bool lasts(const State& s, const FaultAt& at, std::string_view function) {
+    if (at.fault == Fault::ErrorForEver) return function != kRelease;
+    if (at.fault != Fault::DeniedForEver) return false;
+    return s.calls[static_cast<std::size_t>(at.call)] == function;
+}
+
+// What is to become of the call that is being made.
+Fault nextFault(const char* function) {
     State& s = state();
+    const std::lock_guard<std::recursive_mutex> guard(s.lock);
+    if (!s.armed) return Fault::None;
+    const int number = static_cast<int>(s.calls.size());
+    s.calls.emplace_back(function);
     Fault fault = Fault::None;
-    {
-        const std::lock_guard<std::recursive_mutex> guard(s.lock);
-        if (s.armed) {
-            const int number = s.count++;
-            const bool later = s.fault == Fault::ErrorForEver && number > s.target;
-            if (number == s.target || later) fault = s.fault;
-        }
+    for (const FaultAt& at : s.faults) {
+        if (number == at.call || (number > at.call && lasts(s, at, function))) fault = at.fault;
     }
-    if (fault == Fault::ErrorOnce || fault == Fault::ErrorForEver) {
-        ::SetLastError(error);
-        return failure;
+    return fault;
+}
+
+// Makes a call of `function`, or lets a fault take its place. `half` does half of it.
+template <typename Call, typename Half>
+auto guarded(const char* function, decltype(std::declval<Call>()()) failure, DWORD error, Call call,
+             Half half) -> decltype(call()) {
+    switch (nextFault(function)) {
+        case Fault::ErrorOnce:
+        case Fault::ErrorForEver:
+            ::SetLastError(error);
+            return failure;
+        case Fault::DeniedOnce:
+        case Fault::DeniedForEver:
+            ::SetLastError(ERROR_ACCESS_DENIED);
+            return failure;
+        case Fault::DieHalfway:
+            half();
+            die();
+        case Fault::DieBefore:
+            die();
+        case Fault::DieAfter:
+            call();
+            die();
+        case Fault::None:
+            break;
     }
-    if (fault == Fault::DieHalfway) half();
-    if (fault == Fault::DieBefore || fault == Fault::DieHalfway) die();
-    const auto result = call();
-    if (fault == Fault::DieAfter) die();
-    return result;
+    return call();
 }
 
 void note(FileOperation operation) {
@@ -82,7 +108,7 @@ decltype(&::CreateFileW) realCreateFile;
 HANDLE WINAPI createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                          DWORD disposition, DWORD flags, HANDLE model) {
     const HANDLE file = guarded(
-        INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED,
+        "CreateFileW", INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED,
         [&] { return realCreateFile(path, access, share, security, disposition, flags, model); },
         kNothing);
     if (file == INVALID_HANDLE_VALUE) return file;
@@ -100,7 +126,7 @@ decltype(&::ReadFile) realReadFile;
 BOOL WINAPI readFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD done,
                      LPOVERLAPPED overlapped) {
     return guarded(
-        BOOL{FALSE}, ERROR_READ_FAULT,
+        "ReadFile", BOOL{FALSE}, ERROR_READ_FAULT,
         [&] { return realReadFile(file, buffer, size, done, overlapped); }, kNothing);
 }
 
@@ -108,7 +134,7 @@ decltype(&::WriteFile) realWriteFile;
 BOOL WINAPI writeFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
                       LPOVERLAPPED overlapped) {
     const BOOL ok = guarded(
-        BOOL{FALSE}, ERROR_DISK_FULL,
+        "WriteFile", BOOL{FALSE}, ERROR_DISK_FULL,
         [&] { return realWriteFile(file, bytes, size, done, overlapped); },
         [&] { realWriteFile(file, bytes, size / 2, done, overlapped); });
     if (ok) {
@@ -120,7 +146,8 @@ BOOL WINAPI writeFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
 decltype(&::FlushFileBuffers) realFlush;
 BOOL WINAPI flush(HANDLE file) {
     const BOOL ok = guarded(
-        BOOL{FALSE}, ERROR_WRITE_FAULT, [&] { return realFlush(file); }, kNothing);
+        "FlushFileBuffers", BOOL{FALSE}, ERROR_WRITE_FAULT, [&] { return realFlush(file); },
+        kNothing);
     if (ok) note({FileOperation::Flush, pathOf(file), {}});
     return ok;
 }
@@ -134,7 +161,8 @@ BOOL WINAPI closeHandle(HANDLE handle) {
     }
     BOOL closed = FALSE;
     const BOOL ok = guarded(
-        BOOL{FALSE}, ERROR_INVALID_HANDLE, [&] { return closed = realClose(handle); }, kNothing);
+        "CloseHandle", BOOL{FALSE}, ERROR_INVALID_HANDLE,
+        [&] { return closed = realClose(handle); }, kNothing);
     if (!ok && !closed) realClose(handle);
     return ok;
 }
@@ -142,7 +170,8 @@ BOOL WINAPI closeHandle(HANDLE handle) {
 decltype(&::MoveFileExW) realMove;
 BOOL WINAPI moveFile(LPCWSTR from, LPCWSTR to, DWORD flags) {
     const BOOL ok = guarded(
-        BOOL{FALSE}, ERROR_DISK_FULL, [&] { return realMove(from, to, flags); }, kNothing);
+        "MoveFileExW", BOOL{FALSE}, ERROR_DISK_FULL, [&] { return realMove(from, to, flags); },
+        kNothing);
     if (ok) note({FileOperation::Move, narrow(from), narrow(to)});
     return ok;
 }
@@ -150,7 +179,8 @@ BOOL WINAPI moveFile(LPCWSTR from, LPCWSTR to, DWORD flags) {
 decltype(&::DeleteFileW) realDelete;
 BOOL WINAPI deleteFile(LPCWSTR path) {
     const BOOL ok = guarded(
-        BOOL{FALSE}, ERROR_ACCESS_DENIED, [&] { return realDelete(path); }, kNothing);
+        "DeleteFileW", BOOL{FALSE}, ERROR_ACCESS_DENIED, [&] { return realDelete(path); },
+        kNothing);
     if (ok) note({FileOperation::Delete, narrow(path), {}});
     return ok;
 }
@@ -158,7 +188,7 @@ BOOL WINAPI deleteFile(LPCWSTR path) {
 decltype(&::ReleaseMutex) realRelease;
 BOOL WINAPI releaseMutex(HANDLE mutex) {
     return guarded(
-        BOOL{FALSE}, ERROR_NOT_OWNER, [&] { return realRelease(mutex); }, kNothing);
+        "ReleaseMutex", BOOL{FALSE}, ERROR_NOT_OWNER, [&] { return realRelease(mutex); }, kNothing);
 }
 
 template <typename Function>
@@ -184,19 +214,18 @@ void installOnce() {
 
 }  // namespace
 
-void arm(Fault fault, int call) {
+void arm(std::vector<FaultAt> faults) {
     installOnce();
     const std::lock_guard<std::recursive_mutex> guard(state().lock);
-    state().fault = fault;
-    state().target = call;
-    state().count = 0;
+    state().faults = std::move(faults);
+    state().calls.clear();
     state().armed = true;
 }
 
-int disarm() {
+std::vector<std::string> disarm() {
     const std::lock_guard<std::recursive_mutex> guard(state().lock);
     state().armed = false;
-    return state().count;
+    return std::exchange(state().calls, {});
 }
 
 void record() {
