@@ -15,6 +15,7 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
+#include "support/Proof.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 
@@ -86,6 +87,9 @@ constexpr int kCallCount = static_cast<int>(std::size(kCalls));
 constexpr int kMove = kCallCount - 2;
 constexpr int kRelease = kCallCount - 1;
 
+// How often a move that is denied is tried again.
+constexpr int kMoreMoves = 10;
+
 const Call& callAt(int call) { return kCalls[static_cast<std::size_t>(call)]; }
 
 const Course& courseOf(Fault fault, int call) {
@@ -114,10 +118,58 @@ std::vector<Faults> deaths() {
     return all;
 }
 
+// Ends of the process at a call behind one that fails, among them those that a commit without an
+// error does not make. The short form has the errors with the longest ways out.
+std::vector<Faults> deathsBehindErrors() {
+    std::vector<FaultAt> first{{Fault::ErrorOnce, 2},
+                               {Fault::ErrorOnce, 5},
+                               {Fault::ErrorOnce, kMove},
+                               {Fault::ErrorForEver, 5}};
+    if (proofSize(0, 1) == 1) {
+        first.clear();
+        for (int call = 0; call < kRelease; ++call) {
+            first.push_back({Fault::ErrorOnce, call});
+            first.push_back({Fault::ErrorForEver, call});
+        }
+    }
+    std::vector<Faults> all;
+    for (const FaultAt& error : first) {
+        const int last = error.call + courseOf(error.fault, error.call).laterCalls;
+        for (int call = error.call + 1; call <= last; ++call) {
+            all.push_back({error, {Fault::DieBefore, call}});
+        }
+    }
+    return all;
+}
+
+// Ends of the process among the repetitions of a move that is denied once or for ever.
+std::vector<Faults> deathsBehindDeniedMoves() {
+    std::vector<Faults> all{{{Fault::DeniedOnce, kMove}, {Fault::DieBefore, kMove + 1}},
+                            {{Fault::DeniedOnce, kMove}, {Fault::DieAfter, kMove + 1}}};
+    const int remove = kMove + kMoreMoves + 1;
+    for (int call = kMove + 1; call <= remove; call += call < remove - 1 ? proofSize(5, 1) : 1) {
+        all.push_back({{Fault::DeniedForEver, kMove}, {Fault::DieBefore, call}});
+    }
+    all.push_back({{Fault::DeniedForEver, kMove}, {Fault::DieAfter, remove}});
+    return all;
+}
+
 // Whether the file is in place when the last of the faults ends the process.
 bool isMoved(const Faults& faults) {
+    int move = kMove;
+    if (faults.size() > 1) {
+        const FaultAt& error = faults.front();
+        if (error.fault == Fault::DeniedForEver) return false;
+        if (error.fault == Fault::DeniedOnce) {
+            ++move;
+        } else {
+            const Course& course = courseOf(error.fault, error.call);
+            if (course.changes != Changes::InFile) return false;
+            move = error.call + course.laterCalls - 1;
+        }
+    }
     const FaultAt& death = faults.back();
-    return death.call > kMove || (death.call == kMove && death.fault == Fault::DieAfter);
+    return death.call > move || (death.call == move && death.fault == Fault::DieAfter);
 }
 
 void addInstances(ConfStore& store) {
@@ -328,6 +380,22 @@ TEST_F(CommitFaultsTest, ACallThatFailsLosesNothing) {
 
 TEST_F(CommitFaultsTest, AProcessThatDiesAtAnyCallLeavesAWholeFileAndNoLock) {
     for (const Faults& death : deaths()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
+}
+
+TEST_F(CommitFaultsTest, AProcessThatDiesBehindAnErrorLeavesAWholeFileAndNoLock) {
+    for (const Faults& death : deathsBehindErrors()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
+}
+
+TEST_F(CommitFaultsTest, AMoveThatIsDeniedIsTriedAgain) {
+    expectCourse({{Fault::DeniedOnce, kMove}}, kDone, kCallCount + 1);
+    expectCourse({{Fault::DeniedForEver, kMove}}, {XERR_ACCES, Changes::InMemory, false, 0},
+                 kCallCount + kMoreMoves + 1);
+}
+
+TEST_F(CommitFaultsTest, AProcessThatDiesBehindADeniedMoveLeavesAWholeFileAndNoLock) {
+    for (const Faults& death : deathsBehindDeniedMoves()) {
+        ASSERT_NO_FATAL_FAILURE(expectDeath(death));
+    }
 }
 
 TEST_F(CommitFaultsTest, TheSweepIsWideEnough) { EXPECT_GE(commit.calls.size() * 5, 40u); }
