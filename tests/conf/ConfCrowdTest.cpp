@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <random>
 #include <thread>
@@ -21,9 +22,24 @@ using ConfCrowdTest = ConfTest;
 
 constexpr const char* kFileLock = "Global\\vtr_conf_nvo";
 
+std::string counterOf(const std::string& instance) { return "vtr.instance." + instance + ".ram"; }
+
+void setCounters(ConfStore& store, const std::string& instance, int number) {
+    confSetI32(store, counterOf(instance), number);
+    confSetI32(store, "vtr.instance." + instance + ".cpus", number);
+}
+
+// Stages the next number of both, and gives it.
+int raiseCounters(ConfStore& store, const std::string& instance) {
+    const int number = confGetI32(store, counterOf(instance)) + 1;
+    setCounters(store, instance, number);
+    return number;
+}
+
 }  // namespace
 
-// Commits own counters and a shared key, as often as told.
+// Raises own counters by one, as often as told, and sets a shared key. What the counters were comes
+// from the file: a commit that was lost stays lost.
 SCENE(commitsManyTimes) {
     LogCapture quiet;
     ConfStore& store = confStore();
@@ -31,8 +47,8 @@ SCENE(commitsManyTimes) {
     if (confLibInit(store, arguments[0], false) != 0) return 1;
     const int count = std::stoi(arguments[2]);
     for (int i = 1; i <= count; ++i) {
-        confSetI32(store, "vtr.instance." + own + ".ram", i);
-        confSetI32(store, "vtr.instance." + own + ".cpus", i);
+        if (confReload(store) != 0) return 3;
+        raiseCounters(store, own);
         confSetString(store, "vtr.guid", own + "-" + std::to_string(i));
         if (confCommit(store) != 0) return 2;
     }
@@ -42,9 +58,8 @@ SCENE(commitsManyTimes) {
 namespace {
 
 // What is wrong with a state of the file; empty when it is complete: every global key and, for each
-// instance, all thirty of its keys with a matching pair of counters.
-std::string flawOf(const std::string& content) {
-    Entries entries;
+// instance, all thirty of its keys with a matching pair of counters. `entries` is what it holds.
+std::string flawOf(const std::string& content, Entries& entries) {
     ConfTextReader reader(content);
     ConfEntry entry;
     for (ConfRead read; (read = reader.next(entry)) != ConfRead::End;) {
@@ -52,6 +67,7 @@ std::string flawOf(const std::string& content) {
         entries[std::string(entry.key)] = entry.value;
     }
     if (content.empty() || content.back() != '\n') return "cut at its end";
+    const std::size_t count = entries.size();  // looking for a missing key adds it
     Entries needed = globalDefaults();
     for (const auto& [key, value] : entries) {
         if (key.rfind("vtr.instance.", 0) != 0) continue;
@@ -60,9 +76,44 @@ std::string flawOf(const std::string& content) {
         const std::string prefix = "vtr.instance." + instance + ".";
         if (entries[prefix + "ram"] != entries[prefix + "cpus"]) return "mixed: " + instance;
     }
-    if (entries.size() != needed.size()) return "keys are missing";
+    if (count != needed.size()) return "keys are missing";
     return {};
 }
+
+std::string flawOf(const std::string& content) {
+    Entries entries;
+    return flawOf(content, entries);
+}
+
+// Looks at one state of the file after the other: each is whole, and no counter falls.
+class Auditor {
+ public:
+    // Under the lock.
+    void look(const std::string& content) {
+        ++looks_;
+        states_ += content == last_ ? 0 : 1;
+        Entries entries;
+        ASSERT_EQ(flawOf(content, entries), "") << "look " << looks_;
+        for (auto& [instance, number] : numbers_) {
+            const std::string& text = entries[counterOf(instance)];
+            const int now = text.empty() ? 0 : std::stoi(text);
+            ASSERT_GE(now, number) << instance << ", look " << looks_;
+            number = now;
+        }
+        last_ = content;
+    }
+
+    void follow(const std::string& instance, int number) { numbers_[instance] = number; }
+
+    int looks() const { return looks_; }
+    int states() const { return states_; }
+
+ private:
+    std::string last_;
+    std::map<std::string, int> numbers_;
+    int looks_ = 0;
+    int states_ = 0;  // that differed from the one before
+};
 
 }  // namespace
 
@@ -79,18 +130,23 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(kFileLock), 0);
     std::atomic<bool> finished{false};
-    int states = 0;
-    std::thread auditor([&] {
-        while (!finished) {
+    Auditor auditor;
+    for (int p = 0; p < kProcesses; ++p) auditor.follow("P" + std::to_string(p), 0);
+    std::thread looker([&] {
+        while (!finished && !HasFatalFailure()) {
             const std::lock_guard<XmutexNamed> guard(mutex);
-            ASSERT_EQ(flawOf(folder.read("vantrel.conf")), "");
-            ++states;
+            auditor.look(folder.read("vantrel.conf"));
         }
     });
     for (ChildProcess& committer : committers) EXPECT_EQ(committer.finish().status, 0u);
     finished = true;
-    auditor.join();
-    EXPECT_GT(states, 1) << "the auditor looked while others wrote";
+    looker.join();
+    // It waits in turn with the others: no less than half of what one of them does.
+    EXPECT_GE(auditor.looks(), commits / 2);
+    EXPECT_GE(auditor.states(), commits / 4);
+    RecordProperty("looks", auditor.looks());
+    RecordProperty("states", auditor.states());
+    std::printf("%d looks, %d states\n", auditor.looks(), auditor.states());
     ASSERT_EQ(confReload(store), 0);
     for (int p = 0; p < kProcesses; ++p) {
         EXPECT_EQ(confGetI32(store, "vtr.instance.P" + std::to_string(p) + ".ram"), commits);
