@@ -1,12 +1,12 @@
 // Several processes that commit to one file.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <map>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <thread>
 
 #include "ConfFixture.h"
@@ -14,6 +14,7 @@
 #include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/Scene.h"
+#include "xpl/Xfile.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
@@ -104,6 +105,7 @@ class Auditor {
     }
 
     void follow(const std::string& instance, int number) { numbers_[instance] = number; }
+    int numberOf(const std::string& instance) const { return numbers_.at(instance); }
 
     int looks() const { return looks_; }
     int states() const { return states_; }
@@ -173,17 +175,39 @@ TEST_F(ConfCrowdTest, ProcessesThatCommitInTurnSeeEachOther) {
     EXPECT_NE(text.find("vtr.next_vm_id=\"5\"\n"), std::string::npos);
 }
 
-// Commits until it is killed, and says each number when it has been committed.
+namespace {
+
+// The disk. Says when a temporary file is there already that a commit is about to create: somebody
+// was killed in the middle of one.
+class DiskWithLeftovers final : public ConfFiles {
+ public:
+    ConfFileRead read(const std::string& path, std::string& content) override {
+        return confDiskFiles().read(path, content);
+    }
+    XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override {
+        if (xfileExists(path) == XERR_SUCCESS) std::printf("leftover\n");
+        return confDiskFiles().create(path, output);
+    }
+    XErr replace(const std::string& source, const std::string& destination) override {
+        return confDiskFiles().replace(source, destination);
+    }
+    void remove(const std::string& path) override { confDiskFiles().remove(path); }
+};
+
+}  // namespace
+
+// Raises own counters until it is killed, and says each number when it has been committed.
 SCENE(commitsUntilKilled) {
     LogCapture quiet;
-    ConfStore& store = confStore();
-    const std::string prefix = "vtr.instance." + arguments[1] + ".";
+    ConfCatalogue catalogue = confProductCatalogue();
+    DiskWithLeftovers files;
+    ConfStore store(catalogue, files);
     if (confLibInit(store, arguments[0], false) != 0) return 1;
-    for (int i = std::stoi(arguments[2]);; ++i) {
-        confSetI32(store, prefix + "ram", i);
-        confSetI32(store, prefix + "cpus", i);
+    for (;;) {
+        if (confReload(store) != 0) return 3;
+        const int number = raiseCounters(store, arguments[1]);
         if (confCommit(store) != 0) return 2;
-        std::printf("%d\n", i);
+        std::printf("%d\n", number);
         std::fflush(stdout);
     }
 }
@@ -193,18 +217,24 @@ namespace {
 // A process that commits numbers of its own until it is killed.
 class Committer {
  public:
-    Committer(const std::string& path, const std::string& instance, int first)
-        : path_(path), instance_(instance), confirmed_(first - 1), process_(start(first)) {}
+    // `number` is in the file already.
+    Committer(const std::string& path, const std::string& instance, int number)
+        : path_(path), instance_(instance), confirmed_(number), process_(start()) {}
 
-    // Kills it, and reads what it had said.
+    // Kills it, and reads what it had said: each number that it committed was still there when it
+    // went on to the next.
     void kill() {
         process_->kill();
         const ChildResult result = process_->finish();
         EXPECT_EQ(result.status, 99u) << result.out;
-        const std::size_t end = result.out.rfind('\n');
-        if (end == std::string::npos) return;
-        const std::size_t before = result.out.rfind('\n', end - 1);
-        confirmed_ = std::stoi(result.out.substr(before == std::string::npos ? 0 : before + 1));
+        std::istringstream out(result.out.substr(0, result.out.rfind('\n') + 1));
+        for (std::string word; out >> word;) {
+            if (word == "leftover") {
+                ++leftovers_;
+            } else {
+                EXPECT_EQ(word, std::to_string(++confirmed_)) << instance_;
+            }
+        }
     }
 
     // Its number in the file: the last that it said, or the one that it was about to say.
@@ -215,20 +245,23 @@ class Committer {
 
     void restart(int number) {
         confirmed_ = number;
-        process_ = start(number + 1);
+        process_ = start();
     }
 
-    std::string key() const { return "vtr.instance." + instance_ + ".ram"; }
+    const std::string& instance() const { return instance_; }
+
+    // How many temporary files of others it found.
+    int leftovers() const { return leftovers_; }
 
  private:
-    std::unique_ptr<ChildProcess> start(int first) const {
-        return std::make_unique<ChildProcess>(
-            startScene("commitsUntilKilled", {path_, instance_, std::to_string(first)}));
+    std::unique_ptr<ChildProcess> start() const {
+        return std::make_unique<ChildProcess>(startScene("commitsUntilKilled", {path_, instance_}));
     }
 
     std::string path_;
     std::string instance_;
     int confirmed_;
+    int leftovers_ = 0;
     std::unique_ptr<ChildProcess> process_;
 };
 
@@ -236,36 +269,51 @@ class Committer {
 
 TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
     constexpr int kProcesses = 4;
+    constexpr int kFirst = 4999;
     const int kills = proofSize(50, 1000);
     ASSERT_EQ(init(""), 0);
-    for (int p = 0; p < kProcesses; ++p) confAddInstance(store, "P" + std::to_string(p));
+    std::vector<std::string> names;
+    Auditor auditor;
+    for (int p = 0; p < kProcesses; ++p) {
+        names.push_back("P" + std::to_string(p));
+        setCounters(store, names.back(), kFirst);
+        auditor.follow(names.back(), kFirst);
+    }
     ASSERT_EQ(confCommitToFile(store, path()), 0);
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(kFileLock), 0);
     std::vector<Committer> committers;
-    for (int p = 0; p < kProcesses; ++p) {
-        committers.emplace_back(path(), "P" + std::to_string(p), 5000);
-    }
+    for (const std::string& name : names) committers.emplace_back(path(), name, kFirst);
     std::mt19937 random(7);
     for (int i = 0; i < kills; ++i) {
         sleepMs(20 + static_cast<int>(random() % 60));
         Committer& victim = committers[random() % kProcesses];
         victim.kill();
-        std::string text;
         {
             const std::lock_guard<XmutexNamed> guard(mutex);
-            text = folder.read("vantrel.conf");
+            ASSERT_NO_FATAL_FAILURE(auditor.look(folder.read("vantrel.conf"))) << "kill " << i;
         }
-        ASSERT_EQ(flawOf(text), "") << "kill " << i;
-        ASSERT_EQ(confReload(store), 0);
-        const int number = confGetI32(store, victim.key());
-        if (number >= 5000) victim.expectNumber(number);
-        victim.restart(std::max(number, 4999));
+        const int number = auditor.numberOf(victim.instance());
+        victim.expectNumber(number);
+        victim.restart(number);
         for (const std::string& name : folder.list()) {
             EXPECT_TRUE(name == "vantrel.conf" || name == "vantrel.conf-temp") << name;
         }
     }
-    for (Committer& committer : committers) committer.kill();
+    int leftovers = 0;
+    for (Committer& committer : committers) {
+        committer.kill();
+        leftovers += committer.leftovers();
+    }
+    ASSERT_NO_FATAL_FAILURE(auditor.look(folder.read("vantrel.conf")));
+    for (const Committer& committer : committers) {
+        committer.expectNumber(auditor.numberOf(committer.instance()));
+    }
+    // One kill in twenty meets a commit: too few for the short form to count on.
+    EXPECT_GE(leftovers, proofSize(0, 10));
+    EXPECT_LE(leftovers, kills + kProcesses);
+    RecordProperty("leftovers", leftovers);
+    std::printf("%d of %d kills left a temporary file\n", leftovers, kills);
     confSetString(store, "vtr.guid", "after all");
     EXPECT_EQ(confCommit(store), 0);
     EXPECT_EQ(flawOf(folder.read("vantrel.conf")), "");
