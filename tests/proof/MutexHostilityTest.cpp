@@ -61,14 +61,32 @@ TEST(MutexHostilityTest, OwnersThatAreKilledAreTakenOverFrom) {
     EXPECT_LE(openHandles(), handles + HANDLES_OF_THE_SYSTEM);
 }
 
-TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStopped) {
+// Takes the lock and says so, goes on when the event is set, says what the file then holds, and
+// lets go.
+SCENE(takesTheLockUntilTold) {
+    XmutexNamed mutex;
+    const HANDLE event = ::OpenEventW(SYNCHRONIZE, FALSE, wideForTests(arguments[1]).c_str());
+    if (event == nullptr || mutex.init(arguments[0]) != 0) return 1;
+    const std::lock_guard<XmutexNamed> guard(mutex);
+    std::printf("locked\n");
+    std::fflush(stdout);
+    if (::WaitForSingleObject(event, INFINITE) != WAIT_OBJECT_0) return 2;
+    std::printf("\"%s\"", readBytes(arguments[2]).c_str());
+    return 0;
+}
+
+TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStoppedAndGoesOn) {
     const TempFolder folder;
     const LogCapture log;
     folder.write("vantrel.conf", "");
     ConfStore& store = confStore();
     ASSERT_EQ(confLibInit(store, folder / "vantrel.conf", false), 0);
     confSetString(store, "vtr.locale", "x");
-    ChildProcess owner = startScene("takesTheLockForEver", {kLock});
+    const std::string name = shortName() + "_go";
+    const HANDLE go =
+        ::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, wideForTests(name).c_str());
+    ChildProcess owner =
+        startScene("takesTheLockUntilTold", {kLock, name, folder / "vantrel.conf"});
     ASSERT_EQ(owner.readLine(), "locked");
     ASSERT_GE(processCall("NtSuspendProcess")(owner.handle()), 0);
     std::atomic<bool> committed{false};
@@ -76,13 +94,19 @@ TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStopped) {
         EXPECT_EQ(confCommit(store), 0);
         committed = true;
     });
-    ::Sleep(300);
+    ::SetEvent(go);
+    ::Sleep(static_cast<DWORD>(proofSize(2500, 10'000)));
     EXPECT_FALSE(committed);
     EXPECT_EQ(folder.read("vantrel.conf"), "");
-    ASSERT_GE(processCall("NtResumeProcess")(owner.handle()), 0);
-    owner.kill();
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"vantrel.conf"});
+    EXPECT_GE(processCall("NtResumeProcess")(owner.handle()), 0);
+    const ChildResult result = owner.finish();
     committer.join();
+    ::CloseHandle(go);
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.out, "\"\"") << "nobody wrote as long as it had the lock";
     EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"x\"\n"), std::string::npos);
+    EXPECT_EQ(folder.list(), std::vector<std::string>{"vantrel.conf"});
 }
 
 TEST(MutexHostilityTest, ALockWhoseNameIsAnotherObjectsFailsTheStart) {
@@ -93,7 +117,9 @@ TEST(MutexHostilityTest, ALockWhoseNameIsAnotherObjectsFailsTheStart) {
     ConfCatalogue catalogue = confProductCatalogue();
     ConfStore store(catalogue, confDiskFiles());
     store.fileLockName = name;
-    EXPECT_NE(confLibInit(store, folder.write("vantrel.conf", ""), false), 0);
+    EXPECT_EQ(confLibInit(store, folder.write("vantrel.conf", ""), false), XERR_FAILURE);
+    EXPECT_EQ(log.texts(), std::vector<std::string>{"E XMUTEX Failed to create mutex '" + name +
+                                                    "'. Error = 6"});
     ::CloseHandle(event);
     EXPECT_EQ(confLibInit(store, folder / "vantrel.conf", false), 0);
 }
