@@ -5,12 +5,11 @@ set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
 
-prefix=$(qt_dir)
-is_complete "$prefix" && exit 0
-begin_build "$prefix" "Qt"
+cached_build "$(qt_dir)" "Qt"
 work="$prefix/build"
 mkdir -p "$work"
-export PATH="$(toolchain_dir)/bin:$PATH"
+PATH="$(toolchain_dir)/bin:$PATH"
+export PATH
 
 fetch() { fetch_source qtbase-opensource-src; }
 unpack() { dpkg-source --no-check -x "$(source_file 'qtbase-opensource-src_*.dsc')" "$work/qt"; }
@@ -33,7 +32,8 @@ install_qt() {
     cd .. && make install_mkspecs
     cp bin/qmake bin/moc bin/rcc "$prefix/bin/"
     mkdir -p "$prefix/licences"
-    cp LICENSE.* LGPL_EXCEPTION.txt "$prefix/licences/" 2>/dev/null || cp LICENSE* "$prefix/licences/"
+    cp LICENSE* "$prefix/licences/"
+    basename "$(source_file 'qtbase-opensource-src_*.dsc')" .dsc >"$prefix/licences/source"
     ls "$prefix/bin/Qt5Core.dll" "$prefix/bin/Qt5Network.dll"
 }
 

@@ -32,10 +32,10 @@ fetch_source() {
     )
 }
 
-# source_file GLOB: the one fetched file with that name.
+# source_file GLOB: the newest fetched file with that name.
 source_file() {
     local found
-    found=$(find "$cache/sources" -maxdepth 1 -name "$1" | sort | tail -n 1)
+    found=$(find "$cache/sources" -maxdepth 1 -name "$1" | sort -V | tail -n 1)
     [ -n "$found" ] || { echo "no $1 among the fetched sources" >&2; return 1; }
     printf '%s' "$found"
 }

@@ -6,12 +6,14 @@ set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
 
-prefix=$(toolchain_dir)
-is_complete "$prefix" && exit 0
-begin_build "$prefix" "the Windows toolchain"
+cached_build "$(toolchain_dir)" "the Windows toolchain"
 work="$prefix/build"
 resources="$prefix/lib/clang/16"
 mkdir -p "$work" "$prefix/bin"
+
+# The runtimes become part of every program: without debug data, and without this machine's folders
+# in the texts of their assertions.
+neutral="-ffile-prefix-map=$work=."
 
 wrapper() {
     cat >"$prefix/bin/$triple-$1" <<END
@@ -48,17 +50,20 @@ unpack() {
 }
 
 windows_headers() {
-    mkdir -p "$work/headers" && cd "$work/headers"
+    mkdir -p "$work/headers"
+    cd "$work/headers"
     "$work/mingw-w64/mingw-w64-headers/configure" --prefix="$prefix/$triple" \
         --with-default-msvcrt=ucrt --with-default-win32-winnt=0x0A00 --enable-idl
     make install
 }
 
 c_runtime() {
-    mkdir -p "$work/crt" && cd "$work/crt"
+    mkdir -p "$work/crt"
+    cd "$work/crt"
     export PATH="$prefix/bin:$PATH"
     "$work/mingw-w64/mingw-w64-crt/configure" --host="$triple" --prefix="$prefix/$triple" \
-        --disable-lib32 --enable-lib64 --with-default-msvcrt=ucrt CC="$triple-clang" \
+        --disable-lib32 --enable-lib64 --with-default-msvcrt=ucrt \
+        CC="$triple-clang" CFLAGS="-O2 $neutral" \
         AR="$llvm/llvm-ar" RANLIB="$llvm/llvm-ranlib" DLLTOOL="$llvm/llvm-dlltool"
     make -j"$jobs"
     make install
@@ -73,6 +78,7 @@ cross_cmake() {
         -DCMAKE_CXX_COMPILER_TARGET=x86_64-w64-windows-gnu \
         -DCMAKE_AR="$llvm/llvm-ar" -DCMAKE_RANLIB="$llvm/llvm-ranlib" \
         -DCMAKE_C_COMPILER_WORKS=1 -DCMAKE_CXX_COMPILER_WORKS=1 \
+        -DCMAKE_C_FLAGS="$neutral" -DCMAKE_CXX_FLAGS="$neutral" -DCMAKE_ASM_FLAGS="$neutral" \
         -DLLVM_CONFIG_PATH="" "$@"
 }
 
