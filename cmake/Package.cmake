@@ -24,10 +24,13 @@ install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBrid
 
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
     PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE
-    PATTERN working-on-the-library.md EXCLUDE)
+    PATTERN working-on-the-library.md EXCLUDE PATTERN testing.md EXCLUDE
+    PATTERN performance.md EXCLUDE)
 install(FILES docs/package.md DESTINATION . RENAME README.md)
 foreach(folder examples bindings)
     if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}")
-        install(DIRECTORY ${folder}/ DESTINATION share/${folder} PATTERN node_modules EXCLUDE)
+        install(DIRECTORY ${folder}/ DESTINATION share/${folder} PATTERN node_modules EXCLUDE
+            PATTERN __pycache__ EXCLUDE PATTERN package-lock.json EXCLUDE)
     endif()
 endforeach()
+install(FILES demo/vantrel.conf DESTINATION share/examples)

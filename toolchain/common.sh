@@ -14,6 +14,13 @@ die() {
 
 say() { printf '%s\n' "$*"; }
 
+project_version() {
+    sed -n 's/^project(QXBridge VERSION \([0-9.]*\).*/\1/p' "$tree/CMakeLists.txt"
+}
+
+# The time of the newest commit: the same commit gives the same package.
+package_stamp() { git -C "$tree" log -1 --format=%ct 2>/dev/null || echo 315532800; }
+
 # digest FILE...: 12 characters that change whenever one of the files does.
 digest() { cat "$@" | sha256sum | cut -c1-12; }
 

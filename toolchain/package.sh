@@ -6,11 +6,9 @@ set -euo pipefail
 
 build="$tree/build/windows"
 into=${1:-$build}
-version=$(sed -n 's/^project(QXBridge VERSION \([0-9.]*\).*/\1/p' "$tree/CMakeLists.txt")
+version=$(project_version)
 name="QX-Bridge-$version"
 folder="$into/package/$name"
-# The time of the newest commit: the same commit gives the same package.
-stamp=$(git -C "$tree" log -1 --format=%ct 2>/dev/null || echo 315532800)
 
 rm -rf "$into/package"
 mkdir -p "$folder"
@@ -32,5 +30,5 @@ bash "$tree/toolchain/licences.sh" "$folder/share/licences"
     find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum >SHA256SUMS
 )
 rm -f "$into/$name.zip"
-python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$stamp"
+python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$(package_stamp)"
 echo "$into/$name.zip"

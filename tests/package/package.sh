@@ -26,16 +26,32 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
     share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
-    share/licences/{mingw-w64-runtime,CLI11,nlohmann-json}.txt \
+    share/licences/{mingw-w64-runtime,CLI11,nlohmann-json,Unicode}.txt \
     share/bindings/{node/index.js,csharp/QXBridge.cs,python/qxbridge.py} \
-    share/examples/{c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
+    share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
 done
+# The source of the Qt in it goes with it, whole.
+source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
+python3 -m zipfile -e "$source_zip" "$work/source"
+(
+    cd "$work"/source/*
+    files=$(sed -n '/^Checksums-Sha256:/,/^[A-Z].*:/s/^ \([0-9a-f]*\) [0-9]* /\1  /p' ./*.dsc)
+    [ "$(wc -l <<<"$files")" -ge 2 ] || fail "the description of Qt's source names no files"
+    sha256sum --quiet -c <<<"$files"
+)
+
 grep -q 'GNU LESSER GENERAL PUBLIC LICENSE' share/licences/Qt-LGPL-3.txt
 grep -qi 'LLVM Exceptions' share/licences/LLVM-runtimes.txt
-if grep -rlF "$tree" --include='*.cmake' --include='*.md' --include='*.html' .; then
+# Debug data has them where the linker, and names of lambdas, leave no choice.
+if grep -rlF -e "$tree" -e "$cache" --exclude='*.pdb' .; then
     fail "a path of the build machine is published"
 fi
+for program in bin/*.dll bin/*.exe; do
+    if "$readobj" --sections "$program" | grep -q '\.debug_'; then
+        fail "$program carries debug data"
+    fi
+done
 grep -q 'bridge_8h.html' share/doc/reference/index.html
 grep -q 'bridgeConfGetInstances' share/doc/reference/bridge_8h.html
 
