@@ -151,7 +151,8 @@ export interface FreshInstance {
 export interface Bridge extends EventEmitter {
     readonly conf: Configuration;
 
-    /** Starts the library. Throws BridgeError: 22 for an unknown client, -1 for a version mismatch. */
+    /** Starts the library. Throws BridgeError: 22 for an unknown client; -1 for a version mismatch, or a
+     * configuration file that is missing or malformed. */
     init(clientId: ClientId, options?: InitOptions): void;
 
     /** Starts the event server. From here on events are emitted, and Node does not end by itself. */

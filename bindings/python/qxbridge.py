@@ -145,6 +145,11 @@ def _utf8(text: str, name: str = "text") -> bytes:
     return text.encode("utf-8")
 
 
+def _text(utf8: bytes) -> str:
+    """What the file or an event's sender wrote is passed on as it is: it need not be UTF-8."""
+    return utf8.decode("utf-8", errors="replace")
+
+
 def _kept_text(text: str) -> Any:
     if text not in _kept_texts:
         _kept_texts[text] = ctypes.create_string_buffer(_utf8(text, "client_id"))
@@ -171,7 +176,7 @@ def _function_pointer(name: str, function: Optional[Callable[..., Any]]) -> Any:
 
     def call(*values: Any) -> None:
         # The bytes live as long as the call.
-        plain = [one.decode("utf-8") if isinstance(one, bytes) else one for one in values]
+        plain = [_text(one) if isinstance(one, bytes) else one for one in values]
         if name == "bridgeOnAppInstalled":
             function(AppInstalled(*plain))
         else:
@@ -189,8 +194,18 @@ class _Calls:
             function.restype = result
             function.argtypes = list(parameters.values())
         self._library = library
+        self.ready = False
+
+    def require_ready(self) -> None:
+        """Before its start, and after its end, the library would end the process."""
+        if not self.ready:
+            raise RuntimeError("the library is not started: call init() first")
 
     def value(self, operation: str, *values: Any) -> Any:
+        self.require_ready()
+        return self.raw(operation, *values)
+
+    def raw(self, operation: str, *values: Any) -> Any:
         return getattr(self._library, operation)(*values)
 
     def status(self, operation: str, *values: Any) -> None:
@@ -203,7 +218,7 @@ class _Calls:
         if address is None:
             raise BridgeError(operation, FAILURE)
         try:
-            return ctypes.string_at(address).decode("utf-8")
+            return _text(ctypes.string_at(address))
         finally:
             self._library.bridgeFreeMemory(address)
 
@@ -268,7 +283,6 @@ class Bridge:
     def __init__(self, path: str = "QX-Bridge.dll") -> None:
         """Loads the library; an absolute path also finds the Qt DLLs beside it."""
         self._calls = _Calls(ctypes.CDLL(path))
-        self._ready = False
         self.conf = Configuration(self._calls)
 
     def __enter__(self) -> "Bridge":
@@ -279,27 +293,31 @@ class Bridge:
 
     def init(self, client_id: str, *, no_conf_file: bool = False,
              log_file: Optional[str] = None) -> None:
-        """Starts the library: 22 for a client id not in CLIENTS, -1 for a version mismatch."""
+        """Starts the library: 22 for a client id not in CLIENTS; -1 for a version mismatch, or a
+        configuration file that is missing or malformed."""
         client = _kept_text(client_id)
+        operation, more = "bridgeApiInit", ()
         if no_conf_file or log_file is not None:
             log = None if log_file is None else _utf8(log_file, "log_file")
-            self._calls.status("bridgeApiInitEx", client, _boolean(no_conf_file), 0, log)
-        else:
-            self._calls.status("bridgeApiInit", client)
-        if not self._ready:
+            operation, more = "bridgeApiInitEx", (_boolean(no_conf_file), 0, log)
+        code = self._calls.raw(operation, client, *more)
+        if code != SUCCESS:
+            raise BridgeError(operation, code)
+        if not self._calls.ready:
             # The event thread must not call into an interpreter that is gone.
             atexit.register(self.fini)
-        self._ready = True
+        self._calls.ready = True
 
     def fini(self) -> None:
         """Stops the library, once and for all; not from inside a callback."""
-        if self._ready:
-            self._ready = False
+        if self._calls.ready:
+            self._calls.ready = False
             atexit.unregister(self.fini)
-            self._calls.value("bridgeApiFini")
+            self._calls.raw("bridgeApiFini")
 
     def register(self, callbacks: Callbacks) -> None:
         """Starts the event server, the first time, and replaces all functions."""
+        self._calls.require_ready()
         functions = callbacks
         if functions.apk_install_completed is None and functions.instance_list_updated is not None:
             # The library calls the function for the instance list only with the one for APK files.

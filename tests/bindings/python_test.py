@@ -60,6 +60,30 @@ class PythonTest(unittest.TestCase):
             self.fails("bridgeApiInit", 22, bridge.init, "Nobody")
         self.assertEqual(self.taken(), ["bridgeApiInit Nobody"])
 
+    def test_before_the_start_and_after_the_end_nothing_reaches_the_library(self):
+        bridge = Bridge(LIBRARY)
+        calls = [lambda: bridge.conf.get_bool("k"), lambda: bridge.conf.set_i32("k", 1),
+                 bridge.conf.commit, bridge.instances, lambda: bridge.apps("i"),
+                 lambda: bridge.launch_app("i", "p"), lambda: bridge.register(Callbacks())]
+
+        def all_refused():
+            for call in calls:
+                with self.assertRaises(RuntimeError):
+                    call()
+
+        all_refused()
+        fake.fakeAnswer(-1)
+        self.fails("bridgeApiInit", -1, bridge.init, "Helper")
+        all_refused()
+        fake.fakeAnswer(0)
+        bridge.init("Helper")
+        bridge.fini()
+        all_refused()
+        self.assertEqual(self.taken(), ["bridgeApiInit Helper"] * 2 + ["bridgeApiFini"])
+
+    def test_bytes_that_are_no_utf8_are_replaced(self):
+        self.assertEqual(qxbridge._text(b"a\xffb"), "a\ufffdb")
+
     def test_the_client_id_outlives_the_call(self):
         self.bridge.init("".join(["Log", "Collector"]))
         for _ in range(50):
