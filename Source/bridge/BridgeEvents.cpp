@@ -7,6 +7,7 @@
 #include "bridge/BridgeLog.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xsystem.h"
 #include "xpl/Xunload.h"
 
 namespace bridge {
@@ -64,6 +65,8 @@ void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks, ServerInit init) 
 }
 
 XErr bridgeApiFini() {
+    // A destructor of a host's DLL asks: the server's thread is gone, and what it was doing stays.
+    if (xsystemProcessEnds()) return XERR_SUCCESS;
     // Not under the lock: a callback that is running may want to register.
     IpcServerThread* thread = takeForStop(eventServer());
     if (thread != nullptr) ipcServerFini(&thread);

@@ -16,6 +16,9 @@ void xsystemUseUtf8();
 // when there is no debugger, else when the debugger lets it go on.
 [[noreturn]] void xsystemDebugBreak() noexcept;
 
+// Whether the process is being taken down: its other threads are gone, wherever they were.
+bool xsystemProcessEnds() noexcept;
+
 // Whether this code is in a library that is being unloaded while its process goes on. Only to be
 // asked when objects are destroyed at the end.
 bool xsystemIsUnloading() noexcept;

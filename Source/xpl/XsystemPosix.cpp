@@ -23,5 +23,7 @@ void xsystemDebugBreak() noexcept {
     ::_exit(kBrokenStatus);
 }
 
+bool xsystemProcessEnds() noexcept { return false; }
+
 // This build is never a library.
 bool xsystemIsUnloading() noexcept { return false; }

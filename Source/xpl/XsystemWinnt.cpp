@@ -12,14 +12,6 @@ namespace {
 constexpr int kUtf8CodePage = 65001;
 constexpr UINT kStatusBreakpoint = 0x80000003;
 
-bool processEnds() {
-    using Ask = BOOLEAN(NTAPI*)();
-    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
-    const auto ask = reinterpret_cast<Ask>(
-        reinterpret_cast<void*>(::GetProcAddress(ntdll, "RtlDllShutdownInProgress")));
-    return ask == nullptr || ask();
-}
-
 bool isLibrary() {
     static const char here = 0;
     HMODULE self = nullptr;
@@ -48,4 +40,12 @@ void xsystemDebugBreak() noexcept {
     for (;;) ::Sleep(INFINITE);  // the end of the process is on its way
 }
 
-bool xsystemIsUnloading() noexcept { return isLibrary() && !processEnds(); }
+bool xsystemProcessEnds() noexcept {
+    using Ask = BOOLEAN(NTAPI*)();
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    const auto ask = reinterpret_cast<Ask>(
+        reinterpret_cast<void*>(::GetProcAddress(ntdll, "RtlDllShutdownInProgress")));
+    return ask != nullptr && ask();
+}
+
+bool xsystemIsUnloading() noexcept { return isLibrary() && !xsystemProcessEnds(); }
