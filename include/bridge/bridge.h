@@ -9,7 +9,8 @@
  *     checks this, except that bridgeRegisterCallbacks() before the first or after the last starts
  *     nothing and logs an error.
  * 2.  Texts are NUL-terminated UTF-8. A text argument is read during the call only, with one
- *     exception: the client id of the initialisation is kept by pointer.
+ *     exception: the client id of the initialisation is kept by pointer. A text that comes from
+ *     the configuration, an app cache or an event is handed on as it is, and need not be UTF-8.
  * 3.  Ownership. A text that a function returns belongs to the caller, who gives it back to
  *     bridgeFreeMemory(). No other deallocator fits, whatever C runtime the host uses.
  * 4.  Results. Functions that return bridge_i32 answer 0 (BRIDGE_SUCCESS) or one of the codes
@@ -18,14 +19,23 @@
  * 6.  Null. A null text is refused with a log line and BRIDGE_INVALID_ARGUMENT, 0, false or null;
  *     where null is welcome the parameter says so.
  * 7.  Threads. After the initialisation every function may be called from any thread, except
- *     bridgeApiInit(), bridgeApiInitEx() and bridgeApiFini(), during which no other call may run.
+ *     bridgeApiInit(), bridgeApiInitEx() and bridgeApiFini(), during which no other call may run
+ *     but those of the callback that bridgeApiFini() waits for. No function may be called from
+ *     DllMain, or from the constructor or destructor of a static object of a DLL.
  * 8.  Fatal errors. A configuration key that does not exist, a read or write of the wrong type,
  *     and a stored number or boolean that cannot be read are programming errors: the library logs
- *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003.
+ *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003. So do a log that
+ *     cannot be opened, the start of a program without "InstallDir" in the registry, an instance
+ *     of an unknown image in a listing, an event of an impossible length, slot 3 without slot 4,
+ *     and a machine-wide lock that cannot be waited for.
  * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
- *     Their text arguments are valid during the call only. Inside one, every function works except
+ *     Their text arguments are never null, and valid during the call only. Inside one, every function works except
  *     bridgeApiFini(). An exception must not leave a callback.
- * 10. No C++ exception leaves a function; one that reaches the boundary is logged and becomes
+ * 10. Waiting. The initialisation, a commit, a listing of apps and the two events that load the
+ *     configuration again wait, without limit, for programs that have the same file's lock. A
+ *     request to a program (bridgePlrShutdown(), bridgeShutdown()) takes up to a minute, for each
+ *     program, when that one is hung.
+ * 11. No C++ exception leaves a function; one that reaches the boundary is logged and becomes
  *     BRIDGE_FAILURE, 0, false or null.
  */
 #ifndef BRIDGE_BRIDGE_H
@@ -40,7 +50,7 @@
 #define BRIDGE_VERSION_TEXT "5.2.0.1052"
 /**@}*/
 
-/** Calling convention of every function and callback; 64-bit Windows has only this one. */
+/** Calling convention of every function and callback; on x64 Windows, that of plain functions. */
 #if defined(_WIN32)
 #define BRIDGE_CALL __cdecl
 #else
@@ -183,13 +193,15 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInit(const char* clientId);
 /**
  * Initialises the library: checks the client, starts the log and loads the configuration.
  *
- * May be called again, which runs every step once more.
+ * May be called again, which runs every step once more. Makes UTF-8 the encoding of the C runtime
+ * that the process shares (ucrtbase), with the user's locale.
  * @param clientId    "Launcher", "Installer", "LogCollector", "Helper" or "Uninstaller". The
  *                    pointer is kept: the text must live as long as the library.
  * @param noConfFile  1 starts with the catalogue's defaults and without a configuration file
  * @param reserved    ignored; pass 0
  * @param logFilePath file to log into, or null for the product's own log. Its folder must exist
- *                    when only "/" separates it; a log that cannot be opened is fatal.
+ *                    when only "/" separates it; a log that cannot be opened is fatal. An empty
+ *                    text keeps the log where it is: at first, standard output.
  * @return 0; 22 for an unknown client id; -1 when the launcher meets another product version, the
  *         configuration file is missing or malformed (what was read stays usable), the machine-wide
  *         lock of that file cannot be made (nothing was read), or an exception reached the boundary
@@ -200,7 +212,8 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_b
 /**
  * Stops the event server, if there is one, and waits for its thread and the callback that runs.
  * Does not commit pending changes. Call it last; inside a callback it stops nothing and logs an
- * error. Without it a host ends cleanly too, but cannot unload the library.
+ * error. Without it a host ends cleanly too, but cannot unload the library. Not needed after an
+ * initialisation that failed. Qt's two DLLs stay loaded once an event or a request was dealt with.
  * @return 0
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);
@@ -254,7 +267,7 @@ BRIDGE_API char* BRIDGE_CALL bridgeConfGetMultiString(const char* key);
  * Stages a boolean.
  * @param key   full key; an instance that is not known yet becomes known, with its defaults
  * @param value new value
- * @return 0
+ * @return 0; 22 when the key is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetBool(const char* key, bridge_bool value);
 
@@ -262,7 +275,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetBool(const char* key, bridge_bool
  * Stages a 32-bit integer.
  * @param key   as for bridgeConfSetBool()
  * @param value new value
- * @return 0
+ * @return 0; 22 when the key is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetI32(const char* key, bridge_i32 value);
 
@@ -270,15 +283,15 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetI32(const char* key, bridge_i32 v
  * Stages a 64-bit integer. The present catalogue has none, so that every key is fatal.
  * @param key   as for bridgeConfSetBool()
  * @param value new value
- * @return 0
+ * @return 0; 22 when the key is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetI64(const char* key, bridge_i64 value);
 
 /**
  * Stages a string.
  * @param key   as for bridgeConfSetBool()
- * @param value new value; a line feed in it, or a line of 4096 bytes or more, makes every commit
- *              fail until the value is set again
+ * @param value new value; a line feed in it, or a line of 4096 bytes or more, makes the commit
+ *              fail, and where the file lacks the key every later one until the value is set again
  * @return 0; 22 when an argument is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetString(const char* key, const char* value);
@@ -303,7 +316,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommit(void);
 /**
  * Like bridgeConfCommit(), but always writes, and into a file of the caller's choice: the
  * product's configuration with the staged changes on top of it.
- * @param path file to write; missing folders are created
+ * @param path file to write; missing folders are created, as far as "\" separates them
  * @return as for bridgeConfCommit()
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommitToFile(const char* path);
