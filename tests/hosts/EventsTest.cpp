@@ -220,11 +220,15 @@ TEST_F(EventsTest, AnInitialisationThatIsRefusedNamesNoServer) {
 TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
     for (const char* way : {"exit", "exitthread"}) {
         ChildProcess host = startHost({"register", "128", "served", "Helper", "wait", "1", way});
+        EXPECT_EQ(host.readLine(), "init 0");
+        EXPECT_EQ(host.readLine(), "served");
         RawPipe open(connectToHelper());
         RawPipe half(connectToHelper());
         ASSERT_TRUE(half.write("abc"));
         ASSERT_TRUE(open.write(appDisplayedPacket("1", "a")));
-        EXPECT_EQ(linesAfterInit(host), (Lines{"served", "appDisplayed 1|a", "waited 1"})) << way;
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u) << way << result.err;
+        EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1"})) << way;
     }
 }
 
