@@ -5,6 +5,7 @@
 #include <QLocalSocket>
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -26,6 +27,8 @@ constexpr int kKeptBuffer = 64 * 1024;
 
 // Replies are handed over in pieces that the socket's own buffers can take.
 constexpr qint64 kReplyPiece = 1'048'576;
+
+std::atomic<int> liveRecords{0};
 
 std::uint32_t numberAt(const QByteArray& buffer, std::size_t offset) {
     std::uint32_t number = 0;
@@ -222,7 +225,12 @@ IpcConnectionInfo::IpcConnectionInfo(QLocalSocket* connection, const std::string
     buffer.reserve(kHeaderSize);  // from here on a shorter packet keeps the memory
     XLOG_D(kLog, "%s called for serverName %s, packetLen = %u", "IpcConnectionInfo",
            serverName->c_str(), packetLen);
+    ++liveRecords;
 }
+
+IpcConnectionInfo::~IpcConnectionInfo() { --liveRecords; }
+
+int IpcConnectionInfo::live() { return liveRecords; }
 
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName) {
     QLocalSocket* const socket = server->nextPendingConnection();

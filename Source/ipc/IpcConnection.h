@@ -13,6 +13,12 @@ class QLocalSocket;
 // The server's side of one connection. Everything here runs on the thread that the socket lives on.
 struct IpcConnectionInfo {
     IpcConnectionInfo(QLocalSocket* connection, const std::string* server);
+    ~IpcConnectionInfo();
+    IpcConnectionInfo(const IpcConnectionInfo&) = delete;
+    IpcConnectionInfo& operator=(const IpcConnectionInfo&) = delete;
+
+    // How many of these there are, on any thread: what is left behind shows here. For tests.
+    static int live();
 
     QLocalSocket* socket;
     QByteArray buffer;              // the packet being assembled, header included

@@ -67,7 +67,10 @@ class IpcReentryTest : public ::testing::Test {
         // Else Qt delivers nothing without an application object.
         before_ = std::exchange(thread()->requiresCoreApplication, false);
     }
-    ~IpcReentryTest() override { thread()->requiresCoreApplication = before_; }
+    ~IpcReentryTest() override {
+        thread()->requiresCoreApplication = before_;
+        EXPECT_EQ(IpcConnectionInfo::live(), 0) << "every record has been released, and once";
+    }
 
     template <typename Socket>
     void connect(Socket* socket) {

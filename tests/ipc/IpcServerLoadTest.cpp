@@ -87,7 +87,9 @@ class IpcServerLoadTest : public ServerFixture {
     }
 };
 
-constexpr long long kMebibyte = 1 << 20;
+// What the heaps of a process move by, whatever the test does. Less than two bytes for each of ten
+// thousand connections.
+constexpr long long kHeapMoves = 16'384;
 
 }  // namespace
 
@@ -103,7 +105,7 @@ TEST_F(IpcServerLoadTest, AMillionPacketsOnOneConnectionArriveInOrder) {
     EXPECT_TRUE(waitForTotal(1000 + count));
     EXPECT_EQ(counted.outOfOrder, 0u);
     EXPECT_LE(settled(openHandles, handles), handles);
-    EXPECT_LE(settled(heapBytes, memory + kMebibyte), memory + kMebibyte);
+    EXPECT_LE(settled(heapBytes, memory + kHeapMoves), memory + kHeapMoves);
 }
 
 TEST_F(IpcServerLoadTest, SixtyFourConnectionsKeepTheirOwnOrder) {
@@ -124,7 +126,7 @@ TEST_F(IpcServerLoadTest, SixtyFourConnectionsKeepTheirOwnOrder) {
     EXPECT_TRUE(waitForTotal(kMaxClients * 10'001));
     EXPECT_EQ(counted.outOfOrder, 0u);
     EXPECT_LE(settled(openHandles, handles), handles);
-    EXPECT_LE(settled(heapBytes, memory + kMebibyte), memory + kMebibyte);
+    EXPECT_LE(settled(heapBytes, memory + kHeapMoves), memory + kHeapMoves);
 }
 
 TEST_F(IpcServerLoadTest, TenThousandClientsThatWriteAndLeaveAreAllHeard) {
@@ -144,8 +146,9 @@ TEST_F(IpcServerLoadTest, TenThousandClientsThatWriteAndLeaveAreAllHeard) {
     for (std::thread& client : clients) client.join();
     EXPECT_TRUE(waitForTotal(10'100)) << counted.total;
     EXPECT_LT(counted.mostSockets, 500) << "those that have left make room as others come";
+    EXPECT_TRUE(waitForRecords(0)) << "while the server goes on";
     EXPECT_LE(settled(openHandles, handles), handles);
-    EXPECT_LE(settled(heapBytes, memory + kMebibyte), memory + kMebibyte);
+    EXPECT_LE(settled(heapBytes, memory + kHeapMoves), memory + kHeapMoves);
 }
 
 TEST_F(IpcServerLoadTest, TwoHundredClientsAtOnceAreAllServed) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ipc/IpcConnection.h"
 #include "ipc/IpcName.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
@@ -42,7 +43,14 @@ void ServerFixture::start(IpcDecode decode) {
 
 void ServerFixture::stop() {
     IpcServerThread* running = std::exchange(thread, nullptr);
-    if (running != nullptr) EXPECT_EQ(ipcServerFini(&running), 0);
+    if (running == nullptr) return;
+    EXPECT_EQ(ipcServerFini(&running), 0);
+    EXPECT_EQ(IpcConnectionInfo::live(), 0) << "every record has been released, and once";
+}
+
+bool ServerFixture::waitForRecords(int wanted) {
+    for (int i = 0; i < 2000 && IpcConnectionInfo::live() != wanted; ++i) sleepMs(5);
+    return IpcConnectionInfo::live() == wanted;
 }
 
 void* ServerFixture::connect() const {

@@ -36,7 +36,10 @@ class ServerFixture : public ::testing::Test {
     ~ServerFixture() override;
 
     void start(IpcDecode decode = see);
-    void stop();
+    void stop();  // no record of a connection may be left behind
+
+    // Until there are so many records of connections, in the whole process.
+    static bool waitForRecords(int wanted);
 
     // Connects as soon as an instance of the pipe is free; the handle is the caller's.
     void* connect() const;
