@@ -1,11 +1,16 @@
 // Peers that go away at each moment of an event and of a request.
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <functional>
+#include <limits>
 #include <thread>
 
 #include "ServerFixture.h"
+#include "ipc/IpcConnection.h"
 #include "plr/PlrEnc.h"
 #include "support/EventPackets.h"
+#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/process_figures.h"
@@ -13,7 +18,8 @@
 
 namespace {
 
-constexpr long long kMebibyte = 1 << 20;
+// What the heaps of a process move by, whatever the test does.
+constexpr long long kHeapMoves = 8'192;
 
 std::int32_t printNothing(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
                           const char*, ...) {
@@ -34,55 +40,143 @@ class IpcPeerDeathTest : public ServerFixture {
 
     const XlogLogger before = xlogGetLogger();
 
-    // Plays one round of each moment again and again; behind it, nothing is left.
-    static void inRounds(const std::function<void(std::size_t moment)>& play, std::size_t moments) {
+    // Plays one round of each moment again and again, and gives how many rounds there were; behind
+    // them, nothing is left.
+    static int inRounds(const std::function<void(std::size_t moment)>& play, std::size_t moments) {
         const auto all = [&] {
-            for (std::size_t moment = 0; moment < moments; ++moment) play(moment);
+            for (std::size_t moment = 0; moment < moments && !HasFailure(); ++moment) play(moment);
         };
-        for (int i = 0; i < 5; ++i) all();
+        const int warmUp = 20;
+        for (int i = 0; i < warmUp; ++i) all();
+        EXPECT_TRUE(waitForRecords(0));
         const long handles = openHandles() + HANDLES_OF_THE_SYSTEM;
         const long long memory = heapBytes();
         const int rounds = proofSize(100, 1000);
         for (int i = 0; i < rounds; ++i) all();
+        EXPECT_TRUE(waitForRecords(0));
         const auto isBack = [&] {
-            return openHandles() <= handles && heapBytes() <= memory + kMebibyte;
+            return openHandles() <= handles && heapBytes() <= memory + kHeapMoves;
         };
-        for (int i = 0; i < 1000 && !isBack(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        for (int i = 0; i < 1000 && !isBack(); ++i) sleepMs(5);
         EXPECT_LE(openHandles(), handles);
-        EXPECT_LE(heapBytes(), memory + kMebibyte);
+        EXPECT_LE(heapBytes() - memory, kHeapMoves);
+        return warmUp + rounds;
     }
 };
+
+// The packets that clients send whole, each its own. They are counted and not kept: what the heap
+// has more is the library's.
+enum Sent : std::size_t {
+    BEFORE_ACCEPT,
+    EVENT,
+    EVENT_AND_A_PIECE,
+    ASKING,
+    ASKING_FIRST,
+    EVENT_BEHIND,
+    HOLDING,
+    LAST,
+    KINDS
+};
+
+std::string eventOf(Sent kind) {
+    return appDisplayedPacket("Nougat64", "com.example." + std::to_string(kind));
+}
+
+const std::array<std::string, KINDS>& packets() {
+    static const std::array<std::string, KINDS> all{
+        eventOf(BEFORE_ACCEPT),
+        eventOf(EVENT),
+        eventOf(EVENT_AND_A_PIECE),
+        packetOf(3003, "", 100'000),
+        packetOf(3003, bytesOf(std::uint32_t{ASKING_FIRST}), 100'000),
+        eventOf(EVENT_BEHIND),
+        eventOf(HOLDING),
+        eventOf(LAST)};
+    return all;
+}
+
+std::array<std::atomic<int>, KINDS> arrived;
+std::atomic<int> unknown;
+std::atomic<int> released;  // how many of those that hold the server's thread
+
+// Keeps the server's thread at one kind of packet until the test lets it go.
+bool countKinds(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*,
+                std::int32_t) {
+    const std::string_view bytes(reinterpret_cast<const char*>(packet),
+                                 static_cast<std::size_t>(length));
+    const auto kind = static_cast<std::size_t>(
+        std::find(packets().begin(), packets().end(), bytes) - packets().begin());
+    const int number = ++(kind < KINDS ? arrived[kind] : unknown);
+    while (kind == HOLDING && released < number) sleepMs(1);
+    return true;
+}
+
+bool waitForKind(Sent kind, int wanted) {
+    for (int i = 0; i < 2000 && arrived[kind] < wanted; ++i) sleepMs(5);
+    return arrived[kind] >= wanted;
+}
 
 }  // namespace
 
 TEST_F(IpcPeerDeathTest, ClientsThatDieAtEachMomentOfAnEvent) {
-    const std::string event = appDisplayedPacket("Nougat64", "com.example");
-    const std::string asking = packetOf(3003, "", 100'000);
+    const auto& whole = packets();
+    const std::string& event = whole[EVENT];
     const Lines said{"",
                      event.substr(0, 1),
                      event.substr(0, 11),
                      event.substr(0, 12),
                      event.substr(0, event.size() - 1),
                      event,
-                     event + event.substr(0, 5),
-                     asking,
-                     asking + event};
-    std::size_t whole = 0;
-    start();
-    inRounds(
+                     whole[EVENT_AND_A_PIECE] + event.substr(0, 5),
+                     whole[ASKING],
+                     whole[ASKING_FIRST] + whole[EVENT_BEHIND]};
+    for (std::atomic<int>& count : arrived) count = 0;
+    unknown = 0;
+    released = 0;
+    start(countKinds);
+
+    int holds = 0;
+    const auto beforeAccept = [&](std::string_view bytes) {
+        RawPipe holding(connect());
+        ASSERT_TRUE(holding.write(whole[HOLDING]));
+        ASSERT_TRUE(waitForKind(HOLDING, ++holds));
+        std::atomic<bool> came{false};
+        std::atomic<bool> left{false};
+        std::thread client([&] {
+            RawPipe leaving(connect());
+            came = true;
+            if (!bytes.empty()) EXPECT_TRUE(leaving.write(bytes));
+            leaving.close();
+            left = true;
+        });
+        while (!came) sleepMs(1);
+        for (int i = 0; i < 5 && !left; ++i) sleepMs(1);  // Windows lets it go when it is heard
+        released = holds;
+        client.join();
+    };
+    const int rounds = inRounds(
         [&](std::size_t moment) {
-            RawPipe pipe(connect());
-            if (!said[moment].empty()) ASSERT_TRUE(pipe.write(said[moment]));
-            whole += moment < 5 ? 0 : moment == 8 ? 2 : 1;
+            if (moment < said.size()) {
+                RawPipe pipe(connect());
+                if (!said[moment].empty()) ASSERT_TRUE(pipe.write(said[moment]));
+            } else {
+                beforeAccept(moment == said.size() ? "" : whole[BEFORE_ACCEPT]);
+            }
         },
-        said.size());
-    EXPECT_TRUE(seen.waitFor(whole));
+        said.size() + 2);
+    released = std::numeric_limits<int>::max();  // whatever failed
+
+    for (std::size_t kind = 0; kind < HOLDING; ++kind) {
+        EXPECT_TRUE(waitForKind(static_cast<Sent>(kind), rounds)) << kind;
+    }
     RawPipe good(connect());
-    ASSERT_TRUE(good.write(event));
-    EXPECT_TRUE(seen.waitFor(whole + 1));
-    EXPECT_EQ(seen.packets.back(), event);
+    ASSERT_TRUE(good.write(whole[LAST]));
+    EXPECT_TRUE(waitForKind(LAST, 1));
+    stop();
+    for (std::size_t kind = 0; kind < HOLDING; ++kind) EXPECT_EQ(arrived[kind], rounds) << kind;
+    EXPECT_EQ(arrived[HOLDING], 2 * rounds);
+    EXPECT_EQ(arrived[LAST], 1);
+    EXPECT_EQ(unknown, 0);
 }
 
 TEST_F(IpcPeerDeathTest, ServersThatDieAtEachMomentOfARequest) {
@@ -95,16 +189,27 @@ TEST_F(IpcPeerDeathTest, ServersThatDieAtEachMomentOfARequest) {
         if (moment == 3) pipe.write("half");
         if (moment == 4) pipe.write(std::string("\1\0\0\0\0\0\0\0", 8));
     });
-    int answered = 0;
-    int failed = 0;
-    inRounds(
+    const auto ask = [](const std::string& server) {
+        IpcClient client;
+        EXPECT_EQ(ipcClientInit(client, server), 0);
+        return plrBringToFrontRpc(client);
+    };
+    std::array<int, kMoments + 1> answered{};
+    const int rounds = inRounds(
         [&](std::size_t moment) {
             now = moment;
-            IpcClient client;
-            ASSERT_EQ(ipcClientInit(client, name), 0);
-            ++(plrBringToFrontRpc(client) == 1 ? answered : failed);
+            std::uint64_t answer = 0;
+            if (moment < kMoments) {
+                answer = ask(name);
+            } else {
+                const LeavingServer leaving(name + "_leaving");
+                answer = ask(name + "_leaving");
+                EXPECT_TRUE(leaving.met());
+            }
+            answered[moment] += answer == 1;
         },
-        kMoments);
-    EXPECT_GT(answered, 0);
-    EXPECT_EQ(failed, answered * (static_cast<int>(kMoments) - 1));
+        kMoments + 1);
+    const std::array<int, kMoments + 1> expected{0, 0, 0, 0, rounds, 0};
+    EXPECT_EQ(answered, expected);
+    EXPECT_EQ(server.served(), rounds * static_cast<int>(kMoments));
 }

@@ -54,6 +54,7 @@ NOT_ASKED = {
     "IpcClientTest.AReplyIsWaitedForThirtySeconds": "a time limit",
     "IpcClientTest.APeerThatNeverReads*": "a time limit",
     "IpcClientTest.ALateReply*": "a time limit",
+    "IpcPeerDeathTest.*": "many connections",
     "IpcServerLoadTest.*": "many connections",
     "IpcServerTest.StartingAndStoppingGivesEveryHandleBack": "handles",
     "*.ChildrenThatStartMeanwhileNeverBlock*": "inheritance of files",

@@ -53,6 +53,23 @@ class RawServer {
     std::thread thread_;
 };
 
+// A server that goes away as soon as a client has come, without having taken it.
+class LeavingServer {
+ public:
+    explicit LeavingServer(const std::string& name);
+    ~LeavingServer();
+    LeavingServer(const LeavingServer&) = delete;
+    LeavingServer& operator=(const LeavingServer&) = delete;
+
+    // Whether a client had come.
+    bool met() const { return met_; }
+
+ private:
+    std::atomic<bool> stop_{false};
+    std::atomic<bool> met_{false};
+    std::thread thread_;
+};
+
 // Connects to a server as a client; null when there is none, or none that is free.
 void* connectRaw(const std::string& name);
 

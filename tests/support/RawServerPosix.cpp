@@ -1,4 +1,5 @@
 // Local sockets where they are files: in the folder for temporary ones, where Qt has them.
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -40,6 +41,17 @@ std::string socketPath(const std::string& name) {
 int newSocket() {
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0) throw std::runtime_error("no socket");
+    return descriptor;
+}
+
+int listeningSocket(const std::string& path) {
+    const sockaddr_un address = addressOf(path);
+    ::unlink(path.c_str());
+    const int descriptor = newSocket();
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::listen(descriptor, SOMAXCONN) != 0) {
+        throw std::runtime_error("cannot create the socket");
+    }
     return descriptor;
 }
 
@@ -106,15 +118,7 @@ RawServer::~RawServer() {
 }
 
 void* RawServer::listen() const {
-    const std::string path = std::filesystem::path(path_).u8string();
-    const sockaddr_un address = addressOf(path);
-    ::unlink(path.c_str());
-    const int descriptor = newSocket();
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(descriptor, SOMAXCONN) != 0) {
-        throw std::runtime_error("cannot create the socket");
-    }
-    return handleOf(descriptor);
+    return handleOf(listeningSocket(std::filesystem::path(path_).u8string()));
 }
 
 void RawServer::run(void* first) {
@@ -130,6 +134,23 @@ void RawServer::run(void* first) {
     }
     ::close(descriptorOf(first));
     ::unlink(std::filesystem::path(path_).c_str());
+}
+
+LeavingServer::LeavingServer(const std::string& name) {
+    const std::string path = socketPath(name);
+    const int descriptor = listeningSocket(path);
+    thread_ = std::thread([this, path, descriptor] {
+        pollfd waiting{descriptor, POLLIN, 0};
+        while (!stop_ && !(met_ = ::poll(&waiting, 1, /*milliseconds=*/1) == 1)) {
+        }
+        ::close(descriptor);
+        ::unlink(path.c_str());
+    });
+}
+
+LeavingServer::~LeavingServer() {
+    stop_ = true;
+    thread_.join();
 }
 
 void* connectRaw(const std::string& name) {

@@ -91,6 +91,24 @@ void RawServer::run(void* first) {
     }
 }
 
+LeavingServer::LeavingServer(const std::string& name) {
+    const HANDLE pipe = ::CreateNamedPipeW(pipePath(name).c_str(), PIPE_ACCESS_DUPLEX,
+                                           PIPE_TYPE_BYTE, 1, 65536, 65536, 0, nullptr);
+    if (pipe == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot create the pipe");
+    thread_ = std::thread([this, pipe] {
+        // A pipe that waits for its client cannot be looked into.
+        while (!stop_ && !(met_ = ::PeekNamedPipe(pipe, nullptr, 0, nullptr, nullptr, nullptr))) {
+            ::Sleep(1);
+        }
+        ::CloseHandle(pipe);
+    });
+}
+
+LeavingServer::~LeavingServer() {
+    stop_ = true;
+    thread_.join();
+}
+
 void* connectRaw(const std::string& name) {
     const HANDLE pipe = ::CreateFileW(pipePath(name).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
