@@ -7,6 +7,7 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/OddPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/process_figures.h"
@@ -251,4 +252,29 @@ TEST_F(IpcServerTest, StartingAndStoppingGivesEveryHandleBack) {
     const long before = openHandles();
     for (int i = 0; i < 100; ++i) round();
     EXPECT_LE(openHandles(), before + HANDLES_OF_THE_SYSTEM);
+}
+
+TEST_F(IpcServerTest, OddPacketsLeaveNoRecordAndNoHandle) {
+    start();
+    Lines packets = oddPackets();
+    for (const std::uint32_t length : {0x7FFFFFFFu, 0x80000000u, 0x8000000Bu}) {
+        packets.push_back(bytesOf(3007u) + bytesOf(length) + bytesOf(0u) + "some of it");
+    }
+    const auto sendAll = [&] {
+        for (const std::string& packet : packets) {
+            RawPipe pipe(connect());
+            if (!packet.empty()) ASSERT_TRUE(pipe.write(packet));
+        }
+    };
+    sendAll();
+    ASSERT_TRUE(waitForRecords(0));
+    const long handles = openHandles();
+    sendAll();
+    EXPECT_TRUE(waitForRecords(0));
+    EXPECT_LE(openHandles(), handles + HANDLES_OF_THE_SYSTEM);
+    seen.clear();
+    RawPipe good(connect());
+    ASSERT_TRUE(good.write(appDisplayedPacket("N", "p")));
+    ASSERT_TRUE(seen.waitFor(1));
+    EXPECT_EQ(seen.packets, Lines{appDisplayedPacket("N", "p")});
 }

@@ -10,6 +10,12 @@
 
 Seen seen;
 
+void Seen::clear() {
+    const std::lock_guard<std::mutex> guard(lock);
+    packets.clear();
+    count = 0;
+}
+
 bool Seen::waitFor(std::size_t wanted, std::chrono::seconds limit) {
     std::unique_lock<std::mutex> guard(lock);
     return changed.wait_for(guard, limit, [&] { return count >= wanted; });
@@ -28,9 +34,7 @@ bool see(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, 
 ServerFixture::ServerFixture() {
     static int count = 0;
     name = "vtr_test_server_" + std::to_string(ownProcessId()) + "_" + std::to_string(++count);
-    const std::lock_guard<std::mutex> guard(seen.lock);
-    seen.packets.clear();
-    seen.count = 0;
+    seen.clear();
 }
 
 ServerFixture::~ServerFixture() { stop(); }

@@ -22,6 +22,7 @@ struct Seen {
     std::uint32_t thread = 0;
     std::size_t count = 0;
 
+    void clear();
     bool waitFor(std::size_t wanted, std::chrono::seconds limit = std::chrono::seconds(60));
 };
 extern Seen seen;
