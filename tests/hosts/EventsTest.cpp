@@ -152,16 +152,28 @@ TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
 }
 
 TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
-    ChildProcess host = startHost({"reenter", kAllSlots, "wait", "9", "fini"});
+    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
+        data.makeFolder(folder);
+    }
+    ChildProcess host =
+        startHost({"reenter", kAllSlots, data / "Inside.conf", "wait", "9", "fini"});
     RawPipe pipe(connectToHelper());
     ASSERT_TRUE(pipe.write(nineEvents()));
     Lines expected;
     for (const std::string& line : nineLines()) {
-        expected.push_back(
-            "inside: text 1, list 1, several 1, set 0, dpi 0, commit 0, launched 6, asked 0");
+        expected.push_back("inside: read 5, set 0, list 1, commit 0, to a file 0");
+        expected.push_back("inside: launched 14, asked 0, apps 1, ended 0");
         expected.push_back(line);
     }
     EXPECT_EQ(linesAfterInit(host), with(expected, {"waited 9", "fini 0"}));
+    for (const char* file : {"vantrel.conf", "Inside.conf"}) {
+        const std::string text = data.read(file);
+        for (const char* line :
+             {"vtr.instance.Nougat64.dpi=\"108\"\n", "vtr.enable_statusbar=\"1\"\n",
+              "vtr.locale=\"place 108\"\n", "vtr.shared_folders=\"place 108\"\n"}) {
+            EXPECT_NE(text.find(line), std::string::npos) << file << ": " << line;
+        }
+    }
 }
 
 TEST_F(EventsTest, ACallbackThatBlocksHoldsTheOthersUpAndLosesNone) {

@@ -14,6 +14,7 @@ static volatile LONG begun;
 static volatile LONG arrivals;
 static DWORD blockFor;
 static int reenters;
+static const char* insidePath;
 static int quiet;
 
 /* A long text stands as its length and its FNV-1a sum. */
@@ -31,28 +32,51 @@ static const char* shown(const char* text) {
     return place;
 }
 
-/* Every other kind of function, from inside a callback. What they answer is printed. */
-static void useEverything(void) {
-    char* text = bridgeConfGetString("vtr.locale");
-    char* list = bridgeConfGetInstances();
-    char* several = bridgeConfGetMultiString("vtr.shared_folders");
-    const int set = bridgeConfSetI32("vtr.instance.Nougat64.dpi", 100 + (int)arrivals);
-    const int dpi = bridgeConfGetI32("vtr.instance.Nougat64.dpi");
-    const int commit = bridgeConfCommit();
-    const int launched = bridgeLaunchApp("Nougat64", "p") + bridgeLaunchUrl("Nougat64", "u") +
-                         bridgeInstallImage("Nougat64");
-    const int asked = bridgePlrShutdown("Nougat64", 0);
-    char line[200];
-    bridgeShutdown();
-    sprintf(
-        line,
-        "inside: text %d, list %d, several %d, set %d, dpi %d, commit %d, launched %d, asked %d",
-        text != NULL, list != NULL, several != NULL, set, dpi - 100 - (int)arrivals, commit,
-        launched, asked);
-    printLine(line);
+/* Whether it is the text expected, whose memory goes back. */
+static int isText(char* text, const char* expected) {
+    const int same = text != NULL && strcmp(text, expected) == 0;
     bridgeFreeMemory(text);
+    return same;
+}
+
+/* The configuration from inside a callback: what each change gives shows in what is read next. */
+static void useConfiguration(void) {
+    const int dpi = 100 + (int)arrivals;
+    char* list = bridgeConfGetInstances();
+    char line[200];
+    int set = bridgeConfSetI32("vtr.instance.Nougat64.dpi", dpi);
+    int read = bridgeConfGetI32("vtr.instance.Nougat64.dpi") == dpi;
+    set += bridgeConfSetBool("vtr.enable_statusbar", dpi % 2 == 0);
+    read += bridgeConfGetBool("vtr.enable_statusbar") == (dpi % 2 == 0);
+    sprintf(line, "place %d", dpi);
+    set += bridgeConfSetString("vtr.locale", line);
+    read += isText(bridgeConfGetString("vtr.locale"), line);
+    set += bridgeConfSetMultiString("vtr.shared_folders", line);
+    read += isText(bridgeConfGetMultiString("vtr.shared_folders"), line);
+    /* No key is of these two's type. */
+    read += bridgeConfGetI64(NULL) == 0 && bridgeConfSetI64(NULL, 1) == BRIDGE_INVALID_ARGUMENT;
+    sprintf(line, "inside: read %d, set %d, list %d, commit %d", read, set, list != NULL,
+            bridgeConfCommit());
+    sprintf(line + strlen(line), ", to a file %d", bridgeConfCommitToFile(insidePath));
+    printLine(line);
     bridgeFreeMemory(list);
-    bridgeFreeMemory(several);
+}
+
+/* The programs, none of which is there, and the end, which has to come from another thread. */
+static void usePrograms(void) {
+    char* const apps = bridgeGetInstalledApps("Nougat64");
+    char line[200];
+    const int launched = bridgeLaunchApp("Nougat64", "p") +
+                         bridgeLaunchAppStore("Nougat64", "s", "p") +
+                         bridgeLaunchUrl("Nougat64", "u") + bridgeInstallApk("Nougat64", "a") +
+                         bridgeUninstallApp("Nougat64", "p") + bridgeInstallImage("Nougat64") +
+                         bridgeCreateFreshInstance("Nougat64", "1", "1", "1", "1", "1");
+    const int asked = bridgePlrShutdown("Nougat64", 0);
+    bridgeShutdown();
+    sprintf(line, "inside: launched %d, asked %d, apps %d, ended %d", launched, asked, apps != NULL,
+            bridgeApiFini());
+    printLine(line);
+    bridgeFreeMemory(apps);
 }
 
 static void registerMask(unsigned long mask);
@@ -72,7 +96,8 @@ static void happened(const char* format, ...) {
     InterlockedIncrement(&begun);
     SetEvent(arrived);
     if (reenters) {
-        useEverything();
+        useConfiguration();
+        usePrograms();
         registerMask(registered);
     }
     Sleep(blockFor);
@@ -239,8 +264,10 @@ int eventOperation(const char* name) {
     if (strcmp(name, "register") == 0) {
         registerMask(strtoul(next(), NULL, 10));
     } else if (strcmp(name, "reenter") == 0) {
+        const unsigned long mask = strtoul(next(), NULL, 10);
         reenters = 1;
-        registerMask(strtoul(next(), NULL, 10));
+        insidePath = next();
+        registerMask(mask);
     } else if (strcmp(name, "block") == 0) {
         blockFor = strtoul(next(), NULL, 10);
     } else if (strcmp(name, "quiet") == 0) {

@@ -2,7 +2,8 @@
  * The plain host's callbacks, and what it does with events:
  *
  *     register MASK        registers the callbacks whose bits are set: 1 for slot 1, 256 for slot 9
- *     reenter MASK         the same, and each call uses every other kind of function first
+ *     reenter MASK PATH    the same, and each call uses every other function first; it commits to
+ *                          PATH, too
  *     block MS             the next callback takes that long
  *     quiet                events are counted and no longer printed
  *     served CLIENT        waits until the client's event server can be connected to
