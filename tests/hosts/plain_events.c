@@ -192,6 +192,8 @@ static void settle(long handles) {
     for (i = 0; handlesLeaked(handles) > 0 && i < 1000; ++i) Sleep(5);
 }
 
+int bytesLeaked(long long before) { return gained(heapBytes(), before); }
+
 static void steady(void) {
     static long handles;
     static long long bytes;

@@ -30,6 +30,9 @@ void printNumber(const char* name, int number);
 /* How many handles there are more than before, beyond what the system takes for itself. */
 int handlesLeaked(long before);
 
+/* How many bytes of the heaps there are more than before. */
+int bytesLeaked(long long before);
+
 /* Zero when the operation is none of those above. */
 int eventOperation(const char* name);
 
