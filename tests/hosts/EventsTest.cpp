@@ -1,5 +1,6 @@
 // Events from a raw pipe to the callbacks of a host without Qt.
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 
 #include "NineEvents.h"
@@ -12,6 +13,9 @@
 namespace {
 
 constexpr const char* kAllSlots = "511";
+
+// What the heaps of a host move by, whatever comes.
+constexpr int kHeapMoves = 8'192;
 
 // How the host shows a text that is too long to print.
 std::string longText(const std::string& text) {
@@ -244,26 +248,42 @@ TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
     }
 }
 
+// Every other life is used; the rest end as soon as they have begun.
 TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
     const std::string copy = data / "Copy-of-QX-Bridge.dll";
     writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
+    const std::string player = "Life" + std::to_string(::GetCurrentProcessId());
+    const std::string request = packetOf(2000, bytesOf(0u));
+    std::atomic<int> asked{0};
+    RawServer server("vtr_plr_" + player + "_nvo",
+                     [&](RawPipe& pipe) { asked += pipe.readAll() == request; });
     const int cycles = proofSize(100, 10'000);
-    const Lines lines = output({"loadunload", copy, std::to_string(cycles)});
-    int unloaded = 0;
-    int handles = 0;
-    int kilobytes = 0;
-    ASSERT_EQ(std::sscanf(lines.at(0).c_str(), "unloaded %d, handles %d, kilobytes %d", &unloaded,
-                          &handles, &kilobytes),
-              3);
-    EXPECT_EQ(unloaded, cycles);
+    const int all = 20 + cycles;
+    const int used = all / 2;
+    const Lines lines = output({"loadunload", copy, std::to_string(cycles), player});
+    int lives = 0;
+    int events = 0;
+    int handles = -1;
+    int bytes = -1;
+    ASSERT_EQ(std::sscanf(lines.at(0).c_str(), "lives %d, events %d, handles %d, bytes %d", &lives,
+                          &events, &handles, &bytes),
+              4);
+    EXPECT_EQ(lives, all);
+    EXPECT_EQ(events, used);
     EXPECT_EQ(handles, 0);
-    EXPECT_LT(kilobytes, 100);
+    EXPECT_LE(bytes, kHeapMoves);
+    for (int i = 0; i < 2000 && server.served() < used; ++i) ::Sleep(5);
+    EXPECT_EQ(server.served(), used);
+    EXPECT_EQ(asked, used);
+    const std::string last = "vtr.locale=\"life " + std::to_string(all - 2) + "\"\n";
+    EXPECT_NE(data.read("vantrel.conf").find(last), std::string::npos);
 }
 
 TEST_F(EventsTest, AnUnloadWithoutTheEndLeavesTheServerRunning) {
     const std::string copy = data / "Copy-of-QX-Bridge.dll";
     writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
-    EXPECT_EQ(output({"loadonly", copy, "served", "Installer"}), (Lines{"unloaded 0", "served"}));
+    EXPECT_EQ(output({"loadonly", copy, "served", "Installer"}),
+              (Lines{"init 0", "unloaded 0", "served"}));
 }
 
 TEST_F(EventsTest, TenThousandEventsLeaveNothingBehind) {

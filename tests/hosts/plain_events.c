@@ -208,33 +208,97 @@ static void steady(void) {
     bytes = heapBytes();
 }
 
-typedef bridge_i32(BRIDGE_CALL* InitFunction)(const char*, bridge_bool, bridge_i64, const char*);
-typedef bridge_i32(BRIDGE_CALL* FiniFunction)(void);
-typedef void(BRIDGE_CALL* RegisterFunction)(bridgeOnAppInstalled, bridgeOnAppUninstalled,
-                                            bridgeOnApkInstallCompleted,
-                                            bridgeOnInstanceListUpdated, bridgeInstallImageProgress,
-                                            bridgeOnCreateInstanceCompleted,
-                                            bridgeOnInstanceConfigurationChanged,
-                                            bridgeOnAppDisplayed, bridgeOnAccountListUpdated);
+/* A copy of the library that is not linked. */
+typedef struct {
+    HMODULE library;
+    bridge_i32(BRIDGE_CALL* init)(const char*, bridge_bool, bridge_i64, const char*);
+    bridge_i32(BRIDGE_CALL* fini)(void);
+    char*(BRIDGE_CALL* getString)(const char*);
+    bridge_i32(BRIDGE_CALL* setString)(const char*, const char*);
+    bridge_i32(BRIDGE_CALL* commit)(void);
+    void(BRIDGE_CALL* freeMemory)(void*);
+    bridge_i32(BRIDGE_CALL* shutdown)(const char*, bridge_bool);
+    void(BRIDGE_CALL* reg)(bridgeOnAppInstalled, bridgeOnAppUninstalled,
+                           bridgeOnApkInstallCompleted, bridgeOnInstanceListUpdated,
+                           bridgeInstallImageProgress, bridgeOnCreateInstanceCompleted,
+                           bridgeOnInstanceConfigurationChanged, bridgeOnAppDisplayed,
+                           bridgeOnAccountListUpdated);
+} Copy;
 
-/* One life of a copy of the library that is not linked: 1 when it has left the process again. */
-static int loadAndUnload(const WCHAR* path, int finish) {
+static int load(Copy* copy, const WCHAR* path) {
     HMODULE library = LoadLibraryW(path);
-    const InitFunction init = (InitFunction)(void*)GetProcAddress(library, "bridgeApiInitEx");
-    const FiniFunction fini = (FiniFunction)(void*)GetProcAddress(library, "bridgeApiFini");
-    const RegisterFunction reg =
-        (RegisterFunction)(void*)GetProcAddress(library, "bridgeRegisterCallbacks");
-    init("Installer", 1, 0, "NUL");
-    reg(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
-    if (finish) fini();
-    FreeLibrary(library);
+    if (library == NULL) return 0;
+    copy->library = library;
+#define FIND(member, name) (*(FARPROC*)& copy->member = GetProcAddress(library, name)) != NULL
+    return FIND(init, "bridgeApiInitEx") && FIND(fini, "bridgeApiFini") &&
+           FIND(getString, "bridgeConfGetString") && FIND(setString, "bridgeConfSetString") &&
+           FIND(commit, "bridgeConfCommit") && FIND(freeMemory, "bridgeFreeMemory") &&
+           FIND(shutdown, "bridgePlrShutdown") && FIND(reg, "bridgeRegisterCallbacks");
+#undef FIND
+}
+
+static int unload(const Copy* copy, const WCHAR* path) {
+    FreeLibrary(copy->library);
     return GetModuleHandleW(path) == NULL;
 }
 
+/* What the library tells "Installer" when the configuration of an instance "N" has changed. */
+static const unsigned char kChanged[] = {0xBE, 0x0B, 0, 0, 18, 0, 0, 0,   0,
+                                         0,    0,    0, 2, 0,  0, 0, 'N', 0};
+
+static void BRIDGE_CALL countChange(const char* instance) {
+    if (strcmp(instance, "N") == 0) InterlockedIncrement(&arrivals);
+    SetEvent(arrived);
+}
+
+/* Connects to the server of "Installer" as soon as it serves, and sends an event. */
+static int sendChange(void) {
+    static const WCHAR path[] = L"\\\\.\\pipe\\vtr_Installer_bridge_nvo";
+    HANDLE pipe = INVALID_HANDLE_VALUE;
+    DWORD written = 0;
+    int i;
+    for (i = 0; i < 5000 && pipe == INVALID_HANDLE_VALUE; ++i) {
+        pipe = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, NULL, OPEN_EXISTING, 0, NULL);
+        if (pipe == INVALID_HANDLE_VALUE) Sleep(1);
+    }
+    if (pipe == INVALID_HANDLE_VALUE) return 0;
+    WriteFile(pipe, kChanged, sizeof kChanged, &written, NULL);
+    CloseHandle(pipe);
+    return written == sizeof kChanged;
+}
+
+/* One event, one change of the configuration, one request. */
+static int useCopy(const Copy* copy, const char* player, int life) {
+    const LONG before = arrivals;
+    char text[20];
+    char* read;
+    int ok;
+    if (!sendChange()) return 0;
+    while (arrivals == before && WaitForSingleObject(arrived, 30000) == WAIT_OBJECT_0) {
+    }
+    sprintf(text, "life %d", life);
+    if (arrivals != before + 1 || copy->setString("vtr.locale", text) != 0) return 0;
+    read = copy->getString("vtr.locale");
+    ok = read != NULL && strcmp(read, text) == 0;
+    copy->freeMemory(read);
+    return ok && copy->commit() == 0 && copy->shutdown(player, 0) == 0;
+}
+
+/* Whether one life went as it should. Without a player it ends as soon as it has begun. */
+static int live(const WCHAR* path, const char* player, int life) {
+    Copy copy;
+    int ok = load(&copy, path) && copy.init("Installer", 0, 0, "NUL") == 0;
+    if (!ok) return 0;
+    copy.reg(NULL, NULL, NULL, NULL, NULL, NULL, countChange, NULL, NULL);
+    if (player != NULL) ok = useCopy(&copy, player, life);
+    ok &= copy.fini() == 0;
+    return unload(&copy, path) && ok;
+}
+
 /* The first lives may leave something behind that the later ones use again. */
-static void loadUnload(const WCHAR* path, int count) {
-    const int warmUp = 5;
-    int gone = 0;
+static void loadUnload(const WCHAR* path, int count, const char* player) {
+    const int warmUp = 20;
+    int good = 0;
     long handles = 0;
     long long bytes = 0;
     int i;
@@ -244,12 +308,20 @@ static void loadUnload(const WCHAR* path, int count) {
             handles = openHandles();
             bytes = heapBytes();
         }
-        gone += loadAndUnload(path, 1);
+        good += live(path, i % 2 == 0 ? player : NULL, i);
     }
     settle(handles);
-    sprintf(line, "unloaded %d, handles %d, kilobytes %d", gone - warmUp, handlesLeaked(handles),
-            gained(heapBytes(), bytes) / 1024);
+    sprintf(line, "lives %d, events %d, handles %d, bytes %d", good, (int)arrivals,
+            handlesLeaked(handles), bytesLeaked(bytes));
     printLine(line);
+}
+
+static int loadOnly(const WCHAR* path) {
+    Copy copy;
+    if (!load(&copy, path)) return -1;
+    printNumber("init", copy.init("Installer", 1, 0, "NUL"));
+    copy.reg(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
+    return unload(&copy, path);
 }
 
 static DWORD WINAPI endProcess(LPVOID unused) {
@@ -284,9 +356,10 @@ int eventOperation(const char* name) {
         steady();
     } else if (strcmp(name, "loadunload") == 0) {
         const WCHAR* path = nextWide();
-        loadUnload(path, atoi(next()));
+        const int count = atoi(next());
+        loadUnload(path, count, next());
     } else if (strcmp(name, "loadonly") == 0) {
-        printNumber("unloaded", loadAndUnload(nextWide(), 0));
+        printNumber("unloaded", loadOnly(nextWide()));
     } else if (strcmp(name, "exit") == 0) {
         exit(0);
     } else if (strcmp(name, "exitthread") == 0) {

@@ -10,8 +10,9 @@
  *     wait N               waits for N events since the start
  *     waitbegun N          the same for N callbacks that have been entered
  *     steady               prints the handles and whole megabytes gained since its first call
- *     loadunload PATH N    loads, uses, finishes and unloads a copy of the library N times
- *     loadonly PATH        the same once, without finishing
+ *     loadunload PATH N I  loads, uses, finishes and unloads a copy of the library N times; every
+ *                          other time with an event, a commit and a request to the player I
+ *     loadonly PATH        loads and unloads a copy, without finishing
  *     exit | exitthread    ends the process at once, from the main or from another thread
  */
 #ifndef TESTS_HOSTS_PLAIN_EVENTS_H
