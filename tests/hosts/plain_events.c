@@ -16,19 +16,26 @@ static DWORD blockFor;
 static int reenters;
 static const char* insidePath;
 static int quiet;
+static unsigned long digest;
+
+static const unsigned long kSumOfNothing = 2166136261ul;
+
+static unsigned long addToSum(unsigned long sum, const char* text) {
+    for (; *text != '\0'; ++text) {
+        sum = ((sum ^ (unsigned char)*text) * 16777619ul) & 0xFFFFFFFFul;
+    }
+    return sum;
+}
 
 /* A long text stands as its length and its FNV-1a sum. */
 static const char* shown(const char* text) {
     static char sums[8][40];
     static int nextSum;
-    size_t length = strlen(text);
-    unsigned long sum = 2166136261ul;
-    size_t i;
+    const size_t length = strlen(text);
     char* place;
     if (length <= 200) return text;
-    for (i = 0; i < length; ++i) sum = ((sum ^ (unsigned char)text[i]) * 16777619ul) & 0xFFFFFFFFul;
     place = sums[nextSum++ % 8];
-    sprintf(place, "#%lu:%lu", (unsigned long)length, sum);
+    sprintf(place, "#%lu:%lu", (unsigned long)length, addToSum(kSumOfNothing, text));
     return place;
 }
 
@@ -105,7 +112,11 @@ static void happened(const char* format, ...) {
     va_start(arguments, format);
     vsprintf(line, format, arguments);
     va_end(arguments);
-    if (!quiet) printLine(strcat(line, place()));
+    strcat(line, place());
+    if (quiet)
+        digest = addToSum(addToSum(digest, line), "\n");
+    else
+        printLine(line);
     InterlockedIncrement(&arrivals);
     SetEvent(arrived);
 }
@@ -198,14 +209,15 @@ static void steady(void) {
     static long handles;
     static long long bytes;
     char line[100];
-    if (handles != 0) settle(handles);
     if (handles != 0) {
-        sprintf(line, "steady: handles %d, megabytes %d", handlesLeaked(handles),
-                gained(heapBytes(), bytes) / (1024 * 1024));
+        settle(handles);
+        sprintf(line, "steady: handles %d, bytes %d", handlesLeaked(handles), bytesLeaked(bytes));
         printLine(line);
+        return;
     }
     handles = openHandles();
     bytes = heapBytes();
+    printLine("measured");
 }
 
 /* A copy of the library that is not linked. */
@@ -346,6 +358,11 @@ int eventOperation(const char* name) {
         blockFor = strtoul(next(), NULL, 10);
     } else if (strcmp(name, "quiet") == 0) {
         quiet = 1;
+        digest = kSumOfNothing;
+    } else if (strcmp(name, "digest") == 0) {
+        char line[40];
+        sprintf(line, "digest %lu", digest);
+        printLine(line);
     } else if (strcmp(name, "served") == 0) {
         waitUntilServed(nextWide());
     } else if (strcmp(name, "wait") == 0) {

@@ -5,11 +5,12 @@
  *     reenter MASK PATH    the same, and each call uses every other function first; it commits to
  *                          PATH, too
  *     block MS             the next callback takes that long
- *     quiet                events are counted and no longer printed
+ *     quiet                events are counted and summed, and no longer printed
+ *     digest               prints the sum of the lines that were not printed
  *     served CLIENT        waits until the client's event server can be connected to
  *     wait N               waits for N events since the start
  *     waitbegun N          the same for N callbacks that have been entered
- *     steady               prints the handles and whole megabytes gained since its first call
+ *     steady               prints "measured", then the handles and bytes gained since that
  *     loadunload PATH N I  loads, uses, finishes and unloads a copy of the library N times; every
  *                          other time with an event, a commit and a request to the player I
  *     loadonly PATH        loads and unloads a copy, without finishing
