@@ -5,15 +5,31 @@ build=$1
 tree=$(cd "$(dirname "$0")/../.." && pwd)
 export BRIDGE_PROOF=full QX_STANDIN_CLIENTS=none
 
+# Far beyond what any part takes on a busy machine.
+minutes=60
+
+# play TEST PATTERN...: a pattern that names no test is a mistake, for example of a renaming.
 play() {
-    local test=$1 filter=$2
-    printf '== %s: %s\n' "$test" "$filter"
-    "$tree/toolchain/wine.sh" "$build/bin/$test.exe" --gtest_filter="$filter" | grep -E '^\[ |Failure|Which|actual'
+    local test=$1 pattern names filter
+    shift
+    printf '== %s: %s\n' "$test" "$*"
+    for pattern in "$@"; do
+        names=$("$tree/toolchain/wine.sh" "$build/bin/$test.exe" --gtest_list_tests \
+            --gtest_filter="$pattern")
+        grep -q '^  ' <<<"$names" || {
+            echo "no test of $test is named $pattern" >&2
+            return 1
+        }
+    done
+    filter=$(IFS=: && echo "$*")
+    timeout -k 10 "${minutes}m" "$tree/toolchain/wine.sh" "$build/bin/$test.exe" \
+        --gtest_filter="$filter" | grep -E '^\[ |Failure|Which|actual'
 }
 
-play ipc_test 'IpcServerLoadTest.*:IpcPeerDeathTest.*'
-play hosts_test 'EventsTest.TheLibraryIsLoaded*:ShutdownTest.ManyRequests*'
+play ipc_test 'IpcServerLoadTest.*' 'IpcPeerDeathTest.*'
+play hosts_test 'EventsTest.TheLibraryIsLoaded*' 'EventsTest.TenThousandEvents*' \
+    'EventsTest.OddPacketsOn*' 'ShutdownTest.ManyRequests*'
 play conf_test 'ConfCrowdTest.*'
 play proof_test '*'
 printf '== inject.sh\n'
-bash "$tree/tests/proof/inject.sh" "$build"
+timeout -k 10 "${minutes}m" bash "$tree/tests/proof/inject.sh" "$build"
