@@ -111,6 +111,42 @@ TEST(ConfValueMap, AddMissingKeepsWhatIsThere) {
                      {"vtr.instance.Y.c", "3"}});
 }
 
+TEST(ConfValueMap, AddMissingPassesNamesThatTheDirectoryLacks) {
+    const ConfDirectory properties{{"b", {ConfType::I32, "1"}}, {"d", {ConfType::I32, "2"}}};
+    ConfValueMap map;
+    map.assign("vtr.instance.X.a", "own");
+    map.assign("vtr.instance.X.c", "own");
+    map.assign("vtr.instance.X.c2", "own");
+    map.addMissing("X", properties);
+    expectSame(map, {{"vtr.instance.X.a", "own"},
+                     {"vtr.instance.X.b", "1"},
+                     {"vtr.instance.X.c", "own"},
+                     {"vtr.instance.X.c2", "own"},
+                     {"vtr.instance.X.d", "2"}});
+}
+
+TEST(ConfValueMap, AssignAllTakesEveryEntryOfTheOther) {
+    ConfValueMap map;
+    map.assign("vtr.guid", "old");
+    map.assign("vtr.locale", "old");
+    map.assign("vtr.instance.X.a", "old");
+    map.assign("vtr.instance.X.b", "old");
+    ConfValueMap other;
+    other.assign("vtr.guid", "new");
+    other.assign("vtr.country", "new");
+    other.assign("vtr.instance.X.b", "new");
+    other.assign("vtr.instance.Y.a", "new");
+    other.assign("vtr.instance.Z.a", "gone");
+    other.erase("vtr.instance.Z.a");
+    map.assignAll(other);
+    expectSame(map, {{"vtr.country", "new"},
+                     {"vtr.guid", "new"},
+                     {"vtr.instance.X.a", "old"},
+                     {"vtr.instance.X.b", "new"},
+                     {"vtr.instance.Y.a", "new"},
+                     {"vtr.locale", "old"}});
+}
+
 TEST(ConfValueMap, InstancesWhoseNamesBeginAlikeAreTwo) {
     const ConfDirectory properties{{"a", {ConfType::I32, "1"}}};
     std::vector<std::string> names{"A", "A-", "A0"};
