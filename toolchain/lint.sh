@@ -1,21 +1,78 @@
 #!/usr/bin/env bash
-# lint.sh BUILD: clang-tidy over the library, as the Windows build compiles it. Any finding fails.
+# lint.sh BUILD: clang-tidy over the library, as the Windows build compiles it, and over the siblings
+# of its Windows files, as a native build would. Any finding fails, and so does a file of Source/ that
+# neither of them knows. programs/ is left out: clang-tidy 16 looks through the whole of the header
+# that reads their command lines, more than a minute for each file.
 # QX_TOOLCHAIN is set by ./run.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 build=$1
+native="$tree/build/native"
+
+# sources_of BUILD: the files of Source/ that its compile database has.
+sources_of() {
+    python3 - "$tree" "$1/compile_commands.json" <<'END'
+import json
+import sys
+
+tree, database = sys.argv[1:]
+files = {command["file"] for command in json.load(open(database, encoding="utf-8"))}
+for file in sorted(files):
+    if file.startswith(f"{tree}/Source/"):
+        print(file)
+END
+}
+
+# Configuring alone writes the native compile commands.
+find_sources() {
+    (cd "$tree" && cmake --preset native)
+    sources_of "$build" >"$build/lint.windows"
+    sources_of "$native" | grep -vxFf "$build/lint.windows" >"$build/lint.native"
+    find "$tree/Source" -name '*.c' -o -name '*.cpp' | sort |
+        diff - <(sort "$build/lint.windows" "$build/lint.native") ||
+        die "neither build compiles the files that are marked \"<\""
+}
+
+# Every check that is switched off has its reason, and every reason is about such a check, of those
+# that this clang-tidy has and that would be on.
+compare_reasons() {
+    local off reasons others
+    off=$(sed -n 's/^  -\([a-z][^ ,]*\),\{0,1\}$/\1/p' "$tree/.clang-tidy" | sort)
+    reasons=$(sed -n 's/^#   \([a-z][^ ]*\) .*/\1/p' "$tree/.clang-tidy" | sort)
+    diff <(printf '%s\n' "$off") <(printf '%s\n' "$reasons") ||
+        die ".clang-tidy: switched off (<) and reasons (>) differ"
+    others=$(sed -n 's/^  \([a-z][^ ,]*\),\{0,1\}$/\1/p' "$tree/.clang-tidy" | paste -sd,)
+    diff <(printf '%s\n' "$off") \
+        <(clang-tidy-16 --list-checks -checks="-*,$others" | tr -d ' ' | sort |
+            grep -xF -f <(printf '%s\n' "$off")) ||
+        die ".clang-tidy: switched off, and would not be on (<)"
+}
+
+find_what_to_do() {
+    compare_reasons
+    find_sources
+}
+
+# tidy BUILD LIST OPTION...
+tidy() {
+    local build=$1 list=$2
+    shift 2
+    sed 's/[.+]/\\&/g; s/.*/^&$/' "$list" |
+        xargs -d '\n' run-clang-tidy-16 -j "$jobs" -p "$build" -quiet "$@"
+}
 
 bash "$tree/toolchain/packages.sh" clang-tidy-16
-# The compile commands name a wrapper, whose options clang-tidy cannot see.
+# The compile commands of the Windows build name a wrapper, whose options clang-tidy cannot see.
 options=()
 for option in --target=x86_64-w64-windows-gnu "--sysroot=$QX_TOOLCHAIN" \
     -resource-dir="$QX_TOOLCHAIN/lib/clang/16" -stdlib=libc++; do
     options+=("-extra-arg-before=$option")
 done
-tidy() {
-    run-clang-tidy-16 -j "$jobs" -p "$build" -quiet "${options[@]}" "$tree/Source/.*\.cpp"
-}
 
-steps_total=1
-step "clang-tidy over $(find "$tree/Source" -name '*.cpp' | wc -l) files" "5 min" tidy
+steps_total=3
+step "Files and checks" "10 s" find_what_to_do
+step "clang-tidy over $(wc -l <"$build/lint.windows") files of the Windows build" "5 min" \
+    tidy "$build" "$build/lint.windows" "${options[@]}"
+step "clang-tidy over $(wc -l <"$build/lint.native") siblings of this system" "30 s" \
+    tidy "$native" "$build/lint.native"
 say "No findings."
