@@ -3,7 +3,8 @@
 # fuzzer run. Nothing of it is shipped.
 #   native.sh sanitize           the tests under ASan + UBSan, then under TSan
 #   native.sh fuzz [SECONDS]     each fuzzer for so long, 600 if not told otherwise
-#   native.sh fuzz-briefly       each fuzzer over its seeds and a fixed series of changes to them
+#   native.sh briefly            the tests under ASan + UBSan but for the slowest, and each fuzzer over
+#                                its seeds and a fixed series of changes to them
 #   native.sh mutate [N]         N small changes to the pure cores, and which of them no test notices
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -25,11 +26,18 @@ build() {
     (cd "$tree" && cmake --preset "$1" && cmake --build "$tree/build/$1")
 }
 
-run_tests() { ctest --test-dir "$tree/build/$1" --output-on-failure -j "$jobs"; }
+# run_tests BUILD OPTION...
+run_tests() {
+    local build=$1
+    shift
+    ctest --test-dir "$tree/build/$build" --output-on-failure --no-tests=error -j "$jobs" "$@"
+}
+
+build_asan() { step "Build with ASan and UBSan" "3 min, later seconds" build asan; }
 
 sanitize() {
     steps_total=2
-    step "Build with ASan and UBSan" "2 min, later seconds" build asan
+    build_asan
     run_tests asan
     step "Build with TSan" "2 min, later seconds" build tsan
     run_tests tsan
@@ -46,12 +54,12 @@ sanitizers_for() {
 # one_fuzzer FOUND NAME OPTION...: new inputs go into FOUND/NAME, those that break something into
 # the build tree.
 one_fuzzer() {
-    local found="$1/$2" name=$2 broken="$tree/build/fuzz/broken" log="$tree/build/fuzz/$2.log"
+    local found="$1/$2" name=$2 broken="$tree/build/asan/broken" log="$tree/build/asan/$2.log"
     local options
     shift 2
     mapfile -t options < <(sanitizers_for "$name")
     mkdir -p "$found" "$broken"
-    if ! env "${options[@]}" "$tree/build/fuzz/bin/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
+    if ! env "${options[@]}" "$tree/build/asan/bin/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
         -timeout=20 "$@" "$found" "$tree/fuzz/corpus/$name" >"$log" 2>&1; then
         tail -n 40 "$log"
         die "the fuzzer $name found something; its whole log: $log"
@@ -73,20 +81,19 @@ each_fuzzer() {
     done
 }
 
-build_fuzzers() {
-    steps_total=1
-    step "Build of the fuzzers" "2 min, later seconds" build fuzz
-}
-
 private_folder
 case ${1:-} in
 sanitize) sanitize ;;
 fuzz)
-    build_fuzzers
-    each_fuzzer "$tree/build/fuzz/found" -max_total_time="${2:-600}" -max_len=8192
+    steps_total=1
+    build_asan
+    each_fuzzer "$tree/build/asan/found" -max_total_time="${2:-600}" -max_len=8192
     ;;
-fuzz-briefly)
-    build_fuzzers
+briefly)
+    steps_total=1
+    build_asan
+    # Those of the connections wait for a limit of half a minute.
+    run_tests asan --exclude-regex '^ipc_test$'
     # Without what earlier runs found: every run starts alike.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
@@ -94,5 +101,5 @@ mutate)
     shift
     QX_STANDIN_CLIENTS=none python3 "$tree/tests/mutation/mutate.py" "$@"
     ;;
-*) die "native.sh: sanitize, fuzz, fuzz-briefly or mutate" ;;
+*) die "native.sh: sanitize, briefly, fuzz or mutate" ;;
 esac
