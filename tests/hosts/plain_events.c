@@ -197,20 +197,21 @@ int handlesLeaked(long before) {
     return more > HANDLES_OF_THE_SYSTEM ? (int)more : 0;
 }
 
+int bytesLeaked(long long before) { return gained(heapBytes(), before); }
+
 /* What just ended, threads and connections, needs a moment to be cleaned up. */
-static void settle(long handles) {
+static void settle(long handles, long long bytes) {
     int i;
     for (i = 0; handlesLeaked(handles) > 0 && i < 1000; ++i) Sleep(5);
+    for (i = 0; bytesLeaked(bytes) > 0 && i < 200; ++i) Sleep(5);
 }
-
-int bytesLeaked(long long before) { return gained(heapBytes(), before); }
 
 static void steady(void) {
     static long handles;
     static long long bytes;
     char line[100];
     if (handles != 0) {
-        settle(handles);
+        settle(handles, bytes);
         sprintf(line, "steady: handles %d, bytes %d", handlesLeaked(handles), bytesLeaked(bytes));
         printLine(line);
         return;
@@ -322,7 +323,7 @@ static void loadUnload(const WCHAR* path, int count, const char* player) {
         }
         good += live(path, i % 2 == 0 ? player : NULL, i);
     }
-    settle(handles);
+    settle(handles, bytes);
     sprintf(line, "lives %d, events %d, handles %d, bytes %d", good, (int)arrivals,
             handlesLeaked(handles), bytesLeaked(bytes));
     printLine(line);
