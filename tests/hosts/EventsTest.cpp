@@ -264,9 +264,13 @@ TEST_F(EventsTest, ACallbackThatBlocksHoldsTheOthersUpAndLosesNone) {
 TEST_F(EventsTest, TheEndWaitsForACallbackThatRuns) {
     ChildProcess host = startHost(
         {"block", "500", "register", "128", "served", "Helper", "waitbegun", "1", "fini"});
+    EXPECT_EQ(host.readLine(), "init 0");
+    EXPECT_EQ(host.readLine(), "served");
     RawPipe pipe(connectToHelper());
     ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
-    EXPECT_EQ(linesAfterInit(host), (Lines{"served", "waited 1", "appDisplayed 1|a", "fini 0"}));
+    const ChildResult result = host.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(linesOf(result.out), (Lines{"waited 1", "appDisplayed 1|a", "fini 0"}));
 }
 
 TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
