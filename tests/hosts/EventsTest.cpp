@@ -319,6 +319,19 @@ TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
     }
 }
 
+TEST_F(EventsTest, AHostsDllThatFinishesWhileTheProcessEndsKeepsNobody) {
+    ChildProcess host = startHost({"register", "128", "plugin", builtProgram("late_plugin.dll"),
+                                   "served", "Helper", "wait", "1"});
+    EXPECT_EQ(host.readLine(), "init 0");
+    EXPECT_EQ(host.readLine(), "plugin 1");
+    EXPECT_EQ(host.readLine(), "served");
+    RawPipe open(connectToHelper());
+    ASSERT_TRUE(open.write(appDisplayedPacket("1", "a")));
+    const ChildResult result = host.finish();
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1"}));
+}
+
 // Every other life is used; the rest end as soon as they have begun.
 TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
     const std::string copy = data / "Copy-of-QX-Bridge.dll";

@@ -376,6 +376,8 @@ int eventOperation(const char* name) {
         const WCHAR* path = nextWide();
         const int count = atoi(next());
         loadUnload(path, count, next());
+    } else if (strcmp(name, "plugin") == 0) {
+        printNumber(name, LoadLibraryW(nextWide()) != NULL);
     } else if (strcmp(name, "loadonly") == 0) {
         printNumber("unloaded", loadOnly(nextWide()));
     } else if (strcmp(name, "exit") == 0) {

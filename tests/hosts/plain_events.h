@@ -14,6 +14,7 @@
  *     loadunload PATH N I  loads, uses, finishes and unloads a copy of the library N times; every
  *                          other time with an event, a commit and a request to the player I
  *     loadonly PATH        loads and unloads a copy, without finishing
+ *     plugin PATH          loads a DLL and keeps it
  *     exit | exitthread    ends the process at once, from the main or from another thread
  */
 #ifndef TESTS_HOSTS_PLAIN_EVENTS_H
