@@ -14,9 +14,11 @@ namespace {
 // About the size of an element without its texts.
 constexpr std::size_t kElementSize = 256;
 
+// A text that is too long for Qt is no JSON.
 QJsonDocument parse(std::string_view text) {
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return {};
     return QJsonDocument::fromJson(
-        QByteArray::fromRawData(text.data(), utlJsonLength(text.size())));
+        QByteArray::fromRawData(text.data(), static_cast<int>(text.size())));
 }
 
 std::int32_t saturated(double number) {

@@ -8,8 +8,7 @@
 
 #include "appc/AppcApp.h"
 
-// App lists as JSON: pure functions over bytes and values. Texts are UTF-8. One that is longer than
-// Qt's can be throws std::length_error.
+// App lists as JSON: pure functions over bytes and values. Texts are UTF-8.
 
 // The array that a text holds. False when it is not JSON, or JSON of another kind.
 bool appcParseArray(std::string_view text, QJsonArray& array);

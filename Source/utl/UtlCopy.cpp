@@ -25,8 +25,8 @@ void makeAfresh(const std::string& folder) {
     QDir().mkpath(qtPath(folder));
 }
 
-// Entries come by name, without regard to case: QDir::NoSort leaves a listing to the folder's object,
-// and that is the order it has.
+// Entries come by name, without regard to case: QDir::NoSort leaves a listing to the folder's
+// object, and that is the order it has.
 void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
     for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort)) {
         const std::string target = destination + QDir::separator().toLatin1() + name.toStdString();

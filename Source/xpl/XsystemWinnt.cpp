@@ -12,6 +12,15 @@ namespace {
 constexpr int kUtf8CodePage = 65001;
 constexpr UINT kStatusBreakpoint = 0x80000003;
 
+// `unknown` where the system has no answer.
+bool processEnds(bool unknown) {
+    using Ask = BOOLEAN(NTAPI*)();
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    const auto ask = reinterpret_cast<Ask>(
+        reinterpret_cast<void*>(::GetProcAddress(ntdll, "RtlDllShutdownInProgress")));
+    return ask == nullptr ? unknown : ask() != FALSE;
+}
+
 bool isLibrary() {
     static const char here = 0;
     HMODULE self = nullptr;
@@ -40,12 +49,7 @@ void xsystemDebugBreak() noexcept {
     for (;;) ::Sleep(INFINITE);  // the end of the process is on its way
 }
 
-bool xsystemProcessEnds() noexcept {
-    using Ask = BOOLEAN(NTAPI*)();
-    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
-    const auto ask = reinterpret_cast<Ask>(
-        reinterpret_cast<void*>(::GetProcAddress(ntdll, "RtlDllShutdownInProgress")));
-    return ask != nullptr && ask();
-}
+bool xsystemProcessEnds() noexcept { return processEnds(/*unknown=*/false); }
 
-bool xsystemIsUnloading() noexcept { return isLibrary() && !xsystemProcessEnds(); }
+// Releasing too little is safe.
+bool xsystemIsUnloading() noexcept { return isLibrary() && !processEnds(/*unknown=*/true); }

@@ -29,8 +29,8 @@
  *     of an unknown image in a listing, an event of an impossible length, slot 3 without slot 4,
  *     and a machine-wide lock that cannot be waited for.
  * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
- *     Their text arguments are never null, and valid during the call only. Inside one, every function works except
- *     bridgeApiFini(). An exception must not leave a callback.
+ *     Their text arguments are never null, and valid during the call only. Inside one, every
+ *     function works except bridgeApiFini(). An exception must not leave a callback.
  * 10. Waiting. The initialisation, a commit, a listing of apps and the two events that load the
  *     configuration again wait, without limit, for programs that have the same file's lock. A
  *     request to a program (bridgePlrShutdown(), bridgeShutdown()) takes up to a minute, for each

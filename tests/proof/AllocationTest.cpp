@@ -168,7 +168,10 @@ class AllocationTest : public ::testing::Test {
 
 constexpr const char* kAccess = "vtr.enable_adb_access";  // committed: 1
 
-std::string access() { return std::to_string(bridgeConfGetBool(kAccess)); }
+// Of an instance: what is staged for it takes memory each time.
+constexpr const char* kName = "vtr.instance.Nougat64.display_name";
+constexpr const char* kRules = "vtr.instance.Nougat64.grm_ignored_rules";
+constexpr const char* kVsync = "vtr.instance.Nougat64.enable_vsync";
 
 }  // namespace
 
@@ -189,11 +192,12 @@ TEST_F(AllocationTest, Getters) {
 TEST_F(AllocationTest, Setters) {
     expectSet([] { return bridgeConfSetI32(kDpi, 320); },
               [] { return std::to_string(bridgeConfGetI32(kDpi)); });
-    expectSet([] { return bridgeConfSetString(kLocale, "de-DE"); },
-              [] { return taken(bridgeConfGetString(kLocale)).value_or("none"); });
-    expectSet([] { return bridgeConfSetMultiString(kFolders, "a,b"); },
-              [] { return taken(bridgeConfGetMultiString(kFolders)).value_or("none"); });
-    expectSet([] { return bridgeConfSetBool(kAccess, 0); }, access);
+    expectSet([] { return bridgeConfSetString(kName, "Jeux"); },
+              [] { return taken(bridgeConfGetString(kName)).value_or("none"); });
+    expectSet([] { return bridgeConfSetMultiString(kRules, "a,b"); },
+              [] { return taken(bridgeConfGetMultiString(kRules)).value_or("none"); });
+    expectSet([] { return bridgeConfSetBool(kVsync, 1); },
+              [] { return std::to_string(bridgeConfGetBool(kVsync)); });
 }
 
 TEST_F(AllocationTest, ALongTextIsSetWholeOrNotAtAll) {
@@ -252,16 +256,17 @@ TEST_F(AllocationTest, CommitsIntoAnotherFile) {
     const std::string whole = data.read("copy.conf");
     ASSERT_FALSE(whole.empty());
     removeFile(path);
-    const int shortages = inEveryShortage(
-        [&] { return bridgeConfCommitToFile(path.c_str()); },
-        [&](bridge_i32 result) {
-            EXPECT_EQ(data.has("copy.conf"), result == 0) << result;
-            if (data.has("copy.conf")) EXPECT_EQ(data.read("copy.conf"), whole);
-            EXPECT_EQ(bridgeConfCommitToFile(path.c_str()), 0);
-            EXPECT_EQ(data.read("copy.conf"), whole);
-            EXPECT_FALSE(data.has("copy.conf-temp"));
-            removeFile(path);
-        });
+    const int shortages = inEveryShortage([&] { return bridgeConfCommitToFile(path.c_str()); },
+                                          [&](bridge_i32 result) {
+                                              EXPECT_EQ(data.has("copy.conf"), result == 0)
+                                                  << result;
+                                              if (data.has("copy.conf"))
+                                                  EXPECT_EQ(data.read("copy.conf"), whole);
+                                              EXPECT_EQ(bridgeConfCommitToFile(path.c_str()), 0);
+                                              EXPECT_EQ(data.read("copy.conf"), whole);
+                                              EXPECT_FALSE(data.has("copy.conf-temp"));
+                                              removeFile(path);
+                                          });
     EXPECT_GT(shortages, 1);
 }
 

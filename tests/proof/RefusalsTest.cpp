@@ -566,6 +566,7 @@ TEST(ModuleRefusals, ALibraryIsUnloadedWhileTheProcessGoesOn) {
     {
         const OddExport unknown("GetProcAddress", findNoExport);
         EXPECT_FALSE(xsystemIsUnloading()) << "releasing too little is safe";
+        EXPECT_FALSE(xsystemProcessEnds()) << "and so is ending the server";
     }
     const OddHandleOf none("GetModuleHandleExW", findNoModule);
     EXPECT_FALSE(xsystemIsUnloading());
