@@ -17,6 +17,8 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::IPC, "Source/ipc/IpcClient"};
 
+constexpr const char* kErrorType = "QLocalSocket::LocalSocketError";
+
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::nanoseconds kSlowCall{10'000'000};
 
@@ -138,10 +140,9 @@ qint64 collect(IpcClient& client, char* out, qint64 size) {
 // Qt keeps the functions that make and destroy a value of a registered type, which are this
 // library's: they must not be left behind at unload, unless a host's were there before.
 void registerErrorType() {
-    constexpr const char* kName = "QLocalSocket::LocalSocketError";
     static const bool once = [] {
-        if (QMetaType::type(kName) != QMetaType::UnknownType) return true;
-        static int type = qRegisterMetaType<QLocalSocket::LocalSocketError>(kName);
+        if (QMetaType::type(kErrorType) != QMetaType::UnknownType) return true;
+        static int type = qRegisterMetaType<QLocalSocket::LocalSocketError>(kErrorType);
         xunloadRemember(&type,
                         [](void* kept) { QMetaType::unregisterType(*static_cast<int*>(kept)); });
         return true;

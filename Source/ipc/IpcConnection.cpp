@@ -255,9 +255,9 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
     QObject::connect(
         socket, &QLocalSocket::aboutToClose, socket, [info] { logAboutToClose(info.get()); },
         Qt::DirectConnection);
-    static_cast<void>(unfinished.release());
     // A socket that could not be read from at all has told so already, and will not again.
     if (socket->state() == QLocalSocket::UnconnectedState) ipcDestroyConnection(info.get(), decode);
+    static_cast<void>(unfinished.release());
 }
 
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {

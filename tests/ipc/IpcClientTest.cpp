@@ -409,6 +409,13 @@ TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
     EXPECT_EQ(got.size(), kPacket.size() + large.size());
 }
 
+// A host's queued connections to its own sockets' errors need it.
+TEST(IpcClient, TheTypeOfASocketsErrorIsKnownToQt) {
+    IpcClient client;
+    ipcClientInit(client, "some name");
+    EXPECT_NE(QMetaType::type("QLocalSocket::LocalSocketError"), int{QMetaType::UnknownType});
+}
+
 // In a process of its own: there is one application object, and others would see it.
 SCENE(deletesSocketsBesideAnApplication) {
     int count = 0;

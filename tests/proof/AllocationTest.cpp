@@ -5,9 +5,12 @@
 #include <bridge/bridge.h>
 #include <gtest/gtest.h>
 
+#include <QLocalServer>
 #include <cstdarg>
 #include <cstdio>
 #include <functional>
+#include <memory>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -15,7 +18,9 @@
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeIpcClbk.h"
 #include "conf/Conf.h"
+#include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
+#include "support/FakeSocket.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
@@ -358,6 +363,43 @@ TEST_F(AllocationTest, Requests) {
                         EXPECT_EQ(bridgePlrShutdown("Nougat64", 1), 0);
                     });
     inEveryShortage([] { return bridgeShutdown(), 0; }, [](int) { bridgeShutdown(); });
+}
+
+namespace {
+
+// A server to which one client has come.
+class OneClient : public QLocalServer {
+ public:
+    QLocalSocket* nextPendingConnection() override { return std::exchange(socket, nullptr); }
+    QLocalSocket* socket = nullptr;
+};
+
+}  // namespace
+
+// A connection comes whole, or its client is sent away.
+TEST(ConnectionAllocationTest, AConnectionThatMemoryIsShortFor) {
+    const std::string name = "server";
+    const int before = IpcConnectionInfo::live();
+    bool failed = true;
+    int shortages = 0;
+    for (int first = 0; failed; ++first, ++shortages) {
+        auto socket = std::make_unique<FakeSocket>();
+        OneClient server;
+        server.socket = socket.get();
+        bool thrown = false;
+        startShortage(Shortage::Once, first);
+        try {
+            ipcHandleNewConnection(&server, bridgeDecode, &name);
+        } catch (const std::bad_alloc&) {
+            thrown = true;
+        }
+        failed = endShortage();
+        EXPECT_EQ(thrown, failed);
+        EXPECT_EQ(socket->isOpen(), !failed) << first;
+        socket.reset();
+        EXPECT_EQ(IpcConnectionInfo::live(), before) << first;
+    }
+    EXPECT_GT(shortages, 3);
 }
 
 // The end, with a server: it stops whatever is short.

@@ -28,9 +28,9 @@ using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
 
 // The system's own, past the import table.
 template <typename Function>
-Function* real(const char* name) {
+Function* real(const char* name, const wchar_t* module = L"kernel32.dll") {
     return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(module), name)));
 }
 
 std::string pipeName;
@@ -422,6 +422,27 @@ TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
     stop();
     start();
     expectServed(1);
+}
+
+// Between the thread that waits for clients and the server's own there is a call through Qt, for
+// which memory can be short.
+TEST_F(PipeRefusals, AWordOfAClientThatCannotBePassedOnIsPassedOnLater) {
+    using Invoke = bool(QObject*, void*, int, void*);
+    const ReplacedImport<Invoke> odd(
+        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14Connection"
+        "TypeEPv",
+        [](QObject* object, void* slot, int type, void* result) -> bool {
+            if (armed.exchange(0) != 0) return false;
+            return real<Invoke>(
+                "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlot"
+                "ObjectBaseEN2Qt14ConnectionTypeEPv",
+                L"Qt5Core.dll")(object, slot, type, result);
+        });
+    start();
+    expectServed(1);
+    armed = 1;
+    expectServed(2);
+    EXPECT_EQ(armed, 0);
 }
 
 TEST_F(PipeRefusals, ANameThatIsNotUtf8CannotBeServed) {

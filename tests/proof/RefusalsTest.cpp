@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstring>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -355,6 +356,55 @@ SCENE(logsToAFullDisk) {
 TEST_F(FileRefusals, ALogLineThatCannotBeWrittenIsLostAndTheNextOneIsNot) {
     EXPECT_EQ(runScene("logsToAFullDisk", {folder / "log"}).status, 0u);
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF  written"});
+}
+
+namespace {
+
+// Events around one slow write.
+HANDLE writeBegins;
+HANDLE writeGoesOn;
+
+BOOL WINAPI writeSlowly(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
+                        LPOVERLAPPED overlapped) {
+    ::SetEvent(writeBegins);
+    ::WaitForSingleObject(writeGoesOn, INFINITE);
+    // The system's own, past the import table.
+    static const auto write = reinterpret_cast<decltype(&::WriteFile)>(reinterpret_cast<void*>(
+        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "WriteFile")));
+    return write(file, bytes, size, done, overlapped);
+}
+
+}  // namespace
+
+SCENE(changesTheLogWhileALineIsWritten) {
+    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
+    constexpr XlogModule module{XlogTag::CONF, "f"};
+    writeBegins = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    writeGoesOn = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    xlogSetClientName("before");
+    std::thread slow;
+    {
+        const OddWrite slowly("WriteFile", writeSlowly);
+        slow = std::thread([&module] { XLOG_E(module, "slow"); });
+        ::WaitForSingleObject(writeBegins, INFINITE);
+    }
+    xlogSetClientName("after");  // comes back, though the line is not done
+    if (xlogSetFile(arguments[1]) != 0) return 2;
+    XLOG_E(module, "quick");
+    ::SetEvent(writeGoesOn);
+    slow.join();
+    xlogSetClientName("last");
+    XLOG_E(module, "done");
+    return 0;
+}
+
+TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndKeepsNobodyWaiting) {
+    EXPECT_EQ(
+        runScene("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"}).status,
+        0u);
+    EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF before slow"});
+    EXPECT_EQ(logMessages(folder.read("second")),
+              (Lines{"E CONF after quick", "E CONF last done"}));
 }
 
 namespace {
