@@ -38,14 +38,14 @@ Xfile& Xfile::operator=(Xfile&& other) noexcept {
     return *this;
 }
 
-XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode) {
+XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     if (mode != XfileMode::Read) {
         const std::string folder(xfileFolderPart(path));
         if (!folder.empty() && xfileExists(folder) != XERR_SUCCESS) {
             static_cast<void>(xfileMakeFolders(folder));  // the open reports the real outcome
         }
     }
-    return xfileSystemOpen(file, path, mode);
+    return xfileSystemOpen(file, path, mode, sharing);
 }
 
 XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done) {

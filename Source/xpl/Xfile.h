@@ -9,8 +9,7 @@
 
 #include "xpl/Xerr.h"
 
-// How a file is opened. Every mode shares reading, writing and deleting, and gives an inheritable
-// handle: children that this process starts receive the files that are open at that moment.
+// How a file is opened. Every mode shares reading, writing and deleting.
 enum class XfileMode : std::uint32_t {
     Read = 1,       // must exist
     ReadWrite = 2,  // created when missing
@@ -18,6 +17,11 @@ enum class XfileMode : std::uint32_t {
     WriteNew = 4,   // created, or emptied when it exists
     Update = 5,     // read and write; must exist
 };
+
+// Whether child processes receive the open file. A child that inherits handles keeps the file open
+// for its whole life, and a file that any process has open cannot always be replaced: files that
+// are open for one operation only are private.
+enum class XfileSharing : std::uint32_t { Inherited, Private };
 
 enum class XfileSeekFrom : std::uint32_t { Begin = 0, Current = 1, End = 2 };
 
@@ -47,7 +51,8 @@ class Xfile {
 // Opens `path`. In every mode but Read, a missing folder before the last "\" is created first
 // ("/" does not count in this step); the open reports the real outcome. A mode that is none of the
 // five opens like Read, and creates the folder all the same.
-[[nodiscard]] XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode);
+[[nodiscard]] XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode,
+                             XfileSharing sharing = XfileSharing::Inherited);
 
 // One read or write call. `done` is the count of bytes moved.
 [[nodiscard]] XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done);
@@ -80,7 +85,7 @@ void xfileClose(Xfile& file);
 // characters. The root of a drive and the share of a UNC path are never created.
 [[nodiscard]] XErr xfileMakeFolders(const std::string& path);
 
-// Writes a file's data to the disk. The file must exist; its missing folder is made all the same,
+// Writes a file's data to the disk, through a private handle. The file must exist; its missing folder is made all the same,
 // as by every open that may write.
 [[nodiscard]] XErr xfileFlush(const std::string& path);
 

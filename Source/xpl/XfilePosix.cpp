@@ -112,9 +112,10 @@ void Xfile::adopt(void* handle) {
     handle_ = handle;
 }
 
-XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode) {
-    return withPath(path, [&file, mode](const char* system) {
-        const int descriptor = ::open(system, openFlags(mode), 0666);
+XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
+    const int flags = openFlags(mode) | (sharing == XfileSharing::Private ? O_CLOEXEC : 0);
+    return withPath(path, [&file, flags](const char* system) {
+        const int descriptor = ::open(system, flags, 0666);
         if (descriptor < 0) return -1;
         if (isFolder(system)) {  // which can be opened for reading here
             ::close(descriptor);
@@ -188,7 +189,8 @@ XErr xfileMakeFolders(const std::string& path) {
 
 XErr xfileFlush(const std::string& path) {
     Xfile file;
-    if (const XErr err = xfileOpen(file, path, XfileMode::Update); err != XERR_SUCCESS) return err;
+    const XErr err = xfileOpen(file, path, XfileMode::Update, XfileSharing::Private);
+    if (err != XERR_SUCCESS) return err;
     return statusOf(::fsync(descriptorOf(file)));
 }
 

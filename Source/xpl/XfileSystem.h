@@ -6,7 +6,8 @@
 #include "xpl/Xfile.h"
 
 // Opens a file whose folder is there, or is not.
-[[nodiscard]] XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode);
+[[nodiscard]] XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode,
+                                   XfileSharing sharing);
 
 // Moves `source` onto `destination`, replacing what is there, with so many further attempts while
 // somebody holds it.

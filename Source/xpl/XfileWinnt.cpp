@@ -69,14 +69,15 @@ void Xfile::adopt(void* handle) {
     handle_ = handle;
 }
 
-XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode) {
+XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     std::wstring wide;
     if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
     const OpenRow row = openRow(mode);
-    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), nullptr,
+                                   sharing == XfileSharing::Inherited};
     const HANDLE handle = ::CreateFileW(
         wide.c_str(), row.access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-        &inheritable, row.disposition, FILE_ATTRIBUTE_NORMAL, /*hTemplateFile=*/nullptr);
+        &attributes, row.disposition, FILE_ATTRIBUTE_NORMAL, /*hTemplateFile=*/nullptr);
     if (handle == INVALID_HANDLE_VALUE) return xerrLast();
     file.adopt(handle);
     return XERR_SUCCESS;
@@ -158,7 +159,8 @@ XErr xfileMakeFolders(const std::string& path) {
 
 XErr xfileFlush(const std::string& path) {
     Xfile file;
-    if (const XErr err = xfileOpen(file, path, XfileMode::Update); err != XERR_SUCCESS) return err;
+    const XErr err = xfileOpen(file, path, XfileMode::Update, XfileSharing::Private);
+    if (err != XERR_SUCCESS) return err;
     return ::FlushFileBuffers(file.handle()) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
 }
 
