@@ -6,7 +6,7 @@ set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"
 . "$tree/toolchain/sources.sh"
 
-cached_build "$cache/competitors-$(digest "$tree/toolchain/windows.sh" "$tree/bench/competitors.sh")" \
+cached_build "$cache/competitors-$llvm_version-$(digest "$tree/toolchain/windows.sh" "$tree/bench/competitors.sh")" \
     "the competitors" "$@"
 work="$prefix/build"
 mkdir -p "$work" "$prefix/licences"

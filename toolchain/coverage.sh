@@ -23,15 +23,15 @@ run_tests() {
     LLVM_PROFILE_FILE="Z:$profiles/%8m.profraw" GTEST_FILTER="-$unmerged" \
         ctest --test-dir "$build" --output-on-failure --no-tests=error -j "$jobs"
     LLVM_PROFILE_FILE="Z:$profiles/unload-%p.profraw" \
-        "$tree/toolchain/wine.sh" "$build/bin/hosts_test.exe" --gtest_brief=1 --gtest_filter="$unmerged"
+        "$tree/toolchain/wine.sh" "$build/tests/hosts_test.exe" --gtest_brief=1 --gtest_filter="$unmerged"
 }
 
 # The paths in the programs begin at the tree; what is not the library's is left out.
 report() {
     local program objects=()
-    llvm-profdata-16 merge -sparse "$profiles"/*.profraw -o "$build/all.profdata"
-    for program in "$build"/bin/*.exe; do objects+=(-object "$program"); done
-    llvm-cov-16 export -format=lcov "$build/bin/QX-Bridge.dll" "${objects[@]}" \
+    "$llvm/llvm-profdata" merge -sparse "$profiles"/*.profraw -o "$build/all.profdata"
+    for program in "$build"/{bin,tests,standins}/*.exe; do objects+=(-object "$program"); done
+    "$llvm/llvm-cov" export -format=lcov "$build/bin/QX-Bridge.dll" "${objects[@]}" \
         -instr-profile="$build/all.profdata" -compilation-dir="$tree" \
         -ignore-filename-regex='(^|/)(tests|programs|examples|googletest)/|_autogen|/mingw' \
         >"$build/all.lcov"

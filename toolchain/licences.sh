@@ -19,7 +19,7 @@ list() {
 }
 
 list qtbase-opensource-src Qt.txt
-list llvm-toolchain-16 LLVM-runtimes.txt
+list "llvm-toolchain-$llvm_version" LLVM-runtimes.txt
 list mingw-w64 mingw-w64-runtime.txt
 cp "$(qt_dir)/licences/LICENSE.LGPL3" "$into/Qt-LGPL-3.txt"
 cp "$(qt_dir)/licences/LICENSE.GPL3" "$into/Qt-GPL-3.txt"
@@ -35,7 +35,7 @@ cat >"$into/README.md" <<END
 | what | where | licence |
 |---|---|---|
 | Qt 5.15, Core and Network, with what Qt contains | \`bin/Qt5Core.dll\`, \`bin/Qt5Network.dll\` | LGPL 3 (\`Qt-LGPL-3.txt\`, with \`Qt-GPL-3.txt\`, to which it refers); the parts inside: \`Qt.txt\` |
-| libc++, libc++abi, libunwind, compiler-rt of LLVM 16 | inside the programs and every DLL | Apache 2.0 with LLVM's exceptions (\`LLVM-runtimes.txt\`, \`Apache-2.0.txt\`) |
+| libc++, libc++abi, libunwind, compiler-rt of LLVM $llvm_version | inside the programs and every DLL | Apache 2.0 with LLVM's exceptions (\`LLVM-runtimes.txt\`, \`Apache-2.0.txt\`) |
 | the start-up code of mingw-w64 | inside the programs and every DLL | \`mingw-w64-runtime.txt\` |
 | CLI11 | inside \`bin/bridgectl.exe\` | \`CLI11.txt\` |
 | JSON for Modern C++ | inside \`bin/bridgectl.exe\` and the stand-ins | \`nlohmann-json.txt\` |

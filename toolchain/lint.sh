@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # lint.sh BUILD: clang-tidy over the library, as the Windows build compiles it, and over the siblings
 # of its Windows files, as a native build would. Any finding fails, and so does a file of Source/ that
-# neither of them knows. programs/ is left out: clang-tidy 16 looks through the whole of the header
+# neither of them knows. programs/ is left out: clang-tidy looks through the whole of the header
 # that reads their command lines, more than a minute for each file.
 # QX_TOOLCHAIN is set by ./run.
 set -euo pipefail
@@ -25,6 +25,7 @@ END
 
 # Configuring alone writes the native compile commands.
 find_sources() {
+    export CC="$llvm/clang" CXX="$llvm/clang++"
     (cd "$tree" && cmake --preset native)
     sources_of "$build" >"$build/lint.windows"
     sources_of "$native" | grep -vxFf "$build/lint.windows" >"$build/lint.native"
@@ -43,7 +44,7 @@ compare_reasons() {
         die ".clang-tidy: switched off (<) and reasons (>) differ"
     others=$(sed -n 's/^  \([a-z][^ ,]*\),\{0,1\}$/\1/p' "$tree/.clang-tidy" | paste -sd,)
     diff <(printf '%s\n' "$off") \
-        <(clang-tidy-16 --list-checks -checks="-*,$others" | tr -d ' ' | sort |
+        <("clang-tidy-$llvm_version" --list-checks -checks="-*,$others" | tr -d ' ' | sort |
             grep -xF -f <(printf '%s\n' "$off")) ||
         die ".clang-tidy: switched off, and would not be on (<)"
 }
@@ -58,14 +59,14 @@ tidy() {
     local build=$1 list=$2
     shift 2
     sed 's/[.+]/\\&/g; s/.*/^&$/' "$list" |
-        xargs -d '\n' run-clang-tidy-16 -j "$jobs" -p "$build" -quiet "$@"
+        xargs -d '\n' "run-clang-tidy-$llvm_version" -j "$jobs" -p "$build" -quiet "$@"
 }
 
-bash "$tree/toolchain/packages.sh" clang-tidy-16
+bash "$tree/toolchain/packages.sh" test "clang-tidy-$llvm_version"
 # The compile commands of the Windows build name a wrapper, whose options clang-tidy cannot see.
 options=()
 for option in --target=x86_64-w64-windows-gnu "--sysroot=$QX_TOOLCHAIN" \
-    -resource-dir="$QX_TOOLCHAIN/lib/clang/16" -stdlib=libc++; do
+    -resource-dir="$QX_TOOLCHAIN/lib/clang/$llvm_version" -stdlib=libc++; do
     options+=("-extra-arg-before=$option")
 done
 

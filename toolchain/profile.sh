@@ -5,15 +5,16 @@ set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
 
-cached_build "$cache/profile-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/profile.sh")" \
+cached_build "$cache/profile-$llvm_version-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/profile.sh")" \
     "the coverage runtime" "$@"
 work="$prefix/build"
 mkdir -p "$work"
 
 unpack() {
-    source_file 'llvm-toolchain-16_*.orig.tar.xz' >"$work/archive" || {
-        fetch_source llvm-toolchain-16
-        source_file 'llvm-toolchain-16_*.orig.tar.xz' >"$work/archive"
+    local archive="llvm-toolchain-${llvm_version}_*.orig.tar.xz"
+    source_file "$archive" >"$work/archive" || {
+        fetch_source "llvm-toolchain-$llvm_version"
+        source_file "$archive" >"$work/archive"
     }
     tar -xf "$(cat "$work/archive")" -C "$work" --strip-components=1 --wildcards \
         '*/compiler-rt/lib/profile' '*/compiler-rt/include/profile'

@@ -19,18 +19,18 @@ for file in $(sed -n '/^Checksums-Sha256:/,/^[A-Z].*:/s/^ [0-9a-f]* [0-9]* //p' 
     cp "$cache/sources/$file" "$folder"
 done
 cp "$cache/sources/$source.dsc" "$folder"
-cp "$tree"/toolchain/{common,sources,windows,qt,packages}.sh "$tree/toolchain/packages.txt" "$folder/toolchain"
+cp "$tree"/toolchain/{common,packages,qt,release,sources,windows}.sh "$tree/toolchain/packages.txt" "$folder/toolchain"
 cat >"$folder/README.md" <<END
 # The source of Qt as it is in QX-Bridge $version
 
 \`$source\` is Debian's source package of Qt 5.15, whole: \`dpkg-source -x $source.dsc\` unpacks and
-patches it. On Debian 12, as root, these scripts build the two DLLs as they are in the package:
+patches it. On Debian $(release_number), as root, these scripts build the two DLLs as they are in the package:
 
-    bash toolchain/packages.sh
+    bash toolchain/packages.sh build
     bash toolchain/windows.sh
     bash toolchain/qt.sh
 
-They take ten minutes, fetch what is not here from Debian, and end in \`~/.cache/qx-bridge/qt-*/bin\`.
+They take six minutes on two cores, fetch what is not here from Debian, and end in \`~/.cache/qx-bridge/qt-*/bin\`.
 A changed Qt takes effect when its \`Qt5Core.dll\` and \`Qt5Network.dll\` take the place of those beside
 \`QX-Bridge.dll\`: the library is linked with them dynamically.
 END

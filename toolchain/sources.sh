@@ -7,17 +7,17 @@ source_lists() {
     rm -rf "$into"
     mkdir -p "$into"
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-        [ -f "$file" ] && grep -q bookworm "$file" &&
+        [ -f "$file" ] && grep -q "$release" "$file" &&
             sed -n 's/^deb /deb-src /p' "$file" >"$into/$(basename "$file" .list).list"
     done
     for file in /etc/apt/sources.list.d/*.sources; do
-        [ -f "$file" ] && grep -q bookworm "$file" &&
+        [ -f "$file" ] && grep -q "$release" "$file" &&
             sed 's/^Types:.*/Types: deb-src/' "$file" >"$into/$(basename "$file")"
     done
     return 0
 }
 
-# fetch_source PACKAGE: leaves its .dsc and archives in $cache/sources.
+# fetch_source PACKAGE...: leaves their .dsc files and archives in $cache/sources.
 fetch_source() {
     local lists="$cache/apt" downloads="$cache/sources"
     mkdir -p "$downloads" "$lists/state/partial"
@@ -28,7 +28,7 @@ fetch_source() {
              -o "Dir::Etc::sourceparts=$lists/sources.list.d"
              -o "Dir::State::lists=$lists/state" -o APT::Sandbox::User=root)
         "${apt[@]}" update
-        "${apt[@]}" source --download-only "$1"
+        "${apt[@]}" source --download-only "$@"
     )
 }
 
