@@ -8,29 +8,44 @@ set -euo pipefail
 cached_build "$(qt_dir)" "Qt"
 work="$prefix/build"
 mkdir -p "$work"
+host_tools=/usr/lib/qt5/bin
 PATH="$(toolchain_dir)/bin:$PATH"
 export PATH
 
 fetch() { fetch_source qtbase-opensource-src; }
-unpack() { dpkg-source --no-check -x "$(source_file 'qtbase-opensource-src_*.dsc')" "$work/qt"; }
+unpack() { unpack_source "$(source_file 'qtbase-opensource-src_*.dsc')" "$work/qt"; }
 
+# Sections that nothing uses are dropped: one of libc++ imports FlsAlloc (see windows.sh).
+#
+# Debian has built this Qt's qmake, moc and rcc already. The configure script would build its own
+# qmake; what it does after that is one call of qmake, which takes the same options.
 configure_qt() {
     cd "$work/qt"
-    ./configure -opensource -confirm-license -release -shared -xplatform win32-clang-g++ \
+    rm -f config.cache config.log config.summary
+    printf '[EffectivePaths]\nPrefix=..\n[Paths]\nTargetSpec=dummy\nHostSpec=linux-g++\n' >bin/qt.conf
+    export MAKE=make
+    "$host_tools/qmake" -qtconf "$work/qt/bin/qt.conf" "$work/qt" -- -opensource -confirm-license \
+        -release -shared -xplatform win32-clang-g++ -external-hostbindir "$host_tools" \
         -device-option CROSS_COMPILE="$triple-" -prefix "$prefix" \
         -nomake examples -nomake tests -nomake tools \
         -no-gui -no-widgets -no-dbus -no-opengl -no-openssl -no-schannel -no-icu \
         -no-feature-sql -no-feature-testlib -no-feature-xml -no-feature-concurrent \
-        -qt-zlib -qt-pcre -qt-doubleconversion -no-pch -no-glib
+        -qt-zlib -qt-pcre -qt-doubleconversion -pch -no-glib QMAKE_LFLAGS+=-Wl,--gc-sections
 }
-generate() { cd "$work/qt" && make qmake_all; }
-compile() { cd "$work/qt/src" && make -j"$jobs" "$1"; }
+generate() { cd "$work/qt" && make -j"$jobs" qmake_all; }
+
+# compile FOLDER...: in this order. The targets of src/Makefile would build the host tools too.
+compile() {
+    local folder
+    for folder in "$@"; do make -C "$work/qt/src/$folder" -j"$jobs"; done
+}
 
 install_qt() {
-    cd "$work/qt/src"
-    make sub-corelib-install_subtargets sub-network-install_subtargets
-    cd .. && make install_mkspecs
-    cp bin/qmake bin/moc bin/rcc "$prefix/bin/"
+    cd "$work/qt"
+    make -C src/corelib install
+    make -C src/network install
+    make install_mkspecs
+    cp "$host_tools/qmake" "$host_tools/moc" "$host_tools/rcc" "$prefix/bin/"
     mkdir -p "$prefix/licences"
     cp LICENSE* "$prefix/licences/"
     basename "$(source_file 'qtbase-opensource-src_*.dsc')" .dsc >"$prefix/licences/source"
@@ -38,14 +53,13 @@ install_qt() {
 }
 
 say "Building Qt in $prefix"
-steps_total=8
+steps_total=7
 step "Qt sources" "10 s" fetch
-step "Unpack Qt sources" "20 s" unpack
-step "Configure Qt (compiles qmake)" "1 min 30 s" configure_qt
-step "Qt makefiles" "10 s" generate
-step "Qt Core" "3 min" compile sub-corelib
-step "Qt Network" "40 s" compile sub-network
-step "Qt resource compiler" "10 s" compile sub-rcc
+step "Unpack Qt sources" "15 s" unpack
+step "Configure Qt" "40 s" configure_qt
+step "Qt makefiles" "5 s" generate
+step "Qt Core" "2 min" compile 3rdparty/pcre2 corelib
+step "Qt Network" "30 s" compile network
 step "Install Qt" "10 s" install_qt
-rm -rf "$work"
+rm -rf "$work" "$checkpoints"
 mark_complete "$prefix"

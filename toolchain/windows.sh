@@ -8,8 +8,13 @@ set -euo pipefail
 
 cached_build "$(toolchain_dir)" "the Windows toolchain"
 work="$prefix/build"
-resources="$prefix/lib/clang/16"
+resources="$prefix/lib/clang/$llvm_version"
 mkdir -p "$work" "$prefix/bin"
+
+# What the library, Qt and the tests link. mingw-w64 has some 800 more, which take a minute to make.
+import_libraries="advapi32 bcrypt comctl32 crypt32 dbghelp dnsapi gdi32 iphlpapi kernel32 mpr netapi32
+    ntdll ole32 oleaut32 psapi rpcrt4 secur32 shell32 shlwapi user32 userenv uuid version winmm winspool
+    ws2_32"
 
 # The runtimes become part of every program: without debug data, and without this machine's folders
 # in the texts of their assertions.
@@ -32,21 +37,29 @@ compiler_wrappers() {
         ln -sf "$llvm/llvm-$tool" "$prefix/bin/$triple-$tool"
     done
     mkdir -p "$resources"
+    rm -rf "$resources/include"
     cp -r "$("$llvm/clang" -print-resource-dir)/include" "$resources/include"
 }
 
 fetch() {
-    fetch_source mingw-w64
-    fetch_source llvm-toolchain-16
+    fetch_source mingw-w64 "llvm-toolchain-$llvm_version"
 }
 
-unpack() {
-    dpkg-source --no-check -x "$(source_file 'mingw-w64_*.dsc')" "$work/mingw-w64"
+unpack_llvm() {
+    rm -rf "$work/llvm"
     mkdir "$work/llvm"
-    tar -xf "$(source_file 'llvm-toolchain-16_*.orig.tar.xz')" -C "$work/llvm" \
+    tar -xf "$(source_file "llvm-toolchain-${llvm_version}_*.orig.tar.xz")" -C "$work/llvm" \
         --strip-components=1 --wildcards --no-wildcards-match-slash \
         '*/cmake' '*/compiler-rt' '*/libcxx' '*/libcxxabi' '*/libunwind' '*/runtimes' \
         '*/llvm/cmake'
+}
+
+unpack() {
+    local mingw
+    unpack_source "$(source_file 'mingw-w64_*.dsc')" "$work/mingw-w64" &
+    mingw=$!
+    unpack_llvm
+    wait "$mingw"
 }
 
 windows_headers() {
@@ -58,15 +71,19 @@ windows_headers() {
 }
 
 c_runtime() {
-    mkdir -p "$work/crt"
+    local library wanted=()
+    mkdir -p "$work/crt/lib64" "$prefix/$triple/lib"
     cd "$work/crt"
     export PATH="$prefix/bin:$PATH"
-    "$work/mingw-w64/mingw-w64-crt/configure" --host="$triple" --prefix="$prefix/$triple" \
-        --disable-lib32 --enable-lib64 --with-default-msvcrt=ucrt \
+    [ -f Makefile ] || "$work/mingw-w64/mingw-w64-crt/configure" --host="$triple" \
+        --prefix="$prefix/$triple" --disable-lib32 --enable-lib64 --with-default-msvcrt=ucrt \
         CC="$triple-clang" CFLAGS="-O2 $neutral" \
         AR="$llvm/llvm-ar" RANLIB="$llvm/llvm-ranlib" DLLTOOL="$llvm/llvm-dlltool"
-    make -j"$jobs"
-    make install
+    for library in crt2.o crtbegin.o crtend.o dllcrt2.o libm.a libmingw32.a libmingwex.a \
+        libmingwthrd.a libmoldname.a libmsvcrt.a libucrt.a; do wanted+=("lib64/$library"); done
+    for library in $import_libraries; do wanted+=("lib64/lib$library.a"); done
+    make -j"$jobs" "${wanted[@]}"
+    cp "${wanted[@]}" "$prefix/$triple/lib/"
 }
 
 cross_cmake() {
@@ -89,10 +106,15 @@ builtins() {
     cmake --build "$work/builtins" --target install
 }
 
+# HAS_THREAD_LOCAL: exceptions keep their state in the compiler's thread-local storage. Otherwise
+# libc++abi would register a fibre-local callback at the first exception, which Windows calls at the end
+# of each thread, also after the DLL with its code has been unloaded. Each function has a section of its
+# own, so that the linker drops those that nothing calls: one of them imports FlsAlloc.
 cxx_runtimes() {
     cross_cmake -S "$work/llvm/runtimes" -B "$work/runtimes" \
         -DCMAKE_INSTALL_PREFIX="$prefix/$triple" \
         -DLLVM_ENABLE_RUNTIMES="libunwind;libcxxabi;libcxx" \
+        -DCMAKE_CXX_FLAGS="$neutral -DHAS_THREAD_LOCAL -ffunction-sections" \
         -DLIBUNWIND_USE_COMPILER_RT=ON -DLIBUNWIND_ENABLE_SHARED=OFF \
         -DLIBUNWIND_ENABLE_STATIC=ON \
         -DLIBCXXABI_USE_COMPILER_RT=ON -DLIBCXXABI_USE_LLVM_UNWINDER=ON \
@@ -131,5 +153,5 @@ step "Import libraries of the C runtime" "1 min" c_runtime
 step "Compiler support library" "10 s" builtins
 step "Runtime libraries for C++" "40 s" cxx_runtimes
 step "Toolchain probe" "2 s" probe
-rm -rf "$work"
+rm -rf "$work" "$checkpoints"
 mark_complete "$prefix"
