@@ -36,7 +36,7 @@ measure_native() {
     steps_done=0
     step "Build the native measurements" "1 min, later seconds" build_native
     say "Measuring natively (a whole run takes about a minute)"
-    native "$tree/build/native/bin/bench" "$@" >"$results/native.jsonl"
+    native "$tree/build/native/tests/bench" "$@" >"$results/native.jsonl"
 }
 
 count() {
@@ -44,12 +44,12 @@ count() {
     step "Build the native measurements" "1 min, later seconds" build_native
     bash "$tree/toolchain/packages.sh" valgrind
     say "Counting instructions (about 4 minutes)"
-    native python3 "$tree/bench/count.py" "$tree/build/native/bin/bench" >"$results/counts.jsonl"
+    native python3 "$tree/bench/count.py" "$tree/build/native/tests/bench" >"$results/counts.jsonl"
 }
 
 measure() {
     say "Measuring (a whole run takes about 2 minutes)"
-    "$tree/toolchain/wine.sh" "$tree/build/windows/bin/bench.exe" "$@" >"$results/raw.jsonl"
+    "$tree/toolchain/wine.sh" "$tree/build/windows/tests/bench.exe" "$@" >"$results/raw.jsonl"
 }
 
 steps_total=1

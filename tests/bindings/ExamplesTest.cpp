@@ -31,12 +31,6 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : value;
 }
 
-// The path of the stand-in, which is beside the folder of the programs.
-std::string player() {
-    const std::string bin = builtProgram("");
-    return bin.substr(0, bin.find_last_of("/\\", bin.size() - 2)) + "/standins/QX-Player.exe";
-}
-
 class ExamplesTest : public ::testing::Test {
  protected:
     ExamplesTest() {
@@ -58,7 +52,7 @@ class ExamplesTest : public ::testing::Test {
         ChildOptions options;
         options.environment = {{"QX_STANDIN_CLIENTS", "Helper"},
                                {"QX_STANDIN_OUTPUT", data / "standin.txt"}};
-        EXPECT_EQ(runChild(player(), arguments, options).status, 0u);
+        EXPECT_EQ(runChild(standinProgram("QX-Player.exe"), arguments, options).status, 0u);
     }
 
     // What an example prints that waits for two events, which come as soon as it listens.

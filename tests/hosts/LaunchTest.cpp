@@ -91,14 +91,13 @@ TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
 
 // Into the product's stand-ins, which end after a second without a request.
 TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
-    const std::string bin = builtProgram("");
     const std::string player = "Nougat64_" + std::to_string(ownProcessId());
     ChildOptions options;
     options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                            {"QX_STANDIN_SECONDS", "1"},
                            {"QX_STANDIN_CLIENTS", "none"}};
     const ChildResult result =
-        play({"registry",  "InstallDir", bin.substr(0, bin.size() - 4) + "standins\\",
+        play({"registry",  "InstallDir", standinProgram(""),
               "init",      "Helper",     "launchapp",
               player,      "p",          "appstore",
               player,      "s",          "p",

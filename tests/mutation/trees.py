@@ -85,7 +85,7 @@ class Tree:
 
     def run(self, name, limit):
         with tempfile.TemporaryDirectory(prefix="mutant.", ignore_cleanup_errors=True) as folder:
-            command = [*LIMITS, str(self.build / "bin" / name), "--gtest_brief=1",
+            command = [*LIMITS, str(self.build / "tests" / name), "--gtest_brief=1",
                        "--gtest_fail_fast", "--gtest_filter=-" + ":".join(cores.NOT_ASKED)]
             started = time.monotonic()
             output, code = run_group(command, limit, {**os.environ, "TMPDIR": folder})

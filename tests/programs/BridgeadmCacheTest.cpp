@@ -192,7 +192,7 @@ TEST_F(BridgeadmCacheTest, CopiesACacheWithItsIcons) {
 TEST_F(BridgeadmCacheTest, ACopiedCacheIsThereForOtherPrograms) {
     sync(kList);
     output({"copy-cache", "Nougat64", "Nougat32"});
-    const ChildResult result = runChild(builtProgram("bridgectl.exe"), {"apps", "Nougat32"});
+    const ChildResult result = runChild(productFile("bridgectl.exe"), {"apps", "Nougat32"});
     EXPECT_EQ(result.status, 0u) << result.err;
     EXPECT_EQ(result.out,
               "NAME        PACKAGE  ACTIVITY  VERSION  ICON\n"

@@ -32,7 +32,7 @@ class BridgeadmTest : public ::testing::Test {
     std::string file() const { return data.read("vantrel.conf"); }
 
     static ChildResult run(const Arguments& arguments) {
-        return runChild(builtProgram("bridgeadm.exe"), arguments);
+        return runChild(productFile("bridgeadm.exe"), arguments);
     }
 
     // Runs a command that succeeds and says nothing on standard error.

@@ -32,7 +32,7 @@ TEST_F(BridgeadmTest, CopiesAnInstanceIntoTheFile) {
 
 TEST_F(BridgeadmTest, ACopyIsThereForOtherPrograms) {
     output({"copy-instance", "Nougat64", "Nougat64_日本"});
-    const ChildResult result = runChild(builtProgram("bridgectl.exe"),
+    const ChildResult result = runChild(productFile("bridgectl.exe"),
                                         {"conf", "get", "vtr.instance.Nougat64_日本.display_name"});
     EXPECT_EQ(result.status, 0u) << result.err;
     EXPECT_EQ(result.out, "Jeux 日本\n");
@@ -193,7 +193,7 @@ TEST_F(BridgeadmTest, LogsUnderItsNameIntoTheProductsLogOrTheGivenFile) {
 
 TEST_F(BridgeadmTest, TrimsTheProcessesOfTheInstallFolder) {
     // The program itself runs from there.
-    const std::string program = builtProgram("bridgeadm.exe");
+    const std::string program = productFile("bridgeadm.exe");
     registry.set("InstallDir",
                  program.substr(0, program.size() - std::string("bridgeadm.exe").size()));
     EXPECT_EQ(output({"trim"}), "trimmed the product's processes\n");

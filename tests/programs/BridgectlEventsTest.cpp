@@ -64,8 +64,7 @@ Texts eventsOf(const std::string& output) {
 class BridgectlEventsTest : public ::testing::Test {
  protected:
     BridgectlEventsTest() {
-        const std::string bin = builtProgram("");
-        standins = bin.substr(0, bin.size() - 4) + "standins\\";
+        standins = standinProgram("");
         data.makeFolder("Logs");
         data.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
         registry.set("UserDefinedDir", data.path());
@@ -82,7 +81,7 @@ class BridgectlEventsTest : public ::testing::Test {
 
     // Starts to listen; from here on no event is missed.
     static ChildProcess listen(const Texts& more) {
-        ChildProcess program(builtProgram("bridgectl.exe"), arguments(more));
+        ChildProcess program(productFile("bridgectl.exe"), arguments(more));
         EXPECT_EQ(program.readErrorLine(), kListening);
         return program;
     }
@@ -101,7 +100,7 @@ class BridgectlEventsTest : public ::testing::Test {
 
     // Starts a program of the product through the library, as a front end does.
     void start(const Texts& command) const {
-        EXPECT_EQ(runChild(builtProgram("bridgectl.exe"), command, environment).status, 0u);
+        EXPECT_EQ(runChild(productFile("bridgectl.exe"), command, environment).status, 0u);
     }
 
     // Ends the programs that start() has left running, and waits for it.
@@ -331,13 +330,13 @@ TEST_F(BridgectlEventsTest, MisuseIsExplained) {
         {{"app-displayed"}, "app-displayed"},
     };
     for (const auto& [options, part] : cases) {
-        const ChildResult result = runChild(builtProgram("bridgectl.exe"), arguments(options));
+        const ChildResult result = runChild(productFile("bridgectl.exe"), arguments(options));
         EXPECT_EQ(result.status, 2u) << part;
         EXPECT_EQ(result.out, "");
         EXPECT_NE(result.err.find(part), std::string::npos) << result.err;
     }
     const ChildResult result =
-        runChild(builtProgram("bridgectl.exe"), arguments({"--filter", "app-shown"}));
+        runChild(productFile("bridgectl.exe"), arguments({"--filter", "app-shown"}));
     for (const char* name :
          {"app-installed", "app-uninstalled", "apk-install-completed", "instance-list-updated",
           "image-install-progress", "create-instance-completed", "instance-configuration-changed",
@@ -349,13 +348,13 @@ TEST_F(BridgectlEventsTest, MisuseIsExplained) {
 TEST_F(BridgectlEventsTest, ANameInUseIsAnError) {
     const std::string error = "bridgectl: another front end serves " + kServer + ": see --client\n";
     ChildProcess listener = listen({"--count", "1"});
-    ChildResult second = runChild(builtProgram("bridgectl.exe"), arguments({}));
+    ChildResult second = runChild(productFile("bridgectl.exe"), arguments({}));
     EXPECT_EQ(second.status, 10u);
     EXPECT_EQ(second.err, error);
     send({"app-displayed", "N", "p"});
     EXPECT_EQ(listener.finish().status, 0u) << "the first one goes on";
     const RawServer other(kServer, [](RawPipe&) {});
-    EXPECT_EQ(runChild(builtProgram("bridgectl.exe"), arguments({})).err, error);
+    EXPECT_EQ(runChild(productFile("bridgectl.exe"), arguments({})).err, error);
 }
 
 TEST_F(BridgectlEventsTest, ThePreviousListenerLeavesTheNameFree) {
@@ -374,7 +373,7 @@ constexpr int kNoConsole = 97;
 SCENE(pressesCtrlC) {
     ::FreeConsole();
     if (!::AllocConsole()) return kNoConsole;
-    ChildProcess listener(builtProgram("bridgectl.exe"),
+    ChildProcess listener(productFile("bridgectl.exe"),
                           {"--client", "LogCollector", "events", "--json"});
     if (listener.readErrorLine() != kListening) return 96;
     const Texts event{"--event", "app-displayed", "N", "p"};
@@ -410,13 +409,13 @@ TEST_F(BridgectlEventsTest, AnOutputWithoutAReaderEndsIt) {
 
 TEST_F(BridgectlEventsTest, AnUnknownClientIsRefusedByTheLibrary) {
     const ChildResult result =
-        runChild(builtProgram("bridgectl.exe"), {"--client", "Other", "events"});
+        runChild(productFile("bridgectl.exe"), {"--client", "Other", "events"});
     EXPECT_EQ(result.status, 5u);
     EXPECT_EQ(result.err, "bridgectl: the library did not start: 22 XERR_INVAL\n");
 }
 
 TEST_F(BridgectlEventsTest, HelpExplainsTheEnds) {
-    const ChildResult result = runChild(builtProgram("bridgectl.exe"), {"--help"});
+    const ChildResult result = runChild(productFile("bridgectl.exe"), {"--help"});
     for (const char* part : {"  events ", "  9  the events that were counted did not come in time",
                              "  10  another front end receives the client's events",
                              "  11  standard output cannot be written"}) {

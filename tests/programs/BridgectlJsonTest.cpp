@@ -18,8 +18,7 @@ using Json = nlohmann::ordered_json;
 class BridgectlJsonTest : public ::testing::Test {
  protected:
     BridgectlJsonTest() {
-        const std::string bin = builtProgram("");
-        standins = bin.substr(0, bin.size() - 4) + "standins\\";
+        standins = standinProgram("");
         data.makeFolder("Logs");
         data.write("vantrel.conf",
                    "vtr.locale=\"fr-FR\"\nvtr.feature.rooting=\"maybe\"\n"
@@ -34,7 +33,7 @@ class BridgectlJsonTest : public ::testing::Test {
     }
 
     ChildResult run(const Arguments& arguments) const {
-        return runChild(builtProgram("bridgectl.exe"), arguments, options);
+        return runChild(productFile("bridgectl.exe"), arguments, options);
     }
 
     // What a command that succeeds prints, and it prints nothing else.
@@ -123,7 +122,7 @@ TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectALine) {
          {Arguments{"events", "--count", "1"}, Arguments{"wait-for", "app-displayed"}}) {
         Arguments line{"--client", "LogCollector", "--json"};
         line.insert(line.end(), command.begin(), command.end());
-        ChildProcess listener(builtProgram("bridgectl.exe"), line);
+        ChildProcess listener(productFile("bridgectl.exe"), line);
         ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
         const ChildResult sent =
             runChild(standins + "QX-Player.exe", {"--event", "app-displayed", "N", "p"}, options);
@@ -215,7 +214,7 @@ TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
 }
 
 TEST_F(BridgectlJsonTest, WaitForPassesOtherEventsOver) {
-    ChildProcess listener(builtProgram("bridgectl.exe"),
+    ChildProcess listener(productFile("bridgectl.exe"),
                           {"--client", "LogCollector", "wait-for", "app-uninstalled", "--json"});
     ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
     for (const char* event : {"app-displayed", "app-uninstalled"}) {

@@ -27,7 +27,7 @@ class BridgectlTest : public ::testing::Test {
     }
 
     static ChildResult run(const Arguments& arguments) {
-        return runChild(builtProgram("bridgectl.exe"), arguments);
+        return runChild(productFile("bridgectl.exe"), arguments);
     }
 
     // Runs a command that succeeds and says nothing on standard error.
@@ -322,15 +322,14 @@ namespace {
 class BridgectlProgramsTest : public BridgectlTest {
  protected:
     BridgectlProgramsTest() {
-        const std::string bin = builtProgram("");
-        registry.set("InstallDir", bin.substr(0, bin.size() - 4) + "standins\\");
+        registry.set("InstallDir", standinProgram(""));
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                                {"QX_STANDIN_SECONDS", "5"},
                                {"QX_STANDIN_CLIENTS", "none"}};
     }
 
     std::string output(const Arguments& arguments) const {
-        const ChildResult result = runChild(builtProgram("bridgectl.exe"), arguments, options);
+        const ChildResult result = runChild(productFile("bridgectl.exe"), arguments, options);
         EXPECT_EQ(result.status, 0u) << result.err;
         return result.out;
     }
@@ -348,8 +347,7 @@ class BridgectlProgramsTest : public BridgectlTest {
     }
 
     std::string program(const std::string& name) const {
-        std::string path = builtProgram("");
-        path = path.substr(0, path.size() - 4) + "standins\\" + name;
+        const std::string path = standinProgram(name);
         std::string quoted;
         for (const char c : path) quoted += c == '\\' ? std::string("\\\\") : std::string(1, c);
         return "commandLine: \"" + quoted + "\"";

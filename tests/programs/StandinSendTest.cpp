@@ -62,15 +62,10 @@ class StandinSendTest : public ::testing::Test {
         return result;
     }
 
-    static std::string program(const std::string& name) {
-        const std::string bin = builtProgram("");
-        return bin.substr(0, bin.size() - 4) + "standins\\" + name;
-    }
-
     // The exit status of a stand-in, which has ended then.
     static unsigned run(const Texts& arguments, const ChildOptions& with,
                         const std::string& name = "QX-Player.exe") {
-        return runChild(program(name), arguments, with).status;
+        return runChild(standinProgram(name), arguments, with).status;
     }
 
     // The player of an instance of the test's own.
@@ -153,7 +148,7 @@ TEST_F(StandinSendTest, MisuseSendsNothing) {
 }
 
 TEST_F(StandinSendTest, HelpListsTheEvents) {
-    const ChildResult result = runChild(program("QX-Player.exe"), {"--help"}, options("none"));
+    const ChildResult result = runChild(standinProgram("QX-Player.exe"), {"--help"}, options("none"));
     EXPECT_EQ(result.status, 0u);
     EXPECT_NE(result.out.find("\n    create-instance-completed status:i32 instance\n"),
               std::string::npos)
@@ -193,7 +188,7 @@ TEST_F(StandinSendTest, TheScriptsEventsOfACommandReplaceTheDefault) {
 
 TEST_F(StandinSendTest, ARequestMayHaveEvents) {
     FrontEnd frontEnd("Request");
-    ChildProcess child(program("QX-Player.exe"), player(),
+    ChildProcess child(standinProgram("QX-Player.exe"), player(),
                        options(frontEnd.client,
                                "on plrLaunchAppRpc event app-displayed N p\n"
                                "on plrShutdownRpc pause 60000\n"
@@ -271,7 +266,7 @@ TEST_F(StandinSendTest, ABusyFrontEndIsWaitedFor) {
     }
     ASSERT_NE(second, nullptr);
     ASSERT_EQ(connectRaw(frontEnd.server()), nullptr);
-    ChildProcess sender(program("QX-Player.exe"), {"--event", "instance-list-updated"},
+    ChildProcess sender(standinProgram("QX-Player.exe"), {"--event", "instance-list-updated"},
                         options(frontEnd.client));
     EXPECT_EQ(::WaitForSingleObject(sender.handle(), 300), static_cast<DWORD>(WAIT_TIMEOUT));
     RawPipe(first).close();

@@ -13,7 +13,7 @@ conf="$folder/vantrel.conf"
 
 command -v strace >/dev/null || die "strace is not installed: toolchain/packages.sh installs it"
 
-scene() { "$tree/toolchain/wine.sh" "$build/bin/proof_test.exe" --scene "$1" "Z:$conf"; }
+scene() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --scene "$1" "Z:$conf"; }
 
 # expect_whole WHERE STATUS: what a commit of that status leaves. One that says so is in the file, one
 # that says no is not, and one that was killed is or is not. Nothing but a temporary file is left, and
@@ -37,7 +37,7 @@ expect_whole() {
 commit_with() (
     strace -f -o "$folder/trace" -P "$conf" -P "$conf-temp" -e "trace=$2" \
         -e "inject=$2:$1:when=$3" \
-        "$tree/toolchain/wine.sh" "$build/bin/proof_test.exe" --scene commits "Z:$conf"
+        "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --scene commits "Z:$conf"
     exit $?  # so that this shell, whose words nobody reads, is the one that reports a kill
 ) >/dev/null 2>&1
 

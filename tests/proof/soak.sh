@@ -14,7 +14,7 @@ play() {
     shift
     printf '== %s: %s\n' "$test" "$*"
     for pattern in "$@"; do
-        names=$("$tree/toolchain/wine.sh" "$build/bin/$test.exe" --gtest_list_tests \
+        names=$("$tree/toolchain/wine.sh" "$build/tests/$test.exe" --gtest_list_tests \
             --gtest_filter="$pattern")
         grep -q '^  ' <<<"$names" || {
             echo "no test of $test is named $pattern" >&2
@@ -22,7 +22,7 @@ play() {
         }
     done
     filter=$(IFS=: && echo "$*")
-    timeout -k 10 "${minutes}m" "$tree/toolchain/wine.sh" "$build/bin/$test.exe" \
+    timeout -k 10 "${minutes}m" "$tree/toolchain/wine.sh" "$build/tests/$test.exe" \
         --gtest_filter="$filter" | grep -E '^\[ |Failure|Which|actual'
 }
 

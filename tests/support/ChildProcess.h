@@ -61,4 +61,8 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 // Path of a program of the build tree, by name ("bridgectl.exe").
 std::string builtProgram(std::string_view name);
 
+// Paths of a file among the products, and of a stand-in: "QX-Player.exe". For Windows only.
+std::string productFile(std::string_view name);
+std::string standinProgram(std::string_view name);
+
 #endif

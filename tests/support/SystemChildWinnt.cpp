@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/Platform.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -143,12 +144,23 @@ std::uint32_t SystemChild::status() {
 
 void* SystemChild::handle() const { return handleOf(process_); }
 
-std::string builtProgram(std::string_view name) {
-    wchar_t self[MAX_PATH];
-    ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const std::wstring path(self);
-    const std::wstring folder = path.substr(0, path.rfind(L'\\') + 1);
-    std::string narrow;
-    for (const wchar_t c : folder) narrow += static_cast<char>(c);  // the build tree is ASCII
-    return narrow.append(name);
+namespace {
+
+// Folder of this test program, with "\\" at the end.
+std::string ownFolder() {
+    const std::string program = ownProgram();
+    return program.substr(0, program.rfind('\\') + 1);
 }
+
+std::string besideTests(std::string_view folder, std::string_view name) {
+    const std::string tests = ownFolder();
+    return tests.substr(0, tests.rfind('\\', tests.size() - 2) + 1).append(folder).append(name);
+}
+
+}  // namespace
+
+std::string builtProgram(std::string_view name) { return ownFolder().append(name); }
+
+std::string productFile(std::string_view name) { return besideTests("bin\\", name); }
+
+std::string standinProgram(std::string_view name) { return besideTests("standins\\", name); }
