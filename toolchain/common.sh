@@ -5,12 +5,13 @@ tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${QX_BRIDGE_CACHE:-${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/qx-bridge}
 jobs=$(nproc)
 triple=x86_64-w64-mingw32
-llvm=/usr/lib/llvm-16/bin
 
 die() {
     printf '%s\n' "error: $*" >&2
     exit 1
 }
+
+. "$tree/toolchain/release.sh"
 
 say() { printf '%s\n' "$*"; }
 
@@ -26,21 +27,22 @@ digest() { cat "$@" | sha256sum | cut -c1-12; }
 
 # A finished build carries its stamp; a folder without one was interrupted.
 toolchain_dir() {
-    printf '%s' "$cache/toolchain-$(digest "$tree/toolchain/windows.sh")"
+    printf '%s' "$cache/toolchain-$llvm_version-$(digest "$tree/toolchain/windows.sh")"
 }
 qt_dir() {
-    printf '%s' "$cache/qt-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/qt.sh")"
+    printf '%s' "$cache/qt-$llvm_version-$(digest "$tree/toolchain/windows.sh" "$tree/toolchain/qt.sh")"
 }
 is_complete() { [ -f "$1/.complete" ]; }
 mark_complete() { touch "$1/.complete"; }
 
-# begin_build DIR NAME: an empty DIR to build in. What an interrupted build left is thrown away.
+# begin_build DIR NAME: DIR to build in. Steps that an interrupted build had finished are not repeated.
 begin_build() {
     if [ -d "$1" ]; then
-        say "An earlier build of $2 was interrupted: starting it again."
-        rm -rf "$1"
+        say "An earlier build of $2 was interrupted: continuing it."
     fi
     mkdir -p "$1"
+    checkpoints="$1/.steps"
+    mkdir -p "$checkpoints"
 }
 
 # cached_build DIR NAME [--dir]: what a script that fills DIR begins with. It ends here when DIR is
@@ -55,31 +57,83 @@ cached_build() {
     begin_build "$prefix" "$2"
 }
 
-# step LABEL USUAL COMMAND...: runs COMMAND with its output in a log, and shows that it is alive.
-# The caller sets steps_total; USUAL is the time that the step took on two cores.
+# unpack_source DSC FOLDER: unpacks a Debian source package with Debian's patches.
+unpack_source() {
+    rm -rf "$2"
+    dpkg-source --no-check -x "$1" "$2"
+}
+
+# free_space: of the cache and the tree, "/: 12 MB free".
+free_space() {
+    df -m --output=target,avail "$cache" "$tree" |
+        awk 'NR > 1 && !seen[$1]++ { printf "%s%s: %s MB free", comma, $1, $2; comma = ", " }'
+}
+
+# reason_for LOG: the cause of a failure that the log shows, for the causes that a user can remove. The
+# log may be on the disk that is full.
+reason_for() {
+    if grep -q 'No space left on device\|You don.t have enough free space' "$1" ||
+        free_space | grep -q ': 0 MB'; then
+        printf 'the disk is full (%s)' "$(free_space)"
+    elif grep -q 'Could not get lock\|Unable to acquire the dpkg' "$1"; then
+        printf 'another program is installing packages; try again when it has finished'
+    elif grep -q 'Temporary failure resolving\|Could not resolve\|Could not connect\|Unable to connect\|Connection failed\|Network is unreachable' "$1"; then
+        printf 'the package archive cannot be reached; check the network and /etc/apt'
+    elif grep -q 'Read-only file system' "$1"; then
+        printf 'the file system of %s or %s is read-only' "$cache" "$tree"
+    fi
+}
+
+# progress LOG: how far ninja is, "[12/345]", if the log has it.
+progress() { tail -c 400 "$1" | grep -o '^\[[0-9]*/[0-9]*\]' | tail -n 1; }
+
+# show_progress LOG SECONDS: on a terminal a line that stays, else a line every 20 seconds.
+show_progress() {
+    local done_part=''
+    done_part=$(progress "$1") || true
+    if [ -n "$done_part" ]; then
+        done_part=$(printf '%s' "$done_part" | awk -F'[][/]' '{ printf ", %d %% (%d of %d)", 100 * $2 / $3, $2, $3 }')
+    fi
+    if [ -t 1 ]; then
+        printf '\r\033[K        %d s%s' "$2" "$done_part"
+    elif [ $(($2 - shown)) -ge 20 ]; then
+        shown=$2
+        printf '        %d s%s\n' "$2" "$done_part"
+    fi
+}
+
+# step LABEL USUAL COMMAND...: runs COMMAND with its output in a log, and shows how far it is. USUAL is
+# the time that the step took on two cores. The caller sets steps_total. A step that an earlier,
+# interrupted run of the same build had finished is skipped.
 steps_done=0
 steps_total=0
+checkpoints=''
 step() {
-    local label=$1 usual=$2 log pid started=$SECONDS shown=0 elapsed
+    local label=$1 usual=$2 name log pid started=$SECONDS shown=0 reason
     shift 2
     steps_done=$((steps_done + 1))
+    name=$(printf '%s' "$label" | tr -cs 'A-Za-z0-9' '-')
+    if [ -n "$checkpoints" ] && [ -f "$checkpoints/$name" ]; then
+        printf '[%d/%d] %s: done before\n' "$steps_done" "$steps_total" "$label"
+        return
+    fi
     mkdir -p "$cache/logs"
-    log="$cache/logs/$(printf '%s' "$label" | tr -cs 'A-Za-z0-9' '-').log"
+    log="$cache/logs/$name.log"
     printf '[%d/%d] %s (usually %s)\n' "$steps_done" "$steps_total" "$label" "$usual"
     (set -e; "$@") >"$log" 2>&1 </dev/null &
     pid=$!
     while kill -0 "$pid" 2>/dev/null; do
         sleep 0.2
-        elapsed=$((SECONDS - started))
-        if [ $((elapsed - shown)) -ge 20 ]; then
-            shown=$elapsed
-            printf '        %d s so far, %d lines of output\n' "$elapsed" "$(wc -l <"$log")"
-        fi
+        show_progress "$log" $((SECONDS - started))
     done
+    if [ -t 1 ]; then printf '\r\033[K'; fi
     if ! wait "$pid"; then
+        reason=$(reason_for "$log")
+        [ -z "$reason" ] || die "$label: $reason (log: $log)"
         printf '        failed after %d s; its last lines:\n' $((SECONDS - started)) >&2
         tail -n 25 "$log" | sed 's/^/        | /' >&2
         die "step \"$label\" failed; the whole log: $log"
     fi
+    if [ -n "$checkpoints" ]; then touch "$checkpoints/$name"; fi
     printf '        done in %d s\n' $((SECONDS - started))
 }

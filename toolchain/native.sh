@@ -9,6 +9,7 @@
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
+export CC="$llvm/clang" CXX="$llvm/clang++"
 export UBSAN_OPTIONS=print_stacktrace=1
 export ASAN_OPTIONS=detect_stack_use_after_return=1:check_initialization_order=1
 export TSAN_OPTIONS=suppressions=$tree/tests/sanitizers/tsan.supp
@@ -59,7 +60,7 @@ one_fuzzer() {
     shift 2
     mapfile -t options < <(sanitizers_for "$name")
     mkdir -p "$found" "$broken"
-    if ! env "${options[@]}" "$tree/build/asan/bin/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
+    if ! env "${options[@]}" "$tree/build/asan/tests/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
         -timeout=20 "$@" "$found" "$tree/fuzz/corpus/$name" >"$log" 2>&1; then
         tail -n 40 "$log"
         die "the fuzzer $name found something; its whole log: $log"

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Says which folders of tests/ belong to what has changed since the last commit, one per line.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+# tests_of FILE: the folder with its tests.
+tests_of() {
+    case $1 in
+    Source/plr/* | Source/mim/*) echo ipc ;;
+    Source/*/*) echo "$1" | cut -d/ -f2 ;;
+    tests/support/*) echo xpl ;;
+    tests/*/*) echo "$1" | cut -d/ -f2 ;;
+    programs/*) echo programs ;;
+    bindings/* | examples/*) echo bindings ;;
+    include/*) printf '%s\n' gates bindings ;;
+    *) echo gates ;;
+    esac
+}
+
+{
+    git diff --name-only HEAD
+    git ls-files --others --exclude-standard
+} | while IFS= read -r file; do tests_of "$file"; done | sort -u
