@@ -12,7 +12,10 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::XFILE, "Source/xpl/Xfile"};
 
-constexpr int kReplaceRetries = 10;
+constexpr int kHeldRetries = 10;
+
+constexpr std::int64_t kLargestWhole = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kFileTooLarge = 223;  // a Windows error
 
 // One call moves at most what 32 bits can tell.
 std::uint32_t pieceOf(std::size_t length) {
@@ -25,6 +28,28 @@ XErr moveFile(const std::string& source, const std::string& destination, int ret
         XLOG_W(kLog, "Error in flushing file %s to disk. Error = %d", source.c_str(), err);
     }
     return xfileSystemReplace(source, destination, retries);
+}
+
+// Reads an open file. The Windows error, or 0.
+std::int32_t readWhole(Xfile& file, std::string& content) {
+    std::int64_t size = 0;
+    if (xfileSize(file, size) != XERR_SUCCESS) return file.windowsError();
+    if (size > kLargestWhole) return kFileTooLarge;
+    content.resize(static_cast<std::size_t>(size));
+    std::size_t done = 0;
+    const XErr err = xfileReadAll(file, content.data(), content.size(), done);
+    content.resize(done);
+    // A file that became shorter meanwhile was read to its end.
+    return err == XERR_SUCCESS || err == XERR_NODATA ? 0 : file.windowsError();
+}
+
+XfileReadErrors openAndRead(const std::string& path, std::string& content) {
+    content.clear();
+    Xfile file;
+    if (xfileOpen(file, path, XfileMode::Read, XfileSharing::Private) != XERR_SUCCESS) {
+        return {file.windowsError(), 0};
+    }
+    return {0, readWhole(file, content)};
 }
 
 }  // namespace
@@ -81,5 +106,13 @@ XErr xfileMove(const std::string& source, const std::string& destination) {
 }
 
 XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
-    return moveFile(source, destination, kReplaceRetries);
+    return moveFile(source, destination, kHeldRetries);
+}
+
+XfileReadErrors xfileReadPatiently(const std::string& path, std::string& content) {
+    for (int attempt = 0;; ++attempt) {
+        const XfileReadErrors errors = openAndRead(path, content);
+        const std::int32_t error = errors.open != 0 ? errors.open : errors.bytes;
+        if (attempt == kHeldRetries || !xfileSystemWaitForHolder(error)) return errors;
+    }
 }

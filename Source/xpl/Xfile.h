@@ -41,8 +41,14 @@ class Xfile {
     void* handle() const { return handle_; }
     void adopt(void* handle);
 
+    // What Windows said when one of the functions below just failed on this object: a status can
+    // stand for several Windows errors.
+    std::int32_t windowsError() const { return windowsError_; }
+    void setWindowsError(std::int32_t windowsError) { windowsError_ = windowsError; }
+
  private:
     void* handle_ = nullptr;
+    std::int32_t windowsError_ = 0;
 };
 
 // Paths are UTF-8. Every operation answers the translated Windows error and logs nothing, except
@@ -65,6 +71,17 @@ class Xfile {
 [[nodiscard]] XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length,
                                  std::size_t& done);
 
+// The Windows errors that kept a file from being opened and its bytes from being read; 0 for none.
+struct XfileReadErrors {
+    std::int32_t open = 0;
+    std::int32_t bytes = 0;
+};
+
+// Reads a whole file of less than 2 GiB through a private handle. One that another process may be
+// holding for a moment (Windows errors 5, 32 and 33, of the open or of the bytes) is tried up to 10
+// times more within half a second. `content` is what the last attempt read.
+[[nodiscard]] XfileReadErrors xfileReadPatiently(const std::string& path, std::string& content);
+
 // Closes the file; does nothing when it is closed. Closing has no status.
 void xfileClose(Xfile& file);
 
@@ -75,18 +92,30 @@ void xfileClose(Xfile& file);
 // 0 when something, a file or a folder, has that path.
 [[nodiscard]] XErr xfileExists(const std::string& path);
 [[nodiscard]] XErr xfileSizeOfPath(const std::string& path, std::int64_t& size);
+
+struct XfileAttributes {
+    bool isFolder = false;
+    bool isReadOnly = false;
+};
+
+// What the system says of a file or a folder, however the path to it is spelled.
+[[nodiscard]] XErr xfileAttributes(const std::string& path, XfileAttributes& attributes);
+
 [[nodiscard]] XErr xfileDelete(const std::string& path);
 [[nodiscard]] XErr xfileRemoveFolder(const std::string& path);
 
 // Creates one folder, whose parent must exist; a folder that exists already is a success.
 [[nodiscard]] XErr xfileCreateFolder(const std::string& path);
 
+// The same, but something that exists already is 98 (XERR_ADDRINUSE).
+[[nodiscard]] XErr xfileCreateNewFolder(const std::string& path);
+
 // Creates every missing folder along a path, "/" and "\" both separating; works beyond 260
 // characters. The root of a drive and the share of a UNC path are never created.
 [[nodiscard]] XErr xfileMakeFolders(const std::string& path);
 
-// Writes a file's data to the disk, through a private handle. The file must exist; its missing folder is made all the same,
-// as by every open that may write.
+// Writes a file's data to the disk, through a private handle. The file must exist; its missing
+// folder is made all the same, as by every open that may write.
 [[nodiscard]] XErr xfileFlush(const std::string& path);
 
 // Flushes `source` and moves it onto `destination`, replacing what is there. A failed flush is

@@ -14,6 +14,7 @@
 namespace {
 
 constexpr std::int32_t kNegativeSeek = 131;
+constexpr std::int32_t kNoUnicodeTranslation = 1113;
 
 int openFlags(XfileMode mode) {
     switch (mode) {
@@ -53,6 +54,45 @@ XErr translated(int error) {
     }
 }
 
+// The Windows error that such a failure has there.
+std::int32_t windowsErrorOf(int error) {
+    switch (error) {
+        case ENOENT:
+            return 2;
+        case ENOTDIR:
+            return 3;
+        case EMFILE:
+        case ENFILE:
+            return 4;
+        case EACCES:
+        case EPERM:
+        case EISDIR:
+            return 5;
+        case EBADF:
+            return 6;
+        case ENOMEM:
+            return 8;
+        case EROFS:
+            return 19;
+        case EINVAL:
+            return 87;
+        case ENOSPC:
+            return 112;
+        case ENAMETOOLONG:
+            return 206;
+        case EIO:
+            return 1117;
+        default:
+            return 31;  // a device does not function
+    }
+}
+
+// Status of a call on a file that failed.
+XErr failed(Xfile& file, int error) {
+    file.setWindowsError(windowsErrorOf(error));
+    return translated(error);
+}
+
 XErr statusOf(int result) { return result == 0 ? XErr{XERR_SUCCESS} : translated(errno); }
 
 // Calls `call(systemPath)`, which answers 0 or sets errno.
@@ -64,11 +104,18 @@ XErr withPath(const std::string& path, Call call) {
 }
 
 // What a read or a write answered. A descriptor that is open for the other of the two is no access.
-XErr transferred(const Xfile& file, ssize_t moved, std::uint32_t& done) {
+XErr transferred(Xfile& file, ssize_t moved, std::uint32_t& done) {
     const int error = errno;
     done = moved < 0 ? 0 : static_cast<std::uint32_t>(moved);
     if (moved >= 0) return XERR_SUCCESS;
-    return error == EBADF && file.isOpen() ? XErr{XERR_ACCES} : translated(error);
+    return failed(file, error == EBADF && file.isOpen() ? EACCES : error);
+}
+
+// What an open that failed answers to withPath.
+int refused(Xfile& file, int error) {
+    file.setWindowsError(windowsErrorOf(error));
+    errno = error;
+    return -1;
 }
 
 bool isFolder(const char* path) {
@@ -114,13 +161,13 @@ void Xfile::adopt(void* handle) {
 
 XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     const int flags = openFlags(mode) | (sharing == XfileSharing::Private ? O_CLOEXEC : 0);
+    file.setWindowsError(kNoUnicodeTranslation);  // what is left when the path cannot be converted
     return withPath(path, [&file, flags](const char* system) {
         const int descriptor = ::open(system, flags, 0666);
-        if (descriptor < 0) return -1;
+        if (descriptor < 0) return refused(file, errno);
         if (isFolder(system)) {  // which can be opened for reading here
             ::close(descriptor);
-            errno = EISDIR;
-            return -1;
+            return refused(file, EISDIR);
         }
         file.adopt(handleOf(descriptor));
         return 0;
@@ -137,7 +184,7 @@ XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint
 
 XErr xfileSize(Xfile& file, std::int64_t& size) {
     struct stat data {};
-    if (::fstat(descriptorOf(file), &data) != 0) return translated(errno);
+    if (::fstat(descriptorOf(file), &data) != 0) return failed(file, errno);
     size = data.st_size;
     return XERR_SUCCESS;
 }
@@ -146,7 +193,11 @@ XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from, std::int6
     constexpr int kFrom[] = {SEEK_SET, SEEK_CUR, SEEK_END};
     const off_t reached =
         ::lseek(descriptorOf(file), distance, kFrom[static_cast<std::uint32_t>(from)]);
-    if (reached < 0) return errno == EINVAL ? xerrFromWindows(kNegativeSeek) : translated(errno);
+    if (reached < 0 && errno == EINVAL) {
+        file.setWindowsError(kNegativeSeek);
+        return xerrFromWindows(kNegativeSeek);
+    }
+    if (reached < 0) return failed(file, errno);
     position = reached;
     return XERR_SUCCESS;
 }
@@ -204,3 +255,20 @@ XErr xfileSystemReplace(const std::string& source, const std::string& destinatio
         return -1;
     });
 }
+
+XErr xfileAttributes(const std::string& path, XfileAttributes& attributes) {
+    return withPath(path, [&attributes](const char* system) {
+        struct stat data {};
+        if (::stat(system, &data) != 0) return -1;
+        attributes = {S_ISDIR(data.st_mode), ::access(system, W_OK) != 0};
+        return 0;
+    });
+}
+
+XErr xfileCreateNewFolder(const std::string& path) {
+    const XErr err = withPath(path, [](const char* system) { return ::mkdir(system, 0777); });
+    return err == XERR_EXIST ? XErr{XERR_ADDRINUSE} : err;
+}
+
+// Nobody can hold a file against its readers here.
+bool xfileSystemWaitForHolder(std::int32_t /*windowsError*/) { return false; }

@@ -14,4 +14,8 @@
 [[nodiscard]] XErr xfileSystemReplace(const std::string& source, const std::string& destination,
                                       int retries);
 
+// Waits a moment, and returns true, after a Windows error of an open or a read that can mean that
+// another process holds the file. False at once for other errors.
+[[nodiscard]] bool xfileSystemWaitForHolder(std::int32_t windowsError);
+
 #endif

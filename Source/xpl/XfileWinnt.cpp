@@ -52,6 +52,13 @@ XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
     }
 }
 
+// Status of the call on a file that just failed on this thread.
+XErr failed(Xfile& file) {
+    const DWORD error = ::GetLastError();
+    file.setWindowsError(static_cast<std::int32_t>(error));
+    return xerrFromWindows(static_cast<std::int32_t>(error));
+}
+
 // Calls `call(widePath)`, which answers whether it succeeded.
 template <typename Call>
 XErr withWidePath(const std::string& path, Call call) {
@@ -71,14 +78,17 @@ void Xfile::adopt(void* handle) {
 
 XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     std::wstring wide;
-    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) {
+        file.setWindowsError(ERROR_NO_UNICODE_TRANSLATION);
+        return err;
+    }
     const OpenRow row = openRow(mode);
     SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), nullptr,
                                    sharing == XfileSharing::Inherited};
     const HANDLE handle = ::CreateFileW(
         wide.c_str(), row.access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
         &attributes, row.disposition, FILE_ATTRIBUTE_NORMAL, /*hTemplateFile=*/nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return xerrLast();
+    if (handle == INVALID_HANDLE_VALUE) return failed(file);
     file.adopt(handle);
     return XERR_SUCCESS;
 }
@@ -86,7 +96,7 @@ XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, Xfile
 XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done) {
     DWORD moved = 0;
     const BOOL ok = ::ReadFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
-    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : failed(file);
     done = moved;
     return err;
 }
@@ -94,14 +104,14 @@ XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& d
 XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint32_t& done) {
     DWORD moved = 0;
     const BOOL ok = ::WriteFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
-    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : failed(file);
     done = moved;
     return err;
 }
 
 XErr xfileSize(Xfile& file, std::int64_t& size) {
     LARGE_INTEGER value{};
-    if (!::GetFileSizeEx(file.handle(), &value)) return xerrLast();
+    if (!::GetFileSizeEx(file.handle(), &value)) return failed(file);
     size = value.QuadPart;
     return XERR_SUCCESS;
 }
@@ -111,7 +121,7 @@ XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from, std::int6
     LARGE_INTEGER reached{};
     to.QuadPart = distance;
     if (!::SetFilePointerEx(file.handle(), to, &reached, static_cast<DWORD>(from))) {
-        return xerrLast();
+        return failed(file);
     }
     position = reached.QuadPart;
     return XERR_SUCCESS;
@@ -176,4 +186,28 @@ XErr xfileSystemReplace(const std::string& source, const std::string& destinatio
         if (!held || attempt == retries) return xerrFromWindows(static_cast<std::int32_t>(error));
         ::Sleep(kReplaceRetryMs);
     }
+}
+
+XErr xfileAttributes(const std::string& path, XfileAttributes& attributes) {
+    return withWidePath(path, [&attributes](const std::wstring& wide) {
+        const DWORD bits = ::GetFileAttributesW(wide.c_str());
+        if (bits == INVALID_FILE_ATTRIBUTES) return false;
+        attributes = {(bits & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                      (bits & FILE_ATTRIBUTE_READONLY) != 0};
+        return true;
+    });
+}
+
+XErr xfileCreateNewFolder(const std::string& path) {
+    return withWidePath(path, [](const std::wstring& wide) {
+        return ::CreateDirectoryW(wide.c_str(), nullptr) != FALSE;
+    });
+}
+
+bool xfileSystemWaitForHolder(std::int32_t windowsError) {
+    const bool held = windowsError == ERROR_ACCESS_DENIED ||
+                      windowsError == ERROR_SHARING_VIOLATION ||
+                      windowsError == ERROR_LOCK_VIOLATION;
+    if (held) ::Sleep(kReplaceRetryMs);
+    return held;
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "support/HeldFile.h"
@@ -341,4 +342,123 @@ TEST_F(XfileTest, MovingAFileOntoItselfKeepsItOpen) {
     std::uint32_t done = 0;
     EXPECT_EQ(xfileWrite(file, "abc", 3, done), 0);
     EXPECT_EQ(done, 3u);
+}
+
+TEST_F(XfileTest, AttributesTellFoldersFromFilesHoweverThePathIsSpelled) {
+    folder.makeFolder("sub");
+    folder.write("f", "");
+    XfileAttributes attributes;
+    for (const char* name : {"", ".", "..", "sub", "sub/", "sub\\", "sub//", "sub/.", "sub\\.."}) {
+        attributes = {};
+        EXPECT_EQ(xfileAttributes(folder / name, attributes), 0) << name;
+        EXPECT_TRUE(attributes.isFolder) << name;
+    }
+    EXPECT_EQ(xfileAttributes(folder / "f", attributes), 0);
+    EXPECT_FALSE(attributes.isFolder);
+    EXPECT_FALSE(attributes.isReadOnly);
+    EXPECT_EQ(xfileAttributes(folder / "sub/../f", attributes), 0);
+    EXPECT_FALSE(attributes.isFolder);
+}
+
+TEST_F(XfileTest, AttributesOfWhatIsNotThereAreTheStatus) {
+    XfileAttributes attributes{true, true};
+    EXPECT_EQ(xfileAttributes(folder / "missing", attributes), XERR_NOENT);
+    EXPECT_EQ(xfileAttributes(folder / "\xFF", attributes), 101113);
+    EXPECT_TRUE(attributes.isFolder && attributes.isReadOnly) << "they are left alone";
+}
+
+TEST_F(XfileTest, AReadOnlyFileIsToldAsSuch) {
+    const std::string path = folder.write("f", "");
+    namespace fs = std::filesystem;
+    fs::permissions(systemPath(path), fs::perms::owner_read | fs::perms::group_read);
+    Xfile file;
+    const bool mayWrite = xfileOpen(file, path, XfileMode::Update) == 0;
+    XfileAttributes attributes;
+    EXPECT_EQ(xfileAttributes(path, attributes), 0);
+    fs::permissions(systemPath(path), fs::perms::all);
+    EXPECT_FALSE(attributes.isFolder);
+    if (!attributes.isReadOnly && mayWrite) {
+        GTEST_SKIP() << "needs Windows, where an administrator may not write every file either";
+    }
+    EXPECT_TRUE(attributes.isReadOnly);
+}
+
+TEST_F(XfileTest, ANewFolderMustNotExist) {
+    EXPECT_EQ(xfileCreateNewFolder(folder / "d/"), 0);
+    EXPECT_TRUE(folder.has("d"));
+    EXPECT_EQ(xfileCreateNewFolder(folder / "d/"), XERR_ADDRINUSE);
+    folder.write("f", "x");
+    EXPECT_EQ(xfileCreateNewFolder(folder / "f"), XERR_ADDRINUSE);
+    EXPECT_EQ(xfileCreateNewFolder(folder / "x\\y"), XERR_NOENT) << "its parent must exist";
+}
+
+TEST_F(XfileTest, TheWindowsErrorOfAFailureIsKept) {
+    folder.write("f", "");
+    Xfile file;
+    ASSERT_EQ(xfileOpen(file, folder / "missing", XfileMode::Read), XERR_NOENT);
+    EXPECT_EQ(file.windowsError(), 2);
+    ASSERT_EQ(xfileOpen(file, folder / "f\\x", XfileMode::Read), XERR_NOENT);
+    EXPECT_EQ(file.windowsError(), 3) << "the same status";
+    ASSERT_EQ(xfileOpen(file, folder.path(), XfileMode::Read), XERR_ACCES);
+    EXPECT_EQ(file.windowsError(), 5);
+    ASSERT_EQ(xfileOpen(file, folder / "\xFF", XfileMode::Read), 101113);
+    EXPECT_EQ(file.windowsError(), 1113);
+    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Append), 0);
+    std::uint32_t done = 0;
+    char byte = 0;
+    ASSERT_EQ(xfileRead(file, &byte, 1, done), XERR_ACCES);
+    EXPECT_EQ(file.windowsError(), 5);
+    std::int64_t position = 0;
+    ASSERT_EQ(xfileSeek(file, -1, XfileSeekFrom::Begin, position), 100131);
+    EXPECT_EQ(file.windowsError(), 131);
+}
+
+TEST_F(XfileTest, APatientReadReadsTheWholeFile) {
+    folder.write("empty", "");
+    folder.write("f", std::string("a\0b\n", 4));
+    std::string content = "before";
+    XfileReadErrors errors = xfileReadPatiently(folder / "f", content);
+    EXPECT_EQ(errors.open, 0);
+    EXPECT_EQ(errors.bytes, 0);
+    EXPECT_EQ(content, std::string("a\0b\n", 4));
+    errors = xfileReadPatiently(folder / "empty", content);
+    EXPECT_EQ(errors.open, 0);
+    EXPECT_EQ(errors.bytes, 0);
+    EXPECT_EQ(content, "");
+}
+
+TEST_F(XfileTest, APatientReadOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
+    const std::pair<std::string, int> cases[] = {
+        {folder / "missing", 2}, {folder.path(), 5}, {folder / "\xFF", 1113}};
+    for (const auto& [path, error] : cases) {
+        std::string content = "before";
+        const XfileReadErrors errors = xfileReadPatiently(path, content);
+        EXPECT_EQ(errors.open, error);
+        EXPECT_EQ(errors.bytes, 0);
+        EXPECT_EQ(content, "");
+    }
+}
+
+TEST_F(XfileTest, APatientReadOutlastsAShortHold) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    folder.write("f", "content");
+    HeldFile held(folder / "f");
+    std::thread release([&held] {
+        sleepMs(120);
+        held.release();
+    });
+    std::string content;
+    EXPECT_EQ(xfileReadPatiently(folder / "f", content).open, 0);
+    release.join();
+    EXPECT_EQ(content, "content");
+}
+
+TEST_F(XfileTest, APatientReadGivesUpOnALongHold) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    folder.write("f", "content");
+    HeldFile held(folder / "f");
+    std::string content;
+    EXPECT_EQ(xfileReadPatiently(folder / "f", content).open, 32);
+    held.release();
+    EXPECT_EQ(folder.read("f"), "content");
 }
