@@ -3,11 +3,12 @@
 
 #include <string>
 
-// A file as a scanner or another program may have it: nobody else can open it (Nothing), or move or
-// delete it (ReadAndWrite), while it is held.
+// A file as a scanner or another program may have it: nobody else can open it (Nothing), open it
+// for anything but its deletion (Deletion), or move or delete it (ReadAndWrite), while it is held.
+// One that shares everything but its bytes can be opened; reading it fails.
 class HeldFile {
  public:
-    enum class Shares { Nothing, ReadAndWrite };
+    enum class Shares { Nothing, Deletion, ReadAndWrite, EverythingButItsBytes };
 
     explicit HeldFile(const std::string& path, Shares shares = Shares::Nothing);
     ~HeldFile() { release(); }

@@ -4,12 +4,36 @@
 
 #include "support/WindowsForTests.h"
 
+namespace {
+
+DWORD shareMode(HeldFile::Shares shares) {
+    switch (shares) {
+        case HeldFile::Shares::Nothing:
+            return 0;
+        case HeldFile::Shares::Deletion:
+            return FILE_SHARE_DELETE;
+        case HeldFile::Shares::ReadAndWrite:
+            return FILE_SHARE_READ | FILE_SHARE_WRITE;
+        case HeldFile::Shares::EverythingButItsBytes:
+            break;
+    }
+    return FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+}
+
+// Until the handle is closed.
+bool lockBytes(HANDLE file) {
+    OVERLAPPED from{};
+    return ::LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, 0, &from) != FALSE;
+}
+
+}  // namespace
+
 HeldFile::HeldFile(const std::string& path, Shares shares) {
-    const DWORD mode =
-        shares == Shares::Nothing ? 0 : DWORD{FILE_SHARE_READ} | DWORD{FILE_SHARE_WRITE};
-    const HANDLE handle = ::CreateFileW(wideForTests(path).c_str(), GENERIC_READ, mode, nullptr,
-                                        OPEN_EXISTING, 0, nullptr);
-    if (handle != INVALID_HANDLE_VALUE) handle_ = handle;
+    const HANDLE handle = ::CreateFileW(wideForTests(path).c_str(), GENERIC_READ, shareMode(shares),
+                                        nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return;
+    handle_ = handle;
+    if (shares == Shares::EverythingButItsBytes && !lockBytes(handle)) release();
 }
 
 void HeldFile::release() {
