@@ -1,6 +1,4 @@
 // The cache of a new instance, from that of another.
-#include <QDir>
-
 #include "appc/Appc.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
@@ -15,8 +13,7 @@ XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
         XLOG_E(kLog, "Base instance directory %s doesn't exist", baseDir.c_str());
         return XERR_FAILURE;
     }
-    // Fails for a folder that is there already, which xfileCreateFolder does not.
-    if (!QDir().mkdir(QString::fromStdString(xfileSystemPath(newDir)))) {
+    if (xfileCreateNewFolder(newDir) != XERR_SUCCESS) {
         XLOG_E(kLog, "Failed to create directory %s for new instance %s", newDir.c_str(),
                newInstance.c_str());
         return XERR_FAILURE;

@@ -5,6 +5,18 @@
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 
+namespace {
+
+// An app without an icon is an app all the same.
+void moveIcon(AppcStore& store, const std::string& iconName, const std::string& iconFileName)
+    XTS_REQUIRES(store.lock) {
+    if (iconName.empty() || store.isUnread) return;
+    static_cast<void>(
+        store.files.move(store.sharedDir + "/" + iconName, store.appcDir + iconFileName));
+}
+
+}  // namespace
+
 XErr appcSyncInstalledApps(AppcStore& store, const char* json) {
     const std::lock_guard<AppcLock> guard(store.lock);
     QJsonArray apps;
@@ -25,9 +37,7 @@ XErr appcUpdateApp(AppcStore& store, const std::string& package, const std::stri
     const std::lock_guard<AppcLock> guard(store.lock);
     const AppcApp app{activity, appLabel, versionCode, versionName, appcIconFileName(package)};
     store.apps.insert_or_assign(package, app);
-    // An app without an icon is an app all the same.
-    static_cast<void>(
-        store.files.move(store.sharedDir + "/" + iconName, store.appcDir + app.iconFileName));
+    moveIcon(store, iconName, app.iconFileName);
     return appcSaveToFile(store);
 }
 
@@ -37,6 +47,6 @@ XErr appcRemoveApp(AppcStore& store, const std::string& package) {
     if (found == store.apps.end()) return XERR_SUCCESS;
     const std::string icon = store.appcDir + found->second.iconFileName;
     store.apps.erase(found);
-    store.files.remove(icon);
+    if (!store.isUnread) store.files.remove(icon);
     return appcSaveToFile(store);
 }

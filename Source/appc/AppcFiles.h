@@ -1,10 +1,20 @@
 #ifndef APPC_APPCFILES_H
 #define APPC_APPCFILES_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "xpl/Xerr.h"
+
+// The Windows errors of a file that another process holds, and of bytes that it has locked.
+constexpr std::int32_t kAppcSharingViolation = 32;
+constexpr std::int32_t kAppcLockViolation = 33;
+
+// Whether a read met another process: nothing is wrong with the file itself.
+constexpr bool appcIsHeld(std::int32_t windowsError) {
+    return windowsError == kAppcSharingViolation || windowsError == kAppcLockViolation;
+}
 
 enum class AppcWrite { Done, OpenFailed, WriteFailed };
 
@@ -14,20 +24,24 @@ class AppcFiles {
  public:
     virtual ~AppcFiles() = default;
 
-    // Reads a whole file. The status is that of the opening: a read that fails later leaves in
-    // `content` what came before, and nothing of a file of 2 GiB or more.
-    [[nodiscard]] virtual XErr read(const std::string& path, std::string& content) = 0;
+    // Reads a whole file, waiting up to half a second for another process that holds it. Returns
+    // the Windows error of the opening, or of the bytes if they are held; else 0. A read that fails
+    // for another reason leaves in `content` what came before, and nothing of a file of 2 GiB or
+    // more.
+    [[nodiscard]] virtual std::int32_t read(const std::string& path, std::string& content) = 0;
 
     // Creates one folder; an existing one is no error.
     [[nodiscard]] virtual XErr makeFolder(const std::string& path) = 0;
 
-    // Whether a file may be moved to there: nothing is there, or a file that may be written.
+    // Whether a file may be moved to there: nothing is there, or a file that may be written. True
+    // as well for what may not be looked at: the move decides.
     [[nodiscard]] virtual bool isReplaceable(const std::string& path) = 0;
 
     // Creates or empties a file, writes it and closes it.
     [[nodiscard]] virtual AppcWrite write(const std::string& path, std::string_view text) = 0;
 
-    // Moves a file, never a folder, onto another one or to where nothing is.
+    // Moves a file, never a folder, onto another one or to where nothing is, waiting up to half a
+    // second for another process that holds either.
     [[nodiscard]] virtual XErr move(const std::string& source, const std::string& destination) = 0;
 
     // Deletes a file, if it is there and can be deleted.
@@ -37,7 +51,7 @@ class AppcFiles {
 // The disk.
 AppcFiles& appcDiskFiles();
 
-// The system's text for a status of a file operation, in the user's language.
-std::string appcErrorText(XErr err);
+// The system's text for a Windows error, in the user's language.
+std::string appcErrorText(std::int32_t windowsError);
 
 #endif

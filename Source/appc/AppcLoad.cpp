@@ -9,27 +9,43 @@
 
 namespace {
 
-// A file that is just being replaced can refuse to be looked at: that is for the open to decide,
-// which waits for the other process.
+// A file that is just being replaced or is held can refuse to be looked at: that is for the open to
+// decide, which waits for the other process.
 bool isMissing(const std::string& path) {
     const XErr err = xfileExists(path);
-    return err != XERR_SUCCESS && err != XERR_ACCES;
+    return err != XERR_SUCCESS && err != XERR_ACCES &&
+           err != xerrFromWindows(kAppcSharingViolation) &&
+           err != xerrFromWindows(kAppcLockViolation);
 }
 
 // The next save writes a fresh file.
 void discard(AppcStore& store) XTS_REQUIRES(store.lock) {
     store.files.remove(store.filePath());
     store.apps.clear();
+    store.isUnread = false;
+}
+
+// What becomes of a file that cannot be opened. Nothing is wrong with one that is held.
+void giveUp(AppcStore& store, std::int32_t windowsError) XTS_REQUIRES(store.lock) {
+    const std::string path = store.filePath();
+    const std::string error = appcErrorText(windowsError);
+    if (!appcIsHeld(windowsError)) {
+        XLOG_E(kLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
+               error.c_str());
+        discard(store);
+        return;
+    }
+    store.apps.clear();
+    store.isUnread = true;
+    XLOG_E(kLog, "Could not open %s, error: %s, keeping the file", path.c_str(), error.c_str());
 }
 
 XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
     const std::string path = store.filePath();
     std::string content;
-    if (const XErr err = store.files.read(path, content); err != XERR_SUCCESS) {
-        XLOG_E(kLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
-               appcErrorText(err).c_str());
-        discard(store);
+    if (const std::int32_t windowsError = store.files.read(path, content); windowsError != 0) {
+        giveUp(store, windowsError);
         return XERR_SUCCESS;
     }
     QJsonArray array;
@@ -38,7 +54,9 @@ XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
         discard(store);
         return XERR_SUCCESS;
     }
-    return appcReadFromJsonObj(store, array);
+    const XErr err = appcReadFromJsonObj(store, array);
+    if (err == XERR_SUCCESS) store.isUnread = false;
+    return err;
 }
 
 template <typename Field>
@@ -56,6 +74,7 @@ AppcStore& appcStore() {
 
 XErr appcLibInit(AppcStore& store, const std::string& instance) {
     const std::lock_guard<AppcLock> guard(store.lock);
+    if (instance != store.instance) store.isUnread = false;
     store.instance = instance;
     store.appcDir = store.instanceDir(instance);
     store.apps.clear();  // a missing file must not show another instance's apps
@@ -70,9 +89,15 @@ XErr appcLoadFromFile(AppcStore& store) {
     const std::lock_guard<AppcLock> guard(store.lock);
     if (isMissing(store.filePath())) {
         XLOG_W(kLog, "File %s not present", store.filePath().c_str());
+        store.isUnread = false;
         return XERR_SUCCESS;
     }
     return loadUnderFileLock(store);
+}
+
+bool appcRefusesSaves(AppcStore& store) {
+    const std::lock_guard<AppcLock> guard(store.lock);
+    return store.isUnread;
 }
 
 XErr appcReadFromJsonObj(AppcStore& store, const QJsonArray& apps) {

@@ -67,13 +67,17 @@ XErr replaceFile(AppcStore& store, const std::string& path, TemporaryFile& tempo
 
 XErr appcSaveToFile(AppcStore& store) {
     const std::lock_guard<AppcLock> guard(store.lock);
+    const std::string path = store.filePath();
+    if (store.isUnread) {
+        XLOG_E(kLog, "AppCache file %s could not be read, not saving over it", path.c_str());
+        return XERR_FAILURE;
+    }
     const std::string text = appcFileText(store.apps);
     if (const XErr err = store.files.makeFolder(store.appcDir); err != XERR_SUCCESS) {
         XLOG_E(kLog, "Failed to create dir %s, err: %s [%d]", store.appcDir.c_str(),
                xerrName(err).c_str(), err);
         return err;
     }
-    const std::string path = store.filePath();
     TemporaryFile temporary(store.files, path);
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {

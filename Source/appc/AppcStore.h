@@ -23,10 +23,10 @@ class XTS_CAPABILITY("mutex") AppcLock {
 // State of an app cache; for the files of this module, its tests, and callers that hold the lock
 // over several operations. Everybody else calls the functions of Appc.h.
 //
-// Lock order: `lock`, then `fileLock`, then xinheritGate(). Nothing can take the first two the
-// other way round: `fileLock` is itself guarded by `lock`, so that code which takes it without
-// holding `lock` does not compile. Were the load to take `fileLock` first and `lock` for the apps,
-// a thread that loads and one that saves would wait for each other for ever.
+// Lock order: `lock`, then `fileLock`. Nothing can take them the other way round: `fileLock` is
+// itself guarded by `lock`, so that code which takes it without holding `lock` does not compile.
+// Were the load to take `fileLock` first and `lock` for the apps, a thread that loads and one that
+// saves would wait for each other for ever.
 struct AppcStore {
     // `productDataDir` ends with a separator.
     AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir)
@@ -48,6 +48,13 @@ struct AppcStore {
     std::string instance XTS_GUARDED_BY(lock);
     std::string appcDir XTS_GUARDED_BY(lock);  // the instance's
     AppcApps apps XTS_GUARDED_BY(lock);
+
+    // Whether the last load could not read the file since another process held it. `apps` then has
+    // none of the file's, and any save, a sync's too, would lose those: until a load has succeeded,
+    // every save is refused and no icon is touched. Such a load reads the file, finds none, or
+    // deletes it. One that fails leaves this as it is, and so does appcLibInit for the same
+    // instance; another instance has another file.
+    bool isUnread XTS_GUARDED_BY(lock) = false;
 
     // Guards the file between processes. Before appcLibInit named it, taking it is fatal.
     XmutexNamed fileLock XTS_GUARDED_BY(lock);

@@ -67,8 +67,11 @@ bool Session::commit() {
 bool Session::openCache(const std::string& instance) {
     if (!startWithConfiguration() || !requireInstance(instance)) return false;
     const XErr err = appcLibInit(appcStore(), instance);
-    return err == XERR_SUCCESS ||
-           failStatus(ExitCode::Library, "the app cache cannot be read", err);
+    if (err != XERR_SUCCESS) {
+        return failStatus(ExitCode::Library, "the app cache cannot be read", err);
+    }
+    return !appcRefusesSaves(appcStore()) ||
+           fail(ExitCode::Library, "another program holds the app cache; try again later");
 }
 
 bool Session::requirePackageName(const std::string& package) {

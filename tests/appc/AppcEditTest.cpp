@@ -38,6 +38,28 @@ class AppcEditTest : public AppcTest {
     }
 };
 
+// Counts the moves.
+class MoveCount final : public AppcFiles {
+ public:
+    int moves = 0;
+
+    std::int32_t read(const std::string& path, std::string& content) override {
+        return appcDiskFiles().read(path, content);
+    }
+    XErr makeFolder(const std::string& path) override { return appcDiskFiles().makeFolder(path); }
+    bool isReplaceable(const std::string& path) override {
+        return appcDiskFiles().isReplaceable(path);
+    }
+    AppcWrite write(const std::string& path, std::string_view text) override {
+        return appcDiskFiles().write(path, text);
+    }
+    XErr move(const std::string& source, const std::string& destination) override {
+        ++moves;
+        return appcDiskFiles().move(source, destination);
+    }
+    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
+};
+
 const char* const kSync = R"({"apps": [
     {"package": "com.b", "activity": "b2", "appLabel": "B2", "versionCode": 3, "versionName": "3"},
     {"package": "com.c", "activity": "c", "appLabel": "C", "versionCode": 1, "versionName": "1"}]})";
@@ -137,11 +159,23 @@ TEST_F(AppcEditTest, AnIconThatIsNotThereIsNotReported) {
 TEST_F(AppcEditTest, AFolderIsNeverMovedAsAnIcon) {
     data.makeFolder("Engine\\UserData\\SharedFolder\\sub");
     writeShared("sub\\x", "x");
-    for (const char* name : {"", ".", "..", "sub", "sub/"}) {
+    for (const char* name : {"", ".", "..", "./", "..\\", "sub", "sub/", "sub\\", "sub//", "sub/.",
+                             "sub\\..", "SUB/"}) {
         EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", name), 0) << name;
         EXPECT_TRUE(hasShared("sub\\x")) << name;
         EXPECT_FALSE(hasIcon("com.c")) << name;
     }
+}
+
+TEST_F(AppcEditTest, AnUpdateWithoutAnIconAsksForNoMove) {
+    writeIcon("com.a");
+    MoveCount files;
+    ForeignStore counted(data.path(), files);
+    ASSERT_EQ(appcLibInit(counted, "Nougat64"), 0);
+    EXPECT_EQ(appcUpdateApp(counted, "com.a", "m", "l", 9, "v", ""), 0);
+    EXPECT_EQ(files.moves, 1) << "the save's";
+    EXPECT_EQ(icon("com.a"), "old icon");
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
 TEST_F(AppcEditTest, TheFirstAppOfAnInstanceLeavesItsIconWhereItIs) {

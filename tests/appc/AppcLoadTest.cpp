@@ -254,7 +254,7 @@ TEST_F(AppcLoadTest, AFileThatAnotherProcessHoldsForItselfStaysAndTheCacheIsEmpt
         EXPECT_EQ(appcLoadFromFile(store), 0);
     }
     EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
-                                 ", error: " + systemErrorText(32) + ", deleting the file"});
+                                 ", error: " + systemErrorText(32) + ", keeping the file"});
     EXPECT_EQ(count(), 0u);
     EXPECT_EQ(read(), kTwoApps);
 }
@@ -333,7 +333,7 @@ class WatchingFiles final : public AppcFiles {
  public:
     bool wasFree = true;
 
-    XErr read(const std::string& path, std::string& content) override {
+    std::int32_t read(const std::string& path, std::string& content) override {
         wasFree = isFileLockFree();
         return appcDiskFiles().read(path, content);
     }
@@ -347,28 +347,38 @@ class WatchingFiles final : public AppcFiles {
 // Refuses to open a file that is there and can be deleted.
 class ClosedFiles final : public AppcFiles {
  public:
-    XErr read(const std::string&, std::string&) override { return XERR_ACCES; }
+    explicit ClosedFiles(std::int32_t windowsError) : error(windowsError) {}
+
+    std::int32_t read(const std::string&, std::string&) override { return error; }
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
     bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
     XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string& path) override { appcDiskFiles().remove(path); }
+
+ private:
+    const std::int32_t error;
 };
 
 }  // namespace
 
-TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeleted) {
-    write(kTwoApps);
-    ClosedFiles files;
-    ForeignStore closed(data.path(), files);
-    EXPECT_EQ(appcLibInit(closed, "Nougat64"), 0);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
-                                 ", error: " + appcErrorText(XERR_ACCES) + ", deleting the file"});
-    std::list<std::string> names;
-    appcGetPackages(closed, names);
-    EXPECT_TRUE(names.empty());
-    EXPECT_FALSE(exists());
-    EXPECT_TRUE(isFileLockFree());
+TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
+    for (const std::int32_t error : {2, 3, 5, 19, 32, 33, 1117, 1392}) {
+        write(kTwoApps);
+        ClosedFiles files(error);
+        ForeignStore closed(data.path(), files);
+        log.clear();
+        EXPECT_EQ(appcLibInit(closed, "Nougat64"), 0) << error;
+        const bool isHeld = error == 32 || error == 33;
+        EXPECT_EQ(log.texts(),
+                  Lines{"E APPC Could not open " + file() + ", error: " + systemErrorText(error) +
+                        (isHeld ? ", keeping the file" : ", deleting the file")});
+        std::list<std::string> names;
+        appcGetPackages(closed, names);
+        EXPECT_TRUE(names.empty()) << error;
+        EXPECT_EQ(exists(), isHeld) << error;
+        EXPECT_TRUE(isFileLockFree()) << error;
+    }
 }
 
 TEST_F(AppcLoadTest, TheFileIsReadUnderItsMachineWideLock) {
@@ -405,7 +415,7 @@ TEST(AppcStoreTest, TheProcesssStoreLivesInTheProductsFolders) {
 }
 
 TEST(AppcErrorText, IsTheSystems) {
-    EXPECT_EQ(appcErrorText(XERR_ACCES), systemErrorText(5));
-    EXPECT_EQ(appcErrorText(XERR_NOENT), systemErrorText(2));
-    EXPECT_EQ(appcErrorText(XERR_WINDOWS_BASE + 32), systemErrorText(32));
+    for (const std::int32_t error : {2, 3, 5, 19, 32, 33, 1117, 1392}) {
+        EXPECT_EQ(appcErrorText(error), systemErrorText(error)) << error;
+    }
 }

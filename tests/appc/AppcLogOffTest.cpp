@@ -58,7 +58,7 @@ class Failing : public AppcFiles {
     enum Step { Folder, Open, Write, Move };
     explicit Failing(Step step) : step_(step) {}
 
-    XErr read(const std::string&, std::string&) override { return XERR_NOENT; }
+    std::int32_t read(const std::string&, std::string&) override { return 2; }
     XErr makeFolder(const std::string&) override { return step_ == Folder ? XERR_ACCES : 0; }
     bool isReplaceable(const std::string&) override { return true; }
     AppcWrite write(const std::string&, std::string_view) override {

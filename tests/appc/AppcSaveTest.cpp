@@ -39,7 +39,7 @@ class FailingFiles final : public AppcFiles {
     bool throwInMove = false;
     Lines removed;
 
-    XErr read(const std::string& path, std::string& content) override {
+    std::int32_t read(const std::string& path, std::string& content) override {
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string& path) override {
@@ -72,7 +72,7 @@ class DyingFiles final : public AppcFiles {
  public:
     explicit DyingFiles(int lastStep) : left_(lastStep) {}
 
-    XErr read(const std::string& path, std::string& content) override {
+    std::int32_t read(const std::string& path, std::string& content) override {
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string& path) override {
@@ -234,7 +234,7 @@ class LockWatch final : public AppcFiles {
     Lines steps;
     bool failMove = false;
 
-    XErr read(const std::string& path, std::string& content) override {
+    std::int32_t read(const std::string& path, std::string& content) override {
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string& path) override {

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "appc/AppcStore.h"
+#include "support/HeldFile.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/Scene.h"
@@ -155,6 +156,22 @@ TEST_F(BridgeAppsTest, AFileThatIsNoArrayIsDeletedAndTheArrayIsEmpty) {
     EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file("Nougat32") +
                                  " deleting the files"});
     EXPECT_FALSE(exists("Nougat32"));
+}
+
+TEST_F(BridgeAppsTest, AFileThatIsHeldIsKeptAndTheArrayIsEmpty) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion}) {
+        write("Nougat32", oneApp("com.a"));
+        log.clear();
+        HeldFile held(file("Nougat32"), shares);
+        ASSERT_TRUE(held.isHeld());
+        EXPECT_EQ(listing("Nougat32"), "[\n]\n");
+        EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file("Nougat32") +
+                                     ", error: " + systemErrorText(32) + ", keeping the file"});
+        held.release();
+        EXPECT_EQ(readBytes(file("Nougat32")), oneApp("com.a"));
+        EXPECT_NE(listing("Nougat32").find("com.a.png"), std::string::npos);
+    }
 }
 
 TEST_F(BridgeAppsTest, ABadElementIsNoListing) {

@@ -1,5 +1,7 @@
 // The listing of installed apps, through the library.
 #include "PlainHost.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
 
 namespace {
 
@@ -51,6 +53,20 @@ TEST_F(AppsTest, ABadCacheIsNull) {
     writeCache("A", R"([{"package":"com.a"}])");
     EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps (null)"}));
     EXPECT_EQ(log().back(), "E BRIDGE Helper_bridge Error in appcLibInit, err = XERR_FAILURE (-1)");
+}
+
+TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
+    for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion}) {
+        writeCache("A", kOneApp);
+        const std::string file = data.path() + "\\Engine/A/AppCache/AppCache.json";
+        HeldFile held(file, shares);
+        ASSERT_TRUE(held.isHeld());
+        EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps [", "]", ""}));
+        EXPECT_EQ(log().back(), "E APPC Helper_bridge Could not open " + file +
+                                    ", error: " + systemErrorText(32) + ", keeping the file");
+        held.release();
+        EXPECT_EQ(data.read("Engine\\A\\AppCache\\AppCache.json"), kOneApp);
+    }
 }
 
 TEST_F(AppsTest, ANullInstanceIsNull) {

@@ -1,5 +1,6 @@
 // The commands on app caches: real files, read back as bytes and by another program.
 #include "BridgeadmFixture.h"
+#include "support/HeldFile.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -247,6 +248,36 @@ TEST_F(BridgeadmCacheTest, ACacheWithABadAppIsAnErrorAndStays) {
                        "the app cache cannot be read: -1 XERR_FAILURE");
     expectCacheFailure({"copy-cache", "Nougat64", "Nougat32"}, 5,
                        "the app cache cannot be read: -1 XERR_FAILURE");
+}
+
+TEST_F(BridgeadmCacheTest, ACacheThatAnotherProgramHoldsIsAnErrorAndStays) {
+    sync(kList);
+    data.write("Engine\\UserData\\SharedFolder\\a.png", "icon");
+    const std::string list = data.write("list.json", R"({"apps": []})");
+    for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion}) {
+        for (const Arguments& arguments :
+             {Arguments{"update-app", "Nougat64", "com.c", "--icon", "a.png"},
+              Arguments{"remove-app", "Nougat64", "com.a"},
+              Arguments{"sync-apps", "Nougat64", list},
+              Arguments{"copy-cache", "Nougat64", "Nougat32"}}) {
+            HeldFile held(data / kCache, shares);
+            ASSERT_TRUE(held.isHeld());
+            expectFailure(arguments, 5, "another program holds the app cache; try again later");
+            held.release();
+            EXPECT_EQ(cache(), bothApps) << arguments[0];
+        }
+    }
+    EXPECT_TRUE(data.has("Engine\\UserData\\SharedFolder\\a.png"));
+    EXPECT_FALSE(data.has("Engine\\Nougat32\\AppCache"));
+}
+
+TEST_F(BridgeadmCacheTest, AnUpdateWithoutAnIconLeavesTheSharedFolderAlone) {
+    sync(kList);
+    data.write("Engine\\UserData\\SharedFolder\\a.png", "icon");
+    EXPECT_EQ(output({"update-app", "Nougat64", "com.a", "--label", "L"}),
+              "updated com.a of Nougat64\n");
+    EXPECT_EQ(data.read("Engine\\UserData\\SharedFolder\\a.png"), "icon");
+    EXPECT_FALSE(data.has(kFolder + std::string("\\com.a.png")));
 }
 
 TEST_F(BridgeadmCacheTest, ACacheThatIsNoListIsStartedAfresh) {

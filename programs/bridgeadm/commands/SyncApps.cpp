@@ -48,8 +48,9 @@ std::optional<std::size_t> checkedCount(Session& session, const std::string& fil
 
 void run(Session& session, const Arguments& arguments) {
     std::string list;
-    if (const XErr err = appcDiskFiles().read(arguments.file, list); err != XERR_SUCCESS) {
-        session.failStatus(ExitCode::BadValue, "cannot read " + arguments.file, err);
+    if (const std::int32_t error = appcDiskFiles().read(arguments.file, list); error != 0) {
+        session.failStatus(ExitCode::BadValue, "cannot read " + arguments.file,
+                           xerrFromWindows(error));
         return;
     }
     const std::optional<std::size_t> count = checkedCount(session, arguments.file, list);

@@ -1,0 +1,295 @@
+// A file that another process holds: it is kept, and nothing is saved over it before it was read.
+#include <QJsonArray>
+#include <thread>
+
+#include "AppcFixture.h"
+#include "support/HeldFile.h"
+#include "support/Platform.h"
+
+namespace {
+
+const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
+                                 {"com.b", "com.b.Main", "B", 2, "2.0"}};
+
+const char* const kSync = R"({"apps": [
+    {"package": "com.c", "activity": "c", "appLabel": "C", "versionCode": 1, "versionName": "1"}]})";
+
+// Passes on to the disk, but for reads while `error` is the Windows error that they meet.
+class HeldFiles final : public AppcFiles {
+ public:
+    std::int32_t error = 0;
+    bool isMoved = false;
+    bool isRemoved = false;
+
+    std::int32_t read(const std::string& path, std::string& content) override {
+        return error != 0 ? error : appcDiskFiles().read(path, content);
+    }
+    XErr makeFolder(const std::string& path) override { return appcDiskFiles().makeFolder(path); }
+    bool isReplaceable(const std::string& path) override {
+        return appcDiskFiles().isReplaceable(path);
+    }
+    AppcWrite write(const std::string& path, std::string_view text) override {
+        return appcDiskFiles().write(path, text);
+    }
+    XErr move(const std::string& source, const std::string& destination) override {
+        isMoved = true;
+        return appcDiskFiles().move(source, destination);
+    }
+    void remove(const std::string& path) override {
+        isRemoved = true;
+        appcDiskFiles().remove(path);
+    }
+};
+
+// A cache whose file is there and whose load has just found it held.
+class AppcHeldFileTest : public AppcTest {
+ protected:
+    AppcHeldFileTest() {
+        write(fileOf(kTwo));
+        files.error = 32;
+        EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
+        log.clear();
+    }
+
+    Lines heldPackages() {
+        std::list<std::string> list;
+        appcGetPackages(held, list);
+        return {list.begin(), list.end()};
+    }
+
+    XErr update(const std::string& package, const std::string& icon = "") {
+        return appcUpdateApp(held, package, "m", "l", 9, "v", icon);
+    }
+
+    // The file is what it was, and an update is refused.
+    void expectRefusal() {
+        log.clear();
+        EXPECT_EQ(update("com.new"), -1);
+        EXPECT_EQ(log.texts(), Lines{kRefusal});
+        EXPECT_EQ(read(), fileOf(kTwo));
+        EXPECT_EQ(list(), Lines{"AppCache.json"});
+    }
+
+    const std::string kRefusal =
+        "E APPC AppCache file " + file() + " could not be read, not saving over it";
+
+    HeldFiles files;
+    ForeignStore held{data.path(), files};
+};
+
+// The lines of a load that keeps the file.
+Lines keptLines(const std::string& file, int error) {
+    return {"E APPC Could not open " + file + ", error: " + systemErrorText(error) +
+            ", keeping the file"};
+}
+
+}  // namespace
+
+TEST_F(AppcHeldFileTest, ALoadKeepsTheFileAndTheCacheIsEmpty) {
+    for (const int error : {32, 33}) {
+        files.error = error;
+        log.clear();
+        EXPECT_EQ(appcLoadFromFile(held), 0);
+        EXPECT_EQ(log.texts(), keptLines(file(), error));
+        EXPECT_EQ(heldPackages(), Lines{});
+        EXPECT_EQ(read(), fileOf(kTwo));
+        EXPECT_FALSE(files.isRemoved);
+        EXPECT_TRUE(isFileLockFree());
+    }
+}
+
+TEST_F(AppcHeldFileTest, ALoadForgetsTheAppsThatWereReadBefore) {
+    files.error = 0;
+    ASSERT_EQ(appcLoadFromFile(held), 0);
+    ASSERT_EQ(heldPackages(), (Lines{"com.a", "com.b"}));
+    files.error = 33;
+    EXPECT_EQ(appcLoadFromFile(held), 0);
+    EXPECT_EQ(heldPackages(), Lines{});
+    expectRefusal();
+}
+
+TEST_F(AppcHeldFileTest, EverySaveIsRefused) {
+    EXPECT_EQ(appcSaveToFile(held), -1);
+    EXPECT_EQ(update("com.new"), -1);
+    EXPECT_EQ(appcRemoveApp(held, "com.new"), -1);
+    EXPECT_EQ(appcSyncInstalledApps(held, kSync), -1);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{kRefusal, kRefusal, kRefusal, kRefusal}));
+    EXPECT_EQ(read(), fileOf(kTwo));
+    EXPECT_EQ(list(), Lines{"AppCache.json"});
+    EXPECT_FALSE(files.isMoved);
+    EXPECT_FALSE(files.isRemoved);
+}
+
+TEST_F(AppcHeldFileTest, TheMemoryHasWhatCouldNotBeSaved) {
+    EXPECT_EQ(appcSyncInstalledApps(held, kSync), -1);
+    EXPECT_EQ(heldPackages(), Lines{"com.c"});
+    EXPECT_EQ(update("com.new"), -1);
+    EXPECT_EQ(heldPackages(), (Lines{"com.c", "com.new"}));
+    EXPECT_EQ(appcRemoveApp(held, "com.c"), -1);
+    EXPECT_EQ(heldPackages(), Lines{"com.new"});
+}
+
+TEST_F(AppcHeldFileTest, IconsStayWhereTheyAre) {
+    data.write("Engine\\UserData\\SharedFolder\\new.png", "new icon");
+    data.write("Engine\\Nougat64\\AppCache\\com.a.png", "old icon");
+    EXPECT_EQ(update("com.a", "new.png"), -1);
+    EXPECT_EQ(appcRemoveApp(held, "com.a"), -1);
+    EXPECT_EQ(data.read("Engine\\UserData\\SharedFolder\\new.png"), "new icon");
+    EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\com.a.png"), "old icon");
+}
+
+TEST_F(AppcHeldFileTest, RemovingWhatIsNotCachedNeedsNoSave) {
+    EXPECT_EQ(appcRemoveApp(held, "com.a"), 0);
+    EXPECT_EQ(log.texts(), Lines{});
+    EXPECT_EQ(read(), fileOf(kTwo));
+}
+
+TEST_F(AppcHeldFileTest, ALoadThatReadsTheFileEndsTheRefusal) {
+    files.error = 0;
+    EXPECT_EQ(appcLoadFromFile(held), 0);
+    EXPECT_EQ(update("com.c"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "m", "l", 9, "v"}}));
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(AppcHeldFileTest, OpeningTheInstanceAgainEndsTheRefusalWhenItsFileIsRead) {
+    EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
+    expectRefusal();
+    files.error = 0;
+    EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
+    EXPECT_EQ(update("com.c"), 0);
+    EXPECT_EQ(heldPackages(), (Lines{"com.a", "com.b", "com.c"}));
+}
+
+TEST_F(AppcHeldFileTest, ALoadThatFindsNoFileEndsTheRefusal) {
+    EXPECT_EQ(update("com.c"), -1);
+    removeFile(file());
+    EXPECT_EQ(appcLoadFromFile(held), 0);
+    EXPECT_EQ(appcSaveToFile(held), 0);
+    EXPECT_EQ(read(), fileOf({{"com.c", "m", "l", 9, "v"}})) << "such a load keeps the memory";
+}
+
+TEST_F(AppcHeldFileTest, ALoadThatDeletesTheFileEndsTheRefusal) {
+    for (const int error : {0, 5}) {
+        files.error = 32;
+        write("{}");
+        ASSERT_EQ(appcLoadFromFile(held), 0);
+        files.error = error;
+        EXPECT_EQ(appcLoadFromFile(held), 0);
+        EXPECT_FALSE(exists());
+        EXPECT_EQ(appcSaveToFile(held), 0);
+        EXPECT_EQ(read(), "[\n]\n");
+    }
+}
+
+TEST_F(AppcHeldFileTest, ALoadThatFailsDoesNotEndTheRefusal) {
+    for (const char* bad : {"[{}]", "[1]"}) {
+        files.error = 0;
+        write(bad);
+        EXPECT_EQ(appcLoadFromFile(held), -1);
+        EXPECT_EQ(appcSaveToFile(held), -1);
+        EXPECT_EQ(appcLibInit(held, "Nougat64"), -1);
+        EXPECT_EQ(appcSaveToFile(held), -1);
+        EXPECT_EQ(log.texts().back(), kRefusal);
+        EXPECT_EQ(read(), bad);
+    }
+}
+
+TEST_F(AppcHeldFileTest, ReplacingTheMemoryDoesNotEndTheRefusal) {
+    EXPECT_EQ(appcReadFromJsonObj(held, QJsonArray()), 0);
+    expectRefusal();
+}
+
+TEST_F(AppcHeldFileTest, AnotherInstanceIsNotRefused) {
+    data.makeFolder("Engine\\Other");
+    EXPECT_EQ(appcLibInit(held, "Other"), 0);
+    EXPECT_EQ(update("com.c"), 0);
+    EXPECT_EQ(data.read("Engine\\Other\\AppCache\\AppCache.json"),
+              fileOf({{"com.c", "m", "l", 9, "v"}}));
+    EXPECT_EQ(read(), fileOf(kTwo));
+}
+
+TEST_F(AppcHeldFileTest, AnotherInstanceWithABadFileIsSavedOver) {
+    data.makeFolder("Engine\\Other");
+    data.makeFolder("Engine\\Other\\AppCache");
+    data.write("Engine\\Other\\AppCache\\AppCache.json", "[{}]");
+    files.error = 0;
+    EXPECT_EQ(appcLibInit(held, "Other"), -1);
+    EXPECT_EQ(appcSaveToFile(held), 0);
+}
+
+// The same with files that are really held.
+
+TEST_F(AppcTest, AFileThatIsReallyHeldIsKeptAndNotSavedOver) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    const std::string refusal =
+        "E APPC AppCache file " + file() + " could not be read, not saving over it";
+    for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion}) {
+        write(fileOf(kTwo));
+        log.clear();
+        HeldFile holder(file(), shares);
+        ASSERT_TRUE(holder.isHeld());
+        EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
+        EXPECT_EQ(log.texts(), keptLines(file(), 32));
+        EXPECT_EQ(count(), 0u);
+        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
+        EXPECT_EQ(log.texts().back(), refusal);
+        holder.release();
+        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1) << "not loaded yet";
+        EXPECT_EQ(read(), fileOf(kTwo));
+        EXPECT_EQ(list(), Lines{"AppCache.json"});
+        EXPECT_EQ(appcLoadFromFile(store), 0);
+        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), 0);
+        EXPECT_EQ(packages(), (Lines{"com.a", "com.b", "com.c"}));
+        removeFile(file());
+    }
+}
+
+TEST_F(AppcTest, AFileWhoseBytesAreLockedIsKeptAndNotSavedOver) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    write(fileOf(kTwo));
+    HeldFile holder(file(), HeldFile::Shares::EverythingButItsBytes);
+    ASSERT_TRUE(holder.isHeld());
+    if (read() == fileOf(kTwo)) GTEST_SKIP() << "needs Windows, where locked bytes are not read";
+    EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
+    EXPECT_EQ(log.texts(), keptLines(file(), 33));
+    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
+    holder.release();
+    EXPECT_EQ(read(), fileOf(kTwo));
+    EXPECT_EQ(appcLoadFromFile(store), 0);
+    EXPECT_EQ(packages(), (Lines{"com.a", "com.b"}));
+}
+
+TEST_F(AppcTest, AFileThatIsHeldForAMomentIsWaitedFor) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion,
+                                          HeldFile::Shares::EverythingButItsBytes}) {
+        write(fileOf(kTwo));
+        HeldFile holder(file(), shares);
+        ASSERT_TRUE(holder.isHeld());
+        std::thread release([&holder] {
+            sleepMs(120);
+            holder.release();
+        });
+        EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
+        release.join();
+        EXPECT_EQ(packages(), (Lines{"com.a", "com.b"}));
+        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), 0);
+        EXPECT_EQ(log.texts(), Lines{});
+    }
+}
+
+TEST_F(AppcTest, ASaveOverAFileThatIsHeldForAMomentWaits) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    ASSERT_EQ(init(fileOf(kTwo)), 0);
+    HeldFile holder(file(), HeldFile::Shares::ReadAndWrite);
+    ASSERT_TRUE(holder.isHeld());
+    std::thread release([&holder] {
+        sleepMs(120);
+        holder.release();
+    });
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0);
+    release.join();
+    EXPECT_EQ(read(), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{});
+}

@@ -1,0 +1,350 @@
+// The app cache's calls into Windows: what it asks for, and what it makes of refusals that another
+// process causes for a moment or for long.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "ImportTable.h"
+#include "appc/Appc.h"
+#include "appc/AppcStore.h"
+#include "support/LogCapture.h"
+#include "support/Platform.h"
+#include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr const char* kOneApp =
+    "[\n    {\n        \"activity\": \"m\",\n        \"appLabel\": \"l\",\n        "
+    "\"iconFileName\": \"com.a.png\",\n        \"package\": \"com.a\",\n        \"versionCode\": "
+    "1,\n        \"versionName\": \"v\"\n    }\n]\n";
+
+constexpr int kTries = 11;
+
+// What stands in the place of the system's calls, and what it saw. The calls look at nothing but
+// the app cache's files.
+struct Seen {
+    int error = 0;     // that the next calls meet
+    int refusals = 0;  // how many of them
+    int calls = 0;
+    DWORD sleptMs = 0;
+    int inherited = 0;
+};
+Seen seen;
+
+bool refuse() {
+    ++seen.calls;
+    if (seen.refusals == 0) return false;
+    --seen.refusals;
+    ::SetLastError(static_cast<DWORD>(seen.error));
+    return true;
+}
+
+// The system's own function, past the import table.
+template <typename Function>
+Function* real(const char* name) {
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+using OddOpen = ReplacedImport<decltype(::CreateFileW)>;
+using OddRead = ReplacedImport<decltype(::ReadFile)>;
+using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
+using OddAttributes = ReplacedImport<decltype(::GetFileAttributesW)>;
+using OddSleep = ReplacedImport<decltype(::Sleep)>;
+
+HANDLE openReally(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                  DWORD disposition, DWORD flags, HANDLE model) {
+    static const auto open = real<decltype(::CreateFileW)>("CreateFileW");
+    return open(path, access, share, security, disposition, flags, model);
+}
+
+HANDLE WINAPI refuseOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                         DWORD disposition, DWORD flags, HANDLE model) {
+    if (refuse()) return INVALID_HANDLE_VALUE;
+    return openReally(path, access, share, security, disposition, flags, model);
+}
+
+HANDLE WINAPI countInherited(LPCWSTR path, DWORD access, DWORD share,
+                             LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                             HANDLE model) {
+    ++seen.calls;
+    if (security != nullptr && security->bInheritHandle) ++seen.inherited;
+    return openReally(path, access, share, security, disposition, flags, model);
+}
+
+// As Windows does, where Wine opens the path without its end.
+HANDLE WINAPI refuseTrailingSeparator(LPCWSTR path, DWORD access, DWORD share,
+                                      LPSECURITY_ATTRIBUTES security, DWORD disposition,
+                                      DWORD flags, HANDLE model) {
+    const std::wstring_view text(path);
+    if (text.back() == L'/' || text.back() == L'\\') {
+        ::SetLastError(ERROR_PATH_NOT_FOUND);
+        return INVALID_HANDLE_VALUE;
+    }
+    return openReally(path, access, share, security, disposition, flags, model);
+}
+
+BOOL WINAPI refuseRead(HANDLE file, LPVOID bytes, DWORD size, LPDWORD done,
+                       LPOVERLAPPED overlapped) {
+    *done = 0;
+    if (refuse()) return FALSE;
+    static const auto read = real<decltype(::ReadFile)>("ReadFile");
+    return read(file, bytes, size, done, overlapped);
+}
+
+BOOL WINAPI refuseMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    if (refuse()) return FALSE;
+    static const auto move = real<decltype(::MoveFileExW)>("MoveFileExW");
+    return move(from, to, flags);
+}
+
+DWORD WINAPI refuseAttributes(LPCWSTR path) {
+    if (refuse()) return INVALID_FILE_ATTRIBUTES;
+    static const auto attributes = real<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+    return attributes(path);
+}
+
+void WINAPI countSleep(DWORD milliseconds) { seen.sleptMs += milliseconds; }
+
+class AppcCallsTest : public ::testing::Test {
+ protected:
+    AppcCallsTest() {
+        for (const char* name : {"Engine", "Engine\\Calls", "Engine\\Calls\\AppCache", "Shared"}) {
+            data.makeFolder(name);
+        }
+        writeFile();
+        seen = {};
+    }
+
+    void writeFile() const { data.write(kFile, kOneApp); }
+
+    static void refuseNext(int count, int error) {
+        seen = {};
+        seen.error = error;
+        seen.refusals = count;
+    }
+
+    Lines packages() {
+        std::list<std::string> list;
+        appcGetPackages(store, list);
+        return {list.begin(), list.end()};
+    }
+
+    XErr update(const std::string& package, const std::string& icon) {
+        return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
+    }
+
+    Lines couldNotOpen(int error, const std::string& end) const {
+        return {"E APPC Could not open " + path() + ", error: " + systemErrorText(error) + end};
+    }
+
+    std::string path() const { return store.instanceDir("Calls") + "AppCache.json"; }
+
+    static constexpr const char* kFile = "Engine\\Calls\\AppCache\\AppCache.json";
+
+    TempFolder data;
+    LogCapture log;
+    AppcStore store{appcDiskFiles(), data.path() + "\\", data.path() + "\\Shared/"};
+};
+
+}  // namespace
+
+TEST_F(AppcCallsTest, NoFileIsInherited) {
+    const OddOpen counting("CreateFileW", countInherited);
+    data.write("Shared\\icon.png", "icon");
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    EXPECT_EQ(seen.calls, 1) << "the read";
+    EXPECT_EQ(update("com.b", "icon.png"), 0);
+    EXPECT_EQ(seen.calls, 4) << "the flush of the icon, the temporary file and its flush";
+    EXPECT_EQ(appcRemoveApp(store, "com.b"), 0);
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0);
+    EXPECT_EQ(seen.calls, 8);
+    EXPECT_EQ(seen.inherited, 0);
+}
+
+TEST_F(AppcCallsTest, AFolderIsNotMovedWhereItsPathWithASeparatorCannotBeOpened) {
+    const OddOpen windows("CreateFileW", refuseTrailingSeparator);
+    data.makeFolder("Shared\\sub");
+    data.write("Shared\\sub\\x", "x");
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    for (const char* icon : {"", "/", "\\", "./", "sub/", "sub\\", "sub//"}) {
+        EXPECT_EQ(update("com.b", icon), 0) << icon;
+        EXPECT_TRUE(data.has("Shared\\sub\\x")) << icon;
+        EXPECT_FALSE(data.has("Engine\\Calls\\AppCache\\com.b.png")) << icon;
+    }
+    EXPECT_EQ(log.texts(), Lines{});
+}
+
+TEST_F(AppcCallsTest, AnIconThatMayNotBeLookedAtIsNotMoved) {
+    data.write("Shared\\icon.png", "icon");
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    const OddAttributes refusing("GetFileAttributesW", refuseAttributes);
+    refuseNext(1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(update("com.b", "icon.png"), 0);
+    EXPECT_TRUE(data.has("Shared\\icon.png"));
+    EXPECT_FALSE(data.has("Engine\\Calls\\AppCache\\com.b.png"));
+}
+
+TEST_F(AppcCallsTest, AnOpenThatIsRefusedForAMomentIsTriedAgain) {
+    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+        const OddOpen refusing("CreateFileW", refuseOpen);
+        const OddSleep sleeping("Sleep", countSleep);
+        refuseNext(kTries - 1, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, kTries) << error;
+        EXPECT_EQ(seen.sleptMs, 500u) << error;
+        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
+        EXPECT_EQ(log.texts(), Lines{}) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
+    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+        const OddOpen refusing("CreateFileW", refuseOpen);
+        const OddSleep sleeping("Sleep", countSleep);
+        writeFile();
+        log.clear();
+        refuseNext(kTries, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, kTries) << error;
+        EXPECT_EQ(packages(), Lines{}) << error;
+        const bool isDenied = error == ERROR_ACCESS_DENIED;
+        EXPECT_EQ(log.texts(),
+                  couldNotOpen(error, isDenied ? ", deleting the file" : ", keeping the file"));
+        EXPECT_EQ(data.has(kFile), !isDenied) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
+    for (const int error : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_WRITE_PROTECT,
+                            ERROR_IO_DEVICE, ERROR_FILE_CORRUPT}) {
+        const OddOpen refusing("CreateFileW", refuseOpen);
+        const OddSleep sleeping("Sleep", countSleep);
+        writeFile();
+        log.clear();
+        refuseNext(1, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, 1) << error;
+        EXPECT_EQ(seen.sleptMs, 0u) << error;
+        EXPECT_EQ(log.texts(), couldNotOpen(error, ", deleting the file"));
+        EXPECT_FALSE(data.has(kFile)) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
+    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+        const OddRead refusing("ReadFile", refuseRead);
+        const OddSleep sleeping("Sleep", countSleep);
+        refuseNext(kTries - 1, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, kTries) << error;
+        EXPECT_EQ(seen.sleptMs, 500u) << error;
+        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
+        EXPECT_EQ(log.texts(), Lines{}) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
+    for (const int error : {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+        const OddRead refusing("ReadFile", refuseRead);
+        const OddSleep sleeping("Sleep", countSleep);
+        log.clear();
+        refuseNext(kTries, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, kTries) << error;
+        EXPECT_EQ(log.texts(), couldNotOpen(error, ", keeping the file"));
+        EXPECT_EQ(update("com.b", ""), -1) << error;
+        EXPECT_EQ(log.texts().back(),
+                  "E APPC AppCache file " + path() + " could not be read, not saving over it");
+        EXPECT_EQ(data.read(kFile), kOneApp) << error;
+        EXPECT_EQ(appcLoadFromFile(store), 0) << error;
+        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
+    for (const int error : {ERROR_IO_DEVICE, ERROR_ACCESS_DENIED}) {
+        const OddRead refusing("ReadFile", refuseRead);
+        const OddSleep sleeping("Sleep", countSleep);
+        writeFile();
+        log.clear();
+        refuseNext(kTries, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, error == ERROR_IO_DEVICE ? 1 : kTries);
+        EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + path() +
+                                     " deleting the files"});
+        EXPECT_FALSE(data.has(kFile)) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, AFileThatIsHeldAgainstALookIsNotMissing) {
+    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+        const OddAttributes refusing("GetFileAttributesW", refuseAttributes);
+        refuseNext(1, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
+        EXPECT_EQ(log.texts(), Lines{}) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, ARenameThatIsRefusedForAMomentIsTriedAgain) {
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
+        const OddMove refusing("MoveFileExW", refuseMove);
+        const OddSleep sleeping("Sleep", countSleep);
+        refuseNext(kTries - 1, error);
+        EXPECT_EQ(appcSaveToFile(store), 0) << error;
+        EXPECT_EQ(seen.calls, kTries) << error;
+        EXPECT_EQ(seen.sleptMs, 500u) << error;
+        EXPECT_EQ(log.texts(), Lines{}) << error;
+    }
+}
+
+TEST_F(AppcCallsTest, ARenameThatStaysRefusedLeavesTheOldFile) {
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    const OddMove refusing("MoveFileExW", refuseMove);
+    const OddSleep sleeping("Sleep", countSleep);
+    refuseNext(kTries, ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), -1);
+    EXPECT_EQ(seen.calls, kTries);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + path() + " failed"});
+    EXPECT_EQ(data.read(kFile), kOneApp);
+}
+
+TEST_F(AppcCallsTest, AFileThatIsReadOnlyIsNotReplaced) {
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    const OddAttributes readOnly("GetFileAttributesW", [](LPCWSTR) -> DWORD {
+        return FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
+    });
+    EXPECT_EQ(appcSaveToFile(store), -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + path() + " for writing"});
+    EXPECT_EQ(data.read(kFile), kOneApp);
+}
+
+TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    const OddAttributes folder("GetFileAttributesW",
+                               [](LPCWSTR) -> DWORD { return FILE_ATTRIBUTE_DIRECTORY; });
+    EXPECT_EQ(appcSaveToFile(store), -1);
+    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + path() + " for writing"});
+    EXPECT_EQ(data.read(kFile), kOneApp);
+}
+
+TEST_F(AppcCallsTest, AFileThatMayNotBeLookedAtIsTheRenamesToJudge) {
+    ASSERT_EQ(appcLibInit(store, "Calls"), 0);
+    const OddAttributes refusing("GetFileAttributesW", [](LPCWSTR path) -> DWORD {
+        static const auto attributes = real<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+        const std::wstring_view text(path);
+        if (text.substr(text.size() - 4) != L"json") return attributes(path);
+        ::SetLastError(ERROR_ACCESS_DENIED);
+        return INVALID_FILE_ATTRIBUTES;
+    });
+    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0);
+    EXPECT_EQ(data.read(kFile), "[\n]\n");
+    EXPECT_EQ(log.texts(), Lines{});
+}
