@@ -5,21 +5,40 @@
 #include "support/WindowsForTests.h"
 #include "xpl/Xfile.h"
 
+namespace {
+
+constexpr XfileMode kModes[] = {XfileMode::ReadWrite, XfileMode::Append, XfileMode::WriteNew,
+                                XfileMode::Update, XfileMode::Read};
+
+bool isInheritable(const Xfile& file) {
+    DWORD flags = 0;
+    EXPECT_TRUE(::GetHandleInformation(file.handle(), &flags));
+    return (flags & HANDLE_FLAG_INHERIT) != 0;
+}
+
+}  // namespace
+
 TEST(XfileHandles, HandlesAreInheritableAndShareEverything) {
     const TempFolder folder;
-    for (const XfileMode mode : {XfileMode::ReadWrite, XfileMode::Append, XfileMode::WriteNew,
-                                 XfileMode::Update, XfileMode::Read}) {
+    for (const XfileMode mode : kModes) {
         Xfile file;
         ASSERT_EQ(xfileOpen(file, folder / "f", mode), 0);
-        DWORD flags = 0;
-        ASSERT_TRUE(::GetHandleInformation(file.handle(), &flags));
-        EXPECT_TRUE(flags & HANDLE_FLAG_INHERIT);
+        EXPECT_TRUE(isInheritable(file));
         const HANDLE other =
             ::CreateFileW(wideForTests(folder / "f").c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                           OPEN_EXISTING, 0, nullptr);
         EXPECT_NE(other, INVALID_HANDLE_VALUE);
         ::CloseHandle(other);
+    }
+}
+
+TEST(XfileHandles, PrivateHandlesAreNotInheritable) {
+    const TempFolder folder;
+    for (const XfileMode mode : kModes) {
+        Xfile file;
+        ASSERT_EQ(xfileOpen(file, folder / "f", mode, XfileSharing::Private), 0);
+        EXPECT_FALSE(isInheritable(file));
     }
 }
 

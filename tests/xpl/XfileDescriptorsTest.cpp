@@ -1,0 +1,29 @@
+// What the system says of the descriptors, where files are that.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include "support/TempFolder.h"
+#include "xpl/Xfile.h"
+
+namespace {
+
+// Whether children receive the file. Handles are descriptors moved up by one.
+bool isInherited(XfileMode mode, XfileSharing sharing, const std::string& path) {
+    Xfile file;
+    EXPECT_EQ(xfileOpen(file, path, mode, sharing), 0);
+    const int descriptor = static_cast<int>(reinterpret_cast<std::intptr_t>(file.handle())) - 1;
+    const int flags = ::fcntl(descriptor, F_GETFD);
+    EXPECT_GE(flags, 0);
+    return (flags & FD_CLOEXEC) == 0;
+}
+
+}  // namespace
+
+TEST(XfileDescriptors, ChildrenReceiveWhatIsNotPrivate) {
+    const TempFolder folder;
+    for (const XfileMode mode : {XfileMode::ReadWrite, XfileMode::Append, XfileMode::WriteNew,
+                                 XfileMode::Update, XfileMode::Read}) {
+        EXPECT_TRUE(isInherited(mode, XfileSharing::Inherited, folder / "f"));
+        EXPECT_FALSE(isInherited(mode, XfileSharing::Private, folder / "f"));
+    }
+}
