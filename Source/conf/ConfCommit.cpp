@@ -10,7 +10,6 @@
 #include "conf/ConfText.h"
 #include "xpl/Xbytes.h"
 #include "xpl/Xfence.h"
-#include "xpl/XinheritGate.h"
 
 namespace {
 
@@ -172,7 +171,6 @@ XErr confCommitToFile(ConfStore& store, const std::string& path) {
     XLOG_I(kLog, "confCommitToFile args: %s", path.c_str());
     const std::lock_guard<std::mutex> guard(store.lock);
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
-    const std::lock_guard<std::mutex> children(xinheritGate());
     TemporaryFile temporary(store.files, path + "-temp");
     if (const XErr err = temporary.create(); err != XERR_SUCCESS) {
         XLOG_E(kLog, "%s: xfileOpen failed, err = %d [%s]", "confCommitToFile", err,

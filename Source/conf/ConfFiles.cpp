@@ -1,4 +1,5 @@
-// The configuration's file operations on the disk.
+// The configuration's file operations on the disk. The files are private: one that a child of the
+// host kept open could not be replaced as long as that child lives.
 #include "conf/ConfFiles.h"
 
 #include "xpl/Xfile.h"
@@ -22,7 +23,9 @@ class DiskFiles final : public ConfFiles {
  public:
     ConfFileRead read(const std::string& path, std::string& content) override {
         Xfile file;
-        if (xfileOpen(file, path, XfileMode::Read) != XERR_SUCCESS) return ConfFileRead::OpenFailed;
+        if (xfileOpen(file, path, XfileMode::Read, XfileSharing::Private) != XERR_SUCCESS) {
+            return ConfFileRead::OpenFailed;
+        }
         std::int64_t size = 0;
         if (xfileSize(file, size) != XERR_SUCCESS) return ConfFileRead::ReadFailed;
         content.resize(static_cast<std::size_t>(size));
@@ -33,7 +36,7 @@ class DiskFiles final : public ConfFiles {
 
     XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override {
         Xfile file;
-        const XErr err = xfileOpen(file, path, XfileMode::WriteNew);
+        const XErr err = xfileOpen(file, path, XfileMode::WriteNew, XfileSharing::Private);
         if (err == XERR_SUCCESS) output = std::make_unique<DiskOutput>(std::move(file));
         return err;
     }

@@ -8,7 +8,6 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfText.h"
 #include "xpl/Xbytes.h"
-#include "xpl/XinheritGate.h"
 #include "xpl/Xunload.h"
 
 namespace {
@@ -118,7 +117,6 @@ void fillGlobalDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
 
 XErr loadUnderFileLock(ConfStore& store) XTS_REQUIRES(store.lock) {
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
-    const std::lock_guard<std::mutex> children(xinheritGate());
     return confLoad(store);
 }
 

@@ -18,8 +18,8 @@
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
 // the functions of Conf.h.
 //
-// Lock order: `lock`, then `fileLock`, then xinheritGate(). A commit holds all three from before it
-// opens its temporary file until after the move.
+// Lock order: `lock`, then `fileLock`. A commit holds both from before it opens its temporary file
+// until after the move.
 struct ConfStore {
     ConfStore(const ConfCatalogue& catalogueToUse, ConfFiles& filesToUse)
         : catalogue(catalogueToUse), files(filesToUse) {}

@@ -162,3 +162,13 @@ TEST_F(ConfigurationTest, WithoutAConfFileACommitLeavesNothingInTheCurrentFolder
     EXPECT_EQ(current.list(), Lines{});
     EXPECT_EQ(log().back(), "E CONF Helper_bridge xfileMove failed, err = 2 [XERR_NOENT]");
 }
+
+TEST_F(ConfigurationTest, ChildrenThatTheHostStartsNeverBlockACommit) {
+    writeConf("");
+    ChildOptions options;
+    options.limit = std::chrono::seconds(120);
+    const ChildResult result = play({"init", "Helper", "commitamong", "25", "50"}, options);
+    EXPECT_EQ(result.status, 0u) << result.err;
+    EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "meanwhile 0", "afterwards 0"}));
+    EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"}));
+}

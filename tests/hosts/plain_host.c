@@ -13,8 +13,10 @@
  *     shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
  *     hold KEY             reads a text, changes the key, and prints the text read before
  *
- * "(null)" stands for a null pointer. plain_events.h has the operations on events.
+ * "(null)" stands for a null pointer. plain_events.h has the operations on events, plain_children.h
+ * those with children.
  */
+#include "plain_children.h"
 #include "plain_events.h"
 #include "support/process_figures.h"
 
@@ -228,7 +230,8 @@ int main(void) {
             printNumber(name, bridgeApiFini());
         else if (strcmp(name, "apps") == 0)
             printText(name, bridgeGetInstalledApps(next()));
-        else if (!eventOperation(name) && !programOperation(name) && !configurationOperation(name))
+        else if (!eventOperation(name) && !childrenOperation(name) && !programOperation(name) &&
+                 !configurationOperation(name))
             return 98;
     }
     return 0;

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "ImportTable.h"
+#include "conf/Conf.h"
+#include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
@@ -75,6 +77,18 @@ TEST_F(InheritanceArguments, TheFlushOfAMoveIsPrivate) {
     EXPECT_EQ(xfileMove(folder / "f", folder / "g"), 0);
     EXPECT_EQ(xfileMovePatiently(folder / "g", folder / "h"), 0);
     EXPECT_EQ(opens, (Lines{"private f", "private g"}));
+}
+
+TEST_F(InheritanceArguments, EveryFileOfACommitIsPrivate) {
+    const ConfCatalogue catalogue = confProductCatalogue();
+    ConfStore store(catalogue, confDiskFiles());
+    ASSERT_EQ(confLibInit(store, folder.write("vantrel.conf", ""), false), 0);
+    EXPECT_EQ(opens, Lines{"private vantrel.conf"});
+    opens.clear();
+    confSetString(store, "vtr.locale", "x");
+    ASSERT_EQ(confCommit(store), 0);
+    EXPECT_EQ(opens, (Lines{"private vantrel.conf-temp", "private vantrel.conf",
+                            "private vantrel.conf-temp"}));
 }
 
 // In a process of its own, whose log it is.

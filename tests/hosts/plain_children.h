@@ -1,0 +1,15 @@
+/*
+ * Children that the plain host starts by itself, with its inheritable handles:
+ *
+ *     commitamong CHILDREN COMMITS   commits on a thread until so many children have started, and
+ *                                    then so many times more while they live; prints how many
+ *                                    commits of each kind failed
+ *     outlive PID                    waits for the end of that process
+ */
+#ifndef TESTS_HOSTS_PLAIN_CHILDREN_H
+#define TESTS_HOSTS_PLAIN_CHILDREN_H
+
+/* Zero when the operation is none of those above. */
+int childrenOperation(const char* name);
+
+#endif
