@@ -51,8 +51,8 @@ class Xfile {
     std::int32_t windowsError_ = 0;
 };
 
-// Paths are UTF-8. Every operation answers the translated Windows error and logs nothing, except
-// for the flush warning of the two moves.
+// Paths are UTF-8, of any length. Every operation answers the translated Windows error and logs
+// nothing, except for the flush warning of the two moves.
 
 // Opens `path`. In every mode but Read, a missing folder before the last "\" is created first
 // ("/" does not count in this step); the open reports the real outcome. A mode that is none of the
@@ -110,8 +110,8 @@ struct XfileAttributes {
 // The same, but something that exists already is 98 (XERR_ADDRINUSE).
 [[nodiscard]] XErr xfileCreateNewFolder(const std::string& path);
 
-// Creates every missing folder along a path, "/" and "\" both separating; works beyond 260
-// characters. The root of a drive and the share of a UNC path are never created.
+// Creates every missing folder along a path, "/" and "\" both separating. The root of a drive and
+// the share of a UNC path are never created.
 [[nodiscard]] XErr xfileMakeFolders(const std::string& path);
 
 // Writes a file's data to the disk, through a private handle. The file must exist; its missing
@@ -132,6 +132,12 @@ std::string xfileSystemPath(const std::string& path);
 
 // The folder that xfileOpen creates: what stands before the last "\", or nothing.
 std::string_view xfileFolderPart(std::string_view path);
+
+// What Windows is handed for `path`, whose absolute form is `absolute`: from 248 characters on, the
+// length that it refuses for a folder, the absolute form in the long-path form
+// ("\\?\C:\a", "\\?\UNC\server\share\a"), which has no such limit; else the path as it is. A path
+// in the long-path form, or one of a device ("\\.\"), stays as it is.
+std::wstring xfileWindowsPath(std::wstring_view path, std::wstring_view absolute);
 
 // The folders of an absolute path, shortest first, in the long-path form ("\\?\C:\a",
 // "\\?\C:\a\b"), without the root.

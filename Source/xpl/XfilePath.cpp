@@ -11,6 +11,9 @@ constexpr std::wstring_view kUncPrefix = L"\\\\";
 constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
 constexpr std::wstring_view kUncRoot = L"UNC\\";
 
+// MAX_PATH, less the room for a short file name that Windows keeps in a folder.
+constexpr std::size_t kLongPathLength = 248;
+
 bool startsWith(std::wstring_view text, std::wstring_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
@@ -22,6 +25,11 @@ bool startsWithLetters(std::wstring_view text, std::wstring_view prefix) {
     };
     return text.size() >= prefix.size() &&
            std::equal(prefix.begin(), prefix.end(), text.begin(), isSame);
+}
+
+// Whether Windows takes the path as it is, whatever its length, or as a device's.
+bool isLongOrDevice(std::wstring_view path) {
+    return startsWith(path, kLongPrefix) || startsWith(path, kDevicePrefix);
 }
 
 // What cannot be created ("\\?\C:", "\\?\UNC\server\share") and the rest of a path.
@@ -41,7 +49,7 @@ SplitPath cutAfterComponents(std::wstring_view prefix, std::wstring_view path, i
 }
 
 SplitPath splitRoot(std::wstring_view path) {
-    if (startsWith(path, kLongPrefix) || startsWith(path, kDevicePrefix)) {
+    if (isLongOrDevice(path)) {
         const std::wstring_view inside = path.substr(kLongPrefix.size());
         if (!startsWithLetters(inside, kUncRoot)) {
             return cutAfterComponents(kLongPrefix, inside, 1);
@@ -59,6 +67,13 @@ SplitPath splitRoot(std::wstring_view path) {
 std::string_view xfileFolderPart(std::string_view path) {
     const std::size_t separator = path.rfind('\\');
     return separator == std::string_view::npos ? std::string_view{} : path.substr(0, separator);
+}
+
+std::wstring xfileWindowsPath(std::wstring_view path, std::wstring_view absolute) {
+    if (absolute.size() < kLongPathLength || isLongOrDevice(path)) return std::wstring(path);
+    if (isLongOrDevice(absolute)) return std::wstring(absolute);
+    if (!startsWith(absolute, kUncPrefix)) return std::wstring(kLongPrefix).append(absolute);
+    return std::wstring(kLongUncPrefix).append(absolute.substr(kUncPrefix.size()));
 }
 
 std::vector<std::wstring> xfileFolderChain(std::wstring_view absolutePath) {

@@ -59,11 +59,20 @@ XErr failed(Xfile& file) {
     return xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
-// Calls `call(widePath)`, which answers whether it succeeded.
-template <typename Call>
-XErr withWidePath(const std::string& path, Call call) {
-    std::wstring wide;
+// The path as it is handed to Windows. One that has no absolute form is handed over as it is: the
+// call that gets it reports why.
+XErr windowsPath(const std::string& path, std::wstring& wide) {
     if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    std::wstring absolute;
+    if (absolutePath(wide, absolute) == XERR_SUCCESS) wide = xfileWindowsPath(wide, absolute);
+    return XERR_SUCCESS;
+}
+
+// Calls `call(windowsPath)`, which answers whether it succeeded.
+template <typename Call>
+XErr withWindowsPath(const std::string& path, Call call) {
+    std::wstring wide;
+    if (const XErr err = windowsPath(path, wide); err != XERR_SUCCESS) return err;
     return call(wide) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
 }
 
@@ -78,7 +87,7 @@ void Xfile::adopt(void* handle) {
 
 XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     std::wstring wide;
-    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) {
+    if (const XErr err = windowsPath(path, wide); err != XERR_SUCCESS) {
         file.setWindowsError(ERROR_NO_UNICODE_TRANSLATION);
         return err;
     }
@@ -127,10 +136,10 @@ XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from, std::int6
     return XERR_SUCCESS;
 }
 
-XErr xfileExists(const std::string& path) { return withWidePath(path, existsWide); }
+XErr xfileExists(const std::string& path) { return withWindowsPath(path, existsWide); }
 
 XErr xfileSizeOfPath(const std::string& path, std::int64_t& size) {
-    return withWidePath(path, [&size](const std::wstring& wide) {
+    return withWindowsPath(path, [&size](const std::wstring& wide) {
         WIN32_FILE_ATTRIBUTE_DATA data{};
         if (!::GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &data)) return false;
         size = static_cast<std::int64_t>((std::uint64_t{data.nFileSizeHigh} << 32) |
@@ -140,18 +149,18 @@ XErr xfileSizeOfPath(const std::string& path, std::int64_t& size) {
 }
 
 XErr xfileDelete(const std::string& path) {
-    return withWidePath(
+    return withWindowsPath(
         path, [](const std::wstring& wide) { return ::DeleteFileW(wide.c_str()) != FALSE; });
 }
 
 XErr xfileRemoveFolder(const std::string& path) {
-    return withWidePath(
+    return withWindowsPath(
         path, [](const std::wstring& wide) { return ::RemoveDirectoryW(wide.c_str()) != FALSE; });
 }
 
 XErr xfileCreateFolder(const std::string& path) {
     std::wstring wide;
-    if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
+    if (const XErr err = windowsPath(path, wide); err != XERR_SUCCESS) return err;
     return createFolderWide(wide);
 }
 
@@ -177,8 +186,8 @@ XErr xfileFlush(const std::string& path) {
 XErr xfileSystemReplace(const std::string& source, const std::string& destination, int retries) {
     std::wstring from;
     std::wstring to;
-    if (const XErr err = xtextToWide(source, from); err != XERR_SUCCESS) return err;
-    if (const XErr err = xtextToWide(destination, to); err != XERR_SUCCESS) return err;
+    if (const XErr err = windowsPath(source, from); err != XERR_SUCCESS) return err;
+    if (const XErr err = windowsPath(destination, to); err != XERR_SUCCESS) return err;
     for (int attempt = 0;; ++attempt) {
         if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return XERR_SUCCESS;
         const DWORD error = ::GetLastError();
@@ -189,7 +198,7 @@ XErr xfileSystemReplace(const std::string& source, const std::string& destinatio
 }
 
 XErr xfileAttributes(const std::string& path, XfileAttributes& attributes) {
-    return withWidePath(path, [&attributes](const std::wstring& wide) {
+    return withWindowsPath(path, [&attributes](const std::wstring& wide) {
         const DWORD bits = ::GetFileAttributesW(wide.c_str());
         if (bits == INVALID_FILE_ATTRIBUTES) return false;
         attributes = {(bits & FILE_ATTRIBUTE_DIRECTORY) != 0,
@@ -199,7 +208,7 @@ XErr xfileAttributes(const std::string& path, XfileAttributes& attributes) {
 }
 
 XErr xfileCreateNewFolder(const std::string& path) {
-    return withWidePath(path, [](const std::wstring& wide) {
+    return withWindowsPath(path, [](const std::wstring& wide) {
         return ::CreateDirectoryW(wide.c_str(), nullptr) != FALSE;
     });
 }

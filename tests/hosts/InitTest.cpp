@@ -1,4 +1,7 @@
+#include <filesystem>
+
 #include "PlainHost.h"
+#include "support/Platform.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -13,6 +16,16 @@ class InitTest : public PlainHostTest {
         const std::size_t level = lines[0].find(" E: ");
         return {level == std::string::npos ? lines[0] : lines[0].substr(level + 4), lines[1]};
     }
+
+    // A folder of more than 300 characters, which is not there yet.
+    std::string longFolder() const {
+        std::string path = data.path();
+        while (path.size() < 300) path += "\\a folder with a long name";
+        return path;
+    }
+
+    // For files in it.
+    static std::string anyLength(const std::string& path) { return "\\\\?\\" + path; }
 };
 
 using Refusal = std::pair<std::string, std::string>;
@@ -82,6 +95,35 @@ TEST_F(InitTest, AGivenLogFileReplacesTheProducts) {
     EXPECT_EQ(output({"initex", "Helper", "0", data / "own.log"}), Lines{"initex 0"});
     EXPECT_EQ(logMessages(data.read("own.log")).size(), 3u);
     EXPECT_FALSE(data.has("Logs\\Player.log"));
+}
+
+TEST_F(InitTest, ALogInALongFolderIsWrittenAndItsFolderMade) {
+    writeConf("");
+    const std::string path = longFolder() + "\\own.log";
+    EXPECT_EQ(output({"initex", "Helper", "0", path}), Lines{"initex 0"});
+    EXPECT_EQ(logMessages(readBytes(anyLength(path))).size(), 3u);
+}
+
+TEST_F(InitTest, TheDataFolderMayBeLong) {
+    const std::string cache = longFolder() + "\\Engine\\A\\AppCache";
+    for (const std::string& made : {longFolder() + "\\Logs", cache}) {
+        std::filesystem::create_directories(longSystemPath(made));
+    }
+    writeBytes(anyLength(longFolder() + "\\vantrel.conf"), "vtr.locale=\"fr-FR\"\n");
+    writeBytes(anyLength(cache + "\\AppCache.json"),
+               R"([{"package":"com.a","activity":"m","appLabel":"l","versionCode":1,)"
+               R"("versionName":"v"}])");
+    const Lines lines =
+        output({"registry", "UserDefinedDir", longFolder(), "init", "Helper", "getstr",
+                "vtr.locale", "setstr", "vtr.guid", "new", "commit", "apps", "A"});
+    ASSERT_EQ(lines.size(), 15u);
+    EXPECT_EQ(Lines(lines.begin(), lines.begin() + 4),
+              (Lines{"init 0", "getstr fr-FR", "setstr 0", "commit 0"}));
+    EXPECT_EQ(lines[9], R"(        "package": "com.a",)");
+    const std::string text = readBytes(anyLength(longFolder() + "\\vantrel.conf"));
+    EXPECT_NE(text.find("vtr.guid=\"new\"\n"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(longSystemPath(longFolder() + "\\vantrel.conf-temp")));
+    EXPECT_EQ(logMessages(readBytes(anyLength(longFolder() + "\\Logs\\Player.log"))).size(), 4u);
 }
 
 TEST_F(InitTest, TheProductsLogIsLookedUpThoughAnotherIsGiven) {

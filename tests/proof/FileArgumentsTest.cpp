@@ -1,4 +1,5 @@
-// What Windows is asked for when files are opened: which handles children inherit.
+// What Windows is asked for when files are opened, moved and removed: which handles children
+// inherit, and in which form paths arrive.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
+#include "utl/UtlCopy.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xtext.h"
@@ -103,4 +105,183 @@ TEST_F(InheritanceArguments, TheLogIsInherited) {
     const ChildResult result = runScene("opensTheLog", {folder / "Player.log"});
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(result.out, "inherited Player.log\r\n");
+}
+
+// The form of paths.
+
+namespace {
+
+// "FUNCTION PATH" for each call, "FUNCTION PATH > PATH" for a move.
+Lines handed;
+
+void note(const char* function, LPCWSTR path) {
+    handed.push_back(std::string(function) + " " + xtextToUtf8(path));
+}
+
+HANDLE WINAPI noteOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                       DWORD disposition, DWORD flags, HANDLE model) {
+    static auto* const open = systemCall<decltype(::CreateFileW)>("CreateFileW");
+    note("CreateFileW", path);
+    return open(path, access, share, security, disposition, flags, model);
+}
+
+DWORD WINAPI noteAttributes(LPCWSTR path) {
+    static auto* const attributes =
+        systemCall<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+    note("GetFileAttributesW", path);
+    return attributes(path);
+}
+
+BOOL WINAPI noteAttributesEx(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID data) {
+    static auto* const attributes =
+        systemCall<decltype(::GetFileAttributesExW)>("GetFileAttributesExW");
+    note("GetFileAttributesExW", path);
+    return attributes(path, level, data);
+}
+
+BOOL WINAPI noteDelete(LPCWSTR path) {
+    static auto* const remove = systemCall<decltype(::DeleteFileW)>("DeleteFileW");
+    note("DeleteFileW", path);
+    return remove(path);
+}
+
+BOOL WINAPI noteRemoveFolder(LPCWSTR path) {
+    static auto* const remove = systemCall<decltype(::RemoveDirectoryW)>("RemoveDirectoryW");
+    note("RemoveDirectoryW", path);
+    return remove(path);
+}
+
+BOOL WINAPI noteCreateFolder(LPCWSTR path, LPSECURITY_ATTRIBUTES security) {
+    static auto* const create = systemCall<decltype(::CreateDirectoryW)>("CreateDirectoryW");
+    note("CreateDirectoryW", path);
+    return create(path, security);
+}
+
+BOOL WINAPI noteMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    static auto* const move = systemCall<decltype(::MoveFileExW)>("MoveFileExW");
+    note("MoveFileExW", from);
+    handed.back() += " > " + xtextToUtf8(to);
+    return move(from, to, flags);
+}
+
+BOOL WINAPI noteCopy(LPCWSTR from, LPCWSTR to, BOOL failIfThere) {
+    static auto* const copy = systemCall<decltype(::CopyFileW)>("CopyFileW");
+    note("CopyFileW", from);
+    handed.back() += " > " + xtextToUtf8(to);
+    return copy(from, to, failIfThere);
+}
+
+class PathArguments : public ::testing::Test {
+ protected:
+    PathArguments() { handed.clear(); }
+
+    // A name whose path in the folder has that many characters.
+    std::string nameFor(std::size_t length) const {
+        return std::string(length - folder.path().size() - 1, 'n');
+    }
+
+    // Every operation on a file or folder of that path, whose folder is `folder`.
+    void useEverything(const std::string& path) const {
+        Xfile file;
+        std::int64_t size = 0;
+        EXPECT_EQ(xfileOpen(file, path, XfileMode::WriteNew), 0);
+        xfileClose(file);
+        EXPECT_EQ(xfileOpen(file, path, XfileMode::Read), 0);
+        xfileClose(file);
+        EXPECT_EQ(xfileExists(path), 0);
+        EXPECT_EQ(xfileSizeOfPath(path, size), 0);
+        EXPECT_EQ(xfileFlush(path), 0);
+        EXPECT_EQ(xfileMove(path, folder / "m"), 0);
+        EXPECT_EQ(xfileMovePatiently(folder / "m", path), 0);
+        EXPECT_EQ(xfileDelete(path), 0);
+        EXPECT_EQ(xfileCreateFolder(path), 0);
+        EXPECT_EQ(xfileRemoveFolder(path), 0);
+    }
+
+    // What those are to hand over, `path` in this form.
+    Lines everythingWith(const std::string& path) const {
+        const std::string lookAtFolder = "GetFileAttributesW " + folder.path();
+        const std::string other = folder / "m";
+        return {lookAtFolder,
+                "CreateFileW " + path,
+                "CreateFileW " + path,
+                "GetFileAttributesW " + path,
+                "GetFileAttributesExW " + path,
+                lookAtFolder,
+                "CreateFileW " + path,
+                lookAtFolder,
+                "CreateFileW " + path,
+                "MoveFileExW " + path + " > " + other,
+                lookAtFolder,
+                "CreateFileW " + other,
+                "MoveFileExW " + other + " > " + path,
+                "DeleteFileW " + path,
+                "CreateDirectoryW " + path,
+                "RemoveDirectoryW " + path};
+    }
+
+    TempFolder folder;
+    LogCapture log;
+    const ReplacedImport<decltype(::CreateFileW)> open{"CreateFileW", noteOpen};
+    const ReplacedImport<decltype(::GetFileAttributesW)> attributes{"GetFileAttributesW",
+                                                                    noteAttributes};
+    const ReplacedImport<decltype(::GetFileAttributesExW)> attributesEx{"GetFileAttributesExW",
+                                                                        noteAttributesEx};
+    const ReplacedImport<decltype(::DeleteFileW)> deleteFile{"DeleteFileW", noteDelete};
+    const ReplacedImport<decltype(::RemoveDirectoryW)> removeFolder{"RemoveDirectoryW",
+                                                                    noteRemoveFolder};
+    const ReplacedImport<decltype(::CreateDirectoryW)> createFolder{"CreateDirectoryW",
+                                                                    noteCreateFolder};
+    const ReplacedImport<decltype(::MoveFileExW)> move{"MoveFileExW", noteMove};
+};
+
+}  // namespace
+
+TEST_F(PathArguments, A247CharacterPathIsHandedOverAsItIs) {
+    const std::string path = folder.path() + "\\./" + nameFor(247);
+    useEverything(path);
+    EXPECT_EQ(handed, everythingWith(path));
+}
+
+TEST_F(PathArguments, A248CharacterPathIsHandedOverInTheLongForm) {
+    const std::string name = nameFor(248);
+    useEverything(folder.path() + "\\./" + name);
+    EXPECT_EQ(handed, everythingWith("\\\\?\\" + (folder / name)));
+}
+
+TEST_F(PathArguments, APathInTheLongFormStaysAsItIs) {
+    for (const std::size_t length : {247u, 248u}) {
+        handed.clear();
+        const std::string path = "\\\\?\\" + (folder / nameFor(length));
+        EXPECT_EQ(xfileExists(path), XERR_NOENT);
+        EXPECT_EQ(xfileDelete(path), XERR_NOENT);
+        EXPECT_EQ(handed, (Lines{"GetFileAttributesW " + path, "DeleteFileW " + path}));
+    }
+}
+
+TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsHandedOverAsItIs) {
+    const ReplacedImport<decltype(::GetFullPathNameW)> refused(
+        "GetFullPathNameW", [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD { return 0; });
+    const std::string path = folder / nameFor(248);
+    static_cast<void>(xfileExists(path));
+    EXPECT_EQ(handed, Lines{"GetFileAttributesW " + path});
+}
+
+// Qt hands every absolute path over in the long form, so that its length needs no look.
+TEST(QtPathArguments, WhatIsCopiedIsInTheLongForm) {
+    const TempFolder folder;
+    const LogCapture log;
+    folder.makeFolder("from\\sub");
+    folder.write("from\\sub\\f", "x");
+    folder.makeFolder("to");
+    handed.clear();
+    {
+        const ReplacedImport<decltype(::CopyFileW)> copy{"CopyFileW", noteCopy, "Qt5Core.dll"};
+        const ReplacedImport<decltype(::CreateDirectoryW)> create{"CreateDirectoryW",
+                                                                  noteCreateFolder, "Qt5Core.dll"};
+        EXPECT_EQ(utlCopyRecursive(folder / "from", folder / "to"), 0);
+    }
+    const std::string root = "\\\\?\\" + folder.path();
+    EXPECT_EQ(handed, (Lines{"CreateDirectoryW " + root + "\\to\\sub",
+                             "CopyFileW " + root + "\\from\\sub\\f > " + root + "\\to\\sub\\f"}));
 }

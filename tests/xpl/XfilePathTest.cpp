@@ -6,6 +6,13 @@ namespace {
 
 using Chain = std::vector<std::wstring>;
 
+// An absolute path of that many characters.
+std::wstring pathOf(std::size_t length, std::wstring path = L"C:\\") {
+    return path.append(length - path.size(), L'n');
+}
+
+constexpr std::size_t kLengths[] = {247, 248, 249, 1000};
+
 }  // namespace
 
 TEST(XfilePath, TheFolderPartEndsAtTheLastBackslash) {
@@ -65,4 +72,50 @@ TEST(XfilePath, FoldersOfADeviceAreThoseOfALongPath) {
 TEST(XfilePath, AServerWithoutAShareHasNothingToCreate) {
     EXPECT_EQ(xfileFolderChain(L"\\\\server"), Chain{});
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UNC\\server"), Chain{});
+}
+
+TEST(XfilePath, APathOf247CharactersStaysAsItIs) {
+    EXPECT_EQ(xfileWindowsPath(pathOf(247), pathOf(247)), pathOf(247));
+    EXPECT_EQ(xfileWindowsPath(L"C:/./n", L"C:\\n"), L"C:/./n");
+    EXPECT_EQ(xfileWindowsPath(L"n\\..\\..\\m", pathOf(247)), L"n\\..\\..\\m");
+    EXPECT_EQ(xfileWindowsPath(L"//server/share/n", pathOf(247, L"\\\\server\\share\\")),
+              L"//server/share/n");
+    EXPECT_EQ(xfileWindowsPath(pathOf(300), pathOf(247)), pathOf(300));
+    EXPECT_EQ(xfileWindowsPath(L"", L""), L"");
+}
+
+TEST(XfilePath, APathFrom248CharactersOnIsMadeLong) {
+    for (const std::size_t length : {248u, 249u, 1000u}) {
+        EXPECT_EQ(xfileWindowsPath(pathOf(length), pathOf(length)), L"\\\\?\\" + pathOf(length));
+    }
+}
+
+TEST(XfilePath, AShareFrom248CharactersOnIsMadeLong) {
+    const std::wstring share = pathOf(248, L"\\\\server\\share\\");
+    EXPECT_EQ(xfileWindowsPath(share, share), L"\\\\?\\UNC\\" + share.substr(2));
+}
+
+TEST(XfilePath, TheAbsoluteFormIsWhatIsMadeLong) {
+    for (const wchar_t* path :
+         {L"n", L".\\n", L"..\\n", L"C:n", L"C:/n", L"\\n", L"/m/../n", L""}) {
+        EXPECT_EQ(xfileWindowsPath(path, pathOf(248)), L"\\\\?\\" + pathOf(248)) << path;
+    }
+}
+
+TEST(XfilePath, ALongOrDevicePathStaysAsItIs) {
+    for (const wchar_t* prefix : {L"\\\\?\\C:\\", L"\\\\?\\UNC\\server\\share\\", L"\\\\.\\C:\\"}) {
+        for (const std::size_t length : kLengths) {
+            const std::wstring path = pathOf(length, prefix);
+            EXPECT_EQ(xfileWindowsPath(path, path), path);
+        }
+    }
+    EXPECT_EQ(xfileWindowsPath(L"\\\\?\\C:/a/../n", pathOf(248, L"\\\\?\\C:\\")),
+              L"\\\\?\\C:/a/../n");
+}
+
+TEST(XfilePath, APathThatIsMadeADevicesIsHandedOverSo) {
+    const std::wstring device = pathOf(248, L"\\\\.\\C:\\");
+    EXPECT_EQ(xfileWindowsPath(L"//./C:/n", device), device);
+    const std::wstring made = pathOf(248, L"\\\\?\\C:\\");
+    EXPECT_EQ(xfileWindowsPath(L"//?/C:/n", made), made);
 }

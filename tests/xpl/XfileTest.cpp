@@ -22,6 +22,16 @@ class XfileTest : public ::testing::Test {
         return xfileWriteAll(file, text.data(), text.size(), done);
     }
 
+    // A folder of more than 300 characters, which is not there yet.
+    std::string longFolder() const {
+        std::string path = folder.path();
+        while (path.size() < 300) path += "\\a folder with a long name";
+        return path;
+    }
+
+    // The content of a file, whatever the length of its path.
+    static std::string readLong(const std::string& path) { return readBytes("\\\\?\\" + path); }
+
     TempFolder folder;
 };
 
@@ -230,6 +240,74 @@ TEST_F(XfileTest, MakeFoldersWorksBeyond260Characters) {
     while (deep.size() < 600) deep += "\\a folder with a long name";
     EXPECT_EQ(xfileMakeFolders(deep), 0);
     EXPECT_EQ(xfileExists("\\\\?\\" + deep), 0);
+}
+
+TEST_F(XfileTest, ALongPathIsOpenedInEveryMode) {
+    ASSERT_EQ(xfileMakeFolders(longFolder()), 0);
+    const std::string path = longFolder() + "\\f";
+    EXPECT_EQ(writeWith(path, XfileMode::Read, "x"), XERR_NOENT);
+    EXPECT_EQ(writeWith(path, XfileMode::Update, "x"), XERR_NOENT);
+    EXPECT_EQ(writeWith(path, XfileMode::WriteNew, "abc"), 0);
+    EXPECT_EQ(writeWith(path, XfileMode::ReadWrite, "A"), 0);
+    EXPECT_EQ(writeWith(path, XfileMode::Append, "d"), 0);
+    EXPECT_EQ(writeWith(path, XfileMode::Update, "AB"), 0);
+    EXPECT_EQ(readLong(path), "ABcd");
+    Xfile file;
+    EXPECT_EQ(xfileOpen(file, path, XfileMode::Read), 0);
+}
+
+TEST_F(XfileTest, WritingModesCreateTheMissingFoldersOfALongPath) {
+    const std::string path = longFolder() + "\\f";
+    EXPECT_EQ(writeWith(path, XfileMode::Append, "x"), 0);
+    EXPECT_EQ(readLong(path), "x");
+}
+
+TEST_F(XfileTest, ALongPathExistsHasASizeAndIsDeleted) {
+    const std::string path = longFolder() + "\\f";
+    std::int64_t size = -1;
+    EXPECT_EQ(xfileExists(path), XERR_NOENT);
+    EXPECT_EQ(xfileSizeOfPath(path, size), XERR_NOENT);
+    EXPECT_EQ(xfileDelete(path), XERR_NOENT);
+    ASSERT_EQ(writeWith(path, XfileMode::WriteNew, "12345"), 0);
+    EXPECT_EQ(xfileExists(path), 0);
+    EXPECT_EQ(xfileExists(longFolder()), 0);
+    EXPECT_EQ(xfileSizeOfPath(path, size), 0);
+    EXPECT_EQ(size, 5);
+    EXPECT_EQ(xfileDelete(path), 0);
+    EXPECT_EQ(xfileExists(path), XERR_NOENT);
+}
+
+TEST_F(XfileTest, ALongFolderIsCreatedAndRemoved) {
+    const std::string path = longFolder() + "\\d";
+    EXPECT_EQ(xfileCreateFolder(path), XERR_NOENT) << "its parent must exist";
+    ASSERT_EQ(xfileMakeFolders(longFolder()), 0);
+    EXPECT_EQ(xfileCreateFolder(path), 0);
+    EXPECT_EQ(xfileCreateFolder(path), 0) << "an existing folder is a success";
+    EXPECT_EQ(xfileExists(path), 0);
+    EXPECT_EQ(xfileRemoveFolder(path), 0);
+    EXPECT_EQ(xfileExists(path), XERR_NOENT);
+}
+
+TEST_F(XfileTest, ALongPathIsFlushedAndMoved) {
+    const LogCapture log;
+    const std::string path = longFolder() + "\\f";
+    ASSERT_EQ(writeWith(path, XfileMode::WriteNew, "x"), 0);
+    EXPECT_EQ(xfileFlush(path), 0);
+    EXPECT_EQ(xfileMove(path, folder / "short"), 0);
+    EXPECT_EQ(folder.read("short"), "x");
+    EXPECT_EQ(xfileMovePatiently(folder / "short", path), 0);
+    EXPECT_EQ(readLong(path), "x");
+    EXPECT_EQ(xfileMove(path, path + "2"), 0);
+    EXPECT_EQ(readLong(path + "2"), "x");
+    EXPECT_EQ(log.texts(XLOG_WARNING), std::vector<std::string>{});
+}
+
+TEST_F(XfileTest, ARelativePathIsLongWhenItsAbsoluteFormIs) {
+    const std::string inside = longFolder().substr(folder.path().size() + 1);
+    ASSERT_EQ(xfileMakeFolders(longFolder() + "\\d"), 0);
+    const InFolder here(folder.path());
+    EXPECT_EQ(writeWith(".\\" + inside + "/d/../f", XfileMode::WriteNew, "x"), 0);
+    EXPECT_EQ(readLong(longFolder() + "\\f"), "x");
 }
 
 TEST_F(XfileTest, MakeFoldersTakesARelativePath) {
