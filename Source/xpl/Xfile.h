@@ -123,7 +123,7 @@ struct XfileAttributes {
 [[nodiscard]] XErr xfileMove(const std::string& source, const std::string& destination);
 
 // The same for a destination that another process may be holding for a moment (a scanner, a
-// reader): a refused move (Windows errors 5 and 32) is tried up to 10 times more within half a
+// reader): a refused move (Windows errors 5, 32 and 33) is tried up to 10 times more within half a
 // second.
 [[nodiscard]] XErr xfileMovePatiently(const std::string& source, const std::string& destination);
 

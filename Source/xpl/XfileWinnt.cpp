@@ -59,6 +59,12 @@ XErr failed(Xfile& file) {
     return xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
+// What a file answers that a scanner or a reader holds for a moment.
+bool isBrieflyHeld(DWORD error) {
+    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
+           error == ERROR_LOCK_VIOLATION;
+}
+
 // The path as it is handed to Windows. One that has no absolute form is handed over as it is: the
 // call that gets it reports why.
 XErr windowsPath(const std::string& path, std::wstring& wide) {
@@ -191,8 +197,9 @@ XErr xfileSystemReplace(const std::string& source, const std::string& destinatio
     for (int attempt = 0;; ++attempt) {
         if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return XERR_SUCCESS;
         const DWORD error = ::GetLastError();
-        const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
-        if (!held || attempt == retries) return xerrFromWindows(static_cast<std::int32_t>(error));
+        if (!isBrieflyHeld(error) || attempt == retries) {
+            return xerrFromWindows(static_cast<std::int32_t>(error));
+        }
         ::Sleep(kReplaceRetryMs);
     }
 }

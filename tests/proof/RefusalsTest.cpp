@@ -174,9 +174,16 @@ BOOL WINAPI readTwoThenFailWithTwo(HANDLE, LPVOID bytes, DWORD, LPDWORD done, LP
     return ++calls == 1 ? TRUE : refuse(ERROR_IO_DEVICE, FALSE);
 }
 
+DWORD moveError;
+
 // Held by another program for the first two attempts.
 BOOL WINAPI moveAtTheThirdAttempt(LPCWSTR, LPCWSTR, DWORD) {
-    return ++calls < 3 ? refuse(ERROR_SHARING_VIOLATION, FALSE) : TRUE;
+    return ++calls < 3 ? refuse(moveError, FALSE) : TRUE;
+}
+
+BOOL WINAPI neverMove(LPCWSTR, LPCWSTR, DWORD) {
+    ++calls;
+    return refuse(moveError, FALSE);
 }
 
 class FileRefusals : public ::testing::Test {
@@ -286,16 +293,38 @@ TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
     EXPECT_STREQ(bytes, "xxxx");
 }
 
-TEST_F(FileRefusals, ASharingViolationIsWaitedForWithPatience) {
+TEST_F(FileRefusals, AFileBrieflyHeldIsWaitedForWithPatience) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
-    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 0);
-    EXPECT_EQ(calls, 3);
+    constexpr DWORD kHeld[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION};
+    for (const DWORD error : kHeld) {
+        calls = 0;
+        moveError = error;
+        EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 0) << error;
+        EXPECT_EQ(calls, 3) << error;
+    }
 }
 
-TEST_F(FileRefusals, ASharingViolationFailsAtOnceWithoutIt) {
+TEST_F(FileRefusals, AFileHeldForLongIsTheStatusAfterTenRetries) {
+    const OddMove held("MoveFileExW", neverMove);
+    const std::string source = folder.write("a", "");
+    moveError = ERROR_LOCK_VIOLATION;
+    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 100033);
+    EXPECT_EQ(calls, 11);
+}
+
+TEST_F(FileRefusals, OtherErrorsAreNotWaitedFor) {
+    const OddMove refused("MoveFileExW", neverMove);
+    const std::string source = folder.write("a", "");
+    moveError = ERROR_DISK_FULL;
+    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), XERR_NOSPC);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutPatience) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
+    moveError = ERROR_SHARING_VIOLATION;
     EXPECT_EQ(xfileMove(source, folder / "b"), 100032);
     EXPECT_EQ(calls, 1);
 }
