@@ -1,10 +1,8 @@
-// Starting child processes: the command line, the inherit gate, and elevation.
+// Starting child processes: the command line, and elevation.
 #include "xpl/Xproc.h"
 
-#include <mutex>
 #include <utility>
 
-#include "xpl/XinheritGate.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 
@@ -45,12 +43,7 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
     }
     const std::wstring shown = commandLine;  // the call may change the other one
     XprocPtr process;
-    unsigned long error = 0;
-    {
-        // No file that is about to be replaced may be open while a child starts.
-        const std::lock_guard<std::mutex> gate(xinheritGate());
-        error = xprocCalls().create(commandLine, process);
-    }
+    const unsigned long error = xprocCalls().create(commandLine, process);
     if (error != 0) {
         XLOG_E(kXprocLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d", kFunction,
                shown.c_str(), static_cast<int>(error));
