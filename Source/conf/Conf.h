@@ -44,7 +44,8 @@ XErr confAddInstance(ConfStore& store, const std::string& name);
 // the pending changes over it and replaces `path` through "<path>-temp". A failed reload (-1) keeps
 // the changes pending; a later failure keeps them in memory only: 7 for a line that no load could
 // read, 22 for a key or value that would read back as something else, or a file operation's status.
-// The old file stays whole.
+// The old file stays whole. After a success nothing is pending, whichever file was written: a
+// confCommit has nothing left to write.
 [[nodiscard]] XErr confCommitToFile(ConfStore& store, const std::string& path);
 
 // Reads, by full key. A key without a value reads as the empty text or 0, and is fatal as a bool.

@@ -279,6 +279,8 @@ namespace QXBridge
             session.Check();
             Session.Require("bridgeConfCommit", Native.bridgeConfCommit());
         }
+        /// <summary>Writes the whole configuration with the staged changes into another file. Afterwards
+        /// nothing is staged: a later Commit() does not bring these changes to the product's file.</summary>
         public void CommitToFile(string path)
         {
             session.Check();

@@ -125,7 +125,10 @@ export interface Configuration {
     /** Elements, or their stored form: joined by ",". */
     setMultiString(key: string, value: readonly string[] | string): void;
     commit(): void;
-    /** Writes the whole configuration with the staged changes into another file. */
+    /**
+     * Writes the whole configuration with the staged changes into another file. Afterwards nothing is
+     * staged: a later commit() does not bring these changes to the product's file.
+     */
     commitToFile(path: string): void;
 }
 

@@ -273,6 +273,11 @@ class Configuration:
         self._calls.status("bridgeConfCommit")
 
     def commit_to_file(self, path: str) -> None:
+        """Writes the whole configuration with the staged changes into another file.
+
+        Afterwards nothing is staged: a later commit() does not bring these changes to the product's
+        file.
+        """
         self._calls.status("bridgeConfCommitToFile", _utf8(path, "path"))
 
 

@@ -137,7 +137,11 @@ typedef void(BRIDGE_CALL* bridgeOnAppUninstalled)(const char* instance, const ch
 typedef void(BRIDGE_CALL* bridgeOnApkInstallCompleted)(const char* instance, bridge_i32 status,
                                                        const char* apkFilePath);
 
-/** The list of instances changed; the configuration has been loaded again before this call. */
+/**
+ * The list of instances changed; the configuration has been loaded again before this call. The call
+ * also comes when that load failed, which the log says: after a malformed line,
+ * bridgeConfGetInstances() lists only the instances of the lines before it.
+ */
 typedef void(BRIDGE_CALL* bridgeOnInstanceListUpdated)(void);
 
 /**
@@ -157,7 +161,8 @@ typedef void(BRIDGE_CALL* bridgeInstallImageProgress)(const char* imageName, bri
 typedef void(BRIDGE_CALL* bridgeOnCreateInstanceCompleted)(bridge_i32 status, const char* instance);
 
 /**
- * The configuration of an instance changed; it has been loaded again before this call.
+ * The configuration of an instance changed; it has been loaded again before this call, and a
+ * failed load has the effect that bridgeOnInstanceListUpdated describes.
  * @param instance instance name
  */
 typedef void(BRIDGE_CALL* bridgeOnInstanceConfigurationChanged)(const char* instance);
@@ -194,7 +199,8 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInit(const char* clientId);
  * Initialises the library: checks the client, starts the log and loads the configuration.
  *
  * May be called again, which runs every step once more. Makes UTF-8 the encoding of the C runtime
- * that the process shares (ucrtbase), with the user's locale.
+ * that the process shares (ucrtbase), with the user's locale: a host that uses this runtime opens
+ * narrow file names as UTF-8 from then on, and may print a decimal comma.
  * @param clientId    "Launcher", "Installer", "LogCollector", "Helper" or "Uninstaller". The
  *                    pointer is kept: the text must live as long as the library.
  * @param noConfFile  1 starts with the catalogue's defaults and without a configuration file
@@ -228,7 +234,9 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);
 /**@{*/
 
 /**
- * Reads a boolean property. A property without a value is fatal.
+ * Reads a boolean property. A property without a value is fatal: one of the four that have no
+ * default, before it is set, and any of an instance that this process has not loaded yet, such as
+ * one that another program has created since the last load.
  * @param key full key
  * @return its value
  */
@@ -316,6 +324,11 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommit(void);
 /**
  * Like bridgeConfCommit(), but always writes, and into a file of the caller's choice: the
  * product's configuration with the staged changes on top of it.
+ *
+ * Afterwards nothing is staged: a bridgeConfCommit() then has nothing to write. The configuration
+ * file does not get these changes, except for keys that it lacks, which the next commit with a
+ * change adds. Reads see the changes until the next load. For both files, call bridgeConfCommit()
+ * first.
  * @param path file to write; missing folders are created, as far as "\" separates them
  * @return as for bridgeConfCommit()
  */

@@ -145,6 +145,7 @@ inline Status setMultiString(const std::string& key, const std::string& value) {
 }
 
 inline Status commit() { return Status(bridgeConfCommit()); }
+/** bridgeConfCommitToFile(); afterwards nothing is staged for commit(). */
 inline Status commitToFile(const std::string& path) {
     return Status(bridgeConfCommitToFile(path.c_str()));
 }

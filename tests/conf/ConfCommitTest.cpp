@@ -100,6 +100,50 @@ TEST_F(ConfCommitTest, CommittingToAFileAlwaysWrites) {
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n") << "the loaded file is only read";
 }
 
+TEST_F(ConfCommitTest, CommittingToAnotherFileLeavesNothingToCommit) {
+    const std::string before = "vtr.locale=\"a\"\n";
+    ASSERT_EQ(init(before), 0);
+    log.clear();
+    const std::string copy = folder / "copy";
+    EXPECT_EQ(confSetString(store, "vtr.locale", "b"), 0);
+    EXPECT_EQ(confCommitToFile(store, copy), 0);
+    EXPECT_FALSE(confHasPendingChanges(store));
+    EXPECT_EQ(confCommit(store), 0);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE),
+              (Lines{"I CONF confCommitToFile args: " + copy,
+                     "D CONF No changes in conf file, so nothing to commit."}));
+    Entries expected = globalDefaults();
+    expected["vtr.locale"] = "b";
+    EXPECT_EQ(folder.read("copy"), fileText(expected));
+    EXPECT_EQ(folder.read("vantrel.conf"), before) << "the change is in the other file only";
+    EXPECT_EQ(folder.list(), (Lines{"copy", "vantrel.conf"}));
+}
+
+TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileIsReadUntilTheNextLoad) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    ASSERT_EQ(confCommitToFile(store, folder / "copy"), 0);
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "b");
+    confSetString(store, "vtr.locale", "b");
+    EXPECT_FALSE(confHasPendingChanges(store)) << "setting it again stages nothing";
+    ASSERT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "a");
+}
+
+TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileComesToTheFirstOneOnlyWhereThatLacksTheKey) {
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    confSetString(store, "vtr.guid", "b");
+    ASSERT_EQ(confCommitToFile(store, folder / "copy"), 0);
+    confSetString(store, "vtr.country", "c");
+    ASSERT_EQ(confCommit(store), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.locale"] = "a";
+    expected["vtr.guid"] = "b";
+    expected["vtr.country"] = "c";
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+}
+
 TEST_F(ConfCommitTest, WhatOthersCommittedMeanwhileIsKept) {
     ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.guid=\"old\"\n"), 0);
     confSetString(store, "vtr.guid", "mine");
