@@ -43,8 +43,8 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
     }
     const std::wstring shown = commandLine;  // the call may change the other one
     XprocPtr process;
-    const unsigned long error = xprocCalls().create(commandLine, process);
-    if (error != 0) {
+    unsigned long error = 0;
+    if (!xprocCalls().create(commandLine, process, error)) {
         XLOG_E(kXprocLog, "%s: CreateProcessW failed: cmdline %ls GetLastError() %d", kFunction,
                shown.c_str(), static_cast<int>(error));
         return translated(error);
@@ -64,8 +64,8 @@ XErr xprocCreate_elevated_basic(XprocHandle* handle, const XprocArguments& argum
         return err;
     }
     XprocPtr process;
-    const unsigned long error = xprocCalls().runAs(file, parameters, process);
-    if (error != 0) {
+    unsigned long error = 0;
+    if (!xprocCalls().runAs(file, parameters, process, error)) {
         XLOG_E(kXprocLog,
                "%s: ShellExecuteEx failed: filename %ls parameters %ls GetLastError() %d",
                kFunction, file.c_str(), parameters.c_str(), static_cast<int>(error));

@@ -20,7 +20,8 @@ using XprocArguments = std::vector<std::string>;
 // Starts a program without a window and does not wait for it. The child inherits this process's
 // inheritable handles, environment and current folder. When Windows demands elevation (error 740),
 // it is started through the shell's "runas" instead, which gives no handle: `handle` is then left
-// as it was. `handle` may be null. 22 for an empty list, else the translated error, logged.
+// as it was. `handle` may be null. 22 for an empty list, else the translated error, logged; 100000
+// when Windows reports a failure without an error.
 [[nodiscard]] XErr xprocCreate(XprocHandle* handle, const XprocArguments& arguments);
 
 // The two ways that xprocCreate chooses from.

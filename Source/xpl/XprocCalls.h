@@ -25,11 +25,12 @@ using XprocPtr = std::unique_ptr<void, XprocClose>;
 // The two system calls that start a process, and what a test puts in their place: elevation is
 // nothing that a test can have Windows demand.
 struct XprocCalls {
-    // Each answers 0 or the Windows error. `process` receives a handle, or stays null when there is
-    // none; `commandLine` may be changed by the call.
-    unsigned long (*create)(std::wstring& commandLine, XprocPtr& process);
-    unsigned long (*runAs)(const std::wstring& file, const std::wstring& parameters,
-                           XprocPtr& process);
+    // Each returns whether it succeeded. `process` then receives a handle, or stays null when there
+    // is none; after a failure `error` is the Windows error, which can be 0: a shell extension or a
+    // hook may fail a call and set none. `commandLine` may be changed by the call.
+    bool (*create)(std::wstring& commandLine, XprocPtr& process, unsigned long& error);
+    bool (*runAs)(const std::wstring& file, const std::wstring& parameters, XprocPtr& process,
+                  unsigned long& error);
 };
 
 // The calls in use: the system's own, until a test replaces them.

@@ -45,29 +45,36 @@ unsigned long windowsError(int error) {
     return error == EACCES ? kAccessDenied : kNotEnoughMemory;
 }
 
-unsigned long createProcess(std::wstring& commandLine, XprocPtr& process) {
+bool createProcess(std::wstring& commandLine, XprocPtr& process, unsigned long& error) {
     std::vector<std::string> arguments = takeApart(xtextToUtf8(commandLine));
-    if (arguments.empty()) return kFileNotFound;
+    if (arguments.empty()) {
+        error = kFileNotFound;
+        return false;
+    }
     const std::string program = xfileSystemPath(arguments[0]);
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     pid_t id = 0;
-    const int error = ::posix_spawn(&id, program.c_str(), /*file_actions=*/nullptr,
-                                    /*attrp=*/nullptr, pointers.data(), environ);
-    if (error != 0) return windowsError(error);
+    const int result = ::posix_spawn(&id, program.c_str(), /*file_actions=*/nullptr,
+                                     /*attrp=*/nullptr, pointers.data(), environ);
+    if (result != 0) {
+        error = windowsError(result);
+        return false;
+    }
     process.reset(new Process{id, 0});
-    return 0;
+    return true;
 }
 
 // Nobody asks for consent here.
-unsigned long runAs(const std::wstring& file, const std::wstring& parameters, XprocPtr&) {
+bool runAs(const std::wstring& file, const std::wstring& parameters, XprocPtr&,
+           unsigned long& error) {
     std::wstring line;
     static_cast<void>(xtextToWide(xprocQuote(xtextToUtf8(file)) + " ", line));
     line += parameters;
     XprocPtr started;
-    return createProcess(line, started);
+    return createProcess(line, started, error);
 }
 
 std::uint32_t exitCodeOf(const Process& process, int status) {

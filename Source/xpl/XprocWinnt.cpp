@@ -20,29 +20,32 @@ STARTUPINFOW startupInfo() {
     return info;
 }
 
-unsigned long createProcess(std::wstring& commandLine, XprocPtr& process) {
+bool createProcess(std::wstring& commandLine, XprocPtr& process, unsigned long& error) {
     STARTUPINFOW startup = startupInfo();
     PROCESS_INFORMATION started{};
     const BOOL ok = ::CreateProcessW(
         /*lpApplicationName=*/nullptr, commandLine.data(), nullptr, nullptr,
         /*bInheritHandles=*/TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup, &started);
-    if (!ok) return ::GetLastError();
+    error = ::GetLastError();
+    if (!ok) return false;
     process.reset(started.hProcess);
     const XprocPtr thread(started.hThread);  // which nobody needs
-    return ERROR_SUCCESS;
+    return true;
 }
 
-unsigned long shellRunAs(const std::wstring& file, const std::wstring& parameters,
-                         XprocPtr& process) {
+bool shellRunAs(const std::wstring& file, const std::wstring& parameters, XprocPtr& process,
+                unsigned long& error) {
     SHELLEXECUTEINFOW info{};
     info.cbSize = sizeof info;
     info.lpVerb = L"runas";
     info.lpFile = file.c_str();
     info.lpParameters = parameters.c_str();
     info.nShow = SW_SHOWNORMAL;
-    if (!::ShellExecuteExW(&info)) return ::GetLastError();
+    const BOOL ok = ::ShellExecuteExW(&info);
+    error = ::GetLastError();
+    if (!ok) return false;
     process.reset(info.hProcess);  // none, since the mask does not ask for one
-    return ERROR_SUCCESS;
+    return true;
 }
 
 }  // namespace

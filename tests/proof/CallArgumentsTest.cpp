@@ -54,6 +54,7 @@ struct Start {
 std::vector<Start> starts;
 PROCESS_INFORMATION startedProcess;
 DWORD startError;
+bool startWorks;
 
 // Writes into the command line, as the system may.
 BOOL WINAPI seeStart(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES process,
@@ -64,7 +65,7 @@ BOOL WINAPI seeStart(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES 
     commandLine[0] = L'?';
     *started = startedProcess;
     ::SetLastError(startError);
-    return startError == ERROR_SUCCESS;
+    return startWorks;
 }
 
 // Other standard handles of this process while it lives.
@@ -102,6 +103,7 @@ class StartArguments : public ::testing::Test {
     StartArguments() {
         starts.clear();
         startError = ERROR_SUCCESS;
+        startWorks = true;
         startedProcess = {newEvent(), newEvent(), 1, 2};
     }
     ~StartArguments() override {
@@ -171,6 +173,7 @@ TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
     const LogCapture log;
     const SeenCreate seen("CreateProcessW", seeStart);
     startError = ERROR_ACCESS_DENIED;
+    startWorks = false;
     XprocHandle handle = &handle;
     EXPECT_EQ(xprocCreate_basic(&handle, {"x.exe"}), XERR_ACCES);
     EXPECT_EQ(handle, &handle);
@@ -178,6 +181,28 @@ TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
     EXPECT_TRUE(isOpen(startedProcess.hThread));
     EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
                                  R"("x.exe" GetLastError() 5)"});
+}
+
+TEST_F(StartArguments, AFailedStartWithoutAnErrorIsAFailure) {
+    const LogCapture log;
+    const SeenCreate seen("CreateProcessW", seeStart);
+    startWorks = false;
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate(&handle, {"x.exe"}), 100000);
+    EXPECT_EQ(handle, &handle);
+    EXPECT_TRUE(isOpen(startedProcess.hProcess));
+    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
+                                 R"("x.exe" GetLastError() 0)"});
+}
+
+TEST_F(StartArguments, AStartThatWorksIsASuccessWhateverTheLastErrorSays) {
+    const LogCapture log;
+    const SeenCreate seen("CreateProcessW", seeStart);
+    startError = ERROR_ACCESS_DENIED;
+    XprocHandle handle = nullptr;
+    EXPECT_EQ(xprocCreate(&handle, {"x.exe"}), 0);
+    EXPECT_EQ(handle, startedProcess.hProcess);
+    EXPECT_EQ(log.texts(), Lines{});
 }
 
 // Starting a program with elevation.
@@ -209,6 +234,7 @@ class ElevationArguments : public ::testing::Test {
         elevations.clear();
         startedProcess = {};
         startError = 740;
+        startWorks = false;
         elevatedProcess = nullptr;
     }
 

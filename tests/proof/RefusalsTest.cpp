@@ -535,6 +535,18 @@ TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
                     "parameters \"a\" GetLastError() 1223"});
 }
 
+TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
+    const LogCapture log;
+    const ReplacedImport<decltype(::ShellExecuteExW)> refused(
+        "ShellExecuteExW", [](SHELLEXECUTEINFOW*) -> BOOL { return refuse(ERROR_SUCCESS, FALSE); });
+    XprocHandle handle = nullptr;
+    EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe"}), 100000);
+    EXPECT_EQ(handle, nullptr);
+    EXPECT_EQ(log.texts(),
+              Lines{"E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
+                    "parameters  GetLastError() 0"});
+}
+
 TEST(ProcessRefusals, AVariableThatCannotBeSetIsTheStatus) {
     const ReplacedImport<int(const char*)> refused(
         "_putenv", [](const char*) { return refuse(ERROR_NOT_ENOUGH_MEMORY, -1); });

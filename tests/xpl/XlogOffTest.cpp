@@ -71,8 +71,10 @@ TEST_F(XlogOffTest, AProgramWhoseNameIsNotUtf8) {
 
 TEST_F(XlogOffTest, AnElevatedStartThatIsDeclined) {
     const XprocCalls real = xprocCalls();
-    xprocCalls().runAs = [](const std::wstring&, const std::wstring&, XprocPtr&) -> unsigned long {
-        return XPROC_ELEVATION_REQUIRED;
+    xprocCalls().runAs = [](const std::wstring&, const std::wstring&, XprocPtr&,
+                            unsigned long& error) {
+        error = XPROC_ELEVATION_REQUIRED;
+        return false;
     };
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"}), 100740);
     xprocCalls() = real;

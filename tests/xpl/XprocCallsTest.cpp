@@ -1,6 +1,8 @@
 // What Windows is asked for, and what it says.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
 #include "support/Scene.h"
@@ -21,12 +23,16 @@ using Lines = std::vector<std::string>;
 // doubled backslashes, so it is looked for with single ones.
 std::string ownPath() { return builtProgram("xpl_test.exe"); }
 
+// The error of a call that fails; nothing for one that succeeds.
+using Failure = std::optional<unsigned long>;
+constexpr Failure kSuccess;
+
 // Replaces the two system calls while it lives and keeps what they were given.
 class FakeCalls {
  public:
-    FakeCalls(unsigned long createError, unsigned long runAsError) : real_(xprocCalls()) {
-        createResult = createError;
-        runAsResult = runAsError;
+    FakeCalls(Failure createFailure, Failure runAsFailure) : real_(xprocCalls()) {
+        createResult = createFailure;
+        runAsResult = runAsFailure;
         seen.clear();
         xprocCalls() = {create, runAs};
     }
@@ -37,26 +43,28 @@ class FakeCalls {
     static Lines seen;
 
  private:
-    static unsigned long create(std::wstring& commandLine, XprocPtr& process) {
+    static bool create(std::wstring& commandLine, XprocPtr& process, unsigned long& error) {
         seen.push_back("create " + xtextToUtf8(commandLine));
         commandLine[0] = L'?';  // as the real call may
-        if (createResult == 0) process.reset(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
-        return createResult;
+        if (!createResult) process.reset(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
+        error = createResult.value_or(ERROR_SUCCESS);
+        return !createResult;
     }
-    static unsigned long runAs(const std::wstring& file, const std::wstring& parameters,
-                               XprocPtr&) {
+    static bool runAs(const std::wstring& file, const std::wstring& parameters, XprocPtr&,
+                      unsigned long& error) {
         seen.push_back("runas " + xtextToUtf8(file) + " | " + xtextToUtf8(parameters));
-        return runAsResult;
+        error = runAsResult.value_or(ERROR_SUCCESS);
+        return !runAsResult;
     }
 
-    static unsigned long createResult;
-    static unsigned long runAsResult;
+    static Failure createResult;
+    static Failure runAsResult;
     XprocCalls real_;
 };
 
 Lines FakeCalls::seen;
-unsigned long FakeCalls::createResult;
-unsigned long FakeCalls::runAsResult;
+Failure FakeCalls::createResult;
+Failure FakeCalls::runAsResult;
 
 }  // namespace
 
@@ -122,7 +130,7 @@ TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
 
 TEST(Xproc, AProgramThatNeedsElevationIsStartedThroughTheShell) {
     const LogCapture log;
-    const FakeCalls calls(XPROC_ELEVATION_REQUIRED, 0);
+    const FakeCalls calls(XPROC_ELEVATION_REQUIRED, kSuccess);
     XprocHandle handle = &handle;
     EXPECT_EQ(xprocCreate(&handle, {R"(C:\P\x.exe)", "a b", R"("q")"}), 0);
     EXPECT_EQ(FakeCalls::seen, (Lines{R"(create "C:\\P\\x.exe" "a b" "\"q\"")",
@@ -133,7 +141,7 @@ TEST(Xproc, AProgramThatNeedsElevationIsStartedThroughTheShell) {
 }
 
 TEST(Xproc, AnElevatedStartWithOnlyAProgramHasNoParameters) {
-    const FakeCalls calls(0, 0);
+    const FakeCalls calls(kSuccess, kSuccess);
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"}), 0);
     EXPECT_EQ(FakeCalls::seen, Lines{"runas C:\\x.exe | "});
 }
@@ -149,13 +157,36 @@ TEST(Xproc, ADeclinedElevationIsLogged) {
 }
 
 TEST(Xproc, OtherFailuresAreNotTriedAgain) {
-    const FakeCalls calls(ERROR_ACCESS_DENIED, 0);
+    const FakeCalls calls(ERROR_ACCESS_DENIED, kSuccess);
     EXPECT_EQ(xprocCreate(nullptr, {"x"}), XERR_ACCES);
     EXPECT_EQ(FakeCalls::seen.size(), 1u);
 }
 
+TEST(Xproc, AFailureWithoutAnErrorIsNoSuccess) {
+    const LogCapture log;
+    const FakeCalls calls(ERROR_SUCCESS, kSuccess);
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate(&handle, {"x.exe", "a"}), 100000);
+    EXPECT_EQ(FakeCalls::seen, Lines{R"(create "x.exe" "a")"}) << "and asks for no elevation";
+    EXPECT_EQ(handle, &handle);
+    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
+                                 R"("x.exe" "a" GetLastError() 0)"});
+}
+
+TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorIsNoSuccess) {
+    const LogCapture log;
+    const FakeCalls calls(XPROC_ELEVATION_REQUIRED, ERROR_SUCCESS);
+    XprocHandle handle = &handle;
+    EXPECT_EQ(xprocCreate(&handle, {"x.exe", "a"}), 100000);
+    EXPECT_EQ(handle, &handle);
+    ASSERT_EQ(log.texts().size(), 2u);
+    EXPECT_EQ(log.texts()[1],
+              "E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename x.exe "
+              "parameters \"a\" GetLastError() 0");
+}
+
 TEST(Xproc, AHandleNobodyAsksForIsClosed) {
-    const FakeCalls calls(0, 0);
+    const FakeCalls calls(kSuccess, kSuccess);
     const long before = openHandles();
     for (int i = 0; i < 50; ++i) ASSERT_EQ(xprocCreate(nullptr, {"x"}), 0);
     EXPECT_EQ(openHandles(), before);
