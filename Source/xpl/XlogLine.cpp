@@ -87,7 +87,7 @@ std::size_t xlogFormatLine(XlogLineBuffer& buffer, const XlogLineHeader& header,
     line.appendText({&header.level, 1}, 1, ": ");
     if (site.file != nullptr) line.append("%s ", site.file);
     if (site.function != nullptr) line.append("%s ", site.function);
-    if (site.line != 0) line.append("%d | ", site.line);
+    if (site.line) line.append("%d | ", *site.line);
     line.appendList(format, arguments);
     return line.finish();
 }

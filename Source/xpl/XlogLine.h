@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "xpl/Xattributes.h"
 
@@ -21,11 +22,11 @@ struct XlogLineHeader {
     char level;
 };
 
-// What a line shows between header and message; null and 0 show nothing.
+// What a line shows between header and message: the members that are set.
 struct XlogLineSite {
     const char* file = nullptr;
     const char* function = nullptr;
-    std::int32_t line = 0;
+    std::optional<std::int32_t> line;  // a host's logging call may pass 0, which shows
 };
 
 using XlogLineBuffer = std::array<char, XLOG_LINE_SIZE>;

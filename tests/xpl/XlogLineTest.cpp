@@ -46,7 +46,8 @@ TEST(XlogLine, AnEmptyMessageIsALine) {
 TEST(XlogLine, ThePlaceInTheSourceStandsBeforeTheMessage) {
     EXPECT_EQ(format(kHeader, {"File", "function", 12}, "m"),
               kHeaderText + "File function 12 | m\n");
-    EXPECT_EQ(format(kHeader, {nullptr, "function", 0}, "m"), kHeaderText + "function m\n");
+    EXPECT_EQ(format(kHeader, {nullptr, "function", {}}, "m"), kHeaderText + "function m\n");
+    EXPECT_EQ(format(kHeader, {nullptr, nullptr, 0}, "m"), kHeaderText + "0 | m\n");
 }
 
 TEST(XlogLine, ALongMessageIsCutAt4093Characters) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <regex>
 #include <set>
 #include <thread>
@@ -35,6 +36,30 @@ using Lines = std::vector<std::string>;
 constexpr const char* kNeedsAtomicAppend =
     "skipped, needs Windows: under Wine an append-only write is not atomic";
 
+struct TagName {
+    XlogTag tag;
+    const char* name;
+};
+
+// In the order of their numbers, which the product's other programs share.
+constexpr TagName kTags[] = {
+    {XlogTag::AGA, "AGA"},       {XlogTag::APPC, "APPC"},     {XlogTag::AUD, "AUD"},
+    {XlogTag::BRIDGE, "BRIDGE"}, {XlogTag::CAM, "CAM"},       {XlogTag::CLD, "CLD"},
+    {XlogTag::CONF, "CONF"},     {XlogTag::CSM, "CSM"},       {XlogTag::DCRD, "DCRD"},
+    {XlogTag::GCALL, "GCALL"},   {XlogTag::GR, "GR"},         {XlogTag::GRM, "GRM"},
+    {XlogTag::HCALL, "HCALL"},   {XlogTag::HST, "HST"},       {XlogTag::IMAP, "IMAP"},
+    {XlogTag::IMGD, "IMGD"},     {XlogTag::INP, "INP"},       {XlogTag::IPC, "IPC"},
+    {XlogTag::KMM, "KMM"},       {XlogTag::MIM, "MIM"},       {XlogTag::MNS, "MNS"},
+    {XlogTag::PGA, "PGA"},       {XlogTag::PGAIPC, "PGAIPC"}, {XlogTag::PLR, "PLR"},
+    {XlogTag::SER, "SER"},       {XlogTag::UI, "UI"},         {XlogTag::UTL, "UTL"},
+    {XlogTag::VDES, "VDES"},     {XlogTag::VMMGR, "VMMGR"},   {XlogTag::WERH, "WERH"},
+    {XlogTag::XCOND, "XCOND"},   {XlogTag::XFILE, "XFILE"},   {XlogTag::XLIB, "XLIB"},
+    {XlogTag::XLOCK, "XLOCK"},   {XlogTag::XLOG, "XLOG"},     {XlogTag::XMEM, "XMEM"},
+    {XlogTag::XMUTEX, "XMUTEX"}, {XlogTag::XPROC, "XPROC"},   {XlogTag::XSOCK, "XSOCK"},
+    {XlogTag::XSTR, "XSTR"},     {XlogTag::XTHR, "XTHR"},     {XlogTag::XTIME, "XTIME"},
+    {XlogTag::XTIMER, "XTIMER"},
+};
+
 bool enabled(XlogTag tag, std::int32_t level) { return xlogIsEnabled({tag, ""}, level); }
 
 }  // namespace
@@ -49,19 +74,44 @@ TEST_F(XlogTest, EveryTagStartsAtInformationAndMemoryAtDebug) {
 }
 
 TEST_F(XlogTest, TagsHaveTheNumbersThatOtherProgramsUse) {
-    EXPECT_EQ(static_cast<int>(XlogTag::AGA), 0);
-    EXPECT_EQ(static_cast<int>(XlogTag::APPC), 1);
-    EXPECT_EQ(static_cast<int>(XlogTag::BRIDGE), 3);
-    EXPECT_EQ(static_cast<int>(XlogTag::CONF), 6);
-    EXPECT_EQ(static_cast<int>(XlogTag::GRM), 11);
-    EXPECT_EQ(static_cast<int>(XlogTag::IPC), 17);
-    EXPECT_EQ(static_cast<int>(XlogTag::MIM), 19);
-    EXPECT_EQ(static_cast<int>(XlogTag::PLR), 23);
-    EXPECT_EQ(static_cast<int>(XlogTag::UTL), 26);
-    EXPECT_EQ(static_cast<int>(XlogTag::XFILE), 31);
-    EXPECT_EQ(static_cast<int>(XlogTag::XMUTEX), 36);
-    EXPECT_EQ(static_cast<int>(XlogTag::XSTR), 39);
-    EXPECT_EQ(static_cast<int>(XlogTag::XTIMER), 42);
+    static_assert(std::size(kTags) == 43);
+    Lines expected;
+    for (int number = 0; number < 43; ++number) {
+        EXPECT_EQ(static_cast<int>(kTags[number].tag), number) << kTags[number].name;
+        xlogGetLogger().print(XLOG_INFORMATION, number, "f", "g", 1, "number %d", number);
+        expected.push_back(std::string("I ") + kTags[number].name + "  number " +
+                           std::to_string(number));
+    }
+    EXPECT_EQ(messages(), expected);
+}
+
+TEST_F(XlogTest, EveryTagsLevelIsSetByItsName) {
+    ASSERT_EQ(xlogSetLevels("*:E"), 0);
+    for (const TagName& one : kTags) {
+        ASSERT_EQ(xlogSetLevels(std::string(one.name) + ":V"), 0);
+        for (const TagName& other : kTags) {
+            EXPECT_EQ(enabled(other.tag, XLOG_WARNING), other.tag == one.tag) << other.name;
+        }
+        ASSERT_EQ(xlogSetLevels(std::string(one.name) + ":E"), 0);
+    }
+}
+
+TEST_F(XlogTest, ALevelSpecificationIsLoggedAtDebugLevel) {
+    EXPECT_EQ(xlogSetLevels("XLOG:D"), 0) << "off until now";
+    EXPECT_EQ(xlogSetLevels("*:W  CONF:Q"), XERR_INVAL);
+    EXPECT_EQ(xlogSetLevels("*:I"), 0);
+    EXPECT_EQ(messages(), Lines{"D XLOG  Change log levels with: *:W  CONF:Q"});
+}
+
+// The logger of the call before stays: what is shown of the start is its decision.
+TEST_F(XlogTest, TheStartIsLoggedAtDebugLevel) {
+    const LogCapture log;
+    ASSERT_EQ(xlogLibInit(nullptr, folder / "log"), 0);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE),
+              (Lines{"D XLOG Change log levels with: *:I XMEM:D", "D XLOG xlog lib init done."}));
+    ASSERT_EQ(log.lines().size(), 2u);
+    EXPECT_EQ(log.lines()[0].function, "xlogSetLevels");
+    EXPECT_EQ(log.lines()[1].function, "xlogLibInit");
 }
 
 TEST_F(XlogTest, OnlyTheFirstLetterOfALevelCounts) {
@@ -144,6 +194,14 @@ TEST_F(XlogTest, TheSwitchesShowTheBaseNameTheFunctionAndTheLine) {
     EXPECT_EQ(messages(),
               (Lines{"I CONF  Conf a", "I CONF  Conf TestBody " + std::to_string(line) + " | b",
                      "I XMEM  Source/xpl/Xmem c"}));
+}
+
+TEST_F(XlogTest, ALineNumberOfZeroIsShownToo) {
+    xlogSetDisplay(false, false, true);
+    xlogGetLogger().print(XLOG_INFORMATION, 6, "f", "g", 0, "message");
+    xlogSetDisplay(false, false, false);
+    xlogGetLogger().print(XLOG_INFORMATION, 6, "f", "g", 0, "without");
+    EXPECT_EQ(messages(), (Lines{"I CONF  0 | message", "I CONF  without"}));
 }
 
 TEST_F(XlogTest, PrintAnswersTheBytesWritten) {
