@@ -40,9 +40,9 @@ Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view text)
     return {key, nullptr, 0, "prop", "prop dir"};
 }
 
-// Whether the key may be used so; logged when not.
-bool isValid(const Declaration& declared, std::string_view key, ConfType type,
-             bool allowDeprecated) {
+// For callers that have looked the key up already. The same name, because log lines carry it.
+bool confValidateProp(const Declaration& declared, std::string_view key, ConfType type,
+                      bool allowDeprecated) {
     if (declared.property == nullptr) {
         XLOG_E(kLog, "%s prop not found in %s", std::string(key).c_str(), declared.directory);
         return false;
@@ -67,18 +67,6 @@ const std::string* effectiveValue(const ConfStore& store, std::string_view key, 
     return store.values.find(key, place);
 }
 
-template <typename Number>
-Number getNumber(ConfStore& store, std::string_view key, ConfType type,
-                 bool (*parse)(std::string_view, Number&), const char* function, int line) {
-    const std::string value = confGetStringInternal(store, key, type);
-    Number number = 0;
-    if (!parse(value, number)) {
-        XLOG_E(kLog, "%s error for %s:%s\n", function, std::string(key).c_str(), value.c_str());
-        xlogFatalBreak(kLog, line, function);
-    }
-    return number;
-}
-
 bool isCommittedValue(const ConfStore& store, std::string_view key, std::size_t place,
                       std::string_view value) XTS_REQUIRES(store.lock) {
     const std::string* const committed = store.values.find(key, place);
@@ -95,12 +83,12 @@ void makeInstanceKnown(ConfStore& store, const ConfKey& key) XTS_REQUIRES(store.
 
 bool confValidateProp(const ConfStore& store, std::string_view key, ConfType type,
                       bool allowDeprecated) {
-    return isValid(declarationOf(store.catalogue, key), key, type, allowDeprecated);
+    return confValidateProp(declarationOf(store.catalogue, key), key, type, allowDeprecated);
 }
 
 std::string confGetStringInternal(ConfStore& store, std::string_view key, ConfType type) {
     const Declaration declared = declarationOf(store.catalogue, key);
-    if (!isValid(declared, key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
+    if (!confValidateProp(declared, key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
     const std::lock_guard<std::mutex> guard(store.lock);
     if (!store.removals.empty() && store.removals.find(key) != store.removals.end()) {
         XLOG_E(kLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
@@ -132,17 +120,26 @@ bool confGetBool(ConfStore& store, std::string_view key) {
 }
 
 std::int32_t confGetI32(ConfStore& store, std::string_view key) {
-    return getNumber(store, key, ConfType::I32, confParseI32, __func__, __LINE__);
+    const std::string value = confGetStringInternal(store, key, ConfType::I32);
+    std::int32_t number = 0;
+    if (confParseI32(value, number)) return number;
+    XLOG_E(kLog, "confGetI32 error for %s:%s\n", std::string(key).c_str(), value.c_str());
+    XLOG_FATAL(kLog);
 }
 
 std::int64_t confGetI64(ConfStore& store, std::string_view key) {
-    return getNumber(store, key, ConfType::I64, confParseI64, __func__, __LINE__);
+    const std::string value = confGetStringInternal(store, key, ConfType::I64);
+    std::int64_t number = 0;
+    if (confParseI64(value, number)) return number;
+    XLOG_E(kLog, "confGetI64 error for %s:%s\n", std::string(key).c_str(), value.c_str());
+    XLOG_FATAL(kLog);
 }
 
 XErr confSetStringInternal(ConfStore& store, std::string_view key, ConfType type,
                            std::string_view value) {
     const Declaration declared = declarationOf(store.catalogue, key);
-    if (type != ConfType::None && !isValid(declared, key, type, /*allowDeprecated=*/false)) {
+    if (type != ConfType::None &&
+        !confValidateProp(declared, key, type, /*allowDeprecated=*/false)) {
         XLOG_FATAL(kLog);
     }
     const std::lock_guard<std::mutex> guard(store.lock);

@@ -158,6 +158,19 @@ TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
     EXPECT_EQ(log.texts(), Lines{"E CONF confValidateProp: Deprecated conf vtr.old"});
 }
 
+TEST_F(ConfAccessTest, ValidationLogsUnderItsOwnName) {
+    ConfCatalogue old;
+    old.registerGlobal("old", {ConfType::String, "", false, /*deprecated=*/true});
+    const ConfStore other(old, confDiskFiles());
+    EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
+    EXPECT_EQ(log.texts(), (Lines{"E CONF vtr.nothing prop not found in prop dir",
+                                  "E CONF vtr.instance.A.dpi type of the iprop is not matching",
+                                  "E CONF confValidateProp: Deprecated conf vtr.old"}));
+    for (const LogCapture::Line& line : log.lines()) EXPECT_EQ(line.function, "confValidateProp");
+}
+
 TEST(ConfMultiString, SplitsAtEveryComma) {
     EXPECT_EQ(confSplitMultiString(""), Lines{});
     EXPECT_EQ(confSplitMultiString("a"), Lines{"a"});
@@ -173,7 +186,8 @@ TEST(ConfMultiString, JoiningLosesLeadingEmptyElementsOnly) {
     EXPECT_EQ(confJoinMultiString({"a", ""}), "a,");
 }
 
-// Does one fatal thing, with the log on standard output.
+// Does one fatal thing, with the log on standard output; with a second argument its lines show the
+// function.
 SCENE(confFatal) {
     TempFolder folder;
     const std::string path = folder.write(
@@ -182,6 +196,7 @@ SCENE(confFatal) {
     if (xplLibInit(nullptr, "") != 0) return 1;
     ConfStore& store = confStore();
     if (confLibInit(store, path, false) != 0) return 2;
+    xlogSetDisplay(false, arguments.size() > 1, false);
     const std::string& what = arguments[0];
     if (what == "getUnknown") confGetString(store, "vtr.nothing");
     if (what == "getWrongType") confGetI32(store, "vtr.locale");
@@ -250,6 +265,47 @@ INSTANTIATE_TEST_SUITE_P(
                   "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]"}),
     [](const auto& info) { return std::string(info.param.what); });
 
+namespace {
+
+// The lines of a scene whose log shows the function.
+Lines linesWithFunction(const std::string& scene, const SceneArguments& arguments) {
+    Lines lines;
+    for (const std::string& line : logMessages(runScene(scene, arguments).out)) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
+}
+
+void expectFunction(const Lines& lines, const std::string& message, const std::string& breaks) {
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0], "E CONF  " + message);
+    EXPECT_EQ(lines[1].rfind("E CONF  " + breaks + " FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u)
+        << lines[1];
+}
+
+}  // namespace
+
+TEST(ConfFatalFunction, ABadNumberIsLoggedByTheFunctionThatReadsIt) {
+    expectFunction(linesWithFunction("confFatal", {"getBadNumber", "shown"}),
+                   "confGetI32 confGetI32 error for vtr.mem_pcd_pclimit:abc", "confGetI32");
+    expectFunction(linesWithFunction("readsABadLongNumber", {"shown"}),
+                   "confGetI64 confGetI64 error for vtr.big:abc", "confGetI64");
+}
+
+TEST(ConfFatalFunction, ABadBoolIsLoggedByTheFunctionThatReadsIt) {
+    expectFunction(linesWithFunction("confFatal", {"getBadBool", "shown"}),
+                   "confGetBool confGetBool error for vtr.feature.rooting:maybe", "confGetBool");
+}
+
+TEST(ConfFatalFunction, AKeyThatIsRefusedIsLoggedByTheValidation) {
+    expectFunction(linesWithFunction("confFatal", {"getUnknown", "shown"}),
+                   "confValidateProp vtr.nothing prop not found in prop dir",
+                   "confGetStringInternal");
+    expectFunction(linesWithFunction("confFatal", {"setUnknown", "shown"}),
+                   "confValidateProp vtr.nothing prop not found in prop dir",
+                   "confSetStringInternal");
+}
+
 TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
     ASSERT_EQ(confDeleteInstance(store, "A"), 0);
     EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
@@ -306,8 +362,11 @@ TEST_F(ConfRareTest, ALongNumberKeepsItsBits) {
 }
 
 SCENE(readsABadLongNumber) {
-    return useRare("vtr.big=\"abc\"\n", false,
-                   [](ConfStore& store) { confGetI64(store, "vtr.big"); });
+    const bool showFunction = !arguments.empty();
+    return useRare("vtr.big=\"abc\"\n", false, [showFunction](ConfStore& store) {
+        xlogSetDisplay(false, showFunction, false);
+        confGetI64(store, "vtr.big");
+    });
 }
 
 TEST_F(ConfRareTest, ALongNumberThatCannotBeReadEndsTheProcess) {
