@@ -272,6 +272,19 @@ TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheConfigurationCannotBeLoaded) {
     EXPECT_EQ(log.texts(XLOG_ERROR), (Lines{once[0], once[0]}));
 }
 
+TEST_F(BridgeDecTest, AHostThatListsTheInstancesAfterAFailedLoadSeesThoseBeforeTheBadLine) {
+    BridgeCallbacks host = writingHost();
+    host.onInstanceListUpdated = [] {
+        for (const std::string& name : confGetInstances(confStore())) hostCalls.push_back(name);
+    };
+    bridgeSetCallbacks(host);
+    folder.write("vantrel.conf",
+                 "vtr.instance.Nougat32.dpi=\"240\"\n\nvtr.instance.Nougat64.dpi=\"240\"\n");
+    EXPECT_TRUE(decode(instanceListUpdatedPacket()));
+    EXPECT_EQ(hostCalls, Lines{"Nougat32"});
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E CONF conf file not in correct format, "});
+}
+
 TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheLoadThrows) {
     folder.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\n");
     EXPECT_TRUE(decode(instanceListUpdatedPacket()));

@@ -147,6 +147,14 @@ TEST_F(ConfLoadTest, AForeignKeyStopsTheLoad) {
     EXPECT_EQ(log.texts(), Lines{"E CONF other.key prop not found in prop dir: other.key=\"1\""});
 }
 
+TEST_F(ConfLoadTest, AByteOrderMarkMakesTheFirstKeyAForeignOne) {
+    EXPECT_EQ(init("\xEF\xBB\xBFvtr.locale=\"a\"\nvtr.guid=\"b\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF \xEF\xBB\xBFvtr.locale prop not found in prop dir: "
+                                 "\xEF\xBB\xBFvtr.locale=\"a\""});
+    EXPECT_EQ(committed("vtr.locale"), "") << "no line was applied";
+    EXPECT_EQ(committed("vtr.guid"), "");
+}
+
 TEST_F(ConfLoadTest, ALineThatEndsAtItsSignThrowsWithEveryLockReleased) {
     EXPECT_THROW(static_cast<void>(init("vtr.locale=\"a\"\nvtr.guid=\n")), std::out_of_range);
     EXPECT_EQ(committed("vtr.locale"), "a");
@@ -198,6 +206,19 @@ TEST_F(ConfLoadTest, AReloadKeepsKeysThatTheFileLost) {
     EXPECT_EQ(committed("vtr.instance.B.dpi"), "2");
     EXPECT_EQ(committed("vtr.instance.B.ram"), "3");
     EXPECT_EQ(confGetInstances(store), names({"B"})) << "but the instance set is the file's";
+}
+
+TEST_F(ConfLoadTest, AReloadThatMeetsABadLineKnowsTheInstancesOfTheLinesBeforeIt) {
+    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n"), 0);
+    folder.write("vantrel.conf", "vtr.instance.A.dpi=\"3\"\nnonsense\nvtr.instance.B.dpi=\"4\"\n");
+    EXPECT_EQ(confReload(store), -1);
+    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, nonsense"});
+    EXPECT_EQ(confGetInstances(store), names({"A"}));
+    EXPECT_EQ(committed("vtr.instance.A.dpi"), "3");
+    EXPECT_EQ(committed("vtr.instance.B.dpi"), "2") << "still to be read by its key";
+    folder.write("vantrel.conf", "vtr.instance.A.dpi=\"3\"\nvtr.instance.B.dpi=\"4\"\n");
+    EXPECT_EQ(confReload(store), 0);
+    EXPECT_EQ(confGetInstances(store), names({"A", "B"}));
 }
 
 TEST_F(ConfLoadTest, AFailedOpenKeepsTheInstances) {

@@ -127,6 +127,36 @@ TEST_F(ConfigurationTest, CommittingToAFileLogsItsPathTwice) {
     EXPECT_EQ(linesOf(data.read("copy.conf")).size(), 87u);
 }
 
+TEST_F(ConfigurationTest, ACommitAfterOneToAnotherFileWritesAndLogsNothing) {
+    writeConf("vtr.locale=\"a\"\n");
+    const std::string copy = data / "copy.conf";
+    EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.locale", "b", "committo", copy, "commit"}),
+              (Lines{"init 0", "setstr 0", "committo 0", "commit 0"}));
+    EXPECT_EQ(afterStart(log()),
+              (Lines{"I BRIDGE Helper_bridge bridgeConfCommitToFile args: " + copy,
+                     "I CONF Helper_bridge confCommitToFile args: " + copy}));
+    EXPECT_NE(data.read("copy.conf").find("vtr.locale=\"b\"\n"), std::string::npos);
+    EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+}
+
+TEST_F(ConfigurationTest, ABoolOfAnInstanceThatIsNotLoadedEndsTheHost) {
+    writeConf("");
+    const char* const key = "vtr.instance.Nougat64.enable_vsync";
+    const std::string line = "vtr.instance.Nougat64.enable_vsync=\"1\"\n";
+    const ChildResult before = play({"init", "Helper", "getbool", key});
+    EXPECT_EQ(before.status, kFatalStatus);
+    EXPECT_EQ(linesOf(before.out), Lines{"init 0"});
+    const Lines lines = log();
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2],
+              std::string("E CONF Helper_bridge confGetBool error for ") + key + ":");
+    EXPECT_EQ(lines.back().rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0),
+              0u)
+        << lines.back();
+    writeConf(line);
+    EXPECT_EQ(output({"init", "Helper", "getbool", key}), (Lines{"init 0", "getbool 1"}));
+}
+
 TEST_F(ConfigurationTest, ACommitWithoutAChangeWritesAndLogsNothing) {
     writeConf("vtr.locale=\"a\"\n");
     EXPECT_EQ(output({"init", "Helper", "commit"}), (Lines{"init 0", "commit 0"}));
