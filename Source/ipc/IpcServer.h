@@ -34,11 +34,13 @@ class IpcServerThread : public QThread {
  private:
     void serve();
 
+    // The thread runs this module's code, and so do the destructors of the other members: the pin
+    // is declared first to be destroyed last.
+    XmodulePin pin;
     const std::string serverName;
     const IpcDecode decode;
     std::atomic<bool> begun{false};
     std::unique_ptr<IpcLocalServer> server;  // made, used and deleted by run()
-    XmodulePin pin;                          // the thread runs this module's code
 };
 
 // Starts a server under its full name. Always 0: whether it can listen shows later, in the log. A

@@ -220,6 +220,8 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_b
  * Does not commit pending changes. Call it last; inside a callback it stops nothing and logs an
  * error. Without it a host ends cleanly too, but cannot unload the library. Not needed after an
  * initialisation that failed. Qt's two DLLs stay loaded once an event or a request was dealt with.
+ * Call FreeLibrary() only after this function has returned: a host that drops its last reference
+ * earlier has the library unloaded while this function still runs in it.
  * @return 0
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);

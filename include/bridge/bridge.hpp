@@ -112,7 +112,7 @@ inline Status initWithLog(Client client, const std::string& logFilePath) {
     return Status(bridgeApiInitEx(clientId(client), 0, 0, logFilePath.c_str()));
 }
 
-/** bridgeApiFini(); not from inside a callback. */
+/** bridgeApiFini(); not from inside a callback. FreeLibrary() only after it has returned. */
 inline void finish() { static_cast<void>(bridgeApiFini()); }
 
 /** Typed access to the configuration. Keys and types that the catalogue does not know are fatal. */
