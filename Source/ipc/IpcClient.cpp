@@ -9,6 +9,7 @@
 #include <chrono>
 
 #include "ipc/IpcQt.h"
+#include "xpl/Xfence.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xmem.h"
 #include "xpl/Xunload.h"
@@ -152,12 +153,15 @@ void registerErrorType() {
 
 }  // namespace
 
+// Runs in destructors. Nothing else works on a client's socket, so that it can be deleted now when
+// there is no memory to delete it later.
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
-    if (deliversDeferredDeletion()) {
+    const bool later = xfence(kLog, "~IpcClient", false, [socket] {
+        if (!deliversDeferredDeletion()) return false;
         socket->deleteLater();
-    } else {
-        delete socket;
-    }
+        return true;
+    });
+    if (!later) delete socket;
 }
 
 IpcClient::~IpcClient() {

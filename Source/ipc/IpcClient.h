@@ -10,7 +10,8 @@ class QLocalSocket;
 constexpr int IPC_WAIT_MS = 30'000;
 
 // Deletes a socket when the thread's event loop comes to it, or at once where nothing ever would:
-// in a host without Qt, or on a thread that Qt does not run.
+// in a host without Qt, on a thread that Qt does not run, or without memory for the event. Throws
+// nothing.
 struct IpcSocketDeleter {
     void operator()(QLocalSocket* socket) const;
 };

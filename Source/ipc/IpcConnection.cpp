@@ -89,15 +89,16 @@ class Incoming {
 };
 
 // Appends up to `wanted` bytes, and no more than there are: memory follows what has arrived, not
-// what a header claims.
-void append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
+// what a header claims. Returns the number of bytes that came.
+qint64 append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
     const qint64 count = incoming.availableOf(wanted);
     const int before = info.buffer.size();
-    if (count <= 0) return;
+    if (count <= 0) return 0;
     if (before + count > kMaxBuffer) throw std::bad_alloc();
     info.buffer.resize(before + static_cast<int>(count));
     const qint64 got = incoming.take(info.buffer.data() + before, count);
     if (got < count) info.buffer.resize(before + static_cast<int>(got));
+    return got;
 }
 
 // Whether a packet has begun, with the length of the reply that it wants when it begins now.
@@ -123,8 +124,9 @@ bool beginPacket(IpcConnectionInfo& info, Incoming& incoming, std::uint32_t& rep
 }
 
 // The bytes still to come are a signed 32-bit number, so that lengths near both ends of the range
-// give a negative one: nothing can find the next packet behind such a header.
-void readBody(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
+// give a negative one: nothing can find the next packet behind such a header. Returns the number of
+// bytes that came.
+qint64 readBody(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
     const auto bytesToRead =
         static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(info.buffer.size()));
     XLOG_D(kLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info), bytesToRead);
@@ -134,7 +136,7 @@ void readBody(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
                self, serverOf(info), bytesToRead, info.packetLen, info.buffer.size());
         XLOG_FATAL(kLog);
     }
-    append(info, incoming, bytesToRead);
+    return append(info, incoming, bytesToRead);
 }
 
 // Memory for a reply; none, and a reply length of 0, when it cannot be had. Zeroed, so that no old
@@ -162,15 +164,8 @@ void writeReply(QLocalSocket& socket, const unsigned char* reply, std::uint32_t 
     }
 }
 
-void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
-              const char* self) {
-    XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
-    const XmemBytes reply = replyBuffer(info, replyLength, self);
-    xfence(kLog, self, false, [&] {
-        return decode(info.socket, reinterpret_cast<const std::uint8_t*>(info.buffer.constData()),
-                      info.buffer.size(), reply.get(), static_cast<std::int32_t>(replyLength));
-    });
-    writeReply(*info.socket, reply.get(), replyLength);
+// The next bytes are a header.
+void consumePacket(IpcConnectionInfo& info) {
     info.packetLen = 0;
     if (info.buffer.capacity() > kKeptBuffer) {
         info.buffer.clear();
@@ -179,22 +174,45 @@ void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLeng
     }
 }
 
-// Runs again from the event loop, when nothing works on the connection any more.
-void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
+// The packet is consumed before its reply is written: memory can run out in the socket, and the
+// packet must not be dispatched again.
+void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
+              const char* self) {
+    XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
+    const XmemBytes reply = replyBuffer(info, replyLength, self);
+    xfence(kLog, self, false, [&] {
+        return decode(info.socket, reinterpret_cast<const std::uint8_t*>(info.buffer.constData()),
+                      info.buffer.size(), reply.get(), static_cast<std::int32_t>(replyLength));
+    });
+    consumePacket(info);
+    writeReply(*info.socket, reply.get(), replyLength);
+}
 
-// What arrives on a connection, behind a fence: one that cannot be worked on is dropped, since its
-// next packet cannot be found. A host that runs an event loop of its own inside a callback comes
-// here a second time; the first call goes on with what has arrived then.
-void receive(IpcConnectionInfo* info, IpcDecode decode) {
-    if (info->busy) return;
-    info->busy = true;
-    const bool ok = xfence(kLog, "ipcReadCommand", false, [&] {
-        ipcReadCommand(info, decode);
+// Fences what the event loop or a destructor calls: an exception that reaches Qt's event loop ends
+// the server's thread. False when there was one, which is logged.
+template <typename Call>
+bool fenced(const char* function, Call call) noexcept {
+    return xfence(kLog, function, false, [&call] {
+        call();
         return true;
     });
+}
+
+// Runs dispose() from the event loop, when nothing works on the connection any more.
+void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
+
+// Receives what arrives on a connection. After an exception the connection is aborted and never
+// read again: its next packet cannot be found, and a socket that is closed can still claim bytes. A
+// host that runs an event loop of its own inside a callback comes here a second time; the first
+// call goes on with what has arrived then.
+void receive(IpcConnectionInfo* info, IpcDecode decode) {
+    if (info->busy || info->failed) return;
+    info->busy = true;
+    info->failed = !fenced("ipcReadCommand", [&] { ipcReadCommand(info, decode); });
     info->busy = false;
-    if (!ok) info->socket->abort();
-    if (info->disconnectedMeanwhile) disposeLater(info, decode);
+    if (info->failed) fenced("ipcReadCommand", [&] { info->socket->abort(); });
+    if (!info->disconnectedMeanwhile) return;
+    fenced("ipcDestroyConnection", [&] { disposeLater(info, decode); });
 }
 
 // The last bytes of a peer that wrote and left can still wait here when the disconnect is told.
@@ -204,13 +222,22 @@ void dispose(IpcConnectionInfo* info, IpcDecode decode) {
         return;
     }
     if (info->socket->bytesAvailable() > 0) receive(info, decode);
-    info->socket->deleteLater();
+    QLocalSocket* const socket = info->socket;
+    // The event loop calls this, and nothing else works on the socket: without memory to delete it
+    // later it is deleted now.
+    if (!fenced("ipcDestroyConnection", [socket] { socket->deleteLater(); })) delete socket;
 }
 
 void disposeLater(IpcConnectionInfo* info, IpcDecode decode) {
     info->disconnectedMeanwhile = false;
     QMetaObject::invokeMethod(
         info->socket, [info, decode] { dispose(info, decode); }, Qt::QueuedConnection);
+}
+
+// A signal of the socket calls this, which therefore cannot be deleted here. Without memory for the
+// disposal it stays, disconnected, until its parent deletes it: the server, at its end.
+void whenDisconnected(IpcConnectionInfo* info, IpcDecode decode) {
+    fenced("ipcDestroyConnection", [&] { ipcDestroyConnection(info, decode); });
 }
 
 void logAboutToClose(const IpcConnectionInfo* info) {
@@ -235,10 +262,11 @@ int IpcConnectionInfo::live() { return liveRecords; }
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName) {
     QLocalSocket* const socket = server->nextPendingConnection();
     if (socket == nullptr) return;
-    // Without memory for the rest there is no connection.
+    // Without memory for the rest there is no connection. Without memory to delete the socket later
+    // either, the server deletes it at its end.
     const auto abandon = [](QLocalSocket* connection) {
-        connection->abort();
-        connection->deleteLater();
+        fenced("ipcHandleNewConnection", [connection] { connection->abort(); });
+        fenced("ipcHandleNewConnection", [connection] { connection->deleteLater(); });
     };
     std::unique_ptr<QLocalSocket, decltype(abandon)> unfinished(socket, abandon);
     // The three handlers share the record, and the last of them goes with the socket: it is
@@ -251,7 +279,7 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
         Qt::DirectConnection);
     QObject::connect(
         socket, &QLocalSocket::disconnected, socket,
-        [info, decode] { ipcDestroyConnection(info.get(), decode); }, Qt::DirectConnection);
+        [info, decode] { whenDisconnected(info.get(), decode); }, Qt::DirectConnection);
     QObject::connect(
         socket, &QLocalSocket::aboutToClose, socket, [info] { logAboutToClose(info.get()); },
         Qt::DirectConnection);
@@ -269,12 +297,13 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     std::uint32_t replyLength = 0;
     do {
         if (!beginPacket(*info, incoming, replyLength, self)) return;
-        readBody(*info, incoming, self);
+        const qint64 came = readBody(*info, incoming, self);
         if (static_cast<std::uint32_t>(info->buffer.size()) == info->packetLen) {
             dispatch(*info, decode, replyLength, self);
         } else {
             XLOG_D(kLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
                    serverOf(*info), info->buffer.size(), info->packetLen);
+            if (came == 0) return;  // whatever the socket claims
         }
     } while (incoming.hasAny());
 }

@@ -25,6 +25,7 @@ struct IpcConnectionInfo {
     std::uint32_t packetLen = 0;    // its length; 0: the next bytes are a header
     const std::string* serverName;  // for log lines
     bool busy = false;              // inside ipcReadCommand
+    bool failed = false;            // aborted after an exception; never read again
     bool disconnectedMeanwhile = false;
 };
 
@@ -34,7 +35,7 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
 
 // Assembles packets from what the socket holds and hands over each complete one; writes the reply
 // of one that wants a reply and came within this call. A length that cannot be one is fatal. Throws
-// what memory and decode throw.
+// what memory throws; a packet that was handed over is consumed all the same.
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode);
 
 // After a disconnect: takes in what arrived before it, then disposes of the socket.

@@ -301,6 +301,45 @@ TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
     EXPECT_EQ(socket.written, std::string(4, '\0'));
 }
 
+TEST_F(IpcReadCommandTest, APacketWhoseReplyFindsNoMemoryCountsAsConsumed) {
+    struct ScarceSocket : FakeSocket {
+        qint64 writeData(const char*, qint64) override { throw std::bad_alloc(); }
+    };
+    ScarceSocket scarce;
+    IpcConnectionInfo connection(&scarce, &kServerName);
+    const std::string asking = packetOf(1, "", 4);
+    const std::string next = packetOf(2, "");
+    scarce.waiting = asking;
+    EXPECT_THROW(ipcReadCommand(&connection, record), std::bad_alloc);
+    EXPECT_EQ(connection.packetLen, 0u);
+    EXPECT_EQ(connection.buffer.size(), 0);
+    scarce.waiting = next;
+    ipcReadCommand(&connection, record);
+    EXPECT_EQ(packets(), (Lines{asking, next}));
+}
+
+TEST_F(IpcReadCommandTest, ASocketThatClaimsBytesAndGivesNoneEndsTheCall) {
+    // Goes on claiming, as a closed socket of Windows does, up to what this test has patience for.
+    struct ClosedSocket : FakeSocket {
+        qint64 bytesAvailable() const override {
+            return FakeSocket::bytesAvailable() + (refused < 1000 ? 1 : 0);
+        }
+        qint64 readData(char* to, qint64 size) override {
+            if (!waiting.empty()) return FakeSocket::readData(to, size);
+            ++refused;
+            return -1;
+        }
+        int refused = 0;
+    };
+    ClosedSocket closed;
+    IpcConnectionInfo connection(&closed, &kServerName);
+    closed.waiting = packetOf(1, "abcd").substr(0, 14);
+    ipcReadCommand(&connection, record);
+    EXPECT_LE(closed.refused, 3);
+    EXPECT_EQ(connection.buffer.size(), 14);
+    EXPECT_EQ(packets(), Lines{});
+}
+
 TEST_F(IpcReadCommandTest, AClaimedLengthTakesNoMemoryBeforeTheBytesCome) {
     const std::uint32_t largest = 0x8000000Bu;  // 2^31 + 11: the last that is not fatal
     deliver(bytesOf(1u) + bytesOf(largest) + bytesOf(0u) + "abc");

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QThread>
 #include <functional>
+#include <new>
 #include <utility>
 
 #include "ipc/IpcConnection.h"
@@ -50,6 +51,23 @@ class LossySocket : public FakeSocket {
     }
 };
 
+// A socket that memory runs out for: in its nth read, or in every write.
+class ScarceSocket : public FakeSocket {
+ public:
+    int readsLeft = 1'000'000;
+    bool writes = true;
+
+ protected:
+    qint64 readData(char* to, qint64 size) override {
+        if (readsLeft-- == 0) throw std::bad_alloc();
+        return FakeSocket::readData(to, size);
+    }
+    qint64 writeData(const char* bytes, qint64 size) override {
+        if (!writes) throw std::bad_alloc();
+        return FakeSocket::writeData(bytes, size);
+    }
+};
+
 class OneSocketServer : public QLocalServer {
  public:
     explicit OneSocketServer(QLocalSocket* socket) : socket_(socket) {}
@@ -77,6 +95,20 @@ class IpcReentryTest : public ::testing::Test {
         OneSocketServer server(socket);
         ipcHandleNewConnection(&server, record, &kServerName);
         log.clear();
+    }
+
+    // The peer has gone: delivers what is queued for the socket then, and the socket's end.
+    static void disconnect(QLocalSocket* socket) {
+        const QPointer<QLocalSocket> alive(socket);
+        emit socket->disconnected();
+        QCoreApplication::sendPostedEvents(socket);
+        EXPECT_FALSE(alive.isNull());
+        QCoreApplication::sendPostedEvents(socket, QEvent::DeferredDelete);
+        EXPECT_TRUE(alive.isNull());
+    }
+
+    static Lines noMemoryLine() {
+        return {std::string("E IPC ipcReadCommand: exception: ") + std::bad_alloc().what()};
     }
 
     static QThreadData* thread() { return QThreadData::get2(QThread::currentThread()); }
@@ -136,11 +168,39 @@ TEST_F(IpcReentryTest, APacketThatNoMemoryCanHoldDropsItsConnection) {
     socket->waiting = bytesOf(1u) + bytesOf(0x8000000Bu) + bytesOf(0u);
     emit socket->readyRead();
     EXPECT_EQ(packets, Lines{});
-    EXPECT_EQ(log.texts(XLOG_ERROR),
-              Lines{std::string("E IPC ipcReadCommand: exception: ") + std::bad_alloc().what()});
+    EXPECT_EQ(log.texts(XLOG_ERROR), noMemoryLine());
     // Where it has another socket inside, that one is aborted.
     if (closeSignals() == 1) EXPECT_FALSE(socket->isOpen());
     delete alive.data();
+}
+
+TEST_F(IpcReentryTest, APacketThatMemoryRanOutForIsNotReadAgainWhenThePeerHasLeft) {
+    auto* const socket = new ScarceSocket;
+    connect(socket);
+    socket->waiting = packetOf(1, std::string(40'000, 'x')) + packetOf(2, "behind it");
+    socket->readsLeft = 1;
+    emit socket->readyRead();
+    const std::size_t left = socket->waiting.size();
+    EXPECT_GT(left, 0u);
+    socket->readsLeft = 1'000'000;
+    emit socket->readyRead();
+    EXPECT_EQ(socket->waiting.size(), left);
+    disconnect(socket);
+    EXPECT_EQ(packets.size(), 0u);
+    EXPECT_EQ(log.texts(XLOG_ERROR), noMemoryLine());
+}
+
+TEST_F(IpcReentryTest, AReplyThatFindsNoMemoryDropsItsConnectionAndItsPacketIsDispatchedOnce) {
+    auto* const socket = new ScarceSocket;
+    connect(socket);
+    const std::string asking = packetOf(1, "", 4);
+    socket->waiting = asking + packetOf(2, std::string(40'000, 'x'));
+    socket->writes = false;
+    emit socket->readyRead();
+    EXPECT_FALSE(socket->waiting.empty());
+    disconnect(socket);
+    EXPECT_EQ(packets, Lines{asking});
+    EXPECT_EQ(log.texts(XLOG_ERROR), noMemoryLine());
 }
 
 TEST_F(IpcReentryTest, ASocketThatGivesLessThanItClaimedCompletesThePacketLater) {
