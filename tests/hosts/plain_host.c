@@ -18,6 +18,7 @@
  */
 #include "plain_children.h"
 #include "plain_events.h"
+#include "plain_registry.h"
 #include "support/process_figures.h"
 
 #include <bridge/bridge.h>
@@ -46,33 +47,9 @@ const char* next(void) {
 
 const WCHAR* nextWide(void) { return wideArguments[argumentIndex++]; }
 
-static HKEY openKey(HKEY root, const WCHAR* path, DWORD options) {
-    HKEY key = NULL;
-    RegCreateKeyExW(root, path, 0, NULL, options, KEY_ALL_ACCESS | KEY_WOW64_64KEY, NULL, &key,
-                    NULL);
-    return key;
-}
-
-static void sandbox(void) {
-    WCHAR path[64];
-    HKEY key;
-    wsprintfW(path, L"Software\\QXBridgeTests\\host-%lu", GetCurrentProcessId());
-    /* One of that name is a fatally ended host's, whose process id came again. */
-    RegDeleteTreeW(HKEY_CURRENT_USER, path);
-    /* The folder of all of them is for lasting keys, too, which none that is volatile can hold. */
-    RegCloseKey(openKey(HKEY_CURRENT_USER, L"Software\\QXBridgeTests", REG_OPTION_NON_VOLATILE));
-    key = openKey(HKEY_CURRENT_USER, path, REG_OPTION_VOLATILE);
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
-    RegCloseKey(key);
-}
-
 static void registry(void) {
     const WCHAR* name = nextWide();
-    const WCHAR* text = nextWide();
-    const HKEY key = openKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Vantrel_nvo", REG_OPTION_VOLATILE);
-    RegSetValueExW(key, name, 0, REG_SZ, (const BYTE*)text,
-                   (DWORD)((lstrlenW(text) + 1) * sizeof(WCHAR)));
-    RegCloseKey(key);
+    setProductText(name, nextWide());
 }
 
 void printLine(const char* line) {
@@ -219,7 +196,7 @@ int main(void) {
     while (argumentIndex < argumentCount) {
         const char* name = next();
         if (strcmp(name, "sandbox") == 0)
-            sandbox();
+            sandboxRegistry();
         else if (strcmp(name, "registry") == 0)
             registry();
         else if (strcmp(name, "init") == 0)
