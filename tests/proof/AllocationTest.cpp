@@ -5,7 +5,12 @@
 #include <bridge/bridge.h>
 #include <gtest/gtest.h>
 
+#include <private/qthread_p.h>
+#include <QCoreApplication>
 #include <QLocalServer>
+#include <QPointer>
+#include <QThread>
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <functional>
@@ -13,14 +18,19 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Allocations.h"
+#include "ImportTable.h"
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeIpcClbk.h"
 #include "conf/Conf.h"
+#include "ipc/IpcClient.h"
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
+#include "support/Platform.h"
+#include "support/RawServer.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
@@ -402,6 +412,177 @@ TEST(ConnectionAllocationTest, AConnectionThatMemoryIsShortFor) {
     EXPECT_GT(shortages, 3);
 }
 
+namespace {
+
+// Qt's core in the same shortage, while it lives.
+class QtInShortage {
+ private:
+    const ReplacedImport<void*(std::size_t)> malloc_{"malloc", allocateInShortage, "Qt5Core.dll"};
+};
+
+// Makes this thread one that delivers without an application object, while it lives.
+class DeliveringThread {
+ public:
+    DeliveringThread() : before_(std::exchange(data()->requiresCoreApplication, false)) {}
+    ~DeliveringThread() { data()->requiresCoreApplication = before_; }
+    DeliveringThread(const DeliveringThread&) = delete;
+    DeliveringThread& operator=(const DeliveringThread&) = delete;
+
+ private:
+    static QThreadData* data() { return QThreadData::get2(QThread::currentThread()); }
+
+    const bool before_;
+};
+
+// The end of a connection, with everything that the event loop does then. False when no allocation
+// had failed.
+bool disconnectInShortage(const QPointer<QLocalSocket>& socket, Shortage kind, int first) {
+    startShortage(kind, first);
+    emit socket->disconnected();
+    QCoreApplication::sendPostedEvents(socket.data());
+    if (!socket.isNull()) {
+        QCoreApplication::sendPostedEvents(socket.data(), QEvent::DeferredDelete);
+    }
+    return endShortage();
+}
+
+// Whether the socket was gone by then; the server frees the one whose deletion could not be queued.
+std::string disconnectsInShortage(Shortage kind, int first) {
+    const std::string name = "server";
+    OneClient server;
+    QPointer<QLocalSocket> socket = new FakeSocket;
+    socket->setParent(&server);
+    server.socket = socket.data();
+    ipcHandleNewConnection(&server, bridgeDecode, &name);
+    // A socket in memory is never connected, so that its disposal is queued already.
+    QCoreApplication::removePostedEvents(socket.data());
+    const ErrorLines errors;
+    const bool failed = disconnectInShortage(socket, kind, first);
+    EXPECT_EQ(errors.count() > 0, failed);
+    if (failed) {
+        EXPECT_EQ(errors.last(),
+                  std::string("ipcDestroyConnection: exception: ") + std::bad_alloc().what());
+    }
+    EXPECT_EQ(IpcConnectionInfo::live(), socket.isNull() ? 0 : 1);
+    return std::string(failed ? "short" : "plenty") + (socket.isNull() ? ", gone" : ", stays");
+}
+
+}  // namespace
+
+// No exception reaches the event loop, and the socket goes: at once, later, or with its server.
+TEST(ConnectionAllocationTest, ADisconnectThatMemoryIsShortFor) {
+    const DeliveringThread delivering;
+    const QtInShortage qt;
+    for (const Shortage kind : {Shortage::Once, Shortage::ForEver}) {
+        int stayed = 0;
+        int gone = 0;
+        for (std::string outcome; outcome != "plenty, gone";) {
+            SCOPED_TRACE(stayed + gone);
+            ASSERT_LT(stayed + gone, 100);
+            outcome = disconnectsInShortage(kind, stayed + gone);
+            ASSERT_NE(outcome, "plenty, stays");
+            ASSERT_EQ(IpcConnectionInfo::live(), 0) << "after the server";
+            ++(outcome == "short, stays" ? stayed : gone);
+        }
+        EXPECT_GT(stayed, 1) << "the call and its event";
+        EXPECT_GT(gone, 1);
+    }
+}
+
+namespace {
+
+std::atomic<int> failingNext;  // the number of the allocation that fails next
+std::atomic<int> started;
+std::atomic<int> ended;
+std::atomic<bool> wasMet;  // the last shortage
+
+// A packet starts a shortage on the server's thread, and another one ends it.
+bool startOrEndShortage(QLocalSocket*, const std::uint8_t* packet, std::int32_t, void*,
+                        std::int32_t) {
+    if (packet[0] == 1) {
+        startShortage(Shortage::Once, failingNext);
+        ++started;
+    } else {
+        wasMet = endShortage();
+        ++ended;
+    }
+    return true;
+}
+
+template <typename Condition>
+bool waitUntil(Condition condition) {
+    for (int i = 0; i < 400 && !condition(); ++i) sleepMs(5);
+    return condition();
+}
+
+// A connection to a server whose thread still runs.
+void* connectTo(const std::string& server) {
+    void* handle = nullptr;
+    EXPECT_TRUE(waitUntil([&] { return (handle = connectRaw(server)) != nullptr; }))
+        << "the server's thread has ended";
+    return handle;
+}
+
+// A client that comes, starts a shortage, and goes. Its end is dealt with when this returns.
+void startShortageOf(const std::string& server) {
+    const int before = started;
+    const int refused = refusedAllocations();
+    RawPipe pipe(connectTo(server));
+    EXPECT_TRUE(pipe.write(packetOf(1, "")));
+    EXPECT_TRUE(waitUntil([&] { return started > before; }));
+    pipe.close();
+    EXPECT_TRUE(waitUntil(
+        [&] { return IpcConnectionInfo::live() == 0 || refusedAllocations() > refused; }));
+}
+
+// The shortage can refuse one client.
+void endShortageOf(const std::string& server) {
+    const int before = ended;
+    for (int i = 0; i < 2 && ended == before; ++i) {
+        RawPipe pipe(connectTo(server));
+        pipe.write(packetOf(2, ""));
+        waitUntil([&] { return ended > before; });
+    }
+    EXPECT_GT(ended, before);
+}
+
+}  // namespace
+
+// Each server has one shortage: it may keep a socket that could not be disposed of.
+TEST(ConnectionAllocationTest, TheServersThreadOutlivesEachShortage) {
+    const std::string name = "vtr_test_allocation_" + std::to_string(ownProcessId());
+    int shortages = 0;
+    for (wasMet = true; wasMet && !HasFailure(); ++shortages) {
+        SCOPED_TRACE(shortages);
+        failingNext = shortages;
+        IpcServerThread* server = nullptr;
+        ASSERT_EQ(ipcServerInit(&server, name, startOrEndShortage), 0);
+        startShortageOf(name);
+        if (!HasFailure()) endShortageOf(name);
+        ipcServerFini(&server);
+        ASSERT_EQ(IpcConnectionInfo::live(), 0);
+    }
+    EXPECT_GT(shortages, 4);
+}
+
+// A client on a thread of Qt's, whose socket waits for the event loop.
+SCENE(dropsAClientInAShortage) {
+    int result = 1;
+    const std::unique_ptr<QThread> thread(QThread::create([&arguments, &result] {
+        auto client = std::make_unique<IpcClient>();
+        ipcClientInit(*client, "nobody");
+        const QPointer<QLocalSocket> socket(client->socket.get());
+        const QtInShortage qt;
+        startShortage(Shortage::Once, std::stoi(arguments[0]));
+        client.reset();
+        const bool failed = endShortage();
+        if (failed == socket.isNull()) result = failed ? 0 : 5;
+    }));
+    thread->start();
+    thread->wait();
+    return result;
+}
+
 // The end, with a server: it stops whatever is short.
 SCENE(finishesInAShortage) {
     RegistrySandbox registry;
@@ -446,6 +627,11 @@ void expectSweep(const std::string& scene) {
 }
 
 }  // namespace
+
+TEST(AllocationSceneTest, DroppingAClient) {
+    EXPECT_EQ(runScene("dropsAClientInAShortage", {"0"}).status, 0u);
+    EXPECT_EQ(runScene("dropsAClientInAShortage", {"100"}).status, 5u);
+}
 
 TEST(AllocationSceneTest, Registering) { expectSweep("registersInAShortage"); }
 

@@ -1,6 +1,6 @@
 #include "Allocations.h"
 
-#include <cstddef>
+#include <atomic>
 #include <new>
 
 namespace {
@@ -12,12 +12,14 @@ struct State {
     bool failed = false;
 };
 thread_local State state;
+std::atomic<int> refused;
 
 bool fails() {
     if (!state.active) return false;
     const int left = state.left--;
     const bool now = state.kind == Shortage::Once ? left == 0 : left <= 0;
     state.failed = state.failed || now;
+    if (now) ++refused;
     return now;
 }
 
@@ -29,6 +31,8 @@ bool endShortage() {
     state.active = false;
     return state.failed;
 }
+
+int refusedAllocations() { return refused; }
 
 // The linker sends calls of the plain names here.
 extern "C" {
@@ -43,6 +47,8 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
     return fails() ? nullptr : __real_calloc(count, size);
 }
 }
+
+void* allocateInShortage(std::size_t size) { return __wrap_malloc(size); }
 
 void* operator new(std::size_t size) {
     void* const memory = fails() ? nullptr : __real_malloc(size == 0 ? 1 : size);

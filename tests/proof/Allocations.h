@@ -1,8 +1,10 @@
 #ifndef TESTS_PROOF_ALLOCATIONS_H
 #define TESTS_PROOF_ALLOCATIONS_H
 
+#include <cstddef>
+
 // Stands in for the memory of this program: operator new, malloc and calloc of everything that is
-// linked into it. Qt, which does not survive a failure, has its own.
+// linked into it. Qt, which does not survive every failure, has its own.
 
 enum class Shortage { Once, ForEver };
 
@@ -12,5 +14,11 @@ void startShortage(Shortage kind, int first);
 
 // Back to plenty. False when no allocation had failed.
 bool endShortage();
+
+// How many allocations have failed so, on any thread.
+int refusedAllocations();
+
+// This program's malloc, to stand in for that of a module that is to be short of memory too.
+void* allocateInShortage(std::size_t size);
 
 #endif
