@@ -12,7 +12,7 @@ resources="$prefix/lib/clang/$llvm_version"
 mkdir -p "$work" "$prefix/bin"
 
 # What the library, Qt and the tests link. mingw-w64 has some 800 more, which take a minute to make.
-import_libraries="advapi32 bcrypt comctl32 crypt32 dbghelp dnsapi gdi32 iphlpapi kernel32 mpr netapi32
+import_libraries="advapi32 bcrypt comctl32 comdlg32 crypt32 dbghelp dnsapi gdi32 iphlpapi kernel32 mpr netapi32
     ntdll ole32 oleaut32 psapi rpcrt4 secur32 shell32 shlwapi user32 userenv uuid version winmm winspool
     ws2_32"
 

@@ -221,9 +221,7 @@ XErr xfileCreateNewFolder(const std::string& path) {
 }
 
 bool xfileSystemWaitForHolder(std::int32_t windowsError) {
-    const bool held = windowsError == ERROR_ACCESS_DENIED ||
-                      windowsError == ERROR_SHARING_VIOLATION ||
-                      windowsError == ERROR_LOCK_VIOLATION;
-    if (held) ::Sleep(kReplaceRetryMs);
-    return held;
+    if (!isBrieflyHeld(static_cast<DWORD>(windowsError))) return false;
+    ::Sleep(kReplaceRetryMs);
+    return true;
 }
