@@ -1,15 +1,14 @@
 // bridgeadm: maintenance of the product's data, with the layers of the library and without its DLL.
-#include <CLI/CLI.hpp>
-
 #include "Session.h"
 #include "bridgectl/CommandLine.h"
 #include "bridgectl/Console.h"
+#include "bridgectl/OptionParser.h"
 #include "utl/UtlImages.h"
 
 namespace {
 
-void declareOptions(CLI::App& app, Session& session) {
-    app.add_option("--log-file", session.logFile, "Log into this file instead of the product's");
+void declareOptions(OptionParser& parser, Session& session) {
+    parser.add("--log-file", session.logFile, "Log into this file instead of the product's");
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "CatalogueRows.h"
 
-#include <nlohmann/json.hpp>
-
 #include "Configuration.h"
 
 namespace {
@@ -35,14 +33,14 @@ std::vector<TableRow> catalogueRows() {
     return rows;
 }
 
-nlohmann::ordered_json catalogueJson() {
+JsonValue catalogueJson() {
     const ConfCatalogue catalogue = confProductCatalogue();
-    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    JsonArray array;
     for (const CatalogueKey& key : keysOf(catalogue)) {
-        array.push_back({{"key", key.key},
-                         {"scope", key.scope},
-                         {"type", typeName(key.property->type)},
-                         {"default", key.property->defaultValue}});
+        array.push_back(JsonObject{{"key", key.key},
+                                   {"scope", key.scope},
+                                   {"type", typeName(key.property->type)},
+                                   {"default", key.property->defaultValue}});
     }
     return array;
 }

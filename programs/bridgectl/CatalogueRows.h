@@ -1,10 +1,10 @@
 #ifndef BRIDGECTL_CATALOGUEROWS_H
 #define BRIDGECTL_CATALOGUEROWS_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
+#include "JsonValue.h"
 #include "Table.h"
 
 // The keys that the library's catalogue has: global ones, then those of an instance, each in byte
@@ -14,7 +14,7 @@
 std::vector<TableRow> catalogueRows();
 
 // Objects with "key", "scope", "type" and "default".
-nlohmann::ordered_json catalogueJson();
+JsonValue catalogueJson();
 
 // The table of the document on configuration keys.
 std::string catalogueMarkdown();

@@ -3,9 +3,7 @@
 
 #include "ExitCode.h"
 
-namespace CLI {
-class App;
-}
+class OptionParser;
 class Session;
 
 // A command of the program. Each file in commands/ defines one, in a constant named "command" and
@@ -16,9 +14,9 @@ struct Command {
     const char* summary;  // one line of the help
     const char* details;  // what else the command's own help says, with an example
 
-    // Adds options and arguments to the command's parser, and its work as the parser's callback.
-    // Null for a group of commands, which has neither.
-    void (*declare)(CLI::App& parser, Session& session);
+    // Adds the command's options and arguments, and its work as what happens when it is given. Null
+    // for a group of commands, which has neither.
+    void (*declare)(OptionParser& parser, Session& session);
 };
 
 struct CommandList {

@@ -1,9 +1,9 @@
 #include "CommandLine.h"
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
+#include <exception>
 
 #include "Console.h"
+#include "OptionParser.h"
 
 namespace {
 
@@ -15,55 +15,57 @@ std::string exitCodeHelp() {
     return text;
 }
 
-CLI::App& parserOf(CLI::App& app, const Command& command) {
-    return *command.group == '\0' ? app : *app.get_subcommand(command.group);
+void declareGroups(OptionParser options) {
+    for (const Command* group : allCommands()) {
+        if (group->declare != nullptr) continue;
+        options.addCommand(group->name, group->summary, group->details).requireCommand();
+    }
 }
 
-void declareCommands(CLI::App& app, const Program& program, Session& session) {
-    for (const Command* command : allCommands()) {
-        if (command->declare != nullptr) continue;
-        app.add_subcommand(command->name, command->summary)
-            ->require_subcommand(1)
-            ->footer(command->details);
-    }
+OptionParser parserFor(OptionParser options, const Command& command) {
+    OptionParser outer = *command.group == '\0' ? options : options.command(command.group).value();
+    return outer.addCommand(command.name, command.summary, command.details);
+}
+
+void declareCommands(OptionParser options, const Program& program, Session& session) {
+    declareGroups(options);
     for (const Command* command : allCommands()) {
         if (command->declare == nullptr) continue;
-        CLI::App* parser = parserOf(app, *command).add_subcommand(command->name, command->summary);
-        parser->footer(command->details);
-        command->declare(*parser, session);
-        if (program.declareCommonOptions != nullptr) program.declareCommonOptions(*parser, session);
+        OptionParser parser = parserFor(options, *command);
+        command->declare(parser, session);
+        if (program.declareCommonOptions != nullptr) program.declareCommonOptions(parser, session);
     }
 }
 
-void declareProgramOptions(CLI::App& app, const Program& program, Session& session) {
-    program.declareOptions(app, session);
-    app.allow_windows_style_options(false);  // texts may begin with "/"
-    app.set_version_flag("--version", program.version);
-    app.footer(exitCodeHelp());
-    app.require_subcommand(1);
+void declareProgram(ProgramParser& parser, const Program& program, Session& session) {
+    OptionParser options = parser.options();
+    program.declareOptions(options, session);
+    parser.addVersion(program.version);
+    parser.setDetails(exitCodeHelp());
+    options.requireCommand();
+    declareCommands(options, program, session);
 }
 
-void endWith(ProgramRun& run, const CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) {  // --help and --version arrive here
-        const bool isVersion = error.get_name() == "CallForVersion";
-        run.print(isVersion ? app.version() + "\n" : outputStyle().help(app.help()));
-        return;
+void endWith(ProgramRun& run, const ParseEnd& end) {
+    switch (end.kind) {
+        case ParseEnd::Understood:
+            return;
+        case ParseEnd::Help:
+            run.print(outputStyle().help(end.text));
+            return;
+        case ParseEnd::Version:
+            run.print(end.text + "\n");
+            return;
+        case ParseEnd::Error:
+            run.fail(ExitCode::Usage, end.text);
+            run.fail(ExitCode::Usage, std::string("see ") + programName + " --help");
     }
-    run.fail(ExitCode::Usage, error.what());
-    run.fail(ExitCode::Usage, std::string("see ") + programName + " --help");
 }
 
 int parseAndRun(const Program& program, Session& session, ProgramRun& run) {
-    CLI::App app(program.description, programName);
-    declareProgramOptions(app, program, session);
-    declareCommands(app, program, session);
-    std::vector<std::string> arguments = commandLineArguments();
-    std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
-    try {
-        app.parse(arguments);
-    } catch (const CLI::ParseError& error) {
-        endWith(run, app, error);
-    }
+    ProgramParser parser(programName, program.description);
+    declareProgram(parser, program, session);
+    endWith(run, parser.parse(commandLineArguments()));
     return static_cast<int>(run.exitCode);
 }
 

@@ -12,10 +12,10 @@ struct Program {
     std::string version;      // what --version prints
 
     // Adds the options in front of the command.
-    void (*declareOptions)(CLI::App& app, Session& session);
+    void (*declareOptions)(OptionParser& parser, Session& session);
 
     // Adds the options that every command has; null when there are none.
-    void (*declareCommonOptions)(CLI::App& command, Session& session);
+    void (*declareCommonOptions)(OptionParser& parser, Session& session);
 };
 
 // All that main() does: parses this process's command line, does the command's work and answers the

@@ -1,13 +1,10 @@
 #ifndef BRIDGECTL_COMMANDTREE_H
 #define BRIDGECTL_COMMANDTREE_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+#include "JsonValue.h"
 
 // A program's commands and options as its parser knows them.
 
@@ -28,8 +25,6 @@ struct CommandNode {
     std::vector<CommandNode> commands;
 };
 
-CommandNode commandTree(const CLI::App& app);
-
-nlohmann::ordered_json commandJson(const CommandNode& command);
+JsonValue commandJson(const CommandNode& command);
 
 #endif

@@ -2,11 +2,10 @@
 
 #include <cstdio>
 #include <iterator>
-#include <nlohmann/json.hpp>
+
+#include "JsonValue.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char* kNames[] = {
 #define BRIDGECTL_NAME(kind, name) name,
@@ -14,8 +13,8 @@ constexpr const char* kNames[] = {
 #undef BRIDGECTL_NAME
 };
 
-Json jsonOf(const EventValue& value) {
-    return std::visit([](const auto& content) { return Json(content); }, value);
+JsonValue jsonOf(const EventValue& value) {
+    return std::visit([](const auto& content) { return JsonValue(content); }, value);
 }
 
 // What JSON lets through and terminals take for controls: DEL and U+0080 to U+009F.
@@ -37,9 +36,7 @@ std::string withoutControls(const std::string& json) {
     return safe;
 }
 
-std::string dump(const Json& json) {
-    return withoutControls(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
+std::string lineOf(const JsonValue& value) { return withoutControls(value.inOneLine()); }
 
 }  // namespace
 
@@ -59,13 +56,13 @@ std::string isoTime(const LocalTime& time) {
 std::string eventText(const Event& event) {
     std::string line = isoTime(event.time) + " " + eventName(event.kind);
     for (const auto& [name, value] : event.fields) {
-        line.append(" ").append(name).append("=").append(dump(jsonOf(value)));
+        line.append(" ").append(name).append("=").append(lineOf(jsonOf(value)));
     }
     return line + "\n";
 }
 
 std::string eventJson(const Event& event) {
-    Json json{{"time", isoTime(event.time)}, {"event", eventName(event.kind)}};
-    for (const auto& [name, value] : event.fields) json[name] = jsonOf(value);
-    return dump(json) + "\n";
+    JsonObject object{{"time", isoTime(event.time)}, {"event", eventName(event.kind)}};
+    for (const auto& [name, value] : event.fields) object.push_back({name, jsonOf(value)});
+    return lineOf(object) + "\n";
 }

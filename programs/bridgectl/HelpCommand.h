@@ -3,11 +3,9 @@
 
 #include "ProgramRun.h"
 
-namespace CLI {
-class App;
-}
+class OptionParser;
 
 // Declares "help [COMMAND]", which explains the commands of the parser's program.
-void declareHelp(CLI::App& parser, ProgramRun& run);
+void declareHelp(OptionParser& parser, ProgramRun& run);
 
 #endif

@@ -2,7 +2,6 @@
 
 #include <bridge/bridge.h>
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "LibraryText.h"
@@ -50,7 +49,7 @@ std::string shownValue(Session& session, const KeyInfo& key) {
     return readValue(session, key);
 }
 
-nlohmann::ordered_json valueJson(Session& session, const KeyInfo& key) {
+JsonValue valueJson(Session& session, const KeyInfo& key) {
     if (key.state != KeyState::Value) return nullptr;
     const std::string value = readValue(session, key);
     switch (key.type) {
@@ -64,9 +63,9 @@ nlohmann::ordered_json valueJson(Session& session, const KeyInfo& key) {
     }
 }
 
-nlohmann::ordered_json keyJson(Session& session, const KeyInfo& key) {
-    nlohmann::ordered_json object{{"key", key.key}, {"type", typeName(key.type)}};
-    object["value"] = valueJson(session, key);
-    if (key.state == KeyState::Invalid) object["invalid"] = key.text;
+JsonObject keyJson(Session& session, const KeyInfo& key) {
+    JsonObject object{
+        {"key", key.key}, {"type", typeName(key.type)}, {"value", valueJson(session, key)}};
+    if (key.state == KeyState::Invalid) object.push_back({"invalid", key.text});
     return object;
 }

@@ -1,7 +1,6 @@
 #ifndef BRIDGECTL_KEYVALUE_H
 #define BRIDGECTL_KEYVALUE_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "Session.h"
@@ -15,9 +14,9 @@ std::string readValue(Session& session, const KeyInfo& key);
 std::string shownValue(Session& session, const KeyInfo& key);
 
 // The value alone: null when there is none.
-nlohmann::ordered_json valueJson(Session& session, const KeyInfo& key);
+JsonValue valueJson(Session& session, const KeyInfo& key);
 
 // An object with "key", "type", "value", and "invalid" with a stored text that is no value.
-nlohmann::ordered_json keyJson(Session& session, const KeyInfo& key);
+JsonObject keyJson(Session& session, const KeyInfo& key);
 
 #endif

@@ -1,7 +1,8 @@
 #include "ProgramCommand.h"
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
+
+#include "OptionParser.h"
 
 namespace {
 
@@ -12,16 +13,16 @@ void run(Session& session, const ProgramTexts& texts, const ProgramCall& call) {
         session.failStatus(ExitCode::Program, "not started", status);
         return;
     }
-    session.confirm("started", {{"started", true}});
+    session.confirm("started", JsonObject{{"started", true}});
 }
 
 }  // namespace
 
-void declareProgram(CLI::App& parser, Session& session,
+void declareProgram(OptionParser& parser, Session& session,
                     const std::vector<ProgramArgument>& arguments, const ProgramCall& call) {
     const auto texts = std::make_shared<ProgramTexts>(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        parser.add_option(arguments[i].name, (*texts)[i], arguments[i].help)->required();
+        parser.add(arguments[i].name, (*texts)[i], arguments[i].help).required();
     }
-    parser.callback([&session, texts, call] { run(session, *texts, call); });
+    parser.onRun([&session, texts, call] { run(session, *texts, call); });
 }

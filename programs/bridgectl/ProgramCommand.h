@@ -6,9 +6,7 @@
 
 #include "Session.h"
 
-namespace CLI {
-class App;
-}
+class OptionParser;
 
 // A command that starts one of the product's programs: positional texts in, one call, its status.
 struct ProgramArgument {
@@ -23,9 +21,9 @@ struct ProgramCall {
     int (*call)(const ProgramTexts& texts);
 };
 
-// Declares the arguments, all required, and the call as the parser's work. Like every command it
+// Declares the arguments, all required, and the call as the command's work. Like every command it
 // starts the library first; besides, the registry must name the install folder.
-void declareProgram(CLI::App& parser, Session& session,
+void declareProgram(OptionParser& parser, Session& session,
                     const std::vector<ProgramArgument>& arguments, const ProgramCall& call);
 
 #endif

@@ -1,7 +1,5 @@
 #include "ProgramRun.h"
 
-#include <nlohmann/json.hpp>
-
 #include "Console.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlRegistry.h"
@@ -11,12 +9,9 @@ bool ProgramRun::print(std::string_view text) {
     return printOut(text) || fail(ExitCode::Output, "standard output cannot be written");
 }
 
-bool ProgramRun::printJson(const nlohmann::ordered_json& value) {
-    return print(value.dump(4, ' ', false, nlohmann::ordered_json::error_handler_t::replace) +
-                 "\n");
-}
+bool ProgramRun::printJson(const JsonValue& value) { return print(value.indented() + "\n"); }
 
-bool ProgramRun::confirm(const std::string& text, const nlohmann::ordered_json& value) {
+bool ProgramRun::confirm(const std::string& text, const JsonValue& value) {
     if (quiet) return true;
     return json ? printJson(value) : print(text + "\n");
 }

@@ -1,11 +1,11 @@
 #ifndef BRIDGECTL_PROGRAMRUN_H
 #define BRIDGECTL_PROGRAMRUN_H
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
 #include "ExitCode.h"
+#include "JsonValue.h"
 #include "xpl/Xerr.h"
 
 // One run of a program: where it logs, how it prints and how it ends. The programs' sessions are
@@ -26,11 +26,11 @@ class ProgramRun {
     // every function below.
     bool print(std::string_view text);
 
-    // The same, indented, with U+FFFD for bytes that are not UTF-8.
-    bool printJson(const nlohmann::ordered_json& value);
+    // The same, indented.
+    bool printJson(const JsonValue& value);
 
     // Says that the work is done, in one of the two forms.
-    bool confirm(const std::string& text, const nlohmann::ordered_json& value);
+    bool confirm(const std::string& text, const JsonValue& value);
 
     // A line on standard error that is no error.
     void notice(const std::string& text) const;

@@ -1,7 +1,5 @@
 #include "ResultCodes.h"
 
-#include <nlohmann/json.hpp>
-
 #include "WindowsErrorText.h"
 #include "conf/ConfNumber.h"
 
@@ -341,13 +339,12 @@ std::vector<TableRow> resultCodeRows() {
     return rows;
 }
 
-nlohmann::ordered_json resultCodeJson(const ResultCode& code) {
-    nlohmann::ordered_json object{{"code", code.code}};
-    object["name"] = nullptr;
-    if (!code.name.empty()) object["name"] = code.name;
-    object["meaning"] = code.meaning;
-    object["windowsErrors"] = code.windowsErrors;
-    return object;
+JsonValue resultCodeJson(const ResultCode& code) {
+    const std::vector<std::int32_t>& errors = code.windowsErrors;
+    return JsonObject{{"code", code.code},
+                      {"name", code.name.empty() ? JsonValue(nullptr) : JsonValue(code.name)},
+                      {"meaning", code.meaning},
+                      {"windowsErrors", JsonArray(errors.begin(), errors.end())}};
 }
 
 std::string resultCodesMarkdown() {

@@ -2,12 +2,12 @@
 #define BRIDGECTL_RESULTCODES_H
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "JsonValue.h"
 #include "Table.h"
 #include "xpl/Xerr.h"
 
@@ -28,7 +28,7 @@ std::vector<ResultCode> resultCodes();
 std::optional<ResultCode> findResultCode(std::string_view text);
 
 std::vector<TableRow> resultCodeRows();
-nlohmann::ordered_json resultCodeJson(const ResultCode& code);
+JsonValue resultCodeJson(const ResultCode& code);
 
 // The table of the document on result codes.
 std::string resultCodesMarkdown();

@@ -1,10 +1,11 @@
 // bridgeadm copy-cache SOURCE TARGET
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 #include "xpl/Xfile.h"
 
 namespace {
@@ -35,11 +36,11 @@ void run(Session& session, const Arguments& arguments) {
     session.print("copied the app cache of " + arguments.source + " to " + arguments.target + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("SOURCE", arguments->source, "Instance whose cache is copied")->required();
-    parser.add_option("TARGET", arguments->target, "Instance that has none yet")->required();
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("SOURCE", arguments->source, "Instance whose cache is copied").required();
+    parser.add("TARGET", arguments->target, "Instance that has none yet").required();
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

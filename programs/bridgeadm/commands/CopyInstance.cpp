@@ -1,8 +1,9 @@
 // bridgeadm copy-instance SOURCE TARGET [--overwrite]
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 
 namespace {
 
@@ -34,13 +35,13 @@ void run(Session& session, const Arguments& arguments) {
     session.print("copied the settings of " + arguments.source + " to " + arguments.target + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("SOURCE", arguments->source, "Instance to copy")->required();
-    parser.add_option("TARGET", arguments->target, "Name of the copy")->required();
-    parser.add_flag("--overwrite", arguments->overwrite,
-                    "Replace the settings of an instance that exists");
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("SOURCE", arguments->source, "Instance to copy").required();
+    parser.add("TARGET", arguments->target, "Name of the copy").required();
+    parser.addFlag("--overwrite", arguments->overwrite,
+                   "Replace the settings of an instance that exists");
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

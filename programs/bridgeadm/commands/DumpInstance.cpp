@@ -1,9 +1,12 @@
 // bridgeadm dump-instance NAME [--json]
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
+#include <optional>
+#include <sstream>
 
 #include "Session.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/Joined.h"
+#include "bridgectl/OptionParser.h"
 
 namespace {
 
@@ -27,15 +30,16 @@ std::optional<std::string> dump(Session& session) {
 bool everyLineFits(Session& session) {
     const std::vector<std::string> keys = confKeysTooLongForDump(session.store());
     return keys.empty() ||
-           session.fail(ExitCode::BadValue, "too long for a dump: " + CLI::detail::join(keys, " "));
+           session.fail(ExitCode::BadValue, "too long for a dump: " + joined(keys, " "));
 }
 
 void printJson(Session& session, const std::string& text) {
-    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    JsonArray array;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t equals = line.find('=');
-        array.push_back({{"key", line.substr(0, equals)}, {"value", line.substr(equals + 1)}});
+        array.push_back(
+            JsonObject{{"key", line.substr(0, equals)}, {"value", line.substr(equals + 1)}});
     }
     session.printJson(array);
 }
@@ -56,12 +60,12 @@ void run(Session& session, const std::string& instance, bool json) {
     }
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto instance = std::make_shared<std::string>();
     const auto json = std::make_shared<bool>(false);
-    parser.add_option("NAME", *instance, "Instance to dump")->required();
-    parser.add_flag("--json", *json, "As JSON: an array of objects");
-    parser.callback([&session, instance, json] { run(session, *instance, *json); });
+    parser.add("NAME", *instance, "Instance to dump").required();
+    parser.addFlag("--json", *json, "As JSON: an array of objects");
+    parser.onRun([&session, instance, json] { run(session, *instance, *json); });
 }
 
 }  // namespace

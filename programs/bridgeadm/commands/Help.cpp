@@ -5,7 +5,7 @@
 
 namespace {
 
-void declare(CLI::App& parser, Session& session) { declareHelp(parser, session); }
+void declare(OptionParser& parser, Session& session) { declareHelp(parser, session); }
 
 }  // namespace
 

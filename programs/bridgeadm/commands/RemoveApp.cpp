@@ -1,9 +1,10 @@
 // bridgeadm remove-app INSTANCE PACKAGE
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 
 namespace {
 
@@ -26,11 +27,11 @@ void run(Session& session, const Arguments& arguments) {
     session.print("removed " + arguments.package + " from " + arguments.instance + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
-    parser.add_option("PACKAGE", arguments->package, "Android package name")->required();
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("INSTANCE", arguments->instance, "Instance name").required();
+    parser.add("PACKAGE", arguments->package, "Android package name").required();
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // bridgeadm remove-instance NAME
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 
 namespace {
 
@@ -13,10 +14,10 @@ void run(Session& session, const std::string& instance) {
     session.print("removed the settings of " + instance + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto instance = std::make_shared<std::string>();
-    parser.add_option("NAME", *instance, "Instance to remove")->required();
-    parser.callback([&session, instance] { run(session, *instance); });
+    parser.add("NAME", *instance, "Instance to remove").required();
+    parser.onRun([&session, instance] { run(session, *instance); });
 }
 
 }  // namespace

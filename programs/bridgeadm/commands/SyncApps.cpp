@@ -1,11 +1,12 @@
 // bridgeadm sync-apps INSTANCE FILE
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 
 namespace {
 
@@ -60,12 +61,11 @@ void run(Session& session, const Arguments& arguments) {
     session.print("apps of " + arguments.instance + ": " + std::to_string(*count) + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
-    parser.add_option("FILE", arguments->file, "JSON: an object with an array \"apps\"")
-        ->required();
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("INSTANCE", arguments->instance, "Instance name").required();
+    parser.add("FILE", arguments->file, "JSON: an object with an array \"apps\"").required();
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
 // bridgeadm trim
-#include <CLI/CLI.hpp>
-
 #include "Session.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 #include "utl/UtlTrim.h"
 
 namespace {
@@ -16,8 +15,8 @@ void run(Session& session) {
     session.print("trimmed the product's processes\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
-    parser.callback([&session] { run(session); });
+void declare(OptionParser& parser, Session& session) {
+    parser.onRun([&session] { run(session); });
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 // bridgeadm update-app INSTANCE PACKAGE [--activity TEXT] [--label TEXT] [--version-code NUMBER]
 // [--version-name TEXT] [--icon FILE]
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "bridgectl/Command.h"
+#include "bridgectl/OptionParser.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
 
@@ -60,17 +61,16 @@ void run(Session& session, const Arguments& arguments) {
     session.print("updated " + arguments.package + " of " + arguments.instance + "\n");
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("INSTANCE", arguments->instance, "Instance name")->required();
-    parser.add_option("PACKAGE", arguments->package, "Android package name")->required();
-    parser.add_option("--activity", arguments->activity, "Launch activity");
-    parser.add_option("--label", arguments->label, "Name that users see");
-    parser.add_option("--version-code", arguments->versionCode, "Version for Android");
-    parser.add_option("--version-name", arguments->versionName, "Version that users see");
-    parser.add_option("--icon", arguments->icon,
-                      "File of the shared folder that becomes the app's icon");
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("INSTANCE", arguments->instance, "Instance name").required();
+    parser.add("PACKAGE", arguments->package, "Android package name").required();
+    parser.add("--activity", arguments->activity, "Launch activity");
+    parser.add("--label", arguments->label, "Name that users see");
+    parser.add("--version-code", arguments->versionCode, "Version for Android");
+    parser.add("--version-name", arguments->versionName, "Version that users see");
+    parser.add("--icon", arguments->icon, "File of the shared folder that becomes the app's icon");
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

@@ -1,12 +1,13 @@
 // bridgectl apps INSTANCE
 #include <bridge/bridge.h>
 
-#include <CLI/CLI.hpp>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
 #include "LibraryText.h"
+#include "OptionParser.h"
 #include "Session.h"
 #include "Table.h"
 #include "xpl/Xfile.h"
@@ -48,10 +49,10 @@ void run(Session& session, const std::string& instance) {
     session.print(session.json ? text.get() : tableOf(text.get()));
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto instance = std::make_shared<std::string>();
-    parser.add_option("INSTANCE", *instance, "Instance name")->required();
-    parser.callback([&session, instance] { run(session, *instance); });
+    parser.add("INSTANCE", *instance, "Instance name").required();
+    parser.onRun([&session, instance] { run(session, *instance); });
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 // bridgectl catalogue [--markdown]
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "CatalogueRows.h"
 #include "Command.h"
 #include "Console.h"
+#include "OptionParser.h"
 #include "Session.h"
 
 namespace {
@@ -19,10 +19,10 @@ void run(Session& session, bool markdown) {
     }
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto markdown = std::make_shared<bool>(false);
-    parser.add_flag("--markdown", *markdown, "As the table of the document");
-    parser.callback([&session, markdown] { run(session, *markdown); });
+    parser.addFlag("--markdown", *markdown, "As the table of the document");
+    parser.onRun([&session, markdown] { run(session, *markdown); });
 }
 
 }  // namespace

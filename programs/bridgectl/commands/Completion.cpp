@@ -1,29 +1,27 @@
 // bridgectl completion bash|powershell
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "CompletionScript.h"
+#include "OptionParser.h"
 #include "Session.h"
 
 namespace {
 
-void run(Session& session, const CLI::App& program, const std::string& shell) {
-    const CommandNode tree = commandTree(program);
+void run(Session& session, const OptionParser& program, const std::string& shell) {
+    const CommandNode tree = program.tree();
     const std::string script = shell == "bash" ? bashCompletion(tree) : powershellCompletion(tree);
     if (session.json) {
-        session.printJson({{"shell", shell}, {"script", script}});
+        session.printJson(JsonObject{{"shell", shell}, {"script", script}});
     } else {
         session.print(script);
     }
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto shell = std::make_shared<std::string>();
-    parser.add_option("SHELL", *shell, "The shell")
-        ->required()
-        ->check(CLI::IsMember(std::vector<std::string>{"bash", "powershell"}));
-    parser.callback([&session, &parser, shell] { run(session, *parser.get_parent(), *shell); });
+    parser.add("SHELL", *shell, "The shell").required().oneOf({"bash", "powershell"});
+    parser.onRun([&session, program = parser.parent(), shell] { run(session, program, *shell); });
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // bridgectl conf get KEY
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "KeyValue.h"
+#include "OptionParser.h"
 
 namespace {
 
@@ -20,10 +20,10 @@ void run(Session& session, const std::string& key) {
     if (isPrinted && info->state == KeyState::Unset) session.exitCode = ExitCode::Unset;
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto key = std::make_shared<std::string>();
-    parser.add_option("KEY", *key, "Full key")->required();
-    parser.callback([&session, key] { run(session, *key); });
+    parser.add("KEY", *key, "Full key").required();
+    parser.onRun([&session, key] { run(session, *key); });
 }
 
 }  // namespace

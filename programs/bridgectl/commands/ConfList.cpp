@@ -1,10 +1,10 @@
 // bridgectl conf list [--global] [--instance NAME]
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "Console.h"
 #include "KeyValue.h"
+#include "OptionParser.h"
 #include "Table.h"
 #include "conf/ConfKey.h"
 
@@ -23,8 +23,8 @@ bool isWanted(const Arguments& arguments, const KeyInfo& info) {
            (key.scope == ConfScope::Instance && key.instance == arguments.instance);
 }
 
-nlohmann::ordered_json jsonOf(Session& session, const std::vector<KeyInfo>& keys) {
-    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+JsonValue jsonOf(Session& session, const std::vector<KeyInfo>& keys) {
+    JsonArray array;
     for (const KeyInfo& info : keys) array.push_back(keyJson(session, info));
     return array;
 }
@@ -51,14 +51,13 @@ void run(Session& session, const Arguments& arguments) {
     session.json ? session.printJson(jsonOf(session, keys)) : session.print(tableOf(session, keys));
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::Option* global = parser.add_flag("--global", arguments->globalOnly, "Global keys only");
-    CLI::Option* instance =
-        parser.add_option("--instance", arguments->instance, "Keys of this instance only")
-            ->excludes(global);
-    parser.callback([&session, arguments, instance] {
-        arguments->isForOne = instance->count() > 0;
+    Option global = parser.addFlag("--global", arguments->globalOnly, "Global keys only");
+    Option instance = parser.add("--instance", arguments->instance, "Keys of this instance only")
+                          .excludes(global);
+    parser.onRun([&session, arguments, instance] {
+        arguments->isForOne = instance.isGiven();
         run(session, *arguments);
     });
 }

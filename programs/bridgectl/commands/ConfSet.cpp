@@ -1,11 +1,11 @@
 // bridgectl conf set KEY VALUE [--to FILE]
 #include <bridge/bridge.h>
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "KeyValue.h"
+#include "OptionParser.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
 #include "utl/UtlImages.h"
@@ -87,23 +87,23 @@ void run(Session& session, const Arguments& arguments) {
     if (!change) return;
     const std::optional<KeyInfo> old = session.configuration().find(change->key);
     const std::string before = old ? shownValue(session, *old) : "unset";
-    const nlohmann::ordered_json beforeJson = old ? valueJson(session, *old) : nullptr;
+    const JsonValue beforeJson = old ? valueJson(session, *old) : nullptr;
     if (const int status = stageAndCommit(session, *change, arguments.file);
         status != BRIDGE_SUCCESS) {
         session.failStatus(ExitCode::Commit, "not committed", status);
         return;
     }
-    nlohmann::ordered_json json = keyJson(session, *change);
-    json["before"] = beforeJson;
+    JsonObject json = keyJson(session, *change);
+    json.push_back({"before", beforeJson});
     session.confirm(change->key + ": " + before + " -> " + readValue(session, *change), json);
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add_option("KEY", arguments->key, "Full key")->required();
-    parser.add_option("VALUE", arguments->value, "New value; true or false for a bool")->required();
-    parser.add_option("--to", arguments->file, "Write the configuration into this file instead");
-    parser.callback([&session, arguments] { run(session, *arguments); });
+    parser.add("KEY", arguments->key, "Full key").required();
+    parser.add("VALUE", arguments->value, "New value; true or false for a bool").required();
+    parser.add("--to", arguments->file, "Write the configuration into this file instead");
+    parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace

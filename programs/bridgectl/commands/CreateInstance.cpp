@@ -11,7 +11,7 @@ int call(const ProgramTexts& texts) {
                                      texts[3].c_str(), texts[4].c_str(), texts[5].c_str());
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"IMAGE", "Name of the image"},
                     {"CPU", "Number of processors"},

@@ -1,23 +1,21 @@
 // bridgectl events [--count N] [--timeout SECONDS] [--filter NAME,...]
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "Event.h"
 #include "EventPrinting.h"
+#include "OptionParser.h"
 
 namespace {
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto request = std::make_shared<EventRequest>();
-    parser.add_option("--count", request->count, "End after so many events")
-        ->check(CLI::PositiveNumber);
-    parser.add_option("--timeout", request->timeout, "End after so many seconds")
-        ->check(CLI::Range(1u, 1'000'000u));
-    parser.add_option("--filter", request->filter, "Only these events: names, apart by commas")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::IsMember(eventNames()));
-    parser.callback([&session, request] { printRequestedEvents(session, *request); });
+    parser.add("--count", request->count, "End after so many events").positive();
+    parser.add("--timeout", request->timeout, "End after so many seconds").between(1, 1'000'000);
+    parser.add("--filter", request->filter, "Only these events: names, apart by commas")
+        .inOneWord()
+        .oneOf(eventNames());
+    parser.onRun([&session, request] { printRequestedEvents(session, *request); });
 }
 
 }  // namespace

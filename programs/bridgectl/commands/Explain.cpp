@@ -1,9 +1,9 @@
 // bridgectl explain [CODE] [--markdown]
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "Console.h"
+#include "OptionParser.h"
 #include "ResultCodes.h"
 #include "Session.h"
 
@@ -14,7 +14,7 @@ void printAll(Session& session) {
         session.print(formatTable(resultCodeRows(), outputStyle()));
         return;
     }
-    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    JsonArray array;
     for (const ResultCode& code : resultCodes()) array.push_back(resultCodeJson(code));
     session.printJson(array);
 }
@@ -41,14 +41,13 @@ void run(Session& session, const std::string* code, bool markdown) {
     }
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto code = std::make_shared<std::string>();
     const auto markdown = std::make_shared<bool>(false);
-    CLI::Option* option =
-        parser.add_option("CODE", *code, "Number or name; without it, all are listed");
-    parser.add_flag("--markdown", *markdown, "All, as the table of the document")->excludes(option);
-    parser.callback([&session, code, markdown, option] {
-        run(session, option->count() > 0 ? code.get() : nullptr, *markdown);
+    Option option = parser.add("CODE", *code, "Number or name; without it, all are listed");
+    parser.addFlag("--markdown", *markdown, "All, as the table of the document").excludes(option);
+    parser.onRun([&session, code, markdown, option] {
+        run(session, option.isGiven() ? code.get() : nullptr, *markdown);
     });
 }
 

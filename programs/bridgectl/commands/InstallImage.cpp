@@ -8,7 +8,7 @@ namespace {
 
 int call(const ProgramTexts& texts) { return bridgeInstallImage(texts[0].c_str()); }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session, {{"IMAGE", "Name of the image"}}, {"bridgeInstallImage", call});
 }
 

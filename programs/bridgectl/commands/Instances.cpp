@@ -1,13 +1,13 @@
 // bridgectl instances
 #include <bridge/bridge.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
 #include "LibraryText.h"
+#include "OptionParser.h"
 #include "Session.h"
 #include "Table.h"
 #include "conf/ConfKey.h"
@@ -59,8 +59,8 @@ void run(Session& session) {
     session.print(session.json ? text.get() : tableOf(text.get()));
 }
 
-void declare(CLI::App& parser, Session& session) {
-    parser.callback([&session] { run(session); });
+void declare(OptionParser& parser, Session& session) {
+    parser.onRun([&session] { run(session); });
 }
 
 }  // namespace

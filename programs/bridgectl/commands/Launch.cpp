@@ -8,7 +8,7 @@ namespace {
 
 int call(const ProgramTexts& texts) { return bridgeLaunchApp(texts[0].c_str(), texts[1].c_str()); }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
                    {"bridgeLaunchApp", call});

@@ -1,10 +1,10 @@
 // bridgectl shutdown [INSTANCE] [--flag]
 #include <bridge/bridge.h>
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
+#include <memory>
 
 #include "Command.h"
+#include "OptionParser.h"
 #include "Session.h"
 
 namespace {
@@ -24,7 +24,7 @@ void run(Session& session, const Arguments& arguments) {
     if (!session.start()) return;
     if (!arguments.isForOne) {
         session.timed("bridgeShutdown", bridgeShutdown);
-        session.confirm("asked the manager and every player", {{"instance", nullptr}});
+        session.confirm("asked the manager and every player", JsonObject{{"instance", nullptr}});
         return;
     }
     const int status = session.timed("bridgePlrShutdown", [&arguments] {
@@ -35,17 +35,16 @@ void run(Session& session, const Arguments& arguments) {
         return;
     }
     session.confirm("asked the player of " + arguments.instance,
-                    {{"instance", arguments.instance}});
+                    JsonObject{{"instance", arguments.instance}});
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    CLI::Option* instance =
-        parser.add_option("INSTANCE", arguments->instance, "Only the player of this instance");
-    parser.add_flag("--flag", arguments->flag, "The flag that the player is handed")
-        ->needs(instance);
-    parser.callback([&session, arguments, instance] {
-        arguments->isForOne = instance->count() > 0;
+    Option instance =
+        parser.add("INSTANCE", arguments->instance, "Only the player of this instance");
+    parser.addFlag("--flag", arguments->flag, "The flag that the player is handed").needs(instance);
+    parser.onRun([&session, arguments, instance] {
+        arguments->isForOne = instance.isGiven();
         run(session, *arguments);
     });
 }

@@ -10,7 +10,7 @@ int call(const ProgramTexts& texts) {
     return bridgeUninstallApp(texts[0].c_str(), texts[1].c_str());
 }
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
                    {"bridgeUninstallApp", call});

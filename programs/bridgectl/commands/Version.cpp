@@ -1,25 +1,24 @@
 // bridgectl version
 #include <bridge/bridge.h>
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
 #include "Command.h"
 #include "LibraryVersion.h"
+#include "OptionParser.h"
 #include "Session.h"
 
 namespace {
 
 void run(Session& session) {
     if (session.json) {
-        session.printJson({{"bridgectl", BRIDGE_VERSION_TEXT}, {"library", libraryVersion()}});
+        session.printJson(
+            JsonObject{{"bridgectl", BRIDGE_VERSION_TEXT}, {"library", libraryVersion()}});
     } else {
         session.print(programVersions() + "\n");
     }
 }
 
-void declare(CLI::App& parser, Session& session) {
-    parser.callback([&session] { run(session); });
+void declare(OptionParser& parser, Session& session) {
+    parser.onRun([&session] { run(session); });
 }
 
 }  // namespace

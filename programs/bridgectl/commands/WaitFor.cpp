@@ -1,22 +1,21 @@
 // bridgectl wait-for EVENT [--timeout SECONDS]
-#include <CLI/CLI.hpp>
+#include <memory>
 
 #include "Command.h"
 #include "Event.h"
 #include "EventPrinting.h"
+#include "OptionParser.h"
 
 namespace {
 
-void declare(CLI::App& parser, Session& session) {
+void declare(OptionParser& parser, Session& session) {
     const auto request = std::make_shared<EventRequest>();
     request->count = 1;
     request->filter.resize(1);
-    parser.add_option("EVENT", request->filter[0], "Name of the event")
-        ->required()
-        ->check(CLI::IsMember(eventNames()));
-    parser.add_option("--timeout", request->timeout, "Give up after so many seconds")
-        ->check(CLI::Range(1u, 1'000'000u));
-    parser.callback([&session, request] { printRequestedEvents(session, *request); });
+    parser.add("EVENT", request->filter[0], "Name of the event").required().oneOf(eventNames());
+    parser.add("--timeout", request->timeout, "Give up after so many seconds")
+        .between(1, 1'000'000);
+    parser.onRun([&session, request] { printRequestedEvents(session, *request); });
 }
 
 }  // namespace
