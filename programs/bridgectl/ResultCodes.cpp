@@ -278,12 +278,28 @@ const char* meaningOf(XErrCode code) {
     return "";
 }
 
+constexpr XErrCode kCodes[] = {
+#define BRIDGECTL_CODE(code, name) XERR_##name,
+    XERR_CODES(BRIDGECTL_CODE)
+#undef BRIDGECTL_CODE
+};
+
+struct WindowsRow {
+    std::int32_t windowsError;
+    XErr code;
+};
+
+constexpr WindowsRow kWindowsRows[] = {
+#define BRIDGECTL_ROW(windowsError, windowsName, name) {windowsError, XERR_##name},
+    XERR_WINDOWS_ERRORS(BRIDGECTL_ROW)
+#undef BRIDGECTL_ROW
+};
+
 std::vector<std::int32_t> windowsErrorsOf(XErr code) {
     std::vector<std::int32_t> errors;
-#define BRIDGECTL_WINDOWS_ERROR(windowsError, windowsName, name) \
-    if (code == XERR_##name) errors.push_back(windowsError);
-    XERR_WINDOWS_ERRORS(BRIDGECTL_WINDOWS_ERROR)
-#undef BRIDGECTL_WINDOWS_ERROR
+    for (const WindowsRow& row : kWindowsRows) {
+        if (row.code == code) errors.push_back(row.windowsError);
+    }
     return errors;
 }
 
@@ -311,10 +327,9 @@ std::optional<ResultCode> windowsResult(XErr code) {
 
 std::vector<ResultCode> resultCodes() {
     std::vector<ResultCode> codes;
-#define BRIDGECTL_CODE(code, name) \
-    codes.push_back({code, "XERR_" #name, meaningOf(XERR_##name), windowsErrorsOf(code)});
-    XERR_CODES(BRIDGECTL_CODE)
-#undef BRIDGECTL_CODE
+    for (const XErrCode code : kCodes) {
+        codes.push_back({code, xerrName(code), meaningOf(code), windowsErrorsOf(code)});
+    }
     return codes;
 }
 
