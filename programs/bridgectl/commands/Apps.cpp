@@ -2,35 +2,15 @@
 #include <bridge/bridge.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
 #include "LibraryText.h"
+#include "ListingRows.h"
 #include "OptionParser.h"
 #include "Session.h"
-#include "Table.h"
-#include "xpl/Xfile.h"
 
 namespace {
-
-const char* iconMark(const std::string& path) {
-    return xfileExists(path) == XERR_SUCCESS ? "yes" : "no";
-}
-
-std::string versionText(const nlohmann::json& object) {
-    const std::string name = object["versionName"];
-    return (name.empty() ? "" : name + " ") + "(" + object["versionCode"].dump() + ")";
-}
-
-std::string tableOf(const char* text) {
-    std::vector<TableRow> rows{{"NAME", "PACKAGE", "ACTIVITY", "VERSION", "ICON"}};
-    for (const nlohmann::json& object : nlohmann::json::parse(text)) {
-        rows.push_back({object["appLabel"], object["package"], object["activity"],
-                        versionText(object), iconMark(object["iconFilePath"])});
-    }
-    return formatTable(rows, outputStyle());
-}
 
 void run(Session& session, const std::string& instance) {
     if (!session.start()) return;
@@ -46,7 +26,7 @@ void run(Session& session, const std::string& instance) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    session.print(session.json ? text.get() : tableOf(text.get()));
+    session.print(session.json ? text.get() : formatTable(appRows(text.get()), outputStyle()));
 }
 
 void declare(OptionParser& parser, Session& session) {

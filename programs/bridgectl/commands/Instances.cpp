@@ -2,30 +2,17 @@
 #include <bridge/bridge.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "Console.h"
 #include "LibraryText.h"
+#include "ListingRows.h"
 #include "OptionParser.h"
 #include "Session.h"
-#include "Table.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
 
 namespace {
-
-std::string tableOf(const char* text) {
-    std::vector<TableRow> rows{{"INSTANCE", "NAME", "IMAGE", "CPU", "RAM", "GRAPHICS", "PROFILE"}};
-    for (const nlohmann::json& object : nlohmann::json::parse(text)) {
-        rows.push_back({object["instance"], object["displayName"], object["imageName"],
-                        object["cpu"].dump(), object["ram"].dump(),
-                        object["graphicsEngine"].get<std::string>() + "/" +
-                            object["graphicsRenderer"].get<std::string>(),
-                        object["deviceProfile"]});
-    }
-    return formatTable(rows, outputStyle());
-}
 
 // The library's listing ends the process when it meets an instance of an unknown image, or one
 // whose numbers cannot be read.
@@ -56,7 +43,7 @@ void run(Session& session) {
         session.fail(ExitCode::Library, "no listing; see the log");
         return;
     }
-    session.print(session.json ? text.get() : tableOf(text.get()));
+    session.print(session.json ? text.get() : formatTable(instanceRows(text.get()), outputStyle()));
 }
 
 void declare(OptionParser& parser, Session& session) {
