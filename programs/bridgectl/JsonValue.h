@@ -30,8 +30,8 @@ class JsonValue {
     JsonValue(const JsonArray& values);
     JsonValue(const JsonObject& members);
 
-    // With U+FFFD for bytes that are not UTF-8: in lines indented by four blanks a level, without a
-    // line feed at the end, or all in one line.
+    // With U+FFFD for bytes that are not UTF-8, and null for numbers that are none: in lines
+    // indented by four blanks a level, or all in one line; without a line feed at the end.
     std::string indented() const;
     std::string inOneLine() const;
 

@@ -2,12 +2,12 @@
 
 #include <memory>
 #include <mutex>
-#include <nlohmann/json.hpp>
 
 #include "StandinCommandLine.h"
 #include "StandinDefaults.h"
 #include "StandinPipe.h"
 #include "StandinServer.h"
+#include "bridgectl/JsonValue.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
@@ -103,10 +103,8 @@ bool Standin::start() {
 }
 
 void Standin::say(const char* member, const std::string& text) {
-    const nlohmann::ordered_json json{{member, text}};
-    append((format_ == StandinFormat::Json
-                ? json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-                : std::string(member) + ": " + text) +
+    append((format_ == StandinFormat::Json ? JsonValue(JsonObject{{member, text}}).inOneLine()
+                                           : std::string(member) + ": " + text) +
            "\n");
 }
 

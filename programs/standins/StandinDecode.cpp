@@ -2,22 +2,20 @@
 
 #include <algorithm>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <optional>
 
+#include "bridgectl/JsonValue.h"
 #include "mim/MimEnc.h"
 #include "plr/PlrEnc.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Reads fields one behind the other, inside the packet's own bytes.
 class FieldReader {
  public:
     explicit FieldReader(std::string_view payload) : rest_(payload) {}
 
-    std::optional<Json> read(IpcFieldType type) {
+    std::optional<JsonValue> read(IpcFieldType type) {
         switch (type) {
             case IpcFieldType::I32:
                 return number<std::int32_t>();
@@ -35,26 +33,26 @@ class FieldReader {
 
  private:
     template <typename Number>
-    std::optional<Json> number() {
+    std::optional<JsonValue> number() {
         Number value;
         if (!take(&value, sizeof value)) return std::nullopt;
-        return Json(value);
+        return JsonValue(value);
     }
 
     // Only the lowest byte counts.
-    std::optional<Json> boolean() {
+    std::optional<JsonValue> boolean() {
         unsigned char bytes[4];
         if (!take(bytes, sizeof bytes)) return std::nullopt;
-        return Json(bytes[0] != 0);
+        return JsonValue(bytes[0] != 0);
     }
 
-    std::optional<Json> text() {
+    std::optional<JsonValue> text() {
         std::uint32_t count = 0;
         if (!take(&count, sizeof count) || count == 0 || count > rest_.size()) return std::nullopt;
         if (rest_[count - 1] != '\0') return std::nullopt;
         const std::string value(rest_.substr(0, count - 1));
         rest_.remove_prefix(count);
-        return Json(value);
+        return JsonValue(value);
     }
 
     bool take(void* to, std::size_t size) {
@@ -67,20 +65,15 @@ class FieldReader {
     std::string_view rest_;
 };
 
-std::optional<Json> readArguments(const IpcRequest& request, std::string_view payload) {
+std::optional<JsonArray> readArguments(const IpcRequest& request, std::string_view payload) {
     FieldReader reader(payload);
-    Json arguments = Json::array();
+    JsonArray arguments;
     for (std::size_t i = 0; i < request.fieldCount; ++i) {
-        std::optional<Json> value = reader.read(request.fields[i]);
+        std::optional<JsonValue> value = reader.read(request.fields[i]);
         if (!value) return std::nullopt;
         arguments.push_back(std::move(*value));
     }
     return reader.atEnd() ? std::optional(std::move(arguments)) : std::nullopt;
-}
-
-// Bytes that are not UTF-8 are replaced, and numbers that are none are shown as null.
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string hexOf(std::string_view bytes) {
@@ -96,7 +89,8 @@ std::string hexOf(std::string_view bytes) {
 
 std::string unreadable(std::string_view packet, StandinFormat format) {
     const std::string hex = hexOf(packet);
-    return format == StandinFormat::Json ? dump(Json{{"unreadable", hex}}) : "unreadable " + hex;
+    return format == StandinFormat::Json ? JsonValue(JsonObject{{"unreadable", hex}}).inOneLine()
+                                         : "unreadable " + hex;
 }
 
 }  // namespace
@@ -128,14 +122,16 @@ std::string standinDescribe(std::string_view packet, StandinRequests requests,
     const IpcRequest* const request = standinFindRequest(packet, requests);
     if (request == nullptr) return unreadable(packet, format);
     const StandinHeader header = standinHeader(packet);
-    const std::optional<Json> arguments = readArguments(*request, packet.substr(IPC_HEADER_SIZE));
+    const std::optional<JsonArray> arguments =
+        readArguments(*request, packet.substr(IPC_HEADER_SIZE));
     if (!arguments) return unreadable(packet, format);
     if (format == StandinFormat::Json) {
-        return dump(Json{{"request", request->name},
-                         {"opcode", header.opcode},
-                         {"replyLength", header.replyLength},
-                         {"arguments", *arguments}});
+        const JsonObject object{{"request", request->name},
+                                {"opcode", static_cast<long long>(header.opcode)},
+                                {"replyLength", static_cast<long long>(header.replyLength)},
+                                {"arguments", *arguments}};
+        return JsonValue(object).inOneLine();
     }
-    const std::string list = dump(*arguments);
+    const std::string list = JsonValue(*arguments).inOneLine();
     return std::string(request->name) + "(" + list.substr(1, list.size() - 2) + ")";
 }

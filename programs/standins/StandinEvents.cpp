@@ -3,13 +3,12 @@
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
-#include <nlohmann/json.hpp>
 
+#include "bridgectl/JsonValue.h"
 #include "ipc/IpcPacket.h"
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Type = StandinFieldType;
 
 constexpr StandinField kInstance{"instance", Type::Text};
@@ -122,17 +121,12 @@ void appendValue(std::string& bytes, const StandinValue& value) {
     }
 }
 
-Json argumentsOf(const StandinEvent& event) {
-    Json arguments = Json::array();
+JsonArray argumentsOf(const StandinEvent& event) {
+    JsonArray arguments;
     for (const StandinValue& value : event.values) {
         std::visit([&arguments](const auto& content) { arguments.push_back(content); }, value);
     }
     return arguments;
-}
-
-// Bytes that are not UTF-8 are replaced, and numbers that are none are shown as null.
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace
@@ -170,15 +164,17 @@ std::string standinEncodeEvent(const StandinEvent& event) {
 
 std::string standinDescribeEvent(const StandinEvent& event, const StandinDelivery& delivery,
                                  StandinFormat format) {
-    const Json arguments = argumentsOf(event);
+    const JsonArray arguments = argumentsOf(event);
     if (format == StandinFormat::Json) {
-        Json json{{"event", event.kind->name}, {"arguments", arguments}, {"to", nullptr}};
-        if (!delivery.to.empty()) json["to"] = delivery.to;
-        if (delivery.cutAt > 0) json["cutAt"] = delivery.cutAt;
-        if (delivery.failed) json["failed"] = true;
-        return dump(json);
+        JsonObject object{
+            {"event", event.kind->name},
+            {"arguments", arguments},
+            {"to", delivery.to.empty() ? JsonValue(nullptr) : JsonValue(std::string(delivery.to))}};
+        if (delivery.cutAt > 0) object.push_back({"cutAt", static_cast<long long>(delivery.cutAt)});
+        if (delivery.failed) object.push_back({"failed", true});
+        return JsonValue(object).inOneLine();
     }
-    const std::string list = dump(arguments);
+    const std::string list = JsonValue(arguments).inOneLine();
     std::string line =
         std::string("event ") + event.kind->name + "(" + list.substr(1, list.size() - 2) + ") -> ";
     line += delivery.to.empty() ? "nobody" : delivery.to;
