@@ -1,0 +1,225 @@
+#include "OptionParser.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "CommandTree.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+class OptionParserTest : public ::testing::Test {
+ protected:
+    // Parses a command line of the command "run".
+    ParseEnd parse(Words arguments) {
+        arguments.insert(arguments.begin(), "run");
+        return parser.parse(arguments);
+    }
+
+    void expectUnderstood(const Words& arguments) {
+        const ParseEnd end = parse(arguments);
+        EXPECT_EQ(end.kind, ParseEnd::Understood) << end.text;
+    }
+
+    void expectError(const Words& arguments, const std::string& error) {
+        const ParseEnd end = parse(arguments);
+        EXPECT_EQ(end.kind, ParseEnd::Error);
+        EXPECT_EQ(end.text, error);
+    }
+
+    ProgramParser parser{"program", "What it is for."};
+    OptionParser command = parser.options().addCommand("run", "Runs.", "Example: program run");
+    std::string text;
+};
+
+}  // namespace
+
+TEST_F(OptionParserTest, ArgumentsAndOptionsReceiveTheirValues) {
+    std::string place;
+    unsigned number = 0;
+    bool flag = false;
+    command.add("PLACE", place, "");
+    command.add("--text", text, "");
+    command.add("--number", number, "");
+    command.addFlag("--flag", flag, "");
+    expectUnderstood({"here", "--text", "a b", "--number=7", "--flag"});
+    EXPECT_EQ(place, "here");
+    EXPECT_EQ(text, "a b");
+    EXPECT_EQ(number, 7u);
+    EXPECT_TRUE(flag);
+}
+
+TEST_F(OptionParserTest, AValueThatIsNotGivenStaysAsItIs) {
+    std::optional<std::int32_t> number;
+    text = "before";
+    Option option = command.add("--text", text, "");
+    command.add("--number", number, "");
+    expectUnderstood({});
+    EXPECT_EQ(text, "before");
+    EXPECT_FALSE(number);
+    EXPECT_FALSE(option.isGiven());
+}
+
+TEST_F(OptionParserTest, AnEmptyTextIsGiven) {
+    text = "before";
+    Option option = command.add("--text", text, "");
+    expectUnderstood({"--text", ""});
+    EXPECT_EQ(text, "");
+    EXPECT_TRUE(option.isGiven());
+}
+
+TEST_F(OptionParserTest, ATextMayBeginWithASlash) {
+    command.add("TEXT", text, "");
+    expectUnderstood({"/folder"});
+    EXPECT_EQ(text, "/folder");
+}
+
+TEST_F(OptionParserTest, ARequiredArgumentMustBeGiven) {
+    command.add("TEXT", text, "").required();
+    expectError({}, "TEXT is required");
+}
+
+TEST_F(OptionParserTest, AnOptionCanNeedAnother) {
+    bool flag = false;
+    Option option = command.add("--text", text, "");
+    command.addFlag("--flag", flag, "").needs(option);
+    expectError({"--flag"}, "--flag requires --text");
+}
+
+TEST_F(OptionParserTest, AnOptionCanExcludeAnother) {
+    bool flag = false;
+    Option option = command.add("--text", text, "");
+    command.addFlag("--flag", flag, "").excludes(option);
+    expectError({"--flag", "--text", "a"}, "--flag excludes --text");
+}
+
+TEST_F(OptionParserTest, ATextCanBeLimitedToNames) {
+    command.add("TEXT", text, "").oneOf({"one", "two"});
+    expectUnderstood({"two"});
+    EXPECT_EQ(text, "two");
+    expectError({"three"}, "TEXT: three not in {one,two}");
+}
+
+TEST_F(OptionParserTest, ANumberCanBeLimitedToARange) {
+    unsigned number = 0;
+    command.add("--number", number, "").between(2, 5);
+    expectUnderstood({"--number", "5"});
+    EXPECT_EQ(number, 5u);
+    expectError({"--number", "6"}, "--number: Value 6 not in range 2 to 5");
+}
+
+TEST_F(OptionParserTest, APositiveNumberIsNotZero) {
+    unsigned number = 0;
+    command.add("--number", number, "").positive();
+    expectError({"--number", "0"}, "--number: Number less or equal to 0: (0)");
+}
+
+TEST_F(OptionParserTest, AListTakesEveryWord) {
+    Words list;
+    command.add("LIST", list, "");
+    expectUnderstood({"a,b", "c"});
+    EXPECT_EQ(list, (Words{"a,b", "c"}));
+}
+
+TEST_F(OptionParserTest, AListInOneWordLeavesTheNextWord) {
+    Words list;
+    command.add("--list", list, "").inOneWord();
+    command.add("TEXT", text, "");
+    expectUnderstood({"--list", "a,b", "c"});
+    EXPECT_EQ(list, (Words{"a", "b"}));
+    EXPECT_EQ(text, "c");
+}
+
+TEST_F(OptionParserTest, TheActionRunsOnceWithTheValues) {
+    Words seen;
+    command.add("TEXT", text, "");
+    command.onRun([&] { seen.push_back(text); });
+    expectUnderstood({"here"});
+    EXPECT_EQ(seen, Words{"here"});
+}
+
+TEST_F(OptionParserTest, TheActionDoesNotRunAfterAnError) {
+    bool hasRun = false;
+    command.onRun([&] { hasRun = true; });
+    expectError({"--frob"}, "The following argument was not expected: --frob");
+    EXPECT_FALSE(hasRun);
+}
+
+TEST_F(OptionParserTest, TheActionsOfOtherCommandsDoNotRun) {
+    bool hasRun = false;
+    parser.options().addCommand("other", "", "").onRun([&] { hasRun = true; });
+    expectUnderstood({});
+    EXPECT_FALSE(hasRun);
+}
+
+TEST_F(OptionParserTest, AnExceptionOfTheActionPasses) {
+    command.onRun([] { throw std::runtime_error("full"); });
+    EXPECT_THROW(parse({}), std::runtime_error);
+}
+
+TEST_F(OptionParserTest, ACommandCanBeRequired) {
+    parser.options().requireCommand();
+    const ParseEnd end = parser.parse({});
+    EXPECT_EQ(end.kind, ParseEnd::Error);
+    EXPECT_EQ(end.text, "A subcommand is required");
+}
+
+TEST_F(OptionParserTest, HelpExplainsTheCommandBeforeIt) {
+    const ParseEnd end = parse({"--help"});
+    EXPECT_EQ(end.kind, ParseEnd::Help);
+    EXPECT_EQ(end.text,
+              "Runs.\nUsage: program run [OPTIONS]\n\nOptions:\n"
+              "  -h,--help                   Print this help message and exit\n\n"
+              "Example: program run\n");
+}
+
+TEST_F(OptionParserTest, HelpCanBeAskedForWithoutACommandLine) {
+    const std::string help = command.help("program run");
+    EXPECT_EQ(help, parse({"--help"}).text);
+}
+
+TEST_F(OptionParserTest, HelpHasHeadingsAndDefaults) {
+    text = "blue";
+    command.add("--colour", text, "The colour").under("Looks").withDefault();
+    const std::string help = command.help("program run");
+    EXPECT_NE(help.find("\nLooks:\n  --colour TEXT=blue           The colour\n"), std::string::npos)
+        << help;
+}
+
+TEST_F(OptionParserTest, VersionShowsItsText) {
+    parser.addVersion("program 1.2");
+    const ParseEnd end = parser.parse({"--version"});
+    EXPECT_EQ(end.kind, ParseEnd::Version);
+    EXPECT_EQ(end.text, "program 1.2");
+}
+
+TEST_F(OptionParserTest, CommandsAreFoundByTheirNames) {
+    const std::optional<OptionParser> found = parser.options().command("run");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->name(), "run");
+    EXPECT_EQ(found->parent().name(), "program");
+    EXPECT_FALSE(parser.options().command("frob"));
+}
+
+TEST_F(OptionParserTest, TheTreeHasWhatWasDeclared) {
+    unsigned number = 0;
+    command.add("TEXT", text, "The text").required().oneOf({"one", "two"});
+    command.add("--number", number, "The number");
+    const CommandNode tree = parser.options().tree();
+    EXPECT_EQ(tree.name, "program");
+    EXPECT_EQ(tree.summary, "What it is for.");
+    ASSERT_EQ(tree.commands.size(), 1u);
+    const CommandNode& node = tree.commands[0];
+    EXPECT_EQ(node.details, "Example: program run");
+    ASSERT_EQ(node.options.size(), 3u);  // --help is the first
+    EXPECT_EQ(node.options[1].name, "TEXT");
+    EXPECT_TRUE(node.options[1].isPositional);
+    EXPECT_TRUE(node.options[1].isRequired);
+    EXPECT_EQ(node.options[1].choices, (Words{"one", "two"}));
+    EXPECT_EQ(node.options[2].name, "--number");
+    EXPECT_EQ(node.options[2].help, "The number");
+    EXPECT_TRUE(node.options[2].takesValue);
+    EXPECT_FALSE(node.options[2].isRequired);
+}
