@@ -472,7 +472,8 @@ BRIDGE_API void BRIDGE_CALL bridgeRegisterCallbacks(
  * Lists the apps of an instance as JSON: an array of objects with the texts "package",
  * "activity", "appLabel", "versionName", "iconFilePath" and the number "versionCode", ordered by
  * package. Reads the instance's app cache, running or not; without one the array is empty. An icon
- * file need not exist. A cache that is no JSON array is deleted, and the array is empty.
+ * file need not exist. A cache that is no JSON array is deleted, and the array is empty. The array
+ * is also empty, with an error in the log, while another program keeps the cache open for itself.
  * @param instance instance name
  * @return a new text for bridgeFreeMemory(); null, after an error in the log, when the app cache
  *         cannot be opened, has an element that is no object, or an app with a value that is
