@@ -96,18 +96,17 @@ TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
     options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                            {"QX_STANDIN_SECONDS", "1"},
                            {"QX_STANDIN_CLIENTS", "none"}};
-    const ChildResult result =
-        play({"registry",  "InstallDir", standinProgram(""),
-              "init",      "Helper",     "launchapp",
-              player,      "p",          "appstore",
-              player,      "s",          "p",
-              "url",       player,       "u",
-              "apk",       player,       "f",
-              "uninstall", player,       "p",
-              "image",     "Nougat32",   "create",
-              "Nougat64",  "1",          "2",
-              "g",         "r",          "d"},
-             options);
+    const ChildResult result = play({"registry",  "InstallDir", standinProgram(""),
+                                     "init",      "Helper",     "launchapp",
+                                     player,      "p",          "appstore",
+                                     player,      "s",          "p",
+                                     "url",       player,       "u",
+                                     "apk",       player,       "f",
+                                     "uninstall", player,       "p",
+                                     "image",     "Nougat32",   "create",
+                                     "Nougat64",  "1",          "2",
+                                     "g",         "r",          "d"},
+                                    options);
     EXPECT_EQ(result.status, 0u) << result.err;
     EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "launchapp 0", "appstore 0", "url 0", "apk 0",
                                           "uninstall 0", "image 0", "create 0"}));

@@ -20,8 +20,7 @@ class StandinReplyTest : public ::testing::Test {
         options.environment = {{"QX_STANDIN_OUTPUT", folder / "out.txt"},
                                {"QX_STANDIN_SCRIPT", folder.write("script", script)},
                                {"QX_STANDIN_SECONDS", "10"}};
-        ChildProcess player(standinProgram("QX-Player.exe"),
-                            {"--instance", instance}, options);
+        ChildProcess player(standinProgram("QX-Player.exe"), {"--instance", instance}, options);
         for (int i = 0; i < 400 && (!folder.has("out.txt") ||
                                     folder.read("out.txt").find("serving") == std::string::npos);
              ++i) {
@@ -68,8 +67,8 @@ TEST_F(StandinReplyTest, AScriptThatIsNotUnderstoodEndsTheStandin) {
     ChildOptions options;
     options.environment = {{"QX_STANDIN_OUTPUT", folder / "out.txt"},
                            {"QX_STANDIN_SCRIPT", folder.write("script", "dance")}};
-    const ChildResult result = runChild(standinProgram("QX-Player.exe"),
-                                        {"--instance", "x"}, options);
+    const ChildResult result =
+        runChild(standinProgram("QX-Player.exe"), {"--instance", "x"}, options);
     EXPECT_EQ(result.status, 2u);
     EXPECT_EQ(output(), "error: script not understood: dance\n");
 }

@@ -148,7 +148,8 @@ TEST_F(StandinSendTest, MisuseSendsNothing) {
 }
 
 TEST_F(StandinSendTest, HelpListsTheEvents) {
-    const ChildResult result = runChild(standinProgram("QX-Player.exe"), {"--help"}, options("none"));
+    const ChildResult result =
+        runChild(standinProgram("QX-Player.exe"), {"--help"}, options("none"));
     EXPECT_EQ(result.status, 0u);
     EXPECT_NE(result.out.find("\n    create-instance-completed status:i32 instance\n"),
               std::string::npos)
