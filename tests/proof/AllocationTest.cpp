@@ -511,16 +511,18 @@ bool startOrEndShortage(QLocalSocket*, const std::uint8_t* packet, std::int32_t,
 
 template <typename Condition>
 bool waitUntil(Condition condition) {
-    for (int i = 0; i < 400 && !condition(); ++i) sleepMs(5);
+    for (int i = 0; i < 2000 && !condition(); ++i) sleepMs(5);
     return condition();
 }
 
 // A connection to a server whose thread still runs.
 void* connectTo(const std::string& server) {
-    void* handle = nullptr;
-    EXPECT_TRUE(waitUntil([&] { return (handle = connectRaw(server)) != nullptr; }))
-        << "the server's thread has ended";
-    return handle;
+    for (int i = 0; i < 2000; ++i) {
+        if (void* const handle = connectRaw(server)) return handle;
+        sleepMs(5);
+    }
+    ADD_FAILURE() << "the server's thread has ended";
+    return nullptr;
 }
 
 // A client that comes, starts a shortage, and goes. Its end is dealt with when this returns.
@@ -539,9 +541,10 @@ void startShortageOf(const std::string& server) {
 void endShortageOf(const std::string& server) {
     const int before = ended;
     for (int i = 0; i < 2 && ended == before; ++i) {
+        const int refused = refusedAllocations();
         RawPipe pipe(connectTo(server));
         pipe.write(packetOf(2, ""));
-        waitUntil([&] { return ended > before; });
+        waitUntil([&] { return ended > before || refusedAllocations() > refused; });
     }
     EXPECT_GT(ended, before);
 }
