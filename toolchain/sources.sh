@@ -17,7 +17,7 @@ source_lists() {
     return 0
 }
 
-# fetch_source PACKAGE...: leaves their .dsc files and archives in $cache/sources.
+# fetch_source [OPTION...] PACKAGE...: leaves their .dsc files and archives in $cache/sources.
 fetch_source() {
     local lists="$cache/apt" downloads="$cache/sources"
     mkdir -p "$downloads" "$lists/state/partial"

@@ -42,7 +42,15 @@ compiler_wrappers() {
 }
 
 fetch() {
-    fetch_source mingw-w64 "llvm-toolchain-$llvm_version"
+    fetch_source --tar-only mingw-w64 "llvm-toolchain-$llvm_version"
+}
+
+# Neither needs Debian's patches, which are about Debian's own packages.
+unpack_mingw() {
+    rm -rf "$work/mingw-w64"
+    mkdir "$work/mingw-w64"
+    tar -xf "$(source_file 'mingw-w64_*.orig.tar.*[2z]')" -C "$work/mingw-w64" \
+        --strip-components=1
 }
 
 unpack_llvm() {
@@ -56,7 +64,7 @@ unpack_llvm() {
 
 unpack() {
     local mingw
-    unpack_source "$(source_file 'mingw-w64_*.dsc')" "$work/mingw-w64" &
+    unpack_mingw &
     mingw=$!
     unpack_llvm
     wait "$mingw"

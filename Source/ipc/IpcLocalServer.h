@@ -35,8 +35,8 @@ class IpcLocalServer : public QLocalServer {
  private:
     class Instances;
 
-    // A new socket, the last of those that wait to be asked for.
-    QLocalSocket& queueSocket();
+    // A connected socket, a child of the server: the last of those that wait to be asked for.
+    void queue(std::unique_ptr<QLocalSocket> socket);
 
     QQueue<QLocalSocket*> pending_;
     std::unique_ptr<Instances> instances_;

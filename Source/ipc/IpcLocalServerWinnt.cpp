@@ -37,13 +37,19 @@ struct PipeClose {
 };
 using Pipe = std::unique_ptr<std::remove_pointer_t<HANDLE>, PipeClose>;
 
+// Error of the call that just failed, never ERROR_SUCCESS: a call can fail without setting one.
+DWORD lastFailure() {
+    const DWORD error = ::GetLastError();
+    return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
+}
+
 // Who may use the pipe: everyone on this machine.
 class Access {
  public:
     // ERROR_SUCCESS, or the error, which is in the log.
     DWORD make() {
         if (xmutexInitSecurityAttribs(everyone_, acl_, descriptor_) != XERR_SUCCESS) {
-            return ::GetLastError();
+            return lastFailure();
         }
         attributes_.lpSecurityDescriptor = descriptor_.get();
         return ERROR_SUCCESS;
@@ -83,13 +89,13 @@ class Instance {
     // ERROR_SUCCESS, or why there can be no such instance now.
     DWORD open(const std::wstring& path, Access& access, HANDLE event, bool first) {
         const HANDLE made = createInstance(path, access, first);
-        if (made == INVALID_HANDLE_VALUE) return ::GetLastError();
+        if (made == INVALID_HANDLE_VALUE) return lastFailure();
         pipe_.reset(made);
         overlapped_ = {};
         overlapped_.hEvent = event;
         waiting_ = false;
         if (::ConnectNamedPipe(made, &overlapped_)) return ERROR_SUCCESS;
-        const DWORD error = ::GetLastError();
+        const DWORD error = lastFailure();
         waiting_ = error == ERROR_IO_PENDING;
         // A client that has left already is a client: its connection ends at once.
         if (waiting_ || error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA) {
@@ -159,8 +165,9 @@ class IpcLocalServer::Instances {
             if (instance.isReady()) {
                 Pipe pipe = instance.release();
                 replace(instance);
-                QLocalSocket& socket = server_.queueSocket();
-                socket.setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()));
+                auto socket = std::make_unique<QLocalSocket>(&server_);
+                socket->setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()));
+                server_.queue(std::move(socket));
                 emit server_.newConnection();
             } else if (!instance.exists()) {
                 replace(instance);
@@ -229,10 +236,9 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
     return std::nullopt;
 }
 
-QLocalSocket& IpcLocalServer::queueSocket() {
-    auto socket = std::make_unique<QLocalSocket>(this);
+void IpcLocalServer::queue(std::unique_ptr<QLocalSocket> socket) {
     pending_.enqueue(socket.get());
-    return *socket.release();
+    static_cast<void>(socket.release());  // the server, its parent, owns it
 }
 
 bool IpcLocalServer::hasPendingConnections() const { return !pending_.isEmpty(); }

@@ -260,6 +260,30 @@ TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
     EXPECT_FALSE(ipcNameIsServed(name));
 }
 
+TEST_F(PipeRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoPipe) {
+    const RefusedSid sid("AllocateAndInitializeSid",
+                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
+                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
+                             ::SetLastError(ERROR_SUCCESS);
+                             return FALSE;
+                         });
+    launch();
+    ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
+    EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 0\n",
+                               listenError(-1, systemErrorText(ERROR_GEN_FAILURE))}));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
+TEST_F(PipeRefusals, AnInstanceThatFailsWithoutAnErrorDoesNotListen) {
+    const OddConnect odd("ConnectNamedPipe", [](HANDLE, LPOVERLAPPED) -> BOOL {
+        ::SetLastError(ERROR_SUCCESS);
+        return FALSE;
+    });
+    launch();
+    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_GEN_FAILURE)));
+    EXPECT_FALSE(ipcNameIsServed(name));
+}
+
 TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
     const OddConnect odd("ConnectNamedPipe", connectWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
