@@ -33,9 +33,13 @@ compiler_wrappers() {
     local tool
     wrapper clang
     wrapper clang++
-    for tool in ar ranlib nm strip dlltool objcopy objdump readelf windres rc; do
+    for tool in ar ranlib nm strip dlltool objcopy objdump readelf rc; do
         ln -sf "$llvm/llvm-$tool" "$prefix/bin/$triple-$tool"
     done
+    # The preprocessor that it starts does not always know this toolchain's headers.
+    printf '#!/bin/sh\nexec %s -I "%s" "$@"\n' "$llvm/llvm-windres" "$prefix/$triple/include" \
+        >"$prefix/bin/$triple-windres"
+    chmod +x "$prefix/bin/$triple-windres"
     mkdir -p "$resources"
     rm -rf "$resources/include"
     cp -r "$("$llvm/clang" -print-resource-dir)/include" "$resources/include"
