@@ -12,7 +12,7 @@ NOT_RUN = "not run"
 def entry_outcome(case):
     if case.find("failure") is not None:
         return "failed"
-    return "skipped" if case.find("skipped") is not None else "passed"
+    return {"run": "passed", "notrun": NOT_RUN}.get(case.get("status"), "skipped")
 
 
 def test_outcome(case):

@@ -1,5 +1,7 @@
 #include "PlainHost.h"
 
+#include <cstdio>
+
 Lines linesOf(std::string_view text) {
     Lines lines;
     while (!text.empty()) {
@@ -22,4 +24,15 @@ Lines PlainHostTest::output(const Script& script) const {
     const ChildResult result = play(script);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     return linesOf(result.out);
+}
+
+long bytesOfABatch(const std::string& name, const std::string& line) {
+    long handles = -1;
+    long bytes = -1;
+    EXPECT_EQ(line.compare(0, name.size(), name), 0) << line;
+    const std::string figures = line.substr(std::min(line.size(), name.size()));
+    EXPECT_EQ(std::sscanf(figures.c_str(), ": handles %ld, bytes %ld", &handles, &bytes), 2)
+        << line;
+    EXPECT_LE(handles, 0);
+    return bytes;
 }

@@ -36,4 +36,7 @@ class PlainHostTest : public ::testing::Test {
 
 Lines linesOf(std::string_view text);
 
+// What a line of the host, "NAME: handles H, bytes B", says of a batch; no handles.
+long bytesOfABatch(const std::string& name, const std::string& line);
+
 #endif

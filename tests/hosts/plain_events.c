@@ -1,7 +1,7 @@
 #include "plain_events.h"
-#include "support/process_figures.h"
 
 #include <bridge/bridge.h>
+#include <locale.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -188,37 +188,20 @@ static void waitFor(const volatile LONG* count, LONG wanted) {
     printNumber("waited", (int)*count);
 }
 
-static int gained(long long now, long long before) {
-    return now > before ? (int)(now - before) : 0;
-}
-
-int handlesLeaked(long before) {
-    const long more = openHandles() - before;
-    return more > HANDLES_OF_THE_SYSTEM ? (int)more : 0;
-}
-
-int bytesLeaked(long long before) { return gained(heapBytes(), before); }
-
-/* What just ended, threads and connections, needs a moment to be cleaned up. */
-static void settle(long handles, long long bytes) {
-    int i;
-    for (i = 0; handlesLeaked(handles) > 0 && i < 1000; ++i) Sleep(5);
-    for (i = 0; bytesLeaked(bytes) > 0 && i < 200; ++i) Sleep(5);
+void printGrowth(const char* name, const Growth* growth) {
+    char line[100];
+    sprintf(line, "%s: handles %ld, bytes %ld", name, growthOfHandles(growth),
+            (long)growthOfBytes(growth));
+    printLine(line);
 }
 
 static void steady(void) {
-    static long handles;
-    static long long bytes;
-    char line[100];
-    if (handles != 0) {
-        settle(handles, bytes);
-        sprintf(line, "steady: handles %d, bytes %d", handlesLeaked(handles), bytesLeaked(bytes));
-        printLine(line);
-        return;
-    }
-    handles = openHandles();
-    bytes = heapBytes();
-    printLine("measured");
+    static Growth growth;
+    growthNote(&growth);
+    if (growth.noted <= GROWTH_BATCHES)
+        printLine("noted");
+    else
+        printGrowth("steady", &growth);
 }
 
 /* A copy of the library that is not linked. */
@@ -308,25 +291,56 @@ static int live(const WCHAR* path, const char* player, int life) {
     return unload(&copy, path) && ok;
 }
 
+/*
+ * What is not the library's in a life: Wine 10's C runtime keeps a small block for each setlocale,
+ * and its heap keeps the bucket that the block is in, once the others in it have been in use. The
+ * smallest bucket has 31 blocks.
+ */
+static void setLocaleAmongSmallBlocks(void) {
+    enum { BLOCKS = 64, SMALL = 40 };
+    static char*(__cdecl * set)(int, const char*);
+    void* blocks[BLOCKS];
+    int i;
+    if (set == NULL) {
+        *(FARPROC*)&set = GetProcAddress(LoadLibraryW(L"ucrtbase.dll"), "setlocale");
+    }
+    for (i = 0; i < BLOCKS; ++i) {
+        if (i == BLOCKS / 2) set(LC_ALL, ".UTF8");
+        blocks[i] = HeapAlloc(GetProcessHeap(), 0, SMALL);
+    }
+    for (i = 0; i < BLOCKS; ++i) HeapFree(GetProcessHeap(), 0, blocks[i]);
+}
+
+static void control(int rounds) {
+    Growth growth = {{0}, {0}, 0};
+    int batch;
+    int i;
+    for (i = 0; i < rounds; ++i) setLocaleAmongSmallBlocks();
+    growthNote(&growth);
+    for (batch = 0; batch < GROWTH_BATCHES; ++batch) {
+        for (i = 0; i < rounds; ++i) setLocaleAmongSmallBlocks();
+        growthNote(&growth);
+    }
+    printGrowth("control", &growth);
+}
+
 /* The first lives may leave something behind that the later ones use again. */
 static void loadUnload(const WCHAR* path, int count, const char* player) {
     const int warmUp = 20;
+    const int rounds = count / GROWTH_BATCHES;
+    Growth growth = {{0}, {0}, 0};
     int good = 0;
-    long handles = 0;
-    long long bytes = 0;
     int i;
     char line[100];
     for (i = 0; i < warmUp + count; ++i) {
-        if (i == warmUp) {
-            handles = openHandles();
-            bytes = heapBytes();
-        }
+        if (i >= warmUp && (i - warmUp) % rounds == 0) growthNote(&growth);
         good += live(path, i % 2 == 0 ? player : NULL, i);
     }
-    settle(handles, bytes);
-    sprintf(line, "lives %d, events %d, handles %d, bytes %d", good, (int)arrivals,
-            handlesLeaked(handles), bytesLeaked(bytes));
+    growthNote(&growth);
+    sprintf(line, "lives %d, events %d", good, (int)arrivals);
     printLine(line);
+    printGrowth("lives", &growth);
+    control(rounds);
 }
 
 static int loadOnly(const WCHAR* path) {

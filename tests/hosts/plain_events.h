@@ -10,7 +10,7 @@
  *     served CLIENT        waits until the client's event server can be connected to
  *     wait N               waits for N events since the start
  *     waitbegun N          the same for N callbacks that have been entered
- *     steady               prints "measured", then the handles and bytes gained since that
+ *     steady               prints "noted", and after the last batch what one adds (growth.h)
  *     loadunload PATH N I  loads, uses, finishes and unloads a copy of the library N times; every
  *                          other time with an event, a commit and a request to the player I
  *     loadonly PATH        loads and unloads a copy, without finishing
@@ -22,6 +22,8 @@
 
 #include <windows.h>
 
+#include "support/growth.h"
+
 /* The script's next argument, as UTF-8 and NULL for "(null)", or as it stands. */
 const char* next(void);
 const WCHAR* nextWide(void);
@@ -30,11 +32,8 @@ const WCHAR* nextWide(void);
 void printLine(const char* line);
 void printNumber(const char* name, int number);
 
-/* How many handles there are more than before, beyond what the system takes for itself. */
-int handlesLeaked(long before);
-
-/* How many bytes of the heaps there are more than before. */
-int bytesLeaked(long long before);
+/* Print what a batch adds, as "NAME: handles H, bytes B". */
+void printGrowth(const char* name, const Growth* growth);
 
 /* Zero when the operation is none of those above. */
 int eventOperation(const char* name);

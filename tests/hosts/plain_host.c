@@ -19,7 +19,6 @@
 #include "plain_children.h"
 #include "plain_events.h"
 #include "plain_registry.h"
-#include "support/process_figures.h"
 
 #include <bridge/bridge.h>
 #include <stdio.h>
@@ -136,17 +135,17 @@ static void initex(void) {
 
 /* Many requests to one player: how many failed, and what is left over of those after a warm-up. */
 static void shutdownMany(const char* instance, int count) {
-    long handles;
-    long long bytes;
+    const int warmUp = 500;
+    Growth growth = {{0}, {0}, 0};
     int failed = 0;
     int i;
-    for (i = 0; i < 500; ++i) failed += bridgePlrShutdown(instance, 0) != 0;
-    handles = openHandles();
-    bytes = heapBytes();
-    for (i = 0; i < count; ++i) failed += bridgePlrShutdown(instance, 0) != 0;
+    for (i = 0; i < warmUp + count; ++i) {
+        if (i >= warmUp && (i - warmUp) % (count / GROWTH_BATCHES) == 0) growthNote(&growth);
+        failed += bridgePlrShutdown(instance, 0) != 0;
+    }
+    growthNote(&growth);
     printNumber("failed", failed);
-    printNumber("handles", handlesLeaked(handles));
-    printNumber("bytes", bytesLeaked(bytes));
+    printGrowth("requests", &growth);
 }
 
 /* The programs: each operation takes its function's arguments. */

@@ -13,13 +13,10 @@
 #include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
-#include "support/process_figures.h"
+#include "support/growth.h"
 #include "xpl/Xlog.h"
 
 namespace {
-
-// What the heaps of a process move by, whatever the test does.
-constexpr long long kHeapMoves = 8'192;
 
 std::int32_t printNothing(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
                           const char*, ...) {
@@ -40,27 +37,21 @@ class IpcPeerDeathTest : public ServerFixture {
 
     const XlogLogger before = xlogGetLogger();
 
-    // Plays one round of each moment again and again, and gives how many rounds there were; behind
-    // them, nothing is left.
+    // Plays one round of each moment again and again, expects that nothing is left, and gives how
+    // many rounds there were.
     static int inRounds(const std::function<void(std::size_t moment)>& play, std::size_t moments) {
         const auto all = [&] {
             for (std::size_t moment = 0; moment < moments && !HasFailure(); ++moment) play(moment);
         };
-        const int warmUp = 20;
-        for (int i = 0; i < warmUp; ++i) all();
-        EXPECT_TRUE(waitForRecords(0));
-        const long handles = openHandles() + HANDLES_OF_THE_SYSTEM;
-        const long long memory = heapBytes();
-        const int rounds = proofSize(100, 1000);
-        for (int i = 0; i < rounds; ++i) all();
-        EXPECT_TRUE(waitForRecords(0));
-        const auto isBack = [&] {
-            return openHandles() <= handles && heapBytes() <= memory + kHeapMoves;
+        const auto batch = [&](int rounds) {
+            for (int i = 0; i < rounds; ++i) all();
+            EXPECT_TRUE(waitForRecords(0));
         };
-        for (int i = 0; i < 1000 && !isBack(); ++i) sleepMs(5);
-        EXPECT_LE(openHandles(), handles);
-        EXPECT_LE(heapBytes() - memory, kHeapMoves);
-        return warmUp + rounds;
+        const int warmUp = 20;
+        batch(warmUp);
+        const int rounds = proofSize(100, 1000) / GROWTH_BATCHES;
+        expectNoGrowth(rounds, proofSize(32, 4), [&] { batch(rounds); });
+        return warmUp + rounds * GROWTH_BATCHES;
     }
 };
 

@@ -24,6 +24,9 @@ enum { HANDLES_OF_THE_SYSTEM = 20 };
  */
 long long heapBytes(void);
 
+/* Some milliseconds. */
+void waitBriefly(void);
+
 #ifdef __cplusplus
 }
 #endif

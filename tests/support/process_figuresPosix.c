@@ -1,6 +1,7 @@
 #include <dirent.h>
 #include <malloc.h>
 #include <stdlib.h>
+#include <time.h>
 
 #include "process_figures.h"
 
@@ -17,4 +18,9 @@ long openHandles(void) {
 long long heapBytes(void) {
     const struct mallinfo2 info = mallinfo2();
     return (long long)(info.uordblks + info.hblkhd);
+}
+
+void waitBriefly(void) {
+    const struct timespec wait = {0, 5000000};
+    nanosleep(&wait, NULL);
 }

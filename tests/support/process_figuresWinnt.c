@@ -85,3 +85,5 @@ long long heapBytes(void) {
     for (i = 0; i < count; ++i) bytes += busyBytes(heaps[i]);
     return bytes;
 }
+
+void waitBriefly(void) { Sleep(5); }
