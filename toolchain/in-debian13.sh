@@ -68,8 +68,16 @@ environment() {
     fi
 }
 
+# One command at a time: Wine's server of one cannot serve programs of another's process namespace.
+wait_for_others() {
+    mkdir -p "$root$kept"
+    exec 8>"$root$kept/lock"
+    flock -n 8 || { say "Waiting for another command in Debian 13."; flock 8; }
+}
+
 if [ -z "$entered" ]; then
     [ "$(id -u)" = 0 ] || die "another system as a root folder needs root"
+    wait_for_others
     [ $build = own ] || set -- --with-build "$@"
     exec unshare --mount --pid --fork --kill-child bash "$0" --root "$root" --entered "$@"
 fi

@@ -348,7 +348,7 @@ TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
     const int cycles = proofSize(100, 10'000);
     const int all = 20 + cycles;
     const int used = all / 2;
-    const int bytesOfALife = proofSize(32, 4);
+    const int bytesOfALife = proofSize(32, 8);
     const Lines lines = output({"loadunload", copy, std::to_string(cycles), player});
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[0], "lives " + std::to_string(all) + ", events " + std::to_string(used));

@@ -47,10 +47,10 @@ class IpcPeerDeathTest : public ServerFixture {
             for (int i = 0; i < rounds; ++i) all();
             EXPECT_TRUE(waitForRecords(0));
         };
-        const int warmUp = 20;
+        const int warmUp = proofSize(20, 200);
         batch(warmUp);
         const int rounds = proofSize(100, 1000) / GROWTH_BATCHES;
-        expectNoGrowth(rounds, proofSize(32, 4), [&] { batch(rounds); });
+        expectNoGrowth(rounds, 32, [&] { batch(rounds); });
         return warmUp + rounds * GROWTH_BATCHES;
     }
 };
