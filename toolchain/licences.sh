@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# licences.sh FOLDER: the licences of everything that is in the package, from Debian's source packages
-# and from the packages of the header-only libraries.
+# licences.sh FOLDER: the licences of everything that is in the package, from Debian's packages.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
@@ -8,19 +7,14 @@ set -euo pipefail
 into=$1
 mkdir -p "$into"
 
-# The licences of a source package as Debian lists them.
-list() {
-    local archive
-    archive=$(source_file "$1_*.debian.tar.xz" 2>/dev/null) || {
-        fetch_source "$1"
-        archive=$(source_file "$1_*.debian.tar.xz")
-    }
-    tar -xOf "$archive" debian/copyright >"$into/$2"
+# As Debian lists them.
+archive=$(source_file 'qtbase-opensource-src_*.debian.tar.xz' 2>/dev/null) || {
+    fetch_source qtbase-opensource-src
+    archive=$(source_file 'qtbase-opensource-src_*.debian.tar.xz')
 }
-
-list qtbase-opensource-src Qt.txt
-list "llvm-toolchain-$llvm_version" LLVM-runtimes.txt
-list mingw-w64 mingw-w64-runtime.txt
+tar -xOf "$archive" debian/copyright >"$into/Qt.txt"
+cp "/usr/share/doc/llvm-$llvm_version/copyright" "$into/LLVM-runtimes.txt"
+cp /usr/share/doc/mingw-w64-x86-64-dev/copyright "$into/mingw-w64-runtime.txt"
 cp "$(qt_dir)/licences/LICENSE.LGPL3" "$into/Qt-LGPL-3.txt"
 cp "$(qt_dir)/licences/LICENSE.GPL3" "$into/Qt-GPL-3.txt"
 cp /usr/share/common-licenses/Apache-2.0 "$into/Apache-2.0.txt"

@@ -107,7 +107,9 @@ TEST_F(OptionParserTest, ANumberCanBeLimitedToARange) {
     command.add("--number", number, "").between(2, 5);
     expectUnderstood({"--number", "5"});
     EXPECT_EQ(number, 5u);
-    expectError({"--number", "6"}, "--number: Value 6 not in range 2 to 5");
+    const ParseEnd end = parse({"--number", "6"});  // the library's words end differently in 2.4
+    EXPECT_EQ(end.kind, ParseEnd::Error);
+    EXPECT_EQ(end.text.rfind("--number: Value 6 not in range ", 0), 0u) << end.text;
 }
 
 TEST_F(OptionParserTest, APositiveNumberIsNotZero) {
@@ -185,8 +187,10 @@ TEST_F(OptionParserTest, HelpHasHeadingsAndDefaults) {
     text = "blue";
     command.add("--colour", text, "The colour").under("Looks").withDefault();
     const std::string help = command.help("program run");
-    EXPECT_NE(help.find("\nLooks:\n  --colour TEXT=blue          The colour\n"), std::string::npos)
-        << help;
+    const std::size_t heading = help.find("\nLooks:\n  --colour TEXT");
+    ASSERT_NE(heading, std::string::npos) << help;
+    const std::string shown = help.substr(heading);  // "TEXT=blue", or "TEXT [blue]" from 2.4 on
+    EXPECT_LT(shown.find("blue"), shown.find("The colour")) << help;
 }
 
 TEST_F(OptionParserTest, VersionShowsItsText) {
