@@ -49,7 +49,7 @@ class IpcPeerDeathTest : public ServerFixture {
         };
         const int warmUp = proofSize(20, 200);
         batch(warmUp);
-        const int rounds = proofSize(100, 1000) / GROWTH_BATCHES;
+        const int rounds = proofSize(200, 1000) / GROWTH_BATCHES;
         expectNoGrowth(rounds, 32, [&] { batch(rounds); });
         return warmUp + rounds * GROWTH_BATCHES;
     }
