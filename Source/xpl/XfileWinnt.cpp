@@ -52,10 +52,10 @@ XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
     }
 }
 
-// Status of the call on a file that just failed on this thread.
+// Status of the call on a file that just failed on this thread. A call can fail without an error.
 XErr failed(Xfile& file) {
     const DWORD error = ::GetLastError();
-    file.setWindowsError(static_cast<std::int32_t>(error));
+    file.setWindowsError(static_cast<std::int32_t>(error != 0 ? error : ERROR_GEN_FAILURE));
     return xerrFromWindows(static_cast<std::int32_t>(error));
 }
 

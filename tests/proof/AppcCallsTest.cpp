@@ -236,6 +236,13 @@ TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
     }
 }
 
+TEST_F(AppcCallsTest, AnOpenThatFailsWithoutAnErrorIsAFailureToo) {
+    const OddOpen refusing("CreateFileW", refuseOpen);
+    refuseNext(1, ERROR_SUCCESS);
+    EXPECT_EQ(appcLibInit(store, "Calls"), 0);
+    EXPECT_EQ(log.texts(), couldNotOpen(ERROR_GEN_FAILURE, ", deleting the file"));
+}
+
 TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
         const OddRead refusing("ReadFile", refuseRead);
