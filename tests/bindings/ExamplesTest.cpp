@@ -7,6 +7,7 @@
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"
 #include "support/TempFolder.h"
+#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -46,6 +47,13 @@ class ExamplesTest : public ::testing::Test {
         registry.set("InstallDir", "C:\\None\\");
     }
 
+    // An example says "listening" when it has asked for events; the server's thread begins after
+    // that.
+    static void waitUntilServed() {
+        const std::wstring path = L"\\\\.\\pipe\\vtr_Helper_bridge_nvo";
+        for (int i = 0; i < 2000 && !::WaitNamedPipeW(path.c_str(), 1000); ++i) ::Sleep(5);
+    }
+
     void send(const std::vector<std::string>& words) const {
         std::vector<std::string> arguments{"--event"};
         arguments.insert(arguments.end(), words.begin(), words.end());
@@ -63,6 +71,7 @@ class ExamplesTest : public ::testing::Test {
         while (lines.size() < 20 && (lines.empty() || lines.back() != "listening")) {
             lines.push_back(readLine(example));
         }
+        waitUntilServed();
         send({"app-installed", "Nougat64", "com.größe", "Main", "第二", "5", "1.0β", "i", "false"});
         send({"app-displayed", "Nougat64", "😀"});
         for (int i = 0; i < 3; ++i) lines.push_back(readLine(example));
