@@ -22,8 +22,9 @@ project_version() {
 # The time of the newest commit: the same commit gives the same package.
 package_stamp() { git -C "$tree" log -1 --format=%ct 2>/dev/null || echo 315532800; }
 
-# digest FILE...: 12 characters that change whenever one of the files does.
-digest() { cat "$@" | sha256sum | cut -c1-12; }
+# digest FILE...: 12 characters that change whenever one of the files does. The usual times of steps do
+# not count.
+digest() { sed -E 's/^(step "[^"]*") "[^"]*"/\1/' "$@" | sha256sum | cut -c1-12; }
 
 # A finished build carries its stamp; a folder without one was interrupted.
 toolchain_dir() {

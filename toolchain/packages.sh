@@ -26,4 +26,4 @@ require_release
 export DEBIAN_FRONTEND=noninteractive
 steps_total=2
 step "Package lists" "5 s" apt-get update
-step "Packages" "45 s" apt-get -o DPkg::Lock::Timeout="${QX_APT_WAIT:-60}" install -y --no-install-recommends "${missing[@]}"
+step "Packages" "30 s" apt-get -o DPkg::Lock::Timeout="${QX_APT_WAIT:-60}" install -y --no-install-recommends "${missing[@]}"

@@ -40,7 +40,7 @@ up)
     if ! is_complete "$WINEPREFIX"; then
         rm -rf "$WINEPREFIX"
         steps_total=1
-        step "Wine prefix" "15 s" create
+        step "Wine prefix" "10 s" create
     fi
     # Fails when it runs already. It must not hold the caller's output open.
     if "$server" -p >/dev/null 2>&1 </dev/null; then keep_desktop; fi

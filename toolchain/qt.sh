@@ -54,12 +54,12 @@ install_qt() {
 
 say "Building Qt in $prefix"
 steps_total=7
-step "Qt sources" "10 s" fetch
-step "Unpack Qt sources" "15 s" unpack
-step "Configure Qt" "40 s" configure_qt
-step "Qt makefiles" "5 s" generate
+step "Qt sources" "5 s" fetch
+step "Unpack Qt sources" "10 s" unpack
+step "Configure Qt" "15 s" configure_qt
+step "Qt makefiles" "2 s" generate
 step "Qt Core" "2 min" compile 3rdparty/pcre2 corelib
-step "Qt Network" "30 s" compile network
-step "Install Qt" "10 s" install_qt
+step "Qt Network" "40 s" compile network
+step "Install Qt" "2 s" install_qt
 rm -rf "$work" "$checkpoints"
 mark_complete "$prefix"

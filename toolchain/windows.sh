@@ -157,13 +157,13 @@ END
 
 say "Building the Windows toolchain in $prefix"
 steps_total=8
-step "Toolchain sources" "20 s" fetch
-step "Unpack toolchain sources" "30 s" unpack
+step "Toolchain sources" "10 s" fetch
+step "Unpack toolchain sources" "10 s" unpack
 step "Compiler wrappers" "1 s" compiler_wrappers
-step "Windows headers" "5 s" windows_headers
-step "Import libraries of the C runtime" "1 min" c_runtime
-step "Compiler support library" "10 s" builtins
-step "Runtime libraries for C++" "40 s" cxx_runtimes
-step "Toolchain probe" "2 s" probe
+step "Windows headers" "2 s" windows_headers
+step "Import libraries of the C runtime" "45 s" c_runtime
+step "Compiler support library" "5 s" builtins
+step "Runtime libraries for C++" "1 min" cxx_runtimes
+step "Toolchain probe" "1 s" probe
 rm -rf "$work" "$checkpoints"
 mark_complete "$prefix"
