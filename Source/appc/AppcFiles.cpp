@@ -1,5 +1,5 @@
-// The app cache's file operations on the disk. Every file is opened privately: no child process
-// keeps one that is going to be replaced.
+// The app cache's file operations on the disk. Every file is opened privately: a file that a child
+// process keeps open cannot be replaced.
 #include "appc/AppcFiles.h"
 
 #include <QString>

@@ -25,7 +25,7 @@ void discard(AppcStore& store) XTS_REQUIRES(store.lock) {
     store.isUnread = false;
 }
 
-// What becomes of a file that cannot be opened. Nothing is wrong with one that is held.
+// Deletes a file that cannot be opened, unless another process holds it.
 void giveUp(AppcStore& store, std::int32_t windowsError) XTS_REQUIRES(store.lock) {
     const std::string path = store.filePath();
     const std::string error = appcErrorText(windowsError);

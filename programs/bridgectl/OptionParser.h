@@ -30,7 +30,7 @@ class Option {
     Option positive();
     Option between(unsigned least, unsigned most);
 
-    // Of a list: the items stand in one word, separated by commas.
+    // Of a list: one word holds all items, separated by commas.
     Option inOneWord();
 
     // The heading that the help shows it under.

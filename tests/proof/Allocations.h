@@ -18,7 +18,7 @@ bool endShortage();
 // How many allocations have failed so, on any thread.
 int refusedAllocations();
 
-// This program's malloc, to stand in for that of a module that is to be short of memory too.
+// This program's malloc, as a replacement for the malloc of another module.
 void* allocateInShortage(std::size_t size);
 
 #endif

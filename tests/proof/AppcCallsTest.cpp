@@ -25,7 +25,7 @@ constexpr const char* kOneApp =
 
 constexpr int kTries = 11;
 
-// What stands in the place of the system's calls, and what it saw. The calls look at nothing but
+// Replacements of the system's calls, and what they saw. The calls look at nothing but
 // the app cache's files.
 struct Seen {
     int error = 0;     // that the next calls meet
