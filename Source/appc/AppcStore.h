@@ -25,8 +25,8 @@ class XTS_CAPABILITY("mutex") AppcLock {
 //
 // Lock order: `lock`, then `fileLock`. Nothing can take them the other way round: `fileLock` is
 // itself guarded by `lock`, so that code which takes it without holding `lock` does not compile.
-// Were the load to take `fileLock` first and `lock` for the apps, a loading and a saving thread could
-// deadlock.
+// Were the load to take `fileLock` first and `lock` for the apps, a loading and a saving thread
+// could deadlock.
 struct AppcStore {
     // `productDataDir` ends with a separator.
     AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir)

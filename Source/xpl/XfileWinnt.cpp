@@ -65,8 +65,8 @@ bool isBrieflyHeld(DWORD error) {
            error == ERROR_LOCK_VIOLATION;
 }
 
-// The path as Windows gets it. A path without an absolute form is passed on unchanged: the call that
-// gets it reports why.
+// The path as Windows gets it. A path without an absolute form is passed on unchanged: the call
+// that gets it reports why.
 XErr windowsPath(const std::string& path, std::wstring& wide) {
     if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
     std::wstring absolute;
