@@ -12,7 +12,7 @@ build=$1
 play() {
     rm -rf "$1"
     mkdir -p "$1"
-    GTEST_OUTPUT="xml:Z:$1/" ctest --test-dir "$build" --label-exclude '^native$' --output-on-failure \
+    QX_TEST_REPORTS="Z:$1/" ctest --test-dir "$build" --label-exclude '^native$' --output-on-failure \
         --no-tests=error -j "$jobs" --output-junit "$1/ctest.junit" || [ -f "$1/ctest.junit" ]
 }
 

@@ -29,7 +29,8 @@ def outcomes(folder):
         found[case.get("name")] = entry_outcome(case)
     for report in sorted(folder.glob("*.xml")):
         for case in ElementTree.parse(report).iter("testcase"):
-            name = f"{report.stem}: {case.get('classname')}.{case.get('name')}"
+            program = report.stem.split(".")[0]  # without the number of its part
+            name = f"{program}: {case.get('classname')}.{case.get('name')}"
             found[name] = test_outcome(case)
     if not found:
         raise SystemExit(f"no test has run: {folder}")

@@ -41,15 +41,27 @@ Lines withoutNumbers(Lines lines) {
     return lines;
 }
 
+namespace {
+
+bool isFreeNow(XmutexNamed& mutex) {
+    if (!mutex.try_lock()) return false;
+    mutex.unlock();
+    return true;
+}
+
+}  // namespace
+
 bool isFileLockFree() {
     bool isFree = false;
     // This thread may have it itself, and would get it again.
     std::thread([&isFree] {
         XmutexNamed mutex;
         ASSERT_EQ(mutex.init("Global\\vtr_appc_Nougat64_nvo"), 0);
-        if (!mutex.try_lock()) return;
-        mutex.unlock();
-        isFree = true;
+        isFree = isFreeNow(mutex);
+        for (int i = 0; i < 200 && !isFree; ++i) {
+            sleepMs(5);
+            isFree = isFreeNow(mutex);
+        }
     }).join();
     return isFree;
 }

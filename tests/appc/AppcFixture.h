@@ -42,7 +42,8 @@ std::string fileOf(const std::vector<PlainApp>& apps);
 // The lines, with the number of the source line in them as "N".
 Lines withoutNumbers(Lines lines);
 
-// Whether no other thread, of any process, has the file lock of the instance "Nougat64".
+// Whether the file lock of the instance "Nougat64" is free within a second. Other processes have it
+// for moments: it is the machine's.
 bool isFileLockFree();
 
 bool operator==(const AppcApp& a, const AppcApp& b);

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <map>
+#include <string>
 
 #include "support/Platform.h"
 #include "support/Scene.h"
@@ -29,6 +31,15 @@ int playScene(const std::vector<std::string>& arguments) {
     return found->second({arguments.begin() + 3, arguments.end()});
 }
 
+// Parts of one program that run at the same time each write a report of their own
+// (./run debian13 --tests).
+void reportBesideOthers() {
+    const char* folder = std::getenv("QX_TEST_REPORTS");
+    const char* entry = std::getenv("QX_TEST_ENTRY");
+    if (folder == nullptr || entry == nullptr) return;
+    ::testing::GTEST_FLAG(output) = std::string("xml:") + folder + entry + ".xml";
+}
+
 }  // namespace
 
 SceneEntry::SceneEntry(const char* name, SceneFunction function) { scenes()[name] = function; }
@@ -47,6 +58,7 @@ int main(int argc, char** argv) {
     breakQuietly();
     const std::vector<std::string> arguments = utf8Arguments(argc, argv);
     if (arguments.size() > 2 && arguments[1] == "--scene") return playScene(arguments);
+    reportBesideOthers();
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
