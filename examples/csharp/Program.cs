@@ -3,14 +3,30 @@
 // Compile it together with bindings/csharp/QXBridge.cs, for 64 bits.
 
 using System;
+using System.IO;
+using System.Text;
 using System.Threading;
 using QXBridge;
 
 static class Program
 {
+    // What the console's code page lacks would be printed as "?".
+    static void PrintUtf8()
+    {
+        try
+        {
+            Console.OutputEncoding = new UTF8Encoding(false);
+        }
+        catch (IOException) // there is no console
+        {
+            Console.SetOut(new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true });
+        }
+    }
+
     static int Main(string[] arguments)
     {
         int events = arguments.Length > 0 ? int.Parse(arguments[0]) : 0;
+        PrintUtf8();
         try
         {
             using (var arrived = new SemaphoreSlim(0))
