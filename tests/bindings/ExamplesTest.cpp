@@ -123,6 +123,11 @@ TEST_F(ExamplesTest, Node) {
               expected({"instance Nougat64 Größe 日本"}));
 }
 
+TEST_F(ExamplesTest, CSharp) {
+    EXPECT_EQ(linesOf(environment("QX_DOTNET"), {builtProgram("example_csharp.dll")}),
+              expected(kInstances));
+}
+
 TEST_F(ExamplesTest, WithoutANumberTheyEndAtOnce) {
     for (const char* program : {"example_c.exe", "example_cpp.exe", "example_qt.exe"}) {
         const ChildResult result = runChild(builtProgram(program), {});

@@ -1,0 +1,229 @@
+// The C# binding in .NET for Windows: hosts over the real library, with the stand-ins.
+#include <cstdlib>
+
+#include "NineEvents.h"
+
+namespace {
+
+// How a .NET host ends where a native one ends with kFatalStatus. The runtime hands the break on to
+// RaiseFailFastException, and Wine ends every process that calls this function with one status.
+constexpr std::uint32_t kFatalStatusInDotnet = 0xC0000602;
+
+constexpr const char* kConf =
+    "vtr.enable_adb_access=\"0\"\n"
+    "vtr.instance.Nougat64.cpus=\"4\"\n"
+    "vtr.instance.Nougat64.display_name=\"Größe 日本\"\n"
+    "vtr.instance.Nougat64.dpi=\"240\"\n"
+    "vtr.instance.Nougat64.ram=\"4096\"\n"
+    "vtr.shared_folders=\"a,b\"\n";
+
+const Lines kInstances = {"instances [",
+                          "    {",
+                          "        \"cpu\": 4,",
+                          "        \"deviceProfile\": \"\",",
+                          "        \"displayName\": \"Größe 日本\",",
+                          "        \"graphicsEngine\": \"\",",
+                          "        \"graphicsRenderer\": \"\",",
+                          "        \"imageName\": \"Nougat64\",",
+                          "        \"instance\": \"Nougat64\",",
+                          "        \"ram\": 4096",
+                          "    }",
+                          "]",
+                          ""};
+
+constexpr const char* kNineEvents =
+    "event app-installed Nougat64 com.größe Main \"第二 App\" -5 1.0β \"C:\\\\Ü.png\" true\n"
+    "event app-uninstalled Nougat64 com.größe\n"
+    "event apk-install-completed Nougat64 -1 \"C:\\\\Пример.apk\"\n"
+    "event instance-list-updated\n"
+    "event image-install-progress Nougat32 1 33.125\n"
+    "event create-instance-completed -2 Nougat64_1\n"
+    "event instance-configuration-changed Nougat64\n"
+    "event app-displayed Nougat64 com.größe\n"
+    "event account-list-updated Nougat64 jürgen@example.com 2\n";
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+std::string withDoubledBackslashes(const std::string& text) {
+    std::string result;
+    for (const char c : text) result.append(c == '\\' ? 2 : 1, c);
+    return result;
+}
+
+class DotnetTest : public PlainHostTest {
+ protected:
+    DotnetTest() { writeConf(kConf); }
+
+    ChildOptions standinOptions() const {
+        ChildOptions options;
+        options.environment = {{"QX_STANDIN_CLIENTS", "Uninstaller"},
+                               {"QX_STANDIN_OUTPUT", data / "standin.txt"},
+                               {"QX_STANDIN_SCRIPT", data / "standin.script"}};
+        return options;
+    }
+
+    ChildProcess startHost(const Script& scenario) const {
+        Script all{environment("QX_DOTNET_HOST"), library, data.path(), installFolder};
+        all.insert(all.end(), scenario.begin(), scenario.end());
+        return ChildProcess(environment("QX_DOTNET"), all, standinOptions());
+    }
+
+    // The lines of a host, up to the "finished" that is expected.
+    static Lines linesUpToTheEnd(ChildProcess& host) {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        Lines lines = linesOf(result.out);
+        EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
+        if (!lines.empty()) lines.pop_back();
+        return lines;
+    }
+
+    Lines played(const Script& scenario) const {
+        ChildProcess host = startHost(scenario);
+        return linesUpToTheEnd(host);
+    }
+
+    // A player that plays the script's events, as soon as the host listens.
+    ChildProcess startPlayer(ChildProcess& host, const std::string& script) const {
+        data.write("standin.script", script);
+        EXPECT_EQ(host.readLine(), "listening");
+        return ChildProcess(standinProgram("QX-Player.exe"), {"--instance", "DotnetTest"},
+                            standinOptions());
+    }
+
+    // What a host prints that is sent these events.
+    Lines playedWithEvents(const Script& scenario, const std::string& script) const {
+        ChildProcess host = startHost(scenario);
+        const ChildProcess player = startPlayer(host, script);
+        return linesUpToTheEnd(host);
+    }
+
+    void expectFatal(ChildProcess& host) const {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, kFatalStatusInDotnet);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(log().back().rfind(
+                      "E CONF Uninstaller_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0),
+                  0u)
+            << log().back();
+    }
+
+    std::string library = builtProgram("QX-Bridge.dll");
+    std::string installFolder = "C:\\None\\";
+};
+
+}  // namespace
+
+TEST_F(DotnetTest, InstancesAndApps) {
+    for (const char* folder : {"Engine\\Nougat64\\AppCache", "Engine\\Broken\\AppCache"}) {
+        data.makeFolder(folder);
+    }
+    data.write("Engine\\Nougat64\\AppCache\\AppCache.json",
+               "[{\"activity\":\"com.b.Main\",\"appLabel\":\"日本\",\"package\":\"com.b\","
+               "\"versionCode\":-2,\"versionName\":\"2\"}]");
+    data.write("Engine\\Broken\\AppCache\\AppCache.json", "[3]");
+    const std::string icon =
+        withDoubledBackslashes(data.path() + "\\") + "Engine/Nougat64/AppCache/com.b.png";
+    EXPECT_EQ(played({"listings"}),
+              with(kInstances, {"apps [", "    {", "        \"activity\": \"com.b.Main\",",
+                                "        \"appLabel\": \"日本\",",
+                                "        \"iconFilePath\": \"" + icon + "\",",
+                                "        \"package\": \"com.b\",", "        \"versionCode\": -2,",
+                                "        \"versionName\": \"2\"", "    }", "]", "", "no apps [",
+                                "]", "", "bridgeGetInstalledApps -1"}));
+}
+
+TEST_F(DotnetTest, ChangesAreSeenAtOnceAndByTheFileAfterTheCommit) {
+    EXPECT_EQ(played({"settings"}), (Lines{"name Größe 日本", "dpi 240", "adb False", "folders a|b",
+                                           "name \"Ünï\" \\ 第二 😀", "dpi -2147483648", "adb True",
+                                           "folders Bilder|Größe", "committed"}));
+    const std::string text = data.read("vantrel.conf");
+    for (const char* line :
+         {"vtr.instance.Nougat64.display_name=\"\"Ünï\" \\ 第二 😀\"\n",
+          "vtr.instance.Nougat64.dpi=\"-2147483648\"\n", "vtr.instance.Nougat64.ram=\"4096\"\n",
+          "vtr.enable_adb_access=\"1\"\n", "vtr.shared_folders=\"Bilder,Größe\"\n"}) {
+        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+    }
+}
+
+TEST_F(DotnetTest, FailingCommitsThrowTheirCodesAndLeaveTheFile) {
+    EXPECT_EQ(played({"failing commits"}), (Lines{"bridgeConfCommit 22", "bridgeConfCommit 7",
+                                                  "bridgeConfCommitToFile 2", "committed"}));
+    EXPECT_EQ(data.read("vantrel.conf"), kConf);
+    EXPECT_NE(data.read("Größe.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
+}
+
+TEST_F(DotnetTest, AConfigurationThatDoesNotLoadThrows) {
+    writeConf("no line of a configuration\n");
+    const ChildResult result = startHost({"listings"}).finish();
+    EXPECT_EQ(result.status, 1u);
+    EXPECT_EQ(result.out, "BridgeException: bridgeApiInit failed with -1; the log has the cause\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(DotnetTest, ALibraryThatIsMissingThrows) {
+    library = data / "QX-Bridge.dll";
+    const ChildResult result = startHost({"listings"}).finish();
+    EXPECT_EQ(result.status, 1u);
+    EXPECT_EQ(result.out, "DllNotFoundException: " + library + ": error 126\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(DotnetTest, WithoutTheFileAndWithALogOfItsOwn) {
+    EXPECT_EQ(played({"own log", data / "own ü.log"}), (Lines{"instances [", "]", ""}));
+    EXPECT_EQ(logMessages(data.read("own ü.log")).size(), 3u);
+    EXPECT_FALSE(data.has("Logs\\Player.log"));
+}
+
+TEST_F(DotnetTest, AProgramIsLaunchedReportsTheAppAndIsShutDown) {
+    installFolder = standinProgram("");
+    data.write("standin.script", "");
+    EXPECT_EQ(played({"programs"}), (Lines{"listening", "appDisplayed DotnetTest|com.größe"}));
+    const std::string said = data.read("standin.txt");
+    for (const char* text :
+         {"\"--cmd\" \"launchApp\" \"--package\" \"com.größe\"\n", "\nplrShutdownRpc(true)\n"}) {
+        EXPECT_NE(said.find(text), std::string::npos) << text << said;
+    }
+}
+
+TEST_F(DotnetTest, AProgramThatIsMissingThrows) {
+    EXPECT_EQ(played({"no program"}), Lines{"bridgeLaunchApp 2"});
+}
+
+TEST_F(DotnetTest, AllNineEventsArriveWithTheirValues) {
+    EXPECT_EQ(playedWithEvents({"nine events"}, kNineEvents), nineLines());
+}
+
+TEST_F(DotnetTest, WhatAHandlerThrowsIsReportedAndTheNextHandlerAndEventCome) {
+    EXPECT_EQ(playedWithEvents({"throwing handler"}, "event-flood 2 app-displayed N p{n}\n"),
+              (Lines{"failed: the host's own", "next handler p1", "next handler p2"}));
+}
+
+TEST_F(DotnetTest, CollectionsAmongEventsTakeNoHandlerAway) {
+    EXPECT_EQ(playedWithEvents({"collections", "2000"}, "event-flood 2000 app-displayed N p{n}\n"),
+              Lines{"in order 2000"});
+}
+
+TEST_F(DotnetTest, NoHandlerRunsAfterTheEndAmongEvents) {
+    EXPECT_EQ(playedWithEvents({"end among events"}, "event-flood 20000 app-displayed N p{n}\n"),
+              Lines{"silent since the end"});
+}
+
+TEST_F(DotnetTest, AProgrammingErrorEndsTheProcess) {
+    for (const char* kind : {"missing key", "other type", "reads i64", "sets i64"}) {
+        SCOPED_TRACE(kind);
+        ChildProcess host = startHost({"fatal", kind});
+        expectFatal(host);
+    }
+}
+
+TEST_F(DotnetTest, AProgrammingErrorInAHandlerEndsTheProcess) {
+    ChildProcess host = startHost({"fatal", "in a handler"});
+    const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
+    expectFatal(host);
+}
