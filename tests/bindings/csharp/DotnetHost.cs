@@ -146,21 +146,27 @@ static class DotnetHost
         WaitForEvents(2);
     }
 
-    // Every hundredth handler waits for a collection that begins after it: so they and the events
-    // certainly alternate.
+    // Every fiftieth handler waits for a collection. Another one runs beside the events that follow.
     static void Collections(Session session, int events)
     {
+        var collected = new SemaphoreSlim(0);
         int inOrder = 0;
         session.AppDisplayed += (instance, package) =>
         {
             if (package == "p" + (inOrder + 1)) ++inOrder;
-            int before = GC.CollectionCount(2);
-            while (inOrder % 100 == 0 && GC.CollectionCount(2) < before + 2) Thread.Yield();
-            if (package == "p" + events) Arrived.Release();
+            if (inOrder % 50 != 0) return;
+            Arrived.Release();
+            collected.Wait();
         };
         CollectGarbage();
         Listen(session);
-        for (int i = 0; i < 100000 && !Arrived.Wait(0); ++i) CollectGarbage();
+        for (int i = 0; i < events / 50; ++i)
+        {
+            WaitForEvents(1);
+            CollectGarbage();
+            collected.Release();
+            CollectGarbage();
+        }
         Say("in order", inOrder);
     }
 
