@@ -85,9 +85,9 @@ cmake --build "$work/clang"
 # The import library for Microsoft's linker, with the linker that there is.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 
-# The hosts without a Windows runtime here are compiled.
 mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
     share/bindings/csharp/QXBridge.cs
+# There is no Python for Windows here: its host is compiled only.
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
     share/bindings/python/qxbridge.py
 
@@ -109,6 +109,11 @@ for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cx
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
     [ "$got" = "$listing" ] || fail "$host lists: $got"
 done
+dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
+cp "$tree/tests/bindings/csharp/runtimeconfig.json" "$work/host_cs.runtimeconfig.json"
+got=$(wine "$dotnet/dotnet.exe" "$(windows_path "$work/host_cs.exe")" \
+    "$(windows_path "$root/bin/QX-Bridge.dll")" | tr -d '\r')
+[ "$got" = "$listing" ] || fail "host.cs lists: $got"
 # Node, with the packages where npm puts them; under Wine it cannot write to this system's pipes.
 node=$(bash "$tree/toolchain/node.sh" --dir)
 mkdir -p "$work/npm/node_modules"
