@@ -13,7 +13,8 @@ std::uint32_t xsystemThreadId() noexcept;
 void xsystemUseUtf8();
 
 // Breaks into the debugger. The process ends with status 0x80000003 (STATUS_BREAKPOINT): at once
-// when there is no debugger, else when the debugger lets it go on.
+// when there is no debugger, else when the debugger lets it go on. A host's runtime that takes the
+// break first may end it with another status.
 [[noreturn]] void xsystemDebugBreak() noexcept;
 
 // Whether the process is being taken down: its other threads are gone, wherever they were.

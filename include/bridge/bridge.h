@@ -24,10 +24,11 @@
  *     DllMain, or from the constructor or destructor of a static object of a DLL.
  * 8.  Fatal errors. A configuration key that does not exist, a read or write of the wrong type,
  *     and a stored number or boolean that cannot be read are programming errors: the library logs
- *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003. So do a log that
- *     cannot be opened, the start of a program without "InstallDir" in the registry, an instance
- *     of an unknown image in a listing, an event of an impossible length, slot 3 without slot 4,
- *     and a machine-wide lock that cannot be waited for.
+ *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003, which a runtime
+ *     such as .NET's may change. So do a log that cannot be opened, the start of a program
+ *     without "InstallDir" in the registry, an instance of an unknown image in a listing, an
+ *     event of an impossible length, slot 3 without slot 4, and a machine-wide lock that cannot
+ *     be waited for.
  * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
  *     Their text arguments are never null, and valid during the call only. Inside one, every
  *     function works except bridgeApiFini(). An exception must not leave a callback.
