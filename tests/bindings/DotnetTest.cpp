@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "NineEvents.h"
+#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -184,7 +185,11 @@ TEST_F(DotnetTest, AProgramIsLaunchedReportsTheAppAndIsShutDown) {
     installFolder = standinProgram("");
     data.write("standin.script", "");
     EXPECT_EQ(played({"programs"}), (Lines{"listening", "appDisplayed DotnetTest|com.größe"}));
-    const std::string said = data.read("standin.txt");
+    std::string said;
+    for (int i = 0; i < 2000 && said.find("\nended: ") == std::string::npos; ++i) {
+        ::Sleep(5);
+        said = data.read("standin.txt");
+    }
     for (const char* text :
          {"\"--cmd\" \"launchApp\" \"--package\" \"com.größe\"\n", "\nplrShutdownRpc(true)\n"}) {
         EXPECT_NE(said.find(text), std::string::npos) << text << said;
