@@ -61,7 +61,7 @@ class DiskFiles final : public AppcFiles {
 }  // namespace
 
 AppcFiles& appcDiskFiles() {
-    static AppcFiles& files = xunloadKeep<DiskFiles>();
+    static AppcFiles& files = *xunloadKeep<DiskFiles>();
     return files;
 }
 

@@ -68,7 +68,7 @@ void copyTo(Field* out, const Field& field) {
 
 AppcStore& appcStore() {
     static AppcStore& store =
-        xunloadKeep<AppcStore>(appcDiskFiles(), utlGetDataDir(), utlSharedDir());
+        *xunloadKeep<AppcStore>(appcDiskFiles(), utlGetDataDir(), utlSharedDir());
     return store;
 }
 

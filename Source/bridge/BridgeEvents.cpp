@@ -22,7 +22,7 @@ struct EventServer {
 };
 
 EventServer& eventServer() {
-    static EventServer& server = xunloadKeep<EventServer>();
+    static EventServer& server = *xunloadKeep<EventServer>();
     return server;
 }
 

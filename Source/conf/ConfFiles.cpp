@@ -53,6 +53,6 @@ class DiskFiles final : public ConfFiles {
 }  // namespace
 
 ConfFiles& confDiskFiles() {
-    static ConfFiles& files = xunloadKeep<DiskFiles>();
+    static ConfFiles& files = *xunloadKeep<DiskFiles>();
     return files;
 }

@@ -146,8 +146,8 @@ XErr confLoad(ConfStore& store) {
 }
 
 ConfStore& confStore() {
-    static const ConfCatalogue& catalogue = xunloadKeep<ConfCatalogue>(confProductCatalogue());
-    static ConfStore& store = xunloadKeep<ConfStore>(catalogue, confDiskFiles());
+    static const ConfCatalogue& catalogue = *xunloadKeep<ConfCatalogue>(confProductCatalogue());
+    static ConfStore& store = *xunloadKeep<ConfStore>(catalogue, confDiskFiles());
     return store;
 }
 

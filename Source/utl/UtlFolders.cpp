@@ -18,12 +18,12 @@ std::string productValue(const char* name) {
 using Cached = const std::string&;
 
 Cached installDir() {
-    static Cached text = xunloadKeep<std::string>(productValue("InstallDir"));
+    static Cached text = *xunloadKeep<std::string>(productValue("InstallDir"));
     return text;
 }
 
 Cached dataDir() {
-    static Cached text = xunloadKeep<std::string>(productValue("UserDefinedDir") + "\\");
+    static Cached text = *xunloadKeep<std::string>(productValue("UserDefinedDir") + "\\");
     return text;
 }
 
@@ -70,7 +70,7 @@ std::string utlGetDataDir() {
 }
 
 std::filesystem::path utlInstallDir() {
-    static const std::wstring& path = xunloadKeep<std::wstring>(wideValue("InstallDir"));
+    static const std::wstring& path = *xunloadKeep<std::wstring>(wideValue("InstallDir"));
     if (!utlIsAbsolute(path)) {
         XLOG_E(kLog, "%s: Failed to initialize installDir properly: Got %s", "utlInstallDir",
                xtextToUtf8(path).c_str());
@@ -80,24 +80,24 @@ std::filesystem::path utlInstallDir() {
 }
 
 std::filesystem::path utlDataDir() {
-    static const std::wstring& path = xunloadKeep<std::wstring>(wideValue("UserDefinedDir"));
+    static const std::wstring& path = *xunloadKeep<std::wstring>(wideValue("UserDefinedDir"));
     if (!utlIsAbsolute(path)) XLOG_FATAL(kLog);
     return path;
 }
 
 std::string utlAssetsDir() {
-    static Cached text = xunloadKeep<std::string>(utlGetDataDir() + "Client/Assets/");
+    static Cached text = *xunloadKeep<std::string>(utlGetDataDir() + "Client/Assets/");
     return text;
 }
 
 std::string utlLogsDir() {
-    static Cached text = xunloadKeep<std::string>(utlGetDataDir() + "Logs/");
+    static Cached text = *xunloadKeep<std::string>(utlGetDataDir() + "Logs/");
     return text;
 }
 
 std::string utlSharedDir() {
     static Cached text =
-        xunloadKeep<std::string>(utlGetDataDir() + "/Engine/UserData/SharedFolder/");
+        *xunloadKeep<std::string>(utlGetDataDir() + "/Engine/UserData/SharedFolder/");
     return text;
 }
 

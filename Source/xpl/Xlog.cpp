@@ -69,17 +69,21 @@ struct ContextHolder {
 
 // The one object of the library that is destroyed at exit or unload: it releases the texts, closes
 // the log file, and at unload releases what else is kept.
+#if defined(__clang__)
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wexit-time-destructors"
 #pragma clang diagnostic ignored "-Wglobal-constructors"
+#endif
 ContextHolder context;
+#if defined(__clang__)
 #pragma clang diagnostic pop
+#endif
 
 std::mutex contextChange;  // one setter at a time
 
 const Context& currentContext() {
     if (const Context* const now = context.current.load()) return *now;
-    static const Context* const initial = &xunloadKeep<Context>();
+    static const Context* const initial = xunloadKeep<Context>();
     return *initial;
 }
 

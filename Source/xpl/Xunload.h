@@ -11,12 +11,12 @@
 // to remember it, it is never released.
 void xunloadRemember(void* object, void (*release)(void* object)) noexcept;
 
-// Makes an object that lives until then.
+// Makes an object that lives until then. Never null.
 template <typename Object, typename... Arguments>
-Object& xunloadKeep(Arguments&&... arguments) {
+Object* xunloadKeep(Arguments&&... arguments) {
     auto* const object = new Object(std::forward<Arguments>(arguments)...);
     xunloadRemember(object, [](void* kept) { delete static_cast<Object*>(kept); });
-    return *object;
+    return object;
 }
 
 // Releases everything remembered; for the one object that is destroyed at unload. Does nothing in a
