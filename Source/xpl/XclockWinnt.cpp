@@ -33,7 +33,8 @@ std::int64_t computeOffset(std::int64_t utcSeconds) {
 // lines in one, and the question takes longer than the rest of a line. Second and offset share one
 // word, so that no reader sees those of two writers.
 std::int64_t offsetAt(std::int64_t utcSeconds) {
-    constexpr std::int64_t kOffsets = 1 << 20;  // an offset is less than a day: 17 bits and a sign
+    // An offset is less than a day: 17 bits and a sign.
+    constexpr std::int64_t kOffsets = std::int64_t{1} << 20;
     static std::atomic<std::int64_t> known{-1};
     const std::int64_t last = known.load(std::memory_order_relaxed);
     if (last >= 0 && last / kOffsets == utcSeconds) return last % kOffsets - kOffsets / 2;
