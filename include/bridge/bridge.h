@@ -72,10 +72,11 @@
 /** Signed 32-bit integer. */
 typedef int bridge_i32;
 
-/** Signed 64-bit integer. C89 has none: the marked extension of each compiler is used. */
-#if defined(_MSC_VER)
-typedef __int64 bridge_i64;
-#elif defined(__GNUC__)
+/**
+ * Signed 64-bit integer. C89 has none: every compiler for x64 has it as an extension, which is
+ * marked for those that warn of unmarked ones.
+ */
+#if defined(__GNUC__) || defined(__clang__)
 __extension__ typedef long long bridge_i64;
 #else
 typedef long long bridge_i64;

@@ -1,21 +1,62 @@
 #!/usr/bin/env bash
-# Each public header compiles alone, as each language it is for, without a warning.
+# header.sh INCLUDE KIND=COMPILER...: each public header compiles alone, as each language it is for,
+# without a warning. Kinds of compilers:
+#   gcc, gcc-c   GCC, and one that has C only
+#   clang        clang, with every warning that it has but those below
+#   microsoft    clang in Microsoft's mode; the same, and bridge.h also as a compiler that is neither
+#                clang nor GCC reads it
 set -euo pipefail
-gcc=$1 clang=$2 include=$3
+include=$1
+shift
 
+usual=(-pedantic -Wall -Wextra -Werror)
+
+# These are about the language that C++11 replaced, and about padding, which most records have.
+every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded)
+
+# Such a compiler needs no mark at its long long, and has none.
+unknown=("${every[@]}" -U__clang__ -U__GNUC__ -D__extension__=unmarked
+    -Wno-long-long)
+
+# compile HEADER LANGUAGE STANDARDS COMPILER OPTION...
 compile() {
-    echo "#include <bridge/${header:-bridge.h}>" | "$@" -I"$include" -pedantic -Wall -Wextra -Werror \
-        -fsyntax-only -
-    echo "ok: ${header:-bridge.h} $*"
+    local header=$1 language=$2 standard
+    for standard in $3; do
+        echo "#include <bridge/$header>" |
+            "$4" "${@:5}" -x "$language" "-std=$standard" -I"$include" -fsyntax-only -
+        echo "ok: $header, $standard, $4"
+        compiled=$((compiled + 1))
+    done
 }
 
-for standard in c89 c11; do
-    compile "$gcc" -x c -std=$standard
-    compile "$clang" -x c -std=$standard -Wdocumentation
-    compile "$clang" -x c -std=$standard --target=x86_64-pc-windows-msvc -DBRIDGE_DLLIMPORT \
-        -Wno-language-extension-token -Wno-long-long  # __int64 is that compiler's own
-done
-compile "$gcc" -x c++ -std=c++17
-compile "$clang" -x c++ -std=c++17 -Wdocumentation
-header=bridge.hpp compile "$gcc" -x c++ -std=c++17
-header=bridge.hpp compile "$clang" -x c++ -std=c++17 -Wdocumentation
+as_c() { compile bridge.h c "c89 c99 c11 c17" "$@"; }
+as_cpp() { compile bridge.h c++ "c++11 c++14 c++17 c++20" "$@"; }
+wrapper() { compile bridge.hpp c++ "c++17 c++20" "$@"; }
+
+all() {
+    as_c "$@"
+    as_cpp "$@"
+    wrapper "$@"
+}
+
+judge() {
+    case $1 in
+    gcc-c) as_c "$2" "${usual[@]}" ;;
+    gcc) all "$2" "${usual[@]}" ;;
+    clang) all "$2" "${every[@]}" ;;
+    microsoft)
+        all "$2" "${every[@]}" -DBRIDGE_DLLIMPORT
+        as_c "$2" "${unknown[@]}"
+        as_cpp "$2" "${unknown[@]}"
+        ;;
+    *)
+        echo "no such kind of compilers: $1"
+        exit 1
+        ;;
+    esac
+}
+
+compiled=0
+for pair; do judge "${pair%%=*}" "${pair#*=}"; done
+[ "$compiled" -gt 0 ] || { echo "no compiler is given"; exit 1; }
+echo "$compiled times without a warning"
