@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# compilers.sh BUILD: shows the library, its programs and the public headers to compilers that do not
+# build them: GCC for the Universal C Runtime, which Debian 13 has, and clang in Microsoft's mode. Any
+# warning is a failure. BUILD is configured, QX_TOOLCHAIN is set, and Debian 13 is there: ./run does
+# that.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+build=$1
+
+gcc=x86_64-w64-mingw32ucrt
+
+# there COMMAND...: in Debian 13, where this tree and BUILD have the same paths.
+there() {
+    if [ "$release" = trixie ]; then
+        "$@"
+    else
+        bash "$tree/toolchain/in-debian13.sh" --with-build "$@"
+    fi
+}
+
+# The headers that the programs use are those of the system which compiles.
+install_gcc() {
+    there bash "$tree/toolchain/packages.sh" g++-mingw-w64-ucrt64 libcli11-dev nlohmann-json3-dev
+}
+
+headers() { there bash "$tree/tests/gates/header.sh" "$tree/include" "gcc=$gcc-gcc"; }
+
+# Optimising finds more.
+code_with_gcc() {
+    there python3 "$tree/toolchain/other_compiler.py" "$build" \
+        "$gcc-g++" -O1 -Wall -Wextra -Wpedantic
+}
+
+code_with_clang() {
+    python3 "$tree/toolchain/other_compiler.py" "$build" \
+        bash "$tree/toolchain/clang-microsoft.sh" -fsyntax-only -Wall -Wextra -Wpedantic -Wmicrosoft \
+        -Wshadow-all -Wconversion -Wsign-conversion -Wunreachable-code-aggressive \
+        -Wconditional-uninitialized -Wunused
+}
+
+# A build file is as old as the last build.
+compile_commands() { ninja -C "$build" build.ninja; }
+
+steps_total=5
+step "Compile commands" "1 s" compile_commands
+step "GCC for the Universal C Runtime" "20 s, later seconds" install_gcc
+step "Public headers with that GCC" "5 s" headers
+step "Code with that GCC" "1 min" code_with_gcc
+step "Code with clang in Microsoft's mode" "1 min" code_with_clang
+say "No warning."
