@@ -27,12 +27,12 @@ headers() { there bash "$tree/tests/gates/header.sh" "$tree/include" "gcc=$gcc-g
 
 # Optimising finds more.
 code_with_gcc() {
-    there python3 "$tree/toolchain/other_compiler.py" "$build" \
+    there python3 "$tree/toolchain/other_compiler.py" "$tree" "$build" \
         "$gcc-g++" -O1 -Wall -Wextra -Wpedantic
 }
 
 code_with_clang() {
-    python3 "$tree/toolchain/other_compiler.py" "$build" \
+    python3 "$tree/toolchain/other_compiler.py" "$tree" "$build" \
         bash "$tree/toolchain/clang-microsoft.sh" -fsyntax-only -Wall -Wextra -Wpedantic -Wmicrosoft \
         -Wshadow-all -Wconversion -Wsign-conversion -Wunreachable-code-aggressive \
         -Wconditional-uninitialized -Wunused

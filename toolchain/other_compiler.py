@@ -1,7 +1,7 @@
-"""other_compiler.py BUILD COMPILER OPTION...: compiles the files of Source/ and programs/ with another
-compiler than that of the build tree BUILD, as far as assembly. The include folders, definitions and
-language standard of each file are the build's. Prints each warning once and how many there are of each
-kind. Fails when there is one, and when BUILD does not know a file."""
+"""other_compiler.py TREE BUILD COMPILER OPTION...: compiles the files of Source/ and programs/ of TREE
+with another compiler than that of its build tree BUILD, as far as assembly. The include folders,
+definitions and language standard of each file are the build's. Prints each warning once and how many
+there are of each kind. Fails when there is one, and when BUILD does not compile a file."""
 import collections
 import concurrent.futures
 import json
@@ -13,7 +13,6 @@ import subprocess
 import sys
 import tempfile
 
-TREE = pathlib.Path(__file__).resolve().parent.parent
 KEPT = ("-D", "-I", "-std=")
 DIAGNOSTIC = re.compile(r"^[^ ].*?: (warning|error|fatal error): ", re.MULTILINE)
 KIND = re.compile(r"\[(-W[^\],]*)")
@@ -29,24 +28,21 @@ def kept_options(command):
             yield word
 
 
-def is_judged(file, build):
-    """What CMake makes of the commands counts as well."""
-    return any(folder in file.parents for folder in (TREE / "Source", TREE / "programs", build / "programs"))
-
-
-def commands(build):
-    """The options of each file, once; a test may compile a file of Source/ again."""
+def commands(tree, build):
+    """The options of each file, what CMake has made for programs/ included. A test may compile a file of
+    Source/ once more."""
+    folders = {tree / "Source", tree / "programs", build / "programs"}
     found = {}
     for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
         file = pathlib.Path(entry["file"])
-        if is_judged(file, build):
+        if folders & set(file.parents):
             found.setdefault(file, list(kept_options(entry["command"])))
     return found
 
 
-def unknown_files(known):
+def unknown_files(tree, known):
     for folder in ("Source", "programs"):
-        for file in sorted((TREE / folder).rglob("*.c*")):
+        for file in sorted((tree / folder).rglob("*.c*")):
             if file.suffix in (".c", ".cpp") and not file.stem.endswith("Posix") and file not in known:
                 yield file
 
@@ -95,12 +91,12 @@ def kind(headline):
 
 
 def main(arguments):
-    build = pathlib.Path(arguments[0]).resolve()
-    files = commands(build)
-    unknown = list(unknown_files(files))
+    tree, build = (pathlib.Path(folder).resolve() for folder in arguments[:2])
+    files = commands(tree, build)
+    unknown = list(unknown_files(tree, files))
     for file in unknown:
         print(f"{file}: not compiled by {build}")
-    found = compile_all(arguments[1:], files)
+    found = compile_all(arguments[2:], files)
     for headline in sorted(found):
         print(found[headline])
     counts = collections.Counter(kind(headline) for headline in found)
