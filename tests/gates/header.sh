@@ -11,8 +11,10 @@ shift
 
 usual=(-pedantic -Wall -Wextra -Werror)
 
-# These are about the language that C++11 replaced, and about padding, which most records have.
-every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded)
+# These are about the language that C++11 replaced, about padding, which most records have, and about a
+# default in a switch that has every value.
+every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded
+    -Wno-switch-default)
 
 # Such a compiler needs no mark at its long long, and has none.
 unknown=("${every[@]}" -U__clang__ -U__GNUC__ -D__extension__=unmarked
