@@ -12,7 +12,7 @@
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
 #include "xpl/Xfence.h"
-#include "xpl/XmutexSecurity.h"
+#include "xpl/XobjectSecurity.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 
@@ -37,35 +37,11 @@ struct PipeClose {
 };
 using Pipe = std::unique_ptr<std::remove_pointer_t<HANDLE>, PipeClose>;
 
-// Error of the call that just failed, never ERROR_SUCCESS: a call can fail without setting one.
-DWORD lastFailure() {
-    const DWORD error = ::GetLastError();
-    return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
-}
-
-// Who may use the pipe: everyone on this machine.
-class Access {
- public:
-    // ERROR_SUCCESS, or the error, which is in the log.
-    DWORD make() {
-        if (xmutexInitSecurityAttribs(everyone_, acl_, descriptor_) != XERR_SUCCESS) {
-            return lastFailure();
-        }
-        attributes_.lpSecurityDescriptor = descriptor_.get();
-        return ERROR_SUCCESS;
-    }
-
-    SECURITY_ATTRIBUTES* attributes() { return &attributes_; }
-
- private:
-    XsidPtr everyone_;
-    XlocalPtr acl_;
-    XlocalPtr descriptor_;
-    SECURITY_ATTRIBUTES attributes_{sizeof(SECURITY_ATTRIBUTES), nullptr, /*bInheritHandle=*/FALSE};
-};
+// An error that is not ERROR_SUCCESS, for a call that failed: it can do so without setting one.
+DWORD failure(DWORD error) { return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE; }
 
 // INVALID_HANDLE_VALUE, with the system's last error, when there can be no such instance now.
-HANDLE createInstance(const std::wstring& path, Access& access, bool first) {
+HANDLE createInstance(const std::wstring& path, SECURITY_ATTRIBUTES& access, bool first) {
     // Without buffers a client's write ends when the server has taken the bytes: a client that
     // writes and leaves loses nothing.
     return ::CreateNamedPipeW(
@@ -73,10 +49,10 @@ HANDLE createInstance(const std::wstring& path, Access& access, bool first) {
         PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
         PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS,
         PIPE_UNLIMITED_INSTANCES, /*nOutBufferSize=*/0, /*nInBufferSize=*/0, kClientMilliseconds,
-        access.attributes());
+        &access);
 }
 
-// One instance. Its place in memory is the system's while it waits.
+// One instance. It must not move while it waits: the system writes to it.
 class Instance {
  public:
     Instance() = default;
@@ -87,15 +63,15 @@ class Instance {
     bool exists() const { return pipe_ != nullptr; }
 
     // ERROR_SUCCESS, or why there can be no such instance now.
-    DWORD open(const std::wstring& path, Access& access, HANDLE event, bool first) {
+    DWORD open(const std::wstring& path, SECURITY_ATTRIBUTES& access, HANDLE event, bool first) {
         const HANDLE made = createInstance(path, access, first);
-        if (made == INVALID_HANDLE_VALUE) return lastFailure();
+        if (made == INVALID_HANDLE_VALUE) return failure(::GetLastError());
         pipe_.reset(made);
         overlapped_ = {};
         overlapped_.hEvent = event;
         waiting_ = false;
         if (::ConnectNamedPipe(made, &overlapped_)) return ERROR_SUCCESS;
-        const DWORD error = lastFailure();
+        const DWORD error = failure(::GetLastError());
         waiting_ = error == ERROR_IO_PENDING;
         // A client that has left already is a client: its connection ends at once.
         if (waiting_ || error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA) {
@@ -120,7 +96,7 @@ class Instance {
 
  private:
     // The system writes to this object until the wait has ended, which a cancelled one does at
-    // once. The event cannot tell: the instances share it.
+    // once. The event does not show it: the instances share it.
     void close() {
         if (!exists()) return;
         if (waiting_) ::CancelIoEx(pipe_.get(), &overlapped_);
@@ -148,18 +124,19 @@ class IpcLocalServer::Instances {
         QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsFenced(); });
     }
 
-    // False when nothing would tell of a client.
+    // False when no client would be noticed.
     [[nodiscard]] bool watch() { return watcher_.watch(); }
 
-    // The first one: ERROR_SUCCESS, or why not; ERROR_ACCESS_DENIED when the name is somebody
-    // else's.
+    // The first one: ERROR_SUCCESS, or why not; ERROR_ACCESS_DENIED when another process has the
+    // name.
     DWORD openFirst() {
-        if (const DWORD error = access_.make(); error != ERROR_SUCCESS) return error;
+        if (const auto error = xobjectSecurityInit(security_)) return failure(*error);
+        access_.lpSecurityDescriptor = security_.descriptor.get();
         return all_[0].open(path_, access_, watcher_.handle(), /*first=*/true);
     }
 
-    // Hands over every client that has come, and puts a new instance into each one's place. One
-    // pass: what is there to be read comes in between.
+    // Hands over every client that has come, and replaces its instance. One pass: what is there to
+    // be read comes in between.
     void takeClients() {
         for (Instance& instance : all_) {
             if (instance.isReady()) {
@@ -201,7 +178,8 @@ class IpcLocalServer::Instances {
 
     const std::wstring path_;
     IpcLocalServer& server_;
-    Access access_;
+    XobjectSecurity security_;
+    SECURITY_ATTRIBUTES access_{sizeof(SECURITY_ATTRIBUTES), nullptr, /*bInheritHandle=*/FALSE};
     IpcEventWatcher watcher_;
     QTimer retry_;
     std::array<Instance, kInstances> all_;
@@ -225,7 +203,7 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
         return listenError(QAbstractSocket::SocketResourceError, "Out of resources");
     }
     const DWORD error = instances_->openFirst();
-    if (error == ERROR_ACCESS_DENIED) {  // somebody was first after all
+    if (error == ERROR_ACCESS_DENIED) {  // another process was first after all
         return listenError(QAbstractSocket::AddressInUseError, "Address in use");
     }
     if (error != ERROR_SUCCESS) {

@@ -128,6 +128,15 @@ TEST(MutexRefusals, TheAccessListCannotBeSet) {
     expectNoMutex("SetSecurityDescriptorDacl Error 1336", 101336);
 }
 
+// Without its access list the mutex would shut other users out.
+TEST(MutexRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoMutex) {
+    const RefusedSid refused(
+        "AllocateAndInitializeSid",
+        [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
+           PSID*) -> BOOL { return refuse(ERROR_SUCCESS, FALSE); });
+    expectNoMutex("AllocateAndInitializeSid Error 0", 100000);
+}
+
 TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
     XmutexNamed mutex;
     const LogCapture log;

@@ -4,7 +4,7 @@
 #include "support/LogCapture.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
-#include "xpl/XmutexSecurity.h"
+#include "xpl/XobjectSecurity.h"
 
 // Last: it needs <windows.h>.
 #include <aclapi.h>
@@ -45,23 +45,22 @@ TEST(XmutexNamed, ANameOfAnotherKindOfObjectIsRefused) {
     ::CloseHandle(event);
 }
 
-TEST(XmutexSecurity, GrantsEveryoneAllRightsOnce) {
-    XsidPtr sid;
-    XlocalPtr acl;
-    XlocalPtr descriptor;
-    ASSERT_EQ(xmutexInitSecurityAttribs(sid, acl, descriptor), 0);
-    expectEveryone(sid.get());
+TEST(XobjectSecurity, GrantsEveryoneAllRightsOnce) {
+    XobjectSecurity security;
+    ASSERT_FALSE(xobjectSecurityInit(security).has_value());
+    expectEveryone(security.everyone.get());
     BOOL present = FALSE;
     BOOL defaulted = TRUE;
     PACL list = nullptr;
-    ASSERT_TRUE(::GetSecurityDescriptorDacl(descriptor.get(), &present, &list, &defaulted));
+    ASSERT_TRUE(
+        ::GetSecurityDescriptorDacl(security.descriptor.get(), &present, &list, &defaulted));
     EXPECT_TRUE(present);
     EXPECT_FALSE(defaulted);
-    EXPECT_EQ(list, acl.get());
+    EXPECT_EQ(list, security.acl.get());
     expectEveryoneMayAll(list);
 }
 
-TEST(XmutexSecurity, ARealMutexIsOpenToEveryone) {
+TEST(XobjectSecurity, ARealMutexIsOpenToEveryone) {
     const std::string name = "Global\\vtr_test_open" + std::to_string(::GetCurrentProcessId());
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
