@@ -1,6 +1,6 @@
 // Packet assembly: however a stream of bytes is delivered, the packets are those that its headers
 // describe, and the replies those of packets that came whole within one delivery. A length that is
-// fatal ends the process, behind the packets before it and no earlier than its header is there.
+// fatal ends the process, after the packets before it and no earlier than its header is there.
 //
 // The first byte counts the sizes of deliveries that follow it, used over and over; the rest is the
 // stream.
@@ -98,19 +98,21 @@ void deliver(IpcConnectionInfo& info, FakeSocket& socket, const std::string& str
         std::size_t dispatched = 0;
         for (const std::string& packet : received) dispatched += packet.size();
         const std::size_t rest = end - dispatched;
-        check(info.buffer.size() == static_cast<int>(rest < kHeader ? 0 : rest),
-              "the buffer has what came of a packet that is not whole");
+        check(info.held() + socket.bytesAvailable() == static_cast<qint64>(rest),
+              "what came of a packet that is not whole waits");
+        check((info.packetLen != 0) == (rest >= kHeader), "a whole header begins a packet");
+        check(info.packetLen == 0 || socket.bytesAvailable() == 0, "a packet takes what came");
         check(info.buffer.capacity() <= roomFor(end), "memory follows what arrived");
     }
 }
 
-std::jmp_buf behindFatalBreak;
+std::jmp_buf afterFatalBreak;
 
 // Whether the work comes to a fatal break, which would end the process. It is left by a jump: what
 // stands on the stack between here and the break needs no destructor.
 template <typename Work>
 bool breaksFatally(Work work) {
-    if (setjmp(behindFatalBreak) != 0) return true;
+    if (setjmp(afterFatalBreak) != 0) return true;
     work();
     return false;
 }
@@ -152,7 +154,7 @@ void checkStream(std::string stream, Plan plan, const std::string& sizes) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     logIntoNothing();
-    logCallAtFatalBreak([] { std::longjmp(behindFatalBreak, 1); });
+    logCallAtFatalBreak([] { std::longjmp(afterFatalBreak, 1); });
     if (size == 0) return 0;
     const std::string_view input = textOf(data + 1, size - 1);
     const std::size_t count = std::min<std::size_t>(data[0] % 16, input.size());

@@ -4,7 +4,6 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstring>
 #include <limits>
@@ -25,118 +24,86 @@ constexpr qint64 kMaxBuffer = std::numeric_limits<int>::max() - 64;
 // A buffer that grew larger than this for one packet is not kept for the next.
 constexpr int kKeptBuffer = 64 * 1024;
 
+// Packets are small, and each call of the socket costs more than the bytes of one.
+constexpr qint64 kBlock = 16 * 1024;
+
 // Replies are handed over in pieces that the socket's own buffers can take.
 constexpr qint64 kReplyPiece = 1'048'576;
 
 std::atomic<int> liveRecords{0};
 
-std::uint32_t numberAt(const QByteArray& buffer, std::size_t offset) {
+std::uint32_t numberAt(const IpcConnectionInfo& info, std::size_t offset) {
     std::uint32_t number = 0;
-    std::memcpy(&number, buffer.constData() + offset, sizeof number);
+    std::memcpy(&number, info.packet() + offset, sizeof number);
     return number;
 }
 
 const char* serverOf(const IpcConnectionInfo& info) { return info.serverName->c_str(); }
 
-// What a socket holds, taken out of it in large blocks: packets are small, and each question to the
-// socket costs more than the bytes of one.
-class Incoming {
- public:
-    explicit Incoming(QLocalSocket& socket) : socket_(socket) {}
-
-    qint64 available() const { return rest() + socket_.bytesAvailable(); }
-    bool hasAny() const { return rest() > 0 || socket_.bytesAvailable() > 0; }
-    bool has(qint64 count) const { return rest() >= count || available() >= count; }
-
-    // Up to `wanted`, and no more than there are.
-    qint64 availableOf(qint64 wanted) const {
-        return rest() >= wanted ? wanted : std::min(wanted, available());
-    }
-
-    // Gives the number of bytes that came.
-    qint64 take(char* to, qint64 count) {
-        qint64 done = takeRest(to, count);
-        if (done == count) return done;
-        if (count - done < static_cast<qint64>(block_.size())) {
-            at_ = 0;
-            end_ = read(block_.data(), static_cast<qint64>(block_.size()));
-            return done + takeRest(to + done, count - done);
-        }
-        return done + read(to + done, count - done);
-    }
-
-    // Puts what was not taken back into the socket, where the next call finds it.
-    void giveBack() {
-        while (end_ > at_) socket_.ungetChar(block_[static_cast<std::size_t>(--end_)]);
-    }
-
- private:
-    qint64 rest() const { return end_ - at_; }
-
-    qint64 read(char* to, qint64 count) { return std::max<qint64>(socket_.read(to, count), 0); }
-
-    qint64 takeRest(char* to, qint64 wanted) {
-        const qint64 count = std::min(wanted, rest());
-        std::memcpy(to, block_.data() + at_, static_cast<std::size_t>(count));
-        at_ += count;
-        return count;
-    }
-
-    QLocalSocket& socket_;
-    qint64 at_ = 0;
-    qint64 end_ = 0;
-    std::array<char, std::size_t{16} * 1024> block_;
-};
-
-// Appends up to `wanted` bytes, and no more than there are: memory follows what has arrived, not
-// what a header claims. Returns the number of bytes that came.
-qint64 append(IpcConnectionInfo& info, Incoming& incoming, qint64 wanted) {
-    const qint64 count = incoming.availableOf(wanted);
-    const int before = info.buffer.size();
-    if (count <= 0) return 0;
-    if (before + count > kMaxBuffer) throw std::bad_alloc();
-    info.buffer.resize(before + static_cast<int>(count));
-    const qint64 got = incoming.take(info.buffer.data() + before, count);
-    if (got < count) info.buffer.resize(before + static_cast<int>(got));
-    return got;
+// Bytes that have arrived and belong to no packet yet. What was read ahead counts like what the
+// socket holds, and is lost when the socket closes.
+qint64 unread(const IpcConnectionInfo& info) {
+    const qint64 inSocket = info.socket->bytesAvailable();
+    if (!info.socket->isOpen()) return inSocket;
+    return inSocket + std::max<qint64>(info.held() - qint64{info.packetLen}, 0);
 }
 
-// Whether a packet has begun, with the length of the reply that it wants when it begins now.
-bool beginPacket(IpcConnectionInfo& info, Incoming& incoming, std::uint32_t& replyLength,
-                 const char* self) {
-    if (info.packetLen != 0) return true;
-    const qint64 missing = kHeaderSize - info.buffer.size();
-    if (!incoming.has(missing)) {
-        incoming.giveBack();
-        return false;
-    }
+bool hasUnread(const IpcConnectionInfo& info) {
+    return info.held() > qint64{info.packetLen} || info.socket->bytesAvailable() > 0;
+}
+
+// Makes room: moves what is held to the front of the buffer.
+void dropHandedOver(IpcConnectionInfo& info) {
+    if (info.start == 0) return;
+    info.buffer.remove(0, info.start);
+    info.start = 0;
+}
+
+// Reads a block, or the rest of the packet where that is longer, and no more than there is: memory
+// follows what has arrived, not what a header claims.
+void readMore(IpcConnectionInfo& info) {
+    dropHandedOver(info);
+    const int before = info.buffer.size();
+    const qint64 wanted = std::max(kBlock, qint64{info.packetLen} - before);
+    const qint64 count = std::min(wanted, info.socket->bytesAvailable());
+    if (count <= 0) return;
+    if (before + count > kMaxBuffer) throw std::bad_alloc();
+    info.buffer.resize(before + static_cast<int>(count));
+    const qint64 got = info.socket->read(info.buffer.data() + before, count);
+    if (got < count) info.buffer.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
+}
+
+// Takes the header of the next packet, with the length of the reply that it wants. False when there
+// is no whole header: it stays where it is.
+bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
+    if (info.held() < kHeaderSize && unread(info) < kHeaderSize) return false;
     XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
-           static_cast<int>(incoming.available()));
-    append(info, incoming, missing);
-    if (info.buffer.size() < kHeaderSize) return false;  // the socket had claimed more
-    info.packetLen = numberAt(info.buffer, IPC_LENGTH_OFFSET);
-    replyLength = numberAt(info.buffer, IPC_REPLY_LENGTH_OFFSET);
+           static_cast<int>(unread(info)));
+    if (info.held() < kHeaderSize) readMore(info);
+    if (info.held() < kHeaderSize) return false;  // the socket had claimed more
+    info.packetLen = numberAt(info, IPC_LENGTH_OFFSET);
+    replyLength = numberAt(info, IPC_REPLY_LENGTH_OFFSET);
     XLOG_D(kLog,
            "%s for serverName %s, packetLen = %u, buffer.size = %d, opcode = 0x%x, outLen = %d",
-           self, serverOf(info), info.packetLen, info.buffer.size(),
-           numberAt(info.buffer, IPC_OPCODE_OFFSET), static_cast<std::int32_t>(replyLength));
+           self, serverOf(info), info.packetLen, kHeaderSize, numberAt(info, IPC_OPCODE_OFFSET),
+           static_cast<std::int32_t>(replyLength));
     return true;
 }
 
-// The bytes still to come are a signed 32-bit number, so that lengths near both ends of the range
-// give a negative one: nothing can find the next packet behind such a header. Returns the number of
-// bytes that came.
-qint64 readBody(IpcConnectionInfo& info, Incoming& incoming, const char* self) {
+// Reads what the packet lacks after its first `size` bytes. The bytes still to come are a
+// signed 32-bit number, so that lengths near both ends of the range give a negative one: nothing
+// can find the next packet after such a header.
+void readBody(IpcConnectionInfo& info, int size, const char* self) {
     const auto bytesToRead =
-        static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(info.buffer.size()));
+        static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(size));
     XLOG_D(kLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info), bytesToRead);
     if (bytesToRead < 0) {
         XLOG_E(kLog,
                "%s for serverName %s, bytesToRead %d is negative, packetLen = %u, buffer size = %d",
-               self, serverOf(info), bytesToRead, info.packetLen, info.buffer.size());
+               self, serverOf(info), bytesToRead, info.packetLen, size);
         XLOG_FATAL(kLog);
     }
-    return append(info, incoming, bytesToRead);
+    if (!info.isWhole()) readMore(info);
 }
 
 // Memory for a reply; none, and a reply length of 0, when it cannot be had. Zeroed, so that no old
@@ -166,7 +133,10 @@ void writeReply(QLocalSocket& socket, const unsigned char* reply, std::uint32_t 
 
 // The next bytes are a header.
 void consumePacket(IpcConnectionInfo& info) {
+    info.start += static_cast<int>(info.packetLen);
     info.packetLen = 0;
+    if (info.held() > 0) return;
+    info.start = 0;
     if (info.buffer.capacity() > kKeptBuffer) {
         info.buffer.clear();
     } else {
@@ -174,15 +144,16 @@ void consumePacket(IpcConnectionInfo& info) {
     }
 }
 
-// The packet is consumed before its reply is written: memory can run out in the socket, and the
-// packet must not be dispatched again.
+// The packet stays in the buffer while the decoder runs: receive() lets nothing else in meanwhile.
+// It is consumed before its reply is written: memory can run out in the socket, and the packet must
+// not be dispatched again.
 void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
               const char* self) {
     XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
     const XmemBytes reply = replyBuffer(info, replyLength, self);
     xfence(kLog, self, false, [&] {
-        return decode(info.socket, reinterpret_cast<const std::uint8_t*>(info.buffer.constData()),
-                      info.buffer.size(), reply.get(), static_cast<std::int32_t>(replyLength));
+        return decode(info.socket, info.packet(), static_cast<std::int32_t>(info.packetLen),
+                      reply.get(), static_cast<std::int32_t>(replyLength));
     });
     consumePacket(info);
     writeReply(*info.socket, reply.get(), replyLength);
@@ -201,6 +172,13 @@ bool fenced(const char* function, Call call) noexcept {
 // Runs dispose() from the event loop, when nothing works on the connection any more.
 void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
 
+// Ends a connection whose next packet cannot be found.
+void drop(IpcConnectionInfo* info) {
+    info->buffer.clear();
+    info->start = 0;
+    fenced("ipcReadCommand", [info] { info->socket->abort(); });
+}
+
 // Receives what arrives on a connection. After an exception the connection is aborted and never
 // read again: its next packet cannot be found, and a socket that is closed can still claim bytes. A
 // host that runs an event loop of its own inside a callback comes here a second time; the first
@@ -210,18 +188,18 @@ void receive(IpcConnectionInfo* info, IpcDecode decode) {
     info->busy = true;
     info->failed = !fenced("ipcReadCommand", [&] { ipcReadCommand(info, decode); });
     info->busy = false;
-    if (info->failed) fenced("ipcReadCommand", [&] { info->socket->abort(); });
+    if (info->failed) drop(info);
     if (!info->disconnectedMeanwhile) return;
     fenced("ipcDestroyConnection", [&] { disposeLater(info, decode); });
 }
 
-// The last bytes of a peer that wrote and left can still wait here when the disconnect is told.
+// The last bytes of a peer that wrote and left can still wait here when its disconnect is reported.
 void dispose(IpcConnectionInfo* info, IpcDecode decode) {
     if (info->busy) {
         info->disconnectedMeanwhile = true;
         return;
     }
-    if (info->socket->bytesAvailable() > 0) receive(info, decode);
+    if (unread(*info) > 0) receive(info, decode);
     QLocalSocket* const socket = info->socket;
     // The event loop calls this, and nothing else works on the socket: without memory to delete it
     // later it is deleted now.
@@ -283,7 +261,7 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
     QObject::connect(
         socket, &QLocalSocket::aboutToClose, socket, [info] { logAboutToClose(info.get()); },
         Qt::DirectConnection);
-    // A socket that could not be read from at all has told so already, and will not again.
+    // For a socket that could not be read from at all, disconnected() has already fired.
     if (socket->state() == QLocalSocket::UnconnectedState) ipcDestroyConnection(info.get(), decode);
     static_cast<void>(unfinished.release());
 }
@@ -292,26 +270,27 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     const char* const self = "ipcReadCommand";
     XLOG_D(kLog, "%s called for info %p", self, static_cast<void*>(info));
     XLOG_D(kLog, "%s called for serverName %s", self, serverOf(*info));
-    Incoming incoming(*info->socket);
     // Known within this call only: a packet that is completed by a later one gets no reply.
     std::uint32_t replyLength = 0;
     do {
-        if (!beginPacket(*info, incoming, replyLength, self)) return;
-        const qint64 came = readBody(*info, incoming, self);
-        if (static_cast<std::uint32_t>(info->buffer.size()) == info->packetLen) {
+        const bool begun = info->packetLen != 0;
+        if (!begun && !beginPacket(*info, replyLength, self)) return;
+        // What was read with the header of this packet is still to be taken in.
+        const int size = begun ? info->held() : kHeaderSize;
+        readBody(*info, size, self);
+        if (info->isWhole()) {
             dispatch(*info, decode, replyLength, self);
         } else {
             XLOG_D(kLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
-                   serverOf(*info), info->buffer.size(), info->packetLen);
-            if (came == 0) return;  // whatever the socket claims
+                   serverOf(*info), info->held(), info->packetLen);
+            if (info->held() == size) return;  // whatever the socket claims
         }
-    } while (incoming.hasAny());
+    } while (hasUnread(*info));
 }
 
 void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode) {
     XLOG_D(kLog, "%s called for serverName %s info %p bytes %d state %d", "ipcDestroyConnection",
-           serverOf(*info), static_cast<void*>(info),
-           static_cast<int>(info->socket->bytesAvailable()),
+           serverOf(*info), static_cast<void*>(info), static_cast<int>(unread(*info)),
            static_cast<int>(info->socket->state()));
     disposeLater(info, decode);
 }

@@ -17,11 +17,20 @@ struct IpcConnectionInfo {
     IpcConnectionInfo(const IpcConnectionInfo&) = delete;
     IpcConnectionInfo& operator=(const IpcConnectionInfo&) = delete;
 
-    // How many of these there are, on any thread: what is left behind shows here. For tests.
+    // How many of these there are, on any thread: what is left over shows here. For tests.
     static int live();
 
+    // The packet being assembled, header included, and how many bytes are held from there on: when
+    // it is whole, the next ones can follow.
+    const std::uint8_t* packet() const {
+        return reinterpret_cast<const std::uint8_t*>(buffer.constData()) + start;
+    }
+    int held() const { return buffer.size() - start; }
+    bool isWhole() const { return static_cast<std::uint32_t>(held()) >= packetLen; }
+
     QLocalSocket* socket;
-    QByteArray buffer;              // the packet being assembled, header included
+    QByteArray buffer;              // what was read; packets handed over are still in front
+    int start = 0;                  // where the packet being assembled begins in it
     std::uint32_t packetLen = 0;    // its length; 0: the next bytes are a header
     const std::string* serverName;  // for log lines
     bool busy = false;              // inside ipcReadCommand

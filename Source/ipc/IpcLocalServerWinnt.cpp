@@ -143,7 +143,10 @@ class IpcLocalServer::Instances {
                 Pipe pipe = instance.release();
                 replace(instance);
                 auto socket = std::make_unique<QLocalSocket>(&server_);
-                socket->setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()));
+                // Unbuffered: the connection reads blocks into a buffer of its own.
+                socket->setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()),
+                                            QLocalSocket::ConnectedState,
+                                            QIODevice::ReadWrite | QIODevice::Unbuffered);
                 server_.queue(std::move(socket));
                 emit server_.newConnection();
             } else if (!instance.exists()) {

@@ -148,6 +148,61 @@ TEST_F(IpcReadCommandTest, TwoPacketsOfOneDeliveryAreDecodedInOrderInOneCall) {
     EXPECT_EQ(packets(), (Lines{first, second}));
 }
 
+TEST_F(IpcReadCommandTest, EachPacketOfADeliveryIsLoggedWithWhatIsLeftThen) {
+    deliver(packetOf(1, "a") + packetOf(2, "bb") + packetOf(3, "").substr(0, 5));
+    Lines left;
+    for (const std::string& line : log.texts(XLOG_DEBUG)) {
+        const std::size_t at = line.find("bytesAvailable");
+        if (at != std::string::npos) left.push_back(line.substr(at));
+    }
+    EXPECT_EQ(left, (Lines{"bytesAvailable = 32", "bytesAvailable = 19"}));
+}
+
+TEST_F(IpcReadCommandTest, AHeaderThatBeginsAfterAPacketIsCompletedByTheNextDelivery) {
+    const std::string first = packetOf(1, "a");
+    const std::string second = packetOf(2, "bb", 2);
+    for (std::size_t at = 1; at < 12; ++at) {
+        calls.clear();
+        deliver(first + second.substr(0, at), fillReply);
+        EXPECT_EQ(packets(), Lines{first}) << at;
+        deliver(second.substr(at), fillReply);
+        EXPECT_EQ(packets(), (Lines{first, second})) << at;
+    }
+    EXPECT_EQ(socket.written.size(), 22u) << "its header was whole in the second delivery only";
+}
+
+TEST_F(IpcReadCommandTest, AHeaderThatIsNotWholeCountsAsUnreadWhenThePeerLeaves) {
+    deliver(packetOf(1, "a") + packetOf(2, "").substr(0, 5));
+    log.clear();
+    ipcDestroyConnection(&info, record);
+    const Lines lines = log.texts(XLOG_DEBUG);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find(" bytes 5 state 0"), std::string::npos) << lines[0];
+}
+
+TEST_F(IpcReadCommandTest, ASocketThatClosesLosesAHeaderThatIsNotWhole) {
+    deliver(packetOf(1, "a") + packetOf(2, "").substr(0, 5));
+    socket.close();
+    log.clear();
+    ipcDestroyConnection(&info, record);
+    const Lines lines = log.texts(XLOG_DEBUG);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find(" bytes 0 state 0"), std::string::npos) << lines[0];
+}
+
+TEST_F(IpcReadCommandTest, WhatComesInAHundredDeliveriesOfABlockTakesTheMemoryOfAFew) {
+    const std::string packet = packetOf(1, std::string(1000, 'x'));
+    std::string all;
+    for (int i = 0; i < 1600; ++i) all += packet;
+    for (std::string_view rest = all; !rest.empty();) {
+        const std::size_t count = std::min<std::size_t>(16'000, rest.size());
+        deliver(rest.substr(0, count));
+        rest.remove_prefix(count);
+        ASSERT_LE(info.buffer.capacity(), 64 * 1024);
+    }
+    EXPECT_EQ(packets(), Lines(1600, packet));
+}
+
 TEST_F(IpcReadCommandTest, EverySplitIntoTwoDeliveriesGivesTheSamePackets) {
     std::string all;
     for (const std::string& packet : samplePackets()) all += packet;
