@@ -14,7 +14,7 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeDec"};
 
-// What holds an opcode and a length. The fields start behind a whole header all the same.
+// What holds an opcode and a length. The fields start after a whole header all the same.
 constexpr std::int32_t kMinLength = 8;
 constexpr std::int32_t kFirstOpcode = 3000;
 
@@ -24,25 +24,25 @@ struct Text {
     std::uint32_t count = 0;
 };
 
-// Takes the fields of a packet one behind the other. A field that does not lie inside the packet
-// spoils the rest, which reads as zeros.
+// Takes the fields of a packet one after another. They are valid while each lies inside the packet;
+// from the first that does not, all read as zeros.
 class Fields {
  public:
     Fields(const std::uint8_t* packet, std::size_t length) : packet_(packet), length_(length) {}
 
-    bool areInside() const { return inside_; }
+    bool valid() const { return valid_; }
 
     std::int32_t number() { return take<std::int32_t>(); }
     double real() { return take<double>(); }
     std::uint8_t byte() { return take<std::uint8_t>(); }
 
-    // Besides its counted bytes a text needs a NUL before the packet's end, at whatever place.
+    // Besides its counted bytes a text needs a NUL anywhere before the packet's end.
     Text text() {
         Text text;
         text.count = take<std::uint32_t>();
         const std::size_t left = length_ - at_;
-        if (!inside_ || text.count > left || std::memchr(packet_ + at_, '\0', left) == nullptr) {
-            inside_ = false;
+        if (!valid_ || text.count > left || std::memchr(packet_ + at_, '\0', left) == nullptr) {
+            valid_ = false;
             return {};
         }
         text.bytes = reinterpret_cast<const char*>(packet_ + at_);
@@ -54,11 +54,11 @@ class Fields {
     template <typename Value>
     Value take() {
         Value value{};
-        if (inside_ && at_ <= length_ && length_ - at_ >= sizeof value) {
+        if (valid_ && at_ <= length_ && length_ - at_ >= sizeof value) {
             xmemCopy(&value, packet_ + at_, sizeof value);
             at_ += sizeof value;
         } else {
-            inside_ = false;
+            valid_ = false;
             at_ = length_;
         }
         return value;
@@ -67,10 +67,10 @@ class Fields {
     const std::uint8_t* packet_;
     std::size_t length_;
     std::size_t at_ = IPC_HEADER_SIZE;
-    bool inside_ = true;
+    bool valid_ = true;
 };
 
-// Each takes its event's fields, and nothing else happens unless all of them are inside.
+// Each takes its event's fields, and nothing else happens unless all of them are valid.
 
 bool decodeAppInstalled(Fields& fields) {
     const Text instance = fields.text();
@@ -81,7 +81,7 @@ bool decodeAppInstalled(Fields& fields) {
     const Text versionName = fields.text();
     const Text iconFilePath = fields.text();
     const std::uint8_t isUpdate = fields.byte();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnAppInstalled (%p(%u), %p(%u), %p(%u), %p(%u), %d, %p(%u), %p(%u), %d)\n",
            static_cast<const void*>(instance.bytes), instance.count,
            static_cast<const void*>(package.bytes), package.count,
@@ -99,7 +99,7 @@ bool decodeAppInstalled(Fields& fields) {
 bool decodeAppUninstalled(Fields& fields) {
     const Text instance = fields.text();
     const Text package = fields.text();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnAppUninstalled (%p(%u), %p(%u))\n",
            static_cast<const void*>(instance.bytes), instance.count,
            static_cast<const void*>(package.bytes), package.count);
@@ -112,7 +112,7 @@ bool decodeApkInstallCompleted(Fields& fields) {
     const Text instance = fields.text();
     const std::int32_t status = fields.number();
     const Text apkFilePath = fields.text();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnApkInstallCompleted (%p(%u), %d, %p(%u))\n",
            static_cast<const void*>(instance.bytes), instance.count, status,
            static_cast<const void*>(apkFilePath.bytes), apkFilePath.count);
@@ -132,7 +132,7 @@ bool decodeInstallImageProgress(Fields& fields) {
     const Text imageName = fields.text();
     const std::int32_t status = fields.number();
     const double progress = fields.real();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeInstallImageProgress (%p(%u), %d, %lf)\n",
            static_cast<const void*>(imageName.bytes), imageName.count, status, progress);
     bridgeInstallImageProgressClbk(imageName.bytes, status, progress);
@@ -144,7 +144,7 @@ bool decodeInstallImageProgress(Fields& fields) {
 bool decodeCreateInstanceCompleted(Fields& fields) {
     const std::int32_t status = fields.number();
     const Text instance = fields.text();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnCreateInstanceCompleted (%d, %p(%u))\n", status,
            static_cast<const void*>(instance.bytes), instance.count);
     bridgeOnCreateInstanceCompletedClbk(status, instance.bytes);
@@ -154,7 +154,7 @@ bool decodeCreateInstanceCompleted(Fields& fields) {
 
 bool decodeInstanceConfigurationChanged(Fields& fields) {
     const Text instance = fields.text();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnInstanceConfigurationChanged (%p(%u))\n",
            static_cast<const void*>(instance.bytes), instance.count);
     bridgeOnInstanceConfigurationChangedClbk(instance.bytes);
@@ -165,7 +165,7 @@ bool decodeInstanceConfigurationChanged(Fields& fields) {
 bool decodeAppDisplayed(Fields& fields) {
     const Text instance = fields.text();
     const Text package = fields.text();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnAppDisplayed (%p(%u), %p(%u))\n",
            static_cast<const void*>(instance.bytes), instance.count,
            static_cast<const void*>(package.bytes), package.count);
@@ -178,7 +178,7 @@ bool decodeAccountListUpdated(Fields& fields) {
     const Text instance = fields.text();
     const Text emailId = fields.text();
     const std::int32_t action = fields.number();
-    if (!fields.areInside()) return false;
+    if (!fields.valid()) return false;
     XLOG_D(kLog, "bridgeOnAccountListUpdated (%p(%u), %p(%u), %d)\n",
            static_cast<const void*>(instance.bytes), instance.count,
            static_cast<const void*>(emailId.bytes), emailId.count, action);

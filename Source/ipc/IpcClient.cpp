@@ -120,7 +120,7 @@ void warnWhenSlow(const IpcClient& client, Clock::time_point start, int result, 
            client.serverName.c_str());
 }
 
-// Collects up to `size` bytes within the client's wait and answers how many came. A socket can hold
+// Collects up to `size` bytes within the client's wait and returns how many came. A socket can hold
 // bytes that it has not announced, so they are taken before each wait and after the last.
 qint64 collect(IpcClient& client, char* out, qint64 size) {
     QLocalSocket& socket = *client.socket;
@@ -139,7 +139,7 @@ qint64 collect(IpcClient& client, char* out, qint64 size) {
 }
 
 // Qt keeps the functions that make and destroy a value of a registered type, which are this
-// library's: they must not be left behind at unload, unless a host's were there before.
+// library's: they must not stay after the unload, unless a host's were there before.
 void registerErrorType() {
     static const bool once = [] {
         if (QMetaType::type(kErrorType) != QMetaType::UnknownType) return true;

@@ -29,7 +29,7 @@ struct IpcClient {
     int waitMs = IPC_WAIT_MS;  // for tests
 };
 
-// All of these answer 0 or -1, which is no status of the XERR family; failures are logged.
+// All of these return 0 or -1, not a status of the XERR family; failures are logged.
 
 // Prepares a client for a server, by its full name; nothing is opened yet. Always 0.
 int ipcClientInit(IpcClient& client, const std::string& serverName);
@@ -40,7 +40,7 @@ int ipcClientInit(IpcClient& client, const std::string& serverName);
                                   bool disconnectAfter);
 
 // Reads a reply of exactly this size and disconnects. When the reply does not come whole, the rest
-// is filled with zeros, the answer is -1 and the connection stays.
+// is filled with zeros, the result is -1 and the connection stays.
 [[nodiscard]] int ipcReadFromServer(IpcClient& client, void* out, int outSize);
 
 // Disconnects and waits for it.

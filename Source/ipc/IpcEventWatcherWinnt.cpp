@@ -8,7 +8,7 @@
 
 namespace {
 
-// Until a call is tried again for which there was no memory.
+// Before the retry of a call for which there was no memory.
 constexpr unsigned long kRetryMilliseconds = 100;
 
 }  // namespace
@@ -36,26 +36,26 @@ bool IpcEventWatcher::watch() {
 void IpcEventWatcher::run() {
     while (::WaitForSingleObject(event_, INFINITE) == WAIT_OBJECT_0) {
         ::ResetEvent(event_);
-        // Behind the reset: an end that is asked for now sets the event once more.
+        // After the reset: an end that is asked for now sets the event again.
         if (isInterruptionRequested()) return;
-        tell();
+        post();
     }
 }
 
-// One call is on its way at most. With one for each setting, calls that set the event themselves
-// would become more and more, and the event loop would come to nothing else.
-void IpcEventWatcher::tell() {
-    if (told_.exchange(true)) return;
+// At most one queued call. With one for each setting, calls that set the event themselves would
+// multiply, and the event loop would come to nothing else.
+void IpcEventWatcher::post() {
+    if (posted_.exchange(true)) return;
     const auto call = [this] {
-        told_ = false;
+        posted_ = false;
         activated_();
     };
-    const bool posted = xfence(kLog, "IpcEventWatcher", false, [this, call] {
+    const bool queued = xfence(kLog, "IpcEventWatcher", false, [this, call] {
         return QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
     });
-    if (posted) return;
-    // Nobody else would tell of what has happened.
-    told_ = false;
+    if (queued) return;
+    // Without a call the setting would be lost: retry.
+    posted_ = false;
     msleep(kRetryMilliseconds);
     ::SetEvent(event_);
 }

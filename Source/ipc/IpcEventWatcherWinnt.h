@@ -5,8 +5,8 @@
 #include <atomic>
 #include <functional>
 
-// Waits for an event of the system on a thread of its own, and tells the thread that it was made
-// on, which runs an event loop, each time that the event is set.
+// Waits for an event of the system on a thread of its own. Each time the event is set, it posts a
+// call to the thread that it was made on, which runs an event loop.
 //
 // Not a QWinEventNotifier, for which a thread of the system's pool waits: under Wine a callback of
 // the pool can still begin after its wait has been taken back, and then the notifier is gone, or
@@ -33,11 +33,11 @@ class IpcEventWatcher : public QThread {
     void run() override;
 
  private:
-    void tell();
+    void post();
 
     const Callback activated_;
     void* const event_;
-    std::atomic<bool> told_{false};  // and the call is still to come
+    std::atomic<bool> posted_{false};  // and the call is still to come
 };
 
 #endif

@@ -23,7 +23,7 @@ class IpcLocalServer : public QLocalServer {
     IpcLocalServer();
     ~IpcLocalServer() override;
 
-    // Starts to listen, for any user of this machine, under a name that nobody else may serve.
+    // Starts to listen, for any user of this machine, under a name that no other process may serve.
     // newConnection() can be emitted before this returns.
     [[nodiscard]] std::optional<IpcListenError> open(const std::string& serverName);
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Whether somebody serves a local socket of this name. A name in use is no obstacle for the system:
-// a second server would take some of the first one's clients.
+// Whether a local socket of this name is served. The system does not refuse a name in use: a second
+// server would take some of the first one's clients.
 bool ipcNameIsServed(const std::string& serverName);
 
 #endif

@@ -36,7 +36,7 @@ class IpcField {
     // Bytes that the field takes.
     std::size_t size() const;
 
-    // Writes these bytes and returns the place behind them.
+    // Writes these bytes and returns the address after them.
     unsigned char* write(unsigned char* to) const;
 
     // The value as log lines show it: "%d", "%lf" or "%s".

@@ -18,8 +18,8 @@ struct IpcRequest {
 };
 
 // Sends a request without reply and disconnects. The call and its end are logged at debug level
-// with the arguments, a failed send at error level; nobody else learns of it. The fields are those
-// of the request's row.
+// with the arguments, a failed send at error level; it is not reported otherwise. The fields are
+// those of the request's row.
 void ipcSendRequest(IpcClient& client, const XlogModule& module, const IpcRequest& request,
                     IpcFields fields);
 

@@ -14,7 +14,7 @@ class QLocalSocket;
 
 // Takes a complete packet, header included, on the server's thread. `reply` has `replyLength`
 // zeroed bytes, which go back to the sender when the function returns; null and 0 without a reply.
-// The answer is ignored, and an exception is logged.
+// The result is ignored, and an exception is logged.
 using IpcDecode = bool (*)(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length,
                            void* reply, std::int32_t replyLength);
 
