@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
@@ -9,6 +10,7 @@
 #include "support/HeldFile.h"
 #include "support/Platform.h"
 #include "support/Scene.h"
+#include "support/SystemAbilities.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
 
@@ -311,6 +313,21 @@ TEST_F(ConfCommitTest, AFileHeldForLongStaysAndTheTemporaryFileGoes) {
     const XErr err = confCommit(store);
     held.release();
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
+    EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
+    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
+}
+
+TEST_F(ConfCommitTest, AReadOnlyFileStaysAndTheTemporaryFileGoes) {
+    if (readOnlyFilesAreReplaced()) {
+        GTEST_SKIP() << "needs Wine 10 or Windows, where a read-only file is not replaced";
+    }
+    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    std::filesystem::permissions(systemPath(path()), std::filesystem::perms::owner_read);
+    log.clear();
+    EXPECT_EQ(confCommit(store), XERR_ACCES);
+    std::filesystem::permissions(systemPath(path()), std::filesystem::perms::all);
+    EXPECT_EQ(log.texts().back(), "E CONF xfileMove failed, err = 13 [XERR_ACCES]");
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
 }

@@ -8,8 +8,8 @@
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
+#include "support/SystemAbilities.h"
 #include "support/TempFolder.h"
-#include "support/Wine.h"
 #include "xpl/Xlog.h"
 
 namespace {
@@ -33,8 +33,8 @@ class XlogTest : public ::testing::Test {
 
 using Lines = std::vector<std::string>;
 
-constexpr const char* kNeedsAtomicAppend =
-    "skipped, needs Windows: under Wine an append-only write is not atomic";
+constexpr const char* kNeedsAtomicAppends =
+    "needs Windows, where writes to the end of a file are atomic";
 
 struct TagName {
     XlogTag tag;
@@ -235,7 +235,7 @@ TEST_F(XlogTest, AFileThatCannotBeOpenedLosesTheLines) {
 }
 
 TEST_F(XlogTest, ThreadsDoNotMixWithinALine) {
-    if (runsUnderWine()) GTEST_SKIP() << kNeedsAtomicAppend;
+    if (!appendsAreAtomic()) GTEST_SKIP() << kNeedsAtomicAppends;
     constexpr int kThreads = 4;
     constexpr int kLines = 250;
     std::vector<std::thread> threads;
@@ -354,7 +354,7 @@ SCENE(logsManyLines) {
 }
 
 TEST(XlogStart, ProcessesShareALogWithoutLosingLines) {
-    if (runsUnderWine()) GTEST_SKIP() << kNeedsAtomicAppend;
+    if (!appendsAreAtomic()) GTEST_SKIP() << kNeedsAtomicAppends;
     const TempFolder folder;
     std::vector<ChildProcess> children;
     for (const char* name : {"a", "b", "c", "d"}) {

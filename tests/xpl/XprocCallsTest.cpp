@@ -1,6 +1,7 @@
 // What Windows is asked for, and what it says.
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <optional>
 
 #include "QuotingCases.h"
@@ -8,7 +9,6 @@
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
-#include "support/Wine.h"
 #include "support/process_figures.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
@@ -22,6 +22,12 @@ using Lines = std::vector<std::string>;
 // Path of the test's own program; its own start-up undoes the C runtime's rule and leaves the
 // doubled backslashes, so it is looked for with single ones.
 std::string ownPath() { return builtProgram("xpl_test.exe"); }
+
+// A path for a child, whose own start-up keeps doubled backslashes as they are.
+std::string slashed(std::string path) {
+    for (char& c : path) c = c == '\\' ? '/' : c;
+    return path;
+}
 
 // The error of a call that fails; nothing for one that succeeds.
 using Failure = std::optional<unsigned long>;
@@ -77,19 +83,16 @@ SCENE(writesItsCommandLine) {
 TEST(Xproc, AChildGetsTheExactCommandLine) {
     const TempFolder folder;
     for (const QuotingCase& hard : kQuotingCases) {
-        const std::string file = folder / hard.name;
-        // Forward slashes: the child's own start-up keeps doubled backslashes as they are.
+        const std::string file = slashed(folder / hard.name);
         XprocHandle child = nullptr;
-        std::string slashed = file;
-        for (char& c : slashed) c = c == '\\' ? '/' : c;
-        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "writesItsCommandLine", slashed,
-                                       hard.argument}),
+        ASSERT_EQ(xprocCreate(&child,
+                              {ownPath(), "--scene", "writesItsCommandLine", file, hard.argument}),
                   0);
         std::uint32_t status = 0;
         EXPECT_EQ(xprocWait(child, &status), 0);
         EXPECT_EQ(status, 7u) << hard.name;
         EXPECT_EQ(folder.read(hard.name), xprocQuote(ownPath()) +
-                                              R"( "--scene" "writesItsCommandLine" ")" + slashed +
+                                              R"( "--scene" "writesItsCommandLine" ")" + file +
                                               "\" " + hard.quoted);
     }
 }
@@ -98,7 +101,19 @@ namespace {
 
 constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
 
+constexpr int kOtherEncoding = 97;
+
 }  // namespace
+
+// Whether the C runtime sets variables in the encoding of its locale. Asked in a process of its
+// own, so that a library that leaves the locale alone is noticed.
+SCENE(asksTheRuntimeForVariablesInUtf8) {
+    std::setlocale(LC_ALL, ".UTF8");
+    if (::_putenv((std::string("BRIDGE_TEST=") + kBeyondAscii).c_str()) != 0) return 1;
+    wchar_t value[64] = L"";
+    ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
+    return value == wideForTests(kBeyondAscii) ? 0 : kOtherEncoding;
+}
 
 SCENE(writesItsVariable) {
     wchar_t value[64] = L"";
@@ -118,13 +133,13 @@ SCENE(setsVariableBeyondAscii) {
 }
 
 TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
-    if (runsUnderWine()) {
+    const std::uint32_t asked = runScene("asksTheRuntimeForVariablesInUtf8").status;
+    if (asked == kOtherEncoding) {
         GTEST_SKIP() << "needs Windows, whose C runtime sets variables in the locale's encoding";
     }
+    ASSERT_EQ(asked, 0u);
     const TempFolder folder;
-    std::string file = folder / "value";
-    for (char& c : file) c = c == '\\' ? '/' : c;
-    EXPECT_EQ(runScene("setsVariableBeyondAscii", {file}).status, 0u);
+    EXPECT_EQ(runScene("setsVariableBeyondAscii", {slashed(folder / "value")}).status, 0u);
     EXPECT_EQ(folder.read("value"), kBeyondAscii);
 }
 
@@ -194,14 +209,50 @@ TEST(Xproc, AHandleNobodyAsksForIsClosed) {
 
 TEST(Xproc, AnElevatedStartReachesTheProgram) {
     const TempFolder folder;
-    std::string file = folder / "line";
-    for (char& c : file) c = c == '\\' ? '/' : c;
     const LogCapture log;
-    const XErr err =
-        xprocCreate_elevated_basic(nullptr, {ownPath(), "--scene", "writesItsCommandLine", file});
+    const XErr err = xprocCreate_elevated_basic(
+        nullptr, {ownPath(), "--scene", "writesItsCommandLine", slashed(folder / "line")});
     ASSERT_EQ(err, 0) << "the shell answers for a program that exists";
     for (int i = 0; i < 100 && !folder.has("line"); ++i) ::Sleep(50);
     EXPECT_TRUE(folder.has("line"));
+}
+
+namespace {
+
+bool isElevated() {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token));
+    TOKEN_ELEVATION elevation{};
+    DWORD size = 0;
+    EXPECT_TRUE(::GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size));
+    ::CloseHandle(token);
+    return elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+SCENE(writesItsElevation) {
+    writeBytes(arguments[0], isElevated() ? "elevated" : "plain");
+    return 0;
+}
+
+TEST(Xproc, OnlyAnElevatedStartElevatesTheProgram) {
+    if (isElevated()) {
+        GTEST_SKIP() << "needs Wine 10 or Windows, where a program starts without elevation";
+    }
+    const TempFolder folder;
+    XprocHandle child = nullptr;
+    ASSERT_EQ(xprocCreate(&child,
+                          {ownPath(), "--scene", "writesItsElevation", slashed(folder / "plain")}),
+              0);
+    EXPECT_EQ(xprocWait(child, nullptr), 0);
+    EXPECT_EQ(folder.read("plain"), "plain");
+    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, {ownPath(), "--scene", "writesItsElevation",
+                                                   slashed(folder / "elevated")}),
+              0);
+    const auto content = [&] { return folder.has("elevated") ? folder.read("elevated") : ""; };
+    for (int i = 0; i < 600 && content().empty(); ++i) ::Sleep(50);
+    EXPECT_EQ(content(), "elevated");
 }
 
 namespace {

@@ -1,0 +1,3 @@
+#include "support/SystemAbilities.h"
+
+bool appendsAreAtomic() { return true; }  // POSIX: O_APPEND

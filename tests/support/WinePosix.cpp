@@ -1,3 +1,0 @@
-#include "support/Wine.h"
-
-bool runsUnderWine() { return false; }
