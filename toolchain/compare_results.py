@@ -1,64 +1,187 @@
-"""compare_results.py HERE THERE: compares two runs of the tests, each a folder with CTest's report
-and one of each GoogleTest program. Prints what ended differently, and what failed in both. Fails
-unless everything passed or was skipped there."""
+"""compare_results.py HERE THERE: compares the Windows side of the tests as two systems played it.
+Each folder has the system's name, CTest's entries and report, and a report of each GoogleTest
+program. Prints the entries that were left out, the test cases that ended differently or were
+skipped, and a table of counts. Fails unless every case passed or was skipped, the same ones on
+both."""
 import collections
+import json
 import pathlib
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-NOT_RUN = "not run"
+NATIVE = "native"
+GOOD = ("passed", "skipped")
+OUTCOMES = ("passed", "failed", "not run", "skipped")
+
+# A line of a Node test at its top level, in the Test Anything Protocol.
+TAP_LINE = re.compile(r"^(not ok|ok) \d+ - (.*?)(?: # (SKIP|TODO) ?(.*))?$", re.MULTILINE)
+
+Result = collections.namedtuple("Result", "outcome reason", defaults=("",))
+Run = collections.namedtuple("Run", "system entries cases")
+
+MISSING = Result("not run")
 
 
-def entry_outcome(case):
+def labels(test):
+    for prop in test.get("properties", []):
+        if prop["name"] == "LABELS":
+            return prop["value"]
+    return []
+
+
+def entries_of(folder):
+    """CTest's entries: name to labels, whether they were played or not."""
+    listed = json.loads((folder / "entries.json").read_text())["tests"]
+    return {test["name"]: labels(test) for test in listed}
+
+
+def entry_result(case):
     if case.find("failure") is not None:
-        return "failed"
-    return {"run": "passed", "notrun": NOT_RUN}.get(case.get("status"), "skipped")
+        return Result("failed")
+    if case.get("status") == "run":
+        return Result("passed")
+    skipped = case.find("skipped")
+    message = "" if skipped is None else skipped.get("message", "")
+    return Result("skipped" if message.startswith("SKIP_") else "not run", message)
 
 
-def test_outcome(case):
+def google_result(case):
     if case.find("failure") is not None:
-        return "failed"
-    return {"completed": "passed"}.get(case.get("result"), case.get("result"))
+        return Result("failed")
+    skipped = case.find("skipped")
+    if skipped is not None:  # the first line of the message is the place in the source
+        return Result("skipped", " ".join(skipped.get("message", "").splitlines()[1:]).strip())
+    return Result("passed" if case.get("result") == "completed" else "not run")
 
 
-def outcomes(folder):
-    """Names to outcomes. A program's tests have their own names; its CTest entry is there as well,
-    since a program that ends early reports no test."""
+def google_cases(report):
+    return {f"{case.get('classname')}.{case.get('name')}": google_result(case)
+            for case in ElementTree.parse(report).iter("testcase")}
+
+
+def tap_cases(output):
     found = {}
-    for case in ElementTree.parse(folder / "ctest.junit").iter("testcase"):
-        found[case.get("name")] = entry_outcome(case)
-    for report in sorted(folder.glob("*.xml")):
-        for case in ElementTree.parse(report).iter("testcase"):
-            program = report.stem.split(".")[0]  # without the number of its part
-            name = f"{program}: {case.get('classname')}.{case.get('name')}"
-            found[name] = test_outcome(case)
-    if not found:
-        raise SystemExit(f"no test has run: {folder}")
+    for verdict, name, directive, reason in TAP_LINE.findall(output):
+        if directive == "SKIP":
+            found[name] = Result("skipped", reason)
+        else:
+            found[name] = Result("passed" if verdict == "ok" else "failed")
     return found
 
 
-def summary(name, found):
-    counts = collections.Counter(found.values())
-    return f"{name}: " + ", ".join(f"{counts[kind]} {kind}" for kind in ("passed", "failed", "skipped"))
+def cases_of(folder, entry):
+    """What an entry reported of its test cases; nothing when it reports none, or ended early."""
+    report = folder / (entry.get("name") + ".xml")
+    if report.exists():
+        return google_cases(report)
+    return tap_cases(entry.findtext("system-out") or "")
+
+
+def read_run(folder):
+    entries = entries_of(folder)
+    cases = {}
+    for entry in ElementTree.parse(folder / "ctest.junit").iter("testcase"):
+        name = entry.get("name")
+        if NATIVE in entries[name]:
+            continue
+        inside = cases_of(folder, entry)
+        cases.update({f"{name}: {case}": result for case, result in inside.items()})
+        whole = entry_result(entry)
+        if not inside or (whole.outcome == "failed" and
+                          all(result.outcome in GOOD for result in inside.values())):
+            cases[name] = whole
+    if not cases:
+        raise SystemExit(f"no test has run: {folder}")
+    return Run((folder / "system").read_text().split()[0], entries, cases)
+
+
+def left_out(run):
+    """The entries that say nothing about a Windows, and those that say nothing although they should."""
+    native = sorted(name for name, marks in run.entries.items() if NATIVE in marks)
+    played = {program_of(name) for name in run.cases}
+    absent = sorted(run.entries.keys() - played - set(native))
+    return native, absent
+
+
+def program_of(name):
+    return name.split(": ")[0]
+
+
+def said(result):
+    return f"{result.outcome} ({result.reason})" if result.reason else result.outcome
+
+
+def lost_cases(run, other):
+    """The cases of the other run that this one has no result of, as the program ended early."""
+    return {name for name in other.cases.keys() - run.cases.keys()
+            if program_of(name) in run.cases}
 
 
 def differences(here, there):
-    for name in sorted(here.keys() | there.keys()):
-        before, after = here.get(name, NOT_RUN), there.get(name, NOT_RUN)
+    lost = {run.system: lost_cases(run, other) for run, other in ((here, there), (there, here))}
+    for system, names in lost.items():
+        programs = collections.Counter(map(program_of, names))
+        for program, count in sorted(programs.items()):
+            yield f"{program}: ended early under {system}, without a result of {count} cases"
+    for name in sorted((here.cases.keys() | there.cases.keys()).difference(*lost.values())):
+        before, after = here.cases.get(name, MISSING), there.cases.get(name, MISSING)
         if before != after:
-            yield f"{name}: {before} here, {after} there"
-        elif before == "failed":
-            yield f"{name}: failed in both"
+            yield f"{name}: {said(before)} under {here.system}, {said(after)} under {there.system}"
+        elif before.outcome not in GOOD:
+            yield f"{name}: {said(before)} under both"
+
+
+def skipped_alike(here, there):
+    return [f"{name}: {result.reason}" for name, result in sorted(here.cases.items())
+            if result.outcome == "skipped" and there.cases.get(name) == result]
+
+
+def counts(run, other):
+    """How many cases ended how, and were skipped for which reason."""
+    found = collections.Counter(result.outcome for result in run.cases.values())
+    found["not run"] += len(other.cases.keys() - run.cases.keys())
+    reasons = collections.Counter("  " + result.reason for result in run.cases.values()
+                                  if result.outcome == "skipped")
+    return found, reasons
+
+
+def table(here, there):
+    (found, why), (other, other_why) = counts(here, there), counts(there, here)
+    rows = [(kind, found[kind], other[kind]) for kind in OUTCOMES]
+    rows += [(reason, why[reason], other_why[reason])
+             for reason in sorted(why.keys() | other_why.keys())]
+    width = max(len(row[0]) for row in rows)
+    yield f"{'test cases':{width}}  {here.system:>10}  {there.system:>10}"
+    for row in rows:
+        yield f"{row[0]:{width}}  {row[1]:10}  {row[2]:10}"
+
+
+def show(title, lines):
+    print(f"\n{title}")
+    for line in lines:
+        print(f"  {line}")
+
+
+def compare(here, there):
+    native, absent = left_out(here)
+    absent += [name for name in left_out(there)[1] if name not in absent]
+    different = list(differences(here, there))
+    show("Left out, since they run programs of the build machine (label native):",
+         [", ".join(native) or "none"])
+    if absent:
+        show("Not played although they should be:", absent)
+    show("Ended differently, or badly under both:", different or ["none"])
+    show("Skipped under both:", skipped_alike(here, there) or ["none"])
+    show("Counts:", table(here, there))
+    bad = [result for run in (here, there) for result in run.cases.values()
+           if result.outcome not in GOOD]
+    return 1 if bad or absent or here.cases.keys() != there.cases.keys() else 0
 
 
 def main(arguments):
-    here, there = (outcomes(pathlib.Path(folder)) for folder in arguments)
-    print(summary("here ", here))
-    print(summary("there", there))
-    different = list(differences(here, there))
-    print("\n".join(different) or "every test ended alike")
-    missing = here.keys() - there.keys()
-    return 1 if missing or any(outcome not in ("passed", "skipped") for outcome in there.values()) else 0
+    here, there = (read_run(pathlib.Path(folder)) for folder in arguments)
+    return compare(here, there)
 
 
 if __name__ == "__main__":
