@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# package.sh TREE READOBJ WORK: makes the package twice, unpacks it into an empty folder and prefix,
-# and uses it as somebody does who has nothing else: checksums, DLLs, and a project of their own.
+# package.sh TREE READOBJ WORK: makes the package twice, unpacks it into an empty folder, and builds with
+# it as somebody does who has nothing else: checksums, DLLs, and a project of their own. hosts.sh runs
+# what it builds.
 set -euo pipefail
 tree=$1 readobj=$2 work=$3
 . "$tree/toolchain/common.sh"
@@ -8,7 +9,7 @@ tree=$1 readobj=$2 work=$3
 fail() { echo "$*"; exit 1; }
 
 rm -rf "$work"
-mkdir -p "$work/made" "$work/again" "$work/unpacked" "$work/data/Logs"
+mkdir -p "$work/made" "$work/again" "$work/unpacked"
 zip=$(bash "$tree/toolchain/package.sh" "$work/made")
 again=$(bash "$tree/toolchain/package.sh" "$work/again")
 cmp "$zip" "$again" || fail "the same build gives another package"
@@ -85,50 +86,17 @@ cmake --build "$work/clang"
 # The import library for Microsoft's linker, with the linker that there is.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 
+# The hosts without a Windows runtime here are compiled.
 mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
     share/bindings/csharp/QXBridge.cs
-# There is no Python for Windows here: its host is compiled only.
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
     share/bindings/python/qxbridge.py
 
-export WINEPREFIX="$work/prefix"
-trap 'bash "$tree/toolchain/prefix.sh" down' EXIT
-bash "$tree/toolchain/prefix.sh" up
-wine() { timeout 60 "$tree/toolchain/wine.sh" "$@"; }
-
-printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$work/data/vantrel.conf"
-windows_path() { printf 'Z:%s' "${1//\//\\}"; }
-key='HKLM\SOFTWARE\Vantrel_nvo'
-wine reg add "$key" /v UserDefinedDir /d "$(windows_path "$work/data")" /f
-wine reg add "$key" /v InstallDir /d "$(windows_path "$root/bin")\\" /f
-
-listing=$(wine bin/bridgectl.exe instances --json)
-grep -q '"displayName": "Jeux"' <<<"$listing" || fail "bridgectl lists: $listing"
-for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
-    "$work/clang/host_lib.exe"; do
-    got=$(wine "$host" | tr -d '\r')  # printed in text mode
-    [ "$got" = "$listing" ] || fail "$host lists: $got"
-done
-dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
-cp "$tree/tests/bindings/csharp/runtimeconfig.json" "$work/host_cs.runtimeconfig.json"
-got=$(wine "$dotnet/dotnet.exe" "$(windows_path "$work/host_cs.exe")" \
-    "$(windows_path "$root/bin/QX-Bridge.dll")" | tr -d '\r')
-[ "$got" = "$listing" ] || fail "host.cs lists: $got"
-# Node, with the packages where npm puts them; under Wine it cannot write to this system's pipes.
+# Node's host, with the packages where npm puts them.
 node=$(bash "$tree/toolchain/node.sh" --dir)
 mkdir -p "$work/npm/node_modules"
 cp -r "$root/share/bindings/node" "$work/npm/node_modules/qx-bridge"
 ln -s "$node/node_modules/koffi" "$work/npm/node_modules/koffi"
 cp "$consumer/host.js" "$work/npm"
-wine "$node/node/bin/node.exe" "$(windows_path "$work/npm/host.js")" \
-    "$(windows_path "$root/bin/QX-Bridge.dll")" >"$work/node.txt" 2>&1
-[ "$(tr -d '\r' <"$work/node.txt")" = "Nougat64 Jeux" ] || fail "host.js lists: $(<"$work/node.txt")"
 
-QX_STANDIN_OUTPUT="$(windows_path "$work/standins.txt")" QX_STANDIN_SECONDS=1 QX_STANDIN_CLIENTS=none \
-    wine bin/bridgectl.exe launch Nougat64 com.example.app
-for ((i = 0; i < 100; i++)); do
-    grep -q '^serving: ' "$work/standins.txt" 2>/dev/null && break
-    sleep 0.1
-done
-grep -q '"launchApp" "--package" "com.example.app"' "$work/standins.txt" || fail "no player was started"
 echo "$(wc -l <SHA256SUMS) files, $(stat -c %s "$zip") bytes"

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# hosts.sh TREE WORK: runs what package.sh built, in a Wine prefix that knows nothing of the library.
+set -euo pipefail
+tree=$1 work=$2
+. "$tree/toolchain/common.sh"
+
+fail() { echo "$*"; exit 1; }
+
+folder=$(mktemp -d)
+export WINEPREFIX="$folder/prefix"
+trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$folder"' EXIT
+bash "$tree/toolchain/prefix.sh" up
+wine() { timeout 60 "$tree/toolchain/wine.sh" "$@"; }
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+
+root=$(echo "$work"/unpacked/*)
+cd "$root"
+
+mkdir -p "$folder/data/Logs"
+printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$folder/data/vantrel.conf"
+key='HKLM\SOFTWARE\Vantrel_nvo'
+wine reg add "$key" /v UserDefinedDir /d "$(windows_path "$folder/data")" /f
+wine reg add "$key" /v InstallDir /d "$(windows_path "$root/bin")\\" /f
+
+listing=$(wine bin/bridgectl.exe instances --json)
+grep -q '"displayName": "Jeux"' <<<"$listing" || fail "bridgectl lists: $listing"
+for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
+    "$work/clang/host_lib.exe"; do
+    got=$(wine "$host" | tr -d '\r')  # printed in text mode
+    [ "$got" = "$listing" ] || fail "$host lists: $got"
+done
+dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
+cp "$work/host_cs.exe" "$folder"
+cp "$tree/tests/bindings/csharp/runtimeconfig.json" "$folder/host_cs.runtimeconfig.json"
+got=$(wine "$dotnet/dotnet.exe" "$(windows_path "$folder/host_cs.exe")" \
+    "$(windows_path "$root/bin/QX-Bridge.dll")" | tr -d '\r')
+[ "$got" = "$listing" ] || fail "host.cs lists: $got"
+# Under Wine Node cannot write to this system's pipes.
+node=$(bash "$tree/toolchain/node.sh" --dir)
+wine "$node/node/bin/node.exe" "$(windows_path "$work/npm/host.js")" \
+    "$(windows_path "$root/bin/QX-Bridge.dll")" >"$folder/node.txt" 2>&1
+[ "$(tr -d '\r' <"$folder/node.txt")" = "Nougat64 Jeux" ] || fail "host.js lists: $(<"$folder/node.txt")"
+
+QX_STANDIN_OUTPUT="$(windows_path "$folder/standins.txt")" QX_STANDIN_SECONDS=1 QX_STANDIN_CLIENTS=none \
+    wine bin/bridgectl.exe launch Nougat64 com.example.app
+for ((i = 0; i < 100; i++)); do
+    grep -q '^serving: ' "$folder/standins.txt" 2>/dev/null && break
+    sleep 0.1
+done
+grep -q '"launchApp" "--package" "com.example.app"' "$folder/standins.txt" || fail "no player was started"
