@@ -1,9 +1,15 @@
 #!/usr/bin/env bash
-# soak.sh BUILD: the long forms of what each run of the tests plays shortly (support/Proof.h).
+# soak.sh BUILD [PERCENT]: the long forms of what each run of the tests plays shortly
+# (support/Proof.h), or so much of them.
 set -euo pipefail
-build=$1
+build=$1 percent=${2:-100}
 tree=$(cd "$(dirname "$0")/../.." && pwd)
-export BRIDGE_PROOF=full QX_STANDIN_CLIENTS=none
+# Batches of equal size need it.
+[[ $percent =~ ^([1-9]0|100)$ ]] || {
+    echo "error: the part of the long forms is 10, 20 ... 100 percent, not $percent" >&2
+    exit 1
+}
+export BRIDGE_PROOF=$percent QX_STANDIN_CLIENTS=none
 
 # Far beyond what any part takes on a busy machine.
 minutes=60

@@ -2,18 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "support/growth.h"
 
-int proofSize(int shortForm, int fullForm) {
-    const char* const wanted = std::getenv("BRIDGE_PROOF");
-    return wanted != nullptr && std::string_view(wanted) == "full" ? fullForm : shortForm;
-}
-
 namespace {
+
+int percentOf(const char* proof) {
+    if (proof == nullptr) return 0;
+    if (std::string_view(proof) == "full") return 100;
+    return std::clamp(std::atoi(proof), 0, 100);
+}
 
 // What each batch added, for a failure's text.
 std::string batchesOf(const Growth& growth) {
@@ -26,6 +29,15 @@ std::string batchesOf(const Growth& growth) {
 }
 
 }  // namespace
+
+int proofSizeFor(const char* proof, int shortForm, int fullForm) {
+    const std::int64_t way = std::int64_t{fullForm} - shortForm;
+    return shortForm + static_cast<int>(way * percentOf(proof) / 100);
+}
+
+int proofSize(int shortForm, int fullForm) {
+    return proofSizeFor(std::getenv("BRIDGE_PROOF"), shortForm, fullForm);
+}
 
 void expectNoGrowth(int rounds, double bytesOfARound, const std::function<void()>& play) {
     Growth growth{};
