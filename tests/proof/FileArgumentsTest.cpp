@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <mutex>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "ImportTable.h"
@@ -105,6 +108,80 @@ TEST_F(InheritanceArguments, TheLogIsInherited) {
     const ChildResult result = runScene("opensTheLog", {folder / "Player.log"});
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(result.out, "inherited Player.log\r\n");
+}
+
+// The log's lines.
+
+namespace {
+
+constexpr int kWriters = 4;
+constexpr int kLinesOfAWriter = 100;
+
+struct LogWrites {
+    std::mutex guard;
+    DWORD access = 0;  // which the file was opened with
+    Lines texts;
+};
+LogWrites logWrites;
+
+HANDLE WINAPI seeAccess(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                        DWORD disposition, DWORD flags, HANDLE model) {
+    static auto* const open = systemCall<decltype(::CreateFileW)>("CreateFileW");
+    logWrites.access = access;
+    return open(path, access, share, security, disposition, flags, model);
+}
+
+BOOL WINAPI seeWrite(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
+                     LPOVERLAPPED overlapped) {
+    static auto* const write = systemCall<decltype(::WriteFile)>("WriteFile");
+    const std::lock_guard lock(logWrites.guard);
+    logWrites.texts.emplace_back(static_cast<const char*>(bytes), size);
+    return write(file, bytes, size, done, overlapped);
+}
+
+std::string messageOf(int writer, int line) {
+    return std::to_string(writer) + ":" + std::to_string(line) + " " +
+           std::string(300, static_cast<char>('a' + writer));
+}
+
+void logLinesOf(int writer) {
+    constexpr XlogModule module{XlogTag::CONF, "f"};
+    for (int i = 0; i < kLinesOfAWriter; ++i) XLOG_I(module, "%s", messageOf(writer, i).c_str());
+}
+
+}  // namespace
+
+// In a process of its own, whose log it is.
+SCENE(logsFromSeveralThreads) {
+    const ReplacedImport<decltype(::CreateFileW)> opening("CreateFileW", seeAccess);
+    const ReplacedImport<decltype(::WriteFile)> writing("WriteFile", seeWrite);
+    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kWriters; ++i) threads.emplace_back(logLinesOf, i);
+    for (std::thread& thread : threads) thread.join();
+    if (logWrites.access != FILE_APPEND_DATA) return 2;
+    std::string all;
+    for (const std::string& text : logWrites.texts) {
+        if (text.find('\n') != text.size() - 1) return 3;
+        all += text;
+    }
+    writeBytes(arguments[1], all);
+    return 0;
+}
+
+// What keeps lines whole where the system appends each write as a whole.
+TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
+    const TempFolder folder;
+    EXPECT_EQ(runScene("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
+    const Lines written = logMessages(folder.read("writes"));
+    EXPECT_EQ(written.size(), std::size_t{kWriters * kLinesOfAWriter});
+    std::set<std::string> expected;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        for (int i = 0; i < kLinesOfAWriter; ++i) {
+            expected.insert("I CONF  " + messageOf(writer, i));
+        }
+    }
+    EXPECT_EQ(std::set<std::string>(written.begin(), written.end()), expected);
 }
 
 // The form of paths.
