@@ -86,11 +86,12 @@ class BridgectlEventsTest : public ::testing::Test {
         return program;
     }
 
-    void setScript(const std::string& script) {
+    // The programs that start() leaves running end after so long without a request.
+    void setScript(const std::string& script, const std::string& seconds = "1") {
         environment.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                                    {"QX_STANDIN_SCRIPT", data.write("script", script)},
                                    {"QX_STANDIN_CLIENTS", "LogCollector"},
-                                   {"QX_STANDIN_SECONDS", "1"}};
+                                   {"QX_STANDIN_SECONDS", seconds}};
     }
 
     void send(Texts event) const {
@@ -198,6 +199,7 @@ TEST_F(BridgectlEventsTest, EachLineIsThereAtOnce) {
 }
 
 TEST_F(BridgectlEventsTest, EachCommandReportsItsWork) {
+    setScript("", /*seconds=*/"60");  // until they are told to end
     ChildProcess listener = listen({"--json", "--count", "11"});
     start({"launch", "Nougat64", "com.a"});
     EXPECT_EQ(withoutTime(listener.readLine()),
