@@ -172,7 +172,7 @@ SCENE(logsFromSeveralThreads) {
 // What keeps lines whole where the system appends each write as a whole.
 TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
     const TempFolder folder;
-    EXPECT_EQ(runScene("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
+    ASSERT_EQ(runScene("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
     const Lines written = logMessages(folder.read("writes"));
     EXPECT_EQ(written.size(), std::size_t{kWriters * kLinesOfAWriter});
     std::set<std::string> expected;
