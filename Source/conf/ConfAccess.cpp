@@ -1,102 +1,61 @@
 // Typed access, pending changes and the current instance.
 #include <algorithm>
 #include <memory>
+#include <mutex>
+#include <optional>
 
 #include "conf/Conf.h"
 #include "conf/ConfKey.h"
-#include "conf/ConfLoad.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfNumber.h"
 #include "conf/ConfStore.h"
 
 namespace {
 
-// A key, and what its declaration says.
-struct Declaration {
-    ConfKey key;
-    const ConfProperty* property;  // null: there is none
-    std::size_t place;             // among the properties of its directory
-    const char* kind;              // for "type of the ... is not matching"
-    const char* directory;         // for "prop not found in ..."
-};
-
-Declaration declarationOf(const ConfKey& key, const ConfDirectory& properties, const char* kind,
-                          const char* directory) {
-    const auto found = properties.find(key.property);
-    const auto place = static_cast<std::size_t>(found - properties.begin());
-    return {key, found == properties.end() ? nullptr : &found->second, place, kind, directory};
-}
-
-Declaration declarationOf(const ConfCatalogue& catalogue, std::string_view text) {
-    const ConfKey key = confSplitKey(text);
-    switch (key.scope) {
-        case ConfScope::Instance:
-            return declarationOf(key, catalogue.instances(), "iprop", "iprop dir");
-        case ConfScope::Global:
-            return declarationOf(key, catalogue.globals(), "prop", "prop dir");
-        case ConfScope::None:
-            break;
-    }
-    return {key, nullptr, 0, "prop", "prop dir"};
-}
-
-// For callers that have looked the key up already. The same name, because log lines carry it.
-bool confValidateProp(const Declaration& declared, std::string_view key, ConfType type,
-                      bool allowDeprecated) {
-    if (declared.property == nullptr) {
-        XLOG_E(kLog, "%s prop not found in %s", std::string(key).c_str(), declared.directory);
+// For callers that have split the key. The same name, because log lines carry it.
+bool confValidateProp(const ConfKey& key, ConfType type, bool allowDeprecated) {
+    const bool ofInstance = key.scope == ConfScope::Instance;
+    if (key.declared == nullptr) {
+        XLOG_E(kLog, "%s prop not found in %s", std::string(key.text).c_str(),
+               ofInstance ? "iprop dir" : "prop dir");
         return false;
     }
-    if (declared.property->type != type) {
-        XLOG_E(kLog, "%s type of the %s is not matching", std::string(key).c_str(), declared.kind);
+    if (key.declared->type != type) {
+        XLOG_E(kLog, "%s type of the %s is not matching", std::string(key.text).c_str(),
+               ofInstance ? "iprop" : "prop");
         return false;
     }
-    if (declared.property->deprecated && !allowDeprecated) {
-        XLOG_E(kLog, "%s: Deprecated conf %s", "confValidateProp", std::string(key).c_str());
+    if (key.declared->deprecated && !allowDeprecated) {
+        XLOG_E(kLog, "%s: Deprecated conf %s", "confValidateProp", std::string(key.text).c_str());
         return false;
     }
     return true;
 }
 
-// The value that a read sees; null when there is none.
-const std::string* effectiveValue(const ConfStore& store, std::string_view key, std::size_t place)
-    XTS_REQUIRES(store.lock) {
-    if (!store.pending.empty()) {
-        if (const std::string* const changed = store.pending.find(key)) return changed;
-    }
-    return store.values.find(key, place);
-}
-
-bool isCommittedValue(const ConfStore& store, std::string_view key, std::size_t place,
-                      std::string_view value) XTS_REQUIRES(store.lock) {
-    const std::string* const committed = store.values.find(key, place);
-    return committed != nullptr && xbytesSame(*committed, value);
-}
-
-void makeInstanceKnown(ConfStore& store, const ConfKey& key) XTS_REQUIRES(store.lock) {
-    if (key.scope == ConfScope::Instance && !store.instances.contains(key.instance)) {
-        confAddInstanceLocked(store, key.instance);
-    }
+// The value that a read sees; nothing for a key that is being removed.
+std::optional<std::string> readValue(ConfStore& store, const ConfKey& key) {
+    const std::lock_guard<std::mutex> guard(store.lock);
+    const ConfValue* const value = store.view.find(key);
+    if (value == nullptr) return std::string();
+    if (value->isRemoved) return std::nullopt;
+    return value->staged == nullptr ? value->committed : *value->staged;
 }
 
 }  // namespace
 
 bool confValidateProp(const ConfStore& store, std::string_view key, ConfType type,
                       bool allowDeprecated) {
-    return confValidateProp(declarationOf(store.catalogue, key), key, type, allowDeprecated);
+    return confValidateProp(confFindKey(store.catalogue, key), type, allowDeprecated);
 }
 
-std::string confGetStringInternal(ConfStore& store, std::string_view key, ConfType type) {
-    const Declaration declared = declarationOf(store.catalogue, key);
-    if (!confValidateProp(declared, key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
-    const std::lock_guard<std::mutex> guard(store.lock);
-    if (!store.removals.empty() && store.removals.find(key) != store.removals.end()) {
-        XLOG_E(kLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
-               std::string(key).c_str());
-        XLOG_FATAL(kLog);
-    }
-    const std::string* const value = effectiveValue(store, key, declared.place);
-    return value == nullptr ? std::string() : *value;
+std::string confGetStringInternal(ConfStore& store, std::string_view text, ConfType type) {
+    const ConfKey key = confFindKey(store.catalogue, text);
+    if (!confValidateProp(key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
+    std::optional<std::string> value = readValue(store, key);
+    if (value) return *std::move(value);
+    XLOG_E(kLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
+           std::string(text).c_str());
+    XLOG_FATAL(kLog);
 }
 
 std::string confGetString(ConfStore& store, std::string_view key) {
@@ -135,22 +94,14 @@ std::int64_t confGetI64(ConfStore& store, std::string_view key) {
     XLOG_FATAL(kLog);
 }
 
-XErr confSetStringInternal(ConfStore& store, std::string_view key, ConfType type,
+XErr confSetStringInternal(ConfStore& store, std::string_view text, ConfType type,
                            std::string_view value) {
-    const Declaration declared = declarationOf(store.catalogue, key);
-    if (type != ConfType::None &&
-        !confValidateProp(declared, key, type, /*allowDeprecated=*/false)) {
+    const ConfKey key = confFindKey(store.catalogue, text);
+    if (type != ConfType::None && !confValidateProp(key, type, /*allowDeprecated=*/false)) {
         XLOG_FATAL(kLog);
     }
     const std::lock_guard<std::mutex> guard(store.lock);
-    makeInstanceKnown(store, declared.key);
-    if (isCommittedValue(store, key, declared.place, value)) {
-        store.pending.erase(key);
-    } else {
-        store.pending.assign(key, value);
-    }
-    const auto removed = store.removals.find(key);
-    if (removed != store.removals.end()) store.removals.erase(removed);
+    store.view.set(store.view.knownValue(key), value);
     return XERR_SUCCESS;
 }
 
@@ -200,13 +151,16 @@ std::string confJoinMultiString(const std::vector<std::string>& elements) {
 }
 
 XErr confSetCurrentInstance(ConfStore& store, const std::string& name) {
-    const std::lock_guard<std::mutex> guard(store.lock);
-    if (!store.instances.contains(name)) {
-        XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
-        return XERR_FAILURE;
+    {
+        const std::lock_guard<std::mutex> guard(store.lock);
+        if (store.view.isKnown(name)) {
+            std::atomic_store(&store.currentInstance,
+                              std::make_shared<const std::string>(name + "."));
+            return XERR_SUCCESS;
+        }
     }
-    std::atomic_store(&store.currentInstance, std::make_shared<const std::string>(name + "."));
-    return XERR_SUCCESS;
+    XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
+    return XERR_FAILURE;
 }
 
 std::string confGetCurrentInstance(const ConfStore& store) {
@@ -223,33 +177,38 @@ std::string confCurrentInstanceKey(const ConfStore& store, std::string_view prop
 
 std::set<std::string, std::less<>> confGetInstances(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return store.instances.all();
+    return store.view.instances();
 }
 
-XErr confRestorePropDefault(ConfStore& store, std::string_view key) {
-    const std::string_view property = key.substr(std::min(key.size(), CONF_PREFIX.size()));
-    const ConfProperty* declared = store.catalogue.findGlobal(property);
+XErr confRestorePropDefault(ConfStore& store, std::string_view text) {
+    const std::string_view property = text.substr(std::min(text.size(), CONF_PREFIX.size()));
+    const ConfProperty* const declared = store.catalogue.findGlobal(property);
     if (declared == nullptr) XLOG_FATAL(kLog);
     {
+        const ConfKey key = confFindKey(store.catalogue, text);
         const std::lock_guard<std::mutex> guard(store.lock);
-        if (isCommittedValue(store, key, /*place=*/0, declared->defaultValue)) return XERR_SUCCESS;
+        const ConfValue* const value = store.view.find(key);
+        if (value != nullptr && value->isCommitted && value->committed == declared->defaultValue) {
+            return XERR_SUCCESS;
+        }
     }
-    return confSetStringInternal(store, key, ConfType::None, declared->defaultValue);
+    return confSetStringInternal(store, text, ConfType::None, declared->defaultValue);
 }
 
 bool confHasPendingChanges(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return !store.pending.empty() || !store.removals.empty();
+    return store.view.hasChanges();
 }
 
-bool confIsPropPending(ConfStore& store, std::string_view key) {
+bool confIsPropPending(ConfStore& store, std::string_view text) {
+    const ConfKey key = confFindKey(store.catalogue, text);
     const std::lock_guard<std::mutex> guard(store.lock);
-    return store.pending.find(key) != nullptr || store.removals.find(key) != store.removals.end();
+    const ConfValue* const value = store.view.find(key);
+    return value != nullptr && value->isChanged();
 }
 
 XErr confDiscardChanges(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    store.pending.clear();
-    store.removals.clear();
+    store.view.discardChanges();
     return XERR_SUCCESS;
 }

@@ -18,29 +18,28 @@ ConfProperty propertyOf(const ConfCatalogueRow& row) {
 
 }  // namespace
 
-ConfDirectory::ConfDirectory(std::initializer_list<Entry> entries) {
-    for (const auto& [name, property] : entries) put(name, property);
-}
-
 void ConfDirectory::put(const std::string& name, ConfProperty property) {
-    const auto at = std::lower_bound(
-        entries_.begin(), entries_.end(), name,
-        [](const Entry& entry, const std::string& wanted) { return entry.first < wanted; });
+    const auto at = entries_.begin() + static_cast<std::ptrdiff_t>(countBefore(name));
     if (at != entries_.end() && at->first == name) {
         at->second = std::move(property);
-        return;
-    }
-    entries_.insert(at, {name, std::move(property)});
-    index_.clear();
-    for (const Entry& entry : entries_) {
-        index_.reserveOne();
-        index_.add(entry.first, entry);
+    } else {
+        entries_.insert(at, {name, std::move(property)});
     }
 }
 
-ConfDirectory::const_iterator ConfDirectory::find(std::string_view name) const {
-    const Entry* const found = index_.find(name);
-    return found == nullptr ? entries_.end() : entries_.begin() + (found - entries_.data());
+std::size_t ConfDirectory::countBefore(std::string_view name) const {
+    const auto at = std::lower_bound(
+        entries_.begin(), entries_.end(), name,
+        [](const Entry& entry, std::string_view wanted) { return entry.first < wanted; });
+    return static_cast<std::size_t>(at - entries_.begin());
+}
+
+ConfDirectory::const_iterator ConfDirectory::find(std::string_view name, std::size_t hint) const {
+    if (hint < entries_.size() && entries_[hint].first == name) {
+        return entries_.begin() + static_cast<std::ptrdiff_t>(hint);
+    }
+    const auto at = entries_.begin() + static_cast<std::ptrdiff_t>(countBefore(name));
+    return at != entries_.end() && at->first == name ? at : entries_.end();
 }
 
 void ConfCatalogue::registerGlobal(const std::string& name, ConfProperty property) {

@@ -28,7 +28,9 @@ class DiskFiles final : public ConfFiles {
         }
         std::int64_t size = 0;
         if (xfileSize(file, size) != XERR_SUCCESS) return ConfFileRead::ReadFailed;
-        content.resize(static_cast<std::size_t>(size));
+        const auto length = static_cast<std::size_t>(size);
+        content.reserve(length + length / 16);  // a commit puts a text into it that may be longer
+        content.resize(length);
         std::size_t done = 0;
         const XErr err = xfileReadAll(file, content.data(), content.size(), done);
         return err == XERR_SUCCESS ? ConfFileRead::Done : ConfFileRead::ReadFailed;

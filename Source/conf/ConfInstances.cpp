@@ -1,6 +1,9 @@
 // Whole instances: copying, removing, and the dump of the current one.
 #include <cstring>
+#include <mutex>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "conf/Conf.h"
@@ -8,35 +11,33 @@
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "utl/UtlImages.h"
-#include "xpl/Xbytes.h"
 
 namespace {
 
-// A committed setting of an instance; valid until the value map changes.
+// A committed setting of an instance; valid until the view changes.
 struct InstanceEntry {
     std::string_view property;
     const std::string& value;
 };
 
-// What is behind `start` in the key that two parts make; nothing when it begins otherwise. The
-// first part may end within `start`: the keys of "A.B" are those of "A" that begin with "B.".
+// What follows `start` in the key that two parts make; nothing when it begins otherwise. The first
+// part may end within `start`: the keys of "A.B" are those of "A" that begin with "B.".
 std::optional<std::string_view> rest(std::string_view prefix, std::string_view name,
                                      std::string_view start) {
-    if (prefix.empty() || !xbytesStartsWith(start, prefix)) return std::nullopt;
+    if (start.substr(0, prefix.size()) != prefix) return std::nullopt;
     const std::string_view left = start.substr(prefix.size());
-    if (!xbytesStartsWith(name, left)) return std::nullopt;
+    if (name.substr(0, left.size()) != left) return std::nullopt;
     return name.substr(left.size());
 }
 
 // Of the instance whose keys begin with `start`, in key order.
-std::vector<InstanceEntry> entriesOfInstance(const ConfStore& store, std::string_view start)
-    XTS_REQUIRES(store.lock) {
+std::vector<InstanceEntry> entriesOfInstance(const ConfView& view, std::string_view start) {
     std::vector<InstanceEntry> entries;
-    store.values.forEach(
-        [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            const auto property = rest(prefix, name, start);
-            if (property) entries.push_back({*property, value});
-        });
+    view.forEach([&](std::string_view prefix, std::string_view name, const ConfValue& value) {
+        if (!value.isCommitted) return;
+        const auto property = rest(prefix, name, start);
+        if (property) entries.push_back({*property, value.committed});
+    });
     return entries;
 }
 
@@ -44,55 +45,66 @@ std::vector<InstanceEntry> entriesOfInstance(const ConfStore& store, std::string
 constexpr std::size_t kDumpKeyMax = 31;
 constexpr std::size_t kDumpValueMax = 91;
 
-// An entry of the value map, as its forEach hands it over.
-struct StoredEntry {
-    std::string_view prefix;  // empty for a global key
-    std::string_view name;
-    const std::string& value;
-
-    std::string key() const { return std::string(prefix).append(name); }
-};
-
 // A line of the dump.
 struct DumpEntry {
-    std::string shown;  // key
-    StoredEntry stored;
+    std::string_view prefix;
+    std::string_view property;
+    const std::string& value;
 
-    bool fits() const {
-        return shown.size() <= kDumpKeyMax && stored.value.size() <= kDumpValueMax;
-    }
+    std::string storedKey() const { return std::string(prefix).append(property); }
+    std::string shownKey() const { return confGlobalKey(property); }
+    bool fits() const { return shownKey().size() <= kDumpKeyMax && value.size() <= kDumpValueMax; }
 };
-
-// Nothing for what the catalogue excludes.
-std::optional<DumpEntry> dumpEntryOf(const ConfCatalogue& catalogue, const StoredEntry& stored) {
-    const bool isGlobal = stored.prefix.empty();
-    const std::string_view property = isGlobal ? confSplitKey(stored.name).property : stored.name;
-    const ConfProperty* declared =
-        isGlobal ? catalogue.findGlobal(property) : catalogue.findInstance(property);
-    if (declared == nullptr || declared->excludeFromAllConfigs) return std::nullopt;
-    return DumpEntry{confGlobalKey(property), stored};
-}
 
 // Calls visit(entry) for each line, in the order of the stored keys.
 template <typename Visit>
-void forEachDumpEntry(const ConfStore& store, Visit visit) XTS_REQUIRES(store.lock) {
-    // Without a current instance this is the prefix of no instance.
-    const std::string current = confCurrentInstanceKey(store, {});
-    store.values.forEach(
-        [&](std::string_view prefix, std::string_view name, const std::string& value) {
-            if (!prefix.empty() && prefix != current) return;
-            const auto entry = dumpEntryOf(store.catalogue, {prefix, name, value});
-            if (entry) visit(*entry);
-        });
+void forEachDumpEntry(const ConfView& view, std::string_view currentPrefix, Visit visit) {
+    const ConfCatalogue& catalogue = view.catalogue();
+    view.forEach([&](std::string_view prefix, std::string_view name, const ConfValue& value) {
+        const bool isGlobal = prefix == CONF_PREFIX;
+        if (!value.isCommitted || (!isGlobal && prefix != currentPrefix)) return;
+        const ConfProperty* const declared =
+            isGlobal ? catalogue.findGlobal(name) : catalogue.findInstance(name);
+        if (!declared->excludeFromAllConfigs) visit(DumpEntry{prefix, name, value.committed});
+    });
 }
 
-void appendDumpLine(std::string& dump, const DumpEntry& entry) {
-    if (!entry.fits()) {
-        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entry.stored.key().c_str(),
-               entry.stored.value.c_str());
-        XLOG_FATAL(kLog);
+// The lines of a dump, up to the first entry that has no room in one.
+struct Dump {
+    std::string lines;
+    std::string tooLongKey;  // as it is stored; empty: every entry has room
+    std::string tooLongValue;
+};
+
+Dump dumpOf(const ConfView& view, std::string_view currentPrefix) {
+    Dump dump;
+    forEachDumpEntry(view, currentPrefix, [&dump](const DumpEntry& entry) {
+        if (!dump.tooLongKey.empty()) return;
+        if (!entry.fits()) {
+            dump.tooLongKey = entry.storedKey();
+            dump.tooLongValue = entry.value;
+            return;
+        }
+        dump.lines.append(entry.shownKey()).append("=").append(entry.value).append("\n");
+    });
+    return dump;
+}
+
+void stageCopy(ConfView& view, const ConfView::Names& deprecated, const std::string& source,
+               const std::string& target) {
+    for (const InstanceEntry& entry : entriesOfInstance(view, source)) {
+        const std::string property(entry.property);
+        if (deprecated.count(source + property) > 0) continue;
+        const std::string key = target + property;
+        view.stage(view.value(confFindKey(view.catalogue(), key)), entry.value);
     }
-    dump.append(entry.shown).append("=").append(entry.stored.value).append("\n");
+}
+
+void stageRemoval(ConfView& view, const std::string& prefix) {
+    for (const InstanceEntry& entry : entriesOfInstance(view, prefix)) {
+        const std::string key = prefix + std::string(entry.property);
+        view.remove(view.value(confFindKey(view.catalogue(), key)));
+    }
 }
 
 }  // namespace
@@ -103,10 +115,8 @@ bool confIsInstanceName(std::string_view name) {
 }
 
 XErr confCopyInstance(ConfStore& store, const std::string& source, const std::string& target) {
-    const std::string sourcePrefix = confInstancePrefix(source);
-    const std::string targetPrefix = confInstancePrefix(target);
     const std::lock_guard<std::mutex> guard(store.lock);
-    if (!store.instances.contains(source)) {
+    if (!store.view.isKnown(source)) {
         XLOG_E(kLog, "Instance %s doesn't exist", source.c_str());
         return XERR_FAILURE;
     }
@@ -115,43 +125,41 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
         XLOG_E(kLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
         return XERR_INVAL;
     }
-    for (const InstanceEntry& entry : entriesOfInstance(store, sourcePrefix)) {
-        const std::string property(entry.property);
-        if (store.deprecated.count(sourcePrefix + property) > 0) continue;
-        store.pending.assign(targetPrefix + property, entry.value);
-    }
-    store.instances.add(target);  // without defaults: the copied keys are all that it needs
+    stageCopy(store.view, store.deprecated, confInstancePrefix(source), confInstancePrefix(target));
+    store.view.makeKnown(target);  // without defaults: the copied keys are all that it needs
     return XERR_SUCCESS;
 }
 
 XErr confDeleteInstance(ConfStore& store, const std::string& name) {
-    const std::string prefix = confInstancePrefix(name);
     const std::lock_guard<std::mutex> guard(store.lock);
-    for (const InstanceEntry& entry : entriesOfInstance(store, prefix)) {
-        const std::string key = prefix + std::string(entry.property);
-        store.removals.insert(key);
-        store.pending.erase(key);
-    }
-    store.instances.remove(name);
+    stageRemoval(store.view, confInstancePrefix(name));
+    store.view.forgetInstance(name);
     return XERR_SUCCESS;
 }
 
 std::vector<std::string> confKeysTooLongForDump(ConfStore& store) {
     std::vector<std::string> keys;
     const std::lock_guard<std::mutex> guard(store.lock);
-    forEachDumpEntry(store, [&keys](const DumpEntry& entry) {
-        if (!entry.fits()) keys.push_back(entry.stored.key());
-    });
+    forEachDumpEntry(store.view, confCurrentInstanceKey(store, {}),
+                     [&keys](const DumpEntry& entry) {
+                         if (!entry.fits()) keys.push_back(entry.storedKey());
+                     });
     return keys;
 }
 
 XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t bufferSize,
                                std::uint32_t& outSize) {
-    std::string dump;
+    Dump entries;
     {
         const std::lock_guard<std::mutex> guard(store.lock);
-        forEachDumpEntry(store, [&dump](const DumpEntry& entry) { appendDumpLine(dump, entry); });
+        entries = dumpOf(store.view, confCurrentInstanceKey(store, {}));
     }
+    if (!entries.tooLongKey.empty()) {
+        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entries.tooLongKey.c_str(),
+               entries.tooLongValue.c_str());
+        XLOG_FATAL(kLog);
+    }
+    std::string& dump = entries.lines;
     dump.append("vtr.oem=nvo\n").append("vtr.version=").append(UTL_VERSION).append("\n");
     // A catalogue's worth of short lines: far below 32 bits.
     const auto needed = static_cast<std::uint32_t>(dump.size() + 1);

@@ -1,37 +1,65 @@
 #ifndef CONF_CONFKEY_H
 #define CONF_CONFKEY_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "conf/ConfCatalogue.h"
-#include "xpl/Xbytes.h"
 
-// The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>".
+// The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>". A key is split
+// once, where it enters the store, and travels as a ConfKey.
 
 constexpr std::string_view CONF_PREFIX = "vtr.";
 constexpr std::string_view CONF_INSTANCE_PREFIX = "vtr.instance.";
 
 enum class ConfScope { Global, Instance, None };
 
+// A key in its parts. The views point into the text that it was made of.
 struct ConfKey {
+    std::string_view text;  // all of it
     ConfScope scope = ConfScope::None;
     std::string_view instance;  // up to the next "."; for ConfScope::Instance only
     std::string_view property;  // the whole key where an instance key has no second "."
+
+    // Set by confFindKey; null where the catalogue has no such property.
+    const ConfProperty* declared = nullptr;
+    std::size_t index = 0;  // of the property in its directory
 };
 
-inline ConfKey confSplitKey(std::string_view key) {
-    if (xbytesStartsWith(key, CONF_INSTANCE_PREFIX)) {
-        const std::size_t dot = xbytesFind<'.'>(key, CONF_INSTANCE_PREFIX.size());
-        const std::string_view instance =
-            key.substr(CONF_INSTANCE_PREFIX.size(), dot - CONF_INSTANCE_PREFIX.size());
-        const std::string_view property = dot == std::string_view::npos ? key : key.substr(dot + 1);
-        return {ConfScope::Instance, instance, property};
+inline ConfKey confSplitKey(std::string_view text) {
+    if (text.substr(0, CONF_INSTANCE_PREFIX.size()) == CONF_INSTANCE_PREFIX) {
+        const std::size_t start = CONF_INSTANCE_PREFIX.size();
+        const std::size_t dot = text.find('.', start);
+        const std::string_view property =
+            dot == std::string_view::npos ? text : text.substr(dot + 1);
+        return {text, ConfScope::Instance, text.substr(start, dot - start), property};
     }
-    if (xbytesStartsWith(key, CONF_PREFIX)) {
-        return {ConfScope::Global, {}, key.substr(CONF_PREFIX.size())};
+    if (text.substr(0, CONF_PREFIX.size()) == CONF_PREFIX) {
+        return {text, ConfScope::Global, {}, text.substr(CONF_PREFIX.size())};
     }
-    return {};
+    return {text, ConfScope::None, {}, {}};
+}
+
+// The split key with its declaration. `hint`: likely index of the property, as of
+// ConfDirectory::find.
+inline ConfKey confFindKey(const ConfCatalogue& catalogue, std::string_view text,
+                           std::size_t hint = 0) {
+    ConfKey key = confSplitKey(text);
+    if (key.scope == ConfScope::None) return key;
+    const ConfDirectory& directory =
+        key.scope == ConfScope::Instance ? catalogue.instances() : catalogue.globals();
+    const auto found = directory.find(key.property, hint);
+    if (found == directory.end()) return key;
+    key.declared = &found->second;
+    key.index = static_cast<std::size_t>(found - directory.begin());
+    return key;
+}
+
+// Whether a key comes before the one that a prefix and a name make, in byte order.
+inline bool confKeyIsBefore(std::string_view key, std::string_view prefix, std::string_view name) {
+    const int order = key.compare(0, prefix.size(), prefix);
+    return order != 0 ? order < 0 : key.substr(prefix.size()) < name;
 }
 
 inline std::string confGlobalKey(std::string_view property) {

@@ -1,12 +1,14 @@
 #ifndef CONF_CONFLOAD_H
 #define CONF_CONFLOAD_H
 
+#include <string>
+
 #include "conf/ConfStore.h"
 
-// Reads the store's file into its values. For callers that hold all the locks.
+// Reads the store's file into its view. For callers that hold all the locks.
 [[nodiscard]] XErr confLoad(ConfStore& store) XTS_REQUIRES(store.lock);
 
-// confAddInstance for callers that hold the lock.
-XErr confAddInstanceLocked(ConfStore& store, std::string_view name) XTS_REQUIRES(store.lock);
+// The same with the caller's room for the file's text.
+[[nodiscard]] XErr confLoad(ConfStore& store, std::string& text) XTS_REQUIRES(store.lock);
 
 #endif

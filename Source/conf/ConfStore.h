@@ -4,13 +4,11 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
-#include "conf/ConfNames.h"
-#include "conf/ConfValueMap.h"
+#include "conf/ConfView.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/XmutexNamed.h"
@@ -22,24 +20,20 @@
 // until after the move.
 struct ConfStore {
     ConfStore(const ConfCatalogue& catalogueToUse, ConfFiles& filesToUse)
-        : catalogue(catalogueToUse), files(filesToUse) {}
+        : catalogue(catalogueToUse), files(filesToUse), view(catalogueToUse) {}
 
     const ConfCatalogue& catalogue;
     ConfFiles& files;
 
     std::mutex lock;
 
-    // The committed view: what the file holds, over the defaults. Loading never removes a key.
-    ConfValueMap values XTS_GUARDED_BY(lock);
-
-    // Set and not committed yet; removed and not committed yet.
-    ConfValueMap pending XTS_GUARDED_BY(lock);
-    std::set<std::string, std::less<>> removals XTS_GUARDED_BY(lock);
+    // What the file holds, over the defaults, and what is not committed yet. Loading never removes
+    // a key.
+    ConfView view XTS_GUARDED_BY(lock);
 
     // Keys of deprecated properties that were seen; a commit drops them.
-    std::set<std::string, std::less<>> deprecated XTS_GUARDED_BY(lock);
+    ConfView::Names deprecated XTS_GUARDED_BY(lock);
 
-    ConfNames instances XTS_GUARDED_BY(lock);
     std::string path XTS_GUARDED_BY(lock);  // empty: no file
 
     // Orders loads and commits between processes; named when the store is initialised.

@@ -1,12 +1,16 @@
 // Reading and writing the lines of a configuration file.
 #include "conf/ConfText.h"
 
+#include <algorithm>
+
 #include "xpl/Xbytes.h"
 
 namespace {
 
 constexpr std::string_view kBeforeValue = "=\"";
 constexpr std::string_view kAfterValue = "\"\n";
+
+char* copyTo(char* to, std::string_view text) { return std::copy(text.begin(), text.end(), to); }
 
 std::string_view untilNul(std::string_view text) { return text.substr(0, xbytesFind<'\0'>(text)); }
 
@@ -44,7 +48,6 @@ XErr confCheckEntry(std::string_view key, std::string_view value) {
     return fits ? XERR_SUCCESS : XERR_2BIG;
 }
 
-char* confEndLine(char* behindKey, std::string_view value) {
-    char* const start = xbytesCopy(behindKey, kBeforeValue);
-    return xbytesCopy(xbytesCopy(start, untilNul(value)), kAfterValue);
+char* confEndLine(char* afterKey, std::string_view value) {
+    return copyTo(copyTo(copyTo(afterKey, kBeforeValue), untilNul(value)), kAfterValue);
 }

@@ -46,7 +46,7 @@ int confLineLength(std::string_view key, std::string_view value);
 XErr confCheckEntry(std::string_view key, std::string_view value);
 
 // Writes what follows the key in the line of an entry that passed the check, to where there is room
-// for it, and returns the place behind it. A value ends at its first NUL.
-char* confEndLine(char* behindKey, std::string_view value);
+// for it, and returns the place after it. A value ends at its first NUL.
+char* confEndLine(char* afterKey, std::string_view value);
 
 #endif

@@ -212,7 +212,8 @@ SCENE(confFatal) {
     if (what == "getRemoved") {
         {
             const std::lock_guard<std::mutex> guard(store.lock);
-            store.removals.insert("vtr.instance.A.dpi");
+            const ConfKey key = confFindKey(store.catalogue, "vtr.instance.A.dpi");
+            store.view.remove(store.view.value(key));
         }
         confGetI32(store, "vtr.instance.A.dpi");
     }

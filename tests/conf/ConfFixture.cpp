@@ -9,11 +9,16 @@ XErr ConfTest::initWithoutFile() { return confLibInit(store, "", /*allowDeprecat
 
 std::optional<std::string> ConfTest::committed(const std::string& key) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    const std::string* value = store.values.find(key);
-    return value == nullptr ? std::nullopt : std::optional(*value);
+    const ConfValue* value = store.view.find(confFindKey(catalogue, key));
+    if (value == nullptr || !value->isCommitted) return std::nullopt;
+    return value->committed;
 }
 
 std::size_t ConfTest::committedCount() {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return store.values.size();
+    std::size_t count = 0;
+    store.view.forEach([&count](std::string_view, std::string_view, const ConfValue& value) {
+        if (value.isCommitted) ++count;
+    });
+    return count;
 }

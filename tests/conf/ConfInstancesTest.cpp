@@ -18,19 +18,23 @@ using Names = std::set<std::string, std::less<>>;
 
 class ConfInstancesTest : public ConfTest {
  protected:
-    std::vector<std::string> pendingKeys() {
+    template <typename IsWanted>
+    std::vector<std::string> keysWhere(IsWanted isWanted) {
         const std::lock_guard<std::mutex> guard(store.lock);
         std::vector<std::string> keys;
-        store.pending.forEach(
-            [&keys](std::string_view prefix, std::string_view name, const std::string&) {
-                keys.push_back(std::string(prefix).append(name));
+        store.view.forEach(
+            [&](std::string_view prefix, std::string_view name, const ConfValue& value) {
+                if (isWanted(value)) keys.push_back(std::string(prefix).append(name));
             });
         return keys;
     }
 
+    std::vector<std::string> pendingKeys() {
+        return keysWhere([](const ConfValue& value) { return value.staged != nullptr; });
+    }
+
     std::vector<std::string> removedKeys() {
-        const std::lock_guard<std::mutex> guard(store.lock);
-        return {store.removals.begin(), store.removals.end()};
+        return keysWhere([](const ConfValue& value) { return value.isRemoved; });
     }
 
     std::vector<std::string> keysOf(const std::string& instance) const {
@@ -175,7 +179,7 @@ TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
     ASSERT_EQ(init(kTwoInstances), 0);
     {
         const std::lock_guard<std::mutex> guard(store.lock);
-        store.values.erase("vtr.instance.A.ram");
+        store.view.value(confFindKey(catalogue, "vtr.instance.A.ram")).erase();
     }
     confSetI32(store, "vtr.instance.B.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "B"), 0);

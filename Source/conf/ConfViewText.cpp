@@ -1,0 +1,82 @@
+// The lines of a file, as values of a view.
+#include "conf/ConfViewText.h"
+
+#include <algorithm>
+
+#include "conf/ConfKey.h"
+#include "conf/ConfText.h"
+
+namespace {
+
+// Where the values of a file's keys go. The keys of an instance usually follow each other, and the
+// instance is looked up once for them.
+class Target {
+ public:
+    explicit Target(ConfView& view) : view_(view) {}
+
+    ConfValue& value(const ConfKey& key) {
+        if (key.scope == ConfScope::Global) return view_.value(key);
+        if (group_ == nullptr || instance_ != key.instance) {
+            group_ = &view_.addInstance(key.instance);
+            instance_ = key.instance;
+        }
+        return group_->values[key.index];
+    }
+
+ private:
+    ConfView& view_;
+    ConfView::Group* group_ = nullptr;
+    std::string_view instance_;
+};
+
+const char* directoryOf(const ConfKey& key) {
+    return key.scope == ConfScope::Instance ? "iprop dir" : "prop dir";
+}
+
+// Appends the line of an entry, unless that would not read back.
+XErr appendLine(std::string& text, std::string_view prefix, std::string_view name,
+                std::string_view value) {
+    char line[CONF_LINE_SIZE];
+    if (prefix.size() + name.size() > sizeof line) {
+        return confCheckEntry(std::string(prefix).append(name), value);
+    }
+    char* const afterPrefix = std::copy(prefix.begin(), prefix.end(), line);
+    char* const afterKey = std::copy(name.begin(), name.end(), afterPrefix);
+    const std::string_view key(line, static_cast<std::size_t>(afterKey - line));
+    const XErr err = confCheckEntry(key, value);
+    if (err == XERR_SUCCESS) text.append(line, confEndLine(afterKey, value));
+    return err;
+}
+
+}  // namespace
+
+std::optional<ConfBadLine> confReadView(ConfView& view, ConfView::Names& deprecated,
+                                        std::string_view text) {
+    view.forgetInstances();
+    ConfTextReader reader(text);
+    Target target(view);
+    std::size_t next = 0;  // index of the likely property: they follow each other too
+    ConfEntry entry;
+    ConfRead read;
+    while ((read = reader.next(entry)) == ConfRead::Entry) {
+        const ConfKey key = confFindKey(view.catalogue(), entry.key, next);
+        next = key.index + 1;
+        if (key.declared == nullptr) return ConfBadLine{entry.line, entry.key, directoryOf(key)};
+        target.value(key).commit(entry.value);
+        if (key.declared->deprecated) deprecated.emplace(key.text);
+    }
+    if (read == ConfRead::Malformed) return ConfBadLine{entry.line, {}, nullptr};
+    return std::nullopt;
+}
+
+std::optional<ConfRefusedEntry> confWriteView(const ConfView& view, std::string& text) {
+    std::optional<ConfRefusedEntry> refused;
+    text.clear();
+    view.forEach([&](std::string_view prefix, std::string_view name, const ConfValue& value) {
+        if (refused || !value.isCommitted) return;
+        const XErr err = appendLine(text, prefix, name, value.committed);
+        if (err == XERR_SUCCESS) return;
+        refused = {err, std::string(prefix).append(name), value.committed};
+    });
+    return refused;
+}
