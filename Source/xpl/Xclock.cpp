@@ -1,10 +1,9 @@
 // Texts of points in time; the clock itself is in XclockWinnt.cpp.
 #include "xpl/Xclock.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
-
-#include "xpl/Xbytes.h"
 
 namespace {
 
@@ -57,7 +56,8 @@ XclockStamp usualStamp(std::int64_t local, std::string_view zoneSuffix) {
     to = put(to, ofDay % 60, 2, '.');
     to = put(to, local % kMicrosPerSecond / 1000, 3, '\0') - 1;
     const auto room = static_cast<std::size_t>(stamp.data() + stamp.size() - 1 - to);
-    xbytesCopy(to, zoneSuffix.substr(0, room));
+    const std::string_view fitting = zoneSuffix.substr(0, room);
+    std::copy(fitting.begin(), fitting.end(), to);
     return stamp;
 }
 

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "xpl/Xbytes.h"
-
 namespace {
 
 constexpr std::size_t kLimit = XLOG_LINE_SIZE - 2;  // room for the line feed and the NUL
@@ -55,7 +53,7 @@ class Line {
  private:
     void add(std::string_view text) {
         const std::string_view fitting = text.substr(0, kLimit - used_);
-        xbytesCopy(&buffer_[used_], fitting);
+        std::copy(fitting.begin(), fitting.end(), &buffer_[used_]);
         used_ += fitting.size();
     }
 
