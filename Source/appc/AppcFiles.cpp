@@ -25,7 +25,7 @@ class DiskFiles final : public AppcFiles {
         const XfileReadErrors errors = xfileReadPatiently(path, content);
         if (errors.open != 0) return errors.open;
         // What is missing for another reason shows when the content is parsed.
-        return appcIsHeld(errors.bytes) ? errors.bytes : 0;
+        return xerrIsHeld(xerrFromWindows(errors.bytes)) ? errors.bytes : 0;
     }
 
     XErr makeFolder(const std::string& path) override { return xfileCreateFolder(path); }

@@ -7,15 +7,6 @@
 
 #include "xpl/Xerr.h"
 
-// The Windows errors of a file that another process holds, and of bytes that it has locked.
-constexpr std::int32_t kAppcSharingViolation = 32;
-constexpr std::int32_t kAppcLockViolation = 33;
-
-// Whether a read met another process: nothing is wrong with the file itself.
-constexpr bool appcIsHeld(std::int32_t windowsError) {
-    return windowsError == kAppcSharingViolation || windowsError == kAppcLockViolation;
-}
-
 enum class AppcWrite { Done, OpenFailed, WriteFailed };
 
 // The file operations of the app cache: the disk, or what a test puts in its place to make an

@@ -13,9 +13,7 @@ namespace {
 // decide, which waits for the other process.
 bool isMissing(const std::string& path) {
     const XErr err = xfileExists(path);
-    return err != XERR_SUCCESS && err != XERR_ACCES &&
-           err != xerrFromWindows(kAppcSharingViolation) &&
-           err != xerrFromWindows(kAppcLockViolation);
+    return err != XERR_SUCCESS && err != XERR_ACCES && !xerrIsHeld(err);
 }
 
 // The next save writes a fresh file.
@@ -29,7 +27,7 @@ void discard(AppcStore& store) XTS_REQUIRES(store.lock) {
 void giveUp(AppcStore& store, std::int32_t windowsError) XTS_REQUIRES(store.lock) {
     const std::string path = store.filePath();
     const std::string error = appcErrorText(windowsError);
-    if (!appcIsHeld(windowsError)) {
+    if (!xerrIsHeld(xerrFromWindows(windowsError))) {
         XLOG_E(kLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
                error.c_str());
         discard(store);

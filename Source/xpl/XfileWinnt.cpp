@@ -61,8 +61,8 @@ XErr failed(Xfile& file) {
 
 // What a file answers that a scanner or a reader holds for a moment.
 bool isBrieflyHeld(DWORD error) {
-    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
-           error == ERROR_LOCK_VIOLATION;
+    return error == ERROR_ACCESS_DENIED ||
+           xerrIsHeld(xerrFromWindows(static_cast<std::int32_t>(error)));
 }
 
 // The path as Windows gets it. A path without an absolute form is passed on unchanged: the call

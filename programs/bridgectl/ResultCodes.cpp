@@ -278,31 +278,6 @@ const char* meaningOf(XErrCode code) {
     return "";
 }
 
-constexpr XErrCode kCodes[] = {
-#define BRIDGECTL_CODE(code, name) XERR_##name,
-    XERR_CODES(BRIDGECTL_CODE)
-#undef BRIDGECTL_CODE
-};
-
-struct WindowsRow {
-    std::int32_t windowsError;
-    XErr code;
-};
-
-constexpr WindowsRow kWindowsRows[] = {
-#define BRIDGECTL_ROW(windowsError, windowsName, name) {windowsError, XERR_##name},
-    XERR_WINDOWS_ERRORS(BRIDGECTL_ROW)
-#undef BRIDGECTL_ROW
-};
-
-std::vector<std::int32_t> windowsErrorsOf(XErr code) {
-    std::vector<std::int32_t> errors;
-    for (const WindowsRow& row : kWindowsRows) {
-        if (row.code == code) errors.push_back(row.windowsError);
-    }
-    return errors;
-}
-
 std::string listOf(const std::vector<std::int32_t>& errors) {
     std::string text;
     for (const std::int32_t error : errors) {
@@ -327,8 +302,9 @@ std::optional<ResultCode> windowsResult(XErr code) {
 
 std::vector<ResultCode> resultCodes() {
     std::vector<ResultCode> codes;
-    for (const XErrCode code : kCodes) {
-        codes.push_back({code, xerrName(code), meaningOf(code), windowsErrorsOf(code)});
+    for (const XErr code : xerrCodes()) {
+        codes.push_back({code, xerrName(code), meaningOf(static_cast<XErrCode>(code)),
+                         xerrWindowsErrors(code)});
     }
     return codes;
 }
