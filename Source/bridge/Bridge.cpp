@@ -149,7 +149,7 @@ bridge_i32 bridgePlrShutdown(const char* instance, bridge_bool flag) {
 void bridgeShutdown(void) {
     bridgeStatus(__func__, {}, [] {
         bridge::bridgeShutdown();
-        return XErr{XERR_SUCCESS};
+        return XERR_SUCCESS;
     });
 }
 
@@ -167,7 +167,7 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
                                          onInstanceListUpdated, installImageProgress,
                                          onCreateInstanceCompleted, onInstanceConfigurationChanged,
                                          onAppDisplayed, onAccountListUpdated});
-        return XErr{XERR_SUCCESS};
+        return XERR_SUCCESS;
     });
 }
 

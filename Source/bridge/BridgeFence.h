@@ -34,7 +34,7 @@ XErr bridgeStatus(const char* function, BridgeTexts texts, Call call) noexcept {
         bridgeLogNullArgument(function);
         return XERR_INVAL;
     }
-    return bridgeFence(function, XErr{XERR_FAILURE}, call);
+    return bridgeFence(function, XERR_FAILURE, call);
 }
 
 // An export that answers a value: 0, false or null for a null text or an exception.

@@ -69,7 +69,7 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
            client.c_str());
     XLOG_I(kLog, "Loading configuration ...");
     // Fenced on its own: a file that makes the loader throw is a failed load like any other.
-    const XErr err = bridgeFence(self, XErr{XERR_FAILURE}, [noConfFile] {
+    const XErr err = bridgeFence(self, XERR_FAILURE, [noConfFile] {
         return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
     });
     if (err != XERR_SUCCESS) {

@@ -17,8 +17,7 @@ Xsnapshot<BridgeCallbacks> callbacks;
 
 // The host hears of the event also when the configuration cannot be loaded; the load logs why.
 void reloadConfiguration(const char* self) {
-    static_cast<void>(
-        xfence(kLog, self, XErr{XERR_FAILURE}, [] { return confReload(confStore()); }));
+    static_cast<void>(xfence(kLog, self, XERR_FAILURE, [] { return confReload(confStore()); }));
 }
 
 }  // namespace

@@ -11,7 +11,12 @@
 // XERR_ name, or XERR_WINDOWS_BASE plus a Windows error that has no equivalent.
 using XErr = std::int32_t;
 
-enum XErrCode : XErr {
+#define XERR_CONSTANT(code, name) constexpr XErr XERR_##name = (code);
+XERR_CODES(XERR_CONSTANT)
+#undef XERR_CONSTANT
+
+// The same codes for a switch that has to know all of them: one that is missing does not build.
+enum class XErrCode : XErr {
 #define XERR_ENUMERATOR(code, name) XERR_##name = (code),
     XERR_CODES(XERR_ENUMERATOR)
 #undef XERR_ENUMERATOR

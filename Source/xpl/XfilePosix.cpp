@@ -93,7 +93,7 @@ XErr failed(Xfile& file, int error) {
     return translated(error);
 }
 
-XErr statusOf(int result) { return result == 0 ? XErr{XERR_SUCCESS} : translated(errno); }
+XErr statusOf(int result) { return result == 0 ? XERR_SUCCESS : translated(errno); }
 
 // Calls `call(systemPath)`, which answers 0 or sets errno.
 template <typename Call>
@@ -267,7 +267,7 @@ XErr xfileAttributes(const std::string& path, XfileAttributes& attributes) {
 
 XErr xfileCreateNewFolder(const std::string& path) {
     const XErr err = withPath(path, [](const char* system) { return ::mkdir(system, 0777); });
-    return err == XERR_EXIST ? XErr{XERR_ADDRINUSE} : err;
+    return err == XERR_EXIST ? XERR_ADDRINUSE : err;
 }
 
 // Nobody can hold a file against its readers here.

@@ -96,7 +96,7 @@ XErr xprocWait(XprocHandle handle, std::uint32_t* exitCode) {
     const auto* const process = static_cast<const Process*>(handle);
     int status = 0;
     if (process == nullptr || ::waitpid(process->id, &status, 0) < 0) {
-        const XErr err = process == nullptr ? XErr{XERR_BADF} : errno;
+        const XErr err = process == nullptr ? XERR_BADF : errno;
         XLOG_E(kXprocLog, "xprocWait failed with %d %s", err, xerrName(err).c_str());
         return err;
     }
@@ -109,7 +109,7 @@ XErr xprocKill(XprocHandle handle, std::uint32_t exitCode) {
     auto* const process = static_cast<Process*>(handle);
     if (process != nullptr) process->killedWith = exitCode;
     if (process == nullptr || ::kill(process->id, SIGKILL) != 0) {
-        const XErr err = process == nullptr ? XErr{XERR_BADF} : errno;
+        const XErr err = process == nullptr ? XERR_BADF : errno;
         XLOG_E(kXprocLog, "%s: TerminateProcess failed err=%d [%s]", "xprocKill", err,
                xerrName(err).c_str());
     }
@@ -120,5 +120,5 @@ XErr xprocKill(XprocHandle handle, std::uint32_t exitCode) {
 XErr xprocSetEnvironment(const std::string& name, const std::string& value) {
     const int result = value.empty() ? ::unsetenv(name.c_str())
                                      : ::setenv(name.c_str(), value.c_str(), /*replace=*/1);
-    return result == 0 ? XErr{XERR_SUCCESS} : errno;
+    return result == 0 ? XERR_SUCCESS : errno;
 }
