@@ -132,6 +132,14 @@ XErr appcGetApp(AppcStore& store, const std::string& package, std::string* activ
     return XERR_SUCCESS;
 }
 
+XErr appcListApps(AppcStore& store, const std::string& instance, std::string& listing) {
+    // Held to the end: another thread may be about to open the cache of another instance.
+    const std::lock_guard<AppcLock> guard(store.lock);
+    if (const XErr err = appcLibInit(store, instance); err != XERR_SUCCESS) return err;
+    listing = appcListingText(store.apps, store.appcDir);
+    return XERR_SUCCESS;
+}
+
 void appcGetPackages(AppcStore& store, std::list<std::string>& packages) {
     const std::lock_guard<AppcLock> guard(store.lock);
     for (const auto& entry : store.apps) packages.push_back(entry.first);

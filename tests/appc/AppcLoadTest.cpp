@@ -302,6 +302,35 @@ TEST_F(AppcLoadTest, ALookupOfAnUnknownPackageChangesNothing) {
     EXPECT_EQ(label, "before");
 }
 
+TEST_F(AppcLoadTest, AListingOpensTheInstanceAndHasTheIconsPaths) {
+    write(arrayOf({Element().text()}));
+    std::string folder;  // as it stands in JSON
+    for (const char c : dir()) folder += c == '\\' ? "\\\\" : std::string(1, c);
+    std::string listing;
+    EXPECT_EQ(appcListApps(store, "Nougat64", listing), 0);
+    EXPECT_EQ(listing,
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"com.a.Main\",\n"
+              "        \"appLabel\": \"A\",\n"
+              "        \"iconFilePath\": \"" +
+                  folder +
+                  "com.a.png\",\n"
+                  "        \"package\": \"com.a\",\n"
+                  "        \"versionCode\": 1,\n"
+                  "        \"versionName\": \"1.0\"\n"
+                  "    }\n"
+                  "]\n");
+    EXPECT_EQ(packages(), Lines{"com.a"});
+}
+
+TEST_F(AppcLoadTest, AFailedListingLeavesTheTextAsItWas) {
+    write("[{}]");
+    std::string listing = "before";
+    EXPECT_EQ(appcListApps(store, "Nougat64", listing), XERR_FAILURE);
+    EXPECT_EQ(listing, "before");
+}
+
 TEST_F(AppcLoadTest, PackageNamesAreAppended) {
     ASSERT_EQ(init(kTwoApps), 0);
     std::list<std::string> list{"first"};
