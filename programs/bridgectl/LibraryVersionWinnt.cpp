@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "Console.h"
+#include "shared/Console.h"
 
 // Last: it defines macros.
 #include "xpl/XwindowsLean.h"

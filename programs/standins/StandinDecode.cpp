@@ -4,9 +4,9 @@
 #include <cstring>
 #include <optional>
 
-#include "bridgectl/JsonValue.h"
 #include "mim/MimEnc.h"
 #include "plr/PlrEnc.h"
+#include "shared/JsonValue.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // bridgeadm trim
 #include "Session.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 #include "utl/UtlTrim.h"
 
 namespace {

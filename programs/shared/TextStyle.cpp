@@ -1,4 +1,4 @@
-#include "TextStyle.h"
+#include "shared/TextStyle.h"
 
 TextStyle::TextStyle(bool isTerminal, const char* noColor)
     : coloured_(isTerminal && (noColor == nullptr || *noColor == '\0')) {}

@@ -1,10 +1,10 @@
-#ifndef BRIDGECTL_TABLE_H
-#define BRIDGECTL_TABLE_H
+#ifndef SHARED_TABLE_H
+#define SHARED_TABLE_H
 
 #include <string>
 #include <vector>
 
-#include "TextStyle.h"
+#include "shared/TextStyle.h"
 
 using TableRow = std::vector<std::string>;
 

@@ -1,5 +1,5 @@
-#ifndef BRIDGECTL_OPTIONPARSER_H
-#define BRIDGECTL_OPTIONPARSER_H
+#ifndef SHARED_OPTIONPARSER_H
+#define SHARED_OPTIONPARSER_H
 
 #include <cstdint>
 #include <functional>

@@ -1,8 +1,8 @@
-#include "OptionParser.h"
+#include "shared/OptionParser.h"
 
 #include <CLI/CLI.hpp>
 
-#include "CommandTree.h"
+#include "shared/CommandTree.h"
 
 namespace {
 

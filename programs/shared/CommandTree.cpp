@@ -1,4 +1,4 @@
-#include "CommandTree.h"
+#include "shared/CommandTree.h"
 
 namespace {
 

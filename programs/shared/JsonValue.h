@@ -1,5 +1,5 @@
-#ifndef BRIDGECTL_JSONVALUE_H
-#define BRIDGECTL_JSONVALUE_H
+#ifndef SHARED_JSONVALUE_H
+#define SHARED_JSONVALUE_H
 
 #include <cstddef>
 #include <memory>

@@ -1,11 +1,11 @@
-#include "HelpCommand.h"
+#include "shared/HelpCommand.h"
 
 #include <memory>
 
-#include "CommandTree.h"
-#include "Console.h"
-#include "Joined.h"
-#include "OptionParser.h"
+#include "shared/CommandTree.h"
+#include "shared/Console.h"
+#include "shared/Joined.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#ifndef BRIDGECTL_COMMAND_H
-#define BRIDGECTL_COMMAND_H
+#ifndef SHARED_COMMAND_H
+#define SHARED_COMMAND_H
 
-#include "ExitCode.h"
+#include "shared/ExitCode.h"
 
 class OptionParser;
 class Session;

@@ -1,9 +1,9 @@
-#ifndef BRIDGECTL_COMPLETIONSCRIPT_H
-#define BRIDGECTL_COMPLETIONSCRIPT_H
+#ifndef SHARED_COMPLETIONSCRIPT_H
+#define SHARED_COMPLETIONSCRIPT_H
 
 #include <string>
 
-#include "CommandTree.h"
+#include "shared/CommandTree.h"
 
 // Scripts that make a shell complete a program's commands, options and the names that an argument
 // is limited to.

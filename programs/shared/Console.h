@@ -1,11 +1,11 @@
-#ifndef BRIDGECTL_CONSOLE_H
-#define BRIDGECTL_CONSOLE_H
+#ifndef SHARED_CONSOLE_H
+#define SHARED_CONSOLE_H
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "TextStyle.h"
+#include "shared/TextStyle.h"
 
 // UTF-8 in and out: as it stands into files and pipes, converted for a console window. False when
 // not all of it could be written.

@@ -1,10 +1,10 @@
-#ifndef BRIDGECTL_COMMANDTREE_H
-#define BRIDGECTL_COMMANDTREE_H
+#ifndef SHARED_COMMANDTREE_H
+#define SHARED_COMMANDTREE_H
 
 #include <string>
 #include <vector>
 
-#include "JsonValue.h"
+#include "shared/JsonValue.h"
 
 // A program's commands and options as its parser knows them.
 

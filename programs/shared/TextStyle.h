@@ -1,5 +1,5 @@
-#ifndef BRIDGECTL_TEXTSTYLE_H
-#define BRIDGECTL_TEXTSTYLE_H
+#ifndef SHARED_TEXTSTYLE_H
+#define SHARED_TEXTSTYLE_H
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "CompletionScript.h"
+#include "shared/CompletionScript.h"
 
 #include <functional>
 #include <set>

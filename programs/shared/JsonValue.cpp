@@ -1,4 +1,4 @@
-#include "JsonValue.h"
+#include "shared/JsonValue.h"
 
 #include <nlohmann/json.hpp>
 

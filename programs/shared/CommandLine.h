@@ -1,10 +1,10 @@
-#ifndef BRIDGECTL_COMMANDLINE_H
-#define BRIDGECTL_COMMANDLINE_H
+#ifndef SHARED_COMMANDLINE_H
+#define SHARED_COMMANDLINE_H
 
 #include <string>
 
-#include "Command.h"
-#include "ProgramRun.h"
+#include "shared/Command.h"
+#include "shared/ProgramRun.h"
 
 // What a program's command line has beside its commands.
 struct Program {

@@ -1,17 +1,17 @@
-#include "CommandLine.h"
+#include "shared/CommandLine.h"
 
 #include <exception>
 
-#include "Console.h"
-#include "OptionParser.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 
 namespace {
 
 std::string exitCodeHelp() {
     std::string text = "Exit codes:\n";
-#define BRIDGECTL_LINE(name, number, meaning) text += "  " #number "  " meaning "\n";
-    BRIDGECTL_EXIT_CODES(BRIDGECTL_LINE)
-#undef BRIDGECTL_LINE
+#define PROGRAM_LINE(name, number, meaning) text += "  " #number "  " meaning "\n";
+    PROGRAM_EXIT_CODES(PROGRAM_LINE)
+#undef PROGRAM_LINE
     return text;
 }
 

@@ -1,5 +1,5 @@
-#ifndef BRIDGECTL_JOINED_H
-#define BRIDGECTL_JOINED_H
+#ifndef SHARED_JOINED_H
+#define SHARED_JOINED_H
 
 #include <string>
 #include <vector>

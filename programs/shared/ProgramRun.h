@@ -1,11 +1,11 @@
-#ifndef BRIDGECTL_PROGRAMRUN_H
-#define BRIDGECTL_PROGRAMRUN_H
+#ifndef SHARED_PROGRAMRUN_H
+#define SHARED_PROGRAMRUN_H
 
 #include <string>
 #include <string_view>
 
-#include "ExitCode.h"
-#include "JsonValue.h"
+#include "shared/ExitCode.h"
+#include "shared/JsonValue.h"
 #include "xpl/Xerr.h"
 
 // One run of a program: where it logs, how it prints and how it ends. The programs' sessions are

@@ -1,8 +1,8 @@
-#include "Table.h"
+#include "shared/Table.h"
 
 #include <algorithm>
 
-#include "DisplayWidth.h"
+#include "shared/DisplayWidth.h"
 
 namespace {
 

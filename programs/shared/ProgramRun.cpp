@@ -1,6 +1,6 @@
-#include "ProgramRun.h"
+#include "shared/ProgramRun.h"
 
-#include "Console.h"
+#include "shared/Console.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xfile.h"

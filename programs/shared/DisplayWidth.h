@@ -1,5 +1,5 @@
-#ifndef BRIDGECTL_DISPLAYWIDTH_H
-#define BRIDGECTL_DISPLAYWIDTH_H
+#ifndef SHARED_DISPLAYWIDTH_H
+#define SHARED_DISPLAYWIDTH_H
 
 #include <cstddef>
 #include <string_view>

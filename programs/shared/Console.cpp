@@ -1,5 +1,5 @@
 // The console and the command line of Windows.
-#include "Console.h"
+#include "shared/Console.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -1,10 +1,10 @@
-#include "DisplayWidth.h"
+#include "shared/DisplayWidth.h"
 
 #include <algorithm>
 #include <iterator>
 #include <string>
 
-#include "DisplayWidthTable.h"
+#include "shared/DisplayWidthTable.h"
 #include "xpl/Xtext.h"
 
 namespace {

@@ -1,7 +1,7 @@
-#ifndef BRIDGECTL_HELPCOMMAND_H
-#define BRIDGECTL_HELPCOMMAND_H
+#ifndef SHARED_HELPCOMMAND_H
+#define SHARED_HELPCOMMAND_H
 
-#include "ProgramRun.h"
+#include "shared/ProgramRun.h"
 
 class OptionParser;
 

@@ -1,8 +1,8 @@
-#ifndef BRIDGECTL_EXITCODE_H
-#define BRIDGECTL_EXITCODE_H
+#ifndef SHARED_EXITCODE_H
+#define SHARED_EXITCODE_H
 
 // X(name, number, meaning): how the program ends. The help prints this table.
-#define BRIDGECTL_EXIT_CODES(X)                                            \
+#define PROGRAM_EXIT_CODES(X)                                              \
     X(Success, 0, "done")                                                  \
     X(Usage, 2, "the command line is not understood")                      \
     X(UnknownName, 3, "no such key, instance or app")                      \
@@ -16,9 +16,9 @@
     X(Output, 11, "standard output cannot be written")
 
 enum class ExitCode : int {
-#define BRIDGECTL_ENUMERATOR(name, number, meaning) name = number,
-    BRIDGECTL_EXIT_CODES(BRIDGECTL_ENUMERATOR)
-#undef BRIDGECTL_ENUMERATOR
+#define PROGRAM_ENUMERATOR(name, number, meaning) name = number,
+    PROGRAM_EXIT_CODES(PROGRAM_ENUMERATOR)
+#undef PROGRAM_ENUMERATOR
 };
 
 #endif
