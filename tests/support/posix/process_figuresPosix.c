@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <time.h>
 
-#include "process_figures.h"
+#include "support/process_figures.h"
 
 /* Without the three entries that reading the folder brings: itself, "." and "..". */
 long openHandles(void) {
