@@ -4,7 +4,7 @@
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xsystem.h"
 
 namespace {
@@ -23,10 +23,7 @@ class TemporaryFile {
         : files_(files), path_(temporaryPath(path)) {}
     ~TemporaryFile() {
         if (!exists_) return;
-        xfence(kLog, "appcSaveToFile", false, [this] {
-            files_.remove(path_);
-            return true;
-        });
+        xcatchAll(kLog, "appcSaveToFile", [this] { files_.remove(path_); });
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;

@@ -1,11 +1,11 @@
-// The exported functions: each takes its arguments, makes one call inside the fence and hands the
-// result over. What they do is elsewhere.
+// The exported functions: each takes its arguments, makes one call inside bridgeCatchAll and hands
+// the result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
 #include "bridge/BridgeApps.h"
 #include "bridge/BridgeCommit.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeEvents.h"
-#include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeInstances.h"
 #include "bridge/BridgeLaunch.h"
@@ -147,10 +147,7 @@ bridge_i32 bridgePlrShutdown(const char* instance, bridge_bool flag) {
 }
 
 void bridgeShutdown(void) {
-    bridgeStatus(__func__, {}, [] {
-        bridge::bridgeShutdown();
-        return XERR_SUCCESS;
-    });
+    bridgeCatchAll(__func__, [] { bridge::bridgeShutdown(); });
 }
 
 void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
@@ -162,12 +159,11 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
                              bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
                              bridgeOnAppDisplayed onAppDisplayed,
                              bridgeOnAccountListUpdated onAccountListUpdated) {
-    bridgeStatus(__func__, {}, [&] {
+    bridgeCatchAll(__func__, [&] {
         bridge::bridgeRegisterCallbacks({onAppInstalled, onAppUninstalled, onApkInstallCompleted,
                                          onInstanceListUpdated, installImageProgress,
                                          onCreateInstanceCompleted, onInstanceConfigurationChanged,
                                          onAppDisplayed, onAccountListUpdated});
-        return XERR_SUCCESS;
     });
 }
 

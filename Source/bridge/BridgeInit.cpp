@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "bridge/BridgeFence.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeLog.h"
 #include "conf/Conf.h"
 #include "utl/UtlFolders.h"
@@ -68,8 +68,8 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     XLOG_I(kLog, "%s:#################### In bridgeApiInit %s ###############", self,
            client.c_str());
     XLOG_I(kLog, "Loading configuration ...");
-    // Fenced on its own: a file that makes the loader throw is a failed load like any other.
-    const XErr err = bridgeFence(self, XERR_FAILURE, [noConfFile] {
+    // Caught here: a file that makes the loader throw is a failed load like any other.
+    const XErr err = bridgeCatchAll(self, XERR_FAILURE, [noConfFile] {
         return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
     });
     if (err != XERR_SUCCESS) {

@@ -2,7 +2,7 @@
 #include "bridge/BridgeIpcClbk.h"
 
 #include "conf/Conf.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xsnapshot.h"
 
@@ -17,7 +17,7 @@ Xsnapshot<BridgeCallbacks> callbacks;
 
 // The host hears of the event also when the configuration cannot be loaded; the load logs why.
 void reloadConfiguration(const char* self) {
-    static_cast<void>(xfence(kLog, self, XERR_FAILURE, [] { return confReload(confStore()); }));
+    static_cast<void>(xcatchAll(kLog, self, XERR_FAILURE, [] { return confReload(confStore()); }));
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
 #include "xpl/Xbytes.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class TemporaryFile {
         if (!exists_) return;
         output_.reset();
         // Without memory for its path the file stays: the next commit takes its place.
-        xfence(kLog, "confCommitToFile", false, [this] {
+        xcatchAll(kLog, "confCommitToFile", false, [this] {
             files_.remove(path_);
             return true;
         });

@@ -9,7 +9,7 @@
 #include <chrono>
 
 #include "ipc/IpcQt.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xmem.h"
 #include "xpl/Xunload.h"
@@ -156,7 +156,7 @@ void registerErrorType() {
 // Runs in destructors. Nothing else works on a client's socket, so that it can be deleted now when
 // there is no memory to delete it later.
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
-    const bool later = xfence(kLog, "~IpcClient", false, [socket] {
+    const bool later = xcatchAll(kLog, "~IpcClient", false, [socket] {
         if (!deliversDeferredDeletion()) return false;
         socket->deleteLater();
         return true;

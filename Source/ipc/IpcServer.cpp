@@ -8,7 +8,7 @@
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcQt.h"
 #include "ipc/IpcServerLog.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 
 IpcServerThread::IpcServerThread(const std::string& name, IpcDecode decodeFunction)
     : serverName(name), decode(decodeFunction) {
@@ -27,7 +27,7 @@ void IpcServerThread::run() {
     // Without this Qt delivers nothing at all here until the host has an application object, and
     // most hosts never have one.
     QThreadData::get2(this)->requiresCoreApplication = false;
-    xfence(kLog, "run", false, [this] {
+    xcatchAll(kLog, "run", false, [this] {
         serve();
         return true;
     });
@@ -43,7 +43,7 @@ void IpcServerThread::serve() {
     connect(
         server.get(), &QLocalServer::newConnection, server.get(),
         [this] {
-            xfence(kLog, "ipcHandleNewConnection", false, [this] {
+            xcatchAll(kLog, "ipcHandleNewConnection", false, [this] {
                 ipcHandleNewConnection(server.get(), decode, &serverName);
                 return true;
             });

@@ -269,6 +269,10 @@ void xlogSetDisplay(bool showFile, bool showFunction, bool showLine) {
     });
 }
 
+void xlogException(const XlogModule& module, const char* function, const char* what) noexcept {
+    XLOG_E(module, "%s: exception: %s", function, what);
+}
+
 void xlogFatalBreak(const XlogModule& module, std::int32_t line, const char* function) noexcept {
     if (xlogIsEnabled(module, XLOG_ERROR)) {
         // The format is part of the log's vocabulary as it stands; nothing is passed for its last

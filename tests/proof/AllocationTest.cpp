@@ -330,7 +330,7 @@ TEST_F(AllocationTest, Events) {
                 known = bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
                                      static_cast<std::int32_t>(packet.size()), nullptr, 0);
             } catch (const std::bad_alloc&) {
-                return -1;  // the connection's fence logs it
+                return -1;  // the connection logs it
             }
             return known ? 1 : 0;
         };

@@ -10,7 +10,7 @@
 #include "support/Platform.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xfile.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
@@ -48,8 +48,8 @@ TEST_F(XlogOffTest, AMutexWhoseNameIsNotUtf8) {
 
 TEST_F(XlogOffTest, AnExceptionAtTheBorder) {
     const XlogModule module{XlogTag::XLIB, "f"};
-    EXPECT_EQ(xfence(module, "f", 7, []() -> int { throw std::bad_alloc(); }), 7);
-    EXPECT_EQ(xfence(module, "f", 8, []() -> int { throw 1; }), 8);
+    EXPECT_EQ(xcatchAll(module, "f", 7, []() -> int { throw std::bad_alloc(); }), 7);
+    EXPECT_EQ(xcatchAll(module, "f", 8, []() -> int { throw 1; }), 8);
     expectSilence(2);
 }
 
