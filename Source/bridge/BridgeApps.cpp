@@ -1,10 +1,10 @@
 // The listing of installed apps.
 #include "bridge/BridgeApps.h"
 
-#include "bridge/BridgeLog.h"
+#include "bridge/BridgeEntry.h"
 
-std::optional<std::string> bridge::bridgeGetInstalledApps(AppcStore& store,
-                                                          const std::string& instance) {
+std::optional<std::string> internal::bridgeGetInstalledApps(AppcStore& store,
+                                                            const std::string& instance) {
     std::string listing;
     if (const XErr err = appcListApps(store, instance, listing); err != XERR_SUCCESS) {
         XLOG_E(kLog, "Error in appcLibInit, err = %s (%d)", xerrName(err).c_str(), err);

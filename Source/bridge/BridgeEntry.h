@@ -3,8 +3,11 @@
 
 #include <initializer_list>
 
-#include "bridge/BridgeLog.h"
 #include "xpl/XcatchAll.h"
+#include "xpl/Xlog.h"
+
+// Every file of the exports logs as one.
+constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/Bridge"};
 
 // What stands between the library and its host: no C++ exception leaves it, and no null text
 // enters it.

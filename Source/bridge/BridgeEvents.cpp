@@ -3,14 +3,14 @@
 #include <mutex>
 
 #include "bridge/BridgeDec.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeInit.h"
-#include "bridge/BridgeLog.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/Xsystem.h"
 #include "xpl/Xunload.h"
 
-namespace bridge {
+namespace internal {
 
 namespace {
 
@@ -73,4 +73,4 @@ XErr bridgeApiFini() {
     return XERR_SUCCESS;
 }
 
-}  // namespace bridge
+}  // namespace internal

@@ -8,7 +8,7 @@
 #include "xpl/Xerr.h"
 
 // The event server's life. The functions are what the exports of the same names do.
-namespace bridge {
+namespace internal {
 
 // The start of a server, which never fails, and what a test puts in its place.
 using ServerInit = int (*)(IpcServerThread** out, const std::string& name, IpcDecode decode);
@@ -20,6 +20,6 @@ void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks, ServerInit init =
 // Stops the server, once; from inside a callback it only logs an error. 0 in every case.
 XErr bridgeApiFini();
 
-}  // namespace bridge
+}  // namespace internal
 
 #endif

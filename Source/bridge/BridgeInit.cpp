@@ -10,14 +10,13 @@
 #include <string_view>
 
 #include "bridge/BridgeEntry.h"
-#include "bridge/BridgeLog.h"
 #include "conf/Conf.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xpl.h"
 
-namespace bridge {
+namespace internal {
 
 namespace {
 
@@ -80,4 +79,4 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     return XERR_SUCCESS;
 }
 
-}  // namespace bridge
+}  // namespace internal

@@ -1,7 +1,7 @@
 // Shutting down the product's running programs.
 #include "bridge/BridgeShutdown.h"
 
-#include "bridge/BridgeLog.h"
+#include "bridge/BridgeEntry.h"
 #include "conf/Conf.h"
 #include "mim/MimEnc.h"
 #include "plr/PlrEnc.h"
@@ -15,7 +15,7 @@ std::string playerServer(const std::string& instance) {
 
 }  // namespace
 
-namespace bridge {
+namespace internal {
 
 XErr bridgePlrShutdown(const std::string& instance, bool flag, ClientInit init) {
     const std::string server = playerServer(instance);
@@ -47,4 +47,4 @@ void bridgeShutdown(ClientInit init) {
     }
 }
 
-}  // namespace bridge
+}  // namespace internal

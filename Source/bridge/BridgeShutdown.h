@@ -7,7 +7,7 @@
 #include "xpl/Xerr.h"
 
 // What the exports of the same names do.
-namespace bridge {
+namespace internal {
 
 // The preparation of a client, which never fails, and what a test puts in its place.
 using ClientInit = int (*)(IpcClient& client, const std::string& serverName);
@@ -19,6 +19,6 @@ using ClientInit = int (*)(IpcClient& client, const std::string& serverName);
 // Asks the manager and then the player of every known instance; failures are only logged.
 void bridgeShutdown(ClientInit init = ipcClientInit);
 
-}  // namespace bridge
+}  // namespace internal
 
 #endif

@@ -25,7 +25,7 @@ int failInit(IpcServerThread**, const std::string& name, IpcDecode) {
     return -9;
 }
 
-void initialise() { static_cast<void>(bridge::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
+void initialise() { static_cast<void>(internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
 
 // The lines that the bridge logged since, and the calls that the host got.
 void print(LogCapture& log) {
@@ -68,7 +68,7 @@ void sendOne() {
 
 SCENE(registersBeforeInit) {
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost(), failInit);
     decodeOne();
     print(log);
     return 0;
@@ -83,13 +83,13 @@ TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothi
 SCENE(failsToStart) {
     initialise();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost(), failInit);
     decodeOne();
     print(log);
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost(), failInit);
     decodeOne();
     print(log);
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     return 0;
 }
 
@@ -107,13 +107,13 @@ TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
 SCENE(registersTwice) {
     initialise();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks({});
+    internal::bridgeRegisterCallbacks({});
     waitUntilServed();
     sendOne();
     print(log);
-    bridge::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks(writingHost());
     sendOne();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     print(log);
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
     return 0;
@@ -133,14 +133,14 @@ TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
 
 SCENE(finishesWithoutServer) {
     LogCapture log;
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     initialise();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
-    bridge::bridgeRegisterCallbacks(writingHost());
+    std::printf("fini %d\n", internal::bridgeApiFini());
+    internal::bridgeRegisterCallbacks(writingHost());
     waitUntilServed();
     sendOne();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     for (const std::string& call : hostCalls) std::printf("%s\n", call.c_str());
     return 0;
 }
@@ -152,10 +152,10 @@ TEST(BridgeEventsTest, FinishingWithoutAServerDoesNothingAndOneCanStillStart) {
 
 SCENE(registersAfterFini) {
     initialise();
-    bridge::bridgeRegisterCallbacks({});
-    bridge::bridgeApiFini();
+    internal::bridgeRegisterCallbacks({});
+    internal::bridgeApiFini();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks(writingHost());
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
     decodeOne();
     print(log);
@@ -175,14 +175,14 @@ SCENE(finishesInACallback) {
     LogCapture log;
     BridgeCallbacks host{};
     host.onCreateInstanceCompleted = [](bridge_i32, const char*) {
-        hostCalls.push_back("fini " + std::to_string(bridge::bridgeApiFini()));
+        hostCalls.push_back("fini " + std::to_string(internal::bridgeApiFini()));
     };
-    bridge::bridgeRegisterCallbacks(host);
+    internal::bridgeRegisterCallbacks(host);
     waitUntilServed();
     sendOne();
     sendOne();
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
-    bridge::bridgeApiFini();
+    internal::bridgeApiFini();
     print(log);
     return 0;
 }

@@ -16,7 +16,7 @@
 
 namespace {
 
-XErr initialise(const char* client) { return bridge::bridgeApiInitEx(client, true, 0, "NUL"); }
+XErr initialise(const char* client) { return internal::bridgeApiInitEx(client, true, 0, "NUL"); }
 
 // The bridge's lines with where they come from.
 void print(const LogCapture& log) {
@@ -66,12 +66,12 @@ SCENE(keepsTheClientsText) {
     const LogCapture log;
     char first[] = "Helper";
     char second[] = "Installer";
-    if (bridge::clientId() != nullptr || initialise("other") != XERR_INVAL) return 1;
-    if (bridge::clientId() != nullptr) return 2;
-    if (initialise(first) != XERR_SUCCESS || bridge::clientId() != first) return 3;
-    if (initialise("helper") != XERR_INVAL || bridge::clientId() != first) return 4;
-    if (initialise("Launcher") != XERR_FAILURE || bridge::clientId() != first) return 5;
-    if (initialise(second) != XERR_SUCCESS || bridge::clientId() != second) return 6;
+    if (internal::clientId() != nullptr || initialise("other") != XERR_INVAL) return 1;
+    if (internal::clientId() != nullptr) return 2;
+    if (initialise(first) != XERR_SUCCESS || internal::clientId() != first) return 3;
+    if (initialise("helper") != XERR_INVAL || internal::clientId() != first) return 4;
+    if (initialise("Launcher") != XERR_FAILURE || internal::clientId() != first) return 5;
+    if (initialise(second) != XERR_SUCCESS || internal::clientId() != second) return 6;
     return 0;
 }
 

@@ -80,12 +80,12 @@ TEST_F(BridgeLogOffTest, NullTexts) {
 TEST_F(BridgeLogOffTest, AListingWithoutALock) {
     const TempFolder folder;
     AppcStore store(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\");
-    EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
+    EXPECT_EQ(internal::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
 }
 
 TEST_F(BridgeLogOffTest, ClientsThatCannotBePrepared) {
-    EXPECT_EQ(bridge::bridgePlrShutdown("Nougat64", true, failInit), -7);
-    bridge::bridgeShutdown(failInit);
+    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true, failInit), -7);
+    internal::bridgeShutdown(failInit);
 }
 
 // The initialisation puts the library's own logger in place: what comes before it is silent.
@@ -93,10 +93,10 @@ SCENE(initialisesInSilence) {
     RegistrySandbox registry;
     const TempFolder folder;
     const LogOff off;
-    if (bridge::bridgeApiInitEx("Nobody", true, 0, "NUL") != XERR_INVAL) return 1;
-    if (bridge::bridgeApiInitEx("Launcher", true, 0, "NUL") != -1) return 2;
+    if (internal::bridgeApiInitEx("Nobody", true, 0, "NUL") != XERR_INVAL) return 1;
+    if (internal::bridgeApiInitEx("Launcher", true, 0, "NUL") != -1) return 2;
     if (off.refused() != 2 || off.printed() != 0) return 3;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
+    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
     if (off.refused() != 3) return 4;
     return 0;
 }
@@ -107,13 +107,13 @@ TEST(BridgeLogOffSceneTest, ClientsThatAreRefused) {
 
 SCENE(registersInSilence) {
     RegistrySandbox registry;
-    if (bridge::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
+    if (internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
     const LogOff off;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
-    bridge::bridgeRegisterCallbacks({}, failToListen);
+    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
+    internal::bridgeRegisterCallbacks({}, failToListen);
     if (!decode(createInstanceCompletedPacket(0, "N")) || !hostCalls.empty()) return 2;
-    if (bridge::bridgeApiFini() != 0) return 3;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
+    if (internal::bridgeApiFini() != 0) return 3;
+    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
     if (!decode(createInstanceCompletedPacket(0, "N")) || hostCalls.size() != 1) return 4;
     return off.printed() == 0 ? 0 : 5;
 }

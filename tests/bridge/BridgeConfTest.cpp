@@ -1,5 +1,5 @@
-// The listing's fatal ends: what it looks at first says why.
-#include "bridge/BridgeInstances.h"
+// The listing's fatal ends, where what it looks at first says why, and the commit's own line.
+#include "bridge/BridgeConf.h"
 
 #include <gtest/gtest.h>
 
@@ -68,4 +68,19 @@ TEST(BridgeInstancesTest, AMemoryThatIsNoNumberEndsTheListing) {
     EXPECT_EQ(lastWords("Nougat64", "abc", "kept"),
               (Lines{"E CONF  confGetI32 error for vtr.instance.Nougat64.ram:abc",
                      "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+}
+
+TEST(BridgeCommitTest, TheLineNamesTheExportAndThePathBeforeTheStoresOwn) {
+    const TempFolder folder;
+    ASSERT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", "vtr.locale=\"a\"\n"), false),
+              0);
+    const LogCapture log;
+    const std::string path = folder / "copy.conf";
+    EXPECT_EQ(internal::bridgeConfCommitToFile(confStore(), path), 0);
+    EXPECT_TRUE(folder.has("copy.conf"));
+    ASSERT_FALSE(log.lines().empty());
+    const LogCapture::Line first = log.lines().front();
+    EXPECT_EQ(log.texts(XLOG_VERBOSE).front(), "I BRIDGE bridgeConfCommitToFile args: " + path);
+    EXPECT_EQ(first.function, "bridgeConfCommitToFile");
+    EXPECT_EQ(first.file, "Source/bridge/Bridge");
 }

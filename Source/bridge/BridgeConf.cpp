@@ -1,6 +1,7 @@
-// The instance listing.
-#include "bridge/BridgeInstances.h"
+// The instance listing, and the commit into a file of the host's choice.
+#include "bridge/BridgeConf.h"
 
+#include "bridge/BridgeEntry.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlJson.h"
@@ -56,4 +57,9 @@ std::string bridgeInstancesJson(ConfStore& store) {
         array.member("ram", instance.ram);
     }
     return array.take();
+}
+
+XErr internal::bridgeConfCommitToFile(ConfStore& store, const std::string& path) {
+    XLOG_I(kLog, "bridgeConfCommitToFile args: %s", path.c_str());
+    return confCommitToFile(store, path);
 }
