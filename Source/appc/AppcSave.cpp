@@ -2,7 +2,6 @@
 // machine-wide lock.
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
-#include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xsystem.h"
@@ -23,7 +22,7 @@ class TemporaryFile {
         : files_(files), path_(temporaryPath(path)) {}
     ~TemporaryFile() {
         if (!exists_) return;
-        xcatchAll(kLog, "appcSaveToFile", [this] { files_.remove(path_); });
+        xcatchAll(kAppcLog, "appcSaveToFile", [this] { files_.remove(path_); });
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -66,24 +65,24 @@ XErr appcSaveToFile(AppcStore& store) {
     const std::lock_guard<AppcLock> guard(store.lock);
     const std::string path = store.filePath();
     if (store.isUnread) {
-        XLOG_E(kLog, "AppCache file %s could not be read, not saving over it", path.c_str());
+        XLOG_E(kAppcLog, "AppCache file %s could not be read, not saving over it", path.c_str());
         return XERR_FAILURE;
     }
     const std::string text = appcFileText(store.apps);
     if (const XErr err = store.files.makeFolder(store.appcDir); err != XERR_SUCCESS) {
-        XLOG_E(kLog, "Failed to create dir %s, err: %s [%d]", store.appcDir.c_str(),
+        XLOG_E(kAppcLog, "Failed to create dir %s, err: %s [%d]", store.appcDir.c_str(),
                xerrName(err).c_str(), err);
         return err;
     }
     TemporaryFile temporary(store.files, path);
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {
-        XLOG_E(kLog, "Cannot open AppCache file %s for writing", path.c_str());
+        XLOG_E(kAppcLog, "Cannot open AppCache file %s for writing", path.c_str());
         return XERR_FAILURE;
     }
     if (written == AppcWrite::Done && replaceFile(store, path, temporary) == XERR_SUCCESS) {
         return XERR_SUCCESS;
     }
-    XLOG_E(kLog, "Error in writing to AppCache file %s failed", path.c_str());
+    XLOG_E(kAppcLog, "Error in writing to AppCache file %s failed", path.c_str());
     return XERR_FAILURE;
 }

@@ -7,7 +7,11 @@
 #include "appc/AppcApp.h"
 #include "appc/AppcFiles.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
+
+// Every file of this module logs as one.
+constexpr XlogModule kAppcLog{XlogTag::APPC, "Source/appc/Appc"};
 
 // Taken again by the thread that holds it: the operations that edit the cache save it while they
 // hold the lock, and the listing opens it.

@@ -11,8 +11,8 @@
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "support/WindowsForTests.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
 

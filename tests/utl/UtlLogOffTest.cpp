@@ -8,8 +8,8 @@
 #include "utl/UtlCopy.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/Xtext.h"
 
 namespace {

@@ -6,9 +6,8 @@
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
-#include "utl/UtlCrashHandler.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/Xtext.h"
 
 // The install folder is read once per process, so each case has a process of its own. It prints the

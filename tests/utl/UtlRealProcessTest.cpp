@@ -11,8 +11,7 @@
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "support/Wine.h"
-#include "utl/UtlCrashHandler.h"
-#include "utl/UtlTrim.h"
+#include "utl/UtlProcess.h"
 
 // Last: it needs <windows.h>.
 #include <psapi.h>

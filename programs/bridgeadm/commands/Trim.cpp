@@ -2,7 +2,7 @@
 #include "Session.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
-#include "utl/UtlTrim.h"
+#include "utl/UtlProcess.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// Trimming the memory of the product's processes.
-#include "utl/UtlTrim.h"
+// Trimming the memory of the product's processes, and registering its crash handler.
+#include "utl/UtlProcess.h"
 
 #include "utl/UtlFolders.h"
 #include "utl/UtlProcessCalls.h"
@@ -55,4 +55,11 @@ XErr utlTrimMemoryAllProcs() {
     }
     for (const std::uint32_t id : ids) trimIfOurs(id, installDir);
     return XERR_SUCCESS;
+}
+
+std::int32_t utlRegisterCrashHandler() {
+    std::wstring path;
+    // The folder came from UTF-16, so it goes back.
+    static_cast<void>(xtextToWide(utlGetInstallDir() + "QX-WerHandler.dll", path));
+    return utlProcessCalls().registerCrashModule(path);
 }

@@ -1,5 +1,7 @@
-#ifndef UTL_UTLTRIM_H
-#define UTL_UTLTRIM_H
+#ifndef UTL_UTLPROCESS_H
+#define UTL_UTLPROCESS_H
+
+#include <cstdint>
 
 #include "xpl/Xerr.h"
 
@@ -8,5 +10,11 @@
 // be opened are skipped. 0, or -1 after a log line when the processes cannot be listed. A missing
 // install folder is fatal (utlGetInstallDir).
 [[nodiscard]] XErr utlTrimMemoryAllProcs();
+
+// Registers the product's crash-reporting module, "QX-WerHandler.dll" of the install folder, with
+// Windows Error Reporting for this process. Windows looks for the module only when the process
+// crashes. The call's HRESULT: 0 when registered. A missing install folder is fatal
+// (utlGetInstallDir).
+std::int32_t utlRegisterCrashHandler();
 
 #endif
