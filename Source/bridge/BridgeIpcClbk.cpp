@@ -4,7 +4,7 @@
 #include "conf/Conf.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xlog.h"
-#include "xpl/Xsnapshot.h"
+#include "xpl/Xseqlock.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeIpcClbk"};
 // The sender's number for an image that is installed.
 constexpr bridge_i32 kImageInstalled = 2;
 
-Xsnapshot<BridgeCallbacks> callbacks;
+Xseqlock<BridgeCallbacks> callbacks;
 
 // The host hears of the event also when the configuration cannot be loaded; the load logs why.
 void reloadConfiguration(const char* self) {

@@ -1,5 +1,5 @@
-#ifndef XPL_XSNAPSHOT_H
-#define XPL_XSNAPSHOT_H
+#ifndef XPL_XSEQLOCK_H
+#define XPL_XSEQLOCK_H
 
 #include <array>
 #include <atomic>
@@ -11,11 +11,11 @@
 
 #include "xpl/Xmem.h"
 
-// A small value that some threads replace now and then and others copy all the time: a copy takes
-// no lock and is never half of one value and half of another. Replacing from inside a function that
-// works on a copy is fine.
+// A seqlock: a small value that some threads replace now and then and others copy all the time. A
+// copy takes no lock and is never half of one value and half of another. Replacing from inside a
+// function that works on a copy is fine.
 template <typename Value>
-class Xsnapshot {
+class Xseqlock {
     static_assert(std::is_trivially_copyable_v<Value>);
     static_assert(sizeof(Value) % sizeof(std::uintptr_t) == 0);
     static constexpr std::size_t kWords = sizeof(Value) / sizeof(std::uintptr_t);

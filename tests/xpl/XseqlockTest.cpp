@@ -1,4 +1,4 @@
-#include "xpl/Xsnapshot.h"
+#include "xpl/Xseqlock.h"
 
 #include <gtest/gtest.h>
 
@@ -30,22 +30,22 @@ bool areEqual(const Words& words) {
 
 }  // namespace
 
-TEST(XsnapshotTest, ItIsZeroBeforeItIsSet) {
-    const Xsnapshot<Words> snapshot;
-    EXPECT_EQ(snapshot.get().word[0], 0u);
-    EXPECT_TRUE(areEqual(snapshot.get()));
+TEST(XseqlockTest, ItIsZeroBeforeItIsSet) {
+    const Xseqlock<Words> seqlock;
+    EXPECT_EQ(seqlock.get().word[0], 0u);
+    EXPECT_TRUE(areEqual(seqlock.get()));
 }
 
-TEST(XsnapshotTest, TheLastValueIsRead) {
-    Xsnapshot<Words> snapshot;
-    snapshot.set(allOf(1));
-    snapshot.set(allOf(2));
-    EXPECT_EQ(snapshot.get().word[kWords - 1], 2u);
-    EXPECT_TRUE(areEqual(snapshot.get()));
+TEST(XseqlockTest, TheLastValueIsRead) {
+    Xseqlock<Words> seqlock;
+    seqlock.set(allOf(1));
+    seqlock.set(allOf(2));
+    EXPECT_EQ(seqlock.get().word[kWords - 1], 2u);
+    EXPECT_TRUE(areEqual(seqlock.get()));
 }
 
-TEST(XsnapshotTest, ReadersNeverSeeHalfOfTwoValues) {
-    Xsnapshot<Words> snapshot;
+TEST(XseqlockTest, ReadersNeverSeeHalfOfTwoValues) {
+    Xseqlock<Words> seqlock;
     std::atomic<bool> stop{false};
     std::atomic<std::uint64_t> mixed{0};
     std::atomic<std::uint64_t> backwards{0};
@@ -53,30 +53,30 @@ TEST(XsnapshotTest, ReadersNeverSeeHalfOfTwoValues) {
     for (int i = 0; i < 3; ++i) {
         readers.emplace_back([&] {
             for (std::uintptr_t last = 0; !stop;) {
-                const Words words = snapshot.get();
+                const Words words = seqlock.get();
                 if (!areEqual(words)) ++mixed;
                 if (words.word[0] < last) ++backwards;
                 last = words.word[0];
             }
         });
     }
-    for (std::uintptr_t i = 1; i <= 40'000; ++i) snapshot.set(allOf(i));
+    for (std::uintptr_t i = 1; i <= 40'000; ++i) seqlock.set(allOf(i));
     stop = true;
     for (std::thread& reader : readers) reader.join();
     EXPECT_EQ(mixed, 0u);
     EXPECT_EQ(backwards, 0u);
 }
 
-TEST(XsnapshotTest, SeveralWritersLeaveOneWholeValue) {
-    Xsnapshot<Words> snapshot;
+TEST(XseqlockTest, SeveralWritersLeaveOneWholeValue) {
+    Xseqlock<Words> seqlock;
     std::vector<std::thread> writers;
     for (std::uintptr_t id = 1; id <= 4; ++id) {
-        writers.emplace_back([&snapshot, id] {
-            for (int i = 0; i < 5'000; ++i) snapshot.set(allOf(id));
+        writers.emplace_back([&seqlock, id] {
+            for (int i = 0; i < 5'000; ++i) seqlock.set(allOf(id));
         });
     }
     for (std::thread& writer : writers) writer.join();
-    const Words last = snapshot.get();
+    const Words last = seqlock.get();
     EXPECT_TRUE(areEqual(last));
     EXPECT_TRUE(last.word[0] >= 1 && last.word[0] <= 4);
 }
