@@ -22,7 +22,7 @@ bool canBeFolder(const std::string& path) {
 class DiskFiles final : public AppcFiles {
  public:
     std::int32_t read(const std::string& path, std::string& content) override {
-        const XfileReadErrors errors = xfileReadPatiently(path, content);
+        const XfileReadErrors errors = xfileReadWithRetry(path, content);
         if (errors.open != 0) return errors.open;
         // What is missing for another reason shows when the content is parsed.
         return xerrIsHeld(xerrFromWindows(errors.bytes)) ? errors.bytes : 0;
@@ -49,7 +49,7 @@ class DiskFiles final : public AppcFiles {
     XErr move(const std::string& source, const std::string& destination) override {
         if (!isWhole(source) || !isWhole(destination)) return XERR_INVAL;
         if (canBeFolder(source)) return XERR_ACCES;
-        return xfileMovePatiently(source, destination);
+        return xfileMoveWithRetry(source, destination);
     }
 
     void remove(const std::string& path) override {

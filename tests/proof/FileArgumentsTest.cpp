@@ -77,7 +77,7 @@ TEST_F(InheritanceArguments, AFlushIsPrivate) {
 TEST_F(InheritanceArguments, TheFlushOfAMoveIsPrivate) {
     folder.write("f", "x");
     EXPECT_EQ(xfileMove(folder / "f", folder / "g"), 0);
-    EXPECT_EQ(xfileMovePatiently(folder / "g", folder / "h"), 0);
+    EXPECT_EQ(xfileMoveWithRetry(folder / "g", folder / "h"), 0);
     EXPECT_EQ(opens, (Lines{"private f", "private g"}));
 }
 
@@ -192,7 +192,7 @@ class PathArguments : public ::testing::Test {
         EXPECT_EQ(xfileSizeOfPath(path, size), 0);
         EXPECT_EQ(xfileFlush(path), 0);
         EXPECT_EQ(xfileMove(path, folder / "m"), 0);
-        EXPECT_EQ(xfileMovePatiently(folder / "m", path), 0);
+        EXPECT_EQ(xfileMoveWithRetry(folder / "m", path), 0);
         EXPECT_EQ(xfileDelete(path), 0);
         EXPECT_EQ(xfileCreateFolder(path), 0);
         EXPECT_EQ(xfileRemoveFolder(path), 0);

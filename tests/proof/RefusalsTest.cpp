@@ -300,7 +300,7 @@ TEST_F(FileRefusals, AFileBrieflyHeldIsWaitedForWithPatience) {
     for (const DWORD error : kHeld) {
         calls = 0;
         moveError = error;
-        EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 0) << error;
+        EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), 0) << error;
         EXPECT_EQ(calls, 3) << error;
     }
 }
@@ -309,7 +309,7 @@ TEST_F(FileRefusals, AFileHeldForLongIsTheStatusAfterTenRetries) {
     const OddMove held("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
     moveError = ERROR_LOCK_VIOLATION;
-    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 100033);
+    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), 100033);
     EXPECT_EQ(calls, 11);
 }
 
@@ -317,7 +317,7 @@ TEST_F(FileRefusals, OtherErrorsAreNotWaitedFor) {
     const OddMove refused("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
     moveError = ERROR_DISK_FULL;
-    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), XERR_NOSPC);
+    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), XERR_NOSPC);
     EXPECT_EQ(calls, 1);
 }
 
