@@ -4,7 +4,7 @@
 #include "support/HeldFile.h"
 #include "support/Platform.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -237,7 +237,7 @@ TEST_F(AppcLoadTest, AFolderInPlaceOfTheFileStays) {
 }
 
 // Keeps a file open that nobody else may open.
-SCENE(holdsFile) {
+SUBPROCESS(holdsFile) {
     const HeldFile held(arguments[0]);
     std::puts(held.isHeld() ? "held" : "failed");
     std::fflush(stdout);
@@ -249,7 +249,7 @@ TEST_F(AppcLoadTest, AFileThatAnotherProcessHoldsForItselfStaysAndTheCacheIsEmpt
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(kTwoApps), 0);
     {
-        ChildProcess holder = startScene("holdsFile", {file()});
+        ChildProcess holder = startSubprocess("holdsFile", {file()});
         ASSERT_EQ(holder.readLine(), "held");
         EXPECT_EQ(appcLoadFromFile(store), 0);
     }
@@ -425,7 +425,7 @@ TEST_F(AppcLoadTest, EveryOutcomeReleasesTheMachineWideLock) {
     }
 }
 
-SCENE(printsTheProcesssStore) {
+SUBPROCESS(printsTheProcesssStore) {
     LogCapture quiet;
     RegistrySandbox registry;
     registry.set("UserDefinedDir", "D:\\Data");
@@ -436,7 +436,7 @@ SCENE(printsTheProcesssStore) {
 }
 
 TEST(AppcStoreTest, TheProcesssStoreLivesInTheProductsFolders) {
-    const ChildResult result = runScene("printsTheProcesssStore");
+    const ChildResult result = runSubprocess("printsTheProcesssStore");
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(logMessages(result.out),
               (Lines{"D:\\Data\\", "D:\\Data\\/Engine/UserData/SharedFolder/",

@@ -12,7 +12,7 @@
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace fs = std::filesystem;
@@ -220,7 +220,7 @@ TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
 }
 
 // The listing beside everything that edits a cache, on threads.
-SCENE(listsBesideEdits) {
+SUBPROCESS(listsBesideEdits) {
     LogCapture log;
     Cache store(arguments[0]);
     if (appcLibInit(store, "Nougat32") != 0) return 1;
@@ -242,5 +242,5 @@ SCENE(listsBesideEdits) {
 TEST_F(BridgeAppsTest, AListingAndEditsNeverWaitForEachOtherForEver) {
     write("Nougat32", oneApp("com.a"));
     write("Other", oneApp("com.b"));
-    EXPECT_EQ(runScene("listsBesideEdits", {data.path()}).status, 0u);
+    EXPECT_EQ(runSubprocess("listsBesideEdits", {data.path()}).status, 0u);
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "xpl/Xpl.h"
 
@@ -19,7 +19,7 @@ using Lines = std::vector<std::string>;
 
 // Lists a file whose one instance is removed, but listed again since the file has been read since.
 // Every line goes to standard output. Arguments: the instance, its memory, "removed" or "kept".
-SCENE(listsInstance) {
+SUBPROCESS(listsInstance) {
     const std::string& name = arguments.at(0);
     const TempFolder folder;
     const std::string prefix = "vtr.instance." + name + ".";
@@ -38,7 +38,7 @@ namespace {
 
 // The error lines of a listing that ends its process; of the last one, all but the place's number.
 Lines lastWords(const std::string& instance, const std::string& ram, const std::string& removed) {
-    const ChildResult result = runScene("listsInstance", {instance, ram, removed});
+    const ChildResult result = runSubprocess("listsInstance", {instance, ram, removed});
     EXPECT_EQ(result.status, kFatalStatus) << result.out;
     Lines errors;
     for (const std::string& line : logMessages(result.out)) {

@@ -12,7 +12,7 @@
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/OddPackets.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -341,7 +341,7 @@ TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
 }
 
 // Slot 3 set and slot 4 null: the call would jump to no function.
-SCENE(callsSlot4OfNull) {
+SUBPROCESS(callsSlot4OfNull) {
     BridgeCallbacks host{};
     host.onApkInstallCompleted = [](const char*, bridge_i32, const char*) {};
     bridgeSetCallbacks(host);
@@ -355,7 +355,7 @@ SCENE(callsSlot4OfNull) {
 
 TEST(BridgeDecFatalTest, Slot3WithoutSlot4EndsTheProcessAtAListUpdate) {
     for (const char* event : {"list", "progress"}) {
-        const ChildResult result = runScene("callsSlot4OfNull", {event});
+        const ChildResult result = runSubprocess("callsSlot4OfNull", {event});
         EXPECT_EQ(result.status, kFatalStatus) << event;
         EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/bridge/BridgeIpcClbk:"),
                   std::string::npos)

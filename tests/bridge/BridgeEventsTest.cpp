@@ -14,7 +14,7 @@
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -44,8 +44,8 @@ void decodeOne() {
                  static_cast<std::int32_t>(packet.size()), nullptr, 0);
 }
 
-std::string outputOf(const std::string& scene) {
-    const ChildResult result = runScene(scene);
+std::string outputOf(const std::string& subprocess) {
+    const ChildResult result = runSubprocess(subprocess);
     EXPECT_EQ(result.status, 0u) << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -66,7 +66,7 @@ void sendOne() {
 
 }  // namespace
 
-SCENE(registersBeforeInit) {
+SUBPROCESS(registersBeforeInit) {
     LogCapture log;
     internal::bridgeRegisterCallbacks(writingHost(), failInit);
     decodeOne();
@@ -80,7 +80,7 @@ TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothi
               "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n");
 }
 
-SCENE(failsToStart) {
+SUBPROCESS(failsToStart) {
     initialise();
     LogCapture log;
     internal::bridgeRegisterCallbacks(writingHost(), failInit);
@@ -104,7 +104,7 @@ TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
               "fini 0\n");
 }
 
-SCENE(registersTwice) {
+SUBPROCESS(registersTwice) {
     initialise();
     LogCapture log;
     internal::bridgeRegisterCallbacks({});
@@ -131,7 +131,7 @@ TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
               "served 0\n");
 }
 
-SCENE(finishesWithoutServer) {
+SUBPROCESS(finishesWithoutServer) {
     LogCapture log;
     std::printf("fini %d\n", internal::bridgeApiFini());
     initialise();
@@ -150,7 +150,7 @@ TEST(BridgeEventsTest, FinishingWithoutAServerDoesNothingAndOneCanStillStart) {
               "fini 0\nfini 0\nfini 0\nfini 0\nonCreateInstanceCompleted(7|N)\n");
 }
 
-SCENE(registersAfterFini) {
+SUBPROCESS(registersAfterFini) {
     initialise();
     internal::bridgeRegisterCallbacks({});
     internal::bridgeApiFini();
@@ -170,7 +170,7 @@ TEST(BridgeEventsTest, AfterTheEndCallbacksAreSetButNoServerComesBack) {
               "onCreateInstanceCompleted(0|N)\n");
 }
 
-SCENE(finishesInACallback) {
+SUBPROCESS(finishesInACallback) {
     initialise();
     LogCapture log;
     BridgeCallbacks host{};

@@ -12,7 +12,7 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -26,8 +26,8 @@ void print(const LogCapture& log) {
     }
 }
 
-std::string outputOf(const std::string& scene) {
-    const ChildResult result = runScene(scene);
+std::string outputOf(const std::string& subprocess) {
+    const ChildResult result = runSubprocess(subprocess);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -36,7 +36,7 @@ std::string outputOf(const std::string& scene) {
 
 }  // namespace
 
-SCENE(initialisesThreeWays) {
+SUBPROCESS(initialisesThreeWays) {
     RegistrySandbox registry;
     registry.set("Version", "1.0");
     const LogCapture log;
@@ -60,7 +60,7 @@ TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
                   "Configuration loaded successfully...\n");
 }
 
-SCENE(keepsTheClientsText) {
+SUBPROCESS(keepsTheClientsText) {
     RegistrySandbox registry;
     registry.set("Version", "1.0");
     const LogCapture log;
@@ -79,7 +79,7 @@ TEST(BridgeInitTest, TheHostsOwnTextIsKeptFromTheLastInitialisationThatWasNotRef
     EXPECT_EQ(outputOf("keepsTheClientsText"), "");
 }
 
-SCENE(cannotMakeTheLock) {
+SUBPROCESS(cannotMakeTheLock) {
     RegistrySandbox registry;
     confStore().fileLockName = "a\\b";  // in no folder of the system's
     const LogCapture log;

@@ -13,7 +13,7 @@
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -89,7 +89,7 @@ TEST_F(BridgeLogOffTest, ClientsThatCannotBePrepared) {
 }
 
 // The initialisation puts the library's own logger in place: what comes before it is silent.
-SCENE(initialisesInSilence) {
+SUBPROCESS(initialisesInSilence) {
     RegistrySandbox registry;
     const TempFolder folder;
     const LogOff off;
@@ -101,11 +101,11 @@ SCENE(initialisesInSilence) {
     return 0;
 }
 
-TEST(BridgeLogOffSceneTest, ClientsThatAreRefused) {
-    EXPECT_EQ(runScene("initialisesInSilence").status, 0u);
+TEST(BridgeLogOffSubprocessTest, ClientsThatAreRefused) {
+    EXPECT_EQ(runSubprocess("initialisesInSilence").status, 0u);
 }
 
-SCENE(registersInSilence) {
+SUBPROCESS(registersInSilence) {
     RegistrySandbox registry;
     if (internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
     const LogOff off;
@@ -118,6 +118,6 @@ SCENE(registersInSilence) {
     return off.printed() == 0 ? 0 : 5;
 }
 
-TEST(BridgeLogOffSceneTest, AServerThatCannotBeStarted) {
-    EXPECT_EQ(runScene("registersInSilence").status, 0u);
+TEST(BridgeLogOffSubprocessTest, AServerThatCannotBeStarted) {
+    EXPECT_EQ(runSubprocess("registersInSilence").status, 0u);
 }

@@ -10,7 +10,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlCopy.h"
@@ -94,7 +94,7 @@ TEST_F(InheritanceArguments, EveryFileOfACommitIsPrivate) {
 }
 
 // In a process of its own, whose log it is.
-SCENE(opensTheLog) {
+SUBPROCESS(opensTheLog) {
     const ReplacedImport<decltype(::CreateFileW)> seen("CreateFileW", seeOpen);
     if (xlogSetFile(arguments[0]) != 0) return 1;
     for (const std::string& line : opens) std::printf("%s\n", line.c_str());
@@ -102,7 +102,7 @@ SCENE(opensTheLog) {
 }
 
 TEST_F(InheritanceArguments, TheLogIsInherited) {
-    const ChildResult result = runScene("opensTheLog", {folder / "Player.log"});
+    const ChildResult result = runSubprocess("opensTheLog", {folder / "Player.log"});
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(result.out, "inherited Player.log\r\n");
 }

@@ -17,7 +17,7 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlProcessCalls.h"
@@ -293,7 +293,7 @@ TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
     EXPECT_STREQ(bytes, "xxxx");
 }
 
-TEST_F(FileRefusals, AFileBrieflyHeldIsWaitedForWithPatience) {
+TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
     constexpr DWORD kHeld[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION};
@@ -321,7 +321,7 @@ TEST_F(FileRefusals, OtherErrorsAreNotWaitedFor) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutPatience) {
+TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutRetry) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
     moveError = ERROR_SHARING_VIOLATION;
@@ -371,7 +371,7 @@ TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsAskedForAgain) {
 
 // The log.
 
-SCENE(logsToAFullDisk) {
+SUBPROCESS(logsToAFullDisk) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     constexpr XlogModule module{XlogTag::CONF, "f"};
     {
@@ -383,7 +383,7 @@ SCENE(logsToAFullDisk) {
 }
 
 TEST_F(FileRefusals, ALogLineThatCannotBeWrittenIsLostAndTheNextOneIsNot) {
-    EXPECT_EQ(runScene("logsToAFullDisk", {folder / "log"}).status, 0u);
+    EXPECT_EQ(runSubprocess("logsToAFullDisk", {folder / "log"}).status, 0u);
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF  written"});
 }
 
@@ -405,7 +405,7 @@ BOOL WINAPI writeSlowly(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
 
 }  // namespace
 
-SCENE(changesTheLogWhileALineIsWritten) {
+SUBPROCESS(changesTheLogWhileALineIsWritten) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     constexpr XlogModule module{XlogTag::CONF, "f"};
     writeBegins = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -428,9 +428,9 @@ SCENE(changesTheLogWhileALineIsWritten) {
 }
 
 TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndKeepsNobodyWaiting) {
-    EXPECT_EQ(
-        runScene("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"}).status,
-        0u);
+    EXPECT_EQ(runSubprocess("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"})
+                  .status,
+              0u);
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF before slow"});
     EXPECT_EQ(logMessages(folder.read("second")),
               (Lines{"E CONF after quick", "E CONF last done"}));
@@ -713,7 +713,7 @@ bool rememberBeside(std::size_t number, std::size_t intruder, int instruction) {
 }  // namespace
 
 // In a process of its own: everything that it keeps is released.
-SCENE(remembersBesideOthers) {
+SUBPROCESS(remembersBesideOthers) {
     void* const watch = ::AddVectoredExceptionHandler(/*First=*/1, singleStep);
     std::size_t count = 0;
     int instruction = 1;
@@ -733,5 +733,5 @@ SCENE(remembersBesideOthers) {
 }
 
 TEST(ModuleRefusals, WhatSeveralKeepAtTheSameMomentIsReleasedOnce) {
-    EXPECT_EQ(runScene("remembersBesideOthers").status, 0u);
+    EXPECT_EQ(runSubprocess("remembersBesideOthers").status, 0u);
 }

@@ -386,7 +386,7 @@ TEST_F(XfileTest, APlainMoveDoesNotWaitForAHeldDestination) {
     EXPECT_EQ(folder.read("from"), "new");
 }
 
-TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
+TEST_F(XfileTest, AMoveWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
@@ -400,7 +400,7 @@ TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
     EXPECT_EQ(folder.read("to"), "new");
 }
 
-TEST_F(XfileTest, APatientMoveGivesUpOnALongHold) {
+TEST_F(XfileTest, AMoveWithRetryGivesUpOnALongHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
@@ -491,7 +491,7 @@ TEST_F(XfileTest, TheWindowsErrorOfAFailureIsKept) {
     EXPECT_EQ(file.windowsError(), 131);
 }
 
-TEST_F(XfileTest, APatientReadReadsTheWholeFile) {
+TEST_F(XfileTest, AReadWithRetryReadsTheWholeFile) {
     folder.write("empty", "");
     folder.write("f", std::string("a\0b\n", 4));
     std::string content = "before";
@@ -505,7 +505,7 @@ TEST_F(XfileTest, APatientReadReadsTheWholeFile) {
     EXPECT_EQ(content, "");
 }
 
-TEST_F(XfileTest, APatientReadOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
+TEST_F(XfileTest, AReadWithRetryOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
     const std::pair<std::string, int> cases[] = {
         {folder / "missing", 2}, {folder.path(), 5}, {folder / "\xFF", 1113}};
     for (const auto& [path, error] : cases) {
@@ -517,7 +517,7 @@ TEST_F(XfileTest, APatientReadOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
     }
 }
 
-TEST_F(XfileTest, APatientReadOutlastsAShortHold) {
+TEST_F(XfileTest, AReadWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "content");
     HeldFile held(folder / "f");
@@ -531,7 +531,7 @@ TEST_F(XfileTest, APatientReadOutlastsAShortHold) {
     EXPECT_EQ(content, "content");
 }
 
-TEST_F(XfileTest, APatientReadGivesUpOnALongHold) {
+TEST_F(XfileTest, AReadWithRetryGivesUpOnALongHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "content");
     HeldFile held(folder / "f");

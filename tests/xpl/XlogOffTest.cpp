@@ -8,7 +8,7 @@
 
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xfile.h"
@@ -29,8 +29,8 @@ class XlogOffTest : public ::testing::Test {
 };
 
 // Ends with a fatal break, and says nothing.
-void expectSilentBreak(const std::string& scene, const SceneArguments& arguments = {}) {
-    const ChildResult result = runScene(scene, arguments);
+void expectSilentBreak(const std::string& subprocess, const SubprocessArguments& arguments = {}) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
 }
@@ -87,7 +87,7 @@ TEST_F(XlogOffTest, AWaitForNoProcess) {
     expectSilence(2);
 }
 
-SCENE(locksUninitialisedInSilence) {
+SUBPROCESS(locksUninitialisedInSilence) {
     const LogOff silence;
     XmutexNamed mutex;
     mutex.lock();
@@ -99,7 +99,7 @@ TEST_F(XlogOffTest, ALockThatFailsIsStillFatal) {
     expectSilentBreak("locksUninitialisedInSilence");
 }
 
-SCENE(unlocksUnownedInSilence) {
+SUBPROCESS(unlocksUnownedInSilence) {
     const LogOff silence;
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;

@@ -5,7 +5,7 @@
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "support/Wine.h"
@@ -68,7 +68,7 @@ Failure FakeCalls::runAsResult;
 
 }  // namespace
 
-SCENE(writesItsCommandLine) {
+SUBPROCESS(writesItsCommandLine) {
     std::string line = xtextToUtf8(::GetCommandLineW());
     writeBytes(arguments[0], line);
     return 7;
@@ -82,15 +82,15 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
         XprocHandle child = nullptr;
         std::string slashed = file;
         for (char& c : slashed) c = c == '\\' ? '/' : c;
-        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "writesItsCommandLine", slashed,
+        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsCommandLine", slashed,
                                        hard.argument}),
                   0);
         std::uint32_t status = 0;
         EXPECT_EQ(xprocWait(child, &status), 0);
         EXPECT_EQ(status, 7u) << hard.name;
         EXPECT_EQ(folder.read(hard.name), xprocQuote(ownPath()) +
-                                              R"( "--scene" "writesItsCommandLine" ")" + slashed +
-                                              "\" " + hard.quoted);
+                                              R"( "--subprocess" "writesItsCommandLine" ")" +
+                                              slashed + "\" " + hard.quoted);
     }
 }
 
@@ -100,7 +100,7 @@ constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
 
 }  // namespace
 
-SCENE(writesItsVariable) {
+SUBPROCESS(writesItsVariable) {
     wchar_t value[64] = L"";
     ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
     writeBytes(arguments[0], xtextToUtf8(value));
@@ -108,11 +108,11 @@ SCENE(writesItsVariable) {
 }
 
 // In a process of its own, whose locale may change.
-SCENE(setsVariableBeyondAscii) {
+SUBPROCESS(setsVariableBeyondAscii) {
     xsystemUseUtf8();
     XprocHandle child = nullptr;
     if (xprocSetEnvironment("BRIDGE_TEST", kBeyondAscii) != 0) return 1;
-    if (xprocCreate(&child, {ownPath(), "--scene", "writesItsVariable", arguments[0]}) != 0)
+    if (xprocCreate(&child, {ownPath(), "--subprocess", "writesItsVariable", arguments[0]}) != 0)
         return 2;
     return xprocWait(child, nullptr);
 }
@@ -124,7 +124,7 @@ TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
     const TempFolder folder;
     std::string file = folder / "value";
     for (char& c : file) c = c == '\\' ? '/' : c;
-    EXPECT_EQ(runScene("setsVariableBeyondAscii", {file}).status, 0u);
+    EXPECT_EQ(runSubprocess("setsVariableBeyondAscii", {file}).status, 0u);
     EXPECT_EQ(folder.read("value"), kBeyondAscii);
 }
 
@@ -197,8 +197,8 @@ TEST(Xproc, AnElevatedStartReachesTheProgram) {
     std::string file = folder / "line";
     for (char& c : file) c = c == '\\' ? '/' : c;
     const LogCapture log;
-    const XErr err =
-        xprocCreate_elevated_basic(nullptr, {ownPath(), "--scene", "writesItsCommandLine", file});
+    const XErr err = xprocCreate_elevated_basic(
+        nullptr, {ownPath(), "--subprocess", "writesItsCommandLine", file});
     ASSERT_EQ(err, 0) << "the shell answers for a program that exists";
     for (int i = 0; i < 100 && !folder.has("line"); ++i) ::Sleep(50);
     EXPECT_TRUE(folder.has("line"));
@@ -223,7 +223,7 @@ bool isOpen(HANDLE handle) {
 
 TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
     EXPECT_TRUE(isOpen(child));
     EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_FALSE(isOpen(child));
@@ -231,7 +231,7 @@ TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
 
 TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
     const HANDLE cannotWait = otherHandle(child, PROCESS_QUERY_INFORMATION);
     {
         const LogCapture log;
@@ -245,7 +245,7 @@ TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
 
 TEST(Xproc, KillingAnEndedProcessAnswersZero) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "sleepsLong"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong"}), 0);
     const HANDLE again = otherHandle(child, PROCESS_ALL_ACCESS);
     xprocKill(child, 1);
     EXPECT_EQ(xprocWait(child, nullptr), 0);
