@@ -11,7 +11,7 @@
 #include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
-#include "support/OddPackets.h"
+#include "support/MalformedPackets.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
@@ -205,20 +205,20 @@ TEST_F(BridgeDecTest, AHostWithoutFunctionsOnlyLogs) {
     bridgeSetCallbacks({});
     for (std::uint32_t opcode = 3000; opcode <= 3008; ++opcode) {
         log.clear();
-        EXPECT_TRUE(decode(evenPacket(opcode)));
+        EXPECT_TRUE(decode(validPacket(opcode)));
         EXPECT_EQ(bridgeLines().size(), 3u);
     }
     EXPECT_EQ(hostCalls, Lines{});
 }
 
-TEST_F(BridgeDecTest, EachOddPacketIsReadAsACarefulReaderDoes) {
+TEST_F(BridgeDecTest, EachMalformedPacketIsReadAsTheReferenceDoes) {
     const std::string good = appDisplayedPacket("good", "one");
-    const Lines packets = oddPackets();
+    const Lines packets = malformedPackets();
     EXPECT_GE(packets.size(), 300u);
     for (const std::string& packet : packets) {
         hostCalls.clear();
         log.clear();
-        const Reading expected = readCarefully(packet);
+        const Reading expected = referenceReading(packet);
         ASSERT_EQ(decode(packet), expected.error.empty());
         ASSERT_EQ(hostCalls, expected.calls);
         if (expected.error.empty()) {
@@ -257,7 +257,7 @@ TEST_F(BridgeDecTest, TheConfigurationIsLoadedAgainBeforeTheHostIsCalled) {
 TEST_F(BridgeDecTest, TheOtherEventsDoNotLoadTheConfiguration) {
     folder.write("vantrel.conf", "not a configuration\n");
     for (const std::uint32_t opcode : {3000u, 3001u, 3002u, 3004u, 3005u, 3007u, 3008u}) {
-        EXPECT_TRUE(decode(evenPacket(opcode)));
+        EXPECT_TRUE(decode(validPacket(opcode)));
     }
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
     EXPECT_EQ(hostCalls.size(), 7u);
@@ -331,7 +331,7 @@ TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
     std::string reply = before;
     for (std::uint32_t opcode = 2999; opcode <= 3009; ++opcode) {
         const bool isEvent = opcode >= 3000 && opcode <= 3008;
-        const std::string packet = isEvent ? evenPacket(opcode) : packetOf(opcode, "", 0);
+        const std::string packet = isEvent ? validPacket(opcode) : packetOf(opcode, "", 0);
         EXPECT_EQ(bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
                                static_cast<std::int32_t>(packet.size()), reply.data(),
                                static_cast<std::int32_t>(reply.size())),

@@ -1,4 +1,4 @@
-#include "support/OddPackets.h"
+#include "support/MalformedPackets.h"
 
 #include <cstring>
 #include <optional>
@@ -67,7 +67,7 @@ std::optional<std::string> take(const std::string& packet, char type, std::size_
 }
 
 void addCounts(std::vector<std::string>& all, std::uint32_t opcode) {
-    const std::string good = evenPacket(opcode);
+    const std::string good = validPacket(opcode);
     std::size_t at = 12;
     for (const char type : kEventFields[opcode - kFirstOpcode]) {
         const std::size_t start = at;
@@ -89,7 +89,7 @@ void addCounts(std::vector<std::string>& all, std::uint32_t opcode) {
 }
 
 void addLengths(std::vector<std::string>& all, std::uint32_t opcode) {
-    const std::string good = evenPacket(opcode);
+    const std::string good = validPacket(opcode);
     for (std::size_t length = 12; length < good.size(); ++length) {
         std::string packet = good.substr(0, length);
         all.push_back(packet.replace(4, 4, bytesOf(static_cast<std::uint32_t>(length))));
@@ -100,7 +100,7 @@ void addLengths(std::vector<std::string>& all, std::uint32_t opcode) {
 
 }  // namespace
 
-std::string evenPacket(std::uint32_t opcode) {
+std::string validPacket(std::uint32_t opcode) {
     std::string payload;
     for (const char type : kEventFields[opcode - kFirstOpcode]) {
         payload += fieldOf(type, payload.size());
@@ -108,7 +108,7 @@ std::string evenPacket(std::uint32_t opcode) {
     return packetOf(opcode, payload);
 }
 
-std::vector<std::string> oddPackets() {
+std::vector<std::string> malformedPackets() {
     std::vector<std::string> all;
     for (std::uint32_t opcode = kFirstOpcode; opcode < kFirstOpcode + kEventFields.size();
          ++opcode) {
@@ -121,13 +121,13 @@ std::vector<std::string> oddPackets() {
         all.push_back(packetOf(opcode, textField("text") + textField("more")));
     }
     for (std::size_t length = 0; length < 12; ++length) {
-        all.push_back(evenPacket(3003).substr(0, length));
-        all.push_back(evenPacket(3007).substr(0, length));
+        all.push_back(validPacket(3003).substr(0, length));
+        all.push_back(validPacket(3007).substr(0, length));
     }
     return all;
 }
 
-Reading readCarefully(const std::string& packet) {
+Reading referenceReading(const std::string& packet) {
     const std::string length = std::to_string(packet.size());
     if (packet.size() < 8) return {{}, "E BRIDGE bridgeDecode: invalid bufferLen: " + length};
     const std::int32_t opcode = *numberAt<std::int32_t>(packet, 0);
