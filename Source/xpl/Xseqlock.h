@@ -5,11 +5,10 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <mutex>
 #include <thread>
 #include <type_traits>
-
-#include "xpl/Xmem.h"
 
 // A seqlock: a small value that some threads replace now and then and others copy all the time. A
 // copy takes no lock and is never half of one value and half of another. Replacing from inside a
@@ -23,7 +22,7 @@ class Xseqlock {
  public:
     void set(const Value& value) {
         std::array<std::uintptr_t, kWords> words;
-        xmemCopy(words.data(), &value, sizeof value);
+        std::memcpy(words.data(), &value, sizeof value);
         const std::lock_guard<std::mutex> guard(writers_);
         const std::uint32_t before = version_.load(std::memory_order_relaxed);
         version_.store(before + 1, std::memory_order_relaxed);  // odd: being replaced
@@ -38,7 +37,7 @@ class Xseqlock {
         std::array<std::uintptr_t, kWords> words;
         while (!copyTo(words)) std::this_thread::yield();
         Value value;
-        xmemCopy(&value, words.data(), sizeof value);
+        std::memcpy(&value, words.data(), sizeof value);
         return value;
     }
 
