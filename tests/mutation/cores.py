@@ -61,6 +61,7 @@ NOT_ASKED = {
     "*.ChildrenThatStartMeanwhileNeverBlock*": "inheritance of files",
     "AppcSaveTest.TwoProcessesThat*": "processes that compete for a file",
     "XplTest.*": "rotation of the log",
+    "XrcuTest.*": "threads that compete for a value",
     "XseqlockTest.*": "threads that compete for a value",
     "*.*WaitForEachOther*": "locks",
 }
