@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "HostCalls.h"
+#include "ReplacedIpcCalls.h"
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeInit.h"
 #include "ipc/IpcName.h"
@@ -67,8 +68,9 @@ void sendOne() {
 }  // namespace
 
 SUBPROCESS(registersBeforeInit) {
+    const ReplacedIpcCalls failing(failInit);
     LogCapture log;
-    internal::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
     return 0;
@@ -81,12 +83,13 @@ TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothi
 }
 
 SUBPROCESS(failsToStart) {
+    const ReplacedIpcCalls failing(failInit);
     initialise();
     LogCapture log;
-    internal::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
-    internal::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
     std::printf("fini %d\n", internal::bridgeApiFini());

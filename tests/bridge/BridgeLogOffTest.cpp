@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "HostCalls.h"
+#include "ReplacedIpcCalls.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeApps.h"
 #include "bridge/BridgeDec.h"
@@ -84,8 +85,9 @@ TEST_F(BridgeLogOffTest, AListingWithoutALock) {
 }
 
 TEST_F(BridgeLogOffTest, ClientsThatCannotBePrepared) {
-    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true, failInit), -7);
-    internal::bridgeShutdown(failInit);
+    const ReplacedIpcCalls failing(failInit);
+    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true), -7);
+    internal::bridgeShutdown();
 }
 
 // The initialisation puts the library's own logger in place: what comes before it is silent.
@@ -96,7 +98,8 @@ SUBPROCESS(initialisesInSilence) {
     if (internal::bridgeApiInitEx("Nobody", true, 0, "NUL") != XERR_INVAL) return 1;
     if (internal::bridgeApiInitEx("Launcher", true, 0, "NUL") != -1) return 2;
     if (off.refused() != 2 || off.printed() != 0) return 3;
-    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
+    const ReplacedIpcCalls failing(failToListen);
+    internal::bridgeRegisterCallbacks(writingHost());
     if (off.refused() != 3) return 4;
     return 0;
 }
@@ -109,11 +112,12 @@ SUBPROCESS(registersInSilence) {
     RegistrySandbox registry;
     if (internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
     const LogOff off;
-    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
-    internal::bridgeRegisterCallbacks({}, failToListen);
+    const ReplacedIpcCalls failing(failToListen);
+    internal::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks({});
     if (!decode(createInstanceCompletedPacket(0, "N")) || !hostCalls.empty()) return 2;
     if (internal::bridgeApiFini() != 0) return 3;
-    internal::bridgeRegisterCallbacks(writingHost(), failToListen);
+    internal::bridgeRegisterCallbacks(writingHost());
     if (!decode(createInstanceCompletedPacket(0, "N")) || hostCalls.size() != 1) return 4;
     return off.printed() == 0 ? 0 : 5;
 }
