@@ -11,7 +11,7 @@ void moveIcon(AppcStore& store, const std::string& iconName, const std::string& 
     XTS_REQUIRES(store.lock) {
     if (iconName.empty() || store.isUnread) return;
     static_cast<void>(
-        store.files.move(store.sharedDir + "/" + iconName, store.appcDir + iconFileName));
+        store.files.replace(store.sharedDir + "/" + iconName, store.appcDir + iconFileName));
 }
 
 }  // namespace

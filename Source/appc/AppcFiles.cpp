@@ -46,7 +46,7 @@ class DiskFiles final : public AppcFiles {
         return err == XERR_SUCCESS ? AppcWrite::Done : AppcWrite::WriteFailed;
     }
 
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         if (!isWhole(source) || !isWhole(destination)) return XERR_INVAL;
         if (canBeFolder(source)) return XERR_ACCES;
         return xfileMoveWithRetry(source, destination);

@@ -3,8 +3,8 @@
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
-#include "xpl/XcatchAll.h"
 #include "xpl/Xsystem.h"
+#include "xpl/XtemporaryFile.h"
 
 namespace {
 
@@ -14,46 +14,18 @@ std::string temporaryPath(const std::string& path) {
     return path + "." + std::to_string(xsystemProcessId()) + "-temp";
 }
 
-// The new file, which is gone again at the end unless it took the old one's place: no later save
-// has its name.
-class TemporaryFile {
- public:
-    TemporaryFile(AppcFiles& files, const std::string& path)
-        : files_(files), path_(temporaryPath(path)) {}
-    ~TemporaryFile() {
-        if (!exists_) return;
-        xcatchAll(kAppcLog, "appcSaveToFile", [this] { files_.remove(path_); });
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    AppcWrite write(std::string_view text) {
-        exists_ = true;  // until it is known better: memory can run out behind the file's creation
-        const AppcWrite written = files_.write(path_, text);
-        exists_ = written != AppcWrite::OpenFailed;
-        return written;
-    }
-
-    [[nodiscard]] XErr moveOnto(const std::string& path) {
-        const XErr err = files_.move(path_, path);
-        exists_ = err != XERR_SUCCESS;
-        return err;
-    }
-
- private:
-    AppcFiles& files_;
-    const std::string path_;
-    bool exists_ = false;
-};
-
 // What can be known before anything is written: a folder, or a file that must not be written, does
 // not give way to the new one.
-AppcWrite writeBeside(AppcFiles& files, const std::string& path, TemporaryFile& temporary,
+AppcWrite writeBeside(AppcFiles& files, const std::string& path, XtemporaryFile& temporary,
                       std::string_view text) {
-    return files.isReplaceable(path) ? temporary.write(text) : AppcWrite::OpenFailed;
+    if (!files.isReplaceable(path)) return AppcWrite::OpenFailed;
+    temporary.setExists(true);
+    const AppcWrite written = files.write(temporary.path(), text);
+    temporary.setExists(written != AppcWrite::OpenFailed);
+    return written;
 }
 
-XErr replaceFile(AppcStore& store, const std::string& path, TemporaryFile& temporary)
+XErr replaceFile(AppcStore& store, const std::string& path, XtemporaryFile& temporary)
     XTS_REQUIRES(store.lock) {
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
     return temporary.moveOnto(path);
@@ -74,7 +46,8 @@ XErr appcSaveToFile(AppcStore& store) {
                xerrName(err).c_str(), err);
         return err;
     }
-    TemporaryFile temporary(store.files, path);
+    // No later save has its name, so that what is left of it would stay for good.
+    XtemporaryFile temporary(store.files, temporaryPath(path), kAppcLog, "appcSaveToFile");
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {
         XLOG_E(kAppcLog, "Cannot open AppCache file %s for writing", path.c_str());

@@ -369,7 +369,7 @@ class WatchingFiles final : public AppcFiles {
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
     bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string&) override {}
 };
 
@@ -382,7 +382,7 @@ class ClosedFiles final : public AppcFiles {
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
     bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string& path) override { appcDiskFiles().remove(path); }
 
  private:

@@ -57,9 +57,9 @@ class FailingFiles final : public AppcFiles {
         const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
         return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         if (throwInMove) throw std::bad_alloc();
-        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override {
         removed.push_back(path);
@@ -93,9 +93,9 @@ class DyingFiles final : public AppcFiles {
         step();
         return result;
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         step();
-        const XErr err = appcDiskFiles().move(source, destination);
+        const XErr err = appcDiskFiles().replace(source, destination);
         step();
         return err;
     }
@@ -248,9 +248,9 @@ class LockWatch final : public AppcFiles {
         note("write");
         return appcDiskFiles().write(path, text);
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         note("move");
-        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override {
         note("remove");
