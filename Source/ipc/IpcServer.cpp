@@ -27,10 +27,7 @@ void IpcServerThread::run() {
     // Without this Qt delivers nothing at all here until the host has an application object, and
     // most hosts never have one.
     QThreadData::get2(this)->requiresCoreApplication = false;
-    xcatchAll(kLog, "run", false, [this] {
-        serve();
-        return true;
-    });
+    xcatchAll(kLog, "run", [this] { serve(); });
     // Here, where the sockets live: after the thread's end nothing would deliver their deletion.
     server.reset();
 }
@@ -43,10 +40,8 @@ void IpcServerThread::serve() {
     connect(
         server.get(), &QLocalServer::newConnection, server.get(),
         [this] {
-            xcatchAll(kLog, "ipcHandleNewConnection", false, [this] {
-                ipcHandleNewConnection(server.get(), decode, &serverName);
-                return true;
-            });
+            xcatchAll(kLog, "ipcHandleNewConnection",
+                      [this] { ipcHandleNewConnection(server.get(), decode, &serverName); });
         },
         Qt::DirectConnection);
     if (const auto error = server->open(serverName)) {
