@@ -10,7 +10,7 @@
 namespace {
 
 // App names make file names, and a NUL in one would end the path before the rest of it.
-bool isWhole(const std::string& path) { return path.find('\0') == std::string::npos; }
+bool hasNoNul(const std::string& path) { return path.find('\0') == std::string::npos; }
 
 // Moving a folder would take everything in it along. What may not be looked at may be one.
 bool canBeFolder(const std::string& path) {
@@ -47,14 +47,14 @@ class DiskFiles final : public AppcFiles {
     }
 
     XErr replace(const std::string& source, const std::string& destination) override {
-        if (!isWhole(source) || !isWhole(destination)) return XERR_INVAL;
+        if (!hasNoNul(source) || !hasNoNul(destination)) return XERR_INVAL;
         if (canBeFolder(source)) return XERR_ACCES;
         return xfileMoveWithRetry(source, destination);
     }
 
     void remove(const std::string& path) override {
         // Nobody is told: what the file was for goes on without it.
-        if (isWhole(path)) static_cast<void>(xfileDelete(path));
+        if (hasNoNul(path)) static_cast<void>(xfileDelete(path));
     }
 };
 
