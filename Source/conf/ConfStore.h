@@ -2,7 +2,6 @@
 #define CONF_CONFSTORE_H
 
 #include <atomic>
-#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/XmutexNamed.h"
+#include "xpl/Xrcu.h"
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
 // the functions of Conf.h.
@@ -48,7 +48,7 @@ struct ConfStore {
 
     // Read without the lock.
     std::atomic<bool> allowDeprecated{false};
-    std::shared_ptr<const std::string> currentInstance;  // name and "."; atomic functions only
+    Xrcu<std::string> currentInstance;  // name and "."
 };
 
 #endif
