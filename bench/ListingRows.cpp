@@ -14,7 +14,7 @@
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeApps.h"
-#include "bridge/BridgeInstances.h"
+#include "bridge/BridgeConf.h"
 
 namespace {
 
@@ -134,7 +134,7 @@ struct Apps {
 };
 
 std::string libraryApps(Apps& apps) {
-    const auto text = bridge::bridgeGetInstalledApps(apps.store, kInstance);
+    const auto text = internal::bridgeGetInstalledApps(apps.store, kInstance);
     benchCheck(text.has_value(), "no apps");
     return *text;
 }

@@ -1,5 +1,5 @@
-// Event packets: the host gets exactly the calls that a careful reader makes of the packet, or the
-// log its one error line. The packet lies in memory of exactly its size.
+// Event packets: the host gets exactly the calls that the reference reader makes of the packet, or
+// the log its one error line. The packet lies in memory of exactly its size.
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,7 +10,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
-#include "support/OddPackets.h"
+#include "support/MalformedPackets.h"
 
 namespace {
 
@@ -36,7 +36,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::copy(data, data + size, packet.get());
     const bool dispatched =
         bridgeDecode(nullptr, packet.get(), static_cast<std::int32_t>(size), nullptr, 0);
-    const Reading expected = readCarefully(std::string(textOf(data, size)));
+    const Reading expected = referenceReading(std::string(textOf(data, size)));
     check(hostCalls == expected.calls, "the host's calls");
     check(dispatched == expected.error.empty(), "the answer");
     const std::vector<std::string> errors = log.texts(XLOG_ERROR);

@@ -53,6 +53,13 @@ AppcStore& appcStore();
 // Appends the package names, in byte order.
 void appcGetPackages(AppcStore& store, std::list<std::string>& packages);
 
+// Opens the cache of an instance and lists its apps as an indented JSON array, in byte order of
+// their packages, each with the path of its icon. Both are one operation: another thread that opens
+// the cache of another instance comes before or after. appcLibInit's status; `listing` stays as it
+// was after a failure.
+[[nodiscard]] XErr appcListApps(AppcStore& store, const std::string& instance,
+                                std::string& listing);
+
 // Replaces the whole cache by the array "apps" of a JSON object, and saves it. -1 when there is no
 // such array (nothing changes then) or its elements cannot be read (nothing is saved, see
 // appcReadFromJsonObj for the memory); else the result of the save.

@@ -1,6 +1,5 @@
 // The cache of a new instance, from that of another.
 #include "appc/Appc.h"
-#include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 #include "utl/UtlCopy.h"
 #include "xpl/Xfile.h"
@@ -10,11 +9,11 @@ XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
     const std::string baseDir = store.instanceDir(baseInstance);
     const std::string newDir = store.instanceDir(newInstance);
     if (xfileExists(baseDir) != XERR_SUCCESS) {
-        XLOG_E(kLog, "Base instance directory %s doesn't exist", baseDir.c_str());
+        XLOG_E(kAppcLog, "Base instance directory %s doesn't exist", baseDir.c_str());
         return XERR_FAILURE;
     }
     if (xfileCreateNewFolder(newDir) != XERR_SUCCESS) {
-        XLOG_E(kLog, "Failed to create directory %s for new instance %s", newDir.c_str(),
+        XLOG_E(kAppcLog, "Failed to create directory %s for new instance %s", newDir.c_str(),
                newInstance.c_str());
         return XERR_FAILURE;
     }

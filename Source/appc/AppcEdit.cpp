@@ -2,7 +2,6 @@
 // saved.
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
-#include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 
 namespace {
@@ -12,7 +11,7 @@ void moveIcon(AppcStore& store, const std::string& iconName, const std::string& 
     XTS_REQUIRES(store.lock) {
     if (iconName.empty() || store.isUnread) return;
     static_cast<void>(
-        store.files.move(store.sharedDir + "/" + iconName, store.appcDir + iconFileName));
+        store.files.replace(store.sharedDir + "/" + iconName, store.appcDir + iconFileName));
 }
 
 }  // namespace
@@ -21,11 +20,11 @@ XErr appcSyncInstalledApps(AppcStore& store, const char* json) {
     const std::lock_guard<AppcLock> guard(store.lock);
     QJsonArray apps;
     if (json == nullptr || !appcParseSyncList(json, apps)) {
-        XLOG_E(kLog, "%s: Error in reading appList as json array", __func__);
+        XLOG_E(kAppcLog, "%s: Error in reading appList as json array", __func__);
         return XERR_FAILURE;
     }
     if (appcReadFromJsonObj(store, apps) != XERR_SUCCESS) {
-        XLOG_E(kLog, "%s: Error in reading json object", __func__);
+        XLOG_E(kAppcLog, "%s: Error in reading json object", __func__);
         return XERR_FAILURE;
     }
     return appcSaveToFile(store);

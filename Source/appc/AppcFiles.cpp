@@ -10,7 +10,7 @@
 namespace {
 
 // App names make file names, and a NUL in one would end the path before the rest of it.
-bool isWhole(const std::string& path) { return path.find('\0') == std::string::npos; }
+bool hasNoNul(const std::string& path) { return path.find('\0') == std::string::npos; }
 
 // Moving a folder would take everything in it along. What may not be looked at may be one.
 bool canBeFolder(const std::string& path) {
@@ -22,10 +22,10 @@ bool canBeFolder(const std::string& path) {
 class DiskFiles final : public AppcFiles {
  public:
     std::int32_t read(const std::string& path, std::string& content) override {
-        const XfileReadErrors errors = xfileReadPatiently(path, content);
+        const XfileReadErrors errors = xfileReadWithRetry(path, content);
         if (errors.open != 0) return errors.open;
         // What is missing for another reason shows when the content is parsed.
-        return appcIsHeld(errors.bytes) ? errors.bytes : 0;
+        return xerrIsHeld(xerrFromWindows(errors.bytes)) ? errors.bytes : 0;
     }
 
     XErr makeFolder(const std::string& path) override { return xfileCreateFolder(path); }
@@ -46,15 +46,15 @@ class DiskFiles final : public AppcFiles {
         return err == XERR_SUCCESS ? AppcWrite::Done : AppcWrite::WriteFailed;
     }
 
-    XErr move(const std::string& source, const std::string& destination) override {
-        if (!isWhole(source) || !isWhole(destination)) return XERR_INVAL;
+    XErr replace(const std::string& source, const std::string& destination) override {
+        if (!hasNoNul(source) || !hasNoNul(destination)) return XERR_INVAL;
         if (canBeFolder(source)) return XERR_ACCES;
-        return xfileMovePatiently(source, destination);
+        return xfileMoveWithRetry(source, destination);
     }
 
     void remove(const std::string& path) override {
         // Nobody is told: what the file was for goes on without it.
-        if (isWhole(path)) static_cast<void>(xfileDelete(path));
+        if (hasNoNul(path)) static_cast<void>(xfileDelete(path));
     }
 };
 

@@ -6,24 +6,15 @@
 #include <string_view>
 
 #include "xpl/Xerr.h"
-
-// The Windows errors of a file that another process holds, and of bytes that it has locked.
-constexpr std::int32_t kAppcSharingViolation = 32;
-constexpr std::int32_t kAppcLockViolation = 33;
-
-// Whether a read met another process: nothing is wrong with the file itself.
-constexpr bool appcIsHeld(std::int32_t windowsError) {
-    return windowsError == kAppcSharingViolation || windowsError == kAppcLockViolation;
-}
+#include "xpl/XtemporaryFile.h"
 
 enum class AppcWrite { Done, OpenFailed, WriteFailed };
 
 // The file operations of the app cache: the disk, or what a test puts in its place to make an
-// operation fail, or the process end in the middle of one. Paths are UTF-8.
-class AppcFiles {
+// operation fail, or the process end in the middle of one. Paths are UTF-8. A folder is never
+// moved.
+class AppcFiles : public XfileReplacer {
  public:
-    virtual ~AppcFiles() = default;
-
     // Reads a whole file, waiting up to half a second for another process that holds it. Returns
     // the Windows error of the opening, or of the bytes if they are held; else 0. A read that fails
     // for another reason leaves in `content` what came before, and nothing of a file of 2 GiB or
@@ -39,13 +30,6 @@ class AppcFiles {
 
     // Creates or empties a file, writes it and closes it.
     [[nodiscard]] virtual AppcWrite write(const std::string& path, std::string_view text) = 0;
-
-    // Moves a file, never a folder, onto another one or to where nothing is, waiting up to half a
-    // second for another process that holds either.
-    [[nodiscard]] virtual XErr move(const std::string& source, const std::string& destination) = 0;
-
-    // Deletes a file, if it is there and can be deleted.
-    virtual void remove(const std::string& path) = 0;
 };
 
 // The disk.

@@ -1,7 +1,6 @@
 // Opening and loading, and the questions that the cache answers.
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
-#include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
@@ -13,9 +12,7 @@ namespace {
 // decide, which waits for the other process.
 bool isMissing(const std::string& path) {
     const XErr err = xfileExists(path);
-    return err != XERR_SUCCESS && err != XERR_ACCES &&
-           err != xerrFromWindows(kAppcSharingViolation) &&
-           err != xerrFromWindows(kAppcLockViolation);
+    return err != XERR_SUCCESS && err != XERR_ACCES && !xerrIsHeld(err);
 }
 
 // The next save writes a fresh file.
@@ -29,15 +26,15 @@ void discard(AppcStore& store) XTS_REQUIRES(store.lock) {
 void giveUp(AppcStore& store, std::int32_t windowsError) XTS_REQUIRES(store.lock) {
     const std::string path = store.filePath();
     const std::string error = appcErrorText(windowsError);
-    if (!appcIsHeld(windowsError)) {
-        XLOG_E(kLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
+    if (!xerrIsHeld(xerrFromWindows(windowsError))) {
+        XLOG_E(kAppcLog, "Could not open %s, error: %s, deleting the file", path.c_str(),
                error.c_str());
         discard(store);
         return;
     }
     store.apps.clear();
     store.isUnread = true;
-    XLOG_E(kLog, "Could not open %s, error: %s, keeping the file", path.c_str(), error.c_str());
+    XLOG_E(kAppcLog, "Could not open %s, error: %s, keeping the file", path.c_str(), error.c_str());
 }
 
 XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
@@ -50,7 +47,7 @@ XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
     }
     QJsonArray array;
     if (!appcParseArray(content, array)) {
-        XLOG_E(kLog, "Could not create JsonDocument from %s deleting the files", path.c_str());
+        XLOG_E(kAppcLog, "Could not create JsonDocument from %s deleting the files", path.c_str());
         discard(store);
         return XERR_SUCCESS;
     }
@@ -81,14 +78,14 @@ XErr appcLibInit(AppcStore& store, const std::string& instance) {
     const std::string lockName = utlGlobalObjectName("appc_" + instance);
     if (const XErr err = store.fileLock.init(lockName); err != XERR_SUCCESS) return err;
     const XErr err = appcLoadFromFile(store);
-    if (err != XERR_SUCCESS) XLOG_E(kLog, "Failed to load app cache from file");
+    if (err != XERR_SUCCESS) XLOG_E(kAppcLog, "Failed to load app cache from file");
     return err;
 }
 
 XErr appcLoadFromFile(AppcStore& store) {
     const std::lock_guard<AppcLock> guard(store.lock);
     if (isMissing(store.filePath())) {
-        XLOG_W(kLog, "File %s not present", store.filePath().c_str());
+        XLOG_W(kAppcLog, "File %s not present", store.filePath().c_str());
         store.isUnread = false;
         return XERR_SUCCESS;
     }
@@ -109,11 +106,11 @@ XErr appcReadFromJsonObj(AppcStore& store, const QJsonArray& apps) {
         case AppcFlaw::NotAnObject:
             break;
         case AppcFlaw::NotDefined:
-            XLOG_E(kLog, "%s: %d: json value %s: Not defined", __func__, __LINE__, flaw.key);
+            XLOG_E(kAppcLog, "%s: %d: json value %s: Not defined", __func__, __LINE__, flaw.key);
             break;
         case AppcFlaw::InvalidType:
-            XLOG_E(kLog, "%s: %d: json value %s: Invalid type %d expected %s", __func__, __LINE__,
-                   flaw.key, static_cast<int>(flaw.type), flaw.expected);
+            XLOG_E(kAppcLog, "%s: %d: json value %s: Invalid type %d expected %s", __func__,
+                   __LINE__, flaw.key, static_cast<int>(flaw.type), flaw.expected);
             break;
     }
     return XERR_FAILURE;
@@ -131,6 +128,14 @@ XErr appcGetApp(AppcStore& store, const std::string& package, std::string* activ
     copyTo(versionCode, app.versionCode);
     copyTo(versionName, app.versionName);
     copyTo(iconFileName, app.iconFileName);
+    return XERR_SUCCESS;
+}
+
+XErr appcListApps(AppcStore& store, const std::string& instance, std::string& listing) {
+    // Held to the end: another thread may be about to open the cache of another instance.
+    const std::lock_guard<AppcLock> guard(store.lock);
+    if (const XErr err = appcLibInit(store, instance); err != XERR_SUCCESS) return err;
+    listing = appcListingText(store.apps, store.appcDir);
     return XERR_SUCCESS;
 }
 

@@ -2,10 +2,9 @@
 // machine-wide lock.
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
-#include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
-#include "xpl/Xfence.h"
 #include "xpl/Xsystem.h"
+#include "xpl/XtemporaryFile.h"
 
 namespace {
 
@@ -15,49 +14,18 @@ std::string temporaryPath(const std::string& path) {
     return path + "." + std::to_string(xsystemProcessId()) + "-temp";
 }
 
-// The new file, which is gone again at the end unless it took the old one's place: no later save
-// has its name.
-class TemporaryFile {
- public:
-    TemporaryFile(AppcFiles& files, const std::string& path)
-        : files_(files), path_(temporaryPath(path)) {}
-    ~TemporaryFile() {
-        if (!exists_) return;
-        xfence(kLog, "appcSaveToFile", false, [this] {
-            files_.remove(path_);
-            return true;
-        });
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    AppcWrite write(std::string_view text) {
-        exists_ = true;  // until it is known better: memory can run out behind the file's creation
-        const AppcWrite written = files_.write(path_, text);
-        exists_ = written != AppcWrite::OpenFailed;
-        return written;
-    }
-
-    [[nodiscard]] XErr moveOnto(const std::string& path) {
-        const XErr err = files_.move(path_, path);
-        exists_ = err != XERR_SUCCESS;
-        return err;
-    }
-
- private:
-    AppcFiles& files_;
-    const std::string path_;
-    bool exists_ = false;
-};
-
 // What can be known before anything is written: a folder, or a file that must not be written, does
 // not give way to the new one.
-AppcWrite writeBeside(AppcFiles& files, const std::string& path, TemporaryFile& temporary,
+AppcWrite writeBeside(AppcFiles& files, const std::string& path, XtemporaryFile& temporary,
                       std::string_view text) {
-    return files.isReplaceable(path) ? temporary.write(text) : AppcWrite::OpenFailed;
+    if (!files.isReplaceable(path)) return AppcWrite::OpenFailed;
+    temporary.setExists(true);
+    const AppcWrite written = files.write(temporary.path(), text);
+    temporary.setExists(written != AppcWrite::OpenFailed);
+    return written;
 }
 
-XErr replaceFile(AppcStore& store, const std::string& path, TemporaryFile& temporary)
+XErr replaceFile(AppcStore& store, const std::string& path, XtemporaryFile& temporary)
     XTS_REQUIRES(store.lock) {
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
     return temporary.moveOnto(path);
@@ -69,24 +37,25 @@ XErr appcSaveToFile(AppcStore& store) {
     const std::lock_guard<AppcLock> guard(store.lock);
     const std::string path = store.filePath();
     if (store.isUnread) {
-        XLOG_E(kLog, "AppCache file %s could not be read, not saving over it", path.c_str());
+        XLOG_E(kAppcLog, "AppCache file %s could not be read, not saving over it", path.c_str());
         return XERR_FAILURE;
     }
     const std::string text = appcFileText(store.apps);
     if (const XErr err = store.files.makeFolder(store.appcDir); err != XERR_SUCCESS) {
-        XLOG_E(kLog, "Failed to create dir %s, err: %s [%d]", store.appcDir.c_str(),
+        XLOG_E(kAppcLog, "Failed to create dir %s, err: %s [%d]", store.appcDir.c_str(),
                xerrName(err).c_str(), err);
         return err;
     }
-    TemporaryFile temporary(store.files, path);
+    // No later save has its name, so that what is left of it would stay for good.
+    XtemporaryFile temporary(store.files, temporaryPath(path), kAppcLog, "appcSaveToFile");
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {
-        XLOG_E(kLog, "Cannot open AppCache file %s for writing", path.c_str());
+        XLOG_E(kAppcLog, "Cannot open AppCache file %s for writing", path.c_str());
         return XERR_FAILURE;
     }
     if (written == AppcWrite::Done && replaceFile(store, path, temporary) == XERR_SUCCESS) {
         return XERR_SUCCESS;
     }
-    XLOG_E(kLog, "Error in writing to AppCache file %s failed", path.c_str());
+    XLOG_E(kAppcLog, "Error in writing to AppCache file %s failed", path.c_str());
     return XERR_FAILURE;
 }

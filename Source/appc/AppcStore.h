@@ -7,10 +7,14 @@
 #include "appc/AppcApp.h"
 #include "appc/AppcFiles.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 
+// Every file of this module logs as one.
+constexpr XlogModule kAppcLog{XlogTag::APPC, "Source/appc/Appc"};
+
 // Taken again by the thread that holds it: the operations that edit the cache save it while they
-// hold the lock, and so does whoever needs several operations to be one.
+// hold the lock, and the listing opens it.
 class XTS_CAPABILITY("mutex") AppcLock {
  public:
     void lock() XTS_ACQUIRE() { mutex_.lock(); }
@@ -20,8 +24,8 @@ class XTS_CAPABILITY("mutex") AppcLock {
     std::recursive_mutex mutex_;
 };
 
-// State of an app cache; for the files of this module, its tests, and callers that hold the lock
-// over several operations. Everybody else calls the functions of Appc.h.
+// State of an app cache; for the files of this module and its tests. Everybody else calls the
+// functions of Appc.h.
 //
 // Lock order: `lock`, then `fileLock`. Nothing can take them the other way round: `fileLock` is
 // itself guarded by `lock`, so that code which takes it without holding `lock` does not compile.

@@ -1,13 +1,12 @@
-// The exported functions: each takes its arguments, makes one call inside the fence and hands the
-// result over. What they do is elsewhere.
+// The exported functions: each takes its arguments, makes one call inside bridgeCatchAll and hands
+// the result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
 #include "bridge/BridgeApps.h"
-#include "bridge/BridgeCommit.h"
+#include "bridge/BridgeConf.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeEvents.h"
-#include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
-#include "bridge/BridgeInstances.h"
 #include "bridge/BridgeLaunch.h"
 #include "bridge/BridgeMemory.h"
 #include "bridge/BridgeShutdown.h"
@@ -20,12 +19,12 @@ bridge_i32 bridgeApiInit(const char* clientId) { return bridgeApiInitEx(clientId
 bridge_i32 bridgeApiInitEx(const char* clientId, bridge_bool noConfFile, bridge_i64 reserved,
                            const char* logFilePath) {
     return bridgeStatus(__func__, {}, [&] {
-        return bridge::bridgeApiInitEx(clientId, noConfFile != 0, reserved, logFilePath);
+        return internal::bridgeApiInitEx(clientId, noConfFile != 0, reserved, logFilePath);
     });
 }
 
 bridge_i32 bridgeApiFini(void) {
-    return bridgeStatus(__func__, {}, [] { return bridge::bridgeApiFini(); });
+    return bridgeStatus(__func__, {}, [] { return internal::bridgeApiFini(); });
 }
 
 bridge_bool bridgeConfGetBool(const char* key) {
@@ -79,7 +78,7 @@ bridge_i32 bridgeConfCommit(void) {
 
 bridge_i32 bridgeConfCommitToFile(const char* path) {
     return bridgeStatus(__func__, {path},
-                        [&] { return bridge::bridgeConfCommitToFile(confStore(), path); });
+                        [&] { return internal::bridgeConfCommitToFile(confStore(), path); });
 }
 
 char* bridgeConfGetInstances(void) {
@@ -143,14 +142,11 @@ bridge_i32 bridgeCreateFreshInstance(const char* imageName, const char* cpu, con
 
 bridge_i32 bridgePlrShutdown(const char* instance, bridge_bool flag) {
     return bridgeStatus(__func__, {instance},
-                        [&] { return bridge::bridgePlrShutdown(instance, flag != 0); });
+                        [&] { return internal::bridgePlrShutdown(instance, flag != 0); });
 }
 
 void bridgeShutdown(void) {
-    bridgeStatus(__func__, {}, [] {
-        bridge::bridgeShutdown();
-        return XErr{XERR_SUCCESS};
-    });
+    bridgeCatchAll(__func__, [] { internal::bridgeShutdown(); });
 }
 
 void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
@@ -162,18 +158,17 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
                              bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
                              bridgeOnAppDisplayed onAppDisplayed,
                              bridgeOnAccountListUpdated onAccountListUpdated) {
-    bridgeStatus(__func__, {}, [&] {
-        bridge::bridgeRegisterCallbacks({onAppInstalled, onAppUninstalled, onApkInstallCompleted,
-                                         onInstanceListUpdated, installImageProgress,
-                                         onCreateInstanceCompleted, onInstanceConfigurationChanged,
-                                         onAppDisplayed, onAccountListUpdated});
-        return XErr{XERR_SUCCESS};
+    bridgeCatchAll(__func__, [&] {
+        internal::bridgeRegisterCallbacks(
+            {onAppInstalled, onAppUninstalled, onApkInstallCompleted, onInstanceListUpdated,
+             installImageProgress, onCreateInstanceCompleted, onInstanceConfigurationChanged,
+             onAppDisplayed, onAccountListUpdated});
     });
 }
 
 char* bridgeGetInstalledApps(const char* instance) {
     return bridgeValue<char*>(__func__, {instance}, [&]() -> char* {
-        const auto apps = bridge::bridgeGetInstalledApps(appcStore(), instance);
+        const auto apps = internal::bridgeGetInstalledApps(appcStore(), instance);
         return apps ? bridgeHostCopy(*apps) : nullptr;
     });
 }

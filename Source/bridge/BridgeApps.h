@@ -7,12 +7,12 @@
 #include "appc/Appc.h"
 
 // What the export of the same name does.
-namespace bridge {
+namespace internal {
 
 // The apps of an instance as an indented JSON array, in byte order of their packages; nothing when
 // its app cache cannot be opened. Opens the cache anew, in place of the instance before.
 std::optional<std::string> bridgeGetInstalledApps(AppcStore& store, const std::string& instance);
 
-}  // namespace bridge
+}  // namespace internal
 
 #endif

@@ -8,7 +8,6 @@
 #include "bridge/BridgeIpcClbk.h"
 #include "ipc/IpcPacket.h"
 #include "xpl/Xlog.h"
-#include "xpl/Xmem.h"
 
 namespace {
 
@@ -55,7 +54,7 @@ class Fields {
     Value take() {
         Value value{};
         if (valid_ && at_ <= length_ && length_ - at_ >= sizeof value) {
-            xmemCopy(&value, packet_ + at_, sizeof value);
+            std::memcpy(&value, packet_ + at_, sizeof value);
             at_ += sizeof value;
         } else {
             valid_ = false;
@@ -208,7 +207,7 @@ bool bridgeDecode(QLocalSocket* /*socket*/, const std::uint8_t* buffer, std::int
         return false;
     }
     std::int32_t opcode = 0;
-    xmemCopy(&opcode, buffer + IPC_OPCODE_OFFSET, sizeof opcode);
+    std::memcpy(&opcode, buffer + IPC_OPCODE_OFFSET, sizeof opcode);
     const std::int64_t index = std::int64_t{opcode} - kFirstOpcode;
     if (index < 0 || index >= static_cast<std::int64_t>(std::size(kDecoders))) {
         XLOG_E(kLog, "%s: invalid opcode: %d", "bridgeDecode", opcode);

@@ -3,14 +3,15 @@
 #include <mutex>
 
 #include "bridge/BridgeDec.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeInit.h"
-#include "bridge/BridgeLog.h"
+#include "bridge/BridgeIpcCalls.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/Xsystem.h"
 #include "xpl/Xunload.h"
 
-namespace bridge {
+namespace internal {
 
 namespace {
 
@@ -27,7 +28,7 @@ EventServer& eventServer() {
 }
 
 // False when the server was tried just now and could not be started.
-bool ensureServer(EventServer& server, ServerInit init) {
+bool ensureServer(EventServer& server) {
     const std::lock_guard<std::mutex> guard(server.lock);
     if (server.finished) {
         XLOG_E(kLog, "%s: called after bridgeApiFini, no event will come",
@@ -38,7 +39,7 @@ bool ensureServer(EventServer& server, ServerInit init) {
     XLOG_I(kLog, "Bridge ipc ..");
     server.exists = true;
     const std::string name = utlLocalObjectName(std::string(clientId()) + "_bridge");
-    const int err = init(&server.thread, name, bridgeDecode);
+    const int err = bridgeIpcCalls().serverInit(&server.thread, name, bridgeDecode);
     if (err != 0) XLOG_E(kLog, "FATAL: Bridge IPC server init failed: err %d", err);
     return err == 0;
 }
@@ -56,12 +57,12 @@ IpcServerThread* takeForStop(EventServer& server) {
 
 }  // namespace
 
-void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks, ServerInit init) {
+void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks) {
     if (clientId() == nullptr) {
         XLOG_E(kLog, "%s: called before bridgeApiInit", "bridgeRegisterCallbacks");
         return;
     }
-    if (ensureServer(eventServer(), init)) bridgeSetCallbacks(callbacks);
+    if (ensureServer(eventServer())) bridgeSetCallbacks(callbacks);
 }
 
 XErr bridgeApiFini() {
@@ -73,4 +74,4 @@ XErr bridgeApiFini() {
     return XERR_SUCCESS;
 }
 
-}  // namespace bridge
+}  // namespace internal

@@ -9,15 +9,14 @@
 #include <string>
 #include <string_view>
 
-#include "bridge/BridgeFence.h"
-#include "bridge/BridgeLog.h"
+#include "bridge/BridgeEntry.h"
 #include "conf/Conf.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xpl.h"
 
-namespace bridge {
+namespace internal {
 
 namespace {
 
@@ -68,8 +67,8 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     XLOG_I(kLog, "%s:#################### In bridgeApiInit %s ###############", self,
            client.c_str());
     XLOG_I(kLog, "Loading configuration ...");
-    // Fenced on its own: a file that makes the loader throw is a failed load like any other.
-    const XErr err = bridgeFence(self, XErr{XERR_FAILURE}, [noConfFile] {
+    // Caught here: a file that makes the loader throw is a failed load like any other.
+    const XErr err = bridgeCatchAll(self, XERR_FAILURE, [noConfFile] {
         return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
     });
     if (err != XERR_SUCCESS) {
@@ -80,4 +79,4 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     return XERR_SUCCESS;
 }
 
-}  // namespace bridge
+}  // namespace internal

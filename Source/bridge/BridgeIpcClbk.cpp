@@ -2,9 +2,9 @@
 #include "bridge/BridgeIpcClbk.h"
 
 #include "conf/Conf.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xlog.h"
-#include "xpl/Xsnapshot.h"
+#include "xpl/Xseqlock.h"
 
 namespace {
 
@@ -13,12 +13,11 @@ constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeIpcClbk"};
 // The sender's number for an image that is installed.
 constexpr bridge_i32 kImageInstalled = 2;
 
-Xsnapshot<BridgeCallbacks> callbacks;
+Xseqlock<BridgeCallbacks> callbacks;
 
 // The host hears of the event also when the configuration cannot be loaded; the load logs why.
 void reloadConfiguration(const char* self) {
-    static_cast<void>(
-        xfence(kLog, self, XErr{XERR_FAILURE}, [] { return confReload(confStore()); }));
+    static_cast<void>(xcatchAll(kLog, self, XERR_FAILURE, [] { return confReload(confStore()); }));
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // Shutting down the product's running programs.
 #include "bridge/BridgeShutdown.h"
 
-#include "bridge/BridgeLog.h"
+#include "bridge/BridgeEntry.h"
+#include "bridge/BridgeIpcCalls.h"
 #include "conf/Conf.h"
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
@@ -15,12 +16,12 @@ std::string playerServer(const std::string& instance) {
 
 }  // namespace
 
-namespace bridge {
+namespace internal {
 
-XErr bridgePlrShutdown(const std::string& instance, bool flag, ClientInit init) {
+XErr bridgePlrShutdown(const std::string& instance, bool flag) {
     const std::string server = playerServer(instance);
     IpcClient client;
-    if (const int err = init(client, server); err != 0) {
+    if (const int err = bridgeIpcCalls().clientInit(client, server); err != 0) {
         XLOG_E(kLog, "IPC client for %s init failed: err %d", server.c_str(), err);
         return err;
     }
@@ -28,9 +29,9 @@ XErr bridgePlrShutdown(const std::string& instance, bool flag, ClientInit init) 
     return XERR_SUCCESS;
 }
 
-void bridgeShutdown(ClientInit init) {
+void bridgeShutdown() {
     IpcClient manager;  // stays until every player has been asked
-    if (const int err = init(manager, utlLocalObjectName("mim")); err != 0) {
+    if (const int err = bridgeIpcCalls().clientInit(manager, utlLocalObjectName("mim")); err != 0) {
         XLOG_E(kLog, "MIM IPC client init failed: err %d", err);
     } else {
         mimShutdownRpc(manager);
@@ -39,7 +40,7 @@ void bridgeShutdown(ClientInit init) {
         // Not by way of bridgePlrShutdown: the line of a failure carries this function's name.
         const std::string server = playerServer(instance);
         IpcClient player;
-        if (const int err = init(player, server); err != 0) {
+        if (const int err = bridgeIpcCalls().clientInit(player, server); err != 0) {
             XLOG_E(kLog, "IPC client for %s init failed: err %d", server.c_str(), err);
         } else {
             plrShutdownRpc(player, /*flag=*/false);
@@ -47,4 +48,4 @@ void bridgeShutdown(ClientInit init) {
     }
 }
 
-}  // namespace bridge
+}  // namespace internal

@@ -151,27 +151,29 @@ std::string confJoinMultiString(const std::vector<std::string>& elements) {
 }
 
 XErr confSetCurrentInstance(ConfStore& store, const std::string& name) {
+    bool isKnown = false;
     {
         const std::lock_guard<std::mutex> guard(store.lock);
-        if (store.view.isKnown(name)) {
-            std::atomic_store(&store.currentInstance,
-                              std::make_shared<const std::string>(name + "."));
-            return XERR_SUCCESS;
-        }
+        isKnown = store.view.isKnown(name);
     }
-    XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
-    return XERR_FAILURE;
+    if (!isKnown) {
+        XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
+        return XERR_FAILURE;
+    }
+    store.currentInstance.change([&name](std::string& next) { next = name + "."; });
+    return XERR_SUCCESS;
 }
 
 std::string confGetCurrentInstance(const ConfStore& store) {
-    const auto current = std::atomic_load(&store.currentInstance);
-    return current == nullptr ? std::string() : current->substr(0, current->rfind('.'));
+    const Xrcu<std::string>::Reader current(store.currentInstance);
+    if (current.get() == nullptr) return {};
+    return current.get()->substr(0, current.get()->rfind('.'));
 }
 
 std::string confCurrentInstanceKey(const ConfStore& store, std::string_view property) {
-    const auto current = std::atomic_load(&store.currentInstance);
+    const Xrcu<std::string>::Reader current(store.currentInstance);
     std::string key(CONF_INSTANCE_PREFIX);
-    if (current != nullptr) key.append(*current);
+    if (current.get() != nullptr) key.append(*current.get());
     return key.append(property);
 }
 

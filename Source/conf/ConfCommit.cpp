@@ -11,49 +11,9 @@
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
 #include "conf/ConfViewText.h"
-#include "xpl/Xfence.h"
+#include "xpl/XtemporaryFile.h"
 
 namespace {
-
-// The temporary file of a commit: closed and deleted unless it was moved into place.
-class TemporaryFile {
- public:
-    TemporaryFile(ConfFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
-    ~TemporaryFile() {
-        if (!exists_) return;
-        output_.reset();
-        // Without memory for its path the file stays: the next commit takes its place.
-        xfence(kLog, "confCommitToFile", false, [this] {
-            files_.remove(path_);
-            return true;
-        });
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    [[nodiscard]] XErr create() {
-        exists_ = true;  // assume so: create() may throw after creating the file
-        const XErr err = files_.create(path_, output_);
-        exists_ = err == XERR_SUCCESS;
-        return err;
-    }
-
-    ConfOutput& output() { return *output_; }
-
-    // Closes the file, which cannot fail, and moves it.
-    [[nodiscard]] XErr moveOnto(const std::string& path) {
-        output_.reset();
-        const XErr err = files_.replace(path_, path);
-        exists_ = err != XERR_SUCCESS;
-        return err;
-    }
-
- private:
-    ConfFiles& files_;
-    std::string path_;
-    std::unique_ptr<ConfOutput> output_;
-    bool exists_ = false;
-};
 
 // The first line that did not reach the file whole.
 std::string lineAt(const std::string& text, std::size_t done) {
@@ -86,16 +46,25 @@ void applyPending(ConfStore& store) XTS_REQUIRES(store.lock) {
     }
 }
 
+XErr createTemporary(ConfFiles& files, XtemporaryFile& temporary,
+                     std::unique_ptr<ConfOutput>& output) {
+    temporary.setExists(true);
+    const XErr err = files.create(temporary.path(), output);
+    temporary.setExists(err == XERR_SUCCESS);
+    return err;
+}
+
 // The steps that end with the temporary file deleted when one fails.
-XErr fillAndMove(ConfStore& store, TemporaryFile& temporary, const std::string& path)
-    XTS_REQUIRES(store.lock) {
+XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<ConfOutput> output,
+                 const std::string& path) XTS_REQUIRES(store.lock) {
     std::string text;  // of the file, then of the one that takes its place
     if (const XErr err = confLoad(store, text); err != XERR_SUCCESS) return err;
     applyPending(store);
     const auto refused = confWriteView(store.view, text);
     // The lines before one that must not be written come first.
-    if (const XErr err = flush(temporary.output(), text); err != XERR_SUCCESS) return err;
+    if (const XErr err = flush(*output, text); err != XERR_SUCCESS) return err;
     if (refused) return refuse(*refused);
+    output.reset();  // closes the file, which cannot fail
     const XErr err = temporary.moveOnto(path);
     if (err != XERR_SUCCESS) {
         XLOG_E(kLog, "xfileMove failed, err = %d [%s]", err, xerrName(err).c_str());
@@ -124,11 +93,13 @@ XErr confCommitToFile(ConfStore& store, const std::string& path) {
     XLOG_I(kLog, "confCommitToFile args: %s", path.c_str());
     const std::lock_guard<std::mutex> guard(store.lock);
     const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
-    TemporaryFile temporary(store.files, path + "-temp");
-    if (const XErr err = temporary.create(); err != XERR_SUCCESS) {
+    // One that is left takes no harm: the next commit takes its place.
+    XtemporaryFile temporary(store.files, path + "-temp", kLog, "confCommitToFile");
+    std::unique_ptr<ConfOutput> output;
+    if (const XErr err = createTemporary(store.files, temporary, output); err != XERR_SUCCESS) {
         XLOG_E(kLog, "%s: xfileOpen failed, err = %d [%s]", "confCommitToFile", err,
                xerrName(err).c_str());
         return err;
     }
-    return fillAndMove(store, temporary, path);
+    return fillAndMove(store, temporary, std::move(output), path);
 }

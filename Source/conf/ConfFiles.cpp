@@ -44,7 +44,7 @@ class DiskFiles final : public ConfFiles {
     }
 
     XErr replace(const std::string& source, const std::string& destination) override {
-        return xfileMovePatiently(source, destination);
+        return xfileMoveWithRetry(source, destination);
     }
 
     void remove(const std::string& path) override {

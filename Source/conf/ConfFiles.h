@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "xpl/Xerr.h"
+#include "xpl/XtemporaryFile.h"
 
 enum class ConfFileRead { Done, OpenFailed, ReadFailed };
 
@@ -21,21 +22,13 @@ class ConfOutput {
 
 // The file operations of the configuration: the disk, or what a test puts in its place to make an
 // operation fail.
-class ConfFiles {
+class ConfFiles : public XfileReplacer {
  public:
-    virtual ~ConfFiles() = default;
-
     virtual ConfFileRead read(const std::string& path, std::string& content) = 0;
 
     // Creates or empties a file, with its missing folders. `output` is null after a failure.
     [[nodiscard]] virtual XErr create(const std::string& path,
                                       std::unique_ptr<ConfOutput>& output) = 0;
-
-    // Flushes `source` and moves it onto `destination`, with patience for one that is being held.
-    [[nodiscard]] virtual XErr replace(const std::string& source,
-                                       const std::string& destination) = 0;
-
-    virtual void remove(const std::string& path) = 0;
 };
 
 // The disk.

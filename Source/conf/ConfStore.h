@@ -2,7 +2,6 @@
 #define CONF_CONFSTORE_H
 
 #include <atomic>
-#include <memory>
 #include <mutex>
 #include <string>
 
@@ -12,6 +11,7 @@
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
 #include "xpl/XmutexNamed.h"
+#include "xpl/Xrcu.h"
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
 // the functions of Conf.h.
@@ -42,7 +42,7 @@ struct ConfStore {
 
     // Read without the lock.
     std::atomic<bool> allowDeprecated{false};
-    std::shared_ptr<const std::string> currentInstance;  // name and "."; atomic functions only
+    Xrcu<std::string> currentInstance;  // name and "."
 };
 
 #endif

@@ -7,11 +7,11 @@
 #include <QMetaType>
 #include <QThread>
 #include <chrono>
+#include <cstring>
 
 #include "ipc/IpcQt.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xlog.h"
-#include "xpl/Xmem.h"
 #include "xpl/Xunload.h"
 
 namespace {
@@ -156,7 +156,7 @@ void registerErrorType() {
 // Runs in destructors. Nothing else works on a client's socket, so that it can be deleted now when
 // there is no memory to delete it later.
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
-    const bool later = xfence(kLog, "~IpcClient", false, [socket] {
+    const bool later = xcatchAll(kLog, "~IpcClient", false, [socket] {
         if (!deliversDeferredDeletion()) return false;
         socket->deleteLater();
         return true;
@@ -214,7 +214,7 @@ int ipcReadFromServer(IpcClient& client, void* out, int outSize) {
     char* const bytes = static_cast<char*>(out);
     const qint64 got = collect(client, bytes, outSize);
     if (got < outSize) {
-        xmemSet(bytes + got, 0, static_cast<std::size_t>(outSize - got));
+        std::memset(bytes + got, 0, static_cast<std::size_t>(outSize - got));
         XLOG_E(kLog, "%s: Unable to read from server: %s", self, server);
         return -1;
     }

@@ -11,7 +11,7 @@
 
 #include "ipc/IpcPacket.h"
 #include "ipc/IpcServerLog.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xmem.h"
 
 namespace {
@@ -151,7 +151,7 @@ void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLeng
               const char* self) {
     XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
     const XmemBytes reply = replyBuffer(info, replyLength, self);
-    xfence(kLog, self, false, [&] {
+    xcatchAll(kLog, self, false, [&] {
         return decode(info.socket, info.packet(), static_cast<std::int32_t>(info.packetLen),
                       reply.get(), static_cast<std::int32_t>(replyLength));
     });
@@ -163,7 +163,7 @@ void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLeng
 // the server's thread. False when there was one, which is logged.
 template <typename Call>
 bool fenced(const char* function, Call call) noexcept {
-    return xfence(kLog, function, false, [&call] {
+    return xcatchAll(kLog, function, false, [&call] {
         call();
         return true;
     });

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "ipc/IpcServerLog.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/XwindowsLean.h"
 
 namespace {
@@ -50,7 +50,7 @@ void IpcEventWatcher::post() {
         posted_ = false;
         activated_();
     };
-    const bool queued = xfence(kLog, "IpcEventWatcher", false, [this, call] {
+    const bool queued = xcatchAll(kLog, "IpcEventWatcher", false, [this, call] {
         return QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
     });
     if (queued) return;

@@ -11,7 +11,7 @@
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/XobjectSecurity.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
@@ -158,7 +158,7 @@ class IpcLocalServer::Instances {
  private:
     // No exception passes through Qt's event loop.
     void takeClientsFenced() {
-        xfence(kLog, "IpcLocalServer", false, [this] {
+        xcatchAll(kLog, "IpcLocalServer", false, [this] {
             takeClients();
             return true;
         });

@@ -2,6 +2,7 @@
 #include "ipc/IpcPacket.h"
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -11,7 +12,7 @@ static_assert(sizeof(double) == 8, "the wire has binary64");
 // Both ends run on the same little-endian host, so that numbers are copied as they are.
 template <typename Number>
 unsigned char* put(unsigned char* to, Number number) {
-    xmemCopy(to, &number, sizeof number);
+    std::memcpy(to, &number, sizeof number);
     return to + sizeof number;
 }
 
@@ -35,7 +36,7 @@ unsigned char* IpcField::write(unsigned char* to) const {
     if (type_ != IpcFieldType::Text) return put(to, i32_);
     const std::size_t count = text_.size() + 1;
     to = put(to, static_cast<std::uint32_t>(count));
-    xmemCopy(to, text_.data(), text_.size());
+    std::memcpy(to, text_.data(), text_.size());
     to[text_.size()] = '\0';
     return to + count;
 }

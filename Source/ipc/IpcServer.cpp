@@ -8,7 +8,7 @@
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcQt.h"
 #include "ipc/IpcServerLog.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 
 IpcServerThread::IpcServerThread(const std::string& name, IpcDecode decodeFunction)
     : serverName(name), decode(decodeFunction) {
@@ -27,10 +27,7 @@ void IpcServerThread::run() {
     // Without this Qt delivers nothing at all here until the host has an application object, and
     // most hosts never have one.
     QThreadData::get2(this)->requiresCoreApplication = false;
-    xfence(kLog, "run", false, [this] {
-        serve();
-        return true;
-    });
+    xcatchAll(kLog, "run", [this] { serve(); });
     // Here, where the sockets live: after the thread's end nothing would deliver their deletion.
     server.reset();
 }
@@ -43,10 +40,8 @@ void IpcServerThread::serve() {
     connect(
         server.get(), &QLocalServer::newConnection, server.get(),
         [this] {
-            xfence(kLog, "ipcHandleNewConnection", false, [this] {
-                ipcHandleNewConnection(server.get(), decode, &serverName);
-                return true;
-            });
+            xcatchAll(kLog, "ipcHandleNewConnection",
+                      [this] { ipcHandleNewConnection(server.get(), decode, &serverName); });
         },
         Qt::DirectConnection);
     if (const auto error = server->open(serverName)) {

@@ -18,8 +18,8 @@ QString joined(const std::string& folder, const QString& name) {
     return qtPath(folder) + QDir::separator() + name;
 }
 
-// An empty folder, whatever was there. A failure shows when files are copied into it.
-void makeAfresh(const std::string& folder) {
+// Whatever was there is deleted. A failure shows when files are copied into it.
+void makeEmptyFolder(const std::string& folder) {
     QDir existing(qtPath(folder));
     if (existing.exists()) existing.removeRecursively();
     QDir().mkpath(qtPath(folder));
@@ -30,7 +30,7 @@ void makeAfresh(const std::string& folder) {
 void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
     for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort)) {
         const std::string target = destination + QDir::separator().toLatin1() + name.toStdString();
-        makeAfresh(target);
+        makeEmptyFolder(target);
         // Its failures are logged, and do not count here.
         static_cast<void>(utlCopyRecursive(source + "/" + name.toStdString(), target));
     }

@@ -42,3 +42,17 @@ std::string xerrName(XErr code) {
     }
     return "NOTDEFINED: " + std::to_string(code);
 }
+
+std::vector<XErr> xerrCodes() {
+    std::vector<XErr> codes;
+    for (const CodeName& row : kNames) codes.push_back(row.code);
+    return codes;
+}
+
+std::vector<std::int32_t> xerrWindowsErrors(XErr code) {
+    std::vector<std::int32_t> errors;
+    for (const WindowsRow& row : kWindowsRows) {
+        if (row.code == code) errors.push_back(row.windowsError);
+    }
+    return errors;
+}

@@ -105,11 +105,11 @@ XErr xfileMove(const std::string& source, const std::string& destination) {
     return moveFile(source, destination, /*retries=*/0);
 }
 
-XErr xfileMovePatiently(const std::string& source, const std::string& destination) {
+XErr xfileMoveWithRetry(const std::string& source, const std::string& destination) {
     return moveFile(source, destination, kHeldRetries);
 }
 
-XfileReadErrors xfileReadPatiently(const std::string& path, std::string& content) {
+XfileReadErrors xfileReadWithRetry(const std::string& path, std::string& content) {
     for (int attempt = 0;; ++attempt) {
         const XfileReadErrors errors = openAndRead(path, content);
         const std::int32_t error = errors.open != 0 ? errors.open : errors.bytes;

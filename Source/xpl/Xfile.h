@@ -80,7 +80,7 @@ struct XfileReadErrors {
 // Reads a whole file of less than 2 GiB through a private handle. One that another process may be
 // holding for a moment (Windows errors 5, 32 and 33, of the open or of the bytes) is tried up to 10
 // times more within half a second. `content` is what the last attempt read.
-[[nodiscard]] XfileReadErrors xfileReadPatiently(const std::string& path, std::string& content);
+[[nodiscard]] XfileReadErrors xfileReadWithRetry(const std::string& path, std::string& content);
 
 // Closes the file; does nothing when it is closed. Closing has no status.
 void xfileClose(Xfile& file);
@@ -125,7 +125,7 @@ struct XfileAttributes {
 // The same for a destination that another process may be holding for a moment (a scanner, a
 // reader): a refused move (Windows errors 5, 32 and 33) is tried up to 10 times more within half a
 // second.
-[[nodiscard]] XErr xfileMovePatiently(const std::string& source, const std::string& destination);
+[[nodiscard]] XErr xfileMoveWithRetry(const std::string& source, const std::string& destination);
 
 // A path as the system's own functions and Qt's take it: Windows takes the product's as they are.
 std::string xfileSystemPath(const std::string& path);

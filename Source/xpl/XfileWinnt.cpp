@@ -35,7 +35,7 @@ bool existsWide(const std::wstring& path) {
 XErr createFolderWide(const std::wstring& path) {
     if (::CreateDirectoryW(path.c_str(), nullptr)) return XERR_SUCCESS;
     const DWORD error = ::GetLastError();
-    return error == ERROR_ALREADY_EXISTS ? static_cast<XErr>(XERR_SUCCESS)
+    return error == ERROR_ALREADY_EXISTS ? XERR_SUCCESS
                                          : xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
@@ -61,8 +61,8 @@ XErr failed(Xfile& file) {
 
 // What a file answers that a scanner or a reader holds for a moment.
 bool isBrieflyHeld(DWORD error) {
-    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
-           error == ERROR_LOCK_VIOLATION;
+    return error == ERROR_ACCESS_DENIED ||
+           xerrIsHeld(xerrFromWindows(static_cast<std::int32_t>(error)));
 }
 
 // The path as Windows gets it. A path without an absolute form is passed on unchanged: the call
@@ -79,7 +79,7 @@ template <typename Call>
 XErr withWindowsPath(const std::string& path, Call call) {
     std::wstring wide;
     if (const XErr err = windowsPath(path, wide); err != XERR_SUCCESS) return err;
-    return call(wide) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    return call(wide) ? XERR_SUCCESS : xerrLast();
 }
 
 }  // namespace
@@ -111,7 +111,7 @@ XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, Xfile
 XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& done) {
     DWORD moved = 0;
     const BOOL ok = ::ReadFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
-    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : failed(file);
+    const XErr err = ok ? XERR_SUCCESS : failed(file);
     done = moved;
     return err;
 }
@@ -119,7 +119,7 @@ XErr xfileRead(Xfile& file, void* buffer, std::uint32_t length, std::uint32_t& d
 XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length, std::uint32_t& done) {
     DWORD moved = 0;
     const BOOL ok = ::WriteFile(file.handle(), buffer, length, &moved, /*lpOverlapped=*/nullptr);
-    const XErr err = ok ? static_cast<XErr>(XERR_SUCCESS) : failed(file);
+    const XErr err = ok ? XERR_SUCCESS : failed(file);
     done = moved;
     return err;
 }
@@ -186,7 +186,7 @@ XErr xfileFlush(const std::string& path) {
     Xfile file;
     const XErr err = xfileOpen(file, path, XfileMode::Update, XfileSharing::Private);
     if (err != XERR_SUCCESS) return err;
-    return ::FlushFileBuffers(file.handle()) ? static_cast<XErr>(XERR_SUCCESS) : xerrLast();
+    return ::FlushFileBuffers(file.handle()) ? XERR_SUCCESS : xerrLast();
 }
 
 XErr xfileSystemReplace(const std::string& source, const std::string& destination, int retries) {

@@ -6,14 +6,12 @@
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
-#include <mutex>
-#include <thread>
 #include <utility>
-#include <vector>
 
 #include "xpl/Xclock.h"
 #include "xpl/Xfile.h"
 #include "xpl/XlogLine.h"
+#include "xpl/Xrcu.h"
 #include "xpl/Xsystem.h"
 #include "xpl/Xunload.h"
 
@@ -38,8 +36,7 @@ struct Tag {
 
 std::array<Tag, kTagCount> tags;
 
-// What lines carry and where they go. A record is never changed once it is published: lines read it
-// without a lock while a setter puts the next one in its place.
+// What lines carry and where they go.
 struct Context {
     std::string path;             // empty: standard output
     std::shared_ptr<Xfile> file;  // null until opened; lines for a path without a file are lost
@@ -50,21 +47,15 @@ struct Context {
     bool showLine = false;
 };
 
+// The one object of the library that is destroyed at exit or unload: it releases the texts, closes
+// the log file, and at unload releases what else is kept.
 struct ContextHolder {
-    std::atomic<const Context*> current{nullptr};
-    std::atomic<int> readers{0};
-    // Replaced, and perhaps still read; changed by setters only.
-    std::vector<std::unique_ptr<const Context>> replaced;
-
     ContextHolder() = default;
     ContextHolder(const ContextHolder&) = delete;
     ContextHolder& operator=(const ContextHolder&) = delete;
-    // Without a lock: at unload nobody logs, and at process exit the other threads have ended,
-    // perhaps inside one.
-    ~ContextHolder() {
-        xunloadRelease();
-        delete current.exchange(nullptr);
-    }
+    ~ContextHolder() { xunloadRelease(); }
+
+    Xrcu<Context> published;
 };
 
 // The one object of the library that is destroyed at exit or unload: it releases the texts, closes
@@ -79,50 +70,22 @@ ContextHolder context;
 #pragma clang diagnostic pop
 #endif
 
-std::mutex contextChange;  // one setter at a time
-
-const Context& currentContext() {
-    if (const Context* const now = context.current.load()) return *now;
-    static const Context* const initial = xunloadKeep<Context>();
-    return *initial;
-}
-
 // What a line is made with; it stays until the line is done.
 class ContextInUse {
  public:
-    ContextInUse() : now_((context.readers.fetch_add(1), currentContext())) {}
-    ~ContextInUse() { context.readers.fetch_sub(1); }
-    ContextInUse(const ContextInUse&) = delete;
-    ContextInUse& operator=(const ContextInUse&) = delete;
-
     const Context& operator*() const { return now_; }
     const Context* operator->() const { return &now_; }
 
  private:
-    const Context& now_;
+    // Before the first change and after the last line.
+    static const Context& initial() {
+        static const Context& empty = xunloadKeep<Context>();
+        return empty;
+    }
+
+    const Xrcu<Context>::Reader reader_{context.published};
+    const Context& now_ = reader_.get() == nullptr ? initial() : *reader_.get();
 };
-
-// Whoever begins a line after the replacement sees the new context, so that without a reader nobody
-// has an old one. Lines that never stop do not keep a setter: what it leaves goes with the next.
-void releaseReplaced() {
-    constexpr int kTries = 1000;
-    for (int i = 0; i < kTries; ++i) {
-        if (context.readers.load() == 0) return context.replaced.clear();
-        std::this_thread::yield();
-    }
-}
-
-template <typename Change>
-void changeContext(Change change) {
-    const std::lock_guard<std::mutex> guard(contextChange);
-    auto next = std::make_unique<Context>(currentContext());
-    change(*next);
-    context.replaced.reserve(context.replaced.size() + 1);
-    if (const Context* const before = context.current.exchange(next.release())) {
-        context.replaced.emplace_back(before);
-    }
-    releaseReplaced();
-}
 
 std::int32_t defaultIsEnabled(std::int32_t tag, std::int32_t level) {
     const auto index = static_cast<std::size_t>(tag);
@@ -216,7 +179,7 @@ XErr applyLevelItem(std::string_view item) {
 void setZoneSuffix() {
     const std::int64_t local = xclockNow();
     const std::string suffix = xclockZoneSuffix(local, xclockLocalToUtc(local));
-    changeContext([&suffix](Context& next) { next.zoneSuffix = suffix; });
+    context.published.change([&suffix](Context& next) { next.zoneSuffix = suffix; });
 }
 
 }  // namespace
@@ -251,26 +214,30 @@ XErr xlogSetLevels(std::string_view levels) {
 
 XErr xlogSetFile(const std::string& path) {
     if (path.empty()) return XERR_SUCCESS;
-    changeContext([&path](Context& next) {
+    context.published.change([&path](Context& next) {
         next.path = path;
         next.file.reset();
     });
     auto file = std::make_shared<Xfile>();
     if (const XErr err = xfileOpen(*file, path, XfileMode::Append); err != XERR_SUCCESS) return err;
-    changeContext([&file](Context& next) { next.file = file; });
+    context.published.change([&file](Context& next) { next.file = file; });
     return XERR_SUCCESS;
 }
 
 void xlogSetClientName(std::string_view name) {
-    changeContext([name](Context& next) { next.clientName = name; });
+    context.published.change([name](Context& next) { next.clientName = name; });
 }
 
 void xlogSetDisplay(bool showFile, bool showFunction, bool showLine) {
-    changeContext([=](Context& next) {
+    context.published.change([=](Context& next) {
         next.showFile = showFile;
         next.showFunction = showFunction;
         next.showLine = showLine;
     });
+}
+
+void xlogException(const XlogModule& module, const char* function, const char* what) noexcept {
+    XLOG_E(module, "%s: exception: %s", function, what);
 }
 
 void xlogFatalBreak(const XlogModule& module, std::int32_t line, const char* function) noexcept {

@@ -70,6 +70,9 @@ void xlogSetClientName(std::string_view name);
 // What lines show besides their message; all off at the start.
 void xlogSetDisplay(bool showFile, bool showFunction, bool showLine);
 
+// Logs the error line of an exception that the function with that name caught.
+void xlogException(const XlogModule& module, const char* function, const char* what) noexcept;
+
 // Logs "FATAL: DEBUG BREAK: ..." under the module's tag, breaks into the debugger and ends the
 // process (status 0x80000003): for what must never happen.
 [[noreturn]] void xlogFatalBreak(const XlogModule& module, std::int32_t line,

@@ -8,8 +8,6 @@
 void* xmemAlloc(std::size_t size) noexcept;  // null when memory is short
 void* xmemAllocZeroed(std::size_t size) noexcept;
 void xmemFree(void* memory) noexcept;
-void xmemCopy(void* to, const void* from, std::size_t size) noexcept;
-void xmemSet(void* to, int byte, std::size_t size) noexcept;
 
 struct XmemFree {
     void operator()(void* memory) const noexcept { xmemFree(memory); }

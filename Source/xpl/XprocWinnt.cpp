@@ -87,6 +87,5 @@ XErr xprocKill(XprocHandle handle, std::uint32_t exitCode) {
 }
 
 XErr xprocSetEnvironment(const std::string& name, const std::string& value) {
-    return ::_putenv((name + "=" + value).c_str()) == 0 ? static_cast<XErr>(XERR_SUCCESS)
-                                                        : xerrLast();
+    return ::_putenv((name + "=" + value).c_str()) == 0 ? XERR_SUCCESS : xerrLast();
 }

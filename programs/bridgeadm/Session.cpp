@@ -5,7 +5,7 @@
 #include "appc/Appc.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xpl.h"
 
 namespace {
@@ -36,7 +36,7 @@ bool Session::start() {
 bool Session::startWithConfiguration() {
     if (!start()) return false;
     // A line that ends at its "=" makes the loader throw.
-    const XErr err = xfence(kLog, "confLibInit", XErr{XERR_FAILURE}, load);
+    const XErr err = xcatchAll(kLog, "confLibInit", XERR_FAILURE, load);
     return err == XERR_SUCCESS ||
            failStatus(ExitCode::Library, "the configuration cannot be loaded", err);
 }

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "bridgectl/ProgramRun.h"
 #include "conf/Conf.h"
+#include "shared/ProgramRun.h"
 
 // One run of the program. Every function that answers a bool has printed the error when it is
 // false.

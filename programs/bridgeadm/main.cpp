@@ -1,8 +1,8 @@
 // bridgeadm: maintenance of the product's data, with the layers of the library and without its DLL.
 #include "Session.h"
-#include "bridgectl/CommandLine.h"
-#include "bridgectl/Console.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/CommandLine.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 #include "utl/UtlImages.h"
 
 namespace {

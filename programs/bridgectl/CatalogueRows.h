@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "JsonValue.h"
-#include "Table.h"
+#include "shared/JsonValue.h"
+#include "shared/Table.h"
 
 // The keys that the library's catalogue has: global ones, then those of an instance, each in byte
 // order.

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <iterator>
 
-#include "JsonValue.h"
+#include "shared/JsonValue.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <thread>
 
-#include "Console.h"
 #include "EventServer.h"
 #include "EventSource.h"
 #include "ipc/IpcName.h"
+#include "shared/Console.h"
 #include "utl/UtlFolders.h"
 
 namespace {

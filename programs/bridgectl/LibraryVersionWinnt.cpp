@@ -2,30 +2,25 @@
 
 #include <bridge/bridge.h>
 
-#include <cstring>
-
-#include "Console.h"
+#include "shared/Console.h"
 
 // Last: it defines macros.
 #include "xpl/XwindowsLean.h"
 
 namespace {
 
-// The fixed part of a version resource stands behind its header: three 16-bit numbers and
-// L"VS_VERSION_INFO" with its NUL, filled up to a multiple of four bytes.
-constexpr DWORD kFixedInfoOffset = 40;
-constexpr DWORD kFixedInfoSignature = 0xFEEF04BD;
-
+// Of the loaded library, whatever file has its name by now.
 bool readFixedInfo(VS_FIXEDFILEINFO& info) {
     const HMODULE library = ::GetModuleHandleW(L"QX-Bridge.dll");
-    const HRSRC resource =
-        ::FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
+    const HRSRC resource = ::FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO),
+                                           /*RT_VERSION*/ MAKEINTRESOURCEW(16));
     if (library == nullptr || resource == nullptr) return false;
-    const DWORD size = ::SizeofResource(library, resource);
     const void* const data = ::LockResource(::LoadResource(library, resource));
-    if (data == nullptr || size < kFixedInfoOffset + sizeof info) return false;
-    std::memcpy(&info, static_cast<const char*>(data) + kFixedInfoOffset, sizeof info);
-    return info.dwSignature == kFixedInfoSignature;
+    void* found = nullptr;
+    UINT size = 0;
+    if (data == nullptr || !::VerQueryValueW(data, L"\\", &found, &size)) return false;
+    info = *static_cast<const VS_FIXEDFILEINFO*>(found);
+    return true;
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "Table.h"
+#include "shared/Table.h"
 
 // The library's listings, which are JSON, as tables with a row of headings. Text that is no such
 // listing is thrown as an exception.

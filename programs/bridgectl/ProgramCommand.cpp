@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "OptionParser.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -8,299 +8,274 @@ namespace {
 // A code that is added to the library's table and not here does not build.
 const char* meaningOf(XErrCode code) {
     switch (code) {
-        case XERR_FAILURE:
+        case XErrCode::XERR_FAILURE:
             return "it failed; the log has the cause";
-        case XERR_SUCCESS:
+        case XErrCode::XERR_SUCCESS:
             return "it worked";
-        case XERR_PERM:
+        case XErrCode::XERR_PERM:
             return "not permitted";
-        case XERR_NOENT:
+        case XErrCode::XERR_NOENT:
             return "no such file or folder";
-        case XERR_SRCH:
+        case XErrCode::XERR_SRCH:
             return "no such process";
-        case XERR_INTR:
+        case XErrCode::XERR_INTR:
             return "interrupted";
-        case XERR_IO:
+        case XErrCode::XERR_IO:
             return "input or output failed";
-        case XERR_NXIO:
+        case XErrCode::XERR_NXIO:
             return "no such device or address";
-        case XERR_2BIG:
+        case XErrCode::XERR_2BIG:
             return "too long";
-        case XERR_NOEXEC:
+        case XErrCode::XERR_NOEXEC:
             return "not an executable format";
-        case XERR_BADF:
+        case XErrCode::XERR_BADF:
             return "bad handle";
-        case XERR_CHILD:
+        case XErrCode::XERR_CHILD:
             return "no child process";
-        case XERR_AGAIN:
+        case XErrCode::XERR_AGAIN:
             return "not now; try again";
-        case XERR_NOMEM:
+        case XErrCode::XERR_NOMEM:
             return "not enough memory";
-        case XERR_ACCES:
+        case XErrCode::XERR_ACCES:
             return "access denied";
-        case XERR_FAULT:
+        case XErrCode::XERR_FAULT:
             return "bad address";
-        case XERR_NOTBLK:
+        case XErrCode::XERR_NOTBLK:
             return "not a block device";
-        case XERR_BUSY:
+        case XErrCode::XERR_BUSY:
             return "busy";
-        case XERR_EXIST:
+        case XErrCode::XERR_EXIST:
             return "exists already";
-        case XERR_XDEV:
+        case XErrCode::XERR_XDEV:
             return "on another device";
-        case XERR_NODEV:
+        case XErrCode::XERR_NODEV:
             return "no such device";
-        case XERR_NOTDIR:
+        case XErrCode::XERR_NOTDIR:
             return "not a folder";
-        case XERR_ISDIR:
+        case XErrCode::XERR_ISDIR:
             return "a folder";
-        case XERR_INVAL:
+        case XErrCode::XERR_INVAL:
             return "an argument was refused";
-        case XERR_NFILE:
+        case XErrCode::XERR_NFILE:
             return "too many open files in the system";
-        case XERR_MFILE:
+        case XErrCode::XERR_MFILE:
             return "too many open files";
-        case XERR_NOTTY:
+        case XErrCode::XERR_NOTTY:
             return "not a terminal";
-        case XERR_TXTBSY:
+        case XErrCode::XERR_TXTBSY:
             return "the program file is in use";
-        case XERR_FBIG:
+        case XErrCode::XERR_FBIG:
             return "the file, or what was asked for, is too big";
-        case XERR_NOSPC:
+        case XErrCode::XERR_NOSPC:
             return "the disk is full";
-        case XERR_SPIPE:
+        case XErrCode::XERR_SPIPE:
             return "cannot seek";
-        case XERR_ROFS:
+        case XErrCode::XERR_ROFS:
             return "the file system is read-only";
-        case XERR_MLINK:
+        case XErrCode::XERR_MLINK:
             return "too many links";
-        case XERR_PIPE:
+        case XErrCode::XERR_PIPE:
             return "the pipe is broken";
-        case XERR_DOM:
+        case XErrCode::XERR_DOM:
             return "outside the domain";
-        case XERR_RANGE:
+        case XErrCode::XERR_RANGE:
             return "outside the range";
-        case XERR_DEADLK:
+        case XErrCode::XERR_DEADLK:
             return "would deadlock";
-        case XERR_NAMETOOLONG:
+        case XErrCode::XERR_NAMETOOLONG:
             return "the name is too long";
-        case XERR_NOLCK:
+        case XErrCode::XERR_NOLCK:
             return "no locks left";
-        case XERR_NOSYS:
+        case XErrCode::XERR_NOSYS:
             return "not available here";
-        case XERR_NOTEMPTY:
+        case XErrCode::XERR_NOTEMPTY:
             return "the folder is not empty";
-        case XERR_LOOP:
+        case XErrCode::XERR_LOOP:
             return "too many symbolic links";
-        case XERR_NOMSG:
+        case XErrCode::XERR_NOMSG:
             return "no such message";
-        case XERR_IDRM:
+        case XErrCode::XERR_IDRM:
             return "the identifier is gone";
-        case XERR_CHRNG:
+        case XErrCode::XERR_CHRNG:
             return "the channel number is out of range";
-        case XERR_L2NSYNC:
+        case XErrCode::XERR_L2NSYNC:
             return "level 2 is not synchronised";
-        case XERR_L3HLT:
+        case XErrCode::XERR_L3HLT:
             return "level 3 halted";
-        case XERR_L3RST:
+        case XErrCode::XERR_L3RST:
             return "level 3 was reset";
-        case XERR_LNRNG:
+        case XErrCode::XERR_LNRNG:
             return "the link number is out of range";
-        case XERR_UNATCH:
+        case XErrCode::XERR_UNATCH:
             return "the protocol driver is not attached";
-        case XERR_NOCSI:
+        case XErrCode::XERR_NOCSI:
             return "no such structure";
-        case XERR_L2HLT:
+        case XErrCode::XERR_L2HLT:
             return "level 2 halted";
-        case XERR_BADE:
+        case XErrCode::XERR_BADE:
             return "bad exchange";
-        case XERR_BADR:
+        case XErrCode::XERR_BADR:
             return "bad request descriptor";
-        case XERR_XFULL:
+        case XErrCode::XERR_XFULL:
             return "the exchange is full";
-        case XERR_NOANO:
+        case XErrCode::XERR_NOANO:
             return "no anode";
-        case XERR_BADRQC:
+        case XErrCode::XERR_BADRQC:
             return "bad request code";
-        case XERR_BADSLT:
+        case XErrCode::XERR_BADSLT:
             return "bad slot";
-        case XERR_BFONT:
+        case XErrCode::XERR_BFONT:
             return "bad font file";
-        case XERR_NOSTR:
+        case XErrCode::XERR_NOSTR:
             return "not a stream";
-        case XERR_NODATA:
+        case XErrCode::XERR_NODATA:
             return "no data";
-        case XERR_TIME:
+        case XErrCode::XERR_TIME:
             return "the timer expired";
-        case XERR_NOSR:
+        case XErrCode::XERR_NOSR:
             return "no stream resources";
-        case XERR_NONET:
+        case XErrCode::XERR_NONET:
             return "not on a network";
-        case XERR_NOPKG:
+        case XErrCode::XERR_NOPKG:
             return "the package is not installed";
-        case XERR_REMOTE:
+        case XErrCode::XERR_REMOTE:
             return "the object is remote";
-        case XERR_NOLINK:
+        case XErrCode::XERR_NOLINK:
             return "the link was cut";
-        case XERR_ADV:
+        case XErrCode::XERR_ADV:
             return "advertising failed";
-        case XERR_SRMNT:
+        case XErrCode::XERR_SRMNT:
             return "a remote mount failed";
-        case XERR_COMM:
+        case XErrCode::XERR_COMM:
             return "sending failed";
-        case XERR_PROTO:
+        case XErrCode::XERR_PROTO:
             return "the protocol was broken";
-        case XERR_MULTIHOP:
+        case XErrCode::XERR_MULTIHOP:
             return "too many hops";
-        case XERR_DOTDOT:
+        case XErrCode::XERR_DOTDOT:
             return "a remote file system failed";
-        case XERR_BADMSG:
+        case XErrCode::XERR_BADMSG:
             return "bad message";
-        case XERR_OVERFLOW:
+        case XErrCode::XERR_OVERFLOW:
             return "the value is too large for its type";
-        case XERR_NOTUNIQ:
+        case XErrCode::XERR_NOTUNIQ:
             return "the name is not unique";
-        case XERR_BADFD:
+        case XErrCode::XERR_BADFD:
             return "the descriptor is in a bad state";
-        case XERR_REMCHG:
+        case XErrCode::XERR_REMCHG:
             return "the remote address changed";
-        case XERR_LIBACC:
+        case XErrCode::XERR_LIBACC:
             return "a shared library cannot be used";
-        case XERR_LIBBAD:
+        case XErrCode::XERR_LIBBAD:
             return "a shared library is damaged";
-        case XERR_LIBSCN:
+        case XErrCode::XERR_LIBSCN:
             return "a section of a library is damaged";
-        case XERR_LIBMAX:
+        case XErrCode::XERR_LIBMAX:
             return "too many shared libraries";
-        case XERR_LIBEXEC:
+        case XErrCode::XERR_LIBEXEC:
             return "a shared library is no program";
-        case XERR_ILSEQ:
+        case XErrCode::XERR_ILSEQ:
             return "the bytes are no text";
-        case XERR_RESTART:
+        case XErrCode::XERR_RESTART:
             return "the call is to be restarted";
-        case XERR_STRPIPE:
+        case XErrCode::XERR_STRPIPE:
             return "a stream pipe failed";
-        case XERR_USERS:
+        case XErrCode::XERR_USERS:
             return "too many users";
-        case XERR_NOTSOCK:
+        case XErrCode::XERR_NOTSOCK:
             return "not a socket";
-        case XERR_DESTADDRREQ:
+        case XErrCode::XERR_DESTADDRREQ:
             return "a destination is missing";
-        case XERR_MSGSIZE:
+        case XErrCode::XERR_MSGSIZE:
             return "the message is too long";
-        case XERR_PROTOTYPE:
+        case XErrCode::XERR_PROTOTYPE:
             return "the protocol does not fit the socket";
-        case XERR_NOPROTOOPT:
+        case XErrCode::XERR_NOPROTOOPT:
             return "no such protocol option";
-        case XERR_PROTONOSUPPORT:
+        case XErrCode::XERR_PROTONOSUPPORT:
             return "the protocol is not supported";
-        case XERR_SOCKTNOSUPPORT:
+        case XErrCode::XERR_SOCKTNOSUPPORT:
             return "the socket type is not supported";
-        case XERR_OPNOTSUPP:
+        case XErrCode::XERR_OPNOTSUPP:
             return "the operation is not supported";
-        case XERR_PFNOSUPPORT:
+        case XErrCode::XERR_PFNOSUPPORT:
             return "the protocol family is not supported";
-        case XERR_AFNOSUPPORT:
+        case XErrCode::XERR_AFNOSUPPORT:
             return "the address family is not supported";
-        case XERR_ADDRINUSE:
+        case XErrCode::XERR_ADDRINUSE:
             return "the name or address is in use";
-        case XERR_ADDRNOTAVAIL:
+        case XErrCode::XERR_ADDRNOTAVAIL:
             return "the address is not available";
-        case XERR_NETDOWN:
+        case XErrCode::XERR_NETDOWN:
             return "the network is down";
-        case XERR_NETUNREACH:
+        case XErrCode::XERR_NETUNREACH:
             return "the network cannot be reached";
-        case XERR_NETRESET:
+        case XErrCode::XERR_NETRESET:
             return "the network dropped the connection";
-        case XERR_CONNABORTED:
+        case XErrCode::XERR_CONNABORTED:
             return "the connection was aborted";
-        case XERR_CONNRESET:
+        case XErrCode::XERR_CONNRESET:
             return "the peer reset the connection";
-        case XERR_NOBUFS:
+        case XErrCode::XERR_NOBUFS:
             return "no buffers left";
-        case XERR_ISCONN:
+        case XErrCode::XERR_ISCONN:
             return "connected already";
-        case XERR_NOTCONN:
+        case XErrCode::XERR_NOTCONN:
             return "not connected";
-        case XERR_SHUTDOWN:
+        case XErrCode::XERR_SHUTDOWN:
             return "the connection was shut down";
-        case XERR_TOOMANYREFS:
+        case XErrCode::XERR_TOOMANYREFS:
             return "too many references";
-        case XERR_TIMEDOUT:
+        case XErrCode::XERR_TIMEDOUT:
             return "it took too long";
-        case XERR_CONNREFUSED:
+        case XErrCode::XERR_CONNREFUSED:
             return "the connection was refused";
-        case XERR_HOSTDOWN:
+        case XErrCode::XERR_HOSTDOWN:
             return "the machine is down";
-        case XERR_HOSTUNREACH:
+        case XErrCode::XERR_HOSTUNREACH:
             return "the machine cannot be reached";
-        case XERR_ALREADY:
+        case XErrCode::XERR_ALREADY:
             return "under way already";
-        case XERR_INPROGRESS:
+        case XErrCode::XERR_INPROGRESS:
             return "under way";
-        case XERR_STALE:
+        case XErrCode::XERR_STALE:
             return "the file handle is stale";
-        case XERR_UCLEAN:
+        case XErrCode::XERR_UCLEAN:
             return "the structure needs cleaning";
-        case XERR_NOTNAM:
+        case XErrCode::XERR_NOTNAM:
             return "not a named type file";
-        case XERR_NAVAIL:
+        case XErrCode::XERR_NAVAIL:
             return "no semaphores available";
-        case XERR_ISNAM:
+        case XErrCode::XERR_ISNAM:
             return "a named type file";
-        case XERR_REMOTEIO:
+        case XErrCode::XERR_REMOTEIO:
             return "remote input or output failed";
-        case XERR_DQUOT:
+        case XErrCode::XERR_DQUOT:
             return "the quota is used up";
-        case XERR_NOMEDIUM:
+        case XErrCode::XERR_NOMEDIUM:
             return "no medium";
-        case XERR_MEDIUMTYPE:
+        case XErrCode::XERR_MEDIUMTYPE:
             return "wrong type of medium";
-        case XERR_CANCELED:
+        case XErrCode::XERR_CANCELED:
             return "cancelled";
-        case XERR_NOKEY:
+        case XErrCode::XERR_NOKEY:
             return "no such key";
-        case XERR_KEYEXPIRED:
+        case XErrCode::XERR_KEYEXPIRED:
             return "the key has expired";
-        case XERR_KEYREVOKED:
+        case XErrCode::XERR_KEYREVOKED:
             return "the key was revoked";
-        case XERR_KEYREJECTED:
+        case XErrCode::XERR_KEYREJECTED:
             return "the key was rejected";
-        case XERR_OWNERDEAD:
+        case XErrCode::XERR_OWNERDEAD:
             return "the owner died";
-        case XERR_NOTRECOVERABLE:
+        case XErrCode::XERR_NOTRECOVERABLE:
             return "the state cannot be recovered";
-        case XERR_RFKILL:
+        case XErrCode::XERR_RFKILL:
             return "a radio is switched off";
-        case XERR_HWPOISON:
+        case XErrCode::XERR_HWPOISON:
             return "the hardware found a bad page";
     }
     return "";
-}
-
-constexpr XErrCode kCodes[] = {
-#define BRIDGECTL_CODE(code, name) XERR_##name,
-    XERR_CODES(BRIDGECTL_CODE)
-#undef BRIDGECTL_CODE
-};
-
-struct WindowsRow {
-    std::int32_t windowsError;
-    XErr code;
-};
-
-constexpr WindowsRow kWindowsRows[] = {
-#define BRIDGECTL_ROW(windowsError, windowsName, name) {windowsError, XERR_##name},
-    XERR_WINDOWS_ERRORS(BRIDGECTL_ROW)
-#undef BRIDGECTL_ROW
-};
-
-std::vector<std::int32_t> windowsErrorsOf(XErr code) {
-    std::vector<std::int32_t> errors;
-    for (const WindowsRow& row : kWindowsRows) {
-        if (row.code == code) errors.push_back(row.windowsError);
-    }
-    return errors;
 }
 
 std::string listOf(const std::vector<std::int32_t>& errors) {
@@ -327,8 +302,9 @@ std::optional<ResultCode> windowsResult(XErr code) {
 
 std::vector<ResultCode> resultCodes() {
     std::vector<ResultCode> codes;
-    for (const XErrCode code : kCodes) {
-        codes.push_back({code, xerrName(code), meaningOf(code), windowsErrorsOf(code)});
+    for (const XErr code : xerrCodes()) {
+        codes.push_back({code, xerrName(code), meaningOf(static_cast<XErrCode>(code)),
+                         xerrWindowsErrors(code)});
     }
     return codes;
 }

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "JsonValue.h"
-#include "Table.h"
+#include "shared/JsonValue.h"
+#include "shared/Table.h"
 #include "xpl/Xerr.h"
 
 // The library's result codes in words.

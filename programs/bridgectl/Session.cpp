@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "Console.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
+#include "shared/Console.h"
 #include "utl/UtlFolders.h"
 
 Session::~Session() { stop(); }

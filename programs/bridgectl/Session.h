@@ -7,7 +7,7 @@
 
 #include "CallTimes.h"
 #include "Configuration.h"
-#include "ProgramRun.h"
+#include "shared/ProgramRun.h"
 
 // One run of the program: the options in front of the command, and the library once a command needs
 // it.

@@ -1,9 +1,9 @@
 // bridgectl: the library from a command line.
-#include "CommandLine.h"
-#include "Console.h"
 #include "LibraryVersion.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/CommandLine.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "StandinDefaults.h"
 #include "StandinPipe.h"
 #include "StandinServer.h"
-#include "bridgectl/JsonValue.h"
+#include "shared/JsonValue.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <optional>
 
-#include "bridgectl/JsonValue.h"
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
+#include "shared/JsonValue.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "bridgectl/JsonValue.h"
 #include "ipc/IpcPacket.h"
+#include "shared/JsonValue.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 namespace {
 
 // A front end whose instances are all taken, or that does not read, is given up after this.
-constexpr std::uint32_t kPatienceMs = 30'000;
+constexpr std::uint32_t kTimeoutMs = 30'000;
 
 // Both parts of a split event arrive on their own.
 constexpr std::chrono::milliseconds kBetweenParts{50};
@@ -17,10 +17,10 @@ std::string serverOf(const std::string& client) { return "vtr_" + client + "_bri
 
 bool write(StandinPipe& pipe, std::string_view bytes, const std::optional<std::size_t>& split) {
     const std::size_t first = std::min(split.value_or(bytes.size()), bytes.size());
-    if (!pipe.write(bytes.substr(0, first), kPatienceMs)) return false;
+    if (!pipe.write(bytes.substr(0, first), kTimeoutMs)) return false;
     if (first == bytes.size()) return true;
     std::this_thread::sleep_for(kBetweenParts);
-    return pipe.write(bytes.substr(first), kPatienceMs);
+    return pipe.write(bytes.substr(first), kTimeoutMs);
 }
 
 // One front end's part.
@@ -57,7 +57,7 @@ class Delivery {
     }
 
     bool connect() {
-        if (!pipe_.isOpen()) pipe_ = StandinPipe::connect(server_, kPatienceMs);
+        if (!pipe_.isOpen()) pipe_ = StandinPipe::connect(server_, kTimeoutMs);
         return pipe_.isOpen();
     }
 

@@ -1,6 +1,6 @@
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -75,14 +75,14 @@ TEST_F(AppcCopyTest, TheMachineWideLockIsReleased) {
     EXPECT_TRUE(isFileLockFree());
 }
 
-SCENE(copiesWithoutACache) {
+SUBPROCESS(copiesWithoutACache) {
     LogCapture log;
     ForeignStore store(arguments[0]);
     return appcCopyInstance(store, "Nougat64", "New");
 }
 
 TEST_F(AppcCopyTest, BeforeACacheIsOpenedThereIsNoLockToTake) {
-    EXPECT_EQ(runScene("copiesWithoutACache", {data.path()}).status, kFatalStatus);
+    EXPECT_EQ(runSubprocess("copiesWithoutACache", {data.path()}).status, kFatalStatus);
     EXPECT_TRUE(data.has("Engine\\New\\AppCache"));
     EXPECT_FALSE(data.has("Engine\\New\\AppCache\\AppCache.json"));
 }

@@ -53,9 +53,9 @@ class MoveCount final : public AppcFiles {
     AppcWrite write(const std::string& path, std::string_view text) override {
         return appcDiskFiles().write(path, text);
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         ++moves;
-        return appcDiskFiles().move(source, destination);
+        return appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override { appcDiskFiles().remove(path); }
 };

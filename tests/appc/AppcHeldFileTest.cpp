@@ -31,9 +31,9 @@ class HeldFiles final : public AppcFiles {
     AppcWrite write(const std::string& path, std::string_view text) override {
         return appcDiskFiles().write(path, text);
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         isMoved = true;
-        return appcDiskFiles().move(source, destination);
+        return appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override {
         isRemoved = true;

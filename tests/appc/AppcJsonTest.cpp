@@ -144,7 +144,7 @@ TEST(AppcJson, OnlyAnArrayIsAnArray) {
     EXPECT_FALSE(isArray(std::string_view("[]\0", 3)));
 }
 
-TEST(AppcJson, TextsAreReadWithPatience) {
+TEST(AppcJson, TextsAreReadTolerantly) {
     EXPECT_EQ(labelOf("a\tb"), "a\tb") << "a control character without its escape";
     EXPECT_EQ(labelOf(R"(\x\')"), "x'") << "an escape that JSON does not have";
 }

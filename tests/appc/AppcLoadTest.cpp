@@ -4,7 +4,7 @@
 #include "support/HeldFile.h"
 #include "support/Platform.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -237,7 +237,7 @@ TEST_F(AppcLoadTest, AFolderInPlaceOfTheFileStays) {
 }
 
 // Keeps a file open that nobody else may open.
-SCENE(holdsFile) {
+SUBPROCESS(holdsFile) {
     const HeldFile held(arguments[0]);
     std::puts(held.isHeld() ? "held" : "failed");
     std::fflush(stdout);
@@ -249,7 +249,7 @@ TEST_F(AppcLoadTest, AFileThatAnotherProcessHoldsForItselfStaysAndTheCacheIsEmpt
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(kTwoApps), 0);
     {
-        ChildProcess holder = startScene("holdsFile", {file()});
+        ChildProcess holder = startSubprocess("holdsFile", {file()});
         ASSERT_EQ(holder.readLine(), "held");
         EXPECT_EQ(appcLoadFromFile(store), 0);
     }
@@ -302,6 +302,35 @@ TEST_F(AppcLoadTest, ALookupOfAnUnknownPackageChangesNothing) {
     EXPECT_EQ(label, "before");
 }
 
+TEST_F(AppcLoadTest, AListingOpensTheInstanceAndHasTheIconsPaths) {
+    write(arrayOf({Element().text()}));
+    std::string folder;  // as it stands in JSON
+    for (const char c : dir()) folder += c == '\\' ? "\\\\" : std::string(1, c);
+    std::string listing;
+    EXPECT_EQ(appcListApps(store, "Nougat64", listing), 0);
+    EXPECT_EQ(listing,
+              "[\n"
+              "    {\n"
+              "        \"activity\": \"com.a.Main\",\n"
+              "        \"appLabel\": \"A\",\n"
+              "        \"iconFilePath\": \"" +
+                  folder +
+                  "com.a.png\",\n"
+                  "        \"package\": \"com.a\",\n"
+                  "        \"versionCode\": 1,\n"
+                  "        \"versionName\": \"1.0\"\n"
+                  "    }\n"
+                  "]\n");
+    EXPECT_EQ(packages(), Lines{"com.a"});
+}
+
+TEST_F(AppcLoadTest, AFailedListingLeavesTheTextAsItWas) {
+    write("[{}]");
+    std::string listing = "before";
+    EXPECT_EQ(appcListApps(store, "Nougat64", listing), XERR_FAILURE);
+    EXPECT_EQ(listing, "before");
+}
+
 TEST_F(AppcLoadTest, PackageNamesAreAppended) {
     ASSERT_EQ(init(kTwoApps), 0);
     std::list<std::string> list{"first"};
@@ -340,7 +369,7 @@ class WatchingFiles final : public AppcFiles {
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
     bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string&) override {}
 };
 
@@ -353,7 +382,7 @@ class ClosedFiles final : public AppcFiles {
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
     bool isReplaceable(const std::string&) override { return false; }
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr move(const std::string&, const std::string&) override { return XERR_FAILURE; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string& path) override { appcDiskFiles().remove(path); }
 
  private:
@@ -396,7 +425,7 @@ TEST_F(AppcLoadTest, EveryOutcomeReleasesTheMachineWideLock) {
     }
 }
 
-SCENE(printsTheProcesssStore) {
+SUBPROCESS(printsTheProcesssStore) {
     LogCapture quiet;
     RegistrySandbox registry;
     registry.set("UserDefinedDir", "D:\\Data");
@@ -407,7 +436,7 @@ SCENE(printsTheProcesssStore) {
 }
 
 TEST(AppcStoreTest, TheProcesssStoreLivesInTheProductsFolders) {
-    const ChildResult result = runScene("printsTheProcesssStore");
+    const ChildResult result = runSubprocess("printsTheProcesssStore");
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(logMessages(result.out),
               (Lines{"D:\\Data\\", "D:\\Data\\/Engine/UserData/SharedFolder/",

@@ -7,7 +7,7 @@
 
 #include "AppcFixture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -31,6 +31,11 @@ std::vector<Operation> operations(const std::string& data) {
          [](AppcStore& s, int) {
              std::list<std::string> packages;
              appcGetPackages(s, packages);
+         }},
+        {"listing",
+         [](AppcStore& s, int) {
+             std::string listing;
+             EXPECT_EQ(appcListApps(s, "Nougat64", listing), 0);
          }},
         {"sync",
          [](AppcStore& s, int) {
@@ -68,7 +73,7 @@ void runBeside(AppcStore& store, const Operation& a, const Operation& b, int rou
 
 }  // namespace
 
-SCENE(runsEveryPair) {
+SUBPROCESS(runsEveryPair) {
     LogCapture quiet;
     ForeignStore store(arguments[0]);
     if (appcLibInit(store, "Nougat64") != 0) return 1;
@@ -88,14 +93,14 @@ TEST_F(AppcTest, NoTwoOperationsWaitForEachOtherForEver) {
     data.makeFolder("Engine\\Nougat64\\AppCache");
     ChildOptions options;
     options.limit = std::chrono::seconds(120);
-    const ChildResult result = runScene("runsEveryPair", {data.path()}, options);
+    const ChildResult result = runSubprocess("runsEveryPair", {data.path()}, options);
     const auto pairs = std::count(result.out.begin(), result.out.end(), '\n');
     EXPECT_EQ(result.status, 0u) << "the last pair that came to its end: " << result.out;
-    EXPECT_EQ(pairs, 10 * 11 / 2);
+    EXPECT_EQ(pairs, 11 * 12 / 2);
 }
 
 // Loads and saves from the threads of two processes at once.
-SCENE(loadsAndSavesOnThreads) {
+SUBPROCESS(loadsAndSavesOnThreads) {
     LogCapture log;
     ForeignStore store(arguments[0]);
     if (appcLibInit(store, "Nougat64") != 0) return 1;
@@ -118,8 +123,8 @@ TEST_F(AppcTest, ThreadsOfTwoProcessesLoadAndSave) {
     ASSERT_EQ(init("[]"), 0);
     ChildOptions options;
     options.limit = std::chrono::seconds(120);
-    ChildProcess a = startScene("loadsAndSavesOnThreads", {data.path()}, options);
-    ChildProcess b = startScene("loadsAndSavesOnThreads", {data.path()}, options);
+    ChildProcess a = startSubprocess("loadsAndSavesOnThreads", {data.path()}, options);
+    ChildProcess b = startSubprocess("loadsAndSavesOnThreads", {data.path()}, options);
     for (ChildProcess* child : {&a, &b}) {
         const ChildResult result = child->finish();
         EXPECT_EQ(result.status, 0u);

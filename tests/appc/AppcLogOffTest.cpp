@@ -65,7 +65,7 @@ class Failing : public AppcFiles {
         if (step_ == Open) return AppcWrite::OpenFailed;
         return step_ == Write ? AppcWrite::WriteFailed : AppcWrite::Done;
     }
-    XErr move(const std::string&, const std::string&) override { return XERR_ACCES; }
+    XErr replace(const std::string&, const std::string&) override { return XERR_ACCES; }
     void remove(const std::string&) override { ++removed; }
 
     int removed = 0;

@@ -6,7 +6,7 @@
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "xpl/Xproc.h"
 
 namespace fs = std::filesystem;
@@ -57,9 +57,9 @@ class FailingFiles final : public AppcFiles {
         const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
         return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         if (throwInMove) throw std::bad_alloc();
-        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override {
         removed.push_back(path);
@@ -93,9 +93,9 @@ class DyingFiles final : public AppcFiles {
         step();
         return result;
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         step();
-        const XErr err = appcDiskFiles().move(source, destination);
+        const XErr err = appcDiskFiles().replace(source, destination);
         step();
         return err;
     }
@@ -248,9 +248,9 @@ class LockWatch final : public AppcFiles {
         note("write");
         return appcDiskFiles().write(path, text);
     }
-    XErr move(const std::string& source, const std::string& destination) override {
+    XErr replace(const std::string& source, const std::string& destination) override {
         note("move");
-        return failMove ? XERR_ACCES : appcDiskFiles().move(source, destination);
+        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
     }
     void remove(const std::string& path) override {
         note("remove");
@@ -329,7 +329,7 @@ TEST_F(AppcSaveTest, EveryStepThatFailsLeavesTheOldFileWhole) {
     }
 }
 
-SCENE(savesAndDies) {
+SUBPROCESS(savesAndDies) {
     LogCapture quiet;
     DyingFiles files(std::stoi(arguments[1]));
     ForeignStore store(arguments[0], files);
@@ -342,7 +342,8 @@ TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
     constexpr int kMoved = 8;  // the step behind the move
     for (int step = 1;; ++step) {
         ASSERT_EQ(init(fileOf(kOld)), 0);
-        const ChildResult child = runScene("savesAndDies", {data.path(), std::to_string(step)});
+        const ChildResult child =
+            runSubprocess("savesAndDies", {data.path(), std::to_string(step)});
         if (child.status == 0) {
             EXPECT_EQ(step, kMoved + 1) << "the sweep went through every step";
             EXPECT_EQ(read(), fileOf(kNew));
@@ -358,7 +359,7 @@ TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
 }
 
 // Saves and loads the same cache in turn; the apps of one save all carry its writer and its number.
-SCENE(savesAndLoads) {
+SUBPROCESS(savesAndLoads) {
     LogCapture log;
     ForeignStore store(arguments[0]);
     const std::string own = arguments[1];
@@ -392,8 +393,8 @@ TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) 
     ASSERT_EQ(appcSaveToFile(store), 0);
     ChildOptions options;
     options.limit = std::chrono::seconds(120);
-    ChildProcess a = startScene("savesAndLoads", {data.path(), "a", "1000"}, options);
-    ChildProcess b = startScene("savesAndLoads", {data.path(), "b", "1000"}, options);
+    ChildProcess a = startSubprocess("savesAndLoads", {data.path(), "a", "1000"}, options);
+    ChildProcess b = startSubprocess("savesAndLoads", {data.path(), "b", "1000"}, options);
     ASSERT_EQ(a.readLine(), "ready");
     ASSERT_EQ(b.readLine(), "ready");
     for (ChildProcess* child : {&a, &b}) {
@@ -407,7 +408,7 @@ TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) 
     EXPECT_EQ(list(), Lines{"AppCache.json"});
 }
 
-SCENE(staysAlive) {
+SUBPROCESS(staysAlive) {
     sleepMs(120'000);
     return 0;
 }
@@ -421,7 +422,7 @@ TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
     std::thread launcher([&] {
         for (int i = 0; i < kChildren; ++i) {
             EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
-                                  {builtProgram("appc_test.exe"), "--scene", "staysAlive"}),
+                                  {builtProgram("appc_test.exe"), "--subprocess", "staysAlive"}),
                       0);
             // Spread over all the saves.
             while (saves < kSaves * i / kChildren) sleepMs(1);

@@ -12,7 +12,7 @@
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace fs = std::filesystem;
@@ -43,7 +43,7 @@ class BridgeAppsTest : public ::testing::Test {
     std::string file(const std::string& instance) const { return dir(instance) + "AppCache.json"; }
 
     std::string listing(const std::string& instance) {
-        const auto text = bridge::bridgeGetInstalledApps(store, instance);
+        const auto text = internal::bridgeGetInstalledApps(store, instance);
         EXPECT_TRUE(text) << instance;
         return text.value_or("");
     }
@@ -178,7 +178,7 @@ TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
     for (const char* content : {"[3]", "[{}]"}) {
         write("Nougat32", content);
         log.clear();
-        EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "Nougat32"), std::nullopt);
+        EXPECT_EQ(internal::bridgeGetInstalledApps(store, "Nougat32"), std::nullopt);
         const Lines lines = log.texts();
         ASSERT_GE(lines.size(), 2u);
         EXPECT_EQ(Lines(lines.end() - 2, lines.end()),
@@ -190,7 +190,7 @@ TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
 }
 
 TEST_F(BridgeAppsTest, ALockThatCannotBeMadeIsNoListing) {
-    EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
+    EXPECT_EQ(internal::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
     EXPECT_EQ(log.texts().back(), "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)");
 }
 
@@ -220,7 +220,7 @@ TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
 }
 
 // The listing beside everything that edits a cache, on threads.
-SCENE(listsBesideEdits) {
+SUBPROCESS(listsBesideEdits) {
     LogCapture log;
     Cache store(arguments[0]);
     if (appcLibInit(store, "Nougat32") != 0) return 1;
@@ -230,8 +230,8 @@ SCENE(listsBesideEdits) {
         });
     };
     std::thread threads[] = {
-        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Nougat32")); }),
-        repeat([&] { EXPECT_TRUE(bridge::bridgeGetInstalledApps(store, "Other")); }),
+        repeat([&] { EXPECT_TRUE(internal::bridgeGetInstalledApps(store, "Nougat32")); }),
+        repeat([&] { EXPECT_TRUE(internal::bridgeGetInstalledApps(store, "Other")); }),
         repeat([&] { EXPECT_EQ(appcSaveToFile(store), 0); }),
         repeat([&] { EXPECT_EQ(appcLoadFromFile(store), 0); }),
         repeat([&] { EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0); })};
@@ -242,5 +242,5 @@ SCENE(listsBesideEdits) {
 TEST_F(BridgeAppsTest, AListingAndEditsNeverWaitForEachOtherForEver) {
     write("Nougat32", oneApp("com.a"));
     write("Other", oneApp("com.b"));
-    EXPECT_EQ(runScene("listsBesideEdits", {data.path()}).status, 0u);
+    EXPECT_EQ(runSubprocess("listsBesideEdits", {data.path()}).status, 0u);
 }

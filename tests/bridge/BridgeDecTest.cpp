@@ -11,8 +11,8 @@
 #include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
-#include "support/OddPackets.h"
-#include "support/Scene.h"
+#include "support/MalformedPackets.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -205,20 +205,20 @@ TEST_F(BridgeDecTest, AHostWithoutFunctionsOnlyLogs) {
     bridgeSetCallbacks({});
     for (std::uint32_t opcode = 3000; opcode <= 3008; ++opcode) {
         log.clear();
-        EXPECT_TRUE(decode(evenPacket(opcode)));
+        EXPECT_TRUE(decode(validPacket(opcode)));
         EXPECT_EQ(bridgeLines().size(), 3u);
     }
     EXPECT_EQ(hostCalls, Lines{});
 }
 
-TEST_F(BridgeDecTest, EachOddPacketIsReadAsACarefulReaderDoes) {
+TEST_F(BridgeDecTest, EachMalformedPacketIsReadAsTheReferenceDoes) {
     const std::string good = appDisplayedPacket("good", "one");
-    const Lines packets = oddPackets();
+    const Lines packets = malformedPackets();
     EXPECT_GE(packets.size(), 300u);
     for (const std::string& packet : packets) {
         hostCalls.clear();
         log.clear();
-        const Reading expected = readCarefully(packet);
+        const Reading expected = referenceReading(packet);
         ASSERT_EQ(decode(packet), expected.error.empty());
         ASSERT_EQ(hostCalls, expected.calls);
         if (expected.error.empty()) {
@@ -257,7 +257,7 @@ TEST_F(BridgeDecTest, TheConfigurationIsLoadedAgainBeforeTheHostIsCalled) {
 TEST_F(BridgeDecTest, TheOtherEventsDoNotLoadTheConfiguration) {
     folder.write("vantrel.conf", "not a configuration\n");
     for (const std::uint32_t opcode : {3000u, 3001u, 3002u, 3004u, 3005u, 3007u, 3008u}) {
-        EXPECT_TRUE(decode(evenPacket(opcode)));
+        EXPECT_TRUE(decode(validPacket(opcode)));
     }
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
     EXPECT_EQ(hostCalls.size(), 7u);
@@ -331,7 +331,7 @@ TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
     std::string reply = before;
     for (std::uint32_t opcode = 2999; opcode <= 3009; ++opcode) {
         const bool isEvent = opcode >= 3000 && opcode <= 3008;
-        const std::string packet = isEvent ? evenPacket(opcode) : packetOf(opcode, "", 0);
+        const std::string packet = isEvent ? validPacket(opcode) : packetOf(opcode, "", 0);
         EXPECT_EQ(bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
                                static_cast<std::int32_t>(packet.size()), reply.data(),
                                static_cast<std::int32_t>(reply.size())),
@@ -341,7 +341,7 @@ TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
 }
 
 // Slot 3 set and slot 4 null: the call would jump to no function.
-SCENE(callsSlot4OfNull) {
+SUBPROCESS(callsSlot4OfNull) {
     BridgeCallbacks host{};
     host.onApkInstallCompleted = [](const char*, bridge_i32, const char*) {};
     bridgeSetCallbacks(host);
@@ -355,7 +355,7 @@ SCENE(callsSlot4OfNull) {
 
 TEST(BridgeDecFatalTest, Slot3WithoutSlot4EndsTheProcessAtAListUpdate) {
     for (const char* event : {"list", "progress"}) {
-        const ChildResult result = runScene("callsSlot4OfNull", {event});
+        const ChildResult result = runSubprocess("callsSlot4OfNull", {event});
         EXPECT_EQ(result.status, kFatalStatus) << event;
         EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/bridge/BridgeIpcClbk:"),
                   std::string::npos)

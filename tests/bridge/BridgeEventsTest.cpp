@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "HostCalls.h"
+#include "ReplacedIpcCalls.h"
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeInit.h"
 #include "ipc/IpcName.h"
@@ -14,7 +15,7 @@
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ int failInit(IpcServerThread**, const std::string& name, IpcDecode) {
     return -9;
 }
 
-void initialise() { static_cast<void>(bridge::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
+void initialise() { static_cast<void>(internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
 
 // The lines that the bridge logged since, and the calls that the host got.
 void print(LogCapture& log) {
@@ -44,8 +45,8 @@ void decodeOne() {
                  static_cast<std::int32_t>(packet.size()), nullptr, 0);
 }
 
-std::string outputOf(const std::string& scene) {
-    const ChildResult result = runScene(scene);
+std::string outputOf(const std::string& subprocess) {
+    const ChildResult result = runSubprocess(subprocess);
     EXPECT_EQ(result.status, 0u) << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -66,9 +67,10 @@ void sendOne() {
 
 }  // namespace
 
-SCENE(registersBeforeInit) {
+SUBPROCESS(registersBeforeInit) {
+    const ReplacedIpcCalls failing(failInit);
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
     return 0;
@@ -80,16 +82,17 @@ TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothi
               "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n");
 }
 
-SCENE(failsToStart) {
+SUBPROCESS(failsToStart) {
+    const ReplacedIpcCalls failing(failInit);
     initialise();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
-    bridge::bridgeRegisterCallbacks(writingHost(), failInit);
+    internal::bridgeRegisterCallbacks(writingHost());
     decodeOne();
     print(log);
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     return 0;
 }
 
@@ -104,16 +107,16 @@ TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
               "fini 0\n");
 }
 
-SCENE(registersTwice) {
+SUBPROCESS(registersTwice) {
     initialise();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks({});
+    internal::bridgeRegisterCallbacks({});
     waitUntilServed();
     sendOne();
     print(log);
-    bridge::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks(writingHost());
     sendOne();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     print(log);
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
     return 0;
@@ -131,16 +134,16 @@ TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
               "served 0\n");
 }
 
-SCENE(finishesWithoutServer) {
+SUBPROCESS(finishesWithoutServer) {
     LogCapture log;
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     initialise();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
-    bridge::bridgeRegisterCallbacks(writingHost());
+    std::printf("fini %d\n", internal::bridgeApiFini());
+    internal::bridgeRegisterCallbacks(writingHost());
     waitUntilServed();
     sendOne();
-    std::printf("fini %d\n", bridge::bridgeApiFini());
-    std::printf("fini %d\n", bridge::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
+    std::printf("fini %d\n", internal::bridgeApiFini());
     for (const std::string& call : hostCalls) std::printf("%s\n", call.c_str());
     return 0;
 }
@@ -150,12 +153,12 @@ TEST(BridgeEventsTest, FinishingWithoutAServerDoesNothingAndOneCanStillStart) {
               "fini 0\nfini 0\nfini 0\nfini 0\nonCreateInstanceCompleted(7|N)\n");
 }
 
-SCENE(registersAfterFini) {
+SUBPROCESS(registersAfterFini) {
     initialise();
-    bridge::bridgeRegisterCallbacks({});
-    bridge::bridgeApiFini();
+    internal::bridgeRegisterCallbacks({});
+    internal::bridgeApiFini();
     LogCapture log;
-    bridge::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks(writingHost());
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
     decodeOne();
     print(log);
@@ -170,19 +173,19 @@ TEST(BridgeEventsTest, AfterTheEndCallbacksAreSetButNoServerComesBack) {
               "onCreateInstanceCompleted(0|N)\n");
 }
 
-SCENE(finishesInACallback) {
+SUBPROCESS(finishesInACallback) {
     initialise();
     LogCapture log;
     BridgeCallbacks host{};
     host.onCreateInstanceCompleted = [](bridge_i32, const char*) {
-        hostCalls.push_back("fini " + std::to_string(bridge::bridgeApiFini()));
+        hostCalls.push_back("fini " + std::to_string(internal::bridgeApiFini()));
     };
-    bridge::bridgeRegisterCallbacks(host);
+    internal::bridgeRegisterCallbacks(host);
     waitUntilServed();
     sendOne();
     sendOne();
     std::printf("served %d\n", ipcNameIsServed(kServerName) ? 1 : 0);
-    bridge::bridgeApiFini();
+    internal::bridgeApiFini();
     print(log);
     return 0;
 }

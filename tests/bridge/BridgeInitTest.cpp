@@ -12,11 +12,11 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
-XErr initialise(const char* client) { return bridge::bridgeApiInitEx(client, true, 0, "NUL"); }
+XErr initialise(const char* client) { return internal::bridgeApiInitEx(client, true, 0, "NUL"); }
 
 // The bridge's lines with where they come from.
 void print(const LogCapture& log) {
@@ -26,8 +26,8 @@ void print(const LogCapture& log) {
     }
 }
 
-std::string outputOf(const std::string& scene) {
-    const ChildResult result = runScene(scene);
+std::string outputOf(const std::string& subprocess) {
+    const ChildResult result = runSubprocess(subprocess);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -36,7 +36,7 @@ std::string outputOf(const std::string& scene) {
 
 }  // namespace
 
-SCENE(initialisesThreeWays) {
+SUBPROCESS(initialisesThreeWays) {
     RegistrySandbox registry;
     registry.set("Version", "1.0");
     const LogCapture log;
@@ -60,18 +60,18 @@ TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
                   "Configuration loaded successfully...\n");
 }
 
-SCENE(keepsTheClientsText) {
+SUBPROCESS(keepsTheClientsText) {
     RegistrySandbox registry;
     registry.set("Version", "1.0");
     const LogCapture log;
     char first[] = "Helper";
     char second[] = "Installer";
-    if (bridge::clientId() != nullptr || initialise("other") != XERR_INVAL) return 1;
-    if (bridge::clientId() != nullptr) return 2;
-    if (initialise(first) != XERR_SUCCESS || bridge::clientId() != first) return 3;
-    if (initialise("helper") != XERR_INVAL || bridge::clientId() != first) return 4;
-    if (initialise("Launcher") != XERR_FAILURE || bridge::clientId() != first) return 5;
-    if (initialise(second) != XERR_SUCCESS || bridge::clientId() != second) return 6;
+    if (internal::clientId() != nullptr || initialise("other") != XERR_INVAL) return 1;
+    if (internal::clientId() != nullptr) return 2;
+    if (initialise(first) != XERR_SUCCESS || internal::clientId() != first) return 3;
+    if (initialise("helper") != XERR_INVAL || internal::clientId() != first) return 4;
+    if (initialise("Launcher") != XERR_FAILURE || internal::clientId() != first) return 5;
+    if (initialise(second) != XERR_SUCCESS || internal::clientId() != second) return 6;
     return 0;
 }
 
@@ -79,7 +79,7 @@ TEST(BridgeInitTest, TheHostsOwnTextIsKeptFromTheLastInitialisationThatWasNotRef
     EXPECT_EQ(outputOf("keepsTheClientsText"), "");
 }
 
-SCENE(cannotMakeTheLock) {
+SUBPROCESS(cannotMakeTheLock) {
     RegistrySandbox registry;
     confStore().fileLockName = "a\\b";  // in no folder of the system's
     const LogCapture log;

@@ -2,18 +2,19 @@
 #include <gtest/gtest.h>
 
 #include "HostCalls.h"
+#include "ReplacedIpcCalls.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeApps.h"
 #include "bridge/BridgeDec.h"
+#include "bridge/BridgeEntry.h"
 #include "bridge/BridgeEvents.h"
-#include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -80,44 +81,47 @@ TEST_F(BridgeLogOffTest, NullTexts) {
 TEST_F(BridgeLogOffTest, AListingWithoutALock) {
     const TempFolder folder;
     AppcStore store(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\");
-    EXPECT_EQ(bridge::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
+    EXPECT_EQ(internal::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
 }
 
 TEST_F(BridgeLogOffTest, ClientsThatCannotBePrepared) {
-    EXPECT_EQ(bridge::bridgePlrShutdown("Nougat64", true, failInit), -7);
-    bridge::bridgeShutdown(failInit);
+    const ReplacedIpcCalls failing(failInit);
+    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true), -7);
+    internal::bridgeShutdown();
 }
 
 // The initialisation puts the library's own logger in place: what comes before it is silent.
-SCENE(initialisesInSilence) {
+SUBPROCESS(initialisesInSilence) {
     RegistrySandbox registry;
     const TempFolder folder;
     const LogOff off;
-    if (bridge::bridgeApiInitEx("Nobody", true, 0, "NUL") != XERR_INVAL) return 1;
-    if (bridge::bridgeApiInitEx("Launcher", true, 0, "NUL") != -1) return 2;
+    if (internal::bridgeApiInitEx("Nobody", true, 0, "NUL") != XERR_INVAL) return 1;
+    if (internal::bridgeApiInitEx("Launcher", true, 0, "NUL") != -1) return 2;
     if (off.refused() != 2 || off.printed() != 0) return 3;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
+    const ReplacedIpcCalls failing(failToListen);
+    internal::bridgeRegisterCallbacks(writingHost());
     if (off.refused() != 3) return 4;
     return 0;
 }
 
-TEST(BridgeLogOffSceneTest, ClientsThatAreRefused) {
-    EXPECT_EQ(runScene("initialisesInSilence").status, 0u);
+TEST(BridgeLogOffSubprocessTest, ClientsThatAreRefused) {
+    EXPECT_EQ(runSubprocess("initialisesInSilence").status, 0u);
 }
 
-SCENE(registersInSilence) {
+SUBPROCESS(registersInSilence) {
     RegistrySandbox registry;
-    if (bridge::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
+    if (internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL") != 0) return 1;
     const LogOff off;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
-    bridge::bridgeRegisterCallbacks({}, failToListen);
+    const ReplacedIpcCalls failing(failToListen);
+    internal::bridgeRegisterCallbacks(writingHost());
+    internal::bridgeRegisterCallbacks({});
     if (!decode(createInstanceCompletedPacket(0, "N")) || !hostCalls.empty()) return 2;
-    if (bridge::bridgeApiFini() != 0) return 3;
-    bridge::bridgeRegisterCallbacks(writingHost(), failToListen);
+    if (internal::bridgeApiFini() != 0) return 3;
+    internal::bridgeRegisterCallbacks(writingHost());
     if (!decode(createInstanceCompletedPacket(0, "N")) || hostCalls.size() != 1) return 4;
     return off.printed() == 0 ? 0 : 5;
 }
 
-TEST(BridgeLogOffSceneTest, AServerThatCannotBeStarted) {
-    EXPECT_EQ(runScene("registersInSilence").status, 0u);
+TEST(BridgeLogOffSubprocessTest, AServerThatCannotBeStarted) {
+    EXPECT_EQ(runSubprocess("registersInSilence").status, 0u);
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ReplacedIpcCalls.h"
 #include "conf/Conf.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
@@ -35,13 +36,15 @@ class BridgeShutdownTest : public ::testing::Test {
 }  // namespace
 
 TEST_F(BridgeShutdownTest, TheErrorOfOnePlayersClientIsReturned) {
-    EXPECT_EQ(bridge::bridgePlrShutdown("Nougat64", true, failInit), -7);
+    const ReplacedIpcCalls failing(failInit);
+    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true), -7);
     EXPECT_EQ(log.texts(XLOG_ERROR),
               Lines{"E BRIDGE IPC client for vtr_plr_Nougat64_nvo init failed: err -7"});
 }
 
 TEST_F(BridgeShutdownTest, EveryFailureIsLoggedAndTheNextIsAsked) {
-    bridge::bridgeShutdown(failInit);
+    const ReplacedIpcCalls failing(failInit);
+    internal::bridgeShutdown();
     EXPECT_EQ(log.texts(XLOG_ERROR),
               (Lines{"E BRIDGE MIM IPC client init failed: err -7",
                      "E BRIDGE IPC client for vtr_plr_Nougat64_10_nvo init failed: err -7",
@@ -49,7 +52,8 @@ TEST_F(BridgeShutdownTest, EveryFailureIsLoggedAndTheNextIsAsked) {
 }
 
 TEST_F(BridgeShutdownTest, WithoutTheManagersClientThePlayersAreStillAsked) {
-    bridge::bridgeShutdown(failForManager);
+    const ReplacedIpcCalls failing(failForManager);
+    internal::bridgeShutdown();
     EXPECT_EQ(log.texts(XLOG_ERROR),
               (Lines{"E BRIDGE MIM IPC client init failed: err -8",
                      "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000",
@@ -57,7 +61,7 @@ TEST_F(BridgeShutdownTest, WithoutTheManagersClientThePlayersAreStillAsked) {
 }
 
 TEST_F(BridgeShutdownTest, TheManagerIsAskedFirstAndItsClientGoesLast) {
-    bridge::bridgeShutdown();
+    internal::bridgeShutdown();
     Lines steps;
     for (const std::string& line : log.texts(XLOG_DEBUG)) {
         for (const char* step : {"ipcClientInit", "~IpcClient", "Rpc("}) {
@@ -79,8 +83,9 @@ TEST_F(BridgeShutdownTest, TheManagerIsAskedFirstAndItsClientGoesLast) {
 }
 
 TEST_F(BridgeShutdownTest, LinesCarryTheExportsNames) {
-    static_cast<void>(bridge::bridgePlrShutdown("X", false, failInit));
-    bridge::bridgeShutdown(failInit);
+    const ReplacedIpcCalls failing(failInit);
+    static_cast<void>(internal::bridgePlrShutdown("X", false));
+    internal::bridgeShutdown();
     Lines functions;
     for (const LogCapture::Line& line : log.lines()) {
         if (line.tag == XlogTag::BRIDGE) functions.push_back(line.function);

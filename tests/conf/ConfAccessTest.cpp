@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "ConfFixture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
 namespace {
@@ -188,7 +188,7 @@ TEST(ConfMultiString, JoiningLosesLeadingEmptyElementsOnly) {
 
 // Does one fatal thing, with the log on standard output; with a second argument its lines show the
 // function.
-SCENE(confFatal) {
+SUBPROCESS(confFatal) {
     TempFolder folder;
     const std::string path = folder.write(
         "c",
@@ -234,7 +234,7 @@ class ConfFatalTest : public ::testing::TestWithParam<FatalCase> {};
 }  // namespace
 
 TEST_P(ConfFatalTest, EndsTheProcess) {
-    const ChildResult result = runScene("confFatal", {GetParam().what});
+    const ChildResult result = runSubprocess("confFatal", {GetParam().what});
     EXPECT_EQ(result.status, kFatalStatus);
     Lines lines;
     for (const std::string& line : logMessages(result.out)) {
@@ -268,10 +268,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 namespace {
 
-// The lines of a scene whose log shows the function.
-Lines linesWithFunction(const std::string& scene, const SceneArguments& arguments) {
+// The lines of a subprocess whose log shows the function.
+Lines linesWithFunction(const std::string& subprocess, const SubprocessArguments& arguments) {
     Lines lines;
-    for (const std::string& line : logMessages(runScene(scene, arguments).out)) {
+    for (const std::string& line : logMessages(runSubprocess(subprocess, arguments).out)) {
         if (!line.empty()) lines.push_back(line);
     }
     return lines;
@@ -328,7 +328,7 @@ ConfCatalogue& rare() {
     return catalogue;
 }
 
-// In a scene: loads the content and gives the store to what ends the process.
+// In a subprocess: loads the content and gives the store to what ends the process.
 template <typename Use>
 int useRare(std::string_view content, bool allowDeprecated, Use use) {
     TempFolder folder;
@@ -341,8 +341,8 @@ int useRare(std::string_view content, bool allowDeprecated, Use use) {
 
 class ConfRareTest : public ConfTest {
  protected:
-    static void expectFatal(const std::string& scene, const std::string& message) {
-        const ChildResult result = runScene(scene);
+    static void expectFatal(const std::string& subprocess, const std::string& message) {
+        const ChildResult result = runSubprocess(subprocess);
         EXPECT_EQ(result.status, kFatalStatus);
         const Lines lines = logMessages(result.out);
         EXPECT_NE(std::find(lines.begin(), lines.end(), "E CONF  " + message), lines.end())
@@ -362,7 +362,7 @@ TEST_F(ConfRareTest, ALongNumberKeepsItsBits) {
     EXPECT_EQ(confGetI64(rareStore, "vtr.big"), INT64_MIN);
 }
 
-SCENE(readsABadLongNumber) {
+SUBPROCESS(readsABadLongNumber) {
     const bool showFunction = !arguments.empty();
     return useRare("vtr.big=\"abc\"\n", false, [showFunction](ConfStore& store) {
         xlogSetDisplay(false, showFunction, false);
@@ -374,7 +374,7 @@ TEST_F(ConfRareTest, ALongNumberThatCannotBeReadEndsTheProcess) {
     expectFatal("readsABadLongNumber", "confGetI64 error for vtr.big:abc");
 }
 
-SCENE(readsADeprecatedProperty) {
+SUBPROCESS(readsADeprecatedProperty) {
     return useRare("", false, [](ConfStore& store) { confGetString(store, "vtr.old"); });
 }
 
@@ -384,7 +384,7 @@ TEST_F(ConfRareTest, ReadingADeprecatedPropertyEndsTheProcessUnlessAllowed) {
     expectFatal("readsADeprecatedProperty", "confValidateProp: Deprecated conf vtr.old");
 }
 
-SCENE(setsADeprecatedProperty) {
+SUBPROCESS(setsADeprecatedProperty) {
     return useRare("", /*allowDeprecated=*/true,
                    [](ConfStore& store) { confSetString(store, "vtr.old", "x"); });
 }

@@ -9,7 +9,7 @@
 #include "conf/ConfText.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/SystemAbilities.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
@@ -513,7 +513,7 @@ TEST_F(ConfCommitTest, ALargeStoreIsWrittenWhole) {
     EXPECT_TRUE(folder.read("copy") == text);
 }
 
-SCENE(staysAlive) {
+SUBPROCESS(staysAlive) {
     sleepMs(120'000);
     return 0;
 }
@@ -527,7 +527,7 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
     std::thread launcher([&] {
         for (int i = 0; i < kChildren; ++i) {
             EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
-                                  {builtProgram("conf_test.exe"), "--scene", "staysAlive"}),
+                                  {builtProgram("conf_test.exe"), "--subprocess", "staysAlive"}),
                       0);
             // Spread over all the commits.
             while (commits < kCommits * i / kChildren) sleepMs(1);
@@ -539,7 +539,7 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
         commits = i;
     }
     launcher.join();
-    EXPECT_EQ(runScene("commitsManyTimes", {path(), "Other", "20"}).status, 0u)
+    EXPECT_EQ(runSubprocess("commitsManyTimes", {path(), "Other", "20"}).status, 0u)
         << "another process commits while the children live";
     for (XprocHandle child : children) {
         xprocKill(child, 0);

@@ -13,7 +13,7 @@
 #include "conf/ConfText.h"
 #include "support/Platform.h"
 #include "support/Proof.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "xpl/Xfile.h"
 #include "xpl/XmutexNamed.h"
 
@@ -62,7 +62,7 @@ void waitForMark(const std::string& path) {
 // Raises own counters by one, as often as told, and sets a shared key. What the counters were comes
 // from the file: a commit that was lost stays lost. With a folder for the auditor's marks, waits
 // for these.
-SCENE(commitsManyTimes) {
+SUBPROCESS(commitsManyTimes) {
     LogCapture quiet;
     ConfStore& store = confStore();
     const std::string& own = arguments[1];
@@ -149,9 +149,9 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
     const TempFolder marks;
     std::vector<ChildProcess> committers;
     for (int p = 0; p < kProcesses; ++p) {
-        committers.push_back(
-            startScene("commitsManyTimes",
-                       {path(), "P" + std::to_string(p), std::to_string(commits), marks.path()}));
+        committers.push_back(startSubprocess(
+            "commitsManyTimes",
+            {path(), "P" + std::to_string(p), std::to_string(commits), marks.path()}));
     }
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(kFileLock), 0);
@@ -194,7 +194,7 @@ TEST_F(ConfCrowdTest, ProcessesThatCommitInTurnSeeEachOther) {
     ASSERT_EQ(init(""), 0);
     for (int i = 1; i <= 5; ++i) {
         const std::string own = "P" + std::to_string(i);
-        ASSERT_EQ(runScene("commitsManyTimes", {path(), own, "2"}).status, 0u);
+        ASSERT_EQ(runSubprocess("commitsManyTimes", {path(), own, "2"}).status, 0u);
         confSetI32(store, "vtr.next_vm_id", i);
         ASSERT_EQ(confCommit(store), 0);
     }
@@ -229,7 +229,7 @@ class DiskWithLeftovers final : public ConfFiles {
 }  // namespace
 
 // Raises own counters until it is killed, and says each number when it has been committed.
-SCENE(commitsUntilKilled) {
+SUBPROCESS(commitsUntilKilled) {
     LogCapture quiet;
     ConfCatalogue catalogue = confProductCatalogue();
     DiskWithLeftovers files;
@@ -287,7 +287,8 @@ class Committer {
 
  private:
     std::unique_ptr<ChildProcess> start() const {
-        return std::make_unique<ChildProcess>(startScene("commitsUntilKilled", {path_, instance_}));
+        return std::make_unique<ChildProcess>(
+            startSubprocess("commitsUntilKilled", {path_, instance_}));
     }
 
     std::string path_;

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "ConfFixture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
 namespace {
@@ -72,7 +72,7 @@ Entries twoInstances() {
 }  // namespace
 
 // Another program that reads the file: prints the instances and the resolution of each.
-SCENE(readsTheInstances) {
+SUBPROCESS(readsTheInstances) {
     const LogCapture quiet;
     ConfStore& store = confStore();
     if (confLibInit(store, arguments[0], false) != 0) return 1;
@@ -85,7 +85,7 @@ SCENE(readsTheInstances) {
 namespace {
 
 std::string seenByAnotherProgram(const std::string& path) {
-    const ChildResult result = runScene("readsTheInstances", {path});
+    const ChildResult result = runSubprocess("readsTheInstances", {path});
     EXPECT_EQ(result.status, 0u) << result.err;
     std::string text;
     for (const char c : result.out) {
@@ -487,7 +487,7 @@ TEST_F(ConfInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
 }
 
 // Does one fatal thing to a file with instance A current, with the log on standard output.
-SCENE(instanceFatal) {
+SUBPROCESS(instanceFatal) {
     TempFolder folder;
     const std::string path = folder.write("c", arguments[1]);
     if (xplLibInit(nullptr, "") != 0) return 1;
@@ -509,9 +509,9 @@ SCENE(instanceFatal) {
 
 namespace {
 
-// The scene must end with the fatal line, right behind this one.
+// The subprocess must end with the fatal line, right behind this one.
 void expectFatal(const std::string& what, const std::string& content, const std::string& message) {
-    const ChildResult result = runScene("instanceFatal", {what, content});
+    const ChildResult result = runSubprocess("instanceFatal", {what, content});
     EXPECT_EQ(result.status, kFatalStatus);
     Lines lines;
     for (const std::string& line : logMessages(result.out)) {

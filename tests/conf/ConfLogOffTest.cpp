@@ -1,6 +1,6 @@
 // What is refused, with every level off: the same results, and not a line.
 #include "ConfFixture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -116,7 +116,7 @@ TEST_F(ConfLogOffTest, CommitsThatFail) {
     EXPECT_EQ(lines(), 2 + 3 * 2);
 }
 
-SCENE(confBreaksInSilence) {
+SUBPROCESS(confBreaksInSilence) {
     const TempFolder folder;
     const std::string path =
         folder.write("c",
@@ -144,7 +144,7 @@ SCENE(confBreaksInSilence) {
 
 TEST(ConfLogOffFatalTest, WhatIsFatalIsFatalInSilence) {
     for (const char* what : {"number", "longNumber", "bool", "removed", "dump"}) {
-        const ChildResult result = runScene("confBreaksInSilence", {what});
+        const ChildResult result = runSubprocess("confBreaksInSilence", {what});
         EXPECT_EQ(result.status, kFatalStatus) << what;
         EXPECT_EQ(result.out, "") << what;
     }

@@ -13,7 +13,7 @@ for page in README.md docs/*.md; do
 done
 [ "$links" -gt 20 ] || { echo "only $links links found"; exit 1; }
 
-source=$(find Source -name '*.cpp' -exec cat {} +)
+source=$(find Source -name '*.cpp' -exec cat {} + -o -name '*.h' -exec cat {} +)
 lines=0
 while read -r line; do
     lines=$((lines + 1))

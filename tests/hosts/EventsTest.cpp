@@ -4,7 +4,7 @@
 
 #include "NineEvents.h"
 #include "support/EventPackets.h"
-#include "support/OddPackets.h"
+#include "support/MalformedPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"
@@ -29,10 +29,10 @@ std::string longText(const std::string& text) {
 // Odd packets that can travel, and what becomes of them.
 struct OddEvents {
     OddEvents() {
-        for (const std::string& packet : oddPackets()) {
+        for (const std::string& packet : malformedPackets()) {
             if (packet.size() < 12) continue;
             packets.push_back(packet);
-            Reading reading = readCarefully(packet);
+            Reading reading = referenceReading(packet);
             calls += static_cast<int>(reading.calls.size());
             if (reading.error.empty()) continue;
             errors.push_back(reading.error.replace(0, 9, "E BRIDGE Helper_bridge "));
@@ -156,7 +156,7 @@ TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
         << log().back();
 }
 
-TEST_F(EventsTest, OddPacketsAreReadOrRefusedAndTheNextEventArrives) {
+TEST_F(EventsTest, MalformedPacketsAreReadOrRefusedAndTheNextEventArrives) {
     const OddEvents odd;
     std::string packets;
     for (const std::string& packet : odd.packets) packets += packet;
@@ -167,7 +167,7 @@ TEST_F(EventsTest, OddPacketsAreReadOrRefusedAndTheNextEventArrives) {
     EXPECT_EQ(loggedErrors(), odd.errors);
 }
 
-TEST_F(EventsTest, OddPacketsOnConnectionsOfTheirOwnLeaveNothingBehind) {
+TEST_F(EventsTest, MalformedPacketsOnConnectionsOfTheirOwnLeaveNothingBehind) {
     const OddEvents odd;
     constexpr int kWarmUps = 4;
     const int calls = odd.calls + 1;

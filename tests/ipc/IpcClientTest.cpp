@@ -11,7 +11,7 @@
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -417,7 +417,7 @@ TEST(IpcClient, TheTypeOfASocketsErrorIsKnownToQt) {
 }
 
 // In a process of its own: there is one application object, and others would see it.
-SCENE(deletesSocketsBesideAnApplication) {
+SUBPROCESS(deletesSocketsBesideAnApplication) {
     int count = 0;
     QCoreApplication application(count, nullptr);
     QPointer<QLocalSocket> own;
@@ -443,5 +443,5 @@ SCENE(deletesSocketsBesideAnApplication) {
 }
 
 TEST(IpcClient, ASocketIsDeletedWhereAnEventLoopWillComeAndAtOnceElsewhere) {
-    EXPECT_EQ(runScene("deletesSocketsBesideAnApplication").status, 0u);
+    EXPECT_EQ(runSubprocess("deletesSocketsBesideAnApplication").status, 0u);
 }

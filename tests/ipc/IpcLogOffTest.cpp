@@ -13,7 +13,7 @@
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -92,7 +92,7 @@ TEST_F(IpcLogOffTest, ANameThatIsServedAlready) {
     ipcServerFini(&first);
 }
 
-SCENE(deliversALengthInSilence) {
+SUBPROCESS(deliversALengthInSilence) {
     const std::string server = "server";
     FakeSocket socket;
     IpcConnectionInfo info(&socket, &server);
@@ -103,7 +103,7 @@ SCENE(deliversALengthInSilence) {
 }
 
 TEST_F(IpcLogOffTest, ALengthThatCannotBeOneIsStillFatal) {
-    const ChildResult result = runScene("deliversALengthInSilence");
+    const ChildResult result = runSubprocess("deliversALengthInSilence");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
 }

@@ -17,7 +17,7 @@
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
@@ -472,7 +472,7 @@ TEST_F(IpcReadCommandTest, WhatWaitsWhenThePeerHasLeftIsReadBeforeTheSocketGoes)
 }
 
 // Lengths whose rest is no positive 32-bit number end the process, after their line.
-SCENE(deliversALength) {
+SUBPROCESS(deliversALength) {
     FakeSocket socket;
     IpcConnectionInfo info(&socket, &kServerName);
     const auto length = static_cast<std::uint32_t>(std::stoul(arguments.at(0)));
@@ -484,7 +484,7 @@ SCENE(deliversALength) {
 namespace {
 
 void expectFatal(std::uint32_t length, const std::string& rest) {
-    const ChildResult result = runScene("deliversALength", {std::to_string(length)});
+    const ChildResult result = runSubprocess("deliversALength", {std::to_string(length)});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("ipcReadCommand for serverName vtr_test_nvo, bytesToRead " + rest +
                               " is negative, packetLen = " + std::to_string(length) +
@@ -504,5 +504,5 @@ TEST(IpcReadCommandFatalTest, TheFirstLengthBeyondThe32BitRest) {
 }
 TEST(IpcReadCommandFatalTest, TheLargestLength) { expectFatal(0xFFFFFFFFu, "-13"); }
 TEST(IpcReadCommandFatalTest, TheLargestLengthThatIsNot) {
-    EXPECT_EQ(runScene("deliversALength", {"2147483659"}).status, 0u);
+    EXPECT_EQ(runSubprocess("deliversALength", {"2147483659"}).status, 0u);
 }

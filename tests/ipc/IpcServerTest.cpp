@@ -7,7 +7,7 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
-#include "support/OddPackets.h"
+#include "support/MalformedPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/process_figures.h"
@@ -254,9 +254,9 @@ TEST_F(IpcServerTest, StartingAndStoppingGivesEveryHandleBack) {
     EXPECT_LE(openHandles(), before + HANDLES_OF_THE_SYSTEM);
 }
 
-TEST_F(IpcServerTest, OddPacketsLeaveNoRecordAndNoHandle) {
+TEST_F(IpcServerTest, MalformedPacketsLeaveNoRecordAndNoHandle) {
     start();
-    Lines packets = oddPackets();
+    Lines packets = malformedPackets();
     for (const std::uint32_t length : {0x7FFFFFFFu, 0x80000000u, 0x8000000Bu}) {
         packets.push_back(bytesOf(3007u) + bytesOf(length) + bytesOf(0u) + "some of it");
     }

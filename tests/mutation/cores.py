@@ -56,12 +56,13 @@ NOT_ASKED = {
     "IpcClientTest.ALateReply*": "a time limit",
     "IpcPeerDeathTest.*": "many connections",
     "IpcServerLoadTest.*": "many connections",
-    "IpcServerTest.OddPacketsLeaveNoRecordAndNoHandle": "handles",
+    "IpcServerTest.MalformedPacketsLeaveNoRecordAndNoHandle": "handles",
     "IpcServerTest.StartingAndStoppingGivesEveryHandleBack": "handles",
     "*.ChildrenThatStartMeanwhileNeverBlock*": "inheritance of files",
     "AppcSaveTest.TwoProcessesThat*": "processes that compete for a file",
     "XplTest.*": "rotation of the log",
-    "XsnapshotTest.*": "threads that compete for a value",
+    "XrcuTest.*": "threads that compete for a value",
+    "XseqlockTest.*": "threads that compete for a value",
     "*.*WaitForEachOther*": "locks",
 }
 

@@ -9,7 +9,7 @@
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"
 #include "support/RawServer.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 
@@ -372,7 +372,7 @@ TEST_F(BridgectlEventsTest, ThePreviousListenerLeavesTheNameFree) {
 // the listener's, except where the system gives no such console.
 constexpr int kNoConsole = 97;
 
-SCENE(pressesCtrlC) {
+SUBPROCESS(pressesCtrlC) {
     ::FreeConsole();
     if (!::AllocConsole()) return kNoConsole;
     ChildProcess listener(productFile("bridgectl.exe"),
@@ -392,7 +392,8 @@ SCENE(pressesCtrlC) {
 }
 
 TEST_F(BridgectlEventsTest, CtrlCEndsItWithTheCount) {
-    const ChildResult result = runScene("pressesCtrlC", {standins + "QX-Player.exe"}, environment);
+    const ChildResult result =
+        runSubprocess("pressesCtrlC", {standins + "QX-Player.exe"}, environment);
     if (result.status == kNoConsole) GTEST_SKIP() << "needs a system that gives a new console";
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(eventsOf(result.out),

@@ -5,8 +5,8 @@
 
 #include "CatalogueRows.h"
 #include "DocumentPages.h"
-#include "ExitCode.h"
 #include "ResultCodes.h"
+#include "shared/ExitCode.h"
 
 TEST(Documents, TheConfigurationKeysAreTheCatalogues) {
     const std::string table = catalogueMarkdown();
@@ -26,7 +26,7 @@ TEST(Documents, TheExitCodesAreTheProgramsOwn) {
 #define EXPECT_LINE(name, number, meaning)                                                        \
     EXPECT_NE(std::string(kCodesPage).find("| " #number " | " meaning " |\n"), std::string::npos) \
         << meaning;
-    BRIDGECTL_EXIT_CODES(EXPECT_LINE)
+    PROGRAM_EXIT_CODES(EXPECT_LINE)
 #undef EXPECT_LINE
 }
 

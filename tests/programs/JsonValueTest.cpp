@@ -1,4 +1,4 @@
-#include "JsonValue.h"
+#include "shared/JsonValue.h"
 
 #include <gtest/gtest.h>
 

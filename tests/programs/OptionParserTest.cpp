@@ -1,10 +1,10 @@
-#include "OptionParser.h"
+#include "shared/OptionParser.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-#include "CommandTree.h"
+#include "shared/CommandTree.h"
 
 namespace {
 

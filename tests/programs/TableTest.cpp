@@ -1,4 +1,4 @@
-#include "Table.h"
+#include "shared/Table.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "CallTimes.h"
-#include "DisplayWidth.h"
-#include "DisplayWidthTable.h"
+#include "shared/DisplayWidth.h"
+#include "shared/DisplayWidthTable.h"
 
 TEST(DisplayWidth, CountsColumns) {
     EXPECT_EQ(displayWidth(""), 0u);

@@ -32,7 +32,7 @@
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "xpl/Xlog.h"
 
@@ -330,7 +330,7 @@ TEST_F(AllocationTest, Events) {
                 known = bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
                                      static_cast<std::int32_t>(packet.size()), nullptr, 0);
             } catch (const std::bad_alloc&) {
-                return -1;  // the connection's fence logs it
+                return -1;  // the connection logs it
             }
             return known ? 1 : 0;
         };
@@ -569,7 +569,7 @@ TEST(ConnectionAllocationTest, TheServersThreadOutlivesEachShortage) {
 }
 
 // A client on a thread of Qt's, whose socket waits for the event loop.
-SCENE(dropsAClientInAShortage) {
+SUBPROCESS(dropsAClientInAShortage) {
     int result = 1;
     const std::unique_ptr<QThread> thread(QThread::create([&arguments, &result] {
         auto client = std::make_unique<IpcClient>();
@@ -587,7 +587,7 @@ SCENE(dropsAClientInAShortage) {
 }
 
 // The end, with a server: it stops whatever is short.
-SCENE(finishesInAShortage) {
+SUBPROCESS(finishesInAShortage) {
     RegistrySandbox registry;
     bridgeApiInitEx("Helper", 1, 0, "NUL");
     bridgeRegisterCallbacks(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -602,7 +602,7 @@ SCENE(finishesInAShortage) {
 
 // The server starts once per process: each shortage has a process of its own, and says whether it
 // was long enough.
-SCENE(registersInAShortage) {
+SUBPROCESS(registersInAShortage) {
     RegistrySandbox registry;
     bridgeApiInitEx("Helper", 1, 0, "NUL");
     startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
@@ -618,12 +618,12 @@ SCENE(registersInAShortage) {
 
 namespace {
 
-void expectSweep(const std::string& scene) {
+void expectSweep(const std::string& subprocess) {
     for (const char* kind : {"once", "for ever"}) {
         std::uint32_t status = 0;
         for (int first = 0; status == 0; ++first) {
             ASSERT_LT(first, 200);
-            status = runScene(scene, {kind, std::to_string(first)}).status;
+            status = runSubprocess(subprocess, {kind, std::to_string(first)}).status;
         }
         EXPECT_EQ(status, 5u) << kind;
     }
@@ -631,11 +631,11 @@ void expectSweep(const std::string& scene) {
 
 }  // namespace
 
-TEST(AllocationSceneTest, DroppingAClient) {
-    EXPECT_EQ(runScene("dropsAClientInAShortage", {"0"}).status, 0u);
-    EXPECT_EQ(runScene("dropsAClientInAShortage", {"100"}).status, 5u);
+TEST(AllocationSubprocessTest, DroppingAClient) {
+    EXPECT_EQ(runSubprocess("dropsAClientInAShortage", {"0"}).status, 0u);
+    EXPECT_EQ(runSubprocess("dropsAClientInAShortage", {"100"}).status, 5u);
 }
 
-TEST(AllocationSceneTest, Registering) { expectSweep("registersInAShortage"); }
+TEST(AllocationSubprocessTest, Registering) { expectSweep("registersInAShortage"); }
 
-TEST(AllocationSceneTest, Finishing) { expectSweep("finishesInAShortage"); }
+TEST(AllocationSubprocessTest, Finishing) { expectSweep("finishesInAShortage"); }

@@ -9,10 +9,10 @@
 #include "ImportTable.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/WindowsForTests.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
 
@@ -425,7 +425,7 @@ HRESULT WINAPI seeCrashModule(PCWSTR path, PVOID context) {
 }  // namespace
 
 // In a process of its own, since the install folder is read once.
-SCENE(trimsOneOfThree) {
+SUBPROCESS(trimsOneOfThree) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\Apps\\");
     for (HANDLE& process : processes) process = newEvent();
@@ -447,7 +447,7 @@ SCENE(trimsOneOfThree) {
 }
 
 TEST(ProcessArguments, OnlyTheProductsProcessIsTrimmedAndWholly) {
-    const ChildResult result = runScene("trimsOneOfThree");
+    const ChildResult result = runSubprocess("trimsOneOfThree");
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     EXPECT_EQ(result.out,
               "list 4096\r\n"

@@ -15,7 +15,7 @@
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/Proof.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -254,7 +254,7 @@ class CommitFaultsTest : public ::testing::Test {
             arguments.push_back(std::to_string(static_cast<int>(at.fault)));
             arguments.push_back(std::to_string(at.call));
         }
-        return runScene("commitsWithFaults", arguments);
+        return runSubprocess("commitsWithFaults", arguments);
     }
 
     // A process that survives its faults takes that course, and starts over.
@@ -312,7 +312,7 @@ class CommitFaultsTest : public ::testing::Test {
 }  // namespace
 
 // The two halves of what inject.sh plays: a file to begin with, and one commit over it.
-SCENE(fills) {
+SUBPROCESS(fills) {
     LogCapture quiet;
     ConfStore& store = confStore();
     writeBytes(arguments[0], "");
@@ -321,7 +321,7 @@ SCENE(fills) {
     return confCommitToFile(store, arguments[0]);
 }
 
-SCENE(commits) {
+SUBPROCESS(commits) {
     LogCapture quiet;
     ConfStore& store = confStore();
     if (confLibInit(store, arguments[0], false) != 0) return 1;
@@ -331,7 +331,7 @@ SCENE(commits) {
 
 // Commits with faults, keeps a copy of the file as it then is, starts over as a host does, and says
 // what came of it, as a Report.
-SCENE(commitsWithFaults) {
+SUBPROCESS(commitsWithFaults) {
     LogCapture quiet;
     ConfStore& store = confStore();
     if (confLibInit(store, arguments[0], false) != 0) return 1;

@@ -13,7 +13,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlCopy.h"
@@ -80,7 +80,7 @@ TEST_F(InheritanceArguments, AFlushIsPrivate) {
 TEST_F(InheritanceArguments, TheFlushOfAMoveIsPrivate) {
     folder.write("f", "x");
     EXPECT_EQ(xfileMove(folder / "f", folder / "g"), 0);
-    EXPECT_EQ(xfileMovePatiently(folder / "g", folder / "h"), 0);
+    EXPECT_EQ(xfileMoveWithRetry(folder / "g", folder / "h"), 0);
     EXPECT_EQ(opens, (Lines{"private f", "private g"}));
 }
 
@@ -97,7 +97,7 @@ TEST_F(InheritanceArguments, EveryFileOfACommitIsPrivate) {
 }
 
 // In a process of its own, whose log it is.
-SCENE(opensTheLog) {
+SUBPROCESS(opensTheLog) {
     const ReplacedImport<decltype(::CreateFileW)> seen("CreateFileW", seeOpen);
     if (xlogSetFile(arguments[0]) != 0) return 1;
     for (const std::string& line : opens) std::printf("%s\n", line.c_str());
@@ -105,7 +105,7 @@ SCENE(opensTheLog) {
 }
 
 TEST_F(InheritanceArguments, TheLogIsInherited) {
-    const ChildResult result = runScene("opensTheLog", {folder / "Player.log"});
+    const ChildResult result = runSubprocess("opensTheLog", {folder / "Player.log"});
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(result.out, "inherited Player.log\r\n");
 }
@@ -152,7 +152,7 @@ void logLinesOf(int writer) {
 }  // namespace
 
 // In a process of its own, whose log it is.
-SCENE(logsFromSeveralThreads) {
+SUBPROCESS(logsFromSeveralThreads) {
     const ReplacedImport<decltype(::CreateFileW)> opening("CreateFileW", seeAccess);
     const ReplacedImport<decltype(::WriteFile)> writing("WriteFile", seeWrite);
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
@@ -172,7 +172,7 @@ SCENE(logsFromSeveralThreads) {
 // What keeps lines whole where the system appends each write as a whole.
 TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
     const TempFolder folder;
-    ASSERT_EQ(runScene("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
+    ASSERT_EQ(runSubprocess("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
     const Lines written = logMessages(folder.read("writes"));
     EXPECT_EQ(written.size(), std::size_t{kWriters * kLinesOfAWriter});
     std::set<std::string> expected;
@@ -269,7 +269,7 @@ class PathArguments : public ::testing::Test {
         EXPECT_EQ(xfileSizeOfPath(path, size), 0);
         EXPECT_EQ(xfileFlush(path), 0);
         EXPECT_EQ(xfileMove(path, folder / "m"), 0);
-        EXPECT_EQ(xfileMovePatiently(folder / "m", path), 0);
+        EXPECT_EQ(xfileMoveWithRetry(folder / "m", path), 0);
         EXPECT_EQ(xfileDelete(path), 0);
         EXPECT_EQ(xfileCreateFolder(path), 0);
         EXPECT_EQ(xfileRemoveFolder(path), 0);

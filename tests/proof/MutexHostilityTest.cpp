@@ -9,7 +9,7 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/Proof.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
@@ -31,7 +31,7 @@ SuspendCall processCall(const char* name) {
 }  // namespace
 
 // Takes the lock and says so; killed with it.
-SCENE(takesTheLockForEver) {
+SUBPROCESS(takesTheLockForEver) {
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.lock();
@@ -50,7 +50,7 @@ TEST(MutexHostilityTest, OwnersThatAreKilledAreTakenOverFrom) {
     const int rounds = proofSize(30, 1000);
     long handles = 0;
     for (int i = 0; i < rounds; ++i) {
-        ChildProcess owner = startScene("takesTheLockForEver", {name});
+        ChildProcess owner = startSubprocess("takesTheLockForEver", {name});
         ASSERT_EQ(owner.readLine(), "locked");
         ASSERT_FALSE(mutex.try_lock());
         owner.kill();
@@ -63,7 +63,7 @@ TEST(MutexHostilityTest, OwnersThatAreKilledAreTakenOverFrom) {
 
 // Takes the lock and says so, goes on when the event is set, says what the file then holds, and
 // lets go.
-SCENE(takesTheLockUntilTold) {
+SUBPROCESS(takesTheLockUntilTold) {
     XmutexNamed mutex;
     const HANDLE event = ::OpenEventW(SYNCHRONIZE, FALSE, wideForTests(arguments[1]).c_str());
     if (event == nullptr || mutex.init(arguments[0]) != 0) return 1;
@@ -86,7 +86,7 @@ TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStoppedAndGoesOn) {
     const HANDLE go =
         ::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, wideForTests(name).c_str());
     ChildProcess owner =
-        startScene("takesTheLockUntilTold", {kLock, name, folder / "vantrel.conf"});
+        startSubprocess("takesTheLockUntilTold", {kLock, name, folder / "vantrel.conf"});
     ASSERT_EQ(owner.readLine(), "locked");
     ASSERT_GE(processCall("NtSuspendProcess")(owner.handle()), 0);
     std::atomic<bool> committed{false};

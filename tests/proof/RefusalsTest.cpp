@@ -17,7 +17,7 @@
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlProcessCalls.h"
@@ -302,14 +302,14 @@ TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
     EXPECT_STREQ(bytes, "xxxx");
 }
 
-TEST_F(FileRefusals, AFileBrieflyHeldIsWaitedForWithPatience) {
+TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
     constexpr DWORD kHeld[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION};
     for (const DWORD error : kHeld) {
         calls = 0;
         moveError = error;
-        EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 0) << error;
+        EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), 0) << error;
         EXPECT_EQ(calls, 3) << error;
     }
 }
@@ -318,7 +318,7 @@ TEST_F(FileRefusals, AFileHeldForLongIsTheStatusAfterTenRetries) {
     const OddMove held("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
     moveError = ERROR_LOCK_VIOLATION;
-    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), 100033);
+    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), 100033);
     EXPECT_EQ(calls, 11);
 }
 
@@ -326,11 +326,11 @@ TEST_F(FileRefusals, OtherErrorsAreNotWaitedFor) {
     const OddMove refused("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
     moveError = ERROR_DISK_FULL;
-    EXPECT_EQ(xfileMovePatiently(source, folder / "b"), XERR_NOSPC);
+    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), XERR_NOSPC);
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutPatience) {
+TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutRetry) {
     const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
     moveError = ERROR_SHARING_VIOLATION;
@@ -380,7 +380,7 @@ TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsAskedForAgain) {
 
 // The log.
 
-SCENE(logsToAFullDisk) {
+SUBPROCESS(logsToAFullDisk) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     constexpr XlogModule module{XlogTag::CONF, "f"};
     {
@@ -392,7 +392,7 @@ SCENE(logsToAFullDisk) {
 }
 
 TEST_F(FileRefusals, ALogLineThatCannotBeWrittenIsLostAndTheNextOneIsNot) {
-    EXPECT_EQ(runScene("logsToAFullDisk", {folder / "log"}).status, 0u);
+    EXPECT_EQ(runSubprocess("logsToAFullDisk", {folder / "log"}).status, 0u);
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF  written"});
 }
 
@@ -414,7 +414,7 @@ BOOL WINAPI writeSlowly(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
 
 }  // namespace
 
-SCENE(changesTheLogWhileALineIsWritten) {
+SUBPROCESS(changesTheLogWhileALineIsWritten) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     constexpr XlogModule module{XlogTag::CONF, "f"};
     writeBegins = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -437,9 +437,9 @@ SCENE(changesTheLogWhileALineIsWritten) {
 }
 
 TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndKeepsNobodyWaiting) {
-    EXPECT_EQ(
-        runScene("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"}).status,
-        0u);
+    EXPECT_EQ(runSubprocess("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"})
+                  .status,
+              0u);
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF before slow"});
     EXPECT_EQ(logMessages(folder.read("second")),
               (Lines{"E CONF after quick", "E CONF last done"}));
@@ -722,7 +722,7 @@ bool rememberBeside(std::size_t number, std::size_t intruder, int instruction) {
 }  // namespace
 
 // In a process of its own: everything that it keeps is released.
-SCENE(remembersBesideOthers) {
+SUBPROCESS(remembersBesideOthers) {
     void* const watch = ::AddVectoredExceptionHandler(/*First=*/1, singleStep);
     std::size_t count = 0;
     int instruction = 1;
@@ -742,5 +742,5 @@ SCENE(remembersBesideOthers) {
 }
 
 TEST(ModuleRefusals, WhatSeveralKeepAtTheSameMomentIsReleasedOnce) {
-    EXPECT_EQ(runScene("remembersBesideOthers").status, 0u);
+    EXPECT_EQ(runSubprocess("remembersBesideOthers").status, 0u);
 }

@@ -13,7 +13,7 @@ conf="$folder/vantrel.conf"
 
 command -v strace >/dev/null || die "strace is not installed: toolchain/packages.sh installs it"
 
-scene() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --scene "$1" "Z:$conf"; }
+subprocess() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess "$1" "Z:$conf"; }
 
 # expect_whole WHERE STATUS: what a commit of that status leaves. One that says so is in the file, one
 # that says no is not, and one that was killed is or is not. Nothing but a temporary file is left, and
@@ -28,7 +28,7 @@ expect_whole() {
     esac
     [ -z "$(find "$folder" -name 'vantrel*' ! -name vantrel.conf ! -name vantrel.conf-temp)" ] ||
         die "$1: $(ls "$folder")"
-    scene commits || die "$1: the next commit failed with $?"
+    subprocess commits || die "$1: the next commit failed with $?"
     cmp -s "$conf" "$folder/after" || die "$1: the next commit is not in the file"
     [ ! -e "$conf-temp" ] || die "$1: a temporary file is left"
 }
@@ -37,7 +37,7 @@ expect_whole() {
 commit_with() (
     strace -f -o "$folder/trace" -P "$conf" -P "$conf-temp" -e "trace=$2" \
         -e "inject=$2:$1:when=$3" \
-        "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --scene commits "Z:$conf"
+        "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess commits "Z:$conf"
     exit $?  # so that this shell, whose words nobody reads, is the one that reports a kill
 ) >/dev/null 2>&1
 
@@ -60,9 +60,9 @@ sweep() {
 }
 
 points=0
-scene fills
+subprocess fills
 cp "$conf" "$folder/before"
-scene commits
+subprocess commits
 cp "$conf" "$folder/after"
 if cmp -s "$folder/before" "$folder/after"; then die "the commit changes nothing"; fi
 sweep signal=SIGKILL read write fsync close fcntl newfstatat fgetxattr

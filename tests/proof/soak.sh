@@ -34,7 +34,7 @@ play() {
 
 play ipc_test 'IpcServerLoadTest.*' 'IpcPeerDeathTest.*'
 play hosts_test 'EventsTest.TheLibraryIsLoaded*' 'EventsTest.TenThousandEvents*' \
-    'EventsTest.OddPacketsOn*' 'ShutdownTest.ManyRequests*'
+    'EventsTest.MalformedPacketsOn*' 'ShutdownTest.ManyRequests*'
 play conf_test 'ConfCrowdTest.*'
 play proof_test '*'
 printf '== inject.sh\n'

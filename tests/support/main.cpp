@@ -1,4 +1,4 @@
-// Entry of every test binary: its tests, or one of its scenes.
+// Entry of every test binary: its tests, or one of its subprocesses.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -7,25 +7,25 @@
 #include <string>
 
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 namespace {
 
-std::map<std::string, SceneFunction>& scenes() {
-    static auto& all = *new std::map<std::string, SceneFunction>;
+std::map<std::string, SubprocessFunction>& subprocesses() {
+    static auto& all = *new std::map<std::string, SubprocessFunction>;
     return all;
 }
 
-SceneArguments withScene(const std::string& name, const SceneArguments& arguments) {
-    SceneArguments all{"--scene", name};
+SubprocessArguments withSubprocess(const std::string& name, const SubprocessArguments& arguments) {
+    SubprocessArguments all{"--subprocess", name};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return all;
 }
 
-int playScene(const std::vector<std::string>& arguments) {
-    const auto found = scenes().find(arguments[2]);
-    if (found == scenes().end()) {
-        std::fprintf(stderr, "no scene named %s\n", arguments[2].c_str());
+int callSubprocess(const std::vector<std::string>& arguments) {
+    const auto found = subprocesses().find(arguments[2]);
+    if (found == subprocesses().end()) {
+        std::fprintf(stderr, "no subprocess named %s\n", arguments[2].c_str());
         return 98;
     }
     return found->second({arguments.begin() + 3, arguments.end()});
@@ -42,22 +42,24 @@ void reportBesideOthers() {
 
 }  // namespace
 
-SceneEntry::SceneEntry(const char* name, SceneFunction function) { scenes()[name] = function; }
-
-ChildResult runScene(const std::string& name, const SceneArguments& arguments,
-                     const ChildOptions& options) {
-    return runChild(ownProgram(), withScene(name, arguments), options);
+SubprocessEntry::SubprocessEntry(const char* name, SubprocessFunction function) {
+    subprocesses()[name] = function;
 }
 
-ChildProcess startScene(const std::string& name, const SceneArguments& arguments,
-                        const ChildOptions& options) {
-    return ChildProcess(ownProgram(), withScene(name, arguments), options);
+ChildResult runSubprocess(const std::string& name, const SubprocessArguments& arguments,
+                          const ChildOptions& options) {
+    return runChild(ownProgram(), withSubprocess(name, arguments), options);
+}
+
+ChildProcess startSubprocess(const std::string& name, const SubprocessArguments& arguments,
+                             const ChildOptions& options) {
+    return ChildProcess(ownProgram(), withSubprocess(name, arguments), options);
 }
 
 int main(int argc, char** argv) {
     breakQuietly();
     const std::vector<std::string> arguments = utf8Arguments(argc, argv);
-    if (arguments.size() > 2 && arguments[1] == "--scene") return playScene(arguments);
+    if (arguments.size() > 2 && arguments[1] == "--subprocess") return callSubprocess(arguments);
     reportBesideOthers();
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

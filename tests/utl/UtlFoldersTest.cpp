@@ -5,7 +5,7 @@
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xlog.h"
 
@@ -13,15 +13,15 @@ namespace {
 
 // The folders are read once per process, so each case has a process of its own, which prints what
 // it got. The last line of a fatal case is the log's.
-std::string output(const std::string& scene, const SceneArguments& arguments) {
-    const ChildResult result = runScene(scene, arguments);
+std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     return result.out;
 }
 
 }  // namespace
 
-SCENE(printFolders) {
+SUBPROCESS(printFolders) {
     RegistrySandbox registry;
     if (!arguments.empty()) registry.set("UserDefinedDir", arguments[0]);
     std::printf("%s|%s|%s|%s|%s", utlGetDataDir().c_str(), utlLogsDir().c_str(),
@@ -29,14 +29,14 @@ SCENE(printFolders) {
     return 0;
 }
 
-SCENE(printInstallDir) {
+SUBPROCESS(printInstallDir) {
     RegistrySandbox registry;
     if (!arguments.empty()) registry.set("InstallDir", arguments[0]);
     std::printf("%s", utlGetInstallDir().c_str());
     return 0;
 }
 
-SCENE(printWideDirs) {
+SUBPROCESS(printWideDirs) {
     RegistrySandbox registry;
     registry.set("InstallDir", arguments[0]);
     registry.set("UserDefinedDir", arguments[1]);
@@ -44,14 +44,14 @@ SCENE(printWideDirs) {
     return 0;
 }
 
-SCENE(printMissingWideDir) {
+SUBPROCESS(printMissingWideDir) {
     RegistrySandbox registry;
     std::printf("%s",
                 (arguments[0] == "install" ? utlInstallDir() : utlDataDir()).u8string().c_str());
     return 0;
 }
 
-SCENE(changesTheRegistryBetween) {
+SUBPROCESS(changesTheRegistryBetween) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\First\\");
     const std::string first = utlGetInstallDir();
@@ -76,7 +76,7 @@ TEST(UtlFolders, TheInstallFolderGetsNoSeparator) {
 }
 
 TEST(UtlFolders, AMissingInstallFolderIsFatal) {
-    const ChildResult result = runScene("printInstallDir");
+    const ChildResult result = runSubprocess("printInstallDir");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
               std::string::npos);
@@ -93,21 +93,21 @@ TEST(UtlFolders, WideFoldersAreTheRegistrysOwn) {
 }
 
 TEST(UtlFolders, ARelativeInstallFolderIsFatalForTheWideForm) {
-    const ChildResult result = runScene("printWideDirs", {"Apps", "C:\\Data"});
+    const ChildResult result = runSubprocess("printWideDirs", {"Apps", "C:\\Data"});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("utlInstallDir: Failed to initialize installDir properly: Got Apps"),
               std::string::npos);
 }
 
 TEST(UtlFolders, ARelativeDataFolderIsFatalForTheWideForm) {
-    const ChildResult result = runScene("printWideDirs", {"C:\\Apps", "Data"});
+    const ChildResult result = runSubprocess("printWideDirs", {"C:\\Apps", "Data"});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out.find("Failed to"), std::string::npos) << "only the fatal line";
     EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
 }
 
 TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideFormWhichGotNothing) {
-    const ChildResult result = runScene("printMissingWideDir", {"install"});
+    const ChildResult result = runSubprocess("printMissingWideDir", {"install"});
     EXPECT_EQ(result.status, kFatalStatus);
     const std::vector<std::string> lines = logMessages(result.out);
     ASSERT_EQ(lines.size(), 2u) << result.out;
@@ -116,7 +116,7 @@ TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideFormWhichGotNothing) {
 }
 
 TEST(UtlFolders, AMissingDataFolderIsFatalForTheWideForm) {
-    const ChildResult result = runScene("printMissingWideDir", {"data"});
+    const ChildResult result = runSubprocess("printMissingWideDir", {"data"});
     EXPECT_EQ(result.status, kFatalStatus);
     const std::vector<std::string> lines = logMessages(result.out);
     ASSERT_EQ(lines.size(), 1u) << result.out;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "utl/UtlImages.h"
 
 TEST(UtlImages, BothImagesHaveTheirTraits) {
@@ -21,18 +21,18 @@ TEST(UtlImages, BothImagesHaveTheirTraits) {
     EXPECT_EQ(large.count, 1);
 }
 
-SCENE(looksUpImage) {
+SUBPROCESS(looksUpImage) {
     utlGetImageTrait(arguments[0]);
     return 0;
 }
 
 TEST(UtlImages, AnUnknownImageIsFatal) {
     for (const char* name : {"nougat64", "Nougat64_1", "", "Pie64"}) {
-        const ChildResult result = runScene("looksUpImage", {name});
+        const ChildResult result = runSubprocess("looksUpImage", {name});
         EXPECT_EQ(result.status, kFatalStatus) << name;
         EXPECT_NE(result.out.find("utlGetImageTrait"), std::string::npos) << name;
     }
-    EXPECT_EQ(runScene("looksUpImage", {"Nougat32"}).status, 0u);
+    EXPECT_EQ(runSubprocess("looksUpImage", {"Nougat32"}).status, 0u);
 }
 
 TEST(UtlImages, TheImageOfAnInstanceEndsAtItsFirstUnderscore) {
@@ -66,13 +66,13 @@ TEST(UtlImages, AMaskOutsideItsRangeIsLoggedAndGivesNothing) {
                                         "E UTL Invalid ABI value -1 for imageName Pie"}));
 }
 
-SCENE(listsAbisOfUnknownImage) {
+SUBPROCESS(listsAbisOfUnknownImage) {
     utlGetAbiListFromAbiInt(2, "Pie64");
     return 0;
 }
 
 TEST(UtlImages, AnUnknownImageIsFatalOnceA64BitAbiIsAsked) {
-    EXPECT_EQ(runScene("listsAbisOfUnknownImage").status, kFatalStatus);
+    EXPECT_EQ(runSubprocess("listsAbisOfUnknownImage").status, kFatalStatus);
     EXPECT_EQ(utlGetAbiListFromAbiInt(5, "Pie64"), "x86,arm");
 }
 

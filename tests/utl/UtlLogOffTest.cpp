@@ -3,13 +3,13 @@
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "utl/UtlCopy.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/Xtext.h"
 
 namespace {
@@ -40,7 +40,7 @@ TEST(UtlLogOffTest, AMaskThatMeansNothing) {
     expectSilence(off, 1);
 }
 
-SCENE(trimsInSilence) {
+SUBPROCESS(trimsInSilence) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\Apps\\");
     static int trimmed = 0;
@@ -62,9 +62,9 @@ SCENE(trimsInSilence) {
     return off.refused() == 3 && off.printed() == 0 ? 0 : 3;
 }
 
-TEST(UtlLogOffTest, ATrim) { EXPECT_EQ(runScene("trimsInSilence").status, 0u); }
+TEST(UtlLogOffTest, ATrim) { EXPECT_EQ(runSubprocess("trimsInSilence").status, 0u); }
 
-SCENE(breaksInSilence) {
+SUBPROCESS(breaksInSilence) {
     RegistrySandbox registry;
     if (arguments[0] == "relative") registry.set("InstallDir", "Apps");
     const LogOff off;
@@ -76,7 +76,7 @@ SCENE(breaksInSilence) {
 
 TEST(UtlLogOffTest, WhatIsFatalIsFatalInSilence) {
     for (const char* what : {"missing", "relative", "image"}) {
-        const ChildResult result = runScene("breaksInSilence", {what});
+        const ChildResult result = runSubprocess("breaksInSilence", {what});
         EXPECT_EQ(result.status, kFatalStatus) << what;
         EXPECT_EQ(result.out, "") << what;
     }

@@ -5,10 +5,9 @@
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
-#include "utl/UtlCrashHandler.h"
+#include "support/Subprocess.h"
+#include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
-#include "utl/UtlTrim.h"
 #include "xpl/Xtext.h"
 
 // The install folder is read once per process, so each case has a process of its own. It prints the
@@ -78,9 +77,9 @@ void trimAndPrint() {
     std::printf("%d\n", result);
 }
 
-// What a scene printed; it must have ended well.
-std::string output(const std::string& scene, const SceneArguments& arguments) {
-    const ChildResult result = runScene(scene, arguments);
+// What a subprocess printed; it must have ended well.
+std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -89,7 +88,7 @@ std::string output(const std::string& scene, const SceneArguments& arguments) {
 
 }  // namespace
 
-SCENE(trimsFakeProcesses) {
+SUBPROCESS(trimsFakeProcesses) {
     RegistrySandbox registry;
     registry.set("InstallDir", arguments[0]);
     fakes = {
@@ -107,7 +106,7 @@ SCENE(trimsFakeProcesses) {
     return 0;
 }
 
-SCENE(cannotListProcesses) {
+SUBPROCESS(cannotListProcesses) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\Apps\\Player\\");
     useFakes(/*canEnumerate=*/false);
@@ -115,13 +114,13 @@ SCENE(cannotListProcesses) {
     return 0;
 }
 
-SCENE(trimsWithoutAnInstallFolder) {
+SUBPROCESS(trimsWithoutAnInstallFolder) {
     RegistrySandbox registry;
     useFakes(/*canEnumerate=*/true);
     return utlTrimMemoryAllProcs();
 }
 
-SCENE(registersTheCrashHandler) {
+SUBPROCESS(registersTheCrashHandler) {
     RegistrySandbox registry;
     registry.set("InstallDir", arguments[0]);
     if (arguments[1] == "refused") utlProcessCalls().registerCrashModule = failToRegister;
@@ -129,7 +128,7 @@ SCENE(registersTheCrashHandler) {
     return 0;
 }
 
-SCENE(registersWithoutAnInstallFolder) {
+SUBPROCESS(registersWithoutAnInstallFolder) {
     RegistrySandbox registry;
     return utlRegisterCrashHandler();
 }
@@ -173,7 +172,7 @@ TEST(UtlTrim, AFailedEnumerationIsLoggedAndNothingIsOpened) {
 }
 
 TEST(UtlTrim, AMissingInstallFolderIsFatal) {
-    const ChildResult result = runScene("trimsWithoutAnInstallFolder");
+    const ChildResult result = runSubprocess("trimsWithoutAnInstallFolder");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out.find("open"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
@@ -191,5 +190,5 @@ TEST(UtlCrashHandler, NoSeparatorIsAdded) {
 }
 
 TEST(UtlCrashHandler, AMissingInstallFolderIsFatal) {
-    EXPECT_EQ(runScene("registersWithoutAnInstallFolder").status, kFatalStatus);
+    EXPECT_EQ(runSubprocess("registersWithoutAnInstallFolder").status, kFatalStatus);
 }

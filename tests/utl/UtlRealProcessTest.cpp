@@ -7,11 +7,10 @@
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
-#include "utl/UtlCrashHandler.h"
-#include "utl/UtlTrim.h"
+#include "utl/UtlProcess.h"
 
 // Last: it needs <windows.h>.
 #include <psapi.h>
@@ -20,9 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What a scene printed; it must have ended well.
-std::string output(const std::string& scene, const SceneArguments& arguments) {
-    const ChildResult result = runScene(scene, arguments);
+// What a subprocess printed; it must have ended well.
+std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     std::string text = result.out;
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
@@ -44,7 +43,7 @@ class InstallFolder {
 
     // A process that runs from the folder, holding this much memory.
     ChildProcess start(std::size_t megabytes) const {
-        ChildProcess child(program(), {"--scene", "holdsMemory", std::to_string(megabytes)});
+        ChildProcess child(program(), {"--subprocess", "holdsMemory", std::to_string(megabytes)});
         EXPECT_EQ(child.readLine(), "ready");
         return child;
     }
@@ -70,7 +69,7 @@ bool workingSetsCanBeEmptied(const InstallFolder& install) {
 
 }  // namespace
 
-SCENE(trimsRealProcesses) {
+SUBPROCESS(trimsRealProcesses) {
     RegistrySandbox registry;
     registry.set("InstallDir", arguments[0]);
     const LogCapture log;
@@ -80,7 +79,7 @@ SCENE(trimsRealProcesses) {
     return 0;
 }
 
-SCENE(holdsMemory) {
+SUBPROCESS(holdsMemory) {
     std::vector<char> memory(std::stoul(arguments[0]) << 20, 'x');
     std::printf("ready\n");
     std::fflush(stdout);
@@ -114,7 +113,7 @@ TEST(UtlTrim, TheWorkingSetShrinks) {
     EXPECT_LT(workingSetOf(child.handle()), before / 2);
 }
 
-SCENE(registersTheRealCrashHandler) {
+SUBPROCESS(registersTheRealCrashHandler) {
     RegistrySandbox registry;
     registry.set("InstallDir", arguments[0]);
     std::printf("%d\n", utlRegisterCrashHandler());

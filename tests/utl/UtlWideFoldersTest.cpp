@@ -4,10 +4,10 @@
 #include <cstdio>
 
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "utl/UtlFolders.h"
 
-SCENE(printsWideDirsOutsideAscii) {
+SUBPROCESS(printsWideDirsOutsideAscii) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\Apps\\日本");
     registry.set("UserDefinedDir", "D:\\Ünïcode");
@@ -16,5 +16,5 @@ SCENE(printsWideDirsOutsideAscii) {
 }
 
 TEST(UtlWideFolders, FoldersOutsideAsciiAreTheRegistrysOwn) {
-    EXPECT_EQ(runScene("printsWideDirsOutsideAscii").out, "C:\\Apps\\日本|D:\\Ünïcode");
+    EXPECT_EQ(runSubprocess("printsWideDirsOutsideAscii").out, "C:\\Apps\\日本|D:\\Ünïcode");
 }

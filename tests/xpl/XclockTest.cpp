@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 
 #include "xpl/Xclock.h"
 
@@ -58,7 +58,7 @@ TEST(Xclock, ALeapDayHasItsStamp) {
 }
 
 // Prints how far UTC is from a local time in January and in July.
-SCENE(printsDistanceToUtc) {
+SUBPROCESS(printsDistanceToUtc) {
     for (const std::int64_t local : {1'704'110'400 * kSecond, 1'719'835'200 * kSecond}) {
         std::printf("%d ", static_cast<int>((local - xclockLocalToUtc(local)) / kMinute));
     }
@@ -68,7 +68,7 @@ SCENE(printsDistanceToUtc) {
 TEST(Xclock, AZoneWithADaylightRuleIsTakenToBeInItAllYear) {
     ChildOptions zone;
     zone.environment = {{"TZ", "AAA0BBB"}};
-    EXPECT_EQ(runScene("printsDistanceToUtc", {}, zone).out, "60 60 ");
+    EXPECT_EQ(runSubprocess("printsDistanceToUtc", {}, zone).out, "60 60 ");
 }
 
 TEST(Xclock, NowHasTheResolutionOfAMillisecond) {

@@ -31,6 +31,38 @@ TEST(Xerr, EveryCodeFrom0To133ButTwoHasItsOwnName) {
     EXPECT_EQ(names.size(), 132u);
 }
 
+TEST(Xerr, TheListOfCodesIsAscendingAndHasEachNameOnce) {
+    const std::vector<XErr> codes = xerrCodes();
+    ASSERT_EQ(codes.size(), 133u);
+    EXPECT_EQ(codes.front(), XERR_FAILURE);
+    EXPECT_EQ(codes.back(), XERR_HWPOISON);
+    for (std::size_t i = 1; i < codes.size(); ++i) EXPECT_LT(codes[i - 1], codes[i]);
+}
+
+TEST(Xerr, AStatusHasTheWindowsErrorsThatArriveAsIt) {
+    using Errors = std::vector<std::int32_t>;
+    EXPECT_EQ(xerrWindowsErrors(XERR_ACCES), (Errors{5, 19}));
+    EXPECT_EQ(xerrWindowsErrors(XERR_ADDRINUSE), Errors{183});
+    EXPECT_EQ(xerrWindowsErrors(XERR_SUCCESS), Errors{});
+    EXPECT_EQ(xerrWindowsErrors(XERR_WINDOWS_BASE + 32), Errors{});
+    std::size_t count = 0;
+    for (const XErr code : xerrCodes()) {
+        for (const std::int32_t error : xerrWindowsErrors(code)) {
+            EXPECT_EQ(xerrFromWindows(error), code);
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 36u);
+}
+
+TEST(Xerr, OnlySharingAndLockViolationsMeanThatAFileIsHeld) {
+    std::vector<std::int32_t> held;
+    for (std::int32_t error = 0; error <= 2000; ++error) {
+        if (xerrIsHeld(xerrFromWindows(error))) held.push_back(error);
+    }
+    EXPECT_EQ(held, (std::vector<std::int32_t>{32, 33}));
+}
+
 TEST(Xerr, WindowsErrorsWithoutAnEquivalentAreShifted) {
     EXPECT_EQ(xerrFromWindows(7), 100007);
     EXPECT_EQ(xerrFromWindows(32), 100032);

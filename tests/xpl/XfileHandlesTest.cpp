@@ -60,7 +60,7 @@ TEST(XfileHandles, PathsThatAreNotUtf8AreRefusedByEveryFunction) {
     EXPECT_EQ(xfileFlush(bad), kNoUnicode);
     EXPECT_EQ(xfileMove(bad, good), kNoUnicode);
     EXPECT_EQ(xfileMove(good, bad), kNoUnicode);
-    EXPECT_EQ(xfileMovePatiently(good, bad), kNoUnicode);
+    EXPECT_EQ(xfileMoveWithRetry(good, bad), kNoUnicode);
     EXPECT_EQ(folder.list(), std::vector<std::string>{"good"});
     EXPECT_EQ(folder.read("good"), "content");
 }

@@ -295,7 +295,7 @@ TEST_F(XfileTest, ALongPathIsFlushedAndMoved) {
     EXPECT_EQ(xfileFlush(path), 0);
     EXPECT_EQ(xfileMove(path, folder / "short"), 0);
     EXPECT_EQ(folder.read("short"), "x");
-    EXPECT_EQ(xfileMovePatiently(folder / "short", path), 0);
+    EXPECT_EQ(xfileMoveWithRetry(folder / "short", path), 0);
     EXPECT_EQ(readLong(path), "x");
     EXPECT_EQ(xfileMove(path, path + "2"), 0);
     EXPECT_EQ(readLong(path + "2"), "x");
@@ -386,7 +386,7 @@ TEST_F(XfileTest, APlainMoveDoesNotWaitForAHeldDestination) {
     EXPECT_EQ(folder.read("from"), "new");
 }
 
-TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
+TEST_F(XfileTest, AMoveWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
@@ -395,17 +395,17 @@ TEST_F(XfileTest, APatientMoveOutlastsAShortHold) {
         std::this_thread::sleep_for(std::chrono::milliseconds(120));
         held.release();
     });
-    EXPECT_EQ(xfileMovePatiently(folder / "from", folder / "to"), 0);
+    EXPECT_EQ(xfileMoveWithRetry(folder / "from", folder / "to"), 0);
     release.join();
     EXPECT_EQ(folder.read("to"), "new");
 }
 
-TEST_F(XfileTest, APatientMoveGivesUpOnALongHold) {
+TEST_F(XfileTest, AMoveWithRetryGivesUpOnALongHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
     HeldFile held(folder / "to");
-    const XErr err = xfileMovePatiently(folder / "from", folder / "to");
+    const XErr err = xfileMoveWithRetry(folder / "from", folder / "to");
     held.release();
     EXPECT_TRUE(err == XERR_ACCES || err == 100032) << err;
     EXPECT_EQ(folder.read("to"), "old");
@@ -491,33 +491,33 @@ TEST_F(XfileTest, TheWindowsErrorOfAFailureIsKept) {
     EXPECT_EQ(file.windowsError(), 131);
 }
 
-TEST_F(XfileTest, APatientReadReadsTheWholeFile) {
+TEST_F(XfileTest, AReadWithRetryReadsTheWholeFile) {
     folder.write("empty", "");
     folder.write("f", std::string("a\0b\n", 4));
     std::string content = "before";
-    XfileReadErrors errors = xfileReadPatiently(folder / "f", content);
+    XfileReadErrors errors = xfileReadWithRetry(folder / "f", content);
     EXPECT_EQ(errors.open, 0);
     EXPECT_EQ(errors.bytes, 0);
     EXPECT_EQ(content, std::string("a\0b\n", 4));
-    errors = xfileReadPatiently(folder / "empty", content);
+    errors = xfileReadWithRetry(folder / "empty", content);
     EXPECT_EQ(errors.open, 0);
     EXPECT_EQ(errors.bytes, 0);
     EXPECT_EQ(content, "");
 }
 
-TEST_F(XfileTest, APatientReadOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
+TEST_F(XfileTest, AReadWithRetryOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
     const std::pair<std::string, int> cases[] = {
         {folder / "missing", 2}, {folder.path(), 5}, {folder / "\xFF", 1113}};
     for (const auto& [path, error] : cases) {
         std::string content = "before";
-        const XfileReadErrors errors = xfileReadPatiently(path, content);
+        const XfileReadErrors errors = xfileReadWithRetry(path, content);
         EXPECT_EQ(errors.open, error);
         EXPECT_EQ(errors.bytes, 0);
         EXPECT_EQ(content, "");
     }
 }
 
-TEST_F(XfileTest, APatientReadOutlastsAShortHold) {
+TEST_F(XfileTest, AReadWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "content");
     HeldFile held(folder / "f");
@@ -526,17 +526,17 @@ TEST_F(XfileTest, APatientReadOutlastsAShortHold) {
         held.release();
     });
     std::string content;
-    EXPECT_EQ(xfileReadPatiently(folder / "f", content).open, 0);
+    EXPECT_EQ(xfileReadWithRetry(folder / "f", content).open, 0);
     release.join();
     EXPECT_EQ(content, "content");
 }
 
-TEST_F(XfileTest, APatientReadGivesUpOnALongHold) {
+TEST_F(XfileTest, AReadWithRetryGivesUpOnALongHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "content");
     HeldFile held(folder / "f");
     std::string content;
-    EXPECT_EQ(xfileReadPatiently(folder / "f", content).open, 32);
+    EXPECT_EQ(xfileReadWithRetry(folder / "f", content).open, 32);
     held.release();
     EXPECT_EQ(folder.read("f"), "content");
 }

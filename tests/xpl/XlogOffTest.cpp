@@ -8,9 +8,9 @@
 
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
-#include "xpl/Xfence.h"
+#include "xpl/XcatchAll.h"
 #include "xpl/Xfile.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
@@ -29,8 +29,8 @@ class XlogOffTest : public ::testing::Test {
 };
 
 // Ends with a fatal break, and says nothing.
-void expectSilentBreak(const std::string& scene, const SceneArguments& arguments = {}) {
-    const ChildResult result = runScene(scene, arguments);
+void expectSilentBreak(const std::string& subprocess, const SubprocessArguments& arguments = {}) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
 }
@@ -48,8 +48,8 @@ TEST_F(XlogOffTest, AMutexWhoseNameIsNotUtf8) {
 
 TEST_F(XlogOffTest, AnExceptionAtTheBorder) {
     const XlogModule module{XlogTag::XLIB, "f"};
-    EXPECT_EQ(xfence(module, "f", 7, []() -> int { throw std::bad_alloc(); }), 7);
-    EXPECT_EQ(xfence(module, "f", 8, []() -> int { throw 1; }), 8);
+    EXPECT_EQ(xcatchAll(module, "f", 7, []() -> int { throw std::bad_alloc(); }), 7);
+    EXPECT_EQ(xcatchAll(module, "f", 8, []() -> int { throw 1; }), 8);
     expectSilence(2);
 }
 
@@ -87,7 +87,7 @@ TEST_F(XlogOffTest, AWaitForNoProcess) {
     expectSilence(2);
 }
 
-SCENE(locksUninitialisedInSilence) {
+SUBPROCESS(locksUninitialisedInSilence) {
     const LogOff silence;
     XmutexNamed mutex;
     mutex.lock();
@@ -99,7 +99,7 @@ TEST_F(XlogOffTest, ALockThatFailsIsStillFatal) {
     expectSilentBreak("locksUninitialisedInSilence");
 }
 
-SCENE(unlocksUnownedInSilence) {
+SUBPROCESS(unlocksUnownedInSilence) {
     const LogOff silence;
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;

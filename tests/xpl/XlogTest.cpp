@@ -7,7 +7,7 @@
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/SystemAbilities.h"
 #include "support/TempFolder.h"
 #include "xpl/Xlog.h"
@@ -293,14 +293,14 @@ TEST(XlogStart, ALoggerOfTheHostsIsGreetedAtDebugLevel) {
     EXPECT_EQ(greeting, "3 34 xlog inited using logger");
 }
 
-SCENE(logsBeforeStart) {
+SUBPROCESS(logsBeforeStart) {
     XLOG_E(kConf, "an error");
     XLOG_W(kConf, "a warning");
     return 0;
 }
 
 TEST(XlogStart, BeforeItOnlyErrorsPassWithoutATagName) {
-    const ChildResult result = runScene("logsBeforeStart");
+    const ChildResult result = runSubprocess("logsBeforeStart");
     EXPECT_EQ(result.status, 0u);
     ASSERT_EQ(logMessages(result.out).size(), 1u) << result.out;
     EXPECT_TRUE(
@@ -308,46 +308,46 @@ TEST(XlogStart, BeforeItOnlyErrorsPassWithoutATagName) {
         << result.out;
 }
 
-SCENE(logsToStandardOutput) {
+SUBPROCESS(logsToStandardOutput) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
     XLOG_I(kConf, "to the console");
     return 0;
 }
 
 TEST(XlogStart, AnEmptyPathMeansStandardOutput) {
-    const ChildResult result = runScene("logsToStandardOutput");
+    const ChildResult result = runSubprocess("logsToStandardOutput");
     EXPECT_EQ(result.status, 0u);
     EXPECT_NE(result.out.find(" CONF    I: to the console"), std::string::npos) << result.out;
 }
 
-SCENE(logsIntoMissingFolder) {
+SUBPROCESS(logsIntoMissingFolder) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     return 0;
 }
 
 TEST(XlogStart, AFileThatCannotBeOpenedIsFatalAndItsLineIsLost) {
     const TempFolder folder;
-    const ChildResult result = runScene("logsIntoMissingFolder", {folder / "Logs/Player.log"});
+    const ChildResult result = runSubprocess("logsIntoMissingFolder", {folder / "Logs/Player.log"});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(folder.list(), Lines{});
 }
 
-SCENE(breaksFatally) {
+SUBPROCESS(breaksFatally) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     XLOG_FATAL(kMem);
 }
 
 TEST(XlogStart, TheFatalBreakLogsItsPlaceAndEndsTheProcess) {
     const TempFolder folder;
-    EXPECT_EQ(runScene("breaksFatally", {folder / "log"}).status, kFatalStatus);
+    EXPECT_EQ(runSubprocess("breaksFatally", {folder / "log"}).status, kFatalStatus);
     const Lines lines = logMessages(folder.read("log"));
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].rfind("E XMEM  FATAL: DEBUG BREAK: Source/xpl/Xmem:", 0), 0u) << lines[0];
     EXPECT_EQ(lines[0].substr(lines[0].size() - 11), " 0.000000()") << lines[0];
 }
 
-SCENE(logsManyLines) {
+SUBPROCESS(logsManyLines) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     for (int i = 0; i < 1000; ++i) XLOG_I(kConf, "%s:%d", arguments[1].c_str(), i);
     return 0;
@@ -358,7 +358,7 @@ TEST(XlogStart, ProcessesShareALogWithoutLosingLines) {
     const TempFolder folder;
     std::vector<ChildProcess> children;
     for (const char* name : {"a", "b", "c", "d"}) {
-        children.push_back(startScene("logsManyLines", {folder / "log", name}));
+        children.push_back(startSubprocess("logsManyLines", {folder / "log", name}));
     }
     for (ChildProcess& child : children) EXPECT_EQ(child.finish().status, 0u);
     const Lines lines = logMessages(folder.read("log"));

@@ -11,7 +11,7 @@
 #include <fstream>
 #include <thread>
 
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
@@ -44,7 +44,7 @@ bool isFree(const std::string& name) {
 
 }  // namespace
 
-SCENE(tellsItsNumberAndEndsWithTheMutex) {
+SUBPROCESS(tellsItsNumberAndEndsWithTheMutex) {
     static XmutexNamed& mutex = *new XmutexNamed;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.lock();
@@ -57,7 +57,7 @@ TEST(XmutexNamed, AThreadWithTheNumberOfADeadHolderTakesTheMutexAsAnyOther) {
     const std::string name = "Global\\vtr_test_owner" + std::to_string(::getpid());
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
-    const ChildResult dead = runScene("tellsItsNumberAndEndsWithTheMutex", {name});
+    const ChildResult dead = runSubprocess("tellsItsNumberAndEndsWithTheMutex", {name});
     ASSERT_EQ(dead.status, 0u);
     bool isFreeMeanwhile = true;
     const bool hasRun = runAsThread(std::atoi(dead.out.c_str()), [&] {

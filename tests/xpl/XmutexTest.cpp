@@ -11,7 +11,7 @@
 
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/process_figures.h"
 #include "xpl/XmutexNamed.h"
 
@@ -26,7 +26,7 @@ using Lines = std::vector<std::string>;
 }  // namespace
 
 // Holds the mutex until it is killed or told to end.
-SCENE(holdsMutex) {
+SUBPROCESS(holdsMutex) {
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
     const std::lock_guard<XmutexNamed> guard(mutex);
@@ -36,7 +36,7 @@ SCENE(holdsMutex) {
     return 0;
 }
 
-SCENE(exitsWithoutUnlocking) {
+SUBPROCESS(exitsWithoutUnlocking) {
     static XmutexNamed& mutex = *new XmutexNamed;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.lock();
@@ -72,7 +72,7 @@ TEST(XmutexNamed, AMutexHeldByAnotherProcessIsNotAcquired) {
     const std::string name = uniqueName("c");
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
-    ChildProcess holder = startScene("holdsMutex", {name});
+    ChildProcess holder = startSubprocess("holdsMutex", {name});
     ASSERT_EQ(holder.readLine(), "held");
     EXPECT_FALSE(mutex.try_lock());
     holder.kill();
@@ -84,7 +84,7 @@ TEST(XmutexNamed, AHolderThatExitsWithoutUnlockIsTakenOverFrom) {
     const std::string name = uniqueName("d");
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
-    ASSERT_EQ(runScene("exitsWithoutUnlocking", {name}).status, 0u);
+    ASSERT_EQ(runSubprocess("exitsWithoutUnlocking", {name}).status, 0u);
     mutex.lock();
     mutex.unlock();
     EXPECT_TRUE(mutex.try_lock());
@@ -115,7 +115,7 @@ TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
     EXPECT_EQ(log.texts(), Lines{"E XMUTEX try_lock: Error in try_lock, GetLastError: 6"});
 }
 
-SCENE(locksUninitialised) {
+SUBPROCESS(locksUninitialised) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
     xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
     XmutexNamed mutex;
@@ -125,7 +125,7 @@ SCENE(locksUninitialised) {
 }
 
 TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
-    const ChildResult result = runScene("locksUninitialised");
+    const ChildResult result = runSubprocess("locksUninitialised");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("lock: Error in taking lock, GetLastError: 6"), std::string::npos);
     EXPECT_NE(result.out.find("XmutexNamed::lock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
@@ -133,7 +133,7 @@ TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
         << result.out;
 }
 
-SCENE(unlocksUnowned) {
+SUBPROCESS(unlocksUnowned) {
     if (xlogLibInit(nullptr, "") != 0) return 1;
     xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
     XmutexNamed mutex;
@@ -143,7 +143,7 @@ SCENE(unlocksUnowned) {
 }
 
 TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
-    const ChildResult result = runScene("unlocksUnowned", {uniqueName("g")});
+    const ChildResult result = runSubprocess("unlocksUnowned", {uniqueName("g")});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_NE(result.out.find("unlock: Error in unlocking, GetLastError: 288"), std::string::npos)
         << result.out;

@@ -6,7 +6,7 @@
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
@@ -74,7 +74,7 @@ Failure FakeCalls::runAsResult;
 
 }  // namespace
 
-SCENE(writesItsCommandLine) {
+SUBPROCESS(writesItsCommandLine) {
     std::string line = xtextToUtf8(::GetCommandLineW());
     writeBytes(arguments[0], line);
     return 7;
@@ -86,13 +86,13 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
         const std::string file = slashed(folder / hard.name);
         XprocHandle child = nullptr;
         ASSERT_EQ(xprocCreate(&child,
-                              {ownPath(), "--scene", "writesItsCommandLine", file, hard.argument}),
+                              {ownPath(), "--subprocess", "writesItsCommandLine", file, hard.argument}),
                   0);
         std::uint32_t status = 0;
         EXPECT_EQ(xprocWait(child, &status), 0);
         EXPECT_EQ(status, 7u) << hard.name;
         EXPECT_EQ(folder.read(hard.name), xprocQuote(ownPath()) +
-                                              R"( "--scene" "writesItsCommandLine" ")" + file +
+                                              R"( "--subprocess" "writesItsCommandLine" ")" + file +
                                               "\" " + hard.quoted);
     }
 }
@@ -107,7 +107,7 @@ constexpr int kOtherEncoding = 97;
 
 // Whether the C runtime sets variables in the encoding of its locale. Asked in a process of its
 // own, so that a library that leaves the locale alone is noticed.
-SCENE(asksTheRuntimeForVariablesInUtf8) {
+SUBPROCESS(asksTheRuntimeForVariablesInUtf8) {
     std::setlocale(LC_ALL, ".UTF8");
     if (::_putenv((std::string("BRIDGE_TEST=") + kBeyondAscii).c_str()) != 0) return 1;
     wchar_t value[64] = L"";
@@ -115,7 +115,7 @@ SCENE(asksTheRuntimeForVariablesInUtf8) {
     return value == wideForTests(kBeyondAscii) ? 0 : kOtherEncoding;
 }
 
-SCENE(writesItsVariable) {
+SUBPROCESS(writesItsVariable) {
     wchar_t value[64] = L"";
     ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
     writeBytes(arguments[0], xtextToUtf8(value));
@@ -123,23 +123,23 @@ SCENE(writesItsVariable) {
 }
 
 // In a process of its own, whose locale may change.
-SCENE(setsVariableBeyondAscii) {
+SUBPROCESS(setsVariableBeyondAscii) {
     xsystemUseUtf8();
     XprocHandle child = nullptr;
     if (xprocSetEnvironment("BRIDGE_TEST", kBeyondAscii) != 0) return 1;
-    if (xprocCreate(&child, {ownPath(), "--scene", "writesItsVariable", arguments[0]}) != 0)
+    if (xprocCreate(&child, {ownPath(), "--subprocess", "writesItsVariable", arguments[0]}) != 0)
         return 2;
     return xprocWait(child, nullptr);
 }
 
 TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
-    const std::uint32_t asked = runScene("asksTheRuntimeForVariablesInUtf8").status;
+    const std::uint32_t asked = runSubprocess("asksTheRuntimeForVariablesInUtf8").status;
     if (asked == kOtherEncoding) {
         GTEST_SKIP() << "needs Windows, whose C runtime sets variables in the locale's encoding";
     }
     ASSERT_EQ(asked, 0u);
     const TempFolder folder;
-    EXPECT_EQ(runScene("setsVariableBeyondAscii", {slashed(folder / "value")}).status, 0u);
+    EXPECT_EQ(runSubprocess("setsVariableBeyondAscii", {slashed(folder / "value")}).status, 0u);
     EXPECT_EQ(folder.read("value"), kBeyondAscii);
 }
 
@@ -211,7 +211,7 @@ TEST(Xproc, AnElevatedStartReachesTheProgram) {
     const TempFolder folder;
     const LogCapture log;
     const XErr err = xprocCreate_elevated_basic(
-        nullptr, {ownPath(), "--scene", "writesItsCommandLine", slashed(folder / "line")});
+        nullptr, {ownPath(), "--subprocess", "writesItsCommandLine", slashed(folder / "line")});
     ASSERT_EQ(err, 0) << "the shell answers for a program that exists";
     for (int i = 0; i < 100 && !folder.has("line"); ++i) ::Sleep(50);
     EXPECT_TRUE(folder.has("line"));
@@ -231,7 +231,7 @@ bool isElevated() {
 
 }  // namespace
 
-SCENE(writesItsElevation) {
+SUBPROCESS(writesItsElevation) {
     writeBytes(arguments[0], isElevated() ? "elevated" : "plain");
     return 0;
 }
@@ -243,11 +243,11 @@ TEST(Xproc, OnlyAnElevatedStartElevatesTheProgram) {
     const TempFolder folder;
     XprocHandle child = nullptr;
     ASSERT_EQ(xprocCreate(&child,
-                          {ownPath(), "--scene", "writesItsElevation", slashed(folder / "plain")}),
+                          {ownPath(), "--subprocess", "writesItsElevation", slashed(folder / "plain")}),
               0);
     EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_EQ(folder.read("plain"), "plain");
-    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, {ownPath(), "--scene", "writesItsElevation",
+    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, {ownPath(), "--subprocess", "writesItsElevation",
                                                    slashed(folder / "elevated")}),
               0);
     const auto content = [&] { return folder.has("elevated") ? folder.read("elevated") : ""; };
@@ -274,7 +274,7 @@ bool isOpen(HANDLE handle) {
 
 TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
     EXPECT_TRUE(isOpen(child));
     EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_FALSE(isOpen(child));
@@ -282,7 +282,7 @@ TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
 
 TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
     const HANDLE cannotWait = otherHandle(child, PROCESS_QUERY_INFORMATION);
     {
         const LogCapture log;
@@ -296,7 +296,7 @@ TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
 
 TEST(Xproc, KillingAnEndedProcessAnswersZero) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "sleepsLong"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong"}), 0);
     const HANDLE again = otherHandle(child, PROCESS_ALL_ACCESS);
     xprocKill(child, 1);
     EXPECT_EQ(xprocWait(child, nullptr), 0);

@@ -8,7 +8,7 @@
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Scene.h"
+#include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/process_figures.h"
 
@@ -61,7 +61,7 @@ TEST(Xproc, ArgumentsThatAreNotUtf8AreRefused) {
 }
 
 // Each argument on a line of its own, as the product's programs take them.
-SCENE(writesItsArguments) {
+SUBPROCESS(writesItsArguments) {
     std::string text;
     for (const std::string& argument : arguments) text += argument + "\n";
     writeBytes(arguments[0], text);
@@ -73,21 +73,21 @@ TEST(Xproc, AChildGetsItsArgumentsAndItsStatusComesBack) {
     std::string file = folder / "arguments";
     for (char& c : file) c = c == '\\' ? '/' : c;  // nothing in them differs between the rules
     XprocHandle child = nullptr;
-    ASSERT_EQ(
-        xprocCreate(&child, {ownPath(), "--scene", "writesItsArguments", file, "a b", "", "é日"}),
-        0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsArguments", file, "a b", "",
+                                   "é日"}),
+              0);
     std::uint32_t status = 0;
     EXPECT_EQ(xprocWait(child, &status), 0);
     EXPECT_EQ(status, 7u);
     EXPECT_EQ(folder.read("arguments"), file + "\na b\n\né日\n");
 }
 
-SCENE(doesNothing) { return 7; }
+SUBPROCESS(doesNothing) { return 7; }
 
 TEST(Xproc, NothingIsLeftOfChildrenThatWereWaitedFor) {
     const auto startAndWait = [](std::uint32_t* status) {
         XprocHandle child = nullptr;
-        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "doesNothing"}), 0);
+        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
         EXPECT_EQ(xprocWait(child, status), 0);
     };
     std::uint32_t status = 0;
@@ -101,14 +101,14 @@ TEST(Xproc, NothingIsLeftOfChildrenThatWereWaitedFor) {
     EXPECT_EQ(openHandles(), before) << "neither processes nor their threads";
 }
 
-SCENE(sleepsLong) {
+SUBPROCESS(sleepsLong) {
     sleepMs(60'000);
     return 0;
 }
 
 TEST(Xproc, KillingEndsTheChild) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--scene", "sleepsLong"}), 0);
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong"}), 0);
     EXPECT_EQ(xprocKill(child, 42), 0);
     std::uint32_t status = 0;
     EXPECT_EQ(xprocWait(child, &status), 0);
@@ -127,7 +127,7 @@ TEST(Xproc, AFailedWaitIsLoggedAndReturned) {
     EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait failed with 9 XERR_BADF"});
 }
 
-SCENE(printsVariable) {
+SUBPROCESS(printsVariable) {
     const char* const value = std::getenv("BRIDGE_TEST");
     std::printf("%s", value == nullptr ? "(none)" : value);
     return 0;
@@ -135,9 +135,9 @@ SCENE(printsVariable) {
 
 TEST(Xproc, AVariableReachesTheChildren) {
     ASSERT_EQ(xprocSetEnvironment("BRIDGE_TEST", "some value"), 0);
-    EXPECT_EQ(runScene("printsVariable").out, "some value");
+    EXPECT_EQ(runSubprocess("printsVariable").out, "some value");
     ASSERT_EQ(xprocSetEnvironment("BRIDGE_TEST", ""), 0);
-    EXPECT_EQ(runScene("printsVariable").out, "(none)");
+    EXPECT_EQ(runSubprocess("printsVariable").out, "(none)");
 }
 
 TEST(Xproc, AnElevatedStartTakesUtf8Only) {

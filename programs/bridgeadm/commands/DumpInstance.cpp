@@ -4,9 +4,9 @@
 #include <sstream>
 
 #include "Session.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/Joined.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/Command.h"
+#include "shared/Joined.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // bridgeadm help [COMMAND]
 #include "Session.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/HelpCommand.h"
+#include "shared/Command.h"
+#include "shared/HelpCommand.h"
 
 namespace {
 

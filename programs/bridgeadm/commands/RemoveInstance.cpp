@@ -2,8 +2,8 @@
 #include <memory>
 
 #include "Session.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "appc/Appc.h"
 #include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

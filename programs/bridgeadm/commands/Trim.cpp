@@ -1,8 +1,8 @@
 // bridgeadm trim
 #include "Session.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/OptionParser.h"
-#include "utl/UtlTrim.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
+#include "utl/UtlProcess.h"
 
 namespace {
 

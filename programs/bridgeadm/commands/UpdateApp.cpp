@@ -4,8 +4,8 @@
 
 #include "Session.h"
 #include "appc/Appc.h"
-#include "bridgectl/Command.h"
-#include "bridgectl/OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xfile.h"
 

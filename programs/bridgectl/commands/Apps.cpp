@@ -3,12 +3,12 @@
 
 #include <memory>
 
-#include "Command.h"
-#include "Console.h"
 #include "LibraryText.h"
 #include "ListingRows.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 #include <memory>
 
 #include "CatalogueRows.h"
-#include "Command.h"
-#include "Console.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

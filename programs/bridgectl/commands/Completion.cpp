@@ -1,10 +1,10 @@
 // bridgectl completion bash|powershell
 #include <memory>
 
-#include "Command.h"
-#include "CompletionScript.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/CompletionScript.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // bridgectl conf ...
-#include "Command.h"
+#include "shared/Command.h"
 
 extern const Command commandConf;
 const Command commandConf{"", "conf", "Commands on the configuration",

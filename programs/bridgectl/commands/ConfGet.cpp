@@ -1,9 +1,9 @@
 // bridgectl conf get KEY
 #include <memory>
 
-#include "Command.h"
 #include "KeyValue.h"
-#include "OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // bridgectl conf list [--global] [--instance NAME]
 #include <memory>
 
-#include "Command.h"
-#include "Console.h"
 #include "KeyValue.h"
-#include "OptionParser.h"
-#include "Table.h"
 #include "conf/ConfKey.h"
+#include "shared/Command.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
+#include "shared/Table.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <memory>
 
-#include "Command.h"
 #include "KeyValue.h"
-#include "OptionParser.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 #include "utl/UtlImages.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // bridgectl create-instance IMAGE CPU RAM ENGINE RENDERER PROFILE
 #include <bridge/bridge.h>
 
-#include "Command.h"
 #include "ProgramCommand.h"
+#include "shared/Command.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // bridgectl explain [CODE] [--markdown]
 #include <memory>
 
-#include "Command.h"
-#include "Console.h"
-#include "OptionParser.h"
 #include "ResultCodes.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // bridgectl help [COMMAND]
-#include "Command.h"
-#include "HelpCommand.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/HelpCommand.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // bridgectl install-apk INSTANCE FILE
 #include <bridge/bridge.h>
 
-#include "Command.h"
 #include "ProgramCommand.h"
+#include "shared/Command.h"
 
 namespace {
 

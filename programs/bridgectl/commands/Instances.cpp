@@ -3,13 +3,13 @@
 
 #include <algorithm>
 
-#include "Command.h"
-#include "Console.h"
 #include "LibraryText.h"
 #include "ListingRows.h"
-#include "OptionParser.h"
 #include "Session.h"
 #include "conf/ConfKey.h"
+#include "shared/Command.h"
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
 #include "utl/UtlImages.h"
 
 namespace {

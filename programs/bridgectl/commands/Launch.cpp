@@ -1,8 +1,8 @@
 // bridgectl launch INSTANCE PACKAGE
 #include <bridge/bridge.h>
 
-#include "Command.h"
 #include "ProgramCommand.h"
+#include "shared/Command.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 
 #include <memory>
 
-#include "Command.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // bridgectl version
 #include <bridge/bridge.h>
 
-#include "Command.h"
 #include "LibraryVersion.h"
-#include "OptionParser.h"
 #include "Session.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

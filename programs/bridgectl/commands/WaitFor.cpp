@@ -1,10 +1,10 @@
 // bridgectl wait-for EVENT [--timeout SECONDS]
 #include <memory>
 
-#include "Command.h"
 #include "Event.h"
 #include "EventPrinting.h"
-#include "OptionParser.h"
+#include "shared/Command.h"
+#include "shared/OptionParser.h"
 
 namespace {
 

@@ -1,5 +1,0 @@
-#include "bridge/BridgeFence.h"
-
-void bridgeLogNullArgument(const char* function) noexcept {
-    XLOG_E(kLog, "%s: null argument", function);
-}

@@ -1,0 +1,79 @@
+#ifndef XPL_XRCU_H
+#define XPL_XRCU_H
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "xpl/Xattributes.h"
+
+// Read-copy-update: a value that many threads read without a lock while now and then one puts a
+// changed copy in its place. A copy is never changed once it is published. For what is small and
+// has no memory of its own, Xseqlock does without copies.
+template <typename Value>
+class Xrcu {
+ public:
+    // The value at this moment; it stays as long as the reader lives.
+    class Reader {
+     public:
+        explicit Reader(const Xrcu& of) : of_(of) {
+            of_.readers_.fetch_add(1);  // before the value is looked at
+            value_ = of_.current_.load();
+        }
+        ~Reader() { of_.readers_.fetch_sub(1); }
+        Reader(const Reader&) = delete;
+        Reader& operator=(const Reader&) = delete;
+
+        // Null before the first change.
+        const Value* get() const { return value_; }
+
+     private:
+        const Xrcu& of_;
+        const Value* value_;
+    };
+
+    Xrcu() = default;
+    Xrcu(const Xrcu&) = delete;
+    Xrcu& operator=(const Xrcu&) = delete;
+
+    // Without a lock: at unload nobody reads, and at process exit the other threads have ended,
+    // perhaps inside one.
+    ~Xrcu() { delete current_.exchange(nullptr); }
+
+    // Calls change(copy) with a copy of the value, of an empty one at first, and publishes it.
+    template <typename Change>
+    void change(Change change) {
+        const std::lock_guard<std::mutex> guard(writers_);
+        const Value* const now = current_.load();
+        auto next = now == nullptr ? std::make_unique<Value>() : std::make_unique<Value>(*now);
+        change(*next);
+        replaced_.reserve(replaced_.size() + 1);
+        if (const Value* const before = current_.exchange(next.release())) {
+            replaced_.emplace_back(before);
+        }
+        releaseReplaced();
+    }
+
+ private:
+    // Whoever begins to read after the replacement sees the new value, so that without a reader
+    // nobody has an old one. Readers that never stop do not keep a writer: what it leaves goes with
+    // the next.
+    void releaseReplaced() XTS_REQUIRES(writers_) {
+        constexpr int kTries = 1000;
+        for (int i = 0; i < kTries; ++i) {
+            if (readers_.load() == 0) return replaced_.clear();
+            std::this_thread::yield();
+        }
+    }
+
+    std::atomic<const Value*> current_{nullptr};
+    mutable std::atomic<int> readers_{0};
+    std::mutex writers_;
+
+    // Perhaps still read.
+    std::vector<std::unique_ptr<const Value>> replaced_ XTS_GUARDED_BY(writers_);
+};
+
+#endif

@@ -1,0 +1,82 @@
+#include "shared/CommandLine.h"
+
+#include <exception>
+
+#include "shared/Console.h"
+#include "shared/OptionParser.h"
+
+namespace {
+
+std::string exitCodeHelp() {
+    std::string text = "Exit codes:\n";
+#define PROGRAM_LINE(name, number, meaning) text += "  " #number "  " meaning "\n";
+    PROGRAM_EXIT_CODES(PROGRAM_LINE)
+#undef PROGRAM_LINE
+    return text;
+}
+
+void declareGroups(OptionParser options) {
+    for (const Command* group : allCommands()) {
+        if (group->declare != nullptr) continue;
+        options.addCommand(group->name, group->summary, group->details).requireCommand();
+    }
+}
+
+OptionParser parserFor(OptionParser options, const Command& command) {
+    OptionParser outer = *command.group == '\0' ? options : options.command(command.group).value();
+    return outer.addCommand(command.name, command.summary, command.details);
+}
+
+void declareCommands(OptionParser options, const Program& program, Session& session) {
+    declareGroups(options);
+    for (const Command* command : allCommands()) {
+        if (command->declare == nullptr) continue;
+        OptionParser parser = parserFor(options, *command);
+        command->declare(parser, session);
+        if (program.declareCommonOptions != nullptr) program.declareCommonOptions(parser, session);
+    }
+}
+
+void declareProgram(ProgramParser& parser, const Program& program, Session& session) {
+    OptionParser options = parser.options();
+    program.declareOptions(options, session);
+    parser.addVersion(program.version);
+    parser.setDetails(exitCodeHelp());
+    options.requireCommand();
+    declareCommands(options, program, session);
+}
+
+void endWith(ProgramRun& run, const ParseEnd& end) {
+    switch (end.kind) {
+        case ParseEnd::Understood:
+            return;
+        case ParseEnd::Help:
+            run.print(outputStyle().help(end.text));
+            return;
+        case ParseEnd::Version:
+            run.print(end.text + "\n");
+            return;
+        case ParseEnd::Error:
+            run.fail(ExitCode::Usage, end.text);
+            run.fail(ExitCode::Usage, std::string("see ") + programName + " --help");
+    }
+}
+
+int parseAndRun(const Program& program, Session& session, ProgramRun& run) {
+    ProgramParser parser(programName, program.description);
+    declareProgram(parser, program, session);
+    endWith(run, parser.parse(commandLineArguments()));
+    return static_cast<int>(run.exitCode);
+}
+
+}  // namespace
+
+int runCommandLine(const Program& program, Session& session, ProgramRun& run) noexcept {
+    keepStandardHandles();
+    try {
+        return parseAndRun(program, session, run);
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return static_cast<int>(ExitCode::Library);
+    }
+}

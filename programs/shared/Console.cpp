@@ -1,0 +1,104 @@
+// The console and the command line of Windows.
+#include "shared/Console.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+
+#include "xpl/Xtext.h"
+#include "xpl/XwindowsLean.h"
+
+// Last: it needs <windows.h>.
+#include <shellapi.h>
+
+namespace {
+
+struct FreeArguments {
+    void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
+};
+
+bool printWide(HANDLE console, const std::wstring& text) {
+    DWORD written = 0;
+    return ::WriteConsoleW(console, text.data(), static_cast<DWORD>(text.size()), &written,
+                           nullptr) &&
+           written == text.size();
+}
+
+bool printBytes(HANDLE handle, std::string_view text) {
+    while (!text.empty()) {
+        DWORD written = 0;
+        if (!::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) ||
+            written == 0) {
+            return false;
+        }
+        text.remove_prefix(written);
+    }
+    return true;
+}
+
+bool print(DWORD stream, std::string_view text) {
+    const HANDLE handle = ::GetStdHandle(stream);
+    DWORD mode = 0;
+    std::wstring wide;
+    const bool isConsole = ::GetConsoleMode(handle, &mode) != 0;
+    return isConsole && xtextToWide(text, wide) == XERR_SUCCESS ? printWide(handle, wide)
+                                                                : printBytes(handle, text);
+}
+
+TextStyle styleOf(DWORD stream) {
+    const HANDLE handle = ::GetStdHandle(stream);
+    DWORD mode = 0;
+    const bool showsColours =
+        ::GetConsoleMode(handle, &mode) != 0 &&
+        ::SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+    return TextStyle(showsColours, std::getenv("NO_COLOR"));
+}
+
+std::atomic<void (*)()> consoleEnd{nullptr};
+
+BOOL WINAPI onConsoleEvent(DWORD event) {
+    void (*const end)() = consoleEnd.exchange(nullptr);
+    if (end == nullptr) return FALSE;
+    end();
+    // The system ends the process when this returns; main() is on its way to do that.
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(INFINITE);
+    return TRUE;
+}
+
+}  // namespace
+
+bool printOut(std::string_view text) { return print(STD_OUTPUT_HANDLE, text); }
+
+void printError(std::string_view text) {
+    const std::string prefix = errorStyle().error(std::string(programName) + ":");
+    print(STD_ERROR_HANDLE, prefix + " " + std::string(text) + "\n");
+}
+
+void printNotice(std::string_view text) {
+    print(STD_ERROR_HANDLE, std::string(programName).append(": ").append(text).append("\n"));
+}
+
+TextStyle outputStyle() { return styleOf(STD_OUTPUT_HANDLE); }
+
+TextStyle errorStyle() { return styleOf(STD_ERROR_HANDLE); }
+
+void onConsoleEnd(void (*end)()) {
+    consoleEnd = end;
+    ::SetConsoleCtrlHandler(onConsoleEvent, TRUE);
+}
+
+void keepStandardHandles() {
+    for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        ::SetHandleInformation(::GetStdHandle(stream), HANDLE_FLAG_INHERIT, 0);
+    }
+}
+
+std::vector<std::string> commandLineArguments() {
+    int count = 0;
+    const std::unique_ptr<LPWSTR[], FreeArguments> wide(
+        ::CommandLineToArgvW(::GetCommandLineW(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(xtextToUtf8(wide[static_cast<std::size_t>(i)]));
+    return arguments;
+}

@@ -1,0 +1,11 @@
+#ifndef SHARED_HELPCOMMAND_H
+#define SHARED_HELPCOMMAND_H
+
+#include "shared/ProgramRun.h"
+
+class OptionParser;
+
+// Declares "help [COMMAND]", which explains the commands of the parser's program.
+void declareHelp(OptionParser& parser, ProgramRun& run);
+
+#endif

@@ -1,0 +1,60 @@
+#ifndef SHARED_PROGRAMRUN_H
+#define SHARED_PROGRAMRUN_H
+
+#include <string>
+#include <string_view>
+
+#include "shared/ExitCode.h"
+#include "shared/JsonValue.h"
+#include "xpl/Xerr.h"
+
+// One run of a program: where it logs, how it prints and how it ends. The programs' sessions are
+// runs.
+class ProgramRun {
+ public:
+    ProgramRun() = default;
+    ProgramRun(const ProgramRun&) = delete;
+    ProgramRun& operator=(const ProgramRun&) = delete;
+
+    std::string logFile;  // empty: the product's log
+    bool json = false;    // results are printed as JSON
+    bool quiet = false;   // nothing is printed but results and errors
+
+    ExitCode exitCode = ExitCode::Success;
+
+    // Prints a result on standard output. False, after an error, when it cannot be written: as with
+    // every function below.
+    bool print(std::string_view text);
+
+    // The same, indented.
+    bool printJson(const JsonValue& value);
+
+    // Says that the work is done, in one of the two forms.
+    bool confirm(const std::string& text, const JsonValue& value);
+
+    // A line on standard error that is no error.
+    void notice(const std::string& text) const;
+
+    // Prints an error and sets the exit code; false, so that callers can return it.
+    bool fail(ExitCode code, const std::string& message);
+
+    // The same for a status of the library.
+    bool failStatus(ExitCode code, const std::string& what, XErr status);
+
+    // The error of an instance that is not known.
+    bool failInstance(std::string_view instance);
+
+    // False, after an error, when the registry names no install folder. Asking for it then would
+    // end the process.
+    bool requireInstallFolder();
+
+ protected:
+    ~ProgramRun() = default;
+
+    std::string logPath() const;
+
+    // False after an error. A log that cannot be opened would end the process without a word.
+    bool requireLog();
+};
+
+#endif

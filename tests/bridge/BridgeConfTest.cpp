@@ -1,0 +1,86 @@
+// The listing's fatal ends, where what it looks at first says why, and the commit's own line.
+#include "bridge/BridgeConf.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/LogCapture.h"
+#include "support/Subprocess.h"
+#include "support/TempFolder.h"
+#include "xpl/Xpl.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+}  // namespace
+
+// Lists a file whose one instance is removed, but listed again since the file has been read since.
+// Every line goes to standard output. Arguments: the instance, its memory, "removed" or "kept".
+SUBPROCESS(listsInstance) {
+    const std::string& name = arguments.at(0);
+    const TempFolder folder;
+    const std::string prefix = "vtr.instance." + name + ".";
+    const std::string path =
+        folder.write("vantrel.conf", prefix + "ram=\"" + arguments.at(1) + "\"\n");
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    if (confLibInit(confStore(), path, false) != 0) return 2;
+    if (arguments.at(2) == "removed") {
+        confDeleteInstance(confStore(), name);
+        if (confReload(confStore()) != 0) return 3;
+    }
+    return bridgeInstancesJson(confStore()).empty() ? 4 : 0;
+}
+
+namespace {
+
+// The error lines of a listing that ends its process; of the last one, all but the place's number.
+Lines lastWords(const std::string& instance, const std::string& ram, const std::string& removed) {
+    const ChildResult result = runSubprocess("listsInstance", {instance, ram, removed});
+    EXPECT_EQ(result.status, kFatalStatus) << result.out;
+    Lines errors;
+    for (const std::string& line : logMessages(result.out)) {
+        if (line.compare(0, 2, "E ") == 0) errors.push_back(line);
+    }
+    if (!errors.empty()) errors.back().resize(errors.back().rfind(':'));
+    return errors;
+}
+
+}  // namespace
+
+TEST(BridgeInstancesTest, AnUnknownImageIsToldBeforeAnythingIsRead) {
+    const Lines unknown{"E UTL  utlGetImageTrait: Unknown image Pie64",
+                        "E UTL  FATAL: DEBUG BREAK: Source/utl/Utl"};
+    EXPECT_EQ(lastWords("Pie64_1", "4096", "kept"), unknown);
+    EXPECT_EQ(lastWords("Pie64_1", "4096", "removed"), unknown) << "whose keys must not be read";
+}
+
+TEST(BridgeInstancesTest, AnInstanceThatIsBeingRemovedEndsTheListing) {
+    EXPECT_EQ(lastWords("Nougat64_1", "4096", "removed"),
+              (Lines{"E CONF  confGetStringInternal Trying to access deleted prop: "
+                     "[vtr.instance.Nougat64_1.device_profile_code]",
+                     "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+}
+
+TEST(BridgeInstancesTest, AMemoryThatIsNoNumberEndsTheListing) {
+    EXPECT_EQ(lastWords("Nougat64", "abc", "kept"),
+              (Lines{"E CONF  confGetI32 error for vtr.instance.Nougat64.ram:abc",
+                     "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+}
+
+TEST(BridgeCommitTest, TheLineNamesTheExportAndThePathBeforeTheStoresOwn) {
+    const TempFolder folder;
+    ASSERT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", "vtr.locale=\"a\"\n"), false),
+              0);
+    const LogCapture log;
+    const std::string path = folder / "copy.conf";
+    EXPECT_EQ(internal::bridgeConfCommitToFile(confStore(), path), 0);
+    EXPECT_TRUE(folder.has("copy.conf"));
+    ASSERT_FALSE(log.lines().empty());
+    const LogCapture::Line first = log.lines().front();
+    EXPECT_EQ(log.texts(XLOG_VERBOSE).front(), "I BRIDGE bridgeConfCommitToFile args: " + path);
+    EXPECT_EQ(first.function, "bridgeConfCommitToFile");
+    EXPECT_EQ(first.file, "Source/bridge/Bridge");
+}

@@ -1,0 +1,26 @@
+#include <dirent.h>
+#include <malloc.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "support/process_figures.h"
+
+/* Without the three entries that reading the folder brings: itself, "." and "..". */
+long openHandles(void) {
+    DIR* const folder = opendir("/proc/self/fd");
+    long found = -3;
+    if (folder == NULL) abort();
+    while (readdir(folder) != NULL) ++found;
+    closedir(folder);
+    return found;
+}
+
+long long heapBytes(void) {
+    const struct mallinfo2 info = mallinfo2();
+    return (long long)(info.uordblks + info.hblkhd);
+}
+
+void waitBriefly(void) {
+    const struct timespec wait = {0, 5000000};
+    nanosleep(&wait, NULL);
+}
