@@ -5,7 +5,7 @@
 #include "Bench.h"
 #include "FloorServer.h"
 #include "ipc/IpcPacket.h"
-#include "plr/PlrEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "support/WindowsForTests.h"
 
 namespace {

@@ -3,8 +3,8 @@
 
 #include "bridge/BridgeLog.h"
 #include "conf/Conf.h"
-#include "mim/MimEnc.h"
-#include "plr/PlrEnc.h"
+#include "mim/client/MimEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "utl/UtlFolders.h"
 
 namespace {

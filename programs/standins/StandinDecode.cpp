@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "bridgectl/JsonValue.h"
-#include "mim/MimEnc.h"
-#include "plr/PlrEnc.h"
+#include "mim/client/MimEnc.h"
+#include "plr/client/PlrEnc.h"
 
 namespace {
 

@@ -22,7 +22,7 @@ class Reached:
 
 
 def read_lcov(path):
-    """File -> Reached. A file that layers include by a link is one file."""
+    """File -> Reached."""
     files = {}
     with open(path, encoding="utf-8") as lcov:
         for text in lcov:

@@ -8,7 +8,7 @@
 
 #include "ServerFixture.h"
 #include "ipc/IpcConnection.h"
-#include "plr/PlrEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "support/EventPackets.h"
 #include "support/Platform.h"
 #include "support/Proof.h"

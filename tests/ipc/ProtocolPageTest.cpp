@@ -6,8 +6,8 @@
 #include <regex>
 
 #include "ProtocolPage.h"
-#include "mim/MimEnc.h"
-#include "plr/PlrEnc.h"
+#include "mim/client/MimEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 

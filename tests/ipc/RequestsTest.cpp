@@ -6,8 +6,8 @@
 #include <functional>
 #include <limits>
 
-#include "mim/MimEnc.h"
-#include "plr/PlrEnc.h"
+#include "mim/client/MimEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"

@@ -1,7 +1,7 @@
 // The one request with a reply, against the real stand-in player and its misbehaviour.
 #include <gtest/gtest.h>
 
-#include "plr/PlrEnc.h"
+#include "plr/client/PlrEnc.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"

@@ -1,5 +1,5 @@
 // The requests to the multi-instance manager, and their encoders.
-#include "mim/MimEnc.h"
+#include "mim/client/MimEnc.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The requests to the player of an instance, and their encoders.
-#include "plr/PlrEnc.h"
+#include "plr/client/PlrEnc.h"
 
 namespace {
 
