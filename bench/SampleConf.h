@@ -1,6 +1,8 @@
 #ifndef BENCH_SAMPLECONF_H
 #define BENCH_SAMPLECONF_H
 
+#include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>

@@ -1,4 +1,7 @@
 // The cache of a new instance, from that of another.
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"

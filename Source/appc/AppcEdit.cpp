@@ -1,5 +1,9 @@
 // Changes of the cache. Each holds the lock from its first look at the apps until the file is
 // saved.
+#include <cstdint>
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"

@@ -1,4 +1,9 @@
 // Opening and loading, and the questions that the cache answers.
+#include <cstdint>
+#include <list>
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"

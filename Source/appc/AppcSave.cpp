@@ -1,5 +1,9 @@
 // The save: write a temporary file, flush it and put it in place of the old one under the
 // machine-wide lock.
+#include <mutex>
+#include <string>
+#include <string_view>
+
 #include "appc/Appc.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"

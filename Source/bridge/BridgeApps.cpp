@@ -1,6 +1,8 @@
 // The listing of installed apps.
 #include "bridge/BridgeApps.h"
 
+#include <mutex>
+
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeLog.h"

@@ -1,6 +1,9 @@
 // The instance listing.
 #include "bridge/BridgeInstances.h"
 
+#include <cstddef>
+#include <cstdint>
+
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlJson.h"

@@ -1,6 +1,14 @@
 // Typed access, pending changes and the current instance.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "conf/Conf.h"
 #include "conf/ConfKey.h"

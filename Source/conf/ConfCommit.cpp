@@ -1,6 +1,10 @@
 // The commit: lock, load again, lay the pending changes over it, write a temporary file, flush,
 // replace, unlock.
+#include <cstddef>
 #include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "conf/Conf.h"

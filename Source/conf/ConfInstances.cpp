@@ -1,6 +1,10 @@
 // Whole instances: copying, removing, and the dump of the current one.
+#include <cstdint>
 #include <cstring>
+#include <mutex>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "conf/Conf.h"

@@ -1,6 +1,7 @@
 #ifndef CONF_CONFKEY_H
 #define CONF_CONFKEY_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 

@@ -1,7 +1,10 @@
 // Initialisation, loading and reloading.
 #include "conf/ConfLoad.h"
 
+#include <mutex>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "conf/Conf.h"
 #include "conf/ConfKey.h"

@@ -1,6 +1,8 @@
 #ifndef CONF_CONFLOAD_H
 #define CONF_CONFLOAD_H
 
+#include <string_view>
+
 #include "conf/ConfStore.h"
 
 // Reads the store's file into its values. For callers that hold all the locks.

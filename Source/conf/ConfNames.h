@@ -1,6 +1,7 @@
 #ifndef CONF_CONFNAMES_H
 #define CONF_CONFNAMES_H
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>

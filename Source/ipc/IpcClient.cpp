@@ -7,6 +7,7 @@
 #include <QMetaType>
 #include <QThread>
 #include <chrono>
+#include <cstddef>
 
 #include "ipc/IpcQt.h"
 #include "xpl/Xfence.h"

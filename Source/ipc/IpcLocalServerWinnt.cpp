@@ -3,6 +3,7 @@
 #include <QLocalSocket>
 #include <QTimer>
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <type_traits>
 #include <utility>

@@ -1,6 +1,8 @@
 // Registering the product's crash handler.
 #include "utl/UtlCrashHandler.h"
 
+#include <string>
+
 #include "utl/UtlFolders.h"
 #include "utl/UtlProcessCalls.h"
 #include "xpl/Xtext.h"

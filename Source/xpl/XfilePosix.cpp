@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"

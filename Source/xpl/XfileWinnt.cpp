@@ -1,4 +1,7 @@
 // Files by UTF-8 path over the wide Windows functions.
+#include <cstdint>
+#include <string>
+
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

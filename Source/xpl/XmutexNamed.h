@@ -1,6 +1,7 @@
 #ifndef XPL_XMUTEXNAMED_H
 #define XPL_XMUTEXNAMED_H
 
+#include <cstdint>
 #include <string>
 
 #include "xpl/Xattributes.h"

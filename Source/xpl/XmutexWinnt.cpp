@@ -1,4 +1,7 @@
 // The named mutex, open to everyone.
+#include <cstdint>
+#include <string>
+
 #include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XmutexSecurity.h"

@@ -1,5 +1,7 @@
 #include "CatalogueRows.h"
 
+#include <cstddef>
+
 #include "Configuration.h"
 
 namespace {

@@ -1,8 +1,10 @@
 #include "CompletionScript.h"
 
+#include <cstddef>
 #include <functional>
 #include <set>
 #include <utility>
+#include <vector>
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "DisplayWidth.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <string>
 

@@ -2,6 +2,9 @@
 #include "EventPrinting.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <optional>
 #include <thread>
 
 #include "Console.h"

@@ -4,6 +4,8 @@
 
 #include <bridge/bridge.h>
 
+#include <utility>
+
 namespace {
 
 using Fields = decltype(Event::fields);

@@ -1,6 +1,9 @@
 #include "HelpCommand.h"
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "CommandTree.h"
 #include "Console.h"

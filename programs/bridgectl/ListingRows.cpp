@@ -1,6 +1,7 @@
 #include "ListingRows.h"
 
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "xpl/Xfile.h"
 

@@ -1,6 +1,8 @@
 #include "OptionParser.h"
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
+#include <utility>
 
 #include "CommandTree.h"
 

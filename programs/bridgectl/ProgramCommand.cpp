@@ -1,5 +1,6 @@
 #include "ProgramCommand.h"
 
+#include <cstddef>
 #include <memory>
 
 #include "OptionParser.h"

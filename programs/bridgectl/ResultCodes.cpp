@@ -1,5 +1,7 @@
 #include "ResultCodes.h"
 
+#include <cstddef>
+
 #include "WindowsErrorText.h"
 #include "conf/ConfNumber.h"
 

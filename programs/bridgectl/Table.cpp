@@ -1,6 +1,7 @@
 #include "Table.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "DisplayWidth.h"
 

@@ -1,7 +1,12 @@
 #include "Standin.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <string_view>
+#include <utility>
 
 #include "StandinCommandLine.h"
 #include "StandinDefaults.h"

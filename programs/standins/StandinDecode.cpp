@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "bridgectl/JsonValue.h"
 #include "mim/client/MimEnc.h"

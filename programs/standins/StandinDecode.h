@@ -1,6 +1,7 @@
 #ifndef STANDINS_STANDINDECODE_H
 #define STANDINS_STANDINDECODE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "StandinPipe.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "xpl/Xtext.h"

@@ -2,6 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "StandinPipe.h"
 

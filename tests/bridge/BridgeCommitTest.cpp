@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 

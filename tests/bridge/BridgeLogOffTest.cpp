@@ -1,6 +1,11 @@
 // What is refused, and what is passed on, with every level off: the same results, and not a line.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "HostCalls.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeApps.h"

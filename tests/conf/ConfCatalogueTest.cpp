@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <string>
+#include <vector>
+
 #include "ConfFixture.h"
 #include "conf/ConfCatalogue.h"
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
+#include <string_view>
 
 #include "conf/ConfNames.h"
 

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "conf/ConfValueMap.h"
 

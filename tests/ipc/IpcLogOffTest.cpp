@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <QLocalSocket>
+#include <atomic>
+#include <string>
 #include <utility>
 
 #include "ServerFixture.h"

@@ -2,9 +2,13 @@
 #include <QLocalSocket>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ImportTable.h"

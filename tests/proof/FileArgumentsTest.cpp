@@ -2,6 +2,7 @@
 // inherit, and in which form paths arrive.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>

@@ -1,5 +1,6 @@
 #include "SystemCalls.h"
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <string_view>

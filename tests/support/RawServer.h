@@ -2,6 +2,7 @@
 #define TESTS_RAWSERVER_H
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>

@@ -3,6 +3,8 @@
 
 #include <cstdio>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "support/Platform.h"
 #include "support/Scene.h"

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"

@@ -1,7 +1,10 @@
 // What Windows is asked for, and what it says.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"

@@ -1,6 +1,8 @@
 // The requests to the multi-instance manager, and their encoders.
 #include "mim/client/MimEnc.h"
 
+#include <cstddef>
+
 namespace {
 
 constexpr XlogModule kLog{XlogTag::MIM, "Source/mim/client/MimEnc"};

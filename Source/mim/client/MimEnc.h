@@ -1,6 +1,7 @@
 #ifndef MIM_MIMENC_H
 #define MIM_MIMENC_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ipc/IpcRequest.h"

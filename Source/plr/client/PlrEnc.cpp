@@ -1,6 +1,8 @@
 // The requests to the player of an instance, and their encoders.
 #include "plr/client/PlrEnc.h"
 
+#include <cstddef>
+
 namespace {
 
 constexpr XlogModule kLog{XlogTag::PLR, "Source/plr/client/PlrEnc"};

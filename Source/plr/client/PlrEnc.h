@@ -1,6 +1,7 @@
 #ifndef PLR_PLRENC_H
 #define PLR_PLRENC_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ipc/IpcRequest.h"

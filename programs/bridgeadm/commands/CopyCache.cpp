@@ -1,5 +1,6 @@
 // bridgeadm copy-cache SOURCE TARGET
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"

@@ -1,5 +1,6 @@
 // bridgeadm copy-instance SOURCE TARGET [--overwrite]
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "bridgectl/Command.h"

@@ -1,7 +1,11 @@
 // bridgeadm dump-instance NAME [--json]
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "Session.h"
 #include "bridgectl/Command.h"

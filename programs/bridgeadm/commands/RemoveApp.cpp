@@ -1,5 +1,6 @@
 // bridgeadm remove-app INSTANCE PACKAGE
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"

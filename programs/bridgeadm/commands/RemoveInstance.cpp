@@ -1,5 +1,6 @@
 // bridgeadm remove-instance NAME
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "bridgectl/Command.h"

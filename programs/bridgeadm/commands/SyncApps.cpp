@@ -1,5 +1,9 @@
 // bridgeadm sync-apps INSTANCE FILE
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"

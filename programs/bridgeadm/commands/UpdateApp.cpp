@@ -1,6 +1,9 @@
 // bridgeadm update-app INSTANCE PACKAGE [--activity TEXT] [--label TEXT] [--version-code NUMBER]
 // [--version-name TEXT] [--icon FILE]
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"

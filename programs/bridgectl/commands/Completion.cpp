@@ -1,5 +1,6 @@
 // bridgectl completion bash|powershell
 #include <memory>
+#include <string>
 
 #include "Command.h"
 #include "CompletionScript.h"

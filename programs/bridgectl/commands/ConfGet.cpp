@@ -1,5 +1,7 @@
 // bridgectl conf get KEY
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Command.h"
 #include "KeyValue.h"

@@ -1,5 +1,7 @@
 // bridgectl conf list [--global] [--instance NAME]
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "Command.h"
 #include "Console.h"

@@ -2,6 +2,8 @@
 #include <bridge/bridge.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Command.h"
 #include "KeyValue.h"

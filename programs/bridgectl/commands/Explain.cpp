@@ -1,5 +1,7 @@
 // bridgectl explain [CODE] [--markdown]
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Command.h"
 #include "Console.h"

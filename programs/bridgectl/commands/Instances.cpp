@@ -2,6 +2,8 @@
 #include <bridge/bridge.h>
 
 #include <algorithm>
+#include <set>
+#include <string>
 
 #include "Command.h"
 #include "Console.h"
