@@ -1,6 +1,5 @@
 // Committing changes. Making them is not part of it.
 #include <QSettings>
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <mutex>

@@ -5,7 +5,6 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "conf/ConfStore.h"

@@ -6,7 +6,9 @@
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
 #include "utl/UtlCopy.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
+#include "xpl/XmutexNamed.h"
 
 XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
                       const std::string& newInstance) {

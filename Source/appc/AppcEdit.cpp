@@ -5,9 +5,12 @@
 #include <string>
 
 #include "appc/Appc.h"
+#include "appc/AppcApp.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

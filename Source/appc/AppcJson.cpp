@@ -4,7 +4,6 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>

@@ -5,10 +5,14 @@
 #include <string_view>
 
 #include "appc/Appc.h"
+#include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcLog.h"
 #include "appc/AppcStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/Xsystem.h"
 
 namespace {

@@ -2,6 +2,7 @@
 // result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
+#include "appc/Appc.h"
 #include "bridge/BridgeApps.h"
 #include "bridge/BridgeCommit.h"
 #include "bridge/BridgeEvents.h"
@@ -12,6 +13,7 @@
 #include "bridge/BridgeMemory.h"
 #include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
+#include "xpl/Xerr.h"
 
 extern "C" {
 

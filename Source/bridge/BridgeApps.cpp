@@ -6,6 +6,7 @@
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
 #include "bridge/BridgeLog.h"
+#include "xpl/Xerr.h"
 
 std::optional<std::string> bridge::bridgeGetInstalledApps(AppcStore& store,
                                                           const std::string& instance) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "conf/Conf.h"
+#include "xpl/Xerr.h"
 
 // What the export of the same name does.
 namespace bridge {

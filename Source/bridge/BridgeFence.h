@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "bridge/BridgeLog.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
 
 // What stands between the library and its host: no C++ exception leaves it, and no null text

@@ -2,6 +2,7 @@
 #include "bridge/BridgeIpcClbk.h"
 
 #include "conf/Conf.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xsnapshot.h"

@@ -11,11 +11,15 @@
 #include <vector>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLoad.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfNumber.h"
 #include "conf/ConfStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

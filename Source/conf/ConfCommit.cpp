@@ -8,12 +8,16 @@
 #include <utility>
 
 #include "conf/Conf.h"
+#include "conf/ConfFiles.h"
 #include "conf/ConfLoad.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
+#include "xpl/Xattributes.h"
 #include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
+#include "xpl/XmutexNamed.h"
 
 namespace {
 

@@ -8,11 +8,14 @@
 #include <vector>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xattributes.h"
 #include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "conf/ConfCatalogue.h"
 #include "xpl/Xbytes.h"
 
 // The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>".

@@ -7,10 +7,15 @@
 #include <string_view>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
+#include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfText.h"
+#include "xpl/Xattributes.h"
 #include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/Xunload.h"
 
 namespace {

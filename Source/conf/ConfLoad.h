@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "conf/ConfStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 
 // Reads the store's file into its values. For callers that hold all the locks.
 [[nodiscard]] XErr confLoad(ConfStore& store) XTS_REQUIRES(store.lock);

@@ -12,6 +12,7 @@
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
 #include "xpl/XmutexSecurity.h"
 #include "xpl/Xtext.h"

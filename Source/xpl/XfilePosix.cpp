@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "xpl/Xerr.h"
+#include "xpl/Xfile.h"
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 // Opens a file whose folder is there, or is not.

@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <string>
 
+#include "xpl/Xerr.h"
+#include "xpl/Xfile.h"
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "xpl/Xattributes.h"
-#include "xpl/Xerr.h"
 
 // A machine-wide mutex that every process of the product can open, whatever its user or elevation.
 // It belongs to the thread that locked it and is recursive there; use it with the usual scoped

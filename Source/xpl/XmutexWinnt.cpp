@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <string>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XmutexSecurity.h"

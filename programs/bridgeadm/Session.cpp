@@ -5,7 +5,9 @@
 #include "appc/Appc.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfence.h"
+#include "xpl/Xlog.h"
 #include "xpl/Xpl.h"
 
 namespace {

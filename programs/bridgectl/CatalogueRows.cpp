@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "Configuration.h"
+#include "conf/ConfCatalogue.h"
 
 namespace {
 

@@ -2,8 +2,11 @@
 
 #include <exception>
 
+#include "Command.h"
 #include "Console.h"
+#include "ExitCode.h"
 #include "OptionParser.h"
+#include "ProgramRun.h"
 
 namespace {
 

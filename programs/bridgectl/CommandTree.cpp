@@ -1,5 +1,7 @@
 #include "CommandTree.h"
 
+#include "JsonValue.h"
+
 namespace {
 
 JsonValue optionJson(const OptionNode& option) {

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "CommandTree.h"
+
 namespace {
 
 constexpr const char* kBash = R"script(# Completion of @PROGRAM@ for bash: source this file.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "DisplayWidthTable.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 
 namespace {

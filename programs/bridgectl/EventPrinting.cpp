@@ -8,8 +8,11 @@
 #include <thread>
 
 #include "Console.h"
+#include "Event.h"
+#include "EventQueue.h"
 #include "EventServer.h"
 #include "EventSource.h"
+#include "ExitCode.h"
 #include "ipc/IpcName.h"
 #include "utl/UtlFolders.h"
 

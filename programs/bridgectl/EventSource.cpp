@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include "Event.h"
+
 namespace {
 
 using Fields = decltype(Event::fields);

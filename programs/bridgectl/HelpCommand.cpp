@@ -9,6 +9,7 @@
 #include "Console.h"
 #include "Joined.h"
 #include "OptionParser.h"
+#include "ProgramRun.h"
 
 namespace {
 

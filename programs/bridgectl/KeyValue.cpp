@@ -4,7 +4,10 @@
 
 #include <stdexcept>
 
+#include "Configuration.h"
+#include "JsonValue.h"
 #include "LibraryText.h"
+#include "conf/ConfCatalogue.h"
 
 namespace {
 

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "Configuration.h"
+#include "JsonValue.h"
 #include "Session.h"
 
 // Keys of the configuration as the program shows them.

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "ExitCode.h"
 #include "OptionParser.h"
 
 namespace {

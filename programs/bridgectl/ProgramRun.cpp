@@ -1,6 +1,8 @@
 #include "ProgramRun.h"
 
 #include "Console.h"
+#include "ExitCode.h"
+#include "JsonValue.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xfile.h"

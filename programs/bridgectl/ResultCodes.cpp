@@ -4,6 +4,7 @@
 
 #include "WindowsErrorText.h"
 #include "conf/ConfNumber.h"
+#include "xpl/XerrTable.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Console.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlFolders.h"

@@ -3,11 +3,11 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "CallTimes.h"
 #include "Configuration.h"
 #include "ProgramRun.h"
+#include "conf/ConfCatalogue.h"
 
 // One run of the program: the options in front of the command, and the library once a command needs
 // it.

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "DisplayWidth.h"
+#include "TextStyle.h"
 
 namespace {
 

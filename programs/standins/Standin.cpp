@@ -10,9 +10,12 @@
 
 #include "StandinCommandLine.h"
 #include "StandinDefaults.h"
+#include "StandinEvents.h"
 #include "StandinPipe.h"
 #include "StandinServer.h"
 #include "bridgectl/JsonValue.h"
+#include "ipc/IpcRequest.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

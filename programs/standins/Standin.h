@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "StandinDecode.h"
+#include "StandinEvents.h"
 #include "StandinScript.h"
 #include "StandinSender.h"
 #include "xpl/XmutexNamed.h"

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "bridgectl/JsonValue.h"
+#include "ipc/IpcPacket.h"
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
 

@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "StandinCommandLine.h"
+#include "StandinDecode.h"
+#include "ipc/IpcRequest.h"
 
 namespace {
 

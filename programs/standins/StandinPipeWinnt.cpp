@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

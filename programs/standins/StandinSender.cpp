@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "StandinEvents.h"
 #include "StandinPipe.h"
 
 namespace {

@@ -14,7 +14,6 @@
 #include "bridge/BridgeFence.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeShutdown.h"
-#include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"

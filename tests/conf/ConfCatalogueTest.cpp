@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ConfFixture.h"
+#include "ConfExpectation.h"
 #include "conf/ConfCatalogue.h"
 
 namespace {

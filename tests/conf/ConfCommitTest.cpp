@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -14,11 +13,9 @@
 #include <vector>
 
 #include "ConfFixture.h"
-#include "conf/ConfText.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
 #include "support/Scene.h"
-#include "xpl/XmutexNamed.h"
 #include "xpl/Xproc.h"
 
 namespace {

@@ -4,7 +4,6 @@
 #include <QLocalSocket>
 #include <atomic>
 #include <string>
-#include <utility>
 
 #include "ServerFixture.h"
 #include "ipc/IpcClient.h"

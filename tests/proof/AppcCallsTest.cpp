@@ -2,7 +2,6 @@
 // process causes for a moment or for long.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <list>
 #include <string>
 #include <string_view>

@@ -4,7 +4,6 @@
 #include <map>
 #include <mutex>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 
 #include "ImportTable.h"

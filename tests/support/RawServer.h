@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 // One end of a named pipe, over the system calls themselves.
 class RawPipe {

@@ -9,7 +9,6 @@
 #include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "utl/UtlFolders.h"
-#include "xpl/Xlog.h"
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "support/LogCapture.h"
-#include "support/RegistrySandbox.h"
 #include "support/Scene.h"
 #include "support/TempFolder.h"
 #include "support/Wine.h"

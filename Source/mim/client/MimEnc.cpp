@@ -3,6 +3,10 @@
 
 #include <cstddef>
 
+#include "ipc/IpcClient.h"
+#include "ipc/IpcPacket.h"
+#include "xpl/Xlog.h"
+
 namespace {
 
 constexpr XlogModule kLog{XlogTag::MIM, "Source/mim/client/MimEnc"};

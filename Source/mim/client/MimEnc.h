@@ -2,8 +2,8 @@
 #define MIM_MIMENC_H
 
 #include <cstddef>
-#include <cstdint>
 
+#include "ipc/IpcClient.h"
 #include "ipc/IpcRequest.h"
 
 // Requests to the multi-instance manager. Each takes a client for its server ("vtr_mim_nvo"), sends

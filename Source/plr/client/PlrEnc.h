@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ipc/IpcClient.h"
 #include "ipc/IpcRequest.h"
 
 // Requests to the player of an instance. Each takes a client for its server

@@ -7,6 +7,7 @@
 #include "appc/AppcStore.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

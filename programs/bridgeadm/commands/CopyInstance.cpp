@@ -5,6 +5,8 @@
 #include "Session.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
+#include "conf/Conf.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -10,7 +10,10 @@
 #include "Session.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/Joined.h"
+#include "bridgectl/JsonValue.h"
 #include "bridgectl/OptionParser.h"
+#include "conf/Conf.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

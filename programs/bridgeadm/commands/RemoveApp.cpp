@@ -6,6 +6,7 @@
 #include "appc/Appc.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "Session.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
+#include "conf/Conf.h"
 
 namespace {
 

@@ -7,10 +7,12 @@
 
 #include "Session.h"
 #include "appc/Appc.h"
+#include "appc/AppcApp.h"
 #include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

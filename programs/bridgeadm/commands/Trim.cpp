@@ -3,6 +3,7 @@
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
 #include "utl/UtlTrim.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "bridgectl/Command.h"
 #include "bridgectl/OptionParser.h"
 #include "utl/UtlFolders.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

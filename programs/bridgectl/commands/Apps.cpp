@@ -10,6 +10,7 @@
 #include "ListingRows.h"
 #include "OptionParser.h"
 #include "Session.h"
+#include "Table.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include "Console.h"
 #include "OptionParser.h"
 #include "Session.h"
+#include "Table.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Command.h"
+#include "Configuration.h"
 #include "KeyValue.h"
 #include "OptionParser.h"
 

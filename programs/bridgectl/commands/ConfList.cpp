@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "Command.h"
+#include "Configuration.h"
 #include "Console.h"
+#include "JsonValue.h"
 #include "KeyValue.h"
 #include "OptionParser.h"
 #include "Table.h"

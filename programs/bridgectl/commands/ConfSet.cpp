@@ -6,11 +6,15 @@
 #include <string>
 
 #include "Command.h"
+#include "Configuration.h"
+#include "JsonValue.h"
 #include "KeyValue.h"
 #include "OptionParser.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -5,9 +5,11 @@
 
 #include "Command.h"
 #include "Console.h"
+#include "JsonValue.h"
 #include "OptionParser.h"
 #include "ResultCodes.h"
 #include "Session.h"
+#include "Table.h"
 
 namespace {
 

@@ -6,11 +6,13 @@
 #include <string>
 
 #include "Command.h"
+#include "Configuration.h"
 #include "Console.h"
 #include "LibraryText.h"
 #include "ListingRows.h"
 #include "OptionParser.h"
 #include "Session.h"
+#include "Table.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"
 
