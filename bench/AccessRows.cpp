@@ -1,7 +1,12 @@
 // Typed reads and writes, through the DLL's exports, of many keys in no order.
 #include <QSettings>
 #include <cstdlib>
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

@@ -2,8 +2,10 @@
 #include "Bench.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 

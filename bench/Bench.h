@@ -4,8 +4,10 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <ratio>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // The harness: rows of work, each done by several sides, one after another in rounds, so that what

@@ -1,8 +1,10 @@
 // Committing changes. Making them is not part of it.
 #include <QSettings>
-#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

@@ -6,7 +6,13 @@
 #include <QLocalSocket>
 #include <QThread>
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
 
 #include "Bench.h"
 #include "FloorServer.h"

@@ -1,5 +1,6 @@
 #include "Floor.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 

@@ -1,6 +1,7 @@
 #include "FloorServer.h"
 
 #include <array>
+#include <utility>
 
 #include "Bench.h"
 #include "support/WindowsForTests.h"

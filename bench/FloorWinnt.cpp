@@ -1,3 +1,5 @@
+#include <cstddef>
+
 #include "Bench.h"
 #include "Floor.h"
 #include "support/WindowsForTests.h"

@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

@@ -1,6 +1,11 @@
 // Loading a configuration, and reading one value so that nothing stays unparsed.
 #include <QSettings>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

@@ -3,6 +3,9 @@
 #include <spdlog/spdlog.h>
 
 #include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

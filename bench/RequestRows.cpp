@@ -1,6 +1,10 @@
 // Requests: connect, send, perhaps read the reply, disconnect.
 #include <QLocalSocket>
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "Bench.h"
 #include "FloorServer.h"

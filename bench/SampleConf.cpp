@@ -1,6 +1,9 @@
 #include "SampleConf.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <random>
+#include <utility>
 
 #include "Bench.h"
 #include "conf/Conf.h"

@@ -1,9 +1,10 @@
 #ifndef BENCH_SAMPLECONF_H
 #define BENCH_SAMPLECONF_H
 
+#include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "conf/ConfStore.h"

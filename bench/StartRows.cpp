@@ -1,5 +1,10 @@
 // Start-up in processes of their own, and what the library takes of disk and memory.
+#include <cstdint>
 #include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "Bench.h"
 #include "Floor.h"

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <ratio>
 
 #include "support/RegistrySandbox.h"
 #include "support/WindowsForTests.h"

@@ -1,8 +1,10 @@
 // bench [ROW...]             measures the rows whose names begin with one of these, or all
 // bench --repeat ROW SIDE N   does the work of one side N times, for a profiler
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "Rows.h"
 #include "support/TempFolder.h"

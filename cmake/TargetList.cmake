@@ -46,7 +46,7 @@ function(bridge_describe_target target result)
     endforeach()
     foreach(kind links passes)
         foreach(library ${${kind}})
-            if(TARGET "${library}")  # a private dependency is passed on for the linker alone, as no name
+            if(TARGET "${library}")  # no name is what is passed on for the linker alone
                 string(APPEND text "${kind} ${library}\n")
             endif()
         endforeach()

@@ -1,5 +1,7 @@
 #include "PlainConf.h"
 
+#include <cstddef>
+
 namespace {
 
 constexpr std::size_t kLongestRead = 4096;

@@ -1,6 +1,7 @@
 #include "QuietLog.h"
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <string_view>
 

@@ -1,11 +1,16 @@
 // A configuration loads, and its commit is refused or not, as the plain model says; the values are
 // the model's, and so is the committed file to the byte, which then stays as it is.
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Check.h"
 #include "PlainConf.h"

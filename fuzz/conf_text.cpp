@@ -1,8 +1,11 @@
 // The text of a configuration: what is read lies inside the content and is what the plain reader
 // reads; what may be written is what the plain rule says, and reads back as it was.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 

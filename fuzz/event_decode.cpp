@@ -1,8 +1,11 @@
 // Event packets: the host gets exactly the calls that the reference reader makes of the packet, or
 // the log its one error line. The packet lies in memory of exactly its size.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
+#include <vector>
 
 #include "Check.h"
 #include "bridge/BridgeDec.h"

@@ -1,6 +1,8 @@
 // Level specifications: the thresholds are those that applying item after item gives, up to the
 // first that is malformed.
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 

@@ -4,9 +4,12 @@
 //
 // The first byte counts the sizes of deliveries that follow it, used over and over; the rest is the
 // stream.
+#include <algorithm>
 #include <csetjmp>
+#include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Check.h"

@@ -1,7 +1,9 @@
 // Command lines: the product's programs take them apart into the arguments that they were made of.
 // Arguments are separated by NULs in the input.
+#include <cstddef>
+#include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "Check.h"
 #include "StandinCommandLine.h"

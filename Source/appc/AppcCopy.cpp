@@ -1,8 +1,13 @@
 // The cache of a new instance, from that of another.
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "utl/UtlCopy.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
+#include "xpl/XmutexNamed.h"
 
 XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
                       const std::string& newInstance) {

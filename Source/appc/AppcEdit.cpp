@@ -1,8 +1,15 @@
 // Changes of the cache. Each holds the lock from its first look at the apps until the file is
 // saved.
+#include <cstdint>
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
+#include "appc/AppcApp.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

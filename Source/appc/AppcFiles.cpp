@@ -3,6 +3,7 @@
 #include "appc/AppcFiles.h"
 
 #include <QString>
+#include <cstddef>
 
 #include "xpl/Xfile.h"
 #include "xpl/Xunload.h"

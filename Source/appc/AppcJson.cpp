@@ -4,8 +4,10 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "utl/UtlJson.h"
 

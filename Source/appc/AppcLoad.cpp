@@ -1,9 +1,19 @@
 // Opening and loading, and the questions that the cache answers.
+#include <cstdint>
+#include <list>
+#include <mutex>
+#include <string>
+
 #include "appc/Appc.h"
+#include "appc/AppcApp.h"
+#include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
 #include "utl/UtlFolders.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/Xunload.h"
 
 namespace {

@@ -1,8 +1,17 @@
 // The save: write a temporary file, flush it and put it in place of the old one under the
 // machine-wide lock.
+#include <mutex>
+#include <string>
+#include <string_view>
+
 #include "appc/Appc.h"
+#include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "appc/AppcStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/Xsystem.h"
 #include "xpl/XtemporaryFile.h"
 

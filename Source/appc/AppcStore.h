@@ -3,6 +3,7 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "appc/AppcApp.h"
 #include "appc/AppcFiles.h"

@@ -2,6 +2,7 @@
 // the result over. What they do is elsewhere.
 #include <bridge/bridge.h>
 
+#include "appc/Appc.h"
 #include "bridge/BridgeApps.h"
 #include "bridge/BridgeConf.h"
 #include "bridge/BridgeEntry.h"
@@ -11,6 +12,7 @@
 #include "bridge/BridgeMemory.h"
 #include "bridge/BridgeShutdown.h"
 #include "conf/Conf.h"
+#include "xpl/Xerr.h"
 
 extern "C" {
 

@@ -1,7 +1,12 @@
 // The listing of installed apps.
 #include "bridge/BridgeApps.h"
 
+#include <mutex>
+
+#include "appc/AppcJson.h"
+#include "appc/AppcStore.h"
 #include "bridge/BridgeEntry.h"
+#include "xpl/Xerr.h"
 
 std::optional<std::string> internal::bridgeGetInstalledApps(AppcStore& store,
                                                             const std::string& instance) {

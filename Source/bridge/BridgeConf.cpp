@@ -1,6 +1,9 @@
 // The instance listing, and the commit into a file of the host's choice.
 #include "bridge/BridgeConf.h"
 
+#include <cstddef>
+#include <cstdint>
+
 #include "bridge/BridgeEntry.h"
 #include "conf/ConfKey.h"
 #include "utl/UtlImages.h"

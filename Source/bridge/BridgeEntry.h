@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 
 // Every file of the exports logs as one.

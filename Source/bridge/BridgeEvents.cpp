@@ -1,6 +1,7 @@
 #include "bridge/BridgeEvents.h"
 
 #include <mutex>
+#include <utility>
 
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeEntry.h"

@@ -3,6 +3,7 @@
 
 #include "conf/Conf.h"
 #include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xseqlock.h"
 

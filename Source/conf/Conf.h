@@ -2,6 +2,7 @@
 #define CONF_CONF_H
 
 #include <cstdint>
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>

@@ -1,14 +1,25 @@
 // Typed access, pending changes and the current instance.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfNumber.h"
 #include "conf/ConfStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

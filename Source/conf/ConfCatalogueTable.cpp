@@ -1,4 +1,6 @@
 // The vocabulary of the configuration: every property that exists, in registration order.
+#include <iterator>
+
 #include "conf/ConfCatalogue.h"
 
 namespace {

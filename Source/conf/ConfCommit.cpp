@@ -1,16 +1,24 @@
 // The commit: lock, load again, lay the pending changes over it, write a temporary file, flush,
 // replace, unlock.
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "conf/Conf.h"
+#include "conf/ConfFiles.h"
 #include "conf/ConfLoad.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
 #include "conf/ConfViewText.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
+#include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/XtemporaryFile.h"
 
 namespace {

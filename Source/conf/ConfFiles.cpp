@@ -2,6 +2,9 @@
 // host kept open could not be replaced as long as that child lives.
 #include "conf/ConfFiles.h"
 
+#include <cstdint>
+#include <utility>
+
 #include "xpl/Xfile.h"
 #include "xpl/Xunload.h"
 

@@ -1,4 +1,5 @@
 // Whole instances: copying, removing, and the dump of the current one.
+#include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <optional>
@@ -7,10 +8,14 @@
 #include <vector>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "conf/ConfCatalogue.h"
+#include "xpl/Xbytes.h"
 
 // The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>". A key is split
 // once, where it enters the store, and travels as a ConfKey.

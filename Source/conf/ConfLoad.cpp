@@ -2,11 +2,21 @@
 #include "conf/ConfLoad.h"
 
 #include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "conf/Conf.h"
+#include "conf/ConfCatalogue.h"
+#include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfLog.h"
+#include "conf/ConfText.h"
 #include "conf/ConfViewText.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xbytes.h"
+#include "xpl/Xerr.h"
+#include "xpl/XmutexNamed.h"
 #include "xpl/Xunload.h"
 
 namespace {

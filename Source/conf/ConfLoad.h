@@ -2,8 +2,11 @@
 #define CONF_CONFLOAD_H
 
 #include <string>
+#include <string_view>
 
 #include "conf/ConfStore.h"
+#include "xpl/Xattributes.h"
+#include "xpl/Xerr.h"
 
 // Reads the store's file into its view. For callers that hold all the locks.
 [[nodiscard]] XErr confLoad(ConfStore& store) XTS_REQUIRES(store.lock);

@@ -2,6 +2,8 @@
 #define CONF_CONFSTORE_H
 
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 

@@ -2,7 +2,6 @@
 #define CONF_CONFTEXT_H
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 #include "xpl/Xerr.h"

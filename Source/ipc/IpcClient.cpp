@@ -7,6 +7,7 @@
 #include <QMetaType>
 #include <QThread>
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 
 #include "ipc/IpcQt.h"

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 
 #include "ipc/IpcPacket.h"

@@ -3,6 +3,7 @@
 #include <QLocalSocket>
 #include <QTimer>
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -12,6 +13,7 @@
 #include "ipc/IpcName.h"
 #include "ipc/IpcServerLog.h"
 #include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
 #include "xpl/XobjectSecurity.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

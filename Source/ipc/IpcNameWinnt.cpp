@@ -1,5 +1,6 @@
 #include "ipc/IpcName.h"
 
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

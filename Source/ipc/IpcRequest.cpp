@@ -1,6 +1,8 @@
 // The steps that every request takes.
 #include "ipc/IpcRequest.h"
 
+#include <string>
+
 namespace {
 
 std::string shownList(IpcFields fields) {

@@ -2,6 +2,7 @@
 #define IPC_IPCREQUEST_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "ipc/IpcClient.h"

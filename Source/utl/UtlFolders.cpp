@@ -1,6 +1,8 @@
 // The product's folders, from the registry, and the names built on them.
 #include "utl/UtlFolders.h"
 
+#include <cstddef>
+
 #include "utl/UtlRegistry.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xtext.h"

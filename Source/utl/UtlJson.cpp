@@ -5,6 +5,7 @@
 #include <QString>
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <limits>
 #include <stdexcept>
 #include <utility>

@@ -1,6 +1,7 @@
 #ifndef UTL_UTLJSON_H
 #define UTL_UTLJSON_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,6 +1,10 @@
 // Trimming the memory of the product's processes, and registering its crash handler.
 #include "utl/UtlProcess.h"
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "utl/UtlFolders.h"
 #include "utl/UtlProcessCalls.h"
 #include "xpl/Xlog.h"

@@ -1,6 +1,9 @@
 // Windows' own calls. All of them are exports of kernel32.dll since Windows 7, the first that Qt
 // runs on, so none needs to be looked for at run time.
 #include "utl/UtlProcessCalls.h"
+
+#include <cstddef>
+
 #include "xpl/XwindowsLean.h"
 
 // Last: it needs <windows.h>.

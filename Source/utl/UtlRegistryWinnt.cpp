@@ -1,7 +1,7 @@
 // Texts of the Windows registry.
-#include <utility>
-
 #include "utl/UtlRegistry.h"
+
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

@@ -1,5 +1,9 @@
 // Path arithmetic of the file module: no file is touched here.
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "xpl/Xfile.h"
 

@@ -3,6 +3,10 @@
 
 // What Xfile.cpp needs of the system besides the rest of Xfile.h.
 
+#include <cstdint>
+#include <string>
+
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 // Opens a file whose folder is there, or is not.

@@ -1,4 +1,9 @@
 // Files by UTF-8 path over the wide Windows functions.
+#include <cstdint>
+#include <string>
+
+#include "xpl/Xerr.h"
+#include "xpl/Xfile.h"
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

@@ -6,7 +6,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "xpl/Xclock.h"
 #include "xpl/Xfile.h"

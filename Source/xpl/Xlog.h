@@ -1,7 +1,6 @@
 #ifndef XPL_XLOG_H
 #define XPL_XLOG_H
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,10 +1,10 @@
 #ifndef XPL_XMUTEXNAMED_H
 #define XPL_XMUTEXNAMED_H
 
+#include <cstdint>
 #include <string>
 
 #include "xpl/Xattributes.h"
-#include "xpl/Xerr.h"
 
 // A machine-wide mutex that every process of the product can open, whatever its user or elevation.
 // It belongs to the thread that locked it and is recursive there; use it with the usual scoped

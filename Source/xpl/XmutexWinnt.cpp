@@ -1,4 +1,8 @@
 // The named mutex, open to everyone.
+#include <cstdint>
+#include <string>
+
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XobjectSecurity.h"

@@ -1,6 +1,7 @@
 // Start-up of the platform layer.
 #include "xpl/Xpl.h"
 
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xsystem.h"
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 
 // A log of at least this size is rotated at start-up.

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "xpl/Xlog.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"
 

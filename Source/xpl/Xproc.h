@@ -1,6 +1,7 @@
 #ifndef XPL_XPROC_H
 #define XPL_XPROC_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,4 +1,8 @@
 // The quoting of command lines.
+#include <cstddef>
+#include <string>
+#include <string_view>
+
 #include "xpl/Xproc.h"
 
 std::string xprocQuote(std::string_view argument) {

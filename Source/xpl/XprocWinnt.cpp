@@ -1,7 +1,7 @@
 // The system calls of child processes: CreateProcessW, ShellExecuteExW and what belongs to them.
-#include <cstdlib>
-
 #include "xpl/Xproc.h"
+
+#include "xpl/Xlog.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/XwindowsLean.h"
 

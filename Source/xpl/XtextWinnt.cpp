@@ -1,4 +1,5 @@
 // Conversion between UTF-8 and UTF-16.
+#include <cstddef>
 #include <limits>
 
 #include "xpl/Xtext.h"

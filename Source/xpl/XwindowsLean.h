@@ -11,6 +11,8 @@
 #endif
 #include <windows.h>
 
+#include <cstdint>
+
 #include "xpl/Xerr.h"
 
 // Status of the system call that just failed on this thread.

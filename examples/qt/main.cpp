@@ -4,6 +4,8 @@
 #include <QTextStream>
 #include <QTimer>
 #include <bridge/bridge.hpp>
+#include <cstdio>
+#include <string_view>
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
 #include "xpl/XcatchAll.h"
+#include "xpl/Xerr.h"
+#include "xpl/Xlog.h"
 #include "xpl/Xpl.h"
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include "conf/Conf.h"
 #include "shared/ProgramRun.h"
+#include "xpl/Xerr.h"
 
 // One run of the program. Every function that answers a bool has printed the error when it is
 // false.

@@ -1,4 +1,6 @@
 // bridgeadm: maintenance of the product's data, with the layers of the library and without its DLL.
+#include <string>
+
 #include "Session.h"
 #include "shared/CommandLine.h"
 #include "shared/Console.h"

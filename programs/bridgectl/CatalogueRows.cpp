@@ -1,6 +1,9 @@
 #include "CatalogueRows.h"
 
+#include <cstddef>
+
 #include "Configuration.h"
+#include "conf/ConfCatalogue.h"
 
 namespace {
 

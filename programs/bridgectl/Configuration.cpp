@@ -1,5 +1,6 @@
 #include "Configuration.h"
 
+#include <cstdint>
 #include <stdexcept>
 
 #include "conf/ConfKey.h"

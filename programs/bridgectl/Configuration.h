@@ -1,6 +1,7 @@
 #ifndef BRIDGECTL_CONFIGURATION_H
 #define BRIDGECTL_CONFIGURATION_H
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>

@@ -2,12 +2,18 @@
 #include "EventPrinting.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <optional>
 #include <thread>
 
+#include "Event.h"
+#include "EventQueue.h"
 #include "EventServer.h"
 #include "EventSource.h"
 #include "ipc/IpcName.h"
 #include "shared/Console.h"
+#include "shared/ExitCode.h"
 #include "utl/UtlFolders.h"
 
 namespace {

@@ -1,5 +1,7 @@
 #include "EventQueue.h"
 
+#include <utility>
+
 void EventQueue::push(Event event) {
     const std::lock_guard<std::mutex> guard(lock_);
     events_.push_back(std::move(event));

@@ -1,5 +1,6 @@
 #include "EventServer.h"
 
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

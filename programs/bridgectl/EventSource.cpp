@@ -4,6 +4,10 @@
 
 #include <bridge/bridge.h>
 
+#include <utility>
+
+#include "Event.h"
+
 namespace {
 
 using Fields = decltype(Event::fields);

@@ -4,7 +4,10 @@
 
 #include <stdexcept>
 
+#include "Configuration.h"
 #include "LibraryText.h"
+#include "conf/ConfCatalogue.h"
+#include "shared/JsonValue.h"
 
 namespace {
 

@@ -3,7 +3,9 @@
 
 #include <string>
 
+#include "Configuration.h"
 #include "Session.h"
+#include "shared/JsonValue.h"
 
 // Keys of the configuration as the program shows them.
 

@@ -1,7 +1,9 @@
 #include "ListingRows.h"
 
 #include <nlohmann/json.hpp>
+#include <string>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

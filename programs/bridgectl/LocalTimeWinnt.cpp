@@ -1,3 +1,5 @@
+#include <cstdint>
+
 #include "Event.h"
 #include "xpl/XwindowsLean.h"
 

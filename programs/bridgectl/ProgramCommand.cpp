@@ -1,7 +1,9 @@
 #include "ProgramCommand.h"
 
+#include <cstddef>
 #include <memory>
 
+#include "shared/ExitCode.h"
 #include "shared/OptionParser.h"
 
 namespace {

@@ -1,7 +1,10 @@
 #include "ResultCodes.h"
 
+#include <cstddef>
+
 #include "WindowsErrorText.h"
 #include "conf/ConfNumber.h"
+#include "xpl/XerrTable.h"
 
 namespace {
 

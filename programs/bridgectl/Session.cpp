@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "shared/Console.h"

@@ -3,10 +3,10 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "CallTimes.h"
 #include "Configuration.h"
+#include "conf/ConfCatalogue.h"
 #include "shared/ProgramRun.h"
 
 // One run of the program: the options in front of the command, and the library once a command needs

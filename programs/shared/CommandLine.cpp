@@ -2,8 +2,11 @@
 
 #include <exception>
 
+#include "shared/Command.h"
 #include "shared/Console.h"
+#include "shared/ExitCode.h"
 #include "shared/OptionParser.h"
+#include "shared/ProgramRun.h"
 
 namespace {
 

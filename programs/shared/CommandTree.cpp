@@ -1,5 +1,7 @@
 #include "shared/CommandTree.h"
 
+#include "shared/JsonValue.h"
+
 namespace {
 
 JsonValue optionJson(const OptionNode& option) {

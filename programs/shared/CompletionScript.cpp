@@ -1,8 +1,12 @@
 #include "shared/CompletionScript.h"
 
+#include <cstddef>
 #include <functional>
 #include <set>
 #include <utility>
+#include <vector>
+
+#include "shared/CommandTree.h"
 
 namespace {
 

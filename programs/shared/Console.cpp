@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "shared/TextStyle.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

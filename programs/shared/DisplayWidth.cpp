@@ -1,10 +1,12 @@
 #include "shared/DisplayWidth.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <string>
 
 #include "shared/DisplayWidthTable.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 
 namespace {

@@ -1,11 +1,15 @@
 #include "shared/HelpCommand.h"
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "shared/CommandTree.h"
 #include "shared/Console.h"
 #include "shared/Joined.h"
 #include "shared/OptionParser.h"
+#include "shared/ProgramRun.h"
 
 namespace {
 

@@ -1,6 +1,8 @@
 #include "shared/OptionParser.h"
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
+#include <utility>
 
 #include "shared/CommandTree.h"
 

@@ -1,6 +1,8 @@
 #include "shared/ProgramRun.h"
 
 #include "shared/Console.h"
+#include "shared/ExitCode.h"
+#include "shared/JsonValue.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlRegistry.h"
 #include "xpl/Xfile.h"

@@ -1,8 +1,10 @@
 #include "shared/Table.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "shared/DisplayWidth.h"
+#include "shared/TextStyle.h"
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "shared/TextStyle.h"
 
+#include <cstddef>
+
 TextStyle::TextStyle(bool isTerminal, const char* noColor)
     : coloured_(isTerminal && (noColor == nullptr || *noColor == '\0')) {}
 

@@ -1,5 +1,6 @@
 // QX-MultiInstanceManager.exe, standing in for the multi-instance manager.
 #include "Standin.h"
+#include "StandinDecode.h"
 
 int main() {
     Standin standin;

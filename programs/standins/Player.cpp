@@ -1,6 +1,7 @@
 // QX-Player.exe, standing in for the player of one instance.
 #include "Standin.h"
 #include "StandinCommandLine.h"
+#include "StandinDecode.h"
 
 int main() {
     Standin standin;

@@ -1,13 +1,21 @@
 #include "Standin.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <string_view>
+#include <utility>
 
 #include "StandinCommandLine.h"
 #include "StandinDefaults.h"
+#include "StandinEvents.h"
 #include "StandinPipe.h"
 #include "StandinServer.h"
+#include "ipc/IpcRequest.h"
 #include "shared/JsonValue.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"

@@ -3,9 +3,11 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "StandinDecode.h"
+#include "StandinEvents.h"
 #include "StandinScript.h"
 #include "StandinSender.h"
 #include "xpl/XmutexNamed.h"

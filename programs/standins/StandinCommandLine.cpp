@@ -1,5 +1,8 @@
 #include "StandinCommandLine.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace {
 
 // Takes the argument that starts behind an opening quote.

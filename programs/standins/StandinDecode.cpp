@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <utility>
 
+#include "ipc/IpcPacket.h"
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
 #include "shared/JsonValue.h"

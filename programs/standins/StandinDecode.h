@@ -1,10 +1,10 @@
 #ifndef STANDINS_STANDINDECODE_H
 #define STANDINS_STANDINDECODE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "ipc/IpcRequest.h"
 

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <utility>
 
 #include "StandinCommandLine.h"
+#include "StandinDecode.h"
+#include "ipc/IpcRequest.h"
 
 namespace {
 

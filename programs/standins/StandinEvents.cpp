@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
+#include <system_error>
+#include <utility>
 
 #include "ipc/IpcPacket.h"
 #include "shared/JsonValue.h"

@@ -1,6 +1,7 @@
 #ifndef STANDINS_STANDINPIPE_H
 #define STANDINS_STANDINPIPE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,8 +1,10 @@
 #include "StandinPipe.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 #include "xpl/XwindowsLean.h"
 

@@ -2,6 +2,7 @@
 #define STANDINS_STANDINSCRIPT_H
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>

@@ -2,7 +2,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
 
+#include "StandinEvents.h"
 #include "StandinPipe.h"
 
 namespace {

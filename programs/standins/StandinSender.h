@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "StandinDecode.h"
+#include "StandinEvents.h"
 #include "StandinScript.h"
 #include "xpl/Xattributes.h"
 

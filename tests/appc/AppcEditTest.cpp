@@ -1,5 +1,9 @@
 #include <QJsonArray>
 #include <QJsonObject>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "AppcFixture.h"
 

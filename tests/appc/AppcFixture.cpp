@@ -1,8 +1,11 @@
 #include "AppcFixture.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
+#include <list>
 #include <regex>
+#include <string_view>
 #include <thread>
 #include <tuple>
 

@@ -3,8 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "appc/Appc.h"

@@ -1,6 +1,11 @@
 // A file that another process holds: it is kept, and nothing is saved over it before it was read.
 #include <QJsonArray>
+#include <cstdint>
+#include <list>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"

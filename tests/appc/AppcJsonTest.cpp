@@ -2,7 +2,10 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cstdint>
 #include <random>
+#include <string>
+#include <string_view>
 
 #include "AppcFixture.h"
 

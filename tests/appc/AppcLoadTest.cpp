@@ -1,4 +1,10 @@
+#include <cstdint>
 #include <cstdio>
+#include <list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"

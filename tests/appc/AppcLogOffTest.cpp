@@ -1,5 +1,8 @@
 // What is refused, with every level off: the same results, and not a line.
+#include <cstdint>
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 #include "AppcFixture.h"
 #include "support/Platform.h"

@@ -1,7 +1,15 @@
 #include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"

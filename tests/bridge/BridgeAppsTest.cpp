@@ -5,8 +5,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cstddef>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include "appc/AppcStore.h"
 #include "support/HeldFile.h"

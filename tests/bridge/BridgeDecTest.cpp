@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "GuardedBytes.h"
 #include "HostCalls.h"

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
 
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"

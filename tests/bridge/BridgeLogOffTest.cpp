@@ -1,6 +1,11 @@
 // What is refused, and what is passed on, with every level off: the same results, and not a line.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"
 #include "appc/AppcStore.h"
@@ -10,7 +15,6 @@
 #include "bridge/BridgeEvents.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeShutdown.h"
-#include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"

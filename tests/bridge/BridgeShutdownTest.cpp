@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "ReplacedIpcCalls.h"
 #include "conf/Conf.h"
 #include "support/LogCapture.h"

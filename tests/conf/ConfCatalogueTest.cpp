@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "ConfFixture.h"
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "ConfExpectation.h"
 #include "conf/ConfCatalogue.h"
 
 namespace {

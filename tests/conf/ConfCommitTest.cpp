@@ -1,12 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "ConfFixture.h"
-#include "conf/ConfText.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
 #include "support/Subprocess.h"

@@ -5,9 +5,12 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <random>
 #include <sstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "ConfFixture.h"
 #include "conf/ConfText.h"

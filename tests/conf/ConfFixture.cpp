@@ -1,5 +1,9 @@
 #include "ConfFixture.h"
 
+#include <cstddef>
+#include <mutex>
+#include <string_view>
+
 XErr ConfTest::init(std::string_view content) {
     folder.write("vantrel.conf", content);
     return confLibInit(store, path(), /*allowDeprecated=*/false);

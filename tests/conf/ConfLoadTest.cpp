@@ -1,8 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstddef>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
 #include <stdexcept>
+#include <string>
 #include <thread>
+#include <utility>
 
 #include "ConfFixture.h"
 #include "conf/ConfLoad.h"

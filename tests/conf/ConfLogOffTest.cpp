@@ -1,4 +1,10 @@
 // What is refused, with every level off: the same results, and not a line.
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
 #include "ConfFixture.h"
 #include "support/Subprocess.h"
 

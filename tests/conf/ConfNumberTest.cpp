@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "conf/ConfNumber.h"
 

@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <future>
+#include <mutex>
+#include <string>
 #include <thread>
 
 #include "ConfFixture.h"

@@ -55,6 +55,12 @@ class Include:
         return next((path for path in self.places(search) if path.is_file()), None)
 
 
+def source_files(root):
+    """Every C and C++ file of the tree."""
+    for folder in FOLDERS:
+        yield from (path for path in sorted((root / folder).rglob("*")) if path.suffix in SUFFIXES)
+
+
 def read_targets(path):
     """Name -> Target."""
     targets = {}
@@ -105,11 +111,7 @@ class Gate:
         self.root = pathlib.Path(root)
         self.targets = targets
         self.layers = {name: target for name, target in targets.items() if target.is_layer}
-        self.includes = {}  # file -> its includes
-        for folder in FOLDERS:
-            for path in sorted((self.root / folder).rglob("*")):
-                if path.suffix in SUFFIXES:
-                    self.includes[path] = list(self.read_includes(path))
+        self.includes = {path: list(self.read_includes(path)) for path in source_files(self.root)}
         self.spellings = {str(path).lower(): path for path in self.includes}
         self.faults = []
 

@@ -163,7 +163,8 @@ class IncludesTest(unittest.TestCase):
         self.assertEqual(self.faults(), ['Source/high/High.cpp:1: "middle/Middle.h": no such file'])
 
     def test_a_path_in_another_spelling(self):
-        self.change("programs/main.cpp", '#include "core.h"\n#include "Low/low.h"\n#include <Low/Low.h>\n')
+        self.change("programs/main.cpp",
+                    '#include "core.h"\n#include "Low/low.h"\n#include <Low/Low.h>\n')
         self.assertEqual(self.faults(), [
             'programs/main.cpp:1: "core.h": no such file; its name is programs/Core.h',
             'programs/main.cpp:2: "Low/low.h": no such file; its name is Source/low/Low.h',

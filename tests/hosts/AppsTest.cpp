@@ -1,4 +1,6 @@
 // The listing of installed apps, through the library.
+#include <string>
+
 #include "PlainHost.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"

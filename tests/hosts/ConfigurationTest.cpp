@@ -1,3 +1,6 @@
+#include <chrono>
+#include <string>
+
 #include "PlainHost.h"
 
 namespace {

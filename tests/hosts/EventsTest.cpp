@@ -1,6 +1,9 @@
 // Events from a raw pipe to the callbacks of a host without Qt.
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 
 #include "NineEvents.h"
 #include "support/EventPackets.h"

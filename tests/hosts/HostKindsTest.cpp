@@ -1,5 +1,6 @@
 // The same events in hosts of every kind.
 #include <algorithm>
+#include <string>
 
 #include "NineEvents.h"
 #include "support/RawServer.h"

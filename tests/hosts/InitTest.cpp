@@ -1,4 +1,7 @@
+#include <cstddef>
 #include <filesystem>
+#include <string>
+#include <utility>
 
 #include "PlainHost.h"
 #include "support/Platform.h"

@@ -1,3 +1,6 @@
+#include <string>
+#include <string_view>
+
 #include "PlainHost.h"
 
 namespace {

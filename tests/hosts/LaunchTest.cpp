@@ -1,3 +1,6 @@
+#include <cstddef>
+#include <string>
+
 #include "PlainHost.h"
 #include "support/Platform.h"
 

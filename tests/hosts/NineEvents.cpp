@@ -1,5 +1,7 @@
 #include "NineEvents.h"
 
+#include <string>
+
 #include "support/EventPackets.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"

@@ -1,6 +1,8 @@
 #ifndef TESTS_HOSTS_NINEEVENTS_H
 #define TESTS_HOSTS_NINEEVENTS_H
 
+#include <string>
+
 #include "PlainHost.h"
 
 // One scenario for every kind of host: each event once, with texts beyond ASCII.

@@ -1,6 +1,8 @@
 #include "PlainHost.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 Lines linesOf(std::string_view text) {
     Lines lines;

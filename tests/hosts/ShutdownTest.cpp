@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <mutex>
+#include <string>
 
 #include "PlainHost.h"
 #include "support/EventPackets.h"

@@ -1,4 +1,6 @@
 // Hosts that unload the library after an exception inside it, and go on.
+#include <string>
+
 #include "NineEvents.h"
 #include "support/EventPackets.h"
 #include "support/RawServer.h"

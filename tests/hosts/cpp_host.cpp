@@ -8,8 +8,10 @@
 //     files    initialisations with other files, and a commit into another
 //     geti64, seti64   a property of a type that the catalogue does not have
 #include <cstdio>
+#include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "event_printer.hpp"
 #include "support/RegistrySandbox.h"

@@ -1,7 +1,10 @@
 #include "event_printer.hpp"
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <initializer_list>
+#include <string_view>
 
 namespace {
 

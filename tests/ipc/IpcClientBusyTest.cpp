@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <string>
 
 #include "ipc/IpcClient.h"
 #include "support/LogCapture.h"

@@ -5,8 +5,14 @@
 #include <QCoreApplication>
 #include <QLocalSocket>
 #include <QPointer>
+#include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <iterator>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/Platform.h"

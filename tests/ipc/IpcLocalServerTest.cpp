@@ -5,6 +5,7 @@
 
 #include <QEventLoop>
 #include <QLocalSocket>
+#include <string>
 #include <thread>
 
 #include "QtThread.h"

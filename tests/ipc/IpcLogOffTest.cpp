@@ -2,7 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <QLocalSocket>
-#include <utility>
+#include <atomic>
+#include <string>
 
 #include "ServerFixture.h"
 #include "ipc/IpcClient.h"

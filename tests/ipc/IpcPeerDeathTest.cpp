@@ -2,8 +2,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <limits>
+#include <string>
+#include <string_view>
 #include <thread>
 
 #include "ServerFixture.h"

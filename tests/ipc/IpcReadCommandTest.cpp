@@ -8,10 +8,16 @@
 #include <QPointer>
 #include <QThread>
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 #include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"

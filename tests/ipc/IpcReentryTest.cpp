@@ -7,9 +7,13 @@
 #include <QLocalServer>
 #include <QPointer>
 #include <QThread>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <new>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"

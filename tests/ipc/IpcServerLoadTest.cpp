@@ -2,13 +2,15 @@
 #include <QLocalSocket>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
-#include <iterator>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"
-#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/growth.h"

@@ -1,6 +1,7 @@
 // When the server's thread object lets go of the module that its code is in.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>

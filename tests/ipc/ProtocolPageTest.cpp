@@ -1,9 +1,11 @@
 // The worked examples of docs/protocol.md, against what the library sends.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <regex>
+#include <string>
 
 #include "ProtocolPage.h"
 #include "mim/client/MimEnc.h"

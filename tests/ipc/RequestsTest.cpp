@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"

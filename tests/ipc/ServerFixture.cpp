@@ -1,5 +1,6 @@
 #include "ServerFixture.h"
 
+#include <cstddef>
 #include <utility>
 
 #include "ipc/IpcConnection.h"

@@ -1,6 +1,8 @@
 // The one request with a reply, against the real stand-in player and its misbehaviour.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
 #include "plr/client/PlrEnc.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"

@@ -1,4 +1,6 @@
 // The commands on app caches: real files, read back as bytes and by another program.
+#include <string>
+
 #include "BridgeadmFixture.h"
 #include "support/HeldFile.h"
 #include "support/WindowsForTests.h"

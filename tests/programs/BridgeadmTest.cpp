@@ -1,5 +1,7 @@
 // The real program, with the registry, the data folder and the log that it uses.
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
 #include "BridgeadmFixture.h"
 #include "support/WindowsForTests.h"

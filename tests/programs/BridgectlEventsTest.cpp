@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"

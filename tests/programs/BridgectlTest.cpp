@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"

@@ -1,7 +1,11 @@
 // The documents that have a table of the program's own.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <set>
+#include <string>
 
 #include "CatalogueRows.h"
 #include "DocumentPages.h"

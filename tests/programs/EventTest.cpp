@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <thread>
+#include <variant>
+#include <vector>
 
 #include "EventQueue.h"
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
 
 TEST(JsonValue, EveryTypeHasItsForm) {
     EXPECT_EQ(JsonValue(nullptr).inOneLine(), "null");

@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "shared/CommandTree.h"
 

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
 #include "StandinDefaults.h"
 #include "StandinsPage.h"
 #include "support/EventPackets.h"

@@ -1,8 +1,14 @@
 // The real stand-ins, and raw servers in place of front ends: the bytes that arrive.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "support/ChildProcess.h"
 #include "support/EventPackets.h"

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "CallTimes.h"
 #include "shared/DisplayWidth.h"

@@ -12,6 +12,7 @@
 #include <QThread>
 #include <atomic>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <memory>

@@ -2,8 +2,9 @@
 // process causes for a moment or for long.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ImportTable.h"

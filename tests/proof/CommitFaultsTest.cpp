@@ -2,11 +2,16 @@
 // file is the old one or the new one, whole, and the next commit of anybody succeeds.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <set>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "PowerFailure.h"
 #include "SystemCalls.h"

@@ -2,6 +2,7 @@
 // inherit, and in which form paths arrive.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <mutex>
 #include <set>
@@ -172,7 +173,8 @@ SUBPROCESS(logsFromSeveralThreads) {
 // What keeps lines whole where the system appends each write as a whole.
 TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
     const TempFolder folder;
-    ASSERT_EQ(runSubprocess("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status, 0u);
+    ASSERT_EQ(runSubprocess("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status,
+              0u);
     const Lines written = logMessages(folder.read("writes"));
     EXPECT_EQ(written.size(), std::size_t{kWriters * kLinesOfAWriter});
     std::set<std::string> expected;

@@ -3,7 +3,10 @@
 
 #include <atomic>
 #include <cstdio>
+#include <mutex>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"

@@ -1,6 +1,7 @@
 #include "PowerFailure.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace {

@@ -4,7 +4,11 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <cstdint>
 #include <cstring>
+#include <list>
+#include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>

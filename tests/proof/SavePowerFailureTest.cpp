@@ -1,6 +1,12 @@
 // The app cache's save and a power failure: the cache's file is the old one or the new one, whole.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
 #include "PowerFailure.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"

@@ -1,9 +1,9 @@
 #include "SystemCalls.h"
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 
 #include "ImportTable.h"

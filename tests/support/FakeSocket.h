@@ -3,6 +3,7 @@
 
 #include <QLocalSocket>
 #include <algorithm>
+#include <cstddef>
 #include <string>
 
 // Qt's own reading and buffering, over bytes in memory.

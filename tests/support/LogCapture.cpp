@@ -1,5 +1,6 @@
 #include "support/LogCapture.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>

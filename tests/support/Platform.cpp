@@ -1,6 +1,8 @@
 // What the C++ library knows of the system.
 #include "support/Platform.h"
 
+#include <system_error>
+
 namespace fs = std::filesystem;
 
 InFolder::InFolder(const std::string& path) : before_(fs::current_path()) {

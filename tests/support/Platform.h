@@ -2,7 +2,6 @@
 #define TESTS_PLATFORM_H
 
 #include <chrono>
-#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <thread>

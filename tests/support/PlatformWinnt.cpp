@@ -1,4 +1,7 @@
 #include "support/Platform.h"
+
+#include <cstddef>
+
 #include "support/WindowsForTests.h"
 
 // Last: it needs <windows.h>.

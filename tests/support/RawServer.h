@@ -2,11 +2,11 @@
 #define TESTS_RAWSERVER_H
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 // One end of a named pipe, over the system calls themselves.
 class RawPipe {

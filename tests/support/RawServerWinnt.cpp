@@ -1,5 +1,8 @@
 #include "support/RawServer.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "support/RegistryKey.h"
 
 #include <stdexcept>
+#include <string>
 
 HKEY createRegistryKey(HKEY root, const wchar_t* path) {
     HKEY key = nullptr;

@@ -1,6 +1,8 @@
 #include "support/SystemChild.h"
 
+#include <cstddef>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "support/Platform.h"

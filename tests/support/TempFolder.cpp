@@ -4,8 +4,10 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <stdexcept>
+#include <system_error>
 
 #include "support/Platform.h"
 

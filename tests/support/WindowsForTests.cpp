@@ -1,5 +1,7 @@
 #include "support/WindowsForTests.h"
 
+#include <cstddef>
+
 std::wstring wideForTests(std::string_view text) {
     const int length = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0');

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "support/Platform.h"
 #include "support/Subprocess.h"

@@ -1,6 +1,8 @@
 // Copying and the attributes that files have on Windows.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlCopy.h"

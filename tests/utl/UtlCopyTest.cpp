@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"

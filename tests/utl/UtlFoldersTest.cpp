@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "utl/UtlFolders.h"
-#include "xpl/Xlog.h"
 
 namespace {
 

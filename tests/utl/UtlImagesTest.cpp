@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "support/LogCapture.h"
 #include "support/Subprocess.h"
 #include "utl/UtlImages.h"

@@ -1,6 +1,10 @@
 // What is refused, with every level off: the same results, and not a line.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"

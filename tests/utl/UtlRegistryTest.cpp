@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/RegistrySandbox.h"
 #include "utl/UtlRegistry.h"
 

@@ -1,6 +1,8 @@
 // Values as only the registry of Windows has them.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "support/RegistryKey.h"
 #include "support/RegistrySandbox.h"
 #include "support/WindowsForTests.h"

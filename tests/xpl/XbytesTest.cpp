@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <random>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "xpl/Xbytes.h"

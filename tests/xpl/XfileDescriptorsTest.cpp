@@ -2,6 +2,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+
 #include "support/TempFolder.h"
 #include "xpl/Xfile.h"
 

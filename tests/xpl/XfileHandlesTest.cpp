@@ -1,6 +1,10 @@
 // What Windows says of the handles.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 #include "xpl/Xfile.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cstdarg>
 #include <cstdio>
 #include <string>
 

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <string>
+
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/Subprocess.h"

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <regex>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"

@@ -1,6 +1,9 @@
 // The mutex among the objects of Windows: their kinds, and who may open it.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "support/LogCapture.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <string>
+#include <vector>
+
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 #include "xpl/Xpl.h"

@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
@@ -85,8 +88,8 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
     for (const QuotingCase& hard : kQuotingCases) {
         const std::string file = slashed(folder / hard.name);
         XprocHandle child = nullptr;
-        ASSERT_EQ(xprocCreate(&child,
-                              {ownPath(), "--subprocess", "writesItsCommandLine", file, hard.argument}),
+        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsCommandLine", file,
+                                       hard.argument}),
                   0);
         std::uint32_t status = 0;
         EXPECT_EQ(xprocWait(child, &status), 0);
@@ -242,8 +245,8 @@ TEST(Xproc, OnlyAnElevatedStartElevatesTheProgram) {
     }
     const TempFolder folder;
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child,
-                          {ownPath(), "--subprocess", "writesItsElevation", slashed(folder / "plain")}),
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsElevation",
+                                   slashed(folder / "plain")}),
               0);
     EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_EQ(folder.read("plain"), "plain");

@@ -1,5 +1,10 @@
 // The requests to the multi-instance manager, and their encoders.
 #include "mim/client/MimEnc.h"
+#include <cstddef>
+
+#include "ipc/IpcClient.h"
+#include "ipc/IpcPacket.h"
+#include "xpl/Xlog.h"
 
 namespace {
 

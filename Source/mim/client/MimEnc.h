@@ -1,8 +1,9 @@
 #ifndef MIM_MIMENC_H
 #define MIM_MIMENC_H
 
-#include <cstdint>
+#include <cstddef>
 
+#include "ipc/IpcClient.h"
 #include "ipc/IpcRequest.h"
 
 // Requests to the multi-instance manager. Each takes a client for its server ("vtr_mim_nvo"), sends

@@ -1,5 +1,10 @@
 // The requests to the player of an instance, and their encoders.
 #include "plr/client/PlrEnc.h"
+#include <cstddef>
+
+#include "ipc/IpcClient.h"
+#include "ipc/IpcPacket.h"
+#include "xpl/Xlog.h"
 
 namespace {
 

@@ -1,8 +1,10 @@
 #ifndef PLR_PLRENC_H
 #define PLR_PLRENC_H
 
+#include <cstddef>
 #include <cstdint>
 
+#include "ipc/IpcClient.h"
 #include "ipc/IpcRequest.h"
 
 // Requests to the player of an instance. Each takes a client for its server

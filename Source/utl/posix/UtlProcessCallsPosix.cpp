@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "utl/UtlProcessCalls.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xtext.h"
 
 namespace {

@@ -2,6 +2,7 @@
 // "HKLM\SOFTWARE\Vantrel_nvo\InstallDir=C:\Player\".
 #include <cstdlib>
 #include <fstream>
+#include <ios>
 
 #include "utl/UtlRegistry.h"
 

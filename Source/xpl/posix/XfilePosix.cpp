@@ -6,8 +6,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
+#include "xpl/Xerr.h"
+#include "xpl/Xfile.h"
 #include "xpl/XfileSystem.h"
 #include "xpl/Xtext.h"
 

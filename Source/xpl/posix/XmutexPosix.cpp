@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 
+#include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xtext.h"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "xpl/Xfile.h"
+#include "xpl/Xlog.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xtext.h"

@@ -1,5 +1,6 @@
 // Conversion between UTF-8 and UTF-16, whose units take a wchar_t each here too: what works on wide
 // texts meets the same ones on every system.
+#include <cstddef>
 #include <cstdint>
 
 #include "xpl/Xtext.h"

@@ -1,11 +1,13 @@
 // bridgeadm copy-cache SOURCE TARGET
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

@@ -1,9 +1,12 @@
 // bridgeadm copy-instance SOURCE TARGET [--overwrite]
 #include <memory>
+#include <string>
 
 #include "Session.h"
+#include "conf/Conf.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

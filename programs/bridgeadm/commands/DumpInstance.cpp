@@ -1,12 +1,19 @@
 // bridgeadm dump-instance NAME [--json]
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "Session.h"
+#include "conf/Conf.h"
 #include "shared/Command.h"
 #include "shared/Joined.h"
+#include "shared/JsonValue.h"
 #include "shared/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

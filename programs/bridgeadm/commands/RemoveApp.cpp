@@ -1,10 +1,12 @@
 // bridgeadm remove-app INSTANCE PACKAGE
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -1,7 +1,9 @@
 // bridgeadm remove-instance NAME
 #include <memory>
+#include <string>
 
 #include "Session.h"
+#include "conf/Conf.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
 

@@ -1,12 +1,18 @@
 // bridgeadm sync-apps INSTANCE FILE
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"
+#include "appc/AppcApp.h"
 #include "appc/AppcFiles.h"
 #include "appc/AppcJson.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

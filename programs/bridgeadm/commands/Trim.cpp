@@ -3,6 +3,7 @@
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
 #include "utl/UtlProcess.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

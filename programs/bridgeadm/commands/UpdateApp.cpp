@@ -1,12 +1,16 @@
 // bridgeadm update-app INSTANCE PACKAGE [--activity TEXT] [--label TEXT] [--version-code NUMBER]
 // [--version-name TEXT] [--icon FILE]
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Session.h"
 #include "appc/Appc.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"
 #include "utl/UtlFolders.h"
+#include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include <bridge/bridge.h>
 
 #include <memory>
+#include <string>
 
 #include "LibraryText.h"
 #include "ListingRows.h"
@@ -9,6 +10,7 @@
 #include "shared/Command.h"
 #include "shared/Console.h"
 #include "shared/OptionParser.h"
+#include "shared/Table.h"
 
 namespace {
 

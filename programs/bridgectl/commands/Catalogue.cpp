@@ -6,6 +6,7 @@
 #include "shared/Command.h"
 #include "shared/Console.h"
 #include "shared/OptionParser.h"
+#include "shared/Table.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 // bridgectl completion bash|powershell
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "shared/Command.h"

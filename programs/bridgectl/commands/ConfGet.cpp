@@ -1,6 +1,9 @@
 // bridgectl conf get KEY
 #include <memory>
+#include <optional>
+#include <string>
 
+#include "Configuration.h"
 #include "KeyValue.h"
 #include "shared/Command.h"
 #include "shared/OptionParser.h"

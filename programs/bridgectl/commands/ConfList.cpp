@@ -1,10 +1,14 @@
 // bridgectl conf list [--global] [--instance NAME]
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "Configuration.h"
 #include "KeyValue.h"
 #include "conf/ConfKey.h"
 #include "shared/Command.h"
 #include "shared/Console.h"
+#include "shared/JsonValue.h"
 #include "shared/OptionParser.h"
 #include "shared/Table.h"
 

@@ -2,13 +2,19 @@
 #include <bridge/bridge.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
+#include "Configuration.h"
 #include "KeyValue.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
 #include "shared/Command.h"
+#include "shared/JsonValue.h"
 #include "shared/OptionParser.h"
 #include "utl/UtlImages.h"
+#include "xpl/Xerr.h"
 
 namespace {
 

@@ -1,11 +1,15 @@
 // bridgectl explain [CODE] [--markdown]
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "ResultCodes.h"
 #include "Session.h"
 #include "shared/Command.h"
 #include "shared/Console.h"
+#include "shared/JsonValue.h"
 #include "shared/OptionParser.h"
+#include "shared/Table.h"
 
 namespace {
 

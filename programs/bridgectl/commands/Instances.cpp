@@ -2,7 +2,10 @@
 #include <bridge/bridge.h>
 
 #include <algorithm>
+#include <set>
+#include <string>
 
+#include "Configuration.h"
 #include "LibraryText.h"
 #include "ListingRows.h"
 #include "Session.h"
@@ -10,6 +13,7 @@
 #include "shared/Command.h"
 #include "shared/Console.h"
 #include "shared/OptionParser.h"
+#include "shared/Table.h"
 #include "utl/UtlImages.h"
 
 namespace {

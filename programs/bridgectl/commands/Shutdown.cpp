@@ -2,6 +2,7 @@
 #include <bridge/bridge.h>
 
 #include <memory>
+#include <string>
 
 #include "Session.h"
 #include "shared/Command.h"

@@ -1,8 +1,8 @@
-#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "support/Platform.h"
 

@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <stdexcept>
+#include <system_error>
 
 #include "support/Platform.h"
 

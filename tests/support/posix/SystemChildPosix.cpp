@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "support/Platform.h"

@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""The gate over standard headers finds each name whose header is missing, and no other."""
+
+import contextlib
+import io
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+import standard_headers
+
+
+class StandardHeadersTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="standard-headers.")
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+
+    def write(self, name, text):
+        path = self.root / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+
+    def faults(self, text, name="Source/low/Low.h"):
+        """Of a tree in which this file is new."""
+        self.write(name, text)
+        return list(standard_headers.Gate(self.root).check())
+
+    def test_a_name_without_its_header(self):
+        self.assertEqual(self.faults("\nstd::string f();\n"),
+                         ["Source/low/Low.h:2: std::string needs <string>"])
+
+    def test_a_name_with_its_header(self):
+        self.assertEqual(self.faults("#include <string>\nstd::string f();\n"), [])
+
+    def test_each_name_is_told_once_where_it_comes_first(self):
+        self.assertEqual(self.faults("std::move(a);\nstd::vector<T> b;\nstd::move(std::move(c));\n"), [
+            "Source/low/Low.h:1: std::move needs <utility>",
+            "Source/low/Low.h:2: std::vector needs <vector>"])
+
+    def test_one_of_several_headers_is_enough(self):
+        self.assertEqual(self.faults("#include <cstring>\nstd::size_t f();\n"), [])
+
+    def test_a_header_that_the_standard_puts_into_another(self):
+        self.assertEqual(self.faults("#include <iostream>\nstd::ostream& f();\n"), [])
+
+    def test_a_namespace_inside_std(self):
+        self.assertEqual(self.faults("std::chrono::seconds f();\n"),
+                         ["Source/low/Low.h:1: std::chrono needs <chrono>"])
+
+    def test_a_source_has_what_its_own_header_includes(self):
+        self.write("Source/low/Low.h", "#include <string>\n")
+        for name in ("Low", "LowWinnt", "LowPosix"):
+            with self.subTest(name):
+                self.assertEqual(self.faults('#include "low/Low.h"\nstd::string f();\n',
+                                             f"Source/low/{name}.cpp"), [])
+
+    def test_of_headers_with_one_name_that_of_the_same_folder_is_the_own_one(self):
+        self.write("programs/a/Low.h", "#include <string>\n")
+        self.write("programs/b/Low.h", "#include <vector>\n")
+        self.assertEqual(self.faults('#include "Low.h"\nstd::string f(std::vector<int>);\n',
+                                     "programs/b/Low.cpp"),
+                         ["programs/b/Low.cpp:2: std::string needs <string>"])
+
+    def test_a_source_has_nothing_from_other_headers(self):
+        self.write("Source/low/Low.h", "#include <string>\n")
+        self.assertEqual(self.faults('#include "low/Low.h"\nstd::string f();\n', "tests/LowTest.cpp"),
+                         ["tests/LowTest.cpp:2: std::string needs <string>"])
+
+    def test_an_own_header_that_is_not_included_gives_nothing(self):
+        self.write("Source/low/Low.h", "#include <string>\n")
+        self.assertEqual(self.faults("std::string f();\n", "Source/low/Low.cpp"),
+                         ["Source/low/Low.cpp:1: std::string needs <string>"])
+
+    def test_comments_and_texts_are_no_code(self):
+        self.assertEqual(self.faults(
+            "// std::string\n/* std::string\n */ auto a = \"std::string \\\" std::move\" 'a';\n"
+            'auto b = R"(std::string "\n)";\nint c = 1\'000; // std::vector\n'), [])
+
+    def test_code_after_comments_and_texts_keeps_its_line(self):
+        self.assertEqual(self.faults('/* a\n b */ auto a = R"x(\n")x";\nstd::string f();\n'),
+                         ["Source/low/Low.h:4: std::string needs <string>"])
+
+    def test_macros(self):
+        self.assertEqual(self.faults("#define F(a) std::forward<A>(a)\nint a = INT32_MAX;\n"), [
+            "Source/low/Low.h:1: std::forward needs <utility>",
+            "Source/low/Low.h:2: INT32_MAX needs <cstdint> or <stdint.h>"])
+
+    def test_members_are_no_functions_of_c(self):
+        self.assertEqual(self.faults("void f() { side.time(1); free(a); remove(b); }\n"), [])
+
+    def test_c(self):
+        self.assertEqual(self.faults(
+            "#include <string.h>\nsize_t f(void) { return strlen(\"a\") + INT_MAX; }\n"
+            "int time;\nvoid g(uint8_t* p) { free(p); }\n", "tests/support/f.c"), [
+            "tests/support/f.c:2: INT_MAX needs <limits.h>",
+            "tests/support/f.c:4: uint8_t needs <stdint.h>",
+            "tests/support/f.c:4: free needs <stdlib.h>"])
+
+    def test_a_name_that_the_tables_lack(self):
+        self.assertEqual(self.faults("std::unheard_of f();\n"), [
+            "Source/low/Low.h:1: std::unheard_of is not in the tables of "
+            "tests/gates/standard_headers.py"])
+
+    def run_gate(self):
+        """Exit status and output of the program."""
+        with contextlib.redirect_stdout(io.StringIO()) as output:
+            status = standard_headers.main(self.root)
+        return status, output.getvalue()
+
+    def test_the_status_tells_whether_there_are_faults(self):
+        self.write("Source/low/Low.h", "#include <string>\nstd::string f();\n")
+        self.assertEqual(self.run_gate(), (0, "1 names in 1 files\n"))
+        self.write("fuzz/a.cpp", "std::string f();\n")
+        self.assertEqual(self.run_gate(), (
+            1, "fuzz/a.cpp:1: std::string needs <string>\n2 names in 2 files\n"))
+
+    def test_a_comparison_of_nothing_fails(self):
+        self.assertEqual(self.run_gate(), (1, "0 names in 0 files\nnothing was compared\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()
