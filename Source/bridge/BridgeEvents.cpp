@@ -1,6 +1,7 @@
 #include "bridge/BridgeEvents.h"
 
 #include <mutex>
+#include <string>
 #include <utility>
 
 #include "bridge/BridgeDec.h"

@@ -2,6 +2,7 @@
 #define CONF_CONFVIEW_H
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>

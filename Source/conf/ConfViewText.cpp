@@ -2,6 +2,7 @@
 #include "conf/ConfViewText.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"

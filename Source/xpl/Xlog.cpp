@@ -61,8 +61,6 @@ struct ContextHolder {
     Xrcu<Context> published;
 };
 
-// The one object of the library that is destroyed at exit or unload: it releases the texts, closes
-// the log file, and at unload releases what else is kept.
 #if defined(__clang__)
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wexit-time-destructors"
@@ -82,8 +80,8 @@ class ContextInUse {
  private:
     // Before the first change and after the last line.
     static const Context& initial() {
-        static const Context& empty = xunloadKeep<Context>();
-        return empty;
+        static const Context* const empty = xunloadKeep<Context>();
+        return *empty;
     }
 
     const Xrcu<Context>::Reader reader_{context.published};

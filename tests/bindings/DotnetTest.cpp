@@ -1,5 +1,7 @@
 // The C# binding in .NET for Windows: hosts over the real library, with the stand-ins.
+#include <cstdint>
 #include <cstdlib>
+#include <string>
 
 #include "NineEvents.h"
 #include "support/WindowsForTests.h"

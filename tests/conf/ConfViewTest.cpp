@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <string_view>
 
 #include <algorithm>
 #include <map>

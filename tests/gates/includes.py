@@ -49,6 +49,8 @@ class Include:
     def places(self, search):
         """The paths where a compiler looks that is given these folders, in its order."""
         folders = [self.file.parent, *search] if self.is_quoted else search
+        if self.file.parent.name == "posix":  # siblings of the folder's files
+            folders = [*folders, self.file.parent.parent]
         return [pathlib.Path(os.path.normpath(folder / self.name)) for folder in folders]
 
     def find(self, search):

@@ -1,6 +1,7 @@
 #include "support/SystemAbilities.h"
 
 #include <filesystem>
+#include <system_error>
 
 #include "support/Platform.h"
 #include "support/TempFolder.h"

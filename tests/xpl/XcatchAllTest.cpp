@@ -1,6 +1,8 @@
 #include "xpl/XcatchAll.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include <stdexcept>
 

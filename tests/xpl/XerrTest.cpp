@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <cstddef>
+#include <vector>
 
 #include <cstdint>
 #include <set>
