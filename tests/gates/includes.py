@@ -186,8 +186,9 @@ class Gate:
         for source in target.sources:
             if system := SYSTEM.search(source.stem):
                 names = [source.stem[:system.start()] + other + source.suffix for other in SYSTEMS]
+                folder = source.parent.parent if source.parent.name == "posix" else source.parent
                 yield from (file for file in self.includes
-                            if file.name in names and file.is_relative_to(source.parent))
+                            if file.name in names and file.is_relative_to(folder))
 
     def check_file(self, file, target):
         """The files that it includes."""

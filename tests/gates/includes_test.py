@@ -36,7 +36,7 @@ FILES = {
     "Source/low/CMakeLists.txt": "bridge_layer(low SOURCES LowWinnt.cpp)",
     "Source/low/Low.h": "",
     "Source/low/LowWinnt.cpp": '#include "low/Low.h"\n',
-    "Source/low/LowPosix.cpp": '#include "low/Low.h"\n',
+    "Source/low/posix/LowPosix.cpp": '#include "low/Low.h"\n',
     "Source/other/CMakeLists.txt": "bridge_layer(other SOURCES Other.cpp)",
     "Source/other/Other.h": "",
     "Source/other/Other.cpp": '#include "other/Other.h"\n',
@@ -60,7 +60,7 @@ FILES = {
     "programs/Core.h": "",
     "programs/Core.cpp": '#include "Core.h"\n#include "other/Other.h"\n',
     "programs/SystemWinnt.cpp": "",
-    "programs/SystemPosix.cpp": "",
+    "programs/posix/SystemPosix.cpp": "",
     "programs/main.cpp": '#include "Core.h"\n#include "low/Low.h"\n',
 }
 
@@ -126,9 +126,9 @@ class IncludesTest(unittest.TestCase):
             'Source/low/Low.h:1: "high/High.h": low declares no dependency on high'])
 
     def test_the_siblings_for_both_systems(self):
-        for name, target in (("Source/low/LowWinnt.cpp", "low"), ("Source/low/LowPosix.cpp", "low"),
+        for name, target in (("Source/low/LowWinnt.cpp", "low"), ("Source/low/posix/LowPosix.cpp", "low"),
                              ("programs/SystemWinnt.cpp", "program"),
-                             ("programs/SystemPosix.cpp", "program")):
+                             ("programs/posix/SystemPosix.cpp", "program")):
             with self.subTest(name):
                 self.change(name, '# include "high/High.h"\n')
                 self.assertIn(f'{name}:1: "high/High.h": {target} declares no dependency on high',
