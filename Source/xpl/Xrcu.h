@@ -62,9 +62,10 @@ class Xrcu {
     // the next.
     void releaseReplaced() XTS_REQUIRES(writers_) {
         constexpr int kTries = 1000;
-        for (int i = 0; i < kTries; ++i) {
+        constexpr int kTriesUntilYield = 100;  // beside busy threads a yield takes milliseconds
+        for (int i = 1; i <= kTries; ++i) {
             if (readers_.load() == 0) return replaced_.clear();
-            std::this_thread::yield();
+            if (i % kTriesUntilYield == 0) std::this_thread::yield();
         }
     }
 
