@@ -7,9 +7,11 @@ set -euo pipefail
 
 toolchain=${QX_TOOLCHAIN:-$(toolchain_dir)}
 headers="$toolchain/$triple/include"
-# Those of mingw-w64 come before clang's own, whose intrin.h declares again what setjmp.h has.
+# Those of mingw-w64 come before clang's own, whose intrin.h declares again what setjmp.h has; theirs
+# includes one that newer clangs call deprecated.
 exec "$llvm/clang++" --target=x86_64-pc-windows-msvc -fms-compatibility-version=19.29 \
     -nostdinc -isystem "$headers/c++/v1" -isystem "$headers" \
     -isystem "$toolchain/lib/clang/$llvm_version/include" \
     -fgnuc-version=4.2.1 -D__MINGW32__ -D__MINGW64__ -D_UCRT -D_LIBCPP_ABI_FORCE_ITANIUM \
-    -D__CORRECT_ISO_CPP_STRING_H_PROTO -D__CORRECT_ISO_CPP_WCHAR_H_PROTO "$@"
+    -D__CORRECT_ISO_CPP_STRING_H_PROTO -D__CORRECT_ISO_CPP_WCHAR_H_PROTO \
+    -D_CLANG_DISABLE_CRT_DEPRECATION_WARNINGS "$@"
