@@ -90,7 +90,7 @@ TEST(XrcuTest, ReadersNeverSeeHalfOfTwoValues) {
             }
         });
     }
-    for (int i = 1; i <= 1000; ++i) {
+    for (int i = 1; i <= 300; ++i) {
         value.change([i](Texts& next) {
             for (std::string& text : next) text = std::to_string(i) + " is more than fits inline";
         });
