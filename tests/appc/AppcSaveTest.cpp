@@ -14,6 +14,7 @@
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
+#include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
 #include "xpl/Xproc.h"
 
@@ -417,6 +418,7 @@ TEST_F(AppcSaveTest, TwoProcessesThatSaveAndLoadAtTheSameTimeSeeWholeFilesOnly) 
 }
 
 SUBPROCESS(staysAlive) {
+    leaveSignOfLife(arguments[0]);
     sleepMs(120'000);
     return 0;
 }
@@ -427,10 +429,12 @@ TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
     ASSERT_EQ(init(fileOf(kOld)), 0);
     std::atomic<int> saves{0};
     std::vector<XprocHandle> children(kChildren);
+    SignsOfLife signs;
     std::thread launcher([&] {
         for (int i = 0; i < kChildren; ++i) {
             EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
-                                  {builtProgram("appc_test.exe"), "--subprocess", "staysAlive"}),
+                                  {builtProgram("appc_test.exe"), "--subprocess", "staysAlive",
+                                   signs.next()}),
                       0);
             // Spread over all the saves.
             while (saves < kSaves * i / kChildren) sleepMs(1);
@@ -442,6 +446,7 @@ TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
         saves = i;
     }
     launcher.join();
+    EXPECT_TRUE(signs.allArrived());
     for (XprocHandle child : children) {
         xprocKill(child, 0);
         EXPECT_EQ(xprocWait(child, nullptr), 0);

@@ -17,6 +17,7 @@
 #include "ConfFixture.h"
 #include "support/HeldFile.h"
 #include "support/Platform.h"
+#include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
 #include "support/SystemAbilities.h"
 #include "xpl/XmutexNamed.h"
@@ -522,6 +523,7 @@ TEST_F(ConfCommitTest, ALargeStoreIsWrittenWhole) {
 }
 
 SUBPROCESS(staysAlive) {
+    leaveSignOfLife(arguments[0]);
     sleepMs(120'000);
     return 0;
 }
@@ -532,10 +534,12 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
     ASSERT_EQ(init(""), 0);
     std::atomic<int> commits{0};
     std::vector<XprocHandle> children(kChildren);
+    SignsOfLife signs;
     std::thread launcher([&] {
         for (int i = 0; i < kChildren; ++i) {
             EXPECT_EQ(xprocCreate(&children[static_cast<std::size_t>(i)],
-                                  {builtProgram("conf_test.exe"), "--subprocess", "staysAlive"}),
+                                  {builtProgram("conf_test.exe"), "--subprocess", "staysAlive",
+                                   signs.next()}),
                       0);
             // Spread over all the commits.
             while (commits < kCommits * i / kChildren) sleepMs(1);
@@ -549,6 +553,7 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
     launcher.join();
     EXPECT_EQ(runSubprocess("commitsManyTimes", {path(), "Other", "20"}).status, 0u)
         << "another process commits while the children live";
+    EXPECT_TRUE(signs.allArrived());
     for (XprocHandle child : children) {
         xprocKill(child, 0);
         EXPECT_EQ(xprocWait(child, nullptr), 0);

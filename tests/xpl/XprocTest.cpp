@@ -11,6 +11,7 @@
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
+#include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/process_figures.h"
@@ -105,13 +106,16 @@ TEST(Xproc, NothingIsLeftOfChildrenThatWereWaitedFor) {
 }
 
 SUBPROCESS(sleepsLong) {
+    leaveSignOfLife(arguments[0]);
     sleepMs(60'000);
     return 0;
 }
 
 TEST(Xproc, KillingEndsTheChild) {
     XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong"}), 0);
+    SignsOfLife signs;
+    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong", signs.next()}), 0);
+    EXPECT_TRUE(signs.allArrived());
     EXPECT_EQ(xprocKill(child, 42), 0);
     std::uint32_t status = 0;
     EXPECT_EQ(xprocWait(child, &status), 0);
