@@ -1,8 +1,10 @@
 // What every test for leaks rests on.
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <vector>
 
+#include "support/Proof.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
 
@@ -23,4 +25,23 @@ TEST(ProcessFiguresTest, MemoryInUseIsCounted) {
     const long long gained = heapBytes() - before;
     EXPECT_GT(gained, 60 * kMebibyte);
     EXPECT_LT(gained, 70 * kMebibyte);
+}
+
+TEST(ProcessFiguresTest, WhatEachRoundKeepsIsALeak) {
+    std::vector<std::vector<char>> kept;
+    EXPECT_NONFATAL_FAILURE(expectNoGrowth(10, 32,
+                                           [&] {
+                                               for (int i = 0; i < 10; ++i) {
+                                                   kept.emplace_back(1000, 'x');
+                                               }
+                                           }),
+                            "a round leaves handles, or 32 bytes and more");
+}
+
+TEST(ProcessFiguresTest, WhatOnlyTheFirstRoundsKeepIsNone) {
+    std::vector<std::vector<char>> kept;
+    expectNoGrowth(10, 32, [&] {
+        if (kept.size() < 5) kept.emplace_back(100'000, 'x');
+    });
+    EXPECT_EQ(kept.size(), 5u) << "all of the first attempt";
 }
