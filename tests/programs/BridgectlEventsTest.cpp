@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "support/EventPackets.h"
 #include "support/ProductRegistry.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
@@ -312,8 +313,8 @@ TEST_F(BridgectlEventsTest, ATimeoutEndsTheWaitingForACount) {
 }
 
 TEST_F(BridgectlEventsTest, ATimeoutAloneIsANormalEnd) {
-    ChildProcess listener = listen({"--json", "--timeout", "1"});
-    send({"app-displayed", "N", "p"});
+    ChildProcess listener = listen({"--json", "--timeout", "2"});
+    ASSERT_TRUE(RawPipe(connectRaw(kServer)).write(appDisplayedPacket("N", "p")));
     const ChildResult result = listener.finish();
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(eventsOf(result.out),
