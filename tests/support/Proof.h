@@ -13,8 +13,7 @@ int proofSizeFor(const char* proof, int shortForm, int fullForm);
 
 // Plays GROWTH_BATCHES batches of so many rounds, and expects that a round leaves nothing behind:
 // less than this many bytes on the heaps, and no handle (support/growth.h). What is taken once is
-// to be taken before, in rounds of the test's own. Where it grows it is measured again, twice at
-// most: a leak grows each time, the buckets of a busy heap do not.
+// to be taken before, in rounds of the test's own.
 void expectNoGrowth(int rounds, double bytesOfARound, const std::function<void()>& play);
 
 #endif

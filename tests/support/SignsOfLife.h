@@ -1,6 +1,7 @@
 #ifndef TESTS_SIGNSOFLIFE_H
 #define TESTS_SIGNSOFLIFE_H
 
+#include <cstddef>
 #include <string>
 
 #include "support/TempFolder.h"
