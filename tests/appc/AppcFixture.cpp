@@ -54,14 +54,14 @@ bool isFreeNow(XmutexNamed& mutex) {
 
 }  // namespace
 
-bool isFileLockFree() {
+bool isFileLockFree(int tries) {
     bool isFree = false;
     // This thread may have it itself, and would get it again.
-    std::thread([&isFree] {
+    std::thread([&isFree, tries] {
         XmutexNamed mutex;
         ASSERT_EQ(mutex.init("Global\\vtr_appc_Nougat64_nvo"), 0);
         isFree = isFreeNow(mutex);
-        for (int i = 0; i < 200 && !isFree; ++i) {
+        for (int i = 0; i < tries && !isFree; ++i) {
             sleepMs(5);
             isFree = isFreeNow(mutex);
         }

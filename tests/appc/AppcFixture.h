@@ -43,9 +43,9 @@ std::string fileOf(const std::vector<PlainApp>& apps);
 // The lines, with the number of the source line in them as "N".
 Lines withoutNumbers(Lines lines);
 
-// Whether the file lock of the instance "Nougat64" is free within a second. Other processes have it
-// for moments: it is the machine's.
-bool isFileLockFree();
+// Whether the file lock of the instance "Nougat64" is free within so many tries, five milliseconds
+// apart. Other processes have it for moments: it is the machine's.
+bool isFileLockFree(int tries = 600);
 
 bool operator==(const AppcApp& a, const AppcApp& b);
 

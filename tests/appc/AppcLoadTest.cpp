@@ -369,7 +369,7 @@ class WatchingFiles final : public AppcFiles {
     bool wasFree = true;
 
     std::int32_t read(const std::string& path, std::string& content) override {
-        wasFree = isFileLockFree();
+        wasFree = isFileLockFree(20);
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }

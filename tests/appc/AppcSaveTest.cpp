@@ -268,7 +268,7 @@ class LockWatch final : public AppcFiles {
 
  private:
     void note(const char* step) {
-        steps.push_back(step + std::string(isFileLockFree() ? "" : ", locked"));
+        steps.push_back(step + std::string(isFileLockFree(160) ? "" : ", locked"));
     }
 };
 
