@@ -85,7 +85,7 @@ XErr appcLibInit(AppcStore& store, const std::string& instance) {
     store.instance = instance;
     store.appcDir = store.instanceDir(instance);
     store.apps.clear();  // a missing file must not show another instance's apps
-    const std::string lockName = utlGlobalObjectName("appc_" + instance);
+    const std::string lockName = utlGlobalObjectName(store.lockPrefix + instance);
     if (const XErr err = store.fileLock.init(lockName); err != XERR_SUCCESS) return err;
     const XErr err = appcLoadFromFile(store);
     if (err != XERR_SUCCESS) XLOG_E(kAppcLog, "Failed to load app cache from file");

@@ -33,11 +33,14 @@ class XTS_CAPABILITY("mutex") AppcLock {
 // Were the load to take `fileLock` first and `lock` for the apps, a loading and a saving thread
 // could deadlock.
 struct AppcStore {
-    // `productDataDir` ends with a separator.
-    AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir)
+    // `productDataDir` ends with a separator. Tests that run at the same time give their stores
+    // lock names of their own.
+    AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir,
+              std::string lockPrefixToUse = "appc_")
         : files(filesToUse),
           dataDir(std::move(productDataDir)),
-          sharedDir(std::move(productSharedDir)) {}
+          sharedDir(std::move(productSharedDir)),
+          lockPrefix(std::move(lockPrefixToUse)) {}
 
     // Where an instance keeps its cache: file and icons. Ends with "/".
     std::string instanceDir(const std::string& name) const {
@@ -47,6 +50,7 @@ struct AppcStore {
     AppcFiles& files;
     const std::string dataDir;
     const std::string sharedDir;
+    const std::string lockPrefix;  // of the file lock's name, before the instance's
 
     AppcLock lock;
 

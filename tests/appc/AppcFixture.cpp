@@ -44,27 +44,19 @@ Lines withoutNumbers(Lines lines) {
     return lines;
 }
 
-namespace {
-
-bool isFreeNow(XmutexNamed& mutex) {
-    if (!mutex.try_lock()) return false;
-    mutex.unlock();
-    return true;
+std::string lockPrefixOf(const std::string& data) {
+    return "appc_" + data.substr(data.rfind('\\') + 1) + "_";
 }
 
-}  // namespace
-
-bool isFileLockFree(int tries) {
+bool isFileLockFree(const std::string& data) {
     bool isFree = false;
     // This thread may have it itself, and would get it again.
-    std::thread([&isFree, tries] {
+    std::thread([&isFree, &data] {
         XmutexNamed mutex;
-        ASSERT_EQ(mutex.init("Global\\vtr_appc_Nougat64_nvo"), 0);
-        isFree = isFreeNow(mutex);
-        for (int i = 0; i < tries && !isFree; ++i) {
-            sleepMs(5);
-            isFree = isFreeNow(mutex);
-        }
+        ASSERT_EQ(mutex.init("Global\\vtr_" + lockPrefixOf(data) + "Nougat64_nvo"), 0);
+        if (!mutex.try_lock()) return;
+        isFree = true;
+        mutex.unlock();
     }).join();
     return isFree;
 }

@@ -43,9 +43,11 @@ std::string fileOf(const std::vector<PlainApp>& apps);
 // The lines, with the number of the source line in them as "N".
 Lines withoutNumbers(Lines lines);
 
-// Whether the file lock of the instance "Nougat64" is free within so many tries, five milliseconds
-// apart. Other processes have it for moments: it is the machine's.
-bool isFileLockFree(int tries = 600);
+// File locks are the machine's: those of a data folder have names of their own.
+std::string lockPrefixOf(const std::string& data);
+
+// Whether another thread could take the file lock of the instance "Nougat64" now.
+bool isFileLockFree(const std::string& data);
 
 bool operator==(const AppcApp& a, const AppcApp& b);
 
@@ -66,6 +68,8 @@ class AppcTest : public ::testing::Test {
     // Names of what is in the cache's folder.
     Lines list() const;
 
+    bool isFileLockFree() const { return ::isFileLockFree(data.path()); }
+
     std::vector<std::string> packages();
     AppcApp app(const std::string& package);
     std::size_t count();
@@ -73,13 +77,14 @@ class AppcTest : public ::testing::Test {
     TempFolder data;
     LogCapture log;
     AppcStore store{appcDiskFiles(), data.path() + "\\",
-                    data.path() + "\\/Engine/UserData/SharedFolder/"};
+                    data.path() + "\\/Engine/UserData/SharedFolder/", lockPrefixOf(data.path())};
 };
 
 // A cache over the folder `data` of another process.
 struct ForeignStore : AppcStore {
     explicit ForeignStore(const std::string& data, AppcFiles& files = appcDiskFiles())
-        : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}
+        : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/",
+                    lockPrefixOf(data)) {}
 };
 
 #endif

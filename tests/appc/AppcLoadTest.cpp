@@ -345,15 +345,19 @@ TEST_F(AppcLoadTest, PackageNamesAreAppended) {
 }
 
 TEST_F(AppcLoadTest, ALockThatCannotBeMadeIsTheResultAndTheCacheIsEmpty) {
-    ASSERT_EQ(init(kTwoApps), 0);
-    EXPECT_EQ(appcLibInit(store, "a\\b"), -1);
+    AppcStore product(appcDiskFiles(), data.path() + "\\", "");
+    write(kTwoApps);
+    ASSERT_EQ(appcLibInit(product, "Nougat64"), 0);
+    EXPECT_EQ(appcLibInit(product, "a\\b"), -1);
     ASSERT_EQ(log.texts().size(), 1u) << "nothing is loaded";
     EXPECT_EQ(log.texts()[0].rfind("E XMUTEX Failed to create mutex "
                                    "'Global\\vtr_appc_a\\b_nvo'. Error = ",
                                    0),
               0u)
         << log.texts()[0];
-    EXPECT_EQ(count(), 0u);
+    std::list<std::string> packages;
+    appcGetPackages(product, packages);
+    EXPECT_EQ(packages, std::list<std::string>{});
 }
 
 TEST_F(AppcLoadTest, AnInstanceNameThatIsNotUtf8HasNoLock) {
@@ -366,10 +370,12 @@ namespace {
 // Looks at the file lock while the file is read.
 class WatchingFiles final : public AppcFiles {
  public:
+    explicit WatchingFiles(std::string data) : data_(std::move(data)) {}
+
     bool wasFree = true;
 
     std::int32_t read(const std::string& path, std::string& content) override {
-        wasFree = isFileLockFree(20);
+        wasFree = isFileLockFree(data_);
         return appcDiskFiles().read(path, content);
     }
     XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
@@ -377,6 +383,9 @@ class WatchingFiles final : public AppcFiles {
     AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
     XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
     void remove(const std::string&) override {}
+
+ private:
+    const std::string data_;
 };
 
 // Refuses to open a file that is there and can be deleted.
@@ -418,7 +427,7 @@ TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
 
 TEST_F(AppcLoadTest, TheFileIsReadUnderItsMachineWideLock) {
     write(kTwoApps);
-    WatchingFiles files;
+    WatchingFiles files(data.path());
     ForeignStore watched(data.path(), files);
     EXPECT_EQ(appcLibInit(watched, "Nougat64"), 0);
     EXPECT_FALSE(files.wasFree);

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "AppcFixture.h"
@@ -240,6 +241,8 @@ namespace {
 // Looks at the file lock at each step.
 class LockWatch final : public AppcFiles {
  public:
+    explicit LockWatch(std::string data) : data_(std::move(data)) {}
+
     Lines steps;
     bool failMove = false;
 
@@ -268,15 +271,17 @@ class LockWatch final : public AppcFiles {
 
  private:
     void note(const char* step) {
-        steps.push_back(step + std::string(isFileLockFree(160) ? "" : ", locked"));
+        steps.push_back(step + std::string(isFileLockFree(data_) ? "" : ", locked"));
     }
+
+    const std::string data_;
 };
 
 }  // namespace
 
 TEST_F(AppcSaveTest, TheMachineWideLockIsTakenForTheMoveOnly) {
     ASSERT_EQ(init("[]"), 0);
-    LockWatch files;
+    LockWatch files(data.path());
     ForeignStore watched(data.path(), files);
     ASSERT_EQ(appcLibInit(watched, "Nougat64"), 0);
     EXPECT_EQ(appcSaveToFile(watched), 0);

@@ -61,7 +61,7 @@ void waitUntilServed() {
 
 // Sends an event and waits until the server has read it: it answers when it is through.
 void sendOne() {
-    RawPipe pipe(connectRaw(kServerName));
+    RawPipe pipe(connectWhenFree(kServerName));
     const std::string event = createInstanceCompletedPacket(7, "N");
     pipe.write(event + packetOf(1, "", 1));
     pipe.read(1);

@@ -4,7 +4,6 @@
 
 #include "support/EventPackets.h"
 #include "support/RawServer.h"
-#include "support/WindowsForTests.h"
 
 std::string nineEvents() {
     return appInstalledPacket("Nougat64", "com.größe", "Main", "第二 App", -5, "1.0β", "C:\\Ü.png",
@@ -30,14 +29,7 @@ Lines nineLines() {
             "accountListUpdated Nougat64|jürgen@example.com|2"};
 }
 
-void* connectToHelper() {
-    const std::wstring path = L"\\\\.\\pipe\\" + wideForTests(kHelperServer);
-    for (int i = 0; i < 2000; ++i) {
-        if (void* const pipe = connectRaw(kHelperServer)) return pipe;
-        if (!::WaitNamedPipeW(path.c_str(), 1000)) ::Sleep(5);
-    }
-    return nullptr;
-}
+void* connectToHelper() { return connectWhenFree(kHelperServer); }
 
 Lines with(Lines lines, const Lines& more) {
     lines.insert(lines.end(), more.begin(), more.end());

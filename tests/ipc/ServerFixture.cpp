@@ -58,10 +58,4 @@ bool ServerFixture::waitForRecords(int wanted) {
     return IpcConnectionInfo::live() == wanted;
 }
 
-void* ServerFixture::connect() const {
-    for (int i = 0; i < 2000; ++i) {
-        if (void* const pipe = connectRaw(name)) return pipe;
-        awaitRaw(name);
-    }
-    return nullptr;
-}
+void* ServerFixture::connect() const { return connectWhenFree(name); }

@@ -314,7 +314,7 @@ TEST_F(BridgectlEventsTest, ATimeoutEndsTheWaitingForACount) {
 
 TEST_F(BridgectlEventsTest, ATimeoutAloneIsANormalEnd) {
     ChildProcess listener = listen({"--json", "--timeout", "2"});
-    ASSERT_TRUE(RawPipe(connectRaw(kServer)).write(appDisplayedPacket("N", "p")));
+    ASSERT_TRUE(RawPipe(connectWhenFree(kServer)).write(appDisplayedPacket("N", "p")));
     const ChildResult result = listener.finish();
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(eventsOf(result.out),

@@ -516,21 +516,11 @@ bool waitUntil(Condition condition) {
     return condition();
 }
 
-// A connection to a server whose thread still runs.
-void* connectTo(const std::string& server) {
-    for (int i = 0; i < 2000; ++i) {
-        if (void* const handle = connectRaw(server)) return handle;
-        sleepMs(5);
-    }
-    ADD_FAILURE() << "the server's thread has ended";
-    return nullptr;
-}
-
 // A client that comes, starts a shortage, and goes. Its end is dealt with when this returns.
 void startShortageOf(const std::string& server) {
     const int before = started;
     const int refused = refusedAllocations();
-    RawPipe pipe(connectTo(server));
+    RawPipe pipe(connectWhenFree(server));
     EXPECT_TRUE(pipe.write(packetOf(1, "")));
     EXPECT_TRUE(waitUntil([&] { return started > before; }));
     pipe.close();
@@ -543,7 +533,7 @@ void endShortageOf(const std::string& server) {
     const int before = ended;
     for (int i = 0; i < 2 && ended == before; ++i) {
         const int refused = refusedAllocations();
-        RawPipe pipe(connectTo(server));
+        RawPipe pipe(connectWhenFree(server));
         pipe.write(packetOf(2, ""));
         waitUntil([&] { return ended > before || refusedAllocations() > refused; });
     }

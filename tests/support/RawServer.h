@@ -73,7 +73,7 @@ class LeavingServer {
 // Connects to a server as a client; null when there is none, or none that is free.
 void* connectRaw(const std::string& name);
 
-// Waits for a moment until a server is free; at once when there is none.
-void awaitRaw(const std::string& name);
+// The same, but waits some seconds for a server that has not begun or has no instance free.
+void* connectWhenFree(const std::string& name);
 
 #endif

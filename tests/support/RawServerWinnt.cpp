@@ -118,4 +118,10 @@ void* connectRaw(const std::string& name) {
     return pipe == INVALID_HANDLE_VALUE ? nullptr : pipe;
 }
 
-void awaitRaw(const std::string& name) { ::WaitNamedPipeW(pipePath(name).c_str(), 1000); }
+void* connectWhenFree(const std::string& name) {
+    for (int i = 0; i < 2000; ++i) {
+        if (void* const pipe = connectRaw(name)) return pipe;
+        if (!::WaitNamedPipeW(pipePath(name).c_str(), 1000)) ::Sleep(5);
+    }
+    return nullptr;
+}

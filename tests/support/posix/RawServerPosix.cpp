@@ -164,4 +164,10 @@ void* connectRaw(const std::string& name) {
     return nullptr;
 }
 
-void awaitRaw(const std::string& /*name*/) { sleepMs(1); }
+void* connectWhenFree(const std::string& name) {
+    for (int i = 0; i < 2000; ++i) {
+        if (void* const pipe = connectRaw(name)) return pipe;
+        sleepMs(5);
+    }
+    return nullptr;
+}
