@@ -1,10 +1,14 @@
 // Entry of every test binary: its tests, or one of its subprocesses.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/Platform.h"
@@ -41,6 +45,51 @@ void reportBesideOthers() {
     ::testing::GTEST_FLAG(output) = std::string("xml:") + folder + entry + ".xml";
 }
 
+// Names the test that runs and runs, on standard error: what ends a program that hangs does not
+// tell.
+class SlowTestNotice : public ::testing::EmptyTestEventListener {
+ public:
+    SlowTestNotice() : watcher_([this] { watch(); }) {}
+    ~SlowTestNotice() override {
+        change([this] { ended_ = true; });
+        watcher_.join();
+    }
+
+ private:
+    void OnTestStart(const ::testing::TestInfo& test) override {
+        change([&] { running_ = std::string(test.test_suite_name()) + "." + test.name(); });
+    }
+    void OnTestEnd(const ::testing::TestInfo& /*test*/) override {
+        change([this] { running_.clear(); });
+    }
+
+    template <typename Change>
+    void change(Change change) {
+        const std::lock_guard<std::mutex> guard(lock_);
+        change();
+        ++changes_;
+        changed_.notify_all();
+    }
+
+    void watch() {
+        std::unique_lock<std::mutex> guard(lock_);
+        while (!ended_) {
+            const int before = changes_;
+            const bool isOther = changed_.wait_for(guard, std::chrono::minutes(1),
+                                                   [&] { return changes_ != before; });
+            if (isOther || running_.empty()) continue;
+            std::fprintf(stderr, "[ SLOW     ] %s has run for a minute\n", running_.c_str());
+        }
+    }
+
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::string running_;
+    int changes_ = 0;
+    bool ended_ = false;
+    std::thread watcher_;  // last: it uses the others
+};
+
 }  // namespace
 
 SubprocessEntry::SubprocessEntry(const char* name, SubprocessFunction function) {
@@ -63,5 +112,6 @@ int main(int argc, char** argv) {
     if (arguments.size() > 2 && arguments[1] == "--subprocess") return callSubprocess(arguments);
     reportBesideOthers();
     ::testing::InitGoogleTest(&argc, argv);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new SlowTestNotice);
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# wine-test.sh PROGRAM ARGUMENT...: runs a test program under Wine for CTest, which waits until the
+# program's output is closed. What Wine may leave running, a console's process or a desktop, has that
+# output open for good, so that it goes to a file, which is passed on while the program runs.
+set -u
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+"$(dirname "$0")/wine.sh" "$@" >"$output" 2>&1 &
+program=$!
+tail --pid="$program" -s 0.05 -n +1 -f "$output"
+wait "$program"
