@@ -23,7 +23,7 @@ XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
         return XERR_FAILURE;
     }
     const std::lock_guard<AppcLock> guard(store.lock);
-    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+    const XnamedGuard otherProcesses(store.fileLock, kAppcLog, "appcCopyInstance");
     // What could not be copied is in the log, and the new instance has to do without it.
     static_cast<void>(utlCopyRecursive(baseDir, newDir));
     return XERR_SUCCESS;

@@ -48,7 +48,7 @@ void giveUp(AppcStore& store, std::int32_t windowsError) XTS_REQUIRES(store.lock
 }
 
 XErr loadUnderFileLock(AppcStore& store) XTS_REQUIRES(store.lock) {
-    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+    const XnamedGuard otherProcesses(store.fileLock, kAppcLog, "appcLoadFromFile");
     const std::string path = store.filePath();
     std::string content;
     if (const std::int32_t windowsError = store.files.read(path, content); windowsError != 0) {

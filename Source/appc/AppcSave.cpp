@@ -36,7 +36,7 @@ AppcWrite writeBeside(AppcFiles& files, const std::string& path, XtemporaryFile&
 
 XErr replaceFile(AppcStore& store, const std::string& path, XtemporaryFile& temporary)
     XTS_REQUIRES(store.lock) {
-    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+    const XnamedGuard otherProcesses(store.fileLock, kAppcLog, "appcSaveToFile");
     return temporary.moveOnto(path);
 }
 

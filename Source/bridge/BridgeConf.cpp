@@ -3,9 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <string_view>
 
 #include "bridge/BridgeEntry.h"
+#include "conf/ConfInstanceValues.h"
 #include "conf/ConfKey.h"
+#include "conf/ConfNumber.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlJson.h"
 
@@ -14,51 +18,70 @@ namespace {
 // About the size of an element.
 constexpr std::size_t kElementSize = 320;
 
-// What is read of an instance, in this order: an unknown image, a key that is being removed and a
-// number that cannot be read are fatal, and the first one says so.
-struct Instance {
-    Instance(ConfStore& store, const std::string& instanceName) : name(instanceName) {
-        imageName = utlGetImageTrait(utlImageNameOfInstance(name)).name;
-        std::string key = confInstancePrefix(name);
-        const std::size_t prefix = key.size();
-        const auto keyOf = [&](const char* property) -> const std::string& {
-            return key.replace(prefix, std::string::npos, property);
-        };
-        deviceProfile = confGetString(store, keyOf("device_profile_code"));
-        graphicsEngine = confGetString(store, keyOf("graphics_engine"));
-        graphicsRenderer = confGetString(store, keyOf("graphics_renderer"));
-        displayName = confGetString(store, keyOf("display_name"));
-        ram = confGetI32(store, keyOf("ram"));
-        cpu = confGetI32(store, keyOf("cpus"));  // the one that is not shown under its name
+// What is shown of an instance, in the order in which it is looked at: the first value that cannot
+// be read is fatal.
+enum Column : std::size_t { DEVICE_PROFILE, ENGINE, RENDERER, DISPLAY_NAME, RAM, CPUS };
+
+constexpr ConfColumn kColumns[] = {{"device_profile_code", ConfType::String},
+                                   {"graphics_engine", ConfType::String},
+                                   {"graphics_renderer", ConfType::String},
+                                   {"display_name", ConfType::String},
+                                   {"ram", ConfType::I32},
+                                   {"cpus", ConfType::I32}};
+
+// An instance of the listing.
+class Instance {
+ public:
+    Instance(ConfStore& store, const ConfInstanceValues& values, std::size_t number)
+        : store_(store), values_(values), number_(number) {}
+
+    std::string_view name() const { return values_.name(number_); }
+
+    // A value that could not be copied is read by its key, which says why, or has become readable.
+    std::string text(Column column) const {
+        const auto value = values_.value(number_, column);
+        return value ? std::string(*value) : confGetString(store_, keyOf(column));
+    }
+    std::int32_t number(Column column) const {
+        std::int32_t number = 0;
+        const auto value = values_.value(number_, column);
+        return value && confParseI32(*value, number) ? number : confGetI32(store_, keyOf(column));
     }
 
-    const std::string& name;
-    const char* imageName;
-    std::string deviceProfile;
-    std::string graphicsEngine;
-    std::string graphicsRenderer;
-    std::string displayName;
-    std::int32_t ram;
-    std::int32_t cpu;
+ private:
+    std::string keyOf(Column column) const {
+        return confInstancePrefix(name()).append(kColumns[column].property);
+    }
+
+    ConfStore& store_;
+    const ConfInstanceValues& values_;
+    const std::size_t number_;
 };
+
+void append(UtlJsonArray& array, const Instance& instance) {
+    const char* const image = utlGetImageTrait(utlImageNameOfInstance(instance.name())).name;
+    const std::string deviceProfile = instance.text(DEVICE_PROFILE);
+    const std::string engine = instance.text(ENGINE);
+    const std::string renderer = instance.text(RENDERER);
+    const std::string displayName = instance.text(DISPLAY_NAME);
+    const std::int32_t ram = instance.number(RAM);
+    array.object();
+    array.member("cpu", instance.number(CPUS));  // the one that is not shown under its name
+    array.member("deviceProfile", deviceProfile);
+    array.member("displayName", displayName);
+    array.member("graphicsEngine", engine);
+    array.member("graphicsRenderer", renderer);
+    array.member("imageName", image);
+    array.member("instance", instance.name());
+    array.member("ram", ram);
+}
 
 }  // namespace
 
 std::string bridgeInstancesJson(ConfStore& store) {
-    const auto names = confGetInstances(store);
-    UtlJsonArray array(names.size() * kElementSize);
-    for (const std::string& name : names) {
-        const Instance instance(store, name);
-        array.object();
-        array.member("cpu", instance.cpu);
-        array.member("deviceProfile", instance.deviceProfile);
-        array.member("displayName", instance.displayName);
-        array.member("graphicsEngine", instance.graphicsEngine);
-        array.member("graphicsRenderer", instance.graphicsRenderer);
-        array.member("imageName", instance.imageName);
-        array.member("instance", instance.name);
-        array.member("ram", instance.ram);
-    }
+    const ConfInstanceValues values(store, kColumns, std::size(kColumns));
+    UtlJsonArray array(values.size() * kElementSize);
+    for (std::size_t i = 0; i < values.size(); ++i) append(array, Instance(store, values, i));
     return array.take();
 }
 

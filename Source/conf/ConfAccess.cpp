@@ -21,6 +21,7 @@
 #include "xpl/Xattributes.h"
 #include "xpl/Xbytes.h"
 #include "xpl/Xerr.h"
+#include "xpl/XsharedMutex.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ bool confValidateProp(const ConfKey& key, ConfType type, bool allowDeprecated) {
 
 // The value that a read sees; nothing for a key that is being removed.
 std::optional<std::string> readValue(ConfStore& store, const ConfKey& key) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     const ConfValue* const value = store.view.find(key);
     if (value == nullptr) return std::string();
     if (value->isRemoved) return std::nullopt;
@@ -112,7 +113,7 @@ XErr confSetStringInternal(ConfStore& store, std::string_view text, ConfType typ
     if (type != ConfType::None && !confValidateProp(key, type, /*allowDeprecated=*/false)) {
         XLOG_FATAL(kLog);
     }
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
     store.view.set(store.view.knownValue(key), value);
     return XERR_SUCCESS;
 }
@@ -165,7 +166,7 @@ std::string confJoinMultiString(const std::vector<std::string>& elements) {
 XErr confSetCurrentInstance(ConfStore& store, const std::string& name) {
     bool isKnown = false;
     {
-        const std::lock_guard<std::mutex> guard(store.lock);
+        const XsharedGuard reading(store.viewLock);
         isKnown = store.view.isKnown(name);
     }
     if (!isKnown) {
@@ -190,7 +191,7 @@ std::string confCurrentInstanceKey(const ConfStore& store, std::string_view prop
 }
 
 std::set<std::string, std::less<>> confGetInstances(ConfStore& store) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     return store.view.instances();
 }
 
@@ -200,7 +201,7 @@ XErr confRestorePropDefault(ConfStore& store, std::string_view text) {
     if (declared == nullptr) XLOG_FATAL(kLog);
     {
         const ConfKey key = confFindKey(store.catalogue, text);
-        const std::lock_guard<std::mutex> guard(store.lock);
+        const XsharedGuard reading(store.viewLock);
         const ConfValue* const value = store.view.find(key);
         if (value != nullptr && value->isCommitted && value->committed == declared->defaultValue) {
             return XERR_SUCCESS;
@@ -210,19 +211,19 @@ XErr confRestorePropDefault(ConfStore& store, std::string_view text) {
 }
 
 bool confHasPendingChanges(ConfStore& store) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     return store.view.hasChanges();
 }
 
 bool confIsPropPending(ConfStore& store, std::string_view text) {
     const ConfKey key = confFindKey(store.catalogue, text);
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     const ConfValue* const value = store.view.find(key);
     return value != nullptr && value->isChanged();
 }
 
 XErr confDiscardChanges(ConfStore& store) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
     store.view.discardChanges();
     return XERR_SUCCESS;
 }

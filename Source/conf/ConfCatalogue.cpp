@@ -6,9 +6,9 @@
 
 namespace {
 
-const ConfProperty* find(const ConfDirectory& directory, std::string_view name) {
-    const auto found = directory.find(name);
-    return found == directory.end() ? nullptr : &found->second;
+const ConfProperty* find(const ConfSchema& schema, std::string_view name) {
+    const auto found = schema.find(name);
+    return found == schema.end() ? nullptr : &found->second;
 }
 
 ConfProperty propertyOf(const ConfCatalogueRow& row) {
@@ -18,7 +18,7 @@ ConfProperty propertyOf(const ConfCatalogueRow& row) {
 
 }  // namespace
 
-void ConfDirectory::put(const std::string& name, ConfProperty property) {
+void ConfSchema::put(const std::string& name, ConfProperty property) {
     const auto at = entries_.begin() + static_cast<std::ptrdiff_t>(countBefore(name));
     if (at != entries_.end() && at->first == name) {
         at->second = std::move(property);
@@ -27,14 +27,14 @@ void ConfDirectory::put(const std::string& name, ConfProperty property) {
     }
 }
 
-std::size_t ConfDirectory::countBefore(std::string_view name) const {
+std::size_t ConfSchema::countBefore(std::string_view name) const {
     const auto at = std::lower_bound(
         entries_.begin(), entries_.end(), name,
         [](const Entry& entry, std::string_view wanted) { return entry.first < wanted; });
     return static_cast<std::size_t>(at - entries_.begin());
 }
 
-ConfDirectory::const_iterator ConfDirectory::find(std::string_view name, std::size_t hint) const {
+ConfSchema::const_iterator ConfSchema::find(std::string_view name, std::size_t hint) const {
     if (hint < entries_.size() && entries_[hint].first == name) {
         return entries_.begin() + static_cast<std::ptrdiff_t>(hint);
     }

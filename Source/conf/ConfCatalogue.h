@@ -26,7 +26,7 @@ struct ConfProperty {
 };
 
 // Properties by name (without prefix), in byte order.
-class ConfDirectory {
+class ConfSchema {
  public:
     using Entry = std::pair<std::string, ConfProperty>;
     using const_iterator = std::vector<Entry>::const_iterator;
@@ -58,16 +58,16 @@ class ConfCatalogue {
     void registerGlobal(const std::string& name, ConfProperty property);
     void registerInstance(const std::string& name, ConfProperty property);
 
-    const ConfDirectory& globals() const { return globals_; }
-    const ConfDirectory& instances() const { return instances_; }
+    const ConfSchema& globals() const { return globals_; }
+    const ConfSchema& instances() const { return instances_; }
 
     // Null when there is no such property.
     const ConfProperty* findGlobal(std::string_view name) const;
     const ConfProperty* findInstance(std::string_view name) const;
 
  private:
-    ConfDirectory globals_;
-    ConfDirectory instances_;
+    ConfSchema globals_;
+    ConfSchema instances_;
 };
 
 // Type of a property by its bare name: with the flag the instance properties are looked at first,

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,7 @@
 #include "xpl/XcatchAll.h"
 #include "xpl/Xerr.h"
 #include "xpl/XmutexNamed.h"
+#include "xpl/XsharedMutex.h"
 #include "xpl/XtemporaryFile.h"
 
 namespace {
@@ -47,7 +49,7 @@ XErr refuse(const ConfRefusedEntry& entry) {
     return entry.err;
 }
 
-void applyPending(ConfStore& store) XTS_REQUIRES(store.lock) {
+void applyPending(ConfStore& store) XTS_REQUIRES(store.lock, store.viewLock) {
     store.view.mergeChanges();
     for (const std::string& key : store.deprecated) {
         store.view.value(confFindKey(store.catalogue, key)).erase();
@@ -62,13 +64,30 @@ XErr createTemporary(ConfFiles& files, XtemporaryFile& temporary,
     return err;
 }
 
+// The moment of the commit: the file's values, the pending changes over them, and the new text of
+// the file, without a step between them. A read sees what was there before or all of it; a set
+// comes before it or stays pending.
+XErr merge(ConfStore& store, std::string& text, std::optional<ConfRefusedEntry>& refused)
+    XTS_REQUIRES(store.lock) {
+    std::optional<ConfBadLine> bad;
+    {
+        const std::lock_guard<XsharedMutex> changing(store.viewLock);
+        bad = confApplyFile(store, text);
+        if (!bad) {
+            applyPending(store);
+            refused = confWriteView(store.view, text);
+        }
+    }
+    return confReport(bad);
+}
+
 // The steps that end with the temporary file deleted when one fails.
 XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<ConfOutput> output,
                  const std::string& path) XTS_REQUIRES(store.lock) {
     std::string text;  // of the file, then of the one that takes its place
-    if (const XErr err = confLoad(store, text); err != XERR_SUCCESS) return err;
-    applyPending(store);
-    const auto refused = confWriteView(store.view, text);
+    std::optional<ConfRefusedEntry> refused;
+    if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
+    if (const XErr err = merge(store, text, refused); err != XERR_SUCCESS) return err;
     // The lines before one that must not be written come first.
     if (const XErr err = flush(*output, text); err != XERR_SUCCESS) return err;
     if (refused) return refuse(*refused);
@@ -80,27 +99,8 @@ XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<Co
     return err;
 }
 
-}  // namespace
-
-XErr confCommit(ConfStore& store) {
-    std::string path;
-    bool nothing = false;
-    {
-        const std::lock_guard<std::mutex> guard(store.lock);
-        nothing = !store.view.hasChanges();
-        path = store.path;
-    }
-    if (nothing) {
-        XLOG_D(kLog, "No changes in conf file, so nothing to commit.");
-        return XERR_SUCCESS;
-    }
-    return confCommitToFile(store, path);
-}
-
-XErr confCommitToFile(ConfStore& store, const std::string& path) {
-    XLOG_I(kLog, "confCommitToFile args: %s", path.c_str());
-    const std::lock_guard<std::mutex> guard(store.lock);
-    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
+XErr commitTo(ConfStore& store, const std::string& path) XTS_REQUIRES(store.lock) {
+    const XnamedGuard otherProcesses(store.fileLock, kLog, "confCommitToFile");
     // One that is left takes no harm: the next commit takes its place.
     XtemporaryFile temporary(store.files, path + "-temp", kLog, "confCommitToFile");
     std::unique_ptr<ConfOutput> output;
@@ -110,4 +110,26 @@ XErr confCommitToFile(ConfStore& store, const std::string& path) {
         return err;
     }
     return fillAndMove(store, temporary, std::move(output), path);
+}
+
+void logCommit(const std::string& path) { XLOG_I(kLog, "confCommitToFile args: %s", path.c_str()); }
+
+}  // namespace
+
+// Looks for changes when it has its turn, or two commits at the same time would write twice, or one
+// would report success while the other writes.
+XErr confCommit(ConfStore& store) {
+    const std::lock_guard<std::mutex> guard(store.lock);
+    if (!confHasPendingChanges(store)) {
+        XLOG_D(kLog, "No changes in conf file, so nothing to commit.");
+        return XERR_SUCCESS;
+    }
+    logCommit(store.path);
+    return commitTo(store, store.path);
+}
+
+XErr confCommitToFile(ConfStore& store, const std::string& path) {
+    logCommit(path);
+    const std::lock_guard<std::mutex> guard(store.lock);
+    return commitTo(store, path);
 }

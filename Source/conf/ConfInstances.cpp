@@ -16,6 +16,7 @@
 #include "xpl/Xattributes.h"
 #include "xpl/Xbytes.h"
 #include "xpl/Xerr.h"
+#include "xpl/XsharedMutex.h"
 
 namespace {
 
@@ -105,6 +106,13 @@ void stageCopy(ConfView& view, const ConfView::Names& deprecated, const std::str
     }
 }
 
+// An instance is forgotten under the store's lock only, so that a known one stays so for the
+// caller.
+bool isKnown(ConfStore& store, const std::string& instance) XTS_REQUIRES(store.lock) {
+    const XsharedGuard reading(store.viewLock);
+    return store.view.isKnown(instance);
+}
+
 void stageRemoval(ConfView& view, const std::string& prefix) {
     for (const InstanceEntry& entry : entriesOfInstance(view, prefix)) {
         const std::string key = prefix + std::string(entry.property);
@@ -121,7 +129,7 @@ bool confIsInstanceName(std::string_view name) {
 
 XErr confCopyInstance(ConfStore& store, const std::string& source, const std::string& target) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    if (!store.view.isKnown(source)) {
+    if (!isKnown(store, source)) {
         XLOG_E(kLog, "Instance %s doesn't exist", source.c_str());
         return XERR_FAILURE;
     }
@@ -130,6 +138,7 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
         XLOG_E(kLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
         return XERR_INVAL;
     }
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
     stageCopy(store.view, store.deprecated, confInstancePrefix(source), confInstancePrefix(target));
     store.view.makeKnown(target);  // without defaults: the copied keys are all that it needs
     return XERR_SUCCESS;
@@ -137,6 +146,7 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
 
 XErr confDeleteInstance(ConfStore& store, const std::string& name) {
     const std::lock_guard<std::mutex> guard(store.lock);
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
     stageRemoval(store.view, confInstancePrefix(name));
     store.view.forgetInstance(name);
     return XERR_SUCCESS;
@@ -145,6 +155,7 @@ XErr confDeleteInstance(ConfStore& store, const std::string& name) {
 std::vector<std::string> confKeysTooLongForDump(ConfStore& store) {
     std::vector<std::string> keys;
     const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     forEachDumpEntry(store.view, confCurrentInstanceKey(store, {}),
                      [&keys](const DumpEntry& entry) {
                          if (!entry.fits()) keys.push_back(entry.storedKey());
@@ -157,6 +168,7 @@ XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t buf
     Dump entries;
     {
         const std::lock_guard<std::mutex> guard(store.lock);
+        const XsharedGuard reading(store.viewLock);
         entries = dumpOf(store.view, confCurrentInstanceKey(store, {}));
     }
     if (!entries.tooLongKey.empty()) {

@@ -25,7 +25,7 @@ struct ConfKey {
 
     // Set by confFindKey; null where the catalogue has no such property.
     const ConfProperty* declared = nullptr;
-    std::size_t index = 0;  // of the property in its directory
+    std::size_t index = 0;  // of the property in its schema
 };
 
 inline ConfKey confSplitKey(std::string_view text) {
@@ -43,17 +43,17 @@ inline ConfKey confSplitKey(std::string_view text) {
 }
 
 // The split key with its declaration. `hint`: likely index of the property, as of
-// ConfDirectory::find.
+// ConfSchema::find.
 inline ConfKey confFindKey(const ConfCatalogue& catalogue, std::string_view text,
                            std::size_t hint = 0) {
     ConfKey key = confSplitKey(text);
     if (key.scope == ConfScope::None) return key;
-    const ConfDirectory& directory =
+    const ConfSchema& schema =
         key.scope == ConfScope::Instance ? catalogue.instances() : catalogue.globals();
-    const auto found = directory.find(key.property, hint);
-    if (found == directory.end()) return key;
+    const auto found = schema.find(key.property, hint);
+    if (found == schema.end()) return key;
     key.declared = &found->second;
-    key.index = static_cast<std::size_t>(found - directory.begin());
+    key.index = static_cast<std::size_t>(found - schema.begin());
     return key;
 }
 

@@ -17,54 +17,67 @@
 #include "xpl/Xbytes.h"
 #include "xpl/Xerr.h"
 #include "xpl/XmutexNamed.h"
+#include "xpl/XsharedMutex.h"
 #include "xpl/Xunload.h"
 
 namespace {
 
-XErr refuse(const ConfBadLine& bad) {
-    XLOG_E(kLog, "%s prop not found in %s: %s", std::string(bad.key).c_str(), bad.directory,
-           std::string(bad.line).c_str());
-    return XERR_FAILURE;
-}
-
-XErr applyContent(ConfStore& store, std::string_view content) XTS_REQUIRES(store.lock) {
-    const auto bad = confReadView(store.view, store.deprecated, content);
-    if (!bad) return XERR_SUCCESS;
-    if (bad->directory != nullptr) return refuse(*bad);
-    XLOG_E(kLog, "conf file not in correct format, %s", std::string(bad->line).c_str());
-    return XERR_FAILURE;
-}
-
-void fillGlobalDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
+void fillGlobalDefaults(ConfStore& store) XTS_REQUIRES(store.lock, store.viewLock) {
     store.view.commitGlobalDefaults();
     for (const auto& [name, property] : store.catalogue.globals()) {
         if (property.deprecated) store.deprecated.insert(confGlobalKey(name));
     }
 }
 
-XErr loadUnderFileLock(ConfStore& store) XTS_REQUIRES(store.lock) {
-    const std::lock_guard<XmutexNamed> otherProcesses(store.fileLock);
-    return confLoad(store);
+void applyDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
+    fillGlobalDefaults(store);
+}
+
+// The defaults and the file's values in one step, so that a read never sees a default of a key that
+// the file has. The defaults also where the file cannot be read.
+XErr applyDefaultsAndFile(ConfStore& store) XTS_REQUIRES(store.lock) {
+    const XnamedGuard otherProcesses(store.fileLock, kLog, "confLibInit");
+    std::string text;
+    const XErr err = confReadFile(store, text);
+    std::optional<ConfBadLine> bad;
+    {
+        const std::lock_guard<XsharedMutex> changing(store.viewLock);
+        fillGlobalDefaults(store);
+        if (err == XERR_SUCCESS) bad = confApplyFile(store, text);
+    }
+    return err == XERR_SUCCESS ? confReport(bad) : err;
 }
 
 }  // namespace
 
-XErr confLoad(ConfStore& store) {
-    std::string text;
-    return confLoad(store, text);
-}
-
-XErr confLoad(ConfStore& store, std::string& text) {
+XErr confReadFile(ConfStore& store, std::string& text) {
     if (store.path.empty()) return XERR_SUCCESS;
     switch (store.files.read(store.path, text)) {
         case ConfFileRead::Done:
-            return applyContent(store, text);
+            return XERR_SUCCESS;
         case ConfFileRead::OpenFailed:
             XLOG_E(kLog, "open failed for %s", store.path.c_str());
             break;
         case ConfFileRead::ReadFailed:
             XLOG_E(kLog, "read failed for %s", store.path.c_str());
             break;
+    }
+    return XERR_FAILURE;
+}
+
+std::optional<ConfBadLine> confApplyFile(ConfStore& store, std::string_view text) {
+    if (store.path.empty()) return std::nullopt;
+    return confReadView(store.view, store.deprecated, text);
+}
+
+XErr confReport(const std::optional<ConfBadLine>& bad) {
+    if (!bad) return XERR_SUCCESS;
+    if (bad->directory == nullptr) {
+        XLOG_E(kLog, "conf file not in correct format, %s", std::string(bad->line).c_str());
+    } else {
+        XLOG_E(kLog, "%s prop not found in %s: %s", std::string(bad->key).c_str(), bad->directory,
+               std::string(bad->line).c_str());
     }
     return XERR_FAILURE;
 }
@@ -78,21 +91,28 @@ ConfStore& confStore() {
 XErr confLibInit(ConfStore& store, const std::string& path, bool allowDeprecated) {
     const std::lock_guard<std::mutex> guard(store.lock);
     store.allowDeprecated = allowDeprecated;
-    fillGlobalDefaults(store);
     store.path = path;
-    if (const XErr err = store.fileLock.init(store.fileLockName); err != XERR_SUCCESS) {
-        return err;
-    }
-    return loadUnderFileLock(store);
+    const XErr err = store.fileLock.init(store.fileLockName);
+    if (err == XERR_SUCCESS) return applyDefaultsAndFile(store);
+    applyDefaults(store);
+    return err;
 }
 
 XErr confReload(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    return loadUnderFileLock(store);
+    const XnamedGuard otherProcesses(store.fileLock, kLog, "confReload");
+    std::string text;
+    if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
+    std::optional<ConfBadLine> bad;
+    {
+        const std::lock_guard<XsharedMutex> changing(store.viewLock);
+        bad = confApplyFile(store, text);
+    }
+    return confReport(bad);
 }
 
 XErr confAddInstance(ConfStore& store, const std::string& name) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
     store.view.addInstance(name);
     return XERR_SUCCESS;
 }

@@ -14,12 +14,16 @@
 #include "xpl/Xattributes.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xrcu.h"
+#include "xpl/XsharedMutex.h"
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
 // the functions of Conf.h.
 //
-// Lock order: `lock`, then `fileLock`. A commit holds both from before it opens its temporary file
-// until after the move.
+// Lock order: `lock`, then `fileLock`, then `viewLock`. Loads, commits and the operations on whole
+// instances hold `lock`, a commit both from before it opens its temporary file until after the
+// move. Reads, sets and checks take the view's lock alone, so that whoever calls them, a window's
+// thread perhaps, never waits for a disk or for another program. It is held while memory is read or
+// changed, never while a line is logged.
 struct ConfStore {
     ConfStore(const ConfCatalogue& catalogueToUse, ConfFiles& filesToUse)
         : catalogue(catalogueToUse), files(filesToUse), view(catalogueToUse) {}
@@ -31,7 +35,8 @@ struct ConfStore {
 
     // What the file holds, over the defaults, and what is not committed yet. Loading never removes
     // a key.
-    ConfView view XTS_GUARDED_BY(lock);
+    XsharedMutex viewLock;
+    ConfView view XTS_GUARDED_BY(viewLock);
 
     // Keys of deprecated properties that were seen; a commit drops them.
     ConfView::Names deprecated XTS_GUARDED_BY(lock);
@@ -42,7 +47,7 @@ struct ConfStore {
     std::string fileLockName = utlGlobalObjectName("conf");
     XmutexNamed fileLock;
 
-    // Read without the lock.
+    // Read without a lock.
     std::atomic<bool> allowDeprecated{false};
     Xrcu<std::string> currentInstance;  // name and "."
 };

@@ -139,8 +139,8 @@ bool ConfView::isKnown(std::string_view instance) const {
 
 ConfView::Names ConfView::instances() const {
     Names names;
-    for (const auto& [name, group] : instances_) {
-        if (group.isKnown) names.emplace_hint(names.end(), name);
-    }
+    forEachInstance([&names](const std::string& name, const Group& /*group*/) {
+        names.emplace_hint(names.end(), name);
+    });
     return names;
 }

@@ -43,7 +43,7 @@ class ConfView {
  public:
     using Names = std::set<std::string, std::less<>>;
 
-    // An instance: a value for each property of the directory, by its index.
+    // An instance: a value for each property of the schema, by its index.
     struct Group {
         std::vector<ConfValue> values;
         bool isKnown = false;  // whether it is in the set of instances
@@ -86,6 +86,10 @@ class ConfView {
     bool isKnown(std::string_view instance) const;
     Names instances() const;
 
+    // Calls visit(name, group) for each known instance, in order of the names.
+    template <typename Visit>
+    void forEachInstance(Visit visit) const;
+
     // Calls visit(prefix, name, value) for what is committed or changed, in byte order of the keys
     // prefix + name. The prefix is valid during the call, and empty for a key that the catalogue
     // does not declare.
@@ -113,18 +117,25 @@ class ConfView {
 };
 
 template <typename Visit>
+void ConfView::forEachInstance(Visit visit) const {
+    for (const auto& [name, group] : instances_) {
+        if (group.isKnown) visit(name, group);
+    }
+}
+
+template <typename Visit>
 void ConfView::forEach(Visit visit) const {
     auto other = others_.begin();
     const auto visitOther = [&] {
         const auto& [key, value] = *other++;
         if (!value.isEmpty()) visit(std::string_view{}, std::string_view(key), value);
     };
-    const auto visitRange = [&](std::string_view prefix, const ConfDirectory& directory,
+    const auto visitRange = [&](std::string_view prefix, const ConfSchema& schema,
                                 const std::vector<ConfValue>& values, std::size_t from,
                                 std::size_t to) {
         for (std::size_t i = from; i < to; ++i) {
             if (values[i].isEmpty()) continue;
-            const std::string_view name = directory[i].first;
+            const std::string_view name = schema[i].first;
             while (other != others_.end() && confKeyIsBefore(other->first, prefix, name)) {
                 visitOther();
             }
@@ -132,7 +143,7 @@ void ConfView::forEach(Visit visit) const {
         }
     };
     // The instances' keys stand in one block among the global ones.
-    const ConfDirectory& globals = catalogue_.globals();
+    const ConfSchema& globals = catalogue_.globals();
     const std::size_t border = globals.countBefore(CONF_INSTANCE_PREFIX.substr(CONF_PREFIX.size()));
     visitRange(CONF_PREFIX, globals, globals_, 0, border);
     for (const auto& [name, group] : instances_) {

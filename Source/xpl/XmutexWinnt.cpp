@@ -1,4 +1,5 @@
 // The named mutex, open to everyone.
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -17,6 +18,7 @@ constexpr XlogModule kLog{XlogTag::XMUTEX, "Source/xpl/XmutexWinnt"};
 
 std::int32_t XmutexNamed::init(const std::string& name) {
     close();
+    name_ = name;
     XobjectSecurity security;
     if (const auto error = xobjectSecurityInit(security)) {
         XLOG_E(kLog, "Failed to set security attributes for mutex '%s'. Error = %d", name.c_str(),
@@ -57,6 +59,12 @@ bool XmutexNamed::try_lock() {
                static_cast<unsigned>(error));
     }
     return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+}
+
+bool XmutexNamed::try_lock_for(std::chrono::milliseconds limit) {
+    const DWORD result = ::WaitForSingleObject(handle_, static_cast<DWORD>(limit.count()));
+    if (result == WAIT_FAILED) lock();  // which says so
+    return result != WAIT_TIMEOUT;
 }
 
 void XmutexNamed::unlock() {

@@ -216,7 +216,7 @@ SUBPROCESS(confFatal) {
     if (what == "restoreShort") confRestorePropDefault(store, "vt");
     if (what == "getRemoved") {
         {
-            const std::lock_guard<std::mutex> guard(store.lock);
+            const std::lock_guard<XsharedMutex> changing(store.viewLock);
             const ConfKey key = confFindKey(store.catalogue, "vtr.instance.A.dpi");
             store.view.remove(store.view.value(key));
         }

@@ -191,7 +191,7 @@ TEST_F(ConfCommitTest, ANewInstanceIsMissingFromTheSetUntilTheNextLoad) {
 TEST_F(ConfCommitTest, RemovedKeysLeaveTheFile) {
     ASSERT_EQ(init("vtr.instance.A.dpi=\"7\"\n"), 0);
     {
-        const std::lock_guard<std::mutex> guard(store.lock);
+        const std::lock_guard<XsharedMutex> changing(store.viewLock);
         for (const auto& entry : catalogue.instances()) {
             const std::string key = "vtr.instance.A." + entry.first;
             store.view.remove(store.view.value(confFindKey(catalogue, key)));

@@ -1,7 +1,6 @@
 #include "ConfFixture.h"
 
 #include <cstddef>
-#include <mutex>
 #include <string_view>
 
 XErr ConfTest::init(std::string_view content) {
@@ -12,14 +11,14 @@ XErr ConfTest::init(std::string_view content) {
 XErr ConfTest::initWithoutFile() { return confLibInit(store, "", /*allowDeprecated=*/false); }
 
 std::optional<std::string> ConfTest::committed(const std::string& key) {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     const ConfValue* value = store.view.find(confFindKey(catalogue, key));
     if (value == nullptr || !value->isCommitted) return std::nullopt;
     return value->committed;
 }
 
 std::size_t ConfTest::committedCount() {
-    const std::lock_guard<std::mutex> guard(store.lock);
+    const XsharedGuard reading(store.viewLock);
     std::size_t count = 0;
     store.view.forEach([&count](std::string_view, std::string_view, const ConfValue& value) {
         if (value.isCommitted) ++count;

@@ -28,7 +28,7 @@ class ConfInstancesTest : public ConfTest {
  protected:
     template <typename IsWanted>
     std::vector<std::string> keysWhere(IsWanted isWanted) {
-        const std::lock_guard<std::mutex> guard(store.lock);
+        const XsharedGuard reading(store.viewLock);
         std::vector<std::string> keys;
         store.view.forEach(
             [&](std::string_view prefix, std::string_view name, const ConfValue& value) {
@@ -186,7 +186,7 @@ TEST_F(ConfInstancesTest, DeprecatedKeysAreNotCopied) {
 TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
     ASSERT_EQ(init(kTwoInstances), 0);
     {
-        const std::lock_guard<std::mutex> guard(store.lock);
+        const std::lock_guard<XsharedMutex> changing(store.viewLock);
         store.view.value(confFindKey(catalogue, "vtr.instance.A.ram")).erase();
     }
     confSetI32(store, "vtr.instance.B.dpi", 999);

@@ -330,8 +330,9 @@ TEST_F(ConfLoadTest, TheLoadItselfRemembersADeprecatedGlobalKey) {
     ConfStore other(old, confDiskFiles());
     folder.write("vantrel.conf", "vtr.old=\"1\"\n");
     const std::lock_guard<std::mutex> guard(other.lock);
+    const std::lock_guard<XsharedMutex> changing(other.viewLock);
     other.path = path();
-    ASSERT_EQ(confLoad(other), 0);
+    ASSERT_EQ(confReport(confApplyFile(other, folder.read("vantrel.conf"))), 0);
     EXPECT_EQ(other.deprecated, names({"vtr.old"}));
 }
 

@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -153,4 +155,86 @@ TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
     EXPECT_NE(result.out.find("XmutexNamed::unlock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
               std::string::npos)
         << result.out;
+}
+
+namespace {
+
+constexpr XlogModule kModule{XlogTag::CONF, "Tests"};
+
+// With the milliseconds as "N".
+Lines withoutTimes(Lines lines) {
+    static const std::regex time(" [0-9]+ ms$");
+    for (std::string& line : lines) line = std::regex_replace(line, time, " N ms");
+    return lines;
+}
+
+int millisecondsOf(const std::string& line) {
+    const std::size_t end = line.rfind(" ms");
+    return std::stoi(line.substr(line.rfind(' ', end - 1) + 1));
+}
+
+}  // namespace
+
+TEST(XnamedGuard, HoldsTheMutexAndSaysNothing) {
+    LogCapture log;
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(uniqueName("guard")), 0);
+    {
+        const XnamedGuard guard(mutex, kModule, "work");
+        std::thread([&] {
+            XmutexNamed other;
+            ASSERT_EQ(other.init(mutex.name()), 0);
+            EXPECT_FALSE(other.try_lock());
+        }).join();
+        const XnamedGuard again(mutex, kModule, "work");
+    }
+    std::thread([&] {
+        EXPECT_TRUE(mutex.try_lock());
+        mutex.unlock();
+    }).join();
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+TEST(XnamedGuard, AWaitOfMoreThanASecondIsToldWhenItIsLongAndWhenItEnds) {
+    LogCapture log;
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(uniqueName("wait")), 0);
+    mutex.lock();
+    std::thread waiting([&] { const XnamedGuard guard(mutex, kModule, "work"); });
+    while (log.texts().empty()) sleepMs(10);
+    EXPECT_EQ(withoutTimes(log.texts()),
+              Lines{"W CONF work: waiting for " + mutex.name() + " for N ms"});
+    sleepMs(200);
+    mutex.unlock();
+    waiting.join();
+    const Lines lines = log.texts(XLOG_VERBOSE);
+    EXPECT_EQ(withoutTimes(lines),
+              (Lines{"W CONF work: waiting for " + mutex.name() + " for N ms",
+                     "W CONF work: waited for " + mutex.name() + " for N ms"}));
+    EXPECT_GE(millisecondsOf(lines[0]), 1000);
+    EXPECT_GE(millisecondsOf(lines[1]), millisecondsOf(lines[0]) + 200);
+}
+
+TEST(XnamedGuard, AShortWaitIsNotTold) {
+    LogCapture log;
+    XmutexNamed mutex;
+    ASSERT_EQ(mutex.init(uniqueName("short")), 0);
+    mutex.lock();
+    std::thread waiting([&] { const XnamedGuard guard(mutex, kModule, "work"); });
+    sleepMs(100);
+    mutex.unlock();
+    waiting.join();
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+}
+
+SUBPROCESS(guardsNoMutex) {
+    XmutexNamed mutex;
+    const XnamedGuard guard(mutex, kModule, "work");
+    return 0;
+}
+
+TEST(XnamedGuard, AWaitThatFailsIsFatal) {
+    const ChildResult result = runSubprocess("guardsNoMutex");
+    EXPECT_EQ(result.status, kFatalStatus);
+    EXPECT_EQ(result.out.find("waiting for"), std::string::npos) << result.out;
 }

@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 #include <mutex>
 #include <string>
@@ -133,12 +135,22 @@ bool take(Named& named, Lock lock) {
     return true;
 }
 
+timespec timeIn(std::chrono::milliseconds limit) {
+    timespec time{};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    const auto nanoseconds = time.tv_nsec + std::chrono::nanoseconds(limit).count();
+    time.tv_sec += static_cast<time_t>(nanoseconds / 1'000'000'000);
+    time.tv_nsec = static_cast<long>(nanoseconds % 1'000'000'000);
+    return time;
+}
+
 bool isMine(const Named& named) { return named.owner == thisThread(); }
 
 }  // namespace
 
 std::int32_t XmutexNamed::init(const std::string& name) {
     close();
+    name_ = name;
     std::wstring ignored;
     int error = 0;
     if (xtextToWide(name, ignored) != XERR_SUCCESS) {
@@ -182,6 +194,17 @@ bool XmutexNamed::try_lock() {
         return true;
     }
     return take(*named, ::pthread_mutex_trylock);
+}
+
+bool XmutexNamed::try_lock_for(std::chrono::milliseconds limit) {
+    auto* const named = static_cast<Named*>(handle_);
+    if (named == nullptr || isMine(*named)) {
+        lock();
+        return true;
+    }
+    const timespec end = timeIn(limit);
+    return take(*named,
+                [&end](pthread_mutex_t* mutex) { return ::pthread_mutex_timedlock(mutex, &end); });
 }
 
 void XmutexNamed::unlock() {

@@ -1,0 +1,31 @@
+#ifndef TESTS_HOOKEDFILES_H
+#define TESTS_HOOKEDFILES_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "conf/ConfFiles.h"
+
+// The disk, with a call of the test's before each operation: it may wait, or make the operation
+// fail.
+class HookedFiles final : public ConfFiles {
+ public:
+    enum class Step { Read, Create, Write, Replace, Remove };
+
+    // The operation is the disk's when this gives XERR_SUCCESS.
+    using Before = std::function<XErr(Step)>;
+
+    explicit HookedFiles(Before before) : before_(std::move(before)) {}
+
+    ConfFileRead read(const std::string& path, std::string& content) override;
+    XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override;
+    XErr replace(const std::string& source, const std::string& destination) override;
+    void remove(const std::string& path) override;
+
+ private:
+    const Before before_;
+};
+
+#endif

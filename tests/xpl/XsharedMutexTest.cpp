@@ -1,0 +1,139 @@
+#include "xpl/XsharedMutex.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// A thread's own call, so that it has a place of its own among the readers.
+template <typename Call>
+auto inThread(Call call) {
+    return std::async(std::launch::async, call);
+}
+
+template <typename Result>
+bool isReadyWithin(std::future<Result>& future, std::chrono::milliseconds limit) {
+    return future.wait_for(limit) == std::future_status::ready;
+}
+
+constexpr std::chrono::seconds kLong{20};
+constexpr std::chrono::milliseconds kShort{30};
+
+}  // namespace
+
+TEST(XsharedMutexTest, AnyNumberOfThreadsReadAtTheSameTime) {
+    XsharedMutex mutex;
+    constexpr int kReaders = 12;  // some share a lock
+    std::atomic<int> inside{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < kReaders; ++i) {
+        readers.emplace_back([&] {
+            const XsharedGuard reading(mutex);
+            ++inside;
+            while (inside < kReaders) std::this_thread::yield();
+        });
+    }
+    for (std::thread& reader : readers) reader.join();
+    EXPECT_EQ(inside, kReaders);
+}
+
+TEST(XsharedMutexTest, AWriterWaitsForEveryReader) {
+    XsharedMutex mutex;
+    for (int reader = 0; reader < 8; ++reader) {
+        std::promise<void> begun;
+        std::promise<void> end;
+        auto reading = inThread([&] {
+            const XsharedGuard guard(mutex);
+            begun.set_value();
+            end.get_future().wait();
+        });
+        begun.get_future().wait();
+        auto writing = inThread([&] { const std::lock_guard<XsharedMutex> guard(mutex); });
+        EXPECT_FALSE(isReadyWithin(writing, kShort)) << reader;
+        end.set_value();
+        EXPECT_TRUE(isReadyWithin(writing, kLong)) << reader;
+    }
+}
+
+TEST(XsharedMutexTest, ReadersAndWritersWaitForAWriter) {
+    XsharedMutex mutex;
+    std::vector<std::future<void>> waiting;
+    {
+        const std::lock_guard<XsharedMutex> guard(mutex);
+        for (int i = 0; i < 8; ++i) {
+            waiting.push_back(inThread([&] { const XsharedGuard reading(mutex); }));
+        }
+        waiting.push_back(inThread([&] { const std::lock_guard<XsharedMutex> other(mutex); }));
+        for (auto& other : waiting) EXPECT_FALSE(isReadyWithin(other, kShort));
+    }
+    for (auto& other : waiting) EXPECT_TRUE(isReadyWithin(other, kLong));
+}
+
+TEST(XsharedMutexTest, AReaderNeverSeesHalfOfAChange) {
+    XsharedMutex mutex;
+    int first = 0;
+    int second = 0;
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < 2; ++writer) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5000; ++i) {
+                const std::lock_guard<XsharedMutex> guard(mutex);
+                ++first;
+                ++second;
+            }
+        });
+    }
+    std::atomic<int> torn{0};
+    for (int reader = 0; reader < 2; ++reader) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5000; ++i) {
+                const XsharedGuard guard(mutex);
+                if (first != second) ++torn;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(torn, 0);
+    EXPECT_EQ(first, 10000);
+}
+
+// Readers that overlap all the time leave no moment without one.
+TEST(XsharedMutexTest, AWriterGetsItsTurnAmongReadersThatNeverStop) {
+    XsharedMutex mutex;
+    std::atomic<bool> done{false};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 4; ++i) {
+        readers.emplace_back([&] {
+            while (!done) const XsharedGuard guard(mutex);
+        });
+    }
+    auto writing = inThread([&] {
+        for (int i = 0; i < 100; ++i) const std::lock_guard<XsharedMutex> guard(mutex);
+    });
+    EXPECT_TRUE(isReadyWithin(writing, kLong));
+    done = true;
+    for (std::thread& reader : readers) reader.join();
+}
+
+TEST(XsharedMutexTest, AReaderGetsItsTurnAmongWritersThatNeverStop) {
+    XsharedMutex mutex;
+    std::atomic<bool> done{false};
+    std::vector<std::thread> writers;
+    for (int i = 0; i < 3; ++i) {
+        writers.emplace_back([&] {
+            while (!done) const std::lock_guard<XsharedMutex> guard(mutex);
+        });
+    }
+    auto reading = inThread([&] {
+        for (int i = 0; i < 100; ++i) const XsharedGuard guard(mutex);
+    });
+    EXPECT_TRUE(isReadyWithin(reading, kLong));
+    done = true;
+    for (std::thread& writer : writers) writer.join();
+}
