@@ -32,10 +32,13 @@
  * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
  *     Their text arguments are never null, and valid during the call only. Inside one, every
  *     function works except bridgeApiFini(). An exception must not leave a callback.
- * 10. Waiting. The initialisation, a commit, a listing of apps and the two events that load the
- *     configuration again wait, without limit, for programs that have the same file's lock. A
- *     request to a program (bridgePlrShutdown(), bridgeShutdown()) takes up to a minute, for each
- *     program, when that one is hung.
+ * 10. Waiting. Reads and writes of the configuration and the listing of instances never wait for a
+ *     disk, another program, the log or a callback, whatever other threads do meanwhile: a thread
+ *     that draws a window may call them. The initialisation, a commit, a listing of apps and the
+ *     two events that load the configuration again wait, without limit, for programs that have
+ *     the same file's lock; after a second a warning in the log says so. A request to a program
+ *     (bridgePlrShutdown(), bridgeShutdown()) takes up to a minute, for each program, when that
+ *     one is hung.
  * 11. No C++ exception leaves a function; one that reaches the boundary is logged and becomes
  *     BRIDGE_FAILURE, 0, false or null.
  */

@@ -1,7 +1,9 @@
 #include <chrono>
+#include <regex>
 #include <string>
 
 #include "PlainHost.h"
+#include "support/Platform.h"
 
 namespace {
 
@@ -10,6 +12,13 @@ using ConfigurationTest = PlainHostTest;
 // A log without the three lines of the initialisation.
 Lines afterStart(Lines lines) {
     lines.erase(lines.begin(), lines.begin() + 3);
+    return lines;
+}
+
+// With the milliseconds as "N".
+Lines withoutTimes(Lines lines) {
+    static const std::regex time(" [0-9]+ ms$");
+    for (std::string& line : lines) line = std::regex_replace(line, time, " N ms");
     return lines;
 }
 
@@ -204,4 +213,46 @@ TEST_F(ConfigurationTest, ChildrenThatTheHostStartsNeverBlockACommit) {
     EXPECT_EQ(result.status, 0u) << result.err;
     EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "meanwhile 0", "afterwards 0"}));
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"}));
+}
+
+// Another program has the file's lock: the commit waits for it, and nothing else does.
+TEST_F(ConfigurationTest, ReadsSetsAndTheListingGoOnWhileACommitWaitsForAnotherProgram) {
+    writeConf("vtr.instance.Nougat64.dpi=\"240\"\n");
+    const Script script{"init",
+                        "Helper",
+                        "takelock",
+                        "seti32",
+                        "vtr.instance.Nougat64.dpi",
+                        "320",
+                        "startcommit",
+                        "awaitfile",
+                        data / "told",
+                        "geti32",
+                        "vtr.instance.Nougat64.dpi",
+                        "setbool",
+                        "vtr.enable_statusbar",
+                        "0",
+                        "getbool",
+                        "vtr.enable_statusbar",
+                        "instances",
+                        "leavelock",
+                        "endcommit"};
+    ChildProcess host = start(script);
+    EXPECT_EQ(host.readLine(), "init 0");
+    const auto lines = [this] { return withoutTimes(afterStart(log())); };
+    const Lines waiting{"I CONF Helper_bridge confCommitToFile args: " + confPath(),
+                        "W CONF Helper_bridge confCommitToFile: waiting for "
+                        "Global\\vtr_conf_nvo for N ms"};
+    for (int i = 0; i < 4000 && lines() != waiting; ++i) sleepMs(5);
+    EXPECT_EQ(lines(), waiting);
+    data.write("told", "");
+    const Lines printed = linesOf(host.finish().out);
+    ASSERT_GE(printed.size(), 5u);
+    EXPECT_EQ(Lines(printed.begin(), printed.begin() + 4),
+              (Lines{"seti32 0", "geti32 320", "setbool 0", "getbool 0"}));
+    EXPECT_EQ(printed.back(), "endcommit 0");
+    Lines waited = waiting;
+    waited.push_back(
+        "W CONF Helper_bridge confCommitToFile: waited for Global\\vtr_conf_nvo for N ms");
+    EXPECT_EQ(lines(), waited);
 }

@@ -15,11 +15,15 @@ Lines linesOf(std::string_view text) {
     return lines;
 }
 
-ChildResult PlainHostTest::play(const Script& script, const ChildOptions& options) const {
+ChildProcess PlainHostTest::start(const Script& script, const ChildOptions& options) const {
     Script all{"sandbox",  "registry", "UserDefinedDir", data.path(),
                "registry", "Version",  version};
     all.insert(all.end(), script.begin(), script.end());
-    return runChild(builtProgram("plain_host.exe"), all, options);
+    return {builtProgram("plain_host.exe"), all, options};
+}
+
+ChildResult PlainHostTest::play(const Script& script, const ChildOptions& options) const {
+    return start(script, options).finish();
 }
 
 Lines PlainHostTest::output(const Script& script) const {

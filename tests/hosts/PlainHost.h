@@ -22,6 +22,9 @@ class PlainHostTest : public ::testing::Test {
     // Runs the host with a registry that names the data folder, then the script.
     ChildResult play(const Script& script, const ChildOptions& options = {}) const;
 
+    // Starts it, and leaves the rest to the test.
+    ChildProcess start(const Script& script, const ChildOptions& options = {}) const;
+
     // The lines that a script prints, up to the status 0 that is expected.
     Lines output(const Script& script) const;
 

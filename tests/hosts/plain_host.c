@@ -9,9 +9,11 @@
  *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
- *     launchapp, appstore, url, apk, uninstall, image, create, plrshutdown ARGUMENTS...
- *     shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
- *     hold KEY             reads a text, changes the key, and prints the text read before
+ *     startcommit | endcommit   commits on another thread; waits for its end and prints its answer
+ *     takelock | leavelock      the lock of the configuration's file, as another program would have
+ * it awaitfile PATH launchapp, appstore, url, apk, uninstall, image, create, plrshutdown
+ * ARGUMENTS... shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE hold KEY             reads a
+ * text, changes the key, and prints the text read before
  *
  * "(null)" stands for a null pointer. plain_events.h has the operations on events, plain_children.h
  * those with children.
@@ -80,6 +82,49 @@ static void hold(const char* key) {
     char* text = bridgeConfGetString(key);
     bridgeConfSetString(key, "changed");
     printText("hold", text);
+}
+
+static HANDLE committer;
+
+static DWORD WINAPI commitOnThread(void* unused) {
+    (void)unused;
+    return (DWORD)bridgeConfCommit();
+}
+
+static void endCommit(void) {
+    DWORD answer = 0;
+    WaitForSingleObject(committer, INFINITE);
+    GetExitCodeThread(committer, &answer);
+    CloseHandle(committer);
+    printNumber("endcommit", (int)answer);
+}
+
+static HANDLE fileLock;
+
+static void takeLock(void) {
+    fileLock = CreateMutexW(NULL, FALSE, L"Global\\vtr_conf_nvo");
+    WaitForSingleObject(fileLock, INFINITE);
+}
+
+static void awaitFile(const WCHAR* path) {
+    while (GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) Sleep(5);
+}
+
+/* Operations on the commit of another thread. */
+static int commitOperation(const char* name) {
+    if (strcmp(name, "startcommit") == 0)
+        committer = CreateThread(NULL, 0, commitOnThread, NULL, 0, NULL);
+    else if (strcmp(name, "endcommit") == 0)
+        endCommit();
+    else if (strcmp(name, "takelock") == 0)
+        takeLock();
+    else if (strcmp(name, "leavelock") == 0)
+        ReleaseMutex(fileLock);
+    else if (strcmp(name, "awaitfile") == 0)
+        awaitFile(nextWide());
+    else
+        return 0;
+    return 1;
 }
 
 static int configurationOperation(const char* name) {
@@ -207,7 +252,7 @@ int main(void) {
         else if (strcmp(name, "apps") == 0)
             printText(name, bridgeGetInstalledApps(next()));
         else if (!eventOperation(name) && !childrenOperation(name) && !programOperation(name) &&
-                 !configurationOperation(name))
+                 !commitOperation(name) && !configurationOperation(name))
             return 98;
     }
     return 0;
