@@ -24,8 +24,6 @@ namespace {
 
 using ConfCrowdTest = ConfTest;
 
-constexpr const char* kFileLock = "Global\\vtr_conf_nvo";
-
 std::string counterOf(const std::string& instance) { return "vtr.instance." + instance + ".ram"; }
 
 void setCounters(ConfStore& store, const std::string& instance, int number) {
@@ -68,6 +66,7 @@ void waitForMark(const std::string& path) {
 SUBPROCESS(commitsManyTimes) {
     LogCapture quiet;
     ConfStore& store = confStore();
+    store.fileLockName = ownLockName(arguments[0]);
     const std::string& own = arguments[1];
     if (confLibInit(store, arguments[0], false) != 0) return 1;
     const int count = std::stoi(arguments[2]);
@@ -157,7 +156,7 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
             {path(), "P" + std::to_string(p), std::to_string(commits), marks.path()}));
     }
     XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(kFileLock), 0);
+    ASSERT_EQ(mutex.init(ownLockName(path())), 0);
     std::atomic<bool> finished{false};
     Auditor auditor;
     for (int p = 0; p < kProcesses; ++p) auditor.follow("P" + std::to_string(p), 0);
@@ -237,6 +236,7 @@ SUBPROCESS(commitsUntilKilled) {
     ConfCatalogue catalogue = confProductCatalogue();
     DiskWithLeftovers files;
     ConfStore store(catalogue, files);
+    store.fileLockName = ownLockName(arguments[0]);
     if (confLibInit(store, arguments[0], false) != 0) return 1;
     for (;;) {
         if (confReload(store) != 0) return 3;
@@ -317,7 +317,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
     }
     ASSERT_EQ(confCommitToFile(store, path()), 0);
     XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(kFileLock), 0);
+    ASSERT_EQ(mutex.init(ownLockName(path())), 0);
     std::vector<Committer> committers;
     for (const std::string& name : names) committers.emplace_back(path(), name, kFirst);
     std::mt19937 random(7);

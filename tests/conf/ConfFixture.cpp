@@ -3,6 +3,11 @@
 #include <cstddef>
 #include <string_view>
 
+std::string ownLockName(const std::string& path) {
+    std::string name = path.substr(0, path.rfind('\\'));
+    return "Global\\vtr_test_" + name.substr(name.rfind('\\') + 1);
+}
+
 XErr ConfTest::init(std::string_view content) {
     folder.write("vantrel.conf", content);
     return confLibInit(store, path(), /*allowDeprecated=*/false);

@@ -17,9 +17,16 @@
 
 using Lines = std::vector<std::string>;
 
+// A name for the file lock of the configuration at `path`. The product's is the machine's, and
+// whoever waits for it for a second tells its log: tests that run at the same time would tell of
+// each other.
+std::string ownLockName(const std::string& path);
+
 // A store of the test's own over a folder of the test's own.
 class ConfTest : public ::testing::Test {
  protected:
+    ConfTest() { store.fileLockName = ownLockName(path()); }
+
     // Writes the file and initialises the store with it.
     XErr init(std::string_view content);
     XErr initWithoutFile();

@@ -264,10 +264,14 @@ TEST_F(ConfLoadTest, AddingAnInstanceOverwritesNothing) {
     EXPECT_EQ(confGetInstances(store), names({"A", "B"}));
 }
 
+TEST_F(ConfLoadTest, TheMutexOfAllProgramsHasTheProductsName) {
+    EXPECT_EQ(ConfStore(catalogue, confDiskFiles()).fileLockName, "Global\\vtr_conf_nvo");
+}
+
 TEST_F(ConfLoadTest, ALoadWaitsForTheMachineWideMutex) {
     ASSERT_EQ(init("vtr.locale=\"old\"\n"), 0);
     XmutexNamed other;
-    ASSERT_EQ(other.init("Global\\vtr_conf_nvo"), 0);
+    ASSERT_EQ(other.init(store.fileLockName), 0);
     other.lock();
     std::thread reload([this] { EXPECT_EQ(confReload(store), 0); });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));

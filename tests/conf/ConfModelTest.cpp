@@ -222,6 +222,7 @@ class ConfModelTest : public ConfTest {
             return step == HookedFiles::Step::Replace ? XERR_ACCES : XERR_FAILURE;
         });
         ConfStore shared(catalogue, files);
+        shared.fileLockName = store.fileLockName;
         EXPECT_EQ(confLibInit(shared, path(), false), 0);
         std::atomic<int> time{0};
         std::atomic<std::size_t> ready{0};

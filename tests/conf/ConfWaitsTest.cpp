@@ -63,7 +63,8 @@ const std::vector<Call>& callsThatNeverWait() {
         {"confGetI32", [](ConfStore& s) { confGetI32(s, kDpi); }},
         {"confGetBool", [](ConfStore& s) { confGetBool(s, "vtr.enable_adb_access"); }},
         {"confGetString", [](ConfStore& s) { confGetString(s, "vtr.locale"); }},
-        {"confGetMultiString", [](ConfStore& s) { confGetMultiStringList(s, "vtr.feedback_popup_ignored_apps"); }},
+        {"confGetMultiString",
+         [](ConfStore& s) { confGetMultiStringList(s, "vtr.feedback_popup_ignored_apps"); }},
         {"confSetI32", [](ConfStore& s) { confSetI32(s, kDpi, 7); }},
         {"confSetString, new instance",
          [](ConfStore& s) { confSetString(s, "vtr.instance.New.display_name", "n"); }},
@@ -113,6 +114,7 @@ class ConfWaitsTest : public ConfTest {
             return XERR_SUCCESS;
         });
         ConfStore slow(catalogue, files);
+        slow.fileLockName = store.fileLockName;
         ASSERT_EQ(confLibInit(slow, path(), false), 0);
         confSetI32(slow, "vtr.instance.A.ram", ++ram_);
         isArmed = true;
@@ -186,6 +188,7 @@ std::int32_t slowPrint(std::int32_t, std::int32_t, const char*, const char*, std
 TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForALogLineOfACommit) {
     HookedFiles files([](Step at) { return at == Step::Replace ? XERR_ACCES : XERR_SUCCESS; });
     ConfStore failing(catalogue, files);
+    failing.fileLockName = store.fileLockName;
     ASSERT_EQ(confLibInit(failing, path(), false), 0);
     confSetI32(failing, "vtr.instance.A.ram", 2);
     Stop stop;
@@ -208,6 +211,7 @@ TEST_F(ConfWaitsTest, ASetDuringACommitIsStagedWhenItReturns) {
         return XERR_SUCCESS;
     });
     ConfStore slow(catalogue, files);
+    slow.fileLockName = store.fileLockName;
     ASSERT_EQ(confLibInit(slow, path(), false), 0);
     confSetI32(slow, kDpi, 2);
     std::thread worker([&] { commit(slow); });
@@ -229,6 +233,7 @@ TEST_F(ConfWaitsTest, ASetBeforeTheMergeIsPartOfTheCommit) {
         return XERR_SUCCESS;
     });
     ConfStore slow(catalogue, files);
+    slow.fileLockName = store.fileLockName;
     ASSERT_EQ(confLibInit(slow, path(), false), 0);
     confSetI32(slow, kDpi, 2);
     std::thread worker([&] { commit(slow); });
@@ -249,6 +254,7 @@ TEST_F(ConfWaitsTest, ACommitWithoutChangesWaitsForTheOneThatRuns) {
         return XERR_SUCCESS;
     });
     ConfStore slow(catalogue, files);
+    slow.fileLockName = store.fileLockName;
     ASSERT_EQ(confLibInit(slow, path(), false), 0);
     confSetI32(slow, kDpi, 2);
     std::thread first([&] { commit(slow); });

@@ -20,8 +20,6 @@
 
 namespace {
 
-constexpr const char* kLock = "Global\\vtr_conf_nvo";
-
 std::string shortName() { return "proof_" + std::to_string(::GetCurrentProcessId()); }
 
 using SuspendCall = long(__stdcall*)(HANDLE process);
@@ -83,13 +81,15 @@ TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStoppedAndGoesOn) {
     const LogCapture log;
     folder.write("vantrel.conf", "");
     ConfStore& store = confStore();
+    const std::string lock = "Global\\" + shortName();
+    store.fileLockName = lock;
     ASSERT_EQ(confLibInit(store, folder / "vantrel.conf", false), 0);
     confSetString(store, "vtr.locale", "x");
     const std::string name = shortName() + "_go";
     const HANDLE go =
         ::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, wideForTests(name).c_str());
     ChildProcess owner =
-        startSubprocess("takesTheLockUntilTold", {kLock, name, folder / "vantrel.conf"});
+        startSubprocess("takesTheLockUntilTold", {lock, name, folder / "vantrel.conf"});
     ASSERT_EQ(owner.readLine(), "locked");
     ASSERT_GE(processCall("NtSuspendProcess")(owner.handle()), 0);
     std::atomic<bool> committed{false};
