@@ -38,9 +38,9 @@ class Instance {
     std::string_view name() const { return values_.name(number_); }
 
     // A value that could not be copied is read by its key, which says why, or has become readable.
-    std::string text(Column column) const {
-        const auto value = values_.value(number_, column);
-        return value ? std::string(*value) : confGetString(store_, keyOf(column));
+    std::string_view text(Column column) {
+        if (const auto value = values_.value(number_, column)) return *value;
+        return spare_[column] = confGetString(store_, keyOf(column));
     }
     std::int32_t number(Column column) const {
         std::int32_t number = 0;
@@ -56,14 +56,15 @@ class Instance {
     ConfStore& store_;
     const ConfInstanceValues& values_;
     const std::size_t number_;
+    std::string spare_[std::size(kColumns)];
 };
 
-void append(UtlJsonArray& array, const Instance& instance) {
+void append(UtlJsonArray& array, Instance instance) {
     const char* const image = utlGetImageTrait(utlImageNameOfInstance(instance.name())).name;
-    const std::string deviceProfile = instance.text(DEVICE_PROFILE);
-    const std::string engine = instance.text(ENGINE);
-    const std::string renderer = instance.text(RENDERER);
-    const std::string displayName = instance.text(DISPLAY_NAME);
+    const std::string_view deviceProfile = instance.text(DEVICE_PROFILE);
+    const std::string_view engine = instance.text(ENGINE);
+    const std::string_view renderer = instance.text(RENDERER);
+    const std::string_view displayName = instance.text(DISPLAY_NAME);
     const std::int32_t ram = instance.number(RAM);
     array.object();
     array.member("cpu", instance.number(CPUS));  // the one that is not shown under its name

@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
+// About what an instance takes.
+constexpr std::size_t kTextSize = 80;
+
 // The property's index; kNone where a read of it is refused.
 std::size_t indexOf(const ConfStore& store, const ConfColumn& column) {
     const ConfSchema& schema = store.catalogue.instances();
@@ -33,6 +36,8 @@ ConfInstanceValues::ConfInstanceValues(ConfStore& store, const ConfColumn* colum
     std::vector<std::size_t> indices;
     for (std::size_t i = 0; i < count; ++i) indices.push_back(indexOf(store, columns[i]));
     const XsharedGuard reading(store.viewLock);
+    cells_.reserve(store.view.instanceCount() * width_);
+    texts_.reserve(store.view.instanceCount() * kTextSize);
     store.view.forEachInstance([&](const std::string& name, const ConfView::Group& group) {
         add(&name);
         // Keys of a name with a "." are split at it, and are those of no instance.

@@ -86,6 +86,9 @@ class ConfView {
     bool isKnown(std::string_view instance) const;
     Names instances() const;
 
+    // How many instances there are, former ones among them.
+    std::size_t instanceCount() const { return instances_.size(); }
+
     // Calls visit(name, group) for each known instance, in order of the names.
     template <typename Visit>
     void forEachInstance(Visit visit) const;

@@ -12,49 +12,20 @@
 
 namespace {
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+bool isPlain(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x20 && byte < 0x80 && c != '"' && c != '\\';
 }
 
-void appendEscape(std::string& out, char c) {
+// Of a character that cannot stand for itself.
+std::string escapeOf(char c) {
     constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
     constexpr std::string_view names = "\"\\bfnrt";
     constexpr std::string_view digits = "0123456789abcdef";
     const std::size_t known = escaped.find(c);
-    if (known != std::string_view::npos) {
-        out.append(1, '\\').append(1, names[known]);
-        return;
-    }
+    if (known != std::string_view::npos) return {'\\', names[known]};
     const std::size_t code = static_cast<unsigned char>(c);
-    out.append("\\u00").append(1, digits[code >> 4]).append(1, digits[code & 15]);
-}
-
-bool needsEscape(char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; }
-
-void appendEscaped(std::string& out, std::string_view text) {
-    while (!text.empty()) {
-        const auto end = std::find_if(text.begin(), text.end(), needsEscape);
-        const auto plain = static_cast<std::size_t>(end - text.begin());
-        out.append(text.substr(0, plain));
-        if (plain == text.size()) return;
-        appendEscape(out, text[plain]);
-        text.remove_prefix(plain + 1);
-    }
-}
-
-// Appends a text in quotes.
-void appendText(std::string& out, std::string_view text) {
-    out += '"';
-    if (isAscii(text)) {
-        appendEscaped(out, text);
-    } else {
-        // Bytes that are not UTF-8 become what Qt makes of them.
-        const QByteArray bytes =
-            QString::fromUtf8(text.data(), utlJsonLength(text.size())).toUtf8();
-        appendEscaped(out, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
-    }
-    out += '"';
+    return {'\\', 'u', '0', '0', digits[code >> 4], digits[code & 15]};
 }
 
 }  // namespace
@@ -65,32 +36,65 @@ int utlJsonLength(std::size_t length) {
     return static_cast<int>(length);
 }
 
-UtlJsonArray::UtlJsonArray(std::size_t size) { out_.reserve(size); }
+UtlJsonArray::UtlJsonArray(std::size_t size) {
+    out_.resize(size);
+    put("[\n");
+}
+
+void UtlJsonArray::put(std::string_view bytes) {
+    if (bytes.size() > out_.size() - size_) out_.resize(2 * out_.size() + bytes.size());
+    bytes.copy(&out_[size_], bytes.size());
+    size_ += bytes.size();
+}
+
+// Bytes that Qt would keep, but for those that need an escape.
+void UtlJsonArray::putEscaped(std::string_view text) {
+    for (const char c : text) {
+        const bool isEscaped = static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
+        if (isEscaped) {
+            put(escapeOf(c));
+        } else {
+            put({&c, 1});
+        }
+    }
+}
+
+void UtlJsonArray::putText(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), isPlain)) return put(text);
+    // Bytes that are not UTF-8 become what Qt makes of them.
+    const QByteArray bytes = QString::fromUtf8(text.data(), utlJsonLength(text.size())).toUtf8();
+    putEscaped({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+}
 
 void UtlJsonArray::object() {
-    out_.append(hasObject_ ? "\n    },\n    {" : "    {");
+    put(hasObject_ ? "\n    },\n    {" : "    {");
     hasObject_ = true;
     hasMember_ = false;
 }
 
 void UtlJsonArray::startMember(std::string_view name) {
-    out_.append(hasMember_ ? ",\n        \"" : "\n        \"").append(name).append("\": ");
+    put(hasMember_ ? ",\n        \"" : "\n        \"");
+    put(name);
+    put("\": ");
     hasMember_ = true;
 }
 
 void UtlJsonArray::member(std::string_view name, std::string_view text) {
     startMember(name);
-    appendText(out_, text);
+    put("\"");
+    putText(text);
+    put("\"");
 }
 
 void UtlJsonArray::member(std::string_view name, std::int32_t number) {
     startMember(name);
     char digits[12];
     const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    out_.append(digits, end);
+    put({digits, static_cast<std::size_t>(end - digits)});
 }
 
 std::string UtlJsonArray::take() {
-    out_.append(hasObject_ ? "\n    }\n]\n" : "]\n");
+    put(hasObject_ ? "\n    }\n]\n" : "]\n");
+    out_.resize(size_);
     return std::move(out_);
 }

@@ -30,9 +30,13 @@ class UtlJsonArray {
     std::string take();
 
  private:
+    void put(std::string_view bytes);
+    void putText(std::string_view text);
+    void putEscaped(std::string_view text);
     void startMember(std::string_view name);
 
-    std::string out_ = "[\n";
+    std::string out_;       // longer than what is in it, so that most bytes are only copied
+    std::size_t size_ = 0;  // of what is in it
     bool hasObject_ = false;
     bool hasMember_ = false;
 };

@@ -27,7 +27,7 @@ class XslimLock {
 // Guards memory that many threads read all the time and some change for moments: readers at the same
 // time, or one writer. Not recursive, not even for readers.
 //
-// Two threads that read get nearly twice as much done as one, with one system lock for all less
+// Two threads that read get nearly twice as much done as one; with one system lock for all they get less
 // than one: each has to write to it, and memory that two cores write to travels between them. So
 // there are several, a reader takes the one of its thread, and a writer takes all of them.
 class XTS_CAPABILITY("mutex") XsharedMutex {
@@ -43,7 +43,7 @@ class XTS_CAPABILITY("mutex") XsharedMutex {
 
     // Writers wait for each other here: a lock that writers queue for lets no reader in.
     XslimLock writers_;
-    std::array<XslimLock, 4> readers_;
+    std::array<XslimLock, 2> readers_;
 };
 
 // Reads as long as it lives.
