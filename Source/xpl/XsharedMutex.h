@@ -27,9 +27,9 @@ class XslimLock {
 // Guards memory that many threads read all the time and some change for moments: readers at the same
 // time, or one writer. Not recursive, not even for readers.
 //
-// Two threads that read get nearly twice as much done as one; with one system lock for all they get less
-// than one: each has to write to it, and memory that two cores write to travels between them. So
-// there are several, a reader takes the one of its thread, and a writer takes all of them.
+// There are two of the system's locks: a reader takes the one of its thread, and a writer both. With
+// one for all, two threads that read get no more done than one, since each of them has to write to it;
+// with two they get nearly twice as much.
 class XTS_CAPABILITY("mutex") XsharedMutex {
  public:
     void lock() XTS_ACQUIRE();
@@ -41,7 +41,7 @@ class XTS_CAPABILITY("mutex") XsharedMutex {
  private:
     XslimLock& ofThisThread();
 
-    // Writers wait for each other here: a lock that writers queue for lets no reader in.
+    // Writers wait for each other here: while they queue for a lock, it lets no reader in.
     XslimLock writers_;
     std::array<XslimLock, 2> readers_;
 };
