@@ -1,11 +1,16 @@
 // From event packets to calls.
 #include "bridge/BridgeDec.h"
 
+#include <bridge/bridge.h>
+
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <tuple>
 
 #include "bridge/BridgeIpcClbk.h"
+#include "ipc/IpcEvent.h"
 #include "ipc/IpcPacket.h"
 #include "xpl/Xlog.h"
 
@@ -15,12 +20,18 @@ constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeDec"};
 
 // What holds an opcode and a length. The fields start after a whole header all the same.
 constexpr std::int32_t kMinLength = 8;
-constexpr std::int32_t kFirstOpcode = 3000;
 
 // A text inside the packet: the host reads to the NUL, the packet says where the next field starts.
 struct Text {
     const char* bytes = nullptr;
     std::uint32_t count = 0;
+    operator const char*() const { return bytes; }
+};
+
+// A byte of any value; the host gets 0 or 1.
+struct Flag {
+    std::uint8_t byte = 0;
+    operator bridge_bool() const { return byte != 0 ? 1 : 0; }
 };
 
 // Takes the fields of a packet one after another. They are valid while each lies inside the packet;
@@ -33,7 +44,7 @@ class Fields {
 
     std::int32_t number() { return take<std::int32_t>(); }
     double real() { return take<double>(); }
-    std::uint8_t byte() { return take<std::uint8_t>(); }
+    Flag flag() { return {take<std::uint8_t>()}; }
 
     // Besides its counted bytes a text needs a NUL anywhere before the packet's end.
     Text text() {
@@ -69,134 +80,82 @@ class Fields {
     bool valid_ = true;
 };
 
-// Each takes its event's fields, and nothing else happens unless all of them are valid.
+// The next field, for an invoker's parameter of this type.
+Text fieldFor(const char*, Fields& fields) { return fields.text(); }
+std::int32_t fieldFor(bridge_i32, Fields& fields) { return fields.number(); }
+double fieldFor(double, Fields& fields) { return fields.real(); }
+Flag fieldFor(bridge_bool, Fields& fields) { return fields.flag(); }
 
-bool decodeAppInstalled(Fields& fields) {
-    const Text instance = fields.text();
-    const Text package = fields.text();
-    const Text activity = fields.text();
-    const Text appLabel = fields.text();
-    const std::int32_t versionCode = fields.number();
-    const Text versionName = fields.text();
-    const Text iconFilePath = fields.text();
-    const std::uint8_t isUpdate = fields.byte();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnAppInstalled (%p(%u), %p(%u), %p(%u), %p(%u), %d, %p(%u), %p(%u), %d)\n",
-           static_cast<const void*>(instance.bytes), instance.count,
-           static_cast<const void*>(package.bytes), package.count,
-           static_cast<const void*>(activity.bytes), activity.count,
-           static_cast<const void*>(appLabel.bytes), appLabel.count, versionCode,
-           static_cast<const void*>(versionName.bytes), versionName.count,
-           static_cast<const void*>(iconFilePath.bytes), iconFilePath.count, isUpdate);
-    bridgeOnAppInstalledClbk(instance.bytes, package.bytes, activity.bytes, appLabel.bytes,
-                             versionCode, versionName.bytes, iconFilePath.bytes,
-                             isUpdate != 0 ? 1 : 0);
-    XLOG_D(kLog, "bridgeOnAppInstalled returning\n");
-    return true;
+// The fields for all parameters of an invoker. The braces keep their order.
+template <typename... Parameters>
+auto fieldsFor(void (*)(Parameters...), Fields& fields) {
+    return std::tuple{fieldFor(Parameters{}, fields)...};
 }
 
-bool decodeAppUninstalled(Fields& fields) {
-    const Text instance = fields.text();
-    const Text package = fields.text();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnAppUninstalled (%p(%u), %p(%u))\n",
-           static_cast<const void*>(instance.bytes), instance.count,
-           static_cast<const void*>(package.bytes), package.count);
-    bridgeOnAppUninstalledClbk(instance.bytes, package.bytes);
-    XLOG_D(kLog, "bridgeOnAppUninstalled returning\n");
-    return true;
+template <typename... Parameters>
+constexpr bool takesFields(void (*)(Parameters...), const IpcEvent& event) {
+    return ipcTakesFields<Parameters...>(event);
 }
 
-bool decodeApkInstallCompleted(Fields& fields) {
-    const Text instance = fields.text();
-    const std::int32_t status = fields.number();
-    const Text apkFilePath = fields.text();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnApkInstallCompleted (%p(%u), %d, %p(%u))\n",
-           static_cast<const void*>(instance.bytes), instance.count, status,
-           static_cast<const void*>(apkFilePath.bytes), apkFilePath.count);
-    bridgeOnApkInstallCompletedClbk(instance.bytes, status, apkFilePath.bytes);
-    XLOG_D(kLog, "bridgeOnApkInstallCompleted returning\n");
-    return true;
-}
+// Fields as the line of a call shows them, in memory that cannot be short.
+class Shown {
+ public:
+    template <typename... Values>
+    explicit Shown(const std::tuple<Values...>& values) {
+        std::apply([this](const auto&... value) { (this->show(value), ...); }, values);
+    }
 
-bool decodeInstanceListUpdated(Fields&) {
-    XLOG_D(kLog, "bridgeOnInstanceListUpdated ()\n");
-    bridgeOnInstanceListUpdatedClbk();
-    XLOG_D(kLog, "bridgeOnInstanceListUpdated returning\n");
-    return true;
-}
+    const char* text() const { return text_; }
 
-bool decodeInstallImageProgress(Fields& fields) {
-    const Text imageName = fields.text();
-    const std::int32_t status = fields.number();
-    const double progress = fields.real();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeInstallImageProgress (%p(%u), %d, %lf)\n",
-           static_cast<const void*>(imageName.bytes), imageName.count, status, progress);
-    bridgeInstallImageProgressClbk(imageName.bytes, status, progress);
-    XLOG_D(kLog, "bridgeInstallImageProgress returning\n");
-    return true;
-}
+ private:
+    static constexpr std::size_t kLongest = sizeof ", -" + 309 + sizeof ".000000";  // a double
 
-// The one event whose number comes before its text.
-bool decodeCreateInstanceCompleted(Fields& fields) {
-    const std::int32_t status = fields.number();
-    const Text instance = fields.text();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnCreateInstanceCompleted (%d, %p(%u))\n", status,
-           static_cast<const void*>(instance.bytes), instance.count);
-    bridgeOnCreateInstanceCompletedClbk(status, instance.bytes);
-    XLOG_D(kLog, "bridgeOnCreateInstanceCompleted returning\n");
-    return true;
-}
+    void show(const Text& text) {
+        added(std::snprintf(end(), room(), "%s%p(%u)", comma(),
+                            static_cast<const void*>(text.bytes), text.count));
+    }
+    void show(const Flag& flag) { added(std::snprintf(end(), room(), "%s%d", comma(), flag.byte)); }
+    void show(std::int32_t number) { added(std::snprintf(end(), room(), "%s%d", comma(), number)); }
+    void show(double number) { added(std::snprintf(end(), room(), "%s%lf", comma(), number)); }
 
-bool decodeInstanceConfigurationChanged(Fields& fields) {
-    const Text instance = fields.text();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnInstanceConfigurationChanged (%p(%u))\n",
-           static_cast<const void*>(instance.bytes), instance.count);
-    bridgeOnInstanceConfigurationChangedClbk(instance.bytes);
-    XLOG_D(kLog, "bridgeOnInstanceConfigurationChanged returning\n");
-    return true;
-}
+    const char* comma() const { return length_ == 0 ? "" : ", "; }
+    char* end() { return text_ + length_; }
+    std::size_t room() const { return sizeof text_ - length_; }
+    void added(int length) { length_ += static_cast<std::size_t>(length); }
 
-bool decodeAppDisplayed(Fields& fields) {
-    const Text instance = fields.text();
-    const Text package = fields.text();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnAppDisplayed (%p(%u), %p(%u))\n",
-           static_cast<const void*>(instance.bytes), instance.count,
-           static_cast<const void*>(package.bytes), package.count);
-    bridgeOnAppDisplayedClbk(instance.bytes, package.bytes);
-    XLOG_D(kLog, "bridgeOnAppDisplayed returning\n");
-    return true;
-}
+    char text_[std::size(IpcEvent{}.fields) * kLongest] = "";
+    std::size_t length_ = 0;
+};
 
-bool decodeAccountListUpdated(Fields& fields) {
-    const Text instance = fields.text();
-    const Text emailId = fields.text();
-    const std::int32_t action = fields.number();
-    if (!fields.valid()) return false;
-    XLOG_D(kLog, "bridgeOnAccountListUpdated (%p(%u), %p(%u), %d)\n",
-           static_cast<const void*>(instance.bytes), instance.count,
-           static_cast<const void*>(emailId.bytes), emailId.count, action);
-    bridgeOnAccountListUpdatedClbk(instance.bytes, emailId.bytes, action);
-    XLOG_D(kLog, "bridgeOnAccountListUpdated returning\n");
-    return true;
-}
+// For each event its decoder: it takes the fields, and nothing else happens unless all of them are
+// valid.
+#define BRIDGE_DECODER(opcode, event, callback, ...)                                         \
+    bool decode##event(Fields& fields) {                                                     \
+        static_assert(takesFields(callback##Clbk, {opcode, __VA_ARGS__}), "as in bridge.h"); \
+        const auto values = fieldsFor(callback##Clbk, fields);                               \
+        if (!fields.valid()) return false;                                                   \
+        XLOG_D(kLog, #callback " (%s)\n", Shown(values).text());                             \
+        std::apply(callback##Clbk, values);                                                  \
+        XLOG_D(kLog, #callback " returning\n");                                              \
+        return true;                                                                         \
+    }
+IPC_EVENTS(BRIDGE_DECODER)
+#undef BRIDGE_DECODER
 
 using Decoder = bool (*)(Fields& fields);
 
-constexpr Decoder kDecoders[] = {
-    decodeAppInstalled,         // 3000
-    decodeAppUninstalled,       // 3001
-    decodeApkInstallCompleted,  // 3002
-    decodeInstanceListUpdated,  // 3003
-    decodeInstallImageProgress, decodeCreateInstanceCompleted, decodeInstanceConfigurationChanged,
-    decodeAppDisplayed,
-    decodeAccountListUpdated,  // 3008
-};
+// Null for an opcode that no event has.
+Decoder decoderOf(std::int32_t opcode) {
+    switch (opcode) {
+#define BRIDGE_DECODER_CASE(number, event, ...) \
+    case number:                                \
+        return decode##event;
+        IPC_EVENTS(BRIDGE_DECODER_CASE)
+#undef BRIDGE_DECODER_CASE
+        default:
+            return nullptr;
+    }
+}
 
 }  // namespace
 
@@ -208,13 +167,13 @@ bool bridgeDecode(QLocalSocket* /*socket*/, const std::uint8_t* buffer, std::int
     }
     std::int32_t opcode = 0;
     std::memcpy(&opcode, buffer + IPC_OPCODE_OFFSET, sizeof opcode);
-    const std::int64_t index = std::int64_t{opcode} - kFirstOpcode;
-    if (index < 0 || index >= static_cast<std::int64_t>(std::size(kDecoders))) {
+    const Decoder decode = decoderOf(opcode);
+    if (decode == nullptr) {
         XLOG_E(kLog, "%s: invalid opcode: %d", "bridgeDecode", opcode);
         return false;
     }
     Fields fields(buffer, static_cast<std::size_t>(length));
-    if (!kDecoders[index](fields)) {
+    if (!decode(fields)) {
         XLOG_E(kLog, "%s: malformed packet, opcode = %d, len = %d", "bridgeDecode", opcode, length);
         return false;
     }

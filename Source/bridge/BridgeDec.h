@@ -7,7 +7,7 @@ class QLocalSocket;
 
 // Decodes an event packet and calls its invoker: the event server's decode function. True for a
 // known event that was dispatched; false, after one error line, for a length below 8, an opcode
-// outside 3000 to 3008, and fields that do not lie inside the packet. Bytes after the fields are
+// that no event has, and fields that do not lie inside the packet. Bytes after the fields are
 // ignored. Uses nothing but the packet: the socket and the reply stay as they are.
 bool bridgeDecode(QLocalSocket* socket, const std::uint8_t* buffer, std::int32_t length,
                   void* reply, std::int32_t replyLength);

@@ -1,0 +1,80 @@
+#ifndef IPC_IPCEVENT_H
+#define IPC_IPCEVENT_H
+
+#include <cstddef>
+#include <cstdint>
+
+// The events that the product's programs send to front ends. Whatever decodes, sends, prints or
+// documents them is made from this table.
+
+// X(opcode, event, callback, name, field count, fields): every event, in the order of the
+// callbacks' slots. The callback is the function type of bridge.h, whose parameters are the fields.
+#define IPC_EVENTS(X)                                                                              \
+    X(3000, AppInstalled, bridgeOnAppInstalled, "app-installed", 8,                                \
+      {{"instance", IPC_TEXT},                                                                     \
+       {"package", IPC_TEXT},                                                                      \
+       {"activity", IPC_TEXT},                                                                     \
+       {"appLabel", IPC_TEXT},                                                                     \
+       {"versionCode", IPC_I32},                                                                   \
+       {"versionName", IPC_TEXT},                                                                  \
+       {"iconFilePath", IPC_TEXT},                                                                 \
+       {"isUpdate", IPC_FLAG}})                                                                    \
+    X(3001, AppUninstalled, bridgeOnAppUninstalled, "app-uninstalled", 2,                          \
+      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                             \
+    X(3002, ApkInstallCompleted, bridgeOnApkInstallCompleted, "apk-install-completed", 3,          \
+      {{"instance", IPC_TEXT}, {"status", IPC_I32}, {"apkFilePath", IPC_TEXT}})                    \
+    X(3003, InstanceListUpdated, bridgeOnInstanceListUpdated, "instance-list-updated", 0, {})      \
+    X(3004, InstallImageProgress, bridgeInstallImageProgress, "image-install-progress", 3,         \
+      {{"imageName", IPC_TEXT}, {"status", IPC_I32}, {"progress", IPC_DOUBLE}})                    \
+    X(3005, CreateInstanceCompleted, bridgeOnCreateInstanceCompleted, "create-instance-completed", \
+      2, {{"status", IPC_I32}, {"instance", IPC_TEXT}})                                            \
+    X(3006, InstanceConfigurationChanged, bridgeOnInstanceConfigurationChanged,                    \
+      "instance-configuration-changed", 1, {{"instance", IPC_TEXT}})                               \
+    X(3007, AppDisplayed, bridgeOnAppDisplayed, "app-displayed", 2,                                \
+      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                             \
+    X(3008, AccountListUpdated, bridgeOnAccountListUpdated, "account-list-updated", 3,             \
+      {{"instance", IPC_TEXT}, {"emailId", IPC_TEXT}, {"action", IPC_I32}})
+
+enum IpcEventFieldType {
+    IPC_TEXT,
+    IPC_I32,
+    IPC_DOUBLE,
+    IPC_FLAG,  // one byte, unlike the bool of requests; not 0 means true
+};
+
+struct IpcEventField {
+    const char* name;
+    IpcEventFieldType type;
+};
+
+struct IpcEvent {
+    std::uint32_t opcode;
+    const char* name;
+    std::size_t fieldCount;
+    IpcEventField fields[8];
+};
+
+// The rows of the table.
+inline constexpr IpcEvent IPC_EVENT_ROWS[] = {
+#define IPC_EVENT_ROW(opcode, event, callback, name, ...) {opcode, name, __VA_ARGS__},
+    IPC_EVENTS(IPC_EVENT_ROW)
+#undef IPC_EVENT_ROW
+};
+
+// The type of the field that a callback takes as such a parameter.
+constexpr IpcEventFieldType ipcFieldType(const char*) { return IPC_TEXT; }
+constexpr IpcEventFieldType ipcFieldType(std::int32_t) { return IPC_I32; }
+constexpr IpcEventFieldType ipcFieldType(double) { return IPC_DOUBLE; }
+constexpr IpcEventFieldType ipcFieldType(std::uint8_t) { return IPC_FLAG; }
+
+// Whether a callback with these parameters takes the event's fields.
+template <typename... Parameters>
+constexpr bool ipcTakesFields(const IpcEvent& event) {
+    std::size_t taken = 0;
+    const auto takes = [&](IpcEventFieldType type) {
+        return taken < event.fieldCount && event.fields[taken++].type == type;
+    };
+    return (takes(ipcFieldType(Parameters{})) && ...) && taken == event.fieldCount;
+}
+
+#endif
