@@ -1,17 +1,11 @@
 #include "Event.h"
 
+#include <cstddef>
 #include <cstdio>
-#include <iterator>
 
 #include "shared/JsonValue.h"
 
 namespace {
-
-constexpr const char* kNames[] = {
-#define BRIDGECTL_NAME(kind, name) name,
-    BRIDGECTL_EVENTS(BRIDGECTL_NAME)
-#undef BRIDGECTL_NAME
-};
 
 JsonValue jsonOf(const EventValue& value) {
     return std::visit([](const auto& content) { return JsonValue(content); }, value);
@@ -40,9 +34,11 @@ std::string lineOf(const JsonValue& value) { return withoutControls(value.inOneL
 
 }  // namespace
 
-const char* eventName(EventKind kind) { return kNames[static_cast<std::size_t>(kind)]; }
-
-std::vector<std::string> eventNames() { return {std::begin(kNames), std::end(kNames)}; }
+std::vector<std::string> eventNames() {
+    std::vector<std::string> names;
+    for (const IpcEvent& event : IPC_EVENT_ROWS) names.push_back(event.name);
+    return names;
+}
 
 std::string isoTime(const LocalTime& time) {
     const int offset = time.offset < 0 ? -time.offset : time.offset;
@@ -54,15 +50,18 @@ std::string isoTime(const LocalTime& time) {
 }
 
 std::string eventText(const Event& event) {
-    std::string line = isoTime(event.time) + " " + eventName(event.kind);
-    for (const auto& [name, value] : event.fields) {
-        line.append(" ").append(name).append("=").append(lineOf(jsonOf(value)));
+    std::string line = isoTime(event.time) + " " + event.kind->name;
+    for (std::size_t i = 0; i < event.values.size(); ++i) {
+        line.append(" ").append(event.kind->fields[i].name).append("=");
+        line.append(lineOf(jsonOf(event.values[i])));
     }
     return line + "\n";
 }
 
 std::string eventJson(const Event& event) {
-    JsonObject object{{"time", isoTime(event.time)}, {"event", eventName(event.kind)}};
-    for (const auto& [name, value] : event.fields) object.push_back({name, jsonOf(value)});
+    JsonObject object{{"time", isoTime(event.time)}, {"event", event.kind->name}};
+    for (std::size_t i = 0; i < event.values.size(); ++i) {
+        object.push_back({event.kind->fields[i].name, jsonOf(event.values[i])});
+    }
     return lineOf(object) + "\n";
 }

@@ -3,31 +3,13 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
 
+#include "ipc/IpcEvent.h"
+
 // Events as the program shows them.
 
-// X(kind, name): every event, in the order of the library's callbacks.
-#define BRIDGECTL_EVENTS(X)                                           \
-    X(AppInstalled, "app-installed")                                  \
-    X(AppUninstalled, "app-uninstalled")                              \
-    X(ApkInstallCompleted, "apk-install-completed")                   \
-    X(InstanceListUpdated, "instance-list-updated")                   \
-    X(ImageInstallProgress, "image-install-progress")                 \
-    X(CreateInstanceCompleted, "create-instance-completed")           \
-    X(InstanceConfigurationChanged, "instance-configuration-changed") \
-    X(AppDisplayed, "app-displayed")                                  \
-    X(AccountListUpdated, "account-list-updated")
-
-enum class EventKind {
-#define BRIDGECTL_ENUMERATOR(kind, name) kind,
-    BRIDGECTL_EVENTS(BRIDGECTL_ENUMERATOR)
-#undef BRIDGECTL_ENUMERATOR
-};
-
-const char* eventName(EventKind kind);
 std::vector<std::string> eventNames();
 
 // A moment in the local time of this machine.
@@ -51,8 +33,8 @@ using EventValue = std::variant<std::int32_t, bool, double, std::string>;
 
 struct Event {
     LocalTime time;
-    EventKind kind;
-    std::vector<std::pair<const char*, EventValue>> fields;
+    const IpcEvent* kind;
+    std::vector<EventValue> values;  // one for each field of the kind
 };
 
 // One line with its line feed: the time, the name, and name=value for each field, or a JSON object

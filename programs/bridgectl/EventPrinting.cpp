@@ -46,7 +46,7 @@ class Printer {
     bool isWanted(const Event& event) const {
         const std::vector<std::string>& filter = request_.filter;
         return filter.empty() ||
-               std::find(filter.begin(), filter.end(), eventName(event.kind)) != filter.end();
+               std::find(filter.begin(), filter.end(), event.kind->name) != filter.end();
     }
 
     Session& session_;

@@ -4,66 +4,31 @@
 
 #include <bridge/bridge.h>
 
+#include <cstddef>
+#include <iterator>
+#include <string>
 #include <utility>
 
 #include "Event.h"
+#include "ipc/IpcEvent.h"
 
 namespace {
 
-using Fields = decltype(Event::fields);
+EventValue valueOf(const char* text) { return std::string(text); }
+EventValue valueOf(bridge_i32 number) { return number; }
+EventValue valueOf(double number) { return number; }
+EventValue valueOf(bridge_bool flag) { return flag != 0; }
 
-void push(EventKind kind, Fields fields) noexcept {
-    eventQueue().push({localTimeNow(), kind, std::move(fields)});
+// The callback of the slot with this index.
+template <std::size_t SLOT, typename... Parameters>
+void BRIDGE_CALL onEvent(Parameters... values) noexcept {
+    static_assert(ipcTakesFields<Parameters...>(IPC_EVENT_ROWS[SLOT]), "as in bridge.h");
+    eventQueue().push({localTimeNow(), &IPC_EVENT_ROWS[SLOT], {valueOf(values)...}});
 }
 
-void BRIDGE_CALL onAppInstalled(const char* instance, const char* package, const char* activity,
-                                const char* appLabel, bridge_i32 versionCode,
-                                const char* versionName, const char* iconFilePath,
-                                bridge_bool isUpdate) noexcept {
-    push(EventKind::AppInstalled, {{"instance", instance},
-                                   {"package", package},
-                                   {"activity", activity},
-                                   {"appLabel", appLabel},
-                                   {"versionCode", versionCode},
-                                   {"versionName", versionName},
-                                   {"iconFilePath", iconFilePath},
-                                   {"isUpdate", isUpdate != 0}});
-}
-
-void BRIDGE_CALL onAppUninstalled(const char* instance, const char* package) noexcept {
-    push(EventKind::AppUninstalled, {{"instance", instance}, {"package", package}});
-}
-
-void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 status,
-                                       const char* apkFilePath) noexcept {
-    push(EventKind::ApkInstallCompleted,
-         {{"instance", instance}, {"status", status}, {"apkFilePath", apkFilePath}});
-}
-
-void BRIDGE_CALL onInstanceListUpdated() noexcept { push(EventKind::InstanceListUpdated, {}); }
-
-void BRIDGE_CALL onImageInstallProgress(const char* imageName, bridge_i32 status,
-                                        double progress) noexcept {
-    push(EventKind::ImageInstallProgress,
-         {{"imageName", imageName}, {"status", status}, {"progress", progress}});
-}
-
-void BRIDGE_CALL onCreateInstanceCompleted(bridge_i32 status, const char* instance) noexcept {
-    push(EventKind::CreateInstanceCompleted, {{"status", status}, {"instance", instance}});
-}
-
-void BRIDGE_CALL onInstanceConfigurationChanged(const char* instance) noexcept {
-    push(EventKind::InstanceConfigurationChanged, {{"instance", instance}});
-}
-
-void BRIDGE_CALL onAppDisplayed(const char* instance, const char* package) noexcept {
-    push(EventKind::AppDisplayed, {{"instance", instance}, {"package", package}});
-}
-
-void BRIDGE_CALL onAccountListUpdated(const char* instance, const char* emailId,
-                                      bridge_i32 action) noexcept {
-    push(EventKind::AccountListUpdated,
-         {{"instance", instance}, {"emailId", emailId}, {"action", action}});
+template <std::size_t... SLOTS>
+void registerSlots(std::index_sequence<SLOTS...>) {
+    bridgeRegisterCallbacks(onEvent<SLOTS>...);
 }
 
 }  // namespace
@@ -73,9 +38,4 @@ EventQueue& eventQueue() {
     return queue;
 }
 
-void startEvents() {
-    bridgeRegisterCallbacks(onAppInstalled, onAppUninstalled, onApkInstallCompleted,
-                            onInstanceListUpdated, onImageInstallProgress,
-                            onCreateInstanceCompleted, onInstanceConfigurationChanged,
-                            onAppDisplayed, onAccountListUpdated);
-}
+void startEvents() { registerSlots(std::make_index_sequence<std::size(IPC_EVENT_ROWS)>()); }
