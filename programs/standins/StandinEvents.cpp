@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstdlib>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -11,59 +10,28 @@
 
 namespace {
 
-using Type = StandinFieldType;
-
-constexpr StandinField kInstance{"instance", Type::Text};
-constexpr StandinField kPackage{"package", Type::Text};
-constexpr StandinField kStatus{"status", Type::I32};
-
-constexpr StandinEventKind kKinds[] = {
-    {"app-installed",
-     3000,
-     8,
-     {kInstance,
-      kPackage,
-      {"activity", Type::Text},
-      {"appLabel", Type::Text},
-      {"versionCode", Type::I32},
-      {"versionName", Type::Text},
-      {"iconFilePath", Type::Text},
-      {"isUpdate", Type::Flag}}},
-    {"app-uninstalled", 3001, 2, {kInstance, kPackage}},
-    {"apk-install-completed", 3002, 3, {kInstance, kStatus, {"apkFilePath", Type::Text}}},
-    {"instance-list-updated", 3003, 0, {}},
-    {"image-install-progress",
-     3004,
-     3,
-     {{"imageName", Type::Text}, kStatus, {"progress", Type::Double}}},
-    {"create-instance-completed", 3005, 2, {kStatus, kInstance}},
-    {"instance-configuration-changed", 3006, 1, {kInstance}},
-    {"app-displayed", 3007, 2, {kInstance, kPackage}},
-    {"account-list-updated", 3008, 3, {kInstance, {"emailId", Type::Text}, {"action", Type::I32}}},
-};
-
-const StandinEventKind* findKind(std::string_view name) {
-    for (const StandinEventKind& kind : kKinds) {
+const IpcEvent* findKind(std::string_view name) {
+    for (const IpcEvent& kind : IPC_EVENT_ROWS) {
         if (kind.name == name) return &kind;
     }
     return nullptr;
 }
 
-std::string fieldHelp(const StandinField& field) {
+std::string fieldHelp(const IpcEventField& field) {
     switch (field.type) {
-        case Type::I32:
+        case IPC_I32:
             return std::string(field.name) + ":i32";
-        case Type::Flag:
+        case IPC_FLAG:
             return std::string(field.name) + ":bool";
-        case Type::Double:
+        case IPC_DOUBLE:
             return std::string(field.name) + ":double";
-        case Type::Text:
+        case IPC_TEXT:
             break;
     }
     return field.name;
 }
 
-std::string kindHelp(const StandinEventKind& kind) {
+std::string kindHelp(const IpcEvent& kind) {
     std::string text = kind.name;
     for (std::size_t i = 0; i < kind.fieldCount; ++i) text += " " + fieldHelp(kind.fields[i]);
     return text;
@@ -91,15 +59,15 @@ std::optional<StandinValue> parseDouble(const std::string& text) {
     return number;
 }
 
-std::optional<StandinValue> parseValue(Type type, const std::string& text) {
+std::optional<StandinValue> parseValue(IpcEventFieldType type, const std::string& text) {
     switch (type) {
-        case Type::I32:
+        case IPC_I32:
             return parseI32(text);
-        case Type::Flag:
+        case IPC_FLAG:
             return parseFlag(text);
-        case Type::Double:
+        case IPC_DOUBLE:
             return parseDouble(text);
-        case Type::Text:
+        case IPC_TEXT:
             break;
     }
     return text;
@@ -133,11 +101,9 @@ JsonArray argumentsOf(const StandinEvent& event) {
 
 }  // namespace
 
-StandinEventKinds standinEventKinds() { return {kKinds, std::size(kKinds)}; }
-
 std::optional<StandinEvent> standinParseEvent(const std::vector<std::string>& words,
                                               std::string& error) {
-    const StandinEventKind* const kind = words.empty() ? nullptr : findKind(words[0]);
+    const IpcEvent* const kind = words.empty() ? nullptr : findKind(words[0]);
     if (kind == nullptr) {
         error = words.empty() ? "no event is named" : "no such event: " + words[0];
         return std::nullopt;
@@ -187,6 +153,6 @@ std::string standinDescribeEvent(const StandinEvent& event, const StandinDeliver
 
 std::string standinEventHelp() {
     std::string text;
-    for (const StandinEventKind& kind : kKinds) text += "    " + kindHelp(kind) + "\n";
+    for (const IpcEvent& kind : IPC_EVENT_ROWS) text += "    " + kindHelp(kind) + "\n";
     return text;
 }

@@ -10,44 +10,15 @@
 #include <vector>
 
 #include "StandinDecode.h"
+#include "ipc/IpcEvent.h"
 
-// Events as the product's programs send them to front ends. One table says what an event's name,
-// opcode and fields are; parsing, packets, output, help and the document follow it.
-
-enum class StandinFieldType {
-    I32,
-    Flag,  // true or false, in one byte
-    Double,
-    Text,
-};
-
-struct StandinField {
-    const char* name;
-    StandinFieldType type;
-};
-
-struct StandinEventKind {
-    const char* name;
-    std::uint32_t opcode;
-    std::size_t fieldCount;
-    StandinField fields[8];
-};
-
-struct StandinEventKinds {
-    const StandinEventKind* first;
-    std::size_t count;
-    const StandinEventKind* begin() const { return first; }
-    const StandinEventKind* end() const { return first + count; }
-};
-
-// Every kind, in the order of the opcodes.
-StandinEventKinds standinEventKinds();
+// Events as the product's programs send them to front ends, from words and in the output.
 
 // The value of a field. Texts are sent as they stand, also when they are not UTF-8.
 using StandinValue = std::variant<std::int32_t, bool, double, std::string>;
 
 struct StandinEvent {
-    const StandinEventKind* kind;
+    const IpcEvent* kind;
     std::vector<StandinValue> values;  // one for each field
 };
 
