@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <stdexcept>
@@ -57,6 +58,28 @@ std::string address(const std::string& packet, std::size_t offset) {
     char text[32];
     std::snprintf(text, sizeof text, "%p", static_cast<const void*>(packet.data() + offset));
     return text;
+}
+
+// "onAppDisplayed" is the slot of "bridgeOnAppDisplayed".
+std::string callbackOf(const KnownEvent& event) {
+    std::string name = event.slot;
+    name[0] = static_cast<char>(name[0] - 'a' + 'A');
+    return "bridge" + name;
+}
+
+// The example's fields as the line of the call shows them.
+std::string rawFields(const KnownEvent& event, const std::string& packet) {
+    std::string all;
+    std::size_t at = 12;
+    for (const KnownField& field : event.fields) {
+        const std::size_t size = field.example.size() + 1;
+        if (!all.empty()) all += ", ";
+        all += field.type == 't'   ? address(packet, at + 4) + "(" + std::to_string(size) + ")"
+               : field.type == 'd' ? std::to_string(std::stod(field.example))
+                                   : field.example;
+        at += field.type == 't' ? 4 + size : field.type == 'd' ? 8 : 4;
+    }
+    return all;
 }
 
 bool decodeInPlace(const std::string& packet) {
@@ -191,6 +214,23 @@ TEST_F(BridgeDecTest, AnAccountListReachesSlot9) {
                      "D BRIDGE bridgeOnAccountListUpdated returning\n"}));
 }
 
+// What the lines of an event are but for its special cases, which the tests above have.
+TEST_F(BridgeDecTest, EachEventReachesItsSlotBetweenTheLinesOfItsCall) {
+    for (const KnownEvent& event : knownEvents()) {
+        hostCalls.clear();
+        log.clear();
+        const std::string packet = eventPacket(event, exampleOf(event));
+        ASSERT_TRUE(decodeInPlace(packet));
+        EXPECT_EQ(hostCalls, referenceReading(packet).calls);
+        const std::string name = callbackOf(event);
+        const Lines lines = bridgeLines();
+        ASSERT_EQ(lines.size(), 3u) << name;
+        EXPECT_EQ(lines[0], "D BRIDGE " + name + " (" + rawFields(event, packet) + ")\n");
+        EXPECT_EQ(lines[1].rfind("I BRIDGE " + name + "Clbk called:", 0), 0u) << lines[1];
+        EXPECT_EQ(lines[2], "D BRIDGE " + name + " returning\n");
+    }
+}
+
 TEST_F(BridgeDecTest, SevenBytesAreNoPacket) {
     EXPECT_FALSE(decode(instanceListUpdatedPacket().substr(0, 7)));
     EXPECT_EQ(bridgeLines(), Lines{"E BRIDGE bridgeDecode: invalid bufferLen: 7"});
@@ -198,17 +238,18 @@ TEST_F(BridgeDecTest, SevenBytesAreNoPacket) {
 
 TEST_F(BridgeDecTest, TheOpcodesNextToTheEventsAreRefused) {
     EXPECT_FALSE(decode(packetOf(2999, "")));
-    EXPECT_FALSE(decode(packetOf(3009, "")));
+    EXPECT_FALSE(decode(packetOf(lastOpcode() + 1, "")));
     EXPECT_EQ(bridgeLines(), (Lines{"E BRIDGE bridgeDecode: invalid opcode: 2999",
-                                    "E BRIDGE bridgeDecode: invalid opcode: 3009"}));
+                                    "E BRIDGE bridgeDecode: invalid opcode: " +
+                                        std::to_string(lastOpcode() + 1)}));
     EXPECT_EQ(hostCalls, Lines{});
 }
 
 TEST_F(BridgeDecTest, AHostWithoutFunctionsOnlyLogs) {
     bridgeSetCallbacks({});
-    for (std::uint32_t opcode = 3000; opcode <= 3008; ++opcode) {
+    for (const KnownEvent& event : knownEvents()) {
         log.clear();
-        EXPECT_TRUE(decode(validPacket(opcode)));
+        EXPECT_TRUE(decode(validPacket(event)));
         EXPECT_EQ(bridgeLines().size(), 3u);
     }
     EXPECT_EQ(hostCalls, Lines{});
@@ -259,11 +300,13 @@ TEST_F(BridgeDecTest, TheConfigurationIsLoadedAgainBeforeTheHostIsCalled) {
 
 TEST_F(BridgeDecTest, TheOtherEventsDoNotLoadTheConfiguration) {
     folder.write("vantrel.conf", "not a configuration\n");
-    for (const std::uint32_t opcode : {3000u, 3001u, 3002u, 3004u, 3005u, 3007u, 3008u}) {
-        EXPECT_TRUE(decode(validPacket(opcode)));
+    const Lines loading{"instance-list-updated", "instance-configuration-changed"};
+    for (const KnownEvent& event : knownEvents()) {
+        if (std::count(loading.begin(), loading.end(), event.name) > 0) continue;
+        EXPECT_TRUE(decode(validPacket(event)));
     }
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
-    EXPECT_EQ(hostCalls.size(), 7u);
+    EXPECT_EQ(hostCalls.size(), knownEvents().size() - loading.size());
 }
 
 TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheConfigurationCannotBeLoaded) {
@@ -332,15 +375,18 @@ TEST_F(BridgeDecTest, LinesCarryTheirFunctionsNames) {
 TEST_F(BridgeDecTest, TheReplyStaysAsItIs) {
     const std::string before(64, 'r');
     std::string reply = before;
-    for (std::uint32_t opcode = 2999; opcode <= 3009; ++opcode) {
-        const bool isEvent = opcode >= 3000 && opcode <= 3008;
-        const std::string packet = isEvent ? validPacket(opcode) : packetOf(opcode, "", 0);
-        EXPECT_EQ(bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
-                               static_cast<std::int32_t>(packet.size()), reply.data(),
-                               static_cast<std::int32_t>(reply.size())),
-                  isEvent);
-        EXPECT_EQ(reply, before) << opcode;
+    const auto decodes = [&reply](const std::string& packet) {
+        return bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
+                            static_cast<std::int32_t>(packet.size()), reply.data(),
+                            static_cast<std::int32_t>(reply.size()));
+    };
+    for (const KnownEvent& event : knownEvents()) {
+        EXPECT_TRUE(decodes(validPacket(event)));
+        EXPECT_EQ(reply, before) << event.name;
     }
+    EXPECT_FALSE(decodes(packetOf(2999, "")));
+    EXPECT_FALSE(decodes(packetOf(lastOpcode() + 1, "")));
+    EXPECT_EQ(reply, before);
 }
 
 // Slot 3 set and slot 4 null: the call would jump to no function.

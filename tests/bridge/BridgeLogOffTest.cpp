@@ -49,16 +49,10 @@ class BridgeLogOffTest : public ::testing::Test {
 
 TEST_F(BridgeLogOffTest, EventsReachTheHost) {
     bridgeSetCallbacks(writingHost());
-    EXPECT_TRUE(decode(appInstalledPacket("N", "p", "a", "l", 5, "2", "i", 1)));
-    EXPECT_TRUE(decode(appUninstalledPacket("N", "p")));
-    EXPECT_TRUE(decode(apkInstallCompletedPacket("N", -1, "f")));
-    EXPECT_TRUE(decode(installImageProgressPacket("N", 1, 0.5)));
-    EXPECT_TRUE(decode(createInstanceCompletedPacket(0, "N")));
-    EXPECT_TRUE(decode(instanceListUpdatedPacket()));
-    EXPECT_TRUE(decode(instanceConfigurationChangedPacket("N")));
-    EXPECT_TRUE(decode(appDisplayedPacket("N", "p")));
-    EXPECT_TRUE(decode(accountListUpdatedPacket("N", "e", 1)));
-    EXPECT_EQ(hostCalls.size(), 9u);
+    for (const KnownEvent& event : knownEvents()) {
+        EXPECT_TRUE(decode(eventPacket(event, exampleOf(event)))) << event.name;
+    }
+    EXPECT_EQ(hostCalls.size(), knownEvents().size());
     bridgeSetCallbacks({});
 }
 

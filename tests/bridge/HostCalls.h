@@ -9,7 +9,7 @@
 // A host that writes down its calls: one line each, as "onAppDisplayed(Nougat64|com.example)".
 extern std::vector<std::string> hostCalls;
 
-// All nine functions of that host.
+// All functions of that host.
 BridgeCallbacks writingHost();
 
 #endif

@@ -81,17 +81,14 @@ class IpcReadCommandTest : public ::testing::Test {
     IpcConnectionInfo info;
 };
 
-// Packets of every kind of event, short and long.
+// Packets of every kind of event, and of short and long texts.
 std::vector<std::string> samplePackets() {
-    return {appInstalledPacket("N", "p", "a", "l", 5, "2", "i", 1),
-            appUninstalledPacket("N", "com.a"),
-            instanceListUpdatedPacket(),
-            instanceConfigurationChangedPacket("Nougat64_1"),
-            apkInstallCompletedPacket("Nougat64_1", -1, "C:\\\xC3\xA9.apk"),
-            installImageProgressPacket("N", 1, 0.5),
-            createInstanceCompletedPacket(0, "N"),
-            appDisplayedPacket("", ""),
-            accountListUpdatedPacket("N", std::string(5000, 'e'), 1)};
+    std::vector<std::string> packets{appDisplayedPacket("", ""),
+                                     accountListUpdatedPacket("N", std::string(5000, 'e'), 1)};
+    for (const KnownEvent& event : knownEvents()) {
+        packets.push_back(eventPacket(event, exampleOf(event)));
+    }
+    return packets;
 }
 
 }  // namespace

@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
-// Packets as the product's programs send them, laid out without the library's code.
+// Events of the table in event_table.h, and packets as the product's programs send them, laid out
+// without the library's code.
 
 std::string bytesOf(std::uint32_t number);
 std::string bytesOf(std::int32_t number);
@@ -16,6 +18,42 @@ std::string textField(std::string_view text);
 
 // A header with the true length, and the payload.
 std::string packetOf(std::uint32_t opcode, std::string_view payload, std::uint32_t replyLength = 0);
+
+// A field's type: t text, i 32-bit number, d double, b byte.
+struct KnownField {
+    char type;
+    std::string name;
+    std::string example;
+};
+
+struct KnownEvent {
+    std::uint32_t opcode;
+    std::string slot;     // "onAppDisplayed"
+    std::string printed;  // "appDisplayed"
+    std::string name;     // "app-displayed"
+    std::vector<KnownField> fields;
+};
+
+// Every event, in the order of the slots.
+const std::vector<KnownEvent>& knownEvents();
+
+// The event with this name; there must be one.
+const KnownEvent& knownEvent(std::string_view name);
+
+constexpr std::uint32_t kFirstOpcode = 3000;
+std::uint32_t lastOpcode();
+
+// The values of an event's fields, as people write them: numbers, and 0 or 1 for a byte.
+using Words = std::vector<std::string>;
+Words exampleOf(const KnownEvent& event);
+
+// The same for each field: texts of these bytes, and this number.
+Words wordsOf(const KnownEvent& event, const std::string& text, int number);
+
+std::string eventPacket(const KnownEvent& event, const Words& words);
+
+// What each host of the tests prints for an event: "appDisplayed Nougat64|com.example".
+std::string hostLine(const KnownEvent& event, const Words& words);
 
 std::string appInstalledPacket(std::string_view instance, std::string_view package,
                                std::string_view activity, std::string_view appLabel,

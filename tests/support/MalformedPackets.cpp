@@ -5,21 +5,15 @@
 
 #include "support/EventPackets.h"
 
-const std::vector<std::string> kEventFields{"ttttittb", "tt", "tit", "",   "tid",
-                                            "it",       "t",  "tt",  "tti"};
-
 namespace {
 
-constexpr std::uint32_t kFirstOpcode = 3000;
-constexpr const char* kCallNames[] = {"onAppInstalled",
-                                      "onAppUninstalled",
-                                      "onApkInstallCompleted",
-                                      "onInstanceListUpdated",
-                                      "installImageProgress",
-                                      "onCreateInstanceCompleted",
-                                      "onInstanceConfigurationChanged",
-                                      "onAppDisplayed",
-                                      "onAccountListUpdated"};
+// Null for an opcode that no event has.
+const KnownEvent* findEvent(std::uint32_t opcode) {
+    for (const KnownEvent& event : knownEvents()) {
+        if (event.opcode == opcode) return &event;
+    }
+    return nullptr;
+}
 
 std::string fieldOf(char type, std::size_t place) {
     const std::string text = "text" + std::to_string(place);
@@ -66,13 +60,13 @@ std::optional<std::string> take(const std::string& packet, char type, std::size_
     return packet.substr(start, end - start);
 }
 
-void addCounts(std::vector<std::string>& all, std::uint32_t opcode) {
-    const std::string good = validPacket(opcode);
+void addCounts(std::vector<std::string>& all, const KnownEvent& event) {
+    const std::string good = validPacket(event);
     std::size_t at = 12;
-    for (const char type : kEventFields[opcode - kFirstOpcode]) {
+    for (const KnownField& field : event.fields) {
         const std::size_t start = at;
-        take(good, type, at);
-        if (type != 't') continue;
+        take(good, field.type, at);
+        if (field.type != 't') continue;
         const auto left = static_cast<std::uint32_t>(good.size() - start - 4);
         for (const std::uint32_t count : {0u, 1u, 5u, 7u, left - 1, left, left + 1, 0x7FFFFFFFu,
                                           0x80000000u, 0xFFFFFFFBu, 0xFFFFFFFFu}) {
@@ -88,8 +82,8 @@ void addCounts(std::vector<std::string>& all, std::uint32_t opcode) {
     }
 }
 
-void addLengths(std::vector<std::string>& all, std::uint32_t opcode) {
-    const std::string good = validPacket(opcode);
+void addLengths(std::vector<std::string>& all, const KnownEvent& event) {
+    const std::string good = validPacket(event);
     for (std::size_t length = 12; length < good.size(); ++length) {
         std::string packet = good.substr(0, length);
         all.push_back(packet.replace(4, 4, bytesOf(static_cast<std::uint32_t>(length))));
@@ -100,29 +94,26 @@ void addLengths(std::vector<std::string>& all, std::uint32_t opcode) {
 
 }  // namespace
 
-std::string validPacket(std::uint32_t opcode) {
+std::string validPacket(const KnownEvent& event) {
     std::string payload;
-    for (const char type : kEventFields[opcode - kFirstOpcode]) {
-        payload += fieldOf(type, payload.size());
-    }
-    return packetOf(opcode, payload);
+    for (const KnownField& field : event.fields) payload += fieldOf(field.type, payload.size());
+    return packetOf(event.opcode, payload);
 }
 
 std::vector<std::string> malformedPackets() {
     std::vector<std::string> all;
-    for (std::uint32_t opcode = kFirstOpcode; opcode < kFirstOpcode + kEventFields.size();
-         ++opcode) {
-        addCounts(all, opcode);
-        addLengths(all, opcode);
+    for (const KnownEvent& event : knownEvents()) {
+        addCounts(all, event);
+        addLengths(all, event);
     }
-    for (const std::uint32_t opcode :
-         {0u, 1u, 2000u, 2999u, 3009u, 4000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    for (const std::uint32_t opcode : {0u, 1u, 2000u, kFirstOpcode - 1, lastOpcode() + 1, 4000u,
+                                       0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         all.push_back(packetOf(opcode, ""));
         all.push_back(packetOf(opcode, textField("text") + textField("more")));
     }
     for (std::size_t length = 0; length < 12; ++length) {
-        all.push_back(validPacket(3003).substr(0, length));
-        all.push_back(validPacket(3007).substr(0, length));
+        all.push_back(instanceListUpdatedPacket().substr(0, length));
+        all.push_back(appDisplayedPacket("text0", "text10").substr(0, length));
     }
     return all;
 }
@@ -130,14 +121,17 @@ std::vector<std::string> malformedPackets() {
 Reading referenceReading(const std::string& packet) {
     const std::string length = std::to_string(packet.size());
     if (packet.size() < 8) return {{}, "E BRIDGE bridgeDecode: invalid bufferLen: " + length};
-    const std::int32_t opcode = *numberAt<std::int32_t>(packet, 0);
-    if (opcode < 3000 || opcode > 3008) {
-        return {{}, "E BRIDGE bridgeDecode: invalid opcode: " + std::to_string(opcode)};
+    const std::uint32_t opcode = *numberAt<std::uint32_t>(packet, 0);
+    const KnownEvent* const event = findEvent(opcode);
+    if (event == nullptr) {
+        return {{},
+                "E BRIDGE bridgeDecode: invalid opcode: " +
+                    std::to_string(static_cast<std::int32_t>(opcode))};
     }
     std::vector<std::string> fields;
     std::size_t at = 12;
-    for (const char type : kEventFields[static_cast<std::size_t>(opcode - 3000)]) {
-        const auto field = take(packet, type, at);
+    for (const KnownField& known : event->fields) {
+        const auto field = take(packet, known.type, at);
         if (!field) {
             return {{},
                     "E BRIDGE bridgeDecode: malformed packet, opcode = " + std::to_string(opcode) +
@@ -145,7 +139,7 @@ Reading referenceReading(const std::string& packet) {
         }
         fields.push_back(*field);
     }
-    std::string call = std::string(kCallNames[opcode - 3000]) + "(";
+    std::string call = event->slot + "(";
     for (const std::string& field : fields) call += (&field == &fields[0] ? "" : "|") + field;
     call += ")";
     if (opcode == 3004 && fields[1] == "2") return {{"onInstanceListUpdated()", call}, ""};

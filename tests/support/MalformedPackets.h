@@ -1,17 +1,15 @@
 #ifndef TESTS_MALFORMEDPACKETS_H
 #define TESTS_MALFORMEDPACKETS_H
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "support/EventPackets.h"
+
 // Event packets made from the table of their fields, most of them malformed.
 
-// The fields of each opcode from 3000 on: t text, i 32-bit number, d double, b byte.
-extern const std::vector<std::string> kEventFields;
-
 // A valid packet of an event, its texts and numbers told apart by their place.
-std::string validPacket(std::uint32_t opcode);
+std::string validPacket(const KnownEvent& event);
 
 // Hundreds: each count of each text too small, too large and at the ends of 32 bits; texts without
 // a NUL; each truncation; bytes behind the last field; opcodes that no event has. Those shorter
