@@ -1,22 +1,29 @@
-// The worked examples of docs/protocol.md, against what the library sends.
+// The rows and worked examples of docs/protocol.md, against what the library sends and reads.
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <regex>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "ProtocolPage.h"
+#include "ipc/IpcEvent.h"
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
+#include "support/EventPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 
 namespace {
 
-// What stands in two columns of the page's rows that match.
-std::map<std::string, std::string> pageRows(const std::regex& row) {
+// Example to bytes of each request, as the page has them.
+std::map<std::string, std::string> pageExamples() {
+    static const std::regex row(
+        R"(\| \d+ \| [^|]* \| `([a-z]+[A-Za-z]*Rpc\([^`]*\))` \| `([0-9A-F ]+)` \|)");
     const std::string page = kProtocolPage;
     std::map<std::string, std::string> rows;
     for (std::sregex_iterator it(page.begin(), page.end(), row), end; it != end; ++it) {
@@ -25,17 +32,48 @@ std::map<std::string, std::string> pageRows(const std::regex& row) {
     return rows;
 }
 
-// Example to bytes, as the page has them.
-std::map<std::string, std::string> pageExamples() {
-    static const std::regex row(
-        R"(\| \d+ \| [^|]* \| `([a-z]+[A-Za-z]*Rpc\([^`]*\))` \| `([0-9A-F ]+)` \|)");
-    return pageRows(row);
+// A row of the page about an event.
+struct EventRow {
+    std::string opcode;
+    std::string fields;
+    Words example;  // the first one is the event's name
+    std::string bytes;
+};
+
+std::vector<EventRow> pageEvents() {
+    static const std::regex row(R"(\| (3\d+) \| ([^|]*) \| `([^`]*)` \| `([0-9A-F ]+)` \|)");
+    const std::string page = kProtocolPage;
+    std::vector<EventRow> rows;
+    for (std::sregex_iterator it(page.begin(), page.end(), row), end; it != end; ++it) {
+        std::istringstream words((*it)[3]);
+        rows.push_back(
+            {(*it)[1], (*it)[2], {std::istream_iterator<std::string>(words), {}}, (*it)[4]});
+    }
+    return rows;
 }
 
-// Opcode of an event to bytes.
-std::map<std::string, std::string> pageEvents() {
-    static const std::regex row(R"(\| (300\d) \| [^|]* \| [^|]* \| `([0-9A-F ]+)` \|)");
-    return pageRows(row);
+std::string typeName(IpcEventFieldType type) {
+    switch (type) {
+        case IPC_TEXT:
+            return "text";
+        case IPC_I32:
+            return "i32";
+        case IPC_DOUBLE:
+            return "double";
+        case IPC_FLAG:
+            break;
+    }
+    return "flag";
+}
+
+// The fields of an event as the page has them.
+std::string fieldList(const IpcEvent& event) {
+    std::string list;
+    for (std::size_t i = 0; i < event.fieldCount; ++i) {
+        list += list.empty() ? "" : ", ";
+        list += typeName(event.fields[i].type) + " " + event.fields[i].name;
+    }
+    return list.empty() ? "none" : list;
 }
 
 std::string hexOf(const std::string& bytes) {
@@ -109,24 +147,20 @@ TEST(ProtocolPage, EveryExampleIsWhatTheLibrarySends) {
     }
 }
 
+TEST(ProtocolPage, EveryEventHasTheFieldsThatTheLibraryReads) {
+    const std::vector<EventRow> rows = pageEvents();
+    ASSERT_EQ(rows.size(), std::size(IPC_EVENT_ROWS));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(rows[i].opcode, std::to_string(IPC_EVENT_ROWS[i].opcode));
+        EXPECT_EQ(rows[i].example.at(0), IPC_EVENT_ROWS[i].name);
+        EXPECT_EQ(rows[i].fields, fieldList(IPC_EVENT_ROWS[i]));
+    }
+}
+
 TEST(ProtocolPage, EveryEventIsLaidOutAsTheValuesAre) {
-    const auto layOut = [](std::uint32_t opcode, IpcFields fields) {
-        const IpcPacket packet = ipcLayOut(opcode, 0, fields);
-        return std::string(reinterpret_cast<const char*>(packet.bytes.get()), packet.size);
-    };
-    // The one field of one byte has no place among the fields that requests have.
-    std::string installed = layOut(3000, {"N", "p", "a", "l", 5, "1", "i"}) + '\1';
-    installed[4] = static_cast<char>(installed.size());
-    const std::map<std::string, std::string> expected = {
-        {"3000", hexOf(installed)},
-        {"3001", hexOf(layOut(3001, {"N", "p"}))},
-        {"3002", hexOf(layOut(3002, {"N", 0, "f"}))},
-        {"3003", hexOf(layOut(3003, {}))},
-        {"3004", hexOf(layOut(3004, {"N", 1, 0.5}))},
-        {"3005", hexOf(layOut(3005, {0, "N"}))},
-        {"3006", hexOf(layOut(3006, {"N"}))},
-        {"3007", hexOf(layOut(3007, {"N", "p"}))},
-        {"3008", hexOf(layOut(3008, {"N", "e", 1}))},
-    };
-    EXPECT_EQ(pageEvents(), expected);
+    for (const EventRow& row : pageEvents()) {
+        const KnownEvent& event = knownEvent(row.example.at(0));
+        const Words values(row.example.begin() + 1, row.example.end());
+        EXPECT_EQ(row.bytes, hexOf(eventPacket(event, values))) << event.name;
+    }
 }

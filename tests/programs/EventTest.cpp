@@ -15,6 +15,7 @@
 
 #include "EventQueue.h"
 #include "ipc/IpcEvent.h"
+#include "support/EventPackets.h"
 
 namespace {
 
@@ -81,6 +82,12 @@ TEST(Event, TextsCannotReachTheTerminal) {
               kTimeText +
                   " app-displayed instance=\"a\\n\\r\\t\\u001b[31m\\u007f\\u009b\xC2\xA0é\" "
                   "package=\"\\\"\\\\ \xEF\xBF\xBD\xEF\xBF\xBD\"\n");
+}
+
+TEST(Event, TheNamesAreThoseOfTheProtocol) {
+    std::vector<std::string> names;
+    for (const KnownEvent& event : knownEvents()) names.push_back(event.name);
+    EXPECT_EQ(eventNames(), names);
 }
 
 TEST(EventQueue, KeepsTheOrderOfAnotherThread) {

@@ -36,6 +36,9 @@
 
 #define KNOWN_EVENTS_COMMA ,
 
+#define KNOWN_EVENT_PLUS_ONE(opcode, type, slot, printed, name) +1
+#define KNOWN_EVENT_COUNT (0 KNOWN_EVENTS(KNOWN_EVENT_PLUS_ONE, ))
+
 /* The fields of the event with that slot, each with an example: TEXT(name, example) and so on. */
 #define FIELDS_onAppInstalled(TEXT, I32, DOUBLE, FLAG, NONE)                         \
     TEXT(instance, "Nougat64"), TEXT(package, "com.größe"), TEXT(activity, "Main"),  \
