@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "NineEvents.h"
+#include "EveryEvent.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -33,17 +33,6 @@ const Lines kInstances = {"instances [",
                           "    }",
                           "]",
                           ""};
-
-constexpr const char* kNineEvents =
-    "event app-installed Nougat64 com.größe Main \"第二 App\" -5 1.0β \"C:\\\\Ü.png\" true\n"
-    "event app-uninstalled Nougat64 com.größe\n"
-    "event apk-install-completed Nougat64 -1 \"C:\\\\Пример.apk\"\n"
-    "event instance-list-updated\n"
-    "event image-install-progress Nougat32 1 33.125\n"
-    "event create-instance-completed -2 Nougat64_1\n"
-    "event instance-configuration-changed Nougat64\n"
-    "event app-displayed Nougat64 com.größe\n"
-    "event account-list-updated Nougat64 jürgen@example.com 2\n";
 
 std::string environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -203,7 +192,7 @@ TEST_F(DotnetTest, AProgramThatIsMissingThrows) {
 }
 
 TEST_F(DotnetTest, AllNineEventsArriveWithTheirValues) {
-    EXPECT_EQ(playedWithEvents({"nine events"}, kNineEvents), nineLines());
+    EXPECT_EQ(playedWithEvents({"nine events"}, everyEventScript()), everyLine());
 }
 
 TEST_F(DotnetTest, WhatAHandlerThrowsIsReportedAndTheNextHandlerAndEventCome) {

@@ -5,17 +5,20 @@
 #include <cstdint>
 #include <string>
 
-#include "NineEvents.h"
+#include "EveryEvent.h"
 #include "support/EventPackets.h"
 #include "support/MalformedPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"
+#include "support/event_table.h"
 #include "support/growth.h"
 
 namespace {
 
-constexpr const char* kAllSlots = "511";
+// The callbacks of all slots, and how many they are.
+const std::string kAllSlots = std::to_string((1 << KNOWN_EVENT_COUNT) - 1);
+const std::string kAll = std::to_string(KNOWN_EVENT_COUNT);
 
 constexpr std::uint32_t kSumOfNothing = 2166136261u;
 
@@ -101,39 +104,33 @@ class EventsTest : public PlainHostTest {
 
 }  // namespace
 
-TEST_F(EventsTest, AllNineReachTheirCallbacksOnTheServersThread) {
-    EXPECT_EQ(linesFor(kAllSlots, nineEvents(), 9), with(nineLines(), {"waited 9", "fini 0"}));
+TEST_F(EventsTest, EachReachesItsCallbackOnTheServersThread) {
+    EXPECT_EQ(linesFor(kAllSlots, everyEvent(), KNOWN_EVENT_COUNT),
+              with(everyLine(), {"waited " + kAll, "fini 0"}));
 }
 
 TEST_F(EventsTest, EmptyTextsArriveEmpty) {
-    const std::string packets =
-        appInstalledPacket("", "", "", "", 0, "", "", 0) + appUninstalledPacket("", "") +
-        apkInstallCompletedPacket("", 0, "") + installImageProgressPacket("", 0, 0) +
-        createInstanceCompletedPacket(0, "") + instanceConfigurationChangedPacket("") +
-        appDisplayedPacket("", "") + accountListUpdatedPacket("", "", 0);
-    EXPECT_EQ(linesFor(kAllSlots, packets, 8),
-              (Lines{"appInstalled ||||0|||0", "appUninstalled |", "apkInstallCompleted |0|",
-                     "installImageProgress |0|0.000", "createInstanceCompleted 0|",
-                     "instanceConfigurationChanged ", "appDisplayed |", "accountListUpdated ||0",
-                     "waited 8", "fini 0"}));
+    std::string packets;
+    Lines lines;
+    for (const KnownEvent& event : knownEvents()) {
+        packets += eventPacket(event, wordsOf(event, "", 0));
+        lines.push_back(hostLine(event, wordsOf(event, "", 0)));
+    }
+    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT),
+              with(lines, {"waited " + kAll, "fini 0"}));
 }
 
 TEST_F(EventsTest, TextsOfAMebibyteArriveWhole) {
     std::string text(1 << 20, ' ');
     for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>('a' + i % 23);
-    const std::string t = longText(text);
-    const std::string packets =
-        appInstalledPacket(text, text, text, text, 7, text, text, 1) +
-        appUninstalledPacket(text, text) + apkInstallCompletedPacket(text, 1, text) +
-        installImageProgressPacket(text, 1, 50) + createInstanceCompletedPacket(1, text) +
-        instanceConfigurationChangedPacket(text) + appDisplayedPacket(text, text) +
-        accountListUpdatedPacket(text, text, 1);
-    EXPECT_EQ(linesFor(kAllSlots, packets, 8),
-              (Lines{"appInstalled " + t + "|" + t + "|" + t + "|" + t + "|7|" + t + "|" + t + "|1",
-                     "appUninstalled " + t + "|" + t, "apkInstallCompleted " + t + "|1|" + t,
-                     "installImageProgress " + t + "|1|50.000", "createInstanceCompleted 1|" + t,
-                     "instanceConfigurationChanged " + t, "appDisplayed " + t + "|" + t,
-                     "accountListUpdated " + t + "|" + t + "|1", "waited 8", "fini 0"}));
+    std::string packets;
+    Lines lines;
+    for (const KnownEvent& event : knownEvents()) {
+        packets += eventPacket(event, wordsOf(event, text, 1));
+        lines.push_back(hostLine(event, wordsOf(event, longText(text), 1)));
+    }
+    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT),
+              with(lines, {"waited " + kAll, "fini 0"}));
 }
 
 TEST_F(EventsTest, AFinishedImageAnnouncesTheInstanceListFirst) {
@@ -144,8 +141,10 @@ TEST_F(EventsTest, AFinishedImageAnnouncesTheInstanceListFirst) {
 
 TEST_F(EventsTest, ASlotThatIsNullIsPassedOver) {
     // Without slot 3, slot 4 does not hear either.
-    EXPECT_EQ(linesFor("256", nineEvents(), 1), (Lines{nineLines()[8], "waited 1", "fini 0"}));
-    EXPECT_EQ(linesFor("264", nineEvents(), 1), (Lines{nineLines()[8], "waited 1", "fini 0"}));
+    EXPECT_EQ(linesFor("256", everyEvent(), 1),
+              (Lines{lineOf("account-list-updated"), "waited 1", "fini 0"}));
+    EXPECT_EQ(linesFor("264", everyEvent(), 1),
+              (Lines{lineOf("account-list-updated"), "waited 1", "fini 0"}));
 }
 
 TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
@@ -234,21 +233,24 @@ TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
         data.makeFolder(folder);
     }
     ChildProcess host =
-        startHost({"reenter", kAllSlots, data / "Inside.conf", "wait", "9", "fini"});
+        startHost({"reenter", kAllSlots, data / "Inside.conf", "wait", kAll, "fini"});
     RawPipe pipe(connectToHelper());
-    ASSERT_TRUE(pipe.write(nineEvents()));
+    ASSERT_TRUE(pipe.write(everyEvent()));
     Lines expected;
-    for (const std::string& line : nineLines()) {
+    for (const std::string& line : everyLine()) {
         expected.push_back("inside: read 5, set 0, list 1, commit 0, to a file 0");
         expected.push_back("inside: launched 14, asked 0, apps 1, ended 0");
         expected.push_back(line);
     }
-    EXPECT_EQ(linesAfterInit(host), with(expected, {"waited 9", "fini 0"}));
+    EXPECT_EQ(linesAfterInit(host), with(expected, {"waited " + kAll, "fini 0"}));
+    const std::string last = std::to_string(100 + KNOWN_EVENT_COUNT - 1);
+    const std::string isEven = last.find_last_of("02468") + 1 == last.size() ? "1" : "0";
     for (const char* file : {"vantrel.conf", "Inside.conf"}) {
         const std::string text = data.read(file);
-        for (const char* line :
-             {"vtr.instance.Nougat64.dpi=\"108\"\n", "vtr.enable_statusbar=\"1\"\n",
-              "vtr.locale=\"place 108\"\n", "vtr.shared_folders=\"place 108\"\n"}) {
+        for (const std::string& line :
+             {"vtr.instance.Nougat64.dpi=\"" + last + "\"\n",
+              "vtr.enable_statusbar=\"" + isEven + "\"\n", "vtr.locale=\"place " + last + "\"\n",
+              "vtr.shared_folders=\"place " + last + "\"\n"}) {
             EXPECT_NE(text.find(line), std::string::npos) << file << ": " << line;
         }
     }

@@ -1,32 +1,51 @@
-#include "NineEvents.h"
+#include "EveryEvent.h"
 
 #include <string>
 
 #include "support/EventPackets.h"
 #include "support/RawServer.h"
 
-std::string nineEvents() {
-    return appInstalledPacket("Nougat64", "com.größe", "Main", "第二 App", -5, "1.0β", "C:\\Ü.png",
-                              1) +
-           appUninstalledPacket("Nougat64", "com.größe") +
-           apkInstallCompletedPacket("Nougat64", -1, "C:\\Пример.apk") +
-           instanceListUpdatedPacket() + installImageProgressPacket("Nougat32", 1, 33.125) +
-           createInstanceCompletedPacket(-2, "Nougat64_1") +
-           instanceConfigurationChangedPacket("Nougat64") +
-           appDisplayedPacket("Nougat64", "com.größe") +
-           accountListUpdatedPacket("Nougat64", "jürgen@example.com", 2);
+namespace {
+
+// A word of a script.
+std::string quoted(const std::string& word) {
+    std::string text = "\"";
+    for (const char c : word) {
+        if (c == '"' || c == '\\') text += '\\';
+        text += c;
+    }
+    return text + "\"";
 }
 
-Lines nineLines() {
-    return {"appInstalled Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|1",
-            "appUninstalled Nougat64|com.größe",
-            "apkInstallCompleted Nougat64|-1|C:\\Пример.apk",
-            "instanceListUpdated",
-            "installImageProgress Nougat32|1|33.125",
-            "createInstanceCompleted -2|Nougat64_1",
-            "instanceConfigurationChanged Nougat64",
-            "appDisplayed Nougat64|com.größe",
-            "accountListUpdated Nougat64|jürgen@example.com|2"};
+}  // namespace
+
+std::string everyEvent() {
+    std::string packets;
+    for (const KnownEvent& event : knownEvents()) packets += eventPacket(event, exampleOf(event));
+    return packets;
+}
+
+std::string everyEventScript() {
+    std::string script;
+    for (const KnownEvent& event : knownEvents()) {
+        script += "event " + event.name;
+        for (const std::string& word : exampleOf(event)) script += " " + quoted(word);
+        script += "\n";
+    }
+    return script;
+}
+
+Lines everyLine() {
+    Lines lines;
+    for (const KnownEvent& event : knownEvents()) {
+        lines.push_back(hostLine(event, exampleOf(event)));
+    }
+    return lines;
+}
+
+std::string lineOf(const std::string& name) {
+    const KnownEvent& event = knownEvent(name);
+    return hostLine(event, exampleOf(event));
 }
 
 void* connectToHelper() { return connectWhenFree(kHelperServer); }

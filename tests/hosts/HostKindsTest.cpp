@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <string>
 
-#include "NineEvents.h"
+#include "EveryEvent.h"
 #include "support/RawServer.h"
 
 namespace {
@@ -11,25 +11,25 @@ class HostKindsTest : public PlainHostTest {
  protected:
     HostKindsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
 
-    // What a host prints that gets the nine events.
+    // What a host prints that gets every event.
     Lines linesOfHost(const std::string& program, const std::string& scene) const {
         ChildProcess host(builtProgram(program), {data.path(), scene});
         RawPipe pipe(connectToHelper());
-        EXPECT_TRUE(pipe.write(nineEvents()));
+        EXPECT_TRUE(pipe.write(everyEvent()));
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, 0u) << result.out << result.err;
         return linesOf(result.out);
     }
 
     static Lines framed(const Lines& before, const Lines& after) {
-        return with(with(with({"init 0"}, before), nineLines()), after);
+        return with(with(with({"init 0"}, before), everyLine()), after);
     }
 };
 
 }  // namespace
 
 TEST_F(HostKindsTest, ThroughTheCppWrapper) {
-    EXPECT_EQ(linesOfHost("cpp_host.exe", "nine"), framed({}, {"finished"}));
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "all"), framed({}, {"finished"}));
 }
 
 TEST_F(HostKindsTest, AnExceptionStaysInTheWrapper) {
@@ -39,13 +39,15 @@ TEST_F(HostKindsTest, AnExceptionStaysInTheWrapper) {
 }
 
 TEST_F(HostKindsTest, AnExceptionOfABareCallbackIsLoggedAndTheNextEventComes) {
-    EXPECT_EQ(linesOfHost("cpp_host.exe", "raw"), (Lines{"init 0", nineLines()[8], "finished"}));
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "raw"),
+              (Lines{"init 0", lineOf("account-list-updated"), "finished"}));
     EXPECT_EQ(log().at(log().size() - 2),
               "E IPC Helper_bridge ipcReadCommand: exception: through the library");
 }
 
 TEST_F(HostKindsTest, EmptyFunctionsOfTheWrapperArePassedOver) {
-    EXPECT_EQ(linesOfHost("cpp_host.exe", "empty"), (Lines{"init 0", nineLines()[8], "finished"}));
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "empty"),
+              (Lines{"init 0", lineOf("account-list-updated"), "finished"}));
 }
 
 TEST_F(HostKindsTest, TheWrappersOtherFunctions) {

@@ -1,7 +1,7 @@
 // Hosts that unload the library after an exception inside it, and go on.
 #include <string>
 
-#include "NineEvents.h"
+#include "EveryEvent.h"
 #include "support/EventPackets.h"
 #include "support/RawServer.h"
 

@@ -1,6 +1,6 @@
 // A host over the C++ wrapper: cpp_host DATA-FOLDER SCENE
 //
-//     nine     prints nine events
+//     all      prints every event
 //     throws   a function that throws, and then one that does not
 //     raw      the same with a bare function of the C interface
 //     empty    no function set but the last
@@ -12,15 +12,18 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "event_printer.hpp"
+#include "support/NoCallbacks.h"
 #include "support/RegistrySandbox.h"
+#include "support/event_table.h"
 
 namespace {
 
-void playNine(EventPrinter& printer) {
+void playAll(EventPrinter& printer) {
     bridge::registerCallbacks(printer.callbacks());
-    printer.waitFor(9);
+    printer.waitFor(KNOWN_EVENT_COUNT);
 }
 
 void playThrows(EventPrinter& printer) {
@@ -36,18 +39,20 @@ void playThrows(EventPrinter& printer) {
         }
     };
     bridge::registerCallbacks(callbacks);
-    printer.waitFor(8);
+    printer.waitFor(KNOWN_EVENT_COUNT - 1);
 }
 
 void playRaw(EventPrinter& printer) {
     static EventPrinter* const out = &printer;
     static bridge::Callbacks& callbacks = *new bridge::Callbacks(out->callbacks());
-    bridgeRegisterCallbacks(
-        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-        [](const char*, const char*) { throw std::runtime_error("through the library"); },
-        [](const char* instance, const char* emailId, bridge_i32 action) {
-            callbacks.accountListUpdated(instance, emailId, action);
-        });
+    auto slots = noCallbacks(bridgeRegisterCallbacks);
+    std::get<7>(slots) = [](const char*, const char*) {
+        throw std::runtime_error("through the library");
+    };
+    std::get<8>(slots) = [](const char* instance, const char* emailId, bridge_i32 action) {
+        callbacks.accountListUpdated(instance, emailId, action);
+    };
+    std::apply(bridgeRegisterCallbacks, slots);
     printer.waitFor(1);
 }
 
@@ -93,7 +98,7 @@ void playFiles(const std::string& folder) {
 
 void play(const std::string& scene, const std::string& folder) {
     EventPrinter& printer = *new EventPrinter;
-    if (scene == "nine") playNine(printer);
+    if (scene == "all") playAll(printer);
     if (scene == "throws") playThrows(printer);
     if (scene == "raw") playRaw(printer);
     if (scene == "empty") playEmpty(printer);

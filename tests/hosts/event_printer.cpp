@@ -3,24 +3,37 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <initializer_list>
 #include <string_view>
+
+#include "support/event_table.h"
 
 namespace {
 
-std::string joined(std::initializer_list<std::string_view> parts) {
-    std::string text;
-    for (const std::string_view part : parts) {
-        if (!text.empty()) text += '|';
-        text += part;
-    }
-    return text;
-}
+std::string shown(std::string_view text) { return std::string(text); }
+std::string shown(std::int32_t number) { return std::to_string(number); }
+std::string shown(bool flag) { return flag ? "1" : "0"; }
 
 std::string shown(double number) {
     char text[64];
     std::snprintf(text, sizeof text, "%.3f", number);
     return text;
+}
+
+template <typename... Values>
+std::string line(const char* name, const Values&... values) {
+    std::string text = name;
+    char before = ' ';
+    const auto add = [&](const std::string& value) {
+        text.append(1, before).append(value);
+        before = '|';
+    };
+    (add(shown(values)), ...);
+    return text;
+}
+
+std::string line(const char* name, const bridge::AppInstalled& app) {
+    return line(name, app.instance, app.package, app.activity, app.appLabel, app.versionCode,
+                app.versionName, app.iconFilePath, app.isUpdate);
 }
 
 }  // namespace
@@ -43,36 +56,9 @@ bool EventPrinter::waitFor(int count) {
 
 bridge::Callbacks EventPrinter::callbacks() {
     bridge::Callbacks all;
-    all.appInstalled = [this](const bridge::AppInstalled& app) {
-        print("appInstalled " + joined({app.instance, app.package, app.activity, app.appLabel,
-                                        std::to_string(app.versionCode), app.versionName,
-                                        app.iconFilePath, app.isUpdate ? "1" : "0"}));
-    };
-    all.appUninstalled = [this](std::string_view instance, std::string_view package) {
-        print("appUninstalled " + joined({instance, package}));
-    };
-    all.apkInstallCompleted = [this](std::string_view instance, std::int32_t status,
-                                     std::string_view apkFilePath) {
-        print("apkInstallCompleted " + joined({instance, std::to_string(status), apkFilePath}));
-    };
-    all.instanceListUpdated = [this] { print("instanceListUpdated"); };
-    all.installImageProgress = [this](std::string_view imageName, std::int32_t status,
-                                      double progress) {
-        print("installImageProgress " +
-              joined({imageName, std::to_string(status), shown(progress)}));
-    };
-    all.createInstanceCompleted = [this](std::int32_t status, std::string_view instance) {
-        print("createInstanceCompleted " + joined({std::to_string(status), instance}));
-    };
-    all.instanceConfigurationChanged = [this](std::string_view instance) {
-        print("instanceConfigurationChanged " + std::string(instance));
-    };
-    all.appDisplayed = [this](std::string_view instance, std::string_view package) {
-        print("appDisplayed " + joined({instance, package}));
-    };
-    all.accountListUpdated = [this](std::string_view instance, std::string_view emailId,
-                                    std::int32_t action) {
-        print("accountListUpdated " + joined({instance, emailId, std::to_string(action)}));
-    };
+#define PRINT(opcode, type, slot, printed, name) \
+    all.printed = [this](const auto&... values) { print(line(#printed, values...)); };
+    KNOWN_EVENTS(PRINT, )
+#undef PRINT
     return all;
 }

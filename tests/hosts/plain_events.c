@@ -7,6 +7,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "support/event_table.h"
+
 static DWORD mainThread;
 static DWORD eventThread;
 static HANDLE arrived;
@@ -96,9 +98,22 @@ static const char* place(void) {
     return thread == eventThread && thread != mainThread ? "" : " ON THE WRONG THREAD";
 }
 
-/* Prints an event in one piece, unless the host is to be quiet, and counts it. */
-static void happened(const char* format, ...) {
+/* Adds a field: a letter, 't', 'i', 'd' or 'b', and the value behind it. */
+static void addField(char* line, int letter, va_list* arguments) {
+    char* const end = line + strlen(line);
+    if (letter == 't')
+        strcpy(end, shown(va_arg(*arguments, const char*)));
+    else if (letter == 'd')
+        sprintf(end, "%.3f", va_arg(*arguments, double));
+    else
+        sprintf(end, "%d", va_arg(*arguments, int));
+}
+
+/* Prints an event in one piece, unless the host is to be quiet, and counts it. 0 ends its fields. */
+static void happened(const char* name, ...) {
     char line[4096];
+    const char* before = " ";
+    int letter;
     va_list arguments;
     InterlockedIncrement(&begun);
     SetEvent(arrived);
@@ -109,8 +124,13 @@ static void happened(const char* format, ...) {
     }
     Sleep(blockFor);
     blockFor = 0;
-    va_start(arguments, format);
-    vsprintf(line, format, arguments);
+    strcpy(line, name);
+    va_start(arguments, name);
+    while ((letter = va_arg(arguments, int)) != 0) {
+        strcat(line, before);
+        before = "|";
+        addField(line, letter, &arguments);
+    }
     va_end(arguments);
     strcat(line, place());
     if (quiet)
@@ -121,56 +141,28 @@ static void happened(const char* format, ...) {
     SetEvent(arrived);
 }
 
-static void BRIDGE_CALL onAppInstalled(const char* instance, const char* package,
-                                       const char* activity, const char* appLabel,
-                                       bridge_i32 versionCode, const char* versionName,
-                                       const char* iconFilePath, bridge_bool isUpdate) {
-    happened("appInstalled %s|%s|%s|%s|%d|%s|%s|%d", shown(instance), shown(package),
-             shown(activity), shown(appLabel), versionCode, shown(versionName), shown(iconFilePath),
-             isUpdate);
-}
-
-static void BRIDGE_CALL onAppUninstalled(const char* instance, const char* package) {
-    happened("appUninstalled %s|%s", shown(instance), shown(package));
-}
-
-static void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 status,
-                                              const char* apkFilePath) {
-    happened("apkInstallCompleted %s|%d|%s", shown(instance), status, shown(apkFilePath));
-}
-
-static void BRIDGE_CALL onInstanceListUpdated(void) { happened("instanceListUpdated"); }
-
-static void BRIDGE_CALL installImageProgress(const char* imageName, bridge_i32 status,
-                                             double progress) {
-    happened("installImageProgress %s|%d|%.3f", shown(imageName), status, progress);
-}
-
-static void BRIDGE_CALL onCreateInstanceCompleted(bridge_i32 status, const char* instance) {
-    happened("createInstanceCompleted %d|%s", status, shown(instance));
-}
-
-static void BRIDGE_CALL onInstanceConfigurationChanged(const char* instance) {
-    happened("instanceConfigurationChanged %s", shown(instance));
-}
-
-static void BRIDGE_CALL onAppDisplayed(const char* instance, const char* package) {
-    happened("appDisplayed %s|%s", shown(instance), shown(package));
-}
-
-static void BRIDGE_CALL onAccountListUpdated(const char* instance, const char* emailId,
-                                             bridge_i32 action) {
-    happened("accountListUpdated %s|%s|%d", shown(instance), shown(emailId), action);
-}
+/* A callback for each event, which hands its fields on. */
+#define TEXT_PARAMETER(name, example) const char* name
+#define I32_PARAMETER(name, example) bridge_i32 name
+#define DOUBLE_PARAMETER(name, example) double name
+#define FLAG_PARAMETER(name, example) bridge_bool name
+#define PARAMETERS(slot) \
+    FIELDS_##slot(TEXT_PARAMETER, I32_PARAMETER, DOUBLE_PARAMETER, FLAG_PARAMETER, void)
+#define TEXT_ARGUMENT(name, example) 't', name
+#define I32_ARGUMENT(name, example) 'i', name
+#define DOUBLE_ARGUMENT(name, example) 'd', name
+#define FLAG_ARGUMENT(name, example) 'b', name
+#define ARGUMENTS(slot) \
+    FIELDS_##slot(TEXT_ARGUMENT, I32_ARGUMENT, DOUBLE_ARGUMENT, FLAG_ARGUMENT, 0)
+#define DEFINE(opcode, type, slot, printed, name) \
+    static void BRIDGE_CALL slot(PARAMETERS(slot)) { happened(#printed, ARGUMENTS(slot), 0); }
+KNOWN_EVENTS(DEFINE, )
 
 static void registerMask(unsigned long mask) {
+#define IF_WANTED(opcode, type, slot, printed, name) mask >> (opcode - 3000) & 1 ? slot : NULL
     registered = mask;
-    bridgeRegisterCallbacks(
-        mask & 1 ? onAppInstalled : NULL, mask & 2 ? onAppUninstalled : NULL,
-        mask & 4 ? onApkInstallCompleted : NULL, mask & 8 ? onInstanceListUpdated : NULL,
-        mask & 16 ? installImageProgress : NULL, mask & 32 ? onCreateInstanceCompleted : NULL,
-        mask & 64 ? onInstanceConfigurationChanged : NULL, mask & 128 ? onAppDisplayed : NULL,
-        mask & 256 ? onAccountListUpdated : NULL);
+    bridgeRegisterCallbacks(KNOWN_EVENTS(IF_WANTED, KNOWN_EVENTS_COMMA));
+#undef IF_WANTED
 }
 
 static void waitUntilServed(const WCHAR* client) {
@@ -214,12 +206,18 @@ typedef struct {
     bridge_i32(BRIDGE_CALL* commit)(void);
     void(BRIDGE_CALL* freeMemory)(void*);
     bridge_i32(BRIDGE_CALL* shutdown)(const char*, bridge_bool);
-    void(BRIDGE_CALL* reg)(bridgeOnAppInstalled, bridgeOnAppUninstalled,
-                           bridgeOnApkInstallCompleted, bridgeOnInstanceListUpdated,
-                           bridgeInstallImageProgress, bridgeOnCreateInstanceCompleted,
-                           bridgeOnInstanceConfigurationChanged, bridgeOnAppDisplayed,
-                           bridgeOnAccountListUpdated);
+    __typeof__(bridgeRegisterCallbacks)* reg;
 } Copy;
+
+typedef void (*AnyCallback)(void);
+
+/* Registers one callback. */
+static void registerOnly(__typeof__(bridgeRegisterCallbacks)* reg, int wanted,
+                         AnyCallback callback) {
+#define IF_WANTED(opcode, type, slot, printed, name) (type)(opcode == wanted ? callback : NULL)
+    reg(KNOWN_EVENTS(IF_WANTED, KNOWN_EVENTS_COMMA));
+#undef IF_WANTED
+}
 
 static int load(Copy* copy, const WCHAR* path) {
     HMODULE library = LoadLibraryW(path);
@@ -285,7 +283,7 @@ static int live(const WCHAR* path, const char* player, int life) {
     Copy copy;
     int ok = load(&copy, path) && copy.init("Installer", 0, 0, "NUL") == 0;
     if (!ok) return 0;
-    copy.reg(NULL, NULL, NULL, NULL, NULL, NULL, countChange, NULL, NULL);
+    registerOnly(copy.reg, 3006, (AnyCallback)countChange);
     if (player != NULL) ok = useCopy(&copy, player, life);
     ok &= copy.fini() == 0;
     return unload(&copy, path) && ok;
@@ -347,7 +345,7 @@ static int loadOnly(const WCHAR* path) {
     Copy copy;
     if (!load(&copy, path)) return -1;
     printNumber("init", copy.init("Installer", 1, 0, "NUL"));
-    copy.reg(NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);
+    registerOnly(copy.reg, 0, NULL);
     return unload(&copy, path);
 }
 

@@ -14,6 +14,7 @@
 
 #include "event_printer.hpp"
 #include "support/RegistrySandbox.h"
+#include "support/event_table.h"
 
 namespace {
 
@@ -33,10 +34,10 @@ void startLibrary(EventPrinter& printer) {
     bridge::registerCallbacks(printer.callbacks());
 }
 
-// Lets the application's loop run until nine events have come.
+// Lets the application's loop run until every event has come.
 void runLoop(EventPrinter& printer) {
     std::thread waiting([&printer] {
-        printer.waitFor(9);
+        printer.waitFor(KNOWN_EVENT_COUNT);
         QMetaObject::invokeMethod(
             qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
     });
@@ -57,7 +58,7 @@ void play(const std::string& order, EventPrinter& printer) {
     if (application != nullptr) {
         runLoop(printer);
     } else {
-        printer.waitFor(9);
+        printer.waitFor(KNOWN_EVENT_COUNT);
     }
     bridge::finish();
 }

@@ -16,6 +16,8 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "support/event_table.h"
+
 /* Last: it needs <windows.h>. */
 #include <shellapi.h>
 
@@ -25,11 +27,7 @@ typedef struct {
     bridge_i32(BRIDGE_CALL* fini)(void);
     char*(BRIDGE_CALL* apps)(const char*);
     bridge_i32(BRIDGE_CALL* shutdown)(const char*, bridge_bool);
-    void(BRIDGE_CALL* reg)(bridgeOnAppInstalled, bridgeOnAppUninstalled,
-                           bridgeOnApkInstallCompleted, bridgeOnInstanceListUpdated,
-                           bridgeInstallImageProgress, bridgeOnCreateInstanceCompleted,
-                           bridgeOnInstanceConfigurationChanged, bridgeOnAppDisplayed,
-                           bridgeOnAccountListUpdated);
+    __typeof__(bridgeRegisterCallbacks)* reg;
 } Library;
 
 static const WCHAR* use;
@@ -99,6 +97,8 @@ static void useWithoutMemory(const Library* own) {
     printNumber("refused", refusals > 0);
 }
 
+typedef void (*AnyCallback)(void);
+
 static void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 status,
                                               const char* apkFilePath) {
     (void)instance;
@@ -108,9 +108,15 @@ static void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 s
 
 static void BRIDGE_CALL onInstanceListUpdated(void) { SetEvent(arrived); }
 
+/* The callback of the event with this opcode, as any: slots 3 and 4 go together. */
+static AnyCallback callbackOf(int opcode) {
+    if (opcode == 3002) return (AnyCallback)onApkInstallCompleted;
+    return opcode == 3003 ? onInstanceListUpdated : NULL;
+}
+
 static void waitForEvent(const Library* own) {
-    own->reg(NULL, NULL, onApkInstallCompleted, onInstanceListUpdated, NULL, NULL, NULL, NULL,
-             NULL);
+#define ARGUMENT(opcode, type, slot, printed, name) (type) callbackOf(opcode)
+    own->reg(KNOWN_EVENTS(ARGUMENT, KNOWN_EVENTS_COMMA));
     printNumber("arrived", WaitForSingleObject(arrived, 60000) == WAIT_OBJECT_0);
 }
 

@@ -19,6 +19,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "Allocations.h"
@@ -30,6 +31,7 @@
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
+#include "support/NoCallbacks.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/RegistrySandbox.h"
@@ -581,8 +583,7 @@ SUBPROCESS(dropsAClientInAShortage) {
 SUBPROCESS(finishesInAShortage) {
     RegistrySandbox registry;
     bridgeApiInitEx("Helper", 1, 0, "NUL");
-    bridgeRegisterCallbacks(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                            nullptr);
+    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
     startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
                   std::stoi(arguments[1]));
     const bridge_i32 result = bridgeApiFini();
@@ -598,11 +599,9 @@ SUBPROCESS(registersInAShortage) {
     bridgeApiInitEx("Helper", 1, 0, "NUL");
     startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
                   std::stoi(arguments[1]));
-    bridgeRegisterCallbacks(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                            nullptr);
+    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
     const bool failed = endShortage();
-    bridgeRegisterCallbacks(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                            nullptr);
+    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
     if (bridgeApiFini() != 0) return 1;
     return failed ? 0 : 5;
 }
