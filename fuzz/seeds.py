@@ -3,6 +3,7 @@
 were made, and where more are added."""
 import json
 import pathlib
+import re
 import struct
 
 root = pathlib.Path(__file__).resolve().parent / "corpus"
@@ -244,19 +245,32 @@ def number(value):
     return struct.pack("<i", value)
 
 
+def double(value):
+    return struct.pack("<d", value)
+
+
+def example(fields):
+    """The payload of the fields of tests/support/event_table.h."""
+    layouts = {"TEXT": lambda word: text(word[1:-1].replace("\\\\", "\\")),
+               "I32": lambda word: number(int(word)), "DOUBLE": lambda word: double(float(word)),
+               "FLAG": lambda word: bytes([int(word)])}
+    found = re.findall(r'(TEXT|I32|DOUBLE|FLAG)\(\w+, ("(?:[^"\\]|\\.)*"|[-\d.]+)\)', fields)
+    return b"".join(layouts[kind](word) for kind, word in found)
+
+
+def examples():
+    """Each event's name to its packet."""
+    table = (root.parents[1] / "tests/support/event_table.h").read_text(encoding="utf-8")
+    table = re.sub(r"\s*\\\n\s*", " ", table)
+    fields = dict(re.findall(r"#define FIELDS_(\w+)\(TEXT, [^)]*\) (.*)", table))
+    rows = re.findall(r'EVENT\((\d+), \w+, (\w+), \w+, "([\w-]+)"\)', table)
+    return {name: packet(int(opcode), example(fields[slot])) for opcode, slot, name in rows}
+
+
 EVENTS = {
-    "app-installed": packet(3000, b"".join(map(text, ("Nougat64", "com.a", "com.a.Main", "A")))
-                            + number(7) + text("1.0") + text("C:\\a.png") + b"\1"),
-    "app-uninstalled": packet(3001, text("Nougat64") + text("com.a")),
-    "apk-completed": packet(3002, text("Nougat64") + number(-1) + text("C:\\é.apk")),
-    "list-updated": packet(3003),
-    "image-progress": packet(3004, text("Nougat64") + number(1) + struct.pack("<d", 62.5)),
-    "image-installed": packet(3004, text("Nougat64") + number(2) + struct.pack("<d", 100)),
-    "image-nan": packet(3004, text("N") + number(1) + struct.pack("<d", float("nan"))),
-    "instance-created": packet(3005, number(0) + text("Nougat64_1")),
-    "instance-changed": packet(3006, text("Nougat64")),
-    "app-displayed": packet(3007, text("Nougat64") + text("com.a")),
-    "accounts-updated": packet(3008, text("Nougat64") + text("a@b") + number(1)),
+    **examples(),
+    "image-installed": packet(3004, text("Nougat64") + number(2) + double(100)),
+    "image-nan": packet(3004, text("N") + number(1) + double(float("nan"))),
 }
 for name, data in EVENTS.items():
     write("event_decode", name, data)
@@ -264,7 +278,7 @@ for name, data in EVENTS.items():
     write("event_decode", f"{name}-more", data + b"more")
 for count in (0, 1, 3, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFB, 0xFFFFFFFF):
     write("event_decode", f"count-{count:x}", packet(3006, text("Nougat64", count)))
-for opcode in (0, 2000, 2999, 3009, 0x7FFFFFFF, 0xFFFFFFFF):
+for opcode in (0, 2000, 2999, 3000 + len(examples()), 0x7FFFFFFF, 0xFFFFFFFF):
     write("event_decode", f"opcode-{opcode:x}", packet(opcode, text("x")))
 for size in (0, 1, 7, 8, 10):
     write("event_decode", f"size-{size}", packet(3003)[:size])
