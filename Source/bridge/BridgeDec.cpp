@@ -129,7 +129,7 @@ class Shown {
 
 // For each event its decoder: it takes the fields, and nothing else happens unless all of them are
 // valid.
-#define BRIDGE_DECODER(opcode, event, callback, ...)                                         \
+#define BRIDGE_DECODER(opcode, event, callback, slot, ...)                                   \
     bool decode##event(Fields& fields) {                                                     \
         static_assert(takesFields(callback##Clbk, {opcode, __VA_ARGS__}), "as in bridge.h"); \
         const auto values = fieldsFor(callback##Clbk, fields);                               \

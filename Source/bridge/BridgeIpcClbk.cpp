@@ -53,11 +53,12 @@ void bridgeOnApkInstallCompletedClbk(const char* instance, bridge_i32 status,
     }
 }
 
+// Slot 4 is called exactly when slot 3 is set, and a null slot 4 is fatal then: hosts register both
+// or none.
 void bridgeOnInstanceListUpdatedClbk() {
     XLOG_I(kLog, "%s called:", __func__);
     reloadConfiguration(__func__);
     const BridgeCallbacks now = callbacks.get();
-    // Slot 3 decides about slot 4: hosts that were written against this register both.
     if (now.onApkInstallCompleted == nullptr) return;
     if (now.onInstanceListUpdated == nullptr) XLOG_FATAL(kLog);
     now.onInstanceListUpdated();

@@ -7,32 +7,38 @@
 // The events that the product's programs send to front ends. Whatever decodes, sends, prints or
 // documents them is made from this table.
 
-// X(opcode, event, callback, name, field count, fields): every event, in the order of the
-// callbacks' slots. The callback is the function type of bridge.h, whose parameters are the fields.
-#define IPC_EVENTS(X)                                                                              \
-    X(3000, AppInstalled, bridgeOnAppInstalled, "app-installed", 8,                                \
-      {{"instance", IPC_TEXT},                                                                     \
-       {"package", IPC_TEXT},                                                                      \
-       {"activity", IPC_TEXT},                                                                     \
-       {"appLabel", IPC_TEXT},                                                                     \
-       {"versionCode", IPC_I32},                                                                   \
-       {"versionName", IPC_TEXT},                                                                  \
-       {"iconFilePath", IPC_TEXT},                                                                 \
-       {"isUpdate", IPC_FLAG}})                                                                    \
-    X(3001, AppUninstalled, bridgeOnAppUninstalled, "app-uninstalled", 2,                          \
-      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                             \
-    X(3002, ApkInstallCompleted, bridgeOnApkInstallCompleted, "apk-install-completed", 3,          \
-      {{"instance", IPC_TEXT}, {"status", IPC_I32}, {"apkFilePath", IPC_TEXT}})                    \
-    X(3003, InstanceListUpdated, bridgeOnInstanceListUpdated, "instance-list-updated", 0, {})      \
-    X(3004, InstallImageProgress, bridgeInstallImageProgress, "image-install-progress", 3,         \
-      {{"imageName", IPC_TEXT}, {"status", IPC_I32}, {"progress", IPC_DOUBLE}})                    \
-    X(3005, CreateInstanceCompleted, bridgeOnCreateInstanceCompleted, "create-instance-completed", \
-      2, {{"status", IPC_I32}, {"instance", IPC_TEXT}})                                            \
-    X(3006, InstanceConfigurationChanged, bridgeOnInstanceConfigurationChanged,                    \
-      "instance-configuration-changed", 1, {{"instance", IPC_TEXT}})                               \
-    X(3007, AppDisplayed, bridgeOnAppDisplayed, "app-displayed", 2,                                \
-      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                             \
-    X(3008, AccountListUpdated, bridgeOnAccountListUpdated, "account-list-updated", 3,             \
+// X(opcode, event, callback, slot, name, field count, fields): every event, in the order of the
+// slots. Callback and slot are the type and the parameter that bridge.h has for it; the callback's
+// parameters are the fields.
+#define IPC_EVENTS(X)                                                                            \
+    X(3000, AppInstalled, bridgeOnAppInstalled, onAppInstalled, "app-installed", 8,              \
+      {{"instance", IPC_TEXT},                                                                   \
+       {"package", IPC_TEXT},                                                                    \
+       {"activity", IPC_TEXT},                                                                   \
+       {"appLabel", IPC_TEXT},                                                                   \
+       {"versionCode", IPC_I32},                                                                 \
+       {"versionName", IPC_TEXT},                                                                \
+       {"iconFilePath", IPC_TEXT},                                                               \
+       {"isUpdate", IPC_FLAG}})                                                                  \
+    X(3001, AppUninstalled, bridgeOnAppUninstalled, onAppUninstalled, "app-uninstalled", 2,      \
+      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                           \
+    X(3002, ApkInstallCompleted, bridgeOnApkInstallCompleted, onApkInstallCompleted,             \
+      "apk-install-completed", 3,                                                                \
+      {{"instance", IPC_TEXT}, {"status", IPC_I32}, {"apkFilePath", IPC_TEXT}})                  \
+    X(3003, InstanceListUpdated, bridgeOnInstanceListUpdated, onInstanceListUpdated,             \
+      "instance-list-updated", 0, {})                                                            \
+    X(3004, InstallImageProgress, bridgeInstallImageProgress, installImageProgress,              \
+      "image-install-progress", 3,                                                               \
+      {{"imageName", IPC_TEXT}, {"status", IPC_I32}, {"progress", IPC_DOUBLE}})                  \
+    X(3005, CreateInstanceCompleted, bridgeOnCreateInstanceCompleted, onCreateInstanceCompleted, \
+      "create-instance-completed", 2, {{"status", IPC_I32}, {"instance", IPC_TEXT}})             \
+    X(3006, InstanceConfigurationChanged, bridgeOnInstanceConfigurationChanged,                  \
+      onInstanceConfigurationChanged, "instance-configuration-changed", 1,                       \
+      {{"instance", IPC_TEXT}})                                                                  \
+    X(3007, AppDisplayed, bridgeOnAppDisplayed, onAppDisplayed, "app-displayed", 2,              \
+      {{"instance", IPC_TEXT}, {"package", IPC_TEXT}})                                           \
+    X(3008, AccountListUpdated, bridgeOnAccountListUpdated, onAccountListUpdated,                \
+      "account-list-updated", 3,                                                                 \
       {{"instance", IPC_TEXT}, {"emailId", IPC_TEXT}, {"action", IPC_I32}})
 
 enum IpcEventFieldType {
@@ -56,7 +62,7 @@ struct IpcEvent {
 
 // The rows of the table.
 inline constexpr IpcEvent IPC_EVENT_ROWS[] = {
-#define IPC_EVENT_ROW(opcode, event, callback, name, ...) {opcode, name, __VA_ARGS__},
+#define IPC_EVENT_ROW(opcode, event, callback, slot, name, ...) {opcode, name, __VA_ARGS__},
     IPC_EVENTS(IPC_EVENT_ROW)
 #undef IPC_EVENT_ROW
 };

@@ -49,7 +49,7 @@ std::map<std::string, std::string> tableCallbacks() {
         }
         callbacks[callback] = parameters.empty() ? "void" : parameters;
     };
-#define ADD(opcode, event, callback, ...) add(#callback, {opcode, __VA_ARGS__});
+#define ADD(opcode, event, callback, slot, ...) add(#callback, {opcode, __VA_ARGS__});
     IPC_EVENTS(ADD)
 #undef ADD
     return callbacks;
