@@ -109,7 +109,7 @@ static void addField(char* line, int letter, va_list* arguments) {
         sprintf(end, "%d", va_arg(*arguments, int));
 }
 
-/* Prints an event in one piece, unless the host is to be quiet, and counts it. 0 ends its fields. */
+/* Prints an event in one piece, unless the host is to be quiet, and counts it. 0 ends the list. */
 static void happened(const char* name, ...) {
     char line[4096];
     const char* before = " ";
