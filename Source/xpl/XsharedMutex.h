@@ -6,7 +6,8 @@
 
 #include "xpl/Xattributes.h"
 
-// The system's lock of readers and writers: SRWLOCK on Windows. Not recursive, not even for readers.
+// The system's lock of readers and writers: SRWLOCK on Windows. Not recursive, not even for
+// readers.
 class XslimLock {
  public:
     XslimLock();
@@ -24,12 +25,12 @@ class XslimLock {
     void* words_[16] = {};
 };
 
-// Guards memory that many threads read all the time and some change for moments: readers at the same
-// time, or one writer. Not recursive, not even for readers.
+// Guards memory that many threads read all the time and some change for moments: readers at the
+// same time, or one writer. Not recursive, not even for readers.
 //
-// There are two of the system's locks: a reader takes the one of its thread, and a writer both. With
-// one for all, two threads that read get no more done than one, since each of them has to write to it;
-// with two they get nearly twice as much.
+// There are two of the system's locks: a reader takes the one of its thread, and a writer both.
+// With one for all, two threads that read get no more done than one, since each of them has to
+// write to it; with two they get nearly twice as much.
 class XTS_CAPABILITY("mutex") XsharedMutex {
  public:
     void lock() XTS_ACQUIRE();
