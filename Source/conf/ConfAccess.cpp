@@ -15,7 +15,6 @@
 #include "conf/Conf.h"
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
-#include "conf/ConfLog.h"
 #include "conf/ConfNumber.h"
 #include "conf/ConfStore.h"
 #include "xpl/Xattributes.h"
@@ -29,17 +28,18 @@ namespace {
 bool confValidateProp(const ConfKey& key, ConfType type, bool allowDeprecated) {
     const bool ofInstance = key.scope == ConfScope::Instance;
     if (key.declared == nullptr) {
-        XLOG_E(kLog, "%s prop not found in %s", std::string(key.text).c_str(),
+        XLOG_E(kConfLog, "%s prop not found in %s", std::string(key.text).c_str(),
                ofInstance ? "iprop dir" : "prop dir");
         return false;
     }
     if (key.declared->type != type) {
-        XLOG_E(kLog, "%s type of the %s is not matching", std::string(key.text).c_str(),
+        XLOG_E(kConfLog, "%s type of the %s is not matching", std::string(key.text).c_str(),
                ofInstance ? "iprop" : "prop");
         return false;
     }
     if (key.declared->deprecated && !allowDeprecated) {
-        XLOG_E(kLog, "%s: Deprecated conf %s", "confValidateProp", std::string(key.text).c_str());
+        XLOG_E(kConfLog, "%s: Deprecated conf %s", "confValidateProp",
+               std::string(key.text).c_str());
         return false;
     }
     return true;
@@ -63,12 +63,12 @@ bool confValidateProp(const ConfStore& store, std::string_view key, ConfType typ
 
 std::string confGetStringInternal(ConfStore& store, std::string_view text, ConfType type) {
     const ConfKey key = confFindKey(store.catalogue, text);
-    if (!confValidateProp(key, type, store.allowDeprecated)) XLOG_FATAL(kLog);
+    if (!confValidateProp(key, type, store.allowDeprecated)) XLOG_FATAL(kConfLog);
     std::optional<std::string> value = readValue(store, key);
     if (value) return *std::move(value);
-    XLOG_E(kLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
+    XLOG_E(kConfLog, "%s Trying to access deleted prop: [%s]", "confGetStringInternal",
            std::string(text).c_str());
-    XLOG_FATAL(kLog);
+    XLOG_FATAL(kConfLog);
 }
 
 std::string confGetString(ConfStore& store, std::string_view key) {
@@ -87,31 +87,31 @@ bool confGetBool(ConfStore& store, std::string_view key) {
     const std::string value = confGetStringInternal(store, key, ConfType::Bool);
     if (value == "0") return false;
     if (value == "1") return true;
-    XLOG_E(kLog, "confGetBool error for %s:%s\n", std::string(key).c_str(), value.c_str());
-    XLOG_FATAL(kLog);
+    XLOG_E(kConfLog, "confGetBool error for %s:%s\n", std::string(key).c_str(), value.c_str());
+    XLOG_FATAL(kConfLog);
 }
 
 std::int32_t confGetI32(ConfStore& store, std::string_view key) {
     const std::string value = confGetStringInternal(store, key, ConfType::I32);
     std::int32_t number = 0;
     if (confParseI32(value, number)) return number;
-    XLOG_E(kLog, "confGetI32 error for %s:%s\n", std::string(key).c_str(), value.c_str());
-    XLOG_FATAL(kLog);
+    XLOG_E(kConfLog, "confGetI32 error for %s:%s\n", std::string(key).c_str(), value.c_str());
+    XLOG_FATAL(kConfLog);
 }
 
 std::int64_t confGetI64(ConfStore& store, std::string_view key) {
     const std::string value = confGetStringInternal(store, key, ConfType::I64);
     std::int64_t number = 0;
     if (confParseI64(value, number)) return number;
-    XLOG_E(kLog, "confGetI64 error for %s:%s\n", std::string(key).c_str(), value.c_str());
-    XLOG_FATAL(kLog);
+    XLOG_E(kConfLog, "confGetI64 error for %s:%s\n", std::string(key).c_str(), value.c_str());
+    XLOG_FATAL(kConfLog);
 }
 
 XErr confSetStringInternal(ConfStore& store, std::string_view text, ConfType type,
                            std::string_view value) {
     const ConfKey key = confFindKey(store.catalogue, text);
     if (type != ConfType::None && !confValidateProp(key, type, /*allowDeprecated=*/false)) {
-        XLOG_FATAL(kLog);
+        XLOG_FATAL(kConfLog);
     }
     const std::lock_guard<XsharedMutex> changing(store.viewLock);
     store.view.set(store.view.knownValue(key), value);
@@ -170,7 +170,7 @@ XErr confSetCurrentInstance(ConfStore& store, const std::string& name) {
         isKnown = store.view.isKnown(name);
     }
     if (!isKnown) {
-        XLOG_E(kLog, "Instance %s doesn't exist", name.c_str());
+        XLOG_E(kConfLog, "Instance %s doesn't exist", name.c_str());
         return XERR_FAILURE;
     }
     store.currentInstance.change([&name](std::string& next) { next = name + "."; });
@@ -198,7 +198,7 @@ std::set<std::string, std::less<>> confGetInstances(ConfStore& store) {
 XErr confRestorePropDefault(ConfStore& store, std::string_view text) {
     const std::string_view property = text.substr(std::min(text.size(), CONF_PREFIX.size()));
     const ConfProperty* const declared = store.catalogue.findGlobal(property);
-    if (declared == nullptr) XLOG_FATAL(kLog);
+    if (declared == nullptr) XLOG_FATAL(kConfLog);
     {
         const ConfKey key = confFindKey(store.catalogue, text);
         const XsharedGuard reading(store.viewLock);

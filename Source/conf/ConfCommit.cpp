@@ -11,7 +11,6 @@
 #include "conf/Conf.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfLoad.h"
-#include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "conf/ConfText.h"
 #include "conf/ConfViewText.h"
@@ -36,14 +35,14 @@ XErr flush(ConfOutput& output, const std::string& text) {
     std::size_t done = 0;
     const XErr err = output.write(text, done);
     if (err != XERR_SUCCESS) {
-        XLOG_E(kLog, "xfileWrite failed for %s, err = %d [%s]", lineAt(text, done).c_str(), err,
+        XLOG_E(kConfLog, "xfileWrite failed for %s, err = %d [%s]", lineAt(text, done).c_str(), err,
                xerrName(err).c_str());
     }
     return err;
 }
 
 XErr refuse(const ConfRefusedEntry& entry) {
-    XLOG_E(kLog, "invalid conf entry %s=\"%s\", prop len = %d, max len = %d", entry.key.c_str(),
+    XLOG_E(kConfLog, "invalid conf entry %s=\"%s\", prop len = %d, max len = %d", entry.key.c_str(),
            entry.value.c_str(), confLineLength(entry.key, entry.value),
            static_cast<int>(CONF_LINE_SIZE));
     return entry.err;
@@ -94,25 +93,27 @@ XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<Co
     output.reset();  // closes the file, which cannot fail
     const XErr err = temporary.moveOnto(path);
     if (err != XERR_SUCCESS) {
-        XLOG_E(kLog, "xfileMove failed, err = %d [%s]", err, xerrName(err).c_str());
+        XLOG_E(kConfLog, "xfileMove failed, err = %d [%s]", err, xerrName(err).c_str());
     }
     return err;
 }
 
 XErr commitTo(ConfStore& store, const std::string& path) XTS_REQUIRES(store.lock) {
-    const XnamedGuard otherProcesses(store.fileLock, kLog, "confCommitToFile");
+    const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confCommitToFile");
     // One that is left takes no harm: the next commit takes its place.
-    XtemporaryFile temporary(store.files, path + "-temp", kLog, "confCommitToFile");
+    XtemporaryFile temporary(store.files, path + "-temp", kConfLog, "confCommitToFile");
     std::unique_ptr<ConfOutput> output;
     if (const XErr err = createTemporary(store.files, temporary, output); err != XERR_SUCCESS) {
-        XLOG_E(kLog, "%s: xfileOpen failed, err = %d [%s]", "confCommitToFile", err,
+        XLOG_E(kConfLog, "%s: xfileOpen failed, err = %d [%s]", "confCommitToFile", err,
                xerrName(err).c_str());
         return err;
     }
     return fillAndMove(store, temporary, std::move(output), path);
 }
 
-void logCommit(const std::string& path) { XLOG_I(kLog, "confCommitToFile args: %s", path.c_str()); }
+void logCommit(const std::string& path) {
+    XLOG_I(kConfLog, "confCommitToFile args: %s", path.c_str());
+}
 
 }  // namespace
 
@@ -121,7 +122,7 @@ void logCommit(const std::string& path) { XLOG_I(kLog, "confCommitToFile args: %
 XErr confCommit(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
     if (!confHasPendingChanges(store)) {
-        XLOG_D(kLog, "No changes in conf file, so nothing to commit.");
+        XLOG_D(kConfLog, "No changes in conf file, so nothing to commit.");
         return XERR_SUCCESS;
     }
     logCommit(store.path);

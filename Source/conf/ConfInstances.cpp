@@ -10,7 +10,6 @@
 #include "conf/Conf.h"
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
-#include "conf/ConfLog.h"
 #include "conf/ConfStore.h"
 #include "utl/UtlImages.h"
 #include "xpl/Xattributes.h"
@@ -130,12 +129,12 @@ bool confIsInstanceName(std::string_view name) {
 XErr confCopyInstance(ConfStore& store, const std::string& source, const std::string& target) {
     const std::lock_guard<std::mutex> guard(store.lock);
     if (!isKnown(store, source)) {
-        XLOG_E(kLog, "Instance %s doesn't exist", source.c_str());
+        XLOG_E(kConfLog, "Instance %s doesn't exist", source.c_str());
         return XERR_FAILURE;
     }
     if (!confIsInstanceName(target)) {
         // Committed, its keys would stop every later load of every program.
-        XLOG_E(kLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
+        XLOG_E(kConfLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
         return XERR_INVAL;
     }
     const std::lock_guard<XsharedMutex> changing(store.viewLock);
@@ -172,16 +171,16 @@ XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t buf
         entries = dumpOf(store.view, confCurrentInstanceKey(store, {}));
     }
     if (!entries.tooLongKey.empty()) {
-        XLOG_E(kLog, "Invalid conf entry. Key = '%s', value = '%s'", entries.tooLongKey.c_str(),
+        XLOG_E(kConfLog, "Invalid conf entry. Key = '%s', value = '%s'", entries.tooLongKey.c_str(),
                entries.tooLongValue.c_str());
-        XLOG_FATAL(kLog);
+        XLOG_FATAL(kConfLog);
     }
     std::string& dump = entries.lines;
     dump.append("vtr.oem=nvo\n").append("vtr.version=").append(UTL_VERSION).append("\n");
     // A catalogue's worth of short lines: far below 32 bits.
     const auto needed = static_cast<std::uint32_t>(dump.size() + 1);
     if (bufferSize >= needed && buffer == nullptr) {
-        XLOG_E(kLog, "%s: buffer is null", "confGetInstanceAllConfigs");
+        XLOG_E(kConfLog, "%s: buffer is null", "confGetInstanceAllConfigs");
         return XERR_INVAL;
     }
     outSize = needed;

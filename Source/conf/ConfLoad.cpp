@@ -10,7 +10,6 @@
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
-#include "conf/ConfLog.h"
 #include "conf/ConfText.h"
 #include "conf/ConfViewText.h"
 #include "xpl/Xattributes.h"
@@ -37,7 +36,7 @@ void applyDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
 // The defaults and the file's values in one step, so that a read never sees a default of a key that
 // the file has. The defaults also where the file cannot be read.
 XErr applyDefaultsAndFile(ConfStore& store) XTS_REQUIRES(store.lock) {
-    const XnamedGuard otherProcesses(store.fileLock, kLog, "confLibInit");
+    const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confLibInit");
     std::string text;
     const XErr err = confReadFile(store, text);
     std::optional<ConfBadLine> bad;
@@ -57,10 +56,10 @@ XErr confReadFile(ConfStore& store, std::string& text) {
         case ConfFileRead::Done:
             return XERR_SUCCESS;
         case ConfFileRead::OpenFailed:
-            XLOG_E(kLog, "open failed for %s", store.path.c_str());
+            XLOG_E(kConfLog, "open failed for %s", store.path.c_str());
             break;
         case ConfFileRead::ReadFailed:
-            XLOG_E(kLog, "read failed for %s", store.path.c_str());
+            XLOG_E(kConfLog, "read failed for %s", store.path.c_str());
             break;
     }
     return XERR_FAILURE;
@@ -74,10 +73,10 @@ std::optional<ConfBadLine> confApplyFile(ConfStore& store, std::string_view text
 XErr confReport(const std::optional<ConfBadLine>& bad) {
     if (!bad) return XERR_SUCCESS;
     if (bad->directory == nullptr) {
-        XLOG_E(kLog, "conf file not in correct format, %s", std::string(bad->line).c_str());
+        XLOG_E(kConfLog, "conf file not in correct format, %s", std::string(bad->line).c_str());
     } else {
-        XLOG_E(kLog, "%s prop not found in %s: %s", std::string(bad->key).c_str(), bad->directory,
-               std::string(bad->line).c_str());
+        XLOG_E(kConfLog, "%s prop not found in %s: %s", std::string(bad->key).c_str(),
+               bad->directory, std::string(bad->line).c_str());
     }
     return XERR_FAILURE;
 }
@@ -100,7 +99,7 @@ XErr confLibInit(ConfStore& store, const std::string& path, bool allowDeprecated
 
 XErr confReload(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
-    const XnamedGuard otherProcesses(store.fileLock, kLog, "confReload");
+    const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confReload");
     std::string text;
     if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
     std::optional<ConfBadLine> bad;

@@ -12,9 +12,13 @@
 #include "conf/ConfView.h"
 #include "utl/UtlFolders.h"
 #include "xpl/Xattributes.h"
+#include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/Xrcu.h"
 #include "xpl/XsharedMutex.h"
+
+// Every file of this module logs as one.
+constexpr XlogModule kConfLog{XlogTag::CONF, "Source/conf/Conf"};
 
 // State of a configuration store; for the files of this module and its tests. Everybody else calls
 // the functions of Conf.h.

@@ -11,7 +11,7 @@
 #include <new>
 
 #include "ipc/IpcPacket.h"
-#include "ipc/IpcServerLog.h"
+#include "ipc/IpcServer.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xmem.h"
 
@@ -78,13 +78,13 @@ void readMore(IpcConnectionInfo& info) {
 // is no whole header: it stays where it is.
 bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
     if (info.held() < kHeaderSize && unread(info) < kHeaderSize) return false;
-    XLOG_D(kLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
+    XLOG_D(kIpcServerLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
            static_cast<int>(unread(info)));
     if (info.held() < kHeaderSize) readMore(info);
     if (info.held() < kHeaderSize) return false;  // the socket had claimed more
     info.packetLen = numberAt(info, IPC_LENGTH_OFFSET);
     replyLength = numberAt(info, IPC_REPLY_LENGTH_OFFSET);
-    XLOG_D(kLog,
+    XLOG_D(kIpcServerLog,
            "%s for serverName %s, packetLen = %u, buffer.size = %d, opcode = 0x%x, outLen = %d",
            self, serverOf(info), info.packetLen, kHeaderSize, numberAt(info, IPC_OPCODE_OFFSET),
            static_cast<std::int32_t>(replyLength));
@@ -97,12 +97,13 @@ bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char
 void readBody(IpcConnectionInfo& info, int size, const char* self) {
     const auto bytesToRead =
         static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(size));
-    XLOG_D(kLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info), bytesToRead);
+    XLOG_D(kIpcServerLog, "%s for serverName %s, bytesToRead = %d", self, serverOf(info),
+           bytesToRead);
     if (bytesToRead < 0) {
-        XLOG_E(kLog,
+        XLOG_E(kIpcServerLog,
                "%s for serverName %s, bytesToRead %d is negative, packetLen = %u, buffer size = %d",
                self, serverOf(info), bytesToRead, info.packetLen, size);
-        XLOG_FATAL(kLog);
+        XLOG_FATAL(kIpcServerLog);
     }
     if (!info.isWhole()) readMore(info);
 }
@@ -116,7 +117,7 @@ XmemBytes replyBuffer(const IpcConnectionInfo& info, std::uint32_t& replyLength,
         reply.reset(static_cast<unsigned char*>(xmemAllocZeroed(replyLength)));
     }
     if (reply == nullptr) {
-        XLOG_E(kLog, "%s for serverName %s, no memory for a reply of %u bytes", self,
+        XLOG_E(kIpcServerLog, "%s for serverName %s, no memory for a reply of %u bytes", self,
                serverOf(info), replyLength);
         replyLength = 0;
     }
@@ -150,9 +151,9 @@ void consumePacket(IpcConnectionInfo& info) {
 // not be dispatched again.
 void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
               const char* self) {
-    XLOG_D(kLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
+    XLOG_D(kIpcServerLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
     const XmemBytes reply = replyBuffer(info, replyLength, self);
-    xcatchAll(kLog, self, false, [&] {
+    xcatchAll(kIpcServerLog, self, false, [&] {
         return decode(info.socket, info.packet(), static_cast<std::int32_t>(info.packetLen),
                       reply.get(), static_cast<std::int32_t>(replyLength));
     });
@@ -160,24 +161,16 @@ void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLeng
     writeReply(*info.socket, reply.get(), replyLength);
 }
 
-// Fences what the event loop or a destructor calls: an exception that reaches Qt's event loop ends
-// the server's thread. False when there was one, which is logged.
-template <typename Call>
-bool fenced(const char* function, Call call) noexcept {
-    return xcatchAll(kLog, function, false, [&call] {
-        call();
-        return true;
-    });
-}
-
 // Runs dispose() from the event loop, when nothing works on the connection any more.
 void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
+
+// Qt's event loop calls what follows: an exception that reached it would end the server's thread.
 
 // Ends a connection whose next packet cannot be found.
 void drop(IpcConnectionInfo* info) {
     info->buffer.clear();
     info->start = 0;
-    fenced("ipcReadCommand", [info] { info->socket->abort(); });
+    xcatchAll(kIpcServerLog, "ipcReadCommand", [info] { info->socket->abort(); });
 }
 
 // Receives what arrives on a connection. After an exception the connection is aborted and never
@@ -187,11 +180,12 @@ void drop(IpcConnectionInfo* info) {
 void receive(IpcConnectionInfo* info, IpcDecode decode) {
     if (info->busy || info->failed) return;
     info->busy = true;
-    info->failed = !fenced("ipcReadCommand", [&] { ipcReadCommand(info, decode); });
+    info->failed =
+        !xcatchAll(kIpcServerLog, "ipcReadCommand", [&] { ipcReadCommand(info, decode); });
     info->busy = false;
     if (info->failed) drop(info);
     if (!info->disconnectedMeanwhile) return;
-    fenced("ipcDestroyConnection", [&] { disposeLater(info, decode); });
+    xcatchAll(kIpcServerLog, "ipcDestroyConnection", [&] { disposeLater(info, decode); });
 }
 
 // The last bytes of a peer that wrote and left can still wait here when its disconnect is reported.
@@ -204,7 +198,8 @@ void dispose(IpcConnectionInfo* info, IpcDecode decode) {
     QLocalSocket* const socket = info->socket;
     // The event loop calls this, and nothing else works on the socket: without memory to delete it
     // later it is deleted now.
-    if (!fenced("ipcDestroyConnection", [socket] { socket->deleteLater(); })) delete socket;
+    if (!xcatchAll(kIpcServerLog, "ipcDestroyConnection", [socket] { socket->deleteLater(); }))
+        delete socket;
 }
 
 void disposeLater(IpcConnectionInfo* info, IpcDecode decode) {
@@ -216,11 +211,11 @@ void disposeLater(IpcConnectionInfo* info, IpcDecode decode) {
 // A signal of the socket calls this, which therefore cannot be deleted here. Without memory for the
 // disposal it stays, disconnected, until its parent deletes it: the server, at its end.
 void whenDisconnected(IpcConnectionInfo* info, IpcDecode decode) {
-    fenced("ipcDestroyConnection", [&] { ipcDestroyConnection(info, decode); });
+    xcatchAll(kIpcServerLog, "ipcDestroyConnection", [&] { ipcDestroyConnection(info, decode); });
 }
 
 void logAboutToClose(const IpcConnectionInfo* info) {
-    XLOG_D(kLog, "%s:%d AboutToClose cleaning info %p", kLog.file, __LINE__,
+    XLOG_D(kIpcServerLog, "%s:%d AboutToClose cleaning info %p", kIpcServerLog.file, __LINE__,
            static_cast<const void*>(info));
 }
 
@@ -229,7 +224,7 @@ void logAboutToClose(const IpcConnectionInfo* info) {
 IpcConnectionInfo::IpcConnectionInfo(QLocalSocket* connection, const std::string* server)
     : socket(connection), serverName(server) {
     buffer.reserve(kHeaderSize);  // from here on a shorter packet keeps the memory
-    XLOG_D(kLog, "%s called for serverName %s, packetLen = %u", "IpcConnectionInfo",
+    XLOG_D(kIpcServerLog, "%s called for serverName %s, packetLen = %u", "IpcConnectionInfo",
            serverName->c_str(), packetLen);
     ++liveRecords;
 }
@@ -244,14 +239,15 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
     // Without memory for the rest there is no connection. Without memory to delete the socket later
     // either, the server deletes it at its end.
     const auto abandon = [](QLocalSocket* connection) {
-        fenced("ipcHandleNewConnection", [connection] { connection->abort(); });
-        fenced("ipcHandleNewConnection", [connection] { connection->deleteLater(); });
+        xcatchAll(kIpcServerLog, "ipcHandleNewConnection", [connection] { connection->abort(); });
+        xcatchAll(kIpcServerLog, "ipcHandleNewConnection",
+                  [connection] { connection->deleteLater(); });
     };
     std::unique_ptr<QLocalSocket, decltype(abandon)> unfinished(socket, abandon);
     // The three handlers share the record, and the last of them goes with the socket: it is
     // released exactly once, whatever order the signals come in.
     const auto info = std::make_shared<IpcConnectionInfo>(socket, serverName);
-    XLOG_D(kLog, "%s: New connection received for server %s", "ipcHandleNewConnection",
+    XLOG_D(kIpcServerLog, "%s: New connection received for server %s", "ipcHandleNewConnection",
            serverName->c_str());
     QObject::connect(
         socket, &QLocalSocket::readyRead, socket, [info, decode] { receive(info.get(), decode); },
@@ -269,8 +265,8 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
 
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     const char* const self = "ipcReadCommand";
-    XLOG_D(kLog, "%s called for info %p", self, static_cast<void*>(info));
-    XLOG_D(kLog, "%s called for serverName %s", self, serverOf(*info));
+    XLOG_D(kIpcServerLog, "%s called for info %p", self, static_cast<void*>(info));
+    XLOG_D(kIpcServerLog, "%s called for serverName %s", self, serverOf(*info));
     // Known within this call only: a packet that is completed by a later one gets no reply.
     std::uint32_t replyLength = 0;
     do {
@@ -282,7 +278,7 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
         if (info->isWhole()) {
             dispatch(*info, decode, replyLength, self);
         } else {
-            XLOG_D(kLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
+            XLOG_D(kIpcServerLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
                    serverOf(*info), info->held(), info->packetLen);
             if (info->held() == size) return;  // whatever the socket claims
         }
@@ -290,8 +286,8 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
 }
 
 void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode) {
-    XLOG_D(kLog, "%s called for serverName %s info %p bytes %d state %d", "ipcDestroyConnection",
-           serverOf(*info), static_cast<void*>(info), static_cast<int>(unread(*info)),
-           static_cast<int>(info->socket->state()));
+    XLOG_D(kIpcServerLog, "%s called for serverName %s info %p bytes %d state %d",
+           "ipcDestroyConnection", serverOf(*info), static_cast<void*>(info),
+           static_cast<int>(unread(*info)), static_cast<int>(info->socket->state()));
     disposeLater(info, decode);
 }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ipc/IpcServerLog.h"
+#include "ipc/IpcServer.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/XwindowsLean.h"
 
@@ -50,7 +50,7 @@ void IpcEventWatcher::post() {
         posted_ = false;
         activated_();
     };
-    const bool queued = xcatchAll(kLog, "IpcEventWatcher", false, [this, call] {
+    const bool queued = xcatchAll(kIpcServerLog, "IpcEventWatcher", false, [this, call] {
         return QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
     });
     if (queued) return;

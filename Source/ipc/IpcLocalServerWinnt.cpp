@@ -11,7 +11,7 @@
 #include "ipc/IpcEventWatcherWinnt.h"
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
-#include "ipc/IpcServerLog.h"
+#include "ipc/IpcServer.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xerr.h"
 #include "xpl/XobjectSecurity.h"
@@ -120,10 +120,10 @@ IpcListenError listenError(int code, const std::string& why) {
 class IpcLocalServer::Instances {
  public:
     Instances(const std::wstring& path, IpcLocalServer& server)
-        : path_(path), server_(server), watcher_([this] { takeClientsFenced(); }) {
+        : path_(path), server_(server), watcher_([this] { takeClientsOrLog(); }) {
         retry_.setSingleShot(true);
         retry_.setInterval(kRetryMilliseconds);
-        QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsFenced(); });
+        QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsOrLog(); });
     }
 
     // False when no client would be noticed.
@@ -159,11 +159,8 @@ class IpcLocalServer::Instances {
 
  private:
     // No exception passes through Qt's event loop.
-    void takeClientsFenced() {
-        xcatchAll(kLog, "IpcLocalServer", false, [this] {
-            takeClients();
-            return true;
-        });
+    void takeClientsOrLog() {
+        xcatchAll(kIpcServerLog, "IpcLocalServer", [this] { takeClients(); });
     }
 
     // Waiting for a client of a new instance resets the event that all share, so that every
@@ -176,7 +173,8 @@ class IpcLocalServer::Instances {
             return;
         }
         if (!std::exchange(complained_, true)) {
-            XLOG_E(kLog, "%s: no instance for the next client, error %lu", "IpcLocalServer", error);
+            XLOG_E(kIpcServerLog, "%s: no instance for the next client, error %lu",
+                   "IpcLocalServer", error);
         }
         retry_.start();
     }

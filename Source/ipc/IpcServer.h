@@ -7,10 +7,14 @@
 #include <memory>
 #include <string>
 
+#include "xpl/Xlog.h"
 #include "xpl/XmodulePin.h"
 
 class IpcLocalServer;
 class QLocalSocket;
+
+// The server's files log as one.
+constexpr XlogModule kIpcServerLog{XlogTag::IPC, "Source/ipc/IpcServer"};
 
 // Takes a complete packet, header included, on the server's thread. `reply` has `replyLength`
 // zeroed bytes, which go back to the sender when the function returns; null and 0 without a reply.

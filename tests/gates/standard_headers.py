@@ -36,8 +36,8 @@ CPP = {
     "ios": "ios streamsize",
     "iostream": "cerr cin cout",
     "istream": "istream",
-    "iterator": "back_inserter begin data distance empty end istreambuf_iterator make_move_iterator "
-                "next prev size",
+    "iterator": "back_inserter begin data distance empty end istream_iterator istreambuf_iterator "
+                "make_move_iterator next prev size",
     "limits": "numeric_limits",
     "list": "list",
     "map": "map multimap",
@@ -53,16 +53,17 @@ CPP = {
     "set": "multiset set",
     "sstream": "istringstream ostringstream stringstream",
     "stdexcept": "invalid_argument length_error logic_error out_of_range runtime_error",
-    "string": "begin data empty end getline size stoi stol stoll stoul stoull string to_string "
+    "string": "begin data empty end getline size stod stoi stol stoll stoul stoull string to_string "
               "to_wstring u16string wstring",
     "string_view": "begin data empty end size string_view wstring_view",
     "system_error": "errc error_code system_error",
     "thread": "this_thread thread",
-    "tuple": "forward_as_tuple get make_tuple tie tuple",
+    "tuple": "apply forward_as_tuple get make_tuple tie tuple",
     "type_traits": "enable_if_t is_same_v is_trivially_copyable_v remove_pointer_t",
     "unordered_map": "unordered_map",
     "unordered_set": "unordered_set",
-    "utility": "as_const declval exchange forward get make_pair move pair swap",
+    "utility": "as_const declval exchange forward get index_sequence make_index_sequence make_pair move pair "
+               "swap",
     "variant": "get get_if holds_alternative monostate variant visit",
     "vector": "begin data empty end size vector",
 }

@@ -1,5 +1,6 @@
 #include "support/MalformedPackets.h"
 
+#include <cstdint>
 #include <cstring>
 #include <optional>
 
