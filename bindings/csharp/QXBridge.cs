@@ -1,5 +1,5 @@
-// QX-Bridge.dll for C#: configuration, instances, apps, programs and events. One file, to be compiled
-// into the host; needs nothing but the base library. bridge.h has the conventions.
+// QX-Bridge.dll for C#: configuration, instances, apps, programs and events. To be compiled into the host
+// with QXBridge.generated.cs; needs nothing but the base library. bridge.h has the conventions.
 
 using System;
 using System.Collections.Generic;
@@ -19,18 +19,6 @@ namespace QXBridge
         Uninstaller,
     }
 
-    /// <summary>Result codes that have a name; others are numbers of errno, or 100000 and a Windows
-    /// error.</summary>
-    public static class Result
-    {
-        public const int Success = 0;
-        public const int Failure = -1;
-        public const int NoEntry = 2;
-        public const int TooBig = 7;
-        public const int Access = 13;
-        public const int InvalidArgument = 22;
-    }
-
     /// <summary>A function of the library answered with a code other than 0, or without its
     /// text.</summary>
     public sealed class BridgeException : Exception
@@ -47,19 +35,6 @@ namespace QXBridge
         public int Code { get; private set; }
     }
 
-    /// <summary>An app was installed or, with IsUpdate, updated.</summary>
-    public sealed class AppInstalled
-    {
-        public string Instance { get; internal set; }
-        public string Package { get; internal set; }
-        public string Activity { get; internal set; }
-        public string AppLabel { get; internal set; }
-        public int VersionCode { get; internal set; }
-        public string VersionName { get; internal set; }
-        public string IconFilePath { get; internal set; }
-        public bool IsUpdate { get; internal set; }
-    }
-
     public delegate void AppInstalledHandler(AppInstalled app);
     public delegate void AppHandler(string instance, string package);
     public delegate void ApkInstallCompletedHandler(string instance, int status, string apkFilePath);
@@ -69,96 +44,8 @@ namespace QXBridge
     public delegate void InstanceHandler(string instance);
     public delegate void AccountListUpdatedHandler(string instance, string emailId, int action);
 
-    /// <summary>The C interface, as bridge.h declares it: a test compares the two. Texts go in as
-    /// bytes with a NUL at their end.</summary>
-    internal static class Native
+    internal static partial class Native
     {
-        private const string Dll = "QX-Bridge.dll";
-        private const CallingConvention Convention = CallingConvention.Cdecl;
-
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnAppInstalled(IntPtr instance, IntPtr package, IntPtr activity,
-            IntPtr appLabel, int versionCode, IntPtr versionName, IntPtr iconFilePath, byte isUpdate);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnAppUninstalled(IntPtr instance, IntPtr package);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnApkInstallCompleted(IntPtr instance, int status, IntPtr apkFilePath);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnInstanceListUpdated();
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeInstallImageProgress(IntPtr imageName, int status, double progress);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnCreateInstanceCompleted(int status, IntPtr instance);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnInstanceConfigurationChanged(IntPtr instance);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnAppDisplayed(IntPtr instance, IntPtr package);
-        [UnmanagedFunctionPointer(Convention)]
-        internal delegate void bridgeOnAccountListUpdated(IntPtr instance, IntPtr emailId, int action);
-
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeApiInit(IntPtr clientId);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeApiInitEx(IntPtr clientId, byte noConfFile, long reserved, byte[] logFilePath);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeApiFini();
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern byte bridgeConfGetBool(byte[] key);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfGetI32(byte[] key);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern long bridgeConfGetI64(byte[] key);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern IntPtr bridgeConfGetString(byte[] key);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern IntPtr bridgeConfGetMultiString(byte[] key);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfSetBool(byte[] key, byte value);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfSetI32(byte[] key, int value);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfSetI64(byte[] key, long value);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfSetString(byte[] key, byte[] value);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfSetMultiString(byte[] key, byte[] value);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfCommit();
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeConfCommitToFile(byte[] path);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern IntPtr bridgeConfGetInstances();
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern void bridgeFreeMemory(IntPtr memory);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeLaunchApp(byte[] instance, byte[] package);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeLaunchAppStore(byte[] instance, byte[] store, byte[] package);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeLaunchUrl(byte[] instance, byte[] url);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeInstallApk(byte[] instance, byte[] apkFilePath);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeUninstallApp(byte[] instance, byte[] package);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeInstallImage(byte[] imageName);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgeCreateFreshInstance(byte[] imageName, byte[] cpu, byte[] ram,
-            byte[] graphicEngine, byte[] graphicRenderer, byte[] deviceProfile);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern int bridgePlrShutdown(byte[] instance, byte flag);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern void bridgeShutdown();
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
-            bridgeOnAppUninstalled onAppUninstalled, bridgeOnApkInstallCompleted onApkInstallCompleted,
-            bridgeOnInstanceListUpdated onInstanceListUpdated, bridgeInstallImageProgress installImageProgress,
-            bridgeOnCreateInstanceCompleted onCreateInstanceCompleted,
-            bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
-            bridgeOnAppDisplayed onAppDisplayed, bridgeOnAccountListUpdated onAccountListUpdated);
-        [DllImport(Dll, CallingConvention = Convention)]
-        internal static extern IntPtr bridgeGetInstalledApps(byte[] instance);
-
         [DllImport("kernel32.dll", CharSet = CharSet.Unicode, SetLastError = true)]
         internal static extern IntPtr LoadLibraryExW(string fileName, IntPtr file, uint flags);
     }

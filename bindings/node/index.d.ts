@@ -4,21 +4,15 @@
  * the process: that is the library's way.
  */
 import { EventEmitter } from 'events';
+import { BridgeEvents } from './bridge.generated';
+
+/** Result codes and events. */
+export * from './bridge.generated';
 
 /** Who the host is. Two hosts of one kind share a server name: only the first gets events. */
 export type ClientId = 'Launcher' | 'Installer' | 'LogCollector' | 'Helper' | 'Uninstaller';
 
 export const CLIENTS: readonly ClientId[];
-
-/** Result codes that have a name; others are numbers of errno, or 100000 and a Windows error. */
-export const RESULT: {
-    readonly SUCCESS: 0;
-    readonly FAILURE: -1;
-    readonly NO_ENTRY: 2;
-    readonly TOO_BIG: 7;
-    readonly ACCESS: 13;
-    readonly INVALID_ARGUMENT: 22;
-};
 
 /** A function of the library answered with a code other than 0, or without its text. */
 export class BridgeError extends Error {
@@ -50,63 +44,6 @@ export interface App {
     versionName: string;
     iconFilePath: string;
 }
-
-export interface AppInstalled extends App {
-    instance: string;
-    /** The package was there before. */
-    isUpdate: boolean;
-}
-export interface AppUninstalled {
-    instance: string;
-    package: string;
-}
-export interface ApkInstallCompleted {
-    instance: string;
-    /** The sender's status number. */
-    status: number;
-    apkFilePath: string;
-}
-/** The instance list changed; the configuration has been loaded again. */
-export interface InstanceListUpdated {}
-export interface InstallImageProgress {
-    imageName: string;
-    status: number;
-    progress: number;
-}
-export interface CreateInstanceCompleted {
-    status: number;
-    instance: string;
-}
-/** The configuration of an instance changed; it has been loaded again. */
-export interface InstanceConfigurationChanged {
-    instance: string;
-}
-/** An app came to the front. */
-export interface AppDisplayed {
-    instance: string;
-    package: string;
-}
-export interface AccountListUpdated {
-    instance: string;
-    emailId: string;
-    /** The sender's action number. */
-    action: number;
-}
-
-export interface BridgeEvents {
-    appInstalled: AppInstalled;
-    appUninstalled: AppUninstalled;
-    apkInstallCompleted: ApkInstallCompleted;
-    instanceListUpdated: InstanceListUpdated;
-    installImageProgress: InstallImageProgress;
-    createInstanceCompleted: CreateInstanceCompleted;
-    instanceConfigurationChanged: InstanceConfigurationChanged;
-    appDisplayed: AppDisplayed;
-    accountListUpdated: AccountListUpdated;
-}
-
-/** Event names by the names of the callbacks of bridge.h. */
-export const EVENTS: Readonly<Record<string, keyof BridgeEvents>>;
 
 /**
  * Typed access to the configuration, by full key: "vtr.<name>" or "vtr.instance.<instance>.<name>".

@@ -2,23 +2,10 @@
 // QX-Bridge.dll for Node.js and Electron. index.d.ts says what each member does.
 
 const { EventEmitter } = require('events');
+const { RESULT, EVENTS } = require('./bridge.generated');
 const native = require('./native');
 
 const CLIENTS = Object.freeze(['Launcher', 'Installer', 'LogCollector', 'Helper', 'Uninstaller']);
-
-const RESULT = Object.freeze({ SUCCESS: 0, FAILURE: -1, NO_ENTRY: 2, TOO_BIG: 7, ACCESS: 13, INVALID_ARGUMENT: 22 });
-
-const EVENTS = Object.freeze({
-    bridgeOnAppInstalled: 'appInstalled',
-    bridgeOnAppUninstalled: 'appUninstalled',
-    bridgeOnApkInstallCompleted: 'apkInstallCompleted',
-    bridgeOnInstanceListUpdated: 'instanceListUpdated',
-    bridgeInstallImageProgress: 'installImageProgress',
-    bridgeOnCreateInstanceCompleted: 'createInstanceCompleted',
-    bridgeOnInstanceConfigurationChanged: 'instanceConfigurationChanged',
-    bridgeOnAppDisplayed: 'appDisplayed',
-    bridgeOnAccountListUpdated: 'accountListUpdated',
-});
 
 class BridgeError extends Error {
     constructor(operation, code) {

@@ -1,55 +1,11 @@
 'use strict';
-// The C interface of QX-Bridge.dll as koffi declares it. The declarations are those of bridge.h,
-// with koffi's names of its types: a test compares the two.
+// The C interface of QX-Bridge.dll, declared to koffi.
 
 const koffi = require('koffi');
 const path = require('path');
+const { CALLBACKS, FUNCTIONS } = require('./bridge.generated');
 
-const CALLBACKS = [
-    'void bridgeOnAppInstalled(const char *instance, const char *package, const char *activity, const char *appLabel, int32_t versionCode, const char *versionName, const char *iconFilePath, bool isUpdate)',
-    'void bridgeOnAppUninstalled(const char *instance, const char *package)',
-    'void bridgeOnApkInstallCompleted(const char *instance, int32_t status, const char *apkFilePath)',
-    'void bridgeOnInstanceListUpdated()',
-    'void bridgeInstallImageProgress(const char *imageName, int32_t status, double progress)',
-    'void bridgeOnCreateInstanceCompleted(int32_t status, const char *instance)',
-    'void bridgeOnInstanceConfigurationChanged(const char *instance)',
-    'void bridgeOnAppDisplayed(const char *instance, const char *package)',
-    'void bridgeOnAccountListUpdated(const char *instance, const char *emailId, int32_t action)',
-];
-
-// BridgeText: a text of the library's, copied and given back to bridgeFreeMemory.
-const FUNCTIONS = [
-    'int32_t bridgeApiInit(const char *clientId)',
-    'int32_t bridgeApiInitEx(const char *clientId, bool noConfFile, int64_t reserved, const char *logFilePath)',
-    'int32_t bridgeApiFini()',
-    'bool bridgeConfGetBool(const char *key)',
-    'int32_t bridgeConfGetI32(const char *key)',
-    'int64_t bridgeConfGetI64(const char *key)',
-    'BridgeText bridgeConfGetString(const char *key)',
-    'BridgeText bridgeConfGetMultiString(const char *key)',
-    'int32_t bridgeConfSetBool(const char *key, bool value)',
-    'int32_t bridgeConfSetI32(const char *key, int32_t value)',
-    'int32_t bridgeConfSetI64(const char *key, int64_t value)',
-    'int32_t bridgeConfSetString(const char *key, const char *value)',
-    'int32_t bridgeConfSetMultiString(const char *key, const char *value)',
-    'int32_t bridgeConfCommit()',
-    'int32_t bridgeConfCommitToFile(const char *path)',
-    'BridgeText bridgeConfGetInstances()',
-    'void bridgeFreeMemory(void *memory)',
-    'int32_t bridgeLaunchApp(const char *instance, const char *package)',
-    'int32_t bridgeLaunchAppStore(const char *instance, const char *store, const char *package)',
-    'int32_t bridgeLaunchUrl(const char *instance, const char *url)',
-    'int32_t bridgeInstallApk(const char *instance, const char *apkFilePath)',
-    'int32_t bridgeUninstallApp(const char *instance, const char *package)',
-    'int32_t bridgeInstallImage(const char *imageName)',
-    'int32_t bridgeCreateFreshInstance(const char *imageName, const char *cpu, const char *ram, const char *graphicEngine, const char *graphicRenderer, const char *deviceProfile)',
-    'int32_t bridgePlrShutdown(const char *instance, bool flag)',
-    'void bridgeShutdown()',
-    'void bridgeRegisterCallbacks(bridgeOnAppInstalled *onAppInstalled, bridgeOnAppUninstalled *onAppUninstalled, bridgeOnApkInstallCompleted *onApkInstallCompleted, bridgeOnInstanceListUpdated *onInstanceListUpdated, bridgeInstallImageProgress *installImageProgress, bridgeOnCreateInstanceCompleted *onCreateInstanceCompleted, bridgeOnInstanceConfigurationChanged *onInstanceConfigurationChanged, bridgeOnAppDisplayed *onAppDisplayed, bridgeOnAccountListUpdated *onAccountListUpdated)',
-    'BridgeText bridgeGetInstalledApps(const char *instance)',
-];
-
-// name and parameter names of a declaration above
+// name and parameter names of a declaration
 function parts(declaration) {
     const [, name, list] = /(\w+)\((.*)\)$/.exec(declaration);
     return { name, parameters: list === '' ? [] : list.split(', ').map((one) => /\w+$/.exec(one)[0]) };
@@ -108,4 +64,4 @@ function callbackPointers(receive) {
     });
 }
 
-module.exports = { CALLBACKS, FUNCTIONS, load, keptText, callbackPointers };
+module.exports = { load, keptText, callbackPointers };

@@ -11,33 +11,13 @@ the function's, ends the process: that is the library's way.
 import atexit
 import ctypes
 import json
-from ctypes import CFUNCTYPE, c_bool, c_char_p, c_double, c_int32, c_int64, c_void_p
-from typing import Any, Callable, Dict, List, NamedTuple, Optional, Sequence, Union
+from ctypes import CFUNCTYPE
+from typing import Any, Callable, Dict, List, Optional, Sequence, Union
+
+from qxbridge_generated import *
+from qxbridge_generated import CALLBACKS, FAILURE, FUNCTIONS, RECORDS, SUCCESS, Callbacks
 
 CLIENTS = ("Launcher", "Installer", "LogCollector", "Helper", "Uninstaller")
-
-SUCCESS = 0
-FAILURE = -1
-NO_ENTRY = 2
-TOO_BIG = 7
-ACCESS = 13
-INVALID_ARGUMENT = 22
-
-# The callbacks and functions of bridge.h, in its order, with its parameter names: a test compares
-# the two. A returned text is an address here, which bridgeFreeMemory wants back.
-_CALLBACKS = {
-    "bridgeOnAppInstalled": dict(
-        instance=c_char_p, package=c_char_p, activity=c_char_p, appLabel=c_char_p,
-        versionCode=c_int32, versionName=c_char_p, iconFilePath=c_char_p, isUpdate=c_bool),
-    "bridgeOnAppUninstalled": dict(instance=c_char_p, package=c_char_p),
-    "bridgeOnApkInstallCompleted": dict(instance=c_char_p, status=c_int32, apkFilePath=c_char_p),
-    "bridgeOnInstanceListUpdated": dict(),
-    "bridgeInstallImageProgress": dict(imageName=c_char_p, status=c_int32, progress=c_double),
-    "bridgeOnCreateInstanceCompleted": dict(status=c_int32, instance=c_char_p),
-    "bridgeOnInstanceConfigurationChanged": dict(instance=c_char_p),
-    "bridgeOnAppDisplayed": dict(instance=c_char_p, package=c_char_p),
-    "bridgeOnAccountListUpdated": dict(instance=c_char_p, emailId=c_char_p, action=c_int32),
-}
 
 
 def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
@@ -47,49 +27,10 @@ def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
     return type(name, (ctypes._CFuncPtr,), members)
 
 
-_CALLBACK_TYPES = {name: _callback_type(name, one) for name, one in _CALLBACKS.items()}
+_CALLBACK_TYPES = {name: _callback_type(name, one) for name, one in CALLBACKS.items()}
 _FUNCTIONS = {
-    "bridgeApiInit": (c_int32, dict(clientId=c_char_p)),
-    "bridgeApiInitEx": (c_int32, dict(
-        clientId=c_char_p, noConfFile=c_bool, reserved=c_int64, logFilePath=c_char_p)),
-    "bridgeApiFini": (c_int32, dict()),
-    "bridgeConfGetBool": (c_bool, dict(key=c_char_p)),
-    "bridgeConfGetI32": (c_int32, dict(key=c_char_p)),
-    "bridgeConfGetI64": (c_int64, dict(key=c_char_p)),
-    "bridgeConfGetString": (c_void_p, dict(key=c_char_p)),
-    "bridgeConfGetMultiString": (c_void_p, dict(key=c_char_p)),
-    "bridgeConfSetBool": (c_int32, dict(key=c_char_p, value=c_bool)),
-    "bridgeConfSetI32": (c_int32, dict(key=c_char_p, value=c_int32)),
-    "bridgeConfSetI64": (c_int32, dict(key=c_char_p, value=c_int64)),
-    "bridgeConfSetString": (c_int32, dict(key=c_char_p, value=c_char_p)),
-    "bridgeConfSetMultiString": (c_int32, dict(key=c_char_p, value=c_char_p)),
-    "bridgeConfCommit": (c_int32, dict()),
-    "bridgeConfCommitToFile": (c_int32, dict(path=c_char_p)),
-    "bridgeConfGetInstances": (c_void_p, dict()),
-    "bridgeFreeMemory": (None, dict(memory=c_void_p)),
-    "bridgeLaunchApp": (c_int32, dict(instance=c_char_p, package=c_char_p)),
-    "bridgeLaunchAppStore": (c_int32, dict(instance=c_char_p, store=c_char_p, package=c_char_p)),
-    "bridgeLaunchUrl": (c_int32, dict(instance=c_char_p, url=c_char_p)),
-    "bridgeInstallApk": (c_int32, dict(instance=c_char_p, apkFilePath=c_char_p)),
-    "bridgeUninstallApp": (c_int32, dict(instance=c_char_p, package=c_char_p)),
-    "bridgeInstallImage": (c_int32, dict(imageName=c_char_p)),
-    "bridgeCreateFreshInstance": (c_int32, dict(
-        imageName=c_char_p, cpu=c_char_p, ram=c_char_p, graphicEngine=c_char_p,
-        graphicRenderer=c_char_p, deviceProfile=c_char_p)),
-    "bridgePlrShutdown": (c_int32, dict(instance=c_char_p, flag=c_bool)),
-    "bridgeShutdown": (None, dict()),
-    "bridgeRegisterCallbacks": (None, dict(
-        onAppInstalled=_CALLBACK_TYPES["bridgeOnAppInstalled"],
-        onAppUninstalled=_CALLBACK_TYPES["bridgeOnAppUninstalled"],
-        onApkInstallCompleted=_CALLBACK_TYPES["bridgeOnApkInstallCompleted"],
-        onInstanceListUpdated=_CALLBACK_TYPES["bridgeOnInstanceListUpdated"],
-        installImageProgress=_CALLBACK_TYPES["bridgeInstallImageProgress"],
-        onCreateInstanceCompleted=_CALLBACK_TYPES["bridgeOnCreateInstanceCompleted"],
-        onInstanceConfigurationChanged=_CALLBACK_TYPES["bridgeOnInstanceConfigurationChanged"],
-        onAppDisplayed=_CALLBACK_TYPES["bridgeOnAppDisplayed"],
-        onAccountListUpdated=_CALLBACK_TYPES["bridgeOnAccountListUpdated"])),
-    "bridgeGetInstalledApps": (c_void_p, dict(instance=c_char_p)),
-}
+    name: (result, {one: _CALLBACK_TYPES.get(type_, type_) for one, type_ in parameters.items()})
+    for name, (result, parameters) in FUNCTIONS.items()}
 
 
 class BridgeError(Exception):
@@ -99,37 +40,6 @@ class BridgeError(Exception):
         super().__init__(f"{operation} failed with {code}; the log has the cause")
         self.operation = operation
         self.code = code
-
-
-class AppInstalled(NamedTuple):
-    """An app was installed or, with is_update, updated."""
-
-    instance: str
-    package: str
-    activity: str
-    app_label: str
-    version_code: int
-    version_name: str
-    icon_file_path: str
-    is_update: bool
-
-
-class Callbacks(NamedTuple):
-    """The host's functions; any may be None.
-
-    They run on the library's event thread, one after another. What one of them raises goes to
-    sys.unraisablehook. The names of the arguments are those of bridge.h.
-    """
-
-    app_installed: Optional[Callable[[AppInstalled], Any]] = None
-    app_uninstalled: Optional[Callable[[str, str], Any]] = None
-    apk_install_completed: Optional[Callable[[str, int, str], Any]] = None
-    instance_list_updated: Optional[Callable[[], Any]] = None
-    install_image_progress: Optional[Callable[[str, int, float], Any]] = None
-    create_instance_completed: Optional[Callable[[int, str], Any]] = None
-    instance_configuration_changed: Optional[Callable[[str], Any]] = None
-    app_displayed: Optional[Callable[[str, str], Any]] = None
-    account_list_updated: Optional[Callable[[str, str, int], Any]] = None
 
 
 # What the library keeps pointers to. Never freed: events can come until the process ends.
@@ -177,8 +87,8 @@ def _function_pointer(name: str, function: Optional[Callable[..., Any]]) -> Any:
     def call(*values: Any) -> None:
         # The bytes live as long as the call.
         plain = [_text(one) if isinstance(one, bytes) else one for one in values]
-        if name == "bridgeOnAppInstalled":
-            function(AppInstalled(*plain))
+        if name in RECORDS:
+            function(RECORDS[name](*plain))
         else:
             function(*plain)
 
@@ -328,7 +238,7 @@ class Bridge:
             # The library calls the function for the instance list only with the one for APK files.
             functions = functions._replace(apk_install_completed=lambda *_: None)
         pointers = [_function_pointer(name, function)
-                    for name, function in zip(_CALLBACKS, functions)]
+                    for name, function in zip(CALLBACKS, functions)]
         _kept_callbacks.append(pointers)
         self._calls.value("bridgeRegisterCallbacks", *pointers)
 

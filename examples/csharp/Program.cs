@@ -1,6 +1,6 @@
 // A small host in C#: example.exe [EVENTS], beside QX-Bridge.dll
 // Lists the instances, reads a setting, waits for so many events (none without the number), ends.
-// Compile it together with bindings/csharp/QXBridge.cs, for 64 bits.
+// Compile it together with the files of bindings/csharp, for 64 bits.
 
 using System;
 using System.IO;

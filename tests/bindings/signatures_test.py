@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The bindings declare what bridge.h declares: names, parameters and their order, types, results and
-constants. bridge.h is the only truth; each binding is read from its source. The second half of this
-test changes the header in memory and sees to it that each change is found in each binding."""
+constants. bridge.h is the only truth; each binding is read from its generated file. The second half of
+this test changes the header in memory and sees to it that each change is found in each binding."""
 
 import ctypes
 import pathlib
@@ -11,58 +11,28 @@ import unittest
 
 sys.dont_write_bytecode = True
 TREE = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(TREE / "bindings" / "python"))
+sys.path[:0] = [str(TREE / "bindings" / "python"), str(TREE / "toolchain" / "bindings")]
+import header  # noqa: E402
+from header import callback_names, parameters_of, result_codes, without_comments  # noqa: E402
 
-# Every reader below answers {name: (result, [(type, parameter), ...])} in these words:
-#     text      a text that the host passes, or that a callback gets
-#     returned  a text that the host gives back to bridgeFreeMemory
-#     memory, bool, i32, i64, double, void, and the name of a callback
+# Every reader below answers {name: (result, [(type, parameter), ...])} in the words of
+# header.Signature.
 
 
 def header_text():
     return (TREE / "include/bridge/bridge.h").read_text("utf-8")
 
 
-def node_text(name="native.js"):
+def node_text(name="bridge.generated.js"):
     return (TREE / "bindings/node" / name).read_text("utf-8")
 
 
 def csharp_text():
-    return (TREE / "bindings/csharp/QXBridge.cs").read_text("utf-8")
+    return (TREE / "bindings/csharp/QXBridge.generated.cs").read_text("utf-8")
 
 
-def without_comments(text):
-    return re.sub(r"/\*.*?\*/|//[^\n]*", " ", text, flags=re.S)
-
-
-def parameters_of(text, words):
-    """The parameters of a list like "T a, U b". Types that words lacks fail the test."""
-    text = " ".join(text.split())
-    if text in ("", "void"):
-        return []
-    parameters = []
-    for one in text.split(","):
-        match = re.fullmatch(r"\s*(.*?)\s*(\w+)\s*", one)
-        parameters.append((words[match[1].replace(" *", "*")], match[2]))
-    return parameters
-
-
-def callback_names(header):
-    return re.findall(r"typedef void\(BRIDGE_CALL\* (\w+)\)", header)
-
-
-def read_header(header):
-    text = without_comments(header)
-    words = {"const char*": "text", "char*": "returned", "bridge_bool": "bool", "bridge_i32": "i32",
-             "bridge_i64": "i64", "double": "double", "void*": "memory", "void": "void"}
-    words.update({name: name for name in callback_names(text)})
-    found = {}
-    for name, list_ in re.findall(r"typedef void\(BRIDGE_CALL\* (\w+)\)\((.*?)\);", text, re.S):
-        found[name] = ("void", parameters_of(list_, words))
-    pattern = r"BRIDGE_API ([\w ]+?\*?) ?BRIDGE_CALL\s+(\w+)\((.*?)\);"
-    for result, name, list_ in re.findall(pattern, text, re.S):
-        found[name] = (words[result], parameters_of(list_, words))
-    return found
+def read_header(text):
+    return {**header.callbacks(text), **header.functions(text)}
 
 
 def read_node(text):
@@ -111,7 +81,7 @@ def read_python(callbacks, callback_types, functions):
 
 def python_binding():
     import qxbridge
-    return read_python(qxbridge._CALLBACKS, qxbridge._CALLBACK_TYPES, qxbridge._FUNCTIONS)
+    return read_python(qxbridge.CALLBACKS, qxbridge._CALLBACK_TYPES, qxbridge._FUNCTIONS)
 
 
 BINDINGS = {
@@ -121,26 +91,20 @@ BINDINGS = {
 }
 
 
-def result_codes(header):
-    codes = dict(re.findall(r"^#define BRIDGE_([A-Z_]+) \(?(-?\d+)\)?(?: |$)", header, re.M))
-    return {name: int(code) for name, code in codes.items() if not name.startswith("VERSION")}
-
-
-def differences(header, binding):
+def differences(declared, binding):
     """What of a binding is not as the header has it, one line each."""
-    lines = [f"{name} is missing" for name in header.keys() - binding.keys()]
-    lines += [f"{name} does not exist" for name in binding.keys() - header.keys()]
-    for name in header.keys() & binding.keys():
-        if header[name] != binding[name]:
-            lines.append(f"{name}: the header has {header[name]}, the binding {binding[name]}")
+    lines = [f"{name} is missing" for name in declared.keys() - binding.keys()]
+    lines += [f"{name} does not exist" for name in binding.keys() - declared.keys()]
+    for name in declared.keys() & binding.keys():
+        if declared[name] != binding[name]:
+            lines.append(f"{name}: the header has {declared[name]}, the binding {binding[name]}")
     return sorted(lines)
 
 
 class SignaturesTest(unittest.TestCase):
     def test_the_header_is_read_whole(self):
         found = read_header(header_text())
-        self.assertEqual(len(callback_names(header_text())), 9)
-        self.assertEqual(len(found), 28 + 9)
+        self.assertEqual(len(found), header.declarations(header_text()))
         exports = (TREE / "Source/bridge/QX-Bridge.def").read_text().split("EXPORTS")[1].split()
         self.assertEqual(sorted(found.keys() - set(callback_names(header_text()))), sorted(exports))
 
@@ -154,9 +118,9 @@ class SignaturesTest(unittest.TestCase):
         codes = result_codes(header_text())
         self.assertEqual(len(codes), 6)
         self.assertEqual({name: getattr(qxbridge, name) for name in codes}, codes)
-        pairs = re.findall(r"(\w+): (-?\d+)", re.search(r"RESULT = .*\n", node_text("index.js"))[0])
+        pairs = re.findall(r"(\w+): (-?\d+)", re.search(r"RESULT = .*?;", node_text(), re.S)[0])
         self.assertEqual({name: int(code) for name, code in pairs}, codes)
-        pairs = re.findall(r"readonly ([A-Z_]+): (-?\d+);", node_text("index.d.ts"))
+        pairs = re.findall(r"readonly ([A-Z_]+): (-?\d+);", node_text("bridge.generated.d.ts"))
         self.assertEqual({name: int(code) for name, code in pairs}, codes)
         pairs = re.findall(r"public const int (\w+) = (-?\d+);", csharp_text())
         self.assertEqual({name: int(code) for name, code in pairs},
@@ -168,20 +132,19 @@ class SignaturesTest(unittest.TestCase):
 
     def test_the_types_of_nodes_events(self):
         types = {"text": "string", "i32": "number", "double": "number", "bool": "boolean"}
-        text = without_comments(node_text("index.d.ts"))
-        events = dict(re.findall(r"(bridge\w+): '(\w+)'", node_text("index.js")))
+        text = without_comments(node_text("bridge.generated.d.ts"))
+        events = dict(re.findall(r"(bridge\w+): '(\w+)'", node_text()))
         declared = dict(re.findall(r"^    (\w+): (\w+);$", re.search(r"interface BridgeEvents \{(.*?)\n\}", text, re.S)[1], re.M))
-        header = read_header(header_text())
+        declarations = read_header(header_text())
         self.assertEqual(list(events), callback_names(header_text()))
         self.assertEqual(list(declared), list(events.values()))
 
         def members(interface):
-            base, body = re.search(rf"interface {interface} (?:extends (\w+) )?\{{(.*?)\}}", text, re.S).groups()
-            found = dict(re.findall(r"(\w+): (\w+);", body))
-            return {**(members(base) if base else {}), **found}
+            body = re.search(rf"interface {interface} \{{(.*?)\}}", text, re.S)[1]
+            return dict(re.findall(r"(\w+): (\w+);", body))
 
         for callback, event in events.items():
-            expected = {one: types[type_] for type_, one in header[callback][1]}
+            expected = {one: types[type_] for type_, one in declarations[callback][1]}
             self.assertEqual(members(declared[event]), expected, event)
 
     def test_the_python_callbacks_are_in_the_headers_order(self):
@@ -189,7 +152,7 @@ class SignaturesTest(unittest.TestCase):
         names = [re.sub(r"^bridge(On)?", "", name) for name in callback_names(header_text())]
         snake = [re.sub(r"(?<!^)([A-Z])", r"_\1", name).lower() for name in names]
         self.assertEqual(list(qxbridge.Callbacks._fields), snake)
-        self.assertEqual(list(qxbridge._CALLBACKS), callback_names(header_text()))
+        self.assertEqual(list(qxbridge.CALLBACKS), callback_names(header_text()))
 
 
 # Changes of the header that a binding would have to follow: what, by what, and which name differs.
@@ -206,10 +169,10 @@ MUTATIONS = [
 ]
 
 
-def mutations(header):
+def mutations(text):
     yield from MUTATIONS
     # Each callback: one parameter more.
-    for name in callback_names(header):
+    for name in callback_names(text):
         yield rf"\(BRIDGE_CALL\* {name}\)\((void\)|)", rf"(BRIDGE_CALL* {name})(bridge_i64 more, \1", name
 
 
@@ -225,14 +188,14 @@ class DriftIsFoundTest(unittest.TestCase):
                     lines = differences(read_header(changed), read())
                     self.assertTrue(any(line.startswith(name) for line in lines), lines)
                     count += 1
-        self.assertEqual(count, (len(MUTATIONS) + 9) * len(BINDINGS))
+        self.assertEqual(count, (len(MUTATIONS) + len(callback_names(header_text()))) * len(BINDINGS))
 
     def test_of_a_single_parameter_in_a_binding(self):
-        header = read_header(header_text())
+        declarations = read_header(header_text())
         changed = node_text().replace("(const char *instance, bool flag)", "(const char *instance, int32_t flag)")
-        self.assertRegex(differences(header, read_node(changed))[0], "^bridgePlrShutdown: ")
+        self.assertRegex(differences(declarations, read_node(changed))[0], "^bridgePlrShutdown: ")
         changed = csharp_text().replace("bridgePlrShutdown(byte[] instance, byte flag)", "bridgePlrShutdown(byte[] instance, int flag)")
-        self.assertRegex(differences(header, read_csharp(changed))[0], "^bridgePlrShutdown: ")
+        self.assertRegex(differences(declarations, read_csharp(changed))[0], "^bridgePlrShutdown: ")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+"""The keys and codes of the bindings are those of the listing that is kept with the tests, and of the
+page of codes."""
+
+import ast
+import pathlib
+import re
+import sys
+import unittest
+
+sys.dont_write_bytecode = True
+TREE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(TREE / "bindings" / "python"))
+import qxbridge_generated  # noqa: E402
+
+
+def listed_keys():
+    """The listing has each registration; the last one of a name counts."""
+    keys = {}
+    for line in (TREE / "tests/conf/catalogue.tsv").read_text("utf-8").splitlines():
+        if line and not line.startswith("#"):
+            scope, name, type_, default = line.split("\t")[:4]
+            keys[scope, name] = (scope, name, type_, default)
+    return [keys[one] for one in sorted(keys)]
+
+
+def listed_codes():
+    page = (TREE / "docs/codes.md").read_text("utf-8")
+    rows = re.findall(r"^\| (-?\d+) \| `(XERR_\w+)` \| (.*?) \|", page, re.M)
+    return [(int(number), name, text) for number, name, text in rows]
+
+
+def records(text, opening, members):
+    """The records of a generated file, whose texts are written as Python's are."""
+    pattern = opening + r" \{ " + ", ".join(rf"{one}(?: =|:) (?P<{one}>.*?)" for one in members) + r" \},"
+    return [tuple(ast.literal_eval(one[member]) for member in members)
+            for one in re.finditer(pattern, text)]
+
+
+KEY = ("scope", "name", "type", "default")
+CODE = ("number", "name", "text")
+
+
+def read_node(members):
+    text = (TREE / "bindings/node/bridge.generated.js").read_text("utf-8")
+    return records(text, "   ", members)
+
+
+def read_csharp(type_, members):
+    text = (TREE / "bindings/csharp/QXBridge.generated.cs").read_text("utf-8")
+    return records(text, f"new {type_}", [one.title() for one in members])
+
+
+class TablesTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_keys(self):
+        expected = listed_keys()
+        self.assertIn(("global", "key_controls_overlay_opacity", "i32", "80"), expected)
+        self.assertEqual([tuple(one) for one in qxbridge_generated.KEYS], expected)
+        self.assertEqual(read_node(KEY), expected)
+        self.assertEqual(read_csharp("Key", KEY), expected)
+
+    def test_codes(self):
+        expected = listed_codes()
+        self.assertIn((98, "XERR_ADDRINUSE", "the name or address is in use"), expected)
+        self.assertEqual([tuple(one) for one in qxbridge_generated.CODES], expected)
+        self.assertEqual(read_node(CODE), expected)
+        self.assertEqual(read_csharp("Code", CODE), expected)
+
+
+if __name__ == "__main__":
+    unittest.main()

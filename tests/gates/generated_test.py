@@ -1,0 +1,146 @@
+#!/usr/bin/env python3
+"""The gate over generated files finds each fault that it is there for, in a copy of what is generated
+and of what that is made from."""
+
+import contextlib
+import io
+import pathlib
+import shutil
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+import generated
+from generated import generate
+
+NODE = "bindings/node/bridge.generated.js"
+TYPES = "bindings/node/bridge.generated.d.ts"
+CSHARP = "bindings/csharp/QXBridge.generated.cs"
+PYTHON = "bindings/python/qxbridge_generated.py"
+HEADER, CATALOGUE, CODES, WORDS = generate.interface.SOURCES
+
+
+def fault(name):
+    return f"{name} is not what ./run generate writes"
+
+
+class GeneratedTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="generated.")
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+        for name in (*generate.interface.SOURCES, NODE, TYPES, CSHARP, PYTHON):
+            (self.root / name).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(generated.TREE / name, self.root / name)
+
+    def change(self, name, old, new):
+        path = self.root / name
+        text = path.read_text("utf-8")
+        self.assertEqual(text.count(old), 1, old)
+        path.write_text(text.replace(old, new), encoding="utf-8")
+
+    def run_gate(self):
+        """Exit status and lines of the program."""
+        with contextlib.redirect_stdout(io.StringIO()) as output:
+            status = generated.main(self.root)
+        return status, output.getvalue().splitlines()
+
+    def expect(self, *lines):
+        self.assertEqual(self.run_gate(), (1, list(lines)))
+
+    def generate(self):
+        with contextlib.redirect_stdout(io.StringIO()) as output:
+            generate.main(self.root)
+        return output.getvalue().splitlines()
+
+    def test_the_tree_as_it_is_passes(self):
+        self.assertEqual(self.run_gate(), (0, ["4 files"]))
+
+    def test_a_generated_file_that_was_edited(self):
+        for name, old, new in ((NODE, "SUCCESS: 0", "SUCCESS: 1"), (TYPES, "boolean", "number"),
+                               (CSHARP, "TooBig = 7", "TooBig = 8"), (PYTHON, "ACCESS = 13\n", "")):
+            with self.subTest(name):
+                self.change(name, old, new)
+                self.expect(fault(name))
+                self.assertEqual(self.generate(), [name])
+
+    def test_a_generated_file_with_other_line_ends(self):
+        text = (self.root / CSHARP).read_bytes()
+        (self.root / CSHARP).write_bytes(text.replace(b"\n", b"\r\n"))
+        self.expect(fault(CSHARP))
+
+    def test_a_generated_file_that_is_missing(self):
+        (self.root / PYTHON).unlink()
+        self.expect(fault(PYTHON))
+        self.assertEqual(self.generate(), [PYTHON])
+
+    def test_a_function_that_the_header_has_more(self):
+        self.change(HEADER, "/** Asks the multi-instance manager and then",
+                    "/** Another. */\nBRIDGE_API bridge_i32 BRIDGE_CALL bridgeAnother(void* one);\n\n"
+                    "/** Asks the multi-instance manager and then")
+        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+        self.assertEqual(self.generate(), [NODE, CSHARP, PYTHON])
+        self.assertEqual(self.run_gate(), (0, ["4 files"]))
+        for name, text in ((NODE, "int32_t bridgeAnother(void *one)"),
+                           (CSHARP, "internal static extern int bridgeAnother(IntPtr one);"),
+                           (PYTHON, '"bridgeAnother": (c_int32, dict(one=c_void_p)),')):
+            self.assertIn(text, (self.root / name).read_text("utf-8"))
+
+    def test_a_value_that_an_event_has_more(self):
+        self.change(HEADER, " * @param action   the sender's action number\n",
+                    " * @param action   the sender's action number\n * @param at when\n")
+        self.change(HEADER, "bridge_i32 action);", "bridge_i32 action, double at);")
+        self.expect(fault(NODE), fault(TYPES), fault(CSHARP), fault(PYTHON))
+        self.generate()
+        self.assertIn("    /** when */\n    at: number;\n", (self.root / TYPES).read_text("utf-8"))
+        for name, text in ((CSHARP, "public sealed class AccountListUpdated\n"),
+                           (PYTHON, "class AccountListUpdated(NamedTuple):\n")):
+            self.assertIn(text, (self.root / name).read_text("utf-8"), "four values are a record")
+
+    def test_a_result_code_and_the_version(self):
+        self.change(HEADER, "#define BRIDGE_ACCESS 13 ", "#define BRIDGE_ACCESS 14 ")
+        self.expect(fault(NODE), fault(TYPES), fault(CSHARP), fault(PYTHON))
+        self.generate()
+        self.change(HEADER, 'BRIDGE_VERSION_TEXT "', 'BRIDGE_VERSION_TEXT "1')
+        self.expect(fault(NODE), fault(PYTHON))
+
+    def test_a_property_that_differs(self):
+        for old, new in (('{"country", ConfType::String, ""', '{"country", ConfType::Bool, ""'),
+                         ('"Ctrl + Shift + L"', '"Ctrl + Shift + R"'),
+                         ('{"dpi", ', '{"dots", '),
+                         ('    {"ram", ConfType::I32, "", kDumped},\n', "")):
+            with self.subTest(old):
+                self.change(CATALOGUE, old, new)
+                self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+                self.generate()
+
+    def test_a_code_and_its_words(self):
+        self.change(CODES, "X(7, 2BIG) ", "X(9999, 2BIG) ")
+        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+        self.generate()
+        self.change(WORDS, '"too long"', '"too big"')
+        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+
+    def test_a_file_with_the_mark_that_nothing_writes(self):
+        old = "bindings/node/old.generated.js"
+        shutil.copy(self.root / NODE, self.root / old)
+        self.expect(f"{old} is marked as generated, and ./run generate does not write it")
+
+    def test_what_cannot_be_read_is_an_error(self):
+        for name, old, new in (
+                (HEADER, "BRIDGE_API void BRIDGE_CALL bridgeShutdown(void);",
+                 "BRIDGE_API unsigned bridge_i32 * BRIDGE_CALL bridgeShutdown(void);"),
+                (HEADER, "BRIDGE_CALL bridgeFreeMemory(void* memory)",
+                 "BRIDGE_CALL bridgeFreeMemory(const void* memory)"),
+                (CATALOGUE, '{"dpi", ConfType::I32, "240", kDumped}', '{"dpi", ConfType::I32, kDpi, kDumped}'),
+                (CATALOGUE, "kInstanceRows[] = {", "kRows[] = {"),
+                (WORDS, "case XErrCode::XERR_PERM:", "case XErrCode::XERR_OTHER:")):
+            with self.subTest(old):
+                self.change(name, old, new)
+                self.assertRaises((KeyError, ValueError), generated.main, self.root)
+                shutil.copy(generated.TREE / name, self.root / name)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+"""generate.py [TREE]: writes those files of the bindings that only repeat what bridge.h and the tables
+in Source/ say. `differences` is for the gate."""
+
+import pathlib
+import sys
+from typing import Dict, List
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+import csharp
+import interface
+import node
+import python
+
+TREE = pathlib.Path(__file__).resolve().parents[2]
+
+
+def files(tree: pathlib.Path) -> Dict[str, str]:
+    """Path below the tree -> what is to be in it."""
+    read = interface.read(tree)
+    return {"bindings/node/bridge.generated.js": node.script(read),
+            "bindings/node/bridge.generated.d.ts": node.types(read),
+            "bindings/csharp/QXBridge.generated.cs": csharp.source(read),
+            "bindings/python/qxbridge_generated.py": python.module(read)}
+
+
+def found(tree: pathlib.Path, name: str) -> str:
+    path = tree / name
+    return path.read_bytes().decode("utf-8") if path.exists() else ""
+
+
+def marked(tree: pathlib.Path) -> List[str]:
+    """The files of the bindings that say of themselves that they are generated."""
+    paths = (path for path in (tree / "bindings").rglob("*") if path.is_file())
+    return sorted(str(path.relative_to(tree)) for path in paths
+                  if interface.MARK[0].encode() in path.read_bytes())
+
+
+def differences(tree: pathlib.Path) -> List[str]:
+    """What is not as this program writes it, one line each."""
+    wanted = files(tree)
+    lines = [f"{name} is not what ./run generate writes" for name, text in wanted.items()
+             if found(tree, name) != text]
+    lines += [f"{name} is marked as generated, and ./run generate does not write it"
+              for name in marked(tree) if name not in wanted]
+    return lines
+
+
+def main(tree: pathlib.Path) -> None:
+    for name, text in files(tree).items():
+        if found(tree, name) != text:
+            (tree / name).write_bytes(text.encode("utf-8"))
+            print(name)
+
+
+if __name__ == "__main__":
+    main(pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else TREE)

@@ -1,0 +1,59 @@
+"""The properties and the result codes, as the tables in Source/ have them."""
+
+import re
+from typing import Dict, List, NamedTuple
+
+# The names that `bridgectl catalogue` prints.
+TYPES = {"I32": "i32", "I64": "i64", "MultiString": "multi-string", "Bool": "bool",
+         "String": "string"}
+
+LITERAL = r'"((?:[^"\\]|\\.)*)"'
+
+
+class Key(NamedTuple):
+    scope: str
+    name: str
+    type: str
+    default: str
+
+
+class Code(NamedTuple):
+    number: int
+    name: str
+    text: str
+
+
+def rows_of(table: str, scope: str) -> List[Key]:
+    """The rows in byte order. A second registration of a name replaces the first."""
+    pattern = rf"\{{{LITERAL},\s*ConfType::(\w+),\s*{LITERAL},\s*(?:kDumped|kExcluded)\}}"
+    rows = re.findall(pattern, table)
+    if len(rows) != table.count("ConfType::") or any("\\" in "".join(row) for row in rows):
+        raise ValueError(f"a row of the {scope} properties cannot be read")
+    keys = {name: Key(scope, name, TYPES[type_], default) for name, type_, default in rows}
+    return [keys[name] for name in sorted(keys)]
+
+
+def keys(catalogue: str) -> List[Key]:
+    """From the text of ConfCatalogueTable.cpp."""
+    found = []
+    for scope, variable in (("global", "kGlobalRows"), ("instance", "kInstanceRows")):
+        table = re.search(rf"\b{variable}\[\] = \{{(.*?)\n\}};", catalogue, re.S)
+        if table is None:
+            raise ValueError(f"there is no table {variable}")
+        found += rows_of(table[1], scope)
+    return found
+
+
+def meanings(words: str) -> Dict[str, str]:
+    return dict(re.findall(rf'case XErrCode::(\w+):\s*return {LITERAL};', words))
+
+
+def codes(table: str, words: str) -> List[Code]:
+    """From the texts of XerrTable.h and ResultCodes.cpp. A code without words is a KeyError."""
+    macro = re.search(r"#define XERR_CODES\(X\)(.*?[^\\])\n", table, re.S)[1]
+    texts = meanings(words)
+    found = [Code(int(number), f"XERR_{name}", texts[f"XERR_{name}"])
+             for number, name in re.findall(r"X\((-?\d+), (\w+)\)", macro)]
+    if len(found) != macro.count("X("):
+        raise ValueError("a row of XERR_CODES cannot be read")
+    return found
