@@ -3,7 +3,9 @@
 
 import ctypes
 import gc
+import inspect
 import pathlib
+import re
 import subprocess
 import sys
 import unittest
@@ -18,6 +20,28 @@ LIBRARY = sys.argv.pop(1)
 fake = ctypes.CDLL(LIBRARY)
 fake.fakeCalls.restype = ctypes.c_char_p
 fake.fakeClient.restype = ctypes.c_char_p
+
+
+# Functions whose method has another name than theirs, or that have none.
+METHODS = {"bridgeConfGetInstances": "instances", "bridgeGetInstalledApps": "apps",
+           "bridgePlrShutdown": "shutdown_player", "bridgeRegisterCallbacks": "register",
+           "bridgeApiInit": None, "bridgeApiInitEx": None, "bridgeApiFini": None,
+           "bridgeFreeMemory": None}
+
+
+def method_of(bridge, function):
+    """bridgeConfGetBool -> conf.get_bool; bridgeLaunchApp -> launch_app"""
+    name = METHODS.get(function) or re.sub(r"(?<!^)([A-Z])", r"_\1", function[len("bridge"):]).lower()
+    if function not in METHODS and name.startswith("conf_"):
+        return getattr(bridge.conf, name[len("conf_"):])
+    return getattr(bridge, name)
+
+
+def arguments_of(method):
+    """A value for each parameter, by its type: a text's is its name."""
+    values = {int: 7, bool: True, Callbacks: Callbacks()}
+    return [values.get(one.annotation, one.name)
+            for one in inspect.signature(method).parameters.values()]
 
 
 class PythonTest(unittest.TestCase):
@@ -179,6 +203,18 @@ class PythonTest(unittest.TestCase):
             "bridgeInstallApk N f", "bridgeUninstallApp N p", "bridgeInstallImage I",
             "bridgeCreateFreshInstance I 2 2048 aga dx s21", "bridgePlrShutdown N 0",
             "bridgePlrShutdown N 1", "bridgeShutdown"])
+
+    def test_each_function_is_called_by_the_method_of_its_name(self):
+        for function in qxbridge.FUNCTIONS:
+            if METHODS.get(function, function) is None:
+                continue
+            with self.subTest(function):
+                method = method_of(self.bridge, function)
+                values = arguments_of(method)
+                method(*values)
+                shown = [str(int(one)) if isinstance(one, bool) else str(one) for one in values
+                         if not isinstance(one, Callbacks)]
+                self.assertEqual(self.taken(), [" ".join([function, *shown])])
 
     def collecting(self, seen):
         def collect(name):

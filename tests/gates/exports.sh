@@ -9,11 +9,11 @@ reviewed=$(sed -n 's/^    \([A-Za-z0-9]*\)$/\1/p' "$def" | sort)
 exported=$("$readobj" --coff-exports "$dll" | sed -n 's/^ *Name: \(..*\)$/\1/p' | sort)
 declared=$(grep -o 'BRIDGE_CALL bridge[A-Za-z0-9]*(' "$header" | sed 's/BRIDGE_CALL //; s/($//' | sort)
 
-[ "$(wc -l <<<"$reviewed")" = 28 ] || { echo "the list has not 28 names"; exit 1; }
+[ -n "$reviewed" ] || { echo "the list is empty"; exit 1; }
 diff <(echo "$reviewed") <(echo "$exported") || { echo "the library exports other names"; exit 1; }
 diff <(echo "$reviewed") <(echo "$declared") || { echo "the header declares other names"; exit 1; }
 for library in "$@"; do
     offered=$("$nm" "$library" 2>/dev/null | sed -n 's/.* __imp_\(bridge.*\)$/\1/p' | sort -u)
     diff <(echo "$reviewed") <(echo "$offered") || { echo "$library offers other names"; exit 1; }
 done
-echo "28 names: reviewed, exported, declared, and offered by $# import libraries"
+echo "$(wc -l <<<"$reviewed") names: reviewed, exported, declared, and offered by $# import libraries"

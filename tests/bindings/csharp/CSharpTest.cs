@@ -3,6 +3,8 @@
 
 using System;
 using System.Collections.Generic;
+using System.Linq;
+using System.Reflection;
 using System.Runtime.InteropServices;
 using System.Text;
 using System.Threading;
@@ -154,6 +156,63 @@ static class CSharpTest
         fakeReset();
     }
 
+    // Functions whose method has another name than theirs, or that have none.
+    static readonly Dictionary<string, string> Methods = new Dictionary<string, string>
+    {
+        { "bridgeConfGetInstances", "InstancesJson" }, { "bridgeGetInstalledApps", "AppsJson" },
+        { "bridgePlrShutdown", "ShutdownPlayer" }, { "bridgeRegisterCallbacks", "Listen" },
+        { "bridgeApiInit", null }, { "bridgeApiInitEx", null }, { "bridgeApiFini", null },
+        { "bridgeFreeMemory", null },
+    };
+
+    // A value of a parameter's type: a text is its name.
+    static object ValueOf(ParameterInfo parameter)
+    {
+        if (parameter.ParameterType == typeof(int)) return 7;
+        if (parameter.ParameterType == typeof(long)) return 7L;
+        if (parameter.ParameterType == typeof(bool)) return true;
+        if (parameter.ParameterType == typeof(string[])) return new[] { parameter.Name };
+        return parameter.Name;
+    }
+
+    static string Shown(object value)
+    {
+        if (value is bool) return (bool)value ? "1" : "0";
+        string[] elements = value as string[];
+        return elements == null ? value.ToString() : string.Join(",", elements);
+    }
+
+    static void CalledByItsMethod(Session session, string function)
+    {
+        string name;
+        if (!Methods.TryGetValue(function, out name)) name = function.Substring("bridge".Length);
+        if (name == null) return;
+        object target = session;
+        if (!Methods.ContainsKey(function) && name.StartsWith("Conf"))
+        {
+            target = session.Conf;
+            name = name.Substring("Conf".Length);
+        }
+        MethodInfo method = target.GetType().GetMethod(name);
+        Equal(function + " has a method", function + (method == null ? " has none: " + name : " has a method"));
+        object[] values = Array.ConvertAll(method.GetParameters(), ValueOf);
+        method.Invoke(target, values);
+        Called(string.Join(" ", new[] { function }.Concat(Array.ConvertAll(values, Shown))));
+    }
+
+    static void EachFunctionByItsMethod(Session session)
+    {
+        Type native = typeof(Session).Assembly.GetType("QXBridge.Native");
+        int functions = 0;
+        foreach (MethodInfo method in native.GetMethods(BindingFlags.NonPublic | BindingFlags.Static))
+        {
+            if (!method.Name.StartsWith("bridge")) continue;
+            CalledByItsMethod(session, method.Name);
+            ++functions;
+        }
+        Equal(true, functions > Methods.Count);
+    }
+
     static void Listings(Session session)
     {
         Equal(true, session.InstancesJson().Contains("\"displayName\":\"Größe\""));
@@ -179,9 +238,8 @@ static class CSharpTest
         session.AccountListUpdated += (instance, email, action) => seen.Add(instance + "|" + email + "|" + action);
         session.HandlerFailed += exception => seen.Add("failed: " + exception.Message);
         session.HandlerFailed += exception => { throw exception; };
-        session.Listen();
-        session.Listen();
-        Called("bridgeRegisterCallbacks");
+        session.Listen();  // again: it changes nothing
+        Called();
         CollectGarbage();
         fakeSend(1);
         Equal("Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|True\n" +
@@ -215,6 +273,7 @@ static class CSharpTest
         Writing(session.Conf);
         Programs(session);
         Listings(session);
+        EachFunctionByItsMethod(session);
         Events(session);
         End(session);
         Console.WriteLine(checks + " checks");

@@ -1,0 +1,101 @@
+'use strict';
+// Each function of the library is called by the method of its name, over functions that write down how
+// they were called.
+
+const assert = require('assert');
+const fs = require('fs');
+const path = require('path');
+const { test } = require('node:test');
+const { FUNCTIONS } = require('qx-bridge/bridge.generated');
+
+const calls = [];
+const VALUES = { bool: true, int32_t: 7, int64_t: 7n };
+const ANSWERS = { int32_t: 0, BridgeText: '[]', bool: true, int64_t: 7 };
+
+const DECLARATIONS = FUNCTIONS.map((declaration) => {
+    const [, result, name, list] = /^(\w+) (\w+)\((.*)\)$/.exec(declaration);
+    const parameters = list === '' ? [] : list.split(', ').map((one) => /^(.*?)\s*\*?(\w+)$/.exec(one).slice(1));
+    return { result, name, parameters };
+});
+
+function recorded({ name, result }) {
+    const call = (...values) => {
+        calls.push([name, ...values]);
+        return ANSWERS[result];
+    };
+    call.async = (...values) => {
+        const done = values.pop();
+        setImmediate(done, null, call(...values));
+    };
+    return call;
+}
+
+// In the place of the real one, which index.js asks for.
+const nativeFile = require.resolve('qx-bridge/native.js');
+require.cache[nativeFile] = {
+    id: nativeFile, filename: nativeFile, loaded: true,
+    exports: {
+        load: () => Object.fromEntries(DECLARATIONS.map((one) => [one.name, recorded(one)])),
+        keptText: (text) => text,
+        callbackPointers: () => ['pointer'],
+    },
+};
+const bridge = require('qx-bridge').load();
+bridge.init('Helper');
+
+// Functions that are not called by a method of their name with their parameters.
+const OTHERS = {
+    bridgeApiInit: () => bridge.init('Launcher'),
+    bridgeApiInitEx: () => bridge.init('Launcher', { noConfFile: true, logFile: 'log' }),
+    bridgeConfGetInstances: () => bridge.instances(),
+    bridgeGetInstalledApps: (instance) => bridge.apps(instance),
+    bridgePlrShutdown: (...values) => bridge.shutdownPlayer(...values),
+    bridgeCreateFreshInstance: (imageName, cpu, ram, graphicEngine, graphicRenderer, deviceProfile) =>
+        bridge.createFreshInstance({ imageName, cpu: 7, ram: 8, graphicEngine, graphicRenderer, deviceProfile }),
+    bridgeRegisterCallbacks: () => {
+        bridge.listen();
+        bridge.unref();
+    },
+};
+const OTHER_VALUES = {
+    bridgeApiInit: ['Launcher'],
+    bridgeApiInitEx: ['Launcher', true, 0, 'log'],
+    bridgeCreateFreshInstance: ['imageName', '7', '8', 'graphicEngine', 'graphicRenderer', 'deviceProfile'],
+    bridgeRegisterCallbacks: ['pointer'],
+};
+const WITHOUT = ['bridgeFreeMemory', 'bridgeApiFini'];
+
+const lower = (name) => name[0].toLowerCase() + name.slice(1);
+
+// bridgeConfGetBool -> conf.getBool; bridgeLaunchApp -> launchApp
+function methodOf(name) {
+    if (OTHERS[name]) return OTHERS[name];
+    const [, conf, rest] = /^bridge(Conf)?(.*)$/.exec(name);
+    const target = conf ? bridge.conf : bridge;
+    assert.strictEqual(typeof target[lower(rest)], 'function', `${name} has no method ${lower(rest)}`);
+    return target[lower(rest)].bind(target);
+}
+
+for (const { name, parameters } of DECLARATIONS.filter((one) => !WITHOUT.includes(one.name))) {
+    test(name, async () => {
+        const values = parameters.map(([type, parameter]) => VALUES[type] ?? parameter);
+        calls.length = 0;
+        await methodOf(name)(...values);
+        assert.deepStrictEqual(calls, [[name, ...(OTHER_VALUES[name] ?? values)]]);
+    });
+}
+
+test('each method is among the types', () => {
+    const types = fs.readFileSync(path.join(path.dirname(nativeFile), 'index.d.ts'), 'utf8');
+    const names = (target) => Object.getOwnPropertyNames(Object.getPrototypeOf(target)).filter((one) => one !== 'constructor');
+    for (const name of [...names(bridge), ...names(bridge.conf)]) {
+        assert.match(types, new RegExp(`^    ${name}\\(`, 'm'), name);
+    }
+});
+
+test('the end, after which nothing is called', async () => {
+    calls.length = 0;
+    await bridge.fini();
+    assert.deepStrictEqual(calls, [['bridgeApiFini']]);
+    assert.throws(() => bridge.instances(), /after fini\(\)/);
+});

@@ -1,0 +1,48 @@
+#!/usr/bin/env python3
+"""callers.py TREE: every function of bridge.h is called by the C++ wrapper, by each binding and by a
+test of the layer or of whole processes."""
+
+import pathlib
+import re
+import sys
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+TREE = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(TREE / "toolchain" / "bindings"))
+import header
+
+# What has to call each function -> where that is looked for. Generated files call nothing.
+PLACES = {"bridge.hpp": ["include/bridge/bridge.hpp"],
+          "the Node binding": ["bindings/node/index.js", "bindings/node/native.js"],
+          "the C# binding": ["bindings/csharp/QXBridge.cs"],
+          "the Python binding": ["bindings/python/qxbridge.py"],
+          "a test": ["tests/bridge/*.cpp", "tests/hosts/*.c", "tests/hosts/*.cpp"]}
+
+
+def words_of(tree, patterns):
+    """The identifiers outside comments. Node's and Python's calls have the name as a text."""
+    files = [path for pattern in patterns for path in sorted(tree.glob(pattern))]
+    words = set()
+    for path in files:
+        words.update(re.findall(r"\w+", header.without_comments(path.read_text("utf-8"))))
+    return words
+
+
+def faults(tree):
+    names = header.functions((tree / "include/bridge/bridge.h").read_text("utf-8"))
+    lines = []
+    for place, patterns in PLACES.items():
+        words = words_of(tree, patterns)
+        lines += [f"{place} does not call {name}" for name in names if name not in words]
+    return lines if names else ["bridge.h declares nothing"]
+
+
+def main(tree):
+    lines = faults(pathlib.Path(tree))
+    for line in lines or [f"{len(PLACES)} callers of every function"]:
+        print(line)
+    return 1 if lines else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+"""The gate over callers of the interface finds each place that lacks a function."""
+
+import contextlib
+import io
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+import callers
+
+FILES = {
+    "include/bridge/bridge.h": """
+        BRIDGE_API bridge_i32 BRIDGE_CALL bridgeOpen(const char* name);
+        BRIDGE_API void BRIDGE_CALL bridgeClose(void);
+        """,
+    "include/bridge/bridge.hpp": "inline void both() { bridgeOpen(nullptr); bridgeClose(); }",
+    "bindings/node/index.js": "call.status('bridgeOpen', name);",
+    "bindings/node/native.js": "functions.bridgeClose();",
+    "bindings/node/bridge.generated.js": "'int32_t bridgeOpen(const char *name)'",
+    "bindings/csharp/QXBridge.cs": 'Require("bridgeOpen", Native.bridgeOpen(name)); Native.bridgeClose();',
+    "bindings/python/qxbridge.py": 'calls.status("bridgeOpen", name), calls.value("bridgeClose")',
+    "tests/bridge/OpenTest.cpp": "EXPECT_EQ(bridgeOpen(nullptr), 22);",
+    "tests/hosts/plain_host.c": "bridgeClose();",
+}
+
+
+class CallersTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="callers.")
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+        for name, text in FILES.items():
+            self.write(name, text)
+
+    def write(self, name, text):
+        (self.root / name).parent.mkdir(parents=True, exist_ok=True)
+        (self.root / name).write_text(text, encoding="utf-8")
+
+    def expect(self, status, *lines):
+        with contextlib.redirect_stdout(io.StringIO()) as output:
+            self.assertEqual(callers.main(self.root), status)
+        self.assertEqual(output.getvalue().splitlines(), list(lines))
+
+    def test_functions_that_everything_calls(self):
+        self.expect(0, "5 callers of every function")
+
+    def test_each_place_that_lacks_one(self):
+        for name, place, function in (
+                ("include/bridge/bridge.hpp", "bridge.hpp", "bridgeClose"),
+                ("bindings/node/index.js", "the Node binding", "bridgeOpen"),
+                ("bindings/node/native.js", "the Node binding", "bridgeClose"),
+                ("bindings/csharp/QXBridge.cs", "the C# binding", "bridgeClose"),
+                ("bindings/python/qxbridge.py", "the Python binding", "bridgeOpen"),
+                ("tests/bridge/OpenTest.cpp", "a test", "bridgeOpen"),
+                ("tests/hosts/plain_host.c", "a test", "bridgeClose")):
+            with self.subTest(name):
+                self.write(name, FILES[name].replace(function, "bridgeOther"))
+                self.expect(1, f"{place} does not call {function}")
+                self.write(name, FILES[name])
+
+    def test_a_comment_and_a_longer_name_are_not_calls(self):
+        self.write("tests/bridge/OpenTest.cpp", "// bridgeOpen\n/* bridgeOpen */ bridgeOpenAgain();")
+        self.expect(1, "a test does not call bridgeOpen")
+
+    def test_a_header_that_declares_nothing(self):
+        self.write("include/bridge/bridge.h", "")
+        self.expect(1, "bridge.h declares nothing")
+
+
+if __name__ == "__main__":
+    unittest.main()
