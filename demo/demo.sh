@@ -72,7 +72,7 @@ title "The product's side: registry, data folder, configuration"
 explain "In the registry (HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo):"
 registry_value UserDefinedDir "$windows_data"
 registry_value InstallDir "$windows_data\\Install\\"
-registry_value Version 5.2.0.1052
+registry_value Version "$(project_version)"
 rm -rf "$data"
 mkdir -p "$data/Logs"
 cp -r "$tree/build/windows/standins" "$data/Install"

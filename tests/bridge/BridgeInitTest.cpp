@@ -12,6 +12,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
+#include "support/ProductVersion.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 
@@ -52,9 +53,8 @@ TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
     const std::string place = "Source/bridge/Bridge bridgeApiInitEx: ";
     EXPECT_EQ(outputOf("initialisesThreeWays"),
               "22\n-1\n0\n" + place + "bridgeApiInitEx: Invalid clientId : Other\n" + place +
-                  "bridgeApiInitEx: Version mismatch, Product Version : 1.0, Bridge Version : "
-                  "5.2.0.1052\n" +
-                  place +
+                  "bridgeApiInitEx: Version mismatch, Product Version : 1.0, Bridge Version : " +
+                  kProductVersion + "\n" + place +
                   "bridgeApiInitEx:#################### In bridgeApiInit Helper "
                   "###############\n" +
                   place + "Loading configuration ...\n" + place +

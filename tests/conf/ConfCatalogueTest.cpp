@@ -54,11 +54,13 @@ TEST(ConfCatalogue, InstanceRowsEqualTheListingFieldByField) {
 }
 
 TEST(ConfCatalogue, RegistersEveryRow) {
-    EXPECT_EQ(confGlobalRows().count, 88u);
-    EXPECT_EQ(confInstanceRows().count, 30u);
+    ASSERT_GT(globalCount(), 0u);
+    ASSERT_GT(instanceCount(), 0u);
+    EXPECT_EQ(confGlobalRows().count, globalCount() + 1) << "shortcut.shake is registered twice";
+    EXPECT_EQ(confInstanceRows().count, instanceCount());
     const ConfCatalogue catalogue = confProductCatalogue();
-    EXPECT_EQ(catalogue.globals().size(), 87u) << "shortcut.shake is registered twice";
-    EXPECT_EQ(catalogue.instances().size(), 30u);
+    EXPECT_EQ(catalogue.globals().size(), globalCount());
+    EXPECT_EQ(catalogue.instances().size(), instanceCount());
     EXPECT_EQ(catalogue.findGlobal("shortcut.shake")->defaultValue, "Ctrl + Shift + 3");
 }
 

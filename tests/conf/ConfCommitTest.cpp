@@ -514,7 +514,6 @@ TEST_F(ConfCommitTest, AFailedWriteComesBeforeALaterEntryThatIsRefused) {
 TEST_F(ConfCommitTest, ALargeStoreIsWrittenWhole) {
     Entries expected = globalDefaults();
     for (int i = 0; i < 1000; ++i) addInstanceDefaults(expected, "Nougat64_" + std::to_string(i));
-    ASSERT_EQ(expected.size(), 30'087u);
     const std::string text = fileText(expected);
     ASSERT_GT(text.size(), std::size_t{1 << 20});
     ASSERT_EQ(init(text), 0);

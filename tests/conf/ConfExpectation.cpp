@@ -4,6 +4,9 @@
 #include <sstream>
 
 #include "CatalogueListing.h"
+#include "support/ProductVersion.h"
+
+const std::string kDumpEnd = std::string("vtr.oem=nvo\nvtr.version=") + kProductVersion + "\n";
 
 std::vector<ListedProperty> listedProperties() {
     std::vector<ListedProperty> rows;
@@ -22,6 +25,14 @@ std::vector<ListedProperty> listedProperties() {
         rows.push_back(row);
     }
     return rows;
+}
+
+std::size_t globalCount() { return globalDefaults().size(); }
+
+std::size_t instanceCount() {
+    Entries entries;
+    addInstanceDefaults(entries, "any");
+    return entries.size();
 }
 
 Entries globalDefaults() {
@@ -69,5 +80,5 @@ std::string dumpText(const Entries& entries, const std::string& instance) {
         if (excluded.count((isOwn ? "instance" : "global") + property) > 0) continue;
         text += "vtr." + property + "=" + value + "\n";
     }
-    return text + "vtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    return text + kDumpEnd;
 }

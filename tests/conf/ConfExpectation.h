@@ -1,6 +1,7 @@
 #ifndef TESTS_CONFEXPECTATION_H
 #define TESTS_CONFEXPECTATION_H
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,6 +18,10 @@ struct ListedProperty {
 };
 std::vector<ListedProperty> listedProperties();
 
+// Number of properties, global ones and those of each instance. A name with two rows counts once.
+std::size_t globalCount();
+std::size_t instanceCount();
+
 // Expected entries of a file: full key to value.
 using Entries = std::map<std::string, std::string>;
 Entries globalDefaults();
@@ -26,6 +31,9 @@ void addInstanceDefaults(Entries& entries, const std::string& instance);
 void addInstanceCopy(Entries& entries, const std::string& source, const std::string& target);
 
 std::string fileText(const Entries& entries);
+
+// The two last lines of every dump.
+extern const std::string kDumpEnd;
 
 // The dump of an instance; with an empty name that of no instance.
 std::string dumpText(const Entries& entries, const std::string& instance);

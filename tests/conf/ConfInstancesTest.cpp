@@ -371,7 +371,7 @@ TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
     EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
     EXPECT_EQ(text.find("grm_ignored_rules"), std::string::npos);
     EXPECT_EQ(text.find("vtr.instance."), std::string::npos);
-    const std::string end = "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    const std::string end = "\n" + kDumpEnd;
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
@@ -463,8 +463,8 @@ TEST_F(ConfInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
     char buffer[1024];
     std::uint32_t size = 0;
     ASSERT_EQ(confGetInstanceAllConfigs(other, buffer, sizeof buffer, size), 0);
-    EXPECT_EQ(std::string(buffer, size - 1), global + "=" + value + "\nvtr." + property + "=" +
-                                                 value + "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n");
+    EXPECT_EQ(std::string(buffer, size - 1),
+              global + "=" + value + "\nvtr." + property + "=" + value + "\n" + kDumpEnd);
 }
 
 TEST_F(ConfInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {

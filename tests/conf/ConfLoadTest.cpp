@@ -30,14 +30,14 @@ std::set<std::string, std::less<>> names(std::initializer_list<const char*> list
 
 TEST_F(ConfLoadTest, WithoutAFileTheMapHoldsTheGlobalDefaults) {
     ASSERT_EQ(initWithoutFile(), 0);
-    EXPECT_EQ(committedCount(), 87u);
+    EXPECT_EQ(committedCount(), globalCount());
     for (const auto& [key, value] : globalDefaults()) EXPECT_EQ(committed(key), value) << key;
     EXPECT_TRUE(confGetInstances(store).empty());
 }
 
 TEST_F(ConfLoadTest, AnEmptyFileLoadsNothing) {
     EXPECT_EQ(init(""), 0);
-    EXPECT_EQ(committedCount(), 87u);
+    EXPECT_EQ(committedCount(), globalCount());
     EXPECT_EQ(log.texts(), Lines{});
 }
 
@@ -57,7 +57,7 @@ TEST_F(ConfLoadTest, OneKeyMakesAnInstanceKnownWithAllItsDefaults) {
     Entries expected;
     addInstanceDefaults(expected, "Nougat64");
     expected["vtr.instance.Nougat64.dpi"] = "320";
-    EXPECT_EQ(expected.size(), 30u);
+    EXPECT_EQ(committedCount(), globalCount() + instanceCount());
     for (const auto& [key, value] : expected) EXPECT_EQ(committed(key), value) << key;
 }
 
@@ -80,7 +80,7 @@ TEST_F(ConfLoadTest, AnEmptyInstanceNameIsAName) {
 TEST_F(ConfLoadTest, AMissingFileFails) {
     EXPECT_EQ(confLibInit(store, path(), false), -1);
     EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
-    EXPECT_EQ(committedCount(), 87u) << "the defaults stay usable";
+    EXPECT_EQ(committedCount(), globalCount()) << "the defaults stay usable";
 }
 
 TEST_F(ConfLoadTest, AFolderInPlaceOfTheFileFails) {

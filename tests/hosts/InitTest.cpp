@@ -5,6 +5,7 @@
 
 #include "PlainHost.h"
 #include "support/Platform.h"
+#include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -69,11 +70,13 @@ TEST_F(InitTest, UnknownClientsAreRefused) {
 TEST_F(InitTest, TheLauncherNeedsTheProductsExactVersion) {
     writeConf("");
     EXPECT_EQ(output({"init", "Launcher"}), Lines{"init 0"});
-    for (const char* other : {"5.2.0.10520", "5.2.0.105", "", "5.2.0.1053"}) {
+    const std::string own = kProductVersion;
+    const std::string shorter = own.substr(0, own.size() - 1);
+    for (const std::string& other : {own + "0", shorter, std::string(), shorter + "x"}) {
         version = other;
         EXPECT_EQ(refused({"init", "Launcher"}),
                   (Refusal{"bridgeApiInitEx: Version mismatch, Product Version : " + version +
-                               ", Bridge Version : 5.2.0.1052",
+                               ", Bridge Version : " + own,
                            "init -1"}));
     }
 }
@@ -81,8 +84,10 @@ TEST_F(InitTest, TheLauncherNeedsTheProductsExactVersion) {
 TEST_F(InitTest, AMissingVersionMismatchesToo) {
     const ChildResult result =
         runChild(builtProgram("plain_host.exe"), {"sandbox", "init", "Launcher"});
-    EXPECT_NE(result.out.find("Version mismatch, Product Version : , Bridge Version : 5.2.0.1052"),
-              std::string::npos);
+    EXPECT_NE(
+        result.out.find(std::string("Version mismatch, Product Version : , Bridge Version : ") +
+                        kProductVersion),
+        std::string::npos);
     EXPECT_NE(result.out.find("init -1"), std::string::npos);
 }
 

@@ -9,6 +9,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
+#include "support/ProductVersion.h"
 #include "support/TempFolder.h"
 
 using Lines = std::vector<std::string>;
@@ -35,7 +36,7 @@ class PlainHostTest : public ::testing::Test {
     std::string confPath() const { return data / "vantrel.conf"; }
 
     TempFolder data;
-    std::string version = "5.2.0.1052";
+    std::string version = kProductVersion;
 };
 
 Lines linesOf(std::string_view text);

@@ -4,7 +4,17 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
+
+namespace {
+
+// Two of a version's numbers, as the resource has them.
+std::string twoNumbers(DWORD both) {
+    return std::to_string(both >> 16) + "." + std::to_string(both & 0xFFFF);
+}
+
+}  // namespace
 
 TEST(Version, TheLibraryCarriesItsVersionResource) {
     const std::wstring path = wideForTests(builtProgram("QX-Bridge.dll"));
@@ -15,11 +25,11 @@ TEST(Version, TheLibraryCarriesItsVersionResource) {
     VS_FIXEDFILEINFO* info = nullptr;
     UINT length = 0;
     ASSERT_TRUE(::VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&info), &length));
-    EXPECT_EQ(info->dwFileVersionMS, (5u << 16) | 2u);
-    EXPECT_EQ(info->dwFileVersionLS, 1052u);
+    EXPECT_EQ(twoNumbers(info->dwFileVersionMS) + "." + twoNumbers(info->dwFileVersionLS),
+              kProductVersion);
     EXPECT_EQ(info->dwFileType, static_cast<DWORD>(VFT_DLL));
     wchar_t* text = nullptr;
     ASSERT_TRUE(::VerQueryValueW(data.data(), L"\\StringFileInfo\\040904b0\\FileVersion",
                                  reinterpret_cast<void**>(&text), &length));
-    EXPECT_STREQ(text, L"5.2.0.1052");
+    EXPECT_EQ(text, wideForTests(kProductVersion));
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "BridgeadmFixture.h"
+#include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -122,7 +123,7 @@ TEST_F(BridgeadmTest, ADumpHasTheInstancesKeysUnderGlobalNamesAndTwoLastLines) {
     const std::string text = output({"dump-instance", "Nougat64"});
     EXPECT_NE(text.find("\nvtr.display_name=Jeux 日本\n"), std::string::npos);
     EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
-    const std::string end = "\nvtr.oem=nvo\nvtr.version=5.2.0.1052\n";
+    const std::string end = "\n" + kDumpEnd;
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
@@ -253,7 +254,7 @@ TEST_F(BridgeadmTest, EveryCommandHasAnExample) {
                   std::string::npos)
             << command;
     }
-    EXPECT_EQ(output({"--version"}), "bridgeadm 5.2.0.1052\n");
+    EXPECT_EQ(output({"--version"}), std::string("bridgeadm ") + kProductVersion + "\n");
 }
 
 TEST_F(BridgeadmTest, TheHelpCommandSaysWhatTheOptionSays) {

@@ -12,6 +12,7 @@
 #include "support/ChildProcess.h"
 #include "support/EventPackets.h"
 #include "support/ProductRegistry.h"
+#include "support/ProductVersion.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -89,7 +90,7 @@ class BridgectlEventsTest : public ::testing::Test {
         data.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
         registry.set("UserDefinedDir", data.path());
         registry.set("InstallDir", standins);
-        registry.set("Version", "5.2.0.1052");
+        registry.set("Version", kProductVersion);
         setScript("");
     }
 

@@ -9,8 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "ConfExpectation.h"
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"
+#include "support/ProductVersion.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -29,7 +31,7 @@ class BridgectlJsonTest : public ::testing::Test {
                    "vtr.instance.Nougat64.ram=\"4096\"\n");
         registry.set("UserDefinedDir", data.path());
         registry.set("InstallDir", standins);
-        registry.set("Version", "5.2.0.1052");
+        registry.set("Version", kProductVersion);
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                                {"QX_STANDIN_SECONDS", "1"},
                                {"QX_STANDIN_CLIENTS", "LogCollector"}};
@@ -57,63 +59,49 @@ class BridgectlJsonTest : public ::testing::Test {
     ChildOptions options;
 };
 
-// Names of the commands inside one of `help --json`, "conf get" among them.
-Arguments commandsOf(const Json& command, const std::string& prefix = {}) {
-    Arguments names;
+// The words of the line after "Example: bridgectl", up to what only a shell understands.
+Arguments exampleIn(const std::string& details) {
+    const std::string start = "Example: bridgectl ";
+    const std::size_t example = details.find(start);
+    if (example == std::string::npos) return {};
+    std::istringstream line(details.substr(example + start.size()));
+    std::string text;
+    std::getline(line, text);
+    std::istringstream words(text);
+    Arguments arguments;
+    for (std::string word; words >> word && word != ">>";) arguments.push_back(word);
+    return arguments;
+}
+
+std::string joined(const Arguments& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
+// The examples of the commands inside one of `help --json`, by their names, "conf get" among them.
+std::map<std::string, Arguments> examplesOf(const Json& command, const std::string& prefix = {}) {
+    std::map<std::string, Arguments> examples;
     for (const Json& inner : command["commands"]) {
         const std::string name = prefix + inner["name"].get<std::string>();
-        const Arguments deeper = commandsOf(inner, name + " ");
-        deeper.empty() ? names.push_back(name)
-                       : static_cast<void>(names.insert(names.end(), deeper.begin(), deeper.end()));
+        std::map<std::string, Arguments> deeper = examplesOf(inner, name + " ");
+        if (deeper.empty()) deeper[name] = exampleIn(inner["details"]);
+        examples.merge(deeper);
     }
-    return names;
-}
-
-// The arguments that each command is tried with.
-const std::map<std::string, Arguments>& commandArguments() {
-    static const auto& all = *new std::map<std::string, Arguments>{
-        {"app-store", {"Nougat64", "play", "com.a"}},
-        {"apps", {"Nougat64"}},
-        {"catalogue", {}},
-        {"completion", {"bash"}},
-        {"conf get", {"vtr.locale"}},
-        {"conf list", {}},
-        {"conf set", {"vtr.locale", "de"}},
-        {"create-instance", {"Nougat64", "4", "4096", "aga", "dx", "s21u"}},
-        {"explain", {"13"}},
-        {"help", {"conf", "get"}},
-        {"install-apk", {"Nougat64", "a.apk"}},
-        {"install-image", {"Nougat64"}},
-        {"instances", {}},
-        {"launch", {"Nougat64", "com.a"}},
-        {"launch-url", {"Nougat64", "https://example.com/"}},
-        {"shutdown", {"Nougat64"}},
-        {"uninstall", {"Nougat64", "com.a"}},
-        {"version", {}},
-    };
-    return all;
-}
-
-Arguments lineOf(const std::string& name, const Arguments& more) {
-    Arguments line;
-    const std::size_t blank = name.find(' ');
-    if (blank != std::string::npos) line.push_back(name.substr(0, blank));
-    line.push_back(blank == std::string::npos ? name : name.substr(blank + 1));
-    line.insert(line.end(), more.begin(), more.end());
-    return line;
+    return examples;
 }
 
 }  // namespace
 
 TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
-    const Arguments names = commandsOf(json({"help", "--json"}));
-    EXPECT_EQ(names.size(), commandArguments().size() + 2);
-    for (const std::string& name : names) {
+    const auto examples = examplesOf(json({"help", "--json"}));
+    EXPECT_EQ(examples.count("conf get"), 1u);
+    for (const auto& [name, example] : examples) {
         if (name == "events" || name == "wait-for") continue;  // below
-        const auto arguments = commandArguments().find(name);
-        ASSERT_NE(arguments, commandArguments().end()) << name << " is not tried";
-        Arguments line = lineOf(name, arguments->second);
-        line.push_back("--json");
+        ASSERT_EQ((joined(example) + " ").rfind(name + " ", 0), 0u)
+            << "is not an example of " << name;
+        Arguments line = example;
+        if (std::find(line.begin(), line.end(), "--json") == line.end()) line.push_back("--json");
         const Json value = json(line);
         EXPECT_TRUE(value.is_object() || value.is_array()) << name;
         EXPECT_FALSE(value.is_object() && value.empty()) << name;
@@ -185,9 +173,10 @@ TEST_F(BridgectlJsonTest, QuietPrintsResultsAndErrorsOnly) {
 }
 
 TEST_F(BridgectlJsonTest, TimingNamesEachFunctionOfTheLibrary) {
+    const auto keys = static_cast<int>(instanceCount());
     const ChildResult result = run({"conf", "list", "--instance", "Nougat64", "--timing"});
     EXPECT_EQ(result.status, 0u);
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 31);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n') - 1, keys);
     Arguments functions;
     int reads = 0;
     std::istringstream lines(result.err);
@@ -202,7 +191,7 @@ TEST_F(BridgectlJsonTest, TimingNamesEachFunctionOfTheLibrary) {
     }
     EXPECT_EQ(functions.front(), "bridgeApiInit");
     EXPECT_EQ(functions.back(), "bridgeApiFini");
-    EXPECT_EQ(reads, 30) << "one for each key";
+    EXPECT_EQ(reads, keys) << "one for each key";
 }
 
 TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
@@ -253,11 +242,12 @@ TEST_F(BridgectlJsonTest, WhatGoesIntoAPipeHasNoColours) {
 
 TEST_F(BridgectlJsonTest, TheCatalogueHasEveryKeyWithoutTheLibrary) {
     const Json keys = json({"--log-file", "\\nowhere\\x:y", "catalogue", "--json"});
-    ASSERT_EQ(keys.size(), 87u + 30u);
+    ASSERT_EQ(keys.size(), globalCount() + instanceCount());
     EXPECT_EQ(keys[0].dump(),
               R"({"key":"vtr.campaign_hash","scope":"global","type":"string","default":""})");
-    EXPECT_EQ(keys[87].dump(), R"({"key":"vtr.instance.<instance>.abi_list",)"
-                               R"("scope":"instance","type":"multi-string","default":""})");
+    EXPECT_EQ(keys[globalCount()].dump(),
+              R"({"key":"vtr.instance.<instance>.abi_list",)"
+              R"("scope":"instance","type":"multi-string","default":""})");
 }
 
 TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
@@ -278,8 +268,9 @@ TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
 }
 
 TEST_F(BridgectlJsonTest, TheVersionsAreTheProgramsAndTheLibrarys) {
-    EXPECT_EQ(json({"version", "--json"}).dump(),
-              R"({"bridgectl":"5.2.0.1052","library":"5.2.0.1052"})");
+    EXPECT_EQ(json({"version", "--json"}).dump(), std::string(R"({"bridgectl":")") +
+                                                      kProductVersion + R"(","library":")" +
+                                                      kProductVersion + R"("})");
     EXPECT_EQ(output({"--version"}), output({"version"}));
 }
 

@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "ConfExpectation.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/ProductRegistry.h"
+#include "support/ProductVersion.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 
@@ -16,12 +18,16 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
+std::size_t linesIn(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
 class BridgectlTest : public ::testing::Test {
  protected:
     BridgectlTest() {
         data.makeFolder("Logs");
         registry.set("UserDefinedDir", data.path());
-        registry.set("Version", "5.2.0.1052");
+        registry.set("Version", kProductVersion);
         data.write("vantrel.conf",
                    "vtr.locale=\"fr-FR\"\nvtr.next_vm_id=\"3\"\nvtr.feature.rooting=\"maybe\"\n"
                    "vtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
@@ -172,7 +178,7 @@ TEST_F(BridgectlTest, ListsAnInstanceAsATable) {
         << text;
     EXPECT_NE(text.find("vtr.instance.Nougat64.enable_vsync              bool          true\n"),
               std::string::npos);
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 31);
+    EXPECT_EQ(linesIn(text), 1 + instanceCount());
 }
 
 TEST_F(BridgectlTest, ListsGlobalKeysAsJson) {
@@ -190,7 +196,7 @@ TEST_F(BridgectlTest, ListsGlobalKeysAsJson) {
 
 TEST_F(BridgectlTest, ListsEverything) {
     const std::string text = output({"conf", "list"});
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + 87 + 30);
+    EXPECT_EQ(linesIn(text), 1 + globalCount() + instanceCount());
     EXPECT_NE(text.find("invalid: \"maybe\"\n"), std::string::npos);
     EXPECT_NE(text.find("unset\n"), std::string::npos);
 }
@@ -314,7 +320,7 @@ TEST_F(BridgectlTest, AnUnknownClientIsRefusedByTheLibrary) {
 }
 
 TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {
-    registry.set("Version", "5.2.0.1053");
+    registry.set("Version", std::string(kProductVersion) + "0");
     EXPECT_EQ(run({"--client", "Launcher", "conf", "get", "vtr.locale"}).status, 5u);
     EXPECT_EQ(output({"--client", "Helper", "conf", "get", "vtr.locale"}), "fr-FR\n");
 }
@@ -468,7 +474,8 @@ TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
     }
     EXPECT_NE(output({"conf", "set", "--help"}).find("Example: bridgectl conf set"),
               std::string::npos);
-    EXPECT_EQ(output({"--version"}), "bridgectl 5.2.0.1052\nQX-Bridge.dll 5.2.0.1052\n");
+    EXPECT_EQ(output({"--version"}), std::string("bridgectl ") + kProductVersion +
+                                         "\nQX-Bridge.dll " + kProductVersion + "\n");
 }
 
 TEST_F(BridgectlTest, TheHelpCommandSaysWhatTheOptionSays) {

@@ -5,6 +5,7 @@
 const koffi = require('koffi');
 const fs = require('fs');
 const path = require('path');
+const { VERSION } = require('qx-bridge/bridge.generated');
 
 const api = koffi.load('advapi32.dll');
 const createKey = api.func('int32_t RegCreateKeyExW(intptr_t root, str16 path, uint32_t reserved, void *class, uint32_t options, uint32_t access, void *security, _Out_ intptr_t *key, void *disposition)');
@@ -43,6 +44,6 @@ const data = path.resolve(process.env.QX_TEST_DATA);
 fs.mkdirSync(path.join(data, 'Logs'), { recursive: true });
 setProduct('UserDefinedDir', data);
 setProduct('InstallDir', 'C:\\None\\');
-setProduct('Version', '5.2.0.1052');
+setProduct('Version', VERSION);
 
 module.exports = { data, setProduct };
