@@ -2,6 +2,7 @@
 #include <string>
 
 #include "PlainHost.h"
+#include "ProgramFunctions.h"
 #include "support/Platform.h"
 
 namespace {
@@ -56,18 +57,15 @@ TEST_F(LaunchTest, EachFunctionHasItsCommandLine) {
 
 TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
     const struct {
-        const char* operation;
+        Script operation;
         std::string function;
         std::size_t texts;
         Script rest;
-    } functions[] = {{"launchapp", "bridgeLaunchApp", 2, {}},
-                     {"appstore", "bridgeLaunchAppStore", 3, {}},
-                     {"url", "bridgeLaunchUrl", 2, {}},
-                     {"apk", "bridgeInstallApk", 2, {}},
-                     {"uninstall", "bridgeUninstallApp", 2, {}},
-                     {"image", "bridgeInstallImage", 1, {}},
-                     {"create", "bridgeCreateFreshInstance", 6, {}},
-                     {"plrshutdown", "bridgePlrShutdown", 1, {"1"}}};
+    } functions[] = {
+#define ROW(function, count, arguments) {{"call", #function}, #function, count, {}},
+        PROGRAM_FUNCTIONS(ROW)
+#undef ROW
+            {{"plrshutdown"}, "bridgePlrShutdown", 1, {"1"}}};
     std::size_t linesBefore = 0;
     for (const auto& function : functions) {
         Script script{"init", "Helper"};
@@ -76,10 +74,10 @@ TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
         for (std::size_t place = 0; place < function.texts; ++place) {
             Script texts(function.texts, "x");
             texts[place] = "(null)";
-            script.push_back(function.operation);
+            script.insert(script.end(), function.operation.begin(), function.operation.end());
             script.insert(script.end(), texts.begin(), texts.end());
             script.insert(script.end(), function.rest.begin(), function.rest.end());
-            answers.push_back(std::string(function.operation) + " 22");
+            answers.push_back(function.operation[0] + " 22");
             refusals.push_back("E BRIDGE Helper_bridge " + function.function + ": null argument");
         }
         const std::size_t before = linesBefore + kLinesOfTheStart;

@@ -1,5 +1,6 @@
 #include "plain_events.h"
 
+#include <ProgramFunctions.h>
 #include <bridge/bridge.h>
 #include <locale.h>
 #include <stdarg.h>
@@ -75,11 +76,10 @@ static void useConfiguration(void) {
 static void usePrograms(void) {
     char* const apps = bridgeGetInstalledApps("Nougat64");
     char line[200];
-    const int launched = bridgeLaunchApp("Nougat64", "p") +
-                         bridgeLaunchAppStore("Nougat64", "s", "p") +
-                         bridgeLaunchUrl("Nougat64", "u") + bridgeInstallApk("Nougat64", "a") +
-                         bridgeUninstallApp("Nougat64", "p") + bridgeInstallImage("Nougat64") +
-                         bridgeCreateFreshInstance("Nougat64", "1", "1", "1", "1", "1");
+    static const char* const texts[] = {PROGRAM_SAMPLES};
+#define PLUS(function, count, arguments) +function arguments
+    const int launched = PROGRAM_FUNCTIONS(PLUS);
+#undef PLUS
     const int asked = bridgePlrShutdown("Nougat64", 0);
     bridgeShutdown();
     sprintf(line, "inside: launched %d, asked %d, apps %d, ended %d", launched, asked, apps != NULL,

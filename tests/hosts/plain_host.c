@@ -9,11 +9,13 @@
  *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
- *     startcommit | endcommit   commits on another thread; waits for its end and prints its answer
- *     takelock | leavelock      the lock of the configuration's file, as another program would have
- * it awaitfile PATH launchapp, appstore, url, apk, uninstall, image, create, plrshutdown
- * ARGUMENTS... shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE hold KEY             reads a
- * text, changes the key, and prints the text read before
+ *     startcommit | endcommit   commits on another thread; prints its answer
+ *     takelock | leavelock      the lock of the file, as another program has it
+ *     awaitfile PATH
+ *     call FUNCTION TEXTS...   any function that starts a program
+ *     launchapp, appstore, url, apk, uninstall, image, create, plrshutdown ARGUMENTS...
+ *     shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
+ *     hold KEY             reads a text, changes the key, and prints the text read before
  *
  * "(null)" stands for a null pointer. plain_events.h has the operations on events, plain_children.h
  * those with children.
@@ -22,6 +24,7 @@
 #include "plain_events.h"
 #include "plain_registry.h"
 
+#include <ProgramFunctions.h>
 #include <bridge/bridge.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -193,6 +196,32 @@ static void shutdownMany(const char* instance, int count) {
     printGrowth("requests", &growth);
 }
 
+#define DEFINE(function, count, arguments) \
+    static int call_##function(const char* const* texts) { return function arguments; }
+PROGRAM_FUNCTIONS(DEFINE)
+#undef DEFINE
+
+static const struct {
+    const char* name;
+    int texts;
+    int (*call)(const char* const* texts);
+} programFunctions[] = {
+#define ROW(function, count, arguments) {#function, count, call_##function},
+    PROGRAM_FUNCTIONS(ROW)
+#undef ROW
+};
+
+static void callByName(const char* function) {
+    const char* texts[PROGRAM_TEXTS] = {NULL};
+    size_t i = 0;
+    int place;
+    while (strcmp(programFunctions[i].name, function) != 0) {
+        if (++i == sizeof programFunctions / sizeof *programFunctions) exit(96);
+    }
+    for (place = 0; place < programFunctions[i].texts; ++place) texts[place] = next();
+    printNumber("call", programFunctions[i].call(texts));
+}
+
 /* The programs: each operation takes its function's arguments. */
 static int programOperation(const char* name) {
     const char* a;
@@ -249,6 +278,8 @@ int main(void) {
             initex();
         else if (strcmp(name, "fini") == 0)
             printNumber(name, bridgeApiFini());
+        else if (strcmp(name, "call") == 0)
+            callByName(next());
         else if (strcmp(name, "apps") == 0)
             printText(name, bridgeGetInstalledApps(next()));
         else if (!eventOperation(name) && !childrenOperation(name) && !programOperation(name) &&

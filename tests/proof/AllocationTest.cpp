@@ -24,6 +24,7 @@
 
 #include "Allocations.h"
 #include "ImportTable.h"
+#include "ProgramFunctions.h"
 #include "bridge/BridgeDec.h"
 #include "bridge/BridgeIpcClbk.h"
 #include "conf/Conf.h"
@@ -352,14 +353,10 @@ TEST_F(AllocationTest, Listings) {
 }
 
 TEST_F(AllocationTest, Programs) {
-    const std::function<bridge_i32()> launches[] = {
-        [] { return bridgeLaunchApp("Nougat64", "p"); },
-        [] { return bridgeLaunchAppStore("Nougat64", "s", "p"); },
-        [] { return bridgeLaunchUrl("Nougat64", "u"); },
-        [] { return bridgeInstallApk("Nougat64", "f"); },
-        [] { return bridgeUninstallApp("Nougat64", "p"); },
-        [] { return bridgeInstallImage("Nougat32"); },
-        [] { return bridgeCreateFreshInstance("Nougat64", "1", "2", "g", "r", "p"); }};
+    static constexpr const char* texts[] = {PROGRAM_SAMPLES};
+#define LAUNCH(function, count, arguments) [] { return function arguments; },
+    const std::function<bridge_i32()> launches[] = {PROGRAM_FUNCTIONS(LAUNCH)};
+#undef LAUNCH
     for (const auto& launch : launches) {
         ASSERT_EQ(launch(), 2) << "there is no such program";
         inEveryShortage(launch, [&](bridge_i32 result) {

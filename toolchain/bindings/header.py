@@ -70,6 +70,11 @@ def declarations(header: str) -> int:
                if not line.startswith("#"))
 
 
+def section(header: str, title: str) -> str:
+    """What stands between `@name title` and the end of that group."""
+    return re.search(rf"@name {title}\n(.*?)/\*\*@\}}\*/", header, re.S)[1]
+
+
 def result_codes(header: str) -> Dict[str, int]:
     codes = dict(re.findall(r"^#define BRIDGE_([A-Z_]+) \(?(-?\d+)\)?(?: |$)", header, re.M))
     return {name: int(code) for name, code in codes.items() if not name.startswith("VERSION")}
