@@ -6,13 +6,15 @@ cd "$(dirname "$0")/.."
 # tests_of FILE: the folder with its tests.
 tests_of() {
     case $1 in
+    Source/conf/ConfCatalogueTable.cpp) printf '%s\n' conf gates bindings ;;
+    Source/xpl/XerrTable.h) printf '%s\n' xpl gates bindings ;;
     Source/plr/* | Source/mim/*) echo ipc ;;
     Source/*/*) echo "$1" | cut -d/ -f2 ;;
     tests/support/*) echo xpl ;;
     tests/*/*) echo "$1" | cut -d/ -f2 ;;
     programs/*) echo programs ;;
     bindings/* | examples/*) echo bindings ;;
-    include/*) printf '%s\n' gates bindings ;;
+    include/* | toolchain/bindings/*) printf '%s\n' gates bindings ;;
     *) echo gates ;;
     esac
 }

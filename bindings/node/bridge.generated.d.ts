@@ -27,7 +27,7 @@ export interface AppInstalled {
     versionName: string;
     /** icon file */
     iconFilePath: string;
-    /** 1 when the package was there before */
+    /** true when the package was there before */
     isUpdate: boolean;
 }
 /** An app was uninstalled. */

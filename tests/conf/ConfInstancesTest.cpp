@@ -194,7 +194,7 @@ TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
     EXPECT_EQ(confGetI32(store, "vtr.instance.B.dpi"), 320) << "a pending change too";
     EXPECT_FALSE(confIsPropPending(store, "vtr.instance.B.ram"));
     EXPECT_EQ(confGetI32(store, "vtr.instance.B.ram"), 2048);
-    EXPECT_EQ(pendingKeys().size(), 29u);
+    EXPECT_EQ(pendingKeys().size(), instanceCount() - 1);
     ASSERT_EQ(confCommit(store), 0);
     EXPECT_EQ(committed("vtr.instance.B.dpi"), "320");
     EXPECT_EQ(committed("vtr.instance.B.ram"), "2048");
@@ -325,7 +325,7 @@ TEST_F(ConfInstancesTest, AKeyThatIsSetAfterTheRemovalStays) {
     ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
     confSetI32(store, "vtr.instance.A.dpi", 480);
-    EXPECT_EQ(removedKeys().size(), 29u);
+    EXPECT_EQ(removedKeys().size(), instanceCount() - 1);
     ASSERT_EQ(confCommit(store), 0);
     EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"480\"\n"), std::string::npos);
     EXPECT_EQ(folder.read("vantrel.conf").find("vtr.instance.A.display_name"), std::string::npos);
@@ -365,9 +365,8 @@ TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
     ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     const std::string text = dump();
-    EXPECT_NE(text.find("\nvtr.installed_images=\nvtr.abi_list=\nvtr.adb_port=5555\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("\nvtr.ram=\nvtr.status.adb_port=\nvtr.locale=\n"), std::string::npos);
+    EXPECT_NE(text.find("\nvtr.installed_images=\nvtr.abi_list=\n"), std::string::npos);
+    EXPECT_NE(text.find("\nvtr.status.adb_port=\nvtr.locale=\n"), std::string::npos);
     EXPECT_NE(text.find("\nvtr.dpi=320\n"), std::string::npos);
     EXPECT_EQ(text.find("grm_ignored_rules"), std::string::npos);
     EXPECT_EQ(text.find("vtr.instance."), std::string::npos);

@@ -1,5 +1,6 @@
 """The generated files of the Node binding."""
 
+import re
 from typing import List
 
 import header
@@ -63,10 +64,16 @@ def script(interface: Interface) -> str:
     return "\n".join(lines) + "\n"
 
 
+def value_comment(interface: Interface, name: str, one: header.Parameter) -> str:
+    """A boolean is 1 or 0 in C."""
+    comment = interface.values[name][one.name]
+    return re.sub("^1 when", "true when", comment) if one.type == "bool" else comment
+
+
 def event_type(interface: Interface, name: str) -> List[str]:
     members = []
     for one in interface.callbacks[name].parameters:
-        members += [f"    /** {interface.values[name][one.name]} */",
+        members += [f"    /** {value_comment(interface, name, one)} */",
                     f"    {one.name}: {TYPESCRIPT[one.type]};"]
     comment = f"/** {first_sentence(interface.comments[name])} */"
     opening = f"export interface {event_name(name)} {{"
