@@ -36,20 +36,21 @@ constexpr const char* kManager = R"("C:\\No Such\\QX-MultiInstanceManager.exe")"
 
 TEST_F(LaunchTest, EachFunctionHasItsCommandLine) {
     const std::string player = std::string(kPlayer) + R"( "--instance" "Nougat64" "--cmd" )";
-    EXPECT_EQ(commandLine({"launchapp", "Nougat64", "com.example.app"}),
+    EXPECT_EQ(commandLine({"bridgeLaunchApp", "Nougat64", "com.example.app"}),
               player + R"("launchApp" "--package" "com.example.app")");
-    EXPECT_EQ(commandLine({"appstore", "Nougat64", "play", "com.example.app"}),
+    EXPECT_EQ(commandLine({"bridgeLaunchAppStore", "Nougat64", "play", "com.example.app"}),
               player + R"("installApp" "--package" "com.example.app" "--store" "play")");
-    EXPECT_EQ(commandLine({"url", "Nougat64", "https://example.com/?a=b&c"}),
+    EXPECT_EQ(commandLine({"bridgeLaunchUrl", "Nougat64", "https://example.com/?a=b&c"}),
               player + R"("launchUrl" "--url" "https://example.com/?a=b&c")");
-    EXPECT_EQ(commandLine({"apk", "Nougat64", "C:\\My Apps\\日本.apk"}),
+    EXPECT_EQ(commandLine({"bridgeInstallApk", "Nougat64", "C:\\My Apps\\日本.apk"}),
               player + R"("installApk" "--filepath" "C:\\My Apps\\日本.apk")");
-    EXPECT_EQ(commandLine({"uninstall", "Nougat64", "com.example.app"}),
+    EXPECT_EQ(commandLine({"bridgeUninstallApp", "Nougat64", "com.example.app"}),
               player + R"("uninstallApp" "--package" "com.example.app")");
     const std::string manager = std::string(kManager) + R"( "--hidden" "--cmd" )";
-    EXPECT_EQ(commandLine({"image", "Nougat32"}),
+    EXPECT_EQ(commandLine({"bridgeInstallImage", "Nougat32"}),
               manager + R"("installImage" "--imageName" "Nougat32")");
-    EXPECT_EQ(commandLine({"create", "Nougat64", "", "4096", "aga", "dx", "s21 \"u\""}),
+    EXPECT_EQ(commandLine(
+                  {"bridgeCreateFreshInstance", "Nougat64", "", "4096", "aga", "dx", "s21 \"u\""}),
               manager + R"("createFreshInstance" "--imageName" "Nougat64" "--cpu" "" "--ram" )"
                         R"("4096" "--graphicEngine" "aga" "--graphicRenderer" "dx" )"
                         R"("--deviceProfile" "s21 \"u\"")");
@@ -57,15 +58,15 @@ TEST_F(LaunchTest, EachFunctionHasItsCommandLine) {
 
 TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
     const struct {
-        Script operation;
+        std::string operation;
         std::string function;
         std::size_t texts;
         Script rest;
     } functions[] = {
-#define ROW(function, count, arguments) {{"call", #function}, #function, count, {}},
+#define ROW(function, count, arguments) {#function, #function, count, {}},
         PROGRAM_FUNCTIONS(ROW)
 #undef ROW
-            {{"plrshutdown"}, "bridgePlrShutdown", 1, {"1"}}};
+            {"plrshutdown", "bridgePlrShutdown", 1, {"1"}}};
     std::size_t linesBefore = 0;
     for (const auto& function : functions) {
         Script script{"init", "Helper"};
@@ -74,10 +75,10 @@ TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
         for (std::size_t place = 0; place < function.texts; ++place) {
             Script texts(function.texts, "x");
             texts[place] = "(null)";
-            script.insert(script.end(), function.operation.begin(), function.operation.end());
+            script.push_back(function.operation);
             script.insert(script.end(), texts.begin(), texts.end());
             script.insert(script.end(), function.rest.begin(), function.rest.end());
-            answers.push_back(function.operation[0] + " 22");
+            answers.push_back(function.operation + " 22");
             refusals.push_back("E BRIDGE Helper_bridge " + function.function + ": null argument");
         }
         const std::size_t before = linesBefore + kLinesOfTheStart;
@@ -97,20 +98,19 @@ TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
     options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
                            {"QX_STANDIN_SECONDS", "1"},
                            {"QX_STANDIN_CLIENTS", "none"}};
-    const ChildResult result = play({"registry",  "InstallDir", standinProgram(""),
-                                     "init",      "Helper",     "launchapp",
-                                     player,      "p",          "appstore",
-                                     player,      "s",          "p",
-                                     "url",       player,       "u",
-                                     "apk",       player,       "f",
-                                     "uninstall", player,       "p",
-                                     "image",     "Nougat32",   "create",
-                                     "Nougat64",  "1",          "2",
-                                     "g",         "r",          "d"},
-                                    options);
+    Script script{"registry", "InstallDir", standinProgram(""), "init", "Helper"};
+    Lines answers{"init 0"};
+    for (const Script& start :
+         {Script{"bridgeLaunchApp", player, "p"}, Script{"bridgeLaunchAppStore", player, "s", "p"},
+          Script{"bridgeLaunchUrl", player, "u"}, Script{"bridgeInstallApk", player, "f"},
+          Script{"bridgeUninstallApp", player, "p"}, Script{"bridgeInstallImage", "Nougat32"},
+          Script{"bridgeCreateFreshInstance", "Nougat64", "1", "2", "g", "r", "d"}}) {
+        script.insert(script.end(), start.begin(), start.end());
+        answers.push_back(start[0] + " 0");
+    }
+    const ChildResult result = play(script, options);
     EXPECT_EQ(result.status, 0u) << result.err;
-    EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "launchapp 0", "appstore 0", "url 0", "apk 0",
-                                          "uninstall 0", "image 0", "create 0"}));
+    EXPECT_EQ(linesOf(result.out), answers);
     EXPECT_EQ(log().size(), kLinesOfTheStart) << ::testing::PrintToString(log());
     const auto haveEnded = [this] {
         const std::string text = data.has("standins.txt") ? data.read("standins.txt") : "";
@@ -122,6 +122,6 @@ TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
 }
 
 TEST_F(LaunchTest, AMissingInstallFolderEndsTheHost) {
-    EXPECT_EQ(play({"init", "Helper", "launchapp", "a", "b"}).status, kFatalStatus);
+    EXPECT_EQ(play({"init", "Helper", "bridgeLaunchApp", "a", "b"}).status, kFatalStatus);
     EXPECT_EQ(log()[3], "E UTL Helper_bridge utlGetInstallDir: Failed to get install dir properly");
 }

@@ -12,9 +12,8 @@
  *     startcommit | endcommit   commits on another thread; prints its answer
  *     takelock | leavelock      the lock of the file, as another program has it
  *     awaitfile PATH
- *     call FUNCTION TEXTS...   any function that starts a program
- *     launchapp, appstore, url, apk, uninstall, image, create, plrshutdown ARGUMENTS...
- *     shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
+ *     bridgeLaunchApp INSTANCE PACKAGE, and each other function that starts a program
+ *     plrshutdown INSTANCE N | shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
  *     hold KEY             reads a text, changes the key, and prints the text read before
  *
  * "(null)" stands for a null pointer. plain_events.h has the operations on events, plain_children.h
@@ -196,6 +195,7 @@ static void shutdownMany(const char* instance, int count) {
     printGrowth("requests", &growth);
 }
 
+/* The functions that start a program, by their names. */
 #define DEFINE(function, count, arguments) \
     static int call_##function(const char* const* texts) { return function arguments; }
 PROGRAM_FUNCTIONS(DEFINE)
@@ -211,54 +211,30 @@ static const struct {
 #undef ROW
 };
 
-static void callByName(const char* function) {
+static int programOperation(const char* name) {
     const char* texts[PROGRAM_TEXTS] = {NULL};
     size_t i = 0;
     int place;
-    while (strcmp(programFunctions[i].name, function) != 0) {
-        if (++i == sizeof programFunctions / sizeof *programFunctions) exit(96);
+    while (strcmp(programFunctions[i].name, name) != 0) {
+        if (++i == sizeof programFunctions / sizeof *programFunctions) return 0;
     }
     for (place = 0; place < programFunctions[i].texts; ++place) texts[place] = next();
-    printNumber("call", programFunctions[i].call(texts));
+    printNumber(name, programFunctions[i].call(texts));
+    return 1;
 }
 
-/* The programs: each operation takes its function's arguments. */
-static int programOperation(const char* name) {
-    const char* a;
-    const char* b;
-    const char* c;
-    const char* d;
-    const char* e;
+static int requestOperation(const char* name) {
+    const char* instance;
     if (strcmp(name, "shutdown") == 0) {
         bridgeShutdown();
         return 1;
     }
-    if (strcmp(name, "launchapp") != 0 && strcmp(name, "appstore") != 0 &&
-        strcmp(name, "url") != 0 && strcmp(name, "apk") != 0 && strcmp(name, "uninstall") != 0 &&
-        strcmp(name, "image") != 0 && strcmp(name, "create") != 0 &&
-        strcmp(name, "plrshutdown") != 0 && strcmp(name, "shutdownmany") != 0) {
-        return 0;
-    }
-    a = next();
-    if (strcmp(name, "image") == 0) {
-        printNumber(name, bridgeInstallImage(a));
-        return 1;
-    }
-    b = next();
-    if (strcmp(name, "launchapp") == 0) printNumber(name, bridgeLaunchApp(a, b));
-    if (strcmp(name, "url") == 0) printNumber(name, bridgeLaunchUrl(a, b));
-    if (strcmp(name, "apk") == 0) printNumber(name, bridgeInstallApk(a, b));
-    if (strcmp(name, "uninstall") == 0) printNumber(name, bridgeUninstallApp(a, b));
+    if (strcmp(name, "plrshutdown") != 0 && strcmp(name, "shutdownmany") != 0) return 0;
+    instance = next();
     if (strcmp(name, "plrshutdown") == 0)
-        printNumber(name, bridgePlrShutdown(a, (bridge_bool)atoi(b)));
-    if (strcmp(name, "shutdownmany") == 0) shutdownMany(a, atoi(b));
-    if (strcmp(name, "appstore") == 0) printNumber(name, bridgeLaunchAppStore(a, b, next()));
-    if (strcmp(name, "create") == 0) {
-        c = next();
-        d = next();
-        e = next();
-        printNumber(name, bridgeCreateFreshInstance(a, b, c, d, e, next()));
-    }
+        printNumber(name, bridgePlrShutdown(instance, (bridge_bool)atoi(next())));
+    else
+        shutdownMany(instance, atoi(next()));
     return 1;
 }
 
@@ -278,12 +254,10 @@ int main(void) {
             initex();
         else if (strcmp(name, "fini") == 0)
             printNumber(name, bridgeApiFini());
-        else if (strcmp(name, "call") == 0)
-            callByName(next());
         else if (strcmp(name, "apps") == 0)
             printText(name, bridgeGetInstalledApps(next()));
         else if (!eventOperation(name) && !childrenOperation(name) && !programOperation(name) &&
-                 !commitOperation(name) && !configurationOperation(name))
+                 !requestOperation(name) && !commitOperation(name) && !configurationOperation(name))
             return 98;
     }
     return 0;
