@@ -26,7 +26,7 @@ constexpr qint64 kMaxBuffer = std::numeric_limits<int>::max() - 64;
 constexpr int kKeptBuffer = 64 * 1024;
 
 // Packets are small, and each call of the socket costs more than the bytes of one.
-constexpr qint64 kBlock = 16 * 1024;
+constexpr qint64 kBlock = qint64{16} * 1024;
 
 // Replies are handed over in pieces that the socket's own buffers can take.
 constexpr qint64 kReplyPiece = 1'048'576;
