@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/LogCapture.h"
@@ -155,3 +156,9 @@ TEST(UtlFolders, ObjectNamesFollowTheProductsRule) {
 }
 
 TEST(UtlFolders, AServerWithoutAShareIsNotAbsolute) { EXPECT_FALSE(utlIsAbsolute(L"\\\\server")); }
+
+TEST(UtlFolders, ASeparatorAfterTheEndOfThePathDoesNotCount) {
+    EXPECT_FALSE(utlIsAbsolute(std::wstring_view(L"C:\\Data", 2)));
+    EXPECT_FALSE(utlIsAbsolute(std::wstring_view(L"\\\\server\\share\\x", 14)));
+    EXPECT_FALSE(utlIsAbsolute(std::wstring_view(L"\\\\server\\share", 8)));
+}

@@ -66,6 +66,15 @@ TEST(XfilePath, TheRootOfSharesIsInAnyCase) {
     EXPECT_EQ(xfileFolderChain(L"\\\\?\\UN"), Chain{});
 }
 
+TEST(XfilePath, AFolderThatOnlyLooksLikeTheRootOfSharesIsAFolder) {
+    for (const wchar_t* path : {L"\\\\?\\abc\\server\\share", L"\\\\?\\und\\server\\share",
+                                L"\\\\?\\5.#\\server\\share", L"\\\\?\\unc|server\\share"}) {
+        const Chain chain = xfileFolderChain(path);
+        ASSERT_FALSE(chain.empty()) << path;
+        EXPECT_EQ(chain.back(), path);
+    }
+}
+
 TEST(XfilePath, FoldersOfADeviceAreThoseOfALongPath) {
     EXPECT_EQ(xfileFolderChain(L"\\\\.\\C:\\"), Chain{});
     EXPECT_EQ(xfileFolderChain(L"\\\\.\\C:\\a\\b"), (Chain{L"\\\\?\\C:\\a", L"\\\\?\\C:\\a\\b"}));
