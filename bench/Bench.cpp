@@ -2,6 +2,7 @@
 #include "Bench.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +12,7 @@ namespace {
 
 constexpr int kRounds = 11;
 constexpr int kAttempts = 3;
+constexpr int kSingleRounds = 40;
 constexpr double kSampleNanoseconds = 20e6;
 
 // Highest ratio of the slowest to the fastest sample of the middle half.
@@ -59,6 +61,26 @@ std::vector<Samples> measureOnce(const Row& row, const std::vector<Side>& sides,
     return all;
 }
 
+// All even rounds, and all odd ones: how far the two differ shows whether the figures repeat.
+using Halves = std::array<Samples, 2>;
+
+std::vector<Halves> measureSingleTimes(const std::vector<Side>& sides) {
+    std::vector<Halves> all(sides.size());
+    Samples ignored;
+    for (const Side& side : sides) side.each(ignored);
+    for (std::size_t round = 0; round < kSingleRounds; ++round) {
+        for (std::size_t i = 0; i < sides.size(); ++i) sides[i].each(all[i][round % 2]);
+    }
+    for (Halves& halves : all) {
+        for (Samples& half : halves) std::sort(half.begin(), half.end());
+    }
+    return all;
+}
+
+double quantileOf(const Samples& sorted, double quantile) {
+    return sorted[static_cast<std::size_t>(quantile * static_cast<double>(sorted.size() - 1))];
+}
+
 void printList(const char* name, const Samples& samples) {
     std::printf("\"%s\": [", name);
     for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -69,12 +91,40 @@ void printList(const char* name, const Samples& samples) {
 
 void print(const Row& row, const std::vector<Side>& sides, const std::vector<Samples>& all,
            int attempts) {
-    std::printf("{\"row\": \"%s\", \"work\": \"%s\", \"limit\": %g, \"attempts\": %d, \"sides\": [",
-                row.name.c_str(), row.work.c_str(), row.limit, attempts);
+    std::printf("{\"row\": \"%s\", \"work\": \"%s\", \"attempts\": %d, \"sides\": [",
+                row.name.c_str(), row.work.c_str(), attempts);
     for (std::size_t i = 0; i < sides.size(); ++i) {
         std::printf("%s{\"name\": \"%s\", \"aim\": %g, ", i == 0 ? "" : ", ", sides[i].name.c_str(),
                     sides[i].aim);
         printList("samples", all[i]);
+        std::printf("}");
+    }
+    std::printf("]}\n");
+    std::fflush(stdout);
+}
+
+void printQuantiles(const Halves& halves) {
+    Samples all = halves[0];
+    all.insert(all.end(), halves[1].begin(), halves[1].end());
+    std::sort(all.begin(), all.end());
+    std::printf("\"quantiles\": {");
+    for (const double quantile : {0.1, 0.5, 0.99, 0.999}) {
+        std::printf("\"%g\": %.4g, ", quantile, quantileOf(all, quantile));
+    }
+    std::printf("\"1\": %.4g}", all.back());
+}
+
+void printSingleTimes(const Row& row, const std::vector<Side>& sides,
+                      const std::vector<Halves>& all) {
+    std::printf("{\"row\": \"%s\", \"work\": \"%s\", \"quantile\": %g, \"sides\": [",
+                row.name.c_str(), row.work.c_str(), row.quantile);
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        std::printf("%s{\"name\": \"%s\", \"aim\": %g, ", i == 0 ? "" : ", ", sides[i].name.c_str(),
+                    sides[i].aim);
+        printList("samples",
+                  {quantileOf(all[i][0], row.quantile), quantileOf(all[i][1], row.quantile)});
+        std::printf(", ");
+        printQuantiles(all[i]);
         std::printf("}");
     }
     std::printf("]}\n");
@@ -91,6 +141,10 @@ void benchFail(std::string_view why) {
 
 void benchMeasure(const Row& row) {
     const std::vector<Side> sides = row.sides();
+    if (sides.front().each) {
+        printSingleTimes(row, sides, measureSingleTimes(sides));
+        return;
+    }
     std::vector<std::int64_t> times;
     for (const Side& side : sides) times.push_back(timesFor(side));
     std::vector<Samples> best = measureOnce(row, sides, times);
@@ -104,7 +158,7 @@ void benchMeasure(const Row& row) {
 
 void benchRepeat(const Row& row, const std::string& side, std::int64_t times) {
     for (const Side& candidate : row.sides()) {
-        if (candidate.name != side) continue;
+        if (candidate.name != side || !candidate.time) continue;
         candidate.time(1);
         candidate.time(times);
         return;

@@ -20,8 +20,12 @@ struct Side {
     // Highest ratio of the library's time to this side's that is aimed at; 0: none.
     double aim = 0;
 
-    // Does the work so many times and answers the nanoseconds that it took.
+    // Does the work so many times and returns the nanoseconds that it took.
     std::function<double(std::int64_t times)> time;
+
+    // In place of `time`, in rows about single times: does the work for one round and appends the
+    // nanoseconds of each time.
+    std::function<void(std::vector<double>& times)> each = nullptr;
 };
 
 struct Row {
@@ -35,11 +39,16 @@ struct Row {
     // Pieces of work that one time is for: times are shown for one of them.
     double pieces = 1;
 
-    // Most nanoseconds that the library should take; 0: no such aim.
-    double limit = 0;
+    // Of single times, the quantile whose ratio counts; 0: they are shown, and no ratio.
+    double quantile = 0;
 };
 
 using Rows = std::vector<Row>;
+
+inline double nanosecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
+        .count();
+}
 
 // Sides' times around a call, or around a call that something comes before each time.
 template <typename Run>
@@ -47,8 +56,7 @@ std::function<double(std::int64_t)> timed(Run run) {
     return [run](std::int64_t times) {
         const auto start = std::chrono::steady_clock::now();
         for (std::int64_t i = 0; i < times; ++i) run();
-        return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
-            .count();
+        return nanosecondsSince(start);
     };
 }
 
@@ -60,9 +68,7 @@ std::function<double(std::int64_t)> timedAfter(Prepare prepare, Run run) {
             prepare();
             const auto start = std::chrono::steady_clock::now();
             run();
-            sum +=
-                std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
-                    .count();
+            sum += nanosecondsSince(start);
         }
         return sum;
     };
@@ -99,6 +105,7 @@ void addLogRows(Rows& rows);
 void addRequestRows(Rows& rows);
 void addEventRows(Rows& rows);
 void addStartRows(Rows& rows);
+void addThreadRows(Rows& rows);
 
 // Prints the row "footprint": sizes of the DLL, of a configuration of 1,000 instances, and of the
 // private memory that initialising with it takes.

@@ -3,14 +3,20 @@
 
 #include <bridge/bridge.h>
 
+#include <vector>
+
 #include "SampleConf.h"
 
-// The library as its host sees it, once, initialised over a configuration of 1,000 instances.
+// The library as its host sees it, initialised over a configuration of so many instances; once for
+// each number.
 class Library {
  public:
     static constexpr int kInstances = 1000;
 
-    static const Library& get();
+    static const Library& get(int instances = kInstances);
+
+    // The numbers that it can be had with.
+    static std::vector<int> sizes();
 
     const KeyValues& values() const { return values_; }
 
@@ -22,10 +28,11 @@ class Library {
     decltype(&bridgeConfSetI32) setI32 = nullptr;
     decltype(&bridgeConfSetString) setString = nullptr;
     decltype(&bridgeConfSetMultiString) setMultiString = nullptr;
+    decltype(&bridgeConfCommit) commit = nullptr;
     decltype(&bridgeFreeMemory) freeMemory = nullptr;
 
  private:
-    Library();
+    explicit Library(int instances);
 
     KeyValues values_;
     TempFolder folder_;

@@ -1,6 +1,11 @@
 // The DLL itself.
+#include <filesystem>
+#include <map>
+
 #include "Bench.h"
+#include "Floor.h"
 #include "Library.h"
+#include "support/ChildProcess.h"
 #include "support/RegistrySandbox.h"
 #include "support/WindowsForTests.h"
 
@@ -12,17 +17,29 @@ void resolve(HMODULE module, const char* name, Function& function) {
     benchCheck(function != nullptr, name);
 }
 
-}  // namespace
-
-const Library& Library::get() {
-    static const Library& library = *new Library;
-    return library;
+// The DLL keeps one configuration: for another one a copy of it is loaded.
+HMODULE load(int instances, const TempFolder& folder) {
+    if (instances == Library::kInstances) return ::LoadLibraryW(L"QX-Bridge.dll");
+    const FloorPath copy = floorPath(folder / "QX-Bridge-copy.dll");
+    std::filesystem::copy_file(floorPath(builtProgram("QX-Bridge.dll")), copy);
+    return ::LoadLibraryW(copy.c_str());
 }
 
-Library::Library() : values_(sampleValues(kInstances)) {
+}  // namespace
+
+const Library& Library::get(int instances) {
+    static auto& all = *new std::map<int, Library*>;
+    Library*& library = all[instances];
+    if (library == nullptr) library = new Library(instances);
+    return *library;
+}
+
+std::vector<int> Library::sizes() { return {10, kInstances}; }
+
+Library::Library(int instances) : values_(sampleValues(instances)) {
     folder_.makeFolder("Logs");
     folder_.write("vantrel.conf", sampleText(values_));
-    const HMODULE module = ::LoadLibraryW(L"QX-Bridge.dll");
+    const HMODULE module = load(instances, folder_);
     benchCheck(module != nullptr, "QX-Bridge.dll does not load");
     decltype(&bridgeApiInit) init = nullptr;
     resolve(module, "bridgeApiInit", init);
@@ -34,6 +51,7 @@ Library::Library() : values_(sampleValues(kInstances)) {
     resolve(module, "bridgeConfSetI32", setI32);
     resolve(module, "bridgeConfSetString", setString);
     resolve(module, "bridgeConfSetMultiString", setMultiString);
+    resolve(module, "bridgeConfCommit", commit);
     resolve(module, "bridgeFreeMemory", freeMemory);
     RegistrySandbox registry;
     registry.set("UserDefinedDir", folder_.path());

@@ -10,5 +10,6 @@ Rows allRows() {
     addRequestRows(rows);
     addEventRows(rows);
     addStartRows(rows);
+    addThreadRows(rows);
     return rows;
 }

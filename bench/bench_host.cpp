@@ -1,6 +1,8 @@
 // bench_host library|qt|memory FOLDER: a host that starts the library over the product's data in
 // FOLDER, or loads only what the library needs, and prints the nanoseconds; or the private bytes
 // that the initialisation took.
+// bench_host commit FOLDER KEY EVENT: prints a line when it has started the library, and then
+// commits changes of that text in a loop as long as the event of that name is set.
 #include <bridge/bridge.h>
 
 #include <chrono>
@@ -62,12 +64,31 @@ int useLibrary(bool showMemory) {
     return printTime(ok, start);
 }
 
+int commitWhileSet(const char* key, const char* eventName) {
+    const HANDLE event = ::OpenEventA(SYNCHRONIZE, FALSE, eventName);
+    const HMODULE module = ::LoadLibraryW(L"QX-Bridge.dll");
+    if (event == nullptr || module == nullptr) return 1;
+    const auto init = resolve<decltype(&bridgeApiInit)>(module, "bridgeApiInit");
+    const auto set = resolve<decltype(&bridgeConfSetString)>(module, "bridgeConfSetString");
+    const auto commit = resolve<decltype(&bridgeConfCommit)>(module, "bridgeConfCommit");
+    if (init("Helper") != BRIDGE_SUCCESS) return 1;
+    std::puts("ready");
+    std::fflush(stdout);
+    for (bool odd = false; ::WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0; odd = !odd) {
+        if (set(key, odd ? "mine" : "yours") != BRIDGE_SUCCESS) return 1;
+        if (commit() != BRIDGE_SUCCESS) return 1;
+    }
+    return 1;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 3) return 2;
+    const bool commits = count == 5 && std::strcmp(arguments[1], "commit") == 0;
+    if (count != 3 && !commits) return 2;
     RegistrySandbox registry;
     registry.set("UserDefinedDir", arguments[2]);
+    if (commits) return commitWhileSet(arguments[3], arguments[4]);
     if (std::strcmp(arguments[1], "qt") == 0) return loadQt();
     return useLibrary(std::strcmp(arguments[1], "memory") == 0);
 }

@@ -12,8 +12,8 @@ import tempfile
 from pathlib import Path
 
 ROWS = [
-    ("load/1000", 2, ["library", "QSettings", "floor: ordered map"]),
-    ("reload/1000", 4, ["library", "floor: ordered map"]),
+    ("load/1000", 2, ["library", "QSettings", "floor: lock, read, ordered map"]),
+    ("reload/1000", 4, ["library", "floor: lock, read, ordered map"]),
     *((f"{access}/{kind}", 20000, ["library", other, "floor: lookup and copy"])
       for access, other in (("get", "QSettings value()"), ("set", "QSettings setValue()"))
       for kind in ("bool", "i32", "string", "multistring")),

@@ -3,12 +3,15 @@
 #include "Library.h"
 #include "support/RegistrySandbox.h"
 
-const Library& Library::get() {
-    static const Library& library = *new Library;
+const Library& Library::get(int instances) {
+    benchCheck(instances == kInstances, "there is one library, of another size");
+    static const Library& library = *new Library(instances);
     return library;
 }
 
-Library::Library() : values_(sampleValues(kInstances)) {
+std::vector<int> Library::sizes() { return {kInstances}; }
+
+Library::Library(int instances) : values_(sampleValues(instances)) {
     folder_.makeFolder("Logs");
     folder_.write("vantrel.conf", sampleText(values_));
     getBool = bridgeConfGetBool;
@@ -19,6 +22,7 @@ Library::Library() : values_(sampleValues(kInstances)) {
     setI32 = bridgeConfSetI32;
     setString = bridgeConfSetString;
     setMultiString = bridgeConfSetMultiString;
+    commit = bridgeConfCommit;
     freeMemory = bridgeFreeMemory;
     RegistrySandbox registry;
     registry.set("UserDefinedDir", folder_.path());

@@ -7,6 +7,7 @@ Rows allRows() {
     addCommitRows(rows);
     addListingRows(rows);
     addLogRows(rows);
+    addThreadRows(rows);
     return rows;
 }
 

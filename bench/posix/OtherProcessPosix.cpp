@@ -1,0 +1,3 @@
+#include "OtherProcess.h"
+
+std::function<void(bool)> otherProcess(int) { return nullptr; }
