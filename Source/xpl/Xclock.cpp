@@ -1,4 +1,4 @@
-// Texts of points in time; the clock itself is in XclockWinnt.cpp.
+// Local time and its texts; the system's clock itself is in XclockWinnt.cpp.
 #include "xpl/Xclock.h"
 
 #include <algorithm>
@@ -12,6 +12,20 @@ namespace {
 constexpr std::int64_t kMicrosPerSecond = 1'000'000;
 
 constexpr std::int64_t kSecondsPerDay = 86'400;
+
+// The zone's rules are asked once a second: a log writes many lines in one, and the question takes
+// longer than the rest of a line. Second and offset share one word, so that no reader sees those of
+// two writers.
+std::int64_t offsetAt(std::int64_t utcSeconds) {
+    // An offset is less than a day: 17 bits and a sign.
+    constexpr std::int64_t kOffsets = std::int64_t{1} << 20;
+    static std::atomic<std::int64_t> known{-1};
+    const std::int64_t last = known.load(std::memory_order_relaxed);
+    if (last >= 0 && last / kOffsets == utcSeconds) return last % kOffsets - kOffsets / 2;
+    const std::int64_t offset = xclockOffset(utcSeconds);
+    known.store(utcSeconds * kOffsets + offset + kOffsets / 2, std::memory_order_relaxed);
+    return offset;
+}
 
 // The date of a day since 1970-01-01 as a number of the form yyyymmdd. The runtime's calendar is
 // asked once a day, since the question takes a quarter of a log line. Day and date share one word,
@@ -57,6 +71,12 @@ XclockStamp usualStamp(std::int64_t local, std::string_view zoneSuffix) {
 }
 
 }  // namespace
+
+std::int64_t xclockNow() {
+    constexpr std::int64_t kResolution = 1000;
+    const std::int64_t utc = xclockUtc() / kResolution * kResolution;
+    return utc + offsetAt(utc / kMicrosPerSecond) * kMicrosPerSecond;
+}
 
 XclockStamp xclockStamp(std::int64_t local, const char* zoneSuffix) {
     // As far as the runtime's calendar goes; behind it there is no date.

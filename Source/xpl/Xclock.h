@@ -8,6 +8,11 @@
 // Local wall-clock time as microseconds since 1970-01-01, with a resolution of a millisecond.
 std::int64_t xclockNow();
 
+// The system's clock: UTC as microseconds since 1970-01-01, and local time less UTC, in seconds, at
+// such a second.
+std::int64_t xclockUtc();
+std::int64_t xclockOffset(std::int64_t utcSeconds);
+
 // UTC for such a local time. The zone's daylight rule is assumed to hold all year where the zone
 // has one, so that the result is an hour off in some seasons.
 std::int64_t xclockLocalToUtc(std::int64_t local);

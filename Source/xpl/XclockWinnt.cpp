@@ -1,8 +1,6 @@
 // The clock of the Universal C Runtime.
 #include <time.h>
 
-#include <atomic>
-
 #include "xpl/Xclock.h"
 #include "xpl/XwindowsLean.h"
 
@@ -14,7 +12,9 @@ constexpr std::int64_t kMicrosPerSecond = 1'000'000;
 constexpr std::int64_t kTicksPerMicro = 10;
 constexpr std::int64_t kTicksTo1970 = 116'444'736'000'000'000;
 
-std::int64_t utcMicros() {
+}  // namespace
+
+std::int64_t xclockUtc() {
     FILETIME now{};
     ::GetSystemTimeAsFileTime(&now);
     const auto ticks =
@@ -22,33 +22,11 @@ std::int64_t utcMicros() {
     return (ticks - kTicksTo1970) / kTicksPerMicro;
 }
 
-std::int64_t computeOffset(std::int64_t utcSeconds) {
+std::int64_t xclockOffset(std::int64_t utcSeconds) {
     const __time64_t seconds = utcSeconds;
     tm local{};
     _localtime64_s(&local, &seconds);
     return _mkgmtime64(&local) - utcSeconds;
-}
-
-// Local time less UTC, in seconds. The zone's rules are asked once a second: a log writes many
-// lines in one, and the question takes longer than the rest of a line. Second and offset share one
-// word, so that no reader sees those of two writers.
-std::int64_t offsetAt(std::int64_t utcSeconds) {
-    // An offset is less than a day: 17 bits and a sign.
-    constexpr std::int64_t kOffsets = std::int64_t{1} << 20;
-    static std::atomic<std::int64_t> known{-1};
-    const std::int64_t last = known.load(std::memory_order_relaxed);
-    if (last >= 0 && last / kOffsets == utcSeconds) return last % kOffsets - kOffsets / 2;
-    const std::int64_t offset = computeOffset(utcSeconds);
-    known.store(utcSeconds * kOffsets + offset + kOffsets / 2, std::memory_order_relaxed);
-    return offset;
-}
-
-}  // namespace
-
-std::int64_t xclockNow() {
-    constexpr std::int64_t kResolution = 1000;
-    const std::int64_t utc = utcMicros() / kResolution * kResolution;
-    return utc + offsetAt(utc / kMicrosPerSecond) * kMicrosPerSecond;
 }
 
 std::int64_t xclockLocalToUtc(std::int64_t local) {

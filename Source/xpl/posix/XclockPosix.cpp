@@ -9,12 +9,17 @@ constexpr std::int64_t kMicrosPerSecond = 1'000'000;
 
 }  // namespace
 
-std::int64_t xclockNow() {
+std::int64_t xclockUtc() {
     timespec now{};
-    tm local{};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    ::localtime_r(&now.tv_sec, &local);
-    return ::timegm(&local) * kMicrosPerSecond + now.tv_nsec / 1'000'000 * 1000;
+    return now.tv_sec * kMicrosPerSecond + now.tv_nsec / 1000;
+}
+
+std::int64_t xclockOffset(std::int64_t utcSeconds) {
+    const time_t seconds = utcSeconds;
+    tm local{};
+    ::localtime_r(&seconds, &local);
+    return ::timegm(&local) - utcSeconds;
 }
 
 std::int64_t xclockLocalToUtc(std::int64_t local) {
