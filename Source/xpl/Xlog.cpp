@@ -149,8 +149,6 @@ std::int32_t defaultPrint(std::int32_t level, std::int32_t tag, const char* file
     return writeLine(*now, buffer, length);
 }
 
-XlogLogger logger{defaultIsEnabled, defaultPrint};
-
 void nameTags() {
     for (std::size_t i = 0; i < kTagCount; ++i) {
         tags[i].name.store(kTagNames[i], std::memory_order_relaxed);
@@ -185,11 +183,11 @@ void setZoneSuffix() {
 
 }  // namespace
 
-const XlogLogger& xlogGetLogger() noexcept { return logger; }
+XlogLogger xlogLogger{defaultIsEnabled, defaultPrint};
 
 XErr xlogLibInit(const XlogLogger* hostLogger, const std::string& logFilePath) {
     if (hostLogger != nullptr) {
-        logger = *hostLogger;
+        xlogLogger = *hostLogger;
         XLOG_D(kLog, "xlog inited using logger");
         return XERR_SUCCESS;
     }
@@ -245,9 +243,9 @@ void xlogFatalBreak(const XlogModule& module, std::int32_t line, const char* fun
     if (xlogIsEnabled(module, XLOG_ERROR)) {
         // The format is part of the log's vocabulary as it stands; nothing is passed for its last
         // conversion but a zero.
-        static_cast<void>(logger.print(XLOG_ERROR, static_cast<std::int32_t>(module.tag),
-                                       module.file, function, line,
-                                       "FATAL: DEBUG BREAK: %s:%d %f()", module.file, line, 0.0));
+        static_cast<void>(xlogLogger.print(
+            XLOG_ERROR, static_cast<std::int32_t>(module.tag), module.file, function, line,
+            "FATAL: DEBUG BREAK: %s:%d %f()", module.file, line, 0.0));
     }
     xsystemDebugBreak();
 }
