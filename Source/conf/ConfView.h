@@ -133,15 +133,16 @@ void ConfView::forEach(Visit visit) const {
         const auto& [key, value] = *other++;
         if (!value.isEmpty()) visit(std::string_view{}, std::string_view(key), value);
     };
+    const auto visitOthersBefore = [&](std::string_view prefix, std::string_view name) {
+        while (other != others_.end() && confKeyIsBefore(other->first, prefix, name)) visitOther();
+    };
     const auto visitRange = [&](std::string_view prefix, const ConfSchema& schema,
                                 const std::vector<ConfValue>& values, std::size_t from,
                                 std::size_t to) {
         for (std::size_t i = from; i < to; ++i) {
             if (values[i].isEmpty()) continue;
             const std::string_view name = schema[i].first;
-            while (other != others_.end() && confKeyIsBefore(other->first, prefix, name)) {
-                visitOther();
-            }
+            visitOthersBefore(prefix, name);
             visit(prefix, name, values[i]);
         }
     };
