@@ -35,7 +35,7 @@ play() {
 play ipc_test 'IpcServerLoadTest.*' 'IpcPeerDeathTest.*'
 play hosts_test 'EventsTest.TheLibraryIsLoaded*' 'EventsTest.TenThousandEvents*' \
     'EventsTest.MalformedPacketsOn*' 'ShutdownTest.ManyRequests*'
-play conf_test 'ConfCrowdTest.*'
+play conf_test 'ConfCrowdTest.*' 'ConfModelTest.*'
 play proof_test '*'
 printf '== inject.sh\n'
 timeout -k 10 "${minutes}m" bash "$tree/tests/proof/inject.sh" "$build"
