@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "utl/UtlFolders.h"
@@ -80,7 +81,7 @@ TEST(UtlFolders, TheInstallFolderGetsNoSeparator) {
 TEST(UtlFolders, AMissingInstallFolderIsFatal) {
     const ChildResult result = runSubprocess("printInstallDir");
     EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
+    EXPECT_NE(result.out.find(logged::messageOf(logged::installFolderUnknown())),
               std::string::npos);
     EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "utl/UtlProcess.h"
@@ -137,34 +138,30 @@ SUBPROCESS(registersWithoutAnInstallFolder) {
 }
 
 TEST(UtlTrim, OnlyTheProductsProcessesAreTrimmedAndEveryHandleIsClosed) {
-    EXPECT_EQ(
-        output("trimsFakeProcesses", {"C:\\Apps\\Player\\"}),
-        "open 4\n"
-        "open 100\ntrim 100\nclose 100\n"
-        "open 104\nclose 104\n"
-        "open 108\nclose 108\n"
-        "open 112\nclose 112\n"
-        "open 116\nclose 116\n"
-        "open 120\ntrim 120\nclose 120\n"
-        "open 124\nclose 124\n"
-        "I UTL Trimming memory for process 100:C:\\Apps\\Player\\QX-Player.exe\n"
-        "I UTL Trimming memory for process 120:\\\\?\\C:\\Apps\\Player\\bin\\Ünïcode 日本.exe\n"
-        "0\n");
+    EXPECT_EQ(output("trimsFakeProcesses", {"C:\\Apps\\Player\\"}),
+              "open 4\n"
+              "open 100\ntrim 100\nclose 100\n"
+              "open 104\nclose 104\n"
+              "open 108\nclose 108\n"
+              "open 112\nclose 112\n"
+              "open 116\nclose 116\n"
+              "open 120\ntrim 120\nclose 120\n"
+              "open 124\nclose 124\n" +
+                  logged::memoryTrimmed("100", "C:\\Apps\\Player\\QX-Player.exe") + "\n" +
+                  logged::memoryTrimmed("120", "\\\\?\\C:\\Apps\\Player\\bin\\Ünïcode 日本.exe") +
+                  "\n0\n");
 }
 
 TEST(UtlTrim, TheInstallFolderIsLookedForAsItStands) {
     const std::string text = output("trimsFakeProcesses", {"C:\\Apps\\Player"});
-    EXPECT_NE(text.find("I UTL Trimming memory for process 124:C:\\Apps\\Player\n"),
-              std::string::npos)
+    EXPECT_NE(text.find(logged::memoryTrimmed("124", "C:\\Apps\\Player") + "\n"), std::string::npos)
         << text;
 }
 
 TEST(UtlTrim, AProcessWithoutANameIsCalledUnknown) {
     const std::string text = output("trimsFakeProcesses", {"known"});
-    EXPECT_NE(text.find("close 124\n"
-                        "I UTL Trimming memory for process 112:<unknown>\n"
-                        "I UTL Trimming memory for process 116:<unknown>\n"
-                        "0\n"),
+    EXPECT_NE(text.find("close 124\n" + logged::memoryTrimmed("112", "<unknown>") + "\n" +
+                        logged::memoryTrimmed("116", "<unknown>") + "\n0\n"),
               std::string::npos)
         << text;
 }
@@ -178,7 +175,7 @@ TEST(UtlTrim, AMissingInstallFolderIsFatal) {
     const ChildResult result = runSubprocess("trimsWithoutAnInstallFolder");
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out.find("open"), std::string::npos) << result.out;
-    EXPECT_NE(result.out.find("utlGetInstallDir: Failed to get install dir properly"),
+    EXPECT_NE(result.out.find(logged::messageOf(logged::installFolderUnknown())),
               std::string::npos);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -94,7 +95,7 @@ TEST(UtlTrim, ARealProcessOfTheInstallFolderIsTrimmed) {
     const ChildProcess child = install.start(/*megabytes=*/1);
     const std::string id = std::to_string(::GetProcessId(child.handle()));
     EXPECT_EQ(output("trimsRealProcesses", {install.path()}),
-              "I UTL Trimming memory for process " + id + ":" + install.program() + "\n0\n");
+              logged::memoryTrimmed(id, install.program()) + "\n0\n");
 }
 
 TEST(UtlTrim, ARealProcessOfAnotherFolderIsLeftAlone) {

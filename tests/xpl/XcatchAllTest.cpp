@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 
 namespace {
 
@@ -27,13 +28,13 @@ TEST(XcatchAll, AnExceptionIsLoggedInItsOwnWords) {
     EXPECT_EQ(
         xcatchAll(kModule, "function", -1, []() -> int { throw std::runtime_error("its words"); }),
         -1);
-    EXPECT_EQ(log.texts(), Lines{"E UTL function: exception: its words"});
+    EXPECT_EQ(log.texts(), Lines{logged::exceptionCaught("UTL", "function", "its words")});
 }
 
 TEST(XcatchAll, WhatIsNoExceptionIsCalledUnknown) {
     const LogCapture log;
     EXPECT_EQ(xcatchAll(kModule, "function", -1, []() -> int { throw 1; }), -1);
-    EXPECT_EQ(log.texts(), Lines{"E UTL function: exception: unknown exception"});
+    EXPECT_EQ(log.texts(), Lines{logged::exceptionCaught("UTL", "function", "unknown exception")});
 }
 
 TEST(XcatchAll, ACallWithoutAResultIsMadeAndItsExceptionLogged) {
@@ -44,5 +45,5 @@ TEST(XcatchAll, ACallWithoutAResultIsMadeAndItsExceptionLogged) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
     EXPECT_FALSE(
         xcatchAll(kModule, "function", []() -> void { throw std::runtime_error("its words"); }));
-    EXPECT_EQ(log.texts(), Lines{"E UTL function: exception: its words"});
+    EXPECT_EQ(log.texts(), Lines{logged::exceptionCaught("UTL", "function", "its words")});
 }

@@ -12,6 +12,7 @@
 
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/TempFolder.h"
 #include "support/process_figures.h"
@@ -359,8 +360,7 @@ TEST_F(XfileTest, MoveReplacesTheDestination) {
 TEST_F(XfileTest, MoveOfAMissingSourceWarnsAndFails) {
     const LogCapture log;
     EXPECT_EQ(xfileMove(folder / "from", folder / "to"), XERR_NOENT);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"W XFILE Error in flushing file " +
-                                                    (folder / "from") + " to disk. Error = 2"});
+    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::fileNotFlushed(folder / "from")});
     EXPECT_EQ(folder.list(), std::vector<std::string>{});
 }
 
@@ -368,8 +368,7 @@ TEST_F(XfileTest, MoveFromAMissingFolderMakesTheFolderAndFails) {
     const LogCapture log;
     const std::string from = folder / "new\\from";
     EXPECT_EQ(xfileMove(from, folder / "to"), XERR_NOENT);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"W XFILE Error in flushing file " + from +
-                                                    " to disk. Error = 2"});
+    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::fileNotFlushed(from)});
     EXPECT_EQ(folder.list(), std::vector<std::string>{"new"});
     EXPECT_FALSE(folder.has("new\\from"));
 }

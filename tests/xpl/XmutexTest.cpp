@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/Subprocess.h"
 #include "support/process_figures.h"
@@ -108,7 +109,7 @@ TEST(XmutexNamed, ANameThatIsNotUtf8IsRefused) {
     const LogCapture log;
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init("\xFF"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex '\xFF'. Error = 1113"});
+    EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade("\xFF", "1113")});
 }
 
 TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
@@ -202,15 +203,13 @@ TEST(XnamedGuard, AWaitOfMoreThanASecondIsToldWhenItIsLongAndWhenItEnds) {
     mutex.lock();
     std::thread waiting([&] { const XnamedGuard guard(mutex, kModule, "work"); });
     while (log.texts().empty()) sleepMs(10);
-    EXPECT_EQ(withoutTimes(log.texts()),
-              Lines{"W CONF work: waiting for " + mutex.name() + " for N ms"});
+    EXPECT_EQ(withoutTimes(log.texts()), Lines{logged::lockAwaited("work", mutex.name())});
     sleepMs(200);
     mutex.unlock();
     waiting.join();
     const Lines lines = log.texts(XLOG_VERBOSE);
-    EXPECT_EQ(withoutTimes(lines),
-              (Lines{"W CONF work: waiting for " + mutex.name() + " for N ms",
-                     "W CONF work: waited for " + mutex.name() + " for N ms"}));
+    EXPECT_EQ(withoutTimes(lines), (Lines{logged::lockAwaited("work", mutex.name()),
+                                          logged::lockObtained("work", mutex.name())}));
     EXPECT_GE(millisecondsOf(lines[0]), 1000);
     EXPECT_GE(millisecondsOf(lines[1]), millisecondsOf(lines[0]) + 200);
 }

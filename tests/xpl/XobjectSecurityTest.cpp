@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XobjectSecurity.h"
@@ -43,8 +44,7 @@ TEST(XmutexNamed, ANameOfAnotherKindOfObjectIsRefused) {
     const LogCapture log;
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init(name), -1);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"E XMUTEX Failed to create mutex '" + name +
-                                                    "'. Error = 6"});
+    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::mutexNotMade(name, "6")});
     ::CloseHandle(event);
 }
 

@@ -9,6 +9,7 @@
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
@@ -154,8 +155,7 @@ TEST(Xproc, AProgramThatNeedsElevationIsStartedThroughTheShell) {
     EXPECT_EQ(FakeCalls::seen, (Lines{R"(create "C:\\P\\x.exe" "a b" "\"q\"")",
                                       R"(runas C:\P\x.exe | "a b" "\"q\"")"}));
     EXPECT_EQ(handle, &handle) << "the shell gives no handle";
-    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
-                                 R"("C:\\P\\x.exe" "a b" "\"q\"" GetLastError() 740)"});
+    EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("C:\\P\\x.exe" "a b" "\"q\"")", "740")});
 }
 
 TEST(Xproc, AnElevatedStartWithOnlyAProgramHasNoParameters) {
@@ -169,9 +169,7 @@ TEST(Xproc, ADeclinedElevationIsLogged) {
     const FakeCalls calls(XPROC_ELEVATION_REQUIRED, ERROR_CANCELLED);
     EXPECT_EQ(xprocCreate(nullptr, {"C:\\x.exe", "a"}), 101223);
     ASSERT_EQ(log.texts().size(), 2u);
-    EXPECT_EQ(log.texts()[1],
-              "E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
-              "parameters \"a\" GetLastError() 1223");
+    EXPECT_EQ(log.texts()[1], logged::elevatedStartFailed("C:\\x.exe", "\"a\"", "1223"));
 }
 
 TEST(Xproc, OtherFailuresAreNotTriedAgain) {
@@ -187,8 +185,7 @@ TEST(Xproc, AFailureWithoutAnErrorIsNoSuccess) {
     EXPECT_EQ(xprocCreate(&handle, {"x.exe", "a"}), 100000);
     EXPECT_EQ(FakeCalls::seen, Lines{R"(create "x.exe" "a")"}) << "and asks for no elevation";
     EXPECT_EQ(handle, &handle);
-    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
-                                 R"("x.exe" "a" GetLastError() 0)"});
+    EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("x.exe" "a")", "0")});
 }
 
 TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorIsNoSuccess) {
@@ -198,9 +195,7 @@ TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorIsNoSuccess) {
     EXPECT_EQ(xprocCreate(&handle, {"x.exe", "a"}), 100000);
     EXPECT_EQ(handle, &handle);
     ASSERT_EQ(log.texts().size(), 2u);
-    EXPECT_EQ(log.texts()[1],
-              "E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename x.exe "
-              "parameters \"a\" GetLastError() 0");
+    EXPECT_EQ(log.texts()[1], logged::elevatedStartFailed("x.exe", "\"a\"", "0"));
 }
 
 TEST(Xproc, AHandleNobodyAsksForIsClosed) {
@@ -290,7 +285,7 @@ TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
     {
         const LogCapture log;
         EXPECT_EQ(xprocWait(cannotWait, nullptr), XERR_ACCES);
-        EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait failed with 13 XERR_ACCES"});
+        EXPECT_EQ(log.texts(), Lines{logged::processNotAwaited("13 XERR_ACCES")});
     }
     EXPECT_TRUE(isOpen(cannotWait));
     ::CloseHandle(cannotWait);

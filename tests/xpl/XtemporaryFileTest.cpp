@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 
 namespace {
 
@@ -88,5 +89,5 @@ TEST(XtemporaryFileTest, ADeletionThatThrowsIsLogged) {
         temporary.setExists(true);
     }
     EXPECT_EQ(log.texts(),
-              Lines{std::string("E UTL function: exception: ") + std::bad_alloc().what()});
+              Lines{logged::exceptionCaught("UTL", "function", std::bad_alloc().what())});
 }
