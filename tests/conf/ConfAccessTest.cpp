@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "ConfFixture.h"
+#include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
@@ -87,8 +88,7 @@ TEST_F(ConfAccessTest, SettingANewInstancesKeyToItsDefaultStagesNothing) {
     EXPECT_FALSE(confHasPendingChanges(store));
     log.clear();
     EXPECT_EQ(confCommit(store), 0);
-    EXPECT_EQ(log.texts(XLOG_DEBUG),
-              Lines{"D CONF No changes in conf file, so nothing to commit."});
+    EXPECT_EQ(log.texts(XLOG_DEBUG), Lines{logged::nothingToCommit()});
 }
 
 TEST_F(ConfAccessTest, DiscardingForgetsEveryChange) {
@@ -118,7 +118,7 @@ TEST_F(ConfAccessTest, TheCurrentInstanceShortensKeys) {
 TEST_F(ConfAccessTest, AnUnknownInstanceCannotBeCurrent) {
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     EXPECT_EQ(confSetCurrentInstance(store, "X"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF Instance X doesn't exist"});
+    EXPECT_EQ(log.texts(), Lines{logged::instanceUnknown("X")});
     EXPECT_EQ(confGetCurrentInstance(store), "A");
 }
 
@@ -145,13 +145,12 @@ TEST_F(ConfAccessTest, ValidationSaysWhyNot) {
     EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::Bool, false));
     EXPECT_FALSE(confValidateProp(store, "locale", ConfType::String, false));
     EXPECT_FALSE(confValidateProp(store, "", ConfType::String, false));
-    EXPECT_EQ(log.texts(), (Lines{"E CONF vtr.nothing prop not found in prop dir",
+    EXPECT_EQ(log.texts(), (Lines{logged::keyUnknown("vtr.nothing"),
                                   "E CONF vtr.locale type of the prop is not matching",
-                                  "E CONF vtr.instance.A.nothing prop not found in iprop dir",
-                                  "E CONF vtr.instance.A prop not found in iprop dir",
+                                  logged::keyUnknown("vtr.instance.A.nothing", "iprop"),
+                                  logged::keyUnknown("vtr.instance.A", "iprop"),
                                   "E CONF vtr.instance.A.dpi type of the iprop is not matching",
-                                  "E CONF locale prop not found in prop dir",
-                                  "E CONF  prop not found in prop dir"}));
+                                  logged::keyUnknown("locale"), logged::keyUnknown("")}));
 }
 
 TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
@@ -170,7 +169,7 @@ TEST_F(ConfAccessTest, ValidationLogsUnderItsOwnName) {
     EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
     EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::String, false));
     EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
-    EXPECT_EQ(log.texts(), (Lines{"E CONF vtr.nothing prop not found in prop dir",
+    EXPECT_EQ(log.texts(), (Lines{logged::keyUnknown("vtr.nothing"),
                                   "E CONF vtr.instance.A.dpi type of the iprop is not matching",
                                   "E CONF confValidateProp: Deprecated conf vtr.old"}));
     for (const LogCapture::Line& line : log.lines()) EXPECT_EQ(line.function, "confValidateProp");
@@ -229,7 +228,7 @@ namespace {
 
 struct FatalCase {
     const char* what;
-    const char* message;  // the line before the fatal one; null: none
+    std::string line;  // the one before the fatal one; empty: none
 };
 
 void PrintTo(const FatalCase& fatal, std::ostream* out) { *out << fatal.what; }
@@ -248,27 +247,24 @@ TEST_P(ConfFatalTest, EndsTheProcess) {
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.back().rfind("E CONF  FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u)
         << lines.back();
-    ASSERT_EQ(lines.size(), GetParam().message == nullptr ? 1u : 2u) << result.out;
-    if (GetParam().message != nullptr) {
-        EXPECT_EQ(lines[0], std::string("E CONF  ") + GetParam().message);
-    }
+    ASSERT_EQ(lines.size(), GetParam().line.empty() ? 1u : 2u) << result.out;
+    if (!GetParam().line.empty()) EXPECT_EQ(lines[0], logged::by("", GetParam().line));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ConfFatalTest,
     ::testing::Values(
-        FatalCase{"getUnknown", "vtr.nothing prop not found in prop dir"},
-        FatalCase{"getWrongType", "vtr.locale type of the prop is not matching"},
-        FatalCase{"getI64", "vtr.next_vm_id type of the prop is not matching"},
-        FatalCase{"getEmptyBool", "confGetBool error for vtr.prefer_dedicated_gpu:"},
-        FatalCase{"getBadBool", "confGetBool error for vtr.feature.rooting:maybe"},
-        FatalCase{"getBadNumber", "confGetI32 error for vtr.mem_pcd_pclimit:abc"},
-        FatalCase{"getMissingBool", "confGetBool error for vtr.instance.Z.enable_vsync:"},
-        FatalCase{"setUnknown", "vtr.nothing prop not found in prop dir"},
-        FatalCase{"setWrongType", "vtr.locale type of the prop is not matching"},
-        FatalCase{"restoreUnknown", nullptr}, FatalCase{"restoreShort", nullptr},
-        FatalCase{"getRemoved",
-                  "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]"}),
+        FatalCase{"getUnknown", logged::keyUnknown("vtr.nothing")},
+        FatalCase{"getWrongType", "E CONF vtr.locale type of the prop is not matching"},
+        FatalCase{"getI64", "E CONF vtr.next_vm_id type of the prop is not matching"},
+        FatalCase{"getEmptyBool", logged::boolInvalid("vtr.prefer_dedicated_gpu", "")},
+        FatalCase{"getBadBool", logged::boolInvalid("vtr.feature.rooting", "maybe")},
+        FatalCase{"getBadNumber", logged::numberInvalid("vtr.mem_pcd_pclimit", "abc")},
+        FatalCase{"getMissingBool", logged::boolInvalid("vtr.instance.Z.enable_vsync", "")},
+        FatalCase{"setUnknown", logged::keyUnknown("vtr.nothing")},
+        FatalCase{"setWrongType", "E CONF vtr.locale type of the prop is not matching"},
+        FatalCase{"restoreUnknown", ""}, FatalCase{"restoreShort", ""},
+        FatalCase{"getRemoved", logged::keyRemoved("vtr.instance.A.dpi")}),
     [](const auto& info) { return std::string(info.param.what); });
 
 namespace {
@@ -292,23 +288,27 @@ void expectFunction(const Lines& lines, const std::string& message, const std::s
 }  // namespace
 
 TEST(ConfFatalFunction, ABadNumberIsLoggedByTheFunctionThatReadsIt) {
-    expectFunction(linesWithFunction("confFatal", {"getBadNumber", "shown"}),
-                   "confGetI32 confGetI32 error for vtr.mem_pcd_pclimit:abc", "confGetI32");
+    expectFunction(
+        linesWithFunction("confFatal", {"getBadNumber", "shown"}),
+        "confGetI32 " + logged::messageOf(logged::numberInvalid("vtr.mem_pcd_pclimit", "abc")),
+        "confGetI32");
     expectFunction(linesWithFunction("readsABadLongNumber", {"shown"}),
                    "confGetI64 confGetI64 error for vtr.big:abc", "confGetI64");
 }
 
 TEST(ConfFatalFunction, ABadBoolIsLoggedByTheFunctionThatReadsIt) {
-    expectFunction(linesWithFunction("confFatal", {"getBadBool", "shown"}),
-                   "confGetBool confGetBool error for vtr.feature.rooting:maybe", "confGetBool");
+    expectFunction(
+        linesWithFunction("confFatal", {"getBadBool", "shown"}),
+        "confGetBool " + logged::messageOf(logged::boolInvalid("vtr.feature.rooting", "maybe")),
+        "confGetBool");
 }
 
 TEST(ConfFatalFunction, AKeyThatIsRefusedIsLoggedByTheValidation) {
     expectFunction(linesWithFunction("confFatal", {"getUnknown", "shown"}),
-                   "confValidateProp vtr.nothing prop not found in prop dir",
+                   "confValidateProp " + logged::messageOf(logged::keyUnknown("vtr.nothing")),
                    "confGetStringInternal");
     expectFunction(linesWithFunction("confFatal", {"setUnknown", "shown"}),
-                   "confValidateProp vtr.nothing prop not found in prop dir",
+                   "confValidateProp " + logged::messageOf(logged::keyUnknown("vtr.nothing")),
                    "confSetStringInternal");
 }
 

@@ -16,6 +16,7 @@
 
 #include "ConfFixture.h"
 #include "support/HeldFile.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
@@ -89,7 +90,7 @@ TEST_F(ConfCommitTest, WritesEveryKeyInByteOrder) {
     addInstanceDefaults(expected, "Nougat64_10");
     EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
-    EXPECT_EQ(log.texts(), Lines{"I CONF confCommitToFile args: " + path()});
+    EXPECT_EQ(log.texts(), Lines{logged::committing(path())});
     EXPECT_FALSE(confHasPendingChanges(store));
 }
 
@@ -98,8 +99,7 @@ TEST_F(ConfCommitTest, WithoutAChangeNothingIsWritten) {
     log.clear();
     EXPECT_EQ(confCommit(store), 0);
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
-    EXPECT_EQ(log.texts(XLOG_VERBOSE),
-              Lines{"D CONF No changes in conf file, so nothing to commit."});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{logged::nothingToCommit()});
 }
 
 TEST_F(ConfCommitTest, CommittingToAFileAlwaysWrites) {
@@ -121,8 +121,7 @@ TEST_F(ConfCommitTest, CommittingToAnotherFileLeavesNothingToCommit) {
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confCommit(store), 0);
     EXPECT_EQ(log.texts(XLOG_VERBOSE),
-              (Lines{"I CONF confCommitToFile args: " + copy,
-                     "D CONF No changes in conf file, so nothing to commit."}));
+              (Lines{logged::committing(copy), logged::nothingToCommit()}));
     Entries expected = globalDefaults();
     expected["vtr.locale"] = "b";
     EXPECT_EQ(folder.read("copy"), fileText(expected));
@@ -230,7 +229,7 @@ TEST_F(ConfCommitTest, ATemporaryFileThatCannotBeCreatedChangesNothing) {
     confSetString(store, "vtr.guid", "x");
     log.clear();
     EXPECT_EQ(confCommit(store), XERR_ACCES);
-    EXPECT_EQ(log.texts(), (Lines{"I CONF confCommitToFile args: " + path(),
+    EXPECT_EQ(log.texts(), (Lines{logged::committing(path()),
                                   "E CONF confCommitToFile: xfileOpen failed, err = 13 "
                                   "[XERR_ACCES]"}));
     EXPECT_TRUE(confHasPendingChanges(store));
@@ -254,7 +253,7 @@ TEST_F(ConfCommitTest, AFailedReloadKeepsTheChangesPending) {
     folder.write("vantrel.conf", "broken\n");
     log.clear();
     EXPECT_EQ(confCommit(store), -1);
-    EXPECT_EQ(log.texts().back(), "E CONF conf file not in correct format, broken");
+    EXPECT_EQ(log.texts().back(), logged::confMalformed("broken"));
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
     EXPECT_EQ(folder.read("vantrel.conf"), "broken\n");
     EXPECT_TRUE(confIsPropPending(store, "vtr.guid"));
@@ -285,8 +284,8 @@ TEST_F(ConfCommitTest, WithoutAConfFileTheMoveFails) {
         const InFolder here(folder.path());
         EXPECT_EQ(confCommit(store), XERR_NOENT);
     }
-    EXPECT_EQ(log.texts(), (Lines{"I CONF confCommitToFile args: ",
-                                  "E CONF xfileMove failed, err = 2 [XERR_NOENT]"}));
+    EXPECT_EQ(log.texts(),
+              (Lines{logged::committing(""), logged::confNotReplaced("2 [XERR_NOENT]")}));
     EXPECT_EQ(folder.list(), Lines{}) << "\"-temp\" is deleted";
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(committed("vtr.guid"), "x") << "the change is only in memory";
@@ -297,7 +296,7 @@ TEST_F(ConfCommitTest, AFailedMoveDeletesTheTemporaryFile) {
     folder.makeFolder("target");
     log.clear();
     EXPECT_EQ(confCommitToFile(store, folder / "target"), XERR_ACCES);
-    EXPECT_EQ(log.texts().back(), "E CONF xfileMove failed, err = 13 [XERR_ACCES]");
+    EXPECT_EQ(log.texts().back(), logged::confNotReplaced("13 [XERR_ACCES]"));
     EXPECT_EQ(folder.list(), (Lines{"target", "vantrel.conf"}));
 }
 
@@ -337,7 +336,7 @@ TEST_F(ConfCommitTest, AReadOnlyFileStaysAndTheTemporaryFileGoes) {
     log.clear();
     EXPECT_EQ(confCommit(store), XERR_ACCES);
     std::filesystem::permissions(systemPath(path()), std::filesystem::perms::all);
-    EXPECT_EQ(log.texts().back(), "E CONF xfileMove failed, err = 13 [XERR_ACCES]");
+    EXPECT_EQ(log.texts().back(), logged::confNotReplaced("13 [XERR_ACCES]"));
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
 }

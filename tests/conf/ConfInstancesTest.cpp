@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ConfFixture.h"
+#include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
@@ -145,7 +146,7 @@ TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
     ASSERT_EQ(init(kTwoInstances), 0);
     log.clear();
     EXPECT_EQ(confCopyInstance(store, "Z", "New"), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF Instance Z doesn't exist"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{logged::instanceUnknown("Z")});
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
     confSetString(store, "vtr.guid", "x");
@@ -265,7 +266,7 @@ TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
     EXPECT_EQ(confGetInstances(store), Names{"B"});
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "320") << "until the commit";
     EXPECT_EQ(confSetCurrentInstance(store, "A"), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF Instance A doesn't exist"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{logged::instanceUnknown("A")});
 }
 
 TEST_F(ConfInstancesTest, ARemovalReachesTheFileWithTheCommit) {
@@ -534,7 +535,7 @@ void expectFatal(const std::string& what, const std::string& content, const std:
 
 TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
     expectFatal("readRemoved", "vtr.instance.A.dpi=\"320\"\n",
-                "confGetStringInternal Trying to access deleted prop: [vtr.instance.A.dpi]");
+                logged::messageOf(logged::keyRemoved("vtr.instance.A.dpi")));
 }
 
 TEST(ConfInstancesFatalTest, DumpingAGlobalKeyOf32Bytes) {

@@ -16,6 +16,7 @@
 #include "ConfFixture.h"
 #include "conf/ConfLoad.h"
 #include "support/HeldFile.h"
+#include "support/LogLines.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
@@ -79,14 +80,14 @@ TEST_F(ConfLoadTest, AnEmptyInstanceNameIsAName) {
 
 TEST_F(ConfLoadTest, AMissingFileFails) {
     EXPECT_EQ(confLibInit(store, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
     EXPECT_EQ(committedCount(), globalCount()) << "the defaults stay usable";
 }
 
 TEST_F(ConfLoadTest, AFolderInPlaceOfTheFileFails) {
     folder.makeFolder("vantrel.conf");
     EXPECT_EQ(confLibInit(store, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
 }
 
 TEST_F(ConfLoadTest, AFileHeldByAnotherProgramFails) {
@@ -95,27 +96,27 @@ TEST_F(ConfLoadTest, AFileHeldByAnotherProgramFails) {
     HeldFile held(path());
     EXPECT_EQ(confLibInit(store, path(), false), -1);
     held.release();
-    EXPECT_EQ(log.texts(), Lines{"E CONF open failed for " + path()});
+    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"x\"\n");
 }
 
 TEST_F(ConfLoadTest, ABlankLineStopsTheLoadAfterTheLinesBeforeIt) {
     EXPECT_EQ(init("vtr.locale=\"a\"\n\nvtr.guid=\"b\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, "});
+    EXPECT_EQ(log.texts(), Lines{logged::confMalformed("")});
     EXPECT_EQ(committed("vtr.locale"), "a");
     EXPECT_EQ(committed("vtr.guid"), "");
 }
 
 TEST_F(ConfLoadTest, ALineWithoutEqualsStopsTheLoad) {
     EXPECT_EQ(init("vtr.locale=\"a\"\nnonsense\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, nonsense"});
+    EXPECT_EQ(log.texts(), Lines{logged::confMalformed("nonsense")});
 }
 
 TEST_F(ConfLoadTest, ALineOf4097BytesStopsTheLoad) {
     const std::string line = "vtr.guid=\"" + std::string(4097 - 11, 'x') + "\"";
     ASSERT_EQ(line.size(), 4097u);
     EXPECT_EQ(init(line + "\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, " + line});
+    EXPECT_EQ(log.texts(), Lines{logged::confMalformed(line)});
 }
 
 TEST_F(ConfLoadTest, LinesOf4094To4096BytesLoad) {
@@ -128,38 +129,34 @@ TEST_F(ConfLoadTest, LinesOf4094To4096BytesLoad) {
 
 TEST_F(ConfLoadTest, AnUnknownGlobalPropertyStopsTheLoad) {
     EXPECT_EQ(init("vtr.unknown=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(),
-              Lines{"E CONF vtr.unknown prop not found in prop dir: vtr.unknown=\"1\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.unknown=\"1\"")});
 }
 
 TEST_F(ConfLoadTest, AnUnknownInstancePropertyStopsTheLoad) {
     EXPECT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.locale=\"x\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A.locale prop not found in iprop dir: "
-                                 "vtr.instance.A.locale=\"x\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A.locale=\"x\"", "iprop")});
     EXPECT_EQ(confGetInstances(store), names({"A"}));
 }
 
 TEST_F(ConfLoadTest, AnInstanceKeyWithoutAPropertyStopsTheLoad) {
     EXPECT_EQ(init("vtr.instance.A=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A prop not found in iprop dir: "
-                                 "vtr.instance.A=\"1\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A=\"1\"", "iprop")});
     EXPECT_TRUE(confGetInstances(store).empty());
 }
 
 TEST_F(ConfLoadTest, AnInstancePropertyIsNoGlobalOne) {
     EXPECT_EQ(init("vtr.dpi=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.dpi prop not found in prop dir: vtr.dpi=\"1\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.dpi=\"1\"")});
 }
 
 TEST_F(ConfLoadTest, AForeignKeyStopsTheLoad) {
     EXPECT_EQ(init("other.key=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF other.key prop not found in prop dir: other.key=\"1\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("other.key=\"1\"")});
 }
 
 TEST_F(ConfLoadTest, AByteOrderMarkMakesTheFirstKeyAForeignOne) {
     EXPECT_EQ(init("\xEF\xBB\xBFvtr.locale=\"a\"\nvtr.guid=\"b\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF \xEF\xBB\xBFvtr.locale prop not found in prop dir: "
-                                 "\xEF\xBB\xBFvtr.locale=\"a\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("\xEF\xBB\xBFvtr.locale=\"a\"")});
     EXPECT_EQ(committed("vtr.locale"), "") << "no line was applied";
     EXPECT_EQ(committed("vtr.guid"), "");
 }
@@ -190,7 +187,7 @@ TEST_F(ConfLoadTest, ANulEndsAValue) {
 
 TEST_F(ConfLoadTest, ANulInAKeyIsPartOfIt) {
     EXPECT_EQ(init({"vtr.loc\0ale=\"en\"\n", 17}), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.loc prop not found in prop dir: vtr.loc"});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.loc")});
 }
 
 TEST_F(ConfLoadTest, AFileOf50MegabytesOnOneLineIsRefused) {
@@ -221,7 +218,7 @@ TEST_F(ConfLoadTest, AReloadThatMeetsABadLineKnowsTheInstancesOfTheLinesBeforeIt
     ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n"), 0);
     folder.write("vantrel.conf", "vtr.instance.A.dpi=\"3\"\nnonsense\nvtr.instance.B.dpi=\"4\"\n");
     EXPECT_EQ(confReload(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF conf file not in correct format, nonsense"});
+    EXPECT_EQ(log.texts(), Lines{logged::confMalformed("nonsense")});
     EXPECT_EQ(confGetInstances(store), names({"A"}));
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "3");
     EXPECT_EQ(committed("vtr.instance.B.dpi"), "2") << "still to be read by its key";
@@ -303,7 +300,7 @@ TEST_F(ConfLoadTest, AReadThatFailsIsReported) {
     ReadFailure files;
     ConfStore broken(catalogue, files);
     EXPECT_EQ(confLibInit(broken, "C:\\x.conf", false), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF read failed for C:\\x.conf"});
+    EXPECT_EQ(log.texts(), Lines{logged::confNotRead("C:\\x.conf")});
 }
 
 TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
@@ -343,8 +340,7 @@ TEST_F(ConfLoadTest, TheLoadItselfRemembersADeprecatedGlobalKey) {
 TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {
     store.fileLockName = "Global\\vtr_test_\xFF";
     EXPECT_EQ(init("vtr.locale=\"a\"\n"), -1);
-    EXPECT_EQ(log.texts(),
-              Lines{"E XMUTEX Failed to create mutex '" + store.fileLockName + "'. Error = 1113"});
+    EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade(store.fileLockName, "1113")});
     EXPECT_EQ(committed("vtr.locale"), "") << "nothing is read without the lock";
 }
 
@@ -354,7 +350,6 @@ TEST_F(ConfLoadTest, ACatalogueWithoutInstancePropertiesKnowsNoInstance) {
     ConfStore other(globalsOnly, confDiskFiles());
     folder.write("vantrel.conf", "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
     EXPECT_EQ(confLibInit(other, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{"E CONF vtr.instance.A.dpi prop not found in iprop dir: "
-                                 "vtr.instance.A.dpi=\"1\""});
+    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A.dpi=\"1\"", "iprop")});
     EXPECT_EQ(confGetString(other, "vtr.locale"), "a");
 }

@@ -81,6 +81,56 @@ inline std::string memoryTrimmed(const std::string& process, const std::string& 
     return memoryTrimming() + process + ":" + image;
 }
 
+// The configuration.
+
+inline std::string confNotOpened(const std::string& path) {
+    return "E CONF open failed for " + path;
+}
+
+inline std::string confNotRead(const std::string& path) { return "E CONF read failed for " + path; }
+
+inline std::string confMalformed(const std::string& line) {
+    return "E CONF conf file not in correct format, " + line;
+}
+
+// In the directory of the global properties, "prop", or of the instances', "iprop".
+inline std::string keyUnknown(const std::string& key, const std::string& directory = "prop") {
+    return "E CONF " + key + " prop not found in " + directory + " dir";
+}
+
+// While a file is loaded: with the key's line.
+inline std::string keyUnknownIn(const std::string& line, const std::string& directory = "prop") {
+    return keyUnknown(line.substr(0, line.find('=')), directory) + ": " + line;
+}
+
+inline std::string keyRemoved(const std::string& key) {
+    return "E CONF confGetStringInternal Trying to access deleted prop: [" + key + "]";
+}
+
+inline std::string boolInvalid(const std::string& key, const std::string& value) {
+    return "E CONF confGetBool error for " + key + ":" + value;
+}
+
+inline std::string numberInvalid(const std::string& key, const std::string& value) {
+    return "E CONF confGetI32 error for " + key + ":" + value;
+}
+
+inline std::string instanceUnknown(const std::string& name) {
+    return "E CONF Instance " + name + " doesn't exist";
+}
+
+inline std::string committing(const std::string& path) {
+    return "I CONF confCommitToFile args: " + path;
+}
+
+inline std::string nothingToCommit() {
+    return "D CONF No changes in conf file, so nothing to commit.";
+}
+
+inline std::string confNotReplaced(const std::string& error) {
+    return "E CONF xfileMove failed, err = " + error;
+}
+
 }  // namespace logged
 
 #endif
