@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "AppcFixture.h"
+#include "support/LogLines.h"
 
 namespace {
 
@@ -100,7 +101,7 @@ TEST_F(AppcEditTest, ASyncWithoutAnArrayOfAppsChangesNothing) {
 TEST_F(AppcEditTest, ASyncWithABadKeyEmptiesTheMemoryAndLeavesTheFile) {
     EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": [{"package": "com.x"}]})"), -1);
     EXPECT_EQ(withoutNumbers(log.texts()),
-              (Lines{"E APPC appcReadFromJsonObj: N: json value activity: Not defined",
+              (Lines{logged::cacheValueInvalid("activity: Not defined"),
                      "E APPC appcSyncInstalledApps: Error in reading json object"}));
     EXPECT_EQ(count(), 0u);
     EXPECT_EQ(read(), fileOf(kTwo));
@@ -118,7 +119,7 @@ TEST_F(AppcEditTest, ASyncWithSomethingElseInTheListKeepsTheAppsBeforeItInMemory
 TEST_F(AppcEditTest, ASyncAnswersTheSavesResult) {
     blockTheFile();
     EXPECT_EQ(appcSyncInstalledApps(store, kSync), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
     EXPECT_EQ(packages(), (Lines{"com.b", "com.c"}));
 }
 
@@ -128,7 +129,7 @@ TEST_F(AppcEditTest, ReadingAnArrayReplacesTheMemoryAndNotTheFile) {
     EXPECT_EQ(read(), fileOf(kTwo));
     EXPECT_EQ(appcReadFromJsonObj(store, QJsonArray{QJsonObject()}), -1);
     EXPECT_EQ(withoutNumbers(log.texts()),
-              Lines{"E APPC appcReadFromJsonObj: N: json value package: Not defined"});
+              Lines{logged::cacheValueInvalid("package: Not defined")});
 }
 
 TEST_F(AppcEditTest, AnUpdateAddsAnAppWithItsIcon) {
@@ -156,8 +157,7 @@ TEST_F(AppcEditTest, AnIconThatIsNotThereIsNotReported) {
     EXPECT_EQ(read(), fileOf({{"com.a", "m", "l", 9, "v"}, kTwo[1]}));
     EXPECT_EQ(icon("com.a"), "old icon");
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
-    EXPECT_EQ(log.texts(), Lines{"W XFILE Error in flushing file " + store.sharedDir +
-                                 "/missing.png to disk. Error = 2"});
+    EXPECT_EQ(log.texts(), Lines{logged::fileNotFlushed(store.sharedDir + "/missing.png")});
 }
 
 TEST_F(AppcEditTest, AFolderIsNeverMovedAsAnIcon) {
@@ -201,7 +201,7 @@ TEST_F(AppcEditTest, AnUpdateAnswersTheSavesResultAndTheRecordStays) {
     ASSERT_EQ(appcLibInit(store, "New"), 0);
     EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", "x.png"), XERR_NOENT);
     EXPECT_EQ(log.texts(XLOG_ERROR).back(),
-              "E APPC Failed to create dir " + dir("New") + ", err: XERR_NOENT [2]");
+              logged::cacheFolderNotMade(dir("New"), "XERR_NOENT [2]"));
 }
 
 TEST_F(AppcEditTest, TextsThatAreNotUtf8ReachTheFileReplaced) {

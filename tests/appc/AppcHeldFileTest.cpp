@@ -9,6 +9,7 @@
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 
 namespace {
@@ -75,18 +76,11 @@ class AppcHeldFileTest : public AppcTest {
         EXPECT_EQ(list(), Lines{"AppCache.json"});
     }
 
-    const std::string kRefusal =
-        "E APPC AppCache file " + file() + " could not be read, not saving over it";
+    const std::string kRefusal = logged::cacheNotSavedOver(file());
 
     HeldFiles files;
     ForeignStore held{data.path(), files};
 };
-
-// The lines of a load that keeps the file.
-Lines keptLines(const std::string& file, int error) {
-    return {"E APPC Could not open " + file + ", error: " + systemErrorText(error) +
-            ", keeping the file"};
-}
 
 }  // namespace
 
@@ -95,7 +89,7 @@ TEST_F(AppcHeldFileTest, ALoadKeepsTheFileAndTheCacheIsEmpty) {
         files.error = error;
         log.clear();
         EXPECT_EQ(appcLoadFromFile(held), 0);
-        EXPECT_EQ(log.texts(), keptLines(file(), error));
+        EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), error)});
         EXPECT_EQ(heldPackages(), Lines{});
         EXPECT_EQ(read(), fileOf(kTwo));
         EXPECT_FALSE(files.isRemoved);
@@ -227,15 +221,14 @@ TEST_F(AppcHeldFileTest, AnotherInstanceWithABadFileIsSavedOver) {
 
 TEST_F(AppcTest, AFileThatIsReallyHeldIsKeptAndNotSavedOver) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
-    const std::string refusal =
-        "E APPC AppCache file " + file() + " could not be read, not saving over it";
+    const std::string refusal = logged::cacheNotSavedOver(file());
     for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion}) {
         write(fileOf(kTwo));
         log.clear();
         HeldFile holder(file(), shares);
         ASSERT_TRUE(holder.isHeld());
         EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-        EXPECT_EQ(log.texts(), keptLines(file(), 32));
+        EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), 32)});
         EXPECT_EQ(count(), 0u);
         EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
         EXPECT_EQ(log.texts().back(), refusal);
@@ -257,7 +250,7 @@ TEST_F(AppcTest, AFileWhoseBytesAreLockedIsKeptAndNotSavedOver) {
     ASSERT_TRUE(holder.isHeld());
     if (read() == fileOf(kTwo)) GTEST_SKIP() << "needs Windows, where locked bytes are not read";
     EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-    EXPECT_EQ(log.texts(), keptLines(file(), 33));
+    EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), 33)});
     EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
     holder.release();
     EXPECT_EQ(read(), fileOf(kTwo));

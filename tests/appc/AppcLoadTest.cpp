@@ -8,6 +8,7 @@
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
@@ -21,8 +22,7 @@ const std::string kTwoApps =
 
 // The lines of a load that fails at a key.
 Lines keyFailure(const std::string& what) {
-    return {"E APPC appcReadFromJsonObj: N: json value " + what,
-            "E APPC Failed to load app cache from file"};
+    return {logged::cacheValueInvalid(what), logged::cacheNotLoaded()};
 }
 
 }  // namespace
@@ -56,13 +56,13 @@ TEST_F(AppcLoadTest, AnEmptyArrayIsAnEmptyCache) {
 TEST_F(AppcLoadTest, AMissingFileIsAnEmptyCache) {
     EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
     EXPECT_EQ(count(), 0u);
-    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file() + " not present"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheMissing(file())});
     EXPECT_FALSE(exists());
 }
 
 TEST_F(AppcLoadTest, AnInstanceThatDoesNotExistIsAnEmptyCache) {
     EXPECT_EQ(appcLibInit(store, "Jeux é"), 0);
-    EXPECT_EQ(log.texts(), Lines{"W APPC File " + dir("Jeux é") + "AppCache.json not present"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheMissing(dir("Jeux é") + "AppCache.json")});
 }
 
 TEST_F(AppcLoadTest, LinesCarryTheModulesFileAndTheFunctionsName) {
@@ -85,7 +85,7 @@ TEST_F(AppcLoadTest, ALoadByItselfKeepsTheCacheWhereTheFileIsMissing) {
     removeFile(file());
     EXPECT_EQ(appcLoadFromFile(store), 0);
     EXPECT_EQ(count(), 2u);
-    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file() + " not present"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheMissing(file())});
 }
 
 TEST_F(AppcLoadTest, ALoadByItselfEmptiesTheCacheWhereItDeletesTheFile) {
@@ -112,9 +112,7 @@ TEST_F(AppcLoadTest, WhatIsNoArrayIsDeleted) {
         log.clear();
         EXPECT_EQ(init(content), 0) << content;
         EXPECT_EQ(count(), 0u);
-        EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file() +
-                                     " deleting the files"})
-            << content;
+        EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(file())}) << content;
         EXPECT_FALSE(exists()) << content;
     }
 }
@@ -133,9 +131,7 @@ TEST_F(AppcLoadTest, AFileCutAnywhereIsDeletedAndTheNextSaveWritesAFreshOne) {
         log.clear();
         ASSERT_EQ(init(kTwoApps.substr(0, size)), 0) << size;
         ASSERT_EQ(count(), 0u) << size;
-        ASSERT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file() +
-                                     " deleting the files"})
-            << size;
+        ASSERT_EQ(log.texts(), Lines{logged::cacheNotAnArray(file())}) << size;
         ASSERT_FALSE(exists()) << size;
     }
     ASSERT_EQ(appcSaveToFile(store), 0);
@@ -153,7 +149,7 @@ TEST_F(AppcLoadTest, AnElementThatIsNoObjectKeepsTheAppsBeforeIt) {
         log.clear();
         EXPECT_EQ(init(text), -1) << bad;
         EXPECT_EQ(packages(), (Lines{"com.a", "com.b"})) << bad;
-        EXPECT_EQ(log.texts(), Lines{"E APPC Failed to load app cache from file"});
+        EXPECT_EQ(log.texts(), Lines{logged::cacheNotLoaded()});
         EXPECT_EQ(read(), text) << "the file stays";
     }
 }
@@ -236,8 +232,7 @@ TEST_F(AppcLoadTest, AFolderInPlaceOfTheFileStays) {
     data.makeFolder("Engine\\Nougat64\\AppCache");
     data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
-                                 ", error: " + systemErrorText(5) + ", deleting the file"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheDeleted(file(), 5)});
     EXPECT_EQ(count(), 0u);
     EXPECT_TRUE(exists());
 }
@@ -259,8 +254,7 @@ TEST_F(AppcLoadTest, AFileThatAnotherProcessHoldsForItselfStaysAndTheCacheIsEmpt
         ASSERT_EQ(holder.readLine(), "held");
         EXPECT_EQ(appcLoadFromFile(store), 0);
     }
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file() +
-                                 ", error: " + systemErrorText(32) + ", keeping the file"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), 32)});
     EXPECT_EQ(count(), 0u);
     EXPECT_EQ(read(), kTwoApps);
 }
@@ -350,10 +344,7 @@ TEST_F(AppcLoadTest, ALockThatCannotBeMadeIsTheResultAndTheCacheIsEmpty) {
     ASSERT_EQ(appcLibInit(product, "Nougat64"), 0);
     EXPECT_EQ(appcLibInit(product, "a\\b"), -1);
     ASSERT_EQ(log.texts().size(), 1u) << "nothing is loaded";
-    EXPECT_EQ(log.texts()[0].rfind("E XMUTEX Failed to create mutex "
-                                   "'Global\\vtr_appc_a\\b_nvo'. Error = ",
-                                   0),
-              0u)
+    EXPECT_EQ(log.texts()[0].rfind(logged::mutexNotMade("Global\\vtr_appc_a\\b_nvo"), 0), 0u)
         << log.texts()[0];
     std::list<std::string> packages;
     appcGetPackages(product, packages);
@@ -414,9 +405,8 @@ TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
         log.clear();
         EXPECT_EQ(appcLibInit(closed, "Nougat64"), 0) << error;
         const bool isHeld = error == 32 || error == 33;
-        EXPECT_EQ(log.texts(),
-                  Lines{"E APPC Could not open " + file() + ", error: " + systemErrorText(error) +
-                        (isHeld ? ", keeping the file" : ", deleting the file")});
+        EXPECT_EQ(log.texts(), Lines{isHeld ? logged::cacheKept(file(), error)
+                                            : logged::cacheDeleted(file(), error)});
         std::list<std::string> names;
         appcGetPackages(closed, names);
         EXPECT_TRUE(names.empty()) << error;

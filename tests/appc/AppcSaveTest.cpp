@@ -14,6 +14,7 @@
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
@@ -175,14 +176,13 @@ TEST_F(AppcSaveTest, WithoutTheInstancesFolderTheCachesFolderCannotBeCreated) {
     ASSERT_EQ(appcLibInit(store, "New"), 0);
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
-    EXPECT_EQ(log.texts(),
-              Lines{"E APPC Failed to create dir " + dir("New") + ", err: XERR_NOENT [2]"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheFolderNotMade(dir("New"), "XERR_NOENT [2]")});
     EXPECT_FALSE(data.has("Engine\\New"));
 }
 
 TEST_F(AppcSaveTest, BeforeTheCacheIsOpenedThereIsNowhereToSaveTo) {
     EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Failed to create dir , err: XERR_NOENT [2]"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheFolderNotMade("", "XERR_NOENT [2]")});
 }
 
 TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
@@ -190,7 +190,7 @@ TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache"), "x");
 }
 
@@ -200,7 +200,7 @@ TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedOpen) {
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
     log.clear();
     EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
     EXPECT_EQ(list(), Lines{"AppCache.json"}) << "nothing was written";
 }
 
@@ -213,7 +213,7 @@ TEST_F(AppcSaveTest, AFileThatMustNotBeWrittenIsAFailedOpen) {
     const bool refused = appcSaveToFile(store) != 0;
     fs::permissions(systemPath(file()), fs::perms::all);
     if (!refused) GTEST_SKIP() << "needs Windows, whose read-only files are so for everybody";
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + file() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
     EXPECT_EQ(read(), fileOf(kOld));
     EXPECT_EQ(list(), Lines{"AppCache.json"});
 }
@@ -301,7 +301,7 @@ TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
     ASSERT_TRUE(held.isHeld());
     EXPECT_EQ(appcSaveToFile(store), -1);
     held.release();
-    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + file() + " failed"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotWritten(file())});
     EXPECT_EQ(read(), fileOf(kOld));
     EXPECT_EQ(list(), Lines{"AppCache.json"});
     EXPECT_EQ(packages(), Lines{"com.new"}) << "the memory has what could not be saved";
@@ -310,8 +310,8 @@ TEST_F(AppcSaveTest, AFileThatIsHeldStaysWhole) {
 }
 
 TEST_F(AppcSaveTest, EveryStepThatFailsLeavesTheOldFileWhole) {
-    const std::string cannotOpen = "E APPC Cannot open AppCache file " + file() + " for writing";
-    const std::string failed = "E APPC Error in writing to AppCache file " + file() + " failed";
+    const std::string cannotOpen = logged::cacheNotOpenedForWriting(file());
+    const std::string failed = logged::cacheNotWritten(file());
     struct {
         void (*arrange)(FailingFiles& files);
         XErr result;
@@ -319,9 +319,9 @@ TEST_F(AppcSaveTest, EveryStepThatFailsLeavesTheOldFileWhole) {
         std::size_t removed;
     } const cases[] = {
         {[](FailingFiles& f) { f.folderError = XERR_NOSPC; }, XERR_NOSPC,
-         "E APPC Failed to create dir " + dir() + ", err: XERR_NOSPC [28]", 0},
+         logged::cacheFolderNotMade(dir(), "XERR_NOSPC [28]"), 0},
         {[](FailingFiles& f) { f.folderError = 100007; }, 100007,
-         "E APPC Failed to create dir " + dir() + ", err: NOTDEFINED: 100007 [100007]", 0},
+         logged::cacheFolderNotMade(dir(), "NOTDEFINED: 100007 [100007]"), 0},
         {[](FailingFiles& f) { f.failOpen = true; }, -1, cannotOpen, 0},
         {[](FailingFiles& f) { f.writeLimit = 0; }, -1, failed, 1},
         {[](FailingFiles& f) { f.writeLimit = 17; }, -1, failed, 1},

@@ -131,6 +131,49 @@ inline std::string confNotReplaced(const std::string& error) {
     return "E CONF xfileMove failed, err = " + error;
 }
 
+// App caches.
+
+inline std::string cacheMissing(const std::string& file) {
+    return "W APPC File " + file + " not present";
+}
+
+inline std::string cacheKept(const std::string& file, int error) {
+    return "E APPC Could not open " + file + ", error: " + systemErrorText(error) +
+           ", keeping the file";
+}
+
+inline std::string cacheDeleted(const std::string& file, int error) {
+    return "E APPC Could not open " + file + ", error: " + systemErrorText(error) +
+           ", deleting the file";
+}
+
+inline std::string cacheNotAnArray(const std::string& file) {
+    return "E APPC Could not create JsonDocument from " + file + " deleting the files";
+}
+
+// With the number of the source line as "N".
+inline std::string cacheValueInvalid(const std::string& keyAndReason) {
+    return "E APPC appcReadFromJsonObj: N: json value " + keyAndReason;
+}
+
+inline std::string cacheNotLoaded() { return "E APPC Failed to load app cache from file"; }
+
+inline std::string cacheNotSavedOver(const std::string& file) {
+    return "E APPC AppCache file " + file + " could not be read, not saving over it";
+}
+
+inline std::string cacheFolderNotMade(const std::string& folder, const std::string& error) {
+    return "E APPC Failed to create dir " + folder + ", err: " + error;
+}
+
+inline std::string cacheNotOpenedForWriting(const std::string& file) {
+    return "E APPC Cannot open AppCache file " + file + " for writing";
+}
+
+inline std::string cacheNotWritten(const std::string& file) {
+    return "E APPC Error in writing to AppCache file " + file + " failed";
+}
+
 }  // namespace logged
 
 #endif
