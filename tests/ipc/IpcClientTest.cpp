@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
@@ -46,7 +47,7 @@ class IpcClientTest : public ::testing::Test {
     Lines complaints() const {
         Lines all;
         for (const std::string& line : log.texts(XLOG_WARNING)) {
-            if (line.find("function took") == std::string::npos) all.push_back(line);
+            if (!logged::isOfSlowSend(line)) all.push_back(line);
         }
         return all;
     }
@@ -85,7 +86,7 @@ TEST_F(IpcClientTest, ASendLogsEveryStep) {
     EXPECT_EQ(send(kPacket, true), 0);
     Lines steps;
     for (const std::string& line : log.texts(XLOG_DEBUG)) {
-        if (line.find("function took") == std::string::npos) steps.push_back(line);
+        if (!logged::isOfSlowSend(line)) steps.push_back(line);
     }
     ASSERT_GE(steps.size(), 8u);
     EXPECT_EQ(Lines(steps.begin(), steps.begin() + 6),
@@ -98,7 +99,7 @@ TEST_F(IpcClientTest, ASendLogsEveryStep) {
                      "D IPC ipcSendToServer: total data of size 12 written successfully for "
                      "server " +
                          name}));
-    EXPECT_EQ(steps[6], "D IPC ipcDisconnectFromServer called for server: " + name);
+    EXPECT_EQ(steps[6], logged::clientStep("ipcDisconnectFromServer", name));
     EXPECT_EQ(steps[7],
               "D IPC Before disconnectFromServer serverName: " + name + " toWrite: 0 state: 3");
 }
@@ -180,7 +181,7 @@ TEST_F(IpcClientTest, ASlowSendSucceedsWithAWarning) {
     EXPECT_EQ(send(data, true), 0);
     const Lines all = log.texts(XLOG_WARNING);
     ASSERT_EQ(all.size(), 1u);
-    EXPECT_EQ(all[0].rfind("W IPC ipcSendToServer: function took ", 0), 0u);
+    EXPECT_EQ(all[0].rfind(logged::slowSend(), 0), 0u);
     EXPECT_NE(all[0].find(" nsecs, err = 0, data size = 1000000, server = " + name),
               std::string::npos);
 }
@@ -238,7 +239,7 @@ TEST_F(IpcClientTest, AShortReplyIsFilledWithZerosAndFails) {
     std::fill(std::begin(reply), std::end(reply), '#');
     EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
     EXPECT_EQ(std::string(reply, 8), std::string("abc\0\0\0\0\0", 8));
-    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+    EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
 }
 
 TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
@@ -256,7 +257,7 @@ TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
     EXPECT_GT(waited, 0.25);
     EXPECT_LT(waited, 1.5);
     EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
-    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+    EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
     done = true;
 }
 
@@ -315,8 +316,8 @@ TEST(IpcClient, InitAndEndAreLogged) {
         IpcClient client;
         EXPECT_EQ(ipcClientInit(client, "some name"), 0);
     }
-    EXPECT_EQ(log.texts(XLOG_DEBUG), (Lines{"D IPC ipcClientInit called for server: some name",
-                                            "D IPC ~IpcClient called for server: some name"}));
+    EXPECT_EQ(log.texts(XLOG_DEBUG), (Lines{logged::clientStep("ipcClientInit", "some name"),
+                                            logged::clientStep("~IpcClient", "some name")}));
 }
 
 namespace {
@@ -374,7 +375,7 @@ TEST_F(IpcClientTest, PromisedBytesThatNeverComeAreWaitedForWithinTheLimit) {
     EXPECT_GT(waited, 0.29);
     EXPECT_LT(waited, 2.0);
     EXPECT_EQ(std::string(reply, 8), std::string(8, '\0'));
-    EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: Unable to read from server: " + name});
+    EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
     client.socket.reset();
 }
 

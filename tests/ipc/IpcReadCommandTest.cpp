@@ -23,6 +23,7 @@
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Subprocess.h"
 
 namespace {
@@ -110,13 +111,13 @@ TEST_F(IpcReadCommandTest, EveryStepIsLogged) {
     EXPECT_EQ(lines[0].substr(0, lines[0].find("info ") + 5),
               "D IPC ipcReadCommand called for info ");
     lines.erase(lines.begin());
-    EXPECT_EQ(lines, (Lines{"D IPC ipcReadCommand called for serverName vtr_test_nvo",
-                            "D IPC ipcReadCommand for serverName vtr_test_nvo, bytesAvailable = 16",
-                            "D IPC ipcReadCommand for serverName vtr_test_nvo, packetLen = 16, "
-                            "buffer.size = 12, opcode = 0x1234, outLen = 8",
-                            "D IPC ipcReadCommand for serverName vtr_test_nvo, bytesToRead = 4",
-                            "D IPC ipcReadCommand for serverName vtr_test_nvo, calling "
-                            "decodeFunction"}));
+    EXPECT_EQ(
+        lines,
+        (Lines{logged::connectionStep("ipcReadCommand", kServerName),
+               logged::readStep(kServerName, "bytesAvailable = 16"),
+               logged::readStep(kServerName,
+                                "packetLen = 16, buffer.size = 12, opcode = 0x1234, outLen = 8"),
+               logged::readStep(kServerName, "bytesToRead = 4"), logged::readWhole(kServerName)}));
 }
 
 TEST_F(IpcReadCommandTest, ABodyInPiecesIsLoggedAtEachDelivery) {
@@ -126,10 +127,8 @@ TEST_F(IpcReadCommandTest, ABodyInPiecesIsLoggedAtEachDelivery) {
     deliver(packet.substr(13, 1));
     Lines lines = log.texts(XLOG_DEBUG);
     lines.erase(lines.begin(), lines.begin() + 2);
-    EXPECT_EQ(lines,
-              (Lines{"D IPC ipcReadCommand for serverName vtr_test_nvo, bytesToRead = 3",
-                     "D IPC ipcReadCommand for serverName vtr_test_nvo, bufferReadSize = 14, "
-                     "packetLen = 16"}));
+    EXPECT_EQ(lines, (Lines{logged::readStep(kServerName, "bytesToRead = 3"),
+                            logged::readPart(kServerName, "14") + "16"}));
     EXPECT_TRUE(calls.empty());
 }
 
@@ -305,8 +304,8 @@ TEST_F(IpcReadCommandTest, ThePacketBehindALateBodyGetsItsOwnReply) {
 
 TEST_F(IpcReadCommandTest, AReplyThatCannotBeAllocatedIsAnErrorLineAndNothingIsWritten) {
     deliver(packetOf(1, "", 0x80000000u));
-    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC ipcReadCommand for serverName vtr_test_nvo, no "
-                                           "memory for a reply of 2147483648 bytes"});
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{logged::readError(kServerName, "no memory for a reply of 2147483648 bytes")});
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_FALSE(calls[0].hasReply);
     EXPECT_EQ(calls[0].replyLength, 0);
@@ -355,7 +354,8 @@ TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
     deliver(packetOf(1, "", 4), throwing);
     deliver(good);
     EXPECT_EQ(packets(), Lines{good});
-    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC ipcReadCommand: exception: the decoder's own"});
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{logged::exceptionCaught("IPC", "ipcReadCommand", "the decoder's own")});
     EXPECT_EQ(socket.written, std::string(4, '\0'));
 }
 
@@ -489,9 +489,8 @@ namespace {
 void expectFatal(std::uint32_t length, const std::string& rest) {
     const ChildResult result = runSubprocess("deliversALength", {std::to_string(length)});
     EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("ipcReadCommand for serverName vtr_test_nvo, bytesToRead " + rest +
-                              " is negative, packetLen = " + std::to_string(length) +
-                              ", buffer size = 12"),
+    EXPECT_NE(result.out.find(logged::messageOf(
+                  logged::lengthInvalid(kServerName, std::to_string(length), rest))),
               std::string::npos)
         << result.out;
     EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), std::string::npos);

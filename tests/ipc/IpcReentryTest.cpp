@@ -19,6 +19,7 @@
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 
 namespace {
@@ -112,7 +113,7 @@ class IpcReentryTest : public ::testing::Test {
     }
 
     static Lines noMemoryLine() {
-        return {std::string("E IPC ipcReadCommand: exception: ") + std::bad_alloc().what()};
+        return {logged::exceptionCaught("IPC", "ipcReadCommand", std::bad_alloc().what())};
     }
 
     static QThreadData* thread() { return QThreadData::get2(QThread::currentThread()); }

@@ -12,6 +12,7 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/MalformedPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
@@ -55,7 +56,7 @@ class IpcServerTest : public ServerFixture {
     // Every connection's end was told.
     void expectEveryEndIsLogged() const {
         EXPECT_EQ(countLines("AboutToClose cleaning info"),
-                  countLines("IpcConnectionInfo called for serverName") *
+                  countLines(logged::connectionStep("IpcConnectionInfo", name)) *
                       static_cast<std::size_t>(closeSignals()));
     }
 
@@ -67,12 +68,11 @@ class IpcServerTest : public ServerFixture {
 TEST_F(IpcServerTest, ItsLifeIsLogged) {
     start();
     stop();
-    EXPECT_EQ(
-        log.texts(XLOG_DEBUG),
-        (Lines{"D IPC ipcServerInit: called with name = " + name,
-               "D IPC IpcServerThread IpcServerThread called for server: " + name,
-               "D IPC IpcServerThread run called for server: " + name, "D IPC ipcServerFini called",
-               "D IPC IpcServerThread ~IpcServerThread called for server: " + name}));
+    EXPECT_EQ(log.texts(XLOG_DEBUG),
+              (Lines{"D IPC ipcServerInit: called with name = " + name,
+                     logged::clientStep("IpcServerThread IpcServerThread", name),
+                     logged::clientStep("IpcServerThread run", name), "D IPC ipcServerFini called",
+                     logged::clientStep("IpcServerThread ~IpcServerThread", name)}));
 }
 
 TEST_F(IpcServerTest, StoppingANullThreadDoesNothing) {
@@ -117,12 +117,11 @@ TEST_F(IpcServerTest, TheConnectionsLifeIsLogged) {
     }
     ASSERT_TRUE(waitForLine("AboutToClose"));
     const Lines lines = log.texts(XLOG_DEBUG);
-    EXPECT_EQ(lines.at(0),
-              "D IPC IpcConnectionInfo called for serverName " + name + ", packetLen = 0");
+    EXPECT_EQ(lines.at(0), logged::connectionStep("IpcConnectionInfo", name) + ", packetLen = 0");
     EXPECT_EQ(lines.at(1),
               "D IPC ipcHandleNewConnection: New connection received for server " + name);
     const std::string& gone = lines.at(lines.size() - 1 - static_cast<std::size_t>(closeSignals()));
-    EXPECT_EQ(gone.find("D IPC ipcDestroyConnection called for serverName " + name + " info "), 0u)
+    EXPECT_EQ(gone.find(logged::connectionStep("ipcDestroyConnection", name) + " info "), 0u)
         << gone;
     EXPECT_NE(gone.find(" bytes 0 state 0"), std::string::npos) << gone;
     EXPECT_EQ(lines.back().find("D IPC Source/ipc/IpcServer:"), 0u) << lines.back();
@@ -135,8 +134,8 @@ TEST_F(IpcServerTest, ASecondServerOfANameLogsItsFailureAndTheFirstGoesOn) {
     IpcServerThread* second = nullptr;
     ASSERT_EQ(ipcServerInit(&second, name, see), 0);
     ASSERT_TRUE(waitForLine("Failed to listen"));
-    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E IPC IpcServer Failed to listen on " + name +
-                                           ", error: 8(QLocalServer::listen: Address in use)"});
+    EXPECT_EQ(log.texts(XLOG_ERROR),
+              Lines{logged::notListening(name, "8(QLocalServer::listen: Address in use)")});
     ipcServerFini(&second);
     RawPipe client(connect());
     ASSERT_TRUE(client.write(packetOf(1, "")));
@@ -150,8 +149,7 @@ TEST_F(IpcServerTest, AnImpossibleNameIsAFailedListen) {
     ASSERT_TRUE(waitForLine("Failed to listen"));
     ipcServerFini(&server);
     EXPECT_EQ(log.texts(XLOG_ERROR),
-              Lines{"E IPC IpcServer Failed to listen on , error: 2(QLocalServer::listen: Name "
-                    "error)"});
+              Lines{logged::notListening("", "2(QLocalServer::listen: Name error)")});
 }
 
 TEST_F(IpcServerTest, ANameIsFreeAgainAfterItsServer) {
@@ -178,7 +176,7 @@ TEST_F(IpcServerTest, APacketWhoseBodyComesInALaterDeliveryGetsNoReply) {
     RawPipe client(connect());
     const std::string packet = packetOf(1, "abcd", 8);
     ASSERT_TRUE(client.write(std::string_view(packet).substr(0, 14)));
-    ASSERT_TRUE(waitForLine("bufferReadSize = 14")) << "the first delivery is over";
+    ASSERT_TRUE(waitForLine(logged::readPart(name, "14"))) << "the first delivery is over";
     ASSERT_TRUE(client.write(packet.substr(14) + packetOf(2, "", 3)));
     EXPECT_EQ(client.read(3), std::string(3, '\0'))
         << "the second packet's, and the first had none";
@@ -193,7 +191,7 @@ TEST_F(IpcServerTest, WhatAClientWroteBeforeItWasAcceptedArrivesAlthoughItHasLef
     const std::string second = packetOf(2, "abc");
     RawPipe blocking(connect());
     ASSERT_TRUE(blocking.write(first));
-    ASSERT_TRUE(waitForLine("calling decodeFunction"));
+    ASSERT_TRUE(waitForLine(logged::readWhole(name)));
     std::thread leaving([&] {
         RawPipe client(connect());
         client.write(second);
@@ -223,9 +221,9 @@ TEST_F(IpcServerTest, OpenConnectionsAndHalfPacketsDoNotKeepItFromStopping) {
     ASSERT_TRUE(half.write(packet.substr(0, 13)));
     ASSERT_TRUE(unreadReply.write(packet));
     ASSERT_TRUE(seen.waitFor(1));
-    ASSERT_TRUE(waitForLine("bufferReadSize = 13"));
+    ASSERT_TRUE(waitForLine(logged::readPart(name, "13")));
     stop();
-    EXPECT_EQ(countLines("IpcConnectionInfo called for serverName"), 3u);
+    EXPECT_EQ(countLines(logged::connectionStep("IpcConnectionInfo", name)), 3u);
     expectEveryEndIsLogged();
 }
 
@@ -241,7 +239,7 @@ TEST_F(IpcServerTest, EveryRecordIsReleasedWhateverEndsTheConnection) {
     EXPECT_TRUE(waitForRecords(1)) << "while the server goes on";
     stop();
     EXPECT_EQ(IpcConnectionInfo::live(), 0);
-    EXPECT_EQ(countLines("IpcConnectionInfo called for serverName"), 2u);
+    EXPECT_EQ(countLines(logged::connectionStep("IpcConnectionInfo", name)), 2u);
     expectEveryEndIsLogged();
 }
 

@@ -12,6 +12,7 @@
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 
@@ -196,8 +197,8 @@ TEST(Requests, BringToFrontWithoutAServerOrAReplyAnswersZero) {
     ipcClientInit(client, serverName());
     EXPECT_EQ(plrBringToFrontRpc(client), 0u);
     EXPECT_EQ(log.texts(XLOG_ERROR),
-              (Lines{"E PLR plrBringToFrontRpc: ipcSendToServer command failed, opcode = 2001",
-                     "E IPC ipcReadFromServer: Unable to read from server: " + serverName(),
+              (Lines{logged::requestNotSent("PLR", "plrBringToFrontRpc", "2001"),
+                     logged::replyNotRead(serverName()),
                      "E PLR plrBringToFrontRpc: ipcReadFromServer command failed, opcode = 2001"}));
 }
 
@@ -239,7 +240,7 @@ TEST(Requests, AServerThatIsNotThereIsAnErrorLineOnly) {
     ipcClientInit(client, "vtr_plr_nobody_nvo");
     plrMuteMediaRpc(client, true);
     EXPECT_EQ(log.texts(XLOG_ERROR),
-              Lines{"E PLR plrMuteMediaRpc: ipcSendToServer command failed, opcode = 2003"});
+              Lines{logged::requestNotSent("PLR", "plrMuteMediaRpc", "2003")});
 }
 
 TEST(Requests, TheSizeOfATextIsNotCutTo32Bits) {

@@ -174,6 +174,65 @@ inline std::string cacheNotWritten(const std::string& file) {
     return "E APPC Error in writing to AppCache file " + file + " failed";
 }
 
+// Packets and connections.
+
+// The start of the warning of a send that took long.
+inline std::string slowSend() { return "W IPC ipcSendToServer: function took "; }
+
+// Whether it is that warning, which depends on the machine.
+inline bool isOfSlowSend(const std::string& line) {
+    return line.find(messageOf(slowSend())) != std::string::npos;
+}
+
+// A step in the life of a client, or of a server's thread.
+inline std::string clientStep(const std::string& function, const std::string& server) {
+    return "D IPC " + function + " called for server: " + server;
+}
+
+inline std::string replyNotRead(const std::string& server) {
+    return "E IPC ipcReadFromServer: Unable to read from server: " + server;
+}
+
+// A request that found no server, of the module "PLR" or "MIM".
+inline std::string requestNotSent(const std::string& module, const std::string& function,
+                                  const std::string& opcode) {
+    return "E " + module + " " + function + ": ipcSendToServer command failed, opcode = " + opcode;
+}
+
+inline std::string notListening(const std::string& server, const std::string& error) {
+    return "E IPC IpcServer Failed to listen on " + server + ", error: " + error;
+}
+
+// A step of a connection's life.
+inline std::string connectionStep(const std::string& function, const std::string& server) {
+    return "D IPC " + function + " called for serverName " + server;
+}
+
+// A step of reading what a connection has sent.
+inline std::string readStep(const std::string& server, const std::string& step) {
+    return "D IPC ipcReadCommand for serverName " + server + ", " + step;
+}
+
+// A part of a packet is there: the start of the line.
+inline std::string readPart(const std::string& server, const std::string& size) {
+    return readStep(server, "bufferReadSize = " + size + ", packetLen = ");
+}
+
+inline std::string readWhole(const std::string& server) {
+    return readStep(server, "calling decodeFunction");
+}
+
+inline std::string readError(const std::string& server, const std::string& error) {
+    return "E IPC ipcReadCommand for serverName " + server + ", " + error;
+}
+
+// A packet whose length leaves no 32-bit number of bytes to read after the header.
+inline std::string lengthInvalid(const std::string& server, const std::string& length,
+                                 const std::string& rest) {
+    return readError(server, "bytesToRead " + rest + " is negative, packetLen = " + length +
+                                 ", buffer size = 12");
+}
+
 }  // namespace logged
 
 #endif
