@@ -16,6 +16,7 @@
 #include "appc/AppcStore.h"
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -129,7 +130,7 @@ TEST_F(BridgeAppsTest, MembersAreSortedAndTheIconIsAFullPath) {
 
 TEST_F(BridgeAppsTest, WithoutACacheTheArrayIsEmpty) {
     EXPECT_EQ(listing("Nougat32"), "[\n]\n");
-    EXPECT_EQ(log.texts(), Lines{"W APPC File " + file("Nougat32") + " not present"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheMissing(file("Nougat32"))});
     EXPECT_FALSE(data.has("Engine")) << "nothing is created";
 }
 
@@ -158,8 +159,7 @@ TEST_F(BridgeAppsTest, EachCallOpensItsInstanceAnew) {
 TEST_F(BridgeAppsTest, AFileThatIsNoArrayIsDeletedAndTheArrayIsEmpty) {
     write("Nougat32", "{}");
     EXPECT_EQ(listing("Nougat32"), "[\n]\n");
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + file("Nougat32") +
-                                 " deleting the files"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(file("Nougat32"))});
     EXPECT_FALSE(exists("Nougat32"));
 }
 
@@ -171,8 +171,7 @@ TEST_F(BridgeAppsTest, AFileThatIsHeldIsKeptAndTheArrayIsEmpty) {
         HeldFile held(file("Nougat32"), shares);
         ASSERT_TRUE(held.isHeld());
         EXPECT_EQ(listing("Nougat32"), "[\n]\n");
-        EXPECT_EQ(log.texts(), Lines{"E APPC Could not open " + file("Nougat32") +
-                                     ", error: " + systemErrorText(32) + ", keeping the file"});
+        EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file("Nougat32"), 32)});
         held.release();
         EXPECT_EQ(readBytes(file("Nougat32")), oneApp("com.a"));
         EXPECT_NE(listing("Nougat32").find("com.a.png"), std::string::npos);
@@ -187,8 +186,7 @@ TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
         const Lines lines = log.texts();
         ASSERT_GE(lines.size(), 2u);
         EXPECT_EQ(Lines(lines.end() - 2, lines.end()),
-                  (Lines{"E APPC Failed to load app cache from file",
-                         "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)"}));
+                  (Lines{logged::cacheNotLoaded(), logged::appsNotListed()}));
         EXPECT_EQ(log.lines().back().function, "bridgeGetInstalledApps");
         EXPECT_TRUE(exists("Nougat32"));
     }
@@ -196,7 +194,7 @@ TEST_F(BridgeAppsTest, ABadElementIsNoListing) {
 
 TEST_F(BridgeAppsTest, ALockThatCannotBeMadeIsNoListing) {
     EXPECT_EQ(internal::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
-    EXPECT_EQ(log.texts().back(), "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)");
+    EXPECT_EQ(log.texts().back(), logged::appsNotListed());
 }
 
 TEST_F(BridgeAppsTest, TenThousandAppsAreListedByteForByteAsQtDoes) {

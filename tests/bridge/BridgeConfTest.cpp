@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "xpl/Xpl.h"
@@ -58,15 +59,15 @@ TEST(BridgeInstancesTest, AnUnknownImageIsToldBeforeAnythingIsRead) {
 }
 
 TEST(BridgeInstancesTest, AnInstanceThatIsBeingRemovedEndsTheListing) {
-    EXPECT_EQ(lastWords("Nougat64_1", "4096", "removed"),
-              (Lines{"E CONF  confGetStringInternal Trying to access deleted prop: "
-                     "[vtr.instance.Nougat64_1.device_profile_code]",
-                     "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+    EXPECT_EQ(
+        lastWords("Nougat64_1", "4096", "removed"),
+        (Lines{logged::by("", logged::keyRemoved("vtr.instance.Nougat64_1.device_profile_code")),
+               "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
 }
 
 TEST(BridgeInstancesTest, AMemoryThatIsNoNumberEndsTheListing) {
     EXPECT_EQ(lastWords("Nougat64", "abc", "kept"),
-              (Lines{"E CONF  confGetI32 error for vtr.instance.Nougat64.ram:abc",
+              (Lines{logged::by("", logged::numberInvalid("vtr.instance.Nougat64.ram", "abc")),
                      "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
 }
 
@@ -80,7 +81,7 @@ TEST(BridgeCommitTest, TheLineNamesTheExportAndThePathBeforeTheStoresOwn) {
     EXPECT_TRUE(folder.has("copy.conf"));
     ASSERT_FALSE(log.lines().empty());
     const LogCapture::Line first = log.lines().front();
-    EXPECT_EQ(log.texts(XLOG_VERBOSE).front(), "I BRIDGE bridgeConfCommitToFile args: " + path);
+    EXPECT_EQ(log.texts(XLOG_VERBOSE).front(), logged::committingForHost(path));
     EXPECT_EQ(first.function, "bridgeConfCommitToFile");
     EXPECT_EQ(first.file, "Source/bridge/Bridge");
 }

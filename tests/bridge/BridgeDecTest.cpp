@@ -15,6 +15,7 @@
 #include "conf/Conf.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/MalformedPackets.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -173,11 +174,10 @@ TEST_F(BridgeDecTest, ACreatedInstanceComesWithItsStatusFirst) {
     const std::string packet = createInstanceCompletedPacket(3, "Nougat64_1");
     ASSERT_TRUE(decodeInPlace(packet));
     EXPECT_EQ(hostCalls, Lines{"onCreateInstanceCompleted(3|Nougat64_1)"});
-    EXPECT_EQ(
-        bridgeLines(),
-        (Lines{"D BRIDGE bridgeOnCreateInstanceCompleted (3, " + address(packet, 20) + "(11))\n",
-               "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 3, instance Nougat64_1",
-               "D BRIDGE bridgeOnCreateInstanceCompleted returning\n"}));
+    EXPECT_EQ(bridgeLines(), (Lines{"D BRIDGE bridgeOnCreateInstanceCompleted (3, " +
+                                        address(packet, 20) + "(11))\n",
+                                    logged::instanceCreated("3", "Nougat64_1"),
+                                    "D BRIDGE bridgeOnCreateInstanceCompleted returning\n"}));
 }
 
 TEST_F(BridgeDecTest, AChangedConfigurationReachesSlot7) {
@@ -233,15 +233,14 @@ TEST_F(BridgeDecTest, EachEventReachesItsSlotBetweenTheLinesOfItsCall) {
 
 TEST_F(BridgeDecTest, SevenBytesAreNoPacket) {
     EXPECT_FALSE(decode(instanceListUpdatedPacket().substr(0, 7)));
-    EXPECT_EQ(bridgeLines(), Lines{"E BRIDGE bridgeDecode: invalid bufferLen: 7"});
+    EXPECT_EQ(bridgeLines(), Lines{logged::packetTooShort("7")});
 }
 
 TEST_F(BridgeDecTest, TheOpcodesNextToTheEventsAreRefused) {
     EXPECT_FALSE(decode(packetOf(2999, "")));
     EXPECT_FALSE(decode(packetOf(lastOpcode() + 1, "")));
-    EXPECT_EQ(bridgeLines(), (Lines{"E BRIDGE bridgeDecode: invalid opcode: 2999",
-                                    "E BRIDGE bridgeDecode: invalid opcode: " +
-                                        std::to_string(lastOpcode() + 1)}));
+    EXPECT_EQ(bridgeLines(), (Lines{logged::opcodeInvalid("2999"),
+                                    logged::opcodeInvalid(std::to_string(lastOpcode() + 1))}));
     EXPECT_EQ(hostCalls, Lines{});
 }
 
@@ -314,7 +313,7 @@ TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheConfigurationCannotBeLoaded) {
     EXPECT_TRUE(decode(instanceListUpdatedPacket()));
     EXPECT_TRUE(decode(instanceConfigurationChangedPacket("N")));
     EXPECT_EQ(hostCalls, (Lines{"onInstanceListUpdated()", "onInstanceConfigurationChanged(N)"}));
-    const Lines once{"E CONF conf file not in correct format, not a configuration"};
+    const Lines once{logged::confMalformed("not a configuration")};
     EXPECT_EQ(log.texts(XLOG_ERROR), (Lines{once[0], once[0]}));
 }
 
@@ -328,7 +327,7 @@ TEST_F(BridgeDecTest, AHostThatListsTheInstancesAfterAFailedLoadSeesThoseBeforeT
                  "vtr.instance.Nougat32.dpi=\"240\"\n\nvtr.instance.Nougat64.dpi=\"240\"\n");
     EXPECT_TRUE(decode(instanceListUpdatedPacket()));
     EXPECT_EQ(hostCalls, Lines{"Nougat32"});
-    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{"E CONF conf file not in correct format, "});
+    EXPECT_EQ(log.texts(XLOG_ERROR), Lines{logged::confMalformed("")});
 }
 
 TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheLoadThrows) {
@@ -337,7 +336,8 @@ TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheLoadThrows) {
     EXPECT_EQ(hostCalls, Lines{"onInstanceListUpdated()"});
     const Lines errors = log.texts(XLOG_ERROR);
     ASSERT_EQ(errors.size(), 1u);
-    EXPECT_EQ(errors[0].find("E BRIDGE bridgeOnInstanceListUpdatedClbk: exception: "), 0u)
+    EXPECT_EQ(errors[0].find(logged::exceptionCaught("BRIDGE", "bridgeOnInstanceListUpdatedClbk")),
+              0u)
         << errors[0];
 }
 

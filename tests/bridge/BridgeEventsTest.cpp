@@ -15,6 +15,7 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
@@ -67,6 +68,13 @@ void sendOne() {
     pipe.read(1);
 }
 
+// The lines of an event, and of the packet after it in sendOne(), which is none.
+std::string eventLine(const std::string& status) {
+    return logged::instanceCreated(status, "N") + "\n";
+}
+
+std::string refusalLine() { return logged::opcodeInvalid("1") + "\n"; }
+
 }  // namespace
 
 SUBPROCESS(registersBeforeInit) {
@@ -80,8 +88,7 @@ SUBPROCESS(registersBeforeInit) {
 
 TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothing) {
     EXPECT_EQ(outputOf("registersBeforeInit"),
-              "E BRIDGE bridgeRegisterCallbacks: called before bridgeApiInit\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n");
+              "E BRIDGE bridgeRegisterCallbacks: called before bridgeApiInit\n" + eventLine("0"));
 }
 
 SUBPROCESS(failsToStart) {
@@ -102,11 +109,10 @@ TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
     EXPECT_EQ(outputOf("failsToStart"),
               "start of vtr_Uninstaller_bridge_nvo\n"
               "I BRIDGE Bridge ipc ..\n"
-              "E BRIDGE FATAL: Bridge IPC server init failed: err -9\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
-              "onCreateInstanceCompleted(0|N)\n"
-              "fini 0\n");
+              "E BRIDGE FATAL: Bridge IPC server init failed: err -9\n" +
+                  eventLine("0") + eventLine("0") +
+                  "onCreateInstanceCompleted(0|N)\n"
+                  "fini 0\n");
 }
 
 SUBPROCESS(registersTwice) {
@@ -125,15 +131,11 @@ SUBPROCESS(registersTwice) {
 }
 
 TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
-    EXPECT_EQ(outputOf("registersTwice"),
-              "I BRIDGE Bridge ipc ..\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
-              "E BRIDGE bridgeDecode: invalid opcode: 1\n"
-              "fini 0\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
-              "E BRIDGE bridgeDecode: invalid opcode: 1\n"
-              "onCreateInstanceCompleted(7|N)\n"
-              "served 0\n");
+    EXPECT_EQ(outputOf("registersTwice"), "I BRIDGE Bridge ipc ..\n" + eventLine("7") +
+                                              refusalLine() + "fini 0\n" + eventLine("7") +
+                                              refusalLine() +
+                                              "onCreateInstanceCompleted(7|N)\n"
+                                              "served 0\n");
 }
 
 SUBPROCESS(finishesWithoutServer) {
@@ -170,9 +172,8 @@ SUBPROCESS(registersAfterFini) {
 TEST(BridgeEventsTest, AfterTheEndCallbacksAreSetButNoServerComesBack) {
     EXPECT_EQ(outputOf("registersAfterFini"),
               "served 0\n"
-              "E BRIDGE bridgeRegisterCallbacks: called after bridgeApiFini, no event will come\n"
-              "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 0, instance N\n"
-              "onCreateInstanceCompleted(0|N)\n");
+              "E BRIDGE bridgeRegisterCallbacks: called after bridgeApiFini, no event will come\n" +
+                  eventLine("0") + "onCreateInstanceCompleted(0|N)\n");
 }
 
 SUBPROCESS(finishesInACallback) {
@@ -194,9 +195,8 @@ SUBPROCESS(finishesInACallback) {
 
 TEST(BridgeEventsTest, FinishingInsideACallbackStopsNothing) {
     const std::string event =
-        "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status 7, instance N\n"
-        "E BRIDGE bridgeApiFini: called inside a callback, nothing is stopped\n"
-        "E BRIDGE bridgeDecode: invalid opcode: 1\n";
+        eventLine("7") + "E BRIDGE bridgeApiFini: called inside a callback, nothing is stopped\n" +
+        refusalLine();
     EXPECT_EQ(outputOf("finishesInACallback"),
               "served 1\nI BRIDGE Bridge ipc ..\n" + event + event + "fini 0\nfini 0\n");
 }

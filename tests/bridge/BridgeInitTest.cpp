@@ -12,7 +12,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
-#include "support/ProductVersion.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 
@@ -52,13 +52,11 @@ SUBPROCESS(initialisesThreeWays) {
 TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
     const std::string place = "Source/bridge/Bridge bridgeApiInitEx: ";
     EXPECT_EQ(outputOf("initialisesThreeWays"),
-              "22\n-1\n0\n" + place + "bridgeApiInitEx: Invalid clientId : Other\n" + place +
-                  "bridgeApiInitEx: Version mismatch, Product Version : 1.0, Bridge Version : " +
-                  kProductVersion + "\n" + place +
-                  "bridgeApiInitEx:#################### In bridgeApiInit Helper "
-                  "###############\n" +
-                  place + "Loading configuration ...\n" + place +
-                  "Configuration loaded successfully...\n");
+              "22\n-1\n0\n" + place + logged::messageOf(logged::clientInvalid("Other")) + "\n" +
+                  place + logged::messageOf(logged::versionMismatched("1.0")) + "\n" + place +
+                  logged::messageOf(logged::initialising("Helper")) + "\n" + place +
+                  logged::messageOf(logged::confLoading()) + "\n" + place +
+                  logged::messageOf(logged::confLoaded()) + "\n");
 }
 
 SUBPROCESS(keepsTheClientsText) {
@@ -92,9 +90,9 @@ SUBPROCESS(cannotMakeTheLock) {
 
 TEST(BridgeInitTest, WithoutTheMachineWideLockItFailsWithTheLocksError) {
     const std::string text = outputOf("cannotMakeTheLock");
-    const std::string start = "-1\nE XMUTEX Failed to create mutex 'a\\b'. Error = ";
+    const std::string start = "-1\n" + logged::mutexNotMade("a\\b");
     EXPECT_EQ(text.substr(0, start.size()), start);
-    const std::string end = "\nE BRIDGE Error in confLibInit init\nbridgeApiInitEx\n";
+    const std::string end = "\n" + logged::confNotLoaded() + "\nbridgeApiInitEx\n";
     EXPECT_EQ(text.substr(std::min(text.size(), text.find('\n', start.size()))), end) << text;
 }
 

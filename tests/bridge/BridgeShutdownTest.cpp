@@ -9,6 +9,7 @@
 #include "ReplacedIpcCalls.h"
 #include "conf/Conf.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -59,8 +60,8 @@ TEST_F(BridgeShutdownTest, WithoutTheManagersClientThePlayersAreStillAsked) {
     internal::bridgeShutdown();
     EXPECT_EQ(log.texts(XLOG_ERROR),
               (Lines{"E BRIDGE MIM IPC client init failed: err -8",
-                     "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000",
-                     "E PLR plrShutdownRpc: ipcSendToServer command failed, opcode = 2000"}));
+                     logged::requestNotSent("PLR", "plrShutdownRpc", "2000"),
+                     logged::requestNotSent("PLR", "plrShutdownRpc", "2000")}));
 }
 
 TEST_F(BridgeShutdownTest, TheManagerIsAskedFirstAndItsClientGoesLast) {
@@ -74,15 +75,15 @@ TEST_F(BridgeShutdownTest, TheManagerIsAskedFirstAndItsClientGoesLast) {
             }
         }
     }
-    EXPECT_EQ(steps, (Lines{"D IPC ipcClientInit called for server: vtr_mim_nvo",
-                            "D MIM mimShutdownRpc()\n",
-                            "D IPC ipcClientInit called for server: vtr_plr_Nougat64_10_nvo",
-                            "D PLR plrShutdownRpc(0)\n",
-                            "D IPC ~IpcClient called for server: vtr_plr_Nougat64_10_nvo",
-                            "D IPC ipcClientInit called for server: vtr_plr_Nougat64_2_nvo",
-                            "D PLR plrShutdownRpc(0)\n",
-                            "D IPC ~IpcClient called for server: vtr_plr_Nougat64_2_nvo",
-                            "D IPC ~IpcClient called for server: vtr_mim_nvo"}));
+    EXPECT_EQ(steps,
+              (Lines{logged::clientStep("ipcClientInit", "vtr_mim_nvo"), "D MIM mimShutdownRpc()\n",
+                     logged::clientStep("ipcClientInit", "vtr_plr_Nougat64_10_nvo"),
+                     "D PLR plrShutdownRpc(0)\n",
+                     logged::clientStep("~IpcClient", "vtr_plr_Nougat64_10_nvo"),
+                     logged::clientStep("ipcClientInit", "vtr_plr_Nougat64_2_nvo"),
+                     "D PLR plrShutdownRpc(0)\n",
+                     logged::clientStep("~IpcClient", "vtr_plr_Nougat64_2_nvo"),
+                     logged::clientStep("~IpcClient", "vtr_mim_nvo")}));
 }
 
 TEST_F(BridgeShutdownTest, LinesCarryTheExportsNames) {

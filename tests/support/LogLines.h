@@ -233,6 +233,49 @@ inline std::string lengthInvalid(const std::string& server, const std::string& l
                                  ", buffer size = 12");
 }
 
+// The library's interface.
+
+inline std::string initialising(const std::string& client) {
+    return "I BRIDGE bridgeApiInitEx:#################### In bridgeApiInit " + client +
+           " ###############";
+}
+
+inline std::string clientInvalid(const std::string& client) {
+    return "E BRIDGE bridgeApiInitEx: Invalid clientId : " + client;
+}
+
+inline std::string versionMismatched(const std::string& productVersion) {
+    return "E BRIDGE bridgeApiInitEx: Version mismatch, Product Version : " + productVersion +
+           ", Bridge Version : 5.2.0.1052";
+}
+
+inline std::string confLoading() { return "I BRIDGE Loading configuration ..."; }
+
+inline std::string confLoaded() { return "I BRIDGE Configuration loaded successfully..."; }
+
+inline std::string confNotLoaded() { return "E BRIDGE Error in confLibInit init"; }
+
+inline std::string committingForHost(const std::string& path) {
+    return "I BRIDGE bridgeConfCommitToFile args: " + path;
+}
+
+inline std::string appsNotListed() {
+    return "E BRIDGE Error in appcLibInit, err = XERR_FAILURE (-1)";
+}
+
+inline std::string packetTooShort(const std::string& length) {
+    return "E BRIDGE bridgeDecode: invalid bufferLen: " + length;
+}
+
+inline std::string opcodeInvalid(const std::string& opcode) {
+    return "E BRIDGE bridgeDecode: invalid opcode: " + opcode;
+}
+
+inline std::string instanceCreated(const std::string& status, const std::string& instance) {
+    return "I BRIDGE bridgeOnCreateInstanceCompletedClbk called: status " + status + ", instance " +
+           instance;
+}
+
 }  // namespace logged
 
 #endif

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "support/EventPackets.h"
+#include "support/LogLines.h"
 
 namespace {
 
@@ -121,13 +122,11 @@ std::vector<std::string> malformedPackets() {
 
 Reading referenceReading(const std::string& packet) {
     const std::string length = std::to_string(packet.size());
-    if (packet.size() < 8) return {{}, "E BRIDGE bridgeDecode: invalid bufferLen: " + length};
+    if (packet.size() < 8) return {{}, logged::packetTooShort(length)};
     const std::uint32_t opcode = *numberAt<std::uint32_t>(packet, 0);
     const KnownEvent* const event = findEvent(opcode);
     if (event == nullptr) {
-        return {{},
-                "E BRIDGE bridgeDecode: invalid opcode: " +
-                    std::to_string(static_cast<std::int32_t>(opcode))};
+        return {{}, logged::opcodeInvalid(std::to_string(static_cast<std::int32_t>(opcode)))};
     }
     std::vector<std::string> fields;
     std::size_t at = 12;
