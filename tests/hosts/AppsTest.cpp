@@ -3,7 +3,7 @@
 
 #include "PlainHost.h"
 #include "support/HeldFile.h"
-#include "support/Platform.h"
+#include "support/LogLines.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ TEST_F(AppsTest, OfAnotherInstanceComeNext) {
 TEST_F(AppsTest, ABadCacheIsNull) {
     writeCache("A", R"([{"package":"com.a"}])");
     EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps (null)"}));
-    EXPECT_EQ(log().back(), "E BRIDGE Helper_bridge Error in appcLibInit, err = XERR_FAILURE (-1)");
+    EXPECT_EQ(log().back(), logged::byHelper(logged::appsNotListed()));
 }
 
 TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
@@ -64,8 +64,7 @@ TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
         HeldFile held(file, shares);
         ASSERT_TRUE(held.isHeld());
         EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps [", "]", ""}));
-        EXPECT_EQ(log().back(), "E APPC Helper_bridge Could not open " + file +
-                                    ", error: " + systemErrorText(32) + ", keeping the file");
+        EXPECT_EQ(log().back(), logged::byHelper(logged::cacheKept(file, 32)));
         held.release();
         EXPECT_EQ(data.read("Engine\\A\\AppCache\\AppCache.json"), kOneApp);
     }

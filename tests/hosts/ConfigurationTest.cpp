@@ -4,6 +4,7 @@
 
 #include "ConfExpectation.h"
 #include "PlainHost.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 
 namespace {
@@ -134,9 +135,8 @@ TEST_F(ConfigurationTest, CommittingToAFileLogsItsPathTwice) {
     writeConf("vtr.locale=\"a\"\n");
     const std::string copy = data / "copy.conf";
     EXPECT_EQ(output({"init", "Helper", "committo", copy}), (Lines{"init 0", "committo 0"}));
-    EXPECT_EQ(afterStart(log()),
-              (Lines{"I BRIDGE Helper_bridge bridgeConfCommitToFile args: " + copy,
-                     "I CONF Helper_bridge confCommitToFile args: " + copy}));
+    EXPECT_EQ(afterStart(log()), (Lines{logged::byHelper(logged::committingForHost(copy)),
+                                        logged::byHelper(logged::committing(copy))}));
     EXPECT_EQ(linesOf(data.read("copy.conf")).size(), globalCount());
 }
 
@@ -145,9 +145,8 @@ TEST_F(ConfigurationTest, ACommitAfterOneToAnotherFileWritesAndLogsNothing) {
     const std::string copy = data / "copy.conf";
     EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.locale", "b", "committo", copy, "commit"}),
               (Lines{"init 0", "setstr 0", "committo 0", "commit 0"}));
-    EXPECT_EQ(afterStart(log()),
-              (Lines{"I BRIDGE Helper_bridge bridgeConfCommitToFile args: " + copy,
-                     "I CONF Helper_bridge confCommitToFile args: " + copy}));
+    EXPECT_EQ(afterStart(log()), (Lines{logged::byHelper(logged::committingForHost(copy)),
+                                        logged::byHelper(logged::committing(copy))}));
     EXPECT_NE(data.read("copy.conf").find("vtr.locale=\"b\"\n"), std::string::npos);
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
 }
@@ -161,8 +160,7 @@ TEST_F(ConfigurationTest, ABoolOfAnInstanceThatIsNotLoadedEndsTheHost) {
     EXPECT_EQ(linesOf(before.out), Lines{"init 0"});
     const Lines lines = log();
     ASSERT_GE(lines.size(), 2u);
-    EXPECT_EQ(lines[lines.size() - 2],
-              std::string("E CONF Helper_bridge confGetBool error for ") + key + ":");
+    EXPECT_EQ(lines[lines.size() - 2], logged::byHelper(logged::boolInvalid(key, "")));
     EXPECT_EQ(lines.back().rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0),
               0u)
         << lines.back();
@@ -185,7 +183,7 @@ TEST_F(ConfigurationTest, AnUnknownKeyEndsTheHost) {
         EXPECT_EQ(linesOf(result.out), Lines{"init 0"}) << operation;
     }
     const Lines lines = log();
-    EXPECT_EQ(lines[3], "E CONF Helper_bridge vtr.nothing prop not found in prop dir");
+    EXPECT_EQ(lines[3], logged::byHelper(logged::keyUnknown("vtr.nothing")));
     EXPECT_EQ(lines[4].rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u);
 }
 
@@ -203,7 +201,7 @@ TEST_F(ConfigurationTest, WithoutAConfFileACommitLeavesNothingInTheCurrentFolder
         play({"initex", "Helper", "1", "(null)", "setstr", "vtr.guid", "x", "commit"}, options);
     EXPECT_EQ(linesOf(result.out), (Lines{"initex 0", "setstr 0", "commit 2"}));
     EXPECT_EQ(current.list(), Lines{});
-    EXPECT_EQ(log().back(), "E CONF Helper_bridge xfileMove failed, err = 2 [XERR_NOENT]");
+    EXPECT_EQ(log().back(), logged::byHelper(logged::confNotReplaced("2 [XERR_NOENT]")));
 }
 
 TEST_F(ConfigurationTest, ChildrenThatTheHostStartsNeverBlockACommit) {
@@ -241,9 +239,9 @@ TEST_F(ConfigurationTest, ReadsSetsAndTheListingGoOnWhileACommitWaitsForAnotherP
     ChildProcess host = start(script);
     EXPECT_EQ(host.readLine(), "init 0");
     const auto lines = [this] { return withoutTimes(afterStart(log())); };
-    const Lines waiting{"I CONF Helper_bridge confCommitToFile args: " + confPath(),
-                        "W CONF Helper_bridge confCommitToFile: waiting for "
-                        "Global\\vtr_conf_nvo for N ms"};
+    const Lines waiting{
+        logged::byHelper(logged::committing(confPath())),
+        logged::byHelper(logged::lockAwaited("confCommitToFile", "Global\\vtr_conf_nvo"))};
     for (int i = 0; i < 4000 && lines() != waiting; ++i) sleepMs(5);
     EXPECT_EQ(lines(), waiting);
     data.write("told", "");
@@ -254,6 +252,6 @@ TEST_F(ConfigurationTest, ReadsSetsAndTheListingGoOnWhileACommitWaitsForAnotherP
     EXPECT_EQ(printed.back(), "endcommit 0");
     Lines waited = waiting;
     waited.push_back(
-        "W CONF Helper_bridge confCommitToFile: waited for Global\\vtr_conf_nvo for N ms");
+        logged::byHelper(logged::lockObtained("confCommitToFile", "Global\\vtr_conf_nvo")));
     EXPECT_EQ(lines(), waited);
 }

@@ -8,6 +8,7 @@
 #include "EveryEvent.h"
 #include "ProgramFunctions.h"
 #include "support/EventPackets.h"
+#include "support/LogLines.h"
 #include "support/MalformedPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
@@ -224,10 +225,8 @@ TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
         EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
         const Lines lines = log();
         const std::string rest = std::to_string(static_cast<std::int32_t>(length - 12));
-        EXPECT_EQ(lines.at(lines.size() - 2),
-                  "E IPC Helper_bridge ipcReadCommand for serverName " +
-                      std::string(kHelperServer) + ", bytesToRead " + rest +
-                      " is negative, packetLen = " + std::to_string(length) + ", buffer size = 12");
+        EXPECT_EQ(lines.at(lines.size() - 2), logged::byHelper(logged::lengthInvalid(
+                                                  kHelperServer, std::to_string(length), rest)));
         EXPECT_EQ(
             lines.back().find("E IPC Helper_bridge FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), 0u)
             << lines.back();
@@ -297,9 +296,8 @@ TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
     EXPECT_EQ(linesAfterInit(second), Lines{"fini 0"});
     const Lines told = log();
     EXPECT_EQ(std::count(told.begin(), told.end(),
-                         "E IPC Helper_bridge IpcServer Failed to listen on " +
-                             std::string(kHelperServer) +
-                             ", error: 8(QLocalServer::listen: Address in use)"),
+                         logged::byHelper(logged::notListening(
+                             kHelperServer, "8(QLocalServer::listen: Address in use)"))),
               1)
         << ::testing::PrintToString(told);
     RawPipe pipe(connectToHelper());

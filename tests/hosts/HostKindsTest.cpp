@@ -3,6 +3,7 @@
 #include <string>
 
 #include "EveryEvent.h"
+#include "support/LogLines.h"
 #include "support/RawServer.h"
 
 namespace {
@@ -41,8 +42,8 @@ TEST_F(HostKindsTest, AnExceptionStaysInTheWrapper) {
 TEST_F(HostKindsTest, AnExceptionOfABareCallbackIsLoggedAndTheNextEventComes) {
     EXPECT_EQ(linesOfHost("cpp_host.exe", "raw"),
               (Lines{"init 0", lineOf("account-list-updated"), "finished"}));
-    EXPECT_EQ(log().at(log().size() - 2),
-              "E IPC Helper_bridge ipcReadCommand: exception: through the library");
+    EXPECT_EQ(log().at(log().size() - 2), logged::byHelper(logged::exceptionCaught(
+                                              "IPC", "ipcReadCommand", "through the library")));
 }
 
 TEST_F(HostKindsTest, EmptyFunctionsOfTheWrapperArePassedOver) {

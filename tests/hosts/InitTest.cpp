@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "PlainHost.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
@@ -40,10 +41,9 @@ TEST_F(InitTest, LoadsTheConfigurationAndLogsIntoTheProductsLog) {
     writeConf("vtr.locale=\"fr-FR\"\n");
     EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale", "fini"}),
               (Lines{"init 0", "getstr fr-FR", "fini 0"}));
-    EXPECT_EQ(log(), (Lines{"I BRIDGE Helper_bridge bridgeApiInitEx:#################### In "
-                            "bridgeApiInit Helper ###############",
-                            "I BRIDGE Helper_bridge Loading configuration ...",
-                            "I BRIDGE Helper_bridge Configuration loaded successfully..."}));
+    EXPECT_EQ(log(), (Lines{logged::byHelper(logged::initialising("Helper")),
+                            logged::byHelper(logged::confLoading()),
+                            logged::byHelper(logged::confLoaded())}));
 }
 
 TEST_F(InitTest, EveryClientButTheLauncherStartsWhateverIsInstalled) {
@@ -52,18 +52,16 @@ TEST_F(InitTest, EveryClientButTheLauncherStartsWhateverIsInstalled) {
     for (const char* client : {"Installer", "LogCollector", "Helper", "Uninstaller"}) {
         EXPECT_EQ(output({"init", client}), Lines{"init 0"}) << client;
     }
-    EXPECT_EQ(log()[0],
-              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In "
-              "bridgeApiInit Installer ###############");
+    EXPECT_EQ(log()[0], logged::by("Installer_bridge", logged::initialising("Installer")));
 }
 
 TEST_F(InitTest, UnknownClientsAreRefused) {
     for (const std::string client : {"launcher", "Launcher ", " Launcher", "", "Other"}) {
         EXPECT_EQ(refused({"init", client}),
-                  (Refusal{"bridgeApiInitEx: Invalid clientId : " + client, "init 22"}));
+                  (Refusal{logged::messageOf(logged::clientInvalid(client)), "init 22"}));
     }
     EXPECT_EQ(refused({"init", "(null)"}),
-              (Refusal{"bridgeApiInitEx: Invalid clientId : (null)", "init 22"}));
+              (Refusal{logged::messageOf(logged::clientInvalid("(null)")), "init 22"}));
     EXPECT_FALSE(data.has("Logs\\Player.log")) << "nothing else has been done";
 }
 
@@ -75,19 +73,14 @@ TEST_F(InitTest, TheLauncherNeedsTheProductsExactVersion) {
     for (const std::string& other : {own + "0", shorter, std::string(), shorter + "x"}) {
         version = other;
         EXPECT_EQ(refused({"init", "Launcher"}),
-                  (Refusal{"bridgeApiInitEx: Version mismatch, Product Version : " + version +
-                               ", Bridge Version : " + own,
-                           "init -1"}));
+                  (Refusal{logged::messageOf(logged::versionMismatched(version)), "init -1"}));
     }
 }
 
 TEST_F(InitTest, AMissingVersionMismatchesToo) {
     const ChildResult result =
         runChild(builtProgram("plain_host.exe"), {"sandbox", "init", "Launcher"});
-    EXPECT_NE(
-        result.out.find(std::string("Version mismatch, Product Version : , Bridge Version : ") +
-                        kProductVersion),
-        std::string::npos);
+    EXPECT_NE(result.out.find(logged::messageOf(logged::versionMismatched(""))), std::string::npos);
     EXPECT_NE(result.out.find("init -1"), std::string::npos);
 }
 
@@ -147,19 +140,18 @@ TEST_F(InitTest, TheProductsLogIsLookedUpThoughAnotherIsGiven) {
 TEST_F(InitTest, AMissingConfFileIsAFailureThatLeavesTheDefaults) {
     EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.log_levels"}),
               (Lines{"init -1", "getstr *:I"}));
-    EXPECT_EQ(log(), (Lines{"I BRIDGE Helper_bridge bridgeApiInitEx:#################### In "
-                            "bridgeApiInit Helper ###############",
-                            "I BRIDGE Helper_bridge Loading configuration ...",
-                            "E CONF Helper_bridge open failed for " + confPath(),
-                            "E BRIDGE Helper_bridge Error in confLibInit init"}));
+    EXPECT_EQ(log(), (Lines{logged::byHelper(logged::initialising("Helper")),
+                            logged::byHelper(logged::confLoading()),
+                            logged::byHelper(logged::confNotOpened(confPath())),
+                            logged::byHelper(logged::confNotLoaded())}));
 }
 
 TEST_F(InitTest, ABrokenLineIsAFailureThatLeavesWhatWasRead) {
     writeConf("vtr.locale=\"fr-FR\"\nbroken\n");
     EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale"}),
               (Lines{"init -1", "getstr fr-FR"}));
-    EXPECT_EQ(log()[2], "E CONF Helper_bridge conf file not in correct format, broken");
-    EXPECT_EQ(log()[3], "E BRIDGE Helper_bridge Error in confLibInit init");
+    EXPECT_EQ(log()[2], logged::byHelper(logged::confMalformed("broken")));
+    EXPECT_EQ(log()[3], logged::byHelper(logged::confNotLoaded()));
 }
 
 TEST_F(InitTest, ALineThatEndsAtItsSignStopsAtTheFence) {
@@ -169,9 +161,13 @@ TEST_F(InitTest, ALineThatEndsAtItsSignStopsAtTheFence) {
               (Lines{"init -1", "getstr fr-FR", "setstr 0", "commit -1", "getstr x"}));
     const Lines lines = log();
     ASSERT_EQ(lines.size(), 6u);
-    EXPECT_EQ(lines[2].rfind("E BRIDGE Helper_bridge bridgeApiInitEx: exception: ", 0), 0u);
-    EXPECT_EQ(lines[3], "E BRIDGE Helper_bridge Error in confLibInit init");
-    EXPECT_EQ(lines[5].rfind("E BRIDGE Helper_bridge bridgeConfCommit: exception: ", 0), 0u);
+    EXPECT_EQ(
+        lines[2].rfind(logged::byHelper(logged::exceptionCaught("BRIDGE", "bridgeApiInitEx")), 0),
+        0u);
+    EXPECT_EQ(lines[3], logged::byHelper(logged::confNotLoaded()));
+    EXPECT_EQ(
+        lines[5].rfind(logged::byHelper(logged::exceptionCaught("BRIDGE", "bridgeConfCommit")), 0),
+        0u);
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"})) << "no temporary file is left";
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"fr-FR\"\nvtr.guid=\n");
 }
@@ -192,8 +188,7 @@ TEST_F(InitTest, ASecondInitialisationRunsEveryStepAgain) {
               (Lines{"init 0", "setstr 0", "initex 0", "getstr a", "getstr staged", "fini 0"}));
     EXPECT_EQ(log().size(), 3u);
     EXPECT_EQ(logMessages(data.read("own.log"))[0],
-              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In bridgeApiInit "
-              "Installer ###############");
+              logged::by("Installer_bridge", logged::initialising("Installer")));
 }
 
 TEST_F(InitTest, FinishingCommitsNothing) {

@@ -3,24 +3,22 @@
 
 #include "PlainHost.h"
 #include "ProgramFunctions.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 
 namespace {
 
 class LaunchTest : public PlainHostTest {
  protected:
-    // Runs a script in a host whose install folder holds no program, and gives the command line
-    // that the failed start logged.
-    std::string commandLine(const Script& operation) const {
+    // Runs a script in a host whose install folder holds no program. The failed start logs this
+    // command line.
+    void expectCommandLine(const Script& operation, const std::string& commandLine) const {
         Script script{"registry", "InstallDir", "C:\\No Such\\", "init", "Helper"};
         script.insert(script.end(), operation.begin(), operation.end());
         const Lines lines = output(script);
         EXPECT_EQ(lines.back(), operation[0] + " 2");
-        const std::string start =
-            "E XSTR Helper_bridge xprocCreate_basic: CreateProcessW failed: cmdline ";
         const std::string line = log().back();
-        EXPECT_EQ(line.rfind(start, 0), 0u) << line;
-        return line.substr(start.size(), line.rfind(" GetLastError() ") - start.size());
+        EXPECT_EQ(line.rfind(logged::byHelper(logged::startFailed(commandLine)), 0), 0u) << line;
     }
 
     void SetUp() override { writeConf(""); }
@@ -36,24 +34,24 @@ constexpr const char* kManager = R"("C:\\No Such\\QX-MultiInstanceManager.exe")"
 
 TEST_F(LaunchTest, EachFunctionHasItsCommandLine) {
     const std::string player = std::string(kPlayer) + R"( "--instance" "Nougat64" "--cmd" )";
-    EXPECT_EQ(commandLine({"bridgeLaunchApp", "Nougat64", "com.example.app"}),
-              player + R"("launchApp" "--package" "com.example.app")");
-    EXPECT_EQ(commandLine({"bridgeLaunchAppStore", "Nougat64", "play", "com.example.app"}),
-              player + R"("installApp" "--package" "com.example.app" "--store" "play")");
-    EXPECT_EQ(commandLine({"bridgeLaunchUrl", "Nougat64", "https://example.com/?a=b&c"}),
-              player + R"("launchUrl" "--url" "https://example.com/?a=b&c")");
-    EXPECT_EQ(commandLine({"bridgeInstallApk", "Nougat64", "C:\\My Apps\\日本.apk"}),
-              player + R"("installApk" "--filepath" "C:\\My Apps\\日本.apk")");
-    EXPECT_EQ(commandLine({"bridgeUninstallApp", "Nougat64", "com.example.app"}),
-              player + R"("uninstallApp" "--package" "com.example.app")");
+    expectCommandLine({"bridgeLaunchApp", "Nougat64", "com.example.app"},
+                      player + R"("launchApp" "--package" "com.example.app")");
+    expectCommandLine({"bridgeLaunchAppStore", "Nougat64", "play", "com.example.app"},
+                      player + R"("installApp" "--package" "com.example.app" "--store" "play")");
+    expectCommandLine({"bridgeLaunchUrl", "Nougat64", "https://example.com/?a=b&c"},
+                      player + R"("launchUrl" "--url" "https://example.com/?a=b&c")");
+    expectCommandLine({"bridgeInstallApk", "Nougat64", "C:\\My Apps\\日本.apk"},
+                      player + R"("installApk" "--filepath" "C:\\My Apps\\日本.apk")");
+    expectCommandLine({"bridgeUninstallApp", "Nougat64", "com.example.app"},
+                      player + R"("uninstallApp" "--package" "com.example.app")");
     const std::string manager = std::string(kManager) + R"( "--hidden" "--cmd" )";
-    EXPECT_EQ(commandLine({"bridgeInstallImage", "Nougat32"}),
-              manager + R"("installImage" "--imageName" "Nougat32")");
-    EXPECT_EQ(commandLine(
-                  {"bridgeCreateFreshInstance", "Nougat64", "", "4096", "aga", "dx", "s21 \"u\""}),
-              manager + R"("createFreshInstance" "--imageName" "Nougat64" "--cpu" "" "--ram" )"
-                        R"("4096" "--graphicEngine" "aga" "--graphicRenderer" "dx" )"
-                        R"("--deviceProfile" "s21 \"u\"")");
+    expectCommandLine({"bridgeInstallImage", "Nougat32"},
+                      manager + R"("installImage" "--imageName" "Nougat32")");
+    expectCommandLine(
+        {"bridgeCreateFreshInstance", "Nougat64", "", "4096", "aga", "dx", "s21 \"u\""},
+        manager + R"("createFreshInstance" "--imageName" "Nougat64" "--cpu" "" "--ram" )"
+                  R"("4096" "--graphicEngine" "aga" "--graphicRenderer" "dx" )"
+                  R"("--deviceProfile" "s21 \"u\"")");
 }
 
 TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
@@ -123,5 +121,5 @@ TEST_F(LaunchTest, AStartThatSucceedsLeavesNoLine) {
 
 TEST_F(LaunchTest, AMissingInstallFolderEndsTheHost) {
     EXPECT_EQ(play({"init", "Helper", "bridgeLaunchApp", "a", "b"}).status, kFatalStatus);
-    EXPECT_EQ(log()[3], "E UTL Helper_bridge utlGetInstallDir: Failed to get install dir properly");
+    EXPECT_EQ(log()[3], logged::byHelper(logged::installFolderUnknown()));
 }

@@ -3,6 +3,7 @@
 
 #include "EveryEvent.h"
 #include "support/EventPackets.h"
+#include "support/LogLines.h"
 #include "support/RawServer.h"
 
 namespace {
@@ -19,7 +20,7 @@ class UnloadTest : public PlainHostTest {
 
     std::string loggedException() const {
         for (const std::string& line : log()) {
-            if (line.find(": exception: ") != std::string::npos) return line;
+            if (logged::isOfException(line)) return line;
         }
         return {};
     }

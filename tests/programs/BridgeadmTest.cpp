@@ -4,6 +4,7 @@
 #include <string>
 
 #include "BridgeadmFixture.h"
+#include "support/LogLines.h"
 #include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
 
@@ -187,7 +188,7 @@ TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
 TEST_F(BridgeadmTest, LogsUnderItsNameIntoTheProductsLogOrTheGivenFile) {
     output({"remove-instance", "Nougat32"});
     const std::string line =
-        "I CONF bridgeadm confCommitToFile args: " + data.path() + "\\vantrel.conf";
+        logged::by("bridgeadm", logged::committing(data.path() + "\\vantrel.conf"));
     EXPECT_EQ(loggedLines(), Arguments{line});
     output({"--log-file", data / "new\\own.log", "remove-instance", "Nougat64"});
     EXPECT_EQ(logMessages(data.read("new\\own.log")), Arguments{line});
@@ -202,7 +203,7 @@ TEST_F(BridgeadmTest, TrimsTheProcessesOfTheInstallFolder) {
     EXPECT_EQ(output({"trim"}), "trimmed the product's processes\n");
     const Arguments lines = loggedLines();
     EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [&program](const std::string& line) {
-        return line.rfind("I UTL bridgeadm Trimming memory for process ", 0) == 0 &&
+        return line.rfind(logged::by("bridgeadm", logged::memoryTrimming()), 0) == 0 &&
                line.find(":" + program) == line.size() - program.size() - 1;
     })) << ::testing::PrintToString(lines);
 }

@@ -9,6 +9,7 @@
 #include "ConfExpectation.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/ProductRegistry.h"
 #include "support/ProductVersion.h"
 #include "support/TempFolder.h"
@@ -264,7 +265,7 @@ TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[3]");
     expectFailure({"apps", "Nougat64"}, 5, "no listing; see the log");
     EXPECT_EQ(logMessages(data.read("Logs\\Player.log")).back(),
-              "E BRIDGE Helper_bridge Error in appcLibInit, err = XERR_FAILURE (-1)");
+              logged::byHelper(logged::appsNotListed()));
 }
 
 TEST_F(BridgectlTest, WithoutTheFileThereIsNothingToCommitTo) {
@@ -284,8 +285,7 @@ TEST_F(BridgectlTest, WithoutTheFileTheDefaultsAreShown) {
 TEST_F(BridgectlTest, LogsUnderItsClientsNameIntoTheGivenFile) {
     output({"--client", "Installer", "--log-file", data / "own.log", "conf", "get", "vtr.locale"});
     EXPECT_EQ(logMessages(data.read("own.log"))[0],
-              "I BRIDGE Installer_bridge bridgeApiInitEx:#################### In bridgeApiInit "
-              "Installer ###############");
+              logged::by("Installer_bridge", logged::initialising("Installer")));
     EXPECT_FALSE(data.has("Logs\\Player.log"));
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "support/Platform.h"
+#include "support/ProductVersion.h"
 
 // Log lines that more than one test file expects, as LogCapture::texts() has them. A line that a
 // single file expects stands there.
@@ -246,7 +247,7 @@ inline std::string clientInvalid(const std::string& client) {
 
 inline std::string versionMismatched(const std::string& productVersion) {
     return "E BRIDGE bridgeApiInitEx: Version mismatch, Product Version : " + productVersion +
-           ", Bridge Version : 5.2.0.1052";
+           ", Bridge Version : " + kProductVersion;
 }
 
 inline std::string confLoading() { return "I BRIDGE Loading configuration ..."; }
