@@ -32,6 +32,7 @@
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
+#include "support/LogLines.h"
 #include "support/NoCallbacks.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
@@ -150,7 +151,8 @@ class AllocationTest : public ::testing::Test {
             const std::optional<std::string> answer = taken(text);
             EXPECT_EQ(answer.value_or(*plenty), *plenty);
             EXPECT_EQ(errors.count(), answer ? 0 : 1);
-            const std::string start = answer ? "" : name + ": exception: ";
+            const std::string start =
+                answer ? "" : logged::messageOf(logged::exceptionCaught("BRIDGE", name));
             EXPECT_EQ(errors.last().substr(0, start.size()), start);
             errors.clear();
             EXPECT_EQ(taken(call()), plenty) << "afterwards";
@@ -460,8 +462,8 @@ std::string disconnectsInShortage(Shortage kind, int first) {
     const bool failed = disconnectInShortage(socket, kind, first);
     EXPECT_EQ(errors.count() > 0, failed);
     if (failed) {
-        EXPECT_EQ(errors.last(),
-                  std::string("ipcDestroyConnection: exception: ") + std::bad_alloc().what());
+        EXPECT_EQ(errors.last(), logged::messageOf(logged::exceptionCaught(
+                                     "IPC", "ipcDestroyConnection", std::bad_alloc().what())));
     }
     EXPECT_EQ(IpcConnectionInfo::live(), socket.isNull() ? 0 : 1);
     return std::string(failed ? "short" : "plenty") + (socket.isNull() ? ", gone" : ", stays");

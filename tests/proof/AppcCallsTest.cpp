@@ -11,7 +11,7 @@
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
-#include "support/Platform.h"
+#include "support/LogLines.h"
 #include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 
@@ -140,9 +140,8 @@ class AppcCallsTest : public ::testing::Test {
         return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
     }
 
-    Lines couldNotOpen(int error, const std::string& end) const {
-        return {"E APPC Could not open " + path() + ", error: " + systemErrorText(error) + end};
-    }
+    Lines kept(int error) const { return {logged::cacheKept(path(), error)}; }
+    Lines deleted(int error) const { return {logged::cacheDeleted(path(), error)}; }
 
     std::string path() const { return store.instanceDir("Calls") + "AppCache.json"; }
 
@@ -215,8 +214,7 @@ TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
         EXPECT_EQ(seen.calls, kTries) << error;
         EXPECT_EQ(packages(), Lines{}) << error;
         const bool isDenied = error == ERROR_ACCESS_DENIED;
-        EXPECT_EQ(log.texts(),
-                  couldNotOpen(error, isDenied ? ", deleting the file" : ", keeping the file"));
+        EXPECT_EQ(log.texts(), isDenied ? deleted(error) : kept(error));
         EXPECT_EQ(data.has(kFile), !isDenied) << error;
     }
 }
@@ -232,7 +230,7 @@ TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
         EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
         EXPECT_EQ(seen.calls, 1) << error;
         EXPECT_EQ(seen.sleptMs, 0u) << error;
-        EXPECT_EQ(log.texts(), couldNotOpen(error, ", deleting the file"));
+        EXPECT_EQ(log.texts(), deleted(error));
         EXPECT_FALSE(data.has(kFile)) << error;
     }
 }
@@ -241,7 +239,7 @@ TEST_F(AppcCallsTest, AnOpenThatFailsWithoutAnErrorIsAFailureToo) {
     const OddOpen refusing("CreateFileW", refuseOpen);
     refuseNext(1, ERROR_SUCCESS);
     EXPECT_EQ(appcLibInit(store, "Calls"), 0);
-    EXPECT_EQ(log.texts(), couldNotOpen(ERROR_GEN_FAILURE, ", deleting the file"));
+    EXPECT_EQ(log.texts(), deleted(ERROR_GEN_FAILURE));
 }
 
 TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
@@ -265,10 +263,9 @@ TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
         refuseNext(kTries, error);
         EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
         EXPECT_EQ(seen.calls, kTries) << error;
-        EXPECT_EQ(log.texts(), couldNotOpen(error, ", keeping the file"));
+        EXPECT_EQ(log.texts(), kept(error));
         EXPECT_EQ(update("com.b", ""), -1) << error;
-        EXPECT_EQ(log.texts().back(),
-                  "E APPC AppCache file " + path() + " could not be read, not saving over it");
+        EXPECT_EQ(log.texts().back(), logged::cacheNotSavedOver(path()));
         EXPECT_EQ(data.read(kFile), kOneApp) << error;
         EXPECT_EQ(appcLoadFromFile(store), 0) << error;
         EXPECT_EQ(packages(), Lines{"com.a"}) << error;
@@ -284,8 +281,7 @@ TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
         refuseNext(kTries, error);
         EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
         EXPECT_EQ(seen.calls, error == ERROR_IO_DEVICE ? 1 : kTries);
-        EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + path() +
-                                     " deleting the files"});
+        EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(path())});
         EXPECT_FALSE(data.has(kFile)) << error;
     }
 }
@@ -320,7 +316,7 @@ TEST_F(AppcCallsTest, ARenameThatStaysRefusedLeavesTheOldFile) {
     refuseNext(kTries, ERROR_SHARING_VIOLATION);
     EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), -1);
     EXPECT_EQ(seen.calls, kTries);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Error in writing to AppCache file " + path() + " failed"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotWritten(path())});
     EXPECT_EQ(data.read(kFile), kOneApp);
 }
 
@@ -330,7 +326,7 @@ TEST_F(AppcCallsTest, AFileThatIsReadOnlyIsNotReplaced) {
         return FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
     });
     EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + path() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(path())});
     EXPECT_EQ(data.read(kFile), kOneApp);
 }
 
@@ -339,7 +335,7 @@ TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
     const OddAttributes folder("GetFileAttributesW",
                                [](LPCWSTR) -> DWORD { return FILE_ATTRIBUTE_DIRECTORY; });
     EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Cannot open AppCache file " + path() + " for writing"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(path())});
     EXPECT_EQ(data.read(kFile), kOneApp);
 }
 

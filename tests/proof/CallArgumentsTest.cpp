@@ -11,6 +11,7 @@
 
 #include "ImportTable.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/WindowsForTests.h"
@@ -182,8 +183,7 @@ TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
     EXPECT_EQ(handle, &handle);
     EXPECT_TRUE(isOpen(startedProcess.hProcess));
     EXPECT_TRUE(isOpen(startedProcess.hThread));
-    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
-                                 R"("x.exe" GetLastError() 5)"});
+    EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("x.exe")", "5")});
 }
 
 TEST_F(StartArguments, AFailedStartWithoutAnErrorIsAFailure) {
@@ -194,8 +194,7 @@ TEST_F(StartArguments, AFailedStartWithoutAnErrorIsAFailure) {
     EXPECT_EQ(xprocCreate(&handle, {"x.exe"}), 100000);
     EXPECT_EQ(handle, &handle);
     EXPECT_TRUE(isOpen(startedProcess.hProcess));
-    EXPECT_EQ(log.texts(), Lines{R"(E XSTR xprocCreate_basic: CreateProcessW failed: cmdline )"
-                                 R"("x.exe" GetLastError() 0)"});
+    EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("x.exe")", "0")});
 }
 
 TEST_F(StartArguments, AStartThatWorksIsASuccessWhateverTheLastErrorSays) {
@@ -349,7 +348,7 @@ TEST(MutexArguments, ANameThatIsNotUtf8IsNotAskedFor) {
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init("\xFF"), -1);
     EXPECT_EQ(mutexRequest.count, 0);
-    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex '\xFF'. Error = 1113"});
+    EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade("\xFF", "1113")});
 }
 
 TEST(MutexArguments, AnEmptyNameIsWindowsToJudge) {
@@ -361,7 +360,7 @@ TEST(MutexArguments, AnEmptyNameIsWindowsToJudge) {
         });
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init(""), -1);
-    EXPECT_EQ(log.texts(), Lines{"E XMUTEX Failed to create mutex ''. Error = 123"});
+    EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade("", "123")});
 }
 
 // The processes that run.

@@ -11,6 +11,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Proof.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -121,8 +122,7 @@ TEST(MutexHostilityTest, ALockWhoseNameIsAnotherObjectsFailsTheStart) {
     ConfStore store(catalogue, confDiskFiles());
     store.fileLockName = name;
     EXPECT_EQ(confLibInit(store, folder.write("vantrel.conf", ""), false), XERR_FAILURE);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"E XMUTEX Failed to create mutex '" + name +
-                                                    "'. Error = 6"});
+    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::mutexNotMade(name, "6")});
     ::CloseHandle(event);
     EXPECT_EQ(confLibInit(store, folder / "vantrel.conf", false), 0);
 }

@@ -16,6 +16,7 @@
 #include "ipc/IpcServer.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/WindowsForTests.h"
@@ -151,8 +152,8 @@ class PipeRefusals : public ::testing::Test {
     }
 
     std::string listenError(int code, const std::string& why) const {
-        return "E IPC IpcServer Failed to listen on " + name + ", error: " + std::to_string(code) +
-               "(QLocalServer::listen: " + why + ")";
+        return logged::notListening(name,
+                                    std::to_string(code) + "(QLocalServer::listen: " + why + ")");
     }
 
     // A client whose packet arrives.

@@ -20,6 +20,7 @@
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
+#include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
@@ -237,7 +238,7 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
         const RefusedSize refused("GetFileSizeEx", refuseSize);
         EXPECT_EQ(confLibInit(store, path, false), -1);
     }
-    EXPECT_EQ(log.texts(), Lines{"E CONF read failed for " + path});
+    EXPECT_EQ(log.texts(), Lines{logged::confNotRead(path)});
     EXPECT_EQ(confReload(store), 0);
     EXPECT_EQ(confGetString(store, "vtr.locale"), "a");
 }
@@ -246,8 +247,7 @@ TEST_F(FileRefusals, AnAppCacheWithoutASizeIsNoArrayAndIsDeleted) {
     Cache cache(folder);
     const RefusedSize refused("GetFileSizeEx", refuseSize);
     EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + cache.file() +
-                                 " deleting the files"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
     EXPECT_NE(xfileExists(cache.file()), 0);
 }
 
@@ -255,8 +255,7 @@ TEST_F(FileRefusals, AnAppCacheOf2GiBIsNotReadAndIsDeleted) {
     Cache cache(folder);
     const RefusedSize huge("GetFileSizeEx", hugeSize);
     EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
-    EXPECT_EQ(log.texts(), Lines{"E APPC Could not create JsonDocument from " + cache.file() +
-                                 " deleting the files"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
     EXPECT_NE(xfileExists(cache.file()), 0);
 }
 
@@ -278,8 +277,7 @@ TEST_F(FileRefusals, AnAppCacheThatCannotBeWrittenStaysAsItWas) {
         const OddWrite refused("WriteFile", refuseWrite);
         EXPECT_EQ(appcSaveToFile(cache), -1);
     }
-    EXPECT_EQ(log.texts(),
-              Lines{"E APPC Error in writing to AppCache file " + cache.file() + " failed"});
+    EXPECT_EQ(log.texts(), Lines{logged::cacheNotWritten(cache.file())});
     EXPECT_EQ(readBytes(cache.file()), before);
     EXPECT_EQ(folder.list(), Lines{"Engine"});
 }
@@ -543,9 +541,7 @@ TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe", "a"}), 101223);
     EXPECT_EQ(handle, nullptr);
-    EXPECT_EQ(log.texts(),
-              Lines{"E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
-                    "parameters \"a\" GetLastError() 1223"});
+    EXPECT_EQ(log.texts(), Lines{logged::elevatedStartFailed("C:\\x.exe", "\"a\"", "1223")});
 }
 
 TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
@@ -555,9 +551,7 @@ TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe"}), 100000);
     EXPECT_EQ(handle, nullptr);
-    EXPECT_EQ(log.texts(),
-              Lines{"E XSTR xprocCreate_elevated_basic: ShellExecuteEx failed: filename C:\\x.exe "
-                    "parameters  GetLastError() 0"});
+    EXPECT_EQ(log.texts(), Lines{logged::elevatedStartFailed("C:\\x.exe", "", "0")});
 }
 
 TEST(ProcessRefusals, AVariableThatCannotBeSetIsTheStatus) {
