@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 // The events that the product's programs send to front ends. Whatever decodes, sends, prints or
 // documents them is made from this table.
@@ -76,11 +77,12 @@ constexpr IpcEventFieldType ipcFieldType(std::uint8_t) { return IPC_FLAG; }
 // Whether a callback with these parameters takes the event's fields.
 template <typename... Parameters>
 constexpr bool ipcTakesFields(const IpcEvent& event) {
+    const std::initializer_list<IpcEventFieldType> types{ipcFieldType(Parameters{})...};
     std::size_t taken = 0;
-    const auto takes = [&](IpcEventFieldType type) {
-        return taken < event.fieldCount && event.fields[taken++].type == type;
-    };
-    return (takes(ipcFieldType(Parameters{})) && ...) && taken == event.fieldCount;
+    for (const IpcEventFieldType type : types) {
+        if (taken == event.fieldCount || event.fields[taken++].type != type) return false;
+    }
+    return taken == event.fieldCount;
 }
 
 #endif
