@@ -17,7 +17,7 @@ std::string shown(Number number) {
 
 template <std::size_t SLOT, typename... Parameters>
 void write(Parameters... parameters) {
-    std::string line = knownEvents()[SLOT].slot + "(";
+    std::string line = knownEvents().at(SLOT).slot + "(";
     const std::vector<std::string> all{shown(parameters)...};
     for (const std::string& one : all) line += (&one == &all[0] ? "" : "|") + one;
     hostCalls.push_back(line + ")");
