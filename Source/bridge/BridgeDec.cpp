@@ -97,7 +97,8 @@ constexpr bool takesFields(void (*)(Parameters...), const IpcEvent& event) {
     return ipcTakesFields<Parameters...>(event);
 }
 
-// Fields as the line of a call shows them, in memory that cannot be short.
+// Fields as the line of a call shows them. Allocates nothing: an event reaches its host also when
+// memory is short.
 class Shown {
  public:
     template <typename... Values>

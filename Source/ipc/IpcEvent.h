@@ -9,8 +9,8 @@
 // documents them is made from this table.
 
 // X(opcode, event, callback, slot, name, field count, fields): every event, in the order of the
-// slots. Callback and slot are the type and the parameter that bridge.h has for it; the callback's
-// parameters are the fields.
+// slots. Callback and slot are the type and the parameter that bridge.h has for it, and its fields
+// are the callback's parameters. The name is what programs show and scripts write.
 #define IPC_EVENTS(X)                                                                            \
     X(3000, AppInstalled, bridgeOnAppInstalled, onAppInstalled, "app-installed", 8,              \
       {{"instance", IPC_TEXT},                                                                   \

@@ -47,7 +47,7 @@ std::uint32_t lastOpcode();
 using Words = std::vector<std::string>;
 Words exampleOf(const KnownEvent& event);
 
-// The same for each field: texts of these bytes, and this number.
+// Values of which each text is `text`, and each number is `number`.
 Words wordsOf(const KnownEvent& event, const std::string& text, int number);
 
 std::string eventPacket(const KnownEvent& event, const Words& words);
