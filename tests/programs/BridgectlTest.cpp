@@ -333,7 +333,7 @@ class BridgectlProgramsTest : public BridgectlTest {
     BridgectlProgramsTest() {
         registry.set("InstallDir", standinProgram(""));
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                               {"QX_STANDIN_SECONDS", "5"},
+                               {"QX_STANDIN_SECONDS", "60"},
                                {"QX_STANDIN_CLIENTS", "none"}};
     }
 
@@ -346,7 +346,7 @@ class BridgectlProgramsTest : public BridgectlTest {
     // Waits until the stand-ins have written that many lines, and gives all of them.
     std::vector<std::string> waitForLines(std::size_t count) const {
         std::vector<std::string> lines;
-        for (int i = 0; i < 400 && lines.size() < count; ++i) {
+        for (int i = 0; i < 3000 && lines.size() < count; ++i) {
             ::Sleep(10);
             if (data.has("standins.txt")) lines = logMessages(data.read("standins.txt"));
         }
