@@ -11,8 +11,9 @@ the function's, ends the process: that is the library's way.
 import atexit
 import ctypes
 import json
+import threading
 from ctypes import CFUNCTYPE
-from typing import Any, Callable, Dict, List, Optional, Sequence, Union
+from typing import Any, Callable, Dict, Iterable, List, Optional, Union
 
 from qxbridge_generated import *
 from qxbridge_generated import CALLBACKS, FAILURE, FUNCTIONS, RECORDS, SUCCESS, Callbacks
@@ -41,6 +42,44 @@ class BridgeError(Exception):
         self.operation = operation
         self.code = code
 
+
+class _Life:
+    """The library's life in this process: it starts once, and one Bridge has it."""
+
+    def __init__(self) -> None:
+        self._lock = threading.Lock()
+        self._owner: Any = None
+        self._ended = False
+
+    def start(self, owner: Any, start: Callable[[], None]) -> None:
+        """Calls start() and remembers the owner, unless that raises."""
+        with self._lock:
+            if self._ended:
+                raise RuntimeError("the library has ended: it starts once per process")
+            if self._owner not in (None, owner):
+                raise RuntimeError("another Bridge has started the library")
+            start()
+            self._owner = owner
+
+    def end(self, owner: Any) -> bool:
+        """Whether there is something to stop: the first time, for the owner."""
+        with self._lock:
+            if self._owner is not owner:
+                return False
+            if getattr(_this_thread, "is_event_thread", False):
+                raise RuntimeError("fini() must not be called inside a callback")
+            self._owner, self._ended = None, True
+            return True
+
+    def require(self, owner: Any) -> None:
+        """Before its start, and after its end, the library would end the process."""
+        if self._owner is not owner:
+            raise RuntimeError("the library has ended" if self._ended
+                               else "the library is not started: call init() first")
+
+
+_life = _Life()
+_this_thread = threading.local()
 
 # What the library keeps pointers to. Never freed: events can come until the process ends.
 _kept_texts: Dict[str, Any] = {}
@@ -85,6 +124,7 @@ def _function_pointer(name: str, function: Optional[Callable[..., Any]]) -> Any:
         return _CALLBACK_TYPES[name](0)
 
     def call(*values: Any) -> None:
+        _this_thread.is_event_thread = True
         # The bytes live as long as the call.
         plain = [_text(one) if isinstance(one, bytes) else one for one in values]
         if name in RECORDS:
@@ -104,18 +144,27 @@ class _Calls:
             function.restype = result
             function.argtypes = list(parameters.values())
         self._library = library
-        self.ready = False
+
+    def start(self, operation: str, *values: Any) -> None:
+        def call() -> None:
+            code = self._raw(operation, *values)
+            if code != SUCCESS:
+                raise BridgeError(operation, code)
+
+        _life.start(self, call)
+
+    def end(self) -> None:
+        if _life.end(self):
+            self._raw("bridgeApiFini")
 
     def require_ready(self) -> None:
-        """Before its start, and after its end, the library would end the process."""
-        if not self.ready:
-            raise RuntimeError("the library is not started: call init() first")
+        _life.require(self)
 
     def value(self, operation: str, *values: Any) -> Any:
         self.require_ready()
-        return self.raw(operation, *values)
+        return self._raw(operation, *values)
 
-    def raw(self, operation: str, *values: Any) -> Any:
+    def _raw(self, operation: str, *values: Any) -> Any:
         return getattr(self._library, operation)(*values)
 
     def status(self, operation: str, *values: Any) -> None:
@@ -170,9 +219,10 @@ class Configuration:
     def set_string(self, key: str, value: str) -> None:
         self._calls.status("bridgeConfSetString", _utf8(key, "key"), _utf8(value, "value"))
 
-    def set_multi_string(self, key: str, value: Union[str, Sequence[str]]) -> None:
+    def set_multi_string(self, key: str, value: Union[str, Iterable[str]]) -> None:
         """Takes the elements, or their stored form: joined by ","."""
         if not isinstance(value, str):
+            value = list(value)
             for element in value:
                 if "," in element:
                     raise ValueError('an element must not contain ","')
@@ -192,7 +242,7 @@ class Configuration:
 
 
 class Bridge:
-    """The library; make one per process. After init() every method may be called from any thread,
+    """The library; one per process can be started. After init() every method may be called from any thread,
     except fini(), during which no other call may run."""
 
     def __init__(self, path: str = "QX-Bridge.dll") -> None:
@@ -209,26 +259,23 @@ class Bridge:
     def init(self, client_id: str, *, no_conf_file: bool = False,
              log_file: Optional[str] = None) -> None:
         """Starts the library: 22 for a client id not in CLIENTS; -1 for a version mismatch, or a
-        configuration file that is missing or malformed."""
+        configuration file that is missing or malformed. RuntimeError while another Bridge has it
+        started, and after its end."""
         client = _kept_text(client_id)
         operation, more = "bridgeApiInit", ()
         if no_conf_file or log_file is not None:
             log = None if log_file is None else _utf8(log_file, "log_file")
             operation, more = "bridgeApiInitEx", (_boolean(no_conf_file), 0, log)
-        code = self._calls.raw(operation, client, *more)
-        if code != SUCCESS:
-            raise BridgeError(operation, code)
-        if not self._calls.ready:
-            # The event thread must not call into an interpreter that is gone.
-            atexit.register(self.fini)
-        self._calls.ready = True
+        self._calls.start(operation, client, *more)
+        # The event thread must not call into an interpreter that is gone.
+        atexit.unregister(self.fini)
+        atexit.register(self.fini)
 
     def fini(self) -> None:
-        """Stops the library, once and for all; not from inside a callback."""
-        if self._calls.ready:
-            self._calls.ready = False
-            atexit.unregister(self.fini)
-            self._calls.raw("bridgeApiFini")
+        """Stops the library, once and for all, and waits for a callback that runs. Inside a
+        callback it stops nothing and raises RuntimeError."""
+        self._calls.end()
+        atexit.unregister(self.fini)
 
     def register(self, callbacks: Callbacks) -> None:
         """Starts the event server, the first time, and replaces all functions."""

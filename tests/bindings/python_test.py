@@ -48,9 +48,14 @@ class PythonTest(unittest.TestCase):
     def setUp(self):
         fake.fakeReset()
         fake.fakeAnswer(0)
-        self.bridge = Bridge(LIBRARY)
+        self.bridge = self.first()
         self.bridge.init("Helper")
         self.taken()
+
+    def first(self):
+        """A bridge as in a process of its own: the one that is there has ended."""
+        qxbridge._life = qxbridge._Life()
+        return Bridge(LIBRARY)
 
     def tearDown(self):
         self.bridge.fini()
@@ -68,7 +73,7 @@ class PythonTest(unittest.TestCase):
         self.assertEqual((caught.exception.operation, caught.exception.code), (operation, code))
 
     def test_initialisation_and_end(self):
-        bridge = Bridge(LIBRARY)
+        bridge = self.first()
         with bridge:
             bridge.init("Launcher")
             bridge.init("Helper", no_conf_file=True)
@@ -80,12 +85,51 @@ class PythonTest(unittest.TestCase):
 
     def test_a_failed_initialisation_needs_no_end(self):
         fake.fakeAnswer(22)
-        with Bridge(LIBRARY) as bridge:
+        with self.first() as bridge:
             self.fails("bridgeApiInit", 22, bridge.init, "Nobody")
         self.assertEqual(self.taken(), ["bridgeApiInit Nobody"])
 
+    def refused(self, words, call, *values):
+        with self.assertRaisesRegex(RuntimeError, words):
+            call(*values)
+
+    def test_a_second_bridge_is_refused_and_the_first_keeps_its_callbacks(self):
+        seen = []
+        self.bridge.register(self.collecting(seen))
+        other = Bridge(LIBRARY)
+        self.refused("another Bridge", other.init, "Launcher")
+        self.refused("call init", other.register, Callbacks())
+        other.fini()
+        fake.fakeSend(1)
+        self.assertEqual(len(seen), 9)
+        self.assertEqual(self.taken(), ["bridgeRegisterCallbacks"])
+
+    def test_after_the_end_nothing_starts_again(self):
+        self.bridge.fini()
+        for bridge in (self.bridge, Bridge(LIBRARY)):
+            self.refused("once per process", bridge.init, "Helper")
+            self.refused("has ended", bridge.register, Callbacks())
+            self.refused("has ended", bridge.instances)
+            bridge.fini()
+        self.assertEqual(self.taken(), ["bridgeApiFini"])
+
+    def test_the_end_in_a_callback_is_refused_and_events_go_on(self):
+        seen, raised = [], []
+        hook, sys.unraisablehook = sys.unraisablehook, lambda one: raised.append(str(one.exc_value))
+        try:
+            self.bridge.register(self.collecting(seen)._replace(
+                app_installed=lambda _: self.bridge.fini()))
+            fake.fakeSend(1)
+        finally:
+            sys.unraisablehook = hook
+        self.assertEqual(raised, ["fini() must not be called inside a callback"])
+        self.assertEqual(len(seen), 8)
+        self.bridge.conf.commit()
+        self.bridge.fini()
+        self.assertEqual(self.taken(), ["bridgeRegisterCallbacks", "bridgeConfCommit", "bridgeApiFini"])
+
     def test_before_the_start_and_after_the_end_nothing_reaches_the_library(self):
-        bridge = Bridge(LIBRARY)
+        bridge = self.first()
         calls = [lambda: bridge.conf.get_bool("k"), lambda: bridge.conf.set_i32("k", 1),
                  bridge.conf.commit, bridge.instances, lambda: bridge.apps("i"),
                  lambda: bridge.launch_app("i", "p"), lambda: bridge.register(Callbacks())]
@@ -139,13 +183,14 @@ class PythonTest(unittest.TestCase):
         conf.set_string("k", "第二")
         conf.set_multi_string("k", ["a", "ü"])
         conf.set_multi_string("k", "a,b")
+        conf.set_multi_string("k", (one for one in ["x", "y"]))
         conf.commit()
         conf.commit_to_file("C:\\ü.conf")
         self.assertEqual(self.taken(), [
             "bridgeConfSetBool k 1", "bridgeConfSetBool k 0", "bridgeConfSetI32 k -2147483648",
             "bridgeConfSetI64 k -9223372036854775808", "bridgeConfSetString k 第二",
-            "bridgeConfSetMultiString k a,ü", "bridgeConfSetMultiString k a,b", "bridgeConfCommit",
-            "bridgeConfCommitToFile C:\\ü.conf"])
+            "bridgeConfSetMultiString k a,ü", "bridgeConfSetMultiString k a,b",
+            "bridgeConfSetMultiString k x,y", "bridgeConfCommit", "bridgeConfCommitToFile C:\\ü.conf"])
 
     def test_every_code_becomes_an_error(self):
         fake.fakeAnswer(13)
