@@ -99,8 +99,9 @@ export interface Bridge extends EventEmitter {
     listen(): void;
 
     /**
-     * Stops the library, once and for all. From this call on no event is emitted and every other
-     * function throws; the promise tells when the event server has stopped.
+     * Stops the library, once and for all. From this call on no event of the library is emitted and
+     * every other function throws; the promise tells when the event server has stopped. 'close' is
+     * emitted then: events.on(bridge, event, { close: ['close'] }) ends with it.
      */
     fini(): Promise<void>;
 
@@ -125,10 +126,15 @@ export interface Bridge extends EventEmitter {
     shutdown(): Promise<void>;
 
     on<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    on(event: 'close', listener: () => void): this;
     once<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    once(event: 'close', listener: () => void): this;
     off<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    off(event: 'close', listener: () => void): this;
     addListener<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    addListener(event: 'close', listener: () => void): this;
     removeListener<E extends keyof BridgeEvents>(event: E, listener: (values: BridgeEvents[E]) => void): this;
+    removeListener(event: 'close', listener: () => void): this;
 }
 
 /** Loads QX-Bridge.dll, with the Qt DLLs from beside it; a second call gives the same object. */

@@ -205,7 +205,7 @@ class Bridge extends EventEmitter {
         if (this.#finishing === null) {
             this.#pending = [];
             clearInterval(this.#alive);
-            this.#finishing = this.#call.finish();
+            this.#finishing = this.#call.finish().finally(() => this.#emitClose());
         }
         return this.#finishing;
     }
@@ -278,6 +278,16 @@ class Bridge extends EventEmitter {
             this.#emitting = false;
             if (this.#pending.length > 0) this.#scheduleEmitting();
         }
+    }
+
+    // Like the events: a listener that throws does not fail the promise.
+    #emitClose() {
+        return new Promise((resolve) => {
+            setImmediate(() => {
+                resolve();
+                this.emit('close');
+            });
+        });
     }
 
     #scheduleEmitting() {

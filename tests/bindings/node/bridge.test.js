@@ -224,12 +224,17 @@ test('registering again changes nothing for the listeners', async () => {
 });
 
 test('the end comes once, and nothing is called after it', async () => {
+    let closed = 0;
+    bridge.on('close', () => ++closed);
     const end = bridge.fini();
     assert.strictEqual(bridge.fini(), end);
+    assert.strictEqual(closed, 0);
     assert.throws(() => bridge.instances(), /after fini\(\)/);
     await end;
     assert.throws(() => bridge.init(host.CLIENT), /once per process/);
     await assert.rejects(bridge.shutdown(), /after fini\(\)/);
+    await bridge.fini();
+    assert.strictEqual(closed, 1);
 });
 
 test('programs that are there', () => {
@@ -237,6 +242,12 @@ test('programs that are there', () => {
     assert.deepStrictEqual([status, output], [0, 'displayed NodeTest com.größe\nfinished\n'], output);
     const said = fs.readFileSync(host.output, 'utf8');
     assert.ok(said.includes('plrShutdownRpc(true)'), said);
+});
+
+test('iterations over events end with the library', () => {
+    const { status, output } = host.runScript('iterate.mjs');
+    assert.deepStrictEqual([status, output],
+        [0, 'displayed p\nclosed\nno more displayed\nno more uninstalled\nfinished\n'], output);
 });
 
 test('the end while events arrive', () => {

@@ -13,6 +13,7 @@ bridge.on('appInstalled', ({ appLabel, versionCode, isUpdate }) => {
     const update: boolean = isUpdate;
     return [label, code, update];
 });
+bridge.once('close', () => {});
 bridge.once('installImageProgress', ({ progress }) => progress.toFixed(1));
 const failed = (error: unknown) => error instanceof BridgeError && error.code === RESULT.ACCESS;
 bridge.shutdownPlayer('N').catch(failed);
@@ -21,6 +22,8 @@ export { end };
 
 // @ts-expect-error an event that does not exist
 bridge.on('appMoved', () => {});
+// @ts-expect-error an event without values
+bridge.on('close', ({ code }) => code);
 // @ts-expect-error a client that does not exist
 bridge.init('Nobody');
 // @ts-expect-error a value of another type
