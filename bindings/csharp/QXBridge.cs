@@ -3,6 +3,7 @@
 
 using System;
 using System.Collections.Generic;
+using System.IO;
 using System.Runtime.InteropServices;
 using System.Text;
 
@@ -152,8 +153,10 @@ namespace QXBridge
         public void SetMultiString(string key, params string[] elements)
         {
             session.Check();
+            if (elements == null) throw new ArgumentNullException("elements");
             foreach (string element in elements)
             {
+                if (element == null) throw new ArgumentNullException("elements", "an element is null");
                 if (element.IndexOf(',') >= 0)
                     throw new ArgumentException("an element must not contain \",\"", "elements");
             }
@@ -175,8 +178,9 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The library, from its initialisation to its end; one per process. Its methods may be
-    /// called from any thread, except Dispose(), during which no other call may run.</summary>
+    /// <summary>The library, from its initialisation to its end; one per process, also after its end: a
+    /// second one throws InvalidOperationException. Its methods may be called from any thread, except
+    /// Dispose(), during which no other call may run.</summary>
     public sealed class Session : IDisposable
     {
         // The library keeps pointers to these delegates until the process ends.
@@ -184,52 +188,83 @@ namespace QXBridge
 
         private const uint LoadFromItsFolder = 0x00000100 | 0x00001000;
 
+        private enum Life
+        {
+            NotStarted,
+            Running,
+            Ended,
+        }
+
+        // Guards what follows, which is of the process, as the library is.
+        private static readonly object Lock = new object();
+        private static Life life;
+
+        [ThreadStatic] private static bool isEventThread;
+
         private volatile bool disposed;
         private bool listening;
 
         /// <summary>Loads the library from a place that Windows does not search by itself, with the
-        /// Qt DLLs beside it. Call it first.</summary>
-        public static void Load(string absolutePath)
+        /// Qt DLLs beside it. Call it first. A relative path is one from the current folder.</summary>
+        public static void Load(string path)
         {
-            if (Native.LoadLibraryExW(absolutePath, IntPtr.Zero, LoadFromItsFolder) == IntPtr.Zero)
-                throw new DllNotFoundException(absolutePath + ": error " + Marshal.GetLastWin32Error());
+            string absolute = Path.GetFullPath(path);
+            if (Native.LoadLibraryExW(absolute, IntPtr.Zero, LoadFromItsFolder) == IntPtr.Zero)
+                throw new DllNotFoundException(absolute + ": error " + Marshal.GetLastWin32Error());
         }
 
         /// <summary>Starts the library with the product's configuration file and log.</summary>
         public Session(Client client)
         {
-            Require("bridgeApiInit", Native.bridgeApiInit(Utf8.Forever(client.ToString())));
-            Begin();
+            Start("bridgeApiInit", () => Native.bridgeApiInit(Utf8.Forever(client.ToString())));
+            Conf = new Configuration(this);
         }
 
         /// <summary>Starts it without the file, or with another log (null: the product's own). A log
         /// that cannot be opened is fatal.</summary>
         public Session(Client client, bool noConfFile, string logFilePath)
         {
-            Require("bridgeApiInitEx", Native.bridgeApiInitEx(Utf8.Forever(client.ToString()),
+            Start("bridgeApiInitEx", () => Native.bridgeApiInitEx(Utf8.Forever(client.ToString()),
                 noConfFile ? (byte)1 : (byte)0, 0,
                 logFilePath == null ? null : Utf8.Bytes(logFilePath, "logFilePath")));
-            Begin();
-        }
-
-        private void Begin()
-        {
             Conf = new Configuration(this);
-            // The event thread must not call into a runtime that is gone.
-            AppDomain.CurrentDomain.ProcessExit += OnProcessExit;
         }
 
+        // A second start would take over the callbacks; one after the end would bring no events.
+        private static void Start(string operation, Func<int> start)
+        {
+            lock (Lock)
+            {
+                if (life == Life.Running)
+                    throw new InvalidOperationException("there is a session already: a process has one");
+                if (life == Life.Ended)
+                    throw new InvalidOperationException(
+                        "the session has ended: the library starts once in a process");
+                Require(operation, start());
+                life = Life.Running;
+            }
+        }
+
+        // No further event may enter a runtime that is gone. The end of the process waits for nothing,
+        // as a handler may never return, or have asked for the end itself.
         private void OnProcessExit(object sender, EventArgs arguments)
         {
-            Dispose();
+            Native.bridgeRegisterCallbacks(null, null, null, null, null, null, null, null, null);
         }
 
-        /// <summary>Stops the library, once and for all, and waits for a handler that runs. So neither
-        /// call it inside a handler, nor on a thread that a handler waits for.</summary>
+        /// <summary>Stops the library, once and for all, and waits for a handler that runs: do not call
+        /// it on a thread that a handler waits for. Inside a handler it stops nothing and throws
+        /// InvalidOperationException.</summary>
         public void Dispose()
         {
-            if (disposed) return;
-            disposed = true;
+            lock (Lock)
+            {
+                if (disposed) return;
+                if (isEventThread)
+                    throw new InvalidOperationException("Dispose() must not be called inside a handler");
+                disposed = true;
+                life = Life.Ended;
+            }
             AppDomain.CurrentDomain.ProcessExit -= OnProcessExit;
             Native.bridgeApiFini();
         }
@@ -257,6 +292,7 @@ namespace QXBridge
             Check();
             if (listening) return;
             listening = true;
+            AppDomain.CurrentDomain.ProcessExit += OnProcessExit;
             Native.bridgeRegisterCallbacks(
                 Keep<Native.bridgeOnAppInstalled>((instance, package, activity, appLabel, versionCode,
                                                    versionName, iconFilePath, isUpdate) =>
@@ -404,6 +440,7 @@ namespace QXBridge
         private void Guard<T>(T handlers, Action<T> call) where T : class
         {
             if (handlers == null) return;
+            isEventThread = true;
             foreach (Delegate handler in ((Delegate)(object)handlers).GetInvocationList())
             {
                 try

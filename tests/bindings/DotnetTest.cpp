@@ -210,6 +210,52 @@ TEST_F(DotnetTest, NoHandlerRunsAfterTheEndAmongEvents) {
               Lines{"silent since the end"});
 }
 
+TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
+    EXPECT_EQ(
+        playedWithEvents({"second session"}, "event app-displayed N p\n"),
+        (Lines{"appDisplayed N|p", "while it runs: there is a session already: a process has one",
+               "after its end: the session has ended: the library starts once in a process"}));
+}
+
+TEST_F(DotnetTest, DisposeInAHandlerIsRefusedAndTheSessionGoesOn) {
+    EXPECT_EQ(
+        playedWithEvents({"dispose in handler"}, "event-flood 2 app-displayed N p{n}\n"),
+        (Lines{"handler p1", "failed: Dispose() must not be called inside a handler", "handler p2",
+               "failed: Dispose() must not be called inside a handler", "adb False"}));
+}
+
+TEST_F(DotnetTest, AHandlerEndsTheProcess) {
+    for (const char* scenario : {"exit in handler", "exit in handler during dispose"}) {
+        SCOPED_TRACE(scenario);
+        ChildProcess host = startHost({scenario});
+        const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 3u);
+        EXPECT_EQ(result.out + result.err, "");
+    }
+}
+
+TEST_F(DotnetTest, TheEndOfMainDoesNotWaitForAHandler) {
+    EXPECT_EQ(playedWithEvents({"stuck handler"}, "event app-displayed N p\n"), Lines{});
+}
+
+TEST_F(DotnetTest, MainEndsAmongEvents) {
+    EXPECT_EQ(playedWithEvents({"among events"}, "event-flood 20000 app-displayed N p{n}\n"),
+              Lines{});
+}
+
+TEST_F(DotnetTest, ALibraryInTheCurrentFolderIsFoundByItsName) {
+    ChildOptions options = standinOptions();
+    options.folder = library.substr(0, library.find_last_of("\\/"));
+    const ChildResult result = runChild(
+        environment("QX_DOTNET"),
+        {environment("QX_DOTNET_HOST"), "QX-Bridge.dll", data.path(), installFolder, "no program"},
+        options);
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.out, "bridgeLaunchApp 2\nfinished\n");
+    EXPECT_EQ(result.err, "");
+}
+
 TEST_F(DotnetTest, AProgrammingErrorEndsTheProcess) {
     for (const char* kind : {"missing key", "other type", "reads i64", "sets i64"}) {
         SCOPED_TRACE(kind);

@@ -72,17 +72,23 @@ static class CSharpTest
     {
         fakeAnswer(22);
         Fails("bridgeApiInit", 22, () => new Session(Client.Launcher));
+        Fails("bridgeApiInitEx", 22, () => new Session(Client.LogCollector, true, null));
+        Fails("bridgeApiInitEx", 22, () => new Session(Client.Uninstaller, false, "C:\\ü.log"));
         fakeAnswer(0);
-        new Session(Client.LogCollector, true, null).Dispose();
-        var session = new Session(Client.Uninstaller, false, "C:\\ü.log");
+        Called("bridgeApiInit Launcher", "bridgeApiInitEx LogCollector 1 0 (null)",
+               "bridgeApiInitEx Uninstaller 0 0 C:\\ü.log");
+    }
+
+    // The first session that starts, and the only one.
+    static Session TheSession()
+    {
+        var session = new Session(Client.Helper);
         CollectGarbage();
-        Equal("Uninstaller", Text(fakeClient()));
-        session.Dispose();
-        session.Dispose();
-        Throws<ObjectDisposedException>(() => session.InstancesJson());
-        Throws<ObjectDisposedException>(() => session.Conf.Commit());
-        Called("bridgeApiInit Launcher", "bridgeApiInitEx LogCollector 1 0 (null)", "bridgeApiFini",
-               "bridgeApiInitEx Uninstaller 0 0 C:\\ü.log", "bridgeApiFini");
+        Equal("Helper", Text(fakeClient()));
+        Throws<InvalidOperationException>(() => new Session(Client.Launcher));
+        Throws<InvalidOperationException>(() => new Session(Client.Launcher, true, null));
+        Called("bridgeApiInit Helper");
+        return session;
     }
 
     static void Reading(Configuration conf)
@@ -115,6 +121,8 @@ static class CSharpTest
         conf.Commit();
         conf.CommitToFile("C:\\ü.conf");
         Throws<ArgumentException>(() => conf.SetMultiString("k", "a,b"));
+        Throws<ArgumentNullException>(() => conf.SetMultiString("k", "a", null));
+        Throws<ArgumentNullException>(() => conf.SetMultiString("k", null));
         Called("bridgeConfSetBool k 1", "bridgeConfSetBool k 0", "bridgeConfSetI32 k -2147483648",
                "bridgeConfSetI64 k -9223372036854775808", "bridgeConfSetString k 第二",
                "bridgeConfSetMultiString k a,ü", "bridgeConfSetMultiString k ", "bridgeConfCommit",
@@ -250,9 +258,27 @@ static class CSharpTest
         Equal("||||0|||False\n|\n|0|\nlist\n|0|True\n0|\n\nfailed: the host's own\n|\n||0", string.Join("\n", seen));
     }
 
+    // A handler may not wait for itself.
+    static void DisposeInHandler(Session session)
+    {
+        string thrown = "nothing";
+        AccountListUpdatedHandler dispose = (instance, email, action) =>
+        {
+            try { session.Dispose(); } catch (Exception exception) { thrown = exception.GetType().Name; }
+        };
+        session.AccountListUpdated += dispose;
+        fakeReset();
+        fakeSend(0);
+        session.AccountListUpdated -= dispose;
+        Equal("InvalidOperationException", thrown);
+        session.Conf.Commit();
+        Called("bridgeConfCommit");
+    }
+
     // The end while another thread's events arrive.
     static void End(Session session)
     {
+        fakeReset();
         int count = 0;
         session.AppDisplayed += (instance, package) => Interlocked.Increment(ref count);
         fakeFlood();
@@ -261,20 +287,42 @@ static class CSharpTest
         int last = Thread.VolatileRead(ref count);
         CollectGarbage();
         Equal(last, Thread.VolatileRead(ref count));
+        session.Dispose();
+        Throws<ObjectDisposedException>(() => session.InstancesJson());
+        Throws<ObjectDisposedException>(() => session.Conf.Commit());
+        Throws<InvalidOperationException>(() => new Session(Client.Helper));
+        Called("bridgeApiFini");
         Equal(0, fakeLiveTexts());
     }
 
-    static int Main()
+    // Leaves a session that listens. The handler here runs after the binding's own.
+    static int EndOfTheProcess()
     {
-        Initialisation();
+        int count = 0;
         var session = new Session(Client.Helper);
-        Called("bridgeApiInit Helper");
+        session.AppDisplayed += (instance, package) => ++count;
+        session.Listen();
+        fakeSend(0);
+        AppDomain.CurrentDomain.ProcessExit += (sender, arguments) =>
+        {
+            fakeSend(0);
+            Console.WriteLine("{0} event before the end of the process", count);
+        };
+        return 0;
+    }
+
+    static int Main(string[] arguments)
+    {
+        if (arguments.Length > 0) return EndOfTheProcess();
+        Initialisation();
+        Session session = TheSession();
         Reading(session.Conf);
         Writing(session.Conf);
         Programs(session);
         Listings(session);
         EachFunctionByItsMethod(session);
         Events(session);
+        DisposeInHandler(session);
         End(session);
         Console.WriteLine(checks + " checks");
         return 0;

@@ -198,6 +198,109 @@ static class DotnetHost
         session.ShutdownPlayer("DotnetTest", true);
     }
 
+    static void ExitInHandler(Session session)
+    {
+        session.AppDisplayed += (instance, package) => Environment.Exit(3);
+        Listen(session);
+        Thread.Sleep(Timeout.Infinite);
+    }
+
+    static void ExitInHandlerDuringDispose(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            Arrived.Release();
+            while (SessionLives(session)) Thread.Yield();
+            Environment.Exit(3);
+        };
+        Listen(session);
+        WaitForEvents(1);
+        session.Dispose();
+    }
+
+    static bool SessionLives(Session session)
+    {
+        try
+        {
+            session.InstancesJson();
+            return true;
+        }
+        catch (ObjectDisposedException)
+        {
+            return false;
+        }
+    }
+
+    // Leaves a handler that never returns.
+    static void StuckHandler(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            Arrived.Release();
+            Thread.Sleep(Timeout.Infinite);
+        };
+        Listen(session);
+        WaitForEvents(1);
+    }
+
+    // Leaves while one event follows the other.
+    static void AmongEvents(Session session)
+    {
+        int count = 0;
+        session.AppDisplayed += (instance, package) =>
+        {
+            if (Interlocked.Increment(ref count) == 100) Arrived.Release();
+        };
+        Listen(session);
+        WaitForEvents(1);
+    }
+
+    static void SecondSession(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            SayFields("appDisplayed", instance, package);
+            Arrived.Release();
+        };
+        session.Listen();
+        string refusal = RefusalOfASession();
+        Listen(session);
+        WaitForEvents(1);
+        Say("while it runs:", refusal);
+        session.Dispose();
+        Say("after its end:", RefusalOfASession());
+    }
+
+    static string RefusalOfASession()
+    {
+        try
+        {
+            new Session(Self);
+            return "no refusal";
+        }
+        catch (InvalidOperationException exception)
+        {
+            return exception.Message;
+        }
+    }
+
+    static void DisposeInHandler(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            Say("handler", package);
+            session.Dispose();
+        };
+        session.HandlerFailed += exception =>
+        {
+            Say("failed:", exception.Message);
+            Arrived.Release();
+        };
+        Listen(session);
+        WaitForEvents(2);
+        Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
+    }
+
     static void ReadMissingKeyInHandler(Session session)
     {
         session.AppDisplayed += (instance, package) => session.Conf.GetString("vtr.no_such_key");
@@ -235,15 +338,34 @@ static class DotnetHost
             case "throwing handler": ThrowingHandler(session); break;
             case "collections": Collections(session, int.Parse(argument)); break;
             case "end among events": EndAmongEvents(session); break;
+            case "second session": SecondSession(session); break;
+            case "dispose in handler": DisposeInHandler(session); break;
             case "programs": Programs(session); break;
             case "no program": SayFailure(() => session.LaunchApp("Nougat64", "p")); break;
             case "fatal": Fatal(session, argument); break;
+            case "exit in handler": ExitInHandler(session); break;
+            case "exit in handler during dispose": ExitInHandlerDuringDispose(session); break;
             default: Say("no such scenario", scenario); break;
         }
     }
 
+    // Those that do not end their session.
+    static bool PlayWithoutEnd(string scenario)
+    {
+        var scenarios = new Dictionary<string, Action<Session>>
+        {
+            { "stuck handler", StuckHandler },
+            { "among events", AmongEvents },
+        };
+        Action<Session> play;
+        if (!scenarios.TryGetValue(scenario, out play)) return false;
+        play(new Session(Self));
+        return true;
+    }
+
     static void Run(string dataFolder, string scenario, string argument)
     {
+        if (PlayWithoutEnd(scenario)) return;
         if (scenario == "own log")
         {
             OwnLog(argument);
