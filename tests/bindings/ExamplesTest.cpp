@@ -2,6 +2,7 @@
 // stand-in that reports what an app did.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -128,6 +129,19 @@ TEST_F(ExamplesTest, Node) {
 TEST_F(ExamplesTest, CSharp) {
     EXPECT_EQ(linesOf(environment("QX_DOTNET"), {builtProgram("example_csharp.dll")}),
               expected(kInstances));
+}
+
+// The host of getting-started.md.
+TEST_F(ExamplesTest, CSharpListingPrintsUtf8WhereTheOutputIsRedirected) {
+    const ChildResult result = runChild(environment("QX_DOTNET"), {environment("QX_DOTNET_LISTING"),
+                                                                   builtProgram("QX-Bridge.dll")});
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.err, "");
+    std::string expected;
+    for (const std::string& line : kInstances) expected += line + "\n";
+    std::string printed = "instances " + result.out;
+    printed.erase(std::remove(printed.begin(), printed.end(), '\r'), printed.end());
+    EXPECT_EQ(printed, expected);
 }
 
 TEST_F(ExamplesTest, WithoutANumberTheyEndAtOnce) {
