@@ -25,8 +25,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // A cache over a data folder. Its instances are others than those of the layer's own tests, which
 // look at the machine-wide lock and may run at the same time.
 struct Cache : AppcStore {

@@ -4,19 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "xpl/Xpl.h"
-
-namespace {
-
-using Lines = std::vector<std::string>;
-
-}  // namespace
 
 // Lists a file whose one instance is removed, but listed again since the file has been read since.
 // Every line goes to standard output. Arguments: the instance, its memory, "removed" or "kept".

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "GuardedBytes.h"
 #include "HostCalls.h"
@@ -21,8 +20,6 @@
 #include "support/TempFolder.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 class BridgeDecTest : public ::testing::Test {
  protected:

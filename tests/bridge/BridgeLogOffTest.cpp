@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"
@@ -22,8 +21,6 @@
 #include "support/TempFolder.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 bool decode(const std::string& packet) {
     return bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "ReplacedIpcCalls.h"
 #include "conf/Conf.h"
@@ -13,8 +12,6 @@
 #include "support/TempFolder.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 int failInit(IpcClient&, const std::string&) { return -7; }
 

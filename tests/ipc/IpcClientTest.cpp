@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -22,7 +21,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
 class IpcClientTest : public ::testing::Test {

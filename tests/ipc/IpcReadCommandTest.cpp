@@ -28,8 +28,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 struct Call {
     std::string packet;
     bool hasReply;

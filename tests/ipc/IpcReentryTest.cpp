@@ -13,7 +13,6 @@
 #include <new>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
@@ -23,8 +22,6 @@
 #include "support/Platform.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 const std::string kServerName = "vtr_test_nvo";
 

@@ -18,8 +18,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // Bytes as the protocol has them, written down independently.
 class Bytes {
  public:

@@ -9,11 +9,9 @@
 #include <cstdint>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "ipc/IpcServer.h"
-
-using Lines = std::vector<std::string>;
+#include "support/Lines.h"
 
 // What the decoder of the tests saw. A decoder is a plain function, so there is one of these.
 struct Seen {

@@ -5,7 +5,6 @@
 #include <list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "ImportTable.h"
 #include "appc/Appc.h"
@@ -16,8 +15,6 @@
 #include "support/WindowsForTests.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 constexpr const char* kOneApp =
     "[\n    {\n        \"activity\": \"m\",\n        \"appLabel\": \"l\",\n        "

@@ -26,8 +26,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 HANDLE newEvent() { return ::CreateEventW(nullptr, FALSE, FALSE, nullptr); }
 
 bool isOpen(HANDLE handle) {

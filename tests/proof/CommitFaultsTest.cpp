@@ -25,7 +25,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using Faults = std::vector<FaultAt>;
 using Losses = std::set<std::string>;
 

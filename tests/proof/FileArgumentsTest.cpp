@@ -24,8 +24,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // The system's own function, past the import table.
 template <typename Function>
 Function* systemCall(const char* name) {

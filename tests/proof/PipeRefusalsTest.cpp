@@ -23,8 +23,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 using OddCreate = ReplacedImport<decltype(::CreateNamedPipeW)>;
 using OddConnect = ReplacedImport<decltype(::ConnectNamedPipe)>;
 using OddResult = ReplacedImport<decltype(::GetOverlappedResult)>;

@@ -43,8 +43,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 template <typename Result>
 Result refuse(DWORD error, Result result) {
     ::SetLastError(error);

@@ -70,8 +70,8 @@ std::vector<LogCapture::Line> LogCapture::lines() const {
     return captured;
 }
 
-std::vector<std::string> LogCapture::texts(std::int32_t upToLevel) const {
-    std::vector<std::string> texts;
+Lines LogCapture::texts(std::int32_t upToLevel) const {
+    Lines texts;
     for (const Line& line : lines()) {
         if (line.level > upToLevel) continue;
         const auto level = static_cast<std::size_t>(line.level);
@@ -99,10 +99,10 @@ int LogOff::refused() const { return refusedLines; }
 
 int LogOff::printed() const { return printedLines; }
 
-std::vector<std::string> logMessages(std::string_view text) {
+Lines logMessages(std::string_view text) {
     static const std::regex header(
         R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}\S* \d+ +\d+ +(\S*) *(\S*) +([EWIDV]): (.*)$)");
-    std::vector<std::string> messages;
+    Lines messages;
     while (!text.empty()) {
         std::string line(text.substr(0, text.find('\n')));
         text.remove_prefix(std::min(text.size(), line.size() + 1));

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/Lines.h"
 #include "xpl/Xlog.h"
 
 // Takes every log line of this process, of every level, while it lives. One at a time.
@@ -27,7 +28,7 @@ class LogCapture {
     std::vector<Line> lines() const;
 
     // The messages as "E CONF message", in order, from this level up.
-    std::vector<std::string> texts(std::int32_t upToLevel = XLOG_INFORMATION) const;
+    Lines texts(std::int32_t upToLevel = XLOG_INFORMATION) const;
 
     void clear();
 
@@ -53,6 +54,6 @@ class LogOff {
 
 // The messages of a log file's text as "E CONF Helper_bridge message"; a line that has no header
 // stands as it is.
-std::vector<std::string> logMessages(std::string_view text);
+Lines logMessages(std::string_view text);
 
 #endif

@@ -14,7 +14,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 // Everything below a folder: "name=content" for files, "name\" for folders, sorted. Any length.
 Lines treeOf(const std::string& folder) {

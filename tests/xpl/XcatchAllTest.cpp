@@ -1,8 +1,6 @@
 #include "xpl/XcatchAll.h"
 
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 #include <stdexcept>
 
@@ -12,8 +10,6 @@
 namespace {
 
 constexpr XlogModule kModule{XlogTag::UTL, "f"};
-
-using Lines = std::vector<std::string>;
 
 }  // namespace
 

@@ -35,8 +35,6 @@ class XlogTest : public ::testing::Test {
     TempFolder folder;
 };
 
-using Lines = std::vector<std::string>;
-
 constexpr const char* kNeedsAtomicAppends =
     "needs Windows, where writes to the end of a file are atomic";
 

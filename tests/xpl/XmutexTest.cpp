@@ -12,7 +12,6 @@
 #include <regex>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -26,8 +25,6 @@ namespace {
 std::string uniqueName(const char* text) {
     return "Global\\vtr_test_" + std::string(text) + std::to_string(ownProcessId());
 }
-
-using Lines = std::vector<std::string>;
 
 }  // namespace
 

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
@@ -16,8 +15,6 @@ class XplTest : public ::testing::Test {
 
     TempFolder folder;
 };
-
-using Lines = std::vector<std::string>;
 
 }  // namespace
 

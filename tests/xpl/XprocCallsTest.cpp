@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
@@ -20,8 +19,6 @@
 #include "xpl/Xtext.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 // Path of the test's own program; its own start-up undoes the C runtime's rule and leaves the
 // doubled backslashes, so it is looked for with single ones.

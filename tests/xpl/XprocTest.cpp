@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
@@ -18,8 +17,6 @@
 #include "support/process_figures.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 std::string ownPath() { return builtProgram("xpl_test.exe"); }
 

@@ -4,14 +4,11 @@
 
 #include <new>
 #include <string>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 constexpr XlogModule kModule{XlogTag::UTL, "f"};
 
