@@ -7,26 +7,20 @@
 #include <cstdio>
 #include <regex>
 #include <string>
-#include <vector>
 
-#include "support/ChildProcess.h"
+#include "ProgramFixture.h"
 #include "support/EventPackets.h"
-#include "support/ProductRegistry.h"
-#include "support/ProductVersion.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
-#include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
 const std::string kServer = "vtr_LogCollector_bridge_nvo";
 const std::string kListening = "bridgectl: listening on " + kServer;
 
-Texts linesOf(const std::string& text) {
-    Texts lines;
+Lines linesOf(const std::string& text) {
+    Lines lines;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
         lines.push_back(text.substr(at, end - at));
@@ -60,8 +54,8 @@ std::string withoutTime(const std::string& line) {
     return fits ? line.substr(start, line.size() - start - 1) : line;
 }
 
-Texts eventsOf(const std::string& output) {
-    Texts lines = linesOf(output);
+Lines eventsOf(const std::string& output) {
+    Lines lines = linesOf(output);
     for (std::string& line : lines) line = withoutTime(line);
     return lines;
 }
@@ -82,48 +76,39 @@ std::string jsonOf(const KnownEvent& event) {
     return line;
 }
 
-class BridgectlEventsTest : public ::testing::Test {
+class BridgectlEventsTest : public BridgectlFixture {
  protected:
     BridgectlEventsTest() {
-        standins = standinProgram("");
-        data.makeFolder("Logs");
         data.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
-        registry.set("UserDefinedDir", data.path());
-        registry.set("InstallDir", standins);
-        registry.set("Version", kProductVersion);
         setScript("");
     }
 
-    static Texts arguments(const Texts& more) {
-        Texts all{"--client", "LogCollector", "events"};
+    static Lines arguments(const Lines& more) {
+        Lines all{"--client", "LogCollector", "events"};
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }
 
     // Starts to listen; from here on no event is missed.
-    static ChildProcess listen(const Texts& more) {
-        ChildProcess program(productFile("bridgectl.exe"), arguments(more));
-        EXPECT_EQ(program.readErrorLine(), kListening);
-        return program;
+    ChildProcess listen(const Lines& more) const {
+        ChildProcess listener(program(), arguments(more), options);
+        EXPECT_EQ(listener.readErrorLine(), kListening);
+        return listener;
     }
 
     // The programs that start() leaves running end after so long without a request.
     void setScript(const std::string& script, const std::string& seconds = "1") {
-        environment.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                                   {"QX_STANDIN_SCRIPT", data.write("script", script)},
-                                   {"QX_STANDIN_CLIENTS", "LogCollector"},
-                                   {"QX_STANDIN_SECONDS", seconds}};
+        useStandins("LogCollector", seconds);
+        options.environment.emplace_back("QX_STANDIN_SCRIPT", data.write("script", script));
     }
 
-    void send(Texts event) const {
+    void send(Lines event) const {
         event.insert(event.begin(), "--event");
-        EXPECT_EQ(runChild(standins + "QX-Player.exe", event, environment).status, 0u);
+        EXPECT_EQ(runChild(standinProgram("QX-Player.exe"), event, options).status, 0u);
     }
 
     // Starts a program of the product through the library, as a front end does.
-    void start(const Texts& command) const {
-        EXPECT_EQ(runChild(productFile("bridgectl.exe"), command, environment).status, 0u);
-    }
+    void start(const Lines& command) const { EXPECT_EQ(run(command).status, 0u); }
 
     // Ends the programs that start() has left running, and waits for it.
     void shutDown(std::size_t count) const {
@@ -131,7 +116,7 @@ class BridgectlEventsTest : public ::testing::Test {
         std::size_t ended = 0;
         for (int i = 0; i < 400 && ended < count; ++i) {
             ::Sleep(10);
-            const Texts lines = linesOf(data.read("standins.txt"));
+            const Lines lines = linesOf(data.read("standins.txt"));
             ended = static_cast<std::size_t>(std::count_if(
                 lines.begin(), lines.end(),
                 [](const std::string& line) { return line.rfind("ended: ", 0) == 0; }));
@@ -140,26 +125,21 @@ class BridgectlEventsTest : public ::testing::Test {
     }
 
     // The events that a listener has shown when it ends, except those that were read before.
-    static Texts finish(ChildProcess& listener) {
+    static Lines finish(ChildProcess& listener) {
         const ChildResult result = listener.finish();
         EXPECT_EQ(result.status, 0u) << result.err;
         EXPECT_EQ(result.err, kListening + "\n");
         return eventsOf(result.out);
     }
-
-    TempFolder data;
-    ProductRegistry registry;
-    std::string standins;
-    ChildOptions environment;
 };
 
 }  // namespace
 
 TEST_F(BridgectlEventsTest, ShowsEveryEvent) {
     ChildProcess listener = listen({"--json", "--count", std::to_string(knownEvents().size())});
-    Texts expected;
+    Lines expected;
     for (const KnownEvent& event : knownEvents()) {
-        Texts words = exampleOf(event);
+        Lines words = exampleOf(event);
         words.insert(words.begin(), event.name);
         send(words);
         expected.push_back(jsonOf(event));
@@ -167,16 +147,16 @@ TEST_F(BridgectlEventsTest, ShowsEveryEvent) {
     EXPECT_EQ(finish(listener), expected);
 }
 
-TEST_F(BridgectlEventsTest, TextsArriveAsTheyWereSent) {
+TEST_F(BridgectlEventsTest, LinesArriveAsTheyWereSent) {
     setScript("event app-displayed \"a # \xFF\" \"\x1B[31m\xC2\x9B\"");
     ChildProcess listener = listen({"--json", "--count", "4"});
     send({"app-displayed", "Jeux 日本 \xF0\x9F\x8E\xAE", "say \"hi\" \\ there\\"});
     send({"app-displayed", "", ""});
     send({"app-installed", "", "", "", "", "-2147483648", "", "", "false"});
-    EXPECT_EQ(runChild(standins + "QX-Player.exe", {"--instance", "Script"}, environment).status,
+    EXPECT_EQ(runChild(standinProgram("QX-Player.exe"), {"--instance", "Script"}, options).status,
               0u);
     EXPECT_EQ(finish(listener),
-              (Texts{"\"event\":\"app-displayed\",\"instance\":\"Jeux 日本 \xF0\x9F\x8E\xAE\","
+              (Lines{"\"event\":\"app-displayed\",\"instance\":\"Jeux 日本 \xF0\x9F\x8E\xAE\","
                      R"("package":"say \"hi\" \\ there\\")",
                      R"("event":"app-displayed","instance":"","package":"")",
                      R"("event":"app-installed","instance":"","package":"","activity":"",)"
@@ -234,7 +214,7 @@ TEST_F(BridgectlEventsTest, EachCommandReportsItsWork) {
               R"("progress":100.0)");
     start({"create-instance", "Nougat64", "4", "4096", "aga", "dx", "s21u"});
     EXPECT_EQ(finish(listener),
-              (Texts{R"("event":"create-instance-completed","status":0,"instance":"Nougat64_1")",
+              (Lines{R"("event":"create-instance-completed","status":0,"instance":"Nougat64_1")",
                      R"("event":"instance-list-updated")"}));
     shutDown(2);
 }
@@ -245,7 +225,7 @@ TEST_F(BridgectlEventsTest, SplitEventsArriveWhole) {
     send({"app-displayed", "N", "p"});
     send({"app-uninstalled", "N", "p"});
     EXPECT_EQ(finish(listener),
-              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+              (Lines{R"("event":"app-displayed","instance":"N","package":"p")",
                      R"("event":"app-uninstalled","instance":"N","package":"p")"}));
 }
 
@@ -256,7 +236,7 @@ TEST_F(BridgectlEventsTest, GarbageBehindAnEventSpoilsNoOther) {
     setScript("");
     send({"app-uninstalled", "N", "p"});
     EXPECT_EQ(finish(listener),
-              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+              (Lines{R"("event":"app-displayed","instance":"N","package":"p")",
                      R"("event":"app-uninstalled","instance":"N","package":"p")"}));
 }
 
@@ -266,14 +246,14 @@ TEST_F(BridgectlEventsTest, ABrokenOffEventIsNoneAndSpoilsNoOther) {
     send({"app-displayed", "N", "p"});
     setScript("");
     send({"app-uninstalled", "N", "p"});
-    EXPECT_EQ(finish(listener), Texts{R"("event":"app-uninstalled","instance":"N","package":"p")"});
+    EXPECT_EQ(finish(listener), Lines{R"("event":"app-uninstalled","instance":"N","package":"p")"});
 }
 
 TEST_F(BridgectlEventsTest, AFloodArrivesInOrder) {
     setScript("event-flood 1000 create-instance-completed {n} N{n}");
     ChildProcess listener = listen({"--json", "--count", "1000"});
-    ChildProcess player(standins + "QX-Player.exe", {"--instance", "Flood"}, environment);
-    const Texts events = finish(listener);
+    ChildProcess player(standinProgram("QX-Player.exe"), {"--instance", "Flood"}, options);
+    const Lines events = finish(listener);
     ASSERT_EQ(events.size(), 1000u);
     for (std::size_t i = 0; i < events.size(); ++i) {
         const std::string number = std::to_string(i + 1);
@@ -285,9 +265,9 @@ TEST_F(BridgectlEventsTest, AFloodArrivesInOrder) {
 TEST_F(BridgectlEventsTest, TheCountEndsIt) {
     setScript("event-flood 5 create-instance-completed {n} N");
     ChildProcess listener = listen({"--json", "--count", "2"});
-    ChildProcess player(standins + "QX-Player.exe", {"--instance", "Count"}, environment);
+    ChildProcess player(standinProgram("QX-Player.exe"), {"--instance", "Count"}, options);
     EXPECT_EQ(finish(listener),
-              (Texts{R"("event":"create-instance-completed","status":1,"instance":"N")",
+              (Lines{R"("event":"create-instance-completed","status":1,"instance":"N")",
                      R"("event":"create-instance-completed","status":2,"instance":"N")"}));
 }
 
@@ -301,7 +281,7 @@ TEST_F(BridgectlEventsTest, OnlyTheFilteredEventsAreShownAndCounted) {
     send({"account-list-updated", "N", "e", "1"});
     send({"image-install-progress", "N", "2", "100"});
     EXPECT_EQ(finish(listener),
-              (Texts{R"("event":"app-displayed","instance":"N","package":"p")",
+              (Lines{R"("event":"app-displayed","instance":"N","package":"p")",
                      R"("event":"account-list-updated","instance":"N","emailId":"e","action":1)",
                      R"("event":"instance-list-updated")"}));
 }
@@ -320,13 +300,13 @@ TEST_F(BridgectlEventsTest, ATimeoutAloneIsANormalEnd) {
     const ChildResult result = listener.finish();
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(eventsOf(result.out),
-              Texts{R"("event":"app-displayed","instance":"N","package":"p")"});
+              Lines{R"("event":"app-displayed","instance":"N","package":"p")"});
     EXPECT_EQ(result.err, kListening + "\nbridgectl: 1 event\n");
 }
 
 TEST_F(BridgectlEventsTest, MisuseIsExplained) {
     const struct {
-        Texts options;
+        Lines words;
         const char* part;
     } cases[] = {
         {{"--filter", "app-displayed,app-shown"}, "app-shown"},
@@ -336,14 +316,13 @@ TEST_F(BridgectlEventsTest, MisuseIsExplained) {
         {{"--timeout", "0"}, "--timeout"},
         {{"app-displayed"}, "app-displayed"},
     };
-    for (const auto& [options, part] : cases) {
-        const ChildResult result = runChild(productFile("bridgectl.exe"), arguments(options));
+    for (const auto& [words, part] : cases) {
+        const ChildResult result = run(arguments(words));
         EXPECT_EQ(result.status, 2u) << part;
         EXPECT_EQ(result.out, "");
         EXPECT_NE(result.err.find(part), std::string::npos) << result.err;
     }
-    const ChildResult result =
-        runChild(productFile("bridgectl.exe"), arguments({"--filter", "app-shown"}));
+    const ChildResult result = run(arguments({"--filter", "app-shown"}));
     for (const KnownEvent& event : knownEvents()) {
         EXPECT_NE(result.err.find(event.name), std::string::npos) << result.err;
     }
@@ -352,13 +331,13 @@ TEST_F(BridgectlEventsTest, MisuseIsExplained) {
 TEST_F(BridgectlEventsTest, ANameInUseIsAnError) {
     const std::string error = "bridgectl: another front end serves " + kServer + ": see --client\n";
     ChildProcess listener = listen({"--count", "1"});
-    ChildResult second = runChild(productFile("bridgectl.exe"), arguments({}));
+    ChildResult second = run(arguments({}));
     EXPECT_EQ(second.status, 10u);
     EXPECT_EQ(second.err, error);
     send({"app-displayed", "N", "p"});
     EXPECT_EQ(listener.finish().status, 0u) << "the first one goes on";
     const RawServer other(kServer, [](RawPipe&) {});
-    EXPECT_EQ(runChild(productFile("bridgectl.exe"), arguments({})).err, error);
+    EXPECT_EQ(run(arguments({})).err, error);
 }
 
 TEST_F(BridgectlEventsTest, ThePreviousListenerLeavesTheNameFree) {
@@ -380,7 +359,7 @@ SUBPROCESS(pressesCtrlC) {
     ChildProcess listener(productFile("bridgectl.exe"),
                           {"--client", "LogCollector", "events", "--json"});
     if (listener.readErrorLine() != kListening) return 96;
-    const Texts event{"--event", "app-displayed", "N", "p"};
+    const Lines event{"--event", "app-displayed", "N", "p"};
     if (runChild(arguments[0], event).status != 0) return 95;
     const std::string line = listener.readLine();
     ::SetConsoleCtrlHandler(nullptr, TRUE);  // not this process
@@ -395,11 +374,11 @@ SUBPROCESS(pressesCtrlC) {
 
 TEST_F(BridgectlEventsTest, CtrlCEndsItWithTheCount) {
     const ChildResult result =
-        runSubprocess("pressesCtrlC", {standins + "QX-Player.exe"}, environment);
+        runSubprocess("pressesCtrlC", {standinProgram("QX-Player.exe")}, options);
     if (result.status == kNoConsole) GTEST_SKIP() << "needs a system that gives a new console";
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(eventsOf(result.out),
-              Texts{R"("event":"app-displayed","instance":"N","package":"p")"});
+              Lines{R"("event":"app-displayed","instance":"N","package":"p")"});
     EXPECT_EQ(result.err, kListening + "\nbridgectl: 1 event\n");
 }
 
@@ -413,14 +392,13 @@ TEST_F(BridgectlEventsTest, AnOutputWithoutAReaderEndsIt) {
 }
 
 TEST_F(BridgectlEventsTest, AnUnknownClientIsRefusedByTheLibrary) {
-    const ChildResult result =
-        runChild(productFile("bridgectl.exe"), {"--client", "Other", "events"});
+    const ChildResult result = run({"--client", "Other", "events"});
     EXPECT_EQ(result.status, 5u);
     EXPECT_EQ(result.err, "bridgectl: the library did not start: 22 XERR_INVAL\n");
 }
 
 TEST_F(BridgectlEventsTest, HelpExplainsTheEnds) {
-    const ChildResult result = runChild(productFile("bridgectl.exe"), {"--help"});
+    const ChildResult result = run({"--help"});
     for (const char* part : {"  events ", "  9  the events that were counted did not come in time",
                              "  10  another front end receives the client's events",
                              "  11  standard output cannot be written"}) {

@@ -7,56 +7,27 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "ConfExpectation.h"
-#include "support/ChildProcess.h"
-#include "support/ProductRegistry.h"
-#include "support/ProductVersion.h"
-#include "support/TempFolder.h"
+#include "ProgramFixture.h"
 
 namespace {
 
-using Arguments = std::vector<std::string>;
 using Json = nlohmann::ordered_json;
 
-class BridgectlJsonTest : public ::testing::Test {
+class BridgectlJsonTest : public BridgectlFixture {
  protected:
     BridgectlJsonTest() {
-        standins = standinProgram("");
-        data.makeFolder("Logs");
+        useStandins("LogCollector", "1");
         data.write("vantrel.conf",
                    "vtr.locale=\"fr-FR\"\nvtr.feature.rooting=\"maybe\"\n"
                    "vtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
                    "vtr.instance.Nougat64.ram=\"4096\"\n");
-        registry.set("UserDefinedDir", data.path());
-        registry.set("InstallDir", standins);
-        registry.set("Version", kProductVersion);
-        options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                               {"QX_STANDIN_SECONDS", "1"},
-                               {"QX_STANDIN_CLIENTS", "LogCollector"}};
-    }
-
-    ChildResult run(const Arguments& arguments) const {
-        return runChild(productFile("bridgectl.exe"), arguments, options);
-    }
-
-    // What a command that succeeds prints, and it prints nothing else.
-    std::string output(const Arguments& arguments) const {
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, 0u) << result.err;
-        EXPECT_EQ(result.err, "");
-        return result.out;
     }
 
     Json json(const Arguments& arguments) const {
         return Json::parse(output(arguments), nullptr, /*allow_exceptions=*/false);
     }
-
-    TempFolder data;
-    ProductRegistry registry;
-    std::string standins;
-    ChildOptions options;
 };
 
 // The words of the line after "Example: bridgectl", up to what only a shell understands.
@@ -113,10 +84,10 @@ TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectALine) {
          {Arguments{"events", "--count", "1"}, Arguments{"wait-for", "app-displayed"}}) {
         Arguments line{"--client", "LogCollector", "--json"};
         line.insert(line.end(), command.begin(), command.end());
-        ChildProcess listener(productFile("bridgectl.exe"), line);
+        ChildProcess listener(program(), line);
         ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
-        const ChildResult sent =
-            runChild(standins + "QX-Player.exe", {"--event", "app-displayed", "N", "p"}, options);
+        const ChildResult sent = runChild(standinProgram("QX-Player.exe"),
+                                          {"--event", "app-displayed", "N", "p"}, options);
         EXPECT_EQ(sent.status, 0u);
         const ChildResult result = listener.finish();
         EXPECT_EQ(result.status, 0u);
@@ -210,7 +181,7 @@ TEST_F(BridgectlJsonTest, WaitForPassesOtherEventsOver) {
                           {"--client", "LogCollector", "wait-for", "app-uninstalled", "--json"});
     ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
     for (const char* event : {"app-displayed", "app-uninstalled"}) {
-        runChild(standins + "QX-Player.exe", {"--event", event, "N", "p"}, options);
+        runChild(standinProgram("QX-Player.exe"), {"--event", event, "N", "p"}, options);
     }
     const ChildResult result = listener.finish();
     EXPECT_EQ(result.status, 0u);

@@ -4,60 +4,29 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
-#include <vector>
 
 #include "ConfExpectation.h"
-#include "support/ChildProcess.h"
+#include "ProgramFixture.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/ProductRegistry.h"
 #include "support/ProductVersion.h"
-#include "support/TempFolder.h"
 #include "support/WindowsForTests.h"
 
 namespace {
-
-using Arguments = std::vector<std::string>;
 
 std::size_t linesIn(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-class BridgectlTest : public ::testing::Test {
+class BridgectlTest : public BridgectlFixture {
  protected:
     BridgectlTest() {
-        data.makeFolder("Logs");
-        registry.set("UserDefinedDir", data.path());
-        registry.set("Version", kProductVersion);
         data.write("vantrel.conf",
                    "vtr.locale=\"fr-FR\"\nvtr.next_vm_id=\"3\"\nvtr.feature.rooting=\"maybe\"\n"
                    "vtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
                    "vtr.instance.Nougat64.cpus=\"4\"\nvtr.instance.Nougat64.ram=\"4096\"\n"
                    "vtr.instance.Nougat64.enable_vsync=\"1\"\n");
     }
-
-    static ChildResult run(const Arguments& arguments) {
-        return runChild(productFile("bridgectl.exe"), arguments);
-    }
-
-    // Runs a command that succeeds and says nothing on standard error.
-    static std::string output(const Arguments& arguments) {
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, 0u);
-        EXPECT_EQ(result.err, "");
-        return result.out;
-    }
-
-    static void expectFailure(const Arguments& arguments, unsigned status,
-                              const std::string& error) {
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, status);
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err, "bridgectl: " + error + "\n");
-    }
-
-    TempFolder data;
-    ProductRegistry registry;
 };
 
 }  // namespace
@@ -327,25 +296,13 @@ TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {
 
 namespace {
 
-// The stand-ins in place of the product's programs, with their output in the data folder.
 class BridgectlProgramsTest : public BridgectlTest {
  protected:
-    BridgectlProgramsTest() {
-        registry.set("InstallDir", standinProgram(""));
-        options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},
-                               {"QX_STANDIN_SECONDS", "60"},
-                               {"QX_STANDIN_CLIENTS", "none"}};
-    }
-
-    std::string output(const Arguments& arguments) const {
-        const ChildResult result = runChild(productFile("bridgectl.exe"), arguments, options);
-        EXPECT_EQ(result.status, 0u) << result.err;
-        return result.out;
-    }
+    BridgectlProgramsTest() { useStandins("none", "60"); }
 
     // Waits until the stand-ins have written that many lines, and gives all of them.
-    std::vector<std::string> waitForLines(std::size_t count) const {
-        std::vector<std::string> lines;
+    Lines waitForLines(std::size_t count) const {
+        Lines lines;
         for (int i = 0; i < 3000 && lines.size() < count; ++i) {
             ::Sleep(10);
             if (data.has("standins.txt")) lines = logMessages(data.read("standins.txt"));
@@ -355,24 +312,22 @@ class BridgectlProgramsTest : public BridgectlTest {
         return lines;
     }
 
-    std::string program(const std::string& name) const {
+    static std::string commandLine(const std::string& name) {
         const std::string path = standinProgram(name);
         std::string quoted;
         for (const char c : path) quoted += c == '\\' ? std::string("\\\\") : std::string(1, c);
         return "commandLine: \"" + quoted + "\"";
     }
-
-    ChildOptions options;
 };
 
 }  // namespace
 
 TEST_F(BridgectlProgramsTest, LaunchesAnAppAndShutsThePlayerDown) {
     EXPECT_EQ(output({"launch", "Nougat64", "com.example.app"}), "started\n");
-    EXPECT_EQ(waitForLines(2),
-              (Arguments{program("QX-Player.exe") + R"( "--instance" "Nougat64" "--cmd" )"
-                                                    R"("launchApp" "--package" "com.example.app")",
-                         "serving: vtr_plr_Nougat64_nvo"}));
+    EXPECT_EQ(waitForLines(2), (Arguments{commandLine("QX-Player.exe") +
+                                              R"( "--instance" "Nougat64" "--cmd" )"
+                                              R"("launchApp" "--package" "com.example.app")",
+                                          "serving: vtr_plr_Nougat64_nvo"}));
     EXPECT_EQ(output({"shutdown", "Nougat64", "--flag"}), "asked the player of Nougat64\n");
     EXPECT_EQ(waitForLines(4)[2], "plrShutdownRpc(true)");
     EXPECT_EQ(waitForLines(4)[3], "ended: vtr_plr_Nougat64_nvo");
@@ -396,7 +351,8 @@ TEST_F(BridgectlProgramsTest, EveryCommandHasItsCommandLine) {
     for (const auto& [command, line] : cases) {
         EXPECT_EQ(output(command), "started\n");
         lines += lines == 0 ? 2 : 1;  // the first one goes on serving
-        EXPECT_EQ(waitForLines(lines)[lines == 2 ? 0 : lines - 1], program("QX-Player.exe") + line);
+        EXPECT_EQ(waitForLines(lines)[lines == 2 ? 0 : lines - 1],
+                  commandLine("QX-Player.exe") + line);
     }
     output({"shutdown", "Nougat64"});
     EXPECT_EQ(waitForLines(lines + 2)[lines], "plrShutdownRpc(false)");
@@ -405,13 +361,13 @@ TEST_F(BridgectlProgramsTest, EveryCommandHasItsCommandLine) {
 TEST_F(BridgectlProgramsTest, TheManagerIsStartedAndShutDownWithEverything) {
     EXPECT_EQ(output({"install-image", "Nougat32"}), "started\n");
     EXPECT_EQ(waitForLines(2),
-              (Arguments{program("QX-MultiInstanceManager.exe") +
+              (Arguments{commandLine("QX-MultiInstanceManager.exe") +
                              R"( "--hidden" "--cmd" "installImage" "--imageName" "Nougat32")",
                          "serving: vtr_mim_nvo"}));
     EXPECT_EQ(output({"create-instance", "Nougat64", "4", "", "aga", "dx", "s21 \"u\""}),
               "started\n");
     EXPECT_EQ(waitForLines(3)[2],
-              program("QX-MultiInstanceManager.exe") +
+              commandLine("QX-MultiInstanceManager.exe") +
                   R"( "--hidden" "--cmd" "createFreshInstance" "--imageName" "Nougat64" "--cpu" )"
                   R"("4" "--ram" "" "--graphicEngine" "aga" "--graphicRenderer" "dx" )"
                   R"("--deviceProfile" "s21 \"u\"")");
