@@ -1,20 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "ConfFixture.h"
+#include "HookedFiles.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
@@ -28,50 +24,7 @@ namespace {
 
 using ConfCommitTest = ConfTest;
 
-// Passes on to the disk until the step that is to fail.
-class FailingFiles final : public ConfFiles {
- public:
-    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before a write fails
-    XErr writeError = XERR_NOSPC;
-    bool failReplace = false;
-    std::vector<std::string> removed;
-
-    ConfFileRead read(const std::string& path, std::string& content) override {
-        return confDiskFiles().read(path, content);
-    }
-    XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override {
-        std::unique_ptr<ConfOutput> disk;
-        const XErr err = confDiskFiles().create(path, disk);
-        if (err == XERR_SUCCESS) output = std::make_unique<Output>(*this, std::move(disk));
-        return err;
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        return failReplace ? XERR_ACCES : confDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override {
-        removed.push_back(path);
-        confDiskFiles().remove(path);
-    }
-
- private:
-    class Output final : public ConfOutput {
-     public:
-        Output(FailingFiles& files, std::unique_ptr<ConfOutput> disk)
-            : files_(files), disk_(std::move(disk)) {}
-        XErr write(std::string_view piece, std::size_t& done) override {
-            if (piece.size() <= files_.writeLimit) {
-                files_.writeLimit -= piece.size();
-                return disk_->write(piece, done);
-            }
-            done = files_.writeLimit;
-            return files_.writeError;
-        }
-
-     private:
-        FailingFiles& files_;
-        std::unique_ptr<ConfOutput> disk_;
-    };
-};
+using Step = HookedFiles::Step;
 
 }  // namespace
 
@@ -346,8 +299,12 @@ TEST_F(ConfCommitTest, AFailedWriteNamesTheFirstLineThatIsNotWhole) {
     const std::size_t third = text.find('\n', text.find('\n') + 1) + 1;
     const std::string thirdLine = text.substr(third, text.find('\n', third) + 1 - third);
     for (const std::size_t written : {third, third + 1, third + thirdLine.size() - 1}) {
-        FailingFiles files;
-        files.writeLimit = written;
+        std::vector<Lines> atRemovals;
+        HookedFiles files([&](Step at) {
+            if (at == Step::Remove) atRemovals.push_back(folder.list());
+            return at == Step::Write ? XERR_NOSPC : XERR_SUCCESS;
+        });
+        files.writtenBeforeFailure = written;
         ConfStore failing(catalogue, files);
         folder.write("vantrel.conf", "");
         ASSERT_EQ(confLibInit(failing, path(), false), 0);
@@ -356,15 +313,14 @@ TEST_F(ConfCommitTest, AFailedWriteNamesTheFirstLineThatIsNotWhole) {
         EXPECT_EQ(log.texts().back(),
                   "E CONF xfileWrite failed for " + thirdLine + ", err = 28 [XERR_NOSPC]");
         EXPECT_EQ(log.texts().size(), 2u);
-        EXPECT_EQ(files.removed, Lines{path() + "-temp"});
+        EXPECT_EQ(atRemovals, std::vector<Lines>{(Lines{"vantrel.conf", "vantrel.conf-temp"})});
         EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
         EXPECT_EQ(folder.read("vantrel.conf"), "");
     }
 }
 
 TEST_F(ConfCommitTest, AWriteThatFailsAtOnceNamesTheFirstLine) {
-    FailingFiles files;
-    files.writeLimit = 0;
+    HookedFiles files(Step::Write, XERR_NOSPC);
     ConfStore failing(catalogue, files);
     folder.write("vantrel.conf", "");
     ASSERT_EQ(confLibInit(failing, path(), false), 0);
@@ -378,8 +334,8 @@ TEST_F(ConfCommitTest, AWriteThatFailsAtOnceNamesTheFirstLine) {
 }
 
 TEST_F(ConfCommitTest, AfterAFailedMoveTheFilesValuesComeBackWithTheNextCommit) {
-    FailingFiles files;
-    files.failReplace = true;
+    XErr moved = XERR_ACCES;
+    HookedFiles files([&moved](Step at) { return at == Step::Replace ? moved : XERR_SUCCESS; });
     ConfStore failing(catalogue, files);
     folder.write("vantrel.conf", "vtr.guid=\"old\"\n");
     ASSERT_EQ(confLibInit(failing, path(), false), 0);
@@ -388,22 +344,22 @@ TEST_F(ConfCommitTest, AfterAFailedMoveTheFilesValuesComeBackWithTheNextCommit) 
     EXPECT_EQ(confGetString(failing, "vtr.guid"), "new");
     confSetString(failing, "vtr.guid", "new");
     EXPECT_FALSE(confHasPendingChanges(failing)) << "it is the value in memory already";
-    files.failReplace = false;
+    moved = XERR_SUCCESS;
     EXPECT_EQ(confCommitToFile(failing, path()), 0);
     EXPECT_EQ(confGetString(failing, "vtr.guid"), "old");
     EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"old\""), std::string::npos);
 }
 
 TEST_F(ConfCommitTest, TheNextCommitBringsKeysThatTheFileLacksAfterAFailedMove) {
-    FailingFiles files;
-    files.failReplace = true;
+    XErr moved = XERR_ACCES;
+    HookedFiles files([&moved](Step at) { return at == Step::Replace ? moved : XERR_SUCCESS; });
     ConfStore failing(catalogue, files);
     folder.write("vantrel.conf", "");
     ASSERT_EQ(confLibInit(failing, path(), false), 0);
     confSetString(failing, "vtr.guid", "x");
     EXPECT_EQ(confCommit(failing), XERR_ACCES);
     EXPECT_EQ(folder.read("vantrel.conf"), "");
-    files.failReplace = false;
+    moved = XERR_SUCCESS;
     EXPECT_EQ(confCommit(failing), 0) << "nothing is pending any more";
     EXPECT_EQ(folder.read("vantrel.conf"), "");
     EXPECT_EQ(confCommitToFile(failing, path()), 0);
@@ -501,8 +457,7 @@ TEST_F(ConfCommitTest, AnImpossibleInstanceNameBlocksTheCommitsOfThisProcess) {
 }
 
 TEST_F(ConfCommitTest, AFailedWriteComesBeforeALaterEntryThatIsRefused) {
-    FailingFiles files;
-    files.writeLimit = 0;
+    HookedFiles files(Step::Write, XERR_NOSPC);
     ConfStore failing(catalogue, files);
     folder.write("vantrel.conf", "");
     ASSERT_EQ(confLibInit(failing, path(), false), 0);

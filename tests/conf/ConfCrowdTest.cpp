@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "ConfFixture.h"
+#include "HookedFiles.h"
 #include "conf/ConfText.h"
 #include "support/Platform.h"
 #include "support/Proof.h"
@@ -209,32 +210,16 @@ TEST_F(ConfCrowdTest, ProcessesThatCommitInTurnSeeEachOther) {
     EXPECT_NE(text.find("vtr.next_vm_id=\"5\"\n"), std::string::npos);
 }
 
-namespace {
-
-// The disk. Says when a temporary file is there already that a commit is about to create: somebody
-// was killed in the middle of one.
-class DiskWithLeftovers final : public ConfFiles {
- public:
-    ConfFileRead read(const std::string& path, std::string& content) override {
-        return confDiskFiles().read(path, content);
-    }
-    XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override {
-        if (xfileExists(path) == XERR_SUCCESS) std::printf("leftover\n");
-        return confDiskFiles().create(path, output);
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        return confDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override { confDiskFiles().remove(path); }
-};
-
-}  // namespace
-
-// Raises own counters until it is killed, and says each number when it has been committed.
+// Raises own counters until it is killed, and says each number when it has been committed; and when
+// a commit finds the temporary file there already: another process was killed in the middle of one.
 SUBPROCESS(commitsUntilKilled) {
     LogCapture quiet;
     ConfCatalogue catalogue = confProductCatalogue();
-    DiskWithLeftovers files;
+    HookedFiles files([&arguments](HookedFiles::Step at) {
+        const bool creates = at == HookedFiles::Step::Create;
+        if (creates && xfileExists(arguments[0] + "-temp") == XERR_SUCCESS) std::puts("leftover");
+        return XERR_SUCCESS;
+    });
     ConfStore store(catalogue, files);
     store.fileLockName = ownLockName(arguments[0]);
     if (confLibInit(store, arguments[0], false) != 0) return 1;

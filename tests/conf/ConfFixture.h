@@ -7,15 +7,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "ConfExpectation.h"
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
-
-using Lines = std::vector<std::string>;
 
 // A name for the file lock of the configuration at `path`. The product's is the machine's, and
 // whoever waits for it for a second tells its log: tests that run at the same time would tell of

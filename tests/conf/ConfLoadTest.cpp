@@ -4,16 +4,14 @@
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
-#include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "ConfFixture.h"
+#include "HookedFiles.h"
 #include "conf/ConfLoad.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
@@ -278,36 +276,20 @@ TEST_F(ConfLoadTest, ALoadWaitsForTheMachineWideMutex) {
     EXPECT_EQ(committed("vtr.locale"), "new");
 }
 
-namespace {
-
-// Reads what it is given, if anything, once.
-class ReadFailure final : public ConfFiles {
- public:
-    ConfFileRead read(const std::string&, std::string& content) override {
-        if (!once.has_value()) return ConfFileRead::ReadFailed;
-        content = *std::exchange(once, std::nullopt);
-        return ConfFileRead::Done;
-    }
-    std::optional<std::string> once;
-    XErr create(const std::string&, std::unique_ptr<ConfOutput>&) override { return XERR_IO; }
-    XErr replace(const std::string&, const std::string&) override { return XERR_IO; }
-    void remove(const std::string&) override {}
-};
-
-}  // namespace
-
 TEST_F(ConfLoadTest, AReadThatFailsIsReported) {
-    ReadFailure files;
+    HookedFiles files(HookedFiles::Step::Read, XERR_IO);
     ConfStore broken(catalogue, files);
     EXPECT_EQ(confLibInit(broken, "C:\\x.conf", false), -1);
     EXPECT_EQ(log.texts(), Lines{logged::confNotRead("C:\\x.conf")});
 }
 
 TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
-    ReadFailure files;
-    files.once = "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n";
+    XErr readable = XERR_SUCCESS;
+    HookedFiles files([&readable](HookedFiles::Step) { return readable; });
     ConfStore broken(catalogue, files);
-    ASSERT_EQ(confLibInit(broken, "C:\\x.conf", false), 0);
+    folder.write("vantrel.conf", "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
+    ASSERT_EQ(confLibInit(broken, path(), false), 0);
+    readable = XERR_IO;
     EXPECT_EQ(confReload(broken), -1);
     EXPECT_EQ(confGetInstances(broken), names({"A"}));
     EXPECT_EQ(confGetString(broken, "vtr.locale"), "a");

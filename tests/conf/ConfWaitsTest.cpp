@@ -186,7 +186,7 @@ std::int32_t slowPrint(std::int32_t, std::int32_t, const char*, const char*, std
 }  // namespace
 
 TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForALogLineOfACommit) {
-    HookedFiles files([](Step at) { return at == Step::Replace ? XERR_ACCES : XERR_SUCCESS; });
+    HookedFiles files(Step::Replace, XERR_ACCES);
     ConfStore failing(catalogue, files);
     failing.fileLockName = store.fileLockName;
     ASSERT_EQ(confLibInit(failing, path(), false), 0);

@@ -1,29 +1,24 @@
 #include "HookedFiles.h"
 
-#include <cstddef>
 #include <string_view>
 #include <utility>
 
-namespace {
-
-class HookedOutput final : public ConfOutput {
+class HookedFiles::Output final : public ConfOutput {
  public:
-    HookedOutput(const HookedFiles::Before& before, std::unique_ptr<ConfOutput> disk)
-        : before_(before), disk_(std::move(disk)) {}
+    Output(const HookedFiles& files, std::unique_ptr<ConfOutput> disk)
+        : files_(files), disk_(std::move(disk)) {}
 
     XErr write(std::string_view piece, std::size_t& done) override {
-        const XErr err = before_(HookedFiles::Step::Write);
+        const XErr err = files_.before_(Step::Write);
         if (err == XERR_SUCCESS) return disk_->write(piece, done);
-        done = 0;
+        done = files_.writtenBeforeFailure;
         return err;
     }
 
  private:
-    const HookedFiles::Before& before_;
+    const HookedFiles& files_;
     std::unique_ptr<ConfOutput> disk_;
 };
-
-}  // namespace
 
 ConfFileRead HookedFiles::read(const std::string& path, std::string& content) {
     if (before_(Step::Read) != XERR_SUCCESS) return ConfFileRead::ReadFailed;
@@ -34,7 +29,7 @@ XErr HookedFiles::create(const std::string& path, std::unique_ptr<ConfOutput>& o
     if (const XErr err = before_(Step::Create); err != XERR_SUCCESS) return err;
     std::unique_ptr<ConfOutput> disk;
     const XErr err = confDiskFiles().create(path, disk);
-    if (err == XERR_SUCCESS) output = std::make_unique<HookedOutput>(before_, std::move(disk));
+    if (err == XERR_SUCCESS) output = std::make_unique<Output>(*this, std::move(disk));
     return err;
 }
 

@@ -1,6 +1,7 @@
 #ifndef TESTS_HOOKEDFILES_H
 #define TESTS_HOOKEDFILES_H
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,12 +20,21 @@ class HookedFiles final : public ConfFiles {
 
     explicit HookedFiles(Before before) : before_(std::move(before)) {}
 
+    // Makes that one operation fail.
+    HookedFiles(Step failing, XErr err)
+        : HookedFiles([=](Step at) { return at == failing ? err : XERR_SUCCESS; }) {}
+
+    // How many bytes a write that fails says it has written.
+    std::size_t writtenBeforeFailure = 0;
+
     ConfFileRead read(const std::string& path, std::string& content) override;
     XErr create(const std::string& path, std::unique_ptr<ConfOutput>& output) override;
     XErr replace(const std::string& source, const std::string& destination) override;
     void remove(const std::string& path) override;
 
  private:
+    class Output;
+
     const Before before_;
 };
 
