@@ -1,6 +1,5 @@
 #include <QJsonArray>
 #include <QJsonObject>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,28 +40,6 @@ class AppcEditTest : public AppcTest {
         removeFile(file());
         data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     }
-};
-
-// Counts the moves.
-class MoveCount final : public AppcFiles {
- public:
-    int moves = 0;
-
-    std::int32_t read(const std::string& path, std::string& content) override {
-        return appcDiskFiles().read(path, content);
-    }
-    XErr makeFolder(const std::string& path) override { return appcDiskFiles().makeFolder(path); }
-    bool isReplaceable(const std::string& path) override {
-        return appcDiskFiles().isReplaceable(path);
-    }
-    AppcWrite write(const std::string& path, std::string_view text) override {
-        return appcDiskFiles().write(path, text);
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        ++moves;
-        return appcDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
 };
 
 const char* const kSync = R"({"apps": [
@@ -173,7 +150,7 @@ TEST_F(AppcEditTest, AFolderIsNeverMovedAsAnIcon) {
 
 TEST_F(AppcEditTest, AnUpdateWithoutAnIconAsksForNoMove) {
     writeIcon("com.a");
-    MoveCount files;
+    FailingFiles files;
     ForeignStore counted(data.path(), files);
     ASSERT_EQ(appcLibInit(counted, "Nougat64"), 0);
     EXPECT_EQ(appcUpdateApp(counted, "com.a", "m", "l", 9, "v", ""), 0);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <list>
+#include <new>
 #include <regex>
 #include <string_view>
 #include <thread>
@@ -119,3 +120,81 @@ AppcApp AppcTest::app(const std::string& package) {
 }
 
 std::size_t AppcTest::count() { return packages().size(); }
+
+std::int32_t AppcDisk::read(const std::string& path, std::string& content) {
+    return appcDiskFiles().read(path, content);
+}
+
+XErr AppcDisk::makeFolder(const std::string& path) { return appcDiskFiles().makeFolder(path); }
+
+bool AppcDisk::isReplaceable(const std::string& path) {
+    return appcDiskFiles().isReplaceable(path);
+}
+
+AppcWrite AppcDisk::write(const std::string& path, std::string_view text) {
+    return appcDiskFiles().write(path, text);
+}
+
+XErr AppcDisk::replace(const std::string& source, const std::string& destination) {
+    return appcDiskFiles().replace(source, destination);
+}
+
+void AppcDisk::remove(const std::string& path) { appcDiskFiles().remove(path); }
+
+std::int32_t FailingFiles::read(const std::string& path, std::string& content) {
+    return readError != 0 ? readError : AppcDisk::read(path, content);
+}
+
+XErr FailingFiles::makeFolder(const std::string& path) {
+    return folderError == XERR_SUCCESS ? AppcDisk::makeFolder(path) : folderError;
+}
+
+AppcWrite FailingFiles::write(const std::string& path, std::string_view text) {
+    if (throwInWrite) {
+        static_cast<void>(AppcDisk::write(path, text.substr(0, 1)));
+        throw std::bad_alloc();
+    }
+    if (failOpen) return AppcWrite::OpenFailed;
+    const AppcWrite result = AppcDisk::write(path, text.substr(0, writeLimit));
+    return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
+}
+
+XErr FailingFiles::replace(const std::string& source, const std::string& destination) {
+    ++moves;
+    if (throwInMove) throw std::bad_alloc();
+    return failMove ? XERR_ACCES : AppcDisk::replace(source, destination);
+}
+
+void FailingFiles::remove(const std::string& path) {
+    removed.push_back(path);
+    AppcDisk::remove(path);
+}
+
+std::int32_t LockWatch::read(const std::string& path, std::string& content) {
+    note("read");
+    return AppcDisk::read(path, content);
+}
+
+XErr LockWatch::makeFolder(const std::string& path) {
+    note("folder");
+    return AppcDisk::makeFolder(path);
+}
+
+AppcWrite LockWatch::write(const std::string& path, std::string_view text) {
+    note("write");
+    return AppcDisk::write(path, text);
+}
+
+XErr LockWatch::replace(const std::string& source, const std::string& destination) {
+    note("move");
+    return failMove ? XERR_ACCES : AppcDisk::replace(source, destination);
+}
+
+void LockWatch::remove(const std::string& path) {
+    note("remove");
+    AppcDisk::remove(path);
+}
+
+void LockWatch::note(const char* step) {
+    steps.push_back(step + std::string(isFileLockFree(data_) ? "" : ", locked"));
+}

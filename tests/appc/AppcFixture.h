@@ -4,16 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
-
-using Lines = std::vector<std::string>;
 
 // The text of a JSON object, with its values as they stand in JSON.
 struct Element {
@@ -85,6 +85,58 @@ struct ForeignStore : AppcStore {
     explicit ForeignStore(const std::string& data, AppcFiles& files = appcDiskFiles())
         : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/",
                     lockPrefixOf(data)) {}
+};
+
+// The disk. A test overrides the operations that it looks at.
+class AppcDisk : public AppcFiles {
+ public:
+    std::int32_t read(const std::string& path, std::string& content) override;
+    XErr makeFolder(const std::string& path) override;
+    bool isReplaceable(const std::string& path) override;
+    AppcWrite write(const std::string& path, std::string_view text) override;
+    XErr replace(const std::string& source, const std::string& destination) override;
+    void remove(const std::string& path) override;
+};
+
+// The disk, but for the operations that are to fail.
+class FailingFiles final : public AppcDisk {
+ public:
+    std::int32_t readError = 0;  // of Windows
+    XErr folderError = XERR_SUCCESS;
+    bool failOpen = false;
+    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before the write fails
+    bool failMove = false;
+    bool throwInWrite = false;  // when the file exists
+    bool throwInMove = false;
+
+    int moves = 0;
+    Lines removed;
+
+    std::int32_t read(const std::string& path, std::string& content) override;
+    XErr makeFolder(const std::string& path) override;
+    AppcWrite write(const std::string& path, std::string_view text) override;
+    XErr replace(const std::string& source, const std::string& destination) override;
+    void remove(const std::string& path) override;
+};
+
+// The disk, with a look at the file lock at each step.
+class LockWatch final : public AppcDisk {
+ public:
+    explicit LockWatch(std::string data) : data_(std::move(data)) {}
+
+    Lines steps;  // "move, locked"
+    bool failMove = false;
+
+    std::int32_t read(const std::string& path, std::string& content) override;
+    XErr makeFolder(const std::string& path) override;
+    AppcWrite write(const std::string& path, std::string_view text) override;
+    XErr replace(const std::string& source, const std::string& destination) override;
+    void remove(const std::string& path) override;
+
+ private:
+    void note(const char* step);
+
+    const std::string data_;
 };
 
 #endif

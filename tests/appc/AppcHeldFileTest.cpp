@@ -1,9 +1,7 @@
 // A file that another process holds: it is kept, and nothing is saved over it before it was read.
 #include <QJsonArray>
-#include <cstdint>
 #include <list>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -20,39 +18,12 @@ const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
 const char* const kSync = R"({"apps": [
     {"package": "com.c", "activity": "c", "appLabel": "C", "versionCode": 1, "versionName": "1"}]})";
 
-// Passes on to the disk, but for reads while `error` is the Windows error that they meet.
-class HeldFiles final : public AppcFiles {
- public:
-    std::int32_t error = 0;
-    bool isMoved = false;
-    bool isRemoved = false;
-
-    std::int32_t read(const std::string& path, std::string& content) override {
-        return error != 0 ? error : appcDiskFiles().read(path, content);
-    }
-    XErr makeFolder(const std::string& path) override { return appcDiskFiles().makeFolder(path); }
-    bool isReplaceable(const std::string& path) override {
-        return appcDiskFiles().isReplaceable(path);
-    }
-    AppcWrite write(const std::string& path, std::string_view text) override {
-        return appcDiskFiles().write(path, text);
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        isMoved = true;
-        return appcDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override {
-        isRemoved = true;
-        appcDiskFiles().remove(path);
-    }
-};
-
 // A cache whose file is there and whose load has just found it held.
 class AppcHeldFileTest : public AppcTest {
  protected:
     AppcHeldFileTest() {
         write(fileOf(kTwo));
-        files.error = 32;
+        files.readError = 32;
         EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
         log.clear();
     }
@@ -78,7 +49,7 @@ class AppcHeldFileTest : public AppcTest {
 
     const std::string kRefusal = logged::cacheNotSavedOver(file());
 
-    HeldFiles files;
+    FailingFiles files;
     ForeignStore held{data.path(), files};
 };
 
@@ -86,22 +57,22 @@ class AppcHeldFileTest : public AppcTest {
 
 TEST_F(AppcHeldFileTest, ALoadKeepsTheFileAndTheCacheIsEmpty) {
     for (const int error : {32, 33}) {
-        files.error = error;
+        files.readError = error;
         log.clear();
         EXPECT_EQ(appcLoadFromFile(held), 0);
         EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), error)});
         EXPECT_EQ(heldPackages(), Lines{});
         EXPECT_EQ(read(), fileOf(kTwo));
-        EXPECT_FALSE(files.isRemoved);
+        EXPECT_EQ(files.removed, Lines{});
         EXPECT_TRUE(isFileLockFree());
     }
 }
 
 TEST_F(AppcHeldFileTest, ALoadForgetsTheAppsThatWereReadBefore) {
-    files.error = 0;
+    files.readError = 0;
     ASSERT_EQ(appcLoadFromFile(held), 0);
     ASSERT_EQ(heldPackages(), (Lines{"com.a", "com.b"}));
-    files.error = 33;
+    files.readError = 33;
     EXPECT_EQ(appcLoadFromFile(held), 0);
     EXPECT_EQ(heldPackages(), Lines{});
     expectRefusal();
@@ -115,8 +86,8 @@ TEST_F(AppcHeldFileTest, EverySaveIsRefused) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{kRefusal, kRefusal, kRefusal, kRefusal}));
     EXPECT_EQ(read(), fileOf(kTwo));
     EXPECT_EQ(list(), Lines{"AppCache.json"});
-    EXPECT_FALSE(files.isMoved);
-    EXPECT_FALSE(files.isRemoved);
+    EXPECT_EQ(files.moves, 0);
+    EXPECT_EQ(files.removed, Lines{});
 }
 
 TEST_F(AppcHeldFileTest, TheMemoryHasWhatCouldNotBeSaved) {
@@ -144,7 +115,7 @@ TEST_F(AppcHeldFileTest, RemovingWhatIsNotCachedNeedsNoSave) {
 }
 
 TEST_F(AppcHeldFileTest, ALoadThatReadsTheFileEndsTheRefusal) {
-    files.error = 0;
+    files.readError = 0;
     EXPECT_EQ(appcLoadFromFile(held), 0);
     EXPECT_EQ(update("com.c"), 0);
     EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "m", "l", 9, "v"}}));
@@ -154,7 +125,7 @@ TEST_F(AppcHeldFileTest, ALoadThatReadsTheFileEndsTheRefusal) {
 TEST_F(AppcHeldFileTest, OpeningTheInstanceAgainEndsTheRefusalWhenItsFileIsRead) {
     EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
     expectRefusal();
-    files.error = 0;
+    files.readError = 0;
     EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
     EXPECT_EQ(update("com.c"), 0);
     EXPECT_EQ(heldPackages(), (Lines{"com.a", "com.b", "com.c"}));
@@ -170,10 +141,10 @@ TEST_F(AppcHeldFileTest, ALoadThatFindsNoFileEndsTheRefusal) {
 
 TEST_F(AppcHeldFileTest, ALoadThatDeletesTheFileEndsTheRefusal) {
     for (const int error : {0, 5}) {
-        files.error = 32;
+        files.readError = 32;
         write("{}");
         ASSERT_EQ(appcLoadFromFile(held), 0);
-        files.error = error;
+        files.readError = error;
         EXPECT_EQ(appcLoadFromFile(held), 0);
         EXPECT_FALSE(exists());
         EXPECT_EQ(appcSaveToFile(held), 0);
@@ -183,7 +154,7 @@ TEST_F(AppcHeldFileTest, ALoadThatDeletesTheFileEndsTheRefusal) {
 
 TEST_F(AppcHeldFileTest, ALoadThatFailsDoesNotEndTheRefusal) {
     for (const char* bad : {"[{}]", "[1]"}) {
-        files.error = 0;
+        files.readError = 0;
         write(bad);
         EXPECT_EQ(appcLoadFromFile(held), -1);
         EXPECT_EQ(appcSaveToFile(held), -1);
@@ -212,7 +183,7 @@ TEST_F(AppcHeldFileTest, AnotherInstanceWithABadFileIsSavedOver) {
     data.makeFolder("Engine\\Other");
     data.makeFolder("Engine\\Other\\AppCache");
     data.write("Engine\\Other\\AppCache\\AppCache.json", "[{}]");
-    files.error = 0;
+    files.readError = 0;
     EXPECT_EQ(appcLibInit(held, "Other"), -1);
     EXPECT_EQ(appcSaveToFile(held), 0);
 }

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <list>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -356,51 +355,11 @@ TEST_F(AppcLoadTest, AnInstanceNameThatIsNotUtf8HasNoLock) {
     EXPECT_EQ(count(), 0u);
 }
 
-namespace {
-
-// Looks at the file lock while the file is read.
-class WatchingFiles final : public AppcFiles {
- public:
-    explicit WatchingFiles(std::string data) : data_(std::move(data)) {}
-
-    bool wasFree = true;
-
-    std::int32_t read(const std::string& path, std::string& content) override {
-        wasFree = isFileLockFree(data_);
-        return appcDiskFiles().read(path, content);
-    }
-    XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
-    bool isReplaceable(const std::string&) override { return false; }
-    AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
-    void remove(const std::string&) override {}
-
- private:
-    const std::string data_;
-};
-
-// Refuses to open a file that is there and can be deleted.
-class ClosedFiles final : public AppcFiles {
- public:
-    explicit ClosedFiles(std::int32_t windowsError) : error(windowsError) {}
-
-    std::int32_t read(const std::string&, std::string&) override { return error; }
-    XErr makeFolder(const std::string&) override { return XERR_FAILURE; }
-    bool isReplaceable(const std::string&) override { return false; }
-    AppcWrite write(const std::string&, std::string_view) override { return AppcWrite::OpenFailed; }
-    XErr replace(const std::string&, const std::string&) override { return XERR_FAILURE; }
-    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
-
- private:
-    const std::int32_t error;
-};
-
-}  // namespace
-
 TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
     for (const std::int32_t error : {2, 3, 5, 19, 32, 33, 1117, 1392}) {
         write(kTwoApps);
-        ClosedFiles files(error);
+        FailingFiles files;
+        files.readError = error;
         ForeignStore closed(data.path(), files);
         log.clear();
         EXPECT_EQ(appcLibInit(closed, "Nougat64"), 0) << error;
@@ -417,10 +376,10 @@ TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
 
 TEST_F(AppcLoadTest, TheFileIsReadUnderItsMachineWideLock) {
     write(kTwoApps);
-    WatchingFiles files(data.path());
+    LockWatch files(data.path());
     ForeignStore watched(data.path(), files);
     EXPECT_EQ(appcLibInit(watched, "Nougat64"), 0);
-    EXPECT_FALSE(files.wasFree);
+    EXPECT_EQ(files.steps, Lines{"read, locked"});
 }
 
 TEST_F(AppcLoadTest, EveryOutcomeReleasesTheMachineWideLock) {

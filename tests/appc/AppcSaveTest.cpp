@@ -1,6 +1,5 @@
 #include <atomic>
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -9,7 +8,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "AppcFixture.h"
@@ -39,78 +37,32 @@ void setApps(AppcStore& store, const std::vector<PlainApp>& apps) {
     }
 }
 
-// Passes on to the disk until the step that is to fail.
-class FailingFiles final : public AppcFiles {
- public:
-    XErr folderError = XERR_SUCCESS;
-    bool failOpen = false;
-    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before the write fails
-    bool failMove = false;
-    bool throwInWrite = false;  // when the file exists
-    bool throwInMove = false;
-    Lines removed;
-
-    std::int32_t read(const std::string& path, std::string& content) override {
-        return appcDiskFiles().read(path, content);
-    }
-    XErr makeFolder(const std::string& path) override {
-        return folderError == XERR_SUCCESS ? appcDiskFiles().makeFolder(path) : folderError;
-    }
-    bool isReplaceable(const std::string& path) override {
-        return appcDiskFiles().isReplaceable(path);
-    }
-    AppcWrite write(const std::string& path, std::string_view text) override {
-        if (throwInWrite) {
-            static_cast<void>(appcDiskFiles().write(path, text.substr(0, 1)));
-            throw std::bad_alloc();
-        }
-        if (failOpen) return AppcWrite::OpenFailed;
-        const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
-        return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        if (throwInMove) throw std::bad_alloc();
-        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override {
-        removed.push_back(path);
-        appcDiskFiles().remove(path);
-    }
-};
-
 // Ends the process, without any clean-up, at the step of that number.
-class DyingFiles final : public AppcFiles {
+class DyingFiles final : public AppcDisk {
  public:
     explicit DyingFiles(int lastStep) : left_(lastStep) {}
 
-    std::int32_t read(const std::string& path, std::string& content) override {
-        return appcDiskFiles().read(path, content);
-    }
     XErr makeFolder(const std::string& path) override {
         step();
-        const XErr err = appcDiskFiles().makeFolder(path);
+        const XErr err = AppcDisk::makeFolder(path);
         step();
         return err;
     }
-    bool isReplaceable(const std::string& path) override {
-        return appcDiskFiles().isReplaceable(path);
-    }
     AppcWrite write(const std::string& path, std::string_view text) override {
         for (const std::size_t size : {std::size_t{0}, std::size_t{1}, text.size() / 2}) {
-            static_cast<void>(appcDiskFiles().write(path, text.substr(0, size)));
+            static_cast<void>(AppcDisk::write(path, text.substr(0, size)));
             step();
         }
-        const AppcWrite result = appcDiskFiles().write(path, text);
+        const AppcWrite result = AppcDisk::write(path, text);
         step();
         return result;
     }
     XErr replace(const std::string& source, const std::string& destination) override {
         step();
-        const XErr err = appcDiskFiles().replace(source, destination);
+        const XErr err = AppcDisk::replace(source, destination);
         step();
         return err;
     }
-    void remove(const std::string& path) override { appcDiskFiles().remove(path); }
 
  private:
     void step() {
@@ -236,54 +188,12 @@ TEST_F(AppcSaveTest, AnExceptionLeavesTheOldFileAloneAndNoLock) {
     }
 }
 
-namespace {
-
-// Looks at the file lock at each step.
-class LockWatch final : public AppcFiles {
- public:
-    explicit LockWatch(std::string data) : data_(std::move(data)) {}
-
-    Lines steps;
-    bool failMove = false;
-
-    std::int32_t read(const std::string& path, std::string& content) override {
-        return appcDiskFiles().read(path, content);
-    }
-    XErr makeFolder(const std::string& path) override {
-        note("folder");
-        return appcDiskFiles().makeFolder(path);
-    }
-    bool isReplaceable(const std::string& path) override {
-        return appcDiskFiles().isReplaceable(path);
-    }
-    AppcWrite write(const std::string& path, std::string_view text) override {
-        note("write");
-        return appcDiskFiles().write(path, text);
-    }
-    XErr replace(const std::string& source, const std::string& destination) override {
-        note("move");
-        return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
-    }
-    void remove(const std::string& path) override {
-        note("remove");
-        appcDiskFiles().remove(path);
-    }
-
- private:
-    void note(const char* step) {
-        steps.push_back(step + std::string(isFileLockFree(data_) ? "" : ", locked"));
-    }
-
-    const std::string data_;
-};
-
-}  // namespace
-
 TEST_F(AppcSaveTest, TheMachineWideLockIsTakenForTheMoveOnly) {
     ASSERT_EQ(init("[]"), 0);
     LockWatch files(data.path());
     ForeignStore watched(data.path(), files);
     ASSERT_EQ(appcLibInit(watched, "Nougat64"), 0);
+    files.steps.clear();
     EXPECT_EQ(appcSaveToFile(watched), 0);
     EXPECT_EQ(files.steps, (Lines{"folder", "write", "move, locked"}));
     files.steps.clear();
