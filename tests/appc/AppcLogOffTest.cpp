@@ -1,92 +1,63 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <cstdint>
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
-#include <string_view>
 
 #include "AppcFixture.h"
 #include "support/Platform.h"
+#include "support/SilentCalls.h"
 
 namespace {
 
 class AppcLogOffTest : public AppcTest {
  protected:
-    // The lines that there would have been; none of them was printed.
-    int lines() const {
-        EXPECT_EQ(off.printed(), 0);
-        return off.refused();
+    int loadWithFolderAsFile() {
+        std::filesystem::create_directories(systemPath(file()));
+        const int result = appcLibInit(store, "Nougat64");
+        EXPECT_EQ(count(), 0u);
+        std::filesystem::remove(systemPath(file()));
+        return result;
     }
 
-    LogOff off;
-};
-
-}  // namespace
-
-TEST_F(AppcLogOffTest, FilesThatDoNotLoad) {
-    EXPECT_EQ(appcLibInit(store, "Nougat64"), 0) << "there is none";
-    EXPECT_EQ(init("{}"), 0);
-    EXPECT_FALSE(exists());
-    EXPECT_EQ(init("[{}]"), -1);
-    EXPECT_EQ(init(R"([{"package": 5}])"), -1);
-    EXPECT_EQ(lines(), 2 + 2 + 2);
-}
-
-TEST_F(AppcLogOffTest, AFolderInPlaceOfTheFile) {
-    std::filesystem::create_directories(systemPath(file()));
-    EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-    EXPECT_EQ(count(), 0u);
-    EXPECT_EQ(lines(), 1);
-}
-
-TEST_F(AppcLogOffTest, ListsThatDoNotSync) {
-    ASSERT_EQ(init("[]"), 0);
-    EXPECT_EQ(appcSyncInstalledApps(store, nullptr), -1);
-    EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": [3]})"), -1);
-    EXPECT_EQ(read(), "[]");
-    EXPECT_EQ(lines(), 2);
-}
-
-TEST_F(AppcLogOffTest, CopiesOfInstances) {
-    EXPECT_EQ(appcCopyInstance(store, "Nougat32", "Nougat32_1"), -1);
-    ASSERT_EQ(init("[]"), 0);
-    EXPECT_EQ(appcCopyInstance(store, "Nougat64", "Nowhere\\Nougat64_1"), -1);
-    EXPECT_EQ(lines(), 2);
-}
-
-namespace {
-
-// A disk on which one step fails.
-class Failing : public AppcFiles {
- public:
-    enum Step { Folder, Open, Write, Move };
-    explicit Failing(Step step) : step_(step) {}
-
-    std::int32_t read(const std::string&, std::string&) override { return 2; }
-    XErr makeFolder(const std::string&) override { return step_ == Folder ? XERR_ACCES : 0; }
-    bool isReplaceable(const std::string&) override { return true; }
-    AppcWrite write(const std::string&, std::string_view) override {
-        if (step_ == Open) return AppcWrite::OpenFailed;
-        return step_ == Write ? AppcWrite::WriteFailed : AppcWrite::Done;
-    }
-    XErr replace(const std::string&, const std::string&) override { return XERR_ACCES; }
-    void remove(const std::string&) override { ++removed; }
-
-    int removed = 0;
-
- private:
-    Step step_;
-};
-
-}  // namespace
-
-TEST_F(AppcLogOffTest, SavesThatFail) {
-    for (const Failing::Step step :
-         {Failing::Folder, Failing::Open, Failing::Write, Failing::Move}) {
-        Failing files(step);
+    // Opens a cache and saves it to a disk that was set to fail.
+    int save(const std::function<void(FailingFiles&)>& fail, std::size_t removed) {
+        FailingFiles files;
+        fail(files);
         ForeignStore other(data.path(), files);
-        ASSERT_EQ(appcLibInit(other, "Nougat32"), 0);
-        EXPECT_EQ(appcSaveToFile(other), step == Failing::Folder ? XERR_ACCES : -1);
-        EXPECT_EQ(files.removed, step == Failing::Write || step == Failing::Move ? 1 : 0);
+        EXPECT_EQ(appcLibInit(other, "Nougat64"), 0);
+        const int result = appcSaveToFile(other);
+        EXPECT_EQ(files.removed.size(), removed);
+        return result;
     }
-    EXPECT_EQ(lines(), 4 * 2);
+};
+
+}  // namespace
+
+TEST_F(AppcLogOffTest, WhatIsRefusedIsRefusedInSilence) {
+    expectSilence({
+        {"copy a cache that is not open", -1, 1,
+         [&] { return appcCopyInstance(store, "Nougat32", "Nougat32_1"); }},
+        {"load no file", 0, 1, [&] { return appcLibInit(store, "Nougat64"); }},
+        {"save without a folder", XERR_ACCES, 2,
+         [&] { return save([](FailingFiles& files) { files.folderError = XERR_ACCES; }, 0); }},
+        {"save without a file", -1, 2,
+         [&] { return save([](FailingFiles& files) { files.failOpen = true; }, 0); }},
+        {"save without space", -1, 2,
+         [&] { return save([](FailingFiles& files) { files.writeLimit = 0; }, 1); }},
+        {"save without the move", -1, 2,
+         [&] { return save([](FailingFiles& files) { files.failMove = true; }, 1); }},
+        {"load a folder", 0, 1, [&] { return loadWithFolderAsFile(); }},
+        {"load an object", 0, 1, [&] { return init("{}"); }},
+        {"the object's file is deleted", false, 0, [&] { return exists(); }},
+        {"load an app without texts", -1, 2, [&] { return init("[{}]"); }},
+        {"load a number for a text", -1, 2, [&] { return init(R"([{"package": 5}])"); }},
+        {"load", 0, 0, [&] { return init("[]"); }},
+        {"sync no list", -1, 1, [&] { return appcSyncInstalledApps(store, nullptr); }},
+        {"sync a number for an app", -1, 1,
+         [&] { return appcSyncInstalledApps(store, R"({"apps": [3]})"); }},
+        {"the file is as it was", true, 0, [&] { return read() == "[]"; }},
+        {"copy to a missing folder", -1, 1,
+         [&] { return appcCopyInstance(store, "Nougat64", "Nowhere\\Nougat64_1"); }},
+    });
 }

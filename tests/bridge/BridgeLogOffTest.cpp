@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 #include "HostCalls.h"
@@ -14,10 +13,10 @@
 #include "bridge/BridgeEvents.h"
 #include "bridge/BridgeInit.h"
 #include "bridge/BridgeShutdown.h"
+#include "conf/Conf.h"
 #include "support/EventPackets.h"
-#include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
-#include "support/Subprocess.h"
+#include "support/SilentCalls.h"
 #include "support/TempFolder.h"
 
 namespace {
@@ -31,58 +30,59 @@ int failInit(IpcClient&, const std::string&) { return -7; }
 
 int failToListen(IpcServerThread**, const std::string&, IpcDecode) { return -9; }
 
-class BridgeLogOffTest : public ::testing::Test {
- protected:
-    BridgeLogOffTest() { hostCalls.clear(); }
-    ~BridgeLogOffTest() override {
-        EXPECT_GT(off.refused(), 0);
-        EXPECT_EQ(off.printed(), 0);
-    }
+int countOfHostCalls() { return static_cast<int>(hostCalls.size()); }
 
-    LogOff off;
-};
-
-}  // namespace
-
-TEST_F(BridgeLogOffTest, EventsReachTheHost) {
-    bridgeSetCallbacks(writingHost());
+int decodeKnownEvents() {
     for (const KnownEvent& event : knownEvents()) {
         EXPECT_TRUE(decode(eventPacket(event, exampleOf(event)))) << event.name;
     }
-    EXPECT_EQ(hostCalls.size(), knownEvents().size());
-    bridgeSetCallbacks({});
+    return countOfHostCalls();
 }
 
-TEST_F(BridgeLogOffTest, PacketsThatAreNone) {
-    EXPECT_FALSE(decode("seven b"));
-    EXPECT_FALSE(decode(packetOf(2999, "")));
-    EXPECT_FALSE(decode(packetOf(3001, "")));
-    EXPECT_EQ(hostCalls, Lines{});
+int statusFor(const char* text) {
+    return bridgeStatus("f", {"a", text}, [] { return XErr{0}; });
 }
 
-TEST_F(BridgeLogOffTest, NullTexts) {
-    const auto status = [](const char* text) {
-        return bridgeStatus("f", {"a", text}, [] { return XErr{0}; });
-    };
-    const auto value = [](const char* text) {
-        return bridgeValue<int>("f", {text}, [] { return 5; });
-    };
-    EXPECT_EQ(status("b"), 0);
-    EXPECT_EQ(status(nullptr), XERR_INVAL);
-    EXPECT_EQ(value("b"), 5);
-    EXPECT_EQ(value(nullptr), 0);
+int valueFor(const char* text) {
+    return bridgeValue<int>("f", {text}, [] { return 5; });
 }
 
-TEST_F(BridgeLogOffTest, AListingWithoutALock) {
+bool listsWithoutALock() {
     const TempFolder folder;
     AppcStore store(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\");
-    EXPECT_EQ(internal::bridgeGetInstalledApps(store, "a\\b"), std::nullopt);
+    return internal::bridgeGetInstalledApps(store, "a\\b").has_value();
 }
 
-TEST_F(BridgeLogOffTest, ClientsThatCannotBePrepared) {
+}  // namespace
+
+TEST(BridgeLogOffTest, WhatIsRefusedOrPassedOnIsSoInSilence) {
+    const TempFolder folder;
+    const LogCapture log;  // of what comes before and after
+    ASSERT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", ""), false), 0);
+    hostCalls.clear();
+    bridgeSetCallbacks(writingHost());
+    const auto events = static_cast<int>(knownEvents().size());
     const ReplacedIpcCalls failing(failInit);
-    EXPECT_EQ(internal::bridgePlrShutdown("Nougat64", true), -7);
-    internal::bridgeShutdown();
+    expectSilence({
+        {"events reach the host", events, kSomeLines, decodeKnownEvents},
+        {"a packet of seven bytes", false, 1, [] { return decode("seven b"); }},
+        {"an opcode below those of events", false, 1, [] { return decode(packetOf(2999, "")); }},
+        {"an event without its texts", false, 1, [] { return decode(packetOf(3001, "")); }},
+        {"none of those reached the host", events, 0, countOfHostCalls},
+        {"a status", 0, 0, [] { return statusFor("b"); }},
+        {"a status for a null text", XERR_INVAL, 1, [] { return statusFor(nullptr); }},
+        {"a value", 5, 0, [] { return valueFor("b"); }},
+        {"a value for a null text", 0, 1, [] { return valueFor(nullptr); }},
+        {"a listing without a lock", false, 2, listsWithoutALock},
+        {"a client that cannot be prepared", -7, 2,
+         [] { return internal::bridgePlrShutdown("Nougat64", true); }},
+        {"clients that cannot be prepared", 0, 2,
+         [] {
+             internal::bridgeShutdown();
+             return 0;
+         }},
+    });
+    bridgeSetCallbacks({});
 }
 
 // The initialisation puts the library's own logger in place: what comes before it is silent.

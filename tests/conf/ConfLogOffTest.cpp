@@ -1,125 +1,87 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
-#include <string_view>
 
 #include "ConfFixture.h"
-#include "support/Subprocess.h"
+#include "HookedFiles.h"
+#include "support/SilentCalls.h"
 
 namespace {
 
+using Step = HookedFiles::Step;
+
 class ConfLogOffTest : public ConfTest {
  protected:
-    // The lines that there would have been; none of them was printed.
-    int lines() const {
-        EXPECT_EQ(off.printed(), 0);
-        return off.refused();
+    int loadWithoutBytes() {
+        HookedFiles files(Step::Read, XERR_IO);
+        ConfStore unreadable(catalogue, files);
+        return confLibInit(unreadable, path(), false);
     }
 
-    LogOff off;
-};
-
-// Reading fails after the open.
-class ReadFailure : public ConfFiles {
- public:
-    ConfFileRead read(const std::string&, std::string&) override {
-        return ConfFileRead::ReadFailed;
-    }
-    XErr create(const std::string&, std::unique_ptr<ConfOutput>&) override { return XERR_IO; }
-    XErr replace(const std::string&, const std::string&) override { return XERR_IO; }
-    void remove(const std::string&) override {}
-};
-
-// Files that cannot be written to, or not be moved.
-class WriteFailure : public ReadFailure {
- public:
-    explicit WriteFailure(XErr written) : written_(written) {}
-
-    ConfFileRead read(const std::string&, std::string& content) override {
-        content.clear();
-        return ConfFileRead::Done;
-    }
-    XErr create(const std::string&, std::unique_ptr<ConfOutput>& output) override {
-        struct Output : ConfOutput {
-            explicit Output(XErr result) : result_(result) {}
-            XErr write(std::string_view, std::size_t& done) override {
-                done = 0;
-                return result_;
-            }
-            XErr result_;
-        };
-        output = std::make_unique<Output>(written_);
-        return XERR_SUCCESS;
+    bool validateDeprecated() {
+        ConfCatalogue old;
+        old.registerGlobal("old", {ConfType::String, "", false, true});
+        const ConfStore other(old, confDiskFiles());
+        return confValidateProp(other, "vtr.old", ConfType::String, false);
     }
 
- private:
-    XErr written_;
+    int listIntoNoMemory() {
+        std::uint32_t size = 77;
+        const int result = confGetInstanceAllConfigs(store, nullptr, 1 << 20, size);
+        EXPECT_EQ(size, 77u);
+        EXPECT_FALSE(confHasPendingChanges(store));
+        return result;
+    }
+
+    // Commits a value, and expects that one in the file; a commit that fails leaves it as it was.
+    int commit(const char* value, const std::string& expected) {
+        EXPECT_EQ(confSetString(store, "vtr.locale", value), 0);
+        const std::string before = folder.read("vantrel.conf");
+        const int result = confCommit(store);
+        if (result != 0) EXPECT_EQ(folder.read("vantrel.conf"), before);
+        EXPECT_NE(folder.read("vantrel.conf").find(expected), std::string::npos);
+        return result;
+    }
+
+    int commitToFile(Step failing, XErr err) {
+        HookedFiles files(failing, err);
+        ConfStore other(catalogue, files);
+        EXPECT_EQ(confLibInit(other, "", false), 0);
+        return confCommitToFile(other, folder / "new");
+    }
 };
 
 }  // namespace
 
-TEST_F(ConfLogOffTest, FilesThatDoNotLoad) {
-    EXPECT_EQ(init("vtr.nothing=\"1\"\n"), -1);
-    EXPECT_EQ(init("vtr.instance.A.nothing=\"1\"\n"), -1);
-    EXPECT_EQ(init("foreign=\"1\"\n"), -1);
-    EXPECT_EQ(init("\n"), -1);
-    EXPECT_EQ(confLibInit(store, folder / "missing", false), -1);
-    ReadFailure files;
-    ConfStore unreadable(catalogue, files);
-    EXPECT_EQ(confLibInit(unreadable, "C:\\x.conf", false), -1);
-    EXPECT_EQ(lines(), 6);
-}
-
-TEST_F(ConfLogOffTest, KeysThatAreNotDeclared) {
-    EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
-    EXPECT_FALSE(confValidateProp(store, "vtr.locale", ConfType::I32, false));
-    ConfCatalogue old;
-    old.registerGlobal("old", {ConfType::String, "", false, true});
-    const ConfStore other(old, confDiskFiles());
-    EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
-    EXPECT_EQ(lines(), 3);
-}
-
-TEST_F(ConfLogOffTest, InstancesThatAreNotThere) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
-    EXPECT_EQ(confSetCurrentInstance(store, "Z"), -1);
-    EXPECT_EQ(confCopyInstance(store, "Z", "B"), -1);
-    EXPECT_EQ(confCopyInstance(store, "A", "a.b"), XERR_INVAL);
-    std::uint32_t size = 77;
-    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 1 << 20, size), XERR_INVAL);
-    EXPECT_EQ(size, 77u);
-    EXPECT_FALSE(confHasPendingChanges(store));
-    EXPECT_EQ(lines(), 4);
-}
-
-TEST_F(ConfLogOffTest, ACommit) {
-    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
-    EXPECT_EQ(confCommit(store), 0);
-    EXPECT_EQ(confSetString(store, "vtr.locale", "b"), 0);
-    EXPECT_EQ(confCommit(store), 0);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"b\"\n"), std::string::npos);
-    EXPECT_EQ(lines(), 2);
-}
-
-TEST_F(ConfLogOffTest, CommitsThatFail) {
-    ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
-    EXPECT_EQ(confSetString(store, "vtr.locale", "a\nb"), 0);
-    EXPECT_EQ(confCommit(store), XERR_INVAL);
-    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n");
-    ReadFailure unopened;
-    WriteFailure unwritten(XERR_NOSPC);
-    WriteFailure unmoved(XERR_SUCCESS);
-    for (ConfFiles* files :
-         {static_cast<ConfFiles*>(&unopened), static_cast<ConfFiles*>(&unwritten),
-          static_cast<ConfFiles*>(&unmoved)}) {
-        ConfStore other(catalogue, *files);
-        ASSERT_EQ(confLibInit(other, "", false), 0);
-        EXPECT_EQ(confCommitToFile(other, "C:\\x.conf"),
-                  files == &unwritten ? XERR_NOSPC : XERR_IO);
-    }
-    EXPECT_EQ(lines(), 2 + 3 * 2);
+TEST_F(ConfLogOffTest, WhatIsRefusedIsRefusedInSilence) {
+    expectSilence({
+        {"load an unknown key", -1, 1, [&] { return init("vtr.nothing=\"1\"\n"); }},
+        {"load an unknown key of an instance", -1, 1,
+         [&] { return init("vtr.instance.A.nothing=\"1\"\n"); }},
+        {"load a key without the prefix", -1, 1, [&] { return init("foreign=\"1\"\n"); }},
+        {"load an empty line", -1, 1, [&] { return init("\n"); }},
+        {"load no file", -1, 1, [&] { return confLibInit(store, folder / "missing", false); }},
+        {"load a file that cannot be read", -1, 1, [&] { return loadWithoutBytes(); }},
+        {"validate an unknown key", false, 1,
+         [&] { return confValidateProp(store, "vtr.nothing", ConfType::String, false); }},
+        {"validate a key of another type", false, 1,
+         [&] { return confValidateProp(store, "vtr.locale", ConfType::I32, false); }},
+        {"validate a deprecated key", false, 1, [&] { return validateDeprecated(); }},
+        {"load", 0, 0, [&] { return init("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n"); }},
+        {"choose a missing instance", -1, 1, [&] { return confSetCurrentInstance(store, "Z"); }},
+        {"copy a missing instance", -1, 1, [&] { return confCopyInstance(store, "Z", "B"); }},
+        {"copy to an impossible name", XERR_INVAL, 1,
+         [&] { return confCopyInstance(store, "A", "a.b"); }},
+        {"list into no memory", XERR_INVAL, 1, [&] { return listIntoNoMemory(); }},
+        {"commit no change", 0, 1, [&] { return commit("a", "vtr.locale=\"a\"\n"); }},
+        {"commit a line feed", XERR_INVAL, 2, [&] { return commit("a\nb", "vtr.locale=\"a\"\n"); }},
+        {"commit", 0, 1, [&] { return commit("b", "vtr.locale=\"b\"\n"); }},
+        {"commit without a file", XERR_IO, 2, [&] { return commitToFile(Step::Create, XERR_IO); }},
+        {"commit without space", XERR_NOSPC, 2,
+         [&] { return commitToFile(Step::Write, XERR_NOSPC); }},
+        {"commit without the move", XERR_IO, 2,
+         [&] { return commitToFile(Step::Replace, XERR_IO); }},
+    });
 }
 
 SUBPROCESS(confBreaksInSilence) {
@@ -150,8 +112,6 @@ SUBPROCESS(confBreaksInSilence) {
 
 TEST(ConfLogOffFatalTest, WhatIsFatalIsFatalInSilence) {
     for (const char* what : {"number", "longNumber", "bool", "removed", "dump"}) {
-        const ChildResult result = runSubprocess("confBreaksInSilence", {what});
-        EXPECT_EQ(result.status, kFatalStatus) << what;
-        EXPECT_EQ(result.out, "") << what;
+        expectSilentBreak("confBreaksInSilence", {what});
     }
 }

@@ -11,10 +11,9 @@
 #include "ipc/IpcName.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
-#include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
-#include "support/Subprocess.h"
+#include "support/SilentCalls.h"
 
 namespace {
 
@@ -24,24 +23,62 @@ class IpcLogOffTest : public ::testing::Test {
         ipcClientInit(client, name);
         client.waitMs = 300;
     }
-    ~IpcLogOffTest() override {
-        EXPECT_GT(off.refused(), 0);
-        EXPECT_EQ(off.printed(), 0);
+
+    int sendToOneThatNeverReads() {
+        std::atomic<bool> done{false};
+        RawServer server(
+            name,
+            [&done](RawPipe&) {
+                while (!done) sleepMs(5);
+            },
+            /*bufferSize=*/0);
+        const std::string large(1 << 20, 'x');
+        const int result =
+            ipcSendToServer(client, large.data(), static_cast<int>(large.size()), true);
+        done = true;
+        return result;
     }
 
-    LogOff off;
+    int serveTwice() const {
+        IpcServerThread* first = nullptr;
+        EXPECT_EQ(ipcServerInit(&first, name, see), 0);
+        while (!ipcNameIsServed(name)) sleepMs(1);
+        IpcServerThread* second = nullptr;
+        EXPECT_EQ(ipcServerInit(&second, name, see), 0);
+        const bool endsByItself = second->wait(10'000);
+        ipcServerFini(&second);
+        ipcServerFini(&first);
+        return endsByItself;
+    }
+
     const std::string name = "vtr_test_off_" + std::to_string(ownProcessId());
     IpcClient client;
+    char reply[8] = {};
 };
+
+std::string replyWithoutMemory() {
+    const std::string server = "server";
+    FakeSocket socket;
+    IpcConnectionInfo info(&socket, &server);
+    socket.waiting = packetOf(1, "", 0x80000000u) + packetOf(2, "", 3);
+    ipcReadCommand(&info, see);
+    return socket.written;
+}
 
 }  // namespace
 
-TEST_F(IpcLogOffTest, CallsThatAreRefusedAtOnce) {
-    char reply[8];
-    EXPECT_EQ(ipcSendToServer(client, "x", 0, true), -1);
-    EXPECT_EQ(ipcSendToServer(client, "x", 1, true), -1) << "there is no server";
-    EXPECT_EQ(ipcReadFromServer(client, reply, 0), -1);
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+TEST_F(IpcLogOffTest, WhatIsRefusedIsRefusedInSilence) {
+    expectSilence({
+        {"send nothing", -1, kSomeLines, [&] { return ipcSendToServer(client, "x", 0, true); }},
+        {"send to nobody", -1, kSomeLines, [&] { return ipcSendToServer(client, "x", 1, true); }},
+        {"read nothing", -1, kSomeLines, [&] { return ipcReadFromServer(client, reply, 0); }},
+        {"read from nobody", -1, kSomeLines, [&] { return ipcReadFromServer(client, reply, 8); }},
+        {"send to a server that never reads", -1, kSomeLines,
+         [&] { return sendToOneThatNeverReads(); }},
+        {"a reply without memory", true, kSomeLines,
+         [] { return replyWithoutMemory() == std::string(3, '\0'); }},
+        {"serve a name that is served", true, kSomeLines, [&] { return serveTwice(); }},
+    });
 }
 
 TEST_F(IpcLogOffTest, AnotherServerThanBefore) {
@@ -50,47 +87,17 @@ TEST_F(IpcLogOffTest, AnotherServerThanBefore) {
         pipe.read(6);
         pipe.write("abc");
     });
-    ASSERT_EQ(ipcSendToServer(client, "packet", 6, false), 0);
+    const auto send = [&] { return ipcSendToServer(client, "packet", 6, false); };
+    const auto read = [&] { return ipcReadFromServer(client, reply, 8); };
+    expectSilence({{"send", 0, kSomeLines, send}});
     client.serverName = name + "b";
-    char reply[8];
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
-    EXPECT_EQ(ipcSendToServer(client, "packet", 6, false), 0);
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1) << "too short";
+    expectSilence({
+        {"read from another than was sent to", -1, kSomeLines, read},
+        {"send to the other", 0, kSomeLines, send},
+        {"read a reply that is too short", -1, kSomeLines, read},
+    });
     EXPECT_EQ(std::string(reply, 8), std::string("abc\0\0\0\0\0", 8));
     client.socket.reset();
-}
-
-TEST_F(IpcLogOffTest, APeerThatNeverReads) {
-    std::atomic<bool> done{false};
-    RawServer server(
-        name,
-        [&done](RawPipe&) {
-            while (!done) sleepMs(5);
-        },
-        /*bufferSize=*/0);
-    const std::string large(1 << 20, 'x');
-    EXPECT_EQ(ipcSendToServer(client, large.data(), static_cast<int>(large.size()), true), -1);
-    done = true;
-}
-
-TEST_F(IpcLogOffTest, AReplyThatNobodyHasMemoryFor) {
-    const std::string server = "server";
-    FakeSocket socket;
-    IpcConnectionInfo info(&socket, &server);
-    socket.waiting = packetOf(1, "", 0x80000000u) + packetOf(2, "", 3);
-    ipcReadCommand(&info, see);
-    EXPECT_EQ(socket.written, std::string(3, '\0'));
-}
-
-TEST_F(IpcLogOffTest, ANameThatIsServedAlready) {
-    IpcServerThread* first = nullptr;
-    ASSERT_EQ(ipcServerInit(&first, name, see), 0);
-    while (!ipcNameIsServed(name)) sleepMs(1);
-    IpcServerThread* second = nullptr;
-    ASSERT_EQ(ipcServerInit(&second, name, see), 0);
-    EXPECT_TRUE(second->wait(10'000)) << "its thread ends by itself";
-    ipcServerFini(&second);
-    ipcServerFini(&first);
 }
 
 SUBPROCESS(deliversALengthInSilence) {
@@ -104,7 +111,5 @@ SUBPROCESS(deliversALengthInSilence) {
 }
 
 TEST_F(IpcLogOffTest, ALengthThatCannotBeOneIsStillFatal) {
-    const ChildResult result = runSubprocess("deliversALengthInSilence");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_EQ(result.out, "");
+    expectSilentBreak("deliversALengthInSilence");
 }

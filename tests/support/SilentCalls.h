@@ -1,0 +1,45 @@
+#ifndef TESTS_SILENTCALLS_H
+#define TESTS_SILENTCALLS_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/LogCapture.h"
+#include "support/Subprocess.h"
+
+constexpr int kSomeLines = -1;  // one or more
+
+// A call whose lines are switched off.
+struct SilentCall {
+    const char* what;
+    int result;
+    int lines;  // that there would have been
+    std::function<int()> call;
+};
+
+// Plays the calls one after the other, each with every level off: the results are the same, and
+// not a line is printed.
+inline void expectSilence(const std::vector<SilentCall>& calls) {
+    for (const SilentCall& each : calls) {
+        SCOPED_TRACE(each.what);
+        const LogOff off;
+        EXPECT_EQ(each.call(), each.result);
+        const int lines = off.refused();
+        EXPECT_TRUE(each.lines == kSomeLines ? lines > 0 : lines == each.lines) << lines;
+        EXPECT_EQ(off.printed(), 0);
+    }
+}
+
+// A subprocess that switches its lines off ends with a fatal break, and says nothing.
+inline void expectSilentBreak(const std::string& subprocess,
+                              const SubprocessArguments& arguments = {}) {
+    const ChildResult result = runSubprocess(subprocess, arguments);
+    const std::string what = arguments.empty() ? subprocess : arguments[0];
+    EXPECT_EQ(result.status, kFatalStatus) << what;
+    EXPECT_EQ(result.out, "") << what;
+}
+
+#endif
