@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -48,14 +47,6 @@ void decodeOne() {
                  static_cast<std::int32_t>(packet.size()), nullptr, 0);
 }
 
-std::string outputOf(const std::string& subprocess) {
-    const ChildResult result = runSubprocess(subprocess);
-    EXPECT_EQ(result.status, 0u) << result.err;
-    std::string text = result.out;
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
-}
-
 void waitUntilServed() {
     for (int i = 0; i < 1000 && !ipcNameIsServed(kServerName); ++i) sleepMs(5);
 }
@@ -87,7 +78,7 @@ SUBPROCESS(registersBeforeInit) {
 }
 
 TEST(BridgeEventsTest, RegisteringBeforeTheInitialisationIsAnErrorAndStartsNothing) {
-    EXPECT_EQ(outputOf("registersBeforeInit"),
+    EXPECT_EQ(subprocessOutput("registersBeforeInit"),
               "E BRIDGE bridgeRegisterCallbacks: called before bridgeApiInit\n" + eventLine("0"));
 }
 
@@ -106,7 +97,7 @@ SUBPROCESS(failsToStart) {
 }
 
 TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
-    EXPECT_EQ(outputOf("failsToStart"),
+    EXPECT_EQ(subprocessOutput("failsToStart"),
               "start of vtr_Uninstaller_bridge_nvo\n"
               "I BRIDGE Bridge ipc ..\n"
               "E BRIDGE FATAL: Bridge IPC server init failed: err -9\n" +
@@ -131,11 +122,11 @@ SUBPROCESS(registersTwice) {
 }
 
 TEST(BridgeEventsTest, RegisteringAgainReplacesTheCallbacksOfTheRunningServer) {
-    EXPECT_EQ(outputOf("registersTwice"), "I BRIDGE Bridge ipc ..\n" + eventLine("7") +
-                                              refusalLine() + "fini 0\n" + eventLine("7") +
-                                              refusalLine() +
-                                              "onCreateInstanceCompleted(7|N)\n"
-                                              "served 0\n");
+    EXPECT_EQ(subprocessOutput("registersTwice"), "I BRIDGE Bridge ipc ..\n" + eventLine("7") +
+                                                      refusalLine() + "fini 0\n" + eventLine("7") +
+                                                      refusalLine() +
+                                                      "onCreateInstanceCompleted(7|N)\n"
+                                                      "served 0\n");
 }
 
 SUBPROCESS(finishesWithoutServer) {
@@ -153,7 +144,7 @@ SUBPROCESS(finishesWithoutServer) {
 }
 
 TEST(BridgeEventsTest, FinishingWithoutAServerDoesNothingAndOneCanStillStart) {
-    EXPECT_EQ(outputOf("finishesWithoutServer"),
+    EXPECT_EQ(subprocessOutput("finishesWithoutServer"),
               "fini 0\nfini 0\nfini 0\nfini 0\nonCreateInstanceCompleted(7|N)\n");
 }
 
@@ -170,7 +161,7 @@ SUBPROCESS(registersAfterFini) {
 }
 
 TEST(BridgeEventsTest, AfterTheEndCallbacksAreSetButNoServerComesBack) {
-    EXPECT_EQ(outputOf("registersAfterFini"),
+    EXPECT_EQ(subprocessOutput("registersAfterFini"),
               "served 0\n"
               "E BRIDGE bridgeRegisterCallbacks: called after bridgeApiFini, no event will come\n" +
                   eventLine("0") + "onCreateInstanceCompleted(0|N)\n");
@@ -197,6 +188,6 @@ TEST(BridgeEventsTest, FinishingInsideACallbackStopsNothing) {
     const std::string event =
         eventLine("7") + "E BRIDGE bridgeApiFini: called inside a callback, nothing is stopped\n" +
         refusalLine();
-    EXPECT_EQ(outputOf("finishesInACallback"),
+    EXPECT_EQ(subprocessOutput("finishesInACallback"),
               "served 1\nI BRIDGE Bridge ipc ..\n" + event + event + "fini 0\nfini 0\n");
 }

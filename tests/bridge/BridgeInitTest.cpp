@@ -28,14 +28,6 @@ void print(const LogCapture& log) {
     }
 }
 
-std::string outputOf(const std::string& subprocess) {
-    const ChildResult result = runSubprocess(subprocess);
-    EXPECT_EQ(result.status, 0u) << result.out << result.err;
-    std::string text = result.out;
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
-}
-
 }  // namespace
 
 SUBPROCESS(initialisesThreeWays) {
@@ -51,7 +43,7 @@ SUBPROCESS(initialisesThreeWays) {
 
 TEST(BridgeInitTest, EachLineCarriesTheModuleAndTheExportsName) {
     const std::string place = "Source/bridge/Bridge bridgeApiInitEx: ";
-    EXPECT_EQ(outputOf("initialisesThreeWays"),
+    EXPECT_EQ(subprocessOutput("initialisesThreeWays"),
               "22\n-1\n0\n" + place + logged::messageOf(logged::clientInvalid("Other")) + "\n" +
                   place + logged::messageOf(logged::versionMismatched("1.0")) + "\n" + place +
                   logged::messageOf(logged::initialising("Helper")) + "\n" + place +
@@ -75,7 +67,7 @@ SUBPROCESS(keepsTheClientsText) {
 }
 
 TEST(BridgeInitTest, TheHostsOwnTextIsKeptFromTheLastInitialisationThatWasNotRefused) {
-    EXPECT_EQ(outputOf("keepsTheClientsText"), "");
+    EXPECT_EQ(subprocessOutput("keepsTheClientsText"), "");
 }
 
 SUBPROCESS(cannotMakeTheLock) {
@@ -89,7 +81,7 @@ SUBPROCESS(cannotMakeTheLock) {
 }
 
 TEST(BridgeInitTest, WithoutTheMachineWideLockItFailsWithTheLocksError) {
-    const std::string text = outputOf("cannotMakeTheLock");
+    const std::string text = subprocessOutput("cannotMakeTheLock");
     const std::string start = "-1\n" + logged::mutexNotMade("a\\b");
     EXPECT_EQ(text.substr(0, start.size()), start);
     const std::string end = "\n" + logged::confNotLoaded() + "\nbridgeApiInitEx\n";

@@ -91,20 +91,6 @@ SUBPROCESS(readsTheInstances) {
     return 0;
 }
 
-namespace {
-
-std::string seenByAnotherProgram(const std::string& path) {
-    const ChildResult result = runSubprocess("readsTheInstances", {path});
-    EXPECT_EQ(result.status, 0u) << result.err;
-    std::string text;
-    for (const char c : result.out) {
-        if (c != '\r') text += c;
-    }
-    return text;
-}
-
-}  // namespace
-
 TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
     ASSERT_EQ(init(kTwoInstances), 0);
     const std::size_t before = committedCount();
@@ -137,9 +123,9 @@ TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
 TEST_F(ConfInstancesTest, AnotherProgramSeesTheCopyAfterTheCommitOnly) {
     ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
-    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\n");
+    EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "A 320\nB 160\n");
     ASSERT_EQ(confCommit(store), 0);
-    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\nNew 320\n");
+    EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "A 320\nB 160\nNew 320\n");
 }
 
 TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
@@ -287,9 +273,9 @@ TEST_F(ConfInstancesTest, ARemovalReachesTheFileWithTheCommit) {
 TEST_F(ConfInstancesTest, AnotherProgramSeesTheRemovalAfterTheCommitOnly) {
     ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
-    EXPECT_EQ(seenByAnotherProgram(path()), "A 320\nB 160\n");
+    EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "A 320\nB 160\n");
     ASSERT_EQ(confCommit(store), 0);
-    EXPECT_EQ(seenByAnotherProgram(path()), "B 160\n");
+    EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "B 160\n");
 }
 
 TEST_F(ConfInstancesTest, RemovingAnUnknownInstanceStagesNothing) {

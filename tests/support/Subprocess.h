@@ -28,4 +28,7 @@ ChildResult runSubprocess(const std::string& name, const SubprocessArguments& ar
 ChildProcess startSubprocess(const std::string& name, const SubprocessArguments& arguments = {},
                              const ChildOptions& options = {});
 
+// What a subprocess that ends well prints, with plain line feeds.
+std::string subprocessOutput(const std::string& name, const SubprocessArguments& arguments = {});
+
 #endif

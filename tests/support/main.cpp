@@ -1,6 +1,7 @@
 // Entry of every test binary: its tests, or one of its subprocesses.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -104,6 +105,14 @@ ChildResult runSubprocess(const std::string& name, const SubprocessArguments& ar
 ChildProcess startSubprocess(const std::string& name, const SubprocessArguments& arguments,
                              const ChildOptions& options) {
     return ChildProcess(ownProgram(), withSubprocess(name, arguments), options);
+}
+
+std::string subprocessOutput(const std::string& name, const SubprocessArguments& arguments) {
+    const ChildResult result = runSubprocess(name, arguments);
+    EXPECT_EQ(result.status, 0u) << result.out << result.err;
+    std::string text = result.out;
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
 }
 
 int main(int argc, char** argv) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -81,15 +80,6 @@ void trimAndPrint() {
     std::printf("%d\n", result);
 }
 
-// What a subprocess printed; it must have ended well.
-std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
-    const ChildResult result = runSubprocess(subprocess, arguments);
-    EXPECT_EQ(result.status, 0u) << result.out << result.err;
-    std::string text = result.out;
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
-}
-
 }  // namespace
 
 SUBPROCESS(trimsFakeProcesses) {
@@ -138,7 +128,7 @@ SUBPROCESS(registersWithoutAnInstallFolder) {
 }
 
 TEST(UtlTrim, OnlyTheProductsProcessesAreTrimmedAndEveryHandleIsClosed) {
-    EXPECT_EQ(output("trimsFakeProcesses", {"C:\\Apps\\Player\\"}),
+    EXPECT_EQ(subprocessOutput("trimsFakeProcesses", {"C:\\Apps\\Player\\"}),
               "open 4\n"
               "open 100\ntrim 100\nclose 100\n"
               "open 104\nclose 104\n"
@@ -153,13 +143,13 @@ TEST(UtlTrim, OnlyTheProductsProcessesAreTrimmedAndEveryHandleIsClosed) {
 }
 
 TEST(UtlTrim, TheInstallFolderIsLookedForAsItStands) {
-    const std::string text = output("trimsFakeProcesses", {"C:\\Apps\\Player"});
+    const std::string text = subprocessOutput("trimsFakeProcesses", {"C:\\Apps\\Player"});
     EXPECT_NE(text.find(logged::memoryTrimmed("124", "C:\\Apps\\Player") + "\n"), std::string::npos)
         << text;
 }
 
 TEST(UtlTrim, AProcessWithoutANameIsCalledUnknown) {
-    const std::string text = output("trimsFakeProcesses", {"known"});
+    const std::string text = subprocessOutput("trimsFakeProcesses", {"known"});
     EXPECT_NE(text.find("close 124\n" + logged::memoryTrimmed("112", "<unknown>") + "\n" +
                         logged::memoryTrimmed("116", "<unknown>") + "\n0\n"),
               std::string::npos)
@@ -167,7 +157,7 @@ TEST(UtlTrim, AProcessWithoutANameIsCalledUnknown) {
 }
 
 TEST(UtlTrim, AFailedEnumerationIsLoggedAndNothingIsOpened) {
-    EXPECT_EQ(output("cannotListProcesses", {}),
+    EXPECT_EQ(subprocessOutput("cannotListProcesses"),
               "E UTL utlTrimMemoryAllProcs-> EnumProcesses: failed\n-1\n");
 }
 
@@ -180,12 +170,12 @@ TEST(UtlTrim, AMissingInstallFolderIsFatal) {
 }
 
 TEST(UtlCrashHandler, TheModuleOfTheInstallFolderIsRegistered) {
-    EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\日本\\", "refused"}),
+    EXPECT_EQ(subprocessOutput("registersTheCrashHandler", {"C:\\Apps\\日本\\", "refused"}),
               "register C:\\Apps\\日本\\QX-WerHandler.dll\n-2147024809\n");
 }
 
 TEST(UtlCrashHandler, NoSeparatorIsAdded) {
-    EXPECT_EQ(output("registersTheCrashHandler", {"C:\\Apps\\Player", "refused"}),
+    EXPECT_EQ(subprocessOutput("registersTheCrashHandler", {"C:\\Apps\\Player", "refused"}),
               "register C:\\Apps\\PlayerQX-WerHandler.dll\n-2147024809\n");
 }
 

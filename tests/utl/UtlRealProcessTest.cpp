@@ -1,7 +1,6 @@
 // Trimming and registering with Windows itself, on processes that run.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -21,15 +20,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-// What a subprocess printed; it must have ended well.
-std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
-    const ChildResult result = runSubprocess(subprocess, arguments);
-    EXPECT_EQ(result.status, 0u) << result.out << result.err;
-    std::string text = result.out;
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
-}
 
 // A folder with this program in it, in the form that Windows gives image paths.
 class InstallFolder {
@@ -94,14 +84,14 @@ TEST(UtlTrim, ARealProcessOfTheInstallFolderIsTrimmed) {
     const InstallFolder install;
     const ChildProcess child = install.start(/*megabytes=*/1);
     const std::string id = std::to_string(::GetProcessId(child.handle()));
-    EXPECT_EQ(output("trimsRealProcesses", {install.path()}),
+    EXPECT_EQ(subprocessOutput("trimsRealProcesses", {install.path()}),
               logged::memoryTrimmed(id, install.program()) + "\n0\n");
 }
 
 TEST(UtlTrim, ARealProcessOfAnotherFolderIsLeftAlone) {
     const InstallFolder install;
     const ChildProcess child = install.start(/*megabytes=*/1);
-    EXPECT_EQ(output("trimsRealProcesses", {install.path() + "other\\"}), "0\n");
+    EXPECT_EQ(subprocessOutput("trimsRealProcesses", {install.path() + "other\\"}), "0\n");
 }
 
 TEST(UtlTrim, TheWorkingSetShrinks) {
@@ -112,7 +102,7 @@ TEST(UtlTrim, TheWorkingSetShrinks) {
     const ChildProcess child = install.start(/*megabytes=*/64);
     const std::size_t before = workingSetOf(child.handle());
     EXPECT_GT(before, std::size_t{64} << 20);
-    output("trimsRealProcesses", {install.path()});
+    subprocessOutput("trimsRealProcesses", {install.path()});
     EXPECT_LT(workingSetOf(child.handle()), before / 2);
 }
 
@@ -126,5 +116,5 @@ SUBPROCESS(registersTheRealCrashHandler) {
 TEST(UtlCrashHandler, WindowsTakesTheModule) {
     const TempFolder folder;
     folder.write("QX-WerHandler.dll", "looked for only when the process crashes");
-    EXPECT_EQ(output("registersTheRealCrashHandler", {folder.path() + "\\"}), "0\n");
+    EXPECT_EQ(subprocessOutput("registersTheRealCrashHandler", {folder.path() + "\\"}), "0\n");
 }

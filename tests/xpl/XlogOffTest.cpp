@@ -9,9 +9,8 @@
 #include <new>
 #include <string>
 
-#include "support/LogCapture.h"
 #include "support/Platform.h"
-#include "support/Subprocess.h"
+#include "support/SilentCalls.h"
 #include "support/TempFolder.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xfile.h"
@@ -21,73 +20,40 @@
 
 namespace {
 
-class XlogOffTest : public ::testing::Test {
- protected:
-    void expectSilence(int lines) const {
-        EXPECT_EQ(off.refused(), lines);
-        EXPECT_EQ(off.printed(), 0);
-    }
-
-    LogOff off;
-};
-
-// Ends with a fatal break, and says nothing.
-void expectSilentBreak(const std::string& subprocess, const SubprocessArguments& arguments = {}) {
-    const ChildResult result = runSubprocess(subprocess, arguments);
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_EQ(result.out, "");
-}
-
-}  // namespace
-
-TEST_F(XlogOffTest, AMutexWhoseNameIsNotUtf8) {
-    XmutexNamed mutex;
-    EXPECT_EQ(mutex.init("\xFF"), -1);
-    const bool acquired = mutex.try_lock();
-    EXPECT_FALSE(acquired);
-    if (acquired) mutex.unlock();
-    expectSilence(2);
-}
-
-TEST_F(XlogOffTest, AnExceptionAtTheBorder) {
-    const XlogModule module{XlogTag::XLIB, "f"};
-    EXPECT_EQ(xcatchAll(module, "f", 7, []() -> int { throw std::bad_alloc(); }), 7);
-    EXPECT_EQ(xcatchAll(module, "f", 8, []() -> int { throw 1; }), 8);
-    expectSilence(2);
-}
-
-TEST_F(XlogOffTest, AMoveOfAFileThatIsNotThere) {
-    const TempFolder folder;
-    EXPECT_EQ(xfileMove(folder / "a", folder / "b"), XERR_NOENT);
-    expectSilence(1);
-}
-
-TEST_F(XlogOffTest, AProgramThatIsNotThere) {
-    EXPECT_EQ(xprocCreate(nullptr, {"C:\\no such\\program.exe"}), XERR_NOENT);
-    expectSilence(1);
-}
-
-TEST_F(XlogOffTest, AProgramWhoseNameIsNotUtf8) {
-    EXPECT_EQ(xprocCreate(nullptr, {"\xFF"}), 101113);
-    expectSilence(1);
-}
-
-TEST_F(XlogOffTest, AnElevatedStartThatIsDeclined) {
+int startElevatedDeclined() {
     const XprocCalls real = xprocCalls();
     xprocCalls().runAs = [](const std::wstring&, const std::wstring&, XprocPtr&,
                             unsigned long& error) {
         error = XPROC_ELEVATION_REQUIRED;
         return false;
     };
-    EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"}), 100740);
+    const int result = xprocCreate_elevated_basic(nullptr, {"C:\\x.exe"});
     xprocCalls() = real;
-    expectSilence(1);
+    return result;
 }
 
-TEST_F(XlogOffTest, AWaitForNoProcess) {
-    EXPECT_EQ(xprocWait(nullptr, nullptr), XERR_BADF);
-    EXPECT_EQ(xprocKill(nullptr, 1), 0);
-    expectSilence(2);
+}  // namespace
+
+TEST(XlogOffTest, WhatIsRefusedIsRefusedInSilence) {
+    const XlogModule module{XlogTag::XLIB, "f"};
+    const TempFolder folder;
+    XmutexNamed mutex;
+    expectSilence({
+        {"a mutex whose name is not UTF-8", -1, 1, [&] { return mutex.init("\xFF"); }},
+        {"try to take it", false, 1, [&] { return mutex.try_lock(); }},
+        {"an exception at the border", 7, 1,
+         [&] { return xcatchAll(module, "f", 7, []() -> int { throw std::bad_alloc(); }); }},
+        {"another one", 8, 1, [&] { return xcatchAll(module, "f", 8, []() -> int { throw 1; }); }},
+        {"move a missing file", XERR_NOENT, 1,
+         [&] { return xfileMove(folder / "a", folder / "b"); }},
+        {"start a missing program", XERR_NOENT, 1,
+         [] { return xprocCreate(nullptr, {"C:\\no such\\program.exe"}); }},
+        {"start a program whose name is not UTF-8", 101113, 1,
+         [] { return xprocCreate(nullptr, {"\xFF"}); }},
+        {"a declined elevation", 100740, 1, startElevatedDeclined},
+        {"wait for no process", XERR_BADF, 1, [] { return xprocWait(nullptr, nullptr); }},
+        {"kill no process", 0, 1, [] { return xprocKill(nullptr, 1); }},
+    });
 }
 
 SUBPROCESS(locksUninitialisedInSilence) {
@@ -98,10 +64,6 @@ SUBPROCESS(locksUninitialisedInSilence) {
     return 0;
 }
 
-TEST_F(XlogOffTest, ALockThatFailsIsStillFatal) {
-    expectSilentBreak("locksUninitialisedInSilence");
-}
-
 SUBPROCESS(unlocksUnownedInSilence) {
     const LogOff silence;
     XmutexNamed mutex;
@@ -110,7 +72,8 @@ SUBPROCESS(unlocksUnownedInSilence) {
     return 0;
 }
 
-TEST_F(XlogOffTest, ALockThatCannotBeReleasedIsStillFatal) {
+TEST(XlogOffTest, WhatIsFatalIsFatalInSilence) {
+    expectSilentBreak("locksUninitialisedInSilence");
     expectSilentBreak("unlocksUnownedInSilence",
                       {"Global\\vtr_test_off_" + std::to_string(ownProcessId())});
 }
