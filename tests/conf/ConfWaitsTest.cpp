@@ -95,6 +95,14 @@ class ConfWaitsTest : public ConfTest {
         ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.ram=\"1\"\n"), 0);
     }
 
+    // The same configuration through other files.
+    struct OtherStore : ConfStore {
+        OtherStore(const ConfWaitsTest& test, ConfFiles& files) : ConfStore(test.catalogue, files) {
+            fileLockName = test.store.fileLockName;
+            EXPECT_EQ(confLibInit(*this, test.path(), false), 0);
+        }
+    };
+
     // Expects of each call that it ends while the other thread stands still.
     static void expectNoWait(ConfStore& store) {
         for (const Call& call : callsThatNeverWait()) {
@@ -113,9 +121,7 @@ class ConfWaitsTest : public ConfTest {
             if (isArmed && at == step) stop.here();
             return XERR_SUCCESS;
         });
-        ConfStore slow(catalogue, files);
-        slow.fileLockName = store.fileLockName;
-        ASSERT_EQ(confLibInit(slow, path(), false), 0);
+        OtherStore slow(*this, files);
         confSetI32(slow, "vtr.instance.A.ram", ++ram_);
         isArmed = true;
         std::thread worker([&] { work(slow); });
@@ -187,9 +193,7 @@ std::int32_t slowPrint(std::int32_t, std::int32_t, const char*, const char*, std
 
 TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForALogLineOfACommit) {
     HookedFiles files(Step::Replace, XERR_ACCES);
-    ConfStore failing(catalogue, files);
-    failing.fileLockName = store.fileLockName;
-    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    OtherStore failing(*this, files);
     confSetI32(failing, "vtr.instance.A.ram", 2);
     Stop stop;
     logStop = &stop;
@@ -210,9 +214,7 @@ TEST_F(ConfWaitsTest, ASetDuringACommitIsStagedWhenItReturns) {
         if (at == Step::Replace) stop.here();
         return XERR_SUCCESS;
     });
-    ConfStore slow(catalogue, files);
-    slow.fileLockName = store.fileLockName;
-    ASSERT_EQ(confLibInit(slow, path(), false), 0);
+    OtherStore slow(*this, files);
     confSetI32(slow, kDpi, 2);
     std::thread worker([&] { commit(slow); });
     ASSERT_TRUE(stop.waitUntilReached());
@@ -232,9 +234,7 @@ TEST_F(ConfWaitsTest, ASetBeforeTheMergeIsPartOfTheCommit) {
         if (at == Step::Create) stop.here();
         return XERR_SUCCESS;
     });
-    ConfStore slow(catalogue, files);
-    slow.fileLockName = store.fileLockName;
-    ASSERT_EQ(confLibInit(slow, path(), false), 0);
+    OtherStore slow(*this, files);
     confSetI32(slow, kDpi, 2);
     std::thread worker([&] { commit(slow); });
     ASSERT_TRUE(stop.waitUntilReached());
@@ -253,9 +253,7 @@ TEST_F(ConfWaitsTest, ACommitWithoutChangesWaitsForTheOneThatRuns) {
         if (at == Step::Replace && ++moves == 1) stop.here();
         return XERR_SUCCESS;
     });
-    ConfStore slow(catalogue, files);
-    slow.fileLockName = store.fileLockName;
-    ASSERT_EQ(confLibInit(slow, path(), false), 0);
+    OtherStore slow(*this, files);
     confSetI32(slow, kDpi, 2);
     std::thread first([&] { commit(slow); });
     ASSERT_TRUE(stop.waitUntilReached());

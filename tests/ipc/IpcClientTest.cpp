@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -22,6 +23,14 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+const std::string kPacket(12, 'p');
+
+// Ends the waiting of a server that is declared before it, also where a check ends the test early.
+struct SetAtEnd {
+    std::atomic<bool>& flag;
+    ~SetAtEnd() { flag = true; }
+};
 
 class IpcClientTest : public ::testing::Test {
  protected:
@@ -41,6 +50,23 @@ class IpcClientTest : public ::testing::Test {
         return result;
     }
 
+    // Reads the reply of a server that sends none. Returns after how many seconds the read failed.
+    double waitForReply() {
+        std::atomic<bool> done{false};
+        RawServer server(name, [&done](RawPipe& pipe) {
+            pipe.read(12);
+            while (!done) sleepMs(5);
+        });
+        const SetAtEnd release{done};
+        EXPECT_EQ(send(kPacket, false), 0);
+        char reply[8];
+        const Clock::time_point start = Clock::now();
+        EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+        const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+        EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
+        return waited;
+    }
+
     // Warnings and errors but for the slow-call warning, which depends on the machine's speed.
     Lines complaints() const {
         Lines all;
@@ -56,14 +82,6 @@ class IpcClientTest : public ::testing::Test {
     LogCapture log;
     IpcClient client;
     double seconds = 0;
-};
-
-const std::string kPacket(12, 'p');
-
-// Ends the waiting of a server that is declared before it, also where a check ends the test early.
-struct SetAtEnd {
-    std::atomic<bool>& flag;
-    ~SetAtEnd() { flag = true; }
 };
 
 }  // namespace
@@ -198,33 +216,24 @@ TEST_F(IpcClientTest, AClientOfAnotherServerIsDisconnectedFirst) {
     EXPECT_EQ(got, "other packet");
 }
 
-TEST_F(IpcClientTest, AReplyInPiecesIsCollected) {
-    RawServer server(name, [](RawPipe& pipe) {
-        pipe.read(12);
-        for (const char* piece : {"ab", "c", "defg", "h"}) {
-            pipe.write(piece);
-            sleepMs(20);
-        }
-        pipe.readAll();
-    });
-    ASSERT_EQ(send(kPacket, false), 0);
-    char reply[9] = {};
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
-    EXPECT_STREQ(reply, "abcdefgh");
-    EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
-    EXPECT_EQ(complaints(), Lines{});
-}
-
-TEST_F(IpcClientTest, AReplyThatIsTooLongIsCut) {
-    RawServer server(name, [](RawPipe& pipe) {
-        pipe.read(12);
-        pipe.write("abcdefghijklmnop");
-        pipe.readAll();
-    });
-    ASSERT_EQ(send(kPacket, false), 0);
-    char reply[9] = {};
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
-    EXPECT_STREQ(reply, "abcdefgh");
+TEST_F(IpcClientTest, AReplyIsCollectedFromItsPiecesAndCutWhereItIsTooLong) {
+    const std::vector<Lines> replies{{"ab", "c", "defg", "h"}, {"abcdefghijklmnop"}};
+    for (const Lines& pieces : replies) {
+        RawServer server(name, [&pieces](RawPipe& pipe) {
+            pipe.read(12);
+            for (const std::string& piece : pieces) {
+                pipe.write(piece);
+                sleepMs(20);
+            }
+            pipe.readAll();
+        });
+        ASSERT_EQ(send(kPacket, false), 0);
+        char reply[9] = {};
+        EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
+        EXPECT_STREQ(reply, "abcdefgh") << pieces.size() << " pieces";
+        EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
+        EXPECT_EQ(complaints(), Lines{});
+    }
 }
 
 TEST_F(IpcClientTest, AShortReplyIsFilledWithZerosAndFails) {
@@ -241,38 +250,15 @@ TEST_F(IpcClientTest, AShortReplyIsFilledWithZerosAndFails) {
 }
 
 TEST_F(IpcClientTest, ALateReplyFailsAndLeavesTheConnection) {
-    std::atomic<bool> done{false};
-    RawServer server(name, [&done](RawPipe& pipe) {
-        pipe.read(12);
-        while (!done) sleepMs(5);
-    });
-    const SetAtEnd release{done};
-    ASSERT_EQ(send(kPacket, false), 0);
-    char reply[8];
-    const Clock::time_point start = Clock::now();
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
-    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+    const double waited = waitForReply();
     EXPECT_GT(waited, 0.25);
     EXPECT_LT(waited, 1.5);
-    EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
     EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
-    done = true;
 }
 
 TEST_F(IpcClientTest, AReplyIsWaitedForThirtySeconds) {
     client.waitMs = IPC_WAIT_MS;
-    std::atomic<bool> done{false};
-    RawServer server(name, [&done](RawPipe& pipe) {
-        pipe.read(12);
-        while (!done) sleepMs(5);
-    });
-    const SetAtEnd release{done};
-    ASSERT_EQ(send(kPacket, false), 0);
-    char reply[8];
-    const Clock::time_point start = Clock::now();
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
-    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
-    done = true;
+    const double waited = waitForReply();
     EXPECT_GT(waited, 29.5);
     EXPECT_LT(waited, 33.0);
 }
