@@ -137,6 +137,20 @@ class AppcCallsTest : public ::testing::Test {
         return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
     }
 
+    // Loads while a call is refused but for its last try.
+    void expectReadAtTheLastTry() {
+        const OddSleep sleeping("Sleep", countSleep);
+        for (const int error :
+             {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
+            refuseNext(kTries - 1, error);
+            EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+            EXPECT_EQ(seen.calls, kTries) << error;
+            EXPECT_EQ(seen.sleptMs, 500u) << error;
+            EXPECT_EQ(packages(), Lines{"com.a"}) << error;
+            EXPECT_EQ(log.texts(), Lines{}) << error;
+        }
+    }
+
     Lines kept(int error) const { return {logged::cacheKept(path(), error)}; }
     Lines deleted(int error) const { return {logged::cacheDeleted(path(), error)}; }
 
@@ -188,16 +202,8 @@ TEST_F(AppcCallsTest, AnIconThatMayNotBeLookedAtIsNotMoved) {
 }
 
 TEST_F(AppcCallsTest, AnOpenThatIsRefusedForAMomentIsTriedAgain) {
-    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddOpen refusing("CreateFileW", refuseOpen);
-        const OddSleep sleeping("Sleep", countSleep);
-        refuseNext(kTries - 1, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, kTries) << error;
-        EXPECT_EQ(seen.sleptMs, 500u) << error;
-        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
-        EXPECT_EQ(log.texts(), Lines{}) << error;
-    }
+    const OddOpen refusing("CreateFileW", refuseOpen);
+    expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
@@ -240,16 +246,8 @@ TEST_F(AppcCallsTest, AnOpenThatFailsWithoutAnErrorIsAFailureToo) {
 }
 
 TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
-    for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddRead refusing("ReadFile", refuseRead);
-        const OddSleep sleeping("Sleep", countSleep);
-        refuseNext(kTries - 1, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, kTries) << error;
-        EXPECT_EQ(seen.sleptMs, 500u) << error;
-        EXPECT_EQ(packages(), Lines{"com.a"}) << error;
-        EXPECT_EQ(log.texts(), Lines{}) << error;
-    }
+    const OddRead refusing("ReadFile", refuseRead);
+    expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {

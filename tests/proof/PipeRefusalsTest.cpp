@@ -105,6 +105,13 @@ BOOL WINAPI connectWhenAllowed(HANDLE pipe, LPOVERLAPPED overlapped) {
     return real<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
 }
 
+template <DWORD kError>
+BOOL WINAPI refuseSid(PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
+                      DWORD, DWORD, PSID*) {
+    ::SetLastError(kError);
+    return FALSE;
+}
+
 class PipeRefusals : public ::testing::Test {
  protected:
     PipeRefusals() {
@@ -216,12 +223,7 @@ TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
 // The access list is made once, so that a later shortage does not meet it.
 TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
     start();
-    const RefusedSid sid("AllocateAndInitializeSid",
-                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
-                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
-                             ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-                             return FALSE;
-                         });
+    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_NOT_ENOUGH_MEMORY>);
     for (std::uint32_t i = 1; i <= 20; ++i) expectServed(i);
     EXPECT_EQ(errors(), Lines{});
 }
@@ -250,12 +252,7 @@ TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsToldInTheSystemsWords) {
 }
 
 TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid",
-                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
-                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
-                             ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-                             return FALSE;
-                         });
+    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_NOT_ENOUGH_MEMORY>);
     launch();
     ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
     EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 8\n",
@@ -264,12 +261,7 @@ TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
 }
 
 TEST_F(PipeRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid",
-                         [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD,
-                            DWORD, DWORD, DWORD, PSID*) -> BOOL {
-                             ::SetLastError(ERROR_SUCCESS);
-                             return FALSE;
-                         });
+    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_SUCCESS>);
     launch();
     ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
     EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 0\n",

@@ -314,28 +314,26 @@ TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
     }
 }
 
-TEST_F(FileRefusals, AFileHeldForLongIsTheStatusAfterTenRetries) {
-    const OddMove held("MoveFileExW", neverMove);
-    const std::string source = folder.write("a", "");
-    moveError = ERROR_LOCK_VIOLATION;
-    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), 100033);
-    EXPECT_EQ(calls, 11);
-}
-
-TEST_F(FileRefusals, OtherErrorsAreNotWaitedFor) {
+TEST_F(FileRefusals, AMoveThatKeepsFailingIsTheStatusAfterItsTries) {
     const OddMove refused("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
-    moveError = ERROR_DISK_FULL;
-    EXPECT_EQ(xfileMoveWithRetry(source, folder / "b"), XERR_NOSPC);
-    EXPECT_EQ(calls, 1);
-}
-
-TEST_F(FileRefusals, AFileBrieflyHeldFailsAtOnceWithoutRetry) {
-    const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
-    const std::string source = folder.write("a", "");
-    moveError = ERROR_SHARING_VIOLATION;
-    EXPECT_EQ(xfileMove(source, folder / "b"), 100032);
-    EXPECT_EQ(calls, 1);
+    const struct {
+        const char* what;
+        XErr (*move)(const std::string& source, const std::string& destination);
+        DWORD error;
+        XErr result;
+        int calls;
+    } cases[] = {
+        {"held for long", xfileMoveWithRetry, ERROR_LOCK_VIOLATION, 100033, 11},
+        {"another error", xfileMoveWithRetry, ERROR_DISK_FULL, XERR_NOSPC, 1},
+        {"held, without retry", xfileMove, ERROR_SHARING_VIOLATION, 100032, 1},
+    };
+    for (const auto& [what, move, error, result, expectedCalls] : cases) {
+        calls = 0;
+        moveError = error;
+        EXPECT_EQ(move(source, folder / "b"), result) << what;
+        EXPECT_EQ(calls, expectedCalls) << what;
+    }
 }
 
 TEST_F(FileRefusals, AFullPathThatCannotBeToldIsTheStatus) {
