@@ -73,7 +73,7 @@ TEST(BridgeLogOffTest, WhatIsRefusedOrPassedOnIsSoInSilence) {
         {"a status for a null text", XERR_INVAL, 1, [] { return statusFor(nullptr); }},
         {"a value", 5, 0, [] { return valueFor("b"); }},
         {"a value for a null text", 0, 1, [] { return valueFor(nullptr); }},
-        {"a listing without a lock", false, 2, listsWithoutALock},
+        {"a listing without a lock", false, kSomeLines, listsWithoutALock},
         {"a client that cannot be prepared", -7, 2,
          [] { return internal::bridgePlrShutdown("Nougat64", true); }},
         {"clients that cannot be prepared", 0, 2,
