@@ -20,7 +20,7 @@ results="$tree/build/windows/bench"
 mkdir -p "$results"
 
 build_native() {
-    (cd "$tree" && cmake --preset native \
+    (cd "$tree" && CC="$llvm/clang" CXX="$llvm/clang++" cmake --preset native \
         "-DBRIDGE_COMPETITORS=$(bash "$tree/bench/competitors.sh" --dir)")
     ninja -C "$tree/build/native" bench
 }
