@@ -63,9 +63,9 @@ XErr createTemporary(ConfFiles& files, XtemporaryFile& temporary,
     return err;
 }
 
-// The moment of the commit: the file's values, the pending changes over them, and the new text of
-// the file, without a step between them. A read sees what was there before or all of it; a set
-// comes before it or stays pending.
+// Takes over the file's values, lays the pending changes over them and makes the file's new text,
+// all under one hold of the view's lock: a read sees none of it or all of it, and a set that comes
+// later stays pending.
 XErr merge(ConfStore& store, std::string& text, std::optional<ConfRefusedEntry>& refused)
     XTS_REQUIRES(store.lock) {
     std::optional<ConfBadLine> bad;
@@ -100,7 +100,7 @@ XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<Co
 
 XErr commitTo(ConfStore& store, const std::string& path) XTS_REQUIRES(store.lock) {
     const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confCommitToFile");
-    // One that is left takes no harm: the next commit takes its place.
+    // A temporary file that is left over does no harm: the next commit overwrites it.
     XtemporaryFile temporary(store.files, path + "-temp", kConfLog, "confCommitToFile");
     std::unique_ptr<ConfOutput> output;
     if (const XErr err = createTemporary(store.files, temporary, output); err != XERR_SUCCESS) {

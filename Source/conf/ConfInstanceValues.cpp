@@ -22,7 +22,7 @@ std::size_t indexOf(const ConfStore& store, const ConfColumn& column) {
     return static_cast<std::size_t>(found - schema.begin());
 }
 
-// What a read of the value gives; null for one that is being removed.
+// The value as a read sees it; null while its removal is pending.
 const std::string* shownText(const ConfValue& value) {
     if (value.isRemoved) return nullptr;
     return value.staged == nullptr ? &value.committed : value.staged.get();

@@ -14,9 +14,9 @@
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 
-// A name for the file lock of the configuration at `path`. The product's is the machine's, and
-// whoever waits for it for a second tells its log: tests that run at the same time would tell of
-// each other.
+// A name for the file lock of the configuration at `path`. The product's lock is shared by the
+// whole machine, and a wait of a second for it is logged: tests that run at the same time would log
+// each other's.
 std::string ownLockName(const std::string& path);
 
 // A store of the test's own over a folder of the test's own.
