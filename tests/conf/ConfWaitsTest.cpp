@@ -113,7 +113,7 @@ class ConfWaitsTest : public ConfTest {
         }
     }
 
-    // The same while work(store) stands at that step of the files.
+    // The same while another thread, which runs work(store), is stopped before that file operation.
     void expectNoWaitAt(Step step, const std::function<void(ConfStore&)>& work) {
         Stop stop;
         bool isArmed = false;

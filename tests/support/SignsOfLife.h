@@ -6,9 +6,9 @@
 
 #include "support/TempFolder.h"
 
-// Tells when children that the library starts are running. One that is killed while it starts
-// leaves a process of Wine's console behind for good, which keeps the output of the test program
-// open.
+// Lets a test wait until the children that the library started are really running. Killing a child
+// earlier leaves a Wine console process behind, which never ends and keeps the test program's
+// output open.
 class SignsOfLife {
  public:
     // For one more child, which is to hand it to leaveSignOfLife().
