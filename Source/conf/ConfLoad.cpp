@@ -33,12 +33,22 @@ void applyDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
     fillGlobalDefaults(store);
 }
 
+// Leaves the defaults behind when memory runs out, as after any other failure of a read.
+XErr readFileOrApplyDefaults(ConfStore& store, std::string& text) XTS_REQUIRES(store.lock) {
+    try {
+        return confReadFile(store, text);
+    } catch (...) {
+        applyDefaults(store);
+        throw;
+    }
+}
+
 // The defaults and the file's values in one step, so that a read never sees a default of a key that
 // the file has. The defaults also where the file cannot be read.
 XErr applyDefaultsAndFile(ConfStore& store) XTS_REQUIRES(store.lock) {
     const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confLibInit");
     std::string text;
-    const XErr err = confReadFile(store, text);
+    const XErr err = readFileOrApplyDefaults(store, text);
     std::optional<ConfBadLine> bad;
     {
         const std::lock_guard<XsharedMutex> changing(store.viewLock);

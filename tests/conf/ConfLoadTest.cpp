@@ -5,6 +5,7 @@
 #include <functional>
 #include <initializer_list>
 #include <mutex>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -281,6 +282,15 @@ TEST_F(ConfLoadTest, AReadThatFailsIsReported) {
     ConfStore broken(catalogue, files);
     EXPECT_EQ(confLibInit(broken, "C:\\x.conf", false), -1);
     EXPECT_EQ(log.texts(), Lines{logged::confNotRead("C:\\x.conf")});
+}
+
+// Without the defaults the read of a bool would be fatal.
+TEST_F(ConfLoadTest, AnInitialisationThatThrowsWhileItReadsLeavesTheDefaults) {
+    HookedFiles files([](HookedFiles::Step) -> XErr { throw std::bad_alloc(); });
+    ConfStore broken(catalogue, files);
+    broken.fileLockName = store.fileLockName;
+    EXPECT_THROW(static_cast<void>(confLibInit(broken, path(), false)), std::bad_alloc);
+    EXPECT_TRUE(confGetBool(broken, "vtr.enable_statusbar"));
 }
 
 TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
