@@ -21,5 +21,8 @@ bridge.on('appDisplayed', async () => {
     setImmediate(() => console.log('finished, silent since'));
     flood.kill();
 });
+let flood;
 bridge.listen();
-const flood = spawn(path.join(host.standins, 'QX-Player.exe'), ['--instance', 'NodeFlood'], { stdio: 'ignore' });
+host.served().then(() => {
+    flood = spawn(path.join(host.standins, 'QX-Player.exe'), ['--instance', 'NodeFlood'], { stdio: 'ignore' });
+});

@@ -5,7 +5,9 @@ const assert = require('assert');
 const { spawn, spawnSync } = require('child_process');
 const { once } = require('events');
 const fs = require('fs');
+const koffi = require('koffi');
 const path = require('path');
+const { setTimeout: sleep } = require('timers/promises');
 const { data, setProduct } = require('./sandbox');
 
 const build = process.env.QX_TEST_BUILD;
@@ -31,8 +33,16 @@ const read = (name) => fs.readFileSync(path.join(data, name), 'utf8');
 // The messages of the product's log.
 const log = () => read('Logs/Player.log').split(/\r?\n/);
 
-// Sends one event as the product does. The event loop runs meanwhile.
+const waitForPipe = koffi.load('kernel32.dll').func('int32_t WaitNamedPipeW(str16 path, uint32_t milliseconds)');
+
+// Waits until there is something to connect to: the server's thread begins after listen().
+async function served() {
+    for (let i = 0; i < 6000 && !waitForPipe(`\\\\.\\pipe\\vtr_${CLIENT}_bridge_nvo`, 1); ++i) await sleep(5);
+}
+
+// Sends one event as the product does, to a host that listens. The event loop runs meanwhile.
 async function send(...words) {
+    await served();
     const player = spawn(path.join(standins, 'QX-Player.exe'), ['--event', ...words], { stdio: 'ignore' });
     const [status] = await once(player, 'exit');
     assert.strictEqual(status, 0, `nobody took ${words.join(' ')}`);
@@ -48,4 +58,4 @@ function runScript(name, ...words) {
     return { status: result.status, output: fs.readFileSync(file, 'utf8') };
 }
 
-module.exports = { CLIENT, data, dll, log, output, read, runScript, send, setProduct, standins, write };
+module.exports = { CLIENT, data, dll, log, output, read, runScript, send, served, setProduct, standins, write };

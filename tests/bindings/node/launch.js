@@ -14,4 +14,4 @@ bridge.on('appDisplayed', async ({ instance, package: name }) => {
     console.log('finished');
 });
 bridge.listen();
-bridge.launchApp('NodeTest', 'com.größe');
+host.served().then(() => bridge.launchApp('NodeTest', 'com.größe'));
