@@ -18,7 +18,7 @@ NODE = "bindings/node/bridge.generated.js"
 TYPES = "bindings/node/bridge.generated.d.ts"
 CSHARP = "bindings/csharp/QXBridge.generated.cs"
 PYTHON = "bindings/python/qxbridge_generated.py"
-HEADER, CATALOGUE, CODES, WORDS = generate.interface.SOURCES
+HEADER, CATALOGUE, CODES, WORDS, IMAGES = generate.interface.SOURCES
 
 
 def fault(name):
@@ -135,7 +135,9 @@ class GeneratedTest(unittest.TestCase):
                  "BRIDGE_CALL bridgeFreeMemory(const void* memory)"),
                 (CATALOGUE, '{"dpi", ConfType::I32, "240", kDumped}', '{"dpi", ConfType::I32, kDpi, kDumped}'),
                 (CATALOGUE, "kInstanceRows[] = {", "kRows[] = {"),
-                (WORDS, "case XErrCode::XERR_PERM:", "case XErrCode::XERR_OTHER:")):
+                (WORDS, "case XErrCode::XERR_PERM:", "case XErrCode::XERR_OTHER:"),
+                (IMAGES, '{"Nougat32", false', "{kName, false"),
+                (IMAGES, "kImages[] = {", "kRows[] = {")):
             with self.subTest(old):
                 self.change(name, old, new)
                 self.assertRaises((KeyError, ValueError), generated.main, self.root)

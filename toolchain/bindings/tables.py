@@ -10,11 +10,29 @@ TYPES = {"I32": "i32", "I64": "i64", "MultiString": "multi-string", "Bool": "boo
 LITERAL = r'"((?:[^"\\]|\\.)*)"'
 
 
+# What a number counts, by the property's name; of the others it is not known.
+UNITS = {"ram": "MiB", "cpus": "processors", "dpi": "dots per inch", "max_fps": "frames per second",
+         "eco_mode_max_fps": "frames per second", "mim.max_fps": "frames per second",
+         "fb_width": "pixels", "fb_height": "pixels", "gl_win_height": "pixels", "gl_win_x": "pixels",
+         "gl_win_y": "pixels", "adb_port": "TCP port", "status.adb_port": "TCP port"}
+
+# What an element of a list can be.
+ALLOWED = {"abi_list": ["x86", "x64", "arm", "arm64"]}
+
+
 class Key(NamedTuple):
     scope: str
     name: str
     type: str
     default: str
+
+    @property
+    def unit(self) -> str:
+        return UNITS.get(self.name, "")
+
+    @property
+    def allowed(self) -> List[str]:
+        return ALLOWED.get(self.name, [])
 
 
 class Code(NamedTuple):
@@ -41,6 +59,17 @@ def keys(catalogue: str) -> List[Key]:
         if table is None:
             raise ValueError(f"there is no table {variable}")
         found += rows_of(table[1], scope)
+    return found
+
+
+def images(table: str) -> List[str]:
+    """From the text of UtlImages.cpp. An instance's name up to its first "_" is one of these."""
+    rows = re.search(r"\bkImages\[\] = \{(.*?)\n\};", table, re.S)
+    if rows is None:
+        raise ValueError("there is no table kImages")
+    found = re.findall(rf"^    \{{{LITERAL},", rows[1], re.M)
+    if len(found) != rows[1].count("{") or not found:
+        raise ValueError("a row of kImages cannot be read")
     return found
 
 
