@@ -37,6 +37,11 @@ PlainText read(std::string_view content) {
             }
             check(liesInside(entry.key, entry.line), "a key lies inside its line");
             check(liesInside(entry.value, entry.line), "a value lies inside its line");
+            check(entry.hasNul == (entry.line.find('\0') != std::string_view::npos),
+                  "a NUL in a line is told");
+            check(entry.hasNul || confCheckReadEntry(entry.key, entry.value) ==
+                                      confCheckEntry(entry.key, entry.value),
+                  "both checks of an entry that was read agree");
             result.entries.push_back(
                 {std::string(entry.line), std::string(entry.key), std::string(entry.value)});
         }

@@ -19,6 +19,7 @@ struct ConfEntry {
     // What stands between the two characters after the first "=" and the line's last character,
     // whatever these are: a file with CR line ends keeps its closing quotes. Ends at a NUL.
     std::string_view value;
+    bool hasNul;  // anywhere in the line
 };
 
 enum class ConfRead { Entry, Malformed, End };
@@ -43,6 +44,9 @@ int confLineLength(std::string_view key, std::string_view value);
 // Whether an entry would read back as it is written: 7 (XERR_2BIG) for a line of 4096 bytes or
 // more, 22 (XERR_INVAL) for a line feed in it or a "=" or NUL in the key.
 XErr confCheckEntry(std::string_view key, std::string_view value);
+
+// The same for an entry without a NUL that was read: only its length can be wrong.
+XErr confCheckReadEntry(std::string_view key, std::string_view value);
 
 // Writes what follows the key in the line of an entry that passed the check, to where there is room
 // for it, and returns the place after it. A value ends at its first NUL.

@@ -92,6 +92,7 @@ void ConfView::mergeChanges() noexcept {
         if (value->staged != nullptr) {
             value->committed = std::move(*value->staged);
             value->isCommitted = true;
+            value->isRead = false;
         }
         if (value->isRemoved) value->erase();
     }

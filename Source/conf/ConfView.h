@@ -20,6 +20,7 @@ struct ConfValue {
     std::string committed;                // empty while there is none
     std::unique_ptr<std::string> staged;  // null: no new value
     bool isCommitted = false;
+    bool isRead = false;     // the committed one, and its key, come from a line without a NUL
     bool isRemoved = false;  // not committed yet
     bool isListed = false;   // among the view's changed values
 
@@ -29,6 +30,7 @@ struct ConfValue {
     void commit(std::string_view value) {
         if (committed != value) committed = value;
         isCommitted = true;
+        isRead = false;
     }
     void erase() {
         committed.clear();

@@ -36,16 +36,17 @@ const char* directoryOf(const ConfKey& key) {
 
 // Appends the line of an entry, unless that would not read back.
 XErr appendLine(std::string& text, std::string_view prefix, std::string_view name,
-                std::string_view value) {
+                const ConfValue& value) {
+    const auto check = value.isRead ? confCheckReadEntry : confCheckEntry;
     char line[CONF_LINE_SIZE];
     if (prefix.size() + name.size() > sizeof line) {
-        return confCheckEntry(std::string(prefix).append(name), value);
+        return check(std::string(prefix).append(name), value.committed);
     }
     char* const afterPrefix = std::copy(prefix.begin(), prefix.end(), line);
     char* const afterKey = std::copy(name.begin(), name.end(), afterPrefix);
     const std::string_view key(line, static_cast<std::size_t>(afterKey - line));
-    const XErr err = confCheckEntry(key, value);
-    if (err == XERR_SUCCESS) text.append(line, confEndLine(afterKey, value));
+    const XErr err = check(key, value.committed);
+    if (err == XERR_SUCCESS) text.append(line, confEndLine(afterKey, value.committed));
     return err;
 }
 
@@ -63,7 +64,9 @@ std::optional<ConfBadLine> confReadView(ConfView& view, ConfView::Names& depreca
         const ConfKey key = confFindKey(view.catalogue(), entry.key, next);
         next = key.index + 1;
         if (key.declared == nullptr) return ConfBadLine{entry.line, entry.key, directoryOf(key)};
-        target.value(key).commit(entry.value);
+        ConfValue& value = target.value(key);
+        value.commit(entry.value);
+        value.isRead = !entry.hasNul;
         if (key.declared->deprecated) deprecated.emplace(key.text);
     }
     if (read == ConfRead::Malformed) return ConfBadLine{entry.line, {}, nullptr};
@@ -75,7 +78,7 @@ std::optional<ConfRefusedEntry> confWriteView(const ConfView& view, std::string&
     text.clear();
     view.forEach([&](std::string_view prefix, std::string_view name, const ConfValue& value) {
         if (refused || !value.isCommitted) return;
-        const XErr err = appendLine(text, prefix, name, value.committed);
+        const XErr err = appendLine(text, prefix, name, value);
         if (err == XERR_SUCCESS) return;
         refused = {err, std::string(prefix).append(name), value.committed};
     });

@@ -422,6 +422,24 @@ TEST_F(ConfCommitTest, AFileWithALineThatCannotBeWrittenAgainLoadsAndBlocksCommi
     EXPECT_EQ(confCommit(store), 0);
 }
 
+TEST_F(ConfCommitTest, AFileWithANulInTheNameOfAnInstanceLoadsAndBlocksCommits) {
+    const std::string file = std::string("vtr.instance.A") + '\0' + "B.dpi=\"320\"\n";
+    ASSERT_EQ(init(file), 0);
+    confSetString(store, "vtr.locale", "a");
+    EXPECT_EQ(confCommit(store), XERR_INVAL);
+    EXPECT_EQ(folder.read("vantrel.conf"), file);
+}
+
+TEST_F(ConfCommitTest, AValueOfTheFileIsWrittenUpToItsNul) {
+    ASSERT_EQ(init(std::string("vtr.guid=\"a") + '\0' + "b\"\n"), 0);
+    confSetString(store, "vtr.locale", "b");
+    EXPECT_EQ(confCommit(store), 0);
+    Entries expected = globalDefaults();
+    expected["vtr.guid"] = "a";
+    expected["vtr.locale"] = "b";
+    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+}
+
 TEST_F(ConfCommitTest, ALineFeedInAValueIsRefusedUntilItIsSetAgain) {
     ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
     confSetString(store, "vtr.guid", "x\ny");

@@ -89,6 +89,22 @@ TEST(ConfText, AValueEndsAtItsFirstNul) {
               (Read{"a>1", "b>3", "end"}));
 }
 
+TEST(ConfText, TellsOfANulAnywhereInALine) {
+    const auto hasNul = [](std::string_view line) {
+        ConfTextReader reader(line);
+        ConfEntry entry;
+        EXPECT_EQ(reader.next(entry), ConfRead::Entry);
+        return entry.hasNul;
+    };
+    for (const std::string_view line :
+         {std::string_view("a\0b=\"1\"\n", 8), std::string_view("a=\0\"1\"\n", 7),
+          std::string_view("a=\"1\0\"\n", 7), std::string_view("a=\"1\"\0", 6)}) {
+        EXPECT_TRUE(hasNul(line)) << line;
+    }
+    EXPECT_FALSE(hasNul("a=\"1\"\n"));
+    EXPECT_FALSE(hasNul({"a=\"1\"\nb=\"\0\"\n", 13})) << "the next line's counts for itself";
+}
+
 TEST(ConfText, LineLengthsFollowTheBoundedFormatter) {
     EXPECT_EQ(confLineLength("a", "1"), 6);
     EXPECT_EQ(confLineLength("a", std::string(4090, 'x')), 4095);
@@ -100,6 +116,8 @@ TEST(ConfText, LinesOf4096BytesAndMoreAreRefused) {
     EXPECT_EQ(confCheckEntry("a", std::string(4090, 'x')), XERR_SUCCESS);
     EXPECT_EQ(confCheckEntry("a", std::string(4091, 'x')), XERR_2BIG);
     EXPECT_EQ(confCheckEntry("a", std::string(9999, 'x')), XERR_2BIG);
+    EXPECT_EQ(confCheckReadEntry("a", std::string(4090, 'x')), XERR_SUCCESS);
+    EXPECT_EQ(confCheckReadEntry("a", std::string(4091, 'x')), XERR_2BIG);
 }
 
 TEST(ConfText, EntriesThatWouldNotReadBackAreRefused) {
