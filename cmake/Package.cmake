@@ -3,7 +3,9 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS QX-Bridge RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
-install(TARGETS bridgectl standin_player standin_manager RUNTIME DESTINATION bin)
+install(TARGETS bridgectl RUNTIME DESTINATION bin)
+# Apart from what a host ships: nobody is to find them instead of the product's programs.
+install(TARGETS standin_player standin_manager RUNTIME DESTINATION tools)
 install(FILES "$<TARGET_FILE_DIR:QX-Bridge>/QX-Bridge.pdb" DESTINATION bin)
 foreach(module Core Network)
     get_target_property(dll Qt5::${module} IMPORTED_LOCATION_RELEASE)
@@ -21,6 +23,9 @@ write_basic_package_version_file("${package_folder}/QXBridgeConfigVersion.cmake"
     VERSION "${PROJECT_VERSION}" COMPATIBILITY SameMajorVersion)
 install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBridgeConfigVersion.cmake"
     DESTINATION lib/cmake/QXBridge)
+
+configure_file(cmake/qx-bridge.pc.in "${package_folder}/qx-bridge.pc" @ONLY)
+install(FILES "${package_folder}/qx-bridge.pc" DESTINATION lib/pkgconfig)
 
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
     PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE

@@ -20,11 +20,11 @@ mkdir -p "$folder/data/Logs"
 printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$folder/data/vantrel.conf"
 key='HKLM\SOFTWARE\Vantrel_nvo'
 wine reg add "$key" /v UserDefinedDir /d "$(windows_path "$folder/data")" /f
-wine reg add "$key" /v InstallDir /d "$(windows_path "$root/bin")\\" /f
+wine reg add "$key" /v InstallDir /d "$(windows_path "$root/tools")\\" /f
 
 listing=$(wine bin/bridgectl.exe instances --json)
 grep -q '"displayName": "Jeux"' <<<"$listing" || fail "bridgectl lists: $listing"
-for host in "$work/gcc/host_c.exe" "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
+for host in "$work"/gcc/host_{c,pc}.exe "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
     "$work/clang/host_lib.exe"; do
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
     [ "$got" = "$listing" ] || fail "$host lists: $got"

@@ -22,8 +22,8 @@ cd "$root"
 sha256sum --quiet -c SHA256SUMS
 diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
     <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || fail "a file without a checksum"
-for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe,QX-Player.exe} \
-    bin/QX-MultiInstanceManager.exe include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
+for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
+    tools/{QX-Player,QX-MultiInstanceManager}.exe lib/pkgconfig/qx-bridge.pc include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
     share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
@@ -49,7 +49,7 @@ grep -qi 'LLVM Exceptions' share/licences/LLVM-runtimes.txt
 if grep -rlF -e "$tree" -e "$cache" --exclude='*.pdb' .; then
     fail "a path of the build machine is published"
 fi
-for program in bin/*.dll bin/*.exe; do
+for program in bin/*.dll bin/*.exe tools/*.exe; do
     if "$readobj" --sections "$program" | grep -q '\.debug_'; then
         fail "$program carries debug data"
     fi
@@ -57,11 +57,11 @@ done
 grep -q 'bridge_8h.html' share/doc/reference/index.html
 grep -q 'bridgeConfGetInstances' share/doc/reference/bridge_8h.html
 
-# Whatever a program loads is in bin/, or is the system's.
+# Whatever a program loads is beside it, or is the system's.
 system='^(kernel32|advapi32|shell32|psapi|user32|ole32|version|ws2_32|mpr|netapi32|userenv|winmm|dnsapi|iphlpapi|crypt32)\.dll$|^api-ms-win-crt-.*\.dll$'
-for program in bin/*.dll bin/*.exe; do
+for program in bin/*.dll bin/*.exe tools/*.exe; do
     while read -r dll; do
-        [ -f "bin/$dll" ] || grep -qiE "$system" <<<"$dll" || fail "$program needs $dll"
+        [ -f "${program%/*}/$dll" ] || grep -qiE "$system" <<<"$dll" || fail "$program needs $dll"
     done < <("$readobj" --coff-imports "$program" | sed -n 's/^  Name: \(..*\)$/\1/p')
 done
 
@@ -83,6 +83,11 @@ cmake -S "$consumer" -B "$work/clang" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$root" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/clang"
+
+# A makefile's way.
+flags=$(PKG_CONFIG_LIBDIR="$root/lib/pkgconfig" pkg-config --cflags --libs qx-bridge)
+# shellcheck disable=SC2086  # they are several words
+"$triple-gcc" "$consumer/host.c" $flags -o "$work/gcc/host_pc.exe"
 
 # The import library for Microsoft's linker, with the linker that there is.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
