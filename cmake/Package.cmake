@@ -27,6 +27,10 @@ install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBrid
 configure_file(cmake/qx-bridge.pc.in "${package_folder}/qx-bridge.pc" @ONLY)
 install(FILES "${package_folder}/qx-bridge.pc" DESTINATION lib/pkgconfig)
 
+configure_file(cmake/vcpkg/qx-bridge/vcpkg.json.in "${package_folder}/vcpkg.json" @ONLY)
+install(FILES "${package_folder}/vcpkg.json" cmake/vcpkg/qx-bridge/portfile.cmake
+    cmake/vcpkg/qx-bridge/usage DESTINATION share/vcpkg/qx-bridge)
+
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
     PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE
     PATTERN working-on-the-library.md EXCLUDE PATTERN testing.md EXCLUDE

@@ -25,7 +25,7 @@ wine reg add "$key" /v InstallDir /d "$(windows_path "$root/tools")\\" /f
 listing=$(wine bin/bridgectl.exe instances --json)
 grep -q '"displayName": "Jeux"' <<<"$listing" || fail "bridgectl lists: $listing"
 for host in "$work"/gcc/host_{c,pc}.exe "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
-    "$work/clang/host_lib.exe"; do
+    "$work/clang/host_lib.exe" "$work/port/host_cxx.exe"; do
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
     [ "$got" = "$listing" ] || fail "$host lists: $got"
 done

@@ -89,6 +89,13 @@ flags=$(PKG_CONFIG_LIBDIR="$root/lib/pkgconfig" pkg-config --cflags --libs qx-br
 # shellcheck disable=SC2086  # they are several words
 "$triple-gcc" "$consumer/host.c" $flags -o "$work/gcc/host_pc.exe"
 
+# Where the port for vcpkg puts it.
+cmake "-DPORT_FOLDER=$root/share/vcpkg/qx-bridge" "-DINTO=$work/vcpkg" -P "$tree/tests/package/vcpkg.cmake"
+cmake -S "$consumer" -B "$work/port" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
+    -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$work/vcpkg" \
+    -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
+cmake --build "$work/port"
+
 # The import library for Microsoft's linker, with the linker that there is.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 

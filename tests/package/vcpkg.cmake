@@ -1,0 +1,22 @@
+# cmake -DPORT_FOLDER=... -DINTO=... -P vcpkg.cmake: what vcpkg does with a port, as far as this one asks for
+# it: its variables, and the files as they stand in an installation. vcpkg itself cannot be had here.
+cmake_minimum_required(VERSION 3.20)
+file(READ "${PORT_FOLDER}/vcpkg.json" manifest)
+string(JSON PORT GET "${manifest}" name)
+string(JSON version GET "${manifest}" version-string)
+string(JSON supports GET "${manifest}" supports)
+if(NOT version MATCHES "^[0-9]+(\\.[0-9]+)+$" OR NOT supports STREQUAL "windows & x64 & !static & !uwp")
+    message(FATAL_ERROR "vcpkg.json: ${version}, ${supports}")
+endif()
+set(CURRENT_PORT_DIR "${PORT_FOLDER}")
+set(CURRENT_PACKAGES_DIR "${INTO}")
+include("${PORT_FOLDER}/portfile.cmake")
+foreach(file bin/QX-Bridge.dll lib/QX-Bridge.lib "share/${PORT}/copyright" "share/${PORT}/usage"
+             include/bridge/bridge.h share/QXBridge/QXBridgeConfig.cmake)
+    if(NOT EXISTS "${INTO}/${file}")
+        message(FATAL_ERROR "the port installs no ${file}")
+    endif()
+endforeach()
+if(EXISTS "${INTO}/debug/include" OR EXISTS "${INTO}/lib/cmake")
+    message(FATAL_ERROR "vcpkg refuses these folders")
+endif()
