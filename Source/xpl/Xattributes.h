@@ -12,7 +12,7 @@
 // Checks a printf-like format at compile time: `format` and `first` are parameter numbers.
 #define XPRINTF_LIKE(format_number, first) XTS_ATTRIBUTE(format(printf, format_number, first))
 
-// Thread safety: what guards a member is written at the member, and the compiler checks it.
+// Thread safety annotations, which the compiler checks.
 
 #define XTS_CAPABILITY(name) XTS_ATTRIBUTE(capability(name))
 #define XTS_SCOPED_CAPABILITY XTS_ATTRIBUTE(scoped_lockable)

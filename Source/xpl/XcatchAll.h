@@ -5,10 +5,10 @@
 
 #include "xpl/Xlog.h"
 
-// A place that no C++ exception passes: the library's border to its host, to Qt and to its own
-// threads.
+// Stops C++ exceptions where the library is entered by its host, by Qt or by a new thread.
 
-// Returns call(), or `failure` when it throws, which is logged with the function's name.
+// Returns call(). When it throws, logs the exception under the function's name and returns
+// `failure`.
 template <typename Result, typename Call>
 Result xcatchAll(const XlogModule& module, const char* function, Result failure,
                  Call call) noexcept {
@@ -22,7 +22,7 @@ Result xcatchAll(const XlogModule& module, const char* function, Result failure,
     return failure;
 }
 
-// The same for a call without a result. False when it throws.
+// The same for a call without a result. Returns false when it throws.
 template <typename Call>
 bool xcatchAll(const XlogModule& module, const char* function, Call call) noexcept {
     return xcatchAll(module, function, false, [&call] {

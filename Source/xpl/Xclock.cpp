@@ -1,4 +1,4 @@
-// Local time and its texts; the system's clock itself is in XclockWinnt.cpp.
+// Local time and its formatting. XclockWinnt.cpp reads the system clock.
 #include "xpl/Xclock.h"
 
 #include <algorithm>
@@ -13,9 +13,8 @@ constexpr std::int64_t kMicrosPerSecond = 1'000'000;
 
 constexpr std::int64_t kSecondsPerDay = 86'400;
 
-// The zone's rules are asked once a second: a log writes many lines in one, and the question takes
-// longer than the rest of a line. Second and offset share one word, so that no reader sees those of
-// two writers.
+// Caches the zone's offset for one second: looking it up takes longer than formatting the rest of a
+// log line. Second and offset share one word, so a reader never sees a mix of two writers.
 std::int64_t offsetAt(std::int64_t utcSeconds) {
     // An offset is less than a day: 17 bits and a sign.
     constexpr std::int64_t kOffsets = std::int64_t{1} << 20;
@@ -27,9 +26,9 @@ std::int64_t offsetAt(std::int64_t utcSeconds) {
     return offset;
 }
 
-// The date of a day since 1970-01-01 as a number of the form yyyymmdd. The runtime's calendar is
-// asked once a day, since the question takes a quarter of a log line. Day and date share one word,
-// so that no reader sees those of two writers.
+// The date of a day since 1970-01-01 as a number yyyymmdd. Cached per day: the C runtime's calendar
+// takes a quarter of the time of a log line. Day and date share one word, so a reader never sees a
+// mix of two writers.
 std::int64_t dateOf(std::int64_t day) {
     constexpr std::int64_t kDates = 100'000'000;
     static std::atomic<std::int64_t> known{-1};
@@ -42,7 +41,7 @@ std::int64_t dateOf(std::int64_t day) {
     return date;
 }
 
-// Writes a number with leading zeros and the separator behind it.
+// Writes a number with leading zeros, then the separator.
 char* put(char* to, std::int64_t number, int digits, char separator) {
     for (int i = digits - 1; i >= 0; --i, number /= 10) {
         to[i] = static_cast<char>('0' + number % 10);
@@ -79,7 +78,7 @@ std::int64_t xclockNow() {
 }
 
 XclockStamp xclockStamp(std::int64_t local, const char* zoneSuffix) {
-    // As far as the runtime's calendar goes; behind it there is no date.
+    // End of the C runtime's calendar.
     constexpr std::int64_t kYear3001 = 32'535'216'000 * kMicrosPerSecond;
     if (local >= 0 && local < kYear3001) return usualStamp(local, zoneSuffix);
     const int milliseconds = static_cast<int>((local % kMicrosPerSecond) / 1000);

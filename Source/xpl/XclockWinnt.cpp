@@ -43,7 +43,7 @@ std::int64_t xclockLocalToUtc(std::int64_t local) {
 std::string xclockFormat(std::int64_t time, const char* format) {
     const __time64_t seconds = time / kMicrosPerSecond;
     tm fields{};
-    // Behind January 3001 there is no date, and formatting one would end the process.
+    // After January 3001 there is no date, and formatting one would end the process.
     if (_gmtime64_s(&fields, &seconds) != 0) return {};
     char text[64];
     return std::string(text, strftime(text, sizeof text, format, &fields));

@@ -1,4 +1,4 @@
-// Status codes: their names, and the translation of Windows errors.
+// Names of status codes, and the translation of Windows errors.
 #include "xpl/Xerr.h"
 
 namespace {
@@ -31,7 +31,7 @@ XErr xerrFromWindows(std::int32_t windowsError) noexcept {
     for (const WindowsRow& row : kWindowsRows) {
         if (row.windowsError == windowsError) return row.code;
     }
-    // Unsigned, because the largest Windows errors would leave the signed range.
+    // Unsigned arithmetic: the largest Windows errors would overflow a signed number.
     return static_cast<XErr>(static_cast<std::uint32_t>(windowsError) +
                              static_cast<std::uint32_t>(XERR_WINDOWS_BASE));
 }

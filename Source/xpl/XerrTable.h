@@ -1,11 +1,10 @@
 #ifndef XPL_XERRTABLE_H
 #define XPL_XERRTABLE_H
 
-// The two tables of the status family, as X-macros: every list of codes, names and translations in
-// the project is made from these rows.
+// Status codes and Windows errors as X-macros. Every list of codes, names and translations is made
+// from these rows.
 
-// X(code, name): the numbers are those of Linux's errno. 41 and 58 are absent there as well, where
-// they are aliases only.
+// X(code, name): Linux errno values. 41 and 58 are only aliases there, and missing here.
 #define XERR_CODES(X)      \
     X(-1, FAILURE)         \
     X(0, SUCCESS)          \
@@ -141,8 +140,8 @@
     X(132, RFKILL)         \
     X(133, HWPOISON)
 
-// X(windowsError, windowsName, name): Windows errors that have an equivalent. An object that exists
-// already (183) becomes ADDRINUSE and not EXIST: callers that test for one compare against 98.
+// X(windowsError, windowsName, name): Windows errors with an equivalent. ERROR_ALREADY_EXISTS (183)
+// becomes ADDRINUSE, not EXIST: callers compare against 98.
 #define XERR_WINDOWS_ERRORS(X)                      \
     X(2, ERROR_FILE_NOT_FOUND, NOENT)               \
     X(3, ERROR_PATH_NOT_FOUND, NOENT)               \

@@ -1,4 +1,4 @@
-// What is the same about files on every system.
+// The part of the file module that is the same on every system.
 #include "xpl/Xfile.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ constexpr int kHeldRetries = 10;
 constexpr std::int64_t kLargestWhole = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kFileTooLarge = 223;  // a Windows error
 
-// One call moves at most what 32 bits can tell.
+// A system call takes a 32-bit length.
 std::uint32_t pieceOf(std::size_t length) {
     return static_cast<std::uint32_t>(
         std::min<std::size_t>(length, std::numeric_limits<std::uint32_t>::max()));
@@ -30,7 +30,7 @@ XErr moveFile(const std::string& source, const std::string& destination, int ret
     return xfileSystemReplace(source, destination, retries);
 }
 
-// Reads an open file. The Windows error, or 0.
+// Reads an open file. Returns the Windows error, or 0.
 std::int32_t readWhole(Xfile& file, std::string& content) {
     std::int64_t size = 0;
     if (xfileSize(file, size) != XERR_SUCCESS) return file.windowsError();
@@ -39,7 +39,7 @@ std::int32_t readWhole(Xfile& file, std::string& content) {
     std::size_t done = 0;
     const XErr err = xfileReadAll(file, content.data(), content.size(), done);
     content.resize(done);
-    // A file that became shorter meanwhile was read to its end.
+    // End of file is no error: the file may have been truncated meanwhile.
     return err == XERR_SUCCESS || err == XERR_NODATA ? 0 : file.windowsError();
 }
 
@@ -94,7 +94,7 @@ XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length, std::siz
                                     pieceOf(length - done), moved);
         done += moved;
         if (err != XERR_SUCCESS) return err;
-        if (moved == 0) return XERR_IO;  // a device that takes nothing would keep us here for ever
+        if (moved == 0) return XERR_IO;  // else this would loop forever
     }
     return XERR_SUCCESS;
 }

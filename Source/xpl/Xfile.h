@@ -13,19 +13,19 @@
 enum class XfileMode : std::uint32_t {
     Read = 1,       // must exist
     ReadWrite = 2,  // created when missing
-    Append = 3,     // append only, created when missing: one write call is one piece in the file
+    Append = 3,     // append only, created when missing; a write stays in one piece
     WriteNew = 4,   // created, or emptied when it exists
     Update = 5,     // read and write; must exist
 };
 
-// Whether child processes receive the open file. A child that inherits handles keeps the file open
-// for its whole life, and a file that any process has open cannot always be replaced: files that
-// are open for one operation only are private.
+// Whether child processes inherit the handle. A child that inherits it keeps the file open until it
+// ends, and an open file cannot always be replaced: use Private for files that are open for one
+// operation only.
 enum class XfileSharing : std::uint32_t { Inherited, Private };
 
 enum class XfileSeekFrom : std::uint32_t { Begin = 0, Current = 1, End = 2 };
 
-// An open file, or none. Closes itself.
+// An open file, or none. The destructor closes it.
 class Xfile {
  public:
     Xfile() = default;
@@ -37,12 +37,12 @@ class Xfile {
 
     bool isOpen() const { return handle_ != nullptr; }
 
-    // The system's handle; null when closed. For the functions below.
+    // The system handle, null when closed. For the functions below.
     void* handle() const { return handle_; }
     void adopt(void* handle);
 
-    // What Windows said when one of the functions below just failed on this object: a status can
-    // stand for several Windows errors.
+    // Windows error of the function below that last failed on this object: a status can stand for
+    // several Windows errors.
     std::int32_t windowsError() const { return windowsError_; }
     void setWindowsError(std::int32_t windowsError) { windowsError_ = windowsError; }
 
@@ -51,12 +51,12 @@ class Xfile {
     std::int32_t windowsError_ = 0;
 };
 
-// Paths are UTF-8, of any length. Every operation answers the translated Windows error and logs
+// Paths are UTF-8, of any length. Every function returns the translated Windows error and logs
 // nothing, except for the flush warning of the two moves.
 
-// Opens `path`. In every mode but Read, a missing folder before the last "\" is created first
-// ("/" does not count in this step); the open reports the real outcome. A mode that is none of the
-// five opens like Read, and creates the folder all the same.
+// Opens `path`. In every mode but Read, first creates the folders before the last "\" ("/" does not
+// count here); if that fails, the open reports the error. An invalid mode opens like Read, but
+// creates the folders.
 [[nodiscard]] XErr xfileOpen(Xfile& file, const std::string& path, XfileMode mode,
                              XfileSharing sharing = XfileSharing::Inherited);
 
@@ -65,31 +65,31 @@ class Xfile {
 [[nodiscard]] XErr xfileWrite(Xfile& file, const void* buffer, std::uint32_t length,
                               std::uint32_t& done);
 
-// Repeats the call until everything is done; a file that ends early gives 61 (XERR_NODATA).
-// `done` tells how far it came, after a failure too.
+// Repeats the call until everything is done. Returns 61 (XERR_NODATA) at the end of the file.
+// `done` is set after a failure too.
 [[nodiscard]] XErr xfileReadAll(Xfile& file, void* buffer, std::size_t length, std::size_t& done);
 [[nodiscard]] XErr xfileWriteAll(Xfile& file, const void* buffer, std::size_t length,
                                  std::size_t& done);
 
-// The Windows errors that kept a file from being opened and its bytes from being read; 0 for none.
+// The Windows errors of opening and of reading a file; 0 for none.
 struct XfileReadErrors {
     std::int32_t open = 0;
     std::int32_t bytes = 0;
 };
 
-// Reads a whole file of less than 2 GiB through a private handle. One that another process may be
-// holding for a moment (Windows errors 5, 32 and 33, of the open or of the bytes) is tried up to 10
-// times more within half a second. `content` is what the last attempt read.
+// Reads a whole file of less than 2 GiB through a private handle. When another process may be using
+// it (Windows errors 5, 32 and 33), retries up to 10 times within half a second. `content` is what
+// the last attempt read.
 [[nodiscard]] XfileReadErrors xfileReadWithRetry(const std::string& path, std::string& content);
 
-// Closes the file; does nothing when it is closed. Closing has no status.
+// Closes the file, if it is open. Closing cannot fail.
 void xfileClose(Xfile& file);
 
 [[nodiscard]] XErr xfileSize(Xfile& file, std::int64_t& size);
 [[nodiscard]] XErr xfileSeek(Xfile& file, std::int64_t distance, XfileSeekFrom from,
                              std::int64_t& position);
 
-// 0 when something, a file or a folder, has that path.
+// 0 when a file or folder with that path exists.
 [[nodiscard]] XErr xfileExists(const std::string& path);
 [[nodiscard]] XErr xfileSizeOfPath(const std::string& path, std::int64_t& size);
 
@@ -98,45 +98,44 @@ struct XfileAttributes {
     bool isReadOnly = false;
 };
 
-// What the system says of a file or a folder, however the path to it is spelled.
+// Attributes of a file or folder, however its path is spelled.
 [[nodiscard]] XErr xfileAttributes(const std::string& path, XfileAttributes& attributes);
 
 [[nodiscard]] XErr xfileDelete(const std::string& path);
 [[nodiscard]] XErr xfileRemoveFolder(const std::string& path);
 
-// Creates one folder, whose parent must exist; a folder that exists already is a success.
+// Creates one folder, whose parent must exist. Succeeds when the folder exists.
 [[nodiscard]] XErr xfileCreateFolder(const std::string& path);
 
-// The same, but something that exists already is 98 (XERR_ADDRINUSE).
+// The same, but returns 98 (XERR_ADDRINUSE) when the path exists.
 [[nodiscard]] XErr xfileCreateNewFolder(const std::string& path);
 
-// Creates every missing folder along a path, "/" and "\" both separating. The root of a drive and
-// the share of a UNC path are never created.
+// Creates every missing folder of a path. Both "/" and "\" are separators. Drives and shares are
+// never created.
 [[nodiscard]] XErr xfileMakeFolders(const std::string& path);
 
-// Writes a file's data to the disk, through a private handle. The file must exist; its missing
-// folder is made all the same, as by every open that may write.
+// Flushes a file's data to the disk, through a private handle. The file must exist; missing folders
+// are created, as by every open for writing.
 [[nodiscard]] XErr xfileFlush(const std::string& path);
 
-// Flushes `source` and moves it onto `destination`, replacing what is there. A failed flush is
-// logged as a warning, and the move goes on.
+// Flushes `source` and moves it to `destination`, replacing what is there. A failed flush only logs
+// a warning.
 [[nodiscard]] XErr xfileMove(const std::string& source, const std::string& destination);
 
-// The same for a destination that another process may be holding for a moment (a scanner, a
-// reader): a refused move (Windows errors 5, 32 and 33) is tried up to 10 times more within half a
-// second.
+// The same, for a destination that another process (a scanner, a reader) may be using: retries a
+// refused move (Windows errors 5, 32 and 33) up to 10 times within half a second.
 [[nodiscard]] XErr xfileMoveWithRetry(const std::string& source, const std::string& destination);
 
-// A path as the system's own functions and Qt's take it: Windows takes the product's as they are.
+// A path in the form that the system and Qt take. On Windows it is unchanged.
 std::string xfileSystemPath(const std::string& path);
 
-// The folder that xfileOpen creates: what stands before the last "\", or nothing.
+// The folder that xfileOpen creates: the part before the last "\", or nothing.
 std::string_view xfileFolderPart(std::string_view path);
 
-// What Windows is handed for `path`, whose absolute form is `absolute`: from 248 characters on, the
-// length that it refuses for a folder, the absolute form in the long-path form
-// ("\\?\C:\a", "\\?\UNC\server\share\a"), which has no such limit; else the path as it is. A path
-// in the long-path form, or one of a device ("\\.\"), stays as it is.
+// The form of `path` that is passed to Windows; `absolute` is its absolute form. From 248
+// characters on, which Windows refuses for a folder, this is the long-path form ("\\?\C:\a",
+// "\\?\UNC\server\share\a"). Shorter paths, long-path forms and device paths ("\\.\") are
+// unchanged.
 std::wstring xfileWindowsPath(std::wstring_view path, std::wstring_view absolute);
 
 // The folders of an absolute path, shortest first, in the long-path form ("\\?\C:\a",

@@ -1,4 +1,4 @@
-// Path arithmetic of the file module: no file is touched here.
+// Path manipulation of the file module. Touches no file.
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -15,14 +15,14 @@ constexpr std::wstring_view kUncPrefix = L"\\\\";
 constexpr std::wstring_view kDevicePrefix = L"\\\\.\\";
 constexpr std::wstring_view kUncRoot = L"UNC\\";
 
-// MAX_PATH, less the room for a short file name that Windows keeps in a folder.
+// MAX_PATH less the room that Windows reserves for an 8.3 file name in a folder.
 constexpr std::size_t kLongPathLength = 248;
 
 bool startsWith(std::wstring_view text, std::wstring_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// The same for a prefix in capitals, whatever the text's letters are.
+// The same, ignoring the case of the text. The prefix is in capitals.
 bool startsWithLetters(std::wstring_view text, std::wstring_view prefix) {
     constexpr auto isSame = [](wchar_t capital, wchar_t c) {
         return c == capital || (c >= L'a' && c <= L'z' && c - L'a' + L'A' == capital);
@@ -31,12 +31,12 @@ bool startsWithLetters(std::wstring_view text, std::wstring_view prefix) {
            std::equal(prefix.begin(), prefix.end(), text.begin(), isSame);
 }
 
-// Whether Windows takes the path as it is, whatever its length, or as a device's.
+// Whether this is a long-path form or a device path.
 bool isLongOrDevice(std::wstring_view path) {
     return startsWith(path, kLongPrefix) || startsWith(path, kDevicePrefix);
 }
 
-// What cannot be created ("\\?\C:", "\\?\UNC\server\share") and the rest of a path.
+// A path's root, which cannot be created ("\\?\C:", "\\?\UNC\server\share"), and the rest.
 struct SplitPath {
     std::wstring root;
     std::wstring_view rest;

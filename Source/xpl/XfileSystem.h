@@ -1,7 +1,7 @@
 #ifndef XPL_XFILESYSTEM_H
 #define XPL_XFILESYSTEM_H
 
-// What Xfile.cpp needs of the system besides the rest of Xfile.h.
+// What Xfile.cpp needs of the system in addition to Xfile.h.
 
 #include <cstdint>
 #include <string>
@@ -9,17 +9,17 @@
 #include "xpl/Xerr.h"
 #include "xpl/Xfile.h"
 
-// Opens a file whose folder is there, or is not.
+// Opens a file without creating its folder.
 [[nodiscard]] XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode,
                                    XfileSharing sharing);
 
-// Moves `source` onto `destination`, replacing what is there, with so many further attempts while
-// somebody holds it.
+// Moves `source` to `destination`, replacing what is there. Retries so often while another process
+// uses it.
 [[nodiscard]] XErr xfileSystemReplace(const std::string& source, const std::string& destination,
                                       int retries);
 
-// Waits a moment, and returns true, after a Windows error of an open or a read that can mean that
-// another process holds the file. False at once for other errors.
+// After a Windows error of an open or read that can mean that another process uses the file: waits
+// a moment and returns true. Returns false at once for other errors.
 [[nodiscard]] bool xfileSystemWaitForHolder(std::int32_t windowsError);
 
 #endif

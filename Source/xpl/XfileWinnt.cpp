@@ -1,4 +1,4 @@
-// Files by UTF-8 path over the wide Windows functions.
+// Files by UTF-8 path, over the wide-character Windows API.
 #include <cstdint>
 #include <string>
 
@@ -44,7 +44,8 @@ XErr createFolderWide(const std::wstring& path) {
                                          : xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
-// Absolute, with "\" only. It may grow between two calls: another thread goes to another folder.
+// The absolute path, with "\" only. Its length may change between two calls, when another thread
+// changes the current folder.
 XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
     absolute.clear();
     for (DWORD room = 0;;) {
@@ -57,21 +58,22 @@ XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
     }
 }
 
-// Status of the call on a file that just failed on this thread. A call can fail without an error.
+// Status of the file call that just failed on this thread. A call can fail without setting an
+// error.
 XErr failed(Xfile& file) {
     const DWORD error = ::GetLastError();
     file.setWindowsError(static_cast<std::int32_t>(error != 0 ? error : ERROR_GEN_FAILURE));
     return xerrFromWindows(static_cast<std::int32_t>(error));
 }
 
-// What a file answers that a scanner or a reader holds for a moment.
+// Errors of a file that a scanner or reader uses for a moment.
 bool isBrieflyHeld(DWORD error) {
     return error == ERROR_ACCESS_DENIED ||
            xerrIsHeld(xerrFromWindows(static_cast<std::int32_t>(error)));
 }
 
-// The path as Windows gets it. A path without an absolute form is passed on unchanged: the call
-// that gets it reports why.
+// The path as passed to Windows. A path without an absolute form is unchanged: the call that takes
+// it reports the error.
 XErr windowsPath(const std::string& path, std::wstring& wide) {
     if (const XErr err = xtextToWide(path, wide); err != XERR_SUCCESS) return err;
     std::wstring absolute;
@@ -79,7 +81,7 @@ XErr windowsPath(const std::string& path, std::wstring& wide) {
     return XERR_SUCCESS;
 }
 
-// Calls `call(windowsPath)`, which answers whether it succeeded.
+// Calls `call(windowsPath)`, which returns whether it succeeded.
 template <typename Call>
 XErr withWindowsPath(const std::string& path, Call call) {
     std::wstring wide;

@@ -1,4 +1,4 @@
-// The logger: who is enabled, where lines go, and what they carry.
+// The logger: enabled levels, destination and header of lines.
 #include "xpl/Xlog.h"
 
 #include <array>
@@ -39,10 +39,10 @@ struct Tag {
 
 std::array<Tag, kTagCount> tags;
 
-// What lines carry and where they go.
+// Header and destination of lines.
 struct Context {
     std::string path;             // empty: standard output
-    std::shared_ptr<Xfile> file;  // null until opened; lines for a path without a file are lost
+    std::shared_ptr<Xfile> file;  // null when the path is not open: lines are dropped
     std::string clientName;
     std::string zoneSuffix;
     bool showFile = false;
@@ -50,8 +50,8 @@ struct Context {
     bool showLine = false;
 };
 
-// The one object of the library that is destroyed at exit or unload: it releases the texts, closes
-// the log file, and at unload releases what else is kept.
+// The library's only object with a destructor that runs at exit or unload: it frees the texts,
+// closes the log file, and at unload releases everything in Xunload.
 struct ContextHolder {
     ContextHolder() = default;
     ContextHolder(const ContextHolder&) = delete;
@@ -71,7 +71,7 @@ ContextHolder context;
 #pragma clang diagnostic pop
 #endif
 
-// What a line is made with; it stays until the line is done.
+// Keeps the context alive while a line is written.
 class ContextInUse {
  public:
     const Context& operator*() const { return now_; }
@@ -120,7 +120,7 @@ std::int32_t writeLine(const Context& to, const XlogLineBuffer& line, std::size_
     std::uint32_t written = 0;
     if (to.file == nullptr || xfileWrite(*to.file, line.data(), static_cast<std::uint32_t>(length),
                                          written) != XERR_SUCCESS) {
-        return 0;  // a line that cannot be written is lost: there is nowhere to say so
+        return 0;  // a line that cannot be written is dropped: there is nowhere to report it
     }
     return static_cast<std::int32_t>(written);
 }
@@ -241,8 +241,8 @@ void xlogException(const XlogModule& module, const char* function, const char* w
 
 void xlogFatalBreak(const XlogModule& module, std::int32_t line, const char* function) noexcept {
     if (xlogIsEnabled(module, XLOG_ERROR)) {
-        // The format is part of the log's vocabulary as it stands; nothing is passed for its last
-        // conversion but a zero.
+        // The format is part of the log's vocabulary and must not change; its last conversion is
+        // always given a zero.
         static_cast<void>(xlogLogger.print(
             XLOG_ERROR, static_cast<std::int32_t>(module.tag), module.file, function, line,
             "FATAL: DEBUG BREAK: %s:%d %f()", module.file, line, 0.0));

@@ -9,12 +9,12 @@
 #include "xpl/Xerr.h"
 #include "xpl/XlogTags.h"
 
-// The library's one log. A module declares who it is,
+// The library's log. A module declares itself,
 //
 //     constexpr XlogModule kLog{XlogTag::CONF, "Source/conf/Conf"};
 //
 // and logs with XLOG_E, XLOG_W, XLOG_I, XLOG_D or XLOG_V. Arguments are not evaluated when the
-// level is off. Any thread may log; a line is one write on an append-only file.
+// level is off. Thread-safe: a line is one write to a file opened for appending.
 
 enum class XlogTag : std::int32_t {
 #define XLOG_ENUMERATOR(tag) tag,
@@ -28,14 +28,14 @@ constexpr std::int32_t XLOG_INFORMATION = 2;
 constexpr std::int32_t XLOG_DEBUG = 3;
 constexpr std::int32_t XLOG_VERBOSE = 4;
 
-// A logging module: its tag, and the file that its lines name.
+// A logging module: its tag, and the source file that its lines show.
 struct XlogModule {
     XlogTag tag;
     const char* file;
 };
 
-// A logger: the enablement test (non-zero: emit) and the printf-like print. A host that hands in a
-// pair of its own gets every line and owns the formatting.
+// A logger: a test whether a line is enabled (non-zero: yes), and a printf-like function. A host
+// that supplies its own pair gets every line and does the formatting.
 struct XlogLogger {
     using IsEnabled = std::int32_t (*)(std::int32_t tag, std::int32_t level);
     using Print = std::int32_t (*)(std::int32_t level, std::int32_t tag, const char* file,
@@ -45,38 +45,38 @@ struct XlogLogger {
     Print print XPRINTF_LIKE(6, 7);
 };
 
-// The process-wide pair, through which every line goes. Before xlogLibInit it prints errors,
-// without a tag name, to standard output. Only xlogLibInit changes it. A variable, since a call for
-// it would be a quarter of what a line that is off costs.
+// The process-wide logger. Before xlogLibInit it prints errors, without a tag, to standard output.
+// Only xlogLibInit changes it. A variable, since a function call would add a quarter to the cost of
+// a line that is off.
 extern XlogLogger xlogLogger;
 
 inline const XlogLogger& xlogGetLogger() noexcept { return xlogLogger; }
 
-// Starts logging. With a logger of the host's nothing else is set up. Otherwise the file is opened
-// (an empty path means standard output; a file that cannot be opened is fatal), every tag gets its
-// default level and the zone suffix of the time stamps is computed, once for the run. Calling it
-// again closes the file of the call before. -1 when the default levels cannot be applied.
+// Starts logging. With a host's logger, nothing else is set up. Otherwise opens the file (an empty
+// path means standard output; a file that cannot be opened is fatal), sets the default levels and
+// computes the zone suffix of the time stamps. A second call closes the first one's file. Returns
+// -1 when the default levels cannot be applied.
 [[nodiscard]] XErr xlogLibInit(const XlogLogger* logger, const std::string& logFilePath);
 
-// Applies a level specification: items "TAG:LEVEL" or "*:LEVEL", separated by single blanks, later
-// items overriding earlier ones; of LEVEL only the first letter counts (E, W, I, D or V). A
-// malformed item gives 22, with the items before it applied. An unknown tag changes nothing.
+// Applies a level specification: items "TAG:LEVEL" or "*:LEVEL", separated by single spaces. Later
+// items override earlier ones, and only the first letter of LEVEL counts (E, W, I, D or V). Returns
+// 22 at a malformed item, after applying those before it. Unknown tags are ignored.
 [[nodiscard]] XErr xlogSetLevels(std::string_view levels);
 
-// Appends to another file from now on. An empty path changes nothing.
+// Switches to another file. An empty path changes nothing.
 [[nodiscard]] XErr xlogSetFile(const std::string& path);
 
-// Name that every line carries: who loaded the library.
+// Sets the name of the host that every line shows.
 void xlogSetClientName(std::string_view name);
 
-// What lines show besides their message; all off at the start.
+// What lines show in addition to the message. All off by default.
 void xlogSetDisplay(bool showFile, bool showFunction, bool showLine);
 
-// Logs the error line of an exception that the function with that name caught.
+// Logs an error line for an exception that the named function caught.
 void xlogException(const XlogModule& module, const char* function, const char* what) noexcept;
 
 // Logs "FATAL: DEBUG BREAK: ..." under the module's tag, breaks into the debugger and ends the
-// process (status 0x80000003): for what must never happen.
+// process (status 0x80000003). For states that must never occur.
 [[noreturn]] void xlogFatalBreak(const XlogModule& module, std::int32_t line,
                                  const char* function) noexcept;
 

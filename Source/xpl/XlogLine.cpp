@@ -1,4 +1,4 @@
-// Layout of a log line: header, optional place in the source, message.
+// Layout of a log line: header, optional source location, message.
 #include "xpl/XlogLine.h"
 
 #include <algorithm>
@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::size_t kLimit = XLOG_LINE_SIZE - 2;  // room for the line feed and the NUL
 
-// A line under construction. Text beyond the limit is dropped; `used` then stands at the limit.
+// A line under construction. Text beyond the limit is dropped, and `used` stays at the limit.
 class Line {
  public:
     explicit Line(XlogLineBuffer& buffer) : buffer_(buffer) {}
 
-    // A text, blanks up to this width, and the separator.
+    // Appends a text, padded with blanks to this width, and the separator.
     void appendText(std::string_view text, std::size_t width, std::string_view separator) {
         constexpr std::string_view blanks = "          ";
         add(text);
@@ -57,7 +57,8 @@ class Line {
         used_ += fitting.size();
     }
 
-    // A formatter that fails may leave part of its room untouched: no old stack bytes there.
+    // A formatter that fails may leave part of the buffer unwritten: clear it, so that no old stack
+    // bytes reach the log.
     void appendAgain(const char* format, std::va_list arguments) XPRINTF_LIKE(2, 0) {
         const auto rest = buffer_.begin() + static_cast<std::ptrdiff_t>(used_);
         std::fill(rest, buffer_.end(), ' ');

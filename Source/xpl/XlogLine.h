@@ -9,7 +9,7 @@
 
 #include "xpl/Xattributes.h"
 
-// The text of one log line, made in a buffer of its own.
+// Formats one log line into a fixed buffer.
 
 constexpr std::size_t XLOG_LINE_SIZE = 4096;
 
@@ -22,18 +22,17 @@ struct XlogLineHeader {
     char level;
 };
 
-// What a line shows between header and message: the members that are set.
+// The source location of a line: the members that are set are shown.
 struct XlogLineSite {
     const char* file = nullptr;
     const char* function = nullptr;
-    std::optional<std::int32_t> line;  // a host's logging call may pass 0, which shows
+    std::optional<std::int32_t> line;  // 0, which a host may pass, is shown
 };
 
 using XlogLineBuffer = std::array<char, XLOG_LINE_SIZE>;
 
-// Formats a line, which ends with a line feed, and returns its length, at most 4094. A longer line
-// is cut at 4093 characters. A message that cannot be formatted is cut there too, padded with
-// blanks.
+// Formats a line that ends with a line feed, and returns its length, at most 4094. A longer line is
+// cut at 4093 characters. A message that cannot be formatted is padded with blanks to that length.
 std::size_t xlogFormatLine(XlogLineBuffer& buffer, const XlogLineHeader& header,
                            const XlogLineSite& site, const char* format, std::va_list arguments)
     XPRINTF_LIKE(4, 0);

@@ -1,8 +1,8 @@
 #ifndef XPL_XLOGTAGS_H
 #define XPL_XLOGTAGS_H
 
-// X(tag): the subsystems that log, in the order of their numbers. The table is shared with the
-// product's other programs, so that a level specification means the same in all of them.
+// X(tag): the subsystems that log, in the order of their numbers. The product's other programs
+// share this table, so a level specification means the same in all of them.
 // clang-format off
 #define XLOG_TAGS(X)                                                                           \
     X(AGA) X(APPC) X(AUD) X(BRIDGE) X(CAM) X(CLD) X(CONF) X(CSM) X(DCRD) X(GCALL)              \

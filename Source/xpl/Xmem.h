@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <memory>
 
-// The library's allocator for packet buffers: the C runtime's, behind one name.
-void* xmemAlloc(std::size_t size) noexcept;  // null when memory is short
+// Allocator of packet buffers: the C runtime's.
+void* xmemAlloc(std::size_t size) noexcept;  // null when out of memory
 void* xmemAllocZeroed(std::size_t size) noexcept;
 void xmemFree(void* memory) noexcept;
 

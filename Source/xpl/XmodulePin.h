@@ -1,8 +1,8 @@
 #ifndef XPL_XMODULEPIN_H
 #define XPL_XMODULEPIN_H
 
-// Keeps the module that this code is linked into loaded while it lives: for as long as a thread of
-// the module's own runs, since unloading would take the code from under it.
+// Keeps the module that contains this code loaded while the object lives. A thread of the module
+// needs it: unloading would remove the code that it runs.
 class XmodulePin {
  public:
     XmodulePin() noexcept;
@@ -14,7 +14,7 @@ class XmodulePin {
     void* module_ = nullptr;
 };
 
-// Keeps the module that has something at this address loaded until the process ends.
+// Keeps the module that contains this address loaded until the process ends.
 void xmodulePinForever(const void* address) noexcept;
 
 #endif

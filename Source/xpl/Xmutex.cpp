@@ -1,4 +1,4 @@
-// Waiting for a named mutex, and telling the log of a long wait.
+// Waiting for a named mutex, and logging a long wait.
 #include <chrono>
 
 #include "xpl/Xlog.h"

@@ -9,9 +9,9 @@
 #include "xpl/Xlog.h"
 
 // A machine-wide mutex that every process of the product can open, whatever its user or elevation.
-// It belongs to the thread that locked it and is recursive there; use it with the usual scoped
-// locks. A holder that died is taken over from without a repair step: what the mutex guards must be
-// whole at every moment.
+// Recursive, owned by the thread that locked it; use it with std::lock_guard. When an owner dies,
+// the next thread gets the mutex without a repair step, so the guarded state must be consistent at
+// all times.
 class XTS_CAPABILITY("mutex") XmutexNamed {
  public:
     XmutexNamed() = default;
@@ -19,8 +19,8 @@ class XTS_CAPABILITY("mutex") XmutexNamed {
     XmutexNamed(const XmutexNamed&) = delete;
     XmutexNamed& operator=(const XmutexNamed&) = delete;
 
-    // Creates or opens the mutex of that full name (UTF-8, namespace included) and lets go of the
-    // one it had. Returns 0, or -1 after a log line.
+    // Creates or opens the mutex of that full name (UTF-8, with its namespace) and closes the
+    // previous one. Returns 0, or -1 after logging the error.
     [[nodiscard]] std::int32_t init(const std::string& name);
 
     // Closes the handle.
@@ -32,13 +32,13 @@ class XTS_CAPABILITY("mutex") XmutexNamed {
     // Does not wait. A wait that fails is logged and counts as not acquired.
     bool try_lock() XTS_TRY_ACQUIRE(true);
 
-    // Waits so long at most. A wait that fails is fatal.
+    // Waits at most this long. A wait that fails is fatal.
     bool try_lock_for(std::chrono::milliseconds limit) XTS_TRY_ACQUIRE(true);
 
     // A release that fails is fatal.
     void unlock() XTS_RELEASE();
 
-    // Of the last init().
+    // The name passed to the last init().
     const std::string& name() const { return name_; }
 
  private:
@@ -46,9 +46,9 @@ class XTS_CAPABILITY("mutex") XmutexNamed {
     std::string name_;
 };
 
-// Holds the mutex as long as it lives. When that takes more than a second to begin, two warnings
-// under the module's tag say that `function` waits and how long it did: another program has the
-// mutex, and without them nothing would show why this one stands still.
+// Locks the mutex for its lifetime. When the lock takes more than a second, logs two warnings under
+// the module's tag: that `function` is waiting, and then for how long it waited. Without them
+// nothing would show that another program has the mutex.
 class XTS_SCOPED_CAPABILITY XnamedGuard {
  public:
     XnamedGuard(XmutexNamed& mutex, const XlogModule& module, const char* function)

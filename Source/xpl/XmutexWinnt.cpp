@@ -63,7 +63,7 @@ bool XmutexNamed::try_lock() {
 
 bool XmutexNamed::try_lock_for(std::chrono::milliseconds limit) {
     const DWORD result = ::WaitForSingleObject(handle_, static_cast<DWORD>(limit.count()));
-    if (result == WAIT_FAILED) lock();  // which says so
+    if (result == WAIT_FAILED) lock();  // which reports the failure
     return result != WAIT_TIMEOUT;
 }
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-// Windows memory with a deallocator of its own.
+// Windows memory with its own deallocator.
 struct XsidFree {
     void operator()(void* sid) const noexcept;
 };
@@ -15,17 +15,16 @@ struct XlocalFree {
 using XsidPtr = std::unique_ptr<void, XsidFree>;
 using XlocalPtr = std::unique_ptr<void, XlocalFree>;
 
-// Who may use a named object of the system, a mutex or a pipe: everyone, with all rights. The
-// descriptor refers to the list and the list to the identifier: keep it until the object has been
-// created.
+// Security descriptor of a named mutex or pipe: full access for everyone. The descriptor points to
+// the list, and the list to the identifier: keep them until the object has been created.
 struct XobjectSecurity {
     XsidPtr everyone;
     XlocalPtr acl;
     XlocalPtr descriptor;
 };
 
-// Builds the descriptor. Returns nothing or, after a log line, the error of Windows: 0 for a call
-// that failed without setting one.
+// Builds the descriptor. After a failure, logs it and returns the Windows error, which is 0 when
+// the call set none.
 [[nodiscard]] std::optional<std::uint32_t> xobjectSecurityInit(XobjectSecurity& security);
 
 #endif

@@ -1,4 +1,4 @@
-// Access for everyone to objects of the system.
+// Full access for everyone to system objects.
 #include "xpl/Xlog.h"
 #include "xpl/XobjectSecurity.h"
 #include "xpl/XwindowsLean.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// The mutex's lines, for a pipe too.
+// Pipes log as the mutex does.
 constexpr XlogModule kLog{XlogTag::XMUTEX, "Source/xpl/XmutexWinnt"};
 
 constexpr DWORD kAllRights = 0x001FFFFF;
@@ -24,7 +24,7 @@ bool makeWorldSid(XsidPtr& sid) {
     return true;
 }
 
-// Returns the error of the call, which sets none.
+// Returns the error: this call does not set the last error.
 DWORD makeAcl(const XsidPtr& sid, XlocalPtr& acl) {
     EXPLICIT_ACCESS_W access{};
     access.grfAccessPermissions = kAllRights;

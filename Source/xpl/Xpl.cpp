@@ -7,7 +7,7 @@
 
 namespace {
 
-// Moves that fail do not stop the start: then the log grows on.
+// A failed move does not stop the start: the log then keeps growing.
 void rotateLog(const std::string& path) {
     std::int64_t size = 0;
     if (xfileSizeOfPath(path, size) != XERR_SUCCESS || size < XPL_LOG_ROTATE_SIZE) return;

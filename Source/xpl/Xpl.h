@@ -11,7 +11,7 @@
 constexpr std::int64_t XPL_LOG_ROTATE_SIZE = 10'485'760;
 
 // Starts the platform layer: UTF-8 locale, log rotation ("<log>" to "<log>.1", that to "<log>.2"),
-// logging. To be called before anything else of the library, and again for a new start.
+// logging. Call it before anything else in the library; it may be called again.
 [[nodiscard]] XErr xplLibInit(const XlogLogger* logger, const std::string& logFilePath);
 
 #endif

@@ -9,14 +9,14 @@
 
 namespace {
 
-// Hands a new process to the caller who wants it. There is none after an elevated start.
+// Passes a new process to a caller that wants it. An elevated start gives none.
 void handOver(XprocPtr process, XprocHandle* handle) {
     if (process != nullptr && handle != nullptr) *handle = process.release();
 }
 
 XErr translated(unsigned long error) { return xerrFromWindows(static_cast<std::int32_t>(error)); }
 
-// UTF-16 for a call of `function`'s, which is not made when there is none.
+// Converts to UTF-16 for `function`, and logs a failure.
 XErr toWide(const char* function, const std::string& text, std::wstring& wide) {
     const XErr err = xtextToWide(text, wide);
     if (err != XERR_SUCCESS) {
@@ -42,7 +42,7 @@ XErr xprocCreate_basic(XprocHandle* handle, const XprocArguments& arguments) {
         err != XERR_SUCCESS) {
         return err;
     }
-    const std::wstring shown = commandLine;  // the call may change the other one
+    const std::wstring shown = commandLine;  // the call may modify the original
     XprocPtr process;
     unsigned long error = 0;
     if (!xprocCalls().create(commandLine, process, error)) {

@@ -1,4 +1,4 @@
-// The system calls of child processes: CreateProcessW, ShellExecuteExW and what belongs to them.
+// System calls for child processes: CreateProcessW, ShellExecuteExW and their kin.
 #include "xpl/Xproc.h"
 
 #include "xpl/Xlog.h"
@@ -29,7 +29,7 @@ bool createProcess(std::wstring& commandLine, XprocPtr& process, unsigned long& 
     error = ::GetLastError();
     if (!ok) return false;
     process.reset(started.hProcess);
-    const XprocPtr thread(started.hThread);  // which nobody needs
+    const XprocPtr thread(started.hThread);  // closed at once
     return true;
 }
 

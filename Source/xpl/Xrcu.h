@@ -9,13 +9,13 @@
 
 #include "xpl/Xattributes.h"
 
-// Read-copy-update: a value that many threads read without a lock while now and then one puts a
-// changed copy in its place. A copy is never changed once it is published. For what is small and
-// has no memory of its own, Xseqlock does without copies.
+// Read-copy-update: many threads read a value without a lock while a writer occasionally publishes
+// a changed copy. A published copy is never modified. For a small trivially copyable value use
+// Xseqlock, which makes no copies on the heap.
 template <typename Value>
 class Xrcu {
  public:
-    // The value at this moment; it stays as long as the reader lives.
+    // Pins the current value for its lifetime.
     class Reader {
      public:
         explicit Reader(const Xrcu& of) : of_(of) {
@@ -38,11 +38,11 @@ class Xrcu {
     Xrcu(const Xrcu&) = delete;
     Xrcu& operator=(const Xrcu&) = delete;
 
-    // Without a lock: at unload nobody reads, and at process exit the other threads have ended,
-    // perhaps inside one.
+    // Takes no lock: at unload nobody reads, and at process exit the other threads are gone,
+    // perhaps while they held one.
     ~Xrcu() { delete current_.exchange(nullptr); }
 
-    // Calls change(copy) with a copy of the value, of an empty one at first, and publishes it.
+    // Calls change(copy) with a copy of the value (initially an empty one), then publishes it.
     template <typename Change>
     void change(Change change) {
         const std::lock_guard<std::mutex> guard(writers_);
@@ -57,12 +57,12 @@ class Xrcu {
     }
 
  private:
-    // Whoever begins to read after the replacement sees the new value, so that without a reader
-    // nobody has an old one. Readers that never stop do not keep a writer: what it leaves goes with
-    // the next.
+    // A reader that begins after the replacement sees the new value, so old values can be freed as
+    // soon as there is no reader. A writer does not wait for that: the next one frees what this one
+    // leaves.
     void releaseReplaced() XTS_REQUIRES(writers_) {
         constexpr int kTries = 1000;
-        constexpr int kTriesUntilYield = 100;  // beside busy threads a yield takes milliseconds
+        constexpr int kTriesUntilYield = 100;  // on a busy machine a yield takes milliseconds
         for (int i = 1; i <= kTries; ++i) {
             if (readers_.load() == 0) return replaced_.clear();
             if (i % kTriesUntilYield == 0) std::this_thread::yield();
@@ -73,7 +73,7 @@ class Xrcu {
     mutable std::atomic<int> readers_{0};
     std::mutex writers_;
 
-    // Perhaps still read.
+    // Possibly still being read.
     std::vector<std::unique_ptr<const Value>> replaced_ XTS_GUARDED_BY(writers_);
 };
 

@@ -10,9 +10,8 @@
 #include <thread>
 #include <type_traits>
 
-// A seqlock: a small value that some threads replace now and then and others copy all the time. A
-// copy takes no lock and is never half of one value and half of another. Replacing from inside a
-// function that works on a copy is fine.
+// A seqlock: a small value that is written rarely and read often. A read takes no lock and never
+// returns a torn value. Writing while working on a copy is allowed.
 template <typename Value>
 class Xseqlock {
     static_assert(std::is_trivially_copyable_v<Value>);
@@ -25,7 +24,7 @@ class Xseqlock {
         std::memcpy(words.data(), &value, sizeof value);
         const std::lock_guard<std::mutex> guard(writers_);
         const std::uint32_t before = version_.load(std::memory_order_relaxed);
-        version_.store(before + 1, std::memory_order_relaxed);  // odd: being replaced
+        version_.store(before + 1, std::memory_order_relaxed);  // odd: write in progress
         std::atomic_thread_fence(std::memory_order_release);
         for (std::size_t i = 0; i < kWords; ++i) {
             words_[i].store(words[i], std::memory_order_relaxed);
@@ -42,7 +41,7 @@ class Xseqlock {
     }
 
  private:
-    // False when a writer came in between.
+    // Returns false when a writer interfered.
     bool copyTo(std::array<std::uintptr_t, kWords>& words) const {
         const std::uint32_t before = version_.load(std::memory_order_acquire);
         for (std::size_t i = 0; i < kWords; ++i) {

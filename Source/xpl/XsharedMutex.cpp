@@ -1,11 +1,11 @@
-// One lock of many.
+// A reader-writer lock made of several locks.
 #include "xpl/XsharedMutex.h"
 
 #include <atomic>
 
 namespace {
 
-// A number for each thread, in turn.
+// A number per thread, assigned in turn.
 std::size_t thisThread() {
     static std::atomic<std::size_t> threads{0};
     thread_local std::size_t number = 0;

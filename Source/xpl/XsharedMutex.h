@@ -6,8 +6,7 @@
 
 #include "xpl/Xattributes.h"
 
-// The system's lock of readers and writers: SRWLOCK on Windows. Not recursive, not even for
-// readers.
+// The system's reader-writer lock: SRWLOCK on Windows. Not recursive, not even for readers.
 class XslimLock {
  public:
     XslimLock();
@@ -21,16 +20,16 @@ class XslimLock {
     void unlockShared();
 
  private:
-    // The system's object, and so much room that two locks never share a line of the cache.
+    // The system's object, padded so that two locks never share a cache line.
     void* words_[16] = {};
 };
 
-// Guards memory that many threads read all the time and some change for moments: readers at the
-// same time, or one writer. Not recursive, not even for readers.
+// A reader-writer lock for memory that is read often and changed briefly. Not recursive, not even
+// for readers.
 //
-// There are two of the system's locks: a reader takes the one of its thread, and a writer both.
-// With one for all, two threads that read get no more done than one, since each of them has to
-// write to it; with two they get nearly twice as much.
+// Contains two system locks: a reader takes the one of its thread, a writer takes both. With a
+// single lock two reading threads get no more done than one, since both write to the lock's cache
+// line; with two they get nearly twice as much.
 class XTS_CAPABILITY("mutex") XsharedMutex {
  public:
     void lock() XTS_ACQUIRE();
@@ -42,12 +41,13 @@ class XTS_CAPABILITY("mutex") XsharedMutex {
  private:
     XslimLock& ofThisThread();
 
-    // Writers wait for each other here: while they queue for a lock, it lets no reader in.
+    // Serialises writers. Without it writers would queue at a reader lock, which then admits no
+    // readers.
     XslimLock writers_;
     std::array<XslimLock, 2> readers_;
 };
 
-// Reads as long as it lives.
+// Holds a shared lock for its lifetime.
 class XTS_SCOPED_CAPABILITY XsharedGuard {
  public:
     explicit XsharedGuard(XsharedMutex& mutex) XTS_ACQUIRE_SHARED(mutex) : mutex_(mutex) {

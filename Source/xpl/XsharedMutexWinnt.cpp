@@ -1,4 +1,4 @@
-// The slim lock of Windows, which needs no handle and no release.
+// SRWLOCK, which needs no handle and no clean-up.
 #include "xpl/XsharedMutex.h"
 #include "xpl/XwindowsLean.h"
 

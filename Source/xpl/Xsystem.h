@@ -3,25 +3,25 @@
 
 #include <cstdint>
 
-// What the platform layer asks of the process it lives in.
+// Process-wide services.
 
 std::int32_t xsystemProcessId() noexcept;
 std::uint32_t xsystemThreadId() noexcept;
 
-// Makes UTF-8 the encoding of every narrow text in the C runtime, and the user's language its
-// locale: decimal commas are possible from here on, so data never goes through locale functions.
+// Sets the C runtime's locale to the user's language with UTF-8 as its encoding. Decimal commas are
+// possible from then on, so data must never pass through locale-dependent functions.
 void xsystemUseUtf8();
 
-// Breaks into the debugger. The process ends with status 0x80000003 (STATUS_BREAKPOINT): at once
-// when there is no debugger, else when the debugger lets it go on. A host's runtime that takes the
-// break first may end it with another status.
+// Breaks into the debugger. Without one, or when the debugger continues, the process ends with
+// status 0x80000003 (STATUS_BREAKPOINT). A host's runtime that handles the exception first may end
+// it with another status.
 [[noreturn]] void xsystemDebugBreak() noexcept;
 
-// Whether the process is being taken down: its other threads are gone, wherever they were.
+// Whether the process is ending: its other threads have been terminated, wherever they were.
 bool xsystemProcessEnds() noexcept;
 
-// Whether this code is in a library that is being unloaded while its process goes on. Only to be
-// asked when objects are destroyed at the end.
+// Whether this library is being unloaded while its process continues. Call it only while static
+// objects are destroyed.
 bool xsystemIsUnloading() noexcept;
 
 #endif

@@ -12,7 +12,7 @@ namespace {
 constexpr int kUtf8CodePage = 65001;
 constexpr UINT kStatusBreakpoint = 0x80000003;
 
-// `unknown` where the system has no answer.
+// Returns `unknown` where the system cannot tell.
 bool processEnds(bool unknown) {
     using Ask = BOOLEAN(NTAPI*)();
     const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
@@ -46,7 +46,7 @@ void xsystemUseUtf8() {
 void xsystemDebugBreak() noexcept {
     ::DebugBreak();
     ::TerminateProcess(::GetCurrentProcess(), kStatusBreakpoint);
-    for (;;) ::Sleep(INFINITE);  // the end of the process is on its way
+    for (;;) ::Sleep(INFINITE);  // the process is about to end
 }
 
 bool xsystemProcessEnds() noexcept { return processEnds(/*unknown=*/false); }

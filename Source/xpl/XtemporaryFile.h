@@ -6,25 +6,24 @@
 #include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 
-// What putting a new file in an old one's place asks of the file operations: of the disk's, or of
-// what a test puts in their place.
+// The file operations needed to replace a file. Tests substitute their own.
 class XfileReplacer {
  public:
     virtual ~XfileReplacer() = default;
 
-    // Flushes a file and moves it onto another one or to where nothing is, waiting up to half a
-    // second for another process that holds either.
+    // Flushes a file and moves it to `destination`, replacing what is there. Retries for up to half
+    // a second while another process uses either file.
     [[nodiscard]] virtual XErr replace(const std::string& source,
                                        const std::string& destination) = 0;
 
-    // Deletes a file, if it is there and can be deleted.
+    // Deletes a file, if it exists and can be deleted.
     virtual void remove(const std::string& path) = 0;
 };
 
-// A file that is written to take an old one's place. It is deleted at the end unless it did.
+// A file that is to replace another. The destructor deletes it unless it was moved.
 class XtemporaryFile {
  public:
-    // A deletion that throws is logged for this module and function; the file then stays.
+    // When the deletion throws, logs that for this module and function; the file then stays.
     XtemporaryFile(XfileReplacer& files, std::string path, const XlogModule& module,
                    const char* function);
     ~XtemporaryFile();
@@ -33,11 +32,11 @@ class XtemporaryFile {
 
     const std::string& path() const { return path_; }
 
-    // To be set before the file is created, which may throw after creating it; and again when it
-    // turns out that it was not.
+    // Set this before creating the file, since the creation may throw after creating it; clear it
+    // when the creation failed.
     void setExists(bool exists) { exists_ = exists; }
 
-    // Puts the file, which nobody has open any more, in the place of another one.
+    // Moves the file, which must be closed, to another path.
     [[nodiscard]] XErr moveOnto(const std::string& path);
 
  private:

@@ -3,15 +3,14 @@
 
 #include <utility>
 
-// Objects that are kept once per process. They outlive every thread that may use them at the
-// process's end, so nothing destroys them there; a host that unloads the library gets their memory
-// and handles back.
+// Singletons. They are not destroyed at process exit, where threads may still use them, but are
+// released when a host unloads the library.
 
-// Remembers what is to be released when the library is unloaded, the last one first. Without memory
-// to remember it, it is never released.
+// Registers an object for release at unload, in reverse order. When out of memory, the object is
+// never released.
 void xunloadRemember(void* object, void (*release)(void* object)) noexcept;
 
-// Makes an object that lives until then. Never null.
+// Creates an object that lives until unload. Never null.
 template <typename Object, typename... Arguments>
 Object* xunloadKeep(Arguments&&... arguments) {
     auto* const object = new Object(std::forward<Arguments>(arguments)...);
@@ -19,8 +18,8 @@ Object* xunloadKeep(Arguments&&... arguments) {
     return object;
 }
 
-// Releases everything remembered; for the one object that is destroyed at unload. Does nothing in a
-// program that this is linked into, and at a process's end.
+// Releases all registered objects; called by the only static destructor. Does nothing at process
+// exit, or when linked into a program.
 void xunloadRelease() noexcept;
 
 #endif

@@ -1,8 +1,8 @@
 #ifndef XPL_XWINDOWSLEAN_H
 #define XPL_XWINDOWSLEAN_H
 
-// The one way to <windows.h>: lean, without the min and max macros. Only for .cpp files that call
-// Windows; headers name no Windows type.
+// Include this instead of <windows.h>: lean, without the min and max macros. Only for .cpp files
+// that call Windows; headers use no Windows types.
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif

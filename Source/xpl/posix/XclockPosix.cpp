@@ -34,7 +34,7 @@ std::int64_t xclockLocalToUtc(std::int64_t local) {
 std::string xclockFormat(std::int64_t time, const char* format) {
     const time_t seconds = time / kMicrosPerSecond;
     tm fields{};
-    // Where the calendar of the Universal C Runtime ends, in January 3001.
+    // End of the Universal C Runtime's calendar, in January 3001.
     constexpr std::int64_t kLast = 0x7'9358'2AFF;
     if (seconds > kLast || ::gmtime_r(&seconds, &fields) == nullptr) return {};
     char text[64];

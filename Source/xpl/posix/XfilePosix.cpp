@@ -1,5 +1,5 @@
-// Files by the product's UTF-8 paths over POSIX. Every path goes through xfileSystemPath, and every
-// error through translated(), which answers what Windows would have.
+// Files by UTF-8 path, over POSIX. Every path goes through xfileSystemPath, and every error through
+// translated(), which returns what Windows would.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,7 +37,7 @@ int openFlags(XfileMode mode) {
     return O_RDONLY;
 }
 
-// Handles are descriptors moved up by one, since null is none.
+// A handle is the descriptor plus one, since null means closed.
 int descriptorOf(const Xfile& file) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file.handle())) - 1;
 }
@@ -47,10 +47,10 @@ void* handleOf(int descriptor) {
     return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
 }
 
-// The codes are Linux's own but where Windows sees a failure differently.
+// The codes are errno values, except where Windows reports a failure differently.
 XErr translated(int error) {
     switch (error) {
-        case ENOTDIR:  // something on the way is no folder
+        case ENOTDIR:  // part of the path is not a folder
             return XERR_NOENT;
         case EISDIR:
             return XERR_ACCES;
@@ -59,7 +59,7 @@ XErr translated(int error) {
     }
 }
 
-// The Windows error that such a failure has there.
+// The Windows error of such a failure.
 std::int32_t windowsErrorOf(int error) {
     switch (error) {
         case ENOENT:
@@ -100,7 +100,7 @@ XErr failed(Xfile& file, int error) {
 
 XErr statusOf(int result) { return result == 0 ? XERR_SUCCESS : translated(errno); }
 
-// Calls `call(systemPath)`, which answers 0 or sets errno.
+// Calls `call(systemPath)`, which returns 0 or sets errno.
 template <typename Call>
 XErr withPath(const std::string& path, Call call) {
     std::wstring ignored;  // as strict as Windows about UTF-8
@@ -108,7 +108,7 @@ XErr withPath(const std::string& path, Call call) {
     return statusOf(call(xfileSystemPath(path).c_str()));
 }
 
-// What a read or a write answered. A descriptor that is open for the other of the two is no access.
+// Status of a read or write. EBADF means that the descriptor is not open for it: access denied.
 XErr transferred(Xfile& file, ssize_t moved, std::uint32_t& done) {
     const int error = errno;
     done = moved < 0 ? 0 : static_cast<std::uint32_t>(moved);
@@ -116,7 +116,7 @@ XErr transferred(Xfile& file, ssize_t moved, std::uint32_t& done) {
     return failed(file, error == EBADF && file.isOpen() ? EACCES : error);
 }
 
-// What an open that failed answers to withPath.
+// The result that a failed open returns to withPath.
 int refused(Xfile& file, int error) {
     file.setWindowsError(windowsErrorOf(error));
     errno = error;
@@ -133,8 +133,7 @@ int makeFolder(const char* path) {
     return result != 0 && errno == EEXIST ? 0 : result;
 }
 
-// The product's form of an absolute path. A drive alone stands for the current folder, as on
-// Windows.
+// The absolute path in the product's form. A drive alone means the current folder, as on Windows.
 XErr absolutePath(const std::string& path, std::string& absolute) {
     if (path.empty()) return XERR_NOENT;
     absolute = xfileSystemPath(path);
@@ -166,11 +165,11 @@ void Xfile::adopt(void* handle) {
 
 XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode, XfileSharing sharing) {
     const int flags = openFlags(mode) | (sharing == XfileSharing::Private ? O_CLOEXEC : 0);
-    file.setWindowsError(kNoUnicodeTranslation);  // what is left when the path cannot be converted
+    file.setWindowsError(kNoUnicodeTranslation);  // reported when the path cannot be converted
     return withPath(path, [&file, flags](const char* system) {
         const int descriptor = ::open(system, flags, 0666);
         if (descriptor < 0) return refused(file, errno);
-        if (isFolder(system)) {  // which can be opened for reading here
+        if (isFolder(system)) {  // which POSIX would open for reading
             ::close(descriptor);
             return refused(file, EISDIR);
         }
@@ -250,13 +249,13 @@ XErr xfileFlush(const std::string& path) {
     return statusOf(::fsync(descriptorOf(file)));
 }
 
-// Nobody can hold a file against its replacement here.
+// POSIX has no sharing violations.
 XErr xfileSystemReplace(const std::string& source, const std::string& destination,
                         int /*retries*/) {
     return withPath(source, [&destination](const char* from) {
         const std::string to = xfileSystemPath(destination);
         if (!isFolder(to.c_str())) return std::rename(from, to.c_str());
-        errno = EACCES;  // nothing replaces a folder on Windows
+        errno = EACCES;  // on Windows a folder is never replaced
         return -1;
     });
 }
@@ -275,5 +274,5 @@ XErr xfileCreateNewFolder(const std::string& path) {
     return err == XERR_EXIST ? XERR_ADDRINUSE : err;
 }
 
-// Nobody can hold a file against its readers here.
+// POSIX has no sharing violations.
 bool xfileSystemWaitForHolder(std::int32_t /*windowsError*/) { return false; }

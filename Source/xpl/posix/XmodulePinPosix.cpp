@@ -4,7 +4,7 @@
 
 namespace {
 
-// Null for the program itself, which is never unloaded.
+// Returns null for the program itself, which is never unloaded.
 void* openModuleOf(const void* address, int flags) noexcept {
     Dl_info info{};
     if (::dladdr(address, &info) == 0) return nullptr;

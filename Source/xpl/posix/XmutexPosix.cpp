@@ -1,5 +1,5 @@
-// The named mutex, as a robust one in a file that the processes map, in the temporary folder.
-// Errors are the numbers of Windows, which the log lines carry.
+// The named mutex: a robust mutex in a file in the temporary folder, which every process maps.
+// Errors are Windows error numbers, as the log lines show them.
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
@@ -31,23 +31,23 @@ constexpr int kInvalidHandle = 6;
 constexpr int kNotOwner = 288;
 constexpr int kNoUnicodeTranslation = 1113;
 
-// What the processes share. Released by nobody: a name is as cheap as its few bytes.
+// What the processes share. Never freed: it is a few bytes per name.
 struct Shared {
-    // Held while waiting for the mutex. Who releases the mutex and wants it again stands behind the
-    // one who waits, as on Windows, where a mutex goes to those who wait in their order.
+    // FIFO turnstile, held while waiting for the mutex: a thread that locks again queues behind the
+    // waiters, as on Windows.
     pthread_mutex_t turn;
     pthread_mutex_t mutex;
 };
 
-// What this process knows of it. Who owns it is known to the owner's process alone: what a process
-// that died had written would name another thread as soon as the system gives its number again.
+// State of this process. The owner is not shared: a dead process would leave a thread id that the
+// system may reuse.
 struct Named {
     Shared* shared = nullptr;
     std::atomic<std::uint64_t> owner{0};  // a thread of this process, or 0
     int depth = 0;                        // of the owner
 };
 
-// This thread, by a number that no other thread of this process ever has.
+// A number that identifies this thread and is never reused.
 std::uint64_t thisThread() {
     static std::atomic<std::uint64_t> last{0};
     thread_local const std::uint64_t number = ++last;
@@ -56,7 +56,7 @@ std::uint64_t thisThread() {
 
 constexpr std::string_view kGlobal = "Global\\";
 
-// A "\" behind the namespace would be one more of them, which there is not.
+// After the namespace no further "\" is allowed.
 bool isInNamespace(const std::string& name) {
     const std::size_t start = name.rfind(kGlobal, 0) == 0 ? kGlobal.size() : 0;
     return name.find('\\', start) == std::string::npos;
@@ -91,7 +91,7 @@ Shared* mapFile(const std::string& path, int flags) {
     return memory == MAP_FAILED ? nullptr : static_cast<Shared*>(memory);
 }
 
-// A mutex appears under its name when it is ready, or another process was first.
+// Links an initialised mutex to its name, unless another process was first.
 Shared* mapNamed(const std::string& path) {
     if (Shared* const existing = mapFile(path, 0)) return existing;
     const std::string draft = path + "." + std::to_string(::getpid());
@@ -105,8 +105,8 @@ Shared* mapNamed(const std::string& path) {
     return mapFile(path, 0);
 }
 
-// One mapping for each name of this process, and for ever: a mutex must have one address. Null when
-// it cannot be made.
+// Maps each name once per process and never unmaps it, since a mutex must have one address. Null
+// when it cannot be mapped.
 Named* namedOf(const std::string& name) {
     static std::mutex guard;
     static auto& all = *new std::map<std::string, Named>;
@@ -116,7 +116,7 @@ Named* namedOf(const std::string& name) {
     return known.shared == nullptr ? nullptr : &known;
 }
 
-// The answer of a lock function: what a dead owner left is taken over.
+// Whether a lock function succeeded. Recovers the mutex of a dead owner.
 bool isTaken(pthread_mutex_t& mutex, int answer) {
     if (answer == EOWNERDEAD) ::pthread_mutex_consistent(&mutex);
     return answer == 0 || answer == EOWNERDEAD;

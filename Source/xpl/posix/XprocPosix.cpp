@@ -1,5 +1,5 @@
-// The system calls of child processes: posix_spawn and what belongs to it. A child of the product
-// takes its command line apart by the rule of xprocQuote.
+// System calls for child processes: posix_spawn and its kin. The command line is split by the rule
+// of xprocQuote.
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -68,7 +68,7 @@ bool createProcess(std::wstring& commandLine, XprocPtr& process, unsigned long& 
     return true;
 }
 
-// Nobody asks for consent here.
+// POSIX has no elevation prompt.
 bool runAs(const std::wstring& file, const std::wstring& parameters, XprocPtr&,
            unsigned long& error) {
     std::wstring line;
@@ -90,7 +90,7 @@ XprocCalls& xprocCalls() noexcept {
     return calls;
 }
 
-// The process stays as an entry of the system's table until this one ends.
+// A child that nobody waits for stays a zombie until this process ends.
 void XprocClose::operator()(void* process) const noexcept { delete static_cast<Process*>(process); }
 
 XErr xprocWait(XprocHandle handle, std::uint32_t* exitCode) {

@@ -1,4 +1,4 @@
-// The lock of readers and writers of POSIX.
+// pthread_rwlock.
 #include <pthread.h>
 
 #include "xpl/XsharedMutex.h"
@@ -13,7 +13,7 @@ XslimLock::XslimLock() {
     static_assert(sizeof(pthread_rwlock_t) <= sizeof words_);
     pthread_rwlockattr_t attributes;
     ::pthread_rwlockattr_init(&attributes);
-    // Readers that come all the time must not keep a writer out.
+    // A steady stream of readers must not starve a writer.
     ::pthread_rwlockattr_setkind_np(&attributes, PTHREAD_RWLOCK_PREFER_WRITER_NONRECURSIVE_NP);
     ::pthread_rwlock_init(rwlock(words_), &attributes);
     ::pthread_rwlockattr_destroy(&attributes);

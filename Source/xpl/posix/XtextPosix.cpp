@@ -1,5 +1,5 @@
-// Conversion between UTF-8 and UTF-16, whose units take a wchar_t each here too: what works on wide
-// texts meets the same ones on every system.
+// Conversion between UTF-8 and UTF-16. Each UTF-16 unit is one wchar_t, as on Windows, so that code
+// for wide strings behaves the same.
 #include <cstddef>
 #include <cstdint>
 
@@ -13,13 +13,13 @@ constexpr std::uint32_t kReplacement = 0xFFFD;
 bool isHigh(std::uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLow(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
-// 0 behind the end.
+// Returns 0 past the end.
 std::uint32_t unitAt(std::wstring_view wide, std::size_t at) {
     if (at >= wide.size()) return 0;
     return static_cast<std::uint32_t>(wide[at]);
 }
 
-// Bytes that follow the first one of a character; -1 for a byte that is no first one.
+// Number of continuation bytes after a lead byte; -1 when it is not a lead byte.
 int followers(unsigned char first) {
     if (first < 0x80) return 0;
     if (first >= 0xC2 && first <= 0xDF) return 1;
@@ -28,7 +28,7 @@ int followers(unsigned char first) {
     return -1;
 }
 
-// Takes one character off the text; false when there is none in UTF-8.
+// Removes one character from the text. Returns false at invalid UTF-8.
 bool take(std::string_view& text, std::uint32_t& character) {
     constexpr std::uint32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
     const auto first = static_cast<unsigned char>(text.front());
