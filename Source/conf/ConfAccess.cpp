@@ -24,7 +24,7 @@
 
 namespace {
 
-// For callers that have split the key. The same name, because log lines carry it.
+// For a key that is already split. It has the same name because log lines show the function's name.
 bool confValidateProp(const ConfKey& key, ConfType type, bool allowDeprecated) {
     const bool ofInstance = key.scope == ConfScope::Instance;
     if (key.declared == nullptr) {
@@ -45,7 +45,7 @@ bool confValidateProp(const ConfKey& key, ConfType type, bool allowDeprecated) {
     return true;
 }
 
-// The value that a read sees; nothing for a key that is being removed.
+// The value that a read returns; none for a key whose removal is pending.
 std::optional<std::string> readValue(ConfStore& store, const ConfKey& key) {
     const XsharedGuard reading(store.viewLock);
     const ConfValue* const value = store.view.find(key);

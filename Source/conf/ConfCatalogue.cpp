@@ -1,4 +1,4 @@
-// The directories of declared properties.
+// The declared properties.
 #include "conf/ConfCatalogue.h"
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-// Value types of properties. The numbers are those of the product's other programs.
+// Value types of properties. The product's other programs use the same numbers.
 enum class ConfType : std::uint32_t {
     None = 0,         // unknown property; for the core setter: do not check
     I32 = 1,          // decimal
@@ -39,8 +39,8 @@ class ConfSchema {
     std::size_t size() const { return entries_.size(); }
     const Entry& operator[](std::size_t index) const { return entries_[index]; }
 
-    // `hint`: likely index; any value is correct, a wrong one is slower. A reload, which passes the
-    // index after the last one, takes 0.6 of the time that it takes without.
+    // `hint`: likely index; any value is correct, a wrong one is slower. With the index after the
+    // last one found as hint, a reload takes 0.6 of the time.
     const_iterator find(std::string_view name, std::size_t hint = 0) const;
 
     // Number of properties whose names come before this one.
@@ -70,8 +70,8 @@ class ConfCatalogue {
     ConfSchema instances_;
 };
 
-// Type of a property by its bare name: with the flag the instance properties are looked at first,
-// then (or without it) the global ones. ConfType::None when there is none.
+// Type of a property by its bare name. With the flag, searches the instance properties first, then
+// the global ones; without it, only the global ones. ConfType::None when not found.
 ConfType confGetPropType(const ConfCatalogue& catalogue, std::string_view name,
                          bool isInstanceProp);
 

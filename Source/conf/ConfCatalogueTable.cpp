@@ -1,4 +1,4 @@
-// The vocabulary of the configuration: every property that exists, in registration order.
+// All properties, in the order of their registration.
 #include <iterator>
 
 #include "conf/ConfCatalogue.h"
@@ -9,7 +9,8 @@ namespace {
 constexpr bool kDumped = false;
 constexpr bool kExcluded = true;
 
-// "shortcut.shake" stands twice: the second registration replaces the first with the same values.
+// "shortcut.shake" is listed twice: the second registration replaces the first with the same
+// values.
 constexpr ConfCatalogueRow kGlobalRows[] = {
     {"vantrel_account_id", ConfType::String, "", kDumped},
     {"vantrel_cdn_url", ConfType::String, "", kDumped},

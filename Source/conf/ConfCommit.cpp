@@ -1,5 +1,5 @@
-// The commit: lock, load again, lay the pending changes over it, write a temporary file, flush,
-// replace, unlock.
+// The commit: lock, reload, merge the pending changes, write a temporary file, flush, replace,
+// unlock.
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -24,7 +24,7 @@
 
 namespace {
 
-// The first line that did not reach the file whole.
+// The first line that was not written completely.
 std::string lineAt(const std::string& text, std::size_t done) {
     const std::size_t before = done == 0 ? std::string::npos : text.rfind('\n', done - 1);
     const std::size_t start = before == std::string::npos ? 0 : before + 1;
@@ -63,9 +63,8 @@ XErr createTemporary(ConfFiles& files, XtemporaryFile& temporary,
     return err;
 }
 
-// Takes over the file's values, lays the pending changes over them and makes the file's new text,
-// all under one hold of the view's lock: a read sees none of it or all of it, and a set that comes
-// later stays pending.
+// Applies the file's values, merges the pending changes and makes the new text, all in one critical
+// section: a read sees none or all of it, and a later set stays pending.
 XErr merge(ConfStore& store, std::string& text, std::optional<ConfRefusedEntry>& refused)
     XTS_REQUIRES(store.lock) {
     std::optional<ConfBadLine> bad;
@@ -80,14 +79,14 @@ XErr merge(ConfStore& store, std::string& text, std::optional<ConfRefusedEntry>&
     return confReport(bad);
 }
 
-// The steps that end with the temporary file deleted when one fails.
+// The steps after which the temporary file is deleted when one fails.
 XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<ConfOutput> output,
                  const std::string& path) XTS_REQUIRES(store.lock) {
-    std::string text;  // of the file, then of the one that takes its place
+    std::string text;  // the file's, then its replacement's
     std::optional<ConfRefusedEntry> refused;
     if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
     if (const XErr err = merge(store, text, refused); err != XERR_SUCCESS) return err;
-    // The lines before one that must not be written come first.
+    // The lines before a refused one are written all the same.
     if (const XErr err = flush(*output, text); err != XERR_SUCCESS) return err;
     if (refused) return refuse(*refused);
     output.reset();  // closes the file, which cannot fail
@@ -100,7 +99,7 @@ XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<Co
 
 XErr commitTo(ConfStore& store, const std::string& path) XTS_REQUIRES(store.lock) {
     const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confCommitToFile");
-    // A temporary file that is left over does no harm: the next commit overwrites it.
+    // A temporary file that is left behind does no harm: the next commit overwrites it.
     XtemporaryFile temporary(store.files, path + "-temp", kConfLog, "confCommitToFile");
     std::unique_ptr<ConfOutput> output;
     if (const XErr err = createTemporary(store.files, temporary, output); err != XERR_SUCCESS) {
@@ -117,8 +116,8 @@ void logCommit(const std::string& path) {
 
 }  // namespace
 
-// Looks for changes when it has its turn, or two commits at the same time would write twice, or one
-// would report success while the other writes.
+// Checks for changes under the lock. Otherwise two concurrent commits could both write, or one
+// could report success while the other is still writing.
 XErr confCommit(ConfStore& store) {
     const std::lock_guard<std::mutex> guard(store.lock);
     if (!confHasPendingChanges(store)) {

@@ -1,5 +1,5 @@
-// The configuration's file operations on the disk. The files are private: one that a child of the
-// host kept open could not be replaced as long as that child lives.
+// The configuration's file operations on the disk. Handles are not inherited: a child that
+// inherited one would keep the file from being replaced.
 #include "conf/ConfFiles.h"
 
 #include <cstdint>
@@ -32,7 +32,7 @@ class DiskFiles final : public ConfFiles {
         std::int64_t size = 0;
         if (xfileSize(file, size) != XERR_SUCCESS) return ConfFileRead::ReadFailed;
         const auto length = static_cast<std::size_t>(size);
-        content.reserve(length + length / 16);  // a commit puts a text into it that may be longer
+        content.reserve(length + length / 16);  // a commit reuses it for its own, longer text
         content.resize(length);
         std::size_t done = 0;
         const XErr err = xfileReadAll(file, content.data(), content.size(), done);
@@ -51,7 +51,7 @@ class DiskFiles final : public ConfFiles {
     }
 
     void remove(const std::string& path) override {
-        static_cast<void>(xfileDelete(path));  // the failure that led here is what is reported
+        static_cast<void>(xfileDelete(path));  // the original failure is what is reported
     }
 };
 

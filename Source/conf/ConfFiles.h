@@ -11,17 +11,16 @@
 
 enum class ConfFileRead { Done, OpenFailed, ReadFailed };
 
-// A file that is being written. Destroying it closes it.
+// A file that is being written. The destructor closes it.
 class ConfOutput {
  public:
     virtual ~ConfOutput() = default;
 
-    // `done` tells how many bytes reached the file, after a failure too.
+    // `done` is the number of bytes written, after a failure too.
     [[nodiscard]] virtual XErr write(std::string_view piece, std::size_t& done) = 0;
 };
 
-// The file operations of the configuration: the disk, or what a test puts in its place to make an
-// operation fail.
+// The file operations of the configuration: the disk's, or a test's substitute.
 class ConfFiles : public XfileReplacer {
  public:
     virtual ConfFileRead read(const std::string& path, std::string& content) = 0;

@@ -1,4 +1,4 @@
-// Many values of many instances at one moment.
+// A snapshot of several properties of all instances.
 #include "conf/ConfInstanceValues.h"
 
 #include "conf/Conf.h"
@@ -10,10 +10,10 @@ namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-// About what an instance takes.
+// Typical size per instance.
 constexpr std::size_t kTextSize = 80;
 
-// The property's index; kNone where a read of it is refused.
+// The property's index; kNone when it cannot be read.
 std::size_t indexOf(const ConfStore& store, const ConfColumn& column) {
     const ConfSchema& schema = store.catalogue.instances();
     const auto found = schema.find(column.property);
@@ -22,7 +22,7 @@ std::size_t indexOf(const ConfStore& store, const ConfColumn& column) {
     return static_cast<std::size_t>(found - schema.begin());
 }
 
-// The value as a read sees it; null while its removal is pending.
+// The value that a read returns; null while its removal is pending.
 const std::string* shownText(const ConfValue& value) {
     if (value.isRemoved) return nullptr;
     return value.staged == nullptr ? &value.committed : value.staged.get();
@@ -40,7 +40,7 @@ ConfInstanceValues::ConfInstanceValues(ConfStore& store, const ConfColumn* colum
     texts_.reserve(store.view.instanceCount() * kTextSize);
     store.view.forEachInstance([&](const std::string& name, const ConfView::Group& group) {
         add(&name);
-        // Keys of a name with a "." are split at it, and are those of no instance.
+        // Keys are split at the first ".", so a name with a "." has none.
         const bool isReadable = name.find('.') == std::string::npos;
         for (const std::size_t index : indices) {
             add(isReadable && index != kNone ? shownText(group.values[index]) : nullptr);

@@ -16,8 +16,7 @@ struct ConfColumn {
     ConfType type;
 };
 
-// The values that some properties have in the known instances, in order of the instances' names. A
-// copy that is made in one step: no change comes between two of its values.
+// A consistent snapshot of some properties of all known instances, ordered by instance name.
 class ConfInstanceValues {
  public:
     ConfInstanceValues(ConfStore& store, const ConfColumn* columns, std::size_t count);
@@ -25,13 +24,13 @@ class ConfInstanceValues {
     std::size_t size() const { return cells_.size() / width_; }
     std::string_view name(std::size_t instance) const { return *text(cells_[instance * width_]); }
 
-    // Nothing where a read of that key would be fatal, and would say why.
+    // No value when reading that key would be fatal.
     std::optional<std::string_view> value(std::size_t instance, std::size_t column) const {
         return text(cells_[instance * width_ + 1 + column]);
     }
 
  private:
-    // A piece of the texts.
+    // A range of the texts.
     struct Cell {
         bool exists;
         std::size_t start;

@@ -25,8 +25,8 @@ struct InstanceEntry {
     const std::string& value;
 };
 
-// What follows `start` in the key that two parts make; nothing when it begins otherwise. The first
-// part may end within `start`: the keys of "A.B" are those of "A" that begin with "B.".
+// The part of the key prefix + name after `start`; none when it does not begin with `start`. The
+// prefix may end inside `start`: the keys of "A.B" are the keys of "A" that begin with "B.".
 std::optional<std::string_view> rest(std::string_view prefix, std::string_view name,
                                      std::string_view start) {
     if (start.substr(0, prefix.size()) != prefix) return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<std::string_view> rest(std::string_view prefix, std::string_view n
     return name.substr(left.size());
 }
 
-// Of the instance whose keys begin with `start`, in key order.
+// The entries whose keys begin with `start`, in key order.
 std::vector<InstanceEntry> entriesOfInstance(const ConfView& view, std::string_view start) {
     std::vector<InstanceEntry> entries;
     view.forEach([&](std::string_view prefix, std::string_view name, const ConfValue& value) {
@@ -46,7 +46,7 @@ std::vector<InstanceEntry> entriesOfInstance(const ConfView& view, std::string_v
     return entries;
 }
 
-// The room that readers of a dump have for a key and for a value, in bytes, without a NUL.
+// Buffer sizes of the dump's readers for a key and a value, in bytes, without the NUL.
 constexpr std::size_t kDumpKeyMax = 31;
 constexpr std::size_t kDumpValueMax = 91;
 
@@ -74,10 +74,10 @@ void forEachDumpEntry(const ConfView& view, std::string_view currentPrefix, Visi
     });
 }
 
-// The lines of a dump, up to the first entry that has no room in one.
+// The lines of a dump, up to the first entry that is too long.
 struct Dump {
     std::string lines;
-    std::string tooLongKey;  // as it is stored; empty: every entry has room
+    std::string tooLongKey;  // the stored key; empty: none is too long
     std::string tooLongValue;
 };
 
@@ -105,8 +105,7 @@ void stageCopy(ConfView& view, const ConfView::Names& deprecated, const std::str
     }
 }
 
-// An instance is forgotten under the store's lock only, so that a known one stays so for the
-// caller.
+// Instances are forgotten only under the store's lock, so the answer holds while the caller has it.
 bool isKnown(ConfStore& store, const std::string& instance) XTS_REQUIRES(store.lock) {
     const XsharedGuard reading(store.viewLock);
     return store.view.isKnown(instance);
@@ -133,13 +132,13 @@ XErr confCopyInstance(ConfStore& store, const std::string& source, const std::st
         return XERR_FAILURE;
     }
     if (!confIsInstanceName(target)) {
-        // Committed, its keys would stop every later load of every program.
+        // Once committed, its keys would make every later load fail, in every program.
         XLOG_E(kConfLog, "%s: invalid instance name %s", "confCopyInstance", target.c_str());
         return XERR_INVAL;
     }
     const std::lock_guard<XsharedMutex> changing(store.viewLock);
     stageCopy(store.view, store.deprecated, confInstancePrefix(source), confInstancePrefix(target));
-    store.view.makeKnown(target);  // without defaults: the copied keys are all that it needs
+    store.view.makeKnown(target);  // without defaults: it gets the copied keys only
     return XERR_SUCCESS;
 }
 
@@ -177,7 +176,7 @@ XErr confGetInstanceAllConfigs(ConfStore& store, char* buffer, std::uint32_t buf
     }
     std::string& dump = entries.lines;
     dump.append("vtr.oem=nvo\n").append("vtr.version=").append(UTL_VERSION).append("\n");
-    // A catalogue's worth of short lines: far below 32 bits.
+    // At most one short line per property: fits easily.
     const auto needed = static_cast<std::uint32_t>(dump.size() + 1);
     if (bufferSize >= needed && buffer == nullptr) {
         XLOG_E(kConfLog, "%s: buffer is null", "confGetInstanceAllConfigs");

@@ -8,15 +8,15 @@
 #include "conf/ConfCatalogue.h"
 #include "xpl/Xbytes.h"
 
-// The grammar of keys: "vtr.<property>" and "vtr.instance.<instance>.<property>". A key is split
-// once, where it enters the store, and travels as a ConfKey.
+// Keys: "vtr.<property>" and "vtr.instance.<instance>.<property>". A key is split once, on entry to
+// the store, and passed on as a ConfKey.
 
 constexpr std::string_view CONF_PREFIX = "vtr.";
 constexpr std::string_view CONF_INSTANCE_PREFIX = "vtr.instance.";
 
 enum class ConfScope { Global, Instance, None };
 
-// A key in its parts. The views point into the text that it was made of.
+// A key, split into its parts. The views point into the original text.
 struct ConfKey {
     std::string_view text;  // all of it
     ConfScope scope = ConfScope::None;
@@ -42,8 +42,7 @@ inline ConfKey confSplitKey(std::string_view text) {
     return {text, ConfScope::None, {}, {}};
 }
 
-// The split key with its declaration. `hint`: likely index of the property, as of
-// ConfSchema::find.
+// Splits a key and finds its declaration. `hint` as in ConfSchema::find.
 inline ConfKey confFindKey(const ConfCatalogue& catalogue, std::string_view text,
                            std::size_t hint = 0) {
     ConfKey key = confSplitKey(text);
@@ -57,7 +56,7 @@ inline ConfKey confFindKey(const ConfCatalogue& catalogue, std::string_view text
     return key;
 }
 
-// Whether a key comes before the one that a prefix and a name make, in byte order.
+// Whether key < prefix + name, in byte order.
 inline bool confKeyIsBefore(std::string_view key, std::string_view prefix, std::string_view name) {
     const int order = key.compare(0, prefix.size(), prefix);
     return order != 0 ? order < 0 : key.substr(prefix.size()) < name;
@@ -67,7 +66,7 @@ inline std::string confGlobalKey(std::string_view property) {
     return std::string(CONF_PREFIX).append(property);
 }
 
-// "vtr.instance.<instance>.", which the keys of an instance begin with.
+// "vtr.instance.<instance>."
 inline std::string confInstancePrefix(std::string_view instance) {
     return std::string(CONF_INSTANCE_PREFIX).append(instance).append(".");
 }

@@ -33,7 +33,7 @@ void applyDefaults(ConfStore& store) XTS_REQUIRES(store.lock) {
     fillGlobalDefaults(store);
 }
 
-// Leaves the defaults behind when memory runs out, as after any other failure of a read.
+// Applies the defaults when reading throws, as after any other failed read.
 XErr readFileOrApplyDefaults(ConfStore& store, std::string& text) XTS_REQUIRES(store.lock) {
     try {
         return confReadFile(store, text);
@@ -43,8 +43,8 @@ XErr readFileOrApplyDefaults(ConfStore& store, std::string& text) XTS_REQUIRES(s
     }
 }
 
-// The defaults and the file's values in one step, so that a read never sees a default of a key that
-// the file has. The defaults also where the file cannot be read.
+// Applies the defaults and the file's values in one critical section, so that a read never sees the
+// default of a key that the file has. Applies the defaults even when the file cannot be read.
 XErr applyDefaultsAndFile(ConfStore& store) XTS_REQUIRES(store.lock) {
     const XnamedGuard otherProcesses(store.fileLock, kConfLog, "confLibInit");
     std::string text;

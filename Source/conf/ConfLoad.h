@@ -10,16 +10,16 @@
 #include "xpl/Xattributes.h"
 #include "xpl/Xerr.h"
 
-// A load in its steps: the file, the memory, the log line. For callers that hold the file lock too.
+// The steps of a load: read the file, apply it, report. The caller also holds the file lock.
 
-// The text of the store's file; nothing when it has none.
+// Reads the store's file; `text` stays empty when the store has none.
 [[nodiscard]] XErr confReadFile(ConfStore& store, std::string& text) XTS_REQUIRES(store.lock);
 
-// Applies that text, up to a bad line, which points into it.
+// Applies the text up to a bad line. The returned views point into the text.
 [[nodiscard]] std::optional<ConfBadLine> confApplyFile(ConfStore& store, std::string_view text)
     XTS_REQUIRES(store.lock, store.viewLock);
 
-// -1 after a log line when there was a bad one.
+// Returns 0, or -1 after logging the bad line.
 [[nodiscard]] XErr confReport(const std::optional<ConfBadLine>& bad);
 
 #endif

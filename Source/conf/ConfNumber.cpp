@@ -24,7 +24,7 @@ bool parse(std::string_view text, Number& number) {
         number = digits.front() == '-' ? std::numeric_limits<Number>::min()
                                        : std::numeric_limits<Number>::max();
     }
-    // Without a digit the conversion stops at the start of the text, white space included.
+    // Without a digit the conversion stops at the start of the text, before any white space.
     const char* const reached = error == std::errc::invalid_argument ? text.data() : stop;
     return number != 0 || reached == text.data() + text.size();
 }

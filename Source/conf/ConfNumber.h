@@ -4,12 +4,11 @@
 #include <cstdint>
 #include <string_view>
 
-// Decimal text to a number with the rules of the C library's strtol, in the C locale whatever the
-// process's is: leading white space and a sign are taken, the conversion stops at the first other
-// character, and numbers out of range saturate.
+// Parses a decimal number by the rules of strtol in the C locale: skips leading white space,
+// accepts a sign, stops at the first other character, and saturates.
 //
-// False, which callers treat as fatal, only when the result is 0 and the conversion stopped before
-// the end of the text: "" and "0" are 0, "12abc" is 12, "abc" is refused.
+// Returns false, which callers treat as fatal, only when the result is 0 and the conversion stopped
+// before the end of the text: "" and "0" are 0, "12abc" is 12, "abc" is refused.
 [[nodiscard]] bool confParseI32(std::string_view text, std::int32_t& number);
 [[nodiscard]] bool confParseI64(std::string_view text, std::int64_t& number);
 

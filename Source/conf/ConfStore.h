@@ -17,17 +17,16 @@
 #include "xpl/Xrcu.h"
 #include "xpl/XsharedMutex.h"
 
-// Every file of this module logs as one.
+// All files of this module log under one name.
 constexpr XlogModule kConfLog{XlogTag::CONF, "Source/conf/Conf"};
 
-// State of a configuration store; for the files of this module and its tests. Everybody else calls
-// the functions of Conf.h.
+// State of a configuration store, for this module and its tests. Other code uses Conf.h.
 //
-// Lock order: `lock`, then `fileLock`, then `viewLock`. Loads, commits and the operations on whole
-// instances hold `lock`, a commit both from before it opens its temporary file until after the
-// move. Reads, sets and checks take the view's lock alone, so that whoever calls them, a window's
-// thread perhaps, never waits for a disk or for another program. It is held while memory is read or
-// changed, never while a line is logged.
+// Lock order: `lock`, then `fileLock`, then `viewLock`. Loads, commits and operations on whole
+// instances hold `lock`; a commit holds `lock` and `fileLock` from before it opens its temporary
+// file until after the move. Reads, sets and checks take only `viewLock`, so that a caller (a UI
+// thread, say) never waits for a disk or for another program. `viewLock` is held only while memory
+// is read or changed, never while logging.
 struct ConfStore {
     ConfStore(const ConfCatalogue& catalogueToUse, ConfFiles& filesToUse)
         : catalogue(catalogueToUse), files(filesToUse), view(catalogueToUse) {}
@@ -37,17 +36,16 @@ struct ConfStore {
 
     std::mutex lock;
 
-    // What the file holds, over the defaults, and what is not committed yet. Loading never removes
-    // a key.
+    // The file's values over the defaults, and the pending changes. Loading never removes a key.
     XsharedMutex viewLock;
     ConfView view XTS_GUARDED_BY(viewLock);
 
-    // Keys of deprecated properties that were seen; a commit drops them.
+    // Keys of deprecated properties that a load met; a commit drops them.
     ConfView::Names deprecated XTS_GUARDED_BY(lock);
 
     std::string path XTS_GUARDED_BY(lock);  // empty: no file
 
-    // Orders loads and commits between processes; named when the store is initialised.
+    // Serialises loads and commits across processes. Created when the store is initialised.
     std::string fileLockName = utlGlobalObjectName("conf");
     XmutexNamed fileLock;
 

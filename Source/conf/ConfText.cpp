@@ -14,7 +14,7 @@ char* copyTo(char* to, std::string_view text) { return std::copy(text.begin(), t
 
 std::string_view untilNul(std::string_view text) { return text.substr(0, xbytesFind<'\0'>(text)); }
 
-// Offset of the first byte from `at` on that is one of these, or npos. Notes a NUL on the way.
+// Like xbytesFind, but also notes a NUL before the match.
 template <char... Wanted>
 std::size_t findNotingNul(std::string_view text, std::size_t at, bool& hasNul) {
     const std::size_t found = xbytesFind<'\0', Wanted...>(text, at);
@@ -42,7 +42,7 @@ ConfRead ConfTextReader::next(ConfEntry& entry) {
     entry.line = line;
     if (!hasKey || line.size() > CONF_LINE_SIZE) return ConfRead::Malformed;
     entry.key = line.substr(0, equals);
-    // A line that ends one character after its "=" leaves nothing to drop at the end.
+    // A line that ends one character after its "=" has no last character to drop.
     const std::size_t start = equals + kBeforeValue.size();
     const std::size_t length = start < line.size() ? line.size() - 1 - start : 0;
     entry.value = line.substr(start, length);

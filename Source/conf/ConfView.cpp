@@ -7,7 +7,7 @@ bool ConfView::PrefixOrder::operator()(std::string_view a, std::string_view b) c
     const std::size_t common = std::min(a.size(), b.size());
     const int order = a.substr(0, common).compare(b.substr(0, common));
     if (order != 0 || a.size() == b.size()) return order < 0;
-    // Of a name and one that goes on with a ".", the shorter one comes first.
+    // When one name is a prefix of the other, compare "." with the next byte of the longer one.
     const auto next = static_cast<unsigned char>(a.size() < b.size() ? b[common] : a[common]);
     return a.size() < b.size() ? '.' <= next : next < '.';
 }
@@ -108,14 +108,14 @@ void ConfView::commitGlobalDefaults() {
 
 ConfView::Group& ConfView::addInstance(std::string_view name) {
     Group& added = group(name);
-    // A known instance has its defaults, also when memory runs out between the two.
+    // Defaults first: if this throws, no instance is known without its defaults.
     if (!added.isKnown) addDefaults(name, added);
     added.isKnown = true;
     return added;
 }
 
 void ConfView::addDefaults(std::string_view instance, Group& group) {
-    // Keys of a name with a "." split at it, so that the catalogue does not declare them.
+    // Keys are split at the first ".", so those of a name with a "." are not declared.
     const bool isSplit = instance.find('.') != std::string_view::npos;
     auto own = group.values.begin();
     for (const auto& [name, property] : catalogue_.instances()) {

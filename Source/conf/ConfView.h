@@ -15,12 +15,12 @@
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 
-// What is known of one key.
+// State of one key.
 struct ConfValue {
     std::string committed;                // empty while there is none
     std::unique_ptr<std::string> staged;  // null: no new value
     bool isCommitted = false;
-    bool isRead = false;     // the committed one, and its key, come from a line without a NUL
+    bool isRead = false;     // the committed value and its key were read from a line without a NUL
     bool isRemoved = false;  // not committed yet
     bool isListed = false;   // among the view's changed values
 
@@ -38,14 +38,13 @@ struct ConfValue {
     }
 };
 
-// The store's memory: the committed values, what is staged to change them, and the known instances.
-// These functions only touch containers: they open no file, write no log line, lock nothing and
-// wait for nothing.
+// The store's memory: committed values, staged changes and known instances. Does no I/O, logging or
+// locking.
 class ConfView {
  public:
     using Names = std::set<std::string, std::less<>>;
 
-    // An instance: a value for each property of the schema, by its index.
+    // An instance: one value per property of the schema, by index.
     struct Group {
         std::vector<ConfValue> values;
         bool isKnown = false;  // whether it is in the set of instances
@@ -59,18 +58,19 @@ class ConfView {
 
     const ConfCatalogue& catalogue() const { return catalogue_; }
 
-    // What is known of a key; null or a new value when that is nothing. Stays where it is.
+    // State of a key: find() returns null when there is none, value() creates it. Its address is
+    // stable.
     const ConfValue* find(const ConfKey& key) const;
     ConfValue& value(const ConfKey& key);
 
     // The same after making the key's instance known.
     ConfValue& knownValue(const ConfKey& key);
 
-    // Stages a value unless it is the committed one; takes back what was staged before.
+    // Stages a value. Setting the committed value only drops the staged one.
     void set(ConfValue& value, std::string_view to);
 
     void stage(ConfValue& value, std::string_view to);
-    void remove(ConfValue& value);  // takes a staged value back
+    void remove(ConfValue& value);  // drops a staged value
 
     bool hasChanges() const;
     void discardChanges() noexcept;
@@ -79,7 +79,7 @@ class ConfView {
     // Commits the default of each global property.
     void commitGlobalDefaults();
 
-    // Makes an instance known. One that was not gets the default of each property that it lacks.
+    // Makes an instance known and, if it was not, sets the defaults of properties that it lacks.
     Group& addInstance(std::string_view name);
 
     void makeKnown(std::string_view instance) { group(instance).isKnown = true; }
@@ -88,21 +88,20 @@ class ConfView {
     bool isKnown(std::string_view instance) const;
     Names instances() const;
 
-    // How many instances there are, former ones among them.
+    // Number of instances, including forgotten ones.
     std::size_t instanceCount() const { return instances_.size(); }
 
     // Calls visit(name, group) for each known instance, in order of the names.
     template <typename Visit>
     void forEachInstance(Visit visit) const;
 
-    // Calls visit(prefix, name, value) for what is committed or changed, in byte order of the keys
-    // prefix + name. The prefix is valid during the call, and empty for a key that the catalogue
-    // does not declare.
+    // Calls visit(prefix, name, value) for each committed or changed key, in byte order of prefix +
+    // name. The prefix is valid during the call, and empty for a key that is not in the catalogue.
     template <typename Visit>
     void forEach(Visit visit) const;
 
  private:
-    // The order of the prefixes that two instance names give: the "." after them counts.
+    // Orders instance names as their key prefixes: the "." after the name counts.
     struct PrefixOrder {
         using is_transparent = void;
         bool operator()(std::string_view a, std::string_view b) const;
@@ -113,12 +112,12 @@ class ConfView {
     void list(ConfValue& value);
 
     const ConfCatalogue& catalogue_;
-    std::vector<ConfValue> globals_;                       // by the properties' index
-    std::map<std::string, Group, PrefixOrder> instances_;  // known ones and former ones
-    // The same by name alone: a get takes 0.6 of the time that a search of the map takes.
+    std::vector<ConfValue> globals_;                       // by index of the property
+    std::map<std::string, Group, PrefixOrder> instances_;  // known and forgotten ones
+    // A hash index of the same instances: a get takes 0.6 of the time of a search in the map.
     std::unordered_map<std::string_view, Group*> byName_;
     std::map<std::string, ConfValue, std::less<>> others_;  // by keys that are not declared
-    std::vector<ConfValue*> changed_;  // each changed value once; some were taken back
+    std::vector<ConfValue*> changed_;  // every changed value once; some changes were dropped
 };
 
 template <typename Visit>
@@ -148,7 +147,7 @@ void ConfView::forEach(Visit visit) const {
             visit(prefix, name, values[i]);
         }
     };
-    // The instances' keys stand in one block among the global ones.
+    // The instances' keys form one block among the global ones.
     const ConfSchema& globals = catalogue_.globals();
     const std::size_t border = globals.countBefore(CONF_INSTANCE_PREFIX.substr(CONF_PREFIX.size()));
     visitRange(CONF_PREFIX, globals, globals_, 0, border);

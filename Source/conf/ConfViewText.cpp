@@ -1,4 +1,4 @@
-// The lines of a file, as values of a view.
+// Reads the lines of a file into a view, and writes them.
 #include "conf/ConfViewText.h"
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 
 namespace {
 
-// Where the values of a file's keys go. The keys of an instance usually follow each other, and the
-// instance is looked up once for them.
+// Finds the values of a file's keys. An instance's keys usually follow each other, so its lookup is
+// cached.
 class Target {
  public:
     explicit Target(ConfView& view) : view_(view) {}
@@ -34,7 +34,7 @@ const char* directoryOf(const ConfKey& key) {
     return key.scope == ConfScope::Instance ? "iprop dir" : "prop dir";
 }
 
-// Appends the line of an entry, unless that would not read back.
+// Appends the line of an entry, unless it would not read back.
 XErr appendLine(std::string& text, std::string_view prefix, std::string_view name,
                 const ConfValue& value) {
     const auto check = value.isRead ? confCheckReadEntry : confCheckEntry;
@@ -57,7 +57,7 @@ std::optional<ConfBadLine> confReadView(ConfView& view, ConfView::Names& depreca
     view.forgetInstances();
     ConfTextReader reader(text);
     Target target(view);
-    std::size_t next = 0;  // index of the likely property: they follow each other too
+    std::size_t next = 0;  // likely index: properties follow each other too
     ConfEntry entry;
     ConfRead read;
     while ((read = reader.next(entry)) == ConfRead::Entry) {

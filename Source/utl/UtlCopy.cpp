@@ -1,4 +1,4 @@
-// Folders are listed, made and removed, and files copied, by Qt, which takes paths of any length.
+// Uses Qt for folders and files, since it handles paths of any length.
 #include "utl/UtlCopy.h"
 
 #include <QDir>
@@ -13,25 +13,24 @@ constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
 
 QString qtPath(const std::string& path) { return QString::fromStdString(xfileSystemPath(path)); }
 
-// Not as UTF-8, which has no bytes for every name that a file can have.
+// As UTF-16: not every file name of Windows can be expressed in UTF-8.
 QString joined(const std::string& folder, const QString& name) {
     return qtPath(folder) + QDir::separator() + name;
 }
 
-// Whatever was there is deleted. A failure shows when files are copied into it.
+// Deletes what was there. A failure shows when files are copied into the folder.
 void makeEmptyFolder(const std::string& folder) {
     QDir existing(qtPath(folder));
     if (existing.exists()) existing.removeRecursively();
     QDir().mkpath(qtPath(folder));
 }
 
-// Entries come by name, without regard to case: QDir::NoSort leaves a listing to the folder's
-// object, and that is the order it has.
+// The order is by name, ignoring case: with QDir::NoSort the QDir object's own sort order applies.
 void copySubfolders(const QDir& folder, const std::string& source, const std::string& destination) {
     for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort)) {
         const std::string target = destination + QDir::separator().toLatin1() + name.toStdString();
         makeEmptyFolder(target);
-        // Its failures are logged, and do not count here.
+        // Failures in sub-folders are logged, but do not count.
         static_cast<void>(utlCopyRecursive(source + "/" + name.toStdString(), target));
     }
 }

@@ -5,14 +5,14 @@
 
 #include "xpl/Xerr.h"
 
-// Copies the content of one folder into another, with all sub-folders; hidden files and folders are
-// left out. A sub-folder that `destination` has already is deleted and copied afresh; a file that
-// it has already stays as it is, and counts as failed. `destination` itself is not created for
-// files, and must not lie inside `source`.
+// Copies a folder's content into another folder, with all sub-folders but without hidden files and
+// folders. An existing sub-folder of `destination` is deleted first. An existing file is kept and
+// counts as a failure. `destination` itself is not created for files, and must not be inside
+// `source`.
 //
-// -1 when a file directly inside `source` was not copied, else 0, also when `source` does not
-// exist. Failures are logged, those in sub-folders too, and the copy goes on. Paths are UTF-8.
-// Locks nothing: the caller holds whatever guards the folders.
+// Returns -1 when a file directly inside `source` was not copied, else 0, even when `source` does
+// not exist. Logs all failures and continues. Paths are UTF-8. Takes no lock: the caller holds what
+// guards the folders.
 [[nodiscard]] XErr utlCopyRecursive(const std::string& source, const std::string& destination);
 
 #endif

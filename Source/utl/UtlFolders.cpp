@@ -1,4 +1,4 @@
-// The product's folders, from the registry, and the names built on them.
+// The product's folders, from the registry, and names derived from them.
 #include "utl/UtlFolders.h"
 
 #include <cstddef>
@@ -16,7 +16,7 @@ std::string productValue(const char* name) {
     return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, name, {});
 }
 
-// A text that is computed on first use and lives as long as the process.
+// A string that is computed on first use and never freed.
 using Cached = const std::string&;
 
 Cached installDir() {
@@ -31,7 +31,7 @@ Cached dataDir() {
 
 std::wstring wideValue(const char* name) {
     std::wstring wide;
-    // The registry holds UTF-16, so what was read is well-formed; an empty path is refused later.
+    // The text comes from UTF-16, so the conversion cannot fail; an empty path is refused later.
     static_cast<void>(xtextToWide(productValue(name), wide));
     return wide;
 }
@@ -62,8 +62,7 @@ std::string utlGetInstallDir() {
 }
 
 std::string utlGetDataDir() {
-    // Never empty, since the separator is added to a missing value too; the check says what would
-    // be done if that changed.
+    // Never empty, since the separator is added even to a missing value.
     if (dataDir().empty()) {
         XLOG_E(kLog, "%s: Failed to get data dir properly", "utlGetDataDir");
         XLOG_FATAL(kLog);

@@ -1,4 +1,4 @@
-// The images that instances run, and the library's version, which images are downloaded for.
+// The images that instances run, and the library's version, which selects the download.
 #include "utl/UtlImages.h"
 
 #include <QCryptographicHash>
@@ -15,7 +15,7 @@ constexpr UtlImageTrait kImages[] = {
 };
 
 constexpr const char* kBuildVariant = "-orvane";
-constexpr const char* kDownloadBase = "";  // whoever builds the library for a server puts it here
+constexpr const char* kDownloadBase = "";  // set this when building for a download server
 
 constexpr std::int32_t kAbiMaskMin = 1;
 constexpr std::int32_t kAbiMaskMax = 15;

@@ -15,29 +15,29 @@ struct UtlImageTrait {
     std::int32_t count;       // for the product's other programs
 };
 
-// The trait record of an image, by its exact name; null for an unknown image.
+// Traits of an image, by its exact name; null for an unknown image.
 const UtlImageTrait* utlFindImageTrait(std::string_view imageName);
 
-// The same for callers that know the image: an unknown one is fatal.
+// The same, but an unknown image is fatal.
 const UtlImageTrait& utlGetImageTrait(std::string_view imageName);
 
 // Image part of an instance name: the text before its first "_".
 std::string_view utlImageNameOfInstance(std::string_view instance);
 
-// "x86,x64,arm,arm64" as far as the mask (bits 1, 2, 4, 8) and the image have them. A mask outside
-// 1 to 15 is logged and gives an empty text.
+// The ABIs of the mask (1 "x86", 2 "x64", 4 "arm", 8 "arm64") that the image supports, separated by
+// ",". A mask outside 1 to 15 is logged and gives "".
 std::string utlGetAbiListFromAbiInt(std::int32_t abiMask, const std::string& imageName);
 
-// Version of the library. The plain text is what hosts and the registry compare; the full one
-// carries the build variant.
+// Version of the library. Hosts and the registry compare the plain text; the full text includes the
+// build variant.
 constexpr const char* UTL_VERSION = "5.2.0.1052";
 std::string utlLibraryVersion();
 
 // MD5 of the full version text, 32 lower-case hexadecimal digits.
 std::string utlLibraryVersionDigest();
 
-// Where an image archive is downloaded from. The server is fixed when the library is built; without
-// one, the text starts with the digest.
+// Download address of an image archive. The server is fixed at build time; without one, the text
+// starts with the digest.
 std::string utlImageDownloadLocation(std::string_view imageName);
 
 #endif

@@ -1,4 +1,4 @@
-// Values of JSON text.
+// Writing JSON.
 #include "utl/UtlJson.h"
 
 #include <QByteArray>
@@ -17,7 +17,7 @@ bool isPlain(char c) {
     return byte >= 0x20 && byte < 0x80 && c != '"' && c != '\\';
 }
 
-// Of a character that cannot stand for itself.
+// The escape sequence of a character that needs one.
 std::string escapeOf(char c) {
     constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
     constexpr std::string_view names = "\"\\bfnrt";
@@ -47,7 +47,7 @@ void UtlJsonArray::put(std::string_view bytes) {
     size_ += bytes.size();
 }
 
-// Bytes that Qt would keep, but for those that need an escape.
+// Valid UTF-8: only characters that need an escape change.
 void UtlJsonArray::putEscaped(std::string_view text) {
     for (const char c : text) {
         const bool isEscaped = static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';

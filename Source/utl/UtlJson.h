@@ -6,27 +6,27 @@
 #include <string>
 #include <string_view>
 
-// Writing JSON text: the very bytes of QJsonDocument::toJson, without its tree of copies, which
+// Writes JSON with the same bytes as QJsonDocument::toJson, but without building a tree, which
 // would take most of the time of a listing.
 
-// A length as Qt has it; std::length_error for more bytes than one of its texts can have.
+// Converts a length to Qt's type. Throws std::length_error when it does not fit.
 int utlJsonLength(std::size_t length);
 
-// An array of flat objects in its indented form.
+// An indented array of flat objects.
 class UtlJsonArray {
  public:
-    // `size` is about the size of the whole text.
+    // `size`: expected size of the whole text.
     explicit UtlJsonArray(std::size_t size);
 
-    // Starts the next object. It gets at least one member.
+    // Starts the next object, which must get at least one member.
     void object();
 
-    // The members of the object, which come in ascending order of their names, as Qt keeps them.
-    // Bytes that are not UTF-8 become what Qt makes of them.
+    // Adds a member. Members must be added in ascending order of their names, as Qt keeps them.
+    // Invalid UTF-8 is converted as Qt does.
     void member(std::string_view name, std::string_view text);
     void member(std::string_view name, std::int32_t number);
 
-    // The text; the last call.
+    // Returns the text. Must be the last call.
     std::string take();
 
  private:
@@ -35,8 +35,8 @@ class UtlJsonArray {
     void putEscaped(std::string_view text);
     void startMember(std::string_view name);
 
-    std::string out_;       // longer than what is in it, so that most bytes are only copied
-    std::size_t size_ = 0;  // of what is in it
+    std::string out_;       // over-allocated, so that most appends only copy
+    std::size_t size_ = 0;  // number of bytes used
     bool hasObject_ = false;
     bool hasMember_ = false;
 };

@@ -14,7 +14,7 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::UTL, "Source/utl/Utl"};
 
-// A running process, or none. Closes itself.
+// A handle of a running process, or none. The destructor closes it.
 class OpenProcess {
  public:
     explicit OpenProcess(std::uint32_t id) : handle_(utlProcessCalls().open(id)) {}
@@ -63,7 +63,7 @@ XErr utlTrimMemoryAllProcs() {
 
 std::int32_t utlRegisterCrashHandler() {
     std::wstring path;
-    // The folder came from UTF-16, so it goes back.
+    // The folder came from UTF-16, so the conversion cannot fail.
     static_cast<void>(xtextToWide(utlGetInstallDir() + "QX-WerHandler.dll", path));
     return utlProcessCalls().registerCrashModule(path);
 }

@@ -1,5 +1,5 @@
-// Windows' own calls. All of them are exports of kernel32.dll since Windows 7, the first that Qt
-// runs on, so none needs to be looked for at run time.
+// The system's calls. kernel32.dll exports all of them since Windows 7, which is Qt's minimum, so
+// none is looked up at run time.
 #include "utl/UtlProcessCalls.h"
 
 #include <cstddef>

@@ -7,7 +7,7 @@
 
 namespace {
 
-// An open registry key, or none. Closes itself.
+// An open registry key, or none. The destructor closes it.
 class RegistryKey {
  public:
     RegistryKey(HKEY root, const std::wstring& path) {
@@ -22,7 +22,7 @@ class RegistryKey {
     RegistryKey(const RegistryKey&) = delete;
     RegistryKey& operator=(const RegistryKey&) = delete;
 
-    // False for a missing value, another type, or a failed read.
+    // Returns false for a missing value, another type, or a failed read.
     bool readText(const std::wstring& name, std::wstring& text) const {
         if (key_ == nullptr) return false;
         DWORD type = REG_NONE;
@@ -31,7 +31,7 @@ class RegistryKey {
         text.assign((size + 1) / sizeof(wchar_t), L'\0');
         if (query(name, type, text.data(), size) != ERROR_SUCCESS || type != REG_SZ) return false;
         text.resize(size / sizeof(wchar_t));
-        while (!text.empty() && text.back() == L'\0') text.pop_back();  // the size counts it
+        while (!text.empty() && text.back() == L'\0') text.pop_back();  // the size includes it
         return true;
     }
 

@@ -1,4 +1,4 @@
-// The calls of a system that has /proc.
+// The calls of a system with /proc.
 #include <dirent.h>
 #include <unistd.h>
 
@@ -42,7 +42,7 @@ bool imagePath(void* process, std::wstring& path) {
            xtextToWide({text, static_cast<std::size_t>(length)}, path) == XERR_SUCCESS;
 }
 
-// Nothing takes pages from another process here, and nobody reports crashes.
+// POSIX has neither working sets nor crash-reporting modules.
 void emptyWorkingSet(void*) {}
 std::int32_t registerCrashModule(const std::wstring&) { return 0; }
 

@@ -14,7 +14,7 @@ std::string utlRegistryString(UtlRegistryRoot root, const std::string& keyPath,
                              keyPath + "\\" + valueName + "=";
     std::ifstream file(path, std::ios::binary);
     std::string text = defaultValue;
-    for (std::string line; std::getline(file, line);) {  // the last of a name counts
+    for (std::string line; std::getline(file, line);) {  // the last value of a name counts
         if (line.rfind(name, 0) == 0) text = line.substr(name.size());
     }
     return text;
