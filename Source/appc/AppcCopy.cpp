@@ -1,4 +1,4 @@
-// The cache of a new instance, from that of another.
+// Copies the cache of an instance to a new one.
 #include <mutex>
 #include <string>
 
@@ -24,7 +24,7 @@ XErr appcCopyInstance(AppcStore& store, const std::string& baseInstance,
     }
     const std::lock_guard<AppcLock> guard(store.lock);
     const XnamedGuard otherProcesses(store.fileLock, kAppcLog, "appcCopyInstance");
-    // What could not be copied is in the log, and the new instance has to do without it.
+    // Failures are logged; the new instance lacks those files.
     static_cast<void>(utlCopyRecursive(baseDir, newDir));
     return XERR_SUCCESS;
 }

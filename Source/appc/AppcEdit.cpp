@@ -1,5 +1,4 @@
-// Changes of the cache. Each holds the lock from its first look at the apps until the file is
-// saved.
+// Changes of the cache. Each holds the lock from reading the apps until the file is saved.
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -13,7 +12,7 @@
 
 namespace {
 
-// An app without an icon is an app all the same.
+// A missing icon is not an error.
 void moveIcon(AppcStore& store, const std::string& iconName, const std::string& iconFileName)
     XTS_REQUIRES(store.lock) {
     if (iconName.empty() || store.isUnread) return;

@@ -1,5 +1,5 @@
-// The app cache's file operations on the disk. Every file is opened privately: a file that a child
-// process keeps open cannot be replaced.
+// The app cache's file operations on the disk. Handles are not inherited: a child that inherited
+// one would keep the file from being replaced.
 #include "appc/AppcFiles.h"
 
 #include <QString>
@@ -10,10 +10,10 @@
 
 namespace {
 
-// App names make file names, and a NUL in one would end the path before the rest of it.
+// File names contain app names, and a NUL in one would cut the path.
 bool hasNoNul(const std::string& path) { return path.find('\0') == std::string::npos; }
 
-// Moving a folder would take everything in it along. What may not be looked at may be one.
+// Moving a folder would move everything in it. A path that cannot be examined may be a folder.
 bool canBeFolder(const std::string& path) {
     XfileAttributes attributes;
     const XErr err = xfileAttributes(path, attributes);
@@ -25,7 +25,7 @@ class DiskFiles final : public AppcFiles {
     std::int32_t read(const std::string& path, std::string& content) override {
         const XfileReadErrors errors = xfileReadWithRetry(path, content);
         if (errors.open != 0) return errors.open;
-        // What is missing for another reason shows when the content is parsed.
+        // Other read errors show when the content is parsed.
         return xerrIsHeld(xerrFromWindows(errors.bytes)) ? errors.bytes : 0;
     }
 
@@ -54,7 +54,7 @@ class DiskFiles final : public AppcFiles {
     }
 
     void remove(const std::string& path) override {
-        // Nobody is told: what the file was for goes on without it.
+        // Ignored: the caller's work does not depend on it.
         if (hasNoNul(path)) static_cast<void>(xfileDelete(path));
     }
 };

@@ -10,22 +10,21 @@
 
 enum class AppcWrite { Done, OpenFailed, WriteFailed };
 
-// The file operations of the app cache: the disk, or what a test puts in its place to make an
-// operation fail, or the process end in the middle of one. Paths are UTF-8. A folder is never
-// moved.
+// The file operations of the app cache: the disk's, or a test's substitute that fails or ends the
+// process. Paths are UTF-8. A folder is never moved.
 class AppcFiles : public XfileReplacer {
  public:
-    // Reads a whole file, waiting up to half a second for another process that holds it. Returns
-    // the Windows error of the opening, or of the bytes if they are held; else 0. A read that fails
-    // for another reason leaves in `content` what came before, and nothing of a file of 2 GiB or
+    // Reads a whole file, waiting up to half a second for another process that uses it. Returns the
+    // Windows error of the open, or of the read if the bytes are locked, else 0. When the read
+    // fails for another reason, `content` is what was read before, and empty for a file of 2 GiB or
     // more.
     [[nodiscard]] virtual std::int32_t read(const std::string& path, std::string& content) = 0;
 
-    // Creates one folder; an existing one is no error.
+    // Creates one folder. An existing folder is not an error.
     [[nodiscard]] virtual XErr makeFolder(const std::string& path) = 0;
 
-    // Whether a file may be moved to there: nothing is there, or a file that may be written. True
-    // as well for what may not be looked at: the move decides.
+    // Whether a file can be moved to this path: nothing is there, or a writable file. Also true
+    // when the path cannot be examined: the move decides.
     [[nodiscard]] virtual bool isReplaceable(const std::string& path) = 0;
 
     // Creates or empties a file, writes it and closes it.

@@ -1,5 +1,5 @@
-// Reading goes through Qt. Writing gives the very bytes of QJsonDocument::toJson without building a
-// second copy of everything first, which would take most of the time of a listing.
+// Reads with Qt. Writes the same bytes as QJsonDocument::toJson, but without building a tree, which
+// would take most of the time of a listing.
 #include "appc/AppcJson.h"
 
 #include <QJsonDocument>
@@ -13,10 +13,10 @@
 
 namespace {
 
-// About the size of an element without its texts.
+// Typical size of an element without its strings.
 constexpr std::size_t kElementSize = 256;
 
-// A text that is too long for Qt is no JSON.
+// A text that is too long for Qt counts as invalid JSON.
 QJsonDocument parse(std::string_view text) {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return {};
     return QJsonDocument::fromJson(
@@ -30,7 +30,7 @@ std::int32_t saturated(double number) {
     return static_cast<std::int32_t>(number);
 }
 
-// The members of one element. After a flaw the others are not looked at.
+// Reads the members of one element, up to the first flaw.
 class ElementReader {
  public:
     explicit ElementReader(const QJsonObject& object) : object_(object) {}
@@ -71,13 +71,13 @@ AppcFlaw readElement(const QJsonValue& element, AppcApps& apps) {
     app.versionName = reader.text("versionName");
     app.iconFileName = appcIconFileName(package);
     if (reader.flaw().kind == AppcFlaw::None) {
-        // Elements usually come in order.
+        // Elements are usually sorted.
         apps.insert_or_assign(apps.end(), std::move(package), std::move(app));
     }
     return reader.flaw();
 }
 
-// How an element shows its icon.
+// The member that names the icon.
 struct IconMember {
     std::string_view key;
     std::string_view folder;

@@ -8,35 +8,35 @@
 
 #include "appc/AppcApp.h"
 
-// App lists as JSON: pure functions over bytes and values. Texts are UTF-8.
+// App lists as JSON: pure functions. Strings are UTF-8.
 
-// The array that a text holds. False when it is not JSON, or JSON of another kind.
+// Parses a JSON array. Returns false for anything else.
 bool appcParseArray(std::string_view text, QJsonArray& array);
 
-// The array "apps" of the object that a text holds. False when there is none.
+// Parses a JSON object and gets its array "apps". Returns false when there is none.
 bool appcParseSyncList(std::string_view text, QJsonArray& array);
 
-// What kept an array from being read.
+// Why an array could not be read.
 struct AppcFlaw {
     enum Kind { None, NotAnObject, NotDefined, InvalidType };
 
     Kind kind = None;
     const char* key = "";                           // of the last two
-    QJsonValue::Type type = QJsonValue::Undefined;  // what an InvalidType has
-    const char* expected = "";                      // and what it should have
+    QJsonValue::Type type = QJsonValue::Undefined;  // the type found, for InvalidType
+    const char* expected = "";                      // the type expected, for InvalidType
 };
 
-// Replaces `apps` by those of an array. Of two elements of one package the last counts; a version
-// code outside 32 bits becomes the nearest number, and fractions are cut.
+// Replaces `apps` with those of an array. Of two elements with the same package the last wins. A
+// version code outside 32 bits is clamped, and fractions are truncated.
 //
-// Stops at the first flaw. At an element that is not an object, `apps` has those before it; at a
-// key that is missing or mistyped it is empty.
+// Stops at the first flaw: at an element that is not an object, `apps` has those before it; at a
+// missing key or a value of the wrong type, it is empty.
 AppcFlaw appcReadApps(const QJsonArray& array, AppcApps& apps);
 
-// The form of AppCache.json: an indented array with the member "iconFileName".
+// The format of AppCache.json: an indented array with the member "iconFileName".
 std::string appcFileText(const AppcApps& apps);
 
-// The form that hosts get: the same with "iconFilePath", the folder's text and the file name.
+// The format for hosts: the same with "iconFilePath", which is `folder` and the file name.
 std::string appcListingText(const AppcApps& apps, const std::string& folder);
 
 #endif

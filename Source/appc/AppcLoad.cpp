@@ -1,4 +1,4 @@
-// Opening and loading, and the questions that the cache answers.
+// Opening, loading and queries.
 #include <cstdint>
 #include <list>
 #include <mutex>
@@ -18,8 +18,8 @@
 
 namespace {
 
-// A file that is just being replaced or is held can refuse to be looked at: that is for the open to
-// decide, which waits for the other process.
+// A file that is being replaced or is in use may refuse to be examined. It does not count as
+// missing: the open waits for the other process.
 bool isMissing(const std::string& path) {
     const XErr err = xfileExists(path);
     return err != XERR_SUCCESS && err != XERR_ACCES && !xerrIsHeld(err);
@@ -84,7 +84,7 @@ XErr appcLibInit(AppcStore& store, const std::string& instance) {
     if (instance != store.instance) store.isUnread = false;
     store.instance = instance;
     store.appcDir = store.instanceDir(instance);
-    store.apps.clear();  // a missing file must not show another instance's apps
+    store.apps.clear();  // without a file, the other instance's apps must not show
     const std::string lockName = utlGlobalObjectName(store.lockPrefix + instance);
     if (const XErr err = store.fileLock.init(lockName); err != XERR_SUCCESS) return err;
     const XErr err = appcLoadFromFile(store);
@@ -142,7 +142,7 @@ XErr appcGetApp(AppcStore& store, const std::string& package, std::string* activ
 }
 
 XErr appcListApps(AppcStore& store, const std::string& instance, std::string& listing) {
-    // Held to the end: another thread may be about to open the cache of another instance.
+    // Held to the end, so that no other thread opens another instance's cache in between.
     const std::lock_guard<AppcLock> guard(store.lock);
     if (const XErr err = appcLibInit(store, instance); err != XERR_SUCCESS) return err;
     listing = appcListingText(store.apps, store.appcDir);

@@ -1,5 +1,5 @@
-// The save: write a temporary file, flush it and put it in place of the old one under the
-// machine-wide lock.
+// The save: write a temporary file, flush it and move it over the old one under the machine-wide
+// lock.
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -17,14 +17,13 @@
 
 namespace {
 
-// Two processes may write at the same time, since only the replacement is locked: each has a
-// temporary file of its own.
+// Unique per process: only the move is under the machine-wide lock, so two processes may write at
+// the same time.
 std::string temporaryPath(const std::string& path) {
     return path + "." + std::to_string(xsystemProcessId()) + "-temp";
 }
 
-// What can be known before anything is written: a folder, or a file that must not be written, does
-// not give way to the new one.
+// Checks first that the target can be replaced: a folder and a read-only file cannot.
 AppcWrite writeBeside(AppcFiles& files, const std::string& path, XtemporaryFile& temporary,
                       std::string_view text) {
     if (!files.isReplaceable(path)) return AppcWrite::OpenFailed;
@@ -55,7 +54,7 @@ XErr appcSaveToFile(AppcStore& store) {
                xerrName(err).c_str(), err);
         return err;
     }
-    // No later save has its name, so that what is left of it would stay for good.
+    // Its name is never used again, so it must not be left behind.
     XtemporaryFile temporary(store.files, temporaryPath(path), kAppcLog, "appcSaveToFile");
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {

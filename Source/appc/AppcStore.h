@@ -11,11 +11,10 @@
 #include "xpl/Xlog.h"
 #include "xpl/XmutexNamed.h"
 
-// Every file of this module logs as one.
+// All files of this module log under one name.
 constexpr XlogModule kAppcLog{XlogTag::APPC, "Source/appc/Appc"};
 
-// Taken again by the thread that holds it: the operations that edit the cache save it while they
-// hold the lock, and the listing opens it.
+// Recursive: edits save the cache, and the listing opens it, while they hold the lock.
 class XTS_CAPABILITY("mutex") AppcLock {
  public:
     void lock() XTS_ACQUIRE() { mutex_.lock(); }
@@ -25,16 +24,11 @@ class XTS_CAPABILITY("mutex") AppcLock {
     std::recursive_mutex mutex_;
 };
 
-// State of an app cache; for the files of this module and its tests. Everybody else calls the
-// functions of Appc.h.
+// State of an app cache, for this module and its tests. Other code uses Appc.h.
 //
-// Lock order: `lock`, then `fileLock`. Nothing can take them the other way round: `fileLock` is
-// itself guarded by `lock`, so that code which takes it without holding `lock` does not compile.
-// Were the load to take `fileLock` first and `lock` for the apps, a loading and a saving thread
-// could deadlock.
+// Lock order: `lock`, then `fileLock`. The compiler enforces it: `fileLock` is guarded by `lock`.
 struct AppcStore {
-    // `productDataDir` ends with a separator. Tests that run at the same time give their stores
-    // lock names of their own.
+    // `productDataDir` ends with a separator. Tests that run concurrently use different lock names.
     AppcStore(AppcFiles& filesToUse, std::string productDataDir, std::string productSharedDir,
               std::string lockPrefixToUse = "appc_")
         : files(filesToUse),
@@ -42,7 +36,7 @@ struct AppcStore {
           sharedDir(std::move(productSharedDir)),
           lockPrefix(std::move(lockPrefixToUse)) {}
 
-    // Where an instance keeps its cache: file and icons. Ends with "/".
+    // Folder of an instance's cache file and icons. Ends with "/".
     std::string instanceDir(const std::string& name) const {
         return dataDir + "Engine/" + name + "/AppCache/";
     }
@@ -50,7 +44,7 @@ struct AppcStore {
     AppcFiles& files;
     const std::string dataDir;
     const std::string sharedDir;
-    const std::string lockPrefix;  // of the file lock's name, before the instance's
+    const std::string lockPrefix;  // of the file lock's name; the instance's name follows
 
     AppcLock lock;
 
@@ -58,14 +52,14 @@ struct AppcStore {
     std::string appcDir XTS_GUARDED_BY(lock);  // the instance's
     AppcApps apps XTS_GUARDED_BY(lock);
 
-    // Whether the last load could not read the file since another process held it. `apps` then has
-    // none of the file's, and any save, a sync's too, would lose those: until a load has succeeded,
-    // every save is refused and no icon is touched. Such a load reads the file, finds none, or
-    // deletes it. One that fails leaves this as it is, and so does appcLibInit for the same
-    // instance; another instance has another file.
+    // Set when the last load could not read the file because another process used it. `apps` then
+    // lacks the file's apps, and a save (a sync's too) would lose them: until a load succeeds,
+    // saves are refused and icons are not touched. A load succeeds when it reads the file, finds
+    // none, or deletes it. Neither a failed load nor appcLibInit for the same instance clears this;
+    // another instance has another file.
     bool isUnread XTS_GUARDED_BY(lock) = false;
 
-    // Guards the file between processes. Before appcLibInit named it, taking it is fatal.
+    // Guards the file across processes. Locking it before appcLibInit is fatal.
     XmutexNamed fileLock XTS_GUARDED_BY(lock);
 
     std::string filePath() const XTS_REQUIRES(lock) { return appcDir + "AppCache.json"; }

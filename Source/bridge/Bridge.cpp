@@ -1,5 +1,5 @@
-// The exported functions: each takes its arguments, makes one call inside bridgeCatchAll and hands
-// the result over. What they do is elsewhere.
+// The exported functions. Each checks its arguments, makes one call inside bridgeCatchAll and
+// returns the result.
 #include <bridge/bridge.h>
 
 #include "appc/Appc.h"

@@ -6,11 +6,11 @@
 
 #include "appc/Appc.h"
 
-// What the export of the same name does.
+// Implements the export of the same name.
 namespace internal {
 
-// The apps of an instance as an indented JSON array, in byte order of their packages; nothing when
-// its app cache cannot be opened. Opens the cache anew, in place of the instance before.
+// The apps of an instance as an indented JSON array, in byte order of their packages; none when its
+// app cache cannot be opened. Reopens the cache, replacing the previous instance's.
 std::optional<std::string> bridgeGetInstalledApps(AppcStore& store, const std::string& instance);
 
 }  // namespace internal

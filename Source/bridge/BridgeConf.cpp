@@ -1,4 +1,4 @@
-// The instance listing, and the commit into a file of the host's choice.
+// The instance listing, and the commit to a file of the host's choice.
 #include "bridge/BridgeConf.h"
 
 #include <cstddef>
@@ -15,11 +15,11 @@
 
 namespace {
 
-// About the size of an element.
+// Typical size of an element.
 constexpr std::size_t kElementSize = 320;
 
-// What is shown of an instance, in the order in which it is looked at: the first value that cannot
-// be read is fatal.
+// Properties in the listing, in the order in which they are read: the first one that cannot be read
+// is fatal.
 enum Column : std::size_t { DEVICE_PROFILE, ENGINE, RENDERER, DISPLAY_NAME, RAM, CPUS };
 
 constexpr ConfColumn kColumns[] = {{"device_profile_code", ConfType::String},
@@ -37,7 +37,8 @@ class Instance {
 
     std::string_view name() const { return values_.name(number_); }
 
-    // A value that could not be copied is read by its key, which says why, or has become readable.
+    // A value missing from the snapshot is read by its key: that logs the reason, or succeeds if it
+    // has become readable.
     std::string_view text(Column column) {
         if (const auto value = values_.value(number_, column)) return *value;
         return spare_[column] = confGetString(store_, keyOf(column));
@@ -67,7 +68,7 @@ void append(UtlJsonArray& array, Instance instance) {
     const std::string_view displayName = instance.text(DISPLAY_NAME);
     const std::int32_t ram = instance.number(RAM);
     array.object();
-    array.member("cpu", instance.number(CPUS));  // the one that is not shown under its name
+    array.member("cpu", instance.number(CPUS));  // the only one shown under another name
     array.member("deviceProfile", deviceProfile);
     array.member("displayName", displayName);
     array.member("graphicsEngine", engine);

@@ -5,15 +5,15 @@
 
 #include "conf/Conf.h"
 
-// What the exports on the configuration do besides one call of the store.
+// Configuration exports that do more than call the store once.
 
 // The instances of a store as an indented JSON array, in order of their names.
 std::string bridgeInstancesJson(ConfStore& store);
 
-// What the export of the same name does.
+// Implements the export of the same name.
 namespace internal {
 
-// confCommitToFile, whose path is logged first.
+// Logs the path, then calls confCommitToFile.
 [[nodiscard]] XErr bridgeConfCommitToFile(ConfStore& store, const std::string& path);
 
 }  // namespace internal

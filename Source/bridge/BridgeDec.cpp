@@ -1,4 +1,4 @@
-// From event packets to calls.
+// Decodes event packets.
 #include "bridge/BridgeDec.h"
 
 #include <bridge/bridge.h>
@@ -18,24 +18,25 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeDec"};
 
-// What holds an opcode and a length. The fields start after a whole header all the same.
+// Room for an opcode and a length. The fields still start after a whole header.
 constexpr std::int32_t kMinLength = 8;
 
-// A text inside the packet: the host reads to the NUL, the packet says where the next field starts.
+// A text inside the packet. The host reads up to the NUL; the count in the packet determines where
+// the next field starts.
 struct Text {
     const char* bytes = nullptr;
     std::uint32_t count = 0;
     operator const char*() const { return bytes; }
 };
 
-// A byte of any value; the host gets 0 or 1.
+// A byte. The host gets 0 or 1.
 struct Flag {
     std::uint8_t byte = 0;
     operator bridge_bool() const { return byte != 0 ? 1 : 0; }
 };
 
-// Takes the fields of a packet one after another. They are valid while each lies inside the packet;
-// from the first that does not, all read as zeros.
+// Reads the fields of a packet in order. From the first field that is not inside the packet, all
+// are invalid and read as zeros.
 class Fields {
  public:
     Fields(const std::uint8_t* packet, std::size_t length) : packet_(packet), length_(length) {}
@@ -46,7 +47,7 @@ class Fields {
     double real() { return take<double>(); }
     Flag flag() { return {take<std::uint8_t>()}; }
 
-    // Besides its counted bytes a text needs a NUL anywhere before the packet's end.
+    // In addition to its counted bytes, a text needs a NUL before the packet's end.
     Text text() {
         Text text;
         text.count = take<std::uint32_t>();
@@ -80,13 +81,13 @@ class Fields {
     bool valid_ = true;
 };
 
-// The next field, for an invoker's parameter of this type.
+// Reads the next field, for an invoker's parameter of this type.
 Text fieldFor(const char*, Fields& fields) { return fields.text(); }
 std::int32_t fieldFor(bridge_i32, Fields& fields) { return fields.number(); }
 double fieldFor(double, Fields& fields) { return fields.real(); }
 Flag fieldFor(bridge_bool, Fields& fields) { return fields.flag(); }
 
-// The fields for all parameters of an invoker. The braces keep their order.
+// Reads the fields for all parameters of an invoker. The braces guarantee the order.
 template <typename... Parameters>
 auto fieldsFor(void (*)(Parameters...), Fields& fields) {
     return std::tuple{fieldFor(Parameters{}, fields)...};
@@ -97,7 +98,7 @@ constexpr bool takesFields(void (*)(Parameters...), const IpcEvent& event) {
     return ipcTakesFields<Parameters...>(event);
 }
 
-// Fields as the line of a call shows them. Allocates nothing: an event reaches its host also when
+// Formats fields for the log line of a call. Does not allocate, so that events reach the host when
 // memory is short.
 class Shown {
  public:
@@ -128,8 +129,7 @@ class Shown {
     std::size_t length_ = 0;
 };
 
-// For each event its decoder: it takes the fields, and nothing else happens unless all of them are
-// valid.
+// A decoder per event: reads the fields, and calls the invoker only if all are valid.
 #define BRIDGE_DECODER(opcode, event, callback, slot, ...)                                   \
     bool decode##event(Fields& fields) {                                                     \
         static_assert(takesFields(callback##Clbk, {opcode, __VA_ARGS__}), "as in bridge.h"); \
@@ -145,7 +145,7 @@ IPC_EVENTS(BRIDGE_DECODER)
 
 using Decoder = bool (*)(Fields& fields);
 
-// Null for an opcode that no event has.
+// Null for an unknown opcode.
 Decoder decoderOf(std::int32_t opcode) {
     switch (opcode) {
 #define BRIDGE_DECODER_CASE(number, event, ...) \

@@ -5,10 +5,10 @@
 
 class QLocalSocket;
 
-// Decodes an event packet and calls its invoker: the event server's decode function. True for a
-// known event that was dispatched; false, after one error line, for a length below 8, an opcode
-// that no event has, and fields that do not lie inside the packet. Bytes after the fields are
-// ignored. Uses nothing but the packet: the socket and the reply stay as they are.
+// The event server's decode function: decodes an event packet and calls its invoker. Returns true
+// for a dispatched event. Logs an error and returns false for a length below 8, an unknown opcode,
+// or fields that exceed the packet. Ignores bytes after the fields. Does not use the socket or the
+// reply.
 bool bridgeDecode(QLocalSocket* socket, const std::uint8_t* buffer, std::int32_t length,
                   void* reply, std::int32_t replyLength);
 

@@ -7,11 +7,10 @@
 #include "xpl/Xerr.h"
 #include "xpl/Xlog.h"
 
-// Every file of the exports logs as one.
+// All files of the exports log under one name.
 constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/Bridge"};
 
-// What stands between the library and its host: no C++ exception leaves it, and no null text
-// enters it.
+// The boundary between the library and its host: no C++ exception leaves, and no null text enters.
 
 // Returns call(), or `failure` when it throws.
 template <typename Result, typename Call>
@@ -25,7 +24,7 @@ void bridgeCatchAll(const char* function, Call call) noexcept {
     xcatchAll(kLog, function, call);
 }
 
-// Logs the error line of a null text, with the function's name.
+// Logs the error of a null text, with the function's name.
 inline void bridgeLogNullArgument(const char* function) noexcept {
     XLOG_E(kLog, "%s: null argument", function);
 }
@@ -39,7 +38,7 @@ inline bool bridgeHasNull(BridgeTexts texts) {
     return false;
 }
 
-// An export that returns a status: 22 for a null text, -1 for an exception.
+// For exports that return a status: 22 for a null text, -1 for an exception.
 template <typename Call>
 XErr bridgeStatus(const char* function, BridgeTexts texts, Call call) noexcept {
     if (bridgeHasNull(texts)) {
@@ -49,7 +48,7 @@ XErr bridgeStatus(const char* function, BridgeTexts texts, Call call) noexcept {
     return bridgeCatchAll(function, XERR_FAILURE, call);
 }
 
-// An export that returns a value: 0, false or null for a null text or an exception.
+// For exports that return a value: 0, false or null for a null text or an exception.
 template <typename Result, typename Call>
 Result bridgeValue(const char* function, BridgeTexts texts, Call call) noexcept {
     if (bridgeHasNull(texts)) {

@@ -29,7 +29,7 @@ EventServer& eventServer() {
     return server;
 }
 
-// False when the server was tried just now and could not be started.
+// Returns false when this call tried to start the server and failed.
 bool ensureServer(EventServer& server) {
     const std::lock_guard<std::mutex> guard(server.lock);
     if (server.finished) {
@@ -46,7 +46,7 @@ bool ensureServer(EventServer& server) {
     return err == 0;
 }
 
-// The running server, which is nobody else's to stop from here on; null when there is none.
+// Takes the running server, so that only the caller stops it; null when there is none.
 IpcServerThread* takeForStop(EventServer& server) {
     const std::lock_guard<std::mutex> guard(server.lock);
     if (server.thread != nullptr && ipcServerIsCurrentThread(server.thread)) {
@@ -68,7 +68,7 @@ void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks) {
 }
 
 XErr bridgeApiFini() {
-    // A destructor of a host's DLL asks: the server's thread is gone, and what it was doing stays.
+    // Called from a destructor of a host's DLL: the server's thread has been terminated.
     if (xsystemProcessEnds()) return XERR_SUCCESS;
     // Not under the lock: a callback that is running may want to register.
     IpcServerThread* thread = takeForStop(eventServer());

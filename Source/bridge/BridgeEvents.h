@@ -4,14 +4,14 @@
 #include "bridge/BridgeIpcClbk.h"
 #include "xpl/Xerr.h"
 
-// The event server's life. The functions are what the exports of the same names do.
+// Starts and stops the event server. Implements the exports of the same names.
 namespace internal {
 
-// Starts the server on the first call, and sets the callbacks. A failed start sets none and is
-// never tried again; later calls set theirs, which nothing calls then.
+// Starts the server on the first call, and sets the callbacks. A failed start sets none and is not
+// retried; later calls set callbacks that are never called.
 void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks);
 
-// Stops the server, once; from inside a callback it only logs an error. 0 in every case.
+// Stops the server. Inside a callback it only logs an error. Always returns 0.
 XErr bridgeApiFini();
 
 }  // namespace internal

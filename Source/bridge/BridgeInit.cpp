@@ -20,7 +20,8 @@ namespace internal {
 
 namespace {
 
-// The build's version, the interface's and the one that products are compared with change together.
+// The versions of the build and of the interface, and the one that products are compared with, must
+// agree.
 static_assert(std::string_view(BRIDGE_VERSION_TEXT) == UTL_VERSION);
 static_assert(std::string_view(BRIDGE_BUILD_VERSION) == UTL_VERSION);
 
@@ -67,7 +68,7 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     XLOG_I(kLog, "%s:#################### In bridgeApiInit %s ###############", self,
            client.c_str());
     XLOG_I(kLog, "Loading configuration ...");
-    // Caught here: a file that makes the loader throw is a failed load like any other.
+    // A file that makes the loader throw counts as a failed load.
     const XErr err = bridgeCatchAll(self, XERR_FAILURE, [noConfFile] {
         return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
     });

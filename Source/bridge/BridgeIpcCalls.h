@@ -6,14 +6,13 @@
 #include "ipc/IpcClient.h"
 #include "ipc/IpcServer.h"
 
-// The starts of clients and servers, which never fail by themselves, and what a test puts in their
-// place.
+// Functions that start clients and servers. They never fail, so tests replace them.
 struct BridgeIpcCalls {
     int (*clientInit)(IpcClient& client, const std::string& serverName);
     int (*serverInit)(IpcServerThread** out, const std::string& name, IpcDecode decode);
 };
 
-// The calls in use: the layer's own, until a test replaces them.
+// The functions in use: the real ones, unless a test replaces them.
 inline BridgeIpcCalls& bridgeIpcCalls() noexcept {
     static BridgeIpcCalls calls{ipcClientInit, ipcServerInit};
     return calls;

@@ -1,4 +1,4 @@
-// From decoded events to the host's functions.
+// Calls the host's functions for decoded events.
 #include "bridge/BridgeIpcClbk.h"
 
 #include "conf/Conf.h"
@@ -11,12 +11,12 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeIpcClbk"};
 
-// The sender's number for an image that is installed.
+// The sender's status of an installed image.
 constexpr bridge_i32 kImageInstalled = 2;
 
 Xseqlock<BridgeCallbacks> callbacks;
 
-// The host hears of the event also when the configuration cannot be loaded; the load logs why.
+// The event is reported even when the configuration cannot be loaded; the load logs the reason.
 void reloadConfiguration(const char* self) {
     static_cast<void>(xcatchAll(kLog, self, XERR_FAILURE, [] { return confReload(confStore()); }));
 }
@@ -53,8 +53,8 @@ void bridgeOnApkInstallCompletedClbk(const char* instance, bridge_i32 status,
     }
 }
 
-// Slot 4 is called exactly when slot 3 is set, and a null slot 4 is fatal then: hosts register both
-// or none.
+// Slot 4 is called exactly when slot 3 is set; a null slot 4 is then fatal. Hosts must register
+// both or neither.
 void bridgeOnInstanceListUpdatedClbk() {
     XLOG_I(kLog, "%s called:", __func__);
     reloadConfiguration(__func__);

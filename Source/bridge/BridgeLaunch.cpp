@@ -1,4 +1,4 @@
-// The product's programs, started from its install folder.
+// Starts the product's programs from its install folder.
 #include "bridge/BridgeLaunch.h"
 
 #include "utl/UtlFolders.h"

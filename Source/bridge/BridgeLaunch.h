@@ -8,8 +8,8 @@
 
 using BridgeArguments = std::vector<std::string>;
 
-// Start a program of the product with these arguments behind its path, without waiting for it. The
-// status is the process creation's, which logs its failures.
+// Start a program of the product with these arguments, without waiting for it. Return the status of
+// the process creation, which logs its failures.
 [[nodiscard]] XErr bridgeStartPlayer(const BridgeArguments& arguments);
 [[nodiscard]] XErr bridgeStartManager(const BridgeArguments& arguments);
 

@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-// A copy that the host owns and gives back to bridgeFreeMemory: malloc and free of this library's C
-// runtime, whatever the host's is. Never null: when memory is short it throws std::bad_alloc, which
-// bridgeCatchAll logs, so that no export answers null without a line.
+// Copies a text for the host, which frees it with bridgeFreeMemory. Uses malloc and free of this
+// library's C runtime, which may not be the host's. Never returns null: throws std::bad_alloc,
+// which bridgeCatchAll logs, so that no export returns null without a log line.
 char* bridgeHostCopy(std::string_view text);
 void bridgeHostFree(void* memory) noexcept;
 

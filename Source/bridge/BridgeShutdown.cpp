@@ -30,14 +30,15 @@ XErr bridgePlrShutdown(const std::string& instance, bool flag) {
 }
 
 void bridgeShutdown() {
-    IpcClient manager;  // stays until every player has been asked
+    IpcClient manager;  // lives until every player has been asked
     if (const int err = bridgeIpcCalls().clientInit(manager, utlLocalObjectName("mim")); err != 0) {
         XLOG_E(kLog, "MIM IPC client init failed: err %d", err);
     } else {
         mimShutdownRpc(manager);
     }
     for (const std::string& instance : confGetInstances(confStore())) {
-        // Not by way of bridgePlrShutdown: the line of a failure carries this function's name.
+        // Does not call bridgePlrShutdown, since the log line of a failure must show this
+        // function's name.
         const std::string server = playerServer(instance);
         IpcClient player;
         if (const int err = bridgeIpcCalls().clientInit(player, server); err != 0) {

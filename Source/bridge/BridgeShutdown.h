@@ -5,13 +5,15 @@
 
 #include "xpl/Xerr.h"
 
-// What the exports of the same names do.
+// Implements the exports of the same names.
 namespace internal {
 
-// 0 when the request was handed to the connection, arrived or not; else the preparation's error.
+// Returns 0 when the request was passed to the connection, even if it did not arrive; else the
+// error of preparing the client.
 [[nodiscard]] XErr bridgePlrShutdown(const std::string& instance, bool flag);
 
-// Asks the manager and then the player of every known instance; failures are only logged.
+// Asks the manager and then the player of each known instance to shut down. Failures are only
+// logged.
 void bridgeShutdown();
 
 }  // namespace internal

@@ -68,8 +68,8 @@ bool connectToServer(IpcClient& client, const char* self) {
     return true;
 }
 
-// Waits until everything that was handed to the socket is in the pipe. A socket whose peer has gone
-// drops what it holds, so what counts is what it reports as written.
+// Waits until everything written to the socket is in the pipe. A socket whose peer has gone drops
+// its buffer, so only bytes that it reports as written count.
 bool waitUntilWritten(QLocalSocket& socket, const qint64& reported, qint64 size, int waitMs) {
     while (reported < size) {
         if (!socket.waitForBytesWritten(waitMs)) return reported >= size;
@@ -80,7 +80,7 @@ bool waitUntilWritten(QLocalSocket& socket, const qint64& reported, qint64 size,
 bool writeAll(IpcClient& client, const char* data, int size, const char* self) {
     QLocalSocket& socket = *client.socket;
     qint64 reported = 0;
-    const QObject counting;  // the connection ends with it, also by an exception
+    const QObject counting;  // disconnects when it goes out of scope, also after an exception
     QObject::connect(&socket, &QLocalSocket::bytesWritten, &counting,
                      [&reported](qint64 count) { reported += count; });
     qint64 written = 0;
@@ -90,7 +90,7 @@ bool writeAll(IpcClient& client, const char* data, int size, const char* self) {
         XLOG_D(kLog, "%s: writing data of size %d to server %s", self, rest,
                client.serverName.c_str());
         const qint64 count = socket.write(data + written, rest);
-        // There is something to write, so that a count of 0 would keep us here for ever.
+        // A count of 0 would make this loop endless.
         ok = count > 0 && waitUntilWritten(socket, reported, written + count, client.waitMs);
         if (ok) {
             written += count;
@@ -121,8 +121,8 @@ void warnWhenSlow(const IpcClient& client, Clock::time_point start, int result, 
            client.serverName.c_str());
 }
 
-// Collects up to `size` bytes within the client's wait and returns how many came. A socket can hold
-// bytes that it has not announced, so they are taken before each wait and after the last.
+// Reads up to `size` bytes within the client's time limit, and returns how many came. A socket may
+// hold bytes that it has not announced, so reads before each wait and after the last.
 qint64 collect(IpcClient& client, char* out, qint64 size) {
     QLocalSocket& socket = *client.socket;
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(client.waitMs);
@@ -139,8 +139,8 @@ qint64 collect(IpcClient& client, char* out, qint64 size) {
     }
 }
 
-// Qt keeps the functions that make and destroy a value of a registered type, which are this
-// library's: they must not stay after the unload, unless a host's were there before.
+// Qt keeps pointers to the functions that create and destroy a value of a registered type, which
+// are in this library. Unregister them at unload, unless the host had registered the type before.
 void registerErrorType() {
     static const bool once = [] {
         if (QMetaType::type(kErrorType) != QMetaType::UnknownType) return true;
@@ -154,8 +154,8 @@ void registerErrorType() {
 
 }  // namespace
 
-// Runs in destructors. Nothing else works on a client's socket, so that it can be deleted now when
-// there is no memory to delete it later.
+// Runs in destructors. Nothing else uses a client's socket, so it can be deleted at once when there
+// is no memory for deferred deletion.
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
     const bool later = xcatchAll(kLog, "~IpcClient", false, [socket] {
         if (!deliversDeferredDeletion()) return false;

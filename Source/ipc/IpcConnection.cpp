@@ -1,4 +1,4 @@
-// Connections of the server: from bytes as they come to whole packets, and back to replies.
+// Connections of the server: assembles packets from the incoming bytes and writes replies.
 #include "ipc/IpcConnection.h"
 
 #include <QLocalServer>
@@ -19,16 +19,16 @@ namespace {
 
 constexpr int kHeaderSize = static_cast<int>(IPC_HEADER_SIZE);
 
-// Below Qt's limit for one array. A packet that would be longer cannot be held.
+// Below Qt's limit for an array. Longer packets are not accepted.
 constexpr qint64 kMaxBuffer = std::numeric_limits<int>::max() - 64;
 
-// A buffer that grew larger than this for one packet is not kept for the next.
+// A larger buffer is not kept for the next packet.
 constexpr int kKeptBuffer = 64 * 1024;
 
-// Packets are small, and each call of the socket costs more than the bytes of one.
+// Packets are small: a call of the socket costs more than copying one.
 constexpr qint64 kBlock = qint64{16} * 1024;
 
-// Replies are handed over in pieces that the socket's own buffers can take.
+// Replies are written in pieces that the socket's buffers can take.
 constexpr qint64 kReplyPiece = 1'048'576;
 
 std::atomic<int> liveRecords{0};
@@ -41,8 +41,8 @@ std::uint32_t numberAt(const IpcConnectionInfo& info, std::size_t offset) {
 
 const char* serverOf(const IpcConnectionInfo& info) { return info.serverName->c_str(); }
 
-// Bytes that have arrived and belong to no packet yet. What was read ahead counts like what the
-// socket holds, and is lost when the socket closes.
+// Bytes that have arrived and are not part of a packet yet: those read ahead and those in the
+// socket. They are lost when the socket closes.
 qint64 unread(const IpcConnectionInfo& info) {
     const qint64 inSocket = info.socket->bytesAvailable();
     if (!info.socket->isOpen()) return inSocket;
@@ -53,15 +53,15 @@ bool hasUnread(const IpcConnectionInfo& info) {
     return info.held() > qint64{info.packetLen} || info.socket->bytesAvailable() > 0;
 }
 
-// Makes room: moves what is held to the front of the buffer.
+// Makes room: moves the held bytes to the front of the buffer.
 void dropHandedOver(IpcConnectionInfo& info) {
     if (info.start == 0) return;
     info.buffer.remove(0, info.start);
     info.start = 0;
 }
 
-// Reads a block, or the rest of the packet where that is longer, and no more than there is: memory
-// follows what has arrived, not what a header claims.
+// Reads a block, or the rest of the packet if that is longer, but never more than is available:
+// memory grows with what has arrived, not with what a header claims.
 void readMore(IpcConnectionInfo& info) {
     dropHandedOver(info);
     const int before = info.buffer.size();
@@ -74,14 +74,14 @@ void readMore(IpcConnectionInfo& info) {
     if (got < count) info.buffer.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
 }
 
-// Takes the header of the next packet, with the length of the reply that it wants. False when there
-// is no whole header: it stays where it is.
+// Reads the header of the next packet and the length of the reply that it wants. Returns false,
+// consuming nothing, when the header is incomplete.
 bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
     if (info.held() < kHeaderSize && unread(info) < kHeaderSize) return false;
     XLOG_D(kIpcServerLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),
            static_cast<int>(unread(info)));
     if (info.held() < kHeaderSize) readMore(info);
-    if (info.held() < kHeaderSize) return false;  // the socket had claimed more
+    if (info.held() < kHeaderSize) return false;  // the socket had announced more
     info.packetLen = numberAt(info, IPC_LENGTH_OFFSET);
     replyLength = numberAt(info, IPC_REPLY_LENGTH_OFFSET);
     XLOG_D(kIpcServerLog,
@@ -91,9 +91,9 @@ bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char
     return true;
 }
 
-// Reads what the packet lacks after its first `size` bytes. The bytes still to come are a
-// signed 32-bit number, so that lengths near both ends of the range give a negative one: nothing
-// can find the next packet after such a header.
+// Reads the rest of the packet after its first `size` bytes. The number of missing bytes is a
+// signed 32-bit number, so lengths near both ends of the range make it negative: after such a
+// header the next packet cannot be found.
 void readBody(IpcConnectionInfo& info, int size, const char* self) {
     const auto bytesToRead =
         static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(size));
@@ -108,8 +108,8 @@ void readBody(IpcConnectionInfo& info, int size, const char* self) {
     if (!info.isWhole()) readMore(info);
 }
 
-// Memory for a reply; none, and a reply length of 0, when it cannot be had. Zeroed, so that no old
-// memory reaches the peer.
+// Zeroed memory for a reply, so that no old memory reaches the peer. Null, and a reply length of 0,
+// when out of memory.
 XmemBytes replyBuffer(const IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
     if (replyLength == 0) return nullptr;
     XmemBytes reply;
@@ -146,9 +146,9 @@ void consumePacket(IpcConnectionInfo& info) {
     }
 }
 
-// The packet stays in the buffer while the decoder runs: receive() lets nothing else in meanwhile.
-// It is consumed before its reply is written: memory can run out in the socket, and the packet must
-// not be dispatched again.
+// The packet stays in the buffer while the decoder runs; receive() is not reentered meanwhile. It
+// is consumed before its reply is written: the socket may throw when out of memory, and the packet
+// must not be dispatched twice.
 void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,
               const char* self) {
     XLOG_D(kIpcServerLog, "%s for serverName %s, calling decodeFunction", self, serverOf(info));
@@ -161,10 +161,11 @@ void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLeng
     writeReply(*info.socket, reply.get(), replyLength);
 }
 
-// Runs dispose() from the event loop, when nothing works on the connection any more.
+// Runs dispose() from the event loop, when nothing uses the connection any more.
 void disposeLater(IpcConnectionInfo* info, IpcDecode decode);
 
-// Qt's event loop calls what follows: an exception that reached it would end the server's thread.
+// Qt's event loop calls the functions below: an exception that reached it would end the server's
+// thread.
 
 // Ends a connection whose next packet cannot be found.
 void drop(IpcConnectionInfo* info) {
@@ -173,10 +174,10 @@ void drop(IpcConnectionInfo* info) {
     xcatchAll(kIpcServerLog, "ipcReadCommand", [info] { info->socket->abort(); });
 }
 
-// Receives what arrives on a connection. After an exception the connection is aborted and never
-// read again: its next packet cannot be found, and a socket that is closed can still claim bytes. A
-// host that runs an event loop of its own inside a callback comes here a second time; the first
-// call goes on with what has arrived then.
+// Handles incoming data. After an exception the connection is aborted and never read again: its
+// next packet cannot be found, and a closed socket may still announce bytes. When a host runs its
+// own event loop inside a callback, this is reentered and returns at once; the outer call continues
+// with what has arrived.
 void receive(IpcConnectionInfo* info, IpcDecode decode) {
     if (info->busy || info->failed) return;
     info->busy = true;
@@ -188,7 +189,7 @@ void receive(IpcConnectionInfo* info, IpcDecode decode) {
     xcatchAll(kIpcServerLog, "ipcDestroyConnection", [&] { disposeLater(info, decode); });
 }
 
-// The last bytes of a peer that wrote and left can still wait here when its disconnect is reported.
+// When a disconnect is reported, the peer's last bytes may still be unread.
 void dispose(IpcConnectionInfo* info, IpcDecode decode) {
     if (info->busy) {
         info->disconnectedMeanwhile = true;
@@ -196,8 +197,8 @@ void dispose(IpcConnectionInfo* info, IpcDecode decode) {
     }
     if (unread(*info) > 0) receive(info, decode);
     QLocalSocket* const socket = info->socket;
-    // The event loop calls this, and nothing else works on the socket: without memory to delete it
-    // later it is deleted now.
+    // Called by the event loop, when nothing else uses the socket: when there is no memory for
+    // deferred deletion, delete it now.
     if (!xcatchAll(kIpcServerLog, "ipcDestroyConnection", [socket] { socket->deleteLater(); }))
         delete socket;
 }
@@ -208,8 +209,8 @@ void disposeLater(IpcConnectionInfo* info, IpcDecode decode) {
         info->socket, [info, decode] { dispose(info, decode); }, Qt::QueuedConnection);
 }
 
-// A signal of the socket calls this, which therefore cannot be deleted here. Without memory for the
-// disposal it stays, disconnected, until its parent deletes it: the server, at its end.
+// Called by a signal of the socket, which therefore must not be deleted here. Without memory for
+// the deferred disposal, the disconnected socket stays until its parent, the server, is deleted.
 void whenDisconnected(IpcConnectionInfo* info, IpcDecode decode) {
     xcatchAll(kIpcServerLog, "ipcDestroyConnection", [&] { ipcDestroyConnection(info, decode); });
 }
@@ -223,7 +224,7 @@ void logAboutToClose(const IpcConnectionInfo* info) {
 
 IpcConnectionInfo::IpcConnectionInfo(QLocalSocket* connection, const std::string* server)
     : socket(connection), serverName(server) {
-    buffer.reserve(kHeaderSize);  // from here on a shorter packet keeps the memory
+    buffer.reserve(kHeaderSize);  // reserved memory is kept for shorter packets
     XLOG_D(kIpcServerLog, "%s called for serverName %s, packetLen = %u", "IpcConnectionInfo",
            serverName->c_str(), packetLen);
     ++liveRecords;
@@ -236,16 +237,16 @@ int IpcConnectionInfo::live() { return liveRecords; }
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName) {
     QLocalSocket* const socket = server->nextPendingConnection();
     if (socket == nullptr) return;
-    // Without memory for the rest there is no connection. Without memory to delete the socket later
-    // either, the server deletes it at its end.
+    // When out of memory, drops the connection. If even the deferred deletion fails, the server
+    // deletes the socket at its end.
     const auto abandon = [](QLocalSocket* connection) {
         xcatchAll(kIpcServerLog, "ipcHandleNewConnection", [connection] { connection->abort(); });
         xcatchAll(kIpcServerLog, "ipcHandleNewConnection",
                   [connection] { connection->deleteLater(); });
     };
     std::unique_ptr<QLocalSocket, decltype(abandon)> unfinished(socket, abandon);
-    // The three handlers share the record, and the last of them goes with the socket: it is
-    // released exactly once, whatever order the signals come in.
+    // The three handlers share the record. It is freed with the last handler, which the socket
+    // owns, whatever order the signals come in.
     const auto info = std::make_shared<IpcConnectionInfo>(socket, serverName);
     XLOG_D(kIpcServerLog, "%s: New connection received for server %s", "ipcHandleNewConnection",
            serverName->c_str());
@@ -267,12 +268,12 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     const char* const self = "ipcReadCommand";
     XLOG_D(kIpcServerLog, "%s called for info %p", self, static_cast<void*>(info));
     XLOG_D(kIpcServerLog, "%s called for serverName %s", self, serverOf(*info));
-    // Known within this call only: a packet that is completed by a later one gets no reply.
+    // Not kept between calls: a packet that a later call completes gets no reply.
     std::uint32_t replyLength = 0;
     do {
         const bool begun = info->packetLen != 0;
         if (!begun && !beginPacket(*info, replyLength, self)) return;
-        // What was read with the header of this packet is still to be taken in.
+        // Bytes that were read together with the header belong to the packet.
         const int size = begun ? info->held() : kHeaderSize;
         readBody(*info, size, self);
         if (info->isWhole()) {
@@ -280,7 +281,7 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
         } else {
             XLOG_D(kIpcServerLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
                    serverOf(*info), info->held(), info->packetLen);
-            if (info->held() == size) return;  // whatever the socket claims
+            if (info->held() == size) return;  // whatever the socket announces
         }
     } while (hasUnread(*info));
 }

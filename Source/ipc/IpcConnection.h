@@ -10,18 +10,18 @@
 class QLocalServer;
 class QLocalSocket;
 
-// The server's side of one connection. Everything here runs on the thread that the socket lives on.
+// The server's side of one connection. Use it only on the socket's thread.
 struct IpcConnectionInfo {
     IpcConnectionInfo(QLocalSocket* connection, const std::string* server);
     ~IpcConnectionInfo();
     IpcConnectionInfo(const IpcConnectionInfo&) = delete;
     IpcConnectionInfo& operator=(const IpcConnectionInfo&) = delete;
 
-    // How many of these there are, on any thread: what is left over shows here. For tests.
+    // Number of live objects, on any thread. Tests look for leaks with it.
     static int live();
 
-    // The packet being assembled, header included, and how many bytes are held from there on: when
-    // it is whole, the next ones can follow.
+    // The packet being assembled, with its header, and the number of bytes held from its start,
+    // which may include following packets.
     const std::uint8_t* packet() const {
         return reinterpret_cast<const std::uint8_t*>(buffer.constData()) + start;
     }
@@ -29,8 +29,8 @@ struct IpcConnectionInfo {
     bool isWhole() const { return static_cast<std::uint32_t>(held()) >= packetLen; }
 
     QLocalSocket* socket;
-    QByteArray buffer;              // what was read; packets handed over are still in front
-    int start = 0;                  // where the packet being assembled begins in it
+    QByteArray buffer;              // bytes read; dispatched packets are still at the front
+    int start = 0;                  // offset of the packet being assembled
     std::uint32_t packetLen = 0;    // its length; 0: the next bytes are a header
     const std::string* serverName;  // for log lines
     bool busy = false;              // inside ipcReadCommand
@@ -38,16 +38,16 @@ struct IpcConnectionInfo {
     bool disconnectedMeanwhile = false;
 };
 
-// Takes one waiting connection of the server, if there is one. Its record lives as long as the
+// Accepts one pending connection of the server, if there is one. Its record lives as long as the
 // socket, which the server owns until the peer disconnects.
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName);
 
-// Assembles packets from what the socket holds and hands over each complete one; writes the reply
-// of one that wants a reply and came within this call. A length that cannot be one is fatal. Throws
-// what memory throws; a packet that was handed over is consumed all the same.
+// Assembles packets from the socket's bytes and dispatches each complete one. Writes a reply if the
+// packet wants one and arrived within this call. An impossible length is fatal. Throws
+// std::bad_alloc; a dispatched packet is consumed even then.
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode);
 
-// After a disconnect: takes in what arrived before it, then disposes of the socket.
+// After a disconnect: handles what arrived before it, then deletes the socket.
 void ipcDestroyConnection(IpcConnectionInfo* info, IpcDecode decode);
 
 #endif

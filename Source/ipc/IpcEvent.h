@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <initializer_list>
 
-// The events that the product's programs send to front ends. Whatever decodes, sends, prints or
-// documents them is made from this table.
+// The events that the product's programs send to front ends. Everything that decodes, sends, prints
+// or documents them is generated from this table.
 
-// X(opcode, event, callback, slot, name, field count, fields): every event, in the order of the
-// slots. Callback and slot are the type and the parameter that bridge.h has for it, and its fields
-// are the callback's parameters. The name is what programs show and scripts write.
+// X(opcode, event, callback, slot, name, field count, fields), in the order of the slots.
+// `callback` and `slot` are the type and the parameter in bridge.h; the fields are the callback's
+// parameters. `name` is used by programs and scripts.
 #define IPC_EVENTS(X)                                                                            \
     X(3000, AppInstalled, bridgeOnAppInstalled, onAppInstalled, "app-installed", 8,              \
       {{"instance", IPC_TEXT},                                                                   \
@@ -46,7 +46,7 @@ enum IpcEventFieldType {
     IPC_TEXT,
     IPC_I32,
     IPC_DOUBLE,
-    IPC_FLAG,  // one byte, unlike the bool of requests; not 0 means true
+    IPC_FLAG,  // one byte, unlike the bool of requests; non-zero means true
 };
 
 struct IpcEventField {
@@ -68,13 +68,13 @@ inline constexpr IpcEvent IPC_EVENT_ROWS[] = {
 #undef IPC_EVENT_ROW
 };
 
-// The type of the field that a callback takes as such a parameter.
+// The field type of a callback parameter.
 constexpr IpcEventFieldType ipcFieldType(const char*) { return IPC_TEXT; }
 constexpr IpcEventFieldType ipcFieldType(std::int32_t) { return IPC_I32; }
 constexpr IpcEventFieldType ipcFieldType(double) { return IPC_DOUBLE; }
 constexpr IpcEventFieldType ipcFieldType(std::uint8_t) { return IPC_FLAG; }
 
-// Whether a callback with these parameters takes the event's fields.
+// Whether a callback's parameters match the event's fields.
 template <typename... Parameters>
 constexpr bool ipcTakesFields(const IpcEvent& event) {
     const std::initializer_list<IpcEventFieldType> types{ipcFieldType(Parameters{})...};

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Before the retry of a call for which there was no memory.
+// Delay before retrying a call that failed for lack of memory.
 constexpr unsigned long kRetryMilliseconds = 100;
 
 }  // namespace
@@ -36,14 +36,14 @@ bool IpcEventWatcher::watch() {
 void IpcEventWatcher::run() {
     while (::WaitForSingleObject(event_, INFINITE) == WAIT_OBJECT_0) {
         ::ResetEvent(event_);
-        // After the reset: an end that is asked for now sets the event again.
+        // After the reset: a request to end that comes now sets the event again.
         if (isInterruptionRequested()) return;
         post();
     }
 }
 
-// At most one queued call. With one for each setting, calls that set the event themselves would
-// multiply, and the event loop would come to nothing else.
+// At most one queued call; further notifications are coalesced. Otherwise calls that set the event
+// themselves would multiply and starve the event loop.
 void IpcEventWatcher::post() {
     if (posted_.exchange(true)) return;
     const auto call = [this] {
@@ -54,7 +54,7 @@ void IpcEventWatcher::post() {
         return QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
     });
     if (queued) return;
-    // Without a call the setting would be lost: retry.
+    // Retry, or the notification would be lost.
     posted_ = false;
     msleep(kRetryMilliseconds);
     ::SetEvent(event_);

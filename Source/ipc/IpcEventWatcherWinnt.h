@@ -5,28 +5,27 @@
 #include <atomic>
 #include <functional>
 
-// Waits for an event of the system on a thread of its own. Each time the event is set, it posts a
-// call to the thread that it was made on, which runs an event loop.
+// Waits for a Windows event object on its own thread. Each time the event is set, posts a call to
+// the thread that created the watcher, which runs an event loop.
 //
-// Not a QWinEventNotifier, for which a thread of the system's pool waits: under Wine a callback of
-// the pool can still begin after its wait has been taken back, and then the notifier is gone, or
-// the library itself. This thread is joined.
+// Not a QWinEventNotifier, which uses the system's thread pool: under Wine a pool callback can
+// start after its wait was unregistered, when the notifier or the library is gone. This thread is
+// joined.
 class IpcEventWatcher : public QThread {
  public:
     using Callback = std::function<void()>;
 
-    // The event loop calls `activated`, at most once in each of its rounds.
+    // The event loop calls `activated`, at most once per iteration.
     explicit IpcEventWatcher(Callback activated);
 
-    // No call comes after this.
+    // No call follows this.
     ~IpcEventWatcher() override;
 
-    // False, with nothing watched, when the system has no event or no thread left.
+    // Returns false, and watches nothing, when no event or thread can be created.
     [[nodiscard]] bool watch();
 
-    // A HANDLE, for manual reset as overlapped operations need it. It is reset by the watcher: what
-    // happens before a call is there to be seen in it, and what happens during one leads to
-    // another.
+    // A HANDLE of a manual-reset event, as overlapped operations need it. The watcher resets it
+    // before each call, so what happens during a call leads to another call.
     void* handle() const { return event_; }
 
  protected:
@@ -37,7 +36,7 @@ class IpcEventWatcher : public QThread {
 
     const Callback activated_;
     void* const event_;
-    std::atomic<bool> posted_{false};  // and the call is still to come
+    std::atomic<bool> posted_{false};  // a call is queued
 };
 
 #endif

@@ -7,24 +7,24 @@
 #include <optional>
 #include <string>
 
-// Why a server does not listen: a QAbstractSocket::SocketError and a text.
+// Why a server cannot listen: a QAbstractSocket::SocketError and its text.
 struct IpcListenError {
     int code = 0;
     std::string text;
 };
 
-// A QLocalServer that goes on listening whatever its clients do. Qt's own, on Windows, loses one of
-// its eight pipe instances to every client that has left again before the instance was ready, and
-// with the eighth it is deaf for good.
+// A QLocalServer that keeps listening whatever its clients do. On Windows, Qt's own loses one of
+// its eight pipe instances to each client that disconnects before the instance is ready; after
+// eight of them it accepts nobody.
 //
-// To be made, used and deleted on one thread, which runs an event loop. isListening() stays false.
+// Create, use and delete it on one thread, which runs an event loop. isListening() stays false.
 class IpcLocalServer : public QLocalServer {
  public:
     IpcLocalServer();
     ~IpcLocalServer() override;
 
-    // Starts to listen, for any user of this machine, under a name that no other process may serve.
-    // newConnection() can be emitted before this returns.
+    // Starts to listen, for any user of this machine. Fails when another process serves the name.
+    // newConnection() may be emitted before this returns.
     [[nodiscard]] std::optional<IpcListenError> open(const std::string& serverName);
 
     bool hasPendingConnections() const override;
@@ -35,7 +35,7 @@ class IpcLocalServer : public QLocalServer {
  private:
     class Instances;
 
-    // A connected socket, a child of the server: the last of those that wait to be asked for.
+    // Queues a connected socket, which becomes a child of the server, as pending connection.
     void queue(std::unique_ptr<QLocalSocket> socket);
 
     QQueue<QLocalSocket*> pending_;

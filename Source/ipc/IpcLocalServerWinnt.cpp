@@ -1,4 +1,4 @@
-// The instances of a named pipe, each waiting for its client.
+// A named pipe server with several instances, each waiting for a client.
 #include <QAbstractSocket>
 #include <QLocalSocket>
 #include <QTimer>
@@ -20,17 +20,17 @@
 
 namespace {
 
-// As many as Qt's server has: clients that come at the same moment do not have to wait.
+// As many as Qt's server has, so that clients that connect at the same time need not wait.
 constexpr std::size_t kInstances = 8;
 
-// Until the system is asked again for an instance that it refused.
+// Delay before retrying to create an instance.
 constexpr int kRetryMilliseconds = 100;
 
-// For clients that wait for an instance without saying how long.
+// Default wait of clients for a free instance.
 constexpr DWORD kClientMilliseconds = 3000;
 
-// The server's end of a pipe. The pipe is taken from a client that still has the other end: its
-// name would stay in use for as long as that client lives.
+// Closes the server's end of a pipe. Disconnects the client first, or the name would stay in use
+// until the client closes its end.
 struct PipeClose {
     void operator()(HANDLE pipe) const noexcept {
         ::DisconnectNamedPipe(pipe);
@@ -39,13 +39,13 @@ struct PipeClose {
 };
 using Pipe = std::unique_ptr<std::remove_pointer_t<HANDLE>, PipeClose>;
 
-// An error that is not ERROR_SUCCESS, for a call that failed: it can do so without setting one.
+// The error of a failed call, never ERROR_SUCCESS: a call may fail without setting one.
 DWORD failure(DWORD error) { return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE; }
 
-// INVALID_HANDLE_VALUE, with the system's last error, when there can be no such instance now.
+// Returns INVALID_HANDLE_VALUE and sets the last error when the instance cannot be created.
 HANDLE createInstance(const std::wstring& path, SECURITY_ATTRIBUTES& access, bool first) {
-    // Without buffers a client's write ends when the server has taken the bytes: a client that
-    // writes and leaves loses nothing.
+    // No buffers: a client's write completes when the server has read the bytes, so a client that
+    // writes and disconnects loses nothing.
     return ::CreateNamedPipeW(
         path.c_str(),
         PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
@@ -54,7 +54,7 @@ HANDLE createInstance(const std::wstring& path, SECURITY_ATTRIBUTES& access, boo
         &access);
 }
 
-// One instance. It must not move while it waits: the system writes to it.
+// One instance. It must not move while it waits, since the system writes to it.
 class Instance {
  public:
     Instance() = default;
@@ -64,7 +64,7 @@ class Instance {
 
     bool exists() const { return pipe_ != nullptr; }
 
-    // ERROR_SUCCESS, or why there can be no such instance now.
+    // Returns ERROR_SUCCESS, or why the instance cannot be created.
     DWORD open(const std::wstring& path, SECURITY_ATTRIBUTES& access, HANDLE event, bool first) {
         const HANDLE made = createInstance(path, access, first);
         if (made == INVALID_HANDLE_VALUE) return failure(::GetLastError());
@@ -75,7 +75,7 @@ class Instance {
         if (::ConnectNamedPipe(made, &overlapped_)) return ERROR_SUCCESS;
         const DWORD error = failure(::GetLastError());
         waiting_ = error == ERROR_IO_PENDING;
-        // A client that has left already is a client: its connection ends at once.
+        // A client that has already left counts as a connection, which ends at once.
         if (waiting_ || error == ERROR_PIPE_CONNECTED || error == ERROR_NO_DATA) {
             return ERROR_SUCCESS;
         }
@@ -97,8 +97,8 @@ class Instance {
     }
 
  private:
-    // The system writes to this object until the wait has ended, which a cancelled one does at
-    // once. The event does not show it: the instances share it.
+    // The system writes to this object until the wait ends; a cancelled wait ends at once. The
+    // event cannot tell, since all instances share it.
     void close() {
         if (!exists()) return;
         if (waiting_) ::CancelIoEx(pipe_.get(), &overlapped_);
@@ -126,26 +126,26 @@ class IpcLocalServer::Instances {
         QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsOrLog(); });
     }
 
-    // False when no client would be noticed.
+    // Returns false when clients could not be noticed.
     [[nodiscard]] bool watch() { return watcher_.watch(); }
 
-    // The first one: ERROR_SUCCESS, or why not; ERROR_ACCESS_DENIED when another process has the
-    // name.
+    // Opens the first instance. Returns ERROR_SUCCESS, ERROR_ACCESS_DENIED when another process has
+    // the name, or another error.
     DWORD openFirst() {
         if (const auto error = xobjectSecurityInit(security_)) return failure(*error);
         access_.lpSecurityDescriptor = security_.descriptor.get();
         return all_[0].open(path_, access_, watcher_.handle(), /*first=*/true);
     }
 
-    // Hands over every client that has come, and replaces its instance. One pass: what is there to
-    // be read comes in between.
+    // Accepts every client that has connected, and replaces its instance. One pass only, so that
+    // pending data is read in between.
     void takeClients() {
         for (Instance& instance : all_) {
             if (instance.isReady()) {
                 Pipe pipe = instance.release();
                 replace(instance);
                 auto socket = std::make_unique<QLocalSocket>(&server_);
-                // Unbuffered: the connection reads blocks into a buffer of its own.
+                // Unbuffered: the connection reads into its own buffer.
                 socket->setSocketDescriptor(reinterpret_cast<qintptr>(pipe.release()),
                                             QLocalSocket::ConnectedState,
                                             QIODevice::ReadWrite | QIODevice::Unbuffered);
@@ -163,8 +163,8 @@ class IpcLocalServer::Instances {
         xcatchAll(kIpcServerLog, "IpcLocalServer", [this] { takeClients(); });
     }
 
-    // Waiting for a client of a new instance resets the event that all share, so that every
-    // replacement asks for another pass.
+    // Waiting on a new instance resets the shared event, so every replacement requests another
+    // pass.
     void replace(Instance& instance) {
         const DWORD error = instance.open(path_, access_, watcher_.handle(), /*first=*/false);
         if (error == ERROR_SUCCESS) {
@@ -206,7 +206,7 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
         return listenError(QAbstractSocket::SocketResourceError, "Out of resources");
     }
     const DWORD error = instances_->openFirst();
-    if (error == ERROR_ACCESS_DENIED) {  // another process was first after all
+    if (error == ERROR_ACCESS_DENIED) {  // another process was first
         return listenError(QAbstractSocket::AddressInUseError, "Address in use");
     }
     if (error != ERROR_SUCCESS) {

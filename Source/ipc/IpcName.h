@@ -3,7 +3,7 @@
 
 #include <string>
 
-// Whether a local socket of this name is served. The system does not refuse a name in use: a second
+// Whether a process serves this local socket. The system does not refuse a name in use: a second
 // server would take some of the first one's clients.
 bool ipcNameIsServed(const std::string& serverName);
 

@@ -7,7 +7,7 @@
 bool ipcNameIsServed(const std::string& serverName) {
     std::wstring path;
     if (xtextToWide("\\\\.\\pipe\\" + serverName, path) != XERR_SUCCESS) return false;
-    // A pipe that exists and has no instance free is in use too; only a missing one is not.
+    // A pipe without a free instance is also in use.
     constexpr DWORD kMilliseconds = 1;
     return ::WaitNamedPipeW(path.c_str(), kMilliseconds) != 0 ||
            ::GetLastError() == ERROR_SEM_TIMEOUT;

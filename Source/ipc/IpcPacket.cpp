@@ -9,7 +9,7 @@ namespace {
 static_assert(IPC_REPLY_LENGTH_OFFSET + sizeof(std::uint32_t) == IPC_HEADER_SIZE);
 static_assert(sizeof(double) == 8, "the wire has binary64");
 
-// Both ends run on the same little-endian host, so that numbers are copied as they are.
+// Both ends run on the same little-endian machine, so numbers are copied unchanged.
 template <typename Number>
 unsigned char* put(unsigned char* to, Number number) {
     std::memcpy(to, &number, sizeof number);

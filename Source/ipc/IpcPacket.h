@@ -25,7 +25,7 @@ constexpr std::size_t IPC_REPLY_LENGTH_OFFSET = 8;
 
 enum class IpcFieldType { I32, Bool, Double, Text };
 
-// One field of a packet. A text is a view: it must live until the packet is laid out.
+// One field of a packet. A text is a view, which must stay valid until the packet is built.
 class IpcField {
  public:
     IpcField(std::int32_t value) : type_(IpcFieldType::I32), i32_(value) {}
@@ -33,10 +33,10 @@ class IpcField {
     IpcField(double value) : type_(IpcFieldType::Double), double_(value) {}
     IpcField(const char* value) : type_(IpcFieldType::Text), text_(value) {}
 
-    // Bytes that the field takes.
+    // Size of the field in bytes.
     std::size_t size() const;
 
-    // Writes these bytes and returns the address after them.
+    // Writes the field and returns the address after it.
     unsigned char* write(unsigned char* to) const;
 
     // The value as log lines show it: "%d", "%lf" or "%s".
@@ -51,18 +51,18 @@ class IpcField {
 
 using IpcFields = std::initializer_list<IpcField>;
 
-// Bytes that a text of this length takes. Sums of sizes are never cut to 32 bits before they have
-// been compared with the limit.
+// Size of a text of this length. Sizes are summed in size_t and compared with the limit before they
+// are cut to 32 bits.
 constexpr std::size_t ipcTextSize(std::size_t length) {
     return sizeof(std::uint32_t) + length + sizeof '\0';
 }
 
-// The longest packet: its length is a signed 32-bit number for those who send and receive it.
+// The longest packet: senders and receivers use a signed 32-bit length.
 constexpr std::size_t IPC_PACKET_SIZE_MAX = std::numeric_limits<std::int32_t>::max();
 
-// A laid-out packet, in a buffer of exactly its length.
+// A packet, in a buffer of exactly its length.
 struct IpcPacket {
-    XmemBytes bytes;  // null when memory was short or the packet would be longer than the longest
+    XmemBytes bytes;  // null when out of memory, or when the packet would be too long
     std::size_t size = 0;
 };
 

@@ -1,10 +1,9 @@
 #ifndef IPC_IPCQT_H
 #define IPC_IPCQT_H
 
-// To be called before the first QObject is made. Qt starts a thread of its own to watch those host
-// threads that use it, and that thread ends when they do: should the host unload this library
-// before, Qt must stay, or the watcher's code would be gone. A socket can wait for its deletion on
-// a host's thread until after the unload, too. So both of Qt's modules stay until the process ends.
+// Pins Qt Core and Qt Network until the process ends. Call it before creating the first QObject. Qt
+// runs a thread that watches the host threads that use it, and a socket may wait on a host's thread
+// for its deferred deletion; both may outlive this library when the host unloads it.
 void ipcKeepQtLoaded();
 
 #endif

@@ -1,4 +1,4 @@
-// The steps that every request takes.
+// The steps common to all requests.
 #include "ipc/IpcRequest.h"
 
 #include <string>
@@ -18,7 +18,7 @@ bool send(IpcClient& client, const XlogModule& module, const IpcRequest& request
           IpcFields fields) {
     const bool disconnectAfter = request.replyLength == 0;
     const IpcPacket packet = ipcLayOut(request.opcode, request.replyLength, fields);
-    // One that has bytes is no longer than an int can say.
+    // A packet with bytes fits into an int.
     const bool sent = packet.bytes != nullptr &&
                       ipcSendToServer(client, packet.bytes.get(), static_cast<int>(packet.size),
                                       disconnectAfter) == 0;

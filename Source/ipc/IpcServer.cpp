@@ -24,17 +24,17 @@ IpcServerThread::~IpcServerThread() {
 void IpcServerThread::run() {
     begun = true;
     XLOG_D(kIpcServerLog, "IpcServerThread %s called for server: %s", "run", serverName.c_str());
-    // Without this Qt delivers nothing at all here until the host has an application object, and
-    // most hosts never have one.
+    // Otherwise Qt delivers no events on this thread until the host creates an application object,
+    // which most hosts never do.
     QThreadData::get2(this)->requiresCoreApplication = false;
     xcatchAll(kIpcServerLog, "run", [this] { serve(); });
-    // Here, where the sockets live: after the thread's end nothing would deliver their deletion.
+    // On the sockets' thread: after it ends, nothing would deliver their deferred deletion.
     server.reset();
 }
 
 void IpcServerThread::serve() {
-    // The event loop's window is made now, before anybody can know of the server: under Wine a host
-    // that ends while a thread makes its window hangs, since the window lock stays with the thread.
+    // Creates the event loop's window before the server is visible: under Wine a host that exits
+    // while a thread creates a window hangs, because the dead thread keeps the window lock.
     eventDispatcher()->processEvents(QEventLoop::AllEvents);
     server = std::make_unique<IpcLocalServer>();
     connect(

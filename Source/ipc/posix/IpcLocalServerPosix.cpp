@@ -1,5 +1,5 @@
-// Qt's own server does here. Without access options it binds the name itself, which is how
-// ipcNameIsServed finds it.
+// Uses Qt's own server. Without access options it binds the name directly, where ipcNameIsServed
+// finds it.
 #include "ipc/IpcLocalServer.h"
 #include "ipc/IpcName.h"
 
@@ -16,7 +16,7 @@ std::optional<IpcListenError> IpcLocalServer::open(const std::string& serverName
             return IpcListenError{QAbstractSocket::AddressInUseError,
                                   "QLocalServer::listen: Address in use"};
         }
-        removeServer(name);  // what a server that was killed left behind
+        removeServer(name);  // a socket file left behind by a killed server
     }
     if (listen(name)) return std::nullopt;
     return IpcListenError{serverError(), errorString().toStdString()};

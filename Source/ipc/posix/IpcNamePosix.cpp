@@ -3,7 +3,7 @@
 
 #include "ipc/IpcName.h"
 
-// The kernel's list of sockets is read, so that no server sees a client that asks this only.
+// Reads the kernel's list of sockets instead of connecting, so that the server sees no client.
 bool ipcNameIsServed(const std::string& serverName) {
     constexpr const char* kListening = " 00010000 ";
     const std::string end = " " + QDir::tempPath().toStdString() + "/" + serverName;

@@ -6,9 +6,9 @@
 #include "ipc/IpcClient.h"
 #include "ipc/IpcRequest.h"
 
-// Requests to the multi-instance manager. Each takes a client for its server ("vtr_mim_nvo"), sends
-// one packet and returns; a failure is only logged. Texts are UTF-8. What parameters without a name
-// of their own mean is the receiver's business.
+// Requests to the multi-instance manager. Each takes a client for its server ("vtr_mim_nvo") and
+// sends one packet. Failures are only logged. Strings are UTF-8. The receiver defines the meaning
+// of unnamed parameters.
 
 // Every request, in the order of the opcodes.
 constexpr std::size_t MIM_REQUEST_COUNT = 4;

@@ -8,15 +8,15 @@
 #include "ipc/IpcRequest.h"
 
 // Requests to the player of an instance. Each takes a client for its server
-// ("vtr_plr_<instance>_nvo"), sends one packet and returns; a failure is only logged. Texts are
-// UTF-8. What parameters without a name of their own mean is the receiver's business.
+// ("vtr_plr_<instance>_nvo") and sends one packet. Failures are only logged. Strings are UTF-8. The
+// receiver defines the meaning of unnamed parameters.
 
 // Every request, in the order of the opcodes.
 constexpr std::size_t PLR_REQUEST_COUNT = 18;
 extern const IpcRequest PLR_REQUESTS[PLR_REQUEST_COUNT];
 
 void plrShutdownRpc(IpcClient& client, bool flag);
-// Waits for the player's answer, an unsigned 64-bit number; 0 when none came.
+// Waits for the player's reply, an unsigned 64-bit number; 0 when none came.
 std::uint64_t plrBringToFrontRpc(IpcClient& client);
 void plrEnableEcoModeRpc(IpcClient& client, bool enable);
 void plrMuteMediaRpc(IpcClient& client, bool mute);
