@@ -12,7 +12,7 @@ sys.path.insert(0, str(TREE / "toolchain" / "bindings"))
 import header
 
 # What has to call each function -> where that is looked for. Generated files call nothing.
-PLACES = {"bridge.hpp": ["include/bridge/bridge.hpp"],
+PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
           "the Node binding": ["bindings/node/index.js", "bindings/node/native.js"],
           "the C# binding": ["bindings/csharp/QXBridge.cs"],
           "the Python binding": ["bindings/python/qxbridge.py"],

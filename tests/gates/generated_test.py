@@ -18,6 +18,8 @@ NODE = "bindings/node/bridge.generated.js"
 TYPES = "bindings/node/bridge.generated.d.ts"
 CSHARP = "bindings/csharp/QXBridge.generated.cs"
 PYTHON = "bindings/python/qxbridge_generated.py"
+CPP_KEYS = "include/bridge/keys.hpp"
+CPP_CODES = "include/bridge/codes.hpp"
 HEADER, CATALOGUE, CODES, WORDS, IMAGES = generate.interface.SOURCES
 
 
@@ -30,7 +32,8 @@ class GeneratedTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="generated.")
         self.addCleanup(folder.cleanup)
         self.root = pathlib.Path(folder.name)
-        for name in (*generate.interface.SOURCES, NODE, TYPES, CSHARP, PYTHON):
+        for name in (*generate.interface.SOURCES, NODE, TYPES, CSHARP, PYTHON, CPP_KEYS,
+                     CPP_CODES):
             (self.root / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(generated.TREE / name, self.root / name)
 
@@ -55,11 +58,13 @@ class GeneratedTest(unittest.TestCase):
         return output.getvalue().splitlines()
 
     def test_the_tree_as_it_is_passes(self):
-        self.assertEqual(self.run_gate(), (0, ["4 files"]))
+        self.assertEqual(self.run_gate(), (0, ["6 files"]))
 
     def test_a_generated_file_that_was_edited(self):
         for name, old, new in ((NODE, "SUCCESS: 0", "SUCCESS: 1"), (TYPES, "boolean", "number"),
-                               (CSHARP, "TooBig = 7", "TooBig = 8"), (PYTHON, "ACCESS = 13\n", "")):
+                               (CSHARP, "TooBig = 7", "TooBig = 8"), (PYTHON, "ACCESS = 13\n", ""),
+                               (CPP_KEYS, "> status_adb_port;", "> adb_port;"),
+                               (CPP_CODES, "{13, ", "{14, ")):
             with self.subTest(name):
                 self.change(name, old, new)
                 self.expect(fault(name))
@@ -81,7 +86,7 @@ class GeneratedTest(unittest.TestCase):
                     "/** Asks the multi-instance manager and then")
         self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
         self.assertEqual(self.generate(), [NODE, CSHARP, PYTHON])
-        self.assertEqual(self.run_gate(), (0, ["4 files"]))
+        self.assertEqual(self.run_gate(), (0, ["6 files"]))
         for name, text in ((NODE, "int32_t bridgeAnother(void *one)"),
                            (CSHARP, "internal static extern int bridgeAnother(IntPtr one);"),
                            (PYTHON, '"bridgeAnother": (c_int32, dict(one=c_void_p)),')):
@@ -112,20 +117,30 @@ class GeneratedTest(unittest.TestCase):
                          ('    {"ram", ConfType::I32, "", kDumped},\n', "")):
             with self.subTest(old):
                 self.change(CATALOGUE, old, new)
-                self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+                self.expect(fault(NODE), fault(CSHARP), fault(PYTHON), fault(CPP_KEYS))
                 self.generate()
 
     def test_a_code_and_its_words(self):
         self.change(CODES, "X(7, 2BIG) ", "X(9999, 2BIG) ")
-        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON), fault(CPP_CODES))
         self.generate()
         self.change(WORDS, '"too long"', '"too big"')
-        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON))
+        self.expect(fault(NODE), fault(CSHARP), fault(PYTHON), fault(CPP_CODES))
+
+    def test_an_image(self):
+        self.change(IMAGES, '{"Nougat32", false', '{"Nougat", false')
+        self.assertIn(fault(CPP_KEYS), self.run_gate()[1])
+        self.generate()
+        self.assertIn('kImages[] = {"Nougat", "Nougat64"}', (self.root / CPP_KEYS).read_text("utf-8"))
 
     def test_a_file_with_the_mark_that_nothing_writes(self):
         old = "bindings/node/old.generated.js"
         shutil.copy(self.root / NODE, self.root / old)
         self.expect(f"{old} is marked as generated, and ./run generate does not write it")
+        old_header = "include/bridge/old.hpp"
+        shutil.copy(self.root / CPP_KEYS, self.root / old_header)
+        self.expect(*[f"{one} is marked as generated, and ./run generate does not write it"
+                      for one in (old, old_header)])
 
     def test_what_cannot_be_read_is_an_error(self):
         for name, old, new in (

@@ -3,7 +3,7 @@
 # without a warning. Kinds of compilers:
 #   gcc, gcc-c   GCC, and one that has C only
 #   clang        clang, with every warning that it has but those below
-#   microsoft    clang in Microsoft's mode; the same, and bridge.h also as a compiler that is neither
+#   microsoft    clang in Microsoft's mode; the same, and the C headers also as a compiler that is neither
 #                clang nor GCC reads it
 set -euo pipefail
 include=$1
@@ -11,14 +11,15 @@ shift
 
 usual=(-pedantic -Wall -Wextra -Werror)
 
-# These are about the language that C++11 replaced, about padding, which most records have, and about a
-# default in a switch that has every value.
+# These are about the language that C++11 replaced, about padding, which most records have, about a
+# default in a switch that has every value, about pointers into buffers, which C has no other way for,
+# and about exceptions that no source file is the home of.
 every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded
-    -Wno-switch-default)
+    -Wno-switch-default -Wno-unsafe-buffer-usage -Wno-weak-vtables)
 
-# Such a compiler needs no mark at its long long, and has none.
+# Such a compiler needs no mark at its long long and at the names of Windows, and has none.
 unknown=("${every[@]}" -U__clang__ -U__GNUC__ -D__extension__=unmarked
-    -Wno-long-long)
+    -Wno-long-long -Wno-reserved-identifier)
 
 # compile HEADER LANGUAGE STANDARDS COMPILER OPTION...
 compile() {
@@ -31,9 +32,18 @@ compile() {
     done
 }
 
-as_c() { compile bridge.h c "c89 c99 c11 c17" "$@"; }
-as_cpp() { compile bridge.h c++ "c++11 c++14 c++17 c++20" "$@"; }
-wrapper() { compile bridge.hpp c++ "c++17 c++20" "$@"; }
+# each PATTERN LANGUAGE STANDARDS COMPILER OPTION...: the headers of the interface for this pattern
+each() {
+    local path
+    for path in "$include"/bridge/$1; do compile "${path##*/}" "${@:2}"; done
+}
+
+as_c() { each "*.h" c "c89 c99 c11 c17" "$@"; }
+as_cpp() { each "*.h" c++ "c++11 c++14 c++17 c++20" "$@"; }
+wrapper() {
+    compile bridge.hpp c++ c++20 "$@"
+    each "*.hpp" c++ c++17 "$@"
+}
 
 all() {
     as_c "$@"

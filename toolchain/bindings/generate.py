@@ -7,6 +7,7 @@ import sys
 from typing import Dict, List
 
 sys.dont_write_bytecode = True  # the tree stays as it is
+import cpp
 import csharp
 import interface
 import node
@@ -21,7 +22,9 @@ def files(tree: pathlib.Path) -> Dict[str, str]:
     return {"bindings/node/bridge.generated.js": node.script(read),
             "bindings/node/bridge.generated.d.ts": node.types(read),
             "bindings/csharp/QXBridge.generated.cs": csharp.source(read),
-            "bindings/python/qxbridge_generated.py": python.module(read)}
+            "bindings/python/qxbridge_generated.py": python.module(read),
+            "include/bridge/keys.hpp": cpp.keys(read),
+            "include/bridge/codes.hpp": cpp.codes(read)}
 
 
 def found(tree: pathlib.Path, name: str) -> str:
@@ -31,7 +34,8 @@ def found(tree: pathlib.Path, name: str) -> str:
 
 def marked(tree: pathlib.Path) -> List[str]:
     """The files of the bindings that say of themselves that they are generated."""
-    paths = (path for path in (tree / "bindings").rglob("*") if path.is_file())
+    paths = (path for folder in ("bindings", "include") for path in (tree / folder).rglob("*")
+             if path.is_file())
     return sorted(str(path.relative_to(tree)) for path in paths
                   if interface.MARK[0].encode() in path.read_bytes())
 

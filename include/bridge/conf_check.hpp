@@ -1,0 +1,253 @@
+/**
+ * @file conf_check.hpp
+ * @brief The checks of keys and instances, which conf.hpp makes before it calls the library.
+ */
+#ifndef BRIDGE_CONF_CHECK_HPP
+#define BRIDGE_CONF_CHECK_HPP
+
+#include <bridge/bridge.h>
+
+#include <algorithm>
+#include <bridge/configuration_file.hpp>
+#include <bridge/key.hpp>
+#include <bridge/keys.hpp>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace bridge {
+
+/** A key, an instance or a stored value that the library would end the process for. */
+class KeyError : public std::invalid_argument {
+ public:
+    KeyError(const std::string& message, std::string key, std::string suggestion = {})
+        : std::invalid_argument(message),
+          key_(std::move(key)),
+          suggestion_(std::move(suggestion)) {}
+
+    /** The key, or the name of an instance, that is wrong. */
+    const std::string& key() const noexcept { return key_; }
+    /** What may have been meant; empty when nothing comes near. */
+    const std::string& suggestion() const noexcept { return suggestion_; }
+
+ private:
+    std::string key_;
+    std::string suggestion_;
+};
+
+namespace detail {
+
+inline std::string quoted(std::string_view text) {
+    return std::string("\"").append(text).append("\"");
+}
+
+/** How many letters have to be added, removed or changed to get from one text to another. */
+inline std::size_t editDistance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row[to.size()];
+}
+
+/** The nearest of some texts, if one is near enough; the first of several. */
+class Nearest {
+ public:
+    /** A long name may differ in more letters than a short one. */
+    Nearest(std::string_view wanted, std::size_t nameLength)
+        : wanted_(wanted), best_(nameLength >= 8 ? 4 : 3) {}
+
+    void look(const std::string& candidate) {
+        const std::size_t distance = editDistance(wanted_, candidate);
+        if (distance >= best_) return;
+        best_ = distance;
+        found_ = candidate;
+    }
+
+    const std::string& found() const noexcept { return found_; }
+
+    /** The end of a message. */
+    std::string question() const {
+        return found_.empty() ? std::string() : "; did you mean " + quoted(found_) + "?";
+    }
+
+ private:
+    std::string_view wanted_;
+    std::size_t best_;
+    std::string found_;
+};
+
+[[noreturn]] inline void throwNoKey(const std::string& key) {
+    const std::optional<KeyParts> parts = partsOf(key);
+    const std::string prefix =
+        parts && parts->ofInstance
+            ? std::string("vtr.instance.").append(parts->instance).append(".")
+            : std::string("vtr.");
+    Nearest nearest(key, parts ? parts->property.size() : key.size());
+    if (parts && parts->ofInstance) {
+        for (const Property& one : kInstanceProperties)
+            nearest.look(prefix + std::string(one.name));
+    } else {
+        for (const Property& one : kGlobalProperties) nearest.look(prefix + std::string(one.name));
+    }
+    throw KeyError("there is no key " + quoted(key) + nearest.question(), key, nearest.found());
+}
+
+inline const Property* findProperty(const KeyParts& key) {
+    const auto isMeant = [&key](const Property& one) { return one.name == key.property; };
+    if (key.ofInstance) {
+        const auto* const end = std::end(kInstanceProperties);
+        const auto* const found = std::find_if(std::begin(kInstanceProperties), end, isMeant);
+        return found == end ? nullptr : found;
+    }
+    const auto* const end = std::end(kGlobalProperties);
+    const auto* const found = std::find_if(std::begin(kGlobalProperties), end, isMeant);
+    return found == end ? nullptr : found;
+}
+
+/** "an i32", "a bool" */
+inline std::string withArticle(KeyType type) {
+    const std::string_view name = nameOf(type);
+    return std::string(name.front() == 'i' ? "an " : "a ").append(name);
+}
+
+/** A key that exists and is of the type. */
+struct CheckedKey {
+    KeyParts parts;
+    const Property* property;
+};
+
+inline void checkInstance(std::string_view instance) {
+    if (configuration().knowsInstance(instance)) return;
+    Nearest nearest(instance, instance.size());
+    for (const std::string& one : configuration().knownInstances()) nearest.look(one);
+    throw KeyError("there is no instance " + quoted(instance) + nearest.question(),
+                   std::string(instance), nearest.found());
+}
+
+/** The key exists, is of the type, and its instance is known. */
+inline CheckedKey checkKey(const std::string& key, KeyType type) {
+    const std::optional<KeyParts> parts = partsOf(key);
+    const Property* const property = parts ? findProperty(*parts) : nullptr;
+    if (property == nullptr) throwNoKey(key);
+    if (property->type != type) {
+        throw KeyError(
+            quoted(key) + " is " + withArticle(property->type) + ", not " + withArticle(type), key);
+    }
+    if (parts->ofInstance) checkInstance(parts->instance);
+    return {*parts, property};
+}
+
+/** As the library reads numbers: white space and a sign may come first, and what follows the digits
+ * is ignored. */
+inline bool isReadableI32(std::string_view text) {
+    const std::size_t start = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
+    std::string_view digits = text.substr(start);
+    const bool plus = !digits.empty() && digits.front() == '+';
+    if (plus) digits.remove_prefix(1);
+    if (plus && !digits.empty() && digits.front() == '-') return false;
+    std::int32_t number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (error == std::errc::result_out_of_range || number != 0) return true;
+    return error == std::errc::invalid_argument ? text.empty() : stop == end;
+}
+
+inline bool isReadable(KeyType type, std::string_view value) {
+    if (type == KeyType::Bool) return value == "0" || value == "1";
+    return type != KeyType::I32 || isReadableI32(value);
+}
+
+/** Reads a number of an instance, unless the file has one that would end the process. */
+inline bool hasNumber(const std::string& instance, const char* property) {
+    const std::string key = "vtr.instance." + instance + "." + property;
+    const std::optional<std::string> stored = configuration().loadedValue(key);
+    if (stored && !configuration().isSet(key) && !isReadableI32(*stored)) return false;
+    return bridgeConfGetI32(key.c_str()) != 0;
+}
+
+/** Whether the library has loaded the instance: one that it has not has neither texts nor numbers.
+ */
+inline bool isLoaded(const std::string& instance) {
+    const std::string key = "vtr.instance." + instance + ".display_name";
+    char* const name = bridgeConfGetString(key.c_str());
+    const bool isNamed = name != nullptr && *name != '\0';
+    bridgeFreeMemory(name);
+    if (isNamed) return true;
+    for (const char* property : {"dpi", "max_fps", "eco_mode_max_fps", "gl_win_height"}) {
+        if (hasNumber(instance, property)) return true;
+    }
+    return false;
+}
+
+inline void checkLoaded(std::string_view instance) {
+    if (configuration().isReady(instance)) return;
+    const std::string name(instance);
+    if (!isLoaded(name)) {
+        throw KeyError("instance " + quoted(name) +
+                           " is not loaded yet: it is after a commit, or after instanceListUpdated",
+                       name);
+    }
+    configuration().isReadyNow(name);
+}
+
+inline void checkValue(const std::string& key, const Property& property) {
+    if (configuration().isSet(key)) return;
+    const std::optional<std::string> stored = configuration().loadedValue(key);
+    const std::string_view value = stored ? std::string_view(*stored) : property.defaultValue;
+    if (isReadable(property.type, value)) return;
+    if (value.empty() && property.defaultValue.empty()) {
+        throw KeyError(quoted(key) + " has no value and no default", key);
+    }
+    throw KeyError(quoted(key) + " has a value that cannot be read: " + quoted(value), key);
+}
+
+/** The key could be read without ending the process. */
+inline void checkRead(const std::string& key, KeyType type) {
+    const CheckedKey checked = checkKey(key, type);
+    if (checked.parts.ofInstance) checkLoaded(checked.parts.instance);
+    checkValue(key, *checked.property);
+}
+
+/** An instance runs the image that its name begins with. */
+inline void checkImage(const std::string& instance) {
+    const std::string image = instance.substr(0, instance.find('_'));
+    std::string all;
+    for (const std::string_view one : kImages) {
+        if (one == image) return;
+        all.append(all.empty() ? "" : ", ").append(one);
+    }
+    throw KeyError(quoted(image) + " is not an image; there are " + all, instance);
+}
+
+inline void checkNewInstance(const std::string& name) {
+    constexpr std::string_view kEndsAKey(".=\n\0", 4);
+    if (name.empty() || name.find_first_of(kEndsAKey) != std::string::npos) {
+        throw KeyError(quoted(name) + " cannot be the name of an instance", name);
+    }
+    checkImage(name);
+}
+
+/** A listing ends the process for an instance without an image. */
+inline void checkListing() {
+    for (const std::string& one : configuration().loadedInstances()) checkImage(one);
+}
+
+}  // namespace detail
+
+}  // namespace bridge
+
+#endif

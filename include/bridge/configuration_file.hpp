@@ -1,0 +1,195 @@
+/**
+ * @file configuration_file.hpp
+ * @brief What vantrel.conf has, as far as the checks of conf.hpp need it. Not for hosts.
+ */
+#ifndef BRIDGE_CONFIGURATION_FILE_HPP
+#define BRIDGE_CONFIGURATION_FILE_HPP
+
+#include <bridge/process.hpp>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace bridge::detail {
+
+using Names = std::set<std::string, std::less<>>;
+
+/** A key in its parts, which point into it. */
+struct KeyParts {
+    bool ofInstance = false;
+    std::string_view instance;
+    std::string_view property;
+};
+
+/** Nothing for a text that does not begin as a key does. */
+inline std::optional<KeyParts> partsOf(std::string_view key) {
+    constexpr std::string_view kGlobal = "vtr.";
+    constexpr std::string_view kInstance = "vtr.instance.";
+    if (key.substr(0, kInstance.size()) == kInstance) {
+        const std::string_view rest = key.substr(kInstance.size());
+        const std::size_t dot = rest.find('.');
+        if (dot == std::string_view::npos) return KeyParts{true, rest, {}};
+        return KeyParts{true, rest.substr(0, dot), rest.substr(dot + 1)};
+    }
+    if (key.substr(0, kGlobal.size()) != kGlobal) return std::nullopt;
+    return KeyParts{false, {}, key.substr(kGlobal.size())};
+}
+
+/** The settings of a file, the last line of a key counting, and the instances that they name. */
+struct FileContent {
+    std::map<std::string, std::string, std::less<>> values;
+    Names instances;
+};
+
+/** The value of a line, of which the first and the last character after "=" are quotes. */
+inline std::string_view valueOfLine(std::string_view line, std::size_t equals) {
+    const std::size_t first = equals + 2;
+    if (first >= line.size()) return {};
+    const std::string_view value = line.substr(first, line.size() - 1 - first);
+    return value.substr(0, value.find('\0'));
+}
+
+/** Lines without "=" are passed over: the load says what is wrong with them. */
+inline FileContent contentOf(std::string_view text) {
+    FileContent content;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(line.size() < text.size() ? line.size() + 1 : line.size());
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos) continue;
+        const std::string_view key = line.substr(0, equals);
+        content.values[std::string(key)] = valueOfLine(line, equals);
+        const auto parts = partsOf(key);
+        if (parts && parts->ofInstance && !parts->property.empty()) {
+            content.instances.emplace(parts->instance);
+        }
+    }
+    return content;
+}
+
+/** The file as the library has loaded it last, and what this process has changed since. */
+class Configuration {
+ public:
+    /** Before a load. The path is empty when there is no file. */
+    void startWith(const std::string& path) {
+        {
+            const std::lock_guard<std::mutex> guard(lock_);
+            path_ = path;
+        }
+        load();
+    }
+
+    /** Looks at the file as a load does: what has been set and not committed stays. */
+    void load() {
+        FileContent content = read();
+        const std::lock_guard<std::mutex> guard(lock_);
+        for (auto one = set_.begin(); one != set_.end();) {
+            const bool isReplaced = !one->second && content.values.count(one->first) > 0;
+            one = isReplaced ? set_.erase(one) : std::next(one);
+        }
+        instances_ = content.instances;
+        loaded_ = std::move(content);
+    }
+
+    /** After a commit that got as far as its changes: they are staged no longer. */
+    void committed() {
+        const std::lock_guard<std::mutex> guard(lock_);
+        for (auto& [key, isStaged] : set_) isStaged = false;
+    }
+
+    void wasSet(const std::string& key) {
+        const std::lock_guard<std::mutex> guard(lock_);
+        set_[key] = true;
+    }
+
+    /** Whether this process has set the key, with a value that can be read. */
+    bool isSet(const std::string& key) const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        return set_.count(key) > 0;
+    }
+
+    /** The value that the file had when it was loaded. */
+    std::optional<std::string> loadedValue(std::string_view key) const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        const auto found = loaded_.values.find(key);
+        if (found == loaded_.values.end()) return std::nullopt;
+        return found->second;
+    }
+
+    void addInstance(const std::string& name) {
+        const std::lock_guard<std::mutex> guard(lock_);
+        added_.insert(name);
+    }
+
+    /** Looks at the file once more before it says no. */
+    bool knowsInstance(std::string_view name) {
+        if (isNamed(name)) return true;
+        Names instances = read().instances;
+        const std::lock_guard<std::mutex> guard(lock_);
+        instances_ = std::move(instances);
+        return instances_.count(name) > 0;
+    }
+
+    /** Of the file and of this process. */
+    Names knownInstances() const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        Names all = instances_;
+        all.insert(added_.begin(), added_.end());
+        return all;
+    }
+
+    /** Of the file when it was loaded. */
+    Names loadedInstances() const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        return loaded_.instances;
+    }
+
+    /** Instances that the library has been found to have. */
+    bool isReady(std::string_view name) const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        return ready_.count(name) > 0;
+    }
+    void isReadyNow(std::string_view name) {
+        const std::lock_guard<std::mutex> guard(lock_);
+        ready_.emplace(name);
+    }
+
+    std::string path() const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        return path_;
+    }
+
+ private:
+    FileContent read() const {
+        const std::string file = path();
+        const std::optional<std::string> text = file.empty() ? std::nullopt : readFile(file);
+        return text ? contentOf(*text) : FileContent();
+    }
+
+    bool isNamed(std::string_view name) const {
+        const std::lock_guard<std::mutex> guard(lock_);
+        return instances_.count(name) > 0 || added_.count(name) > 0;
+    }
+
+    mutable std::mutex lock_;
+    std::string path_;
+    FileContent loaded_;
+    Names instances_;
+    Names added_;
+    Names ready_;
+    std::map<std::string, bool, std::less<>> set_;  // whether it is still staged
+};
+
+inline Configuration& configuration() {
+    static Configuration& state = *new Configuration;
+    return state;
+}
+
+}  // namespace bridge::detail
+
+#endif

@@ -1,0 +1,219 @@
+/**
+ * @file dispatch.hpp
+ * @brief The way of an event from the library to callbacks, queues and works. Not for hosts.
+ */
+#ifndef BRIDGE_DISPATCH_HPP
+#define BRIDGE_DISPATCH_HPP
+
+#include <algorithm>
+#include <bridge/callbacks.hpp>
+#include <bridge/configuration_file.hpp>
+#include <bridge/event.hpp>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace bridge::detail {
+
+/** Somebody who waits for events. */
+struct Observer {
+    /** Gets each event, on the event thread. Says whether it was the one that was waited for. */
+    std::function<bool(const Event& event)> take;
+    /** Gets the end of the library. */
+    std::function<void()> end;
+};
+using SharedObserver = std::shared_ptr<const Observer>;
+
+/** All who wait, in the order in which they began to. */
+using Observers = std::list<SharedObserver>;
+
+struct Dispatch {
+    std::mutex lock;
+    std::shared_ptr<const Callbacks> callbacks;
+    Observers queues;  // each gets every event
+    Observers works;   // an event completes one of them, which is then forgotten
+    std::thread::id eventThread;
+    bool isRegistered = false;
+    bool hasEnded = false;
+};
+
+/** Made once and never destroyed: events can come until the process ends. */
+inline Dispatch& dispatch() {
+    static Dispatch& state = *new Dispatch;
+    return state;
+}
+
+inline bool isEventThread() {
+    const std::lock_guard<std::mutex> guard(dispatch().lock);
+    return dispatch().eventThread == std::this_thread::get_id();
+}
+
+/** A queue or work that begins to wait; one that comes too late ends at once. */
+inline void addObserver(Observers Dispatch::*observers, const SharedObserver& one) {
+    {
+        const std::lock_guard<std::mutex> guard(dispatch().lock);
+        if (!dispatch().hasEnded) {
+            (dispatch().*observers).push_back(one);
+            return;
+        }
+    }
+    one->end();
+}
+
+inline void removeObserver(Observers Dispatch::*observers, const SharedObserver& one) {
+    const std::lock_guard<std::mutex> guard(dispatch().lock);
+    (dispatch().*observers).remove(one);
+}
+
+/** After the last event. */
+inline void endObservers() {
+    Observers all;
+    {
+        const std::lock_guard<std::mutex> guard(dispatch().lock);
+        dispatch().hasEnded = true;
+        all.splice(all.end(), dispatch().queues);
+        all.splice(all.end(), dispatch().works);
+    }
+    for (const SharedObserver& one : all) one->end();
+}
+
+inline void observe(const Event& event) {
+    Observers queues;
+    Observers works;
+    {
+        const std::lock_guard<std::mutex> guard(dispatch().lock);
+        queues = dispatch().queues;
+        works = dispatch().works;
+    }
+    for (const SharedObserver& one : queues) one->take(event);
+    for (const SharedObserver& one : works) {
+        if (!one->take(event)) continue;
+        removeObserver(&Dispatch::works, one);
+        return;
+    }
+}
+
+inline bool isObserved() {
+    const std::lock_guard<std::mutex> guard(dispatch().lock);
+    return !dispatch().queues.empty() || !dispatch().works.empty();
+}
+
+/** The callbacks of the moment, which stay whole while one of them runs. */
+inline std::shared_ptr<const Callbacks> callbacksNow() {
+    const std::lock_guard<std::mutex> guard(dispatch().lock);
+    dispatch().eventThread = std::this_thread::get_id();
+    return dispatch().callbacks;
+}
+
+/** Runs a part of the way of an event. What it throws goes to Callbacks::failed. */
+template <typename Part>
+void guarded(const std::shared_ptr<const Callbacks>& callbacks, Part part) noexcept {
+    try {
+        part();
+    } catch (...) {
+        try {
+            if (callbacks && callbacks->failed) callbacks->failed(std::current_exception());
+        } catch (...) {
+        }
+    }
+}
+
+/** First the host's function, then the queues and works; makeEvent() is called for these only. */
+template <typename MakeEvent, typename Function, typename... Arguments>
+void deliver(MakeEvent makeEvent, Function Callbacks::*member, Arguments&&... arguments) noexcept {
+    std::shared_ptr<const Callbacks> callbacks;
+    guarded(callbacks, [&] { callbacks = callbacksNow(); });
+    guarded(callbacks, [&] {
+        if (!callbacks) return;
+        const Function& function = (*callbacks).*member;
+        if (function) function(std::forward<Arguments>(arguments)...);
+    });
+    guarded(callbacks, [&] {
+        if (isObserved()) observe(Event(makeEvent()));
+    });
+}
+
+/** The library has loaded the configuration again before these two events. */
+inline void loadedAgain() noexcept {
+    guarded({}, [] { configuration().load(); });
+}
+
+/** The nine functions that the library gets. */
+inline void registerAll() {
+    bridgeRegisterCallbacks(
+        [](const char* instance, const char* package, const char* activity, const char* appLabel,
+           bridge_i32 versionCode, const char* versionName, const char* iconFilePath,
+           bridge_bool isUpdate) {
+            const AppInstalled app{instance,    package,     activity,     appLabel,
+                                   versionCode, versionName, iconFilePath, isUpdate != 0};
+            const auto event = [&] {
+                return events::AppInstalled{instance,    package,     activity,     appLabel,
+                                            versionCode, versionName, iconFilePath, isUpdate != 0};
+            };
+            deliver(event, &Callbacks::appInstalled, app);
+        },
+        [](const char* instance, const char* package) {
+            const auto event = [&] { return events::AppUninstalled{instance, package}; };
+            deliver(event, &Callbacks::appUninstalled, instance, package);
+        },
+        [](const char* instance, bridge_i32 status, const char* apkFilePath) {
+            const auto event = [&] {
+                return events::ApkInstallCompleted{instance, status, apkFilePath};
+            };
+            deliver(event, &Callbacks::apkInstallCompleted, instance, status, apkFilePath);
+        },
+        [] {
+            loadedAgain();
+            deliver([] { return events::InstanceListUpdated(); }, &Callbacks::instanceListUpdated);
+        },
+        [](const char* imageName, bridge_i32 status, double progress) {
+            const auto event = [&] {
+                return events::InstallImageProgress{imageName, status, progress};
+            };
+            deliver(event, &Callbacks::installImageProgress, imageName, status, progress);
+        },
+        [](bridge_i32 status, const char* instance) {
+            const auto event = [&] { return events::CreateInstanceCompleted{status, instance}; };
+            deliver(event, &Callbacks::createInstanceCompleted, status, instance);
+        },
+        [](const char* instance) {
+            loadedAgain();
+            const auto event = [&] { return events::InstanceConfigurationChanged{instance}; };
+            deliver(event, &Callbacks::instanceConfigurationChanged, instance);
+        },
+        [](const char* instance, const char* package) {
+            const auto event = [&] { return events::AppDisplayed{instance, package}; };
+            deliver(event, &Callbacks::appDisplayed, instance, package);
+        },
+        [](const char* instance, const char* emailId, bridge_i32 action) {
+            const auto event = [&] {
+                return events::AccountListUpdated{instance, emailId, action};
+            };
+            deliver(event, &Callbacks::accountListUpdated, instance, emailId, action);
+        });
+}
+
+}  // namespace bridge::detail
+
+namespace bridge {
+
+/** bridgeRegisterCallbacks(): starts the event server, the first time, and replaces all functions.
+ * Whether it then listens says listen() only. */
+inline void registerCallbacks(Callbacks callbacks) {
+    auto shared = std::make_shared<const Callbacks>(std::move(callbacks));
+    {
+        const std::lock_guard<std::mutex> guard(detail::dispatch().lock);
+        detail::dispatch().callbacks.swap(shared);
+        detail::dispatch().isRegistered = true;
+    }
+    detail::registerAll();
+}
+
+}  // namespace bridge
+
+#endif

@@ -1,0 +1,194 @@
+/**
+ * @file result.hpp
+ * @brief What the functions return: texts that free themselves, and results that say what went
+ * wrong.
+ */
+#ifndef BRIDGE_RESULT_HPP
+#define BRIDGE_RESULT_HPP
+
+#include <bridge/bridge.h>
+
+#include <bridge/codes.hpp>
+#include <bridge/process.hpp>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace bridge {
+
+/** A text of the library's, freed by the library at the end of its life. */
+class Text {
+ public:
+    explicit Text(char* text) noexcept : text_(text) {}
+
+    /** Null after a failure, which TextResult tells. */
+    const char* c_str() const noexcept { return text_.get(); }
+    std::string_view view() const noexcept {
+        return text_ == nullptr ? std::string_view() : std::string_view(text_.get());
+    }
+    std::string str() const { return std::string(view()); }
+
+ private:
+    struct Free {
+        void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
+    };
+    std::unique_ptr<char, Free> text_;
+};
+
+/** "XERR_NOENT"; empty for a Windows error, which is a code from 100000 on. */
+inline std::string_view codeName(std::int32_t code) noexcept {
+    for (const detail::Code& one : detail::kCodes) {
+        if (one.number == code) return one.name;
+    }
+    return {};
+}
+
+/** "no such file or folder"; "Windows error 5" for 100005. */
+inline std::string codeText(std::int32_t code) {
+    constexpr std::int32_t kFirstWindowsError = 100000;
+    for (const detail::Code& one : detail::kCodes) {
+        if (one.number == code) return std::string(one.text);
+    }
+    if (code < kFirstWindowsError) return "result code " + std::to_string(code);
+    return "Windows error " + std::to_string(code - kFirstWindowsError);
+}
+
+/** A call that failed, with its cause. Its text has all of it. */
+class Error : public std::runtime_error {
+ public:
+    Error(std::string operation, std::int32_t code, std::string file)
+        : std::runtime_error(message(operation, code, file)),
+          operation_(std::move(operation)),
+          file_(std::move(file)),
+          log_(detail::logPath()),
+          code_(code) {}
+
+    /** The function, as bridge.h calls it. */
+    const std::string& operation() const noexcept { return operation_; }
+    /** A result code of bridge.h. */
+    std::int32_t code() const noexcept { return code_; }
+    /** The code's name, as codeName(). */
+    std::string_view name() const noexcept { return codeName(code_); }
+    /** The code's words, as codeText(). */
+    std::string text() const { return codeText(code_); }
+    /** The file that the call was about; empty when there is none. */
+    const std::string& file() const noexcept { return file_; }
+    /** Where the library logs. */
+    const std::string& log() const noexcept { return log_; }
+
+ private:
+    static std::string message(const std::string& operation, std::int32_t code,
+                               const std::string& file) {
+        const std::string_view name = codeName(code);
+        std::string all = operation + " failed with " + std::to_string(code) + " (";
+        if (!name.empty()) all.append(name).append(": ");
+        all.append(codeText(code)).append(")");
+        if (!file.empty()) all.append(" for ").append(file);
+        return all.append("; the log ").append(detail::logPath()).append(" has the cause");
+    }
+
+    std::string operation_;
+    std::string file_;
+    std::string log_;
+    std::int32_t code_;
+};
+
+/** The outcome of a call that has nothing to return: a result code of bridge.h. */
+class [[nodiscard]] Status {
+ public:
+    explicit Status(bridge_i32 code) noexcept : code_(code) {}
+
+    /** The operation's text lives for ever; the file is the one that the call is about. */
+    Status(bridge_i32 code, const char* operation, std::string_view file = {})
+        : operation_(operation), file_(code == BRIDGE_SUCCESS ? "" : file), code_(code) {}
+
+    bool ok() const noexcept { return code_ == BRIDGE_SUCCESS; }
+    explicit operator bool() const noexcept { return ok(); }
+    bridge_i32 code() const noexcept { return code_; }
+
+    /** The failure with its cause; only when not ok(). */
+    Error error() const { return Error(operation_, code_, file_); }
+    /** Throws error() unless ok(). */
+    void orThrow() const {
+        if (!ok()) throw error();
+    }
+
+ private:
+    const char* operation_ = "the call";
+    std::string file_;
+    bridge_i32 code_;
+};
+
+/** A text, or the result code that stands in its place. The log has the cause of a failure. */
+class [[nodiscard]] TextResult {
+ public:
+    explicit TextResult(char* text) noexcept : text_(text) {}
+
+    /** The operation's text lives for ever. */
+    TextResult(char* text, const char* operation) noexcept : text_(text), operation_(operation) {}
+
+    bool ok() const noexcept { return text_.c_str() != nullptr; }
+    explicit operator bool() const noexcept { return ok(); }
+    bridge_i32 code() const noexcept { return ok() ? BRIDGE_SUCCESS : BRIDGE_FAILURE; }
+    Status status() const { return Status(code(), operation_); }
+
+    /** The text; only when ok(). */
+    const Text& operator*() const& noexcept { return text_; }
+    Text operator*() && noexcept { return std::move(text_); }
+    const Text* operator->() const noexcept { return &text_; }
+
+    /** A copy of the text, or of what is to stand for it after a failure. */
+    std::string valueOr(std::string_view other) const {
+        return std::string(ok() ? text_.view() : other);
+    }
+
+    /** A copy of the text; throws Error after a failure. */
+    std::string value() const {
+        status().orThrow();
+        return text_.str();
+    }
+
+ private:
+    Text text_;
+    const char* operation_ = "the call";
+};
+
+/** A value, or the status that stands in its place. */
+template <typename Value>
+class [[nodiscard]] Result {
+ public:
+    explicit Result(Value value) : value_(std::move(value)), status_(BRIDGE_SUCCESS) {}
+    explicit Result(Status failure) : status_(std::move(failure)) {}
+
+    bool ok() const noexcept { return value_.has_value(); }
+    explicit operator bool() const noexcept { return ok(); }
+    bridge_i32 code() const noexcept { return status_.code(); }
+    const Status& status() const noexcept { return status_; }
+
+    /** The value; only when ok(). */
+    const Value& operator*() const& noexcept { return *value_; }
+    Value operator*() && noexcept { return *std::move(value_); }
+    const Value* operator->() const noexcept { return &*value_; }
+
+    /** The value; throws Error after a failure. */
+    const Value& value() const& {
+        status_.orThrow();
+        return *value_;
+    }
+    Value value() && {
+        status_.orThrow();
+        return *std::move(value_);
+    }
+
+ private:
+    std::optional<Value> value_;
+    Status status_;
+};
+
+}  // namespace bridge
+
+#endif
