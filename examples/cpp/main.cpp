@@ -2,59 +2,52 @@
 // Lists the instances, reads a setting, waits for so many events (none without the number), ends.
 #include <bridge/bridge.hpp>
 #include <chrono>
-#include <condition_variable>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
-#include <mutex>
-#include <string_view>
+#include <stdexcept>
+#include <variant>
 
 namespace {
 
-// Events come on the library's thread, and the main thread waits for them.
-class EventCounter {
- public:
-    void count() {
-        const std::lock_guard<std::mutex> guard(lock_);
-        ++count_;
-        changed_.notify_all();
+// What would end the process or fail in the initialisation; false when there is something.
+bool canStart(bridge::Client client) {
+    const auto problems = bridge::preflight(client);
+    for (const bridge::Problem& one : problems) {
+        std::cerr << one.what << ": " << one.remedy << '\n';
     }
+    return problems.empty();
+}
 
-    bool waitFor(int count) {
-        std::unique_lock<std::mutex> guard(lock_);
-        return changed_.wait_for(guard, std::chrono::seconds(30), [&] { return count_ >= count; });
+void print(const bridge::Event& event) {
+    if (const auto* const app = std::get_if<bridge::events::AppInstalled>(&event)) {
+        std::cout << "installed " << app->instance << ' ' << app->package << ": " << app->appLabel
+                  << ' ' << app->versionName << '\n';
+    } else if (const auto* const shown = std::get_if<bridge::events::AppDisplayed>(&event)) {
+        std::cout << "displayed " << shown->instance << ' ' << shown->package << '\n';
     }
-
- private:
-    std::mutex lock_;
-    std::condition_variable changed_;
-    int count_ = 0;
-};
+}
 
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (const bridge::Status status = bridge::init(bridge::Client::Helper); !status) {
-        std::cerr << "the library does not start: " << status.code() << '\n';
+    if (!canStart(bridge::Client::Helper)) return 1;
+    try {
+        bridge::init(bridge::Client::Helper).orThrow();
+        std::cout << "instances " << bridge::instances().value() << '\n';
+        std::cout << "locale " << bridge::conf::get(bridge::keys::locale) << '\n';
+
+        bridge::EventQueue events({"appInstalled", "appDisplayed"});
+        if (const auto result = bridge::listen(); !result) throw std::runtime_error(result.text);
+        std::cout << "listening" << std::endl;
+        for (int left = count > 1 ? std::atoi(arguments[1]) : 0; left > 0; --left) {
+            const auto event = events.pop(std::chrono::seconds(30));
+            if (event) print(*event);
+        }
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
         return 1;
     }
-    std::cout << "instances " << bridge::instances().valueOr("") << '\n';
-    std::cout << "locale " << bridge::conf::getString("vtr.locale").valueOr("") << '\n';
-
-    EventCounter events;
-    bridge::Callbacks callbacks;
-    callbacks.appInstalled = [&events](const bridge::AppInstalled& app) {
-        std::cout << "installed " << app.instance << ' ' << app.package << ": " << app.appLabel
-                  << ' ' << app.versionName << '\n';
-        events.count();
-    };
-    callbacks.appDisplayed = [&events](std::string_view instance, std::string_view package) {
-        std::cout << "displayed " << instance << ' ' << package << '\n';
-        events.count();
-    };
-    bridge::registerCallbacks(callbacks);
-    std::cout << "listening" << std::endl;
-    events.waitFor(count > 1 ? std::atoi(arguments[1]) : 0);
-
-    bridge::finish();  // from here on no function is called
+    bridge::finish();  // from here on no event comes
     std::cout << "finished\n";
 }

@@ -24,12 +24,16 @@ void print(const QString& line) {
 
 int main(int count, char** arguments) {
     QCoreApplication application(count, arguments);
+    for (const bridge::Problem& one : bridge::preflight(bridge::Client::Helper)) {
+        print(QString::fromStdString(one.what + ": " + one.remedy));
+        return 1;
+    }
     if (const bridge::Status status = bridge::init(bridge::Client::Helper); !status) {
-        print(QString("the library does not start: %1").arg(status.code()));
+        print(status.error().what());
         return 1;
     }
     print("instances " + QString::fromStdString(bridge::instances().valueOr("")));
-    print("locale " + QString::fromStdString(bridge::conf::getString("vtr.locale").valueOr("")));
+    print("locale " + QString::fromStdString(bridge::conf::get(bridge::keys::locale)));
 
     // Events come on the library's thread, and go on to the application's: its objects live there.
     int expected = count > 1 ? application.arguments().at(1).toInt() : 0;
@@ -48,7 +52,10 @@ int main(int count, char** arguments) {
     callbacks.appDisplayed = [&](std::string_view instance, std::string_view package) {
         toApplication("displayed " + textOf(instance) + ' ' + textOf(package));
     };
-    bridge::registerCallbacks(callbacks);
+    if (const auto result = bridge::listen(callbacks); !result) {
+        print(QString::fromStdString(result.text));
+        return 1;
+    }
     print("listening");
     QTimer::singleShot(expected > 0 ? 30000 : 0, &application, &QCoreApplication::quit);
     application.exec();

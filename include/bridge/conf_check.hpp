@@ -44,7 +44,7 @@ class KeyError : public std::invalid_argument {
 
 namespace detail {
 
-inline std::string quoted(std::string_view text) {
+inline std::string inQuotes(std::string_view text) {
     return std::string("\"").append(text).append("\"");
 }
 
@@ -81,7 +81,7 @@ class Nearest {
 
     /** The end of a message. */
     std::string question() const {
-        return found_.empty() ? std::string() : "; did you mean " + quoted(found_) + "?";
+        return found_.empty() ? std::string() : "; did you mean " + inQuotes(found_) + "?";
     }
 
  private:
@@ -103,19 +103,7 @@ class Nearest {
     } else {
         for (const Property& one : kGlobalProperties) nearest.look(prefix + std::string(one.name));
     }
-    throw KeyError("there is no key " + quoted(key) + nearest.question(), key, nearest.found());
-}
-
-inline const Property* findProperty(const KeyParts& key) {
-    const auto isMeant = [&key](const Property& one) { return one.name == key.property; };
-    if (key.ofInstance) {
-        const auto* const end = std::end(kInstanceProperties);
-        const auto* const found = std::find_if(std::begin(kInstanceProperties), end, isMeant);
-        return found == end ? nullptr : found;
-    }
-    const auto* const end = std::end(kGlobalProperties);
-    const auto* const found = std::find_if(std::begin(kGlobalProperties), end, isMeant);
-    return found == end ? nullptr : found;
+    throw KeyError("there is no key " + inQuotes(key) + nearest.question(), key, nearest.found());
 }
 
 /** "an i32", "a bool" */
@@ -134,7 +122,7 @@ inline void checkInstance(std::string_view instance) {
     if (configuration().knowsInstance(instance)) return;
     Nearest nearest(instance, instance.size());
     for (const std::string& one : configuration().knownInstances()) nearest.look(one);
-    throw KeyError("there is no instance " + quoted(instance) + nearest.question(),
+    throw KeyError("there is no instance " + inQuotes(instance) + nearest.question(),
                    std::string(instance), nearest.found());
 }
 
@@ -145,7 +133,8 @@ inline CheckedKey checkKey(const std::string& key, KeyType type) {
     if (property == nullptr) throwNoKey(key);
     if (property->type != type) {
         throw KeyError(
-            quoted(key) + " is " + withArticle(property->type) + ", not " + withArticle(type), key);
+            inQuotes(key) + " is " + withArticle(property->type) + ", not " + withArticle(type),
+            key);
     }
     if (parts->ofInstance) checkInstance(parts->instance);
     return {*parts, property};
@@ -197,7 +186,7 @@ inline void checkLoaded(std::string_view instance) {
     if (configuration().isReady(instance)) return;
     const std::string name(instance);
     if (!isLoaded(name)) {
-        throw KeyError("instance " + quoted(name) +
+        throw KeyError("instance " + inQuotes(name) +
                            " is not loaded yet: it is after a commit, or after instanceListUpdated",
                        name);
     }
@@ -210,9 +199,9 @@ inline void checkValue(const std::string& key, const Property& property) {
     const std::string_view value = stored ? std::string_view(*stored) : property.defaultValue;
     if (isReadable(property.type, value)) return;
     if (value.empty() && property.defaultValue.empty()) {
-        throw KeyError(quoted(key) + " has no value and no default", key);
+        throw KeyError(inQuotes(key) + " has no value and no default", key);
     }
-    throw KeyError(quoted(key) + " has a value that cannot be read: " + quoted(value), key);
+    throw KeyError(inQuotes(key) + " has a value that cannot be read: " + inQuotes(value), key);
 }
 
 /** The key could be read without ending the process. */
@@ -230,13 +219,13 @@ inline void checkImage(const std::string& instance) {
         if (one == image) return;
         all.append(all.empty() ? "" : ", ").append(one);
     }
-    throw KeyError(quoted(image) + " is not an image; there are " + all, instance);
+    throw KeyError(inQuotes(image) + " is not an image; there are " + all, instance);
 }
 
 inline void checkNewInstance(const std::string& name) {
     constexpr std::string_view kEndsAKey(".=\n\0", 4);
     if (name.empty() || name.find_first_of(kEndsAKey) != std::string::npos) {
-        throw KeyError(quoted(name) + " cannot be the name of an instance", name);
+        throw KeyError(inQuotes(name) + " cannot be the name of an instance", name);
     }
     checkImage(name);
 }

@@ -5,8 +5,13 @@
 #ifndef BRIDGE_CONFIGURATION_FILE_HPP
 #define BRIDGE_CONFIGURATION_FILE_HPP
 
+#include <algorithm>
+#include <bridge/key.hpp>
+#include <bridge/keys.hpp>
 #include <bridge/process.hpp>
+#include <cstddef>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -40,7 +45,21 @@ inline std::optional<KeyParts> partsOf(std::string_view key) {
     return KeyParts{false, {}, key.substr(kGlobal.size())};
 }
 
-/** The settings of a file, the last line of a key counting, and the instances that they name. */
+/** Null for a property that there is not. */
+inline const Property* findProperty(const KeyParts& key) {
+    const auto isMeant = [&key](const Property& one) { return one.name == key.property; };
+    if (key.ofInstance) {
+        const auto* const end = std::end(kInstanceProperties);
+        const auto* const found = std::find_if(std::begin(kInstanceProperties), end, isMeant);
+        return found == end ? nullptr : found;
+    }
+    const auto* const end = std::end(kGlobalProperties);
+    const auto* const found = std::find_if(std::begin(kGlobalProperties), end, isMeant);
+    return found == end ? nullptr : found;
+}
+
+/** What a load takes from a file: the settings before the first bad line, the last line of a key
+ * counting. The instances are those of all lines. */
 struct FileContent {
     std::map<std::string, std::string, std::less<>> values;
     Names instances;
@@ -54,20 +73,21 @@ inline std::string_view valueOfLine(std::string_view line, std::size_t equals) {
     return value.substr(0, value.find('\0'));
 }
 
-/** Lines without "=" are passed over: the load says what is wrong with them. */
 inline FileContent contentOf(std::string_view text) {
+    constexpr std::size_t kLongestLine = 4096;
     FileContent content;
+    bool isGood = true;
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(line.size() < text.size() ? line.size() + 1 : line.size());
         const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) continue;
         const std::string_view key = line.substr(0, equals);
-        content.values[std::string(key)] = valueOfLine(line, equals);
-        const auto parts = partsOf(key);
+        const auto parts = equals == std::string_view::npos ? std::nullopt : partsOf(key);
         if (parts && parts->ofInstance && !parts->property.empty()) {
             content.instances.emplace(parts->instance);
         }
+        isGood = isGood && line.size() <= kLongestLine && parts && findProperty(*parts) != nullptr;
+        if (isGood) content.values[std::string(key)] = valueOfLine(line, equals);
     }
     return content;
 }
@@ -75,25 +95,29 @@ inline FileContent contentOf(std::string_view text) {
 /** The file as the library has loaded it last, and what this process has changed since. */
 class Configuration {
  public:
-    /** Before a load. The path is empty when there is no file. */
+    /** Before an initialisation, which gives the global keys their defaults first. The path is
+     * empty when there is no file. */
     void startWith(const std::string& path) {
         {
             const std::lock_guard<std::mutex> guard(lock_);
             path_ = path;
+            forgetGlobals(loaded_, [](const auto&) { return true; });
+            forgetGlobals(set_, [](const auto& one) { return !one.second; });
         }
         load();
     }
 
-    /** Looks at the file as a load does: what has been set and not committed stays. */
+    /** Looks at the file as a load does: what it lacks, and what is staged, stays. */
     void load() {
         FileContent content = read();
         const std::lock_guard<std::mutex> guard(lock_);
-        for (auto one = set_.begin(); one != set_.end();) {
-            const bool isReplaced = !one->second && content.values.count(one->first) > 0;
-            one = isReplaced ? set_.erase(one) : std::next(one);
-        }
         instances_ = content.instances;
-        loaded_ = std::move(content);
+        loadedInstances_ = std::move(content.instances);
+        for (auto& [key, value] : content.values) {
+            const auto set = set_.find(key);
+            if (set != set_.end() && !set->second) set_.erase(set);
+            loaded_[key] = std::move(value);
+        }
     }
 
     /** After a commit that got as far as its changes: they are staged no longer. */
@@ -113,11 +137,11 @@ class Configuration {
         return set_.count(key) > 0;
     }
 
-    /** The value that the file had when it was loaded. */
+    /** The value that the library has from the file. */
     std::optional<std::string> loadedValue(std::string_view key) const {
         const std::lock_guard<std::mutex> guard(lock_);
-        const auto found = loaded_.values.find(key);
-        if (found == loaded_.values.end()) return std::nullopt;
+        const auto found = loaded_.find(key);
+        if (found == loaded_.end()) return std::nullopt;
         return found->second;
     }
 
@@ -146,7 +170,7 @@ class Configuration {
     /** Of the file when it was loaded. */
     Names loadedInstances() const {
         const std::lock_guard<std::mutex> guard(lock_);
-        return loaded_.instances;
+        return loadedInstances_;
     }
 
     /** Instances that the library has been found to have. */
@@ -165,6 +189,15 @@ class Configuration {
     }
 
  private:
+    template <typename Map, typename Condition>
+    static void forgetGlobals(Map& map, Condition condition) {
+        for (auto one = map.begin(); one != map.end();) {
+            const auto parts = partsOf(one->first);
+            const bool isGlobal = parts && !parts->ofInstance;
+            one = isGlobal && condition(*one) ? map.erase(one) : std::next(one);
+        }
+    }
+
     FileContent read() const {
         const std::string file = path();
         const std::optional<std::string> text = file.empty() ? std::nullopt : readFile(file);
@@ -178,8 +211,9 @@ class Configuration {
 
     mutable std::mutex lock_;
     std::string path_;
-    FileContent loaded_;
-    Names instances_;
+    std::map<std::string, std::string, std::less<>> loaded_;
+    Names loadedInstances_;
+    Names instances_;  // when the file was last looked at
     Names added_;
     Names ready_;
     std::map<std::string, bool, std::less<>> set_;  // whether it is still staged

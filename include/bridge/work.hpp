@@ -95,7 +95,7 @@ namespace detail {
 /** Begins to watch, then starts the program. isOutcome(event) says whether an event is the work's.
  */
 template <typename Outcome, typename Begin>
-Work<Outcome> begin(std::function<bool(const Outcome& event)> isOutcome, Begin start) {
+Work<Outcome> beginWork(std::function<bool(const Outcome& event)> isOutcome, Begin start) {
     auto state = std::make_shared<WorkState<Outcome>>();
     const auto observer = std::make_shared<const Observer>(
         Observer{[state, isOutcome = std::move(isOutcome)](const Event& event) {
@@ -127,7 +127,7 @@ inline constexpr std::int32_t kImageDone = 2;
 
 /** Completes when the file has been dealt with; its status is the sender's. */
 inline Work<ApkInstalled> installApk(const std::string& instance, const std::string& apkFilePath) {
-    return detail::begin<ApkInstalled>(
+    return detail::beginWork<ApkInstalled>(
         [instance, apkFilePath](const ApkInstalled& event) {
             return event.instance == instance && event.apkFilePath == apkFilePath;
         },
@@ -143,7 +143,7 @@ inline Work<ApkInstalled> installApk(const std::string& instance, const std::str
 inline Work<ImageInstalled> installImage(
     const std::string& imageName,
     const std::function<void(const ImageInstalled& event)>& progress = {}) {
-    return detail::begin<ImageInstalled>(
+    return detail::beginWork<ImageInstalled>(
         [imageName, progress](const ImageInstalled& event) {
             if (event.imageName != imageName) return false;
             if (event.status == kImageDone) return true;
@@ -156,13 +156,13 @@ inline Work<ImageInstalled> installImage(
 /** Completes with the next instance that was created, or could not be: the event has no other sign
  * of whose it is. */
 inline Work<InstanceCreated> createFreshInstance(const FreshInstance& wanted) {
-    return detail::begin<InstanceCreated>([](const InstanceCreated&) { return true; },
-                                          [&] { return bridge::createFreshInstance(wanted); });
+    return detail::beginWork<InstanceCreated>([](const InstanceCreated&) { return true; },
+                                              [&] { return bridge::createFreshInstance(wanted); });
 }
 
 /** Completes when the app comes to the front. */
 inline Work<AppDisplayed> launchApp(const std::string& instance, const std::string& package) {
-    return detail::begin<AppDisplayed>(
+    return detail::beginWork<AppDisplayed>(
         [instance, package](const AppDisplayed& event) {
             return event.instance == instance && event.package == package;
         },
@@ -171,7 +171,7 @@ inline Work<AppDisplayed> launchApp(const std::string& instance, const std::stri
 
 /** Completes when the app is gone. */
 inline Work<AppUninstalled> uninstallApp(const std::string& instance, const std::string& package) {
-    return detail::begin<AppUninstalled>(
+    return detail::beginWork<AppUninstalled>(
         [instance, package](const AppUninstalled& event) {
             return event.instance == instance && event.package == package;
         },

@@ -3,7 +3,7 @@
 # without a warning. Kinds of compilers:
 #   gcc, gcc-c   GCC, and one that has C only
 #   clang        clang, with every warning that it has but those below
-#   microsoft    clang in Microsoft's mode; the same, and the C headers also as a compiler that is neither
+#   microsoft    clang in Microsoft's mode; the same, and bridge.h also as a compiler that is neither
 #                clang nor GCC reads it
 set -euo pipefail
 include=$1
@@ -17,19 +17,33 @@ usual=(-pedantic -Wall -Wextra -Werror)
 every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded
     -Wno-switch-default -Wno-unsafe-buffer-usage -Wno-weak-vtables)
 
-# Such a compiler needs no mark at its long long and at the names of Windows, and has none.
+# Such a compiler needs no mark at its long long, and has none. Not for headers that include others,
+# which go by the compiler.
 unknown=("${every[@]}" -U__clang__ -U__GNUC__ -D__extension__=unmarked
-    -Wno-long-long -Wno-reserved-identifier)
+    -Wno-long-long)
 
 # compile HEADER LANGUAGE STANDARDS COMPILER OPTION...
 compile() {
     local header=$1 language=$2 standard
     for standard in $3; do
-        echo "#include <bridge/$header>" |
+        printf '%s\n' "${before[@]}" "#include <bridge/$header>" "${after[@]}" |
             "$4" "${@:5}" -x "$language" "-std=$standard" -I"$include" -fsyntax-only -
         echo "ok: $header, $standard, $4"
         compiled=$((compiled + 1))
     done
+}
+
+# What stands around the header. Alone, it leaves none of the macros of windows.h.
+alone() {
+    before=() after=("#if defined(min) || defined(max) || defined(CreateFile)" "#error windows.h" "#endif")
+}
+
+# Whether windows.h, whole, comes first or last, it fits to what is declared here.
+beside_windows() {
+    after=("#include <windows.h>")
+    before=() && each windows_calls.h "$@"
+    before=("#include <windows.h>") && each windows_calls.h "$@"
+    alone
 }
 
 # each PATTERN LANGUAGE STANDARDS COMPILER OPTION...: the headers of the interface for this pattern
@@ -53,13 +67,17 @@ all() {
 
 judge() {
     case $1 in
-    gcc-c) as_c "$2" "${usual[@]}" ;;
+    gcc-c)
+        as_c "$2" "${usual[@]}"
+        beside_windows c c89 "$2" "${usual[@]}"
+        ;;
     gcc) all "$2" "${usual[@]}" ;;
     clang) all "$2" "${every[@]}" ;;
     microsoft)
         all "$2" "${every[@]}" -DBRIDGE_DLLIMPORT
-        as_c "$2" "${unknown[@]}"
-        as_cpp "$2" "${unknown[@]}"
+        compile bridge.h c "c89 c99 c11 c17" "$2" "${unknown[@]}"
+        compile bridge.h c++ "c++11 c++14 c++17 c++20" "$2" "${unknown[@]}"
+        beside_windows c++ c++17 "$2" "${usual[@]}"
         ;;
     *)
         echo "no such kind of compilers: $1"
@@ -69,6 +87,7 @@ judge() {
 }
 
 compiled=0
+alone
 for pair; do judge "${pair%%=*}" "${pair#*=}"; done
 [ "$compiled" -gt 0 ] || { echo "no compiler is given"; exit 1; }
 echo "$compiled times without a warning"

@@ -74,17 +74,6 @@ TEST_F(HostKindsTest, TheWrappersOtherFiles) {
     EXPECT_NE(data.read("copy.conf").find("vtr.locale=\"fr-FR\"\n"), std::string::npos);
 }
 
-TEST_F(HostKindsTest, TheWrappersLongNumbersReachTheirFunctions) {
-    for (const char* scene : {"geti64", "seti64"}) {
-        const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), scene});
-        EXPECT_EQ(result.status, kFatalStatus) << scene;
-        EXPECT_EQ(linesOf(result.out), Lines{"init 0"}) << scene;
-        EXPECT_EQ(
-            log().back().rfind("E CONF Helper_bridge FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u)
-            << log().back();
-    }
-}
-
 TEST_F(HostKindsTest, WithAnApplicationObjectMadeBefore) {
     EXPECT_EQ(linesOfHost("qt_host.exe", "before"),
               framed({}, {"the host's own timer ran: 1", "finished"}));

@@ -6,7 +6,6 @@
 //     empty    no function set but the last
 //     calls    what the other functions answer
 //     files    initialisations with other files, and a commit into another
-//     geti64, seti64   a property of a type that the catalogue does not have
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -104,9 +103,6 @@ void play(const std::string& scene, const std::string& folder) {
     if (scene == "empty") playEmpty(printer);
     if (scene == "calls") playCalls();
     if (scene == "files") playFiles(folder);
-    if (scene == "geti64")
-        std::printf("%d\n", static_cast<int>(bridge::conf::getI64("vtr.locale")));
-    if (scene == "seti64") std::printf("%d\n", bridge::conf::setI64("vtr.locale", 1).code());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
  *     registry NAME TEXT   a REG_SZ value that only this process sees
  *     sandbox              an empty product key that only this process sees
  *     init CLIENT | initex CLIENT NOCONF LOG | fini
+ *     preflight CLIENT NOCONF LOG | shortpreflight CLIENT   into a buffer of 20 bytes
  *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
@@ -25,6 +26,7 @@
 
 #include <ProgramFunctions.h>
 #include <bridge/bridge.h>
+#include <bridge/preflight.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -180,6 +182,25 @@ static void initex(void) {
     printNumber("initex", bridgeApiInitEx(client, (bridge_bool)noConf, 0, log));
 }
 
+static void preflight(void) {
+    static char text[65536];
+    const char* client = next();
+    const int noConf = atoi(next());
+    const char* log = next();
+    printNumber("preflight", bridgePreflight(client, (bridge_bool)noConf, log, text, sizeof text));
+    if (text[0] == '\0') return;
+    text[strlen(text) - 1] = '\0';
+    printLine(text);
+}
+
+static void shortPreflight(void) {
+    char text[20];
+    const char* client = next();
+    printNumber("count", bridgePreflight(client, 0, NULL, NULL, 0));
+    printNumber("shortpreflight", bridgePreflight(client, 0, NULL, text, sizeof text));
+    printLine(text);
+}
+
 /* Many requests to one player: how many failed, and what is left over of those after a warm-up. */
 static void shutdownMany(const char* instance, int count) {
     const int warmUp = 500;
@@ -252,6 +273,10 @@ int main(void) {
             printNumber(name, bridgeApiInit(next()));
         else if (strcmp(name, "initex") == 0)
             initex();
+        else if (strcmp(name, "preflight") == 0)
+            preflight();
+        else if (strcmp(name, "shortpreflight") == 0)
+            shortPreflight();
         else if (strcmp(name, "fini") == 0)
             printNumber(name, bridgeApiFini());
         else if (strcmp(name, "apps") == 0)

@@ -87,9 +87,16 @@ void init(Host& /*host*/, const Words& words) {
     sayStatus(bridge::init(clientOf(words[1])), "started");
 }
 
-// The type of a key, by the catalogue; a key that it does not have is read as a text.
-bridge::KeyType typeOf(const std::string& key) {
-    const auto parts = bridge::detail::partsOf(key);
+// The type that a step names, or that the catalogue has. A key that it lacks is the function's to
+// refuse.
+bridge::KeyType typeOf(const Words& words, std::size_t index) {
+    if (words.size() > index) {
+        for (const auto type : {bridge::KeyType::Bool, bridge::KeyType::I32, bridge::KeyType::I64,
+                                bridge::KeyType::String, bridge::KeyType::MultiString}) {
+            if (words[index] == bridge::nameOf(type)) return type;
+        }
+    }
+    const auto parts = bridge::detail::partsOf(words[1]);
     const auto* const property = parts ? bridge::detail::findProperty(*parts) : nullptr;
     return property == nullptr ? bridge::KeyType::String : property->type;
 }
@@ -112,14 +119,14 @@ std::string valueOf(const std::string& key, bridge::KeyType type) {
 }
 
 void get(Host& /*host*/, const Words& words) {
-    const bridge::KeyType type = typeOf(words[1]);
+    const bridge::KeyType type = typeOf(words, 2);
     const std::string value = valueOf(words[1], type);
     say(std::string(bridge::nameOf(type)) + " " + value);
 }
 
-bridge::Status setTo(const std::string& key, const std::string& value) {
+bridge::Status setTo(const std::string& key, bridge::KeyType type, const std::string& value) {
     using namespace bridge;
-    switch (typeOf(key)) {
+    switch (type) {
         case KeyType::Bool:
             return conf::setBool(key, value == "true");
         case KeyType::I32:
@@ -134,16 +141,8 @@ bridge::Status setTo(const std::string& key, const std::string& value) {
     return Status(BRIDGE_FAILURE);
 }
 
-void set(Host& /*host*/, const Words& words) { sayStatus(setTo(words[1], words[2]), "set"); }
-
-void getAs(Host& /*host*/, const Words& words) {
-    const std::map<std::string, bridge::KeyType> types = {
-        {"bool", bridge::KeyType::Bool},
-        {"i32", bridge::KeyType::I32},
-        {"i64", bridge::KeyType::I64},
-        {"string", bridge::KeyType::String},
-        {"multi-string", bridge::KeyType::MultiString}};
-    say(words[1] + " " + valueOf(words[2], types.at(words[1])));
+void set(Host& /*host*/, const Words& words) {
+    sayStatus(setTo(words[1], typeOf(words, 3), words[2]), "set");
 }
 
 void getTyped(Host& /*host*/, const Words& /*words*/) {
@@ -305,7 +304,6 @@ const std::map<std::string, Step>& steps() {
     static const std::map<std::string, Step> all = {{"preflight", preflight},
                                                     {"init", init},
                                                     {"get", get},
-                                                    {"getas", getAs},
                                                     {"set", set},
                                                     {"gettyped", getTyped},
                                                     {"addinstance", addInstance},

@@ -1,0 +1,283 @@
+// Plays scenarios.txt in every language: the same steps have the same outcome.
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "PlainHost.h"
+#include "support/ProductVersion.h"
+
+namespace {
+
+struct Scenario {
+    std::string name;
+    Lines languages;  // empty: all
+    Lines given;
+    Lines conf;
+    Lines steps;
+    Lines says;
+};
+
+// A language's host: its command line before the data folder, and the client that it is.
+struct Language {
+    std::string name;
+    std::string program;
+    std::vector<std::string> arguments;
+    std::string client;
+};
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// A row for each language. One whose host this build does not have is left out.
+std::vector<Language> languages() {
+    const std::string library = builtProgram("QX-Bridge.dll");
+    const std::vector<Language> all = {
+        {"cpp", builtProgram("scenario_cpp.exe"), {}, "Uninstaller"},
+        {"csharp",
+         environment("QX_DOTNET"),
+         {environment("QX_DOTNET_SCENARIO"), library},
+         "Uninstaller"},
+        {"node", environment("QX_NODE"), {environment("QX_NODE_SCENARIO"), library}, "Launcher"}};
+    std::vector<Language> built;
+    for (const Language& one : all) {
+        const bool isBuilt = one.arguments.empty() || !one.arguments[0].empty();
+        if (isBuilt) built.push_back(one);
+    }
+    return built;
+}
+
+// The word before the first blank, and the rest.
+std::pair<std::string, std::string> cut(const std::string& line) {
+    const std::size_t blank = line.find(' ');
+    if (blank == std::string::npos) return {line, ""};
+    return {line.substr(0, blank), line.substr(blank + 1)};
+}
+
+void addLine(Scenario& scenario, const std::string& line) {
+    const std::map<std::string, Lines Scenario::*> kinds = {{"language", &Scenario::languages},
+                                                            {"given", &Scenario::given},
+                                                            {"conf", &Scenario::conf},
+                                                            {"do", &Scenario::steps},
+                                                            {"says", &Scenario::says}};
+    const auto [kind, rest] = cut(line);
+    (scenario.*kinds.at(kind)).push_back(rest);
+}
+
+std::vector<Scenario> scenarios() {
+    std::ifstream file(environment("QX_SCENARIOS"));
+    std::vector<Scenario> all;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        if (const auto [kind, name] = cut(line); kind == "scenario") {
+            all.push_back({name, {}, {}, {}, {}, {}});
+        } else {
+            addLine(all.at(all.size() - 1), line);
+        }
+    }
+    return all;
+}
+
+using Play = std::tuple<Language, Scenario>;
+
+// Every scenario in every language that it is for.
+std::vector<Play> plays() {
+    std::vector<Play> all;
+    for (const Language& language : languages()) {
+        for (const Scenario& scenario : scenarios()) {
+            const Lines& only = scenario.languages;
+            if (only.empty() || std::find(only.begin(), only.end(), language.name) != only.end()) {
+                all.emplace_back(language, scenario);
+            }
+        }
+    }
+    return all;
+}
+
+std::string nameOf(const ::testing::TestParamInfo<Play>& play) {
+    std::string name = std::get<0>(play.param).name + "_" + std::get<1>(play.param).name;
+    for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+    return name;
+}
+
+void replaceAll(std::string& text, std::string_view from, std::string_view to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at)) {
+        text.replace(at, from.size(), to);
+        at += to.size();
+    }
+}
+
+class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface<Play> {
+ protected:
+    ScenariosTest() {
+        for (const std::string& line : scenario.conf) conf += line + "\n";
+        for (const std::string& what : scenario.given) prepare(what);
+        if (hasConf) writeConf(mark + conf);
+        data.write("standin.script", script);
+    }
+
+    // What a scenario can have beforehand.
+    void prepare(const std::string& what) {
+        const std::map<std::string, void (ScenariosTest::*)()> states = {
+            {"no registry value", &ScenariosTest::givenNoRegistryValue},
+            {"no data folder", &ScenariosTest::givenNoDataFolder},
+            {"no Logs", &ScenariosTest::givenNoLogs},
+            {"a folder in place of the log", &ScenariosTest::givenAFolderInPlaceOfTheLog},
+            {"no configuration file", &ScenariosTest::givenNoConfigurationFile},
+            {"a byte order mark", &ScenariosTest::givenAByteOrderMark},
+            {"programs", &ScenariosTest::givenPrograms},
+            {"another host listens", &ScenariosTest::givenAnotherHostListens}};
+        const std::map<std::string, void (ScenariosTest::*)(const std::string&)> lists = {
+            {"version", &ScenariosTest::givenVersion},
+            {"script", &ScenariosTest::givenScript},
+            {"event", &ScenariosTest::givenEvent},
+            {"later", &ScenariosTest::givenLater},
+            {"apps", &ScenariosTest::givenApps}};
+        const auto state = states.find(what);
+        if (state != states.end()) return (this->*state->second)();
+        const auto [kind, rest] = cut(what);
+        (this->*lists.at(kind))(rest);
+    }
+
+    void givenNoRegistryValue() { dataFolder.clear(); }
+    void givenNoDataFolder() { dataFolder = data / "missing"; }
+    void givenNoLogs() { removeFile(data / "Logs"); }
+    void givenAFolderInPlaceOfTheLog() { data.makeFolder("Logs\\Player.log"); }
+    void givenNoConfigurationFile() { hasConf = false; }
+    void givenAByteOrderMark() { mark = "\xEF\xBB\xBF"; }
+    void givenPrograms() { installFolder = standinProgram(""); }
+    void givenVersion(const std::string& text) { productVersion = text; }
+    void givenScript(const std::string& line) { script += line + "\n"; }
+    void givenEvent(const std::string& words) { events += "event " + words + "\n"; }
+    void givenLater(const std::string& line) { later += line + "\n"; }
+
+    void givenApps(const std::string& text) {
+        const auto [instance, json] = cut(text);
+        data.makeFolder("Engine\\" + instance + "\\AppCache");
+        data.write("Engine\\" + instance + "\\AppCache\\AppCache.json", json);
+    }
+
+    void givenAnotherHostListens() {
+        writeConf(conf);
+        other = std::make_unique<ChildProcess>(
+            builtProgram("scenario_cpp.exe"),
+            std::vector<std::string>{data.path(), installFolder, "init\t" + language.client,
+                                     "listen", "events\t1"},
+            options("standin.script"));
+        EXPECT_EQ(other->readLine(), "started");
+        EXPECT_EQ(other->readLine(), "listening");
+    }
+
+    std::string filled(std::string text) const {
+        replaceAll(text, "{client}", language.client);
+        replaceAll(text, "{data}", data.path());
+        replaceAll(text, "{version}", kProductVersion);
+        replaceAll(text, "{line feed}", "\n");
+        return text;
+    }
+
+    ChildOptions options(const std::string& scriptFile) const {
+        ChildOptions result;
+        result.environment = {{"QX_STANDIN_CLIENTS", language.client},
+                              {"QX_STANDIN_OUTPUT", data / "standin.txt"},
+                              {"QX_STANDIN_SCRIPT", data / scriptFile},
+                              {"QX_STANDIN_SECONDS", "1"},
+                              {"QX_SCENARIO_VERSION", productVersion}};
+        result.limit = std::chrono::seconds(120);
+        return result;
+    }
+
+    ChildProcess startHost() const {
+        std::vector<std::string> arguments = language.arguments;
+        arguments.push_back(dataFolder);
+        arguments.push_back(installFolder);
+        for (const std::string& step : scenario.steps) arguments.push_back(filled(step));
+        return {language.program, arguments, options("standin.script")};
+    }
+
+    // What the host says until it listens. What comes later comes then.
+    Lines linesUntilItListens(ChildProcess& host) {
+        Lines lines;
+        while (lines.size() < scenario.says.size() &&
+               (lines.empty() || lines.back() != "listening")) {
+            lines.push_back(host.readLine());
+        }
+        if (!later.empty()) writeConf(conf + later);
+        data.write("events.script", events);
+        sender = std::make_unique<ChildProcess>(
+            standinProgram("QX-Player.exe"),
+            std::vector<std::string>{"--instance", "Scenario" + language.client},
+            options("events.script"));
+        return lines;
+    }
+
+    Lines played() {
+        ChildProcess host = startHost();
+        Lines lines;
+        if (!events.empty()) lines = linesUntilItListens(host);
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u) << result.err;
+        EXPECT_EQ(result.err, "");
+        const Lines rest = linesOf(result.out);
+        lines.insert(lines.end(), rest.begin(), rest.end());
+        return lines;
+    }
+
+    Lines expected() const {
+        Lines lines;
+        for (const std::string& line : scenario.says) lines.push_back(filled(line));
+        lines.push_back("finished");
+        return lines;
+    }
+
+    const Language language = std::get<0>(GetParam());
+    const Scenario scenario = std::get<1>(GetParam());
+
+ private:
+    std::string dataFolder = data.path();
+    std::string installFolder = "C:\\None\\";
+    std::string productVersion = kProductVersion;
+    std::string conf;
+    std::string mark;
+    std::string script;
+    std::string events;
+    std::string later;  // lines that the file has when the host listens
+    bool hasConf = true;
+    std::unique_ptr<ChildProcess> other;
+    std::unique_ptr<ChildProcess> sender;
+};
+
+}  // namespace
+
+TEST_P(ScenariosTest, Plays) { EXPECT_EQ(played(), expected()); }
+
+INSTANTIATE_TEST_SUITE_P(Every, ScenariosTest, ::testing::ValuesIn(plays()), nameOf);
+
+TEST(ScenarioListTest, HasScenariosForEveryLanguage) {
+    const std::vector<Play> all = plays();
+    EXPECT_GE(scenarios().size(), 25u);
+    for (const Language& language : languages()) {
+        const auto isOf = [&language](const Play& play) {
+            return std::get<0>(play).name == language.name;
+        };
+        EXPECT_GE(std::count_if(all.begin(), all.end(), isOf), 25) << language.name;
+    }
+}
+
+TEST(ScenarioListTest, EveryStepSaysSomethingOrNothingOnPurpose) {
+    for (const Scenario& scenario : scenarios()) {
+        EXPECT_FALSE(scenario.steps.empty()) << scenario.name;
+        EXPECT_FALSE(scenario.says.empty()) << scenario.name;
+    }
+}
