@@ -32,8 +32,12 @@ void print(const bridge::Event& event) {
 
 int main(int count, char** arguments) {
     if (!canStart(bridge::Client::Helper)) return 1;
+    if (const bridge::Status status = bridge::init(bridge::Client::Helper); !status) {
+        std::cerr << "the library does not start: " << status.code() << '\n'
+                  << status.error().what() << '\n';
+        return 1;
+    }
     try {
-        bridge::init(bridge::Client::Helper).orThrow();
         std::cout << "instances " << bridge::instances().value() << '\n';
         std::cout << "locale " << bridge::conf::get(bridge::keys::locale) << '\n';
 

@@ -29,6 +29,7 @@ int main(int count, char** arguments) {
         return 1;
     }
     if (const bridge::Status status = bridge::init(bridge::Client::Helper); !status) {
+        print(QString("the library does not start: %1").arg(status.code()));
         print(status.error().what());
         return 1;
     }

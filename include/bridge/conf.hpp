@@ -13,6 +13,7 @@
 #include <bridge/key.hpp>
 #include <bridge/keys.hpp>
 #include <bridge/result.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

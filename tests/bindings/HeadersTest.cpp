@@ -2,6 +2,7 @@
 #include <bridge/conf_check.hpp>
 #include <bridge/configuration_file.hpp>
 #include <bridge/json.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <stdexcept>

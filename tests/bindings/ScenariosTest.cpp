@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -90,6 +91,10 @@ std::vector<Scenario> scenarios() {
 }
 
 using Play = std::tuple<Language, Scenario>;
+
+// What a failure says of the parameter.
+void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
+void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.name; }
 
 // Every scenario in every language that it is for.
 std::vector<Play> plays() {

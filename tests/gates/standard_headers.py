@@ -53,13 +53,14 @@ CPP = {
     "set": "multiset set",
     "sstream": "istringstream ostringstream stringstream",
     "stdexcept": "invalid_argument length_error logic_error out_of_range runtime_error",
-    "string": "begin data empty end getline size stod stoi stol stoll stoul stoull string to_string "
+    "string": "begin char_traits data empty end getline size stod stoi stol stoll stoul stoull string to_string "
               "to_wstring u16string wstring",
-    "string_view": "begin data empty end size string_view wstring_view",
+    "string_view": "begin data empty end size string_view string_view_literals wstring_view",
     "system_error": "errc error_code system_error",
     "thread": "this_thread thread",
     "tuple": "apply forward_as_tuple get make_tuple tie tuple",
-    "type_traits": "enable_if_t is_same_v is_trivially_copyable_v remove_pointer_t",
+    "type_traits": "decay_t enable_if_t is_convertible_v is_same_v is_trivially_copyable_v "
+                   "remove_pointer_t void_t",
     "unordered_map": "unordered_map",
     "unordered_set": "unordered_set",
     "utility": "as_const declval exchange forward get index_sequence make_index_sequence make_pair move pair "
@@ -71,6 +72,7 @@ CPP = {
 # The same of C's headers: "stdio" is <cstdio>, and <stdio.h> in C.
 C = {
     "assert": "assert",
+    "ctype": "isalnum",
     "errno": "errno",
     "limits": "INT_MAX INT_MIN",
     "locale": "setlocale LC_ALL",

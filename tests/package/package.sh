@@ -33,6 +33,9 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
 done
+for header in "$tree"/include/bridge/*; do
+    cmp "$header" "include/bridge/${header##*/}" || fail "missing: ${header##*/}"
+done
 # The source of the Qt in it goes with it, whole.
 source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
 python3 -m zipfile -e "$source_zip" "$work/source"
@@ -72,6 +75,9 @@ for host in host.c host.cpp host.js host.cs host.py; do
     [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$host")"* ]] || fail "$host is not the document's"
     [ "$(grep -c . "$consumer/$host")" -le 10 ] || fail "$host has more than ten lines"
 done
+
+tour=$(sed '1,/^void tour/d; /^}$/d' "$consumer/tour.cpp")
+[[ $page == *"$tour"* ]] || fail "tour.cpp is not the document's"
 
 # The project, with the C compiler of another runtime and with this one's for C and C++.
 cmake -S "$consumer" -B "$work/gcc" -G Ninja -DCMAKE_SYSTEM_NAME=Windows -DCONSUMER_CXX=OFF \

@@ -4,9 +4,12 @@
 #include <string>
 
 HKEY createRegistryKey(HKEY root, const wchar_t* path) {
+    // Volatile, as those of the other languages' hosts are: one of these hosts may have made the
+    // folder of all of them, and no lasting key can be in a volatile one.
     HKEY key = nullptr;
-    if (::RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS | KEY_WOW64_64KEY, nullptr,
-                          &key, nullptr) != ERROR_SUCCESS) {
+    if (::RegCreateKeyExW(root, path, 0, nullptr, REG_OPTION_VOLATILE,
+                          KEY_ALL_ACCESS | KEY_WOW64_64KEY, nullptr, &key,
+                          nullptr) != ERROR_SUCCESS) {
         throw std::runtime_error("cannot create a registry key");
     }
     return key;

@@ -3,6 +3,8 @@
 // line for each outcome, and "finished" at the end.
 #include <bridge/bridge.hpp>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
