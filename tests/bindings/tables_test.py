@@ -10,8 +10,9 @@ import unittest
 
 sys.dont_write_bytecode = True
 TREE = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(TREE / "bindings" / "python"))
+sys.path[:0] = [str(TREE / "bindings" / "python"), str(TREE / "toolchain" / "bindings")]
 import qxbridge_generated  # noqa: E402
+import tables  # noqa: E402
 
 
 def listed_keys():
@@ -41,6 +42,10 @@ KEY = ("scope", "name", "type", "default")
 CODE = ("number", "name", "text")
 
 
+# What the bindings add to a key.
+DETAILS = ("unit", "allowed")
+
+
 def read_node(members):
     text = (TREE / "bindings/node/bridge.generated.js").read_text("utf-8")
     return records(text, "   ", members)
@@ -58,8 +63,16 @@ class TablesTest(unittest.TestCase):
         expected = listed_keys()
         self.assertIn(("global", "key_controls_overlay_opacity", "i32", "80"), expected)
         self.assertEqual([tuple(one) for one in qxbridge_generated.KEYS], expected)
-        self.assertEqual(read_node(KEY), expected)
+        self.assertEqual([one[:4] for one in read_node(KEY + DETAILS)], expected)
         self.assertEqual(read_csharp("Key", KEY), expected)
+
+    def test_the_details_of_nodes_keys(self):
+        found = {one[:2]: one[4:] for one in read_node(KEY + DETAILS)}
+        self.assertEqual(found["instance", "ram"], ("MiB", []))
+        self.assertEqual(found["instance", "abi_list"], ("", ["x86", "x64", "arm", "arm64"]))
+        self.assertEqual(found["global", "locale"], ("", []))
+        units = {scope_and_name[1]: unit for scope_and_name, (unit, _) in found.items() if unit}
+        self.assertEqual(units, tables.UNITS)
 
     def test_codes(self):
         expected = listed_codes()

@@ -13,7 +13,8 @@ import header
 
 # What has to call each function -> where that is looked for. Generated files call nothing.
 PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
-          "the Node binding": ["bindings/node/index.js", "bindings/node/native.js"],
+          "the Node binding": ["bindings/node/bridge.js", "bindings/node/calls.js",
+                               "bindings/node/configuration.js", "bindings/node/native.js"],
           "the C# binding": ["bindings/csharp/QXBridge.cs"],
           "the Python binding": ["bindings/python/qxbridge.py"],
           "a test": ["tests/bridge/*.cpp", "tests/hosts/*.c", "tests/hosts/*.cpp"]}

@@ -17,7 +17,7 @@ FILES = {
         BRIDGE_API void BRIDGE_CALL bridgeClose(void);
         """,
     "include/bridge/bridge.hpp": "inline void both() { bridgeOpen(nullptr); bridgeClose(); }",
-    "bindings/node/index.js": "call.status('bridgeOpen', name);",
+    "bindings/node/bridge.js": "call.status('bridgeOpen', name);",
     "bindings/node/native.js": "functions.bridgeClose();",
     "bindings/node/bridge.generated.js": "'int32_t bridgeOpen(const char *name)'",
     "bindings/csharp/QXBridge.cs": 'Require("bridgeOpen", Native.bridgeOpen(name)); Native.bridgeClose();',
@@ -50,7 +50,7 @@ class CallersTest(unittest.TestCase):
     def test_each_place_that_lacks_one(self):
         for name, place, function in (
                 ("include/bridge/bridge.hpp", "bridge.hpp", "bridgeClose"),
-                ("bindings/node/index.js", "the Node binding", "bridgeOpen"),
+                ("bindings/node/bridge.js", "the Node binding", "bridgeOpen"),
                 ("bindings/node/native.js", "the Node binding", "bridgeClose"),
                 ("bindings/csharp/QXBridge.cs", "the C# binding", "bridgeClose"),
                 ("bindings/python/qxbridge.py", "the Python binding", "bridgeOpen"),

@@ -61,7 +61,7 @@ class GeneratedTest(unittest.TestCase):
         self.assertEqual(self.run_gate(), (0, ["6 files"]))
 
     def test_a_generated_file_that_was_edited(self):
-        for name, old, new in ((NODE, "SUCCESS: 0", "SUCCESS: 1"), (TYPES, "boolean", "number"),
+        for name, old, new in ((NODE, "SUCCESS: 0", "SUCCESS: 1"), (TYPES, "isUpdate: boolean", "isUpdate: number"),
                                (CSHARP, "TooBig = 7", "TooBig = 8"), (PYTHON, "ACCESS = 13\n", ""),
                                (CPP_KEYS, "> status_adb_port;", "> adb_port;"),
                                (CPP_CODES, "{13, ", "{14, ")):
@@ -117,8 +117,12 @@ class GeneratedTest(unittest.TestCase):
                          ('    {"ram", ConfType::I32, "", kDumped},\n', "")):
             with self.subTest(old):
                 self.change(CATALOGUE, old, new)
-                self.expect(fault(NODE), fault(CSHARP), fault(PYTHON), fault(CPP_KEYS))
+                self.expect(fault(NODE), fault(TYPES), fault(CSHARP), fault(PYTHON), fault(CPP_KEYS))
                 self.generate()
+
+    def test_two_properties_of_one_name_in_a_binding(self):
+        self.change(CATALOGUE, '{"dpi", ', '{"status_adb_port", ')
+        self.assertRaises(ValueError, generated.main, self.root)
 
     def test_a_code_and_its_words(self):
         self.change(CODES, "X(7, 2BIG) ", "X(9999, 2BIG) ")

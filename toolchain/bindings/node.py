@@ -4,12 +4,15 @@ import re
 from typing import List
 
 import header
-from interface import MARK, Interface, camel, event_name, first_sentence
+import tables
+from interface import MARK, Interface, camel, event_name, first_sentence, pascal
 
 # koffi's declarations are C's, with names of its own for types.
 KOFFI = {"text": "const char *", "returned": "BridgeText ", "memory": "void *", "bool": "bool ",
          "i32": "int32_t ", "i64": "int64_t ", "double": "double ", "void": "void "}
 TYPESCRIPT = {"text": "string", "bool": "boolean", "i32": "number", "double": "number"}
+KEY_TYPESCRIPT = {"bool": "boolean", "i32": "number", "i64": "bigint", "string": "string",
+                  "multi-string": "string[]"}
 
 
 def quoted(text: str) -> str:
@@ -42,10 +45,20 @@ def events(interface: Interface) -> List[str]:
     return ["const EVENTS = Object.freeze({", *rows, "});", ""]
 
 
+def listed(texts: List[str]) -> str:
+    return "[" + ", ".join(quoted(one) for one in texts) + "]"
+
+
 def keys(interface: Interface) -> List[str]:
     rows = [f"    {{ scope: {quoted(one.scope)}, name: {quoted(one.name)}, "
-            f"type: {quoted(one.type)}, default: {quoted(one.default)} }}," for one in interface.keys]
+            f"type: {quoted(one.type)}, default: {quoted(one.default)}, "
+            f"unit: {quoted(one.unit)}, allowed: {listed(one.allowed)} }}," for one in interface.keys]
     return ["// Properties, with the default as the file has it.", "const KEYS = [", *rows, "];", ""]
+
+
+def images(interface: Interface) -> List[str]:
+    return ["// An instance's name up to its first \"_\" is one of these.",
+            f"const IMAGES = Object.freeze({listed(interface.images)});", ""]
 
 
 def codes(interface: Interface) -> List[str]:
@@ -59,8 +72,9 @@ def script(interface: Interface) -> str:
     lines += declarations("CALLBACKS", interface.callbacks)
     lines += ["// BridgeText: a text of the library's, copied and given back to bridgeFreeMemory."]
     lines += declarations("FUNCTIONS", interface.functions)
-    lines += results(interface) + events(interface) + keys(interface) + codes(interface)
-    lines += ["module.exports = { VERSION, CALLBACKS, FUNCTIONS, RESULT, EVENTS, KEYS, CODES };"]
+    lines += results(interface) + events(interface) + keys(interface) + images(interface)
+    lines += codes(interface)
+    lines += ["module.exports = { VERSION, CALLBACKS, FUNCTIONS, RESULT, EVENTS, KEYS, IMAGES, CODES };"]
     return "\n".join(lines) + "\n"
 
 
@@ -80,16 +94,55 @@ def event_type(interface: Interface, name: str) -> List[str]:
     return [comment, opening, *members, "}"] if members else [comment, f"{opening}}}"]
 
 
-def types(interface: Interface) -> str:
-    lines = [*mark(), ""]
-    lines += ["/** Result codes that have a name; others are numbers of errno, or 100000 and a Windows"
-              " error. */", "export const RESULT: {"]
-    lines += [f"    readonly {name}: {number};" for name, number in interface.results.items()]
-    lines += ["};", ""]
+def member(key: tables.Key) -> str:
+    """status.adb_port -> statusAdbPort"""
+    first, *rest = re.split(r"[._]", key.name)
+    return first + "".join(pascal(one) for one in rest)
+
+
+def key_members(interface: Interface, scope: str) -> List[str]:
+    """The constants of a scope. Two of one name are an error."""
+    keys_ = [one for one in interface.keys if one.scope == scope]
+    if len({member(one) for one in keys_}) != len(keys_):
+        raise ValueError(f"two {scope} properties have one name in the binding")
+    lines = []
+    for one in keys_:
+        unit = f", in {one.unit}" if one.unit else ""
+        default = f"default {quoted(one.default)}" if one.default else "no default"
+        lines += [f"    /** {one.type}{unit}; {default} */",
+                  f"    readonly {member(one)}: Key<{KEY_TYPESCRIPT[one.type]}>;"]
+    return lines
+
+
+def key_types(interface: Interface) -> List[str]:
+    lines = []
+    for scope in ("global", "instance"):
+        rows = [f"    '{one.name}': {KEY_TYPESCRIPT[one.type]};"
+                for one in interface.keys if one.scope == scope]
+        lines += [f"/** The type of each {scope} property, by its name in the file. */",
+                  f"export interface {pascal(scope)}Properties {{", *rows, "}", "",
+                  f"/** The {scope} keys; an instance's are those of keys.instance(name). */",
+                  f"export interface {pascal(scope)}Keys {{", *key_members(interface, scope), "}", ""]
+    return lines
+
+
+def event_types(interface: Interface) -> List[str]:
+    lines = []
     for name in interface.callbacks:
         lines += event_type(interface, name)
     lines += ["", "export interface BridgeEvents {"]
     lines += [f"    {camel(event_name(name))}: {event_name(name)};" for name in interface.callbacks]
-    lines += ["}", "", "/** Event names by the names of the callbacks of bridge.h. */",
-              "export const EVENTS: Readonly<Record<string, keyof BridgeEvents>>;"]
+    return lines + ["}", "", "/** Event names by the names of the callbacks of bridge.h. */",
+                    "export const EVENTS: Readonly<Record<string, keyof BridgeEvents>>;"]
+
+
+def types(interface: Interface) -> str:
+    lines = [*mark(), "import { Key } from './keys';", ""]
+    lines += ["/** Result codes that have a name; others are numbers of errno, or 100000 and a Windows"
+              " error. */", "export const RESULT: {"]
+    lines += [f"    readonly {name}: {number};" for name, number in interface.results.items()]
+    lines += ["};", ""]
+    lines += ["/** The images: an instance's name up to its first \"_\" is one of these. */",
+              "export const IMAGES: readonly string[];", ""]
+    lines += key_types(interface) + event_types(interface)
     return "\n".join(lines) + "\n"

@@ -163,7 +163,7 @@ test('the client id outlives the call', async () => {
         Array.from({ length: 5000 }, (_, n) => Buffer.alloc(9, `x${n}`));
     }
     // The server's name is made of it just now, and the stand-in looks for "Launcher".
-    bridge.listen();
+    bridge.listen(host.PATIENT);
     const seen = collect(['appDisplayed'], 1);
     await host.send('app-displayed', 'N', 'p');
     assert.deepStrictEqual(await seen, [['appDisplayed', { instance: 'N', package: 'p' }]]);
@@ -217,7 +217,7 @@ test('a listener may call the library', async () => {
 });
 
 test('registering again changes nothing for the listeners', async () => {
-    bridge.listen();
+    bridge.listen(host.PATIENT);
     const seen = collect(['appUninstalled'], 1);
     await host.send('app-uninstalled', 'N', 'p');
     assert.strictEqual((await seen).length, 1);
@@ -269,7 +269,7 @@ test('without listening, Node ends by itself; while listening it does not, unles
     assert.deepStrictEqual(host.runScript('unref.js'), { status: 0, output: 'no reason to stay\n' });
 });
 
-test('a key that does not exist, or of another type, ends the process', () => {
+test('the library itself ends the process for a key that does not exist, or of another type', () => {
     const breaks = () => host.log().filter((line) => line.includes('FATAL: DEBUG BREAK: ')).length;
     for (const call of ['missing', 'otherType', 'getI64', 'setI64']) {
         const before = breaks();

@@ -6,11 +6,16 @@ const assert = require('assert');
 const fs = require('fs');
 const path = require('path');
 const { test } = require('node:test');
+const { data } = require('./sandbox');
 const { FUNCTIONS } = require('qx-bridge/bridge.generated');
 
 const calls = [];
 const VALUES = { bool: true, int32_t: 7, int64_t: 7n };
 const ANSWERS = { int32_t: 0, BridgeText: '[]', bool: true, int64_t: 7 };
+// By type, since the binding looks at keys itself.
+const KEY_OF = {
+    Bool: 'vtr.enable_adb_access', I32: 'vtr.mem_pcd_pclimit', String: 'vtr.locale', MultiString: 'vtr.shared_folders',
+};
 
 const DECLARATIONS = FUNCTIONS.map((declaration) => {
     const [, result, name, list] = /^(\w+) (\w+)\((.*)\)$/.exec(declaration);
@@ -40,7 +45,9 @@ require.cache[nativeFile] = {
         callbackPointers: () => ['pointer'],
     },
 };
-const bridge = require('qx-bridge').load();
+fs.writeFileSync(path.join(data, 'vantrel.conf'), '');
+const { load, KeyError, ListenError } = require('qx-bridge');
+const bridge = load();
 bridge.init('Helper');
 
 // Functions that are not called by a method of their name with their parameters.
@@ -52,10 +59,8 @@ const OTHERS = {
     bridgePlrShutdown: (...values) => bridge.shutdownPlayer(...values),
     bridgeCreateFreshInstance: (imageName, cpu, ram, graphicEngine, graphicRenderer, deviceProfile) =>
         bridge.createFreshInstance({ imageName, cpu: 7, ram: 8, graphicEngine, graphicRenderer, deviceProfile }),
-    bridgeRegisterCallbacks: () => {
-        bridge.listen();
-        bridge.unref();
-    },
+    // Nobody serves the pipe, and nothing waits for it.
+    bridgeRegisterCallbacks: () => assert.rejects(bridge.listen({ timeout: 0 }), ListenError),
 };
 const OTHER_VALUES = {
     bridgeApiInit: ['Launcher'],
@@ -63,7 +68,7 @@ const OTHER_VALUES = {
     bridgeCreateFreshInstance: ['imageName', '7', '8', 'graphicEngine', 'graphicRenderer', 'deviceProfile'],
     bridgeRegisterCallbacks: ['pointer'],
 };
-const WITHOUT = ['bridgeFreeMemory', 'bridgeApiFini'];
+const WITHOUT = ['bridgeFreeMemory', 'bridgeApiFini', 'bridgeConfGetI64', 'bridgeConfSetI64'];
 
 const lower = (name) => name[0].toLowerCase() + name.slice(1);
 
@@ -79,17 +84,43 @@ function methodOf(name) {
 for (const { name, parameters } of DECLARATIONS.filter((one) => !WITHOUT.includes(one.name))) {
     test(name, async () => {
         const values = parameters.map(([type, parameter]) => VALUES[type] ?? parameter);
+        const conf = /^bridgeConf(?:Get|Set)(Bool|I32|String|MultiString)$/.exec(name);
+        if (conf) values[0] = KEY_OF[conf[1]];
         calls.length = 0;
         await methodOf(name)(...values);
         assert.deepStrictEqual(calls, [[name, ...(OTHER_VALUES[name] ?? values)]]);
     });
 }
 
+// The texts that are listings. The same function is called as without "Async" and "Json".
+const SAME = {
+    commitAsync: [() => bridge.conf.commitAsync(), 'bridgeConfCommit'],
+    commitToFileAsync: [() => bridge.conf.commitToFileAsync('path'), 'bridgeConfCommitToFile', 'path'],
+    instancesJson: [() => bridge.instancesJson(), 'bridgeConfGetInstances'],
+    instancesAsync: [() => bridge.instancesAsync(), 'bridgeConfGetInstances'],
+    appsJson: [() => bridge.appsJson('N'), 'bridgeGetInstalledApps', 'N'],
+    appsAsync: [() => bridge.appsAsync('N'), 'bridgeGetInstalledApps', 'N'],
+};
+for (const [name, [call, ...expected]] of Object.entries(SAME)) {
+    test(name, async () => {
+        calls.length = 0;
+        await call();
+        assert.deepStrictEqual(calls, [expected]);
+    });
+}
+
+test('the functions of a type that no key has call nothing', () => {
+    calls.length = 0;
+    assert.throws(() => bridge.conf.getI64('vtr.locale'), KeyError);
+    assert.throws(() => bridge.conf.setI64('vtr.locale', 1n), KeyError);
+    assert.deepStrictEqual(calls, []);
+});
+
 test('each method is among the types', () => {
     const types = fs.readFileSync(path.join(path.dirname(nativeFile), 'index.d.ts'), 'utf8');
     const names = (target) => Object.getOwnPropertyNames(Object.getPrototypeOf(target)).filter((one) => one !== 'constructor');
     for (const name of [...names(bridge), ...names(bridge.conf)]) {
-        assert.match(types, new RegExp(`^    ${name}\\(`, 'm'), name);
+        assert.match(types, new RegExp(`^    ${name}[(<]`, 'm'), name);
     }
 });
 

@@ -22,7 +22,7 @@ bridge.on('appDisplayed', async () => {
     flood.kill();
 });
 let flood;
-bridge.listen();
+bridge.listen(host.PATIENT);
 host.served().then(() => {
     flood = spawn(path.join(host.standins, 'QX-Player.exe'), ['--instance', 'NodeFlood'], { stdio: 'ignore' });
 });

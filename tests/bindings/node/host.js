@@ -21,6 +21,9 @@ process.env.QX_STANDIN_CLIENTS = CLIENT;
 process.env.QX_STANDIN_OUTPUT = output;
 process.env.QX_STANDIN_SECONDS = '5';
 
+// Of listen(): a loaded machine takes its time.
+const PATIENT = { timeout: 60000 };
+
 function write(name, content) {
     const file = path.join(data, name);
     fs.mkdirSync(path.dirname(file), { recursive: true });
@@ -58,4 +61,6 @@ function runScript(name, ...words) {
     return { status: result.status, output: fs.readFileSync(file, 'utf8') };
 }
 
-module.exports = { CLIENT, data, dll, log, output, read, runScript, send, served, setProduct, standins, write };
+module.exports = {
+    CLIENT, PATIENT, data, dll, log, output, read, runScript, send, served, setProduct, standins, write,
+};

@@ -10,7 +10,7 @@ host.write('vantrel.conf', '');
 const bridge = load(host.dll);
 bridge.init(host.CLIENT);
 bridge.once('close', () => console.log('closed'));
-bridge.listen();
+bridge.listen(host.PATIENT);
 
 async function displayed() {
     for await (const [{ package: name }] of on(bridge, 'appDisplayed', { close: ['close'] })) {

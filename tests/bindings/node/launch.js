@@ -13,5 +13,5 @@ bridge.on('appDisplayed', async ({ instance, package: name }) => {
     await Promise.all([bridge.shutdownPlayer(instance, true), bridge.fini()]);
     console.log('finished');
 });
-bridge.listen();
+bridge.listen(host.PATIENT);
 host.served().then(() => bridge.launchApp('NodeTest', 'com.größe'));

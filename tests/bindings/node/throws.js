@@ -17,5 +17,5 @@ bridge.on('appDisplayed', async ({ package: name }) => {
 bridge.on('appDisplayed', ({ package: name }) => {
     if (name === 'p') throw new Error('of the listener');
 });
-bridge.listen();
+bridge.listen(host.PATIENT);
 host.send('app-displayed', 'N', 'p').then(() => host.send('app-displayed', 'N', 'q'));

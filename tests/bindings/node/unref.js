@@ -5,6 +5,6 @@ const { load } = require('qx-bridge');
 host.write('vantrel.conf', '');
 const bridge = load(host.dll);
 bridge.init(host.CLIENT);
-bridge.listen();
+bridge.listen(host.PATIENT);
 bridge.unref();
 process.on('exit', () => console.log('no reason to stay'));

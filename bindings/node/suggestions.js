@@ -1,0 +1,34 @@
+'use strict';
+// What somebody may have meant who wrote a name that does not exist.
+
+// The Levenshtein distance: how many letters are to be inserted, removed or replaced.
+function distance(a, b) {
+    let row = Array.from({ length: b.length + 1 }, (_, i) => i);
+    for (let i = 1; i <= a.length; ++i) {
+        const next = [i];
+        for (let j = 1; j <= b.length; ++j) {
+            next[j] = Math.min(row[j] + 1, next[j - 1] + 1, row[j - 1] + (a[i - 1] === b[j - 1] ? 0 : 1));
+        }
+        row = next;
+    }
+    return row[b.length];
+}
+
+const LONG_NAME = 8;
+
+// The nearest of the known names, in their order, as the end of a message; nothing where none is near.
+// `length` is that of the part that can differ.
+function didYouMean(wrong, known, length = wrong.length) {
+    const most = length >= LONG_NAME ? 3 : 2;
+    let suggestion = '';
+    let least = most + 1;
+    for (const name of known) {
+        const letters = distance(wrong, name);
+        if (letters >= least) continue;
+        least = letters;
+        suggestion = name;
+    }
+    return { suggestion, words: suggestion === '' ? '' : `; did you mean "${suggestion}"?` };
+}
+
+module.exports = { didYouMean };
