@@ -170,7 +170,7 @@ class Bridge extends EventEmitter {
 
     #requireListing() {
         this.#call.requireReady('bridgeConfGetInstances');
-        this.#known.requireImages();
+        this.#known.requireListable();
     }
 
     #requireListening() {

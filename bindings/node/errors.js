@@ -8,7 +8,7 @@ const WINDOWS_ERROR = 100000; // codes from here on are this and an error of Win
 // Name and words of a result code; a code that the tables lack has neither.
 function describeCode(code) {
     if (code >= WINDOWS_ERROR) return { name: '', text: `Windows error ${code - WINDOWS_ERROR}` };
-    return CODES.find((one) => one.number === code) || { name: '', text: 'unknown code' };
+    return CODES.find((one) => one.number === code) || { name: '', text: `result code ${code}` };
 }
 
 class BridgeError extends Error {

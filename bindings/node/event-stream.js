@@ -63,7 +63,7 @@ class EventStream {
     }
 
     receive(event, values) {
-        if (!this.#names.has(event)) return;
+        if (this.#ended || !this.#names.has(event)) return;
         const value = { event, ...values };
         if (this.#readers.length > 0) this.#readers.shift().resolve({ value, done: false });
         else if (this.#buffer.length < this.#limit) this.#buffer.push(value);

@@ -5,6 +5,7 @@
 const { IMAGES } = require('./bridge.generated');
 const { KeyError } = require('./errors');
 const { readConfFile } = require('./conf-file');
+const { INSTANCE_PREFIX } = require('./keys');
 const { didYouMean } = require('./suggestions');
 
 const isImage = (instance) => IMAGES.includes(instance.split('_')[0]);
@@ -15,9 +16,7 @@ function requireImage(instance) {
 }
 
 function requireInstanceName(name) {
-    if (name === '') throw new KeyError('an instance has a name', name);
-    const wrong = [['.', 'a "."'], ['=', 'a "="'], ['\n', 'a line feed']].find(([letter]) => name.includes(letter));
-    if (wrong) throw new KeyError(`${JSON.stringify(name)} has ${wrong[1]}, which an instance's name cannot have`, name);
+    if (name === '' || /[.=\n]/.test(name)) throw new KeyError(`"${name}" cannot be the name of an instance`, name);
     requireImage(name);
 }
 
@@ -27,6 +26,11 @@ function isNumber(value) {
     if (match === null) return value === '';
     return /[1-9]/.test(match[0]) || match[0].length === value.length;
 }
+
+const unreadable = (key, value) => new KeyError(`"${key}" has a value that cannot be read: "${value}"`, key);
+
+// Of an instance, read by each listing.
+const LISTED_NUMBERS = ['ram', 'cpus'];
 
 const READABLE = { bool: (value) => value === '0' || value === '1', i32: isNumber };
 
@@ -78,11 +82,14 @@ class KnownValues {
         throw new KeyError(`there is no instance "${name}"${words}`, name, suggestion);
     }
 
-    // A listing ends the process where the library knows, or is just loading, an instance of another image.
-    requireImages() {
-        this.#fileInstances.forEach(requireImage);
-        this.#readInstances();
-        this.#fileInstances.forEach(requireImage);
+    // What would end the process in a listing. The library may be loading the file just now, on its event
+    // thread.
+    requireListable() {
+        this.#requireListable(this.#fileInstances, this.#values);
+        if (this.#file === null) return;
+        const { instances, values } = readConfFile(this.#file);
+        this.#fileInstances = instances;
+        this.#requireListable(instances, values);
     }
 
     // Whether the library can read the key's value.
@@ -93,12 +100,23 @@ class KnownValues {
 
     requireReadable(key, property) {
         if (this.isReadable(key, property)) return;
-        if (!this.#values.has(key)) throw new KeyError(`"${key}" has no value and no default`, key);
-        throw new KeyError(`"${key}" has a value that cannot be read: "${this.#values.get(key)}"`, key);
+        const value = this.#values.get(key) || '';
+        if (value === '' && property.default === '') throw new KeyError(`"${key}" has no value and no default`, key);
+        throw unreadable(key, value);
     }
 
     #has(name) {
         return this.#fileInstances.has(name) || this.#created.has(name);
+    }
+
+    #requireListable(instances, values) {
+        for (const name of instances) {
+            requireImage(name);
+            for (const key of LISTED_NUMBERS.map((property) => `${INSTANCE_PREFIX}${name}.${property}`)) {
+                const value = this.#staged.has(key) ? '' : values.get(key) || '';
+                if (!isNumber(value)) throw unreadable(key, value);
+            }
+        }
     }
 
     #readInstances() {

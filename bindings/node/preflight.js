@@ -24,13 +24,11 @@ function dataFolderProblem() {
     if (folder === '') {
         return {
             what: `${VALUE} is missing`,
-            remedy: `install the product, or set it to a data folder (reg add HKLM\\${product.KEY} /v UserDefinedDir /d FOLDER)`,
+            remedy: `install the product, or set it to a data folder (reg add HKLM\\${product.KEY} /v UserDefinedDir /d C:\\Data)`,
         };
     }
-    if (!isFolder(`${folder}\\`)) {
-        return { what: `the data folder ${folder} does not exist`, remedy: `install the product, or make the folder and its folder Logs` };
-    }
-    return null;
+    if (isFolder(`${folder}\\`)) return null;
+    return { what: `the data folder ${folder} does not exist`, remedy: 'create it, or set the registry value "UserDefinedDir" to another' };
 }
 
 // The library makes the folders of a log as far as "\" separates them.
@@ -40,23 +38,27 @@ function existingFolder(folder) {
     return found;
 }
 
-function canStartLog(file) {
-    if (fs.existsSync(file)) return windows.canAppend(file);
-    const full = path.resolve(file);
+// 0, or Windows' error when the library opens this log.
+function logError(file) {
+    if (fs.existsSync(file)) return windows.appendError(file);
+    const folder = path.dirname(path.resolve(file));
     const isMade = !file.slice(file.lastIndexOf('\\') + 1).includes('/');
-    const folder = isMade ? existingFolder(path.dirname(full)) : path.dirname(full);
-    return windows.canCreate(path.join(folder, `qx-bridge-${process.pid}.tmp`));
+    return windows.createError(path.join(isMade ? existingFolder(folder) : folder, `qx-bridge-${process.pid}.tmp`));
 }
 
 function logProblem(file) {
-    if (canStartLog(file)) return null;
-    return { what: `the log ${file} cannot be opened`, remedy: 'let this user write it, and see that nothing else is in its place' };
+    const error = logError(file);
+    if (error === 0) return null;
+    return {
+        what: `the log ${file} cannot be opened (Windows error ${error})`,
+        remedy: 'give this user the right to write it, or name another log file',
+    };
 }
 
 function productLogProblem() {
     const folder = `${product.dataFolder()}\\Logs`;
     if (isFolder(folder)) return logProblem(product.logFile());
-    return { what: `the folder ${folder} does not exist`, remedy: 'make it' };
+    return { what: `the folder ${folder} does not exist`, remedy: 'create it: the log is written there' };
 }
 
 function startsWithMark(file) {
@@ -72,22 +74,22 @@ function startsWithMark(file) {
 function confProblem() {
     const file = product.confFile();
     if (!fs.existsSync(file)) {
-        return { what: `the configuration file ${file} does not exist`, remedy: 'install the product, or start with noConfFile' };
+        return { what: `the configuration file ${file} does not exist`, remedy: 'install the product, or copy a vantrel.conf there' };
     }
     try {
         if (!startsWithMark(file)) return null;
     } catch (error) {
-        return { what: `the configuration file ${file} cannot be read`, remedy: 'let this user read it' };
+        return { what: `the configuration file ${file} cannot be read`, remedy: 'give this user the right to read it' };
     }
-    return { what: `the configuration file ${file} begins with a byte order mark`, remedy: 'save it as UTF-8 without one' };
+    return { what: `the configuration file ${file} begins with a byte order mark`, remedy: 'save it as UTF-8 without a byte order mark' };
 }
 
 function versionProblem() {
     const version = product.version();
     if (version === VERSION) return null;
     return {
-        what: version === '' ? 'the product\'s version is not in the registry' : `the product has version ${version}, and the library ${VERSION}`,
-        remedy: `install version ${VERSION} of the product`,
+        what: `the product's version is "${version}", and the library's is "${VERSION}"`,
+        remedy: 'install product and library of the same version',
     };
 }
 

@@ -12,6 +12,7 @@ const RRF_RT_REG_SZ = 0x2;
 const RRF_NOEXPAND = 0x10000000; // else a REG_EXPAND_SZ, which the library does not take, passes for a text
 const RRF_SUBKEY_WOW6464KEY = 0x10000;
 const ERROR_SUCCESS = 0;
+const ERROR_GEN_FAILURE = 31;
 
 const INVALID_HANDLE_VALUE = -1;
 const FILE_APPEND_DATA = 0x4;
@@ -26,6 +27,7 @@ const SECURITY_IDENTIFICATION = 0x110000; // SECURITY_SQOS_PRESENT is part of it
 
 const regGetValue = advapi.func('int32_t RegGetValueW(intptr_t key, str16 subKey, str16 value, uint32_t flags, void *type, void *data, _Inout_ uint32_t *size)');
 const createFile = kernel.func('intptr_t CreateFileW(str16 path, uint32_t access, uint32_t sharing, void *security, uint32_t disposition, uint32_t flags, intptr_t like)');
+const getLastError = kernel.func('uint32_t GetLastError()');
 const closeHandle = kernel.func('int32_t CloseHandle(intptr_t handle)');
 const waitNamedPipe = kernel.func('int32_t WaitNamedPipeW(str16 path, uint32_t milliseconds)');
 const getServerProcessId = kernel.func('int32_t GetNamedPipeServerProcessId(intptr_t pipe, _Out_ uint32_t *processId)');
@@ -40,19 +42,20 @@ function registryText(key, name) {
     return data.toString('utf16le', 0, size[0]).replace(/\0+$/, '');
 }
 
-// Whether the file opens; it is closed again at once.
-function opens(path, access, disposition, flags) {
+// 0 where the file opens, or Windows' error; it is closed again at once.
+function openError(path, access, disposition, flags) {
     const file = createFile(path, access, FILE_SHARE_ALL, null, disposition, flags, 0);
-    if (file === INVALID_HANDLE_VALUE) return false;
+    const error = getLastError();
+    if (file === INVALID_HANDLE_VALUE) return error || ERROR_GEN_FAILURE;
     closeHandle(file);
-    return true;
+    return 0;
 }
 
-// Whether an existing file opens for appending, as the library opens its log.
-const canAppend = (path) => opens(path, FILE_APPEND_DATA, OPEN_EXISTING, 0);
+// For an existing file: as the library opens its log.
+const appendError = (path) => openError(path, FILE_APPEND_DATA, OPEN_EXISTING, 0);
 
-// Whether a file can be made; it is gone afterwards.
-const canCreate = (path) => opens(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
+// For a file that does not exist, and does not afterwards.
+const createError = (path) => openError(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
 
 // The process that serves a pipe; null while nothing serves it, or all of it is taken. It is not given
 // the right to act for this process.
@@ -66,4 +69,4 @@ function pipeServer(path) {
     return known === 0 ? null : processId[0];
 }
 
-module.exports = { registryText, canAppend, canCreate, pipeServer };
+module.exports = { registryText, appendError, createError, pipeServer };
