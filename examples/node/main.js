@@ -12,6 +12,7 @@ for (const { instance, displayName } of bridge.instances()) console.log('instanc
 console.log('locale', bridge.conf.getString('vtr.locale'));
 
 let left = Number(wanted);
+let timer = null;
 
 async function end() {
     clearTimeout(timer);
@@ -31,6 +32,12 @@ bridge.on('appDisplayed', ({ instance, package: name }) => {
     console.log('displayed', instance, name);
     count();
 });
-bridge.listen();
-console.log('listening');
-const timer = setTimeout(end, left > 0 ? 30000 : 0);
+bridge.once('listening', () => {
+    console.log('listening');
+    timer = setTimeout(end, left > 0 ? 30000 : 0);
+});
+bridge.listen().catch((error) => {
+    console.error(error.message); // another program has the events
+    process.exitCode = 1;
+    return bridge.fini();
+});

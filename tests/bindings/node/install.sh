@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# install.sh NODE-FOLDER BUILD-FOLDER: installs the package and the example with the lines of the documents,
+# in folders outside the tree, and runs hosts with what npm has put there. The registry is this machine's.
+# Exit status 77: there is no npm.
+set -euo pipefail
+tools=$1 build=$2
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+tree=$(cd "$here/../../.." && pwd)
+
+fail() { echo "$*"; exit 1; }
+command -v npm >/dev/null || { echo "skipped: there is no npm"; exit 77; }
+
+folder=$(mktemp -d)
+registry=
+trap '[ -z "$registry" ] || kill "$registry"; rm -rf "$folder"' EXIT
+
+# As the package has them.
+mkdir -p "$folder/package/share" "$folder/data"
+cp -r "$tree/bindings" "$tree/examples" "$folder/package/share"
+find "$folder/package" -name node_modules -prune -exec rm -rf {} +
+
+python3 "$here/npm_registry.py" "$tools/node_modules/koffi" "$folder/port" &
+registry=$!
+for ((i = 0; i < 600; i++)); do
+    [ -s "$folder/port" ] && break
+    sleep 0.1
+done
+# Nothing of this machine's npm counts, but the program. It is told that it runs on Windows by force.
+export npm_config_registry="http://127.0.0.1:$(<"$folder/port")/" npm_config_cache="$folder/cache"
+export npm_config_userconfig="$folder/npmrc" npm_config_globalconfig="$folder/npmrc-of-all"
+export npm_config_audit=false npm_config_fund=false npm_config_update_notifier=false
+export npm_config_force=true npm_config_ignore_scripts=true
+unset NODE_PATH
+
+# line_of DOCUMENT PATTERN: the one command between backquotes.
+line_of() {
+    local lines
+    lines=$(grep -oE "\`$2[^\`]*\`" "$tree/$1" | tr -d '`' | sort -u)
+    [ "$(wc -l <<<"$lines")" = 1 ] && [ -n "$lines" ] || fail "$1 has not one line $2: $lines"
+    echo "$lines"
+}
+
+# run_host FOLDER SCRIPT EXPECTED: the sandbox finds its packages beside it, as the host does.
+run_host() {
+    local status=0
+    cp "$here/registry.js" "$here/sandbox.js" "$1"
+    (cd "$1" && QX_TEST_DATA="Z:$folder/data" timeout 60 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" \
+        -r ./sandbox.js "$2" "Z:$build/bin/QX-Bridge.dll") >"$folder/output" 2>&1 </dev/null || status=$?
+    [ "$status" = 0 ] && [ "$(tr -d '\r' <"$folder/output")" = "$3" ] || fail "$1/$2: $status $(<"$folder/output")"
+}
+
+# install FOLDER COMMAND
+install() {
+    (cd "$1" && bash -c "$2") >"$folder/npm" 2>&1 </dev/null || fail "$2: $(<"$folder/npm")"
+}
+
+printf 'vtr.locale="fr-FR"\nvtr.instance.Nougat64.display_name="Größe"\n' >"$folder/data/vantrel.conf"
+
+example="$folder/package/share/examples/node"
+install "$example" "$(line_of examples/README.md 'npm install')"
+run_host "$example" main.js $'instance Nougat64 Größe\nlocale fr-FR\nlistening\nfinished'
+
+# The line of getting-started.md, in the unpacked folder and in a project elsewhere.
+line=$(line_of docs/getting-started.md 'npm install')
+install "$folder/package" "$line"
+cp "$tree/tests/package/consumer/host.js" "$folder/package"
+run_host "$folder/package" host.js 'Nougat64 Größe'
+mkdir "$folder/host"
+install "$folder/host" "${line/.\/share/$folder\/package\/share}"
+cp "$tree/tests/package/consumer/host.js" "$folder/host"
+run_host "$folder/host" host.js 'Nougat64 Größe'
+
+# The line of the binding's own page, beside its folder.
+mkdir "$folder/beside"
+cp -r "$folder/package/share/bindings" "$folder/beside"
+install "$folder/beside" "$(line_of bindings/node/README.md 'npm install')"
+cp "$tree/tests/package/consumer/host.js" "$folder/beside"
+run_host "$folder/beside" host.js 'Nougat64 Größe'
+echo "4 installations"
