@@ -190,10 +190,11 @@ class Bridge extends EventEmitter {
         if (this.#finishing === null) this.#emitSoon('listening');
     }
 
-    // The event thread waits for this: the listeners run afterwards, so that one that takes long or
-    // throws is the host's affair alone.
+    // The event thread waits for this, so that no other load comes in between. The listeners run
+    // afterwards: one that takes long or throws is the host's affair alone.
     #receive(event, values) {
         if (this.#finishing !== null) return;
+        if (AFTER_A_LOAD.includes(event)) this.#known.load();
         this.#pending.push([event, values]);
         this.#scheduleEmitting();
     }
@@ -202,7 +203,6 @@ class Bridge extends EventEmitter {
         try {
             while (this.#pending.length > 0) {
                 const [event, values] = this.#pending.shift();
-                if (AFTER_A_LOAD.includes(event)) this.#known.load();
                 for (const stream of [...this.#streams]) stream.receive(event, values);
                 this.#works.receive(event, values);
                 this.emit(event, values);

@@ -184,7 +184,10 @@ export interface Bridge extends EventEmitter {
     ref(): this;
     unref(): this;
 
-    /** Throws KeyError where the file has an instance of an image that is not one of IMAGES. */
+    /**
+     * Throws KeyError where the file has an instance of an image that is not one of IMAGES, or one whose
+     * "ram" or "cpus" cannot be read.
+     */
     instances(): Instance[];
     /** The same as the library's text. */
     instancesJson(): string;

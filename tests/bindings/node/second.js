@@ -1,5 +1,6 @@
 'use strict';
-// A second process of a client: second.js [ignore]
+// A second process of a client: second.js [ignore]. It finishes before it ends, because a thread that is
+// just starting must not be cut off under Wine.
 const host = require('./host');
 const { load } = require('qx-bridge');
 
@@ -8,7 +9,13 @@ const bridge = load(host.dll);
 bridge.init(host.CLIENT);
 const listening = bridge.listen(host.PATIENT);
 bridge.on('listening', () => console.log('listening'));
-process.on('exit', (status) => status === 0 && console.log('no reason to stay'));
-if (process.argv[2] !== 'ignore') {
-    listening.catch((error) => console.log(`${error.name} ${error.processId}: ${error.message}`));
-}
+
+const isAlive = () => process.getActiveResourcesInfo().includes('Timeout');
+const tell = (how) => (error) => {
+    console.log(`${how}: ${error.name} ${error.processId}: ${error.message}`);
+    console.log(isAlive() ? 'waits for events' : 'no reason to stay');
+    return bridge.fini();
+};
+
+if (process.argv[2] === 'ignore') process.on('unhandledRejection', tell('unhandled'));
+else listening.catch(tell('refused'));

@@ -5,6 +5,5 @@ const { load } = require('qx-bridge');
 host.write('vantrel.conf', '');
 const bridge = load(host.dll);
 bridge.init(host.CLIENT);
-bridge.listen(host.PATIENT);
-bridge.unref();
+bridge.listen(host.PATIENT).then(() => bridge.unref());
 process.on('exit', () => console.log('no reason to stay'));

@@ -51,7 +51,7 @@ export { access, dpi, port, folders, details, constant, byText, ofInstance, ofAn
 async function later() {
     await bridge.listen({ timeout: 100 });
     await bridge.conf.commitAsync({ timeout: 1000, signal: null });
-    const later: Instance[] = await bridge.instancesAsync();
+    const later: Instance[] = await bridge.instancesAsync({ signal: new AbortController().signal });
     for await (const one of bridge.events(['appDisplayed', 'appInstalled'], { limit: 5 })) {
         if (one.event === 'appInstalled') return one.versionName;
         const shown: string = one.package;
