@@ -130,6 +130,14 @@ test('an instance that another program has added is known, and loaded by the nex
     assert.strictEqual(conf.getBool('vtr.instance.Nougat32.pin_to_top'), false);
 });
 
+test('whether an instance is loaded is not asked of a number that cannot be read', () => {
+    const instance = 'vtr.instance.Nougat32_5';
+    store(`${instance}.display_name=""`, `${instance}.dpi="wide"`, `${instance}.max_fps="30"`);
+    conf.commitToFile(path.join(host.data, 'copy.conf'));
+    assert.strictEqual(conf.getI32(`${instance}.max_fps`), 30);
+    store();
+});
+
 test('what the file says at a commit counts from then on', () => {
     store('vtr.status.raw_mode="?"', 'vtr.instance.Nougat32.dpi="wide"');
     assert.strictEqual(conf.getBool('vtr.status.raw_mode'), true, 'not loaded yet');

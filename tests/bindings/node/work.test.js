@@ -77,6 +77,21 @@ test('limits end the wait, and not the work', async () => {
     assert.strictEqual((await work.finished()).status, 2);
 });
 
+test('a signal is let go of when the wait is over', async () => {
+    const works = listening();
+    const listeners = new Set();
+    const signal = {
+        aborted: false, addEventListener: (_, one) => listeners.add(one), removeEventListener: (_, one) => listeners.delete(one),
+    };
+    const work = works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing);
+    const first = work.finished({ signal });
+    await assert.rejects(work.finished({ signal, timeout: 1 }), TimeoutError);
+    assert.strictEqual(listeners.size, 1);
+    works.receive(...apk('N'));
+    await first;
+    assert.strictEqual(listeners.size, 0);
+});
+
 test('without listening there is no outcome', async () => {
     const works = new Works(() => { throw new BridgeUsageError('listen() comes first'); });
     const work = works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing);
