@@ -10,25 +10,846 @@ namespace QXBridge
     /// error.</summary>
     public static class Result
     {
+        /// <summary>It worked.</summary>
         public const int Success = 0;
+        /// <summary>It failed; the log has the cause.</summary>
         public const int Failure = -1;
+        /// <summary>No such file or folder.</summary>
         public const int NoEntry = 2;
+        /// <summary>Too long.</summary>
         public const int TooBig = 7;
+        /// <summary>Access denied.</summary>
         public const int Access = 13;
+        /// <summary>An argument was refused.</summary>
         public const int InvalidArgument = 22;
     }
 
-    /// <summary>An app was installed or updated.</summary>
-    public sealed class AppInstalled
+    /// <summary>The kinds of events.</summary>
+    public enum EventKind
     {
+        /// <summary>An app was installed or updated.</summary>
+        AppInstalled,
+        /// <summary>An app was uninstalled.</summary>
+        AppUninstalled,
+        /// <summary>An APK file that was handed to an instance has been dealt with.</summary>
+        ApkInstallCompleted,
+        /// <summary>The list of instances changed; the configuration has been loaded again before
+        /// this call. The call also comes when that load failed, which the log says: after a
+        /// malformed line, bridgeConfGetInstances() lists only the instances of the lines before
+        /// it.</summary>
+        InstanceListUpdated,
+        /// <summary>Progress of an image installation.</summary>
+        InstallImageProgress,
+        /// <summary>A new instance was created, or could not be.</summary>
+        CreateInstanceCompleted,
+        /// <summary>The configuration of an instance changed; it has been loaded again before this
+        /// call, and a failed load has the effect that bridgeOnInstanceListUpdated
+        /// describes.</summary>
+        InstanceConfigurationChanged,
+        /// <summary>An app came to the front.</summary>
+        AppDisplayed,
+        /// <summary>The accounts of an instance changed.</summary>
+        AccountListUpdated,
+    }
+
+    /// <summary>An app was installed or updated.</summary>
+    public sealed class AppInstalled : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
         public string Instance { get; internal set; }
+        /// <summary>Android package name.</summary>
         public string Package { get; internal set; }
+        /// <summary>Launch activity.</summary>
         public string Activity { get; internal set; }
+        /// <summary>Label shown to the user.</summary>
         public string AppLabel { get; internal set; }
+        /// <summary>Version code of the package.</summary>
         public int VersionCode { get; internal set; }
+        /// <summary>Version name of the package.</summary>
         public string VersionName { get; internal set; }
+        /// <summary>Icon file.</summary>
         public string IconFilePath { get; internal set; }
+        /// <summary>1 when the package was there before.</summary>
         public bool IsUpdate { get; internal set; }
+        /// <summary>EventKind.AppInstalled.</summary>
+        public override EventKind Kind { get { return EventKind.AppInstalled; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance, Package, Activity, AppLabel, VersionCode, VersionName,
+                    IconFilePath, IsUpdate };
+            }
+        }
+    }
+
+    /// <summary>An app was uninstalled.</summary>
+    public sealed class AppUninstalled : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>Android package name.</summary>
+        public string Package { get; internal set; }
+        /// <summary>EventKind.AppUninstalled.</summary>
+        public override EventKind Kind { get { return EventKind.AppUninstalled; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance, Package };
+            }
+        }
+    }
+
+    /// <summary>An APK file that was handed to an instance has been dealt with.</summary>
+    public sealed class ApkInstallCompleted : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>The sender's status number.</summary>
+        public int Status { get; internal set; }
+        /// <summary>The file.</summary>
+        public string ApkFilePath { get; internal set; }
+        /// <summary>EventKind.ApkInstallCompleted.</summary>
+        public override EventKind Kind { get { return EventKind.ApkInstallCompleted; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance, Status, ApkFilePath };
+            }
+        }
+    }
+
+    /// <summary>The list of instances changed; the configuration has been loaded again before this call.
+    /// The call also comes when that load failed, which the log says: after a malformed line,
+    /// bridgeConfGetInstances() lists only the instances of the lines before it.</summary>
+    public sealed class InstanceListUpdated : BridgeEvent
+    {
+        /// <summary>EventKind.InstanceListUpdated.</summary>
+        public override EventKind Kind { get { return EventKind.InstanceListUpdated; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] {  };
+            }
+        }
+    }
+
+    /// <summary>Progress of an image installation.</summary>
+    public sealed class InstallImageProgress : BridgeEvent
+    {
+        /// <summary>Name of the image.</summary>
+        public string ImageName { get; internal set; }
+        /// <summary>The sender's status number; 2 is preceded by
+        /// bridgeOnInstanceListUpdated.</summary>
+        public int Status { get; internal set; }
+        /// <summary>The sender's progress value.</summary>
+        public double Progress { get; internal set; }
+        /// <summary>EventKind.InstallImageProgress.</summary>
+        public override EventKind Kind { get { return EventKind.InstallImageProgress; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { ImageName, Status, Progress };
+            }
+        }
+    }
+
+    /// <summary>A new instance was created, or could not be.</summary>
+    public sealed class CreateInstanceCompleted : BridgeEvent
+    {
+        /// <summary>The sender's status number.</summary>
+        public int Status { get; internal set; }
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>EventKind.CreateInstanceCompleted.</summary>
+        public override EventKind Kind { get { return EventKind.CreateInstanceCompleted; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Status, Instance };
+            }
+        }
+    }
+
+    /// <summary>The configuration of an instance changed; it has been loaded again before this call, and
+    /// a failed load has the effect that bridgeOnInstanceListUpdated describes.</summary>
+    public sealed class InstanceConfigurationChanged : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>EventKind.InstanceConfigurationChanged.</summary>
+        public override EventKind Kind { get { return EventKind.InstanceConfigurationChanged; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance };
+            }
+        }
+    }
+
+    /// <summary>An app came to the front.</summary>
+    public sealed class AppDisplayed : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>Android package name.</summary>
+        public string Package { get; internal set; }
+        /// <summary>EventKind.AppDisplayed.</summary>
+        public override EventKind Kind { get { return EventKind.AppDisplayed; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance, Package };
+            }
+        }
+    }
+
+    /// <summary>The accounts of an instance changed.</summary>
+    public sealed class AccountListUpdated : BridgeEvent
+    {
+        /// <summary>Instance name.</summary>
+        public string Instance { get; internal set; }
+        /// <summary>Account that was added or removed.</summary>
+        public string EmailId { get; internal set; }
+        /// <summary>The sender's action number.</summary>
+        public int Action { get; internal set; }
+        /// <summary>EventKind.AccountListUpdated.</summary>
+        public override EventKind Kind { get { return EventKind.AccountListUpdated; } }
+        /// <summary>The values in the order of the properties above.</summary>
+        public override object[] Values
+        {
+            get
+            {
+                return new object[] { Instance, EmailId, Action };
+            }
+        }
+    }
+
+    /// <summary>The properties of the product.</summary>
+    public sealed class GlobalKeys
+    {
+        private readonly string prefix;
+
+        internal GlobalKeys(string prefix)
+        {
+            this.prefix = prefix;
+        }
+
+        /// <summary>campaign_hash: string, no default.</summary>
+        public Key<string> CampaignHash
+        {
+            get { return new Key<string>(prefix + "campaign_hash"); }
+        }
+        /// <summary>campaign_name: string, no default.</summary>
+        public Key<string> CampaignName
+        {
+            get { return new Key<string>(prefix + "campaign_name"); }
+        }
+        /// <summary>country: string, no default.</summary>
+        public Key<string> Country
+        {
+            get { return new Key<string>(prefix + "country"); }
+        }
+        /// <summary>create_desktop_shortcuts: bool, default "1".</summary>
+        public Key<bool> CreateDesktopShortcuts
+        {
+            get { return new Key<bool>(prefix + "create_desktop_shortcuts"); }
+        }
+        /// <summary>custom_cursor_enabled: bool, default "0".</summary>
+        public Key<bool> CustomCursorEnabled
+        {
+            get { return new Key<bool>(prefix + "custom_cursor_enabled"); }
+        }
+        /// <summary>dns_server: string, no default.</summary>
+        public Key<string> DnsServer
+        {
+            get { return new Key<string>(prefix + "dns_server"); }
+        }
+        /// <summary>dns_server2: string, no default.</summary>
+        public Key<string> DnsServer2
+        {
+            get { return new Key<string>(prefix + "dns_server2"); }
+        }
+        /// <summary>enable_adb_access: bool, default "0".</summary>
+        public Key<bool> EnableAdbAccess
+        {
+            get { return new Key<bool>(prefix + "enable_adb_access"); }
+        }
+        /// <summary>enable_adb_remote_access: bool, default "0".</summary>
+        public Key<bool> EnableAdbRemoteAccess
+        {
+            get { return new Key<bool>(prefix + "enable_adb_remote_access"); }
+        }
+        /// <summary>enable_discord_integration: bool, default "1".</summary>
+        public Key<bool> EnableDiscordIntegration
+        {
+            get { return new Key<bool>(prefix + "enable_discord_integration"); }
+        }
+        /// <summary>enable_esc_fullscreen: bool, default "1".</summary>
+        public Key<bool> EnableEscFullscreen
+        {
+            get { return new Key<bool>(prefix + "enable_esc_fullscreen"); }
+        }
+        /// <summary>enable_esc_mousecursor: bool, default "1".</summary>
+        public Key<bool> EnableEscMousecursor
+        {
+            get { return new Key<bool>(prefix + "enable_esc_mousecursor"); }
+        }
+        /// <summary>enable_gamepad_detection: bool, default "1".</summary>
+        public Key<bool> EnableGamepadDetection
+        {
+            get { return new Key<bool>(prefix + "enable_gamepad_detection"); }
+        }
+        /// <summary>enable_image_detection: bool, default "1".</summary>
+        public Key<bool> EnableImageDetection
+        {
+            get { return new Key<bool>(prefix + "enable_image_detection"); }
+        }
+        /// <summary>enable_mem_dedup: bool, default "1".</summary>
+        public Key<bool> EnableMemDedup
+        {
+            get { return new Key<bool>(prefix + "enable_mem_dedup"); }
+        }
+        /// <summary>enable_native_gamepad: i32, default "2".</summary>
+        public Key<int> EnableNativeGamepad
+        {
+            get { return new Key<int>(prefix + "enable_native_gamepad"); }
+        }
+        /// <summary>enable_navigationbar: bool, default "0".</summary>
+        public Key<bool> EnableNavigationbar
+        {
+            get { return new Key<bool>(prefix + "enable_navigationbar"); }
+        }
+        /// <summary>enable_statusbar: bool, default "1".</summary>
+        public Key<bool> EnableStatusbar
+        {
+            get { return new Key<bool>(prefix + "enable_statusbar"); }
+        }
+        /// <summary>feature.macros: bool, no default.</summary>
+        public Key<bool> FeatureMacros
+        {
+            get { return new Key<bool>(prefix + "feature.macros"); }
+        }
+        /// <summary>feature.rooting: bool, default "0".</summary>
+        public Key<bool> FeatureRooting
+        {
+            get { return new Key<bool>(prefix + "feature.rooting"); }
+        }
+        /// <summary>feedback_popup_ignored_apps: multi-string, no default.</summary>
+        public Key<string[]> FeedbackPopupIgnoredApps
+        {
+            get { return new Key<string[]>(prefix + "feedback_popup_ignored_apps"); }
+        }
+        /// <summary>force_raw_mode: bool, default "0".</summary>
+        public Key<bool> ForceRawMode
+        {
+            get { return new Key<bool>(prefix + "force_raw_mode"); }
+        }
+        /// <summary>gamepad_editing_onboarding_done: bool, default "0".</summary>
+        public Key<bool> GamepadEditingOnboardingDone
+        {
+            get { return new Key<bool>(prefix + "gamepad_editing_onboarding_done"); }
+        }
+        /// <summary>guid: string, no default.</summary>
+        public Key<string> Guid
+        {
+            get { return new Key<string>(prefix + "guid"); }
+        }
+        /// <summary>install_id: string, no default.</summary>
+        public Key<string> InstallId
+        {
+            get { return new Key<string>(prefix + "install_id"); }
+        }
+        /// <summary>installed_images: multi-string, no default.</summary>
+        public Key<string[]> InstalledImages
+        {
+            get { return new Key<string[]>(prefix + "installed_images"); }
+        }
+        /// <summary>key_controls_overlay_enabled: bool, default "1".</summary>
+        public Key<bool> KeyControlsOverlayEnabled
+        {
+            get { return new Key<bool>(prefix + "key_controls_overlay_enabled"); }
+        }
+        /// <summary>key_controls_overlay_opacity: i32, default "80".</summary>
+        public Key<int> KeyControlsOverlayOpacity
+        {
+            get { return new Key<int>(prefix + "key_controls_overlay_opacity"); }
+        }
+        /// <summary>locale: string, no default.</summary>
+        public Key<string> Locale
+        {
+            get { return new Key<string>(prefix + "locale"); }
+        }
+        /// <summary>log_levels: string, default "*:I".</summary>
+        public Key<string> LogLevels
+        {
+            get { return new Key<string>(prefix + "log_levels"); }
+        }
+        /// <summary>machine_id: string, no default.</summary>
+        public Key<string> MachineId
+        {
+            get { return new Key<string>(prefix + "machine_id"); }
+        }
+        /// <summary>media_folder: string, no default.</summary>
+        public Key<string> MediaFolder
+        {
+            get { return new Key<string>(prefix + "media_folder"); }
+        }
+        /// <summary>mem_opt_mode: string, default "0".</summary>
+        public Key<string> MemOptMode
+        {
+            get { return new Key<string>(prefix + "mem_opt_mode"); }
+        }
+        /// <summary>mem_pcd_enabled: bool, default "1".</summary>
+        public Key<bool> MemPcdEnabled
+        {
+            get { return new Key<bool>(prefix + "mem_pcd_enabled"); }
+        }
+        /// <summary>mem_pcd_pclimit: i32, default "40".</summary>
+        public Key<int> MemPcdPclimit
+        {
+            get { return new Key<int>(prefix + "mem_pcd_pclimit"); }
+        }
+        /// <summary>mem_pcr_enabled: bool, default "0".</summary>
+        public Key<bool> MemPcrEnabled
+        {
+            get { return new Key<bool>(prefix + "mem_pcr_enabled"); }
+        }
+        /// <summary>mem_pcr_pclimit: i32, default "96".</summary>
+        public Key<int> MemPcrPclimit
+        {
+            get { return new Key<int>(prefix + "mem_pcr_pclimit"); }
+        }
+        /// <summary>mem_swap_enabled: bool, default "0".</summary>
+        public Key<bool> MemSwapEnabled
+        {
+            get { return new Key<bool>(prefix + "mem_swap_enabled"); }
+        }
+        /// <summary>microphone_device: string, no default.</summary>
+        public Key<string> MicrophoneDevice
+        {
+            get { return new Key<string>(prefix + "microphone_device"); }
+        }
+        /// <summary>mim.batch_operation_interval: i32, default "2000".</summary>
+        public Key<int> MimBatchOperationInterval
+        {
+            get { return new Key<int>(prefix + "mim.batch_operation_interval"); }
+        }
+        /// <summary>mim.instance_arrangement_layout: string, default "grid".</summary>
+        public Key<string> MimInstanceArrangementLayout
+        {
+            get { return new Key<string>(prefix + "mim.instance_arrangement_layout"); }
+        }
+        /// <summary>mim.instance_sort_option: string, default "name".</summary>
+        public Key<string> MimInstanceSortOption
+        {
+            get { return new Key<string>(prefix + "mim.instance_sort_option"); }
+        }
+        /// <summary>mim.instances_per_row: i32, default "2".</summary>
+        public Key<int> MimInstancesPerRow
+        {
+            get { return new Key<int>(prefix + "mim.instances_per_row"); }
+        }
+        /// <summary>mim.max_fps: i32 (frames per second), default "60".</summary>
+        public Key<int> MimMaxFps
+        {
+            get { return new Key<int>(prefix + "mim.max_fps"); }
+        }
+        /// <summary>mute_all_instances: bool, default "0".</summary>
+        public Key<bool> MuteAllInstances
+        {
+            get { return new Key<bool>(prefix + "mute_all_instances"); }
+        }
+        /// <summary>next_vm_id: i32, default "1".</summary>
+        public Key<int> NextVmId
+        {
+            get { return new Key<int>(prefix + "next_vm_id"); }
+        }
+        /// <summary>prefer_dedicated_gpu: bool, no default.</summary>
+        public Key<bool> PreferDedicatedGpu
+        {
+            get { return new Key<bool>(prefix + "prefer_dedicated_gpu"); }
+        }
+        /// <summary>qt_renderer: string, no default.</summary>
+        public Key<string> QtRenderer
+        {
+            get { return new Key<string>(prefix + "qt_renderer"); }
+        }
+        /// <summary>shared_folders: multi-string, default
+        /// "Documents,Pictures,InputMapper,VtrSharedFolder".</summary>
+        public Key<string[]> SharedFolders
+        {
+            get { return new Key<string[]>(prefix + "shared_folders"); }
+        }
+        /// <summary>shortcut.decrease_volume: string, default "Ctrl + Shift + Down".</summary>
+        public Key<string> ShortcutDecreaseVolume
+        {
+            get { return new Key<string>(prefix + "shortcut.decrease_volume"); }
+        }
+        /// <summary>shortcut.enable_disable_game_controls: string, default "Ctrl + Shift +
+        /// F10".</summary>
+        public Key<string> ShortcutEnableDisableGameControls
+        {
+            get { return new Key<string>(prefix + "shortcut.enable_disable_game_controls"); }
+        }
+        /// <summary>shortcut.go_back: string, default "Ctrl + Shift + 2".</summary>
+        public Key<string> ShortcutGoBack
+        {
+            get { return new Key<string>(prefix + "shortcut.go_back"); }
+        }
+        /// <summary>shortcut.go_home: string, default "Ctrl + Shift + 1".</summary>
+        public Key<string> ShortcutGoHome
+        {
+            get { return new Key<string>(prefix + "shortcut.go_home"); }
+        }
+        /// <summary>shortcut.increase_volume: string, default "Ctrl + Shift + Up".</summary>
+        public Key<string> ShortcutIncreaseVolume
+        {
+            get { return new Key<string>(prefix + "shortcut.increase_volume"); }
+        }
+        /// <summary>shortcut.install_apk: string, default "Ctrl + Shift + B".</summary>
+        public Key<string> ShortcutInstallApk
+        {
+            get { return new Key<string>(prefix + "shortcut.install_apk"); }
+        }
+        /// <summary>shortcut.mute_unmute: string, default "Ctrl + Shift + M".</summary>
+        public Key<string> ShortcutMuteUnmute
+        {
+            get { return new Key<string>(prefix + "shortcut.mute_unmute"); }
+        }
+        /// <summary>shortcut.open_controls_editor: string, default "Ctrl + Shift + A".</summary>
+        public Key<string> ShortcutOpenControlsEditor
+        {
+            get { return new Key<string>(prefix + "shortcut.open_controls_editor"); }
+        }
+        /// <summary>shortcut.open_macro_recorder: string, default "Ctrl + Shift + 7".</summary>
+        public Key<string> ShortcutOpenMacroRecorder
+        {
+            get { return new Key<string>(prefix + "shortcut.open_macro_recorder"); }
+        }
+        /// <summary>shortcut.open_media_folder: string, default "Ctrl + Shift + 6".</summary>
+        public Key<string> ShortcutOpenMediaFolder
+        {
+            get { return new Key<string>(prefix + "shortcut.open_media_folder"); }
+        }
+        /// <summary>shortcut.open_mim: string, default "Ctrl + Shift + 8".</summary>
+        public Key<string> ShortcutOpenMim
+        {
+            get { return new Key<string>(prefix + "shortcut.open_mim"); }
+        }
+        /// <summary>shortcut.open_recent_apps: string, default "Ctrl + Shift + 5".</summary>
+        public Key<string> ShortcutOpenRecentApps
+        {
+            get { return new Key<string>(prefix + "shortcut.open_recent_apps"); }
+        }
+        /// <summary>shortcut.open_settings: string, default "Ctrl + Shift + I".</summary>
+        public Key<string> ShortcutOpenSettings
+        {
+            get { return new Key<string>(prefix + "shortcut.open_settings"); }
+        }
+        /// <summary>shortcut.open_sync_operations: string, default "Ctrl + Shift + 9".</summary>
+        public Key<string> ShortcutOpenSyncOperations
+        {
+            get { return new Key<string>(prefix + "shortcut.open_sync_operations"); }
+        }
+        /// <summary>shortcut.rotate: string, default "Ctrl + Shift + 4".</summary>
+        public Key<string> ShortcutRotate
+        {
+            get { return new Key<string>(prefix + "shortcut.rotate"); }
+        }
+        /// <summary>shortcut.screen_translate: string, default "Ctrl + Shift + L".</summary>
+        public Key<string> ShortcutScreenTranslate
+        {
+            get { return new Key<string>(prefix + "shortcut.screen_translate"); }
+        }
+        /// <summary>shortcut.shake: string, default "Ctrl + Shift + 3".</summary>
+        public Key<string> ShortcutShake
+        {
+            get { return new Key<string>(prefix + "shortcut.shake"); }
+        }
+        /// <summary>shortcut.show_hide_on_screen_controls: string, default "Ctrl + Shift +
+        /// F6".</summary>
+        public Key<string> ShortcutShowHideOnScreenControls
+        {
+            get { return new Key<string>(prefix + "shortcut.show_hide_on_screen_controls"); }
+        }
+        /// <summary>shortcut.take_screenshot: string, default "Ctrl + Shift + S".</summary>
+        public Key<string> ShortcutTakeScreenshot
+        {
+            get { return new Key<string>(prefix + "shortcut.take_screenshot"); }
+        }
+        /// <summary>shortcut.toggle_eco_mode: string, default "Ctrl + Shift + F".</summary>
+        public Key<string> ShortcutToggleEcoMode
+        {
+            get { return new Key<string>(prefix + "shortcut.toggle_eco_mode"); }
+        }
+        /// <summary>shortcut.toggle_fullscreen: string, default "F11".</summary>
+        public Key<string> ShortcutToggleFullscreen
+        {
+            get { return new Key<string>(prefix + "shortcut.toggle_fullscreen"); }
+        }
+        /// <summary>shortcut.toggle_mouse_cursor_lock: string, default "Ctrl + Shift + F8".</summary>
+        public Key<string> ShortcutToggleMouseCursorLock
+        {
+            get { return new Key<string>(prefix + "shortcut.toggle_mouse_cursor_lock"); }
+        }
+        /// <summary>shortcut.trim_memory: string, default "Ctrl + Shift + T".</summary>
+        public Key<string> ShortcutTrimMemory
+        {
+            get { return new Key<string>(prefix + "shortcut.trim_memory"); }
+        }
+        /// <summary>show_macro_delete_warning: bool, default "1".</summary>
+        public Key<bool> ShowMacroDeleteWarning
+        {
+            get { return new Key<bool>(prefix + "show_macro_delete_warning"); }
+        }
+        /// <summary>show_raw_mode_warning: bool, default "1".</summary>
+        public Key<bool> ShowRawModeWarning
+        {
+            get { return new Key<bool>(prefix + "show_raw_mode_warning"); }
+        }
+        /// <summary>show_scheme_delete_warning: bool, default "1".</summary>
+        public Key<bool> ShowSchemeDeleteWarning
+        {
+            get { return new Key<bool>(prefix + "show_scheme_delete_warning"); }
+        }
+        /// <summary>speaker_device: string, no default.</summary>
+        public Key<string> SpeakerDevice
+        {
+            get { return new Key<string>(prefix + "speaker_device"); }
+        }
+        /// <summary>startup_macro: string, no default.</summary>
+        public Key<string> StartupMacro
+        {
+            get { return new Key<string>(prefix + "startup_macro"); }
+        }
+        /// <summary>status.hypervisor: string, no default.</summary>
+        public Key<string> StatusHypervisor
+        {
+            get { return new Key<string>(prefix + "status.hypervisor"); }
+        }
+        /// <summary>status.imap_schema_version: i32, no default.</summary>
+        public Key<int> StatusImapSchemaVersion
+        {
+            get { return new Key<int>(prefix + "status.imap_schema_version"); }
+        }
+        /// <summary>status.raw_mode: bool, no default.</summary>
+        public Key<bool> StatusRawMode
+        {
+            get { return new Key<bool>(prefix + "status.raw_mode"); }
+        }
+        /// <summary>status.ssse3_available: bool, no default.</summary>
+        public Key<bool> StatusSsse3Available
+        {
+            get { return new Key<bool>(prefix + "status.ssse3_available"); }
+        }
+        /// <summary>vantrel_account_id: string, no default.</summary>
+        public Key<string> VantrelAccountId
+        {
+            get { return new Key<string>(prefix + "vantrel_account_id"); }
+        }
+        /// <summary>vantrel_cdn_url: string, no default.</summary>
+        public Key<string> VantrelCdnUrl
+        {
+            get { return new Key<string>(prefix + "vantrel_cdn_url"); }
+        }
+        /// <summary>vantrel_cloud_url: string, no default.</summary>
+        public Key<string> VantrelCloudUrl
+        {
+            get { return new Key<string>(prefix + "vantrel_cloud_url"); }
+        }
+        /// <summary>vantrel_cloud_url2: string, no default.</summary>
+        public Key<string> VantrelCloudUrl2
+        {
+            get { return new Key<string>(prefix + "vantrel_cloud_url2"); }
+        }
+        /// <summary>vantrel_eb_url: string, no default.</summary>
+        public Key<string> VantrelEbUrl
+        {
+            get { return new Key<string>(prefix + "vantrel_eb_url"); }
+        }
+        /// <summary>version_machine_id: string, no default.</summary>
+        public Key<string> VersionMachineId
+        {
+            get { return new Key<string>(prefix + "version_machine_id"); }
+        }
+    }
+
+    /// <summary>The properties of one instance.</summary>
+    public sealed class InstanceKeys
+    {
+        private readonly string prefix;
+
+        internal InstanceKeys(string prefix)
+        {
+            this.prefix = prefix;
+        }
+
+        /// <summary>abi_list: multi-string, no default; elements: x86, x64, arm, arm64.</summary>
+        public Key<string[]> AbiList
+        {
+            get { return new Key<string[]>(prefix + "abi_list"); }
+        }
+        /// <summary>adb_port: i32 (TCP port), default "5555".</summary>
+        public Key<int> AdbPort
+        {
+            get { return new Key<int>(prefix + "adb_port"); }
+        }
+        /// <summary>android_id: string, no default.</summary>
+        public Key<string> AndroidId
+        {
+            get { return new Key<string>(prefix + "android_id"); }
+        }
+        /// <summary>astc_decoding_mode: string, default "software".</summary>
+        public Key<string> AstcDecodingMode
+        {
+            get { return new Key<string>(prefix + "astc_decoding_mode"); }
+        }
+        /// <summary>boot_duration: i32, default "-1".</summary>
+        public Key<int> BootDuration
+        {
+            get { return new Key<int>(prefix + "boot_duration"); }
+        }
+        /// <summary>cpus: i32 (processors), no default.</summary>
+        public Key<int> Cpus
+        {
+            get { return new Key<int>(prefix + "cpus"); }
+        }
+        /// <summary>device_carrier_code: string, no default.</summary>
+        public Key<string> DeviceCarrierCode
+        {
+            get { return new Key<string>(prefix + "device_carrier_code"); }
+        }
+        /// <summary>device_country_code: string, no default.</summary>
+        public Key<string> DeviceCountryCode
+        {
+            get { return new Key<string>(prefix + "device_country_code"); }
+        }
+        /// <summary>device_profile_code: string, no default.</summary>
+        public Key<string> DeviceProfileCode
+        {
+            get { return new Key<string>(prefix + "device_profile_code"); }
+        }
+        /// <summary>display_name: string, default "Vantrel".</summary>
+        public Key<string> DisplayName
+        {
+            get { return new Key<string>(prefix + "display_name"); }
+        }
+        /// <summary>dpi: i32 (dots per inch), default "240".</summary>
+        public Key<int> Dpi
+        {
+            get { return new Key<int>(prefix + "dpi"); }
+        }
+        /// <summary>eco_mode_max_fps: i32 (frames per second), default "5".</summary>
+        public Key<int> EcoModeMaxFps
+        {
+            get { return new Key<int>(prefix + "eco_mode_max_fps"); }
+        }
+        /// <summary>enable_fps_display: bool, default "0".</summary>
+        public Key<bool> EnableFpsDisplay
+        {
+            get { return new Key<bool>(prefix + "enable_fps_display"); }
+        }
+        /// <summary>enable_high_fps: bool, default "0".</summary>
+        public Key<bool> EnableHighFps
+        {
+            get { return new Key<bool>(prefix + "enable_high_fps"); }
+        }
+        /// <summary>enable_root_access: bool, default "0".</summary>
+        public Key<bool> EnableRootAccess
+        {
+            get { return new Key<bool>(prefix + "enable_root_access"); }
+        }
+        /// <summary>enable_vsync: bool, default "0".</summary>
+        public Key<bool> EnableVsync
+        {
+            get { return new Key<bool>(prefix + "enable_vsync"); }
+        }
+        /// <summary>fb_height: i32 (pixels), no default.</summary>
+        public Key<int> FbHeight
+        {
+            get { return new Key<int>(prefix + "fb_height"); }
+        }
+        /// <summary>fb_width: i32 (pixels), no default.</summary>
+        public Key<int> FbWidth
+        {
+            get { return new Key<int>(prefix + "fb_width"); }
+        }
+        /// <summary>gl_win_height: i32 (pixels), default "-1".</summary>
+        public Key<int> GlWinHeight
+        {
+            get { return new Key<int>(prefix + "gl_win_height"); }
+        }
+        /// <summary>gl_win_x: i32 (pixels), default "0".</summary>
+        public Key<int> GlWinX
+        {
+            get { return new Key<int>(prefix + "gl_win_x"); }
+        }
+        /// <summary>gl_win_y: i32 (pixels), default "0".</summary>
+        public Key<int> GlWinY
+        {
+            get { return new Key<int>(prefix + "gl_win_y"); }
+        }
+        /// <summary>google_login_popup_shown: bool, default "0".</summary>
+        public Key<bool> GoogleLoginPopupShown
+        {
+            get { return new Key<bool>(prefix + "google_login_popup_shown"); }
+        }
+        /// <summary>graphics_engine: string, no default.</summary>
+        public Key<string> GraphicsEngine
+        {
+            get { return new Key<string>(prefix + "graphics_engine"); }
+        }
+        /// <summary>graphics_renderer: string, no default.</summary>
+        public Key<string> GraphicsRenderer
+        {
+            get { return new Key<string>(prefix + "graphics_renderer"); }
+        }
+        /// <summary>grm_ignored_rules: multi-string, no default.</summary>
+        public Key<string[]> GrmIgnoredRules
+        {
+            get { return new Key<string[]>(prefix + "grm_ignored_rules"); }
+        }
+        /// <summary>libc_mem_allocator: string, no default.</summary>
+        public Key<string> LibcMemAllocator
+        {
+            get { return new Key<string>(prefix + "libc_mem_allocator"); }
+        }
+        /// <summary>max_fps: i32 (frames per second), default "60".</summary>
+        public Key<int> MaxFps
+        {
+            get { return new Key<int>(prefix + "max_fps"); }
+        }
+        /// <summary>pin_to_top: bool, default "0".</summary>
+        public Key<bool> PinToTop
+        {
+            get { return new Key<bool>(prefix + "pin_to_top"); }
+        }
+        /// <summary>ram: i32 (MiB), no default.</summary>
+        public Key<int> Ram
+        {
+            get { return new Key<int>(prefix + "ram"); }
+        }
+        /// <summary>status.adb_port: i32 (TCP port), no default.</summary>
+        public Key<int> StatusAdbPort
+        {
+            get { return new Key<int>(prefix + "status.adb_port"); }
+        }
     }
 
     /// <summary>The C interface. Texts go in as bytes with a NUL at their end.</summary>
@@ -123,133 +944,215 @@ namespace QXBridge
         internal static extern IntPtr bridgeGetInstalledApps(byte[] instance);
     }
 
-    /// <summary>The properties, with the default as the file has it, and the result codes.</summary>
+    /// <summary>The library's callbacks as events.</summary>
+    internal static class EventCallbacks
+    {
+        /// <summary>Registers all of them. The caller keeps what is returned, to which the
+        /// library keeps pointers.</summary>
+        internal static Delegate[] Register(Action<BridgeEvent> arrived)
+        {
+            Native.bridgeOnAppInstalled appInstalled = (instance, package, activity, appLabel, versionCode,
+                versionName, iconFilePath, isUpdate) =>
+                arrived(new AppInstalled
+                {
+                    Instance = Utf8.Text(instance),
+                    Package = Utf8.Text(package),
+                    Activity = Utf8.Text(activity),
+                    AppLabel = Utf8.Text(appLabel),
+                    VersionCode = versionCode,
+                    VersionName = Utf8.Text(versionName),
+                    IconFilePath = Utf8.Text(iconFilePath),
+                    IsUpdate = isUpdate != 0,
+                });
+            Native.bridgeOnAppUninstalled appUninstalled = (instance, package) =>
+                arrived(new AppUninstalled
+                {
+                    Instance = Utf8.Text(instance),
+                    Package = Utf8.Text(package),
+                });
+            Native.bridgeOnApkInstallCompleted apkInstallCompleted = (instance, status, apkFilePath) =>
+                arrived(new ApkInstallCompleted
+                {
+                    Instance = Utf8.Text(instance),
+                    Status = status,
+                    ApkFilePath = Utf8.Text(apkFilePath),
+                });
+            Native.bridgeOnInstanceListUpdated instanceListUpdated = () =>
+                arrived(new InstanceListUpdated());
+            Native.bridgeInstallImageProgress installImageProgress = (imageName, status, progress) =>
+                arrived(new InstallImageProgress
+                {
+                    ImageName = Utf8.Text(imageName),
+                    Status = status,
+                    Progress = progress,
+                });
+            Native.bridgeOnCreateInstanceCompleted createInstanceCompleted = (status, instance) =>
+                arrived(new CreateInstanceCompleted
+                {
+                    Status = status,
+                    Instance = Utf8.Text(instance),
+                });
+            Native.bridgeOnInstanceConfigurationChanged instanceConfigurationChanged = (instance) =>
+                arrived(new InstanceConfigurationChanged
+                {
+                    Instance = Utf8.Text(instance),
+                });
+            Native.bridgeOnAppDisplayed appDisplayed = (instance, package) =>
+                arrived(new AppDisplayed
+                {
+                    Instance = Utf8.Text(instance),
+                    Package = Utf8.Text(package),
+                });
+            Native.bridgeOnAccountListUpdated accountListUpdated = (instance, emailId, action) =>
+                arrived(new AccountListUpdated
+                {
+                    Instance = Utf8.Text(instance),
+                    EmailId = Utf8.Text(emailId),
+                    Action = action,
+                });
+            Native.bridgeRegisterCallbacks(
+                appInstalled, appUninstalled, apkInstallCompleted, instanceListUpdated, installImageProgress,
+                createInstanceCompleted, instanceConfigurationChanged, appDisplayed, accountListUpdated);
+            return new Delegate[]
+            {
+                appInstalled, appUninstalled, apkInstallCompleted, instanceListUpdated, installImageProgress,
+                createInstanceCompleted, instanceConfigurationChanged, appDisplayed, accountListUpdated,
+            };
+        }
+    }
+
+    /// <summary>The properties, with the default as the file has it, the result codes, the images and
+    /// the version of the library.</summary>
     internal static class Tables
     {
+        internal const string Version = "5.2.0.1052";
+
+        internal static readonly string[] Images = { "Nougat32", "Nougat64" };
+
         internal struct Key
         {
-            internal string Scope, Name, Type, Default;
+            internal string Scope, Name, Type, Default, Unit, Allowed;
         }
 
         internal static readonly Key[] Keys =
         {
-            new Key { Scope = "global", Name = "campaign_hash", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "campaign_name", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "country", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "create_desktop_shortcuts", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "custom_cursor_enabled", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "dns_server", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "dns_server2", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "enable_adb_access", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "enable_adb_remote_access", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "enable_discord_integration", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_esc_fullscreen", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_esc_mousecursor", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_gamepad_detection", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_image_detection", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_mem_dedup", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "enable_native_gamepad", Type = "i32", Default = "2" },
-            new Key { Scope = "global", Name = "enable_navigationbar", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "enable_statusbar", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "feature.macros", Type = "bool", Default = "" },
-            new Key { Scope = "global", Name = "feature.rooting", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "feedback_popup_ignored_apps", Type = "multi-string", Default = "" },
-            new Key { Scope = "global", Name = "force_raw_mode", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "gamepad_editing_onboarding_done", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "guid", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "install_id", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "installed_images", Type = "multi-string", Default = "" },
-            new Key { Scope = "global", Name = "key_controls_overlay_enabled", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "key_controls_overlay_opacity", Type = "i32", Default = "80" },
-            new Key { Scope = "global", Name = "locale", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "log_levels", Type = "string", Default = "*:I" },
-            new Key { Scope = "global", Name = "machine_id", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "media_folder", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "mem_opt_mode", Type = "string", Default = "0" },
-            new Key { Scope = "global", Name = "mem_pcd_enabled", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "mem_pcd_pclimit", Type = "i32", Default = "40" },
-            new Key { Scope = "global", Name = "mem_pcr_enabled", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "mem_pcr_pclimit", Type = "i32", Default = "96" },
-            new Key { Scope = "global", Name = "mem_swap_enabled", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "microphone_device", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "mim.batch_operation_interval", Type = "i32", Default = "2000" },
-            new Key { Scope = "global", Name = "mim.instance_arrangement_layout", Type = "string", Default = "grid" },
-            new Key { Scope = "global", Name = "mim.instance_sort_option", Type = "string", Default = "name" },
-            new Key { Scope = "global", Name = "mim.instances_per_row", Type = "i32", Default = "2" },
-            new Key { Scope = "global", Name = "mim.max_fps", Type = "i32", Default = "60" },
-            new Key { Scope = "global", Name = "mute_all_instances", Type = "bool", Default = "0" },
-            new Key { Scope = "global", Name = "next_vm_id", Type = "i32", Default = "1" },
-            new Key { Scope = "global", Name = "prefer_dedicated_gpu", Type = "bool", Default = "" },
-            new Key { Scope = "global", Name = "qt_renderer", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "shared_folders", Type = "multi-string", Default = "Documents,Pictures,InputMapper,VtrSharedFolder" },
-            new Key { Scope = "global", Name = "shortcut.decrease_volume", Type = "string", Default = "Ctrl + Shift + Down" },
-            new Key { Scope = "global", Name = "shortcut.enable_disable_game_controls", Type = "string", Default = "Ctrl + Shift + F10" },
-            new Key { Scope = "global", Name = "shortcut.go_back", Type = "string", Default = "Ctrl + Shift + 2" },
-            new Key { Scope = "global", Name = "shortcut.go_home", Type = "string", Default = "Ctrl + Shift + 1" },
-            new Key { Scope = "global", Name = "shortcut.increase_volume", Type = "string", Default = "Ctrl + Shift + Up" },
-            new Key { Scope = "global", Name = "shortcut.install_apk", Type = "string", Default = "Ctrl + Shift + B" },
-            new Key { Scope = "global", Name = "shortcut.mute_unmute", Type = "string", Default = "Ctrl + Shift + M" },
-            new Key { Scope = "global", Name = "shortcut.open_controls_editor", Type = "string", Default = "Ctrl + Shift + A" },
-            new Key { Scope = "global", Name = "shortcut.open_macro_recorder", Type = "string", Default = "Ctrl + Shift + 7" },
-            new Key { Scope = "global", Name = "shortcut.open_media_folder", Type = "string", Default = "Ctrl + Shift + 6" },
-            new Key { Scope = "global", Name = "shortcut.open_mim", Type = "string", Default = "Ctrl + Shift + 8" },
-            new Key { Scope = "global", Name = "shortcut.open_recent_apps", Type = "string", Default = "Ctrl + Shift + 5" },
-            new Key { Scope = "global", Name = "shortcut.open_settings", Type = "string", Default = "Ctrl + Shift + I" },
-            new Key { Scope = "global", Name = "shortcut.open_sync_operations", Type = "string", Default = "Ctrl + Shift + 9" },
-            new Key { Scope = "global", Name = "shortcut.rotate", Type = "string", Default = "Ctrl + Shift + 4" },
-            new Key { Scope = "global", Name = "shortcut.screen_translate", Type = "string", Default = "Ctrl + Shift + L" },
-            new Key { Scope = "global", Name = "shortcut.shake", Type = "string", Default = "Ctrl + Shift + 3" },
-            new Key { Scope = "global", Name = "shortcut.show_hide_on_screen_controls", Type = "string", Default = "Ctrl + Shift + F6" },
-            new Key { Scope = "global", Name = "shortcut.take_screenshot", Type = "string", Default = "Ctrl + Shift + S" },
-            new Key { Scope = "global", Name = "shortcut.toggle_eco_mode", Type = "string", Default = "Ctrl + Shift + F" },
-            new Key { Scope = "global", Name = "shortcut.toggle_fullscreen", Type = "string", Default = "F11" },
-            new Key { Scope = "global", Name = "shortcut.toggle_mouse_cursor_lock", Type = "string", Default = "Ctrl + Shift + F8" },
-            new Key { Scope = "global", Name = "shortcut.trim_memory", Type = "string", Default = "Ctrl + Shift + T" },
-            new Key { Scope = "global", Name = "show_macro_delete_warning", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "show_raw_mode_warning", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "show_scheme_delete_warning", Type = "bool", Default = "1" },
-            new Key { Scope = "global", Name = "speaker_device", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "startup_macro", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "status.hypervisor", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "status.imap_schema_version", Type = "i32", Default = "" },
-            new Key { Scope = "global", Name = "status.raw_mode", Type = "bool", Default = "" },
-            new Key { Scope = "global", Name = "status.ssse3_available", Type = "bool", Default = "" },
-            new Key { Scope = "global", Name = "vantrel_account_id", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "vantrel_cdn_url", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "vantrel_cloud_url", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "vantrel_cloud_url2", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "vantrel_eb_url", Type = "string", Default = "" },
-            new Key { Scope = "global", Name = "version_machine_id", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "abi_list", Type = "multi-string", Default = "" },
-            new Key { Scope = "instance", Name = "adb_port", Type = "i32", Default = "5555" },
-            new Key { Scope = "instance", Name = "android_id", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "astc_decoding_mode", Type = "string", Default = "software" },
-            new Key { Scope = "instance", Name = "boot_duration", Type = "i32", Default = "-1" },
-            new Key { Scope = "instance", Name = "cpus", Type = "i32", Default = "" },
-            new Key { Scope = "instance", Name = "device_carrier_code", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "device_country_code", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "device_profile_code", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "display_name", Type = "string", Default = "Vantrel" },
-            new Key { Scope = "instance", Name = "dpi", Type = "i32", Default = "240" },
-            new Key { Scope = "instance", Name = "eco_mode_max_fps", Type = "i32", Default = "5" },
-            new Key { Scope = "instance", Name = "enable_fps_display", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "enable_high_fps", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "enable_root_access", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "enable_vsync", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "fb_height", Type = "i32", Default = "" },
-            new Key { Scope = "instance", Name = "fb_width", Type = "i32", Default = "" },
-            new Key { Scope = "instance", Name = "gl_win_height", Type = "i32", Default = "-1" },
-            new Key { Scope = "instance", Name = "gl_win_x", Type = "i32", Default = "0" },
-            new Key { Scope = "instance", Name = "gl_win_y", Type = "i32", Default = "0" },
-            new Key { Scope = "instance", Name = "google_login_popup_shown", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "graphics_engine", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "graphics_renderer", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "grm_ignored_rules", Type = "multi-string", Default = "" },
-            new Key { Scope = "instance", Name = "libc_mem_allocator", Type = "string", Default = "" },
-            new Key { Scope = "instance", Name = "max_fps", Type = "i32", Default = "60" },
-            new Key { Scope = "instance", Name = "pin_to_top", Type = "bool", Default = "0" },
-            new Key { Scope = "instance", Name = "ram", Type = "i32", Default = "" },
-            new Key { Scope = "instance", Name = "status.adb_port", Type = "i32", Default = "" },
+            new Key { Scope = "global", Name = "campaign_hash", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "campaign_name", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "country", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "create_desktop_shortcuts", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "custom_cursor_enabled", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "dns_server", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "dns_server2", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_adb_access", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_adb_remote_access", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_discord_integration", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_esc_fullscreen", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_esc_mousecursor", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_gamepad_detection", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_image_detection", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_mem_dedup", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_native_gamepad", Type = "i32", Default = "2", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_navigationbar", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "enable_statusbar", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "feature.macros", Type = "bool", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "feature.rooting", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "feedback_popup_ignored_apps", Type = "multi-string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "force_raw_mode", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "gamepad_editing_onboarding_done", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "guid", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "install_id", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "installed_images", Type = "multi-string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "key_controls_overlay_enabled", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "key_controls_overlay_opacity", Type = "i32", Default = "80", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "locale", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "log_levels", Type = "string", Default = "*:I", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "machine_id", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "media_folder", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_opt_mode", Type = "string", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_pcd_enabled", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_pcd_pclimit", Type = "i32", Default = "40", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_pcr_enabled", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_pcr_pclimit", Type = "i32", Default = "96", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mem_swap_enabled", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "microphone_device", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mim.batch_operation_interval", Type = "i32", Default = "2000", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mim.instance_arrangement_layout", Type = "string", Default = "grid", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mim.instance_sort_option", Type = "string", Default = "name", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mim.instances_per_row", Type = "i32", Default = "2", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "mim.max_fps", Type = "i32", Default = "60", Unit = "frames per second", Allowed = "" },
+            new Key { Scope = "global", Name = "mute_all_instances", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "next_vm_id", Type = "i32", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "prefer_dedicated_gpu", Type = "bool", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "qt_renderer", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shared_folders", Type = "multi-string", Default = "Documents,Pictures,InputMapper,VtrSharedFolder", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.decrease_volume", Type = "string", Default = "Ctrl + Shift + Down", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.enable_disable_game_controls", Type = "string", Default = "Ctrl + Shift + F10", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.go_back", Type = "string", Default = "Ctrl + Shift + 2", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.go_home", Type = "string", Default = "Ctrl + Shift + 1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.increase_volume", Type = "string", Default = "Ctrl + Shift + Up", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.install_apk", Type = "string", Default = "Ctrl + Shift + B", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.mute_unmute", Type = "string", Default = "Ctrl + Shift + M", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_controls_editor", Type = "string", Default = "Ctrl + Shift + A", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_macro_recorder", Type = "string", Default = "Ctrl + Shift + 7", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_media_folder", Type = "string", Default = "Ctrl + Shift + 6", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_mim", Type = "string", Default = "Ctrl + Shift + 8", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_recent_apps", Type = "string", Default = "Ctrl + Shift + 5", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_settings", Type = "string", Default = "Ctrl + Shift + I", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.open_sync_operations", Type = "string", Default = "Ctrl + Shift + 9", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.rotate", Type = "string", Default = "Ctrl + Shift + 4", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.screen_translate", Type = "string", Default = "Ctrl + Shift + L", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.shake", Type = "string", Default = "Ctrl + Shift + 3", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.show_hide_on_screen_controls", Type = "string", Default = "Ctrl + Shift + F6", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.take_screenshot", Type = "string", Default = "Ctrl + Shift + S", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.toggle_eco_mode", Type = "string", Default = "Ctrl + Shift + F", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.toggle_fullscreen", Type = "string", Default = "F11", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.toggle_mouse_cursor_lock", Type = "string", Default = "Ctrl + Shift + F8", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "shortcut.trim_memory", Type = "string", Default = "Ctrl + Shift + T", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "show_macro_delete_warning", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "show_raw_mode_warning", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "show_scheme_delete_warning", Type = "bool", Default = "1", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "speaker_device", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "startup_macro", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "status.hypervisor", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "status.imap_schema_version", Type = "i32", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "status.raw_mode", Type = "bool", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "status.ssse3_available", Type = "bool", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "vantrel_account_id", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "vantrel_cdn_url", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "vantrel_cloud_url", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "vantrel_cloud_url2", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "vantrel_eb_url", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "global", Name = "version_machine_id", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "abi_list", Type = "multi-string", Default = "", Unit = "", Allowed = "x86,x64,arm,arm64" },
+            new Key { Scope = "instance", Name = "adb_port", Type = "i32", Default = "5555", Unit = "TCP port", Allowed = "" },
+            new Key { Scope = "instance", Name = "android_id", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "astc_decoding_mode", Type = "string", Default = "software", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "boot_duration", Type = "i32", Default = "-1", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "cpus", Type = "i32", Default = "", Unit = "processors", Allowed = "" },
+            new Key { Scope = "instance", Name = "device_carrier_code", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "device_country_code", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "device_profile_code", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "display_name", Type = "string", Default = "Vantrel", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "dpi", Type = "i32", Default = "240", Unit = "dots per inch", Allowed = "" },
+            new Key { Scope = "instance", Name = "eco_mode_max_fps", Type = "i32", Default = "5", Unit = "frames per second", Allowed = "" },
+            new Key { Scope = "instance", Name = "enable_fps_display", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "enable_high_fps", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "enable_root_access", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "enable_vsync", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "fb_height", Type = "i32", Default = "", Unit = "pixels", Allowed = "" },
+            new Key { Scope = "instance", Name = "fb_width", Type = "i32", Default = "", Unit = "pixels", Allowed = "" },
+            new Key { Scope = "instance", Name = "gl_win_height", Type = "i32", Default = "-1", Unit = "pixels", Allowed = "" },
+            new Key { Scope = "instance", Name = "gl_win_x", Type = "i32", Default = "0", Unit = "pixels", Allowed = "" },
+            new Key { Scope = "instance", Name = "gl_win_y", Type = "i32", Default = "0", Unit = "pixels", Allowed = "" },
+            new Key { Scope = "instance", Name = "google_login_popup_shown", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "graphics_engine", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "graphics_renderer", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "grm_ignored_rules", Type = "multi-string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "libc_mem_allocator", Type = "string", Default = "", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "max_fps", Type = "i32", Default = "60", Unit = "frames per second", Allowed = "" },
+            new Key { Scope = "instance", Name = "pin_to_top", Type = "bool", Default = "0", Unit = "", Allowed = "" },
+            new Key { Scope = "instance", Name = "ram", Type = "i32", Default = "", Unit = "MiB", Allowed = "" },
+            new Key { Scope = "instance", Name = "status.adb_port", Type = "i32", Default = "", Unit = "TCP port", Allowed = "" },
         };
 
         internal struct Code

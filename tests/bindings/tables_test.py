@@ -51,9 +51,14 @@ def read_node(members):
     return records(text, "   ", members)
 
 
+# What C#'s records have beside.
+EXTRA = {"Key": ["Unit", "Allowed"], "Code": []}
+
+
 def read_csharp(type_, members):
     text = (TREE / "bindings/csharp/QXBridge.generated.cs").read_text("utf-8")
-    return records(text, f"new {type_}", [one.title() for one in members])
+    found = records(text, f"new {type_}", [one.title() for one in members] + EXTRA[type_])
+    return [one[:len(members)] for one in found]
 
 
 class TablesTest(unittest.TestCase):

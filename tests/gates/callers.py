@@ -15,7 +15,7 @@ import header
 PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
           "the Node binding": ["bindings/node/bridge.js", "bindings/node/calls.js",
                                "bindings/node/configuration.js", "bindings/node/native.js"],
-          "the C# binding": ["bindings/csharp/QXBridge.cs"],
+          "the C# binding": ["bindings/csharp/[!Q]*.cs"],
           "the Python binding": ["bindings/python/qxbridge.py"],
           "a test": ["tests/bridge/*.cpp", "tests/hosts/*.c", "tests/hosts/*.cpp"]}
 

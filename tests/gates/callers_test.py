@@ -20,7 +20,7 @@ FILES = {
     "bindings/node/bridge.js": "call.status('bridgeOpen', name);",
     "bindings/node/native.js": "functions.bridgeClose();",
     "bindings/node/bridge.generated.js": "'int32_t bridgeOpen(const char *name)'",
-    "bindings/csharp/QXBridge.cs": 'Require("bridgeOpen", Native.bridgeOpen(name)); Native.bridgeClose();',
+    "bindings/csharp/Session.cs": 'Require("bridgeOpen", Native.bridgeOpen(name)); Native.bridgeClose();',
     "bindings/python/qxbridge.py": 'calls.status("bridgeOpen", name), calls.value("bridgeClose")',
     "tests/bridge/OpenTest.cpp": "EXPECT_EQ(bridgeOpen(nullptr), 22);",
     "tests/hosts/plain_host.c": "bridgeClose();",
@@ -52,7 +52,7 @@ class CallersTest(unittest.TestCase):
                 ("include/bridge/bridge.hpp", "bridge.hpp", "bridgeClose"),
                 ("bindings/node/bridge.js", "the Node binding", "bridgeOpen"),
                 ("bindings/node/native.js", "the Node binding", "bridgeClose"),
-                ("bindings/csharp/QXBridge.cs", "the C# binding", "bridgeClose"),
+                ("bindings/csharp/Session.cs", "the C# binding", "bridgeClose"),
                 ("bindings/python/qxbridge.py", "the Python binding", "bridgeOpen"),
                 ("tests/bridge/OpenTest.cpp", "a test", "bridgeOpen"),
                 ("tests/hosts/plain_host.c", "a test", "bridgeClose")):

@@ -28,7 +28,7 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
     share/licences/{mingw-w64-runtime,CLI11,nlohmann-json,Unicode}.txt \
-    share/bindings/{node/{index,native,bridge.generated}.js,csharp/QXBridge{,.generated}.cs} \
+    share/bindings/{node/{index,native,bridge.generated}.js,csharp/{Session,QXBridge.generated}.cs} \
     share/bindings/python/qxbridge{,_generated}.py \
     share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
@@ -107,7 +107,7 @@ cmake --build "$work/port"
 
 # The hosts without a Windows runtime here are compiled.
 mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
-    share/bindings/csharp/QXBridge{,.generated}.cs
+    share/bindings/csharp/*.cs
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
     share/bindings/python/qxbridge{,_generated}.py
 

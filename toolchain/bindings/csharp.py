@@ -4,7 +4,8 @@ import textwrap
 from typing import List
 
 import header
-from interface import MARK, Interface, event_name, is_record, pascal
+import tables
+from interface import MARK, Interface, camel, event_name, pascal
 
 # An address is memory whose owner is not the marshaller: a text that a callback gets or that comes
 # from the library, and the client id, which the library keeps.
@@ -12,6 +13,9 @@ WORDS = {"text": "byte[]", "returned": "IntPtr", "memory": "IntPtr", "bool": "by
          "i64": "long", "double": "double", "void": "void"}
 CALLBACK_WORDS = {**WORDS, "text": "IntPtr"}
 VALUES = {"text": "string", "bool": "bool", "i32": "int", "double": "double"}
+READ = {"text": "Utf8.Text({})", "bool": "{} != 0", "i32": "{}", "double": "{}"}
+KEY_TYPES = {"bool": "bool", "i32": "int", "i64": "long", "string": "string",
+             "multi-string": "string[]"}
 KEPT = "clientId"
 WIDTH = 110
 NO_BREAK = "\xa0"
@@ -58,19 +62,108 @@ def native(interface: Interface) -> List[str]:
     return [*lines, "    }", ""]
 
 
+def summary(text: str, indent: str) -> List[str]:
+    text = text.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+    return textwrap.wrap(f"<summary>{text}</summary>", WIDTH - len(indent), break_long_words=False,
+                         initial_indent=indent + "/// ", subsequent_indent=indent + "/// ")
+
+
+def sentence(text: str) -> str:
+    return pascal(text) + "."
+
+
 def results(interface: Interface) -> List[str]:
-    rows = [f"        public const int {name.title().replace('_', '')} = {number};"
-            for name, number in interface.results.items()]
+    rows = []
+    texts = {one.number: one.text for one in interface.codes}
+    for name, number in interface.results.items():
+        rows += summary(sentence(texts.get(number, f"code {number}")), " " * 8)
+        rows.append(f"        public const int {name.title().replace('_', '')} = {number};")
     return ["    /// <summary>Result codes that have a name; others are numbers of errno, or 100000 and a "
             "Windows", "    /// error.</summary>", "    public static class Result", "    {", *rows,
             "    }", ""]
 
 
-def record(interface: Interface, name: str) -> List[str]:
-    rows = [f"        public {VALUES[one.type]} {pascal(one.name)} {{ get; internal set; }}"
-            for one in interface.callbacks[name].parameters]
-    return [f"    /// <summary>{interface.comments[name]}</summary>",
-            f"    public sealed class {event_name(name)}", "    {", *rows, "    }", ""]
+def kinds(interface: Interface) -> List[str]:
+    rows = []
+    for name in interface.callbacks:
+        rows += [*summary(interface.comments[name], " " * 8), f"        {event_name(name)},"]
+    return ["    /// <summary>The kinds of events.</summary>", "    public enum EventKind", "    {", *rows,
+            "    }", ""]
+
+
+def event(interface: Interface, name: str) -> List[str]:
+    """What a stream of events hands out, and what a handler of many values gets."""
+    rows = []
+    parameters = interface.callbacks[name].parameters
+    for one in parameters:
+        rows += summary(sentence(interface.values[name][one.name]), " " * 8)
+        rows.append(f"        public {VALUES[one.type]} {pascal(one.name)} {{ get; internal set; }}")
+    listed = textwrap.wrap("return new object[] { " + ", ".join(pascal(one.name) for one in parameters)
+                           + " };", WIDTH - 20, subsequent_indent="    ")
+    rows += ["        /// <summary>EventKind." + event_name(name) + ".</summary>",
+             f"        public override EventKind Kind {{ get {{ return EventKind.{event_name(name)}; }} }}",
+             "        /// <summary>The values in the order of the properties above.</summary>",
+             "        public override object[] Values", "        {", "            get", "            {",
+             *[" " * 16 + line for line in listed], "            }", "        }"]
+    return [*summary(interface.comments[name], " " * 4),
+            f"    public sealed class {event_name(name)} : BridgeEvent", "    {", *rows, "    }", ""]
+
+
+def callback(name: str, signature: header.Signature) -> List[str]:
+    """The delegate of one callback, which makes the event of its arguments."""
+    names = ", ".join(one.name for one in signature.parameters)
+    lines = textwrap.wrap(f"Native.{name} {camel(event_name(name))} = ({names}) =>", WIDTH,
+                          initial_indent=" " * 12, subsequent_indent=" " * 16)
+    lines.append(f"                arrived(new {event_name(name)}")
+    if not signature.parameters:
+        lines[-1] += "());"
+        return lines
+    rows = [f"                    {pascal(one.name)} = {READ[one.type].format(one.name)},"
+            for one in signature.parameters]
+    return [*lines, "                {", *rows, "                });"]
+
+
+def callbacks(interface: Interface) -> List[str]:
+    registration = interface.functions["bridgeRegisterCallbacks"].parameters
+    names = [camel(event_name(one.type)) for one in registration]
+    lines = []
+    for one in interface.callbacks.items():
+        lines += callback(*one)
+    joined = textwrap.wrap(", ".join(names) + ");", WIDTH - 16)
+    return ["    /// <summary>The library's callbacks as events.</summary>",
+            "    internal static class EventCallbacks", "    {",
+            "        /// <summary>Registers all of them. The caller keeps what is returned, to which the",
+            "        /// library keeps pointers.</summary>",
+            "        internal static Delegate[] Register(Action<BridgeEvent> arrived)", "        {", *lines,
+            "            Native.bridgeRegisterCallbacks(", *[" " * 16 + line for line in joined],
+            "            return new Delegate[]", "            {",
+            *[" " * 16 + line for line in textwrap.wrap(", ".join(names) + ",", WIDTH - 16)],
+            "            };", "        }", "    }", ""]
+
+
+def key_comment(key: tables.Key) -> str:
+    default = f'default "{key.default}"' if key.default else "no default"
+    unit = f" ({key.unit})" if key.unit else ""
+    allowed = f"; elements: {', '.join(key.allowed)}" if key.allowed else ""
+    return f"{key.name}: {key.type}{unit}, {default}{allowed}."
+
+
+def key_name(name: str) -> str:
+    return "".join(pascal(part) for part in name.replace(".", "_").split("_") if part)
+
+
+def key_set(interface: Interface, scope: str) -> List[str]:
+    rows = []
+    for one in (one for one in interface.keys if one.scope == scope):
+        type_ = f"Key<{KEY_TYPES[one.type]}>"
+        rows += [*summary(key_comment(one), " " * 8), f"        public {type_} {key_name(one.name)}",
+                 "        {", f"            get {{ return new {type_}(prefix + {quoted(one.name)}); }}",
+                 "        }"]
+    of = "The properties of the product." if scope == "global" else "The properties of one instance."
+    return [f"    /// <summary>{of}</summary>", f"    public sealed class {pascal(scope)}Keys", "    {",
+            "        private readonly string prefix;", "",
+            f"        internal {pascal(scope)}Keys(string prefix)", "        {",
+            "            this.prefix = prefix;", "        }", "", *rows, "    }", ""]
 
 
 def table(type_: str, members: List[str], name: str, rows: List[str]) -> List[str]:
@@ -82,8 +175,9 @@ def table(type_: str, members: List[str], name: str, rows: List[str]) -> List[st
 
 def keys(interface: Interface) -> List[str]:
     rows = [f"Scope = {quoted(one.scope)}, Name = {quoted(one.name)}, Type = {quoted(one.type)}, "
-            f"Default = {quoted(one.default)}" for one in interface.keys]
-    return table("Key", ["string Scope, Name, Type, Default"], "Keys", rows)
+            f"Default = {quoted(one.default)}, Unit = {quoted(one.unit)}, "
+            f"Allowed = {quoted(','.join(one.allowed))}" for one in interface.keys]
+    return table("Key", ["string Scope, Name, Type, Default, Unit, Allowed"], "Keys", rows)
 
 
 def codes(interface: Interface) -> List[str]:
@@ -92,18 +186,23 @@ def codes(interface: Interface) -> List[str]:
     return table("Code", ["int Number", "string Name, Text"], "Codes", rows)
 
 
-def tables(interface: Interface) -> List[str]:
-    return ["    /// <summary>The properties, with the default as the file has it, and the result codes."
-            "</summary>", "    internal static class Tables", "    {", *keys(interface), "",
-            *codes(interface), "    }"]
+def rows_of_tables(interface: Interface) -> List[str]:
+    images = ", ".join(quoted(one) for one in interface.images)
+    return ["    /// <summary>The properties, with the default as the file has it, the result codes, the "
+            "images and", "    /// the version of the library.</summary>",
+            "    internal static class Tables", "    {",
+            f"        internal const string Version = {quoted(interface.version)};", "",
+            f"        internal static readonly string[] Images = {{ {images} }};", "",
+            *keys(interface), "", *codes(interface), "    }"]
 
 
 def source(interface: Interface) -> str:
     lines = [f"// {line}" for line in MARK]
     lines += ["", "using System;", "using System.Runtime.InteropServices;", "", "namespace QXBridge",
-              "{"] + results(interface)
-    for name, signature in interface.callbacks.items():
-        if is_record(signature):
-            lines += record(interface, name)
-    lines += native(interface) + tables(interface)
+              "{"] + results(interface) + kinds(interface)
+    for name in interface.callbacks:
+        lines += event(interface, name)
+    for scope in ("global", "instance"):
+        lines += key_set(interface, scope)
+    lines += native(interface) + callbacks(interface) + rows_of_tables(interface)
     return "\n".join([*lines, "}"]) + "\n"

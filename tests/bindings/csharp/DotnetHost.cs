@@ -5,22 +5,18 @@
 using System;
 using System.Collections.Generic;
 using System.IO;
-using System.Runtime.InteropServices;
 using System.Threading;
+using System.Threading.Tasks;
 using QXBridge;
 
 static class DotnetHost
 {
     // No other test serves this name at the same time.
     const Client Self = Client.Uninstaller;
-    const string ServerPath = @"\\.\pipe\vtr_Uninstaller_bridge_nvo";
 
     static readonly StreamWriter Output =
         new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true, NewLine = "\n" };
     static readonly SemaphoreSlim Arrived = new SemaphoreSlim(0);
-
-    [DllImport("kernel32.dll", CharSet = CharSet.Unicode)]
-    static extern bool WaitNamedPipeW(string path, uint milliseconds);
 
     static void Say(params object[] words)
     {
@@ -52,11 +48,9 @@ static class DotnetHost
         GC.WaitForPendingFinalizers();
     }
 
-    // Says "listening" when there is something to connect to: the server's thread begins after Listen().
     static void Listen(Session session)
     {
         session.Listen();
-        for (int i = 0; i < 2000 && !WaitNamedPipeW(ServerPath, 1000); ++i) Thread.Sleep(5);
         Say("listening");
     }
 
@@ -301,22 +295,150 @@ static class DotnetHost
         Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
     }
 
-    static void ReadMissingKeyInHandler(Session session)
+    static void LaunchInAHandler(Session session)
     {
-        session.AppDisplayed += (instance, package) => session.Conf.GetString("vtr.no_such_key");
+        session.AppDisplayed += (instance, package) => session.LaunchApp("N", "p");
         Listen(session);
         WaitForEvents(1);
+    }
+
+    static string RefusalOf(Action call)
+    {
+        try
+        {
+            call();
+            return "no refusal";
+        }
+        catch (KeyException exception)
+        {
+            return exception.Message;
+        }
+    }
+
+    static void WrongKeys(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            Say("handler:", RefusalOf(() => session.Conf.GetString("vtr.no_such_key")));
+            Arrived.Release();
+        };
+        Listen(session);
+        WaitForEvents(1);
+        Say(RefusalOf(() => session.Conf.GetString("vtr.no_such_key")));
+        Say(RefusalOf(() => session.Conf.GetI32("vtr.locale")));
+        Say(RefusalOf(() => session.Conf.GetI64("vtr.locale")));
+        Say(RefusalOf(() => session.Conf.SetI64("vtr.locale", 1L << 40)));
+        Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
+    }
+
+    // Another program has the configuration's lock until the second lambda has run.
+    static void WhileTheFileIsLocked(Action locked, Action unlocked)
+    {
+        using (var free = new ManualResetEventSlim())
+        using (var taken = new ManualResetEventSlim())
+        {
+            var owner = new Thread(() =>
+            {
+                using (var mutex = new Mutex(false, @"Global\vtr_conf_nvo"))
+                {
+                    mutex.WaitOne();
+                    taken.Set();
+                    free.Wait();
+                    mutex.ReleaseMutex();
+                }
+            });
+            owner.Start();
+            taken.Wait();
+            locked();
+            free.Set();
+            owner.Join();
+            unlocked();
+        }
+    }
+
+    static void CommitInside(Session session)
+    {
+        Task commit = null;
+        WhileTheFileIsLocked(() =>
+        {
+            session.Conf.SetString("vtr.locale", "de-DE");
+            commit = session.Conf.CommitAsync();
+            using (var cancellation = new CancellationTokenSource())
+            {
+                Task cancelled = session.Conf.CommitAsync(cancellation.Token);
+                cancellation.Cancel();
+                Say(RefusalOfATask(cancelled));
+            }
+            Say("commit is", commit.IsCompleted ? "done" : "inside", "and reads go on:",
+                session.Conf.GetString("vtr.locale"));
+        }, () =>
+        {
+            commit.GetAwaiter().GetResult();
+            Say("committed");
+        });
+    }
+
+    static string RefusalOfATask(Task task)
+    {
+        try
+        {
+            task.GetAwaiter().GetResult();
+            return "no refusal";
+        }
+        catch (OperationCanceledException)
+        {
+            return "cancelled";
+        }
+    }
+
+    // The end waits for the commit that nobody waits for any more.
+    static void EndDuringACommit(Session session)
+    {
+        Task end = null;
+        WhileTheFileIsLocked(() =>
+        {
+            session.Conf.SetString("vtr.locale", "de-DE");
+            session.Conf.CommitAsync();
+            end = Task.Run(() => session.Dispose());
+            while (SessionLives(session)) Thread.Yield();
+            Say("end is", end.Wait(100) ? "done" : "waiting");
+        }, () =>
+        {
+            end.Wait();
+            Say("ended");
+        });
+    }
+
+    static async Task Awaiting(Session session)
+    {
+        EventStream stream = session.Events(EventKind.AppDisplayed);
+        await session.ListenAsync();
+        Say("listening");
+        for (int i = 0; i < 2; ++i)
+        {
+            var displayed = (AppDisplayed)await stream.ReadAsync();
+            Say("displayed", displayed.Package);
+            session.Conf.Set(Keys.Global.Locale, displayed.Package);
+            await session.Conf.CommitAsync();
+        }
+        foreach (Instance one in await session.InstancesAsync()) Say("instance", one.Name);
+        Task<BridgeEvent> last = stream.ReadAsync();
+        session.Dispose();
+        Say("last", await last == null ? "end" : "event");
+    }
+
+    // An event's continuation may end the session: it is not on the event thread.
+    static void AwaitingAndEnding(Session session)
+    {
+        Awaiting(session).Wait();
     }
 
     static void Fatal(Session session, string kind)
     {
         var kinds = new Dictionary<string, Action>
         {
-            { "missing key", () => session.Conf.GetString("vtr.no_such_key") },
-            { "other type", () => session.Conf.GetI32("vtr.locale") },
-            { "reads i64", () => session.Conf.GetI64("vtr.locale") },
-            { "sets i64", () => session.Conf.SetI64("vtr.locale", 1L << 40) },
-            { "in a handler", () => ReadMissingKeyInHandler(session) },
+            { "no install folder", () => session.LaunchApp("N", "p") },
+            { "in a handler", () => LaunchInAHandler(session) },
         };
         kinds[kind]();
         Say("still here");
@@ -342,6 +464,10 @@ static class DotnetHost
             case "dispose in handler": DisposeInHandler(session); break;
             case "programs": Programs(session); break;
             case "no program": SayFailure(() => session.LaunchApp("Nougat64", "p")); break;
+            case "wrong keys": WrongKeys(session); break;
+            case "commit inside": CommitInside(session); break;
+            case "end during a commit": EndDuringACommit(session); break;
+            case "awaiting": AwaitingAndEnding(session); break;
             case "fatal": Fatal(session, argument); break;
             case "exit in handler": ExitInHandler(session); break;
             case "exit in handler during dispose": ExitInHandlerDuringDispose(session); break;

@@ -4,8 +4,8 @@ using System;
 using System.Runtime.InteropServices;
 using Microsoft.Win32;
 
-/// <summary>Gives this process, and no other, a HKEY_LOCAL_MACHINE of its own with the product's values.
-/// A process that the library ends leaves its key, which is volatile, behind.</summary>
+/// <summary>Gives this process, and no other, a HKEY_LOCAL_MACHINE of its own with the product's values,
+/// without a data folder when that is empty. A process that the library ends leaves its key, which is volatile, behind.</summary>
 sealed class Sandbox : IDisposable
 {
     private static readonly IntPtr LocalMachine = new IntPtr(unchecked((int)0x80000002));
@@ -26,7 +26,7 @@ sealed class Sandbox : IDisposable
         using (RegistryKey product = Registry.LocalMachine.CreateSubKey(@"SOFTWARE\Vantrel_nvo", true,
                                                                         RegistryOptions.Volatile))
         {
-            product.SetValue("UserDefinedDir", dataFolder);
+            if (dataFolder.Length > 0) product.SetValue("UserDefinedDir", dataFolder);
             product.SetValue("InstallDir", installFolder);
         }
     }

@@ -1,0 +1,71 @@
+// What is looked at before the library is asked for a value: the library ends the process for a key, a
+// type or a stored value that is wrong, and takes a mistyped instance for a new one.
+
+using System.Collections.Generic;
+
+namespace QXBridge
+{
+    internal sealed class KeyChecks
+    {
+        // An instance that the library has loaded has one of them. None ends the process, where its value
+        // can be read, and all are 0 or "" for an instance that is not loaded.
+        private static readonly string[] NumbersOfALoadedOne =
+            { "dpi", "max_fps", "eco_mode_max_fps", "gl_win_height" };
+        private const string TextOfALoadedOne = "display_name";
+
+        private readonly KnownInstances known;
+        private readonly HashSet<string> seenLoaded = new HashSet<string>();
+
+        internal KeyChecks(KnownInstances known)
+        {
+            this.known = known;
+        }
+
+        internal void BeforeSet(string key, string type)
+        {
+            Catalogue.Find(key, type);
+            string instance = Catalogue.InstanceOf(key);
+            if (instance != null) known.Require(instance);
+        }
+
+        internal void BeforeGet(string key, string type)
+        {
+            Tables.Key declared = Catalogue.Find(key, type);
+            string instance = Catalogue.InstanceOf(key);
+            if (instance != null)
+            {
+                known.Require(instance);
+                RequireLoaded(instance);
+            }
+            string stored = known.Stored(key) ?? declared.Default;
+            if (Catalogue.IsReadable(type, stored)) return;
+            string has = stored.Length == 0 && declared.Default.Length == 0
+                ? " has no value and no default"
+                : " has a value that cannot be read: " + Catalogue.Quoted(stored);
+            throw new KeyException(Catalogue.Quoted(key) + has, key, null);
+        }
+
+        private void RequireLoaded(string instance)
+        {
+            lock (seenLoaded)
+                if (seenLoaded.Contains(instance)) return;
+            if (!IsLoaded(instance))
+                throw new KeyException("instance " + Catalogue.Quoted(instance) + " is not loaded yet: it is " +
+                                       "after a commit, or after instanceListUpdated", instance, null);
+            lock (seenLoaded) seenLoaded.Add(instance);
+        }
+
+        private bool IsLoaded(string instance)
+        {
+            string start = Catalogue.InstancePrefix + instance + ".";
+            foreach (string name in NumbersOfALoadedOne)
+            {
+                string key = start + name;
+                if (!Catalogue.IsReadable("i32", known.Stored(key) ?? "")) continue;
+                if (Native.bridgeConfGetI32(Utf8.Bytes(key, "key")) != 0) return true;
+            }
+            return !string.IsNullOrEmpty(Session.TextOf(
+                Native.bridgeConfGetString(Utf8.Bytes(start + TextOfALoadedOne, "key"))));
+        }
+    }
+}

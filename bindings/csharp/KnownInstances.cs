@@ -1,0 +1,167 @@
+// What the binding knows of the configuration that the library has loaded: instances and values. It
+// comes from the file, never from the library's listing, which is fatal for a wrong name.
+
+using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Linq;
+
+namespace QXBridge
+{
+    internal sealed class KnownInstances
+    {
+        private readonly string path; // null: there is no file
+        private readonly object guard = new object();
+        private HashSet<string> inTheFile = new HashSet<string>();
+        private HashSet<string> whenLoaded = new HashSet<string>();
+        private readonly HashSet<string> added = new HashSet<string>();
+        private readonly Dictionary<string, string> loaded = new Dictionary<string, string>();
+        private readonly Dictionary<string, string> staged = new Dictionary<string, string>();
+
+        internal KnownInstances(string path)
+        {
+            this.path = path;
+        }
+
+        /// <summary>The library has loaded the file, at its start or before an event. As there, values
+        /// that the file no longer has stay.</summary>
+        internal void Load()
+        {
+            Dictionary<string, string> values = ReadFile();
+            if (values == null) return;
+            lock (guard)
+            {
+                Take(values);
+                whenLoaded = inTheFile;
+            }
+        }
+
+        /// <summary>A commit loads the file first, if it has something to write.</summary>
+        internal void LoadForCommit(bool writesAlways)
+        {
+            lock (guard)
+                if (!writesAlways && staged.Count == 0) return;
+            Dictionary<string, string> values = ReadFile();
+            if (values == null) return;
+            lock (guard)
+            {
+                Take(values);
+                // The library may have loaded an earlier file, which the listing would still end with.
+                whenLoaded = new HashSet<string>(whenLoaded.Concat(inTheFile));
+            }
+        }
+
+        private void Take(Dictionary<string, string> values)
+        {
+            foreach (var one in values) loaded[one.Key] = one.Value;
+            inTheFile = InstancesOf(values);
+        }
+
+        /// <summary>After a commit: what was staged is as good as loaded.</summary>
+        internal void Merge()
+        {
+            lock (guard)
+            {
+                foreach (var one in staged) loaded[one.Key] = one.Value;
+                staged.Clear();
+            }
+        }
+
+        /// <summary>A value was set. As in the library, one that is there already stages nothing.</summary>
+        internal void Stage(string key, string value)
+        {
+            lock (guard)
+            {
+                string present;
+                if (!loaded.TryGetValue(key, out present)) present = Catalogue.Find(key).Default;
+                if (value == present) staged.Remove(key);
+                else staged[key] = value;
+            }
+        }
+
+        /// <summary>The text that the library has for a key; null for its default.</summary>
+        internal string Stored(string key)
+        {
+            string value;
+            lock (guard)
+            {
+                if (staged.TryGetValue(key, out value)) return value;
+                return loaded.TryGetValue(key, out value) ? value : null;
+            }
+        }
+
+        internal void Add(string name)
+        {
+            lock (guard) added.Add(name);
+        }
+
+        /// <summary>Throws for a name that neither the file nor this process has.</summary>
+        internal void Require(string name)
+        {
+            if (IsKnown(name)) return;
+            Dictionary<string, string> values = ReadFile();
+            string near;
+            lock (guard)
+            {
+                if (values != null) inTheFile = InstancesOf(values);
+                if (inTheFile.Contains(name)) return;
+                near = Catalogue.Nearest(name, Sorted(inTheFile.Concat(added)));
+            }
+            throw new KeyException("there is no instance " + Catalogue.Quoted(name) +
+                                   Catalogue.DidYouMean(near), name, near);
+        }
+
+        private bool IsKnown(string name)
+        {
+            lock (guard) return inTheFile.Contains(name) || added.Contains(name);
+        }
+
+        /// <summary>Throws for an instance in the library that runs no image: its listing would end the
+        /// process.</summary>
+        internal void RequireImages()
+        {
+            string wrong;
+            lock (guard) wrong = Sorted(whenLoaded).FirstOrDefault(one => !HasImage(one));
+            if (wrong != null) throw NoImage(wrong);
+        }
+
+        internal static bool HasImage(string instance)
+        {
+            return Tables.Images.Contains(Catalogue.ImageOf(instance));
+        }
+
+        internal static KeyException NoImage(string instance)
+        {
+            return new KeyException(Catalogue.Quoted(Catalogue.ImageOf(instance)) +
+                " is not an image; there are " + string.Join(", ", Tables.Images), instance, null);
+        }
+
+        private static IEnumerable<string> Sorted(IEnumerable<string> names)
+        {
+            return names.OrderBy(one => one, StringComparer.Ordinal);
+        }
+
+        private static HashSet<string> InstancesOf(Dictionary<string, string> values)
+        {
+            return new HashSet<string>(values.Keys.Select(Catalogue.InstanceOf).Where(one => one != null));
+        }
+
+        // Null for a file that cannot be read, which changes nothing in the library either.
+        private Dictionary<string, string> ReadFile()
+        {
+            if (path == null) return new Dictionary<string, string>();
+            try
+            {
+                return ConfFile.Read(path);
+            }
+            catch (IOException)
+            {
+                return null;
+            }
+            catch (UnauthorizedAccessException)
+            {
+                return null;
+            }
+        }
+    }
+}

@@ -1,0 +1,133 @@
+// What the binding asks the system for, beside files: the product's registry values, whether a log can
+// be opened, and who serves a pipe. Tests replace it.
+
+using System;
+using System.Diagnostics;
+using System.Runtime.InteropServices;
+using System.Text;
+using System.Threading;
+
+namespace QXBridge
+{
+    /// <summary>Who serves a pipe's name: a process, or nobody, or one that cannot be asked.</summary>
+    internal struct PipeServer
+    {
+        internal int ProcessId; // 0: not known
+        internal int Error;     // of Windows; 0: a process is known
+    }
+
+    internal class Machine
+    {
+        internal static Machine Current = new Machine();
+
+        private static readonly IntPtr LocalMachine = new IntPtr(unchecked((int)0x80000002));
+        private static readonly IntPtr Invalid = new IntPtr(-1);
+
+        private const string ProductKey = @"SOFTWARE\Vantrel_nvo";
+        private const uint QueryThe64BitView = 0x0001 | 0x0100;
+        private const uint TextType = 1;
+
+        private const uint AppendData = 0x0004;
+        private const uint ShareAll = 0x0001 | 0x0002 | 0x0004;
+        private const uint CreateNew = 1, OpenExisting = 3;
+        private const uint ReadAndWrite = 0xC0000000, Delete = 0x00010000;
+        private const uint DeleteOnClose = 0x04000000;
+        // The server learns nothing about the user.
+        private const uint Anonymously = 0x00100000;
+
+        private const int FileNotFound = 2, PipeBusy = 231;
+        private const int TryAgainAfter = 5; // milliseconds
+
+        /// <summary>A text of the product's key, read as the library reads it; empty where there is no
+        /// such text.</summary>
+        internal virtual string ProductText(string name)
+        {
+            IntPtr key;
+            try
+            {
+                if (Native.RegOpenKeyExW(LocalMachine, ProductKey, 0, QueryThe64BitView, out key) != 0)
+                    return "";
+            }
+            catch (DllNotFoundException) // a system without a registry
+            {
+                return "";
+            }
+            try
+            {
+                return TextOf(key, name);
+            }
+            finally
+            {
+                Native.RegCloseKey(key);
+            }
+        }
+
+        private static string TextOf(IntPtr key, string name)
+        {
+            uint type, size = 0;
+            if (Native.RegQueryValueExW(key, name, IntPtr.Zero, out type, null, ref size) != 0) return "";
+            byte[] bytes = new byte[size];
+            if (Native.RegQueryValueExW(key, name, IntPtr.Zero, out type, bytes, ref size) != 0) return "";
+            return type == TextType ? Encoding.Unicode.GetString(bytes, 0, (int)size).TrimEnd('\0') : "";
+        }
+
+        /// <summary>Opens an existing file for appending, shared as the library's log is. 0, or the
+        /// error of Windows.</summary>
+        internal virtual int TryToAppend(string path)
+        {
+            return TryToOpen(path, AppendData, OpenExisting, 0);
+        }
+
+        /// <summary>Makes a file in a folder, which is gone again at the end of the call.</summary>
+        internal virtual int TryToCreateIn(string folder)
+        {
+            string path = System.IO.Path.Combine(folder, "preflight-" + Guid.NewGuid().ToString("N"));
+            return TryToOpen(path, AppendData | Delete, CreateNew, DeleteOnClose);
+        }
+
+        private static int TryToOpen(string path, uint access, uint disposition, uint flags)
+        {
+            IntPtr file = Native.CreateFileW(path, access, ShareAll, IntPtr.Zero, disposition, flags,
+                                             IntPtr.Zero);
+            if (file == Invalid) return Marshal.GetLastWin32Error();
+            Native.CloseHandle(file);
+            return 0;
+        }
+
+        internal virtual int OwnProcessId
+        {
+            get { return (int)Native.GetCurrentProcessId(); }
+        }
+
+        /// <summary>The server of a pipe, for which this waits as long as there is none.</summary>
+        internal virtual PipeServer ServerOf(string pipe, TimeSpan limit)
+        {
+            Stopwatch waited = Stopwatch.StartNew();
+            for (;;)
+            {
+                IntPtr handle = Native.CreateFileW(pipe, ReadAndWrite, 0, IntPtr.Zero, OpenExisting,
+                                                   Anonymously, IntPtr.Zero);
+                if (handle != Invalid) return ServerOf(handle);
+                int error = Marshal.GetLastWin32Error();
+                bool mayCome = error == FileNotFound || error == PipeBusy;
+                if (!mayCome || waited.Elapsed >= limit) return new PipeServer { Error = error };
+                if (error != PipeBusy || !Native.WaitNamedPipeW(pipe, 100)) Thread.Sleep(TryAgainAfter);
+            }
+        }
+
+        private static PipeServer ServerOf(IntPtr handle)
+        {
+            try
+            {
+                uint processId;
+                if (Native.GetNamedPipeServerProcessId(handle, out processId))
+                    return new PipeServer { ProcessId = (int)processId };
+                return new PipeServer { Error = Marshal.GetLastWin32Error() };
+            }
+            finally
+            {
+                Native.CloseHandle(handle);
+            }
+        }
+    }
+}

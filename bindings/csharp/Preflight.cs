@@ -1,0 +1,124 @@
+// What would end the process at the start of the library, or make the start fail.
+
+using System;
+using System.Collections.Generic;
+using System.IO;
+
+namespace QXBridge
+{
+    internal sealed class Preflight
+    {
+        private const string ProductKey = @"HKEY_LOCAL_MACHINE\SOFTWARE\Vantrel_nvo";
+
+        private readonly Places places;
+        private readonly List<Problem> problems = new List<Problem>();
+
+        private Preflight(Places places)
+        {
+            this.places = places;
+        }
+
+        internal static IList<Problem> Run(Client client, Places places)
+        {
+            var preflight = new Preflight(places);
+            if (preflight.LooksAtTheDataFolder()) preflight.LookAtTheRest(client);
+            return preflight.problems.AsReadOnly();
+        }
+
+        private void Add(string what, string remedy)
+        {
+            problems.Add(new Problem(what, remedy));
+        }
+
+        // False when the rest means nothing. Without the file and with a log elsewhere the library needs no
+        // data folder.
+        private bool LooksAtTheDataFolder()
+        {
+            if (places.ConfPath == null && places.HasOwnLog) return true;
+            if (places.DataFolder.Length == 0)
+                Add("the registry value " + ProductKey + " \"UserDefinedDir\" is missing",
+                    "install the product, or set it to a data folder " +
+                    "(reg add HKLM\\SOFTWARE\\Vantrel_nvo /v UserDefinedDir /d C:\\Data)");
+            else if (!Directory.Exists(places.DataFolder))
+                Add("the data folder " + places.DataFolder + " does not exist",
+                    "create it, or set \"UserDefinedDir\" of " + ProductKey + " to one that exists");
+            return problems.Count == 0;
+        }
+
+        private void LookAtTheRest(Client client)
+        {
+            if (places.HasOwnLog || LooksAtTheLogFolder()) LookAtTheLog();
+            if (places.ConfPath != null) LookAtTheConfiguration();
+            if (client == Client.Launcher) LookAtTheVersion();
+        }
+
+        private bool LooksAtTheLogFolder()
+        {
+            string folder = Path.GetDirectoryName(places.LogPath);
+            if (Directory.Exists(folder)) return true;
+            Add("the folder " + folder + " does not exist", "create it");
+            return false;
+        }
+
+        // An empty path keeps the log on standard output.
+        private void LookAtTheLog()
+        {
+            if (places.LogPath.Length == 0) return;
+            int error;
+            if (File.Exists(places.LogPath) || Directory.Exists(places.LogPath))
+            {
+                error = Machine.Current.TryToAppend(places.LogPath);
+            }
+            else
+            {
+                string folder = FolderThatIsWritten();
+                if (folder == null)
+                {
+                    Add("the folder of the log " + places.LogPath + " does not exist", "create it");
+                    return;
+                }
+                error = Machine.Current.TryToCreateIn(folder);
+            }
+            if (error == 0) return;
+            Add("the log " + places.LogPath + " cannot be opened (Windows error " + error + ")",
+                "give this user the right to modify its folder, or name another log");
+        }
+
+        // The folder of the log. The library creates missing ones, as far as "\" separates them: then the
+        // one in which it creates the first. Null for a folder that neither exists nor is created.
+        private string FolderThatIsWritten()
+        {
+            string path = Path.GetFullPath(places.LogPath);
+            string folder = Path.GetDirectoryName(path);
+            bool isCreated = places.LogPath.LastIndexOf('/') <= places.LogPath.LastIndexOf('\\');
+            if (!isCreated && !Directory.Exists(folder)) return null;
+            while (folder != null && !Directory.Exists(folder)) folder = Path.GetDirectoryName(folder);
+            return folder;
+        }
+
+        private void LookAtTheConfiguration()
+        {
+            string file = "the configuration file " + places.ConfPath;
+            try
+            {
+                if (!File.Exists(places.ConfPath) && !Directory.Exists(places.ConfPath))
+                    Add(file + " does not exist", "install the product, or copy a configuration there");
+                else if (ConfFile.BeginsWithAMark(places.ConfPath))
+                    Add(file + " begins with a byte order mark", "save it as UTF-8 without a byte order mark");
+            }
+            catch (Exception exception)
+            {
+                if (!(exception is IOException || exception is UnauthorizedAccessException)) throw;
+                Add(file + " cannot be read", "give this user the right to read it");
+            }
+        }
+
+        private void LookAtTheVersion()
+        {
+            string version = Machine.Current.ProductText("Version");
+            if (version == Tables.Version) return;
+            Add("the product's version is \"" + version + "\", and the library's is \"" + Tables.Version + "\"",
+                "install product and library of the same version");
+        }
+    }
+}

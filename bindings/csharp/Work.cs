@@ -1,0 +1,127 @@
+// Work that a program does for the host, and the event that reports its end.
+
+using System;
+using System.Collections.Generic;
+using System.Linq;
+using System.Threading;
+using System.Threading.Tasks;
+
+namespace QXBridge
+{
+    /// <summary>Work that was started, and the event that it ends with. One that nobody waits for costs
+    /// nothing but its memory, until the event comes or the session ends.</summary>
+    public sealed class Work<T> where T : BridgeEvent
+    {
+        private readonly Session session;
+        private readonly Task<T> outcome;
+
+        internal Work(Session session, Task<T> outcome)
+        {
+            this.session = session;
+            this.outcome = outcome;
+        }
+
+        /// <summary>Waits for the event without a limit.</summary>
+        public Task<T> FinishedAsync()
+        {
+            return FinishedAsync(Timeout.InfiniteTimeSpan, CancellationToken.None);
+        }
+
+        /// <summary>Waits for the event. TimeoutException after the limit; the work goes on.</summary>
+        public Task<T> FinishedAsync(TimeSpan limit)
+        {
+            return FinishedAsync(limit, CancellationToken.None);
+        }
+
+        /// <summary>Waits for the event: TimeoutException after the limit, OperationCanceledException when
+        /// the token is cancelled, ObjectDisposedException when the session ends. The work goes on. Throws
+        /// InvalidOperationException at once where Listen() has not succeeded.</summary>
+        public Task<T> FinishedAsync(TimeSpan limit, CancellationToken token)
+        {
+            if (!outcome.IsCompleted && !session.IsListening)
+                throw new InvalidOperationException("Listen() comes first: no event says how the work ends");
+            return Waiting.For(outcome, limit, token, typeof(T).Name);
+        }
+    }
+
+    /// <summary>What waits for one event.</summary>
+    internal abstract class Watch
+    {
+        /// <summary>Whether this was the event.</summary>
+        internal abstract bool Sees(BridgeEvent one);
+        /// <summary>Whether another watch may see the same event.</summary>
+        internal bool TakesItAlone;
+        internal abstract void End();
+    }
+
+    internal sealed class Watch<T> : Watch where T : BridgeEvent
+    {
+        private readonly TaskCompletionSource<T> outcome =
+            new TaskCompletionSource<T>(TaskCreationOptions.RunContinuationsAsynchronously);
+        private readonly Func<T, bool> isTheEnd;
+
+        internal Watch(Func<T, bool> isTheEnd)
+        {
+            this.isTheEnd = isTheEnd;
+        }
+
+        internal Task<T> Outcome
+        {
+            get { return outcome.Task; }
+        }
+
+        internal override bool Sees(BridgeEvent one)
+        {
+            var mine = one as T;
+            return mine != null && isTheEnd(mine) && outcome.TrySetResult(mine);
+        }
+
+        internal override void End()
+        {
+            Waiting.Fail(outcome, new ObjectDisposedException("QXBridge.Session"));
+        }
+    }
+
+    /// <summary>All watches, in the order of the calls that they belong to.</summary>
+    internal sealed class Watches
+    {
+        private readonly LinkedList<Watch> watches = new LinkedList<Watch>();
+
+        internal void Add(Watch watch)
+        {
+            lock (watches) watches.AddLast(watch);
+        }
+
+        internal void Remove(Watch watch)
+        {
+            lock (watches) watches.Remove(watch);
+        }
+
+        // Without the lock while they look, since a progress function may start other work.
+        internal void Arrived(BridgeEvent one)
+        {
+            Watch[] all;
+            lock (watches) all = watches.ToArray();
+            foreach (Watch watch in all)
+            {
+                if (!watch.Sees(one)) continue;
+                Remove(watch);
+                if (watch.TakesItAlone) return;
+            }
+        }
+
+        internal void End()
+        {
+            lock (watches)
+            {
+                foreach (Watch watch in watches) watch.End();
+                watches.Clear();
+            }
+        }
+
+        internal int Count
+        {
+            get { lock (watches) return watches.Count; }
+        }
+    }
+}
