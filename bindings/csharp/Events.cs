@@ -166,13 +166,26 @@ namespace QXBridge
         private void Arrived(BridgeEvent one)
         {
             isEventThread = true;
+            try
+            {
+                PassOn(one);
+            }
+            catch (Exception exception)
+            {
+                Report(exception);
+            }
+            CallHandlers(one);
+        }
+
+        // Before the handlers, which may read what has been loaded, and may block.
+        private void PassOn(BridgeEvent one)
+        {
             if (one.Kind == EventKind.InstanceListUpdated || one.Kind == EventKind.InstanceConfigurationChanged)
                 known.Load();
             EventStream[] all;
             lock (eventsLock) all = streams;
             foreach (EventStream stream in all) stream.Arrived(one);
             watches.Arrived(one);
-            CallHandlers(one);
         }
 
         private void CallHandlers(BridgeEvent one)

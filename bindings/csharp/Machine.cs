@@ -27,6 +27,7 @@ namespace QXBridge
         private const uint QueryThe64BitView = 0x0001 | 0x0100;
         private const uint TextType = 1;
 
+        private const int LongPath = 248;
         private const uint AppendData = 0x0004;
         private const uint ShareAll = 0x0001 | 0x0002 | 0x0004;
         private const uint CreateNew = 1, OpenExisting = 3;
@@ -87,11 +88,20 @@ namespace QXBridge
 
         private static int TryToOpen(string path, uint access, uint disposition, uint flags)
         {
-            IntPtr file = Native.CreateFileW(path, access, ShareAll, IntPtr.Zero, disposition, flags,
+            IntPtr file = Native.CreateFileW(WindowsPath(path), access, ShareAll, IntPtr.Zero, disposition, flags,
                                              IntPtr.Zero);
             if (file == Invalid) return Marshal.GetLastWin32Error();
             Native.CloseHandle(file);
             return 0;
+        }
+
+        // Windows takes long paths in this form only, as the library does.
+        private static string WindowsPath(string path)
+        {
+            string full = System.IO.Path.GetFullPath(path);
+            if (full.Length < LongPath || full.StartsWith(@"\\?\", StringComparison.Ordinal)) return full;
+            bool isShare = full.StartsWith(@"\\", StringComparison.Ordinal);
+            return isShare ? @"\\?\UNC" + full.Substring(1) : @"\\?\" + full;
         }
 
         internal virtual int OwnProcessId

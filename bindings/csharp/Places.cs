@@ -10,9 +10,15 @@ namespace QXBridge
         {
             DataFolder = Machine.Current.ProductText("UserDefinedDir");
             InstallFolder = Machine.Current.ProductText("InstallDir");
-            ConfPath = noConfFile ? null : Path.Combine(DataFolder, "vantrel.conf");
+            ConfPath = noConfFile ? null : Below(DataFolder, "vantrel.conf");
             HasOwnLog = logFilePath != null;
-            LogPath = logFilePath ?? Path.Combine(DataFolder, "Logs", "Player.log");
+            LogPath = logFilePath ?? Below(LogFolder, "Player.log");
+        }
+
+        // As the library does it, also for a folder that is no path at all.
+        private static string Below(string folder, string name)
+        {
+            return folder + Path.DirectorySeparatorChar + name;
         }
 
         /// <summary>Empty where the registry has none.</summary>
@@ -22,6 +28,11 @@ namespace QXBridge
         internal string ConfPath { get; private set; }
         /// <summary>Empty for standard output.</summary>
         internal string LogPath { get; private set; }
+        /// <summary>Where the product's own log is.</summary>
+        internal string LogFolder
+        {
+            get { return Below(DataFolder, "Logs"); }
+        }
         internal bool HasOwnLog { get; private set; }
 
         internal string Player

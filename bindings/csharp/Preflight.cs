@@ -8,6 +8,7 @@ namespace QXBridge
 {
     internal sealed class Preflight
     {
+        private const int PathNotFound = 3, InvalidName = 123;
         private const string ProductKey = @"HKEY_LOCAL_MACHINE\SOFTWARE\Vantrel_nvo";
 
         private readonly Places places;
@@ -54,9 +55,8 @@ namespace QXBridge
 
         private bool LooksAtTheLogFolder()
         {
-            string folder = Path.GetDirectoryName(places.LogPath);
-            if (Directory.Exists(folder)) return true;
-            Add("the folder " + folder + " does not exist", "create it");
+            if (Directory.Exists(places.LogFolder)) return true;
+            Add("the folder " + places.LogFolder + " does not exist", "create it");
             return false;
         }
 
@@ -64,24 +64,28 @@ namespace QXBridge
         private void LookAtTheLog()
         {
             if (places.LogPath.Length == 0) return;
-            int error;
-            if (File.Exists(places.LogPath) || Directory.Exists(places.LogPath))
-            {
-                error = Machine.Current.TryToAppend(places.LogPath);
-            }
-            else
+            bool exists = File.Exists(places.LogPath) || Directory.Exists(places.LogPath);
+            int error = exists ? Machine.Current.TryToAppend(places.LogPath) : ErrorOfANewLog();
+            if (error != 0)
+                Add("the log " + places.LogPath + " cannot be opened (Windows error " + error + ")",
+                    "give this user the right to modify its folder, or name another log");
+        }
+
+        private int ErrorOfANewLog()
+        {
+            try
             {
                 string folder = FolderThatIsWritten();
-                if (folder == null)
-                {
-                    Add("the folder of the log " + places.LogPath + " does not exist", "create it");
-                    return;
-                }
-                error = Machine.Current.TryToCreateIn(folder);
+                return folder == null ? PathNotFound : Machine.Current.TryToCreateIn(folder);
             }
-            if (error == 0) return;
-            Add("the log " + places.LogPath + " cannot be opened (Windows error " + error + ")",
-                "give this user the right to modify its folder, or name another log");
+            catch (ArgumentException)
+            {
+                return InvalidName;
+            }
+            catch (NotSupportedException)
+            {
+                return InvalidName;
+            }
         }
 
         // The folder of the log. The library creates missing ones, as far as "\" separates them: then the

@@ -198,6 +198,13 @@ TEST_F(DotnetTest, WithoutTheFileAndWithALogOfItsOwn) {
     EXPECT_FALSE(data.has("Logs\\Player.log"));
 }
 
+TEST_F(DotnetTest, ALogInFoldersThatTheLibraryMakesAndWithALongPath) {
+    const std::string folder(120, 'x');
+    const std::string log = data / (folder + "\\" + folder + "\\own.log");
+    EXPECT_EQ(played({"own log", log}), (Lines{"instances [", "]", ""}));
+    EXPECT_EQ(played({"own log", log}), (Lines{"instances [", "]", ""}));
+}
+
 TEST_F(DotnetTest, AProgramIsLaunchedReportsTheAppAndIsShutDown) {
     installFolder = standinProgram("");
     data.write("standin.script", "");
@@ -403,6 +410,22 @@ TEST_F(DotnetTest, AnAddedInstanceIsReadAfterItWasSet) {
                "set", "bool false", "committed"}));
     EXPECT_NE(data.read("vantrel.conf").find("vtr.instance.Nougat32_1.dpi=\"320\"\n"),
               std::string::npos);
+}
+
+TEST_F(DotnetTest, AnInstanceOfAnotherProgramIsReadAfterACommit) {
+    const std::string key = "vtr.instance.Nougat32_1.enable_vsync";
+    ChildProcess host = startSteps({"init\tUninstaller", "listen", "events\t1", "get\t" + key,
+                                    "set\tvtr.locale\tde", "commit", "get\t" + key},
+                                   data.path());
+    EXPECT_EQ(host.readLine(), "started");
+    writeConf(std::string(kConf) + key + "=\"1\"\n");
+    const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
+    EXPECT_EQ(
+        linesUpToTheEnd(host),
+        (Lines{"event appDisplayed N|p",
+               "key error instance \"Nougat32_1\" is not loaded yet: it is after a commit, or "
+               "after instanceListUpdated",
+               "set", "committed", "bool true"}));
 }
 
 TEST_F(DotnetTest, ABoolWithoutAValueIsRefusedUntilItIsSet) {

@@ -99,7 +99,7 @@ static class PreflightTests
         {
             var machine = new FakeMachine(data.Path);
             string own = data.Of("new", "own.log"); // separated by "/" here, which creates no folder
-            Finds("the folder of the log " + own + " does not exist", log: own);
+            Finds("the log " + own + " cannot be opened (Windows error 3)", log: own);
             Finds("", log: "");
             Check.Equal(0, machine.Tried.Count);
             Finds("", log: data.Of("own.log"));
