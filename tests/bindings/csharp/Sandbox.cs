@@ -15,7 +15,7 @@ sealed class Sandbox : IDisposable
     [DllImport("kernel32.dll")] static extern uint GetCurrentProcessId();
     [DllImport("advapi32.dll")] static extern int RegOverridePredefKey(IntPtr root, IntPtr key);
 
-    public Sandbox(string dataFolder, string installFolder)
+    public Sandbox(string dataFolder, string installFolder, string version = null)
     {
         Registry.CurrentUser.DeleteSubKeyTree(name, false);
         using (RegistryKey own = Registry.CurrentUser.CreateSubKey(name, true, RegistryOptions.Volatile))
@@ -28,6 +28,7 @@ sealed class Sandbox : IDisposable
         {
             if (dataFolder.Length > 0) product.SetValue("UserDefinedDir", dataFolder);
             product.SetValue("InstallDir", installFolder);
+            if (version != null) product.SetValue("Version", version);
         }
     }
 

@@ -1,6 +1,7 @@
 // Plays the steps of a scenario over the C# binding and the real library, in .NET for Windows:
 //     dotnet_scenario.dll LIBRARY DATA-FOLDER INSTALL-FOLDER STEP...
 // A step is one argument, its parts joined by tabs. Each prints its outcome; "finished" comes last.
+// QX_SCENARIO_VERSION is the product's version.
 
 using System;
 using System.Collections.Generic;
@@ -257,7 +258,8 @@ sealed class Scenario : IDisposable
     static int Main(string[] arguments)
     {
         Session.Load(arguments[0]);
-        using (new Sandbox(arguments[1], arguments[2]))
+        string version = Environment.GetEnvironmentVariable("QX_SCENARIO_VERSION");
+        using (new Sandbox(arguments[1], arguments[2], version))
         using (var scenario = new Scenario())
         {
             foreach (string step in arguments.Skip(3)) scenario.Play(step);
