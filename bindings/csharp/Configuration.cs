@@ -153,7 +153,8 @@ namespace QXBridge
             session.Check();
             if (name == null) throw new ArgumentNullException("name");
             if (name.Length == 0 || name.IndexOfAny(new[] { '.', '=', '\n', '\0' }) >= 0)
-                throw new KeyException(Catalogue.Quoted(name) + " cannot be the name of an instance", name, null);
+                throw new KeyException(
+                    Catalogue.Quoted(name) + " cannot be the name of an instance", name, null);
             if (!KnownInstances.HasImage(name)) throw KnownInstances.NoImage(name);
             known.Add(name);
         }

@@ -180,8 +180,8 @@ namespace QXBridge
         // Before the handlers, which may read what has been loaded, and may block.
         private void PassOn(BridgeEvent one)
         {
-            if (one.Kind == EventKind.InstanceListUpdated || one.Kind == EventKind.InstanceConfigurationChanged)
-                known.Load();
+            bool isAfterALoad = one is InstanceListUpdated || one is InstanceConfigurationChanged;
+            if (isAfterALoad) known.Load();
             EventStream[] all;
             lock (eventsLock) all = streams;
             foreach (EventStream stream in all) stream.Arrived(one);

@@ -50,8 +50,8 @@ namespace QXBridge
             lock (seenLoaded)
                 if (seenLoaded.Contains(instance)) return;
             if (!IsLoaded(instance))
-                throw new KeyException("instance " + Catalogue.Quoted(instance) + " is not loaded yet: it is " +
-                                       "after a commit, or after instanceListUpdated", instance, null);
+                throw new KeyException("instance " + Catalogue.Quoted(instance) + " is not loaded yet: " +
+                    "it is after a commit, or after instanceListUpdated", instance, null);
             lock (seenLoaded) seenLoaded.Add(instance);
         }
 

@@ -97,7 +97,8 @@ namespace QXBridge
         }
 
         /// <summary>Apps() on a thread of its own. A token that is cancelled ends the wait.</summary>
-        public Task<IList<App>> AppsAsync(string instance, CancellationToken token = default(CancellationToken))
+        public Task<IList<App>> AppsAsync(string instance,
+                                          CancellationToken token = default(CancellationToken))
         {
             Check();
             byte[] bytes = Utf8.Bytes(instance, "instance");

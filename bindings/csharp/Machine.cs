@@ -88,8 +88,8 @@ namespace QXBridge
 
         private static int TryToOpen(string path, uint access, uint disposition, uint flags)
         {
-            IntPtr file = Native.CreateFileW(WindowsPath(path), access, ShareAll, IntPtr.Zero, disposition, flags,
-                                             IntPtr.Zero);
+            IntPtr file = Native.CreateFileW(WindowsPath(path), access, ShareAll, IntPtr.Zero,
+                                             disposition, flags, IntPtr.Zero);
             if (file == Invalid) return Marshal.GetLastWin32Error();
             Native.CloseHandle(file);
             return 0;

@@ -108,7 +108,8 @@ namespace QXBridge
                 if (!File.Exists(places.ConfPath) && !Directory.Exists(places.ConfPath))
                     Add(file + " does not exist", "install the product, or copy a configuration there");
                 else if (ConfFile.BeginsWithAMark(places.ConfPath))
-                    Add(file + " begins with a byte order mark", "save it as UTF-8 without a byte order mark");
+                    Add(file + " begins with a byte order mark",
+                        "save it as UTF-8 without a byte order mark");
             }
             catch (Exception exception)
             {
@@ -121,7 +122,8 @@ namespace QXBridge
         {
             string version = Machine.Current.ProductText("Version");
             if (version == Tables.Version) return;
-            Add("the product's version is \"" + version + "\", and the library's is \"" + Tables.Version + "\"",
+            Add("the product's version is " + Catalogue.Quoted(version) +
+                    ", and the library's is " + Catalogue.Quoted(Tables.Version),
                 "install product and library of the same version");
         }
     }

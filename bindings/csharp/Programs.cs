@@ -11,7 +11,8 @@ namespace QXBridge
         public Work<AppDisplayed> LaunchApp(string instance, string package)
         {
             return StartWork("bridgeLaunchApp", Places.Player,
-                () => Native.bridgeLaunchApp(Utf8.Bytes(instance, "instance"), Utf8.Bytes(package, "package")),
+                () => Native.bridgeLaunchApp(
+                    Utf8.Bytes(instance, "instance"), Utf8.Bytes(package, "package")),
                 new Watch<AppDisplayed>(one => one.Instance == instance && one.Package == package));
         }
 

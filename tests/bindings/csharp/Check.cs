@@ -30,7 +30,8 @@ static class Check
     {
         ++Count;
         if (Equals(expected, actual)) return;
-        Console.Error.WriteLine("expected: " + expected + "\nactual:   " + actual + "\n" + Environment.StackTrace);
+        Console.Error.WriteLine("expected: " + expected + "\nactual:   " + actual + "\n" +
+            Environment.StackTrace);
         Environment.Exit(1);
     }
 

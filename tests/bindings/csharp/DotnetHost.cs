@@ -6,10 +6,9 @@ using System;
 using System.Collections.Generic;
 using System.IO;
 using System.Threading;
-using System.Threading.Tasks;
 using QXBridge;
 
-static class DotnetHost
+static partial class DotnetHost
 {
     // No other test serves this name at the same time.
     const Client Self = Client.Uninstaller;
@@ -329,108 +328,6 @@ static class DotnetHost
         Say(RefusalOf(() => session.Conf.GetI64("vtr.locale")));
         Say(RefusalOf(() => session.Conf.SetI64("vtr.locale", 1L << 40)));
         Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
-    }
-
-    // Another program has the configuration's lock until the second lambda has run.
-    static void WhileTheFileIsLocked(Action locked, Action unlocked)
-    {
-        using (var free = new ManualResetEventSlim())
-        using (var taken = new ManualResetEventSlim())
-        {
-            var owner = new Thread(() =>
-            {
-                using (var mutex = new Mutex(false, @"Global\vtr_conf_nvo"))
-                {
-                    mutex.WaitOne();
-                    taken.Set();
-                    free.Wait();
-                    mutex.ReleaseMutex();
-                }
-            });
-            owner.Start();
-            taken.Wait();
-            locked();
-            free.Set();
-            owner.Join();
-            unlocked();
-        }
-    }
-
-    static void CommitInside(Session session)
-    {
-        Task commit = null;
-        WhileTheFileIsLocked(() =>
-        {
-            session.Conf.SetString("vtr.locale", "de-DE");
-            commit = session.Conf.CommitAsync();
-            using (var cancellation = new CancellationTokenSource())
-            {
-                Task cancelled = session.Conf.CommitAsync(cancellation.Token);
-                cancellation.Cancel();
-                Say(RefusalOfATask(cancelled));
-            }
-            Say("commit is", commit.IsCompleted ? "done" : "inside", "and reads go on:",
-                session.Conf.GetString("vtr.locale"));
-        }, () =>
-        {
-            commit.GetAwaiter().GetResult();
-            Say("committed");
-        });
-    }
-
-    static string RefusalOfATask(Task task)
-    {
-        try
-        {
-            task.GetAwaiter().GetResult();
-            return "no refusal";
-        }
-        catch (OperationCanceledException)
-        {
-            return "cancelled";
-        }
-    }
-
-    // The end waits for the commit that nobody waits for any more.
-    static void EndDuringACommit(Session session)
-    {
-        Task end = null;
-        WhileTheFileIsLocked(() =>
-        {
-            session.Conf.SetString("vtr.locale", "de-DE");
-            session.Conf.CommitAsync();
-            end = Task.Run(() => session.Dispose());
-            while (SessionLives(session)) Thread.Yield();
-            Say("end is", end.Wait(100) ? "done" : "waiting");
-        }, () =>
-        {
-            end.Wait();
-            Say("ended");
-        });
-    }
-
-    static async Task Awaiting(Session session)
-    {
-        EventStream stream = session.Events(EventKind.AppDisplayed);
-        await session.ListenAsync();
-        Say("listening");
-        for (int i = 0; i < 2; ++i)
-        {
-            var displayed = (AppDisplayed)await stream.ReadAsync();
-            Say("displayed", displayed.Package);
-            session.Conf.Set(Keys.Global.Locale, displayed.Package);
-            await session.Conf.CommitAsync();
-        }
-        foreach (Instance one in await session.InstancesAsync()) Say("instance", one.Name);
-        Task<BridgeEvent> last = stream.ReadAsync();
-        session.Dispose();
-        Say("last", await last == null ? "end" : "event");
-    }
-
-    // An event's continuation may end the session: it is not on the event thread.
-    static void AwaitingAndEnding(Session session)
-    {
-        Awaiting(session).Wait();
     }
 
     static void Fatal(Session session, string kind)

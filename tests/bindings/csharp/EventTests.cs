@@ -16,7 +16,8 @@ static class EventTests
     static readonly string[] AllNine =
     {
         "AppInstalled Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|True",
-        "AppUninstalled Nougat64|com.größe", "ApkInstallCompleted Nougat64|-1|C:\\П.apk", "InstanceListUpdated ",
+        "AppUninstalled Nougat64|com.größe", "ApkInstallCompleted Nougat64|-1|C:\\П.apk",
+        "InstanceListUpdated ",
         "InstallImageProgress Nougat32|1|33.125", "CreateInstanceCompleted -2|Nougat64_1",
         "InstanceConfigurationChanged Nougat64", "AppDisplayed Nougat64|😀",
         "AccountListUpdated Nougat64|jürgen@example.com|2",
@@ -205,9 +206,12 @@ static class EventTests
     {
         Func<TimeSpan, Task>[] others =
         {
-            session.LaunchApp("Nougat64", "p").FinishedAsync, session.LaunchApp("Nougat32", "😀").FinishedAsync,
-            session.UninstallApp("Nougat64", "p").FinishedAsync, session.InstallApk("N", "C:\\П.apk").FinishedAsync,
-            session.InstallApk("Nougat64", "C:\\p.apk").FinishedAsync, session.InstallImage("Nougat64").FinishedAsync,
+            session.LaunchApp("Nougat64", "p").FinishedAsync,
+            session.LaunchApp("Nougat32", "😀").FinishedAsync,
+            session.UninstallApp("Nougat64", "p").FinishedAsync,
+            session.InstallApk("N", "C:\\П.apk").FinishedAsync,
+            session.InstallApk("Nougat64", "C:\\p.apk").FinishedAsync,
+            session.InstallImage("Nougat64").FinishedAsync,
         };
         Check.fakeSend(1);
         foreach (Func<TimeSpan, Task> finished in others)

@@ -49,7 +49,8 @@ static class PreflightTests
 
     static void TheRegistryValue()
     {
-        const string Value = "the registry value HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo \"UserDefinedDir\" is missing";
+        const string Value =
+            "the registry value HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo \"UserDefinedDir\" is missing";
         var machine = new FakeMachine("");
         Finds(Value, Client.Launcher);
         machine.Registry.Clear();

@@ -27,7 +27,8 @@ static class PureTests
     static void GlobalKeysKnowTheirProperty()
     {
         Key<bool> adb = Keys.Global.EnableAdbAccess;
-        Check.Equal("vtr.enable_adb_access bool 0 False", string.Join(" ", adb, adb.Type, adb.DefaultText, adb.Default));
+        Check.Equal("vtr.enable_adb_access bool 0 False", string.Join(" ", adb, adb.Type, adb.DefaultText,
+            adb.Default));
         Check.Equal(60, Keys.Global.MimMaxFps.Default);
         Check.Equal("vtr.mim.max_fps", Keys.Global.MimMaxFps.Text);
         Check.Equal("frames per second", Keys.Global.MimMaxFps.Unit);
@@ -47,7 +48,8 @@ static class PureTests
         Check.Equal("x86 x64 arm arm64", string.Join(" ", Keys.Instance("Nougat64").AbiList.Allowed));
         Check.Equal(-1, Keys.Instance("Nougat64").BootDuration.Default);
         Check.Throws<ArgumentNullException>(() => Keys.Instance(null));
-        Check.Throws<KeyException>("there is no key \"vtr.instance.A.B.dpi\"; did you mean \"vtr.instance.A.dpi\"?",
+        Check.Throws<KeyException>(
+            "there is no key \"vtr.instance.A.B.dpi\"; did you mean \"vtr.instance.A.dpi\"?",
                                    () => GC.KeepAlive(Keys.Instance("A.B").Dpi));
     }
 
@@ -64,7 +66,8 @@ static class PureTests
     static void AMistypedKeyIsSuggested()
     {
         Action<string, string> suggests = (key, suggestion) =>
-            Check.Throws<KeyException>("there is no key \"" + key + "\"" + suggestion, () => Catalogue.Find(key));
+            Check.Throws<KeyException>("there is no key \"" + key + "\"" + suggestion,
+                                       () => Catalogue.Find(key));
         suggests("vtr.locael", "; did you mean \"vtr.locale\"?");
         suggests("vrt.locale", "; did you mean \"vtr.locale\"?");
         suggests("vtr.Locale", "; did you mean \"vtr.locale\"?");
@@ -82,7 +85,8 @@ static class PureTests
     static void AWrongTypeIsSaid()
     {
         const string Dpi = "vtr.instance.Nougat64.dpi";
-        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not a bool", () => Catalogue.Find(Dpi, "bool"));
+        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not a bool",
+                                   () => Catalogue.Find(Dpi, "bool"));
         Check.Throws<KeyException>("\"vtr.locale\" is a string, not an i64",
                                    () => Catalogue.Find("vtr.locale", "i64"));
         Check.Throws<KeyException>("\"vtr.shared_folders\" is a multi-string, not a string",
@@ -144,7 +148,8 @@ static class PureTests
         Check.Equal("[]", Shown(Json.Read("[ ]")));
         Check.Equal("[1,-2.5,300,0]", Shown(Json.Read(" [1, -2.5,3e2\n,\t0] ")));
         Check.Equal("[True,False,null,[a]]", Shown(Json.Read("[true,false,null,[\"a\"]]")));
-        Check.Equal("\"\\/\b\f\n\r\t ü 日 😀", Json.Read("\"\\\"\\\\\\/\\b\\f\\n\\r\\t \\u00fc 日 \\ud83d\\uDE00\""));
+        Check.Equal("\"\\/\b\f\n\r\t ü 日 😀",
+            Json.Read("\"\\\"\\\\\\/\\b\\f\\n\\r\\t \\u00fc 日 \\ud83d\\uDE00\""));
         JsonObject one = Json.Objects("[{\"a\":\"x\",\"b\":7,\"a\":\"y\"}]").Single();
         Check.Equal("y 7", one.Text("a") + " " + one.Number("b"));
         Check.Throws<FormatException>("JSON: there is no member \"c\"", () => one.Text("c"));
@@ -171,7 +176,8 @@ static class PureTests
         Check.Equal("bridgeConfCommit failed with 2 (XERR_NOENT: no such file or folder) for " +
                     "D\\vantrel.conf; the log D\\Player.log has the cause", commit.Message);
         Check.Equal("bridgeConfCommit 2 XERR_NOENT no such file or folder D\\vantrel.conf D\\Player.log",
-            string.Join(" ", commit.Operation, commit.Code, commit.Name, commit.Text, commit.File, commit.LogPath));
+            string.Join(" ", commit.Operation, commit.Code, commit.Name, commit.Text, commit.File,
+                commit.LogPath));
         Check.Equal("f failed with 100740 (Windows error 740); the log has the cause",
                     new BridgeException("f", 100740, null, "").Message);
         Check.Equal("", new BridgeException("f", 100740, null, "").Name);

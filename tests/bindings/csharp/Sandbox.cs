@@ -5,7 +5,8 @@ using System.Runtime.InteropServices;
 using Microsoft.Win32;
 
 /// <summary>Gives this process, and no other, a HKEY_LOCAL_MACHINE of its own with the product's values,
-/// without a data folder when that is empty. A process that the library ends leaves its key, which is volatile, behind.</summary>
+/// without a data folder when that is empty. A process that the library ends leaves its key, which is
+/// volatile, behind.</summary>
 sealed class Sandbox : IDisposable
 {
     private static readonly IntPtr LocalMachine = new IntPtr(unchecked((int)0x80000002));

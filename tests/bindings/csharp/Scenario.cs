@@ -194,7 +194,8 @@ sealed class Scenario : IDisposable
     static BridgeEvent Next(EventStream stream)
     {
         Task<BridgeEvent> next = stream.ReadAsync();
-        if (Task.WhenAny(next, Task.Delay(Long)).GetAwaiter().GetResult() != next) throw new TimeoutException();
+        Task first = Task.WhenAny(next, Task.Delay(Long)).GetAwaiter().GetResult();
+        if (first != next) throw new TimeoutException();
         return next.GetAwaiter().GetResult();
     }
 

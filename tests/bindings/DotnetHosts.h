@@ -1,0 +1,116 @@
+#ifndef TESTS_DOTNETHOSTS_H
+#define TESTS_DOTNETHOSTS_H
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "EveryEvent.h"
+
+// How a .NET host ends where a native one ends with kFatalStatus. The runtime hands the break on to
+// RaiseFailFastException, and Wine ends every process that calls this function with one status.
+constexpr std::uint32_t kFatalStatusInDotnet = 0xC0000602;
+
+// The configuration of a test that writes no other.
+constexpr const char* kConf =
+    "vtr.enable_adb_access=\"0\"\n"
+    "vtr.instance.Nougat64.cpus=\"4\"\n"
+    "vtr.instance.Nougat64.display_name=\"Größe 日本\"\n"
+    "vtr.instance.Nougat64.dpi=\"240\"\n"
+    "vtr.instance.Nougat64.ram=\"4096\"\n"
+    "vtr.shared_folders=\"a,b\"\n";
+
+inline std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// Hosts of the C# binding in .NET for Windows.
+class DotnetTest : public PlainHostTest {
+ protected:
+    DotnetTest() { writeConf(kConf); }
+
+    ChildOptions standinOptions() const {
+        ChildOptions options;
+        options.environment = {{"QX_STANDIN_CLIENTS", "Uninstaller"},
+                               {"QX_STANDIN_OUTPUT", data / "standin.txt"},
+                               {"QX_STANDIN_SCRIPT", data / "standin.script"}};
+        return options;
+    }
+
+    ChildProcess startHost(const Script& scenario) const {
+        Script all{environment("QX_DOTNET_HOST"), library, data.path(), installFolder};
+        all.insert(all.end(), scenario.begin(), scenario.end());
+        return ChildProcess(environment("QX_DOTNET"), all, standinOptions());
+    }
+
+    // The lines of a host, up to the "finished" that is expected.
+    static Lines linesUpToTheEnd(ChildProcess& host) {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        Lines lines = linesOf(result.out);
+        EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
+        if (!lines.empty()) lines.pop_back();
+        return lines;
+    }
+
+    Lines played(const Script& scenario) const {
+        ChildProcess host = startHost(scenario);
+        return linesUpToTheEnd(host);
+    }
+
+    // A player that plays the script's events, as soon as the host listens.
+    ChildProcess startPlayer(ChildProcess& host, const std::string& script) const {
+        data.write("standin.script", script);
+        EXPECT_EQ(host.readLine(), "listening");
+        return ChildProcess(standinProgram("QX-Player.exe"), {"--instance", "DotnetTest"},
+                            standinOptions());
+    }
+
+    // What a host prints that is sent these events.
+    Lines playedWithEvents(const Script& scenario, const std::string& script) const {
+        ChildProcess host = startHost(scenario);
+        const ChildProcess player = startPlayer(host, script);
+        return linesUpToTheEnd(host);
+    }
+
+    void expectFatal(ChildProcess& host) const {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, kFatalStatusInDotnet);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(
+            log().back().rfind("E UTL Uninstaller_bridge FATAL: DEBUG BREAK: Source/utl/Utl:", 0),
+            0u)
+            << log().back();
+    }
+
+    // A host of Scenario.cs. The parts of a step are joined by tabs.
+    ChildProcess startSteps(const Script& steps, const std::string& folder) const {
+        Script all{environment("QX_DOTNET_SCENARIO"), library, folder, installFolder};
+        all.insert(all.end(), steps.begin(), steps.end());
+        ChildOptions options = standinOptions();
+        options.environment.emplace_back("QX_STANDIN_SECONDS", "1");  // they hold the host's output
+        return ChildProcess(environment("QX_DOTNET"), all, options);
+    }
+
+    Lines playedSteps(const Script& steps) const {
+        ChildProcess host = startSteps(steps, data.path());
+        return linesUpToTheEnd(host);
+    }
+
+    // With the stand-ins, which report that the work is done.
+    Lines playedWithStandins(const Script& steps) {
+        installFolder = standinProgram("");
+        data.write("standin.script", "");
+        return playedSteps(steps);
+    }
+
+    Lines preflight() const { return playedSteps({"preflight"}); }
+
+    std::string library = builtProgram("QX-Bridge.dll");
+    std::string installFolder = "C:\\None\\";
+};
+
+#endif
