@@ -84,6 +84,12 @@ namespace QXBridge
             }, token);
         }
 
+        /// <summary>How many streams and works want events.</summary>
+        internal int WaitingCount
+        {
+            get { lock (eventsLock) return streams.Length + watches.Count; }
+        }
+
         internal bool IsListening
         {
             get { return listening; }
@@ -150,7 +156,11 @@ namespace QXBridge
         private void EndEvents()
         {
             EventStream[] all;
-            lock (eventsLock) all = streams;
+            lock (eventsLock)
+            {
+                all = streams;
+                streams = new EventStream[0];
+            }
             foreach (EventStream stream in all) stream.End();
             watches.End();
         }

@@ -3,6 +3,7 @@
 
 using System;
 using System.Diagnostics;
+using System.IO;
 using System.Runtime.InteropServices;
 using System.Text;
 using System.Threading;
@@ -82,7 +83,7 @@ namespace QXBridge
         /// <summary>Makes a file in a folder, which is gone again at the end of the call.</summary>
         internal virtual int TryToCreateIn(string folder)
         {
-            string path = System.IO.Path.Combine(folder, "preflight-" + Guid.NewGuid().ToString("N"));
+            string path = Path.Combine(folder, "preflight-" + Guid.NewGuid().ToString("N"));
             return TryToOpen(path, AppendData | Delete, CreateNew, DeleteOnClose);
         }
 
@@ -98,7 +99,7 @@ namespace QXBridge
         // Windows takes long paths in this form only, as the library does.
         private static string WindowsPath(string path)
         {
-            string full = System.IO.Path.GetFullPath(path);
+            string full = Path.GetFullPath(path);
             if (full.Length < LongPath || full.StartsWith(@"\\?\", StringComparison.Ordinal)) return full;
             bool isShare = full.StartsWith(@"\\", StringComparison.Ordinal);
             return isShare ? @"\\?\UNC" + full.Substring(1) : @"\\?\" + full;

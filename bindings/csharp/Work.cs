@@ -9,7 +9,8 @@ using System.Threading.Tasks;
 namespace QXBridge
 {
     /// <summary>Work that was started, and the event that it ends with. One that nobody waits for costs
-    /// nothing but its memory, until the event comes or the session ends.</summary>
+    /// nothing but its memory, until the event comes or the session ends. A handler must not block on it:
+    /// the event would come after the handler's return.</summary>
     public sealed class Work<T> where T : BridgeEvent
     {
         private readonly Session session;

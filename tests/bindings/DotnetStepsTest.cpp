@@ -137,6 +137,13 @@ TEST_F(DotnetTest, AListenerThatIsNotTheFirstIsRefused) {
               (Lines{"started", "listen error", "error 2 XERR_NOENT"}));
 }
 
+TEST_F(DotnetTest, ListeningLeavesNoErrorInTheLog) {
+    EXPECT_EQ(playedSteps({"init\tUninstaller", "listen", "fini"}),
+              (Lines{"started", "listening", "ended"}));
+    EXPECT_GT(log().size(), 3u);
+    for (const std::string& line : log()) EXPECT_EQ(line.substr(0, 2), "I ") << line;
+}
+
 TEST_F(DotnetTest, AppsAreLaunchedInstalledAndUninstalled) {
     EXPECT_EQ(playedWithStandins({"init\tUninstaller", "listen", "launch\tDotnetTest\tcom.größe",
                                   "installapk\tDotnetTest\tC:\\П.apk",

@@ -257,7 +257,7 @@ static class CSharpTest
 
     static int Main(string[] arguments)
     {
-        data = new DataFolder(Dpi + "=\"240\"");
+        data = new DataFolder(Dpi + "=\"240\"", "vtr.mute_all_instances=\"x\"");
         using (data)
         {
             machine = new FakeMachine(data.Path);

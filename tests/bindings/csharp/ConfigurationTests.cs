@@ -13,6 +13,7 @@ static class ConfigurationTests
     {
         data = folder;
         Reading(conf);
+        ValuesOfTheStartAreLookedAt(conf);
         ReadingAnInstance(conf);
         ReadingByKeys(conf);
         Writing(conf);
@@ -28,9 +29,11 @@ static class ConfigurationTests
     internal static void RunWhileListening(Session session, DataFolder folder)
     {
         data = folder;
+        AnInstanceIsLookedUpByWhatCanBeRead(session.Conf);
         ValuesThatCannotBeReadAreRefused(session);
         ACommitThatCannotLoadKeepsWhatIsStaged(session.Conf);
         ListingsOfUnknownImagesAreRefused(session);
+        ACommitMayLoadAnUnknownImage(session);
     }
 
     static void Reading(Configuration conf)
@@ -52,6 +55,23 @@ static class ConfigurationTests
         Check.Equal(-2147483647, conf.GetI32(Dpi));
         Check.Called("bridgeConfGetI32 " + Dpi, "bridgeConfGetString vtr.instance.Nougat64.display_name",
                      "bridgeConfGetI32 " + Dpi);
+    }
+
+    static void ValuesOfTheStartAreLookedAt(Configuration conf)
+    {
+        Check.Throws<KeyException>("\"vtr.mute_all_instances\" has a value that cannot be read: \"x\"",
+                                   () => conf.GetBool("vtr.mute_all_instances"));
+        Check.Called();
+    }
+
+    // A number that cannot be read is not asked for to see whether the instance is loaded.
+    static void AnInstanceIsLookedUpByWhatCanBeRead(Configuration conf)
+    {
+        data.Write("vtr.instance.Nougat64_8.dpi=\"abc\"", "vtr.instance.Nougat64_8.max_fps=\"abc\"");
+        Check.fakeSend(0);  // the library loads the file
+        conf.GetString("vtr.instance.Nougat64_8.display_name");
+        Check.Called("bridgeConfGetI32 vtr.instance.Nougat64_8.eco_mode_max_fps",
+                     "bridgeConfGetString vtr.instance.Nougat64_8.display_name");
     }
 
     static void ReadingByKeys(Configuration conf)
@@ -241,5 +261,22 @@ static class ConfigurationTests
         Check.fakeSend(0);
         session.Instances();
         Check.Called("bridgeConfGetInstances");
+    }
+
+    // A commit loads the file; which one it met is not known.
+    static void ACommitMayLoadAnUnknownImage(Session session)
+    {
+        const string Wrong = "\"Pie64\" is not an image; there are Nougat32, Nougat64";
+        data.Write("vtr.instance.Pie64_1.dpi=\"240\"");
+        session.Conf.SetString("vtr.country", "fr");
+        session.Conf.Commit();
+        Check.Throws<KeyException>(Wrong, () => session.InstancesJson());
+        data.Write(Dpi + "=\"240\"");
+        session.Conf.SetString("vtr.country", "de");
+        session.Conf.Commit();
+        Check.Throws<KeyException>(Wrong, () => session.InstancesJson());
+        Check.fakeSend(0);
+        session.InstancesJson();
+        Check.fakeReset();
     }
 }

@@ -40,7 +40,12 @@ static class EventTests
         Work<AppDisplayed> work = session.LaunchApp("Nougat64", "p");
         Check.Throws<InvalidOperationException>("Listen() comes first: no event says how the work ends",
                                                 () => work.FinishedAsync());
-        Check.Called("bridgeLaunchApp Nougat64 p");
+        Check.Equal(1, session.WaitingCount);
+        Check.fakeAnswer(2);
+        Check.Fails("bridgeLaunchApp", 2, () => session.LaunchApp("Nougat64", "p"));
+        Check.fakeAnswer(0);
+        Check.Equal(1, session.WaitingCount);
+        Check.Called("bridgeLaunchApp Nougat64 p", "bridgeLaunchApp Nougat64 p");
     }
 
     internal static void Listening(Session session, FakeMachine machine)
@@ -85,12 +90,15 @@ static class EventTests
 
     static void AStreamHasTheEventsInOrder(Session session)
     {
+        int before = session.WaitingCount;
         using (EventStream stream = session.Events())
         {
             Check.fakeSend(1);
             Check.Equal(string.Join("\n", AllNine), Read(stream, 9));
             Check.Equal(false, stream.ReadAsync().IsCompleted);
+            Check.Equal(before + 1, session.WaitingCount);
         }
+        Check.Equal(before, session.WaitingCount);
     }
 
     static void AStreamOfKinds(Session session)
@@ -131,8 +139,10 @@ static class EventTests
 
     static void AStreamThatIsFullEnds(Session session)
     {
+        int before = session.WaitingCount;
         EventStream stream = session.Events(2);
         Check.fakeSend(1);
+        Check.Equal(before, session.WaitingCount);
         Check.Equal(AllNine[0] + "\n" + AllNine[1], Read(stream, 2));
         for (int i = 0; i < 2; ++i)
             Check.Equal(2, Check.Throws<EventOverflowException>(() => stream.ReadAsync().Wait()).Limit);
@@ -172,6 +182,7 @@ static class EventTests
 
     static void WorkEndsWithItsEvent(Session session)
     {
+        int before = session.WaitingCount;
         Work<AppDisplayed> launch = session.LaunchApp("Nougat64", "😀");
         Work<AppDisplayed> twin = session.LaunchApp("Nougat64", "😀");
         Work<AppUninstalled> removal = session.UninstallApp("Nougat64", "com.größe");
@@ -188,6 +199,7 @@ static class EventTests
         Check.Equal(true, ReferenceEquals(twin.FinishedAsync().Result, launch.FinishedAsync(Short).Result));
         Check.Equal(AllNine[1], Shown(removal.FinishedAsync().Result));
         Check.Equal(-1, apk.FinishedAsync().Result.Status);
+        Check.Equal(before, session.WaitingCount);
     }
 
     static void Rethrow(Task task)
@@ -267,6 +279,7 @@ static class EventTests
         return () =>
         {
             GC.KeepAlive(reader.Result);
+            Check.Equal(0, session.WaitingCount);
             while (stream.ReadAsync().Result != null) { }
             Check.Throws<ObjectDisposedException>(() => work.Wait());
             Check.Throws<ObjectDisposedException>(() => session.Events());
