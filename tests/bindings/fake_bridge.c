@@ -13,11 +13,20 @@
 #include <string.h>
 
 static char calls[1 << 16];
+static pthread_mutex_t callsLock = PTHREAD_MUTEX_INITIALIZER;
+static void (*onCall)(const char* line);
 static bridge_i32 answer;
 static int liveTexts;
 static const char* keptClient;
 static volatile int flooding;
 static pthread_t flood;
+
+/* What reading a key, or a function that lists, returns from now on. */
+static struct {
+    char* name;
+    char* text;
+} values[256];
+static size_t valueCount;
 
 static struct {
     bridgeOnAppInstalled appInstalled;
@@ -32,13 +41,25 @@ static struct {
 } slots;
 
 bridge_i32 note(const char* format, ...) {
-    const size_t used = strlen(calls);
+    char line[4096];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(calls + used, sizeof calls - used, format, arguments);
+    vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
+    pthread_mutex_lock(&callsLock);
+    strncat(calls, line, sizeof calls - strlen(calls) - 1);
     strncat(calls, "\n", sizeof calls - strlen(calls) - 1);
+    pthread_mutex_unlock(&callsLock);
+    if (onCall != NULL) onCall(line);
     return answer;
+}
+
+static const char* valueOf(const char* name) {
+    size_t i;
+    for (i = 0; i < valueCount; ++i) {
+        if (strcmp(values[i].name, name) == 0) return values[i].text;
+    }
+    return NULL;
 }
 
 const char* shown(const char* text) { return text == NULL ? "(null)" : text; }
@@ -57,6 +78,28 @@ void fakeReset(void) { calls[0] = '\0'; }
 void fakeAnswer(bridge_i32 code) { answer = code; }
 int fakeLiveTexts(void) { return liveTexts; }
 const char* fakeClient(void) { return keptClient; }
+
+/* Calls the function with the line of each call, before the call returns. */
+void fakeOnCall(void (*function)(const char* line)) { onCall = function; }
+
+void fakeValue(const char* name, const char* text) {
+    size_t i;
+    for (i = 0; i < valueCount && strcmp(values[i].name, name) != 0; ++i) continue;
+    if (i == sizeof values / sizeof *values) abort();
+    if (i == valueCount) {
+        values[valueCount++].name = strdup(name);
+    } else {
+        free(values[i].text);
+    }
+    values[i].text = strdup(text);
+}
+
+void fakeForgetValues(void) {
+    while (valueCount > 0) {
+        free(values[--valueCount].name);
+        free(values[valueCount].text);
+    }
+}
 
 static void* sendAll(void* utf8) {
     const int full = utf8 != NULL;
@@ -85,6 +128,45 @@ static void* sendAll(void* utf8) {
 void fakeSend(int full) {
     pthread_t thread;
     pthread_create(&thread, NULL, sendAll, full ? (void*)"full" : NULL);
+    pthread_join(thread, NULL);
+}
+
+struct event {
+    int slot; /* from 1, as bridge.h counts them */
+    const char* first;
+    const char* second;
+    int number;
+    double progress;
+};
+
+static void* sendOne(void* memory) {
+    const struct event* one = (const struct event*)memory;
+    const char *a = one->first, *b = one->second;
+    const int n = one->number;
+    if (one->slot == 1 && slots.appInstalled)
+        slots.appInstalled(a, b, "Main", "App", n, "1.0", "a.png", 0);
+    if (one->slot == 2 && slots.appUninstalled) slots.appUninstalled(a, b);
+    if (one->slot == 3 && slots.apkInstallCompleted) slots.apkInstallCompleted(a, n, b);
+    if (one->slot == 4 && slots.instanceListUpdated) slots.instanceListUpdated();
+    if (one->slot == 5 && slots.installImageProgress)
+        slots.installImageProgress(a, n, one->progress);
+    if (one->slot == 6 && slots.createInstanceCompleted) slots.createInstanceCompleted(n, a);
+    if (one->slot == 7 && slots.instanceConfigurationChanged) slots.instanceConfigurationChanged(a);
+    if (one->slot == 8 && slots.appDisplayed) slots.appDisplayed(a, b);
+    if (one->slot == 9 && slots.accountListUpdated) slots.accountListUpdated(a, b, n);
+    return NULL;
+}
+
+/* One event, on a thread of its own. */
+void fakeEvent(int slot, const char* first, const char* second, int number, double progress) {
+    struct event one;
+    pthread_t thread;
+    one.slot = slot;
+    one.first = first;
+    one.second = second;
+    one.number = number;
+    one.progress = progress;
+    pthread_create(&thread, NULL, sendOne, &one);
     pthread_join(thread, NULL);
 }
 
@@ -121,10 +203,12 @@ bridge_i32 bridgeApiFini(void) {
 }
 bridge_bool bridgeConfGetBool(const char* key) {
     note("bridgeConfGetBool %s", shown(key));
+    if (valueOf(key) != NULL) return strcmp(valueOf(key), "1") == 0;
     return strcmp(key, "true") == 0;
 }
 bridge_i32 bridgeConfGetI32(const char* key) {
     note("bridgeConfGetI32 %s", shown(key));
+    if (valueOf(key) != NULL) return atoi(valueOf(key));
     return -2147483647;
 }
 bridge_i64 bridgeConfGetI64(const char* key) {
@@ -133,14 +217,18 @@ bridge_i64 bridgeConfGetI64(const char* key) {
 }
 char* bridgeConfGetString(const char* key) {
     note("bridgeConfGetString %s", shown(key));
+    if (valueOf(key) != NULL) return textFor(NULL, valueOf(key));
     return textFor(key, strcmp(key, "empty") == 0 ? "" : "Größe 日本 😀");
 }
 char* bridgeConfGetMultiString(const char* key) {
     note("bridgeConfGetMultiString %s", shown(key));
+    if (valueOf(key) != NULL) return textFor(NULL, valueOf(key));
     return textFor(key, strcmp(key, "empty") == 0 ? "" : "Bilder,Größe");
 }
 char* bridgeConfGetInstances(void) {
     note("bridgeConfGetInstances");
+    if (valueOf("bridgeConfGetInstances") != NULL)
+        return textFor(NULL, valueOf("bridgeConfGetInstances"));
     return textFor(NULL,
                    "[{\"instance\":\"Nougat64\",\"deviceProfile\":\"s21u\",\"graphicsEngine\":"
                    "\"aga\",\"graphicsRenderer\":\"dx\",\"imageName\":\"Nougat64\","

@@ -80,8 +80,8 @@ def read_python(callbacks, callback_types, functions):
 
 
 def python_binding():
-    import qxbridge
-    return read_python(qxbridge.CALLBACKS, qxbridge._CALLBACK_TYPES, qxbridge._FUNCTIONS)
+    from qxbridge import CALLBACKS, native
+    return read_python(CALLBACKS, native.CALLBACK_TYPES, native.SIGNATURES)
 
 
 BINDINGS = {

@@ -11,8 +11,8 @@ import unittest
 sys.dont_write_bytecode = True
 TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(TREE / "bindings" / "python"), str(TREE / "toolchain" / "bindings")]
-import qxbridge_generated  # noqa: E402
 import tables  # noqa: E402
+from qxbridge import generated as python  # noqa: E402
 
 
 def listed_keys():
@@ -67,7 +67,7 @@ class TablesTest(unittest.TestCase):
     def test_keys(self):
         expected = listed_keys()
         self.assertIn(("global", "key_controls_overlay_opacity", "i32", "80"), expected)
-        self.assertEqual([tuple(one) for one in qxbridge_generated.KEYS], expected)
+        self.assertEqual([tuple(one[:4]) for one in python.KEYS], expected)
         self.assertEqual([one[:4] for one in read_node(KEY + DETAILS)], expected)
         self.assertEqual(read_csharp("Key", KEY), expected)
 
@@ -79,10 +79,19 @@ class TablesTest(unittest.TestCase):
         units = {scope_and_name[1]: unit for scope_and_name, (unit, _) in found.items() if unit}
         self.assertEqual(units, tables.UNITS)
 
+    def test_what_python_knows_besides(self):
+        found = {(one.scope, one.name): (one.unit, one.allowed) for one in python.KEYS}
+        self.assertEqual(found["instance", "dpi"], ("dots per inch", ()))
+        self.assertEqual(found["global", "mim.max_fps"], ("frames per second", ()))
+        self.assertEqual(found["instance", "abi_list"], ("", ("x86", "x64", "arm", "arm64")))
+        self.assertEqual(found["global", "locale"], ("", ()))
+        source = (TREE / "Source/utl/UtlImages.cpp").read_text("utf-8")
+        self.assertEqual(python.IMAGES, tuple(re.findall(r'^    \{"(\w+)", (?:true|false)', source, re.M)))
+
     def test_codes(self):
         expected = listed_codes()
         self.assertIn((98, "XERR_ADDRINUSE", "the name or address is in use"), expected)
-        self.assertEqual([tuple(one) for one in qxbridge_generated.CODES], expected)
+        self.assertEqual([tuple(one) for one in python.CODES], expected)
         self.assertEqual(read_node(CODE), expected)
         self.assertEqual(read_csharp("Code", CODE), expected)
 

@@ -16,7 +16,9 @@ PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
           "the Node binding": ["bindings/node/bridge.js", "bindings/node/calls.js",
                                "bindings/node/configuration.js", "bindings/node/native.js"],
           "the C# binding": ["bindings/csharp/[!Q]*.cs"],
-          "the Python binding": ["bindings/python/qxbridge.py"],
+          "the Python binding": ["bindings/python/qxbridge/bridge.py",
+                                 "bindings/python/qxbridge/configuration.py",
+                                 "bindings/python/qxbridge/native.py"],
           "a test": ["tests/bridge/*.cpp", "tests/hosts/*.c", "tests/hosts/*.cpp"]}
 
 

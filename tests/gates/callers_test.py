@@ -21,7 +21,9 @@ FILES = {
     "bindings/node/native.js": "functions.bridgeClose();",
     "bindings/node/bridge.generated.js": "'int32_t bridgeOpen(const char *name)'",
     "bindings/csharp/Session.cs": 'Require("bridgeOpen", Native.bridgeOpen(name)); Native.bridgeClose();',
-    "bindings/python/qxbridge.py": 'calls.status("bridgeOpen", name), calls.value("bridgeClose")',
+    "bindings/python/qxbridge/bridge.py": 'calls.status("bridgeOpen", name)',
+    "bindings/python/qxbridge/native.py": 'calls.value("bridgeClose")',
+    "bindings/python/qxbridge/generated.py": '"bridgeOpen": (c_int32, dict(name=c_char_p))',
     "tests/bridge/OpenTest.cpp": "EXPECT_EQ(bridgeOpen(nullptr), 22);",
     "tests/hosts/plain_host.c": "bridgeClose();",
 }
@@ -53,7 +55,8 @@ class CallersTest(unittest.TestCase):
                 ("bindings/node/bridge.js", "the Node binding", "bridgeOpen"),
                 ("bindings/node/native.js", "the Node binding", "bridgeClose"),
                 ("bindings/csharp/Session.cs", "the C# binding", "bridgeClose"),
-                ("bindings/python/qxbridge.py", "the Python binding", "bridgeOpen"),
+                ("bindings/python/qxbridge/bridge.py", "the Python binding", "bridgeOpen"),
+                ("bindings/python/qxbridge/native.py", "the Python binding", "bridgeClose"),
                 ("tests/bridge/OpenTest.cpp", "a test", "bridgeOpen"),
                 ("tests/hosts/plain_host.c", "a test", "bridgeClose")):
             with self.subTest(name):

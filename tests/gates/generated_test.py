@@ -17,7 +17,7 @@ from generated import generate
 NODE = "bindings/node/bridge.generated.js"
 TYPES = "bindings/node/bridge.generated.d.ts"
 CSHARP = "bindings/csharp/QXBridge.generated.cs"
-PYTHON = "bindings/python/qxbridge_generated.py"
+PYTHON = "bindings/python/qxbridge/generated.py"
 CPP_KEYS = "include/bridge/keys.hpp"
 CPP_CODES = "include/bridge/codes.hpp"
 HEADER, CATALOGUE, CODES, WORDS, IMAGES = generate.interface.SOURCES
@@ -100,7 +100,7 @@ class GeneratedTest(unittest.TestCase):
         self.generate()
         self.assertIn("    /** when */\n    at: number;\n", (self.root / TYPES).read_text("utf-8"))
         for name, text in ((CSHARP, "public double At { get; internal set; }\n"),
-                           (PYTHON, "class AccountListUpdated(NamedTuple):\n")):
+                           (PYTHON, '    "bridgeOnAccountListUpdated": AccountListUpdated,\n}\n\n\nclass Callbacks')):
             self.assertIn(text, (self.root / name).read_text("utf-8"), "four values are a record")
 
     def test_a_result_code_and_the_version(self):

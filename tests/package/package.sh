@@ -29,10 +29,11 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
     share/licences/{mingw-w64-runtime,CLI11,nlohmann-json,Unicode}.txt \
     share/bindings/{node/{index,native,bridge.generated}.js,csharp/{Session,QXBridge.generated}.cs} \
-    share/bindings/python/qxbridge{,_generated}.py \
+    share/bindings/python/qxbridge/{__init__,bridge,generated}.py \
     share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
 done
+[ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
 for header in "$tree"/include/bridge/*; do
     cmp "$header" "include/bridge/${header##*/}" || fail "missing: ${header##*/}"
 done
@@ -109,7 +110,7 @@ cmake --build "$work/port"
 mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
     share/bindings/csharp/*.cs
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
-    share/bindings/python/qxbridge{,_generated}.py
+    share/bindings/python/qxbridge/*.py
 
 # Node's host, with the packages where npm puts them.
 node=$(bash "$tree/toolchain/node.sh" --dir)

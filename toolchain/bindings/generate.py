@@ -22,7 +22,7 @@ def files(tree: pathlib.Path) -> Dict[str, str]:
     return {"bindings/node/bridge.generated.js": node.script(read),
             "bindings/node/bridge.generated.d.ts": node.types(read),
             "bindings/csharp/QXBridge.generated.cs": csharp.source(read),
-            "bindings/python/qxbridge_generated.py": python.module(read),
+            "bindings/python/qxbridge/generated.py": python.module(read),
             "include/bridge/keys.hpp": cpp.keys(read),
             "include/bridge/codes.hpp": cpp.codes(read)}
 

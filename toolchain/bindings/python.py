@@ -1,21 +1,29 @@
 """The generated module of the Python binding."""
 
 import json
+import keyword
 import textwrap
 from typing import List
 
 import header
-from interface import MARK, Interface, event_name, is_record, snake
+import tables
+from interface import MARK, Interface, event_name, first_sentence, is_record, snake
 
 # A returned text is an address, which bridgeFreeMemory wants back.
 WORDS = {"text": "c_char_p", "returned": "c_void_p", "memory": "c_void_p", "bool": "c_bool",
          "i32": "c_int32", "i64": "c_int64", "double": "c_double", "void": "None"}
 VALUES = {"text": "str", "bool": "bool", "i32": "int", "double": "float"}
+KEY_TYPES = {"bool": "bool", "i32": "int", "i64": "int", "string": "str", "multi-string": "List[str]"}
 WIDTH = 100
 
 
 def wrapped(text: str) -> List[str]:
     return textwrap.wrap(text, WIDTH, initial_indent=" " * 4, subsequent_indent=" " * 8,
+                         break_long_words=False, break_on_hyphens=False)
+
+
+def wrapped_list(opening: str, items: List[str], closing: str) -> List[str]:
+    return textwrap.wrap(opening + ", ".join(items) + closing, WIDTH, subsequent_indent=" " * 4,
                          break_long_words=False, break_on_hyphens=False)
 
 
@@ -45,11 +53,35 @@ def functions(interface: Interface) -> List[str]:
     return [*lines, "}", ""]
 
 
-def record(interface: Interface, name: str) -> List[str]:
+def summary(comment: str) -> str:
+    """The first clause: the rest is about the C functions."""
+    return first_sentence(comment).split(";")[0].rstrip(".") + "."
+
+
+def event(interface: Interface, name: str) -> List[str]:
     members = [f"    {snake(one.name)}: {VALUES[one.type]}"
                for one in interface.callbacks[name].parameters]
-    return ["", f"class {event_name(name)}(NamedTuple):", f'    """{interface.comments[name]}"""', "",
-            *members, ""]
+    own = quoted(snake(event_name(name)))
+    return ["", f"class {event_name(name)}(NamedTuple):",
+            f'    """{summary(interface.comments[name])}"""', "",
+            *members, *([""] if members else []), "    @property",
+            f"    def event(self) -> Literal[{own}]:", f"        return {own}", ""]
+
+
+def events(interface: Interface) -> List[str]:
+    """A class for each event, the names that they have, and what stands for any of them."""
+    names = list(interface.callbacks)
+    classes = [event_name(name) for name in names]
+    lines = [line for name in names for line in event(interface, name)]
+    lines += ["", *wrapped_list("Event = Union[", classes, "]"),
+              *wrapped_list("EventName = Literal[", [quoted(snake(one)) for one in classes], "]"), ""]
+    lines += ["EVENTS: Dict[str, Any] = {",
+              *[f"    {quoted(name)}: {one}," for name, one in zip(names, classes)], "}", "",
+              "EVENT_TYPES: Dict[str, Any] = {",
+              *[f"    {quoted(snake(one))}: {one}," for one in classes], "}", ""]
+    records = [name for name in names if is_record(interface.callbacks[name])]
+    return lines + ["# Events that arrive as a record.", "RECORDS: Dict[str, Any] = {",
+                    *[f"    {quoted(name)}: {event_name(name)}," for name in records], "}", ""]
 
 
 def slot(name: str, signature: header.Signature) -> str:
@@ -71,10 +103,61 @@ def table(type_: str, members: List[str], name: str, rows: List[List[str]]) -> L
             f"{name} = (", *[f"    {type_}({', '.join(row)})," for row in rows], ")", ""]
 
 
-def keys(interface: Interface) -> List[str]:
-    rows = [[quoted(value) for value in one] for one in interface.keys]
-    lines = table("Key", ["scope: str", "name: str", "type: str", "default: str"], "KEYS", rows)
+def properties(interface: Interface) -> List[str]:
+    rows = [[*[quoted(value) for value in one], quoted(one.unit), allowed(one)]
+            for one in interface.keys]
+    members = ["scope: str", "name: str", "type: str", "default: str", "unit: str",
+               "allowed: Tuple[str, ...]"]
+    lines = table("Property", members, "KEYS", rows)
     return lines[:2] + ['    """A property, with its default as the file has it."""', ""] + lines[2:]
+
+
+def words(texts: List[str]) -> str:
+    """A tuple of texts."""
+    return "(" + ", ".join(map(quoted, texts)) + ("," if len(texts) == 1 else "") + ")"
+
+
+def allowed(key: tables.Key) -> str:
+    return words(key.allowed)
+
+
+def key_name(key: tables.Key) -> str:
+    """status.adb_port -> status_adb_port"""
+    name = key.name.replace(".", "_")
+    if not name.isidentifier() or keyword.iskeyword(name):
+        raise ValueError(f"{key.name} gives no name for Python")
+    return name
+
+
+def keys_of(interface: Interface, scope: str, variable: str) -> List[str]:
+    rows = [one for one in interface.keys if one.scope == scope]
+    if len({key_name(one) for one in rows}) != len(rows):
+        raise ValueError(f"two {scope} properties have one name in Python")
+    lines = []
+    for one in rows:
+        start = f"        {variable}.{key_name(one)}: Final[Key[{KEY_TYPES[one.type]}]] = Key("
+        values = key_values(one)
+        fits = len(start + values) < WIDTH
+        lines += [f"{start}{values})"] if fits else [start, f"            {values})"]
+    return lines
+
+
+def key_values(key: tables.Key) -> str:
+    """Without the last ones where these are Key's own."""
+    values = [f"p + {quoted(key.name)}", quoted(key.type), quoted(key.default)]
+    if key.unit or key.allowed:
+        values.append(quoted(key.unit))
+    return ", ".join(values + ([allowed(key)] if key.allowed else []))
+
+
+def keys(interface: Interface) -> List[str]:
+    return ["", "class GlobalKeys:", '    """The keys that the product has once."""', "",
+            "    def __init__(self) -> None:", '        p = "vtr."',
+            *keys_of(interface, "global", "self"), "", "", "class InstanceKeys:",
+            '    """The keys of one instance."""', "",
+            "    def __init__(self, instance: str) -> None:",
+            '        p = f"vtr.instance.{instance}."',
+            *keys_of(interface, "instance", "self"), ""]
 
 
 def codes(interface: Interface) -> List[str]:
@@ -82,25 +165,25 @@ def codes(interface: Interface) -> List[str]:
     return table("Code", ["number: int", "name: str", "text: str"], "CODES", rows)
 
 
+def images(interface: Interface) -> List[str]:
+    return ["", "# An instance's name up to its first \"_\" is one of these.",
+            f"IMAGES = {words(interface.images)}", ""]
+
+
 def public_names(interface: Interface) -> List[str]:
     """What the binding passes on to hosts."""
-    records = [event_name(name) for name, one in interface.callbacks.items() if is_record(one)]
-    return [*interface.results, *records, "Callbacks"]
+    return [*interface.results, *map(event_name, interface.callbacks), "Callbacks", "Event",
+            "EventName"]
 
 
 def module(interface: Interface) -> str:
-    records = {name: event_name(name) for name, one in interface.callbacks.items() if is_record(one)}
     lines = [f"# {line}" for line in MARK]
     lines += ["", "from ctypes import c_bool, c_char_p, c_double, c_int32, c_int64, c_void_p",
-              "from typing import Any, Callable, Dict, NamedTuple, Optional, Tuple", "",
+              "from typing import (Any, Callable, Dict, Final, List, Literal, NamedTuple, Optional, Tuple,",
+              "                    Union)", "", "from .key import Key", "",
               "__all__ = [", *[f"    {quoted(name)}," for name in public_names(interface)], "]", "",
               f"VERSION = {quoted(interface.version)}", ""]
     lines += [f"{name} = {number}" for name, number in interface.results.items()] + [""]
-    lines += callbacks(interface) + functions(interface)
-    for name in records:
-        lines += record(interface, name)
-    lines += slots(interface) + ["", "# Events that arrive as a record.", "RECORDS: Dict[str, Any] = {",
-                                 *[f"    {quoted(name)}: {type_}," for name, type_ in records.items()],
-                                 "}", ""]
-    lines += keys(interface) + codes(interface)
+    lines += callbacks(interface) + functions(interface) + events(interface) + slots(interface)
+    lines += properties(interface) + keys(interface) + codes(interface) + images(interface)
     return "\n".join(lines)

@@ -1,0 +1,142 @@
+"""What the binding asks Windows itself: the registry, files as the library opens them, and who serves
+a pipe. Nothing else of the package does."""
+
+import ctypes
+import os
+import sys
+import time
+from ctypes import byref, c_int, c_uint32, c_void_p, c_wchar_p
+from typing import Any, List, Optional
+
+GENERIC_READ = 0x80000000
+FILE_APPEND_DATA = 0x0004
+SHARE_ALL = 0x0007  # read, write, delete
+CREATE_NEW, OPEN_EXISTING = 1, 3
+DELETE_ON_CLOSE = 0x04000000
+IDENTIFY_ONLY = 0x00110000  # the server may know who we are, and not act as us
+INVALID_HANDLE = c_void_p(-1).value
+
+FILE_NOT_FOUND, ACCESS_DENIED, SHARING_VIOLATION, LOCK_VIOLATION, PIPE_BUSY = 2, 5, 32, 33, 231
+
+_CHUNK = 1 << 16
+_HELD_TRIES, _HELD_SECONDS = 10, 0.05  # while another program replaces a file
+_PIPE_SECONDS = 0.01
+
+
+def registry_text(key: str, name: str) -> Optional[str]:
+    """A text of HKEY_LOCAL_MACHINE, as the 64-bit view has it; None for another type, too."""
+    if sys.platform != "win32":
+        raise OSError("there is no registry on this system")
+    import winreg
+    try:
+        access = winreg.KEY_QUERY_VALUE | winreg.KEY_WOW64_64KEY
+        with winreg.OpenKey(winreg.HKEY_LOCAL_MACHINE, key, access=access) as opened:
+            value, type_ = winreg.QueryValueEx(opened, name)
+    except OSError:
+        return None
+    return value.rstrip("\0") if type_ == winreg.REG_SZ and isinstance(value, str) else None
+
+
+def is_folder(path: str) -> bool:
+    return os.path.isdir(path)
+
+
+def exists(path: str) -> bool:
+    return os.path.exists(path)
+
+
+def read_file(path: str) -> Optional[bytes]:
+    """None where there is no such file, or it cannot be read."""
+    for _ in range(_HELD_TRIES):
+        handle = _open(path, GENERIC_READ, OPEN_EXISTING)
+        if handle is not None:
+            return _read_whole(handle)
+        if _last_error() not in (ACCESS_DENIED, SHARING_VIOLATION, LOCK_VIOLATION):
+            return None
+        time.sleep(_HELD_SECONDS)
+    return None
+
+
+def append_error(path: str) -> int:
+    """The Windows error with which a file that is there cannot be opened as a log; 0: it can."""
+    return _open_error(path, FILE_APPEND_DATA, OPEN_EXISTING, 0)
+
+
+def create_error(folder: str) -> int:
+    """The Windows error with which no file can be made in a folder; 0: it can."""
+    path = f"{folder}\\qxbridge-{os.getpid()}-{time.monotonic_ns()}.tmp"
+    return _open_error(path, FILE_APPEND_DATA, CREATE_NEW, DELETE_ON_CLOSE)
+
+
+def process_id() -> int:
+    return os.getpid()
+
+
+def pipe_server(name: str, timeout: float) -> Optional[int]:
+    """The process that serves a pipe, waiting for it; None where that takes too long."""
+    path, end = "\\\\.\\pipe\\" + name, time.monotonic() + timeout
+    while True:
+        handle = _open(path, GENERIC_READ, OPEN_EXISTING, IDENTIFY_ONLY, share=0)
+        if handle is not None:
+            return _server_of(handle)
+        if _last_error() not in (FILE_NOT_FOUND, PIPE_BUSY) or time.monotonic() >= end:
+            return None
+        time.sleep(_PIPE_SECONDS)
+
+
+def _kernel32() -> Any:
+    """The functions of Windows, with the types of what is passed."""
+    if sys.platform != "win32":
+        raise OSError("the library needs Windows")
+    library = ctypes.WinDLL("kernel32", use_last_error=True)
+    library.CreateFileW.restype = c_void_p
+    library.CreateFileW.argtypes = [c_wchar_p, c_uint32, c_uint32, c_void_p, c_uint32, c_uint32, c_void_p]
+    library.ReadFile.argtypes = [c_void_p, c_void_p, c_uint32, c_void_p, c_void_p]
+    library.GetNamedPipeServerProcessId.argtypes = [c_void_p, c_void_p]
+    library.CloseHandle.argtypes = [c_void_p]
+    for name in ("ReadFile", "GetNamedPipeServerProcessId", "CloseHandle"):
+        getattr(library, name).restype = c_int
+    return library
+
+
+def _last_error() -> int:
+    if sys.platform == "win32":
+        return ctypes.get_last_error()
+    return 0
+
+
+def _open(path: str, access: int, disposition: int, flags: int = 0,
+          share: int = SHARE_ALL) -> Optional[int]:
+    handle = _kernel32().CreateFileW(path, access, share, None, disposition, flags, None)
+    return None if handle == INVALID_HANDLE else handle
+
+
+def _open_error(path: str, access: int, disposition: int, flags: int) -> int:
+    # Deletion on close is a right of its own.
+    handle = _open(path, access | (0x00010000 if flags & DELETE_ON_CLOSE else 0), disposition, flags)
+    if handle is None:
+        return _last_error()
+    _kernel32().CloseHandle(handle)
+    return 0
+
+
+def _read_whole(handle: int) -> Optional[bytes]:
+    buffer, done = ctypes.create_string_buffer(_CHUNK), c_uint32()
+    parts: List[bytes] = []
+    kernel32 = _kernel32()
+    try:
+        while kernel32.ReadFile(handle, buffer, _CHUNK, byref(done), None):
+            if done.value == 0:
+                return b"".join(parts)
+            parts.append(buffer.raw[:done.value])
+        return None
+    finally:
+        kernel32.CloseHandle(handle)
+
+
+def _server_of(pipe: int) -> Optional[int]:
+    process, kernel32 = c_uint32(), _kernel32()
+    try:
+        return process.value if kernel32.GetNamedPipeServerProcessId(pipe, byref(process)) else None
+    finally:
+        kernel32.CloseHandle(pipe)

@@ -1,0 +1,61 @@
+"""The library's life in this process: it starts once, and one Bridge has it."""
+
+import threading
+from typing import Callable, Optional
+
+_this_thread = threading.local()
+
+
+def mark_event_thread() -> None:
+    """Whoever calls this is called by the library."""
+    _this_thread.is_event_thread = True
+
+
+def refuse_event_thread(what: str) -> None:
+    """The event thread cannot wait for itself."""
+    if getattr(_this_thread, "is_event_thread", False):
+        raise RuntimeError(f"{what} must not be called inside a callback")
+
+
+class Life:
+    def __init__(self) -> None:
+        self._lock = threading.Lock()
+        self._owner: Optional[object] = None
+        self._ended = False
+
+    def start(self, owner: object, start: Callable[[], None]) -> None:
+        """Calls start() and remembers the owner, unless that raises."""
+        with self._lock:
+            self.require_startable(owner)
+            start()
+            self._owner = owner
+
+    def require_startable(self, owner: object) -> None:
+        if self._ended:
+            raise RuntimeError("the library has ended: it starts once per process")
+        if self._owner not in (None, owner):
+            raise RuntimeError("another Bridge has started the library")
+
+    def end(self, owner: object) -> bool:
+        """Whether there is something to stop: the first time, for the owner."""
+        with self._lock:
+            if self._owner is not owner:
+                return False
+            self._owner, self._ended = None, True
+            return True
+
+    def has(self, owner: object) -> bool:
+        return self._owner is owner
+
+    def require(self, owner: object) -> None:
+        """Before its start, and after its end, the library would end the process."""
+        if self._owner is not owner:
+            raise RuntimeError("the library has ended" if self._ended
+                               else "the library is not started: call init() first")
+
+
+_current = Life()
+
+
+def current() -> Life:
+    return _current

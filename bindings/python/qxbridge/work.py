@@ -1,0 +1,80 @@
+"""Work that a program was started for, and the event that says what became of it."""
+
+import asyncio
+from concurrent import futures
+from typing import Any, Callable, Generic, Optional, Type, TypeVar
+
+from . import life
+from .background import within
+from .errors import BridgeError
+from .events import Dispatcher
+
+E = TypeVar("E")
+
+
+class Work(Generic[E]):
+    """Started work. It is finished when the event that belongs to it has come: that event is the
+    outcome. listen() has to come before the work."""
+
+    def __init__(self, type_: Type[E], is_outcome: Callable[[E], bool], *,
+                 shares: bool = True) -> None:
+        self.shares = shares
+        self._type = type_
+        self._is_outcome = is_outcome
+        self._outcome: "futures.Future[Optional[E]]" = futures.Future()  # None: the library ended
+        self._is_watched = False
+
+    def start(self, dispatcher: Optional[Dispatcher], start: Callable[[], None]) -> "Work[E]":
+        """Watches, then starts: the event may be there before start() returns. Without a dispatcher
+        nothing listens."""
+        if dispatcher is None:
+            start()
+            return self
+        self._is_watched = True
+        dispatcher.watch(self)
+        try:
+            start()
+        except BridgeError:
+            dispatcher.unwatch(self)
+            raise
+        return self
+
+    @property
+    def is_finished(self) -> bool:
+        return self._outcome.done()
+
+    def wait(self, timeout: Optional[float] = None) -> E:
+        """The outcome, waiting so many seconds at most: then TimeoutError, and the work goes on."""
+        self._require_watch()
+        if not self._outcome.done():
+            life.refuse_event_thread("wait()")
+        try:
+            return self._event(self._outcome.result(timeout))
+        except futures.TimeoutError:
+            raise TimeoutError(f"it took more than {timeout} s") from None
+
+    async def finished(self, timeout: Optional[float] = None) -> E:
+        """wait() for asyncio."""
+        self._require_watch()
+        return self._event(await within(asyncio.wrap_future(self._outcome), timeout))
+
+    def offer(self, event: Any) -> bool:
+        """On the event thread: whether this is the outcome."""
+        if not isinstance(event, self._type) or not self._is_outcome(event):
+            return False
+        self._outcome.set_result(event)
+        return True
+
+    def end(self) -> None:
+        """The library has ended."""
+        self._outcome.set_result(None)
+
+    def _require_watch(self) -> None:
+        if not self._is_watched:
+            raise RuntimeError("listen() comes first")
+
+    @staticmethod
+    def _event(outcome: Optional[E]) -> E:
+        if outcome is None:
+            raise RuntimeError("the library has ended")
+        return outcome

@@ -1,0 +1,200 @@
+"""What the tests of the Python binding share: the stand-in of the library, and a Windows whose files
+are in a folder of this machine."""
+
+import ctypes
+import pathlib
+import sys
+import tempfile
+import threading
+import unittest
+from unittest import mock
+
+import qxbridge
+from qxbridge import _windows, life
+
+TREE = pathlib.Path(__file__).resolve().parents[3]
+HOOK = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
+PROCESS = 4711
+SLOTS = {name: slot for slot, name in enumerate(qxbridge.Callbacks._fields, 1)}
+
+
+class Fake:
+    """The stand-in of the library."""
+
+    def __init__(self, path):
+        self.path = path
+        self.library = ctypes.CDLL(path)
+        self.library.fakeCalls.restype = ctypes.c_char_p
+        self.library.fakeClient.restype = ctypes.c_char_p
+        self.library.fakeValue.argtypes = [ctypes.c_char_p, ctypes.c_char_p]
+        self.library.fakeOnCall.argtypes = [ctypes.c_void_p]
+        self.library.fakeEvent.argtypes = [ctypes.c_int, ctypes.c_char_p, ctypes.c_char_p, ctypes.c_int,
+                                           ctypes.c_double]
+        self._hook = None
+
+    def reset(self):
+        self.on_call(None)
+        self.library.fakeReset()
+        self.library.fakeAnswer(0)
+        self.library.fakeForgetValues()
+
+    def taken(self):
+        """The calls since the last time."""
+        lines = self.library.fakeCalls().decode().splitlines()
+        self.library.fakeReset()
+        return lines
+
+    def answer(self, code):
+        self.library.fakeAnswer(code)
+
+    def value(self, name, text):
+        """What reading a key, or a listing by its function's name, returns from now on."""
+        self.library.fakeValue(name.encode(), text.encode())
+
+    def on_call(self, function):
+        """function(line) is called inside each call, on the caller's thread."""
+        self._hook = function and HOOK(lambda line: function(line.decode()))
+        self.library.fakeOnCall(ctypes.cast(self._hook, ctypes.c_void_p) if function else None)
+
+    def event(self, name, first="", second="", number=0, progress=0.0):
+        """Sends one, and returns when it was received. Texts and number are those of the event."""
+        self.library.fakeEvent(SLOTS[name], first.encode(), second.encode(), number, progress)
+
+
+class FakeWindows:
+    """Takes the place of qxbridge._windows. "C:\\x" is the file C/x in a temporary folder."""
+
+    def __init__(self, root):
+        self.root = pathlib.Path(root)
+        self.registry = {"UserDefinedDir": "C:\\Data", "InstallDir": "C:\\Programs\\",
+                         "Version": qxbridge.generated.VERSION}
+        self.server = PROCESS  # who serves the pipe; None: nobody
+        self.pipes = []  # that were asked for, and how long
+        self.held = set()  # paths that another program keeps for itself
+        self.closed = set()  # folders in which nothing can be made
+        self.made = []  # folders in which a file was made for a trial
+
+    def path(self, text):
+        return self.root / text.replace(":", "").replace("\\", "/")
+
+    def registry_text(self, key, name):
+        assert key == "SOFTWARE\\Vantrel_nvo"
+        return self.registry.get(name)
+
+    def is_folder(self, path):
+        return self.path(path).is_dir()
+
+    def exists(self, path):
+        return self.path(path).exists()
+
+    def read_file(self, path):
+        return self.path(path).read_bytes() if self.path(path).is_file() else None
+
+    def append_error(self, path):
+        return 32 if path in self.held else 0
+
+    def create_error(self, folder):
+        self.made.append(folder)
+        return 5 if folder in self.closed else 0
+
+    def process_id(self):
+        return PROCESS
+
+    def pipe_server(self, name, timeout):
+        self.pipes.append((name, timeout))
+        return self.server
+
+
+def load(path):
+    global fake
+    fake = Fake(path)
+
+
+fake = None
+
+
+class Case(unittest.TestCase):
+    """A bridge in a process of its own, as it seems: the one before it has ended."""
+
+    maxDiff = None
+
+    def setUp(self):
+        fake.reset()
+        folder = tempfile.TemporaryDirectory(prefix="qxbridge.")
+        self.addCleanup(folder.cleanup)
+        self.windows = FakeWindows(folder.name)
+        for name in ("registry_text", "is_folder", "exists", "read_file", "append_error",
+                     "create_error", "process_id", "pipe_server"):
+            self.patch(_windows, name, getattr(self.windows, name))
+        self.windows.path("C:\\Data\\Logs").mkdir(parents=True)
+        self.write()
+        self.bridge = self.first()
+        self.addCleanup(self.end)
+
+    def patch(self, where, name, value):
+        patched = mock.patch.object(where, name, value)
+        patched.start()
+        self.addCleanup(patched.stop)
+
+    def first(self):
+        self.patch(life, "_current", life.Life())
+        return qxbridge.Bridge(fake.path)
+
+    def end(self):
+        self.bridge.fini()
+        self.assertEqual(fake.library.fakeLiveTexts(), 0)
+
+    def write(self, *lines, path="C:\\Data\\vantrel.conf"):
+        """The configuration file."""
+        self.windows.path(path).write_text("".join(one + "\n" for one in lines), "utf-8")
+
+    def start(self, *lines, **options):
+        """init() with this configuration file."""
+        if lines:
+            self.write(*lines)
+        self.bridge.init(options.pop("client", "Helper"), **options)
+        fake.taken()
+
+    def listen(self, *lines):
+        self.start(*lines)
+        self.bridge.listen()
+        fake.taken()
+
+    def fails(self, operation, code, call, *values):
+        with self.assertRaises(qxbridge.BridgeError) as caught:
+            call(*values)
+        self.assertEqual((caught.exception.operation, caught.exception.code), (operation, code))
+        return caught.exception
+
+    def refused(self, type_, message, call, *values):
+        """Raises that, with exactly this message."""
+        with self.assertRaises(type_) as caught:
+            call(*values)
+        self.assertEqual(str(caught.exception), message)
+        return caught.exception
+
+    def key_error(self, message, call, *values):
+        """Raises that, before the library is called."""
+        fake.taken()
+        error = self.refused(qxbridge.BridgeKeyError, message, call, *values)
+        self.assertEqual(fake.taken(), [])
+        return error
+
+    def unraised(self):
+        """The list of what callbacks raise from now on."""
+        raised = []
+        self.patch(sys, "unraisablehook", lambda one: raised.append(str(one.exc_value)))
+        return raised
+
+    def in_thread(self, call):
+        """Starts call(), and returns a function that waits for its result."""
+        results = []
+        thread = threading.Thread(target=lambda: results.append(call()), daemon=True)
+        thread.start()
+
+        def result():
+            thread.join(30)
+            self.assertEqual(len(results), 1, "the thread has no result")
+            return results[0]
+
+        return result
