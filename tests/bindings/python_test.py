@@ -12,11 +12,7 @@ sys.path[:0] = [str(HERE.parents[1] / "bindings" / "python"), str(HERE / "python
 import support  # noqa: E402
 
 
-def load_tests(loader, _tests, _pattern):
-    names = sorted(path.stem for path in (HERE / "python").glob("*_test.py"))
-    return unittest.TestSuite(loader.loadTestsFromName(name) for name in names)
-
-
 if __name__ == "__main__":
     support.load(sys.argv.pop(1))
-    unittest.main()
+    every = sorted(path.stem for path in (HERE / "python").glob("*_test.py"))
+    unittest.main(module=None, argv=[sys.argv[0], *(sys.argv[1:] or every)])

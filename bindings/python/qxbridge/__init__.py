@@ -23,8 +23,9 @@ from .work import Work
 
 CLIENTS = ("Launcher", "Installer", "LogCollector", "Helper", "Uninstaller")
 
-__all__ = generated.__all__ + [
+__all__ = [
     "App", "Bridge", "BridgeError", "BridgeKeyError", "CALLBACKS", "CLIENTS", "Configuration",
     "EventOverflow", "EventStream", "FUNCTIONS", "Instance", "Key", "ListenError", "PreflightError",
     "Problem", "RECORDS", "Work", "keys", "preflight",
 ]
+__all__ += generated.__all__

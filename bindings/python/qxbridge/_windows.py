@@ -10,6 +10,7 @@ from typing import Any, List, Optional
 
 GENERIC_READ = 0x80000000
 FILE_APPEND_DATA = 0x0004
+DELETE = 0x00010000
 SHARE_ALL = 0x0007  # read, write, delete
 CREATE_NEW, OPEN_EXISTING = 1, 3
 DELETE_ON_CLOSE = 0x04000000
@@ -65,7 +66,7 @@ def append_error(path: str) -> int:
 def create_error(folder: str) -> int:
     """The Windows error with which no file can be made in a folder; 0: it can."""
     path = f"{folder}\\qxbridge-{os.getpid()}-{time.monotonic_ns()}.tmp"
-    return _open_error(path, FILE_APPEND_DATA, CREATE_NEW, DELETE_ON_CLOSE)
+    return _open_error(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, DELETE_ON_CLOSE)
 
 
 def process_id() -> int:
@@ -73,13 +74,17 @@ def process_id() -> int:
 
 
 def pipe_server(name: str, timeout: float) -> Optional[int]:
-    """The process that serves a pipe, waiting for it; None where that takes too long."""
+    """The process that serves a pipe, waiting for it; None where that takes too long.
+    PermissionError where another user serves it."""
     path, end = "\\\\.\\pipe\\" + name, time.monotonic() + timeout
     while True:
         handle = _open(path, GENERIC_READ, OPEN_EXISTING, IDENTIFY_ONLY, share=0)
         if handle is not None:
             return _server_of(handle)
-        if _last_error() not in (FILE_NOT_FOUND, PIPE_BUSY) or time.monotonic() >= end:
+        error = _last_error()
+        if error == ACCESS_DENIED:
+            raise PermissionError(f"{path} refuses this user")
+        if error not in (FILE_NOT_FOUND, PIPE_BUSY) or time.monotonic() >= end:
             return None
         time.sleep(_PIPE_SECONDS)
 
@@ -112,8 +117,7 @@ def _open(path: str, access: int, disposition: int, flags: int = 0,
 
 
 def _open_error(path: str, access: int, disposition: int, flags: int) -> int:
-    # Deletion on close is a right of its own.
-    handle = _open(path, access | (0x00010000 if flags & DELETE_ON_CLOSE else 0), disposition, flags)
+    handle = _open(path, access, disposition, flags)
     if handle is None:
         return _last_error()
     _kernel32().CloseHandle(handle)

@@ -104,10 +104,7 @@ class Bridge:
         self._calls.require_ready()
         life.refuse_event_thread("listen()")
         self.register(self._dispatcher.callbacks if callbacks is None else callbacks)
-        process = _windows.pipe_server(f"vtr_{self._client}_bridge_nvo", timeout)
-        if process is None:
-            raise ListenError(f'nobody serves the events of client "{self._client}" after {timeout:g} s',
-                              None)
+        process = self._server_of_events(timeout)
         if process != _windows.process_id():
             raise ListenError(f'process {process} has the events of client "{self._client}"', process)
         self._is_listening = True
@@ -158,8 +155,8 @@ class Bridge:
 
     def launch_app(self, instance: str, package: str) -> Work[AppDisplayed]:
         """Finished when the app is displayed."""
-        work = Work(AppDisplayed, lambda one: one == (instance, package))
-        return self._start(work, "bridgeLaunchApp", utf8(instance), utf8(package))
+        return self._start(AppDisplayed, lambda one: one == (instance, package),
+                           "bridgeLaunchApp", utf8(instance), utf8(package))
 
     def launch_app_store(self, instance: str, store: str, package: str) -> None:
         self._calls.status("bridgeLaunchAppStore", utf8(instance), utf8(store), utf8(package),
@@ -170,15 +167,14 @@ class Bridge:
 
     def install_apk(self, instance: str, apk_file_path: str) -> Work[ApkInstallCompleted]:
         """Finished when the instance has dealt with the file; the outcome has its status."""
-        work = Work(ApkInstallCompleted,
-                    lambda one: (one.instance, one.apk_file_path) == (instance, apk_file_path))
-        return self._start(work, "bridgeInstallApk", utf8(instance), utf8(apk_file_path),
-                           file=apk_file_path)
+        return self._start(ApkInstallCompleted,
+                           lambda one: (one.instance, one.apk_file_path) == (instance, apk_file_path),
+                           "bridgeInstallApk", utf8(instance), utf8(apk_file_path), file=apk_file_path)
 
     def uninstall_app(self, instance: str, package: str) -> Work[AppUninstalled]:
         """Finished when the app is uninstalled."""
-        work = Work(AppUninstalled, lambda one: one == (instance, package))
-        return self._start(work, "bridgeUninstallApp", utf8(instance), utf8(package))
+        return self._start(AppUninstalled, lambda one: one == (instance, package),
+                           "bridgeUninstallApp", utf8(instance), utf8(package))
 
     def install_image(self, image_name: str,
                       progress: Optional[Callable[[InstallImageProgress], Any]] = None
@@ -192,18 +188,18 @@ class Bridge:
                 progress(event)
             return False
 
-        return self._start(Work(InstallImageProgress, is_outcome), "bridgeInstallImage",
-                           utf8(image_name), file=self._places.manager)
+        return self._start(InstallImageProgress, is_outcome, "bridgeInstallImage", utf8(image_name),
+                           file=self._places.manager)
 
     def create_fresh_instance(self, image_name: str, cpu: int, ram: int, graphic_engine: str,
                               graphic_renderer: str, device_profile: str
                               ) -> Work[CreateInstanceCompleted]:
         """ram in MiB. Finished when an instance was created, or could not be: that event does not say
         for whom, so that the works are finished in the order of their calls."""
-        work = Work(CreateInstanceCompleted, lambda _: True, shares=False)
-        return self._start(work, "bridgeCreateFreshInstance", utf8(image_name), b"%d" % cpu,
-                           b"%d" % ram, utf8(graphic_engine), utf8(graphic_renderer),
-                           utf8(device_profile), file=self._places.manager)
+        return self._start(CreateInstanceCompleted, lambda _: True, "bridgeCreateFreshInstance",
+                           utf8(image_name), b"%d" % cpu, b"%d" % ram, utf8(graphic_engine),
+                           utf8(graphic_renderer), utf8(device_profile), file=self._places.manager,
+                           shares=False)
 
     def shutdown_player(self, instance: str, flag: bool = False) -> None:
         self._calls.status("bridgePlrShutdown", utf8(instance), boolean(flag))
@@ -212,9 +208,21 @@ class Bridge:
         """Asks the multi-instance manager and every player to shut down."""
         self._calls.value("bridgeShutdown")
 
-    def _start(self, work: Work[E], operation: str, *values: Any, file: str = "") -> Work[E]:
+    def _server_of_events(self, timeout: float) -> int:
+        events = f'the events of client "{self._client}"'
+        try:
+            process = _windows.pipe_server(f"vtr_{self._client}_bridge_nvo", timeout)
+        except PermissionError:
+            raise ListenError(f"another user has {events}", None) from None
+        if process is None:
+            raise ListenError(f"nobody serves {events} after {timeout:g} s", None)
+        return process
+
+    def _start(self, outcome: Type[E], is_outcome: Callable[[E], bool], operation: str, *values: Any,
+               file: str = "", shares: bool = True) -> Work[E]:
+        work = Work(outcome, is_outcome, lambda: self._is_listening, shares=shares)
         program = file or self._places.player
-        return work.start(self._dispatcher if self._is_listening else None,
+        return work.start(self._dispatcher,
                           lambda: self._calls.status(operation, *values, file=program))
 
     def _use(self, places: product.Places) -> None:

@@ -73,5 +73,4 @@ def require_image(instance: str) -> None:
     """The library ends the process when it lists an instance of an unknown image."""
     image = instance.partition("_")[0]
     if image not in IMAGES:
-        raise BridgeKeyError(f'"{instance}" is not an image; there are {", ".join(IMAGES)}',
-                             instance)
+        raise BridgeKeyError(f'"{image}" is not an image; there are {", ".join(IMAGES)}', instance)

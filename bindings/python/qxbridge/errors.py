@@ -68,7 +68,7 @@ class ListenError(Exception):
 
     def __init__(self, message: str, process_id: Optional[int]) -> None:
         super().__init__(message)
-        self.process_id = process_id  # who gets them; None: nobody
+        self.process_id = process_id  # who gets them; None: it is not known, or nobody
 
 
 class EventOverflow(Exception):

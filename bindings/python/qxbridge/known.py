@@ -91,9 +91,9 @@ class Known:
             self._staged.clear()
 
     def add_instance(self, name: str) -> None:
-        catalogue.require_image(name)
-        if set(name) & set(".=\n"):
+        if not name or set(name) & set(".=\n"):
             raise BridgeKeyError(f'"{name}" cannot be the name of an instance', name)
+        catalogue.require_image(name)
         with self._lock:
             self._added.add(name)
 

@@ -79,8 +79,8 @@ def _version(client_id: str) -> Optional[Problem]:
     version = _windows.registry_text(product.REGISTRY_KEY, "Version") or ""
     if version == VERSION:
         return None
-    return Problem(f'{_registry_value("Version")} is "{version}", and the library\'s version "{VERSION}"',
-                   "install library and product of one version")
+    return Problem(f'the product\'s version is "{version}", and the library\'s is "{VERSION}"',
+                   "install product and library of the same version")
 
 
 def preflight(client_id: str, *, no_conf_file: bool = False,

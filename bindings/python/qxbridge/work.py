@@ -14,23 +14,18 @@ E = TypeVar("E")
 
 class Work(Generic[E]):
     """Started work. It is finished when the event that belongs to it has come: that event is the
-    outcome. listen() has to come before the work."""
+    outcome. Without listen() no event comes, and waiting raises RuntimeError."""
 
-    def __init__(self, type_: Type[E], is_outcome: Callable[[E], bool], *,
-                 shares: bool = True) -> None:
+    def __init__(self, type_: Type[E], is_outcome: Callable[[E], bool],
+                 is_listening: Callable[[], bool], *, shares: bool = True) -> None:
         self.shares = shares
         self._type = type_
         self._is_outcome = is_outcome
+        self._is_listening = is_listening
         self._outcome: "futures.Future[Optional[E]]" = futures.Future()  # None: the library ended
-        self._is_watched = False
 
-    def start(self, dispatcher: Optional[Dispatcher], start: Callable[[], None]) -> "Work[E]":
-        """Watches, then starts: the event may be there before start() returns. Without a dispatcher
-        nothing listens."""
-        if dispatcher is None:
-            start()
-            return self
-        self._is_watched = True
+    def start(self, dispatcher: Dispatcher, start: Callable[[], None]) -> "Work[E]":
+        """Watches, then starts: the event may be there before start() returns."""
         dispatcher.watch(self)
         try:
             start()
@@ -45,7 +40,7 @@ class Work(Generic[E]):
 
     def wait(self, timeout: Optional[float] = None) -> E:
         """The outcome, waiting so many seconds at most: then TimeoutError, and the work goes on."""
-        self._require_watch()
+        self._require_listening()
         if not self._outcome.done():
             life.refuse_event_thread("wait()")
         try:
@@ -55,7 +50,7 @@ class Work(Generic[E]):
 
     async def finished(self, timeout: Optional[float] = None) -> E:
         """wait() for asyncio."""
-        self._require_watch()
+        self._require_listening()
         return self._event(await within(asyncio.wrap_future(self._outcome), timeout))
 
     def offer(self, event: Any) -> bool:
@@ -69,8 +64,8 @@ class Work(Generic[E]):
         """The library has ended."""
         self._outcome.set_result(None)
 
-    def _require_watch(self) -> None:
-        if not self._is_watched:
+    def _require_listening(self) -> None:
+        if not self._outcome.done() and not self._is_listening():
             raise RuntimeError("listen() comes first")
 
     @staticmethod

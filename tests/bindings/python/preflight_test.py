@@ -93,8 +93,7 @@ class PreflightTest(Case):
         for version, shown in (("5.1", "5.1"), (None, "")):
             self.windows.registry["Version"] = version
             self.assertEqual(self.problems("Launcher"), [
-                f'the registry value HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo "Version" is "{shown}", '
-                f'and the library\'s version "{qxbridge.generated.VERSION}"'])
+                f'the product\'s version is "{shown}", and the library\'s is "{qxbridge.generated.VERSION}"'])
             self.assertEqual(self.problems("Helper"), [])
 
     def test_several_problems_in_their_order(self):
@@ -102,7 +101,7 @@ class PreflightTest(Case):
         self.windows.path(CONF).unlink()
         self.windows.registry["Version"] = "5.1"
         self.assertEqual([one.split(" ")[1] for one in self.problems("Launcher")],
-                         ["folder", "configuration", "registry"])
+                         ["folder", "configuration", "product's"])
 
     def test_without_file_and_with_an_own_log_the_data_folder_is_not_needed(self):
         self.windows.registry["UserDefinedDir"] = None

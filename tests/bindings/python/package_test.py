@@ -1,0 +1,58 @@
+"""The package as a host meets it: its names, and the Pythons that it is for."""
+
+import ast
+import unittest
+
+import qxbridge
+from support import TREE
+
+FILES = sorted((TREE / "bindings/python/qxbridge").glob("*.py"))
+
+# What hosts that were written for the single module use.
+EARLIER_NAMES = ("Bridge", "BridgeError", "Configuration", "Callbacks", "AppInstalled", "CLIENTS",
+                 "CALLBACKS", "FUNCTIONS", "RECORDS", "SUCCESS", "FAILURE", "NO_ENTRY", "TOO_BIG",
+                 "ACCESS", "INVALID_ARGUMENT")
+
+
+class PackageTest(unittest.TestCase):
+    def test_every_module_is_of_python_3_8(self):
+        self.assertGreater(len(FILES), 15)
+        for path in FILES:
+            ast.parse(path.read_text("utf-8"), path.name, feature_version=(3, 8))
+
+    def test_earlier_names(self):
+        for name in EARLIER_NAMES:
+            self.assertTrue(hasattr(qxbridge, name), name)
+            self.assertIn(name, qxbridge.__all__)
+
+    def test_all_names_are_there_once(self):
+        self.assertEqual(len(set(qxbridge.__all__)), len(qxbridge.__all__))
+        for name in qxbridge.__all__:
+            self.assertTrue(hasattr(qxbridge, name), name)
+
+    def test_the_package_announces_its_types(self):
+        self.assertTrue((FILES[0].parent / "py.typed").exists())
+
+    def test_only_one_module_reaches_windows(self):
+        reaching = {"winreg", "msvcrt", "_winapi", "subprocess", "WinDLL", "windll"}
+        for path in FILES:
+            names = {one.id for one in ast.walk(ast.parse(path.read_text("utf-8")))
+                     if isinstance(one, ast.Name)}
+            names |= {one.attr for one in ast.walk(ast.parse(path.read_text("utf-8")))
+                      if isinstance(one, ast.Attribute)}
+            if path.name != "_windows.py":
+                self.assertFalse(names & reaching, path.name)
+                self.assertNotIn("open", names, path.name)
+
+    def test_every_import_is_used(self):
+        for path in FILES:
+            if path.name in ("__init__.py", "keys.py"):
+                continue
+            tree = ast.parse(path.read_text("utf-8"))
+            imported = {(one.asname or one.name).split(".")[0] for node in ast.walk(tree)
+                        if isinstance(node, (ast.Import, ast.ImportFrom)) for one in node.names}
+            used = {one.id for one in ast.walk(tree) if isinstance(one, ast.Name)}
+            text = path.read_text("utf-8")
+            # A quoted annotation names what it needs, too.
+            unused = [name for name in imported - used if f'"{name}.' not in text and f'{name}[' not in text]
+            self.assertEqual(unused, [], path.name)

@@ -1,0 +1,208 @@
+"""What the binding asks Windows for, over functions that write down how they were called."""
+
+import ctypes
+import os
+import sys
+import types
+import unittest
+from unittest import mock
+
+from qxbridge import _windows
+
+INVALID = ctypes.c_void_p(-1).value
+
+
+class Kernel32:
+    """Opens return these handles or, for a negative number, fail with that error."""
+
+    def __init__(self, *opens, content=(), server=0):
+        self.opens = list(opens)
+        self.content = list(content)  # what each read gives; None: it fails
+        self.server = server
+        self.calls = []
+        self.error = 0
+
+    def CreateFileW(self, *values):
+        self.calls.append(("open", *values))
+        result = self.opens.pop(0)
+        self.error = -result if result < 0 else 0
+        return result if result >= 0 else INVALID
+
+    def ReadFile(self, handle, buffer, size, done, _):
+        chunk = self.content.pop(0)
+        if chunk is None:
+            return 0
+        assert len(chunk) <= size
+        ctypes.memmove(buffer, chunk, len(chunk))
+        done._obj.value = len(chunk)
+        return 1
+
+    def GetNamedPipeServerProcessId(self, handle, process):
+        self.calls.append(("server", handle))
+        process._obj.value = self.server
+        return int(self.server != 0)
+
+    def CloseHandle(self, handle):
+        self.calls.append(("close", handle))
+        return 1
+
+
+class WindowsTest(unittest.TestCase):
+    def setUp(self):
+        self.clock = 0.0
+        for name, value in (("sleep", self.sleep), ("monotonic", lambda: self.clock)):
+            self.patch(_windows.time, name, value)
+
+    def patch(self, where, name, value, **options):
+        patched = mock.patch.object(where, name, value, **options)
+        patched.start()
+        self.addCleanup(patched.stop)
+
+    def sleep(self, seconds):
+        self.clock += seconds
+
+    def kernel32(self, *opens, **more):
+        kernel32 = Kernel32(*opens, **more)
+        self.patch(_windows, "_kernel32", lambda: kernel32)
+        self.patch(_windows, "_last_error", lambda: kernel32.error)
+        return kernel32
+
+    def test_a_file_is_read_whole_and_leaves_others_all_rights(self):
+        kernel32 = self.kernel32(5, content=[b"a\r\n", b"b", b""])
+        self.assertEqual(_windows.read_file("C:\\ü"), b"a\r\nb")
+        self.assertEqual(kernel32.calls, [("open", "C:\\ü", 0x80000000, 7, None, 3, 0, None), ("close", 5)])
+
+    def test_a_file_that_is_not_there(self):
+        self.kernel32(-2)
+        self.assertIsNone(_windows.read_file("C:\\x"))
+
+    def test_a_file_that_is_being_replaced_is_tried_again(self):
+        self.kernel32(-5, -32, -33, 5, content=[b""])
+        self.assertEqual(_windows.read_file("C:\\x"), b"")
+        self.assertAlmostEqual(self.clock, 0.15)
+
+    def test_a_file_that_stays_held_is_given_up(self):
+        kernel32 = self.kernel32(*[-32] * 10)
+        self.assertIsNone(_windows.read_file("C:\\x"))
+        self.assertEqual(len(kernel32.calls), 10)
+
+    def test_a_read_that_fails(self):
+        kernel32 = self.kernel32(5, content=[b"a", None])
+        self.assertIsNone(_windows.read_file("C:\\x"))
+        self.assertEqual(kernel32.calls[-1], ("close", 5))
+
+    def test_a_log_is_opened_as_the_library_does_and_not_made(self):
+        kernel32 = self.kernel32(5)
+        self.assertEqual(_windows.append_error("C:\\l"), 0)
+        self.assertEqual(kernel32.calls, [("open", "C:\\l", 4, 7, None, 3, 0, None), ("close", 5)])
+
+    def test_a_log_that_cannot_be_opened(self):
+        self.kernel32(-32)
+        self.assertEqual(_windows.append_error("C:\\l"), 32)
+
+    def test_a_file_made_for_a_trial_goes_with_its_handle(self):
+        kernel32 = self.kernel32(5)
+        self.assertEqual(_windows.create_error("C:\\Logs"), 0)
+        (_, path, access, share, _, disposition, flags, _), closed = kernel32.calls
+        self.assertTrue(path.startswith(f"C:\\Logs\\qxbridge-{os.getpid()}-"), path)
+        self.assertEqual((access, share, disposition, flags), (0x00010004, 7, 1, 0x04000000))
+        self.assertEqual(closed, ("close", 5))
+
+    def test_a_folder_in_which_nothing_can_be_made(self):
+        self.kernel32(-5)
+        self.assertEqual(_windows.create_error("C:\\Logs"), 5)
+
+    def test_who_serves_a_pipe(self):
+        kernel32 = self.kernel32(5, server=1234)
+        self.assertEqual(_windows.pipe_server("vtr_Helper_bridge_nvo", 10), 1234)
+        self.assertEqual(kernel32.calls, [
+            ("open", "\\\\.\\pipe\\vtr_Helper_bridge_nvo", 0x80000000, 0, None, 3, 0x00110000, None),
+            ("server", 5), ("close", 5)])
+
+    def test_a_pipe_is_waited_for(self):
+        self.kernel32(-2, -231, -2, 5, server=1234)
+        self.assertEqual(_windows.pipe_server("p", 10), 1234)
+        self.assertAlmostEqual(self.clock, 0.03)
+
+    def test_a_pipe_that_does_not_come(self):
+        self.kernel32(*[-2] * 200)
+        self.assertIsNone(_windows.pipe_server("p", 0.5))
+        self.assertAlmostEqual(self.clock, 0.5)
+
+    def test_a_pipe_is_looked_for_once_without_time(self):
+        kernel32 = self.kernel32(-2)
+        self.assertIsNone(_windows.pipe_server("p", 0))
+        self.assertEqual(len(kernel32.calls), 1)
+
+    def test_a_pipe_that_another_user_serves(self):
+        kernel32 = self.kernel32(-5)
+        self.assertRaises(PermissionError, _windows.pipe_server, "p", 10)
+        self.assertEqual(len(kernel32.calls), 1)
+
+    def test_a_pipe_that_cannot_be_opened_for_another_reason(self):
+        kernel32 = self.kernel32(-87)
+        self.assertIsNone(_windows.pipe_server("p", 10))
+        self.assertEqual(len(kernel32.calls), 1)
+
+    def test_a_pipe_whose_server_is_not_known(self):
+        kernel32 = self.kernel32(5)
+        self.assertIsNone(_windows.pipe_server("p", 10))
+        self.assertEqual(kernel32.calls[-1], ("close", 5))
+
+    def test_a_text_of_the_registry(self):
+        opened, values = [], {"Text": ("C:\\Data\0", 1), "Number": (5, 4), "Expanded": ("%A%", 2)}
+
+        class Opened:
+            def __enter__(self):
+                return self
+
+            def __exit__(self, *_):
+                opened.append("closed")
+
+        def open_key(*place, access):
+            opened.append((*place, access))
+            if place[1] != "SOFTWARE\\X":
+                raise FileNotFoundError
+            return Opened()
+
+        def query(_, name):
+            if name not in values:
+                raise FileNotFoundError
+            return values[name]
+
+        winreg = types.SimpleNamespace(HKEY_LOCAL_MACHINE="HKLM", KEY_QUERY_VALUE=1, KEY_WOW64_64KEY=0x100,
+                                       REG_SZ=1, OpenKey=open_key, QueryValueEx=query)
+        self.patch(sys, "platform", "win32")
+        with mock.patch.dict(sys.modules, winreg=winreg):
+            self.assertEqual([_windows.registry_text("SOFTWARE\\X", name)
+                              for name in ("Text", "Number", "Expanded", "Missing")],
+                             ["C:\\Data", None, None, None])
+            self.assertIsNone(_windows.registry_text("SOFTWARE\\Y", "Text"))
+        self.assertEqual(opened[:2], [("HKLM", "SOFTWARE\\X", 0x101), "closed"])
+
+    def test_the_types_of_what_is_passed(self):
+        library = mock.MagicMock()
+        self.patch(sys, "platform", "win32")
+        self.patch(_windows.ctypes, "WinDLL", mock.MagicMock(return_value=library), create=True)
+        self.assertIs(_windows._kernel32(), library)
+        _windows.ctypes.WinDLL.assert_called_once_with("kernel32", use_last_error=True)
+        self.assertIs(library.CreateFileW.restype, ctypes.c_void_p)
+        self.assertEqual([len(getattr(library, name).argtypes) for name in
+                          ("CreateFileW", "ReadFile", "GetNamedPipeServerProcessId", "CloseHandle")],
+                         [7, 5, 2, 1])
+
+    def test_the_last_error_is_the_threads_own(self):
+        self.patch(sys, "platform", "win32")
+        self.patch(_windows.ctypes, "get_last_error", lambda: 231, create=True)
+        self.assertEqual(_windows._last_error(), 231)
+
+    def test_elsewhere_there_is_no_windows(self):
+        for call in (lambda: _windows.registry_text("k", "v"), _windows._kernel32):
+            self.assertRaises(OSError, call)
+
+    def test_folders_and_files(self):
+        self.assertTrue(_windows.is_folder(os.path.dirname(__file__)))
+        self.assertFalse(_windows.is_folder(__file__))
+        self.assertTrue(_windows.exists(__file__))
+        self.assertFalse(_windows.exists(__file__ + ".x"))
+        self.assertEqual(_windows.process_id(), os.getpid())

@@ -1,0 +1,196 @@
+"""Work that a program was started for."""
+
+import asyncio
+import threading
+
+import support
+from qxbridge import (ApkInstallCompleted, AppDisplayed, AppUninstalled, BridgeError, Callbacks,
+                      CreateInstanceCompleted, InstallImageProgress, ListenError)
+from support import Case
+
+
+def run(coroutine):
+    return asyncio.run(asyncio.wait_for(coroutine, 60))
+
+
+class WorkTest(Case):
+    def setUp(self):
+        super().setUp()
+        self.listen()
+
+    def create(self):
+        return self.bridge.create_fresh_instance("Nougat64", 2, 2048, "aga", "dx", "s21")
+
+    def unfinished(self, *works):
+        self.assertEqual([one.is_finished for one in works], [False] * len(works))
+
+    def test_an_app_that_is_launched(self):
+        work = self.bridge.launch_app("N", "p")
+        support.fake.event("app_displayed", "N", "other")
+        support.fake.event("app_displayed", "M", "p")
+        support.fake.event("app_uninstalled", "N", "p")
+        self.unfinished(work)
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(work.wait(), AppDisplayed("N", "p"))
+
+    def test_an_app_that_is_uninstalled(self):
+        work = self.bridge.uninstall_app("N", "p")
+        support.fake.event("app_displayed", "N", "p")
+        self.unfinished(work)
+        support.fake.event("app_uninstalled", "N", "p")
+        self.assertEqual(work.wait(), AppUninstalled("N", "p"))
+
+    def test_a_file_that_is_installed(self):
+        work = self.bridge.install_apk("N", "C:\\ü.apk")
+        support.fake.event("apk_install_completed", "N", "C:\\other.apk")
+        support.fake.event("apk_install_completed", "M", "C:\\ü.apk")
+        self.unfinished(work)
+        support.fake.event("apk_install_completed", "N", "C:\\ü.apk", -7)
+        self.assertEqual(work.wait(), ApkInstallCompleted("N", -7, "C:\\ü.apk"))
+
+    def test_an_image_that_is_installed(self):
+        seen = []
+        work = self.bridge.install_image("Nougat64", seen.append)
+        support.fake.event("install_image_progress", "Nougat32", number=2)
+        support.fake.event("install_image_progress", "Nougat64", number=1, progress=25.0)
+        support.fake.event("install_image_progress", "Nougat64", number=-3)
+        self.unfinished(work)
+        support.fake.event("install_image_progress", "Nougat64", number=2, progress=100.0)
+        support.fake.event("install_image_progress", "Nougat64", number=1)
+        self.assertEqual(work.wait(), InstallImageProgress("Nougat64", 2, 100.0))
+        self.assertEqual(seen, [InstallImageProgress("Nougat64", 1, 25.0),
+                                InstallImageProgress("Nougat64", -3, 0.0)])
+
+    def test_progress_that_nobody_wants(self):
+        work = self.bridge.install_image("Nougat64")
+        support.fake.event("install_image_progress", "Nougat64", number=1)
+        support.fake.event("install_image_progress", "Nougat64", number=2)
+        self.assertEqual(work.wait().status, 2)
+
+    def test_a_function_for_progress_that_raises(self):
+        def bad(_):
+            raise RuntimeError("the host's own")
+
+        raised, seen = self.unraised(), []
+        self.bridge.register(Callbacks(install_image_progress=lambda *values: seen.append(values)))
+        first = self.bridge.install_image("Nougat64", bad)
+        other = self.bridge.install_image("Nougat64")
+        support.fake.event("install_image_progress", "Nougat64", number=1)
+        support.fake.event("install_image_progress", "Nougat64", number=2)
+        self.assertEqual((first.wait().status, other.wait().status), (2, 2))
+        self.assertEqual((raised, len(seen)), (["the host's own"], 2))
+
+    def test_instances_are_created_in_the_order_of_the_calls(self):
+        first, second = self.create(), self.create()
+        support.fake.event("create_instance_completed", "Nougat64_1", number=0)
+        self.unfinished(second)
+        support.fake.event("create_instance_completed", "", number=-2)
+        self.assertEqual((first.wait(), second.wait()), (CreateInstanceCompleted(0, "Nougat64_1"),
+                                                         CreateInstanceCompleted(-2, "")))
+
+    def test_one_event_finishes_all_works_that_it_belongs_to(self):
+        works = [self.bridge.launch_app("N", "p") for _ in range(2)]
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual([one.wait() for one in works], [AppDisplayed("N", "p")] * 2)
+
+    def test_the_event_may_come_before_the_program_has_started(self):
+        support.fake.on_call(lambda line: line.startswith("bridgeLaunchApp") and
+                             support.fake.event("app_displayed", "N", "p"))
+        self.assertEqual(self.bridge.launch_app("N", "p").wait(0), AppDisplayed("N", "p"))
+
+    def test_an_event_before_the_work_does_not_count(self):
+        support.fake.event("app_displayed", "N", "p")
+        self.unfinished(self.bridge.launch_app("N", "p"))
+
+    def test_waiting_for_an_event_that_comes_later(self):
+        work = self.bridge.launch_app("N", "p")
+        result = self.in_thread(work.wait)
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(result(), AppDisplayed("N", "p"))
+
+    def test_the_time_is_up_and_the_work_goes_on(self):
+        work = self.bridge.launch_app("N", "p")
+        self.refused(TimeoutError, "it took more than 0.01 s", work.wait, 0.01)
+        self.refused(TimeoutError, "it took more than 0.01 s", lambda: run(work.finished(0.01)))
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(work.wait(), run(work.finished()))
+
+    def test_waiting_in_a_coroutine(self):
+        async def play():
+            work = self.bridge.launch_app("N", "p")
+            waiting = [asyncio.ensure_future(work.finished()) for _ in range(2)]
+            await asyncio.sleep(0)
+            support.fake.event("app_displayed", "N", "p")
+            return await asyncio.gather(*waiting)
+
+        self.assertEqual(run(play()), [AppDisplayed("N", "p")] * 2)
+
+    def test_a_coroutine_that_is_cancelled_leaves_the_work(self):
+        async def play():
+            work = self.bridge.launch_app("N", "p")
+            waiting = asyncio.ensure_future(work.finished())
+            await asyncio.sleep(0)
+            waiting.cancel()
+            with self.assertRaises(asyncio.CancelledError):
+                await waiting
+            support.fake.event("app_displayed", "N", "p")
+            return await work.finished()
+
+        self.assertEqual(run(play()), AppDisplayed("N", "p"))
+
+    def test_a_start_that_fails_is_not_watched(self):
+        support.fake.answer(2)
+        self.assertRaises(BridgeError, self.bridge.launch_app, "N", "p")
+        self.assertEqual(self.bridge._dispatcher._watches, [])
+
+    def test_what_is_finished_is_forgotten(self):
+        for _ in range(3):
+            self.bridge.launch_app("N", "p")
+        self.assertEqual(len(self.bridge._dispatcher._watches), 3)
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(self.bridge._dispatcher._watches, [])
+
+    def test_the_end_of_the_library_ends_the_wait(self):
+        work = self.bridge.launch_app("N", "p")
+        waits = threading.Event()
+
+        def wait():
+            waits.set()
+            return self.refused(RuntimeError, "the library has ended", work.wait)
+
+        result = self.in_thread(wait)
+        waits.wait(30)
+        self.bridge.fini()
+        result()
+        self.refused(RuntimeError, "the library has ended", lambda: run(work.finished()))
+        self.assertEqual(self.bridge._dispatcher._watches, [])
+
+    def test_waiting_inside_a_callback_is_refused(self):
+        raised, seen = self.unraised(), []
+        pending, done = self.bridge.launch_app("N", "p"), self.bridge.launch_app("N", "q")
+        self.bridge.register(Callbacks(app_displayed=lambda *_: seen.append(done.wait()) or pending.wait()))
+        support.fake.event("app_displayed", "N", "q")
+        self.assertEqual((seen, raised), ([AppDisplayed("N", "q")],
+                                          ["wait() must not be called inside a callback"]))
+
+
+class WithoutListeningTest(Case):
+    def test_nobody_can_wait(self):
+        self.start()
+        work = self.bridge.launch_app("N", "p")
+        self.refused(RuntimeError, "listen() comes first", work.wait)
+        self.refused(RuntimeError, "listen() comes first", lambda: run(work.finished()))
+        self.assertEqual(support.fake.taken(), ["bridgeLaunchApp N p"])
+
+    def test_listening_may_begin_after_the_work(self):
+        self.start()
+        work = self.bridge.launch_app("N", "p")
+        self.bridge.listen()
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(work.wait(), AppDisplayed("N", "p"))
+
+    def test_listening_that_failed_is_none(self):
+        self.start()
+        self.windows.server = None
+        self.assertRaises(ListenError, self.bridge.listen)
+        self.refused(RuntimeError, "listen() comes first", self.bridge.launch_app("N", "p").wait)
