@@ -25,7 +25,7 @@ static pthread_t flood;
 static struct {
     char* name;
     char* text;
-} values[256];
+} values[1024];
 static size_t valueCount;
 
 static struct {

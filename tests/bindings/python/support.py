@@ -15,6 +15,8 @@ from qxbridge import _windows, life
 TREE = pathlib.Path(__file__).resolve().parents[3]
 HOOK = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
 PROCESS = 4711
+WINDOWS = ("registry_text", "is_folder", "exists", "read_file", "append_error", "create_error",
+           "process_id", "pipe_server")
 SLOTS = {name: slot for slot, name in enumerate(qxbridge.Callbacks._fields, 1)}
 
 
@@ -123,8 +125,7 @@ class Case(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="qxbridge.")
         self.addCleanup(folder.cleanup)
         self.windows = FakeWindows(folder.name)
-        for name in ("registry_text", "is_folder", "exists", "read_file", "append_error",
-                     "create_error", "process_id", "pipe_server"):
+        for name in WINDOWS:
             self.patch(_windows, name, getattr(self.windows, name))
         self.windows.path("C:\\Data\\Logs").mkdir(parents=True)
         self.write()
