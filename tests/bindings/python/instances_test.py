@@ -124,6 +124,14 @@ class InstancesTest(Case):
         support.fake.event("instance_list_updated")
         self.key_error('"Pie64" is not an image; there are Nougat32, Nougat64', self.bridge.instances)
 
+    def test_a_commit_brings_the_files_instances_into_the_listing(self):
+        self.start()
+        self.write('vtr.instance.Pie64.dpi="240"')
+        self.bridge.conf.set_bool("vtr.enable_adb_access", True)
+        self.bridge.instances()
+        self.bridge.conf.commit()
+        self.key_error('"Pie64" is not an image; there are Nougat32, Nougat64', self.bridge.instances)
+
     def test_a_set_makes_an_instance_part_of_the_listing(self):
         self.start()
         self.write('vtr.instance.Pie64.dpi="240"')

@@ -1,5 +1,7 @@
 """Typed keys, and the checks of keys."""
 
+import itertools
+
 import support
 from qxbridge import Callbacks, Key, catalogue, keys
 from qxbridge.generated import KEYS
@@ -106,6 +108,18 @@ class KeyChecksTest(Case):
                                   ("kitten", "sitting", 3), ("ab", "ba", 2)):
             self.assertEqual(catalogue.distance(one, other), count, (one, other))
 
+    def test_a_distance_is_the_shortest_way(self):
+        def shortest(one, other):
+            if not one or not other:
+                return len(one) + len(other)
+            if one[0] == other[0]:
+                return shortest(one[1:], other[1:])
+            return 1 + min(shortest(one[1:], other), shortest(one, other[1:]), shortest(one[1:], other[1:]))
+
+        texts = ["".join(one) for size in range(5) for one in itertools.product("ab", repeat=size)]
+        for one, other in itertools.product(texts, repeat=2):
+            self.assertEqual(catalogue.distance(one, other), shortest(one, other), (one, other))
+
     def test_another_type_than_the_keys(self):
         for message, call in (
                 ('"vtr.instance.Nougat64.dpi" is an i32, not a bool',
@@ -193,6 +207,11 @@ class ValueChecksTest(Case):
                 self.key_error('"vtr.status.raw_mode" has no value and no default',
                                self.bridge.conf.get_bool, "vtr.status.raw_mode")
                 self.bridge.fini()
+
+    def test_the_longest_line_that_can_be_read(self):
+        start = 'vtr.locale="'
+        self.start(start + "x" * (4096 - len(start) - 1) + '"', 'vtr.status.raw_mode="1"')
+        self.bridge.conf.get_bool("vtr.status.raw_mode")
 
     def test_a_file_with_other_line_ends_has_values_with_a_quote(self):
         self.start('vtr.enable_adb_access="1"\r')

@@ -71,6 +71,9 @@ class PreflightTest(Case):
         self.assertEqual(self.problems(log_file="C:\\Data\\a/own.log"),
                          ["the folder C:\\Data\\a of the log does not exist"])
 
+    def test_a_folder_of_the_hosts_own_log_that_the_library_makes_whatever_separates_those_above(self):
+        self.assertEqual(self.problems(log_file="C:\\Data\\a/b\\own.log"), [])
+
     def test_a_log_on_standard_output(self):
         self.assertEqual(self.problems(log_file=""), [])
         self.assertEqual(self.windows.made, [])
