@@ -21,7 +21,8 @@ static const char* keptClient;
 static volatile int flooding;
 static pthread_t flood;
 
-/* What reading a key, or a function that lists, returns from now on. */
+/* What reading a key, or a function that lists, returns from now on; "null" for the apps is null.
+ */
 static struct {
     char* name;
     char* text;
@@ -132,40 +133,41 @@ void fakeSend(int full) {
 }
 
 struct event {
-    int slot; /* from 1, as bridge.h counts them */
-    const char* first;
-    const char* second;
+    int slot;                 /* from 1, as bridge.h counts them */
+    const char* const* texts; /* all of the event's, in its order */
     int number;
     double progress;
+    int flag;
 };
 
 static void* sendOne(void* memory) {
     const struct event* one = (const struct event*)memory;
-    const char *a = one->first, *b = one->second;
+    const char* const* t = one->texts;
     const int n = one->number;
     if (one->slot == 1 && slots.appInstalled)
-        slots.appInstalled(a, b, "Main", "App", n, "1.0", "a.png", 0);
-    if (one->slot == 2 && slots.appUninstalled) slots.appUninstalled(a, b);
-    if (one->slot == 3 && slots.apkInstallCompleted) slots.apkInstallCompleted(a, n, b);
+        slots.appInstalled(t[0], t[1], t[2], t[3], n, t[4], t[5], (bridge_bool)one->flag);
+    if (one->slot == 2 && slots.appUninstalled) slots.appUninstalled(t[0], t[1]);
+    if (one->slot == 3 && slots.apkInstallCompleted) slots.apkInstallCompleted(t[0], n, t[1]);
     if (one->slot == 4 && slots.instanceListUpdated) slots.instanceListUpdated();
     if (one->slot == 5 && slots.installImageProgress)
-        slots.installImageProgress(a, n, one->progress);
-    if (one->slot == 6 && slots.createInstanceCompleted) slots.createInstanceCompleted(n, a);
-    if (one->slot == 7 && slots.instanceConfigurationChanged) slots.instanceConfigurationChanged(a);
-    if (one->slot == 8 && slots.appDisplayed) slots.appDisplayed(a, b);
-    if (one->slot == 9 && slots.accountListUpdated) slots.accountListUpdated(a, b, n);
+        slots.installImageProgress(t[0], n, one->progress);
+    if (one->slot == 6 && slots.createInstanceCompleted) slots.createInstanceCompleted(n, t[0]);
+    if (one->slot == 7 && slots.instanceConfigurationChanged)
+        slots.instanceConfigurationChanged(t[0]);
+    if (one->slot == 8 && slots.appDisplayed) slots.appDisplayed(t[0], t[1]);
+    if (one->slot == 9 && slots.accountListUpdated) slots.accountListUpdated(t[0], t[1], n);
     return NULL;
 }
 
 /* One event, on a thread of its own. */
-void fakeEvent(int slot, const char* first, const char* second, int number, double progress) {
+void fakeEvent(int slot, const char* const* texts, int number, double progress, int flag) {
     struct event one;
     pthread_t thread;
     one.slot = slot;
-    one.first = first;
-    one.second = second;
+    one.texts = texts;
     one.number = number;
     one.progress = progress;
+    one.flag = flag;
     pthread_create(&thread, NULL, sendOne, &one);
     pthread_join(thread, NULL);
 }
@@ -261,6 +263,8 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
 }
 char* bridgeGetInstalledApps(const char* instance) {
     note("bridgeGetInstalledApps %s", shown(instance));
+    if (valueOf("bridgeGetInstalledApps") != NULL)
+        return textFor(valueOf("bridgeGetInstalledApps"), valueOf("bridgeGetInstalledApps"));
     return textFor(instance,
                    "[{\"package\":\"com.größe\",\"activity\":\"Main\",\"appLabel\":\"第二\","
                    "\"versionCode\":-5,\"versionName\":\"1.0β\",\"iconFilePath\":\"a.png\"}]");

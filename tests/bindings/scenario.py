@@ -4,8 +4,7 @@ INSTALL-FOLDER STEP... A step is a word and its arguments, joined by tabs. Print
 outcome, and "finished" at the end.
 
 A library that is not a DLL is the stand-in of the tests, which gets a configuration and programs from
-python/fake_product.py; the environment's QX_FAKE_ROOT has the files of its "C:". With the DLL the
-registry has to name the folders.
+python/fake_product.py. With the DLL the registry has to name the folders.
 """
 
 import asyncio
@@ -64,23 +63,24 @@ class Host:
         self.conf = bridge.conf
         self.stream = self.few = None
 
-    async def preflight(self, client="Uninstaller"):
-        for one in qxbridge.preflight(client) or [None]:
-            say("fine" if one is None else f"problem {one.what}")
+    async def preflight(self, client):
+        problems = qxbridge.preflight(client)
+        for one in problems:
+            say(f"problem {one.what}")
+        if not problems:
+            say("fine")
 
     async def init(self, client):
         self.bridge.init(client)
         say("started")
 
-    async def get(self, key):
-        await self.getas(type_of(key), key)
-
-    async def getas(self, type_, key):
+    async def get(self, key, type_=None):
+        type_ = type_ or type_of(key)
         read = getattr(self.conf, "get_" + type_.replace("-", "_"))
         say(f"{type_} {shown(read(key))}")
 
-    async def set(self, key, value=""):
-        type_ = type_of(key)
+    async def set(self, key, value="", type_=None):
+        type_ = type_ or type_of(key)
         getattr(self.conf, "set_" + type_.replace("-", "_"))(key, parsed(type_, value))
         say("set")
 
@@ -88,7 +88,7 @@ class Host:
         enabled = self.conf.get(keys.GLOBAL.enable_adb_access)
         say(f"typed {shown(enabled)} {self.conf.get(keys.instance('Nougat64').dpi)}")
 
-    async def addinstance(self, name=""):
+    async def addinstance(self, name):
         self.conf.add_instance(name)
         say("added")
 

@@ -15,6 +15,7 @@ from qxbridge import _windows, life
 TREE = pathlib.Path(__file__).resolve().parents[3]
 HOOK = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
 PROCESS = 4711
+MOST_TEXTS = 6  # of an event
 WINDOWS = ("registry_text", "is_folder", "exists", "read_file", "append_error", "create_error",
            "process_id", "pipe_server")
 SLOTS = {name: slot for slot, name in enumerate(qxbridge.Callbacks._fields, 1)}
@@ -30,8 +31,8 @@ class Fake:
         self.library.fakeClient.restype = ctypes.c_char_p
         self.library.fakeValue.argtypes = [ctypes.c_char_p, ctypes.c_char_p]
         self.library.fakeOnCall.argtypes = [ctypes.c_void_p]
-        self.library.fakeEvent.argtypes = [ctypes.c_int, ctypes.c_char_p, ctypes.c_char_p, ctypes.c_int,
-                                           ctypes.c_double]
+        self.library.fakeEvent.argtypes = [ctypes.c_int, ctypes.POINTER(ctypes.c_char_p), ctypes.c_int,
+                                           ctypes.c_double, ctypes.c_int]
         self._hook = None
 
     def reset(self):
@@ -54,13 +55,14 @@ class Fake:
         self.library.fakeValue(name.encode(), text.encode())
 
     def on_call(self, function):
-        """function(line) is called inside each call, on the caller's thread."""
+        """function(line) is called inside each call, on the caller's thread. It may change the answer."""
         self._hook = function and HOOK(lambda line: function(line.decode()))
         self.library.fakeOnCall(ctypes.cast(self._hook, ctypes.c_void_p) if function else None)
 
-    def event(self, name, first="", second="", number=0, progress=0.0):
-        """Sends one, and returns when it was received. Texts and number are those of the event."""
-        self.library.fakeEvent(SLOTS[name], first.encode(), second.encode(), number, progress)
+    def event(self, name, *texts, number=0, progress=0.0, flag=False):
+        """Sends one with these values, and returns when it was received."""
+        utf8 = [one.encode() for one in texts] + [b""] * (MOST_TEXTS - len(texts))
+        self.library.fakeEvent(SLOTS[name], (ctypes.c_char_p * MOST_TEXTS)(*utf8), number, progress, flag)
 
 
 class FakeWindows:
@@ -93,6 +95,8 @@ class FakeWindows:
         return self.path(path).read_bytes() if self.path(path).is_file() else None
 
     def append_error(self, path):
+        if self.is_folder(path):
+            return 5
         return 32 if path in self.held else 0
 
     def create_error(self, folder):

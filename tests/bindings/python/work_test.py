@@ -45,7 +45,7 @@ class WorkTest(Case):
         support.fake.event("apk_install_completed", "N", "C:\\other.apk")
         support.fake.event("apk_install_completed", "M", "C:\\ü.apk")
         self.unfinished(work)
-        support.fake.event("apk_install_completed", "N", "C:\\ü.apk", -7)
+        support.fake.event("apk_install_completed", "N", "C:\\ü.apk", number=-7)
         self.assertEqual(work.wait(), ApkInstallCompleted("N", -7, "C:\\ü.apk"))
 
     def test_an_image_that_is_installed(self):
