@@ -155,6 +155,9 @@ class GeneratedTest(unittest.TestCase):
                 (CATALOGUE, '{"dpi", ConfType::I32, "240", kDumped}', '{"dpi", ConfType::I32, kDpi, kDumped}'),
                 (CATALOGUE, "kInstanceRows[] = {", "kRows[] = {"),
                 (WORDS, "case XErrCode::XERR_PERM:", "case XErrCode::XERR_OTHER:"),
+                # Names that Python's class of keys cannot have, or has already.
+                (CATALOGUE, '{"country", ConfType::String', '{"import", ConfType::String'),
+                (CATALOGUE, '{"country", ConfType::String', '{"mim_max_fps", ConfType::String'),
                 (IMAGES, '{"Nougat32", false', "{kName, false"),
                 (IMAGES, "kImages[] = {", "kRows[] = {")):
             with self.subTest(old):

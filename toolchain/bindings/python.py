@@ -104,7 +104,7 @@ def table(type_: str, members: List[str], name: str, rows: List[List[str]]) -> L
 
 
 def properties(interface: Interface) -> List[str]:
-    rows = [[*[quoted(value) for value in one], quoted(one.unit), allowed(one)]
+    rows = [[*[quoted(value) for value in one], quoted(one.unit), words(one.allowed)]
             for one in interface.keys]
     members = ["scope: str", "name: str", "type: str", "default: str", "unit: str",
                "allowed: Tuple[str, ...]"]
@@ -117,10 +117,6 @@ def words(texts: List[str]) -> str:
     return "(" + ", ".join(map(quoted, texts)) + ("," if len(texts) == 1 else "") + ")"
 
 
-def allowed(key: tables.Key) -> str:
-    return words(key.allowed)
-
-
 def key_name(key: tables.Key) -> str:
     """status.adb_port -> status_adb_port"""
     name = key.name.replace(".", "_")
@@ -129,16 +125,17 @@ def key_name(key: tables.Key) -> str:
     return name
 
 
-def keys_of(interface: Interface, scope: str, variable: str) -> List[str]:
+def keys_of(interface: Interface, scope: str) -> List[str]:
+    """The lines of a constructor in which p is what the keys begin with."""
     rows = [one for one in interface.keys if one.scope == scope]
     if len({key_name(one) for one in rows}) != len(rows):
         raise ValueError(f"two {scope} properties have one name in Python")
     lines = []
     for one in rows:
-        start = f"        {variable}.{key_name(one)}: Final[Key[{KEY_TYPES[one.type]}]] = Key("
+        start = f"        self.{key_name(one)}: Final[Key[{KEY_TYPES[one.type]}]] = Key("
         values = key_values(one)
-        fits = len(start + values) < WIDTH
-        lines += [f"{start}{values})"] if fits else [start, f"            {values})"]
+        line = f"{start}{values})"
+        lines += [line] if len(line) <= WIDTH else [start, f"            {values})"]
     return lines
 
 
@@ -147,17 +144,17 @@ def key_values(key: tables.Key) -> str:
     values = [f"p + {quoted(key.name)}", quoted(key.type), quoted(key.default)]
     if key.unit or key.allowed:
         values.append(quoted(key.unit))
-    return ", ".join(values + ([allowed(key)] if key.allowed else []))
+    return ", ".join(values + ([words(key.allowed)] if key.allowed else []))
 
 
 def keys(interface: Interface) -> List[str]:
     return ["", "class GlobalKeys:", '    """The keys that the product has once."""', "",
             "    def __init__(self) -> None:", '        p = "vtr."',
-            *keys_of(interface, "global", "self"), "", "", "class InstanceKeys:",
+            *keys_of(interface, "global"), "", "", "class InstanceKeys:",
             '    """The keys of one instance."""', "",
             "    def __init__(self, instance: str) -> None:",
             '        p = f"vtr.instance.{instance}."',
-            *keys_of(interface, "instance", "self"), ""]
+            *keys_of(interface, "instance"), ""]
 
 
 def codes(interface: Interface) -> List[str]:

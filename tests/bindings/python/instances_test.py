@@ -55,6 +55,12 @@ class InstancesTest(Case):
         support.fake.event("instance_list_updated")
         self.no_instance("Nougat64")
 
+    def test_a_commit_reads_which_instances_there_are(self):
+        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.write()
+        self.bridge.conf.commit()
+        self.no_instance("Nougat64")
+
     def test_an_instance_is_loaded_when_one_of_five_values_is_there(self):
         names = ["dpi", "max_fps", "eco_mode_max_fps", "gl_win_height", "display_name"]
         for position, name in enumerate(names):

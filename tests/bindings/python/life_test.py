@@ -67,6 +67,13 @@ class LifeTest(Case):
             bridge.fini()
         self.assertEqual(support.fake.taken(), ["bridgeApiFini"])
 
+    def test_that_nothing_starts_again_is_said_before_anything_is_looked_at(self):
+        self.start()
+        self.windows.path("C:\\Data\\vantrel.conf").unlink()
+        self.refused_now("another Bridge", Bridge(support.fake.path).init, "Helper")
+        self.bridge.fini()
+        self.refused_now("once per process", self.bridge.init, "Helper")
+
     def test_the_end_in_a_callback_is_refused_and_events_go_on(self):
         raised, seen = self.unraised(), []
         self.start()
