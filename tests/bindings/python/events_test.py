@@ -65,6 +65,20 @@ class EventsTest(Case):
 
         self.assertEqual(run(play()), AppDisplayed("N", "p"))
 
+    def test_a_reader_waits_again_and_again(self):
+        async def play():
+            stream = self.bridge.events("app_displayed")
+            seen = []
+            for name in ("a", "b", "c"):
+                reader = asyncio.ensure_future(next_of(stream))
+                while stream._reader is None:
+                    await asyncio.sleep(0)
+                support.fake.event("app_displayed", "N", name)
+                seen.append((await reader).package)
+            return seen
+
+        self.assertEqual(run(play()), ["a", "b", "c"])
+
     def test_events_that_come_between_two_reads_are_kept(self):
         async def play():
             stream = self.bridge.events("app_displayed")

@@ -10,11 +10,12 @@ from qxbridge import Bridge, Callbacks
 from support import Case
 
 ENDS = """
-import sys
+import atexit, sys
 sys.path[:0] = sys.argv[2:4]
 import support
 from qxbridge import Callbacks
 support.load(sys.argv[1])
+atexit.register(lambda: print(support.fake.taken()))
 case = support.Case()
 case.setUp()
 case.start()
@@ -132,4 +133,4 @@ class LifeTest(Case):
         folders = [support.TREE / "bindings/python", support.TREE / "tests/bindings/python"]
         result = subprocess.run([sys.executable, "-B", "-c", ENDS, support.fake.path, *folders],
                                 capture_output=True, text=True, timeout=60, check=False)
-        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "last\n", ""))
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "last\n['bridgeRegisterCallbacks', 'bridgeApiFini']\n", ""))
