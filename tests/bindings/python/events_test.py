@@ -70,9 +70,8 @@ class EventsTest(Case):
             stream = self.bridge.events("app_displayed")
             seen = []
             for name in ("a", "b", "c"):
-                reader = asyncio.ensure_future(next_of(stream))
-                while stream._reader is None:
-                    await asyncio.sleep(0)
+                reader = asyncio.ensure_future(stream.__anext__())
+                await asyncio.sleep(0)
                 support.fake.event("app_displayed", "N", name)
                 seen.append((await reader).package)
             return seen
