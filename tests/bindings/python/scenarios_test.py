@@ -56,7 +56,7 @@ def play(scenario):
     with tempfile.TemporaryDirectory(prefix="scenario.") as root:
         prepare(pathlib.Path(root, "C", "Data"), scenario)
         result = subprocess.run(
-            [sys.executable, "-B", "-X", "dev", HERE.parent / "scenario.py", support.fake.path,
+            [sys.executable, "-B", "-W", "always", HERE.parent / "scenario.py", support.fake.path,
              data + "\\missing" if "no data folder" in given else data, "C:\\Programs\\",
              *map(filled, scenario["do"])],
             capture_output=True, encoding="utf-8", timeout=100, check=False,
