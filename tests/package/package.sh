@@ -33,7 +33,6 @@ for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dl
     share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
     [ -s "$file" ] || fail "missing: $file"
 done
-[ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
 for header in "$tree"/include/bridge/*; do
     cmp "$header" "include/bridge/${header##*/}" || fail "missing: ${header##*/}"
 done
@@ -111,6 +110,7 @@ mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consume
     share/bindings/csharp/*.cs
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
     share/bindings/python/qxbridge/*.py
+[ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
 
 # Node's host, with the packages where npm puts them.
 node=$(bash "$tree/toolchain/node.sh" --dir)
