@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """standard_headers.py TREE: a file includes the standard headers of the names that it uses.
 
-A .cpp file also has what its own header includes. A name in `std` that the tables below lack is a
-fault too: they have to grow with the code.
+A .cpp file also has what its own header includes, and one that includes tests/support/TestHeaders.h,
+itself or through headers of the tests, has what that includes. A name in `std` that the tables below
+lack is a fault too: they have to grow with the code.
 """
 
 import pathlib
@@ -158,12 +159,25 @@ def needed(match, suffix):
 class Gate:
     def __init__(self, root):
         self.root = pathlib.Path(root)
+        self.shared = self.root / "tests/support/TestHeaders.h"
         self.files = {path: read_file(path) for path in includes.source_files(self.root)}
 
     def included(self, path):
-        """The headers in brackets of a file, and of its own header."""
+        """The headers in brackets of a file, of its own header, and those that tests share."""
         own = self.own_header(path)
-        return self.files[path].standard | (self.files[own].standard if own else set())
+        headers = self.files[path].standard | (self.files[own].standard if own else set())
+        if self.shares(path):
+            headers |= self.files[self.shared].standard
+        return headers
+
+    def shares(self, path):
+        """Whether the file includes the headers that tests share."""
+        if self.shared not in self.files or self.shared.parents[1] not in path.parents:
+            return False
+        places = [folder / name for name in self.files[path].quoted
+                  for folder in (path.parent, self.shared.parents[1], path.parent.parent)]
+        return self.shared in places or any(
+            self.shares(place) for place in places if place in self.files)
 
     def own_header(self, path):
         """Of IpcNameWinnt.cpp the IpcName.h that it includes, if it does."""

@@ -69,6 +69,26 @@ class StandardHeadersTest(unittest.TestCase):
         self.assertEqual(self.faults('#include "low/Low.h"\nstd::string f();\n', "tests/LowTest.cpp"),
                          ["tests/LowTest.cpp:2: std::string needs <string>"])
 
+    def test_tests_have_what_their_shared_headers_include(self):
+        self.write("tests/support/TestHeaders.h", "#include <string>\n")
+        self.write("tests/low/Fixture.h", '#include "support/TestHeaders.h"\n')
+        for header in ("support/TestHeaders.h", "Fixture.h"):
+            with self.subTest(header):
+                self.assertEqual(self.faults(f'#include "{header}"\nstd::string a; std::vector<int> b;\n',
+                                             "tests/low/LowTest.cpp"),
+                                 ["tests/low/LowTest.cpp:2: std::vector needs <vector>"])
+
+    def test_tests_that_do_not_include_their_shared_headers_have_nothing_of_them(self):
+        self.write("tests/support/TestHeaders.h", "#include <string>\n")
+        self.write("tests/low/Fixture.h", "")
+        self.assertEqual(self.faults('#include "Fixture.h"\nstd::string f();\n', "tests/low/LowTest.cpp"),
+                         ["tests/low/LowTest.cpp:2: std::string needs <string>"])
+
+    def test_only_tests_have_shared_headers(self):
+        self.write("tests/support/TestHeaders.h", "#include <string>\n")
+        self.assertEqual(self.faults('#include "support/TestHeaders.h"\nstd::string f();\n'),
+                         ["Source/low/Low.h:2: std::string needs <string>"])
+
     def test_an_own_header_that_is_not_included_gives_nothing(self):
         self.write("Source/low/Low.h", "#include <string>\n")
         self.assertEqual(self.faults("std::string f();\n", "Source/low/Low.cpp"),
