@@ -75,7 +75,6 @@ TEST_F(BridgeadmCacheTest, AnEmptyListEmptiesTheCache) {
 }
 
 TEST_F(BridgeadmCacheTest, ASyncLeavesIconsAlone) {
-    data.makeFolder(kFolder);
     data.write(kFolder + std::string("\\com.z.png"), "icon");
     sync(kList);
     EXPECT_EQ(data.read(kFolder + std::string("\\com.z.png")), "icon");
@@ -244,7 +243,6 @@ TEST_F(BridgeadmCacheTest, InstancesThatTheConfigurationDoesNotKnowAreErrors) {
 }
 
 TEST_F(BridgeadmCacheTest, ACacheWithABadAppIsAnErrorAndStays) {
-    data.makeFolder(kFolder);
     data.write(kCache, "[7]");
     expectCacheFailure({"update-app", "Nougat64", "com.a"}, 5,
                        "the app cache cannot be read: -1 XERR_FAILURE");
@@ -283,7 +281,6 @@ TEST_F(BridgeadmCacheTest, AnUpdateWithoutAnIconLeavesTheSharedFolderAlone) {
 }
 
 TEST_F(BridgeadmCacheTest, ACacheThatIsNoListIsStartedAfresh) {
-    data.makeFolder(kFolder);
     data.write(kCache, "nonsense");
     output({"update-app", "Nougat64", "com.a"});
     EXPECT_EQ(cache(), "[\n" + cachedApp("com.a", "", "", "0", "") + "\n]\n");

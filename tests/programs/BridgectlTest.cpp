@@ -202,9 +202,6 @@ TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
 }
 
 TEST_F(BridgectlTest, ListsAppsAsATable) {
-    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
-        data.makeFolder(folder);
-    }
     data.write("Engine\\Nougat64\\AppCache\\com.a.png", "icon");
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json",
                R"([{"package": "com.b", "activity": "com.b.Main", "appLabel": "B",
@@ -228,9 +225,6 @@ TEST_F(BridgectlTest, AppsOfAnInstanceThatDoesNotExistAreAnError) {
 }
 
 TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
-    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
-        data.makeFolder(folder);
-    }
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[3]");
     expectFailure({"apps", "Nougat64"}, 5, "no listing; see the log");
     EXPECT_EQ(logMessages(data.read("Logs\\Player.log")).back(),

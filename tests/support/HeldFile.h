@@ -2,6 +2,9 @@
 #define TESTS_HELDFILE_H
 
 #include <string>
+#include <thread>
+
+#include "support/Platform.h"
 
 // A file as a scanner or another program may have it: nobody else can open it (Nothing), open it
 // for anything but its deletion (Deletion), or move or delete it (ReadAndWrite), while it is held.
@@ -25,6 +28,27 @@ class HeldFile {
 
  private:
     void* handle_ = nullptr;
+};
+
+// The same for a moment, while the test goes on.
+class BrieflyHeldFile {
+ public:
+    explicit BrieflyHeldFile(const std::string& path,
+                             HeldFile::Shares shares = HeldFile::Shares::Nothing)
+        : held_(path, shares), wasHeld_(held_.isHeld()), release_([this] {
+              sleepMs(120);
+              held_.release();
+          }) {}
+    ~BrieflyHeldFile() { release_.join(); }
+    BrieflyHeldFile(const BrieflyHeldFile&) = delete;
+    BrieflyHeldFile& operator=(const BrieflyHeldFile&) = delete;
+
+    bool wasHeld() const { return wasHeld_; }
+
+ private:
+    HeldFile held_;
+    const bool wasHeld_;
+    std::thread release_;
 };
 
 #endif

@@ -21,6 +21,17 @@ inline std::string byHelper(const std::string& line) { return by("Helper_bridge"
 // The line without its level and tag.
 inline std::string messageOf(const std::string& line) { return line.substr(line.find(' ', 2) + 1); }
 
+// The line as a process prints it whose log was not initialised: it has no tag.
+inline std::string untagged(const std::string& line) { return "E   " + messageOf(line); }
+
+// The line of a fatal break in a file, "Source/conf/Conf", as a process without a name prints it,
+// with the function where the log shows it. Without a tag: of a log that was not initialised.
+inline std::string fatalBreak(const std::string& tag, const std::string& file,
+                              const std::string& function = "") {
+    return "E " + tag + "  " + function + (function.empty() ? "" : " ") +
+           "FATAL: DEBUG BREAK: " + file;
+}
+
 // The platform.
 
 // Without an error: the start of the line.

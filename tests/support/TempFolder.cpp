@@ -32,6 +32,8 @@ std::string TempFolder::operator/(std::string_view name) const {
 }
 
 std::string TempFolder::write(std::string_view name, std::string_view content) const {
+    const fs::path path = systemPath(*this / name);
+    if (!std::ofstream(path, std::ios::app)) fs::create_directories(path.parent_path());
     writeBytes(*this / name, content);
     return *this / name;
 }

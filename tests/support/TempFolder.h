@@ -17,7 +17,8 @@ class TempFolder {
     const std::string& path() const { return path_; }
     std::string operator/(std::string_view name) const;
 
-    // Plain bytes, with the C++ library and not with the file module that is under test.
+    // Plain bytes, with the C++ library and not with the file module that is under test. A write
+    // makes the folders that are missing.
     std::string write(std::string_view name, std::string_view content) const;
     std::string read(std::string_view name) const;
     bool has(std::string_view name) const;
