@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <string>
-#include <vector>
-
 #include "ConfExpectation.h"
 #include "conf/ConfCatalogue.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

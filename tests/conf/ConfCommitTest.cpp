@@ -1,14 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstddef>
-#include <filesystem>
-#include <mutex>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "support/HeldFile.h"
@@ -34,14 +23,10 @@ TEST_F(ConfCommitTest, WritesEveryKeyInByteOrder) {
               0);
     confSetString(store, "vtr.guid", "say \"hi\" = \\x");
     ASSERT_EQ(confCommit(store), 0);
-    Entries expected = globalDefaults();
-    expected["vtr.locale"] = "en-US";
-    expected["vtr.guid"] = "say \"hi\" = \\x";
-    expected["vtr.instance.Nougat64_2.display_name"] = "Ünïcode 日本";
-    expected["vtr.instance.Nougat64_10.dpi"] = "320";
-    addInstanceDefaults(expected, "Nougat64_2");
-    addInstanceDefaults(expected, "Nougat64_10");
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    expectFile({{"vtr.locale", "en-US"},
+                {"vtr.guid", "say \"hi\" = \\x"},
+                {"vtr.instance.Nougat64_2.display_name", "Ünïcode 日本"},
+                {"vtr.instance.Nougat64_10.dpi", "320"}});
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
     EXPECT_EQ(log.texts(), Lines{logged::committing(path())});
     EXPECT_FALSE(confHasPendingChanges(store));
@@ -58,9 +43,7 @@ TEST_F(ConfCommitTest, WithoutAChangeNothingIsWritten) {
 TEST_F(ConfCommitTest, CommittingToAFileAlwaysWrites) {
     ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
     EXPECT_EQ(confCommitToFile(store, folder / "new\\sub\\copy"), 0);
-    Entries expected = globalDefaults();
-    expected["vtr.locale"] = "a";
-    EXPECT_EQ(folder.read("new\\sub\\copy"), fileText(expected));
+    expectFile({{"vtr.locale", "a"}}, "new\\sub\\copy");
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"a\"\n") << "the loaded file is only read";
 }
 
@@ -75,9 +58,7 @@ TEST_F(ConfCommitTest, CommittingToAnotherFileLeavesNothingToCommit) {
     EXPECT_EQ(confCommit(store), 0);
     EXPECT_EQ(log.texts(XLOG_VERBOSE),
               (Lines{logged::committing(copy), logged::nothingToCommit()}));
-    Entries expected = globalDefaults();
-    expected["vtr.locale"] = "b";
-    EXPECT_EQ(folder.read("copy"), fileText(expected));
+    expectFile({{"vtr.locale", "b"}}, "copy");
     EXPECT_EQ(folder.read("vantrel.conf"), before) << "the change is in the other file only";
     EXPECT_EQ(folder.list(), (Lines{"copy", "vantrel.conf"}));
 }
@@ -100,11 +81,7 @@ TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileComesToTheFirstOneOnlyWhereTh
     ASSERT_EQ(confCommitToFile(store, folder / "copy"), 0);
     confSetString(store, "vtr.country", "c");
     ASSERT_EQ(confCommit(store), 0);
-    Entries expected = globalDefaults();
-    expected["vtr.locale"] = "a";
-    expected["vtr.guid"] = "b";
-    expected["vtr.country"] = "c";
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    expectFile({{"vtr.locale", "a"}, {"vtr.guid", "b"}, {"vtr.country", "c"}});
 }
 
 TEST_F(ConfCommitTest, WhatOthersCommittedMeanwhileIsKept) {
@@ -113,12 +90,7 @@ TEST_F(ConfCommitTest, WhatOthersCommittedMeanwhileIsKept) {
     folder.write("vantrel.conf",
                  "vtr.guid=\"theirs\"\nvtr.locale=\"b\"\nvtr.instance.N.dpi=\"7\"\n");
     ASSERT_EQ(confCommit(store), 0);
-    Entries expected = globalDefaults();
-    expected["vtr.guid"] = "mine";
-    expected["vtr.locale"] = "b";
-    expected["vtr.instance.N.dpi"] = "7";
-    addInstanceDefaults(expected, "N");
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    expectFile({{"vtr.guid", "mine"}, {"vtr.locale", "b"}, {"vtr.instance.N.dpi", "7"}});
     EXPECT_EQ(confGetInstances(store).count("N"), 1u);
 }
 
@@ -127,7 +99,7 @@ TEST_F(ConfCommitTest, KeysThatAnotherProgramDeletedComeBack) {
     folder.write("vantrel.conf", "vtr.instance.B.dpi=\"8\"\n");
     confSetString(store, "vtr.guid", "x");
     ASSERT_EQ(confCommit(store), 0);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"7\"\n"), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.instance.A.dpi=\"7\""));
 }
 
 TEST_F(ConfCommitTest, ANewInstanceIsMissingFromTheSetUntilTheNextLoad) {
@@ -152,7 +124,7 @@ TEST_F(ConfCommitTest, RemovedKeysLeaveTheFile) {
     }
     EXPECT_TRUE(confHasPendingChanges(store));
     ASSERT_EQ(confCommit(store), 0);
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(globalDefaults()));
+    expectFile({});
     EXPECT_EQ(confGetInstances(store).count("A"), 1u) << "listed until the next load";
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(confGetInstances(store).count("A"), 0u);
@@ -163,8 +135,7 @@ TEST_F(ConfCommitTest, DeprecatedKeysAreDroppedFromTheFile) {
     old.registerGlobal("kept", {ConfType::String, "k"});
     old.registerGlobal("old", {ConfType::String, "d", false, true});
     ConfStore other(old, confDiskFiles());
-    folder.write("vantrel.conf", "vtr.old=\"x\"\n");
-    ASSERT_EQ(confLibInit(other, path(), true), 0);
+    load(other, "vtr.old=\"x\"\n", /*allowDeprecated=*/true);
     EXPECT_EQ(confGetString(other, "vtr.old"), "x");
     ASSERT_EQ(confCommitToFile(other, path()), 0);
     EXPECT_EQ(folder.read("vantrel.conf"), "vtr.kept=\"k\"\n");
@@ -173,7 +144,7 @@ TEST_F(ConfCommitTest, DeprecatedKeysAreDroppedFromTheFile) {
 TEST_F(ConfCommitTest, WithCarriageReturnsTheClosingQuotesStay) {
     ASSERT_EQ(init("vtr.locale=\"en\"\r\n"), 0);
     ASSERT_EQ(confCommitToFile(store, path()), 0);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"en\"\"\n"), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.locale=\"en\"\""));
 }
 
 TEST_F(ConfCommitTest, ATemporaryFileThatCannotBeCreatedChangesNothing) {
@@ -257,14 +228,9 @@ TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplacedAllTheSame) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init("vtr.locale=\"a\"\n"), 0);
     confSetString(store, "vtr.locale", "b");
-    HeldFile held(path(), HeldFile::Shares::ReadAndWrite);
-    std::thread release([&held] {
-        sleepMs(150);
-        held.release();
-    });
+    const BrieflyHeldFile held(path(), HeldFile::Shares::ReadAndWrite);
     EXPECT_EQ(confCommit(store), 0);
-    release.join();
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.locale=\"b\""), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.locale=\"b\""));
 }
 
 TEST_F(ConfCommitTest, AFileHeldForLongStaysAndTheTemporaryFileGoes) {
@@ -306,8 +272,7 @@ TEST_F(ConfCommitTest, AFailedWriteNamesTheFirstLineThatIsNotWhole) {
         });
         files.writtenBeforeFailure = written;
         ConfStore failing(catalogue, files);
-        folder.write("vantrel.conf", "");
-        ASSERT_EQ(confLibInit(failing, path(), false), 0);
+        load(failing, "");
         log.clear();
         EXPECT_EQ(confCommitToFile(failing, path()), XERR_NOSPC);
         EXPECT_EQ(log.texts().back(),
@@ -322,8 +287,7 @@ TEST_F(ConfCommitTest, AFailedWriteNamesTheFirstLineThatIsNotWhole) {
 TEST_F(ConfCommitTest, AWriteThatFailsAtOnceNamesTheFirstLine) {
     HookedFiles files(Step::Write, XERR_NOSPC);
     ConfStore failing(catalogue, files);
-    folder.write("vantrel.conf", "");
-    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    load(failing, "");
     confSetString(failing, "vtr.guid", "x");
     log.clear();
     EXPECT_EQ(confCommit(failing), XERR_NOSPC);
@@ -337,8 +301,7 @@ TEST_F(ConfCommitTest, AfterAFailedMoveTheFilesValuesComeBackWithTheNextCommit) 
     XErr moved = XERR_ACCES;
     HookedFiles files([&moved](Step at) { return at == Step::Replace ? moved : XERR_SUCCESS; });
     ConfStore failing(catalogue, files);
-    folder.write("vantrel.conf", "vtr.guid=\"old\"\n");
-    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    load(failing, "vtr.guid=\"old\"\n");
     confSetString(failing, "vtr.guid", "new");
     EXPECT_EQ(confCommit(failing), XERR_ACCES);
     EXPECT_EQ(confGetString(failing, "vtr.guid"), "new");
@@ -347,15 +310,14 @@ TEST_F(ConfCommitTest, AfterAFailedMoveTheFilesValuesComeBackWithTheNextCommit) 
     moved = XERR_SUCCESS;
     EXPECT_EQ(confCommitToFile(failing, path()), 0);
     EXPECT_EQ(confGetString(failing, "vtr.guid"), "old");
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"old\""), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.guid=\"old\""));
 }
 
 TEST_F(ConfCommitTest, TheNextCommitBringsKeysThatTheFileLacksAfterAFailedMove) {
     XErr moved = XERR_ACCES;
     HookedFiles files([&moved](Step at) { return at == Step::Replace ? moved : XERR_SUCCESS; });
     ConfStore failing(catalogue, files);
-    folder.write("vantrel.conf", "");
-    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    load(failing, "");
     confSetString(failing, "vtr.guid", "x");
     EXPECT_EQ(confCommit(failing), XERR_ACCES);
     EXPECT_EQ(folder.read("vantrel.conf"), "");
@@ -363,7 +325,7 @@ TEST_F(ConfCommitTest, TheNextCommitBringsKeysThatTheFileLacksAfterAFailedMove) 
     EXPECT_EQ(confCommit(failing), 0) << "nothing is pending any more";
     EXPECT_EQ(folder.read("vantrel.conf"), "");
     EXPECT_EQ(confCommitToFile(failing, path()), 0);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.guid=\"x\""), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.guid=\"x\""));
 }
 
 TEST_F(ConfCommitTest, AnEntryOf4096BytesOrMoreIsRefusedAndTheOldFileStays) {
@@ -477,8 +439,7 @@ TEST_F(ConfCommitTest, AnImpossibleInstanceNameBlocksTheCommitsOfThisProcess) {
 TEST_F(ConfCommitTest, AFailedWriteComesBeforeALaterEntryThatIsRefused) {
     HookedFiles files(Step::Write, XERR_NOSPC);
     ConfStore failing(catalogue, files);
-    folder.write("vantrel.conf", "");
-    ASSERT_EQ(confLibInit(failing, path(), false), 0);
+    load(failing, "");
     confSetString(failing, "vtr.version_machine_id", "x\ny");
     EXPECT_EQ(confCommit(failing), XERR_NOSPC);
 }
@@ -529,5 +490,5 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
         xprocKill(child, 0);
         EXPECT_EQ(xprocWait(child, nullptr), 0);
     }
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.next_vm_id=\"1001\""), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.next_vm_id=\"1001\""));
 }

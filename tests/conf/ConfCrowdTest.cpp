@@ -1,17 +1,4 @@
 // Several processes that commit to one file.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdio>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <random>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "conf/ConfText.h"

@@ -1,11 +1,18 @@
 #include "ConfFixture.h"
 
-#include <cstddef>
-#include <string_view>
+#include "support/FatalBreak.h"
+#include "support/LogLines.h"
 
 std::string ownLockName(const std::string& path) {
     std::string name = path.substr(0, path.rfind('\\'));
     return "Global\\vtr_test_" + name.substr(name.rfind('\\') + 1);
+}
+
+void expectConfBreak(const std::string& subprocess, const SubprocessArguments& arguments,
+                     const std::string& line, const std::string& function) {
+    Lines expected{logged::fatalBreak("CONF", "Source/conf/Conf", function)};
+    if (!line.empty()) expected.insert(expected.begin(), logged::by("", line));
+    EXPECT_EQ(linesUntilBreak(subprocess, arguments), expected);
 }
 
 XErr ConfTest::init(std::string_view content) {
@@ -13,7 +20,28 @@ XErr ConfTest::init(std::string_view content) {
     return confLibInit(store, path(), /*allowDeprecated=*/false);
 }
 
+void ConfTest::load(ConfStore& other, std::string_view content, bool allowDeprecated) {
+    folder.write("vantrel.conf", content);
+    ASSERT_EQ(confLibInit(other, path(), allowDeprecated), 0);
+}
+
 XErr ConfTest::initWithoutFile() { return confLibInit(store, "", /*allowDeprecated=*/false); }
+
+void ConfTest::expectFile(const Entries& entries, const std::string& name) const {
+    Entries all = entries;
+    all.merge(globalDefaults());
+    constexpr std::string_view prefix = "vtr.instance.";
+    for (const auto& [key, value] : entries) {
+        if (key.rfind(prefix, 0) != 0) continue;
+        addInstanceDefaults(
+            all, key.substr(prefix.size(), key.find('.', prefix.size()) - prefix.size()));
+    }
+    EXPECT_EQ(folder.read(name), fileText(all));
+}
+
+bool ConfTest::hasLine(const std::string& line) const {
+    return ("\n" + folder.read("vantrel.conf")).find("\n" + line + "\n") != std::string::npos;
+}
 
 std::optional<std::string> ConfTest::committed(const std::string& key) {
     const XsharedGuard reading(store.viewLock);

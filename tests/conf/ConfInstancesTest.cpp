@@ -1,15 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <functional>
-#include <mutex>
-#include <optional>
-#include <set>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "ConfFixture.h"
 #include "support/LogLines.h"
 #include "support/Subprocess.h"
@@ -25,7 +13,7 @@ constexpr const char* kTwoInstances =
 
 using Names = std::set<std::string, std::less<>>;
 
-class ConfInstancesTest : public ConfTest {
+class ConfSomeInstancesTest : public ConfTest {
  protected:
     template <typename IsWanted>
     std::vector<std::string> keysWhere(IsWanted isWanted) {
@@ -65,7 +53,16 @@ class ConfInstancesTest : public ConfTest {
     }
 };
 
-// Expected entries of the file for kTwoInstances.
+// The same over kTwoInstances.
+class ConfInstancesTest : public ConfSomeInstancesTest {
+ protected:
+    void SetUp() override {
+        ASSERT_EQ(init(kTwoInstances), 0);
+        log.clear();
+    }
+};
+
+// Expected entries of its file.
 Entries twoInstances() {
     Entries entries = globalDefaults();
     entries["vtr.instance.A.display_name"] = "Ünïcode 日本";
@@ -92,7 +89,6 @@ SUBPROCESS(readsTheInstances) {
 }
 
 TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     const std::size_t before = committedCount();
     log.clear();
     EXPECT_EQ(confCopyInstance(store, "A", "New"), 0);
@@ -106,7 +102,6 @@ TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
 }
 
 TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confCopyInstance(store, "A", "Nougat64_日本"), 0);
     EXPECT_EQ(folder.read("vantrel.conf"), kTwoInstances);
     ASSERT_EQ(confCommit(store), 0);
@@ -121,7 +116,6 @@ TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
 }
 
 TEST_F(ConfInstancesTest, AnotherProgramSeesTheCopyAfterTheCommitOnly) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
     EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "A 320\nB 160\n");
     ASSERT_EQ(confCommit(store), 0);
@@ -129,8 +123,6 @@ TEST_F(ConfInstancesTest, AnotherProgramSeesTheCopyAfterTheCommitOnly) {
 }
 
 TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
-    ASSERT_EQ(init(kTwoInstances), 0);
-    log.clear();
     EXPECT_EQ(confCopyInstance(store, "Z", "New"), -1);
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{logged::instanceUnknown("Z")});
     EXPECT_FALSE(confHasPendingChanges(store));
@@ -140,7 +132,6 @@ TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
 }
 
 TEST_F(ConfInstancesTest, TheSourcesPendingChangesAreNotCopied) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confSetI32(store, "vtr.instance.A.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 320);
@@ -148,19 +139,17 @@ TEST_F(ConfInstancesTest, TheSourcesPendingChangesAreNotCopied) {
 }
 
 TEST_F(ConfInstancesTest, OfAnInstanceThatIsNotCommittedTheDefaultsAreCopied) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confSetI32(store, "vtr.instance.Fresh.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "Fresh", "New"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 240);
 }
 
-TEST_F(ConfInstancesTest, DeprecatedKeysAreNotCopied) {
+TEST_F(ConfSomeInstancesTest, DeprecatedKeysAreNotCopied) {
     ConfCatalogue old;
     old.registerInstance("kept", {ConfType::String, "k"});
     old.registerInstance("old", {ConfType::String, "o", false, /*deprecated=*/true});
     ConfStore other(old, confDiskFiles());
-    folder.write("vantrel.conf", "vtr.instance.A.kept=\"1\"\nvtr.instance.A.old=\"2\"\n");
-    ASSERT_EQ(confLibInit(other, path(), /*allowDeprecated=*/true), 0);
+    load(other, "vtr.instance.A.kept=\"1\"\nvtr.instance.A.old=\"2\"\n", /*allowDeprecated=*/true);
     ASSERT_EQ(confCopyInstance(other, "A", "New"), 0);
     EXPECT_TRUE(confIsPropPending(other, "vtr.instance.New.kept"));
     EXPECT_FALSE(confIsPropPending(other, "vtr.instance.New.old"));
@@ -171,7 +160,6 @@ TEST_F(ConfInstancesTest, DeprecatedKeysAreNotCopied) {
 }
 
 TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     {
         const std::lock_guard<XsharedMutex> changing(store.viewLock);
         store.view.value(confFindKey(catalogue, "vtr.instance.A.ram")).erase();
@@ -188,7 +176,6 @@ TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
 }
 
 TEST_F(ConfInstancesTest, ACopyOntoItselfTakesItsPendingChangesBack) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confSetI32(store, "vtr.instance.A.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "A"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
@@ -196,7 +183,6 @@ TEST_F(ConfInstancesTest, ACopyOntoItselfTakesItsPendingChangesBack) {
 }
 
 TEST_F(ConfInstancesTest, ATargetThatIsRemovedButNotCommittedStaysRemoved) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "B");
     ASSERT_EQ(confCopyInstance(store, "A", "B"), 0);
     EXPECT_EQ(removedKeys(), keysOf("B"));
@@ -206,7 +192,7 @@ TEST_F(ConfInstancesTest, ATargetThatIsRemovedButNotCommittedStaysRemoved) {
     EXPECT_EQ(confGetInstances(store), Names{"A"});
 }
 
-TEST_F(ConfInstancesTest, NamesThatBeginAlikeAreKeptApart) {
+TEST_F(ConfSomeInstancesTest, NamesThatBeginAlikeAreKeptApart) {
     ASSERT_EQ(init("vtr.instance.N.dpi=\"1\"\nvtr.instance.N_1.dpi=\"2\"\n"
                    "vtr.instance.N_10.dpi=\"3\"\n"),
               0);
@@ -220,7 +206,6 @@ TEST_F(ConfInstancesTest, NamesThatBeginAlikeAreKeptApart) {
 }
 
 TEST_F(ConfInstancesTest, ATargetWhoseKeysCouldNotBeReadBackIsRefused) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     const std::string names[] = {"New.1", ".", "a=b", "a\nb"};
     for (const std::string& name : names) {
         log.clear();
@@ -242,7 +227,6 @@ TEST_F(ConfInstancesTest, ATargetWhoseKeysCouldNotBeReadBackIsRefused) {
 }
 
 TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confSetI32(store, "vtr.instance.A.dpi", 999);
     confSetI32(store, "vtr.instance.B.dpi", 111);
     log.clear();
@@ -256,14 +240,9 @@ TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
 }
 
 TEST_F(ConfInstancesTest, ARemovalReachesTheFileWithTheCommit) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
     ASSERT_EQ(confCommit(store), 0);
-    Entries expected = globalDefaults();
-    expected["vtr.instance.B.dpi"] = "160";
-    expected["vtr.instance.B.ram"] = "2048";
-    addInstanceDefaults(expected, "B");
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    expectFile({{"vtr.instance.B.dpi", "160"}, {"vtr.instance.B.ram", "2048"}});
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"})) << "listed until the next load";
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(confGetInstances(store), Names{"B"});
@@ -271,7 +250,6 @@ TEST_F(ConfInstancesTest, ARemovalReachesTheFileWithTheCommit) {
 }
 
 TEST_F(ConfInstancesTest, AnotherProgramSeesTheRemovalAfterTheCommitOnly) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
     EXPECT_EQ(subprocessOutput("readsTheInstances", {path()}), "A 320\nB 160\n");
     ASSERT_EQ(confCommit(store), 0);
@@ -279,15 +257,12 @@ TEST_F(ConfInstancesTest, AnotherProgramSeesTheRemovalAfterTheCommitOnly) {
 }
 
 TEST_F(ConfInstancesTest, RemovingAnUnknownInstanceStagesNothing) {
-    ASSERT_EQ(init(kTwoInstances), 0);
-    log.clear();
     EXPECT_EQ(confDeleteInstance(store, "Z"), 0);
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
 TEST_F(ConfInstancesTest, ANameWithADotMeansTheKeysThatBeginSo) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     EXPECT_EQ(confDeleteInstance(store, "A.status"), 0);
     std::vector<std::string> expected;
     for (const std::string& key : keysOf("A")) {
@@ -298,7 +273,6 @@ TEST_F(ConfInstancesTest, ANameWithADotMeansTheKeysThatBeginSo) {
 }
 
 TEST_F(ConfInstancesTest, AnInstanceWithADotInItsNameIsRemovedWhole) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confAddInstance(store, "A.B"), 0);
     EXPECT_EQ(committed("vtr.instance.A.B.dpi"), "240");
     ASSERT_EQ(confDeleteInstance(store, "A.B"), 0);
@@ -309,19 +283,17 @@ TEST_F(ConfInstancesTest, AnInstanceWithADotInItsNameIsRemovedWhole) {
 }
 
 TEST_F(ConfInstancesTest, AKeyThatIsSetAfterTheRemovalStays) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
     confSetI32(store, "vtr.instance.A.dpi", 480);
     EXPECT_EQ(removedKeys().size(), instanceCount() - 1);
     ASSERT_EQ(confCommit(store), 0);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"480\"\n"), std::string::npos);
+    EXPECT_TRUE(hasLine("vtr.instance.A.dpi=\"480\""));
     EXPECT_EQ(folder.read("vantrel.conf").find("vtr.instance.A.display_name"), std::string::npos);
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(confGetString(store, "vtr.instance.A.display_name"), "Vantrel");
 }
 
 TEST_F(ConfInstancesTest, ACopyThatIsNotCommittedSurvivesItsRemoval) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
     confDeleteInstance(store, "New");
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
@@ -329,7 +301,6 @@ TEST_F(ConfInstancesTest, ACopyThatIsNotCommittedSurvivesItsRemoval) {
 }
 
 TEST_F(ConfInstancesTest, DiscardingARemovalBringsTheInstanceBackWithTheNextLoad) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     confDeleteInstance(store, "A");
     confDiscardChanges(store);
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
@@ -339,7 +310,6 @@ TEST_F(ConfInstancesTest, DiscardingARemovalBringsTheInstanceBackWithTheNextLoad
 }
 
 TEST_F(ConfInstancesTest, TheDumpHasTheCurrentInstancesAndTheGlobalSettings) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     log.clear();
     EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
@@ -349,7 +319,6 @@ TEST_F(ConfInstancesTest, TheDumpHasTheCurrentInstancesAndTheGlobalSettings) {
 }
 
 TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     const std::string text = dump();
     EXPECT_NE(text.find("\nvtr.installed_images=\nvtr.abi_list=\n"), std::string::npos);
@@ -362,12 +331,10 @@ TEST_F(ConfInstancesTest, TheInstancesLinesAreOneBlockAmongTheGlobalOnes) {
 }
 
 TEST_F(ConfInstancesTest, WithoutACurrentInstanceTheDumpHasTheGlobalSettingsOnly) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     EXPECT_EQ(dump(), dumpText(twoInstances(), ""));
 }
 
 TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     confSetI32(store, "vtr.instance.A.dpi", 999);
     confSetString(store, "vtr.guid", "pending");
@@ -381,7 +348,6 @@ TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
 }
 
 TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     const std::string text = dumpText(twoInstances(), "A");
     const auto needed = static_cast<std::uint32_t>(text.size() + 1);
@@ -397,7 +363,6 @@ TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
 }
 
 TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     const std::string text = dumpText(twoInstances(), "");
     std::string buffer(text.size() + 100, '?');
     std::uint32_t size = 0;
@@ -409,15 +374,12 @@ TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
 }
 
 TEST_F(ConfInstancesTest, NoBufferAtAllAsksForTheSize) {
-    ASSERT_EQ(init(kTwoInstances), 0);
     std::uint32_t size = 0;
     EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
     EXPECT_EQ(size, dumpText(twoInstances(), "").size() + 1);
 }
 
 TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
-    ASSERT_EQ(init(kTwoInstances), 0);
-    log.clear();
     std::uint32_t size = 7;
     EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 1 << 20, size), XERR_INVAL);
     EXPECT_EQ(size, 7u);
@@ -436,15 +398,13 @@ ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) 
 
 }  // namespace
 
-TEST_F(ConfInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
+TEST_F(ConfSomeInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
     const ConfCatalogue longest = catalogueOf(27, 27);
     ConfStore other(longest, confDiskFiles());
     const std::string global = "vtr." + std::string(27, 'g');
     const std::string property(27, 'i');
     const std::string value(91, 'v');
-    folder.write("vantrel.conf", global + "=\"" + value + "\"\nvtr.instance.A." + property + "=\"" +
-                                     value + "\"\n");
-    ASSERT_EQ(confLibInit(other, path(), false), 0);
+    load(other, global + "=\"" + value + "\"\nvtr.instance.A." + property + "=\"" + value + "\"\n");
     ASSERT_EQ(confSetCurrentInstance(other, "A"), 0);
     char buffer[1024];
     std::uint32_t size = 0;
@@ -453,7 +413,7 @@ TEST_F(ConfInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
               global + "=" + value + "\nvtr." + property + "=" + value + "\n" + kDumpEnd);
 }
 
-TEST_F(ConfInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {
+TEST_F(ConfSomeInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {
     const std::string value(92, 'v');
     ASSERT_EQ(init("vtr.media_folder=\"" + value + "\"\nvtr.instance.A.grm_ignored_rules=\"" +
                    value + "\"\nvtr.instance.B.display_name=\"" + value + "\"\n"),
@@ -463,7 +423,7 @@ TEST_F(ConfInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonge
     EXPECT_EQ(confKeysTooLongForDump(store), Lines{});
 }
 
-TEST_F(ConfInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
+TEST_F(ConfSomeInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
     const std::string tooLong(92, 'v');
     const std::string longest(91, 'v');
     ASSERT_EQ(init("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
@@ -503,54 +463,45 @@ SUBPROCESS(instanceFatal) {
 
 namespace {
 
-// The subprocess must end with the fatal line, right behind this one.
-void expectFatal(const std::string& what, const std::string& content, const std::string& message) {
-    const ChildResult result = runSubprocess("instanceFatal", {what, content});
-    EXPECT_EQ(result.status, kFatalStatus);
-    Lines lines;
-    for (const std::string& line : logMessages(result.out)) {
-        if (!line.empty()) lines.push_back(line);
-    }
-    ASSERT_EQ(lines.size(), 2u) << result.out;
-    EXPECT_EQ(lines[0], "E CONF  " + message);
-    EXPECT_EQ(lines[1].rfind("E CONF  FATAL: DEBUG BREAK: Source/conf/Conf:", 0), 0u) << lines[1];
-    EXPECT_EQ(lines[1].substr(lines[1].rfind(' ')), " 0.000000()");
+// The entry that is too long for a dump.
+void expectBreakOfDump(const std::string& what, const std::string& content, const std::string& key,
+                       const std::string& value) {
+    expectConfBreak("instanceFatal", {what, content},
+                    "E CONF Invalid conf entry. Key = '" + key + "', value = '" + value + "'");
 }
 
 }  // namespace
 
 TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
-    expectFatal("readRemoved", "vtr.instance.A.dpi=\"320\"\n",
-                logged::messageOf(logged::keyRemoved("vtr.instance.A.dpi")));
+    expectConfBreak("instanceFatal", {"readRemoved", "vtr.instance.A.dpi=\"320\"\n"},
+                    logged::keyRemoved("vtr.instance.A.dpi"));
 }
 
 TEST(ConfInstancesFatalTest, DumpingAGlobalKeyOf32Bytes) {
     const std::string key = "vtr." + std::string(28, 'g');
-    expectFatal("dumpLongGlobalKey", key + "=\"x\"\nvtr.instance.A.i=\"y\"\n",
-                "Invalid conf entry. Key = '" + key + "', value = 'x'");
+    expectBreakOfDump("dumpLongGlobalKey", key + "=\"x\"\nvtr.instance.A.i=\"y\"\n", key, "x");
 }
 
 TEST(ConfInstancesFatalTest, DumpingAnInstanceKeyThatShowsWith32BytesNamesTheStoredKey) {
     const std::string key = "vtr.instance.A." + std::string(28, 'i');
-    expectFatal("dumpLongInstanceKey", "vtr.g=\"x\"\n" + key + "=\"y\"\n",
-                "Invalid conf entry. Key = '" + key + "', value = 'y'");
+    expectBreakOfDump("dumpLongInstanceKey", "vtr.g=\"x\"\n" + key + "=\"y\"\n", key, "y");
 }
 
 TEST(ConfInstancesFatalTest, DumpingAGlobalValueOf92Bytes) {
     const std::string value(92, 'v');
-    expectFatal("dumpLongValue",
-                "vtr.shared_folders=\"" + value + "\"\nvtr.instance.A.dpi=\"320\"\n",
-                "Invalid conf entry. Key = 'vtr.shared_folders', value = '" + value + "'");
+    expectBreakOfDump("dumpLongValue",
+                      "vtr.shared_folders=\"" + value + "\"\nvtr.instance.A.dpi=\"320\"\n",
+                      "vtr.shared_folders", value);
 }
 
 TEST(ConfInstancesFatalTest, DumpingAnInstanceValueOf92BytesNamesTheStoredKey) {
     std::string value;  // 46 characters
     for (int i = 0; i < 46; ++i) value += "ü";
-    expectFatal("dumpLongValue", "vtr.instance.A.display_name=\"" + value + "\"\n",
-                "Invalid conf entry. Key = 'vtr.instance.A.display_name', value = '" + value + "'");
+    expectBreakOfDump("dumpLongValue", "vtr.instance.A.display_name=\"" + value + "\"\n",
+                      "vtr.instance.A.display_name", value);
 }
 
-TEST_F(ConfInstancesTest, WhatIsNotDeclaredIsNotDumped) {
+TEST_F(ConfSomeInstancesTest, WhatIsNotDeclaredIsNotDumped) {
     ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     std::uint32_t before = 0;

@@ -1,16 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstddef>
-#include <functional>
-#include <initializer_list>
-#include <mutex>
-#include <new>
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <thread>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "conf/ConfLoad.h"
@@ -297,8 +284,7 @@ TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
     XErr readable = XERR_SUCCESS;
     HookedFiles files([&readable](HookedFiles::Step) { return readable; });
     ConfStore broken(catalogue, files);
-    folder.write("vantrel.conf", "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
-    ASSERT_EQ(confLibInit(broken, path(), false), 0);
+    load(broken, "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
     readable = XERR_IO;
     EXPECT_EQ(confReload(broken), -1);
     EXPECT_EQ(confGetInstances(broken), names({"A"}));
@@ -311,8 +297,7 @@ TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {
     old.registerGlobal("old", {ConfType::String, "d", false, true});
     old.registerInstance("old", {ConfType::String, "", false, true});
     ConfStore other(old, confDiskFiles());
-    folder.write("vantrel.conf", "vtr.instance.A.old=\"1\"\n");
-    ASSERT_EQ(confLibInit(other, path(), true), 0);
+    load(other, "vtr.instance.A.old=\"1\"\n", /*allowDeprecated=*/true);
     const std::lock_guard<std::mutex> guard(other.lock);
     EXPECT_EQ(other.deprecated, names({"vtr.old", "vtr.instance.A.old"}));
 }

@@ -1,7 +1,4 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <cstdint>
-#include <string>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "support/SilentCalls.h"

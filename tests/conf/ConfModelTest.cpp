@@ -1,22 +1,5 @@
 // The store beside a plain sequential model: whatever several threads did to it at the same time,
 // some order of their calls explains every result.
-#include <gtest/gtest.h>
-
-#include <array>
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <iterator>
-#include <optional>
-#include <random>
-#include <set>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <tuple>
-#include <utility>
-#include <vector>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "support/Proof.h"

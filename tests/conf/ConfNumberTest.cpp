@@ -1,10 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <optional>
-#include <string_view>
-
 #include "conf/ConfNumber.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,11 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "conf/ConfText.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,12 +1,4 @@
 // The store among threads: every function at once, each thread sure of its own keys.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <future>
-#include <mutex>
-#include <string>
-#include <thread>
-
 #include "ConfFixture.h"
 
 namespace {

@@ -1,14 +1,5 @@
-#include <gtest/gtest.h>
-#include <string_view>
-
-#include <algorithm>
-#include <map>
-#include <optional>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "conf/ConfView.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

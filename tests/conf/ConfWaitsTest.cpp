@@ -1,19 +1,5 @@
 // What may wait for a disk, for another program or for the log, and what never does: the calls that
 // a window's thread makes.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <future>
-#include <mutex>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "conf/ConfInstanceValues.h"

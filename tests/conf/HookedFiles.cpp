@@ -1,7 +1,5 @@
 #include "HookedFiles.h"
-
-#include <string_view>
-#include <utility>
+#include "support/TestHeaders.h"
 
 class HookedFiles::Output final : public ConfOutput {
  public:
