@@ -17,7 +17,6 @@ class AppcCopyTest : public AppcTest {
 
 TEST_F(AppcCopyTest, FilesAndFoldersAreCopied) {
     data.write("Engine\\Nougat64\\AppCache\\com.a.png", "icon");
-    data.makeFolder("Engine\\Nougat64\\AppCache\\sub");
     data.write("Engine\\Nougat64\\AppCache\\sub\\x", "y");
     EXPECT_EQ(appcCopyInstance(store, "Nougat64", "New"), 0);
     EXPECT_EQ(data.read("Engine\\New\\AppCache\\AppCache.json"), "[]");
@@ -40,7 +39,6 @@ TEST_F(AppcCopyTest, AFileThatCannotBeCopiedIsLeftOutAndTheResultIsStillGood) {
 }
 
 TEST_F(AppcCopyTest, TheOpenCacheStaysTheOneItWas) {
-    data.makeFolder("Engine\\Other");
     data.makeFolder("Engine\\Other\\AppCache");
     EXPECT_EQ(appcCopyInstance(store, "Other", "New"), 0) << "neither of the two is open";
     ASSERT_EQ(appcSaveToFile(store), 0);

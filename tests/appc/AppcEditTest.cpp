@@ -1,8 +1,5 @@
 #include <QJsonArray>
 #include <QJsonObject>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "AppcFixture.h"
 #include "support/LogLines.h"

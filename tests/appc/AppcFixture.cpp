@@ -1,14 +1,6 @@
 #include "AppcFixture.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <filesystem>
-#include <list>
-#include <new>
 #include <regex>
-#include <string_view>
-#include <thread>
-#include <tuple>
 
 #include "support/Platform.h"
 
@@ -26,17 +18,25 @@ std::string arrayOf(const std::vector<std::string>& elements) {
     return "[" + text + "]";
 }
 
-std::string fileOf(const std::vector<PlainApp>& apps) {
+static std::string arrayText(const std::vector<PlainApp>& apps, const std::string& icon) {
     std::string text = "[\n";
     for (const PlainApp& app : apps) {
         if (&app != &apps.front()) text += ",\n";
         text += "    {\n        \"activity\": \"" + app.activity + "\",\n        \"appLabel\": \"" +
-                app.appLabel + "\",\n        \"iconFileName\": \"" + app.package +
+                app.appLabel + "\",\n        \"" + icon + app.package +
                 ".png\",\n        \"package\": \"" + app.package +
                 "\",\n        \"versionCode\": " + std::to_string(app.versionCode) +
                 ",\n        \"versionName\": \"" + app.versionName + "\"\n    }";
     }
     return text + (apps.empty() ? "]\n" : "\n]\n");
+}
+
+std::string fileOf(const std::vector<PlainApp>& apps) {
+    return arrayText(apps, "iconFileName\": \"");
+}
+
+std::string listingOf(const std::vector<PlainApp>& apps, const std::string& folder) {
+    return arrayText(apps, "iconFilePath\": \"" + folder);
 }
 
 Lines withoutNumbers(Lines lines) {
@@ -71,10 +71,8 @@ bool operator==(const AppcApp& a, const AppcApp& b) {
 }
 
 AppcTest::AppcTest() {
-    for (const char* folder :
-         {"Engine", "Engine\\Nougat64", "Engine\\UserData", "Engine\\UserData\\SharedFolder"}) {
-        data.makeFolder(folder);
-    }
+    data.makeFolder("Engine\\Nougat64");
+    data.makeFolder("Engine\\UserData\\SharedFolder");
 }
 
 XErr AppcTest::init(std::string_view content) {
@@ -121,80 +119,44 @@ AppcApp AppcTest::app(const std::string& package) {
 
 std::size_t AppcTest::count() { return packages().size(); }
 
-std::int32_t AppcDisk::read(const std::string& path, std::string& content) {
-    return appcDiskFiles().read(path, content);
-}
-
-XErr AppcDisk::makeFolder(const std::string& path) { return appcDiskFiles().makeFolder(path); }
-
-bool AppcDisk::isReplaceable(const std::string& path) {
-    return appcDiskFiles().isReplaceable(path);
-}
-
-AppcWrite AppcDisk::write(const std::string& path, std::string_view text) {
-    return appcDiskFiles().write(path, text);
-}
-
-XErr AppcDisk::replace(const std::string& source, const std::string& destination) {
-    return appcDiskFiles().replace(source, destination);
-}
-
-void AppcDisk::remove(const std::string& path) { appcDiskFiles().remove(path); }
-
 std::int32_t FailingFiles::read(const std::string& path, std::string& content) {
-    return readError != 0 ? readError : AppcDisk::read(path, content);
+    before("read");
+    return readError != 0 ? readError : appcDiskFiles().read(path, content);
 }
 
 XErr FailingFiles::makeFolder(const std::string& path) {
-    return folderError == XERR_SUCCESS ? AppcDisk::makeFolder(path) : folderError;
+    before("folder");
+    return folderError == XERR_SUCCESS ? appcDiskFiles().makeFolder(path) : folderError;
+}
+
+bool FailingFiles::isReplaceable(const std::string& path) {
+    return appcDiskFiles().isReplaceable(path);
 }
 
 AppcWrite FailingFiles::write(const std::string& path, std::string_view text) {
+    before("write");
     if (throwInWrite) {
-        static_cast<void>(AppcDisk::write(path, text.substr(0, 1)));
+        static_cast<void>(appcDiskFiles().write(path, text.substr(0, 1)));
         throw std::bad_alloc();
     }
     if (failOpen) return AppcWrite::OpenFailed;
-    const AppcWrite result = AppcDisk::write(path, text.substr(0, writeLimit));
+    const AppcWrite result = appcDiskFiles().write(path, text.substr(0, writeLimit));
     return writeLimit < text.size() ? AppcWrite::WriteFailed : result;
 }
 
 XErr FailingFiles::replace(const std::string& source, const std::string& destination) {
+    before("move");
     ++moves;
     if (throwInMove) throw std::bad_alloc();
-    return failMove ? XERR_ACCES : AppcDisk::replace(source, destination);
+    return failMove ? XERR_ACCES : appcDiskFiles().replace(source, destination);
 }
 
 void FailingFiles::remove(const std::string& path) {
+    before("remove");
     removed.push_back(path);
-    AppcDisk::remove(path);
+    appcDiskFiles().remove(path);
 }
 
-std::int32_t LockWatch::read(const std::string& path, std::string& content) {
-    note("read");
-    return AppcDisk::read(path, content);
-}
-
-XErr LockWatch::makeFolder(const std::string& path) {
-    note("folder");
-    return AppcDisk::makeFolder(path);
-}
-
-AppcWrite LockWatch::write(const std::string& path, std::string_view text) {
-    note("write");
-    return AppcDisk::write(path, text);
-}
-
-XErr LockWatch::replace(const std::string& source, const std::string& destination) {
-    note("move");
-    return failMove ? XERR_ACCES : AppcDisk::replace(source, destination);
-}
-
-void LockWatch::remove(const std::string& path) {
-    note("remove");
-    AppcDisk::remove(path);
-}
-
-void LockWatch::note(const char* step) {
+void LockWatch::before(const char* step) {
     steps.push_back(step + std::string(isFileLockFree(data_) ? "" : ", locked"));
 }

@@ -1,19 +1,11 @@
 #ifndef TESTS_APPCFIXTURE_H
 #define TESTS_APPCFIXTURE_H
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 // The text of a JSON object, with its values as they stand in JSON.
 struct Element {
@@ -39,6 +31,9 @@ struct PlainApp {
     std::string versionName;
 };
 std::string fileOf(const std::vector<PlainApp>& apps);
+
+// The same as the listing has it, with the folder of the icons as it stands in JSON.
+std::string listingOf(const std::vector<PlainApp>& apps, const std::string& folder);
 
 // The lines, with the number of the source line in them as "N".
 Lines withoutNumbers(Lines lines);
@@ -87,19 +82,8 @@ struct ForeignStore : AppcStore {
                     lockPrefixOf(data)) {}
 };
 
-// The disk. A test overrides the operations that it looks at.
-class AppcDisk : public AppcFiles {
- public:
-    std::int32_t read(const std::string& path, std::string& content) override;
-    XErr makeFolder(const std::string& path) override;
-    bool isReplaceable(const std::string& path) override;
-    AppcWrite write(const std::string& path, std::string_view text) override;
-    XErr replace(const std::string& source, const std::string& destination) override;
-    void remove(const std::string& path) override;
-};
-
 // The disk, but for the operations that are to fail.
-class FailingFiles final : public AppcDisk {
+class FailingFiles : public AppcFiles {
  public:
     std::int32_t readError = 0;  // of Windows
     XErr folderError = XERR_SUCCESS;
@@ -114,27 +98,24 @@ class FailingFiles final : public AppcDisk {
 
     std::int32_t read(const std::string& path, std::string& content) override;
     XErr makeFolder(const std::string& path) override;
+    bool isReplaceable(const std::string& path) override;
     AppcWrite write(const std::string& path, std::string_view text) override;
     XErr replace(const std::string& source, const std::string& destination) override;
     void remove(const std::string& path) override;
+
+ protected:
+    virtual void before(const char* /*step*/) {}
 };
 
-// The disk, with a look at the file lock at each step.
-class LockWatch final : public AppcDisk {
+// The same with a look at the file lock at each step.
+class LockWatch final : public FailingFiles {
  public:
     explicit LockWatch(std::string data) : data_(std::move(data)) {}
 
     Lines steps;  // "move, locked"
-    bool failMove = false;
-
-    std::int32_t read(const std::string& path, std::string& content) override;
-    XErr makeFolder(const std::string& path) override;
-    AppcWrite write(const std::string& path, std::string_view text) override;
-    XErr replace(const std::string& source, const std::string& destination) override;
-    void remove(const std::string& path) override;
 
  private:
-    void note(const char* step);
+    void before(const char* step) override;
 
     const std::string data_;
 };

@@ -1,14 +1,9 @@
 // A file that another process holds: it is kept, and nothing is saved over it before it was read.
 #include <QJsonArray>
-#include <list>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
-#include "support/Platform.h"
 
 namespace {
 
@@ -180,8 +175,6 @@ TEST_F(AppcHeldFileTest, AnotherInstanceIsNotRefused) {
 }
 
 TEST_F(AppcHeldFileTest, AnotherInstanceWithABadFileIsSavedOver) {
-    data.makeFolder("Engine\\Other");
-    data.makeFolder("Engine\\Other\\AppCache");
     data.write("Engine\\Other\\AppCache\\AppCache.json", "[{}]");
     files.readError = 0;
     EXPECT_EQ(appcLibInit(held, "Other"), -1);
@@ -234,14 +227,9 @@ TEST_F(AppcTest, AFileThatIsHeldForAMomentIsWaitedFor) {
     for (const HeldFile::Shares shares : {HeldFile::Shares::Nothing, HeldFile::Shares::Deletion,
                                           HeldFile::Shares::EverythingButItsBytes}) {
         write(fileOf(kTwo));
-        HeldFile holder(file(), shares);
-        ASSERT_TRUE(holder.isHeld());
-        std::thread release([&holder] {
-            sleepMs(120);
-            holder.release();
-        });
+        const BrieflyHeldFile holder(file(), shares);
+        ASSERT_TRUE(holder.wasHeld());
         EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
-        release.join();
         EXPECT_EQ(packages(), (Lines{"com.a", "com.b"}));
         EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), 0);
         EXPECT_EQ(log.texts(), Lines{});
@@ -251,14 +239,9 @@ TEST_F(AppcTest, AFileThatIsHeldForAMomentIsWaitedFor) {
 TEST_F(AppcTest, ASaveOverAFileThatIsHeldForAMomentWaits) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     ASSERT_EQ(init(fileOf(kTwo)), 0);
-    HeldFile holder(file(), HeldFile::Shares::ReadAndWrite);
-    ASSERT_TRUE(holder.isHeld());
-    std::thread release([&holder] {
-        sleepMs(120);
-        holder.release();
-    });
+    const BrieflyHeldFile holder(file(), HeldFile::Shares::ReadAndWrite);
+    ASSERT_TRUE(holder.wasHeld());
     EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), 0);
-    release.join();
     EXPECT_EQ(read(), "[\n]\n");
     EXPECT_EQ(log.texts(), Lines{});
 }

@@ -2,10 +2,6 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdint>
-#include <random>
-#include <string>
-#include <string_view>
 
 #include "AppcFixture.h"
 
@@ -118,32 +114,16 @@ TEST(AppcJson, OnlyAnArrayIsAnArray) {
     EXPECT_TRUE(isArray("[]"));
     EXPECT_TRUE(isArray(" \t\r\n[ \n] \n"));
     EXPECT_TRUE(isArray("\xEF\xBB\xBF[]")) << "a byte order mark";
-    for (const char* text : {"",
-                             " ",
-                             "{}",
-                             "null",
-                             "true",
-                             "1",
-                             "\"[]\"",
-                             "[",
-                             "]",
-                             "[]x",
-                             "[][]",
-                             "[,]",
-                             "[1,]",
-                             "[\"\xFF\"]",
-                             "[\"\xC0\x80\"]",
-                             "[\"\xED\xA0\x80\"]",
-                             "\xFF\xFE[\0]\0",
-                             "[01]",
-                             "['a']",
-                             "[nan]",
-
-                             "[\"\\u12\"]",
-                             "// x\n[]",
-                             "\xEF\xBB[]"}) {
+    for (const char* text :
+         {"", " ", "{}", "null", "true", "1", "\"[]\"", "[", "]", "[]x", "[][]"}) {
         EXPECT_FALSE(isArray(text)) << text;
     }
+    for (const char* text : {"[,]", "[1,]", "[01]", "['a']", "[nan]", "// x\n[]", "[\"\\u12\"]"}) {
+        EXPECT_FALSE(isArray(text)) << text;
+    }
+    const char* const bytes[] = {"[\"\xFF\"]", "[\"\xC0\x80\"]", "[\"\xED\xA0\x80\"]",
+                                 "\xFF\xFE[\0]\0", "\xEF\xBB[]"};
+    for (const char* text : bytes) EXPECT_FALSE(isArray(text)) << text;
     EXPECT_FALSE(isArray(std::string_view("[]\0", 3)));
 }
 
@@ -226,16 +206,8 @@ TEST(AppcJson, MembersAreIndentedByFourBlanksInOrderOfTheirKeys) {
               "    }\n"
               "]\n");
     EXPECT_EQ(appcListingText({*apps.begin()}, "D:\\Data\\Engine/Jeux é/AppCache/"),
-              "[\n"
-              "    {\n"
-              "        \"activity\": \"com.a.Main\",\n"
-              "        \"appLabel\": \"A\",\n"
-              "        \"iconFilePath\": \"D:\\\\Data\\\\Engine/Jeux é/AppCache/com.a.png\",\n"
-              "        \"package\": \"com.a\",\n"
-              "        \"versionCode\": 2147483647,\n"
-              "        \"versionName\": \"\"\n"
-              "    }\n"
-              "]\n");
+              listingOf({{"com.a", "com.a.Main", "A", 2147483647, ""}},
+                        R"(D:\\Data\\Engine/Jeux é/AppCache/)"));
 }
 
 TEST(AppcJson, TextsAreEscapedAsLittleAsPossible) {

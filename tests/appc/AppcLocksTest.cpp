@@ -1,17 +1,5 @@
 // Every operation beside every other, on threads of one process, with another process in between.
 #include <QJsonArray>
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <cstddef>
-#include <cstdio>
-#include <filesystem>
-#include <functional>
-#include <list>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
 
 #include "AppcFixture.h"
 #include "support/Platform.h"

@@ -1,9 +1,4 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <cstddef>
-#include <filesystem>
-#include <functional>
-#include <string>
-
 #include "AppcFixture.h"
 #include "support/Platform.h"
 #include "support/SilentCalls.h"

@@ -1,15 +1,3 @@
-#include <atomic>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <mutex>
-#include <new>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
-
 #include "AppcFixture.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
@@ -38,28 +26,28 @@ void setApps(AppcStore& store, const std::vector<PlainApp>& apps) {
 }
 
 // Ends the process, without any clean-up, at the step of that number.
-class DyingFiles final : public AppcDisk {
+class DyingFiles final : public FailingFiles {
  public:
     explicit DyingFiles(int lastStep) : left_(lastStep) {}
 
     XErr makeFolder(const std::string& path) override {
         step();
-        const XErr err = AppcDisk::makeFolder(path);
+        const XErr err = FailingFiles::makeFolder(path);
         step();
         return err;
     }
     AppcWrite write(const std::string& path, std::string_view text) override {
         for (const std::size_t size : {std::size_t{0}, std::size_t{1}, text.size() / 2}) {
-            static_cast<void>(AppcDisk::write(path, text.substr(0, size)));
+            static_cast<void>(FailingFiles::write(path, text.substr(0, size)));
             step();
         }
-        const AppcWrite result = AppcDisk::write(path, text);
+        const AppcWrite result = FailingFiles::write(path, text);
         step();
         return result;
     }
     XErr replace(const std::string& source, const std::string& destination) override {
         step();
-        const XErr err = AppcDisk::replace(source, destination);
+        const XErr err = FailingFiles::replace(source, destination);
         step();
         return err;
     }
@@ -99,25 +87,8 @@ TEST_F(AppcSaveTest, ASavedCacheIsLoadedAgainByteForByte) {
          Element{R"("a\u0000b")", "\"\"", R"("x\ud800y")", "1.5", "\"1\""}.text()});
     ASSERT_EQ(init(odd), 0);
     ASSERT_EQ(appcSaveToFile(store), 0);
-    EXPECT_EQ(read(),
-              "[\n"
-              "    {\n"
-              "        \"activity\": \"\",\n"
-              "        \"appLabel\": \"x?y\",\n"
-              "        \"iconFileName\": \"a\\u0000b.png\",\n"
-              "        \"package\": \"a\\u0000b\",\n"
-              "        \"versionCode\": 1,\n"
-              "        \"versionName\": \"1\"\n"
-              "    },\n"
-              "    {\n"
-              "        \"activity\": \"\\u0001\\b\\t\",\n"
-              "        \"appLabel\": \"é 日本 🎮\",\n"
-              "        \"iconFileName\": \"b \\\"q\\\" \\\\ /.png\",\n"
-              "        \"package\": \"b \\\"q\\\" \\\\ /\",\n"
-              "        \"versionCode\": 1000,\n"
-              "        \"versionName\": \"\x7F\"\n"
-              "    }\n"
-              "]\n");
+    EXPECT_EQ(read(), fileOf({{R"(a\u0000b)", "", "x?y", 1, "1"},
+                              {R"(b \"q\" \\ /)", R"(\u0001\b\t)", "é 日本 🎮", 1000, "\x7F"}}));
     const std::string saved = read();
     ASSERT_EQ(appcLoadFromFile(store), 0);
     ASSERT_EQ(appcSaveToFile(store), 0);
@@ -147,7 +118,6 @@ TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
 }
 
 TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedOpen) {
-    data.makeFolder("Engine\\Nougat64\\AppCache");
     data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
     log.clear();
