@@ -1,17 +1,8 @@
 #include "bridge/BridgeApps.h"
 
-#include <gtest/gtest.h>
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstddef>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
 
 #include "appc/AppcStore.h"
 #include "support/HeldFile.h"
@@ -20,6 +11,7 @@
 #include "support/Platform.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 namespace fs = std::filesystem;
 

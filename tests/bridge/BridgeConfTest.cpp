@@ -1,14 +1,11 @@
 // The listing's fatal ends, where what it looks at first says why, and the commit's own line.
 #include "bridge/BridgeConf.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xpl.h"
 
 // Lists a file whose one instance is removed, but listed again since the file has been read since.
@@ -30,23 +27,19 @@ SUBPROCESS(listsInstance) {
 
 namespace {
 
-// The error lines of a listing that ends its process; of the last one, all but the place's number.
+// The error lines of a listing that ends its process.
 Lines lastWords(const std::string& instance, const std::string& ram, const std::string& removed) {
-    const ChildResult result = runSubprocess("listsInstance", {instance, ram, removed});
-    EXPECT_EQ(result.status, kFatalStatus) << result.out;
-    Lines errors;
-    for (const std::string& line : logMessages(result.out)) {
-        if (line.compare(0, 2, "E ") == 0) errors.push_back(line);
-    }
-    if (!errors.empty()) errors.back().resize(errors.back().rfind(':'));
-    return errors;
+    Lines lines = linesUntilBreak("listsInstance", {instance, ram, removed});
+    const auto isNoError = [](const std::string& line) { return line.compare(0, 2, "E ") != 0; };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isNoError), lines.end());
+    return lines;
 }
 
 }  // namespace
 
 TEST(BridgeInstancesTest, AnUnknownImageIsToldBeforeAnythingIsRead) {
     const Lines unknown{"E UTL  utlGetImageTrait: Unknown image Pie64",
-                        "E UTL  FATAL: DEBUG BREAK: Source/utl/Utl"};
+                        logged::fatalBreak("UTL", "Source/utl/Utl")};
     EXPECT_EQ(lastWords("Pie64_1", "4096", "kept"), unknown);
     EXPECT_EQ(lastWords("Pie64_1", "4096", "removed"), unknown) << "whose keys must not be read";
 }
@@ -55,13 +48,13 @@ TEST(BridgeInstancesTest, AnInstanceThatIsBeingRemovedEndsTheListing) {
     EXPECT_EQ(
         lastWords("Nougat64_1", "4096", "removed"),
         (Lines{logged::by("", logged::keyRemoved("vtr.instance.Nougat64_1.device_profile_code")),
-               "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+               logged::fatalBreak("CONF", "Source/conf/Conf")}));
 }
 
 TEST(BridgeInstancesTest, AMemoryThatIsNoNumberEndsTheListing) {
     EXPECT_EQ(lastWords("Nougat64", "abc", "kept"),
               (Lines{logged::by("", logged::numberInvalid("vtr.instance.Nougat64.ram", "abc")),
-                     "E CONF  FATAL: DEBUG BREAK: Source/conf/Conf"}));
+                     logged::fatalBreak("CONF", "Source/conf/Conf")}));
 }
 
 TEST(BridgeCommitTest, TheLineNamesTheExportAndThePathBeforeTheStoresOwn) {

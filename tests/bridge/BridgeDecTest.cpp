@@ -1,23 +1,16 @@
 // From packets to the host's functions, with the lines that the log gets.
 #include "bridge/BridgeDec.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <stdexcept>
-#include <string>
-
 #include "GuardedBytes.h"
 #include "HostCalls.h"
 #include "conf/Conf.h"
 #include "support/EventPackets.h"
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/MalformedPackets.h"
-#include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 namespace {
 
@@ -87,51 +80,89 @@ bool decodeInPlace(const std::string& packet) {
 
 }  // namespace
 
-TEST_F(BridgeDecTest, AnInstalledAppReachesSlot1) {
-    const std::string packet =
-        appInstalledPacket("N", "com.a", "Main", "Größe 大", -7, "1.2", "C:\\i.png", 200);
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onAppInstalled(N|com.a|Main|Größe 大|-7|1.2|C:\\i.png|1)"});
-    const auto field = [&](std::size_t offset, int count) {
-        return address(packet, offset) + "(" + std::to_string(count) + ")";
-    };
+namespace {
+
+// An event that makes one call of the host's and three lines. In the first of them "@16(2)" is the
+// address of the packet's byte 16, where a text of two bytes begins.
+struct DecodedEvent {
+    const char* name;
+    std::string packet;
+    const char* call;
+    const char* function;
+    const char* fields;
+    const char* words;
+};
+
+void PrintTo(const DecodedEvent& event, std::ostream* out) { *out << event.name; }
+
+class BridgeDecEventTest : public BridgeDecTest,
+                           public ::testing::WithParamInterface<DecodedEvent> {
+ protected:
+    static std::string withAddresses(const std::string& fields, const std::string& packet) {
+        std::string text;
+        for (std::size_t at = 0; at < fields.size();) {
+            if (fields[at] != '@') {
+                text += fields[at++];
+                continue;
+            }
+            std::size_t digits = 0;
+            text += address(packet, std::stoul(fields.substr(at + 1), &digits));
+            at += 1 + digits;
+        }
+        return text;
+    }
+};
+
+}  // namespace
+
+TEST_P(BridgeDecEventTest, ReachesItsSlot) {
+    const DecodedEvent& event = GetParam();
+    ASSERT_TRUE(decodeInPlace(event.packet));
+    EXPECT_EQ(hostCalls, Lines{event.call});
+    const std::string function = std::string(" BRIDGE ") + event.function;
     EXPECT_EQ(
         bridgeLines(),
-        (Lines{"D BRIDGE bridgeOnAppInstalled (" + field(16, 2) + ", " + field(22, 6) + ", " +
-                   field(32, 5) + ", " + field(41, 12) + ", -7, " + field(61, 4) + ", " +
-                   field(69, 9) + ", 200)\n",
-               "I BRIDGE bridgeOnAppInstalledClbk called: instance N, package com.a, activity "
-               "Main, appLabel Größe 大, versionCode -7, versionName 1.2, iconFilePath "
-               "C:\\i.png, isUpdate 1",
-               "D BRIDGE bridgeOnAppInstalled returning\n"}));
+        (Lines{"D" + function + " (" + withAddresses(event.fields, event.packet) + ")\n",
+               "I" + function + "Clbk called: " + event.words, "D" + function + " returning\n"}));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Events, BridgeDecEventTest,
+    ::testing::Values(
+        DecodedEvent{
+            "AnInstalledAppReachesSlot1",
+            appInstalledPacket("N", "com.a", "Main", "Größe 大", -7, "1.2", "C:\\i.png", 200),
+            "onAppInstalled(N|com.a|Main|Größe 大|-7|1.2|C:\\i.png|1)", "bridgeOnAppInstalled",
+            "@16(2), @22(6), @32(5), @41(12), -7, @61(4), @69(9), 200",
+            "instance N, package com.a, activity Main, appLabel Größe 大, versionCode -7, "
+            "versionName 1.2, iconFilePath C:\\i.png, isUpdate 1"},
+        DecodedEvent{"AnUninstalledAppReachesSlot2", appUninstalledPacket("N", "com.a"),
+                     "onAppUninstalled(N|com.a)", "bridgeOnAppUninstalled", "@16(2), @22(6)",
+                     "instance N, package com.a"},
+        DecodedEvent{"AFinishedApkReachesSlot3", apkInstallCompletedPacket("N", -2, "C:\\a.apk"),
+                     "onApkInstallCompleted(N|-2|C:\\a.apk)", "bridgeOnApkInstallCompleted",
+                     "@16(2), -2, @26(9)", "instance N, status -2, apkFilePath C:\\a.apk"},
+        DecodedEvent{"ProgressReachesSlot5Alone", installImageProgressPacket("Nougat32", 1, 62.5),
+                     "installImageProgress(Nougat32|1|62.500000)", "bridgeInstallImageProgress",
+                     "@16(9), 1, 62.500000", "imageName Nougat32, status 1, progress 62.500000"},
+        DecodedEvent{"ACreatedInstanceComesWithItsStatusFirst",
+                     createInstanceCompletedPacket(3, "Nougat64_1"),
+                     "onCreateInstanceCompleted(3|Nougat64_1)", "bridgeOnCreateInstanceCompleted",
+                     "3, @20(11)", "status 3, instance Nougat64_1"},
+        DecodedEvent{"AChangedConfigurationReachesSlot7", instanceConfigurationChangedPacket("N"),
+                     "onInstanceConfigurationChanged(N)", "bridgeOnInstanceConfigurationChanged",
+                     "@16(2)", "instance N"},
+        DecodedEvent{"ADisplayedAppReachesSlot8", appDisplayedPacket("N", "com.a"),
+                     "onAppDisplayed(N|com.a)", "bridgeOnAppDisplayed", "@16(2), @22(6)",
+                     "instance N, package com.a"},
+        DecodedEvent{"AnAccountListReachesSlot9", accountListUpdatedPacket("N", "a@b.c", 1),
+                     "onAccountListUpdated(N|a@b.c|1)", "bridgeOnAccountListUpdated",
+                     "@16(2), @22(6), 1", "instance N, emailId a@b.c, action = 1"}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(BridgeDecTest, AnAppThatWasNotThereBeforeIsNoUpdate) {
     ASSERT_TRUE(decode(appInstalledPacket("", "", "", "", 0, "", "", 0)));
     EXPECT_EQ(hostCalls, Lines{"onAppInstalled(||||0|||0)"});
-}
-
-TEST_F(BridgeDecTest, AnUninstalledAppReachesSlot2) {
-    const std::string packet = appUninstalledPacket("N", "com.a");
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onAppUninstalled(N|com.a)"});
-    EXPECT_EQ(bridgeLines(),
-              (Lines{"D BRIDGE bridgeOnAppUninstalled (" + address(packet, 16) + "(2), " +
-                         address(packet, 22) + "(6))\n",
-                     "I BRIDGE bridgeOnAppUninstalledClbk called: instance N, package com.a",
-                     "D BRIDGE bridgeOnAppUninstalled returning\n"}));
-}
-
-TEST_F(BridgeDecTest, AFinishedApkReachesSlot3) {
-    const std::string packet = apkInstallCompletedPacket("N", -2, "C:\\a.apk");
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onApkInstallCompleted(N|-2|C:\\a.apk)"});
-    EXPECT_EQ(bridgeLines(),
-              (Lines{"D BRIDGE bridgeOnApkInstallCompleted (" + address(packet, 16) + "(2), -2, " +
-                         address(packet, 26) + "(9))\n",
-                     "I BRIDGE bridgeOnApkInstallCompletedClbk called: instance N, status -2, "
-                     "apkFilePath C:\\a.apk",
-                     "D BRIDGE bridgeOnApkInstallCompleted returning\n"}));
 }
 
 TEST_F(BridgeDecTest, AnInstanceListOfEightBytesIsEnough) {
@@ -140,19 +171,6 @@ TEST_F(BridgeDecTest, AnInstanceListOfEightBytesIsEnough) {
     EXPECT_EQ(bridgeLines(), (Lines{"D BRIDGE bridgeOnInstanceListUpdated ()\n",
                                     "I BRIDGE bridgeOnInstanceListUpdatedClbk called:",
                                     "D BRIDGE bridgeOnInstanceListUpdated returning\n"}));
-}
-
-TEST_F(BridgeDecTest, ProgressReachesSlot5Alone) {
-    const std::string packet = installImageProgressPacket("Nougat32", 1, 62.5);
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"installImageProgress(Nougat32|1|62.500000)"});
-    EXPECT_EQ(
-        bridgeLines(),
-        (Lines{
-            "D BRIDGE bridgeInstallImageProgress (" + address(packet, 16) + "(9), 1, 62.500000)\n",
-            "I BRIDGE bridgeInstallImageProgressClbk called: imageName Nougat32, status 1, "
-            "progress 62.500000",
-            "D BRIDGE bridgeInstallImageProgress returning\n"}));
 }
 
 TEST_F(BridgeDecTest, ProgressWithStatus2AnnouncesTheInstanceListFirst) {
@@ -165,50 +183,6 @@ TEST_F(BridgeDecTest, ProgressWithStatus2AnnouncesTheInstanceListFirst) {
                             "status 2, progress 100.000000",
                             "I BRIDGE bridgeOnInstanceListUpdatedClbk called:",
                             "D BRIDGE bridgeInstallImageProgress returning\n"}));
-}
-
-TEST_F(BridgeDecTest, ACreatedInstanceComesWithItsStatusFirst) {
-    const std::string packet = createInstanceCompletedPacket(3, "Nougat64_1");
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onCreateInstanceCompleted(3|Nougat64_1)"});
-    EXPECT_EQ(bridgeLines(), (Lines{"D BRIDGE bridgeOnCreateInstanceCompleted (3, " +
-                                        address(packet, 20) + "(11))\n",
-                                    logged::instanceCreated("3", "Nougat64_1"),
-                                    "D BRIDGE bridgeOnCreateInstanceCompleted returning\n"}));
-}
-
-TEST_F(BridgeDecTest, AChangedConfigurationReachesSlot7) {
-    const std::string packet = instanceConfigurationChangedPacket("N");
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onInstanceConfigurationChanged(N)"});
-    EXPECT_EQ(
-        bridgeLines(),
-        (Lines{"D BRIDGE bridgeOnInstanceConfigurationChanged (" + address(packet, 16) + "(2))\n",
-               "I BRIDGE bridgeOnInstanceConfigurationChangedClbk called: instance N",
-               "D BRIDGE bridgeOnInstanceConfigurationChanged returning\n"}));
-}
-
-TEST_F(BridgeDecTest, ADisplayedAppReachesSlot8) {
-    const std::string packet = appDisplayedPacket("N", "com.a");
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onAppDisplayed(N|com.a)"});
-    EXPECT_EQ(bridgeLines(),
-              (Lines{"D BRIDGE bridgeOnAppDisplayed (" + address(packet, 16) + "(2), " +
-                         address(packet, 22) + "(6))\n",
-                     "I BRIDGE bridgeOnAppDisplayedClbk called: instance N, package com.a",
-                     "D BRIDGE bridgeOnAppDisplayed returning\n"}));
-}
-
-TEST_F(BridgeDecTest, AnAccountListReachesSlot9) {
-    const std::string packet = accountListUpdatedPacket("N", "a@b.c", 1);
-    ASSERT_TRUE(decodeInPlace(packet));
-    EXPECT_EQ(hostCalls, Lines{"onAccountListUpdated(N|a@b.c|1)"});
-    EXPECT_EQ(bridgeLines(),
-              (Lines{"D BRIDGE bridgeOnAccountListUpdated (" + address(packet, 16) + "(2), " +
-                         address(packet, 22) + "(6), 1)\n",
-                     "I BRIDGE bridgeOnAccountListUpdatedClbk called: instance N, emailId a@b.c, "
-                     "action = 1",
-                     "D BRIDGE bridgeOnAccountListUpdated returning\n"}));
 }
 
 // What the lines of an event are but for its special cases, which the tests above have.
@@ -401,10 +375,8 @@ SUBPROCESS(callsSlot4OfNull) {
 
 TEST(BridgeDecFatalTest, Slot3WithoutSlot4EndsTheProcessAtAListUpdate) {
     for (const char* event : {"list", "progress"}) {
-        const ChildResult result = runSubprocess("callsSlot4OfNull", {event});
-        EXPECT_EQ(result.status, kFatalStatus) << event;
-        EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/bridge/BridgeIpcClbk:"),
-                  std::string::npos)
-            << result.out;
+        const Lines lines = linesUntilBreak("callsSlot4OfNull", {event});
+        ASSERT_FALSE(lines.empty()) << event;
+        EXPECT_EQ(lines.back(), logged::fatalBreak("", "Source/bridge/BridgeIpcClbk"));
     }
 }

@@ -1,12 +1,6 @@
 // The event server's life. It is kept once per process, so each test has a process of its own.
 #include "bridge/BridgeEvents.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <string>
-
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"
 #include "bridge/BridgeDec.h"
@@ -18,6 +12,7 @@
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -3,11 +3,6 @@
 #include "bridge/BridgeInit.h"
 
 #include <bridge/bridge.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdio>
-#include <string>
 
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
@@ -15,6 +10,7 @@
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

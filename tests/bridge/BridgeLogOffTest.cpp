@@ -1,9 +1,4 @@
 // What is refused, and what is passed on, with every level off: the same results, and not a line.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"
 #include "appc/AppcStore.h"
@@ -18,6 +13,7 @@
 #include "support/RegistrySandbox.h"
 #include "support/SilentCalls.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,15 +1,12 @@
 // A client that cannot be prepared, which only a stand-in for the preparation can show.
 #include "bridge/BridgeShutdown.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "ReplacedIpcCalls.h"
 #include "conf/Conf.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

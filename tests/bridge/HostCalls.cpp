@@ -1,9 +1,7 @@
 #include "HostCalls.h"
 
-#include <cstddef>
-#include <utility>
-
 #include "support/EventPackets.h"
+#include "support/TestHeaders.h"
 
 std::vector<std::string> hostCalls;
 

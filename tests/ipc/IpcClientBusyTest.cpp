@@ -1,13 +1,9 @@
 // A pipe of Windows whose instances are all taken.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <string>
-
 #include "ipc/IpcClient.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 TEST(IpcClientBusyTest, AServerWithAllInstancesBusyIsWaitedFor) {

@@ -1,24 +1,15 @@
 #include "ipc/IpcClient.h"
 
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QLocalSocket>
 #include <QPointer>
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <iterator>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,16 +1,11 @@
 // The library's table of events against the tests' own, and against the public header.
 #include "ipc/IpcEvent.h"
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <iterator>
-#include <map>
 #include <regex>
-#include <string>
 
 #include "ProtocolPage.h"
 #include "support/EventPackets.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,10 +1,7 @@
 // The watcher of an event, on a thread with an event loop that the test runs.
 #include "ipc/IpcEventWatcherWinnt.h"
 
-#include <gtest/gtest.h>
-
 #include <QEventLoop>
-#include <memory>
 
 #include "QtThread.h"
 #include "support/Platform.h"

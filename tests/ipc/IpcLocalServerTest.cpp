@@ -1,12 +1,8 @@
 // The server itself, on a thread that the test runs.
 #include "ipc/IpcLocalServer.h"
 
-#include <gtest/gtest.h>
-
 #include <QEventLoop>
 #include <QLocalSocket>
-#include <string>
-#include <thread>
 
 #include "QtThread.h"
 #include "support/Platform.h"

@@ -1,9 +1,5 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <gtest/gtest.h>
-
 #include <QLocalSocket>
-#include <atomic>
-#include <string>
 
 #include "ServerFixture.h"
 #include "ipc/IpcClient.h"

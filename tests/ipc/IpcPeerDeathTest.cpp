@@ -1,15 +1,4 @@
 // Peers that go away at each moment of an event and of a request.
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <limits>
-#include <string>
-#include <string_view>
-#include <thread>
-
 #include "ServerFixture.h"
 #include "ipc/IpcConnection.h"
 #include "plr/client/PlrEnc.h"

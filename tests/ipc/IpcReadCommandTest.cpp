@@ -1,30 +1,18 @@
 // Packet assembly, over a socket that holds exactly what each test gives it: a delivery is one call
 // of ipcReadCommand.
-#include <gtest/gtest.h>
-
 #include <private/qthread_p.h>
 #include <QCoreApplication>
 #include <QLocalSocket>
 #include <QPointer>
 #include <QThread>
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <new>
-#include <random>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 
 namespace {
 
@@ -485,13 +473,12 @@ SUBPROCESS(deliversALength) {
 namespace {
 
 void expectFatal(std::uint32_t length, const std::string& rest) {
-    const ChildResult result = runSubprocess("deliversALength", {std::to_string(length)});
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find(logged::messageOf(
-                  logged::lengthInvalid(kServerName, std::to_string(length), rest))),
-              std::string::npos)
-        << result.out;
-    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), std::string::npos);
+    const std::string text = std::to_string(length);
+    const Lines lines = linesUntilBreak("deliversALength", {text});
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2],
+              logged::untagged(logged::lengthInvalid(kServerName, text, rest)));
+    EXPECT_EQ(lines.back(), logged::fatalBreak("", "Source/ipc/IpcServer"));
 }
 
 }  // namespace

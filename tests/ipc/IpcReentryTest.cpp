@@ -1,18 +1,10 @@
 // What comes on a connection while its decoder runs an event loop of its own, and connections that
 // cannot be worked on. The server is one that hands over a socket in memory.
-#include <gtest/gtest.h>
-
 #include <private/qthread_p.h>
 #include <QCoreApplication>
 #include <QLocalServer>
 #include <QPointer>
 #include <QThread>
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <new>
-#include <string>
-#include <utility>
 
 #include "ipc/IpcConnection.h"
 #include "support/EventPackets.h"
@@ -20,6 +12,7 @@
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

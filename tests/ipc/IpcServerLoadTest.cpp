@@ -1,13 +1,5 @@
 // The server under load: nothing is lost, nothing is out of order, and everything is given back.
 #include <QLocalSocket>
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"

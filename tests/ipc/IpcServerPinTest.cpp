@@ -1,14 +1,8 @@
 // When the server's thread object lets go of the module that its code is in.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <memory>
-#include <string>
-
 #include "ipc/IpcServer.h"
 #include "proof/ImportTable.h"
 #include "support/LogCapture.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {

@@ -1,12 +1,4 @@
 // The server thread in a process without an application object, and raw pipes as its clients.
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <utility>
-
 #include "ServerFixture.h"
 #include "ipc/IpcConnection.h"
 #include "ipc/IpcName.h"

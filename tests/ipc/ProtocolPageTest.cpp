@@ -1,14 +1,5 @@
 // The rows and worked examples of docs/protocol.md, against what the library sends and reads.
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <functional>
-#include <iterator>
-#include <map>
 #include <regex>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "ProtocolPage.h"
 #include "ipc/IpcEvent.h"
@@ -17,6 +8,7 @@
 #include "support/EventPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 #ifndef TESTS_IPC_QTTHREAD_H
 #define TESTS_IPC_QTTHREAD_H
 
-#include <gtest/gtest.h>
+#include "support/TestHeaders.h"
 
 #include <private/qthread_p.h>
 #include <QThread>
-#include <memory>
 
 // Runs `call` on a thread of Qt's, which delivers without an application object.
 template <typename Call>

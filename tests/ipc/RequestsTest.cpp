@@ -1,20 +1,11 @@
 // The bytes of every request, as a server that shares no code with the library receives them.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <functional>
-#include <limits>
-#include <string>
-#include <vector>
-
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,8 +1,5 @@
 #include "ServerFixture.h"
 
-#include <cstddef>
-#include <utility>
-
 #include "ipc/IpcConnection.h"
 #include "ipc/IpcName.h"
 #include "support/Platform.h"

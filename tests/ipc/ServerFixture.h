@@ -1,17 +1,9 @@
 #ifndef TESTS_IPC_SERVERFIXTURE_H
 #define TESTS_IPC_SERVERFIXTURE_H
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <condition_variable>
-#include <cstddef>
-#include <cstdint>
-#include <mutex>
-#include <string>
-
 #include "ipc/IpcServer.h"
 #include "support/Lines.h"
+#include "support/TestHeaders.h"
 
 // What the decoder of the tests saw. A decoder is a plain function, so there is one of these.
 struct Seen {

@@ -1,12 +1,9 @@
 // The one request with a reply, against the real stand-in player and its misbehaviour.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
 #include "plr/client/PlrEnc.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {

@@ -1,9 +1,6 @@
 // Copying and the attributes that files have on Windows.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlCopy.h"
 
@@ -31,7 +28,6 @@ class UtlCopyAttributesTest : public ::testing::Test {
 }  // namespace
 
 TEST_F(UtlCopyAttributesTest, AReadOnlyFileInAnExistingSubfolderGoesToo) {
-    folder.makeFolder("destination\\sub");
     folder.write("destination\\sub\\locked", "old");
     ASSERT_TRUE(set("destination\\sub\\locked", FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(utlCopyRecursive(folder / "source", folder / "destination"), 0);

@@ -1,14 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlCopy.h"
 
 namespace {
@@ -37,14 +31,19 @@ class UtlCopyTest : public ::testing::Test {
     UtlCopyTest() { folder.makeFolder("source"); }
 
     void fillSource(const std::vector<std::string>& files) {
-        for (const std::string& name : files) {
-            const std::string path = "source\\" + name;
-            folder.makeFolder(path.substr(0, path.rfind('\\')));
-            folder.write(path, "new " + name);
-        }
+        for (const std::string& name : files) folder.write("source\\" + name, "new " + name);
     }
 
     XErr copy() { return utlCopyRecursive(source, destination); }
+
+    // A copy with this result leaves this tree, and a line for each of the files that failed.
+    void expectCopy(XErr result, const Lines& tree, const Lines& failed = {}) {
+        EXPECT_EQ(copy(), result);
+        EXPECT_EQ(treeOf(destination), tree);
+        Lines lines;
+        for (const std::string& name : failed) lines.push_back(failedLine(name));
+        EXPECT_EQ(log.texts(XLOG_VERBOSE), lines);
+    }
 
     TempFolder folder;
     LogCapture log;
@@ -112,10 +111,8 @@ TEST_F(UtlCopyTest, AnEmptySourceDoesNotCreateTheDestination) {
 }
 
 TEST_F(UtlCopyTest, AnEmptySourceLeavesTheDestinationUnchanged) {
-    folder.makeFolder("destination\\sub");
     folder.write("destination\\sub\\a", "old");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\a=old"}));
+    expectCopy(0, {"sub\\", "sub\\a=old"});
 }
 
 TEST_F(UtlCopyTest, AMissingDestinationIsNotCreatedForFiles) {
@@ -141,22 +138,16 @@ TEST_F(UtlCopyTest, MissingParentsAreCreatedForSubfolders) {
 
 TEST_F(UtlCopyTest, AnExistingSubfolderIsReplacedWithAllItsContent) {
     fillSource({"sub\\b"});
-    folder.makeFolder("destination\\sub\\old");
     folder.write("destination\\sub\\old\\c", "old");
     folder.write("destination\\sub\\b", "old");
     folder.makeFolder("destination\\other");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), (Lines{"other\\", "sub\\", "sub\\b=new sub\\b"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    expectCopy(0, {"other\\", "sub\\", "sub\\b=new sub\\b"});
 }
 
 TEST_F(UtlCopyTest, AnExistingFileKeepsItsContentAndTheOthersAreCopied) {
     fillSource({"a", "b", "c"});
-    folder.makeFolder("destination");
     folder.write("destination\\b", "old");
-    EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "b=old", "c=new c"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+    expectCopy(-1, {"a=new a", "b=old", "c=new c"}, {"b"});
 }
 
 TEST_F(UtlCopyTest, FailuresOfAFolderAreLoggedByNameWithoutRegardToCase) {
@@ -172,9 +163,7 @@ TEST_F(UtlCopyTest, FailuresOfAFolderAreLoggedByNameWithoutRegardToCase) {
 TEST_F(UtlCopyTest, AFolderInPlaceOfAFileStays) {
     fillSource({"a"});
     folder.makeFolder("destination\\a");
-    EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(treeOf(destination), Lines{"a\\"});
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("a")});
+    expectCopy(-1, {"a\\"}, {"a"});
 }
 
 TEST_F(UtlCopyTest, AFileThatCannotBeReadFailsAndTheOthersAreCopied) {
@@ -182,9 +171,7 @@ TEST_F(UtlCopyTest, AFileThatCannotBeReadFailsAndTheOthersAreCopied) {
     fillSource({"a", "b", "c"});
     folder.makeFolder("destination");
     const HeldFile held(source + "\\b");
-    EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "c=new c"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+    expectCopy(-1, {"a=new a", "c=new c"}, {"b"});
 }
 
 TEST_F(UtlCopyTest, AFailureTwoLevelsDownIsLoggedAndNotCounted) {
@@ -192,15 +179,12 @@ TEST_F(UtlCopyTest, AFailureTwoLevelsDownIsLoggedAndNotCounted) {
     fillSource({"a", "sub\\deeper\\b"});
     folder.makeFolder("destination");
     const HeldFile held(source + "\\sub\\deeper\\b");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub\\", "sub\\deeper\\"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+    expectCopy(0, {"a=new a", "sub\\", "sub\\deeper\\"}, {"b"});
 }
 
 TEST_F(UtlCopyTest, AFailureOneLevelDownIsLoggedBeforeThoseOfTheFolderItself) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     fillSource({"a", "sub\\b"});
-    folder.makeFolder("destination");
     folder.write("destination\\a", "old");
     const HeldFile held(source + "\\sub\\b");
     EXPECT_EQ(copy(), -1);
@@ -209,17 +193,13 @@ TEST_F(UtlCopyTest, AFailureOneLevelDownIsLoggedBeforeThoseOfTheFolderItself) {
 
 TEST_F(UtlCopyTest, ASubfolderThatCannotBeMadeFailsItsFilesOnly) {
     fillSource({"a", "sub\\b", "sub\\deeper\\c"});
-    folder.makeFolder("destination");
     folder.write("destination\\sub", "a file in its place");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub=a file in its place"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{failedLine("c"), failedLine("b")}));
+    expectCopy(0, {"a=new a", "sub=a file in its place"}, {"c", "b"});
 }
 
 TEST_F(UtlCopyTest, ASubfolderThatCannotBeRemovedKeepsWhatIsHeld) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     fillSource({"sub\\b", "sub\\c"});
-    folder.makeFolder("destination\\sub");
     folder.write("destination\\sub\\b", "old");
     folder.write("destination\\sub\\c", "old");
     {
@@ -242,7 +222,6 @@ TEST_F(UtlCopyTest, NamesOutsideAsciiAreKept) {
 }
 
 TEST_F(UtlCopyTest, FoldersOutsideAsciiAreTakenAsUtf8) {
-    folder.makeFolder("日本");
     folder.write("日本\\a", "x");
     folder.makeFolder("Ünïcode");
     EXPECT_EQ(utlCopyRecursive(folder / "日本", folder / "Ünïcode"), 0);
@@ -267,10 +246,8 @@ TEST_F(UtlCopyTest, PathsBeyond260CharactersAreCopied) {
     fs::create_directories(longSystemPath(source + "\\" + deep));
     writeBytes("\\\\?\\" + source + "\\" + deep + "\\" + file, "deep");
     folder.makeFolder("destination");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), (Lines{part + "\\", part + "\\" + part + "\\", deep + "\\",
-                                          deep + "\\" + file + "=deep"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    expectCopy(0,
+               {part + "\\", part + "\\" + part + "\\", deep + "\\", deep + "\\" + file + "=deep"});
     EXPECT_EQ(copy(), 0) << "what is there is removed again";
     EXPECT_EQ(treeOf(destination).size(), 4u);
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});

@@ -1,15 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdio>
-#include <string>
-#include <string_view>
-#include <vector>
-
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
-#include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlFolders.h"
 
 namespace {
@@ -21,6 +14,10 @@ std::string output(const std::string& subprocess, const SubprocessArguments& arg
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     return result.out;
 }
+
+const std::string kNotAbsolute =
+    "E   utlInstallDir: Failed to initialize installDir properly: Got ";
+const std::string kBreak = logged::fatalBreak("", "Source/utl/Utl");
 
 }  // namespace
 
@@ -79,11 +76,8 @@ TEST(UtlFolders, TheInstallFolderGetsNoSeparator) {
 }
 
 TEST(UtlFolders, AMissingInstallFolderIsFatal) {
-    const ChildResult result = runSubprocess("printInstallDir");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find(logged::messageOf(logged::installFolderUnknown())),
-              std::string::npos);
-    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+    EXPECT_EQ(linesUntilBreak("printInstallDir"),
+              (Lines{logged::untagged(logged::installFolderUnknown()), kBreak}));
 }
 
 TEST(UtlFolders, AChangeOfTheRegistryIsNeverSeen) {
@@ -96,34 +90,20 @@ TEST(UtlFolders, WideFoldersAreTheRegistrysOwn) {
 }
 
 TEST(UtlFolders, ARelativeInstallFolderIsFatalForTheWideForm) {
-    const ChildResult result = runSubprocess("printWideDirs", {"Apps", "C:\\Data"});
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("utlInstallDir: Failed to initialize installDir properly: Got Apps"),
-              std::string::npos);
+    EXPECT_EQ(linesUntilBreak("printWideDirs", {"Apps", "C:\\Data"}),
+              (Lines{kNotAbsolute + "Apps", kBreak}));
 }
 
 TEST(UtlFolders, ARelativeDataFolderIsFatalForTheWideForm) {
-    const ChildResult result = runSubprocess("printWideDirs", {"C:\\Apps", "Data"});
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_EQ(result.out.find("Failed to"), std::string::npos) << "only the fatal line";
-    EXPECT_NE(result.out.find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+    EXPECT_EQ(linesUntilBreak("printWideDirs", {"C:\\Apps", "Data"}), Lines{kBreak});
 }
 
 TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideFormWhichGotNothing) {
-    const ChildResult result = runSubprocess("printMissingWideDir", {"install"});
-    EXPECT_EQ(result.status, kFatalStatus);
-    const std::vector<std::string> lines = logMessages(result.out);
-    ASSERT_EQ(lines.size(), 2u) << result.out;
-    const std::string end = " utlInstallDir: Failed to initialize installDir properly: Got ";
-    EXPECT_EQ(lines[0].substr(lines[0].size() - std::min(lines[0].size(), end.size())), end);
+    EXPECT_EQ(linesUntilBreak("printMissingWideDir", {"install"}), (Lines{kNotAbsolute, kBreak}));
 }
 
 TEST(UtlFolders, AMissingDataFolderIsFatalForTheWideForm) {
-    const ChildResult result = runSubprocess("printMissingWideDir", {"data"});
-    EXPECT_EQ(result.status, kFatalStatus);
-    const std::vector<std::string> lines = logMessages(result.out);
-    ASSERT_EQ(lines.size(), 1u) << result.out;
-    EXPECT_NE(lines[0].find("FATAL: DEBUG BREAK: Source/utl/Utl:"), std::string::npos);
+    EXPECT_EQ(linesUntilBreak("printMissingWideDir", {"data"}), Lines{kBreak});
 }
 
 TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {

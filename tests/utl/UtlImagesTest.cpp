@@ -1,11 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "support/LogCapture.h"
 #include "support/ProductVersion.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlImages.h"
 
 TEST(UtlImages, BothImagesHaveTheirTraits) {

@@ -1,16 +1,10 @@
+#include "support/TestHeaders.h"
 #include "utl/UtlJson.h"
-
-#include <gtest/gtest.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <climits>
-#include <cstddef>
-#include <cstdint>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -1,13 +1,8 @@
 // What is refused, with every level off: the same results, and not a line.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "support/RegistrySandbox.h"
 #include "support/SilentCalls.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlCopy.h"
 #include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"

@@ -1,14 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <string>
-#include <vector>
-
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
-#include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
 #include "xpl/Xtext.h"
@@ -162,11 +156,10 @@ TEST(UtlTrim, AFailedEnumerationIsLoggedAndNothingIsOpened) {
 }
 
 TEST(UtlTrim, AMissingInstallFolderIsFatal) {
-    const ChildResult result = runSubprocess("trimsWithoutAnInstallFolder");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_EQ(result.out.find("open"), std::string::npos) << result.out;
-    EXPECT_NE(result.out.find(logged::messageOf(logged::installFolderUnknown())),
-              std::string::npos);
+    EXPECT_EQ(linesUntilBreak("trimsWithoutAnInstallFolder"),
+              (Lines{logged::untagged(logged::installFolderUnknown()),
+                     logged::fatalBreak("", "Source/utl/Utl")}))
+        << "nothing is opened";
 }
 
 TEST(UtlCrashHandler, TheModuleOfTheInstallFolderIsRegistered) {

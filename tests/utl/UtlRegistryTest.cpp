@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/RegistrySandbox.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlRegistry.h"
 
 namespace {

@@ -1,10 +1,7 @@
 // Values as only the registry of Windows has them.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/RegistryKey.h"
 #include "support/RegistrySandbox.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlRegistry.h"
 

@@ -1,10 +1,7 @@
 // Paths of the C++ library are UTF-16 on Windows only.
-#include <gtest/gtest.h>
-
-#include <cstdio>
-
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "utl/UtlFolders.h"
 
 SUBPROCESS(printsWideDirsOutsideAscii) {

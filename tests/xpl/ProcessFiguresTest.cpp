@@ -1,10 +1,8 @@
 // What every test for leaks rests on.
 #include <gtest/gtest-spi.h>
-#include <gtest/gtest.h>
-
-#include <vector>
 
 #include "support/Proof.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
 

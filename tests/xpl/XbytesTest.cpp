@@ -1,12 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <random>
-#include <string>
-#include <string_view>
-#include <utility>
-
+#include "support/TestHeaders.h"
 #include "xpl/Xbytes.h"
 
 namespace {

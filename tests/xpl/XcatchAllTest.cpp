@@ -1,11 +1,8 @@
 #include "xpl/XcatchAll.h"
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,13 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
 #include "support/Subprocess.h"
-
+#include "support/TestHeaders.h"
 #include "xpl/Xclock.h"
 
 namespace {

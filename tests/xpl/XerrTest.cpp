@@ -1,11 +1,4 @@
-#include <gtest/gtest.h>
-#include <cstddef>
-#include <vector>
-
-#include <cstdint>
-#include <set>
-#include <string>
-
+#include "support/TestHeaders.h"
 #include "xpl/Xerr.h"
 
 TEST(Xerr, NamesTheSpecialCodes) {

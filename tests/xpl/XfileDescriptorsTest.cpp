@@ -1,11 +1,8 @@
 // What the system says of the descriptors, where files are that.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
 
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xfile.h"
 
 namespace {

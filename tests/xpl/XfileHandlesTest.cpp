@@ -1,11 +1,6 @@
 // What Windows says of the handles.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "xpl/Xfile.h"
 

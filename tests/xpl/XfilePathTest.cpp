@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <string>
-#include <vector>
-
+#include "support/TestHeaders.h"
 #include "xpl/Xfile.h"
 
 namespace {

@@ -1,20 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <utility>
-#include <vector>
-
 #include "support/HeldFile.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/process_figures.h"
 #include "xpl/Xfile.h"
 
@@ -399,13 +388,8 @@ TEST_F(XfileTest, AMoveWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("from", "new");
     folder.write("to", "old");
-    HeldFile held(folder / "to");
-    std::thread release([&held] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(120));
-        held.release();
-    });
+    const BrieflyHeldFile held(folder / "to");
     EXPECT_EQ(xfileMoveWithRetry(folder / "from", folder / "to"), 0);
-    release.join();
     EXPECT_EQ(folder.read("to"), "new");
 }
 
@@ -518,14 +502,9 @@ TEST_F(XfileTest, AReadWithRetryOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
 TEST_F(XfileTest, AReadWithRetryOutlastsAShortHold) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     folder.write("f", "content");
-    HeldFile held(folder / "f");
-    std::thread release([&held] {
-        sleepMs(120);
-        held.release();
-    });
+    const BrieflyHeldFile held(folder / "f");
     std::string content;
     EXPECT_EQ(xfileReadWithRetry(folder / "f", content).open, 0);
-    release.join();
     EXPECT_EQ(content, "content");
 }
 

@@ -1,11 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <clocale>
 #include <cstdarg>
-#include <cstdio>
-#include <string>
 
+#include "support/TestHeaders.h"
 #include "xpl/XlogLine.h"
 
 namespace {

@@ -4,14 +4,10 @@
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif
 
-#include <gtest/gtest.h>
-
-#include <new>
-#include <string>
-
 #include "support/Platform.h"
 #include "support/SilentCalls.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xfile.h"
 #include "xpl/XmutexNamed.h"

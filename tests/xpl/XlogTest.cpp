@@ -1,19 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <iterator>
 #include <regex>
-#include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "support/LogCapture.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/SystemAbilities.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xlog.h"
 
 namespace {

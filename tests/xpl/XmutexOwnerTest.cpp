@@ -3,16 +3,10 @@
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <thread>
-
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {

@@ -3,20 +3,13 @@
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdio>
-#include <cstdlib>
-#include <mutex>
 #include <regex>
-#include <string>
-#include <thread>
 
+#include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
-#include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "support/process_figures.h"
 #include "xpl/XmutexNamed.h"
 
@@ -128,12 +121,9 @@ SUBPROCESS(locksUninitialised) {
 }
 
 TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
-    const ChildResult result = runSubprocess("locksUninitialised");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("lock: Error in taking lock, GetLastError: 6"), std::string::npos);
-    EXPECT_NE(result.out.find("XmutexNamed::lock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
-              std::string::npos)
-        << result.out;
+    EXPECT_EQ(linesUntilBreak("locksUninitialised"),
+              (Lines{"E XMUTEX  lock lock: Error in taking lock, GetLastError: 6",
+                     logged::fatalBreak("XMUTEX", "Source/xpl/XmutexWinnt", "XmutexNamed::lock")}));
 }
 
 SUBPROCESS(unlocksUnowned) {
@@ -146,13 +136,10 @@ SUBPROCESS(unlocksUnowned) {
 }
 
 TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
-    const ChildResult result = runSubprocess("unlocksUnowned", {uniqueName("g")});
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_NE(result.out.find("unlock: Error in unlocking, GetLastError: 288"), std::string::npos)
-        << result.out;
-    EXPECT_NE(result.out.find("XmutexNamed::unlock FATAL: DEBUG BREAK: Source/xpl/XmutexWinnt:"),
-              std::string::npos)
-        << result.out;
+    EXPECT_EQ(
+        linesUntilBreak("unlocksUnowned", {uniqueName("g")}),
+        (Lines{"E XMUTEX  unlock unlock: Error in unlocking, GetLastError: 288",
+               logged::fatalBreak("XMUTEX", "Source/xpl/XmutexWinnt", "XmutexNamed::unlock")}));
 }
 
 namespace {
@@ -230,7 +217,7 @@ SUBPROCESS(guardsNoMutex) {
 }
 
 TEST(XnamedGuard, AWaitThatFailsIsFatal) {
-    const ChildResult result = runSubprocess("guardsNoMutex");
-    EXPECT_EQ(result.status, kFatalStatus);
-    EXPECT_EQ(result.out.find("waiting for"), std::string::npos) << result.out;
+    for (const std::string& line : linesUntilBreak("guardsNoMutex")) {
+        EXPECT_EQ(line.find("waiting for"), std::string::npos) << line;
+    }
 }

@@ -1,11 +1,7 @@
 // The mutex among the objects of Windows: their kinds, and who may open it.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "xpl/XmutexNamed.h"
 #include "xpl/XobjectSecurity.h"

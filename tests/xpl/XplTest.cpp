@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <string>
-
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xpl.h"
 
 namespace {
@@ -51,7 +47,6 @@ TEST_F(XplTest, TheFirstRotationHasNoOlderLog) {
 
 TEST_F(XplTest, ARotationThatFailsDoesNotStopTheStart) {
     folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE, 'a'));
-    folder.makeFolder("Player.log.1");
     folder.write("Player.log.1\\inside", "x");
     folder.makeFolder("Player.log.2");
     EXPECT_EQ(xplLibInit(nullptr, log()), 0);

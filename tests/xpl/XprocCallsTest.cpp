@@ -1,16 +1,12 @@
 // What Windows is asked for, and what it says.
-#include <gtest/gtest.h>
-
 #include <clocale>
-#include <cstdint>
-#include <optional>
-#include <string>
 
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
 #include "xpl/Xproc.h"

@@ -1,12 +1,5 @@
 #include "xpl/Xproc.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
 #include "QuotingCases.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -14,6 +7,7 @@
 #include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/process_figures.h"
 
 namespace {

@@ -1,11 +1,5 @@
+#include "support/TestHeaders.h"
 #include "xpl/Xrcu.h"
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace {
 

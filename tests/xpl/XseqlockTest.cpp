@@ -1,12 +1,5 @@
+#include "support/TestHeaders.h"
 #include "xpl/Xseqlock.h"
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <thread>
-#include <vector>
 
 namespace {
 

@@ -1,13 +1,5 @@
+#include "support/TestHeaders.h"
 #include "xpl/XsharedMutex.h"
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
-#include <future>
-#include <mutex>
-#include <thread>
-#include <vector>
 
 namespace {
 

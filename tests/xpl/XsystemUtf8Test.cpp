@@ -1,9 +1,7 @@
 // The locale and the code page of Windows' C runtime.
-#include <gtest/gtest.h>
-
 #include <clocale>
-#include <string>
 
+#include "support/TestHeaders.h"
 #include "xpl/Xsystem.h"
 
 // Last: its _M constants clash with names inside the C++ library.

@@ -1,12 +1,8 @@
 #include "xpl/XtemporaryFile.h"
 
-#include <gtest/gtest.h>
-
-#include <new>
-#include <string>
-
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-
+#include "support/TestHeaders.h"
 #include "xpl/Xtext.h"
 
 namespace {
