@@ -3,24 +3,13 @@
 // that have nothing to fail: bridgeFreeMemory takes no memory, and the catalogue has no key for
 // bridgeConfGetI64 and bridgeConfSetI64, which are fatal before they take any.
 #include <bridge/bridge.h>
-#include <gtest/gtest.h>
 
 #include <private/qthread_p.h>
 #include <QCoreApplication>
 #include <QLocalServer>
 #include <QPointer>
 #include <QThread>
-#include <atomic>
 #include <cstdarg>
-#include <cstdint>
-#include <cstdio>
-#include <functional>
-#include <memory>
-#include <new>
-#include <optional>
-#include <string>
-#include <tuple>
-#include <utility>
 
 #include "Allocations.h"
 #include "ImportTable.h"
@@ -39,6 +28,7 @@
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xlog.h"
 
 namespace {

@@ -1,7 +1,5 @@
 #include "Allocations.h"
-
-#include <atomic>
-#include <new>
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,17 +1,12 @@
 // The app cache's calls into Windows: what it asks for, and what it makes of refusals that another
 // process causes for a moment or for long.
-#include <gtest/gtest.h>
-
-#include <list>
-#include <string>
-#include <string_view>
-
 #include "ImportTable.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -42,13 +37,6 @@ bool refuse() {
     return true;
 }
 
-// The system's own function, past the import table.
-template <typename Function>
-Function* real(const char* name) {
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
-}
-
 using OddOpen = ReplacedImport<decltype(::CreateFileW)>;
 using OddRead = ReplacedImport<decltype(::ReadFile)>;
 using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
@@ -57,7 +45,7 @@ using OddSleep = ReplacedImport<decltype(::Sleep)>;
 
 HANDLE openReally(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                   DWORD disposition, DWORD flags, HANDLE model) {
-    static const auto open = real<decltype(::CreateFileW)>("CreateFileW");
+    static const auto open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     return open(path, access, share, security, disposition, flags, model);
 }
 
@@ -91,19 +79,20 @@ BOOL WINAPI refuseRead(HANDLE file, LPVOID bytes, DWORD size, LPDWORD done,
                        LPOVERLAPPED overlapped) {
     *done = 0;
     if (refuse()) return FALSE;
-    static const auto read = real<decltype(::ReadFile)>("ReadFile");
+    static const auto read = systemFunction<decltype(::ReadFile)>("ReadFile");
     return read(file, bytes, size, done, overlapped);
 }
 
 BOOL WINAPI refuseMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
     if (refuse()) return FALSE;
-    static const auto move = real<decltype(::MoveFileExW)>("MoveFileExW");
+    static const auto move = systemFunction<decltype(::MoveFileExW)>("MoveFileExW");
     return move(from, to, flags);
 }
 
 DWORD WINAPI refuseAttributes(LPCWSTR path) {
     if (refuse()) return INVALID_FILE_ATTRIBUTES;
-    static const auto attributes = real<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+    static const auto attributes =
+        systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
     return attributes(path);
 }
 
@@ -112,9 +101,8 @@ void WINAPI countSleep(DWORD milliseconds) { seen.sleptMs += milliseconds; }
 class AppcCallsTest : public ::testing::Test {
  protected:
     AppcCallsTest() {
-        for (const char* name : {"Engine", "Engine\\Calls", "Engine\\Calls\\AppCache", "Shared"}) {
-            data.makeFolder(name);
-        }
+        data.makeFolder("Engine\\Calls\\AppCache");
+        data.makeFolder("Shared");
         writeFile();
         seen = {};
     }
@@ -180,7 +168,6 @@ TEST_F(AppcCallsTest, NoFileIsInherited) {
 
 TEST_F(AppcCallsTest, AFolderIsNotMovedWhereItsPathWithASeparatorCannotBeOpened) {
     const OddOpen windows("CreateFileW", refuseTrailingSeparator);
-    data.makeFolder("Shared\\sub");
     data.write("Shared\\sub\\x", "x");
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     for (const char* icon : {"", "/", "\\", "./", "sub/", "sub\\", "sub//"}) {
@@ -337,7 +324,8 @@ TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
 TEST_F(AppcCallsTest, AFileThatMayNotBeLookedAtIsTheRenamesToJudge) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     const OddAttributes refusing("GetFileAttributesW", [](LPCWSTR path) -> DWORD {
-        static const auto attributes = real<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+        static const auto attributes =
+            systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
         const std::wstring_view text(path);
         if (text.substr(text.size() - 4) != L"json") return attributes(path);
         ::SetLastError(ERROR_ACCESS_DENIED);

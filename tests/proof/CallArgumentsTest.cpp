@@ -1,19 +1,11 @@
 // What Windows is asked for where its answer does not show it: the arguments of calls that start
 // processes, make the named mutex, and look at the processes that run.
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <string>
-#include <vector>
-
 #include "ImportTable.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"

@@ -1,18 +1,5 @@
 // A commit whose every call into the system fails, or is the last thing that the process does: the
 // file is the old one or the new one, whole, and the next commit of anybody succeeds.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <filesystem>
-#include <iterator>
-#include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "PowerFailure.h"
 #include "SystemCalls.h"
 #include "conf/Conf.h"
@@ -22,6 +9,7 @@
 #include "support/Proof.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,37 +1,17 @@
 // What Windows is asked for when files are opened, moved and removed: which handles children
 // inherit, and in which form paths arrive.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <mutex>
-#include <set>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "ImportTable.h"
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlCopy.h"
 #include "xpl/Xfile.h"
 #include "xpl/Xlog.h"
 #include "xpl/Xtext.h"
-
-namespace {
-
-// The system's own function, past the import table.
-template <typename Function>
-Function* systemCall(const char* name) {
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
-}
-
-}  // namespace
 
 // Inheritance.
 
@@ -47,7 +27,7 @@ std::string nameOf(LPCWSTR path) {
 
 HANDLE WINAPI seeOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                       DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemCall<decltype(::CreateFileW)>("CreateFileW");
+    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     const bool isInherited = security != nullptr && security->bInheritHandle != FALSE;
     opens.push_back((isInherited ? "inherited " : "private ") + nameOf(path));
     return open(path, access, share, security, disposition, flags, model);
@@ -125,14 +105,14 @@ LogWrites logWrites;
 
 HANDLE WINAPI seeAccess(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                         DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemCall<decltype(::CreateFileW)>("CreateFileW");
+    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     logWrites.access = access;
     return open(path, access, share, security, disposition, flags, model);
 }
 
 BOOL WINAPI seeWrite(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
                      LPOVERLAPPED overlapped) {
-    static auto* const write = systemCall<decltype(::WriteFile)>("WriteFile");
+    static auto* const write = systemFunction<decltype(::WriteFile)>("WriteFile");
     const std::lock_guard lock(logWrites.guard);
     logWrites.texts.emplace_back(static_cast<const char*>(bytes), size);
     return write(file, bytes, size, done, overlapped);
@@ -197,52 +177,52 @@ void note(const char* function, LPCWSTR path) {
 
 HANDLE WINAPI noteOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                        DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemCall<decltype(::CreateFileW)>("CreateFileW");
+    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     note("CreateFileW", path);
     return open(path, access, share, security, disposition, flags, model);
 }
 
 DWORD WINAPI noteAttributes(LPCWSTR path) {
     static auto* const attributes =
-        systemCall<decltype(::GetFileAttributesW)>("GetFileAttributesW");
+        systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
     note("GetFileAttributesW", path);
     return attributes(path);
 }
 
 BOOL WINAPI noteAttributesEx(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID data) {
     static auto* const attributes =
-        systemCall<decltype(::GetFileAttributesExW)>("GetFileAttributesExW");
+        systemFunction<decltype(::GetFileAttributesExW)>("GetFileAttributesExW");
     note("GetFileAttributesExW", path);
     return attributes(path, level, data);
 }
 
 BOOL WINAPI noteDelete(LPCWSTR path) {
-    static auto* const remove = systemCall<decltype(::DeleteFileW)>("DeleteFileW");
+    static auto* const remove = systemFunction<decltype(::DeleteFileW)>("DeleteFileW");
     note("DeleteFileW", path);
     return remove(path);
 }
 
 BOOL WINAPI noteRemoveFolder(LPCWSTR path) {
-    static auto* const remove = systemCall<decltype(::RemoveDirectoryW)>("RemoveDirectoryW");
+    static auto* const remove = systemFunction<decltype(::RemoveDirectoryW)>("RemoveDirectoryW");
     note("RemoveDirectoryW", path);
     return remove(path);
 }
 
 BOOL WINAPI noteCreateFolder(LPCWSTR path, LPSECURITY_ATTRIBUTES security) {
-    static auto* const create = systemCall<decltype(::CreateDirectoryW)>("CreateDirectoryW");
+    static auto* const create = systemFunction<decltype(::CreateDirectoryW)>("CreateDirectoryW");
     note("CreateDirectoryW", path);
     return create(path, security);
 }
 
 BOOL WINAPI noteMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    static auto* const move = systemCall<decltype(::MoveFileExW)>("MoveFileExW");
+    static auto* const move = systemFunction<decltype(::MoveFileExW)>("MoveFileExW");
     note("MoveFileExW", from);
     handed.back() += " > " + xtextToUtf8(to);
     return move(from, to, flags);
 }
 
 BOOL WINAPI noteCopy(LPCWSTR from, LPCWSTR to, BOOL failIfThere) {
-    static auto* const copy = systemCall<decltype(::CopyFileW)>("CopyFileW");
+    static auto* const copy = systemFunction<decltype(::CopyFileW)>("CopyFileW");
     note("CopyFileW", from);
     handed.back() += " > " + xtextToUtf8(to);
     return copy(from, to, failIfThere);
@@ -348,7 +328,6 @@ TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsHandedOverAsItIs) {
 TEST(QtPathArguments, WhatIsCopiedIsInTheLongForm) {
     const TempFolder folder;
     const LogCapture log;
-    folder.makeFolder("from\\sub");
     folder.write("from\\sub\\f", "x");
     folder.makeFolder("to");
     handed.clear();

@@ -1,9 +1,6 @@
 #include "ImportTable.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -44,4 +41,10 @@ void replaceImport(const char* module, const char* name, void* replacement, void
     ::VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
     *slot = replacement;
     ::VirtualProtect(slot, sizeof *slot, before, &before);
+}
+
+void setSystemError(unsigned long error) { ::SetLastError(error); }
+
+void* systemAddress(const char* name, const char* module) {
+    return reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleA(module), name));
 }

@@ -33,4 +33,22 @@ class ReplacedImport {
     void* original_ = nullptr;
 };
 
+void setSystemError(unsigned long error);
+void* systemAddress(const char* name, const char* module);
+
+// A replacement that does nothing but fail with this error of Windows:
+//
+//     const ReplacedImport<decltype(::ReadFile)> refused("ReadFile", failing<ERROR_CRC, FALSE>);
+template <unsigned long kError, auto kResult, typename Result, typename... Arguments>
+Result failing(Arguments... /*ignored*/) {
+    setSystemError(kError);
+    return kResult;
+}
+
+// The system's own function, past the import table.
+template <typename Function>
+Function* systemFunction(const char* name, const char* module = "kernel32.dll") {
+    return reinterpret_cast<Function*>(systemAddress(name, module));
+}
+
 #endif

@@ -1,13 +1,4 @@
 // The machine-wide lock among processes that die with it, or are stopped while they hold it.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdio>
-#include <mutex>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
@@ -15,6 +6,7 @@
 #include "support/Proof.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
 #include "xpl/XmutexNamed.h"

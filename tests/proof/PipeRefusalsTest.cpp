@@ -1,16 +1,4 @@
 // Pipes that Windows refuses, or answers for in the ways that it hardly ever does.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
 #include "ImportTable.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServer.h"
@@ -19,6 +7,7 @@
 #include "support/LogLines.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -28,13 +17,6 @@ using OddConnect = ReplacedImport<decltype(::ConnectNamedPipe)>;
 using OddResult = ReplacedImport<decltype(::GetOverlappedResult)>;
 using OddCancel = ReplacedImport<decltype(::CancelIoEx)>;
 using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
-
-// The system's own, past the import table.
-template <typename Function>
-Function* real(const char* name, const wchar_t* module = L"kernel32.dll") {
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(module), name)));
-}
 
 std::string pipeName;
 
@@ -92,8 +74,8 @@ HANDLE WINAPI createWhenAllowed(LPCWSTR path, DWORD open, DWORD mode, DWORD coun
         made.push_back({open, mode, isForEveryone(security->lpSecurityDescriptor),
                         security->bInheritHandle != FALSE});
     }
-    return real<decltype(::CreateNamedPipeW)>("CreateNamedPipeW")(path, open, mode, count, out, in,
-                                                                  wait, security);
+    return systemFunction<decltype(::CreateNamedPipeW)>("CreateNamedPipeW")(
+        path, open, mode, count, out, in, wait, security);
 }
 
 BOOL WINAPI connectWhenAllowed(HANDLE pipe, LPOVERLAPPED overlapped) {
@@ -102,14 +84,7 @@ BOOL WINAPI connectWhenAllowed(HANDLE pipe, LPOVERLAPPED overlapped) {
         ::SetLastError(error);
         return FALSE;
     }
-    return real<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
-}
-
-template <DWORD kError>
-BOOL WINAPI refuseSid(PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
-                      DWORD, DWORD, PSID*) {
-    ::SetLastError(kError);
-    return FALSE;
+    return systemFunction<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
 }
 
 class PipeRefusals : public ::testing::Test {
@@ -161,13 +136,37 @@ class PipeRefusals : public ::testing::Test {
                                     std::to_string(code) + "(QLocalServer::listen: " + why + ")");
     }
 
+    // A server that cannot start.
+    void expectNoServer(const std::string& error) {
+        launch();
+        EXPECT_EQ(awaitError(), error);
+        EXPECT_FALSE(ipcNameIsServed(name));
+    }
+
+    void expectNoAccessList(const std::string& error, DWORD told) {
+        launch();
+        ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
+        EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error " + error + "\n",
+                                   listenError(-1, systemErrorText(static_cast<int>(told)))}));
+        EXPECT_FALSE(ipcNameIsServed(name));
+    }
+
+    // Keeps so many connected clients.
+    std::vector<std::unique_ptr<RawPipe>> connect(std::size_t count) const {
+        std::vector<std::unique_ptr<RawPipe>> clients;
+        while (clients.size() < count) {
+            void* handle = nullptr;
+            EXPECT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
+            clients.push_back(std::make_unique<RawPipe>(handle));
+        }
+        return clients;
+    }
+
     // A client whose packet arrives.
     void expectServed(std::uint32_t opcode) const {
         const std::string packet = packetOf(opcode, "");
-        void* handle = nullptr;
-        EXPECT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
-        RawPipe client(handle);
-        EXPECT_TRUE(client.write(packet));
+        const auto clients = connect(1);
+        EXPECT_TRUE(clients[0]->write(packet));
         EXPECT_TRUE(waitFor([&] {
             const std::lock_guard<std::mutex> guard(seenLock);
             return !seenPackets.empty() && seenPackets.back() == packet;
@@ -211,7 +210,7 @@ TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsThe
 TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     const ReplacedImport<decltype(::LocalFree)> free("LocalFree", [](HLOCAL memory) -> HLOCAL {
-        const HLOCAL left = real<decltype(::LocalFree)>("LocalFree")(memory);
+        const HLOCAL left = systemFunction<decltype(::LocalFree)>("LocalFree")(memory);
         ::SetLastError(ERROR_INVALID_HANDLE);
         return left;
     });
@@ -223,19 +222,14 @@ TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
 // The access list is made once, so that a later shortage does not meet it.
 TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
     start();
-    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_NOT_ENOUGH_MEMORY>);
+    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
     for (std::uint32_t i = 1; i <= 20; ++i) expectServed(i);
     EXPECT_EQ(errors(), Lines{});
 }
 
 TEST_F(PipeRefusals, TheNameIsFreeAgainThoughAClientKeepsItsEnd) {
     start();
-    std::vector<std::unique_ptr<RawPipe>> clients;
-    for (int i = 0; i < 12; ++i) {
-        void* handle = nullptr;
-        ASSERT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
-        clients.push_back(std::make_unique<RawPipe>(handle));
-    }
+    const auto clients = connect(12);
     stop();
     EXPECT_FALSE(ipcNameIsServed(name));
     start();
@@ -246,45 +240,28 @@ TEST_F(PipeRefusals, TheNameIsFreeAgainThoughAClientKeepsItsEnd) {
 TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsToldInTheSystemsWords) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
-    launch();
-    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    expectNoServer(listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
 }
 
 TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_NOT_ENOUGH_MEMORY>);
-    launch();
-    ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
-    EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 8\n",
-                               listenError(-1, systemErrorText(ERROR_NOT_ENOUGH_MEMORY))}));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
+    expectNoAccessList("8", ERROR_NOT_ENOUGH_MEMORY);
 }
 
 TEST_F(PipeRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid", refuseSid<ERROR_SUCCESS>);
-    launch();
-    ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
-    EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error 0\n",
-                               listenError(-1, systemErrorText(ERROR_GEN_FAILURE))}));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_SUCCESS, FALSE>);
+    expectNoAccessList("0", ERROR_GEN_FAILURE);
 }
 
 TEST_F(PipeRefusals, AnInstanceThatFailsWithoutAnErrorDoesNotListen) {
-    const OddConnect odd("ConnectNamedPipe", [](HANDLE, LPOVERLAPPED) -> BOOL {
-        ::SetLastError(ERROR_SUCCESS);
-        return FALSE;
-    });
-    launch();
-    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_GEN_FAILURE)));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    const OddConnect odd("ConnectNamedPipe", failing<ERROR_SUCCESS, FALSE>);
+    expectNoServer(listenError(-1, systemErrorText(ERROR_GEN_FAILURE)));
 }
 
 TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
     const OddConnect odd("ConnectNamedPipe", connectWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
-    launch();
-    EXPECT_EQ(awaitError(), listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
-    EXPECT_FALSE(ipcNameIsServed(name)) << "no handle is left open";
+    expectNoServer(listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
     stop();
     refusal = 0;
     start();
@@ -303,12 +280,7 @@ TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
         ASSERT_TRUE(waitFor([] { return refused >= 4; })) << "it is tried again and again";
         EXPECT_EQ(errors(), Lines(round, line[0])) << "and complained about once";
         refusal = 0;
-        std::vector<std::unique_ptr<RawPipe>> clients;
-        for (std::uint32_t i = 0; i < 20; ++i) {
-            void* handle = nullptr;
-            ASSERT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; })) << i;
-            clients.push_back(std::make_unique<RawPipe>(handle));
-        }
+        const auto clients = connect(20);
         expectServed(20);
     }
 }
@@ -335,7 +307,8 @@ TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
     static RawPipe* early;
     const OddConnect odd("ConnectNamedPipe", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
         if (armed.exchange(0) != 0) early = new RawPipe(connectRaw(pipeName));
-        const BOOL ok = real<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
+        const BOOL ok =
+            systemFunction<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
         // The same, as a system would say it that takes it for no failure.
         return ok || ::GetLastError() == ERROR_PIPE_CONNECTED;
     });
@@ -359,7 +332,7 @@ TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
 TEST_F(PipeRefusals, AWaitThatEndsWithAnErrorIsAClientToo) {
     const OddResult odd("GetOverlappedResult",
                         [](HANDLE pipe, LPOVERLAPPED overlapped, LPDWORD count, BOOL wait) -> BOOL {
-                            const BOOL ok = real<decltype(::GetOverlappedResult)>(
+                            const BOOL ok = systemFunction<decltype(::GetOverlappedResult)>(
                                 "GetOverlappedResult")(pipe, overlapped, count, wait);
                             if (!ok || armed.exchange(0) == 0) return ok;
                             ::SetLastError(ERROR_NO_DATA);
@@ -382,7 +355,7 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
         slow.emplace_back([pipe, overlapped] {
             sleepMs(20);
             ++cancelled;
-            real<decltype(::CancelIoEx)>("CancelIoEx")(pipe, overlapped);
+            systemFunction<decltype(::CancelIoEx)>("CancelIoEx")(pipe, overlapped);
         });
         return TRUE;
     });
@@ -396,26 +369,15 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
 }
 
 TEST_F(PipeRefusals, WithoutAnEventNothingIsServed) {
-    const ReplacedImport<decltype(::CreateEventW)> odd(
-        "CreateEventW", [](LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) -> HANDLE {
-            ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-            return nullptr;
-        });
-    launch();
-    EXPECT_EQ(awaitError(), listenError(4, "Out of resources"));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    const ReplacedImport<decltype(::CreateEventW)> odd("CreateEventW",
+                                                       failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
+    expectNoServer(listenError(4, "Out of resources"));
 }
 
 // The server's own thread is Qt's first.
 TEST_F(PipeRefusals, WithoutAThreadOfItsOwnTheServerSaysSo) {
     const ReplacedImport<decltype(::CreateThread)> odd(
-        "CreateThread",
-        [](LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD,
-           LPDWORD) -> HANDLE {
-            ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-            return nullptr;
-        },
-        "Qt5Core.dll");
+        "CreateThread", failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>, "Qt5Core.dll");
     launch();
     EXPECT_EQ(errors(), Lines{"E IPC ipcServerInit: no thread for server " + name});
     stop();
@@ -431,13 +393,11 @@ TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
                 ::SetLastError(ERROR_NOT_ENOUGH_MEMORY);
                 return nullptr;
             }
-            return real<decltype(::CreateThread)>("CreateThread")(security, stack, start, own,
-                                                                  flags, id);
+            return systemFunction<decltype(::CreateThread)>("CreateThread")(security, stack, start,
+                                                                            own, flags, id);
         },
         "Qt5Core.dll");
-    launch();
-    EXPECT_EQ(awaitError(), listenError(4, "Out of resources"));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    expectNoServer(listenError(4, "Out of resources"));
     stop();
     start();
     expectServed(1);
@@ -452,10 +412,10 @@ TEST_F(PipeRefusals, AWordOfAClientThatCannotBePassedOnIsPassedOnLater) {
         "TypeEPv",
         [](QObject* object, void* slot, int type, void* result) -> bool {
             if (armed.exchange(0) != 0) return false;
-            return real<Invoke>(
+            return systemFunction<Invoke>(
                 "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlot"
                 "ObjectBaseEN2Qt14ConnectionTypeEPv",
-                L"Qt5Core.dll")(object, slot, type, result);
+                "Qt5Core.dll")(object, slot, type, result);
         });
     start();
     expectServed(1);
@@ -466,7 +426,5 @@ TEST_F(PipeRefusals, AWordOfAClientThatCannotBePassedOnIsPassedOnLater) {
 
 TEST_F(PipeRefusals, ANameThatIsNotUtf8CannotBeServed) {
     name = "vtr_test_\xFF";
-    launch();
-    EXPECT_EQ(awaitError(), listenError(2, "Name error"));
-    EXPECT_FALSE(ipcNameIsServed(name));
+    expectNoServer(listenError(2, "Name error"));
 }

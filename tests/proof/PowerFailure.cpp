@@ -1,8 +1,5 @@
 #include "PowerFailure.h"
-
-#include <algorithm>
-#include <cstddef>
-#include <utility>
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,17 +1,6 @@
 // Calls into Windows that fail, or answer what they hardly ever answer: what the functions above
 // them say then.
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <cstdarg>
-#include <cstdint>
-#include <cstring>
-#include <list>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <utility>
-#include <vector>
 
 #include "ImportTable.h"
 #include "appc/Appc.h"
@@ -24,6 +13,7 @@
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "utl/UtlProcessCalls.h"
 #include "utl/UtlRegistry.h"
@@ -65,26 +55,9 @@ using RefusedMemory = ReplacedImport<decltype(::LocalAlloc)>;
 using RefusedDescriptor = ReplacedImport<decltype(::InitializeSecurityDescriptor)>;
 using RefusedDacl = ReplacedImport<decltype(::SetSecurityDescriptorDacl)>;
 
-BOOL WINAPI refuseSid(PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
-                      DWORD, DWORD, PSID*) {
-    return refuse(ERROR_NOT_ENOUGH_MEMORY, FALSE);
-}
-
 // The one that answers its error; the thread's is another one.
 DWORD WINAPI refuseAcl(ULONG, PEXPLICIT_ACCESSW, PACL, PACL*) {
     return refuse(ERROR_BUSY, DWORD{ERROR_INVALID_PARAMETER});
-}
-
-HLOCAL WINAPI refuseMemory(UINT, SIZE_T) {
-    return refuse(ERROR_NOT_ENOUGH_MEMORY, HLOCAL{nullptr});
-}
-
-BOOL WINAPI refuseDescriptor(PSECURITY_DESCRIPTOR, DWORD) {
-    return refuse(ERROR_UNKNOWN_REVISION, FALSE);
-}
-
-BOOL WINAPI refuseDacl(PSECURITY_DESCRIPTOR, BOOL, PACL, BOOL) {
-    return refuse(ERROR_INVALID_ACL, FALSE);
 }
 
 // A mutex that cannot be made, in these words, and without a word when the log is off.
@@ -107,7 +80,7 @@ void expectNoMutex(const std::string& step, int status) {
 }  // namespace
 
 TEST(MutexRefusals, EveryoneCannotBeNamed) {
-    const RefusedSid refused("AllocateAndInitializeSid", refuseSid);
+    const RefusedSid refused("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
     expectNoMutex("AllocateAndInitializeSid Error 8", XERR_NOMEM);
 }
 
@@ -117,26 +90,24 @@ TEST(MutexRefusals, TheAccessListCannotBeMade) {
 }
 
 TEST(MutexRefusals, ThereIsNoMemoryForTheDescriptor) {
-    const RefusedMemory refused("LocalAlloc", refuseMemory);
+    const RefusedMemory refused("LocalAlloc", failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
     expectNoMutex("InitializeSecurityDescriptor Error 8", XERR_NOMEM);
 }
 
 TEST(MutexRefusals, TheDescriptorCannotBeInitialised) {
-    const RefusedDescriptor refused("InitializeSecurityDescriptor", refuseDescriptor);
+    const RefusedDescriptor refused("InitializeSecurityDescriptor",
+                                    failing<ERROR_UNKNOWN_REVISION, FALSE>);
     expectNoMutex("InitializeSecurityDescriptor Error 1305", 101305);
 }
 
 TEST(MutexRefusals, TheAccessListCannotBeSet) {
-    const RefusedDacl refused("SetSecurityDescriptorDacl", refuseDacl);
+    const RefusedDacl refused("SetSecurityDescriptorDacl", failing<ERROR_INVALID_ACL, FALSE>);
     expectNoMutex("SetSecurityDescriptorDacl Error 1336", 101336);
 }
 
 // Without its access list the mutex would shut other users out.
 TEST(MutexRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoMutex) {
-    const RefusedSid refused(
-        "AllocateAndInitializeSid",
-        [](PSID_IDENTIFIER_AUTHORITY, BYTE, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD,
-           PSID*) -> BOOL { return refuse(ERROR_SUCCESS, FALSE); });
+    const RefusedSid refused("AllocateAndInitializeSid", failing<ERROR_SUCCESS, FALSE>);
     expectNoMutex("AllocateAndInitializeSid Error 0", 100000);
 }
 
@@ -144,7 +115,8 @@ TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
     XmutexNamed mutex;
     const LogCapture log;
     {
-        const RefusedSid refused("AllocateAndInitializeSid", refuseSid);
+        const RefusedSid refused("AllocateAndInitializeSid",
+                                 failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
         EXPECT_EQ(mutex.init(kMutexName), -1);
     }
     EXPECT_EQ(mutex.init(kMutexName), 0);
@@ -161,8 +133,6 @@ using RefusedSize = ReplacedImport<decltype(::GetFileSizeEx)>;
 using OddWrite = ReplacedImport<decltype(::WriteFile)>;
 using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
 using OddFullPath = ReplacedImport<decltype(::GetFullPathNameW)>;
-
-BOOL WINAPI refuseSize(HANDLE, PLARGE_INTEGER) { return refuse(ERROR_INVALID_FUNCTION, FALSE); }
 
 BOOL WINAPI hugeSize(HANDLE, PLARGE_INTEGER size) {
     size->QuadPart = 0x80000000LL;
@@ -210,9 +180,6 @@ class FileRefusals : public ::testing::Test {
 struct Cache : AppcStore {
     explicit Cache(const TempFolder& folder)
         : AppcStore(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\") {
-        for (const char* name : {"Engine", "Engine\\Refusals", "Engine\\Refusals\\AppCache"}) {
-            folder.makeFolder(name);
-        }
         folder.write("Engine\\Refusals\\AppCache\\AppCache.json",
                      R"([{"package":"com.a","activity":"m","appLabel":"l","versionCode":1,)"
                      R"("versionName":"v"}])");
@@ -233,7 +200,7 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
     const ConfCatalogue catalogue = confProductCatalogue();
     ConfStore store(catalogue, confDiskFiles());
     {
-        const RefusedSize refused("GetFileSizeEx", refuseSize);
+        const RefusedSize refused("GetFileSizeEx", failing<ERROR_INVALID_FUNCTION, FALSE>);
         EXPECT_EQ(confLibInit(store, path, false), -1);
     }
     EXPECT_EQ(log.texts(), Lines{logged::confNotRead(path)});
@@ -243,7 +210,7 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
 
 TEST_F(FileRefusals, AnAppCacheWithoutASizeIsNoArrayAndIsDeleted) {
     Cache cache(folder);
-    const RefusedSize refused("GetFileSizeEx", refuseSize);
+    const RefusedSize refused("GetFileSizeEx", failing<ERROR_INVALID_FUNCTION, FALSE>);
     EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
     EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
     EXPECT_NE(xfileExists(cache.file()), 0);
@@ -260,8 +227,7 @@ TEST_F(FileRefusals, AnAppCacheOf2GiBIsNotReadAndIsDeleted) {
 TEST_F(FileRefusals, AnAppCacheThatRefusesToBeLookedAtIsOpenedAllTheSame) {
     Cache cache(folder);
     const ReplacedImport<decltype(::GetFileAttributesW)> refused(
-        "GetFileAttributesW",
-        [](LPCWSTR) -> DWORD { return refuse(ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES); });
+        "GetFileAttributesW", failing<ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES>);
     EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
     EXPECT_EQ(cache.packages(), Lines{"com.a"});
     EXPECT_EQ(log.texts(), Lines{});
@@ -337,9 +303,7 @@ TEST_F(FileRefusals, AMoveThatKeepsFailingIsTheStatusAfterItsTries) {
 }
 
 TEST_F(FileRefusals, AFullPathThatCannotBeToldIsTheStatus) {
-    const OddFullPath refused("GetFullPathNameW", [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD {
-        return refuse(ERROR_BAD_PATHNAME, DWORD{0});
-    });
+    const OddFullPath refused("GetFullPathNameW", failing<ERROR_BAD_PATHNAME, 0>);
     EXPECT_EQ(xfileMakeFolders(folder / "a\\b"), XERR_NOENT);
     EXPECT_FALSE(folder.has("a"));
 }
@@ -404,10 +368,7 @@ BOOL WINAPI writeSlowly(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
                         LPOVERLAPPED overlapped) {
     ::SetEvent(writeBegins);
     ::WaitForSingleObject(writeGoesOn, INFINITE);
-    // The system's own, past the import table.
-    static const auto write = reinterpret_cast<decltype(&::WriteFile)>(reinterpret_cast<void*>(
-        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "WriteFile")));
-    return write(file, bytes, size, done, overlapped);
+    return systemFunction<decltype(::WriteFile)>("WriteFile")(file, bytes, size, done, overlapped);
 }
 
 }  // namespace
@@ -521,9 +482,8 @@ TEST(TextRefusals, AWideTextOf4GiBIsRefused) {
 }
 
 TEST(TextRefusals, AWideTextThatCannotBeConvertedIsEmpty) {
-    const ReplacedImport<decltype(::WideCharToMultiByte)> refused(
-        "WideCharToMultiByte",
-        [](UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL) -> int { return 0; });
+    const ReplacedImport<decltype(::WideCharToMultiByte)> refused("WideCharToMultiByte",
+                                                                  failing<ERROR_SUCCESS, 0>);
     EXPECT_EQ(xtextToUtf8(L"abc"), "");
 }
 
@@ -531,9 +491,8 @@ TEST(TextRefusals, AWideTextThatCannotBeConvertedIsEmpty) {
 
 TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
     const LogCapture log;
-    const ReplacedImport<decltype(::ShellExecuteExW)> refused(
-        "ShellExecuteExW",
-        [](SHELLEXECUTEINFOW*) -> BOOL { return refuse(ERROR_CANCELLED, FALSE); });
+    const ReplacedImport<decltype(::ShellExecuteExW)> refused("ShellExecuteExW",
+                                                              failing<ERROR_CANCELLED, FALSE>);
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe", "a"}), 101223);
     EXPECT_EQ(handle, nullptr);
@@ -542,8 +501,8 @@ TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
 
 TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
     const LogCapture log;
-    const ReplacedImport<decltype(::ShellExecuteExW)> refused(
-        "ShellExecuteExW", [](SHELLEXECUTEINFOW*) -> BOOL { return refuse(ERROR_SUCCESS, FALSE); });
+    const ReplacedImport<decltype(::ShellExecuteExW)> refused("ShellExecuteExW",
+                                                              failing<ERROR_SUCCESS, FALSE>);
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe"}), 100000);
     EXPECT_EQ(handle, nullptr);
@@ -551,14 +510,13 @@ TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
 }
 
 TEST(ProcessRefusals, AVariableThatCannotBeSetIsTheStatus) {
-    const ReplacedImport<int(const char*)> refused(
-        "_putenv", [](const char*) { return refuse(ERROR_NOT_ENOUGH_MEMORY, -1); });
+    const ReplacedImport<int(const char*)> refused("_putenv", failing<ERROR_NOT_ENOUGH_MEMORY, -1>);
     EXPECT_EQ(xprocSetEnvironment("BRIDGE_TEST", "x"), XERR_NOMEM);
 }
 
 TEST(ProcessRefusals, AListOfProcessesThatCannotBeHadIsAFailure) {
-    const ReplacedImport<decltype(::EnumProcesses)> refused(
-        "K32EnumProcesses", [](DWORD*, DWORD, DWORD*) -> BOOL { return FALSE; });
+    const ReplacedImport<decltype(::EnumProcesses)> refused("K32EnumProcesses",
+                                                            failing<ERROR_SUCCESS, FALSE>);
     std::vector<std::uint32_t> ids{1, 2};
     EXPECT_FALSE(utlProcessCalls().enumerate(ids));
     EXPECT_EQ(ids, (std::vector<std::uint32_t>{1, 2}));
@@ -566,8 +524,7 @@ TEST(ProcessRefusals, AListOfProcessesThatCannotBeHadIsAFailure) {
 
 TEST(ProcessRefusals, AnImageWhosePathCannotBeHadHasNone) {
     const ReplacedImport<decltype(::QueryFullProcessImageNameW)> refused(
-        "QueryFullProcessImageNameW",
-        [](HANDLE, DWORD, LPWSTR, PDWORD) -> BOOL { return refuse(ERROR_GEN_FAILURE, FALSE); });
+        "QueryFullProcessImageNameW", failing<ERROR_GEN_FAILURE, FALSE>);
     std::wstring path = L"before";
     EXPECT_FALSE(utlProcessCalls().imagePath(::GetCurrentProcess(), path));
     EXPECT_EQ(path, L"");

@@ -1,18 +1,11 @@
 // The app cache's save and a power failure: the cache's file is the old one or the new one, whole.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <mutex>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "PowerFailure.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
 #include "support/LogCapture.h"
 #include "support/Platform.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 #include "xpl/Xfile.h"
 
 namespace {
@@ -25,7 +18,6 @@ constexpr int kApps = 200;
 class SavePowerFailureTest : public ::testing::Test {
  protected:
     SavePowerFailureTest() {
-        data.makeFolder("Engine");
         data.makeFolder(std::string("Engine\\") + kInstance);
         EXPECT_EQ(appcLibInit(store, kInstance), 0);
         EXPECT_EQ(save(1), 0);

@@ -1,12 +1,7 @@
 #include "SystemCalls.h"
 
-#include <cstddef>
-#include <map>
-#include <mutex>
-#include <string_view>
-#include <utility>
-
 #include "ImportTable.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {
