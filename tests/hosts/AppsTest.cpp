@@ -1,6 +1,4 @@
 // The listing of installed apps, through the library.
-#include <string>
-
 #include "PlainHost.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
@@ -11,11 +9,8 @@ class AppsTest : public PlainHostTest {
  protected:
     AppsTest() {
         writeConf("");
-        data.makeFolder("Engine");
-        for (const char* instance : {"Engine\\A", "Engine\\B"}) {
-            data.makeFolder(instance);
-            data.makeFolder(std::string(instance) + "\\AppCache");
-        }
+        data.makeFolder("Engine\\A\\AppCache");
+        data.makeFolder("Engine\\B\\AppCache");
     }
 
     void writeCache(const std::string& instance, const std::string& text) const {

@@ -1,6 +1,4 @@
-#include <chrono>
 #include <regex>
-#include <string>
 
 #include "ConfExpectation.h"
 #include "PlainHost.h"
@@ -28,41 +26,17 @@ Lines withoutTimes(Lines lines) {
 
 TEST_F(ConfigurationTest, EveryTypeIsReadAndSet) {
     writeConf("vtr.instance.Nougat64.display_name=\"Jeux é日\"\n");
-    EXPECT_EQ(output({"init",
-                      "Helper",
-                      "getbool",
-                      "vtr.enable_statusbar",
-                      "geti32",
-                      "vtr.instance.Nougat64.dpi",
-                      "getstr",
-                      "vtr.instance.Nougat64.display_name",
-                      "getmulti",
-                      "vtr.shared_folders",
-                      "setbool",
-                      "vtr.enable_statusbar",
-                      "0",
-                      "seti32",
-                      "vtr.instance.Nougat64.dpi",
-                      "-7",
-                      "setstr",
-                      "vtr.instance.Nougat64.display_name",
-                      "Zwölf",
-                      "setmulti",
-                      "vtr.shared_folders",
-                      "a,b",
-                      "getbool",
-                      "vtr.enable_statusbar",
-                      "geti32",
-                      "vtr.instance.Nougat64.dpi",
-                      "getstr",
-                      "vtr.instance.Nougat64.display_name",
-                      "getmulti",
-                      "vtr.shared_folders",
-                      "commit"}),
-              (Lines{"init 0", "getbool 1", "geti32 240", "getstr Jeux é日",
-                     "getmulti Documents,Pictures,InputMapper,VtrSharedFolder", "setbool 0",
-                     "seti32 0", "setstr 0", "setmulti 0", "getbool 0", "geti32 -7", "getstr Zwölf",
-                     "getmulti a,b", "commit 0"}));
+    EXPECT_EQ(
+        output(script("init Helper getbool vtr.enable_statusbar geti32 vtr.instance.Nougat64.dpi "
+                      "getstr vtr.instance.Nougat64.display_name getmulti vtr.shared_folders "
+                      "setbool vtr.enable_statusbar 0 seti32 vtr.instance.Nougat64.dpi -7 setstr "
+                      "vtr.instance.Nougat64.display_name Zwölf setmulti vtr.shared_folders a,b "
+                      "getbool vtr.enable_statusbar geti32 vtr.instance.Nougat64.dpi getstr "
+                      "vtr.instance.Nougat64.display_name getmulti vtr.shared_folders commit")),
+        (Lines{"init 0", "getbool 1", "geti32 240", "getstr Jeux é日",
+               "getmulti Documents,Pictures,InputMapper,VtrSharedFolder", "setbool 0", "seti32 0",
+               "setstr 0", "setmulti 0", "getbool 0", "geti32 -7", "getstr Zwölf", "getmulti a,b",
+               "commit 0"}));
     const std::string text = data.read("vantrel.conf");
     EXPECT_NE(text.find("vtr.enable_statusbar=\"0\"\n"), std::string::npos);
     EXPECT_NE(text.find("vtr.instance.Nougat64.dpi=\"-7\"\n"), std::string::npos);
@@ -73,14 +47,13 @@ TEST_F(ConfigurationTest, EveryTypeIsReadAndSet) {
 
 TEST_F(ConfigurationTest, AnyByteButZeroIsTrue) {
     writeConf("");
-    EXPECT_EQ(output({"init", "Helper", "setbool", "vtr.force_raw_mode", "2", "getbool",
-                      "vtr.force_raw_mode"}),
+    EXPECT_EQ(output(script("init Helper setbool vtr.force_raw_mode 2 getbool vtr.force_raw_mode")),
               (Lines{"init 0", "setbool 0", "getbool 1"}));
 }
 
 TEST_F(ConfigurationTest, AReturnedTextSurvivesLaterChanges) {
     writeConf("vtr.locale=\"before\"\n");
-    EXPECT_EQ(output({"init", "Helper", "hold", "vtr.locale", "getstr", "vtr.locale"}),
+    EXPECT_EQ(output(script("init Helper hold vtr.locale getstr vtr.locale")),
               (Lines{"init 0", "hold before", "getstr changed"}));
 }
 
@@ -90,38 +63,10 @@ TEST_F(ConfigurationTest, FreeingNullDoesNothing) {
 
 TEST_F(ConfigurationTest, NullTextsAreRefusedWithALogLine) {
     writeConf("");
-    EXPECT_EQ(output({"init",
-                      "Helper",
-                      "getbool",
-                      "(null)",
-                      "geti32",
-                      "(null)",
-                      "geti64",
-                      "(null)",
-                      "getstr",
-                      "(null)",
-                      "getmulti",
-                      "(null)",
-                      "setbool",
-                      "(null)",
-                      "1",
-                      "seti32",
-                      "(null)",
-                      "1",
-                      "seti64",
-                      "(null)",
-                      "1",
-                      "setstr",
-                      "(null)",
-                      "x",
-                      "setstr",
-                      "vtr.locale",
-                      "(null)",
-                      "setmulti",
-                      "vtr.shared_folders",
-                      "(null)",
-                      "committo",
-                      "(null)"}),
+    EXPECT_EQ(output(script(
+                  "init Helper getbool (null) geti32 (null) geti64 (null) getstr (null) getmulti "
+                  "(null) setbool (null) 1 seti32 (null) 1 seti64 (null) 1 setstr (null) x setstr "
+                  "vtr.locale (null) setmulti vtr.shared_folders (null) committo (null)")),
               (Lines{"init 0", "getbool 0", "geti32 0", "geti64 0", "getstr (null)",
                      "getmulti (null)", "setbool 22", "seti32 22", "seti64 22", "setstr 22",
                      "setstr 22", "setmulti 22", "committo 22"}));
@@ -198,7 +143,7 @@ TEST_F(ConfigurationTest, WithoutAConfFileACommitLeavesNothingInTheCurrentFolder
     ChildOptions options;
     options.folder = current.path();
     const ChildResult result =
-        play({"initex", "Helper", "1", "(null)", "setstr", "vtr.guid", "x", "commit"}, options);
+        play(script("initex Helper 1 (null) setstr vtr.guid x commit"), options);
     EXPECT_EQ(linesOf(result.out), (Lines{"initex 0", "setstr 0", "commit 2"}));
     EXPECT_EQ(current.list(), Lines{});
     EXPECT_EQ(log().back(), logged::byHelper(logged::confNotReplaced("2 [XERR_NOENT]")));
@@ -217,26 +162,13 @@ TEST_F(ConfigurationTest, ChildrenThatTheHostStartsNeverBlockACommit) {
 // Another program has the file's lock: the commit waits for it, and nothing else does.
 TEST_F(ConfigurationTest, ReadsSetsAndTheListingGoOnWhileACommitWaitsForAnotherProgram) {
     writeConf("vtr.instance.Nougat64.dpi=\"240\"\n");
-    const Script script{"init",
-                        "Helper",
-                        "takelock",
-                        "seti32",
-                        "vtr.instance.Nougat64.dpi",
-                        "320",
-                        "startcommit",
-                        "awaitfile",
-                        data / "told",
-                        "geti32",
-                        "vtr.instance.Nougat64.dpi",
-                        "setbool",
-                        "vtr.enable_statusbar",
-                        "0",
-                        "getbool",
-                        "vtr.enable_statusbar",
-                        "instances",
-                        "leavelock",
-                        "endcommit"};
-    ChildProcess host = start(script);
+    const Script before = script(
+        "init Helper takelock seti32 vtr.instance.Nougat64.dpi 320 startcommit awaitfile told "
+        "geti32 vtr.instance.Nougat64.dpi setbool vtr.enable_statusbar 0 getbool "
+        "vtr.enable_statusbar instances leavelock endcommit");
+    ChildOptions options;
+    options.folder = data.path();
+    ChildProcess host = start(before, options);
     EXPECT_EQ(host.readLine(), "init 0");
     const auto lines = [this] { return withoutTimes(afterStart(log())); };
     const Lines waiting{

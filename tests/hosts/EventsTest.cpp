@@ -1,10 +1,4 @@
 // Events from a raw pipe to the callbacks of a host without Qt.
-#include <algorithm>
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
 #include "EveryEvent.h"
 #include "ProgramFunctions.h"
 #include "support/EventPackets.h"
@@ -12,6 +6,7 @@
 #include "support/MalformedPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "support/event_table.h"
 #include "support/growth.h"
@@ -234,9 +229,7 @@ TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
 }
 
 TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
-    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
-        data.makeFolder(folder);
-    }
+    data.makeFolder("Engine\\Nougat64\\AppCache");
     ChildProcess host =
         startHost({"reenter", kAllSlots, data / "Inside.conf", "wait", kAll, "fini"});
     RawPipe pipe(connectToHelper());

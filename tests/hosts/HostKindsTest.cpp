@@ -1,10 +1,8 @@
 // The same events in hosts of every kind.
-#include <algorithm>
-#include <string>
-
 #include "EveryEvent.h"
 #include "support/LogLines.h"
 #include "support/RawServer.h"
+#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,8 +1,3 @@
-#include <cstddef>
-#include <filesystem>
-#include <string>
-#include <utility>
-
 #include "PlainHost.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"

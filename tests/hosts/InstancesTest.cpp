@@ -1,6 +1,3 @@
-#include <string>
-#include <string_view>
-
 #include "PlainHost.h"
 
 namespace {

@@ -1,6 +1,3 @@
-#include <cstddef>
-#include <string>
-
 #include "PlainHost.h"
 #include "ProgramFunctions.h"
 #include "support/LogLines.h"

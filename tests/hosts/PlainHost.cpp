@@ -1,9 +1,5 @@
 #include "PlainHost.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <string_view>
-
 Lines linesOf(std::string_view text) {
     Lines lines;
     while (!text.empty()) {
@@ -13,6 +9,11 @@ Lines linesOf(std::string_view text) {
         lines.push_back(line);
     }
     return lines;
+}
+
+Script script(std::string_view words) {
+    std::istringstream stream{std::string(words)};
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
 ChildProcess PlainHostTest::start(const Script& script, const ChildOptions& options) const {

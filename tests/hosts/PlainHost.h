@@ -1,19 +1,17 @@
 #ifndef TESTS_PLAINHOST_H
 #define TESTS_PLAINHOST_H
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/ProductVersion.h"
 #include "support/TempFolder.h"
+#include "support/TestHeaders.h"
 
 using Lines = std::vector<std::string>;
 using Script = std::vector<std::string>;
+
+// A script of words without blanks in them.
+Script script(std::string_view words);
 
 // A data folder of the test's own, and hosts that see it as the product's.
 class PlainHostTest : public ::testing::Test {

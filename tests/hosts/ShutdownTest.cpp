@@ -1,9 +1,3 @@
-#include <algorithm>
-#include <atomic>
-#include <cstddef>
-#include <mutex>
-#include <string>
-
 #include "PlainHost.h"
 #include "support/EventPackets.h"
 #include "support/LogLines.h"

@@ -47,9 +47,6 @@ TEST_F(UnloadTest, AfterAnExceptionOnTheHostsThread) {
 
 TEST_F(UnloadTest, AfterAnExceptionInsideQt) {
     writeConf(kGood);
-    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
-        data.makeFolder(folder);
-    }
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[]");
     EXPECT_EQ(linesOfHost("apps"), (Lines{"init 0", "apps 0", "refused 1", "fini 0", "QX-Bridge 0",
                                           "Qt5Core 0", "ended 0"}));

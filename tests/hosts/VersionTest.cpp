@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "support/ChildProcess.h"
 #include "support/ProductVersion.h"
+#include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 
 namespace {
