@@ -67,5 +67,5 @@ TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
 
 TEST_F(AppsTest, ANullInstanceIsNull) {
     EXPECT_EQ(output({"init", "Helper", "apps", "(null)"}), (Lines{"init 0", "apps (null)"}));
-    EXPECT_EQ(log().back(), "E BRIDGE Helper_bridge bridgeGetInstalledApps: null argument");
+    EXPECT_EQ(log().back(), logged::byHelper(logged::nullArgument("bridgeGetInstalledApps")));
 }

@@ -154,10 +154,7 @@ TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
     RawPipe pipe(connectToHelper());
     ASSERT_TRUE(pipe.write(instanceListUpdatedPacket()));
     EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
-    EXPECT_NE(log().back().find("E BRIDGE Helper_bridge FATAL: DEBUG BREAK: "
-                                "Source/bridge/BridgeIpcClbk:"),
-              std::string::npos)
-        << log().back();
+    expectBreak("BRIDGE", "Source/bridge/BridgeIpcClbk");
 }
 
 TEST_F(EventsTest, MalformedPacketsAreReadOrRefusedAndTheNextEventArrives) {
@@ -222,9 +219,7 @@ TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
         const std::string rest = std::to_string(static_cast<std::int32_t>(length - 12));
         EXPECT_EQ(lines.at(lines.size() - 2), logged::byHelper(logged::lengthInvalid(
                                                   kHelperServer, std::to_string(length), rest)));
-        EXPECT_EQ(
-            lines.back().find("E IPC Helper_bridge FATAL: DEBUG BREAK: Source/ipc/IpcServer:"), 0u)
-            << lines.back();
+        expectBreak("IPC", "Source/ipc/IpcServer");
     }
 }
 

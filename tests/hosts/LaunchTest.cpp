@@ -74,7 +74,7 @@ TEST_F(LaunchTest, ANullTextInAnyPlaceIsRefusedWithALine) {
             script.insert(script.end(), texts.begin(), texts.end());
             script.insert(script.end(), function.rest.begin(), function.rest.end());
             answers.push_back(function.operation + " 22");
-            refusals.push_back("E BRIDGE Helper_bridge " + function.function + ": null argument");
+            refusals.push_back(logged::byHelper(logged::nullArgument(function.function)));
         }
         const std::size_t before = linesBefore + kLinesOfTheStart;
         EXPECT_EQ(output(script), answers);

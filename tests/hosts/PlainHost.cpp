@@ -1,5 +1,7 @@
 #include "PlainHost.h"
 
+#include "support/LogLines.h"
+
 Lines linesOf(std::string_view text) {
     Lines lines;
     while (!text.empty()) {
@@ -31,6 +33,12 @@ Lines PlainHostTest::output(const Script& script) const {
     const ChildResult result = play(script);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     return linesOf(result.out);
+}
+
+void PlainHostTest::expectBreak(const std::string& tag, const std::string& file) const {
+    const Lines lines = log();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(logged::withoutNumber(lines.back()), logged::breakOfHelper(tag, file));
 }
 
 long bytesOfABatch(const std::string& name, const std::string& line) {

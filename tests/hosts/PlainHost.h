@@ -30,6 +30,9 @@ class PlainHostTest : public ::testing::Test {
     // Messages of the product's log, as "I CONF Helper_bridge message".
     Lines log() const { return logMessages(data.read("Logs\\Player.log")); }
 
+    // That log must end with the fatal break of a module, "CONF", in a file of it.
+    void expectBreak(const std::string& tag, const std::string& file) const;
+
     void writeConf(std::string_view content) const { data.write("vantrel.conf", content); }
     std::string confPath() const { return data / "vantrel.conf"; }
 

@@ -32,6 +32,16 @@ inline std::string fatalBreak(const std::string& tag, const std::string& file,
            "FATAL: DEBUG BREAK: " + file;
 }
 
+// The same without the function in the log of a host that was initialised as "Helper".
+inline std::string breakOfHelper(const std::string& tag, const std::string& file) {
+    return byHelper("E " + tag + " " + fatalBreak("", file).substr(4));
+}
+
+// The line of a log without the number and the time at its end.
+inline std::string withoutNumber(const std::string& line) {
+    return line.substr(0, line.rfind(':'));
+}
+
 // The platform.
 
 // Without an error: the start of the line.
@@ -246,6 +256,10 @@ inline std::string lengthInvalid(const std::string& server, const std::string& l
 }
 
 // The library's interface.
+
+inline std::string nullArgument(const std::string& function) {
+    return "E BRIDGE " + function + ": null argument";
+}
 
 inline std::string initialising(const std::string& client) {
     return "I BRIDGE bridgeApiInitEx:#################### In bridgeApiInit " + client +
