@@ -10,7 +10,8 @@
 namespace {
 
 void declareOptions(OptionParser& parser, Session& session) {
-    parser.add("--log-file", session.logFile, "Log into this file instead of the product's");
+    parser.add("--log-file", session.logFile, "Log into this file instead of the product's")
+        .notEmpty();
 }
 
 }  // namespace

@@ -19,8 +19,10 @@ void declareOptions(OptionParser& parser, Session& session) {
     parser
         .add("--client", session.client,
              "Client id: Launcher, Installer, LogCollector, Helper or Uninstaller")
+        .notEmpty()
         .withDefault();
-    parser.add("--log-file", session.logFile, "Log into this file instead of the product's");
+    parser.add("--log-file", session.logFile, "Log into this file instead of the product's")
+        .notEmpty();
     parser.addFlag("--no-conf", session.noConf, "Start with the defaults, without the file");
     declareOutputOptions(parser, session);
 }

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr const char* kEmpty = "the value is empty";
+
 // The help shows the names that an option is limited to as "{a,b}" in its type.
 std::vector<std::string> choicesOf(const CLI::Option& option) {
     const std::string type = option.get_type_name();
@@ -43,6 +45,18 @@ Option addOption(CLI::App& app, const char* name, Value& value, const char* help
     return Option(*app.add_option(name, value, help));
 }
 
+// An option with "=" and nothing behind it, such as a variable that is not set leaves. The parser
+// library would take the next word for its value.
+std::optional<std::string> emptyOption(const std::vector<std::string>& arguments) {
+    for (const std::string& word : arguments) {
+        if (word == "--") break;
+        if (word.size() > 3 && word.substr(0, 2) == "--" && word.find('=') == word.size() - 1) {
+            return word.substr(0, word.size() - 1);
+        }
+    }
+    return std::nullopt;
+}
+
 ParseEnd endOf(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) return {ParseEnd::Error, error.what()};
     if (error.get_name() == "CallForVersion") return {ParseEnd::Version, app.version()};
@@ -68,6 +82,12 @@ Option Option::excludes(Option other) {
 
 Option Option::oneOf(const std::vector<std::string>& names) {
     option_->check(CLI::IsMember(names));
+    return *this;
+}
+
+Option Option::notEmpty() {
+    option_->check(
+        CLI::Validator([](std::string& text) { return text.empty() ? kEmpty : ""; }, ""));
     return *this;
 }
 
@@ -164,6 +184,9 @@ void ProgramParser::addVersion(const std::string& text) {
 void ProgramParser::setDetails(const std::string& text) { app_->footer(text); }
 
 ParseEnd ProgramParser::parse(const std::vector<std::string>& arguments) {
+    if (const auto name = emptyOption(arguments)) {
+        return {ParseEnd::Error, *name + ": " + kEmpty};
+    }
     try {
         // The library takes them from the back.
         app_->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));

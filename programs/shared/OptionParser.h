@@ -27,6 +27,7 @@ class Option {
     Option needs(Option other);     // is refused without the other
     Option excludes(Option other);  // is refused together with the other
     Option oneOf(const std::vector<std::string>& names);
+    Option notEmpty();
     Option positive();
     Option between(unsigned least, unsigned most);
 

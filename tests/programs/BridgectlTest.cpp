@@ -380,10 +380,6 @@ TEST_F(BridgectlProgramsTest, AnEmptyNameIsNoInstanceAndNobodyIsAsked) {
     EXPECT_EQ(waitForLines(5)[3], "mimShutdownRpc()");
 }
 
-TEST_F(BridgectlTest, TheKeysOfAnEmptyInstanceNameAreNotAllKeys) {
-    expectFailure({"conf", "list", "--instance", ""}, 3, "no such instance: ");
-}
-
 TEST_F(BridgectlProgramsTest, OutputCanBeJson) {
     options.environment.push_back({"QX_STANDIN_FORMAT", "json"});
     output({"launch", "Nougat64", "com.a"});

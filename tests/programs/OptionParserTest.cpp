@@ -233,3 +233,16 @@ TEST_F(OptionParserTest, TheTreeHasWhatWasDeclared) {
     EXPECT_TRUE(node.options[2].takesValue);
     EXPECT_FALSE(node.options[2].isRequired);
 }
+
+TEST_F(OptionParserTest, ATextCanBeRequiredToHaveCharacters) {
+    command.add("--text", text, "").notEmpty();
+    expectUnderstood({"--text", "a"});
+    expectError({"--text", ""}, "--text: the value is empty");
+}
+
+TEST_F(OptionParserTest, AnOptionThatEndsAtItsEqualsSignDoesNotTakeTheNextWord) {
+    text = "before";
+    command.add("--text", text, "");
+    expectError({"--text=", "next"}, "--text: the value is empty");
+    EXPECT_EQ(text, "before");
+}

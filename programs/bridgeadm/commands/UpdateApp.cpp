@@ -73,7 +73,8 @@ void declare(OptionParser& parser, Session& session) {
     parser.add("--label", arguments->label, "Name that users see");
     parser.add("--version-code", arguments->versionCode, "Version for Android");
     parser.add("--version-name", arguments->versionName, "Version that users see");
-    parser.add("--icon", arguments->icon, "File of the shared folder that becomes the app's icon");
+    parser.add("--icon", arguments->icon, "File of the shared folder that becomes the app's icon")
+        .notEmpty();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 

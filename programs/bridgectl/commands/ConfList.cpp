@@ -59,6 +59,7 @@ void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     Option global = parser.addFlag("--global", arguments->globalOnly, "Global keys only");
     Option instance = parser.add("--instance", arguments->instance, "Keys of this instance only")
+                          .notEmpty()
                           .excludes(global);
     parser.onRun([&session, arguments, instance] {
         arguments->isForOne = instance.isGiven();

@@ -108,7 +108,8 @@ void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     parser.add("KEY", arguments->key, "Full key").required();
     parser.add("VALUE", arguments->value, "New value; true or false for a bool").required();
-    parser.add("--to", arguments->file, "Write the configuration into this file instead");
+    parser.add("--to", arguments->file, "Write the configuration into this file instead")
+        .notEmpty();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
