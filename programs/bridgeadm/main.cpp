@@ -21,6 +21,9 @@ const char* const programName = "bridgeadm";
 int main() {
     Session session;
     return runCommandLine({"Maintenance of the product's instances and their app caches.",
-                           std::string(programName) + " " + UTL_VERSION, declareOptions, nullptr},
+                           std::string(programName) + " " + UTL_VERSION,
+                           declareOptions,
+                           nullptr,
+                           {}},
                           session, session);
 }

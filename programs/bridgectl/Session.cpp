@@ -2,13 +2,22 @@
 
 #include <bridge/bridge.h>
 
+#include <set>
 #include <utility>
 
+#include "KeyNames.h"
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "shared/Console.h"
+#include "shared/Nearest.h"
 #include "utl/UtlFolders.h"
+
+namespace {
+
+std::string confPath() { return utlGetDataDir() + "vantrel.conf"; }
+
+}  // namespace
 
 Session::~Session() { stop(); }
 
@@ -30,18 +39,30 @@ bool Session::start() {
     std::string content;
     if (!noConf) {
         // A missing file is the library's to report.
-        static_cast<void>(confDiskFiles().read(utlGetDataDir() + "vantrel.conf", content));
+        static_cast<void>(confDiskFiles().read(confPath(), content));
     }
     configuration_.emplace(content);
     if (!requireLog()) return false;
     const int status = startLibrary();
     started_ = status == BRIDGE_SUCCESS;
-    return started_ || failStatus(ExitCode::Library, "the library did not start", status);
+    return started_ ||
+           failStatus(ExitCode::Library, "the library did not start", status, startHint());
+}
+
+std::string Session::startHint() const {
+    return "the configuration is " + confPath() + ", the log " + logPath() + "; " +
+           dataFolderHint();
 }
 
 void Session::printTimes() const {
     if (!timing) return;
     for (const std::string& line : times_.lines()) printNotice(line);
+}
+
+bool Session::failInstance(std::string_view instance) {
+    if (!configuration_) return ProgramRun::failInstance(instance);
+    const std::set<std::string>& known = configuration().instances();
+    return ProgramRun::failInstance(instance, nearestHint(instance, {known.begin(), known.end()}));
 }
 
 bool Session::failInvalid(const KeyInfo& key) {
@@ -51,7 +72,7 @@ bool Session::failInvalid(const KeyInfo& key) {
 
 std::optional<ConfType> Session::requireType(const std::string& key) {
     const std::optional<ConfType> type = configuration().typeOf(key);
-    if (!type) fail(ExitCode::UnknownName, "no such key: " + key);
+    if (!type) fail(ExitCode::UnknownName, "no such key: " + key, keyHint(configuration(), key));
     return type;
 }
 

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "CallTimes.h"
 #include "Configuration.h"
@@ -39,6 +40,9 @@ class Session : public ProgramRun {
 
     const Configuration& configuration() const { return *configuration_; }
 
+    // The error of an instance that is not known, with the name that was probably meant.
+    bool failInstance(std::string_view instance);
+
     // The error of a key in KeyState::Invalid.
     bool failInvalid(const KeyInfo& key);
 
@@ -50,6 +54,7 @@ class Session : public ProgramRun {
 
  private:
     int startLibrary();
+    std::string startHint() const;
 
     CallTimes times_;
     std::optional<Configuration> configuration_;

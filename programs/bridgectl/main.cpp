@@ -1,4 +1,7 @@
 // bridgectl: the library from a command line.
+#include <initializer_list>
+#include <utility>
+
 #include "LibraryVersion.h"
 #include "Session.h"
 #include "shared/CommandLine.h"
@@ -27,15 +30,22 @@ void declareOptions(OptionParser& parser, Session& session) {
     declareOutputOptions(parser, session);
 }
 
+constexpr std::initializer_list<std::pair<const char*, const char*>> kElsewhere = {
+    {"copy-instance", "it is a command of bridgeadm: see bridgeadm help copy-instance"},
+    {"remove-instance", "it is a command of bridgeadm: see bridgeadm help remove-instance"},
+    {"dump-instance", "it is a command of bridgeadm: see bridgeadm help dump-instance"},
+};
+
 }  // namespace
 
 const char* const programName = "bridgectl";
 
 int main() {
     Session session;
-    const int code = runCommandLine({"The bridge native library from a command line.",
-                                     programVersions(), declareOptions, declareOutputOptions},
-                                    session, session);
+    const int code =
+        runCommandLine({"The bridge native library from a command line.", programVersions(),
+                        declareOptions, declareOutputOptions, kElsewhere},
+                       session, session);
     session.stop();
     session.printTimes();
     return code;

@@ -49,7 +49,14 @@ void declareProgram(ProgramParser& parser, const Program& program, Session& sess
     declareCommands(options, program, session);
 }
 
-void endWith(ProgramRun& run, const ParseEnd& end) {
+std::string hintOf(const Program& program, const ParseEnd& end) {
+    for (const auto& [command, hint] : program.elsewhere) {
+        if (end.unknownCommand == command) return hint;
+    }
+    return end.hint.empty() ? std::string("see ") + programName + " --help" : end.hint;
+}
+
+void endWith(ProgramRun& run, const Program& program, const ParseEnd& end) {
     switch (end.kind) {
         case ParseEnd::Understood:
             return;
@@ -60,15 +67,14 @@ void endWith(ProgramRun& run, const ParseEnd& end) {
             run.print(end.text + "\n");
             return;
         case ParseEnd::Error:
-            run.fail(ExitCode::Usage, end.text);
-            run.fail(ExitCode::Usage, std::string("see ") + programName + " --help");
+            run.fail(ExitCode::Usage, end.text, hintOf(program, end));
     }
 }
 
 int parseAndRun(const Program& program, Session& session, ProgramRun& run) {
     ProgramParser parser(programName, program.description);
     declareProgram(parser, program, session);
-    endWith(run, parser.parse(commandLineArguments()));
+    endWith(run, program, parser.parse(commandLineArguments()));
     return static_cast<int>(run.exitCode);
 }
 

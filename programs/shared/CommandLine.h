@@ -2,6 +2,8 @@
 #define SHARED_COMMANDLINE_H
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "shared/Command.h"
 #include "shared/ProgramRun.h"
@@ -16,6 +18,9 @@ struct Program {
 
     // Adds the options that every command has; null when there are none.
     void (*declareCommonOptions)(OptionParser& parser, Session& session);
+
+    // Commands that people look for here and another program has: the name, and where it is.
+    std::vector<std::pair<const char*, const char*>> elsewhere;
 };
 
 // All that main() does: parses this process's command line, does the command's work and answers the

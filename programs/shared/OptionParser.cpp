@@ -1,10 +1,15 @@
 #include "shared/OptionParser.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstddef>
+#include <limits>
+#include <system_error>
 #include <utility>
 
 #include "shared/CommandTree.h"
+#include "shared/Joined.h"
+#include "shared/Nearest.h"
 
 namespace {
 
@@ -57,10 +62,54 @@ std::optional<std::string> emptyOption(const std::vector<std::string>& arguments
     return std::nullopt;
 }
 
+// The command that the line has got to, with the names on the way.
+const CLI::App& deepestCommand(const CLI::App& app, std::vector<std::string>& names) {
+    const CLI::App* command = &app;
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+        names.push_back(command->get_name());
+    }
+    return *command;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CommandNode& command : commandNode(app).commands) names.push_back(command.name);
+    return names;
+}
+
+std::vector<std::string> optionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const OptionNode& option : commandNode(app).options) {
+        if (!option.isPositional) names.push_back(option.name);
+    }
+    return names;
+}
+
+// What the library says about a word that it has no place for is no help, or wrong: of a mistyped
+// command it says that there is none.
+ParseEnd errorOf(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> rest = app.remaining(/*recurse=*/true);
+    std::vector<std::string> names;
+    const CLI::App& command = deepestCommand(app, names);
+    if (rest.empty()) return {ParseEnd::Error, error.what(), {}, {}};
+    const std::string& word = rest.front();
+    if (word.substr(0, 1) == "-") {
+        return {ParseEnd::Error, error.what(), nearestHint(word, optionNames(command)), {}};
+    }
+    const std::vector<std::string> possible = commandNames(command);
+    if (possible.empty()) return {ParseEnd::Error, error.what(), {}, {}};
+    names.push_back(word);
+    const std::string wrong = joined(names, " ");
+    names.back() = nearestName(word, possible).value_or("");
+    const std::string hint = names.back().empty() ? "" : "did you mean " + joined(names, " ") + "?";
+    return {ParseEnd::Error, "no such command: " + wrong, hint, wrong};
+}
+
 ParseEnd endOf(const CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() != 0) return {ParseEnd::Error, error.what()};
-    if (error.get_name() == "CallForVersion") return {ParseEnd::Version, app.version()};
-    return {ParseEnd::Help, app.help()};
+    if (error.get_exit_code() != 0) return errorOf(app, error);
+    if (error.get_name() == "CallForVersion") return {ParseEnd::Version, app.version(), {}, {}};
+    return {ParseEnd::Help, app.help(), {}, {}};
 }
 
 }  // namespace
@@ -91,13 +140,23 @@ Option Option::notEmpty() {
     return *this;
 }
 
-Option Option::positive() {
-    option_->check(CLI::PositiveNumber);
-    return *this;
-}
+Option Option::positive() { return inRange(1, std::numeric_limits<unsigned>::max(), "1 or more"); }
 
 Option Option::between(unsigned least, unsigned most) {
-    option_->check(CLI::Range(least, most));
+    return inRange(least, most, std::to_string(least) + " to " + std::to_string(most));
+}
+
+Option Option::inRange(unsigned least, unsigned most, const std::string& words) {
+    const auto check = [least, most, words](std::string& text) {
+        unsigned number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        const bool isNumber = error == std::errc() && stop == end;
+        const bool fits = isNumber && number >= least && number <= most;
+        return fits ? std::string() : "must be " + words + ", not \"" + text + "\"";
+    };
+    option_->check(CLI::Validator(check, ""));
+    option_->type_name("NUMBER")->description(option_->get_description() + ", " + words);
     return *this;
 }
 
@@ -185,7 +244,7 @@ void ProgramParser::setDetails(const std::string& text) { app_->footer(text); }
 
 ParseEnd ProgramParser::parse(const std::vector<std::string>& arguments) {
     if (const auto name = emptyOption(arguments)) {
-        return {ParseEnd::Error, *name + ": " + kEmpty};
+        return {ParseEnd::Error, *name + ": " + kEmpty, {}, {}};
     }
     try {
         // The library takes them from the back.
@@ -193,5 +252,5 @@ ParseEnd ProgramParser::parse(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         return endOf(*app_, error);
     }
-    return {ParseEnd::Understood, {}};
+    return {ParseEnd::Understood, {}, {}, {}};
 }

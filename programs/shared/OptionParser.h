@@ -44,6 +44,8 @@ class Option {
     bool isGiven() const;
 
  private:
+    Option inRange(unsigned least, unsigned most, const std::string& words);
+
     CLI::Option* option_;
 };
 
@@ -96,6 +98,8 @@ struct ParseEnd {
     enum Kind { Understood, Help, Version, Error };
     Kind kind;
     std::string text;  // help, version or error, without a line feed at the end of the last two
+    std::string hint;  // of an error: what was probably meant
+    std::string unknownCommand;  // of an error: the command that there is not, "conf frob"
 };
 
 // Owns the options of a program and of its commands.

@@ -22,24 +22,35 @@ void ProgramRun::notice(const std::string& text) const {
     if (!quiet) printNotice(text);
 }
 
-bool ProgramRun::fail(ExitCode code, const std::string& message) {
+bool ProgramRun::fail(ExitCode code, const std::string& message, const std::string& hint) {
     printError(message);
+    if (!hint.empty()) printError(hint);
     exitCode = code;
     return false;
 }
 
-bool ProgramRun::failStatus(ExitCode code, const std::string& what, XErr status) {
-    return fail(code, what + ": " + std::to_string(status) + " " + xerrName(status));
+bool ProgramRun::failStatus(ExitCode code, const std::string& what, XErr status,
+                            const std::string& hint) {
+    return fail(code, what + ": " + std::to_string(status) + " " + xerrName(status), hint);
 }
 
-bool ProgramRun::failInstance(std::string_view instance) {
-    return fail(ExitCode::UnknownName, std::string("no such instance: ").append(instance));
+bool ProgramRun::failInstance(std::string_view instance, const std::string& hint) {
+    return fail(ExitCode::UnknownName, std::string("no such instance: ").append(instance), hint);
 }
 
 bool ProgramRun::requireInstallFolder() {
     const std::string folder =
         utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "InstallDir", {});
-    return !folder.empty() || fail(ExitCode::Library, "the registry names no install folder");
+    return !folder.empty() || fail(ExitCode::Library, "the registry names no install folder",
+                                   "the installer writes it: " + registryValueName("InstallDir"));
+}
+
+std::string registryValueName(const std::string& value) {
+    return std::string("HKEY_LOCAL_MACHINE\\") + UTL_PRODUCT_KEY + ", value \"" + value + "\"";
+}
+
+std::string dataFolderHint() {
+    return "the data folder is in the registry: " + registryValueName("UserDefinedDir");
 }
 
 std::string ProgramRun::logPath() const { return logFile.empty() ? utlPlayerLogPath() : logFile; }
@@ -48,6 +59,7 @@ bool ProgramRun::requireLog() {
     const std::string path = logPath();
     Xfile file;
     const XErr err = xfileOpen(file, path, XfileMode::Append);
-    return err == XERR_SUCCESS ||
-           failStatus(ExitCode::Library, "cannot open the log file " + path, err);
+    if (err == XERR_SUCCESS) return true;
+    return failStatus(ExitCode::Library, "cannot open the log file " + path, err,
+                      logFile.empty() ? dataFolderHint() : "");
 }

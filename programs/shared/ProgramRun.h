@@ -35,14 +35,16 @@ class ProgramRun {
     // A line on standard error that is no error.
     void notice(const std::string& text) const;
 
-    // Prints an error and sets the exit code; false, so that callers can return it.
-    bool fail(ExitCode code, const std::string& message);
+    // Prints an error, and in a line of its own what to do about it where that is known, and sets
+    // the exit code; false, so that callers can return it.
+    bool fail(ExitCode code, const std::string& message, const std::string& hint = {});
 
     // The same for a status of the library.
-    bool failStatus(ExitCode code, const std::string& what, XErr status);
+    bool failStatus(ExitCode code, const std::string& what, XErr status,
+                    const std::string& hint = {});
 
     // The error of an instance that is not known.
-    bool failInstance(std::string_view instance);
+    bool failInstance(std::string_view instance, const std::string& hint = {});
 
     // False, after an error, when the registry names no install folder. Asking for it then would
     // end the process.
@@ -56,5 +58,11 @@ class ProgramRun {
     // False after an error. A log that cannot be opened would end the process without a word.
     bool requireLog();
 };
+
+// A value of the product's key in the registry, as people look for it.
+std::string registryValueName(const std::string& value);
+
+// Where the data folder comes from, for errors about what should be in it.
+std::string dataFolderHint();
 
 #endif

@@ -179,8 +179,10 @@ TEST_F(BridgeadmTest, AMalformedFileIsAnError) {
 
 TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
     ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
-    const std::string error =
-        "cannot open the log file " + data.path() + "\\Logs/Player.log: 2 XERR_NOENT";
+    const std::string error = "cannot open the log file " + data.path() +
+                              "\\Logs/Player.log: 2 XERR_NOENT" +
+                              "\nbridgeadm: the data folder is in the registry: "
+                              "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"UserDefinedDir\"";
     expectFailure({"dump-instance", "Nougat64"}, 5, error);
     expectFailure({"trim"}, 5, error);
 }
@@ -221,7 +223,9 @@ TEST_F(BridgeadmTest, TrimmingNeedsNoConfiguration) {
 }
 
 TEST_F(BridgeadmTest, WithoutAnInstallFolderNothingIsTrimmed) {
-    expectFailure({"trim"}, 5, "the registry names no install folder");
+    expectFailure({"trim"}, 5,
+                  "the registry names no install folder\nbridgeadm: the installer writes it: "
+                  "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
 }
 
 TEST_F(BridgeadmTest, MisuseIsExplained) {

@@ -394,7 +394,7 @@ TEST_F(BridgectlEventsTest, AnOutputWithoutAReaderEndsIt) {
 TEST_F(BridgectlEventsTest, AnUnknownClientIsRefusedByTheLibrary) {
     const ChildResult result = run({"--client", "Other", "events"});
     EXPECT_EQ(result.status, 5u);
-    EXPECT_EQ(result.err, "bridgectl: the library did not start: 22 XERR_INVAL\n");
+    EXPECT_EQ(result.err.rfind("bridgectl: the library did not start: 22 XERR_INVAL\n", 0), 0u);
 }
 
 TEST_F(BridgectlEventsTest, HelpExplainsTheEnds) {

@@ -51,3 +51,98 @@ TEST_F(BridgectlUsageTest, AValueThatEndsWithAnEqualsSignIsAValue) {
     EXPECT_EQ(output({"conf", "set", "vtr.locale", "a="}), "vtr.locale: fr-FR -> a=\n");
     EXPECT_EQ(output({"conf", "set", "vtr.locale", "--", "--to="}), "vtr.locale: a= -> --to=\n");
 }
+
+TEST_F(BridgectlUsageTest, AMistypedCommandHasItsNearest) {
+    expectFailure({"instnaces"}, 2,
+                  "no such command: instnaces\nbridgectl: did you mean instances?");
+    expectFailure({"conf", "gte", "vtr.locale"}, 2,
+                  "no such command: conf gte\nbridgectl: did you mean conf get?");
+    expectFailure({"INSTANCES"}, 2,
+                  "no such command: INSTANCES\nbridgectl: did you mean instances?");
+    expectFailure({"nonsense"}, 2, "no such command: nonsense\nbridgectl: see bridgectl --help");
+    expectFailure({}, 2, "A subcommand is required\nbridgectl: see bridgectl --help");
+}
+
+TEST_F(BridgectlUsageTest, AMistypedOptionHasItsNearest) {
+    expectFailure(
+        {"instances", "--jsn"}, 2,
+        "The following argument was not expected: --jsn\nbridgectl: did you mean --json?");
+}
+
+TEST_F(BridgectlUsageTest, ACommandOfTheOtherProgramIsNamedThere) {
+    for (const std::string name : {"copy-instance", "remove-instance", "dump-instance"}) {
+        expectFailure({name, "Nougat64"}, 2,
+                      "no such command: " + name +
+                          "\nbridgectl: it is a command of bridgeadm: see bridgeadm help " + name);
+    }
+}
+
+TEST_F(BridgectlUsageTest, AMistypedKeyHasItsNearest) {
+    const struct {
+        const char* wrong;
+        const char* meant;
+    } keys[] = {{"vtr.lcoale", "vtr.locale"},
+                {"vtr.Locale", "vtr.locale"},
+                {"locale", "vtr.locale"},
+                {"vtr.instance.Nougat64.dip", "vtr.instance.Nougat64.dpi"},
+                {"vtr.instance.Nougat64.displayname", "vtr.instance.Nougat64.display_name"}};
+    for (const auto& [wrong, meant] : keys) {
+        expectFailure(
+            {"conf", "get", wrong}, 3,
+            std::string("no such key: ") + wrong + "\nbridgectl: did you mean " + meant + "?");
+    }
+    expectFailure({"conf", "get", "vtr.instance.Nougat64"}, 3,
+                  "no such key: vtr.instance.Nougat64");
+}
+
+TEST_F(BridgectlUsageTest, AMistypedInstanceHasItsNearest) {
+    const std::string error = "no such instance: Nuogat64\nbridgectl: did you mean Nougat64?";
+    expectFailure({"conf", "get", "vtr.instance.Nuogat64.dpi"}, 3, error);
+    expectFailure({"conf", "list", "--instance", "Nuogat64"}, 3, error);
+    expectFailure({"apps", "Nuogat64"}, 3, error);
+    expectFailure({"apps", "Other"}, 3, "no such instance: Other");
+}
+
+TEST_F(BridgectlUsageTest, RangesAreSaidAsPeopleWriteThem) {
+    const std::string see = "\nbridgectl: see bridgectl --help";
+    expectFailure({"events", "--count", "0"}, 2, "--count: must be 1 or more, not \"0\"" + see);
+    expectFailure({"events", "--count", "x"}, 2, "--count: must be 1 or more, not \"x\"" + see);
+    expectFailure({"events", "--timeout", "1000001"}, 2,
+                  "--timeout: must be 1 to 1000000, not \"1000001\"" + see);
+    const std::string help = output({"help", "events"});
+    EXPECT_NE(help.find("  --count NUMBER              End after so many events, 1 or more\n"),
+              std::string::npos)
+        << help;
+    EXPECT_NE(help.find("  --timeout NUMBER            End after so many seconds, 1 to 1000000\n"),
+              std::string::npos);
+}
+
+TEST_F(BridgectlUsageTest, AStartThatFailsNamesFileLogAndRegistryValue) {
+    const std::string registryValue =
+        "the data folder is in the registry: HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value "
+        "\"UserDefinedDir\"";
+    const std::string places = "the configuration is " + data.path() + "\\vantrel.conf, the log ";
+    data.write("vantrel.conf", "nonsense\n");
+    expectFailure({"instances"}, 5,
+                  "the library did not start: -1 XERR_FAILURE\nbridgectl: " + places + data.path() +
+                      "\\Logs/Player.log; " + registryValue);
+    const std::string own = data / "own.log";
+    expectFailure({"--log-file", own, "instances"}, 5,
+                  "the library did not start: -1 XERR_FAILURE\nbridgectl: " + places + own + "; " +
+                      registryValue);
+}
+
+TEST_F(BridgectlUsageTest, ALogThatCannotBeOpenedNamesTheRegistryValue) {
+    registry.set("UserDefinedDir", data / "nowhere");
+    expectFailure({"instances"}, 5,
+                  "cannot open the log file " + data.path() +
+                      "\\nowhere\\Logs/Player.log: 2 XERR_NOENT\nbridgectl: the data folder is in "
+                      "the registry: HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value "
+                      "\"UserDefinedDir\"");
+}
+
+TEST_F(BridgectlUsageTest, AMissingInstallFolderNamesTheRegistryValue) {
+    expectFailure({"launch", "Nougat64", "com.a"}, 5,
+                  "the registry names no install folder\nbridgectl: the installer writes it: "
+                  "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
+}

@@ -112,15 +112,15 @@ TEST_F(OptionParserTest, ANumberCanBeLimitedToARange) {
     command.add("--number", number, "").between(2, 5);
     expectUnderstood({"--number", "5"});
     EXPECT_EQ(number, 5u);
-    const ParseEnd end = parse({"--number", "6"});  // the library's words end differently in 2.4
-    EXPECT_EQ(end.kind, ParseEnd::Error);
-    EXPECT_EQ(end.text.rfind("--number: Value 6 not in range ", 0), 0u) << end.text;
+    for (const std::string wrong : {"6", "1", "-2", "x", "3x", "4294967299"}) {
+        expectError({"--number", wrong}, "--number: must be 2 to 5, not \"" + wrong + "\"");
+    }
 }
 
 TEST_F(OptionParserTest, APositiveNumberIsNotZero) {
     unsigned number = 0;
     command.add("--number", number, "").positive();
-    EXPECT_EQ(parse({"--number", "0"}).kind, ParseEnd::Error);
+    expectError({"--number", "0"}, "--number: must be 1 or more, not \"0\"");
     expectUnderstood({"--number", "1"});
 }
 
