@@ -14,6 +14,7 @@ struct OptionNode {
     bool isPositional = false;
     bool isRequired = false;
     bool takesValue = false;
+    bool needsValue = false;           // the next word is its value, whatever that is
     std::vector<std::string> choices;  // empty: any text
 };
 

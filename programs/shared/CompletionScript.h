@@ -3,11 +3,9 @@
 
 #include <string>
 
-#include "shared/CommandTree.h"
-
-// Scripts that make a shell complete a program's commands, options and the names that an argument
-// is limited to.
-std::string bashCompletion(const CommandNode& program);
-std::string powershellCompletion(const CommandNode& program);
+// Scripts that make a shell complete a program's command line. They ask the program itself, by
+// "complete -- WORD...", with the words before the one that is being typed.
+std::string bashCompletion(const std::string& program);
+std::string powershellCompletion(const std::string& program);
 
 #endif

@@ -31,6 +31,7 @@ OptionNode optionNode(const CLI::Option& option) {
     node.help = option.get_description();
     node.isRequired = option.get_required();
     node.takesValue = option.get_items_expected_max() > 0;
+    node.needsValue = option.get_items_expected_min() > 0;
     node.choices = choicesOf(option);
     return node;
 }

@@ -146,3 +146,31 @@ TEST_F(BridgectlUsageTest, AMissingInstallFolderNamesTheRegistryValue) {
                   "the registry names no install folder\nbridgectl: the installer writes it: "
                   "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
 }
+
+TEST_F(BridgectlUsageTest, CompletionOffersWhatTheProductHas) {
+    for (const char* folder : {"Engine", "Engine\\Nougat64", "Engine\\Nougat64\\AppCache"}) {
+        data.makeFolder(folder);
+    }
+    data.write(
+        "Engine\\Nougat64\\AppCache\\AppCache.json",
+        R"([{"package": "com.b"}, {"activity": "x"}, {"package": 3}, {"package": "com.a"}])");
+    EXPECT_EQ(output({"complete", "--", "conf", "list", "--instance"}), "Nougat64\nNougat64_1\n");
+    const std::string options = "--help\n--json\n--quiet\n--timing\n";
+    EXPECT_EQ(output({"complete", "--", "apps"}), "Nougat64\nNougat64_1\n" + options);
+    EXPECT_EQ(output({"complete", "--", "uninstall", "Nougat64"}).rfind("com.b\ncom.a\n--", 0), 0u);
+    EXPECT_EQ(output({"complete", "--", "uninstall", "Nougat64_1"}).rfind("--", 0), 0u);
+    EXPECT_EQ(output({"complete", "--", "--client"}),
+              "Launcher\nInstaller\nLogCollector\nHelper\nUninstaller\n");
+    const std::string keys = output({"complete", "--", "conf", "get"});
+    EXPECT_NE(keys.find("\nvtr.locale\n"), std::string::npos);
+    EXPECT_NE(keys.find("\nvtr.instance.Nougat64_1.dpi\n"), std::string::npos);
+    EXPECT_FALSE(data.has("Logs\\Player.log")) << "the library was started";
+}
+
+TEST_F(BridgectlUsageTest, CompletionWithoutAConfigurationOffersTheGlobalKeys) {
+    registry.set("UserDefinedDir", data / "nowhere");
+    const std::string keys = output({"complete", "--", "conf", "get"});
+    EXPECT_NE(keys.find("\nvtr.locale\n"), std::string::npos);
+    EXPECT_EQ(keys.find("vtr.instance."), std::string::npos);
+    EXPECT_EQ(output({"complete", "--", "conf", "list", "--instance"}), "");
+}

@@ -9,9 +9,9 @@
 
 namespace {
 
-void run(Session& session, const OptionParser& program, const std::string& shell) {
-    const CommandNode tree = program.tree();
-    const std::string script = shell == "bash" ? bashCompletion(tree) : powershellCompletion(tree);
+void run(Session& session, const std::string& program, const std::string& shell) {
+    const std::string script =
+        shell == "bash" ? bashCompletion(program) : powershellCompletion(program);
     if (session.json) {
         session.printJson(JsonObject{{"shell", shell}, {"script", script}});
     } else {
@@ -22,7 +22,7 @@ void run(Session& session, const OptionParser& program, const std::string& shell
 void declare(OptionParser& parser, Session& session) {
     const auto shell = std::make_shared<std::string>();
     parser.add("SHELL", *shell, "The shell").required().oneOf({"bash", "powershell"});
-    parser.onRun([&session, program = parser.parent(), shell] { run(session, program, *shell); });
+    parser.onRun([&session, name = parser.parent().name(), shell] { run(session, name, *shell); });
 }
 
 }  // namespace
@@ -31,5 +31,7 @@ extern const Command commandCompletion;
 const Command commandCompletion{"", "completion",
                                 "Prints a script that makes a shell complete the commands",
                                 "Example: bridgectl completion powershell >> $PROFILE\n"
-                                "For bash: source <(bridgectl completion bash)",
+                                "For bash: source <(bridgectl completion bash)\n"
+                                "The script asks the program for commands, options, keys, "
+                                "instances, packages and client\nids at each completion.",
                                 declare};
