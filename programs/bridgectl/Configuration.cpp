@@ -92,6 +92,10 @@ std::optional<ConfType> Configuration::typeOf(std::string_view key) const {
     return property == nullptr ? std::nullopt : std::optional(property->type);
 }
 
+const std::string& Configuration::defaultOf(std::string_view key) const {
+    return propertyOf(key)->defaultValue;
+}
+
 std::vector<KeyInfo> Configuration::list() const {
     std::map<std::string, const ConfProperty*> keys;
     for (const auto& [name, property] : catalogue_.globals()) {

@@ -39,6 +39,9 @@ class Configuration {
     // Type of a key by its name alone: any instance will do.
     std::optional<ConfType> typeOf(std::string_view key) const;
 
+    // The stored form that a key has by itself: its default. The key must have a type.
+    const std::string& defaultOf(std::string_view key) const;
+
     // Every key, in byte order.
     std::vector<KeyInfo> list() const;
 

@@ -85,10 +85,66 @@ TEST_F(BridgectlTest, SetsAndCommits) {
     EXPECT_NE(text.find("vtr.next_vm_id=\"-5\"\n"), std::string::npos);
 }
 
-TEST_F(BridgectlTest, SettingAKeyOfANewInstanceCreatesIt) {
-    EXPECT_EQ(output({"conf", "set", "vtr.instance.Nougat32.ram", "1024"}),
-              "vtr.instance.Nougat32.ram: unset -> 1024\n");
-    EXPECT_EQ(output({"conf", "get", "vtr.instance.Nougat32.display_name"}), "Vantrel\n");
+TEST_F(BridgectlTest, SettingAKeyOfAnUnknownInstanceDoesNotCreateIt) {
+    const std::string before = data.read("vantrel.conf");
+    expectFailure({"conf", "set", "vtr.instance.Nougat32.ram", "1024"}, 3,
+                  "no such instance: Nougat32\nbridgectl: did you mean Nougat64?");
+    expectFailure({"conf", "set", "vtr.instance.Nougat32_second.ram", "1024"}, 3,
+                  "no such instance: Nougat32_second");
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+}
+
+TEST_F(BridgectlTest, WithoutTheFileAnInstanceMayBeNew) {
+    const std::string file = data / "new.conf";
+    EXPECT_EQ(
+        output({"--no-conf", "conf", "set", "vtr.instance.Nougat32.ram", "1024", "--to", file}),
+        "vtr.instance.Nougat32.ram: unset -> 1024\n");
+    EXPECT_NE(data.read("new.conf").find("vtr.instance.Nougat32.ram=\"1024\"\n"),
+              std::string::npos);
+}
+
+TEST_F(BridgectlTest, UnsettingRestoresTheDefault) {
+    EXPECT_EQ(output({"conf", "unset", "vtr.next_vm_id"}), "vtr.next_vm_id: 3 -> 1\n");
+    EXPECT_EQ(output({"conf", "unset", "vtr.locale"}), "vtr.locale: fr-FR -> \n");
+    EXPECT_EQ(output({"conf", "unset", "vtr.feature.rooting"}),
+              "vtr.feature.rooting: invalid: \"maybe\" -> false\n");
+    EXPECT_EQ(output({"conf", "unset", "vtr.instance.Nougat64.display_name"}),
+              "vtr.instance.Nougat64.display_name: Jeux 日本 -> Vantrel\n");
+    EXPECT_EQ(output({"conf", "unset", "vtr.next_vm_id"}), "vtr.next_vm_id: 1 -> 1\n");
+    const std::string text = data.read("vantrel.conf");
+    EXPECT_NE(text.find("vtr.next_vm_id=\"1\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.locale=\"\"\n"), std::string::npos);
+    EXPECT_NE(text.find("vtr.instance.Nougat64.display_name=\"Vantrel\"\n"), std::string::npos);
+}
+
+TEST_F(BridgectlTest, AnEmptyDefaultThatCannotBeStoredIsRefused) {
+    const std::string before = data.read("vantrel.conf");
+    for (const std::string key : {"vtr.prefer_dedicated_gpu", "vtr.feature.macros",
+                                  "vtr.status.raw_mode", "vtr.status.ssse3_available"}) {
+        expectFailure({"conf", "unset", key}, 4,
+                      key +
+                          " has an empty default, which the library cannot store: its type is "
+                          "bool\nbridgectl: set it to a value: bridgectl conf set " +
+                          key + " false");
+    }
+    for (const std::string key :
+         {"vtr.status.imap_schema_version", "vtr.instance.Nougat64.cpus",
+          "vtr.instance.Nougat64.fb_height", "vtr.instance.Nougat64.fb_width",
+          "vtr.instance.Nougat64.ram", "vtr.instance.Nougat64.status.adb_port"}) {
+        expectFailure({"conf", "unset", key}, 4,
+                      key +
+                          " has an empty default, which the library cannot store: its type is "
+                          "i32\nbridgectl: set it to a value: bridgectl conf set " +
+                          key + " 0");
+    }
+    EXPECT_EQ(data.read("vantrel.conf"), before);
+}
+
+TEST_F(BridgectlTest, UnsettingNeedsAKeyAndAFile) {
+    expectFailure({"conf", "unset", "vtr.nothing"}, 3, "no such key: vtr.nothing");
+    expectFailure({"conf", "unset", "vtr.instance.Other.dpi"}, 3, "no such instance: Other");
+    expectFailure({"--no-conf", "conf", "unset", "vtr.locale"}, 2,
+                  "--no-conf leaves no file to commit to");
 }
 
 TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsNotCreated) {

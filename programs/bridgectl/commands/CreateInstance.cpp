@@ -27,4 +27,7 @@ void declare(OptionParser& parser, Session& session) {
 extern const Command commandCreateInstance;
 const Command commandCreateInstance{
     "", "create-instance", "Creates a new instance",
-    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u", declare};
+    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u\n"
+    "A copy of an instance is made by bridgeadm copy-instance; bridgeadm remove-instance removes "
+    "one.",
+    declare};

@@ -58,5 +58,7 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandInstances;
 const Command commandInstances{"", "instances", "Lists the instances",
-                               "Example: bridgectl instances\nThe JSON is the library's own.",
+                               "Example: bridgectl instances\nThe JSON is the library's own. To "
+                               "copy, remove or dump an instance, see bridgeadm:\nit has "
+                               "copy-instance, remove-instance and dump-instance.",
                                declare};
