@@ -27,7 +27,9 @@ bool EventServerProbe::connect(const std::string& serverName) {
     return true;
 }
 
-bool EventServerProbe::isOwn() const {
+std::uint32_t EventServerProbe::process() const {
     ULONG process = 0;
-    return ::GetNamedPipeServerProcessId(pipe_, &process) && process == ::GetCurrentProcessId();
+    return ::GetNamedPipeServerProcessId(pipe_, &process) ? process : 0;
 }
+
+bool EventServerProbe::isOwn() const { return process() == ::GetCurrentProcessId(); }

@@ -51,7 +51,7 @@ bool Session::start() {
 
 std::string Session::startHint() const {
     return "the configuration is " + confPath() + ", the log " + logPath() + "; " +
-           dataFolderHint();
+           dataFolderHint() + "; see bridgectl doctor";
 }
 
 void Session::printTimes() const {

@@ -4,6 +4,7 @@
 // X(name, number, meaning): how the program ends. The help prints this table.
 #define PROGRAM_EXIT_CODES(X)                                              \
     X(Success, 0, "done")                                                  \
+    X(Found, 1, "the doctor found a problem")                              \
     X(Usage, 2, "the command line is not understood")                      \
     X(UnknownName, 3, "no such key, instance or app")                      \
     X(BadValue, 4, "the value, stored or given, does not fit the type")    \

@@ -50,10 +50,10 @@ class ProgramRun {
     // end the process.
     bool requireInstallFolder();
 
+    std::string logPath() const;
+
  protected:
     ~ProgramRun() = default;
-
-    std::string logPath() const;
 
     // False after an error. A log that cannot be opened would end the process without a word.
     bool requireLog();

@@ -8,24 +8,7 @@
 
 namespace {
 
-// C0 controls and DEL, and in two bytes U+0080 to U+009F.
-std::string withoutControls(const std::string& text) {
-    std::string safe;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-        const bool isC1 = byte == 0xC2 && next >= 0x80 && next < 0xA0;
-        if (byte >= 0x20 && byte != 0x7F && !isC1) {
-            safe += text[i];
-            continue;
-        }
-        safe += "\xEF\xBF\xBD";
-        if (isC1) ++i;
-    }
-    return safe;
-}
-
-std::vector<TableRow> withoutControls(std::vector<TableRow> rows) {
+std::vector<TableRow> safeRows(std::vector<TableRow> rows) {
     for (TableRow& row : rows) {
         for (std::string& cell : row) cell = withoutControls(cell);
     }
@@ -59,8 +42,25 @@ std::string markdownRow(const TableRow& row) {
 
 }  // namespace
 
+// C0 controls and DEL, and in two bytes U+0080 to U+009F.
+std::string withoutControls(const std::string& text) {
+    std::string safe;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        const bool isC1 = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+        if (byte >= 0x20 && byte != 0x7F && !isC1) {
+            safe += text[i];
+            continue;
+        }
+        safe += "\xEF\xBF\xBD";
+        if (isC1) ++i;
+    }
+    return safe;
+}
+
 std::string formatTable(const std::vector<TableRow>& rows, const TextStyle& style) {
-    const std::vector<TableRow> shown = withoutControls(rows);
+    const std::vector<TableRow> shown = safeRows(rows);
     const std::vector<std::size_t> widths = columnWidths(shown);
     std::string text;
     for (const TableRow& row : shown) {

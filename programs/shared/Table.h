@@ -13,6 +13,9 @@ using TableRow = std::vector<std::string>;
 // reach the terminal.
 std::string formatTable(const std::vector<TableRow>& rows, const TextStyle& style = {});
 
+// A text with U+FFFD in place of its control characters.
+std::string withoutControls(const std::string& text);
+
 // The same as a table in Markdown.
 std::string markdownTable(const std::vector<TableRow>& rows);
 

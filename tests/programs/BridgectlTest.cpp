@@ -27,7 +27,7 @@ class BridgectlTest : public BridgectlFixture {
     // What a start that failed says beside its status.
     std::string places() const {
         return "the configuration is " + data.path() + "\\vantrel.conf, the log " + data.path() +
-               "\\Logs/Player.log; " + kDataFolder;
+               "\\Logs/Player.log; " + kDataFolder + "; see bridgectl doctor";
     }
 
     BridgectlTest() {

@@ -125,11 +125,11 @@ TEST_F(BridgectlUsageTest, AStartThatFailsNamesFileLogAndRegistryValue) {
     data.write("vantrel.conf", "nonsense\n");
     expectFailure({"instances"}, 5,
                   "the library did not start: -1 XERR_FAILURE\nbridgectl: " + places + data.path() +
-                      "\\Logs/Player.log; " + registryValue);
+                      "\\Logs/Player.log; " + registryValue + "; see bridgectl doctor");
     const std::string own = data / "own.log";
     expectFailure({"--log-file", own, "instances"}, 5,
                   "the library did not start: -1 XERR_FAILURE\nbridgectl: " + places + own + "; " +
-                      registryValue);
+                      registryValue + "; see bridgectl doctor");
 }
 
 TEST_F(BridgectlUsageTest, ALogThatCannotBeOpenedNamesTheRegistryValue) {

@@ -1,0 +1,109 @@
+#include "doctor/ConfigurationFindings.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "Configuration.h"
+#include "KeyNames.h"
+#include "conf/ConfKey.h"
+#include "conf/ConfText.h"
+#include "utl/UtlImages.h"
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+class Reader {
+ public:
+    Findings take(std::string_view content) {
+        if (content.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+            add("a byte order mark: nothing of the file is read",
+                "save the file as UTF-8 without a byte order mark");
+            content.remove_prefix(kByteOrderMark.size());
+        }
+        while (!content.empty()) {
+            const std::size_t end = content.find('\n');
+            ++line_;
+            readLine(content.substr(0, end));
+            content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
+        }
+        return findings_;
+    }
+
+ private:
+    void add(const std::string& found, const std::string& todo) {
+        const std::string place = line_ == 0 ? "" : "line " + std::to_string(line_) + ": ";
+        findings_.push_back({FindingLevel::Problem, "configuration", place + found, todo});
+    }
+
+    void readLine(std::string_view line) {
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos || equals + 1 == line.size()) {
+            add(line.empty() ? "an empty line: nothing behind it is read"
+                             : "not key=\"value\": nothing behind it is read",
+                "correct or remove the line");
+            return;
+        }
+        if (!hasFittingLength(line)) return;
+        if (line.back() == '\r') {
+            add("ends with CR LF: the value keeps its closing quote", "save with LF line ends");
+            line.remove_suffix(1);
+        }
+        const std::string_view quoted = line.substr(equals + 1);
+        if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') {
+            add("the value is not between quotes: its first and last characters are lost",
+                "put it between double quotes");
+            return;
+        }
+        readEntry(line.substr(0, equals), quoted.substr(1, quoted.size() - 2));
+    }
+
+    bool hasFittingLength(std::string_view line) {
+        if (line.size() > CONF_LINE_SIZE) {
+            add("more than 4096 bytes: nothing behind it is read", "shorten or remove the line");
+            return false;
+        }
+        if (line.size() + 1 >= CONF_LINE_SIZE) {
+            add("4095 bytes or more: no commit succeeds", "set the key to a shorter value");
+        }
+        return true;
+    }
+
+    void readEntry(std::string_view name, std::string_view value) {
+        const std::string key(name);
+        if (!known_.typeOf(key)) {
+            const std::string hint = keyHint(known_, key);
+            add("the key " + key + " is unknown: nothing behind it is read",
+                hint.empty() ? "remove the line" : hint);
+            return;
+        }
+        const ConfKey parts = confSplitKey(key);
+        if (parts.scope == ConfScope::Instance) checkImage(std::string(parts.instance));
+        const std::string entry = key + "=\"" + std::string(value) + "\"\n";
+        const std::optional<KeyInfo> info = Configuration(entry).find(key);
+        if (info && info->state == KeyState::Invalid) {
+            add(key + " holds no " + typeName(info->type) + ": \"" + info->text +
+                    "\": who reads it ends",
+                "bridgectl conf unset " + key);
+        }
+    }
+
+    // Once for each instance, whose keys stand together.
+    void checkImage(const std::string& instance) {
+        if (instance == lastInstance_) return;
+        lastInstance_ = instance;
+        if (utlFindImageTrait(utlImageNameOfInstance(instance)) != nullptr) return;
+        add("instance " + instance + " has an unknown image: who lists the instances ends",
+            "bridgeadm remove-instance " + instance);
+    }
+
+    Findings findings_;
+    std::size_t line_ = 0;
+    std::optional<std::string> lastInstance_;
+    const Configuration known_{""};
+};
+
+}  // namespace
+
+Findings configurationFindings(std::string_view content) { return Reader().take(content); }
