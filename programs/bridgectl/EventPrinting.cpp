@@ -115,8 +115,9 @@ void printRequestedEvents(Session& session, const EventRequest& request) {
     EventQueue::End end = EventQueue::End::Stopped;
     if (!printEvents(session, request, printer, end)) return;
     if (printer.isComplete()) return;
-    session.notice(printer.summary());
     if (request.count > 0 && end == EventQueue::End::TimedOut) {
-        session.exitCode = ExitCode::Timeout;
+        session.fail(ExitCode::Timeout, printer.summary());
+    } else {
+        session.notice(printer.summary());
     }
 }

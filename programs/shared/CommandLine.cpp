@@ -1,10 +1,14 @@
 #include "shared/CommandLine.h"
 
+#include <algorithm>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "shared/Command.h"
 #include "shared/Console.h"
 #include "shared/ExitCode.h"
+#include "shared/JsonValue.h"
 #include "shared/OptionParser.h"
 #include "shared/ProgramRun.h"
 
@@ -61,20 +65,30 @@ void endWith(ProgramRun& run, const Program& program, const ParseEnd& end) {
         case ParseEnd::Understood:
             return;
         case ParseEnd::Help:
-            run.print(outputStyle().help(end.text));
+            run.json ? run.printJson(JsonObject{{"help", end.text}})
+                     : run.print(outputStyle().help(end.text));
             return;
         case ParseEnd::Version:
-            run.print(end.text + "\n");
+            run.json ? run.printJson(JsonObject{{"version", end.text}})
+                     : run.print(end.text + "\n");
             return;
         case ParseEnd::Error:
             run.fail(ExitCode::Usage, end.text, hintOf(program, end));
     }
 }
 
+// Whether even the error of a command line that is not understood is to be JSON.
+bool asksForJson(const std::vector<std::string>& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::find(arguments.begin(), end, "--json") != end;
+}
+
 int parseAndRun(const Program& program, Session& session, ProgramRun& run) {
     ProgramParser parser(programName, program.description);
     declareProgram(parser, program, session);
-    endWith(run, program, parser.parse(commandLineArguments()));
+    const std::vector<std::string> arguments = commandLineArguments();
+    run.json = asksForJson(arguments);
+    endWith(run, program, parser.parse(arguments));
     return static_cast<int>(run.exitCode);
 }
 
@@ -82,10 +96,11 @@ int parseAndRun(const Program& program, Session& session, ProgramRun& run) {
 
 int runCommandLine(const Program& program, Session& session, ProgramRun& run) noexcept {
     keepStandardHandles();
+    takeStandardOutput();
     try {
         return parseAndRun(program, session, run);
     } catch (const std::exception& error) {
-        printError(error.what());
-        return static_cast<int>(ExitCode::Library);
+        run.fail(ExitCode::Library, error.what());
+        return static_cast<int>(run.exitCode);
     }
 }

@@ -1,6 +1,9 @@
 // The console and the command line of Windows.
 #include "shared/Console.h"
 
+#include <fcntl.h>
+#include <io.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <memory>
@@ -38,8 +41,24 @@ bool printBytes(HANDLE handle, std::string_view text) {
     return true;
 }
 
+// Standard output once it was taken; null before.
+std::atomic<HANDLE> takenOutput{nullptr};
+
+HANDLE handleOf(DWORD stream) {
+    const HANDLE taken = stream == STD_OUTPUT_HANDLE ? takenOutput.load() : nullptr;
+    return taken == nullptr ? ::GetStdHandle(stream) : taken;
+}
+
+// Leads the C runtime's descriptor 1 to standard error, or to nowhere. The runtime is the one that
+// the libraries of this process print with.
+void redirectDescriptor() {
+    if (::_dup2(2, 1) == 0) return;
+    const int nowhere = ::_open("NUL", _O_WRONLY | _O_BINARY);
+    if (nowhere >= 0 && ::_dup2(nowhere, 1) == 0) ::_close(nowhere);
+}
+
 bool print(DWORD stream, std::string_view text) {
-    const HANDLE handle = ::GetStdHandle(stream);
+    const HANDLE handle = handleOf(stream);
     DWORD mode = 0;
     std::wstring wide;
     const bool isConsole = ::GetConsoleMode(handle, &mode) != 0;
@@ -48,7 +67,7 @@ bool print(DWORD stream, std::string_view text) {
 }
 
 TextStyle styleOf(DWORD stream) {
-    const HANDLE handle = ::GetStdHandle(stream);
+    const HANDLE handle = handleOf(stream);
     DWORD mode = 0;
     const bool showsColours =
         ::GetConsoleMode(handle, &mode) != 0 &&
@@ -68,6 +87,20 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
 }
 
 }  // namespace
+
+void takeStandardOutput() {
+    HANDLE copy = nullptr;
+    const HANDLE process = ::GetCurrentProcess();
+    if (!::DuplicateHandle(process, ::GetStdHandle(STD_OUTPUT_HANDLE), process, &copy, 0,
+                           /*bInheritHandle=*/FALSE, DUPLICATE_SAME_ACCESS)) {
+        return;
+    }
+    takenOutput = copy;
+    redirectDescriptor();
+    const auto redirected = reinterpret_cast<HANDLE>(::_get_osfhandle(1));
+    ::SetHandleInformation(redirected, HANDLE_FLAG_INHERIT, 0);
+    ::SetStdHandle(STD_OUTPUT_HANDLE, redirected);
+}
 
 bool printOut(std::string_view text) { return print(STD_OUTPUT_HANDLE, text); }
 

@@ -7,6 +7,10 @@
 
 #include "shared/TextStyle.h"
 
+// Keeps standard output for printOut(): whatever else of this process prints there, such as a
+// library that has no log yet, prints on standard error from then on.
+void takeStandardOutput();
+
 // UTF-8 in and out: as it stands into files and pipes, converted for a console window. False when
 // not all of it could be written.
 bool printOut(std::string_view text);

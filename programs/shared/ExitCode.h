@@ -22,4 +22,16 @@ enum class ExitCode : int {
 #undef PROGRAM_ENUMERATOR
 };
 
+// Name of a code: "UnknownName".
+constexpr const char* exitCodeName(ExitCode code) {
+    switch (code) {
+#define PROGRAM_NAME(name, number, meaning) \
+    case ExitCode::name:                    \
+        return #name;
+        PROGRAM_EXIT_CODES(PROGRAM_NAME)
+#undef PROGRAM_NAME
+    }
+    return "";
+}
+
 #endif

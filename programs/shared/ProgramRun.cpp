@@ -7,6 +7,19 @@
 #include "utl/UtlRegistry.h"
 #include "xpl/Xfile.h"
 
+namespace {
+
+// An output that takes nothing has a failure of its own already, or gets it at the next result.
+void printErrorJson(ExitCode code, const std::string& message, const std::string& hint) {
+    const JsonValue error = JsonObject{{"code", static_cast<int>(code)},
+                                       {"name", exitCodeName(code)},
+                                       {"text", message},
+                                       {"hint", hint.empty() ? JsonValue(nullptr) : hint}};
+    static_cast<void>(printOut(error.inOneLine() + "\n"));
+}
+
+}  // namespace
+
 bool ProgramRun::print(std::string_view text) {
     return printOut(text) || fail(ExitCode::Output, "standard output cannot be written");
 }
@@ -26,6 +39,7 @@ bool ProgramRun::fail(ExitCode code, const std::string& message, const std::stri
     printError(message);
     if (!hint.empty()) printError(hint);
     exitCode = code;
+    if (json && code != ExitCode::Output) printErrorJson(code, message, hint);
     return false;
 }
 

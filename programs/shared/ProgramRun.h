@@ -36,7 +36,8 @@ class ProgramRun {
     void notice(const std::string& text) const;
 
     // Prints an error, and in a line of its own what to do about it where that is known, and sets
-    // the exit code; false, so that callers can return it.
+    // the exit code; false, so that callers can return it. With `json` the same goes to standard
+    // output too, as one line: an object with "code", "name", "text" and "hint".
     bool fail(ExitCode code, const std::string& message, const std::string& hint = {});
 
     // The same for a status of the library.

@@ -152,8 +152,14 @@ TEST_F(BridgeadmTest, WhatIsTooLongForADumpIsAnErrorAndNotTheEnd) {
     entries["vtr.instance.Nougat64.display_name"] = tooLong;
     write(entries);
     expectFailure({"dump-instance", "Nougat32"}, 4, "too long for a dump: vtr.shared_folders");
-    expectFailure({"dump-instance", "Nougat64", "--json"}, 4,
-                  "too long for a dump: vtr.instance.Nougat64.display_name vtr.shared_folders");
+    const std::string both =
+        "too long for a dump: vtr.instance.Nougat64.display_name vtr.shared_folders";
+    expectFailure({"dump-instance", "Nougat64"}, 4, both);
+    const ChildResult result = run({"dump-instance", "Nougat64", "--json"});
+    EXPECT_EQ(result.status, 4u);
+    EXPECT_EQ(result.out, R"({"code":4,"name":"BadValue","text":")" + both +
+                              R"(","hint":null})"
+                              "\n");
 }
 
 TEST_F(BridgeadmTest, AMissingFileIsAnError) {

@@ -65,10 +65,12 @@ std::map<std::string, Arguments> examplesOf(const Json& command, const std::stri
 }  // namespace
 
 TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
+    useStandins("none", "1");  // their events would come into the next test
     const auto examples = examplesOf(json({"help", "--json"}));
     EXPECT_EQ(examples.count("conf get"), 1u);
     for (const auto& [name, example] : examples) {
         if (name == "events" || name == "wait-for") continue;  // below
+        if (name == "doctor") continue;                        // has tests of its own
         ASSERT_EQ((joined(example) + " ").rfind(name + " ", 0), 0u)
             << "is not an example of " << name;
         Arguments line = example;
@@ -112,11 +114,53 @@ TEST_F(BridgectlJsonTest, AnUnsetKeyIsNullAndItsExitCodeStays) {
     EXPECT_TRUE(Json::parse(result.out)["value"].is_null());
 }
 
-TEST_F(BridgectlJsonTest, AnErrorLeavesStandardOutputEmpty) {
+TEST_F(BridgectlJsonTest, AnErrorIsAnObjectAndALine) {
     const ChildResult result = run({"conf", "get", "vtr.nothing", "--json"});
     EXPECT_EQ(result.status, 3u);
-    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.out,
+              R"({"code":3,"name":"UnknownName","text":"no such key: vtr.nothing","hint":null})"
+              "\n");
     EXPECT_EQ(result.err, "bridgectl: no such key: vtr.nothing\n");
+    EXPECT_EQ(run({"--json", "apps", "Nuogat64"}).out,
+              R"({"code":3,"name":"UnknownName","text":"no such instance: Nuogat64",)"
+              R"("hint":"did you mean Nougat64?"})"
+              "\n");
+}
+
+TEST_F(BridgectlJsonTest, MisuseIsAnObjectToo) {
+    for (const Arguments& arguments :
+         {Arguments{"--json", "instnaces"}, Arguments{"instnaces", "--json"}}) {
+        const ChildResult result = run(arguments);
+        EXPECT_EQ(result.status, 2u);
+        EXPECT_EQ(result.out, R"({"code":2,"name":"Usage","text":"no such command: instnaces",)"
+                              R"("hint":"did you mean instances?"})"
+                              "\n");
+    }
+    EXPECT_EQ(run({"conf", "set", "vtr.locale", "--", "--json", "x"}).out, "")
+        << "behind \"--\" it is a text";
+}
+
+TEST_F(BridgectlJsonTest, NothingButJsonIsOnStandardOutput) {
+    // Before its log is open the library prints its lines.
+    const ChildResult result = run({"--client", "Other", "instances", "--json"});
+    EXPECT_EQ(result.status, 5u);
+    const Json error = Json::parse(result.out, nullptr, false);
+    EXPECT_EQ(error["text"], "the library did not start: 22 XERR_INVAL") << result.out;
+    EXPECT_NE(result.err.find("bridgeApiInitEx: Invalid clientId : Other"), std::string::npos)
+        << result.err;
+    for (const Arguments& arguments :
+         {Arguments{"--help", "--json"}, Arguments{"conf", "get", "--help", "--json"},
+          Arguments{"--version", "--json"}, Arguments{"catalogue", "--markdown", "--json"},
+          Arguments{"explain", "--markdown", "--json"}, Arguments{"--json"}}) {
+        const std::string out = run(arguments).out;
+        EXPECT_FALSE(Json::parse(out, nullptr, false).is_discarded()) << arguments[0] << out;
+    }
+}
+
+TEST_F(BridgectlJsonTest, WhatTheLibraryPrintsIsNotOnStandardOutput) {
+    const ChildResult result = run({"--client", "Other", "conf", "get", "vtr.locale"});
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(result.err.find("bridgeApiInitEx: Invalid clientId : Other"), std::string::npos);
 }
 
 TEST_F(BridgectlJsonTest, ChangesAreShownWithWhatWasBefore) {
@@ -173,6 +217,11 @@ TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
     EXPECT_EQ(result.err,
               "bridgectl: listening on vtr_LogCollector_bridge_nvo\n"
               "bridgectl: 0 of 1 events\n");
+    EXPECT_EQ(
+        run({"--client", "LogCollector", "wait-for", "app-installed", "--timeout", "1", "--json"})
+            .out,
+        R"({"code":9,"name":"Timeout","text":"0 of 1 events","hint":null})"
+        "\n");
     EXPECT_EQ(run({"wait-for", "nonsense"}).status, 2u);
 }
 

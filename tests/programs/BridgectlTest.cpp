@@ -264,7 +264,7 @@ TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
     data.write("vantrel.conf", "vtr.instance.Nougat64.ram=\"many\"\n");
     expectFailure({"instances"}, 4, "vtr.instance.Nougat64.ram holds no i32: \"many\"");
     data.write("vantrel.conf", "vtr.instance.Nougat64.cpus=\"many\"\n");
-    expectFailure({"instances", "--json"}, 4, "vtr.instance.Nougat64.cpus holds no i32: \"many\"");
+    expectFailure({"instances"}, 4, "vtr.instance.Nougat64.cpus holds no i32: \"many\"");
 }
 
 TEST_F(BridgectlTest, ListsAppsAsATable) {
@@ -348,7 +348,8 @@ TEST_F(BridgectlTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
 TEST_F(BridgectlTest, AnUnknownClientIsRefusedByTheLibrary) {
     const ChildResult result = run({"--client", "Other", "conf", "get", "vtr.locale"});
     EXPECT_EQ(result.status, 5u);
-    EXPECT_EQ(result.err.rfind("bridgectl: the library did not start: 22 XERR_INVAL\n", 0), 0u);
+    EXPECT_NE(result.err.find("bridgectl: the library did not start: 22 XERR_INVAL\n"),
+              std::string::npos);
 }
 
 TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {

@@ -11,7 +11,7 @@
 namespace {
 
 void run(Session& session, bool markdown) {
-    if (markdown) {
+    if (markdown && !session.json) {
         session.print(catalogueMarkdown());
     } else if (session.json) {
         session.printJson(catalogueJson());

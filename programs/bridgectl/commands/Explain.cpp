@@ -36,7 +36,7 @@ void printOne(Session& session, const std::string& text) {
 }
 
 void run(Session& session, const std::string* code, bool markdown) {
-    if (markdown) {
+    if (markdown && !session.json) {
         session.print(resultCodesMarkdown());
     } else if (code == nullptr) {
         printAll(session);
