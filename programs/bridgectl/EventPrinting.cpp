@@ -2,23 +2,17 @@
 #include "EventPrinting.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <optional>
-#include <thread>
 
 #include "Event.h"
+#include "EventListening.h"
 #include "EventQueue.h"
 #include "EventServer.h"
 #include "EventSource.h"
-#include "ipc/IpcName.h"
-#include "shared/Console.h"
 #include "shared/ExitCode.h"
-#include "utl/UtlFolders.h"
 
 namespace {
-
-using Clock = EventQueue::Clock;
 
 // Prints the events that are wanted, up to the count.
 class Printer {
@@ -54,44 +48,11 @@ class Printer {
     std::size_t printed_ = 0;
 };
 
-bool failInUse(Session& session, const std::string& server) {
-    return session.fail(ExitCode::NameInUse,
-                        "another front end serves " + server + ": see --client");
-}
-
-// The library's thread starts to listen, or fails to, some time after the registration, and tells
-// its log only.
-bool waitUntilServing(Session& session, const std::string& server, EventServerProbe& probe) {
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(10);
-    while (!probe.connect(server)) {
-        if (Clock::now() >= end) {
-            return session.fail(ExitCode::Library, "the library does not listen; see the log");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return probe.isOwn() || failInUse(session, server);
-}
-
-bool listen(Session& session, EventServerProbe& probe) {
-    const std::string server = utlLocalObjectName(session.client + "_bridge");
-    if (ipcNameIsServed(server)) return failInUse(session, server);
-    onConsoleEnd([] { eventQueue().stop(); });
-    session.timed("bridgeRegisterCallbacks", startEvents);
-    if (!waitUntilServing(session, server, probe)) return false;
-    session.notice("listening on " + server);
-    return true;
-}
-
-std::optional<Clock::time_point> deadlineOf(const EventRequest& request) {
-    if (request.timeout == 0) return std::nullopt;
-    return Clock::now() + std::chrono::seconds(request.timeout);
-}
-
 // Prints until the count is reached or the waiting ends, and then what came before the library
 // stopped. False, after an error, when the output takes no more.
 bool printEvents(Session& session, const EventRequest& request, Printer& printer,
                  EventQueue::End& end) {
-    const std::optional<Clock::time_point> deadline = deadlineOf(request);
+    const std::optional<EventQueue::Clock::time_point> deadline = eventDeadline(request.timeout);
     while (!printer.isComplete()) {
         const std::optional<Event> event = eventQueue().take(deadline, end);
         if (!event) break;
@@ -110,7 +71,8 @@ bool printEvents(Session& session, const EventRequest& request, Printer& printer
 
 void printRequestedEvents(Session& session, const EventRequest& request) {
     EventServerProbe probe;
-    if (!session.start() || !listen(session, probe)) return;
+    if (!session.start() || !listenToEvents(session, probe)) return;
+    session.notice("listening on " + eventServerName(session));
     Printer printer(session, request);
     EventQueue::End end = EventQueue::End::Stopped;
     if (!printEvents(session, request, printer, end)) return;

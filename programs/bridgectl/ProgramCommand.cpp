@@ -2,29 +2,79 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
+#include <string_view>
 
+#include "Event.h"
+#include "EventListening.h"
+#include "EventQueue.h"
+#include "EventServer.h"
+#include "EventSource.h"
 #include "shared/ExitCode.h"
 #include "shared/OptionParser.h"
 
 namespace {
 
-void run(Session& session, const ProgramTexts& texts, const ProgramCall& call) {
-    if (!session.start() || !session.requireInstallFolder()) return;
-    const int status = session.timed(call.function, [&] { return call.call(texts); });
-    if (status != 0) {
-        session.failStatus(ExitCode::Program, "not started", status);
+struct Arguments {
+    ProgramTexts texts;
+    std::optional<unsigned> wait;  // seconds; 0: without an end
+};
+
+void printOutcome(Session& session, const Event& event, Outcome outcome) {
+    const std::string line = eventText(event);
+    if (outcome == Outcome::Failure) {
+        // The line without its time and its line feed.
+        const std::size_t start = line.find(' ') + 1;
+        session.fail(ExitCode::Reported,
+                     "it failed: " + line.substr(start, line.size() - start - 1));
+    } else if (!session.quiet) {
+        session.print(session.json ? eventJson(event) : line);
+    }
+}
+
+void waitForOutcome(Session& session, const Arguments& arguments, const ProgramCall& call) {
+    const std::optional<EventQueue::Clock::time_point> deadline = eventDeadline(*arguments.wait);
+    EventQueue::End end = EventQueue::End::Stopped;
+    while (const std::optional<Event> event = eventQueue().take(deadline, end)) {
+        const Outcome outcome = call.outcomeOf(*event, arguments.texts);
+        if (outcome == Outcome::Unknown) continue;
+        printOutcome(session, *event, outcome);
         return;
     }
-    session.confirm("started", JsonObject{{"started", true}});
+    session.fail(ExitCode::Timeout, "started, but no event said how it ended");
+}
+
+void run(Session& session, const Arguments& arguments, const ProgramCall& call,
+         bool isForInstance) {
+    if (!session.start()) return;
+    if (isForInstance && !session.requireInstance(arguments.texts[0])) return;
+    if (!session.requireInstallFolder()) return;
+    EventServerProbe probe;
+    if (arguments.wait && !listenToEvents(session, probe)) return;
+    const int status = session.timed(call.function, [&] { return call.call(arguments.texts); });
+    if (status != 0) {
+        session.failStatus(ExitCode::Program, "not started", status);
+    } else if (arguments.wait) {
+        waitForOutcome(session, arguments, call);
+    } else {
+        session.confirm("started", JsonObject{{"started", true}});
+    }
 }
 
 }  // namespace
 
 void declareProgram(OptionParser& parser, Session& session,
                     const std::vector<ProgramArgument>& arguments, const ProgramCall& call) {
-    const auto texts = std::make_shared<ProgramTexts>(arguments.size());
+    const auto given = std::make_shared<Arguments>();
+    given->texts.resize(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        parser.add(arguments[i].name, (*texts)[i], arguments[i].help).required();
+        parser.add(arguments[i].name, given->texts[i], arguments[i].help).required();
     }
-    parser.onRun([&session, texts, call] { run(session, *texts, call); });
+    if (call.outcomeOf != nullptr) {
+        parser.addWithOptionalNumber("--wait", given->wait, "SECONDS",
+                                     "Wait until an event says how it ended, so long at most");
+    }
+    const bool isForInstance = std::string_view(arguments.front().name) == "INSTANCE";
+    parser.onRun(
+        [&session, given, call, isForInstance] { run(session, *given, call, isForInstance); });
 }

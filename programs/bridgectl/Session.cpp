@@ -65,6 +65,10 @@ bool Session::failInstance(std::string_view instance) {
     return ProgramRun::failInstance(instance, nearestHint(instance, {known.begin(), known.end()}));
 }
 
+bool Session::requireInstance(const std::string& instance) {
+    return noConf || configuration().instances().count(instance) > 0 || failInstance(instance);
+}
+
 bool Session::failInvalid(const KeyInfo& key) {
     return fail(ExitCode::BadValue,
                 key.key + " holds no " + typeName(key.type) + ": \"" + key.text + "\"");

@@ -46,6 +46,10 @@ class Session : public ProgramRun {
     // The error of a key in KeyState::Invalid.
     bool failInvalid(const KeyInfo& key);
 
+    // False, after an error, when there is no such instance. Without the configuration file none is
+    // known, and any will do.
+    bool requireInstance(const std::string& instance);
+
     // Type of a key; nothing, after an error, when there is no such key.
     std::optional<ConfType> requireType(const std::string& key);
 

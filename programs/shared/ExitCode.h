@@ -12,9 +12,10 @@
     X(Commit, 6, "the change could not be written; the old file is whole") \
     X(Unset, 7, "the key has no value")                                    \
     X(Program, 8, "the program could not be started or asked")             \
-    X(Timeout, 9, "the events that were counted did not come in time")     \
+    X(Timeout, 9, "the events that were waited for did not come in time")  \
     X(NameInUse, 10, "another front end receives the client's events")     \
-    X(Output, 11, "standard output cannot be written")
+    X(Output, 11, "standard output cannot be written")                     \
+    X(Reported, 12, "an event reported that the work failed")
 
 enum class ExitCode : int {
 #define PROGRAM_ENUMERATOR(name, number, meaning) name = number,

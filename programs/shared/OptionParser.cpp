@@ -15,6 +15,15 @@ namespace {
 
 constexpr const char* kEmpty = "the value is empty";
 
+// What stands for the number of an option that has none.
+constexpr const char* kNoNumber = "forever";
+
+bool parseUnsigned(const std::string& text, unsigned& number) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end;
+}
+
 // The help shows the names that an option is limited to as "{a,b}" in its type.
 std::vector<std::string> choicesOf(const CLI::Option& option) {
     const std::string type = option.get_type_name();
@@ -150,10 +159,7 @@ Option Option::between(unsigned least, unsigned most) {
 Option Option::inRange(unsigned least, unsigned most, const std::string& words) {
     const auto check = [least, most, words](std::string& text) {
         unsigned number = 0;
-        const char* const end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data(), end, number);
-        const bool isNumber = error == std::errc() && stop == end;
-        const bool fits = isNumber && number >= least && number <= most;
+        const bool fits = parseUnsigned(text, number) && number >= least && number <= most;
         return fits ? std::string() : "must be " + words + ", not \"" + text + "\"";
     };
     option_->check(CLI::Validator(check, ""));
@@ -196,6 +202,20 @@ Option OptionParser::add(const char* name, std::optional<std::int32_t>& value, c
 
 Option OptionParser::add(const char* name, std::vector<std::string>& value, const char* help) {
     return addOption(*app_, name, value, help);
+}
+
+Option OptionParser::addWithOptionalNumber(const char* name, std::optional<unsigned>& value,
+                                           const char* number, const char* help) {
+    const auto take = [name, &value](const CLI::results_t& results) {
+        value = 0;
+        if (results.front() == kNoNumber) return true;
+        if (results.front().empty()) throw CLI::ValidationError(name, kEmpty);
+        if (parseUnsigned(results.front(), *value) && *value > 0) return true;
+        throw CLI::ValidationError(name, "must be 1 or more, not \"" + results.front() + "\"");
+    };
+    CLI::Option* const option = app_->add_option(name, take, help);
+    option->expected(0, 1)->default_str(kNoNumber)->type_name(number);
+    return Option(*option);
 }
 
 Option OptionParser::addFlag(const char* name, bool& value, const char* help) {

@@ -63,6 +63,11 @@ class OptionParser {
     Option add(const char* name, std::optional<std::int32_t>& value, const char* help);
     Option add(const char* name, std::vector<std::string>& value, const char* help);
 
+    // An option that may have a number of 1 or more behind it, shown under this name. The value is
+    // 0 without the number, and stays as it is without the option.
+    Option addWithOptionalNumber(const char* name, std::optional<unsigned>& value,
+                                 const char* number, const char* help);
+
     // An option that is there or not.
     Option addFlag(const char* name, bool& value, const char* help);
 

@@ -401,9 +401,10 @@ TEST_F(BridgectlEventsTest, AnUnknownClientIsRefusedByTheLibrary) {
 
 TEST_F(BridgectlEventsTest, HelpExplainsTheEnds) {
     const ChildResult result = run({"--help"});
-    for (const char* part : {"  events ", "  9  the events that were counted did not come in time",
-                             "  10  another front end receives the client's events",
-                             "  11  standard output cannot be written"}) {
+    for (const char* part :
+         {"  events ", "  9  the events that were waited for did not come in time",
+          "  10  another front end receives the client's events",
+          "  11  standard output cannot be written"}) {
         EXPECT_NE(result.out.find(part), std::string::npos) << part << result.out;
     }
 }

@@ -246,3 +246,19 @@ TEST_F(OptionParserTest, AnOptionThatEndsAtItsEqualsSignDoesNotTakeTheNextWord) 
     expectError({"--text=", "next"}, "--text: the value is empty");
     EXPECT_EQ(text, "before");
 }
+
+TEST_F(OptionParserTest, AnOptionCanHaveANumberOrNone) {
+    std::optional<unsigned> number;
+    command.add("TEXT", text, "").required();
+    command.addWithOptionalNumber("--wait", number, "SECONDS", "");
+    expectUnderstood({"here"});
+    EXPECT_FALSE(number);
+    expectUnderstood({"here", "--wait"});
+    EXPECT_EQ(number, 0u);
+    expectUnderstood({"--wait", "here"});
+    EXPECT_EQ(number, 0u) << "the required argument comes first";
+    expectUnderstood({"--wait", "7", "here"});
+    EXPECT_EQ(number, 7u);
+    expectError({"here", "--wait", "0"}, "--wait: must be 1 or more, not \"0\"");
+    expectError({"here", "--wait", ""}, "--wait: the value is empty");
+}

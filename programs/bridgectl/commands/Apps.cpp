@@ -16,11 +16,7 @@ namespace {
 
 void run(Session& session, const std::string& instance) {
     if (!session.start()) return;
-    // Without the configuration file no instance is known, and the library is asked for any.
-    if (!session.noConf && session.configuration().instances().count(instance) == 0) {
-        session.failInstance(instance);
-        return;
-    }
+    if (!session.requireInstance(instance)) return;
     const LibraryText text(session.timed("bridgeGetInstalledApps", [&instance] {
         return bridgeGetInstalledApps(instance.c_str());
     }));

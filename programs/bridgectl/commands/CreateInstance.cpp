@@ -19,7 +19,7 @@ void declare(OptionParser& parser, Session& session) {
                     {"ENGINE", "Graphics engine"},
                     {"RENDERER", "Graphics renderer"},
                     {"PROFILE", "Device profile code"}},
-                   {"bridgeCreateFreshInstance", call});
+                   {"bridgeCreateFreshInstance", call, createInstanceOutcome});
 }
 
 }  // namespace
@@ -27,7 +27,9 @@ void declare(OptionParser& parser, Session& session) {
 extern const Command commandCreateInstance;
 const Command commandCreateInstance{
     "", "create-instance", "Creates a new instance",
-    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u\n"
-    "A copy of an instance is made by bridgeadm copy-instance; bridgeadm remove-instance removes "
+    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u --wait 600\n"
+    "With --wait, it ends when the instance has been created; another status than 0 is a failure, "
+    "which\nis the exit code 12."
+    " A copy of an instance is made by bridgeadm copy-instance; bridgeadm remove-instance removes "
     "one.",
     declare};

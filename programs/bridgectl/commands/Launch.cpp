@@ -11,11 +11,13 @@ int call(const ProgramTexts& texts) { return bridgeLaunchApp(texts[0].c_str(), t
 void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
-                   {"bridgeLaunchApp", call});
+                   {"bridgeLaunchApp", call, launchOutcome});
 }
 
 }  // namespace
 
 extern const Command commandLaunch;
 const Command commandLaunch{"", "launch", "Launches an app in an instance",
-                            "Example: bridgectl launch Nougat64 com.example.app", declare};
+                            "Example: bridgectl launch Nougat64 com.example.app --wait 60\n"
+                            "With --wait, it ends when the app is displayed.",
+                            declare};

@@ -28,6 +28,7 @@ void run(Session& session, const Arguments& arguments) {
         session.confirm("asked the manager and every player", JsonObject{{"instance", nullptr}});
         return;
     }
+    if (!session.requireInstance(arguments.instance)) return;
     const int status = session.timed("bridgePlrShutdown", [&arguments] {
         return bridgePlrShutdown(arguments.instance.c_str(), arguments.flag ? 1 : 0);
     });

@@ -13,11 +13,13 @@ int call(const ProgramTexts& texts) {
 void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"INSTANCE", "Instance name"}, {"PACKAGE", "Android package name"}},
-                   {"bridgeUninstallApp", call});
+                   {"bridgeUninstallApp", call, uninstallOutcome});
 }
 
 }  // namespace
 
 extern const Command commandUninstall;
 const Command commandUninstall{"", "uninstall", "Uninstalls an app from an instance",
-                               "Example: bridgectl uninstall Nougat64 com.example.app", declare};
+                               "Example: bridgectl uninstall Nougat64 com.example.app --wait 60\n"
+                               "With --wait, it ends when the app has been uninstalled.",
+                               declare};

@@ -1,0 +1,117 @@
+// Commands that wait for the outcome of the program that they start, and instances that there are
+// not.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "ProgramFixture.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kTimeLength = 29;
+
+class BridgectlWaitTest : public BridgectlFixture {
+ protected:
+    BridgectlWaitTest() {
+        data.write("vantrel.conf", "vtr.instance.Nougat64.dpi=\"240\"\n");
+        setScript("");
+    }
+
+    void setScript(const std::string& script) {
+        useStandins("LogCollector", "1");
+        options.environment.emplace_back("QX_STANDIN_SCRIPT", data.write("script", script));
+    }
+
+    ChildResult wait(Arguments arguments) const {
+        arguments.insert(arguments.begin(), {"--client", "LogCollector"});
+        return run(arguments);
+    }
+
+    void expectEvent(const Arguments& arguments, const std::string& event) const {
+        const ChildResult result = wait(arguments);
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        ASSERT_GT(result.out.size(), kTimeLength);
+        EXPECT_EQ(result.out.substr(kTimeLength), " " + event + "\n");
+    }
+};
+
+}  // namespace
+
+TEST_F(BridgectlWaitTest, EachCommandWaitsForItsEvent) {
+    expectEvent({"launch", "Nougat64", "com.a", "--wait"},
+                "app-displayed instance=\"Nougat64\" package=\"com.a\"");
+    expectEvent({"install-apk", "Nougat64", "C:\\d\\com.b.apk", "--wait", "50"},
+                "apk-install-completed instance=\"Nougat64\" status=0 "
+                "apkFilePath=\"C:\\\\d\\\\com.b.apk\"");
+    expectEvent({"uninstall", "--wait", "50", "Nougat64", "com.b"},
+                "app-uninstalled instance=\"Nougat64\" package=\"com.b\"");
+    expectEvent({"install-image", "Nougat32", "--wait=50"},
+                "image-install-progress imageName=\"Nougat32\" status=2 progress=100.0");
+    expectEvent({"create-instance", "Nougat64", "4", "4096", "aga", "dx", "s21u", "--wait"},
+                "create-instance-completed status=0 instance=\"Nougat64_1\"");
+}
+
+TEST_F(BridgectlWaitTest, AFailureIsAnExitCode) {
+    setScript(
+        "on installApk event apk-install-completed Nougat64 5 a.apk\n"
+        "on createFreshInstance event create-instance-completed -1 \"\"\n");
+    const ChildResult result = wait({"install-apk", "Nougat64", "C:\\d\\a.apk", "--wait"});
+    EXPECT_EQ(result.status, 12u);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "bridgectl: it failed: apk-install-completed instance=\"Nougat64\" status=5 "
+              "apkFilePath=\"a.apk\"\n");
+    EXPECT_EQ(
+        wait({"create-instance", "Nougat64", "4", "4096", "aga", "dx", "s21u", "--wait"}).status,
+        12u);
+}
+
+TEST_F(BridgectlWaitTest, TheJsonIsTheEventOrAnError) {
+    const Json event = Json::parse(wait({"launch", "Nougat64", "com.a", "--wait", "--json"}).out);
+    EXPECT_EQ(event["event"], "app-displayed");
+    EXPECT_EQ(event["package"], "com.a");
+    setScript("on launchApp event app-displayed Nougat64 com.other\n");
+    const ChildResult late = wait({"--json", "launch", "Nougat64", "com.a", "--wait", "1"});
+    EXPECT_EQ(late.status, 9u);
+    EXPECT_EQ(late.out,
+              R"({"code":9,"name":"Timeout","text":"started, but no event said how it ended",)"
+              R"("hint":null})"
+              "\n");
+}
+
+TEST_F(BridgectlWaitTest, AnotherFrontEndOfTheClientIsAnErrorAndNothingIsStarted) {
+    ChildProcess listener(program(), {"--client", "LogCollector", "events"}, options);
+    ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
+    const ChildResult result = wait({"launch", "Nougat64", "com.a", "--wait"});
+    EXPECT_EQ(result.status, 10u);
+    EXPECT_FALSE(data.has("standins.txt"));
+}
+
+TEST_F(BridgectlWaitTest, TheTimeIsANumber) {
+    const std::string see = "\nbridgectl: see bridgectl --help";
+    expectFailure({"launch", "Nougat64", "com.a", "--wait", "0"}, 2,
+                  "--wait: must be 1 or more, not \"0\"" + see);
+    expectFailure({"launch", "Nougat64", "com.a", "--wait", "soon"}, 2,
+                  "--wait: must be 1 or more, not \"soon\"" + see);
+    expectFailure({"launch", "Nougat64", "com.a", "--wait", ""}, 2,
+                  "--wait: the value is empty" + see);
+    EXPECT_NE(run({"launch-url", "Nougat64", "u", "--wait"}).status, 0u) << "no event reports it";
+}
+
+TEST_F(BridgectlWaitTest, AnInstanceThatDoesNotExistIsNamedAndNothingIsStarted) {
+    for (const Arguments& arguments :
+         {Arguments{"launch", "Nobody", "com.a"}, Arguments{"launch-url", "Nobody", "u"},
+          Arguments{"app-store", "Nobody", "play", "com.a"},
+          Arguments{"install-apk", "Nobody", "a.apk"}, Arguments{"uninstall", "Nobody", "com.a"},
+          Arguments{"shutdown", "Nobody"}}) {
+        expectFailure(arguments, 3, "no such instance: Nobody");
+    }
+    expectFailure({"launch", "Nuogat64", "com.a"}, 3,
+                  "no such instance: Nuogat64\nbridgectl: did you mean Nougat64?");
+    EXPECT_FALSE(data.has("standins.txt"));
+}
