@@ -1,6 +1,7 @@
 #ifndef BRIDGECTL_EVENT_H
 #define BRIDGECTL_EVENT_H
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -31,10 +32,13 @@ std::string isoTime(const LocalTime& time);
 
 using EventValue = std::variant<std::int32_t, bool, double, std::string>;
 
+using EventMoment = std::chrono::steady_clock::time_point;
+
 struct Event {
     LocalTime time;
     const IpcEvent* kind;
     std::vector<EventValue> values;  // one for each field of the kind
+    EventMoment moment{};            // `time` on a clock that nobody sets
 };
 
 // One line with its line feed: the time, the name, and name=value for each field, or a JSON object

@@ -8,9 +8,12 @@
 #include "Event.h"
 #include "EventListening.h"
 #include "EventQueue.h"
+#include "EventScript.h"
 #include "EventServer.h"
 #include "EventSource.h"
 #include "shared/ExitCode.h"
+#include "xpl/Xerr.h"
+#include "xpl/Xfile.h"
 
 namespace {
 
@@ -19,12 +22,22 @@ class Printer {
  public:
     Printer(Session& session, const EventRequest& request) : session_(session), request_(request) {}
 
-    // False, after an error, when the output takes no more.
+    // Creates the file for the record. False, after an error, when it cannot be written.
+    bool open() {
+        if (request_.record.empty()) return true;
+        const XErr err = xfileOpen(record_, request_.record, XfileMode::WriteNew);
+        return err == XERR_SUCCESS ? write(EventScript::start()) : failRecord(err);
+    }
+
+    // False, after an error, when the output or the file takes no more.
     bool print(const Event& event) {
         if (!isWanted(event)) return true;
         ++printed_;
-        return session_.print(session_.json ? eventJson(event) : eventText(event));
+        return write(script_.add(event)) &&
+               session_.print(session_.json ? eventJson(event) : eventText(event));
     }
+
+    bool close() { return write(script_.finish()); }
 
     bool isComplete() const { return request_.count > 0 && printed_ == request_.count; }
 
@@ -37,6 +50,17 @@ class Printer {
     }
 
  private:
+    bool write(const std::string& lines) {
+        std::size_t done = 0;
+        if (!record_.isOpen()) return true;
+        const XErr err = xfileWriteAll(record_, lines.data(), lines.size(), done);
+        return err == XERR_SUCCESS || failRecord(err);
+    }
+
+    bool failRecord(XErr err) {
+        return session_.failStatus(ExitCode::File, "cannot write " + request_.record, err);
+    }
+
     bool isWanted(const Event& event) const {
         const std::vector<std::string>& filter = request_.filter;
         return filter.empty() ||
@@ -46,6 +70,8 @@ class Printer {
     Session& session_;
     const EventRequest& request_;
     std::size_t printed_ = 0;
+    EventScript script_;
+    Xfile record_;
 };
 
 // Prints until the count is reached or the waiting ends, and then what came before the library
@@ -71,11 +97,12 @@ bool printEvents(Session& session, const EventRequest& request, Printer& printer
 
 void printRequestedEvents(Session& session, const EventRequest& request) {
     EventServerProbe probe;
+    Printer printer(session, request);
+    if (!printer.open()) return;
     if (!session.start() || !listenToEvents(session, probe)) return;
     session.notice("listening on " + eventServerName(session));
-    Printer printer(session, request);
     EventQueue::End end = EventQueue::End::Stopped;
-    if (!printEvents(session, request, printer, end)) return;
+    if (!printEvents(session, request, printer, end) || !printer.close()) return;
     if (printer.isComplete()) return;
     if (request.count > 0 && end == EventQueue::End::TimedOut) {
         session.fail(ExitCode::Timeout, printer.summary());

@@ -4,6 +4,7 @@
 
 #include <bridge/bridge.h>
 
+#include <chrono>
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -23,7 +24,10 @@ EventValue valueOf(bridge_bool flag) { return flag != 0; }
 template <std::size_t SLOT, typename... Parameters>
 void BRIDGE_CALL onEvent(Parameters... values) noexcept {
     static_assert(ipcTakesFields<Parameters...>(IPC_EVENT_ROWS[SLOT]), "as in bridge.h");
-    eventQueue().push({localTimeNow(), &IPC_EVENT_ROWS[SLOT], {valueOf(values)...}});
+    eventQueue().push({localTimeNow(),
+                       &IPC_EVENT_ROWS[SLOT],
+                       {valueOf(values)...},
+                       std::chrono::steady_clock::now()});
 }
 
 template <std::size_t... SLOTS>

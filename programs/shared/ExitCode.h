@@ -15,7 +15,8 @@
     X(Timeout, 9, "the events that were waited for did not come in time")  \
     X(NameInUse, 10, "another front end receives the client's events")     \
     X(Output, 11, "standard output cannot be written")                     \
-    X(Reported, 12, "an event reported that the work failed")
+    X(Reported, 12, "an event reported that the work failed")              \
+    X(File, 13, "a file that was asked for cannot be written")
 
 enum class ExitCode : int {
 #define PROGRAM_ENUMERATOR(name, number, meaning) name = number,

@@ -1,11 +1,13 @@
 #include "Standin.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "StandinCommandLine.h"
@@ -51,6 +53,9 @@ std::string help() {
     return "A stand-in for a program of the product. Besides the product's command lines it takes\n"
            "  --event NAME ARGUMENT...  sends an event to the front ends, and ends: status 0 when\n"
            "                            one took it, 3 when none did, 2 for a misuse\n"
+           "  --script FILE             sends the events of a script with its pauses, and ends: "
+           "the\n"
+           "                            same status\n"
            "Events and their arguments:\n" +
            standinEventHelp();
 }
@@ -128,6 +133,7 @@ std::optional<int> Standin::runOption() {
     const std::vector<std::string> arguments = commonArguments();
     if (arguments.size() < 2) return std::nullopt;
     if (arguments[1] == "--event") return sendEvent({arguments.begin() + 2, arguments.end()});
+    if (arguments[1] == "--script") return replay(arguments.size() > 2 ? arguments[2] : "");
     if (arguments[1] != "--help") return std::nullopt;
     printOut(help());
     return kDone;
@@ -141,6 +147,26 @@ int Standin::sendEvent(const std::vector<std::string>& words) {
         return kMisuse;
     }
     return standinSend(sending(), {*event}) > 0 ? kDone : kNobody;
+}
+
+int Standin::replay(const std::string& path) {
+    if (xfileExists(path) != XERR_SUCCESS) {
+        say("error", "no such script: " + path);
+        return kMisuse;
+    }
+    std::string error;
+    const auto script = standinParseScript(readText(path), error);
+    if (!script) {
+        say("error", "script " + error);
+        return kMisuse;
+    }
+    script_ = *script;
+    bool isTaken = true;
+    for (const StandinStep& step : script_.atStart) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(step.pauseMs));
+        if (!step.events.empty() && standinSend(sending(), step.events) == 0) isTaken = false;
+    }
+    return isTaken ? kDone : kNobody;
 }
 
 StandinSending Standin::sending() {

@@ -36,8 +36,8 @@ class Standin {
     // Appends a line: the text, or the same as a JSON object with this one member.
     void say(const char* member, const std::string& text);
 
-    // What the options ask for that need no server, "--event" and "--help", and the exit status;
-    // nothing when there is neither.
+    // What the options ask for that need no server, "--event", "--script" and "--help", and the
+    // exit status; nothing when there is none of them.
     std::optional<int> runOption();
 
     // Serves until the shutdown request, and sends the events of the script and of the command
@@ -46,6 +46,7 @@ class Standin {
 
  private:
     int sendEvent(const std::vector<std::string>& words);
+    int replay(const std::string& path);
     StandinSending sending();
 
     // What the script has for a command or request; else these events.

@@ -23,8 +23,10 @@ bool takeQuoted(std::string_view& rest, std::string& word) {
         rest.remove_prefix(1);
         if (c == '"') return rest.empty() || rest.find_first_of(" \t\r#") == 0;
         if (c == '\\') {
-            if (rest.empty() || (rest.front() != '"' && rest.front() != '\\')) return false;
-            c = rest.front();
+            if (rest.empty() || std::string_view("\"\\n").find(rest.front()) == rest.npos) {
+                return false;
+            }
+            c = rest.front() == 'n' ? '\n' : rest.front();
             rest.remove_prefix(1);
         }
         word += c;

@@ -13,7 +13,8 @@
 
 // How a stand-in answers and misbehaves, and which events it sends. A script has a line for each
 // wish, words apart by blanks; a word with blanks or "#" stands between double quotes, inside which
-// a backslash comes before every double quote and every backslash. "#" starts a comment:
+// a backslash comes before every double quote and every backslash, and "\n" is a line feed. "#"
+// starts a comment:
 //
 //     reply 0100000000000000   bytes of the reply, in hexadecimal (default: the number 1)
 //     delay 500                milliseconds before a reply

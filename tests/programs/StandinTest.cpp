@@ -232,6 +232,9 @@ TEST(StandinScript, StepsMayWaitForACommandOrARequest) {
 }
 
 TEST(StandinScript, WordsMayStandBetweenQuotes) {
+    EXPECT_EQ(std::get<std::string>(
+                  scriptOf(R"(event app-displayed "a\nb\\n" p)").atStart[0].events[0].values[0]),
+              "a\nb\\n");
     EXPECT_EQ(shown(scriptOf("\tevent app-displayed  \"a # b\" \"\"# comment \"\r\n"
                              R"("event" app-displayed "say \"hi\" C:\\" 日本"é#)")
                         .atStart),

@@ -1,4 +1,4 @@
-// bridgectl events [--count N] [--timeout SECONDS] [--filter NAME,...]
+// bridgectl events [--count N] [--timeout SECONDS] [--filter NAME,...] [--record FILE]
 #include <memory>
 
 #include "Event.h"
@@ -15,6 +15,10 @@ void declare(OptionParser& parser, Session& session) {
     parser.add("--filter", request->filter, "Only these events: names, apart by commas")
         .inOneWord()
         .oneOf(eventNames());
+    parser
+        .add("--record", request->record,
+             "Also write the events into this file, as a script for the stand-ins")
+        .notEmpty();
     parser.onRun([&session, request] { printRequestedEvents(session, *request); });
 }
 
@@ -25,5 +29,6 @@ const Command commandEvents{
     "", "events", "Prints what the product's programs report, as it comes",
     "Example: bridgectl events --json --filter app-installed,app-uninstalled --count 2\n"
     "Once \"listening on ...\" stands on standard error, no event is missed. Ctrl-C ends it. The\n"
-    "JSON is an object a line.",
+    "JSON is an object a line. A recorded script is replayed, with the same pauses, by\n"
+    "QX-Player.exe --script FILE.",
     declare};
