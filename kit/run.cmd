@@ -1,0 +1,6 @@
+@echo off
+rem Runs the checks. See windows-kit.md.
+"%~dp0kit\run_checks.exe" %*
+set result=%errorlevel%
+if "%~1"=="" pause
+exit /b %result%

@@ -1,0 +1,152 @@
+#include "Record.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <map>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Output of programs need not be UTF-8.
+std::string line(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+Json testLine(const Record& record, const TestRun& test) {
+    return {{"check", record.check.id},
+            {"test", test.name},
+            {"result", nameOf(test.outcome)},
+            {"reason", test.reason},
+            {"milliseconds", test.milliseconds}};
+}
+
+constexpr const char* kStyle =
+    "body{font:15px sans-serif;margin:2em;max-width:75em}table{border-collapse:collapse}"
+    "td,th{border:1px solid #bbb;padding:.3em .6em;vertical-align:top;text-align:left}"
+    "pre{white-space:pre-wrap;margin:0}.passed{background:#dfd}.failed{background:#fcc}"
+    ".skipped{background:#eee}.needs{background:#ffd}";
+
+const char* classOf(Outcome outcome) {
+    return outcome == Outcome::NeedsWindows ? "needs" : nameOf(outcome);
+}
+
+std::string cell(const std::string& html) { return "<td>" + html + "</td>"; }
+
+std::string pre(const std::string& text) {
+    return text.empty() ? std::string() : "<pre>" + htmlText(text) + "</pre>";
+}
+
+std::string claimOf(const Check& check) {
+    if (check.page.empty()) return {};
+    return htmlText(check.page) + ": &ldquo;" + htmlText(check.sentence) + "&rdquo;";
+}
+
+// Why, which tests did not pass, and what was measured.
+std::string detailsOf(const Record& record) {
+    std::string text = record.reason;
+    const auto add = [&](const std::string& more) { text += (text.empty() ? "" : "\n") + more; };
+    for (const TestRun& test : record.output.tests) {
+        if (test.outcome == Outcome::Passed) continue;
+        add(test.name + " " + nameOf(test.outcome) + ": " + test.reason);
+    }
+    for (const auto& [name, value] : record.output.figures) add(name + ": " + value);
+    return text;
+}
+
+std::string rowOf(const Record& record) {
+    std::string result = nameOf(record.outcome);
+    if (!record.raw.empty()) {
+        result = "<a href=\"" + htmlText(record.raw) + "\">" + result + "</a>";
+    }
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%ld.%03ld s", record.milliseconds / 1000,
+                  record.milliseconds % 1000);
+    return std::string("<tr class=\"") + classOf(record.outcome) + "\">" +
+           cell(htmlText(record.check.id)) + cell(htmlText(record.check.decides)) + cell(result) +
+           cell(pre(detailsOf(record))) + cell(hexadecimal(record.error)) + cell(seconds) +
+           cell(claimOf(record.check)) + "</tr>\n";
+}
+
+std::string countsOf(const std::vector<Record>& records) {
+    std::map<std::string, int> counts;
+    for (const Record& record : records) ++counts[nameOf(record.outcome)];
+    std::string text;
+    for (const auto& [name, count] : counts) {
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + name;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string hexadecimal(std::uint32_t number) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(number));
+    return text;
+}
+
+std::string recordLines(const Record& record) {
+    Json json = {{"check", record.check.id},
+                 {"decides", record.check.decides},
+                 {"page", record.check.page},
+                 {"sentence", record.check.sentence},
+                 {"result", nameOf(record.outcome)},
+                 {"reason", record.reason},
+                 {"error", hexadecimal(record.error)},
+                 {"milliseconds", record.milliseconds},
+                 {"raw", record.raw}};
+    for (const auto& [name, value] : record.output.figures) json["figures"][name] = value;
+    std::string text = line(json);
+    for (const TestRun& test : record.output.tests) text += line(testLine(record, test));
+    return text;
+}
+
+std::string factsText(const Facts& facts) {
+    Json json = Json::object();
+    for (const auto& [name, value] : facts) json[name] = value;
+    return json.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string htmlText(std::string_view text) {
+    std::string html;
+    for (const char c : text) {
+        switch (c) {
+            case '&':
+                html += "&amp;";
+                break;
+            case '<':
+                html += "&lt;";
+                break;
+            case '>':
+                html += "&gt;";
+                break;
+            case '"':
+                html += "&quot;";
+                break;
+            case '\'':
+                html += "&#39;";
+                break;
+            default:
+                html += static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t' ? '?' : c;
+        }
+    }
+    return html;
+}
+
+std::string summaryPage(const std::vector<Record>& records, const Facts& facts) {
+    std::string page =
+        "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
+        "<title>What Windows says</title><style>" +
+        std::string(kStyle) + "</style></head><body>\n<h1>What Windows says</h1>\n<p>" +
+        htmlText(countsOf(records)) +
+        "</p>\n<table><tr><th>check</th><th>what it decides</th><th>result</th><th>details</th>"
+        "<th>error or status</th><th>time</th><th>what the document says</th></tr>\n";
+    for (const Record& record : records) page += rowOf(record);
+    page += "</table>\n<h2>The machine</h2>\n<table>\n";
+    for (const auto& [name, value] : facts) {
+        page += "<tr>" + cell(htmlText(name)) + cell(pre(value)) + "</tr>\n";
+    }
+    return page + "</table>\n</body></html>\n";
+}

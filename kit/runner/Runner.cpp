@@ -1,0 +1,136 @@
+#include "Runner.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iostream>
+#include <utility>
+
+#include "Files.h"
+#include "Machine.h"
+#include "Process.h"
+#include "shared/Console.h"
+
+namespace {
+
+// The end of a program's output has its failure.
+constexpr std::size_t kShownBytes = 1500;
+constexpr std::size_t kKeptBytes = std::size_t{8} << 20;
+constexpr int kToolSeconds = 60;
+
+std::string replaced(std::string text, const std::string& what, const std::string& by) {
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what)) {
+        text.replace(at, what.size(), by);
+    }
+    return text;
+}
+
+bool isOfKit(const std::string& program) { return program.find('/') != std::string::npos; }
+
+bool isTestProgram(const Check& check) {
+    return std::any_of(check.command.begin(), check.command.end(), [](const std::string& word) {
+        return word.rfind("--gtest_filter=", 0) == 0;
+    });
+}
+
+// How a process ended that did not end well; empty for one that did.
+std::string faultOf(const ProcessRun& run, int limit) {
+    if (run.error != 0) return "cannot be started: error " + hexadecimal(run.error);
+    if (run.isStopped) return "ended by the user";
+    if (run.isLate) return "did not end within " + std::to_string(limit) + " s";
+    if (run.status != 0) return "ended with the status " + hexadecimal(run.status);
+    return {};
+}
+
+}  // namespace
+
+Runner::Runner(RunnerOptions options, RunnerFolders folders, std::vector<std::string> takenFiles)
+    : options_(std::move(options)),
+      folders_(std::move(folders)),
+      takenFiles_(std::move(takenFiles)) {}
+
+bool Runner::isWanted(const Check& check) const {
+    const auto& only = options_.only;
+    return only.empty() || std::find(only.begin(), only.end(), check.id) != only.end();
+}
+
+// A tool is there when it runs: Windows has a python.exe that only opens the store. Microsoft's
+// compiler has no option for its version.
+Obstacle Runner::obstacleOfTool(const std::string& name) const {
+    const std::string program = programOnPath(name);
+    if (program.empty()) return {Outcome::Skipped, "needs " + name + ".exe in PATH"};
+    if (name == "cl") return {};
+    const ProcessRun run =
+        runProcess({program, "--version"}, folders_.work, folders_.work / "tool.txt", kToolSeconds);
+    const std::string fault = faultOf(run, kToolSeconds);
+    if (fault.empty()) return {};
+    return {Outcome::Skipped, name + ".exe in PATH " + fault};
+}
+
+bool Runner::isAccepted(const Check& check) const {
+    if (!options_.questions) return false;
+    printOut("\n" + check.id + ": " + check.decides + "\nRun it? [y/N] ");
+    std::string answer;
+    return std::getline(std::cin, answer) && !answer.empty() &&
+           (answer[0] == 'y' || answer[0] == 'Y');
+}
+
+Obstacle Runner::obstacleOf(const Check& check) const {
+    const std::string& program = check.command.front();
+    if (check.has("windows") && isWine()) return {Outcome::NeedsWindows, "this is Wine"};
+    if (check.has("elevated") && !isElevated()) {
+        return {Outcome::Skipped, "needs elevation: its programs read HKEY_LOCAL_MACHINE"};
+    }
+    if (check.has("plain") && isElevated()) {
+        return {Outcome::Skipped, "needs a kit that was started without elevation"};
+    }
+    if (std::find(takenFiles_.begin(), takenFiles_.end(), program) != takenFiles_.end()) {
+        return {Outcome::Skipped, program + " is missing or changed"};
+    }
+    if (check.has("prompt") && !isAccepted(check))
+        return {Outcome::Skipped, "the user was not asked, or declined"};
+    return isOfKit(program) ? Obstacle{} : obstacleOfTool(program);
+}
+
+std::vector<std::string> Runner::commandOf(const Check& check) const {
+    std::vector<std::string> command;
+    for (const std::string& word : check.command) {
+        command.push_back(replaced(word, "{kit}", textOf(folders_.programs)));
+    }
+    std::string& program = command.front();
+    program = isOfKit(program) ? textOf((folders_.programs / pathOf(program)).make_preferred())
+                               : programOnPath(program);
+    return command;
+}
+
+// What a program without tests prints is not read, only its status.
+void Runner::judge(Record& record) const {
+    const std::filesystem::path log = folders_.results / pathOf(record.raw);
+    if (!isTestProgram(record.check)) {
+        record.outcome = record.reason.empty() ? Outcome::Passed : Outcome::Failed;
+        if (!record.reason.empty()) record.reason += "\n" + readEnd(log, kShownBytes);
+        return;
+    }
+    record.output = readTestOutput(readEnd(log, kKeptBytes));
+    const Outcome outcome = outcomeOf(record.output.tests);
+    record.outcome = record.reason.empty() ? outcome : Outcome::Failed;
+    if (record.output.tests.empty())
+        record.reason += (record.reason.empty() ? "" : ": ") + std::string("no test ran");
+}
+
+Record Runner::run(const Check& check) const {
+    Record record;
+    record.check = check;
+    const Obstacle obstacle = obstacleOf(check);
+    record.outcome = obstacle.outcome;
+    record.reason = obstacle.reason;
+    if (obstacle.outcome != Outcome::Passed) return record;
+    record.raw = "raw/" + check.id + ".txt";
+    const ProcessRun run = runProcess(commandOf(check), folders_.work,
+                                      folders_.results / pathOf(record.raw), check.limit);
+    record.error = run.error != 0 ? run.error : run.status;
+    record.milliseconds = run.milliseconds;
+    record.reason = faultOf(run, check.limit);
+    judge(record);
+    return record;
+}

@@ -1,0 +1,50 @@
+#ifndef KIT_RUNNER_H
+#define KIT_RUNNER_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Record.h"
+#include "Table.h"
+
+// What the user asked for.
+struct RunnerOptions {
+    std::vector<std::string> only;  // ids; empty for all
+    bool questions = true;          // whether the user may be asked
+};
+
+// Where everything is.
+struct RunnerFolders {
+    std::filesystem::path programs;  // the kit's, or a copy of it under a plain path
+    std::filesystem::path work;      // where the programs work and leave what is temporary
+    std::filesystem::path results;
+};
+
+// Why a check is not run; the outcome is Passed for one that is.
+struct Obstacle {
+    Outcome outcome = Outcome::Passed;
+    std::string reason;
+};
+
+// Runs checks one after another.
+class Runner {
+ public:
+    Runner(RunnerOptions options, RunnerFolders folders, std::vector<std::string> takenFiles);
+
+    bool isWanted(const Check& check) const;
+    Record run(const Check& check) const;
+
+ private:
+    Obstacle obstacleOf(const Check& check) const;
+    Obstacle obstacleOfTool(const std::string& name) const;
+    bool isAccepted(const Check& check) const;
+    std::vector<std::string> commandOf(const Check& check) const;
+    void judge(Record& record) const;
+
+    RunnerOptions options_;
+    RunnerFolders folders_;
+    std::vector<std::string> takenFiles_;
+};
+
+#endif

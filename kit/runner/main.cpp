@@ -1,0 +1,284 @@
+// run_checks: lets this machine's Windows decide what the documents claim. run.cmd starts it.
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "Files.h"
+#include "KitOptions.h"
+#include "Machine.h"
+#include "Manifest.h"
+#include "Process.h"
+#include "Record.h"
+#include "Runner.h"
+#include "State.h"
+#include "Table.h"
+#include "Zip.h"
+#include "shared/Console.h"
+#include "xpl/Xtext.h"
+
+// Last: it brings <windows.h>.
+#include "xpl/XwindowsLean.h"
+
+namespace fs = std::filesystem;
+
+const char* const programName = "run_checks";
+
+namespace {
+
+enum Exit { kDone = 0, kSomethingFailed = 1, kCannotRun = 2, kProductIsInstalled = 3 };
+
+constexpr const char* kUsage =
+    "usage: run.cmd [--only ID,ID...] [--no-questions]\n\n"
+    "Runs the checks of checks.txt and leaves a page and a zip of results in the folder results.\n"
+    "--no-questions leaves out the checks that need an answer of the user.\n";
+
+constexpr const char* kInstalled =
+    "the product is installed here (HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo exists), and the "
+    "checks would change its registry values.\nNothing was done. Take a machine without it.";
+
+// What the tests need of the kit.
+constexpr const char* kProgramFolders[] = {"bin",     "tests", "standins", "kit",
+                                           "include", "lib",   "bindings"};
+
+// Test programs take their own path for ASCII, and make longer ones below it.
+constexpr std::size_t kLongestPlainPath = 100;
+
+fs::path kitFolder() {
+    std::wstring program(32768, L'\0');
+    const DWORD length =
+        ::GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    program.resize(length);
+    return fs::path(program).parent_path().parent_path();
+}
+
+fs::path environmentPath(const wchar_t* name) {
+    std::wstring value(32768, L'\0');
+    value.resize(::GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
+    return {value};
+}
+
+bool isPlain(const fs::path& path) {
+    const std::wstring& text = path.native();
+    return text.size() <= kLongestPlainPath &&
+           std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > L' ' && c < 127; });
+}
+
+std::string stamp() {
+    SYSTEMTIME time{};
+    ::GetSystemTime(&time);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04u%02u%02u-%02u%02u%02u", time.wYear, time.wMonth,
+                  time.wDay, time.wHour, time.wMinute, time.wSecond);
+    return text;
+}
+
+void setVariable(const wchar_t* name, const std::wstring& value) {
+    ::SetEnvironmentVariableW(name, value.c_str());
+}
+
+// A run from its guards to its zip.
+class KitRun {
+ public:
+    KitRun(RunnerOptions options, fs::path kit);
+
+    int play();
+
+ private:
+    bool prepare();
+    void prepareEnvironment() const;
+    bool copyPrograms();
+    void checkFiles();
+    void runChecks();
+    void restore();
+    void add(Record record);
+    void addOwn(const std::string& id, const std::string& decides, const std::string& fault);
+    void writeResults() const;
+    int conclude() const;
+
+    const RunnerOptions options_;
+    const fs::path kit_;
+    const fs::path temporary_;  // of the user
+    Table table_;
+    Snapshot before_;
+    Snapshot reportsBefore_;
+    RunnerFolders folders_;
+    fs::path copy_;  // of the programs; empty for none
+    Facts facts_;
+    std::vector<std::string> taken_;
+    std::vector<Record> records_;
+};
+
+KitRun::KitRun(RunnerOptions options, fs::path kit)
+    : options_(std::move(options)), kit_(std::move(kit)), temporary_(fs::temp_directory_path()) {}
+
+void KitRun::add(Record record) {
+    printOut("  " + record.check.id + ": " + nameOf(record.outcome) +
+             (record.reason.empty() ? "" : " (" + record.reason + ")") + "\n");
+    records_.push_back(std::move(record));
+}
+
+// A check that the runner makes by itself.
+void KitRun::addOwn(const std::string& id, const std::string& decides, const std::string& fault) {
+    Record record;
+    record.check.id = id;
+    record.check.decides = decides;
+    record.outcome = fault.empty() ? Outcome::Passed : Outcome::Failed;
+    record.reason = fault;
+    add(std::move(record));
+}
+
+// Everything that is about to be made has a name of this run's own.
+bool KitRun::prepare() {
+    table_ = readTable(readFile(kit_ / "checks.txt"));
+    if (!table_.fault.empty()) {
+        printError("checks.txt: " + table_.fault);
+        return false;
+    }
+    before_ = stateNow(kit_, temporary_);
+    reportsBefore_ = errorReportsNow();
+    folders_.results = kit_ / "results" / pathOf(stamp());
+    folders_.work = temporary_ / ("QXBridgeKit-" + std::to_string(::GetCurrentProcessId()));
+    folders_.programs = kit_;
+    std::error_code error;
+    fs::create_directories(folders_.results / "raw", error);
+    if (!error) fs::create_directories(folders_.work, error);
+    if (error) printError("cannot write to " + textOf(kit_) + ": unpack the kit elsewhere");
+    return !error;
+}
+
+// The programs' temporary files go into the work folder, and no error of theirs opens a window.
+void KitRun::prepareEnvironment() const {
+    ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    setVariable(L"TEMP", folders_.work.native());
+    setVariable(L"TMP", folders_.work.native());
+    setVariable(L"QX_STANDIN_CLIENTS", L"none");
+    setVariable(L"QX_KIT", folders_.programs.native());
+    setVariable(L"GTEST_COLOR", L"no");
+}
+
+bool KitRun::copyPrograms() {
+    for (const wchar_t* name : {L"PUBLIC", L"ProgramData"}) {
+        const fs::path base = environmentPath(name);
+        if (base.empty() || !isPlain(base)) continue;
+        copy_ = base / ("QXBridgeKit-" + std::to_string(::GetCurrentProcessId()));
+        std::error_code error;
+        fs::create_directories(copy_, error);
+        for (const char* folder : kProgramFolders) {
+            if (!error && fs::exists(kit_ / folder)) {
+                fs::copy(kit_ / folder, copy_ / folder, fs::copy_options::recursive, error);
+            }
+        }
+        if (!error) return true;
+        fs::remove_all(copy_, error);
+    }
+    copy_.clear();
+    return false;
+}
+
+void KitRun::checkFiles() {
+    const std::vector<ManifestFile> files = readManifest(readFile(kit_ / "SHA256SUMS"));
+    const std::vector<FileFault> faults = compareFiles(
+        files, [&](const std::string& path) { return fileDigest(kit_ / pathOf(path)); });
+    std::string text = files.empty() ? "SHA256SUMS is missing or damaged" : "";
+    for (const FileFault& fault : faults) {
+        taken_.push_back(fault.path);
+        text += (text.empty() ? "" : "\n") + fault.path + ": " + fault.what;
+    }
+    addOwn("files", "Whether a scanner has taken files of the kit", text);
+}
+
+void KitRun::runChecks() {
+    const Runner runner(options_, folders_, taken_);
+    for (const Check& check : table_.checks) {
+        if (isEverythingStopped()) return;
+        if (!runner.isWanted(check)) continue;
+        add(runner.run(check));
+        writeFile(folders_.results / "records.jsonl", [&] {
+            std::string text;
+            for (const Record& record : records_) text += recordLines(record);
+            return text;
+        }());
+    }
+}
+
+void KitRun::restore() {
+    std::error_code ignored;
+    fs::remove_all(folders_.work, ignored);
+    if (!copy_.empty()) fs::remove_all(copy_, ignored);
+    removeTestKeys(before_);
+    std::string text;
+    for (const std::string& line : differences(before_, stateNow(kit_, temporary_))) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    addOwn("restored", "Whether registry and folders are as they were before", text);
+    for (const std::string& line : differences(reportsBefore_, errorReportsNow())) {
+        facts_.emplace_back("Windows' own error report", line);
+    }
+}
+
+void KitRun::writeResults() const {
+    std::string lines;
+    for (const Record& record : records_) lines += recordLines(record);
+    writeFile(folders_.results / "records.jsonl", lines);
+    writeFile(folders_.results / "machine.json", factsText(facts_));
+    writeFile(folders_.results / "summary.html", summaryPage(records_, facts_));
+    writeFile(folders_.results / "SHA256SUMS", readFile(kit_ / "SHA256SUMS"));
+    std::vector<ZipEntry> entries;
+    std::error_code error;
+    for (fs::recursive_directory_iterator at(folders_.results, error), end; at != end;
+         at.increment(error)) {
+        if (error) break;
+        if (at->is_directory()) continue;
+        const fs::path name = fs::relative(at->path(), folders_.results.parent_path());
+        entries.push_back({xtextToUtf8(name.generic_wstring()), readFile(at->path())});
+    }
+    fs::path zip = folders_.results;
+    zip += ".zip";
+    writeFile(zip, zipArchive(entries));
+    printOut("\nSummary: " + textOf(folders_.results / "summary.html") +
+             "\nTo send back: " + textOf(zip) + "\n");
+}
+
+int KitRun::conclude() const {
+    const bool hasFailed = std::any_of(records_.begin(), records_.end(), [](const Record& record) {
+        return record.outcome == Outcome::Failed;
+    });
+    return hasFailed || isEverythingStopped() ? kSomethingFailed : kDone;
+}
+
+int KitRun::play() {
+    if (!prepare()) return kCannotRun;
+    facts_ = machineFacts(kit_, temporary_);
+    checkFiles();
+    if (isPlain(kit_) || copyPrograms()) {
+        if (!copy_.empty()) folders_.programs = copy_;
+        prepareEnvironment();
+        runChecks();
+    } else {
+        addOwn("programs", "Whether the programs have a place with a plain path",
+               "no folder for them");
+    }
+    setVariable(L"TEMP", temporary_.native());
+    restore();
+    writeResults();
+    return conclude();
+}
+
+}  // namespace
+
+int main() {
+    const std::optional<KitOptions> options = readKitOptions(commandLineArguments());
+    if (!options || options->help) {
+        printOut(kUsage);
+        return options ? kDone : kCannotRun;
+    }
+    if (isProductInstalled()) {
+        printError(kInstalled);
+        return kProductIsInstalled;
+    }
+    onConsoleEnd(stopEverything);
+    return KitRun(options->runner, kitFolder()).play();
+}
