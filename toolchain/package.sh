@@ -25,6 +25,8 @@ bash "$tree/toolchain/licences.sh" "$folder/share/licences"
     echo "INPUT = $tree/docs/reference.dox $tree/include/bridge"
 ) | doxygen - >"$into/package/doxygen.log"
 
+bash "$tree/toolchain/sign.sh" "$folder"
+
 (
     cd "$folder"
     find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum >SHA256SUMS

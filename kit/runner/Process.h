@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 // One run of a program.
@@ -22,6 +23,21 @@ ProcessRun runProcess(const std::vector<std::string>& command, const std::filesy
 
 // The full path of a program of PATH, without its ".exe" in the name; empty when there is none.
 std::string programOnPath(const std::string& name);
+
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
+// Variables of this process's environment, and so of the programs that it starts, while the object
+// lives. None of them has a value before.
+class ScopedVariables {
+ public:
+    explicit ScopedVariables(Variables variables);
+    ~ScopedVariables();
+    ScopedVariables(const ScopedVariables&) = delete;
+    ScopedVariables& operator=(const ScopedVariables&) = delete;
+
+ private:
+    Variables variables_;
+};
 
 // Ends what runs, and lets nothing start any more: for Ctrl-C.
 void stopEverything();

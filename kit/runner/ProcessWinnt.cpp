@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "Process.h"
 #include "xpl/Xtext.h"
@@ -124,6 +125,18 @@ std::string programOnPath(const std::string& name) {
     if (length == 0 || length >= found.size()) return {};
     found.resize(length);
     return xtextToUtf8(found);
+}
+
+ScopedVariables::ScopedVariables(Variables variables) : variables_(std::move(variables)) {
+    for (const auto& [name, value] : variables_) {
+        ::SetEnvironmentVariableW(wideOf(name).c_str(), wideOf(value).c_str());
+    }
+}
+
+ScopedVariables::~ScopedVariables() {
+    for (const auto& [name, value] : variables_) {
+        ::SetEnvironmentVariableW(wideOf(name).c_str(), nullptr);
+    }
 }
 
 void stopEverything() { ::SetEvent(stopEvent()); }

@@ -8,7 +8,6 @@
 
 #include "Files.h"
 #include "Machine.h"
-#include "Process.h"
 #include "shared/Console.h"
 
 namespace {
@@ -26,6 +25,12 @@ std::string replaced(std::string text, const std::string& what, const std::strin
 }
 
 bool isOfKit(const std::string& program) { return program.find('/') != std::string::npos; }
+
+// The program of PATH that a check needs.
+std::string toolOf(const Check& check) {
+    if (!check.tool.empty() || isOfKit(check.command.front())) return check.tool;
+    return check.command.front();
+}
 
 bool isTestProgram(const Check& check) {
     return std::any_of(check.command.begin(), check.command.end(), [](const std::string& word) {
@@ -89,13 +94,29 @@ Obstacle Runner::obstacleOf(const Check& check) const {
     }
     if (check.has("prompt") && !isAccepted(check))
         return {Outcome::Skipped, "the user was not asked, or declined"};
-    return isOfKit(program) ? Obstacle{} : obstacleOfTool(program);
+    const std::string tool = toolOf(check);
+    return tool.empty() ? Obstacle{} : obstacleOfTool(tool);
+}
+
+std::string Runner::inserted(const Check& check, const std::string& word) const {
+    return replaced(replaced(word, "{kit}", textOf(folders_.programs)), "{tool}",
+                    programOnPath(check.tool));
+}
+
+// NAME=VALUE, separated.
+Variables Runner::variablesOf(const Check& check) const {
+    Variables variables;
+    for (const std::string& word : check.variables) {
+        const std::size_t sign = word.find('=');
+        variables.emplace_back(word.substr(0, sign), inserted(check, word.substr(sign + 1)));
+    }
+    return variables;
 }
 
 std::vector<std::string> Runner::commandOf(const Check& check) const {
     std::vector<std::string> command;
     for (const std::string& word : check.command) {
-        command.push_back(replaced(word, "{kit}", textOf(folders_.programs)));
+        command.push_back(inserted(check, word));
     }
     std::string& program = command.front();
     program = isOfKit(program) ? textOf((folders_.programs / pathOf(program)).make_preferred())
@@ -126,6 +147,7 @@ Record Runner::run(const Check& check) const {
     record.reason = obstacle.reason;
     if (obstacle.outcome != Outcome::Passed) return record;
     record.raw = "raw/" + check.id + ".txt";
+    const ScopedVariables variables(variablesOf(check));
     const ProcessRun run = runProcess(commandOf(check), folders_.work,
                                       folders_.results / pathOf(record.raw), check.limit);
     record.error = run.error != 0 ? run.error : run.status;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Process.h"
 #include "Record.h"
 #include "Table.h"
 
@@ -39,6 +40,8 @@ class Runner {
     Obstacle obstacleOf(const Check& check) const;
     Obstacle obstacleOfTool(const std::string& name) const;
     bool isAccepted(const Check& check) const;
+    std::string inserted(const Check& check, const std::string& word) const;
+    Variables variablesOf(const Check& check) const;
     std::vector<std::string> commandOf(const Check& check) const;
     void judge(Record& record) const;
 

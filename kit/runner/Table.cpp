@@ -38,6 +38,10 @@ bool setMember(Check& check, std::string_view name, std::string_view value) {
         check.sentence = value;
     } else if (name == "run") {
         check.command = wordsOf(value);
+    } else if (name == "tool") {
+        check.tool = value;
+    } else if (name == "set") {
+        check.variables = wordsOf(value);
     } else if (name == "needs") {
         check.needs = wordsOf(value);
         return std::all_of(check.needs.begin(), check.needs.end(), isNeed);

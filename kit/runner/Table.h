@@ -9,11 +9,13 @@
 struct Check {
     std::string id;
     std::string decides;
-    std::string page;                  // relative to the tree, "docs/limits.md"
-    std::string sentence;              // words of that page, with single blanks
-    std::vector<std::string> command;  // a program of the kit, or one without "/" of PATH
-    std::vector<std::string> needs;    // of kKitNeeds
-    int limit = 300;                   // seconds
+    std::string page;                    // relative to the tree, "docs/limits.md"
+    std::string sentence;                // words of that page, with single blanks
+    std::vector<std::string> command;    // a program of the kit, or one without "/" of PATH
+    std::vector<std::string> needs;      // of kKitNeeds
+    std::string tool;                    // a further program of PATH that it needs; mostly empty
+    std::vector<std::string> variables;  // of its environment, "NAME=VALUE"
+    int limit = 300;                     // seconds
     bool has(std::string_view need) const;
 };
 
@@ -28,6 +30,7 @@ struct Table {
 
 // Reads checks.txt. A check begins with "[id]" and has a line "name = value" for each member; lines
 // that begin with "#" are comments. Words of a command are separated by blanks.
+// In commands and variables "{kit}" stands for the folder of the programs, "{tool}" for the tool.
 Table readTable(std::string_view text);
 
 #endif

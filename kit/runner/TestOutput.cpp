@@ -69,7 +69,7 @@ TestOutput readTestOutput(std::string_view text) {
     while (!text.empty()) {
         std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        while (!line.empty() && line.back() == '\r') line.remove_suffix(1);
         if (startsWith(line, kBegin)) {
             output.tests.emplace_back().name = line.substr(kBegin.size());
             isRunning = true;

@@ -15,7 +15,7 @@ import re
 import sys
 from dataclasses import dataclass, field
 
-FOLDERS = ("Source", "bench", "examples", "fuzz", "include", "programs", "tests")
+FOLDERS = ("Source", "bench", "examples", "fuzz", "include", "kit", "programs", "tests")
 SUFFIXES = (".c", ".cpp", ".h", ".hpp")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"(?P<quoted>[^"\n]+)"|<(?P<angled>[^>\n]+)>)',
                      re.M)

@@ -15,6 +15,8 @@ constexpr const char* kOne =
     "sentence = lines of = several\n"
     "run = tests/xpl_test.exe  --gtest_filter=A.*\n"
     "needs = windows prompt\n"
+    "tool = dotnet\n"
+    "set = A=1 B={kit}\\x\n"
     "limit = 20\n";
 
 }  // namespace
@@ -33,6 +35,8 @@ TEST(KitTable, ACheckHasItsMembers) {
     EXPECT_TRUE(check.has("windows"));
     EXPECT_TRUE(check.has("prompt"));
     EXPECT_FALSE(check.has("elevated"));
+    EXPECT_EQ(check.tool, "dotnet");
+    EXPECT_EQ(check.variables, (std::vector<std::string>{"A=1", "B={kit}\\x"}));
     EXPECT_EQ(check.limit, 20);
 }
 

@@ -13,7 +13,7 @@ constexpr const char* kAll =
     "[==========] Running 3 tests from 1 test suite.\r\n"
     "[ RUN      ] A.Passes\r\n"
     "some line\r\n"
-    "[figure] retries 12 of 10000\r\n"
+    "[figure] retries 12 of 10000\r\r\n"
     "[       OK ] A.Passes (7 ms)\r\n"
     "[ RUN      ] A.Skips\r\n"
     "D:\\x.cpp:12: Skipped\r\n"

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# kit.sh [FOLDER]: makes the Windows kit of what is built in build/windows, as a zip in FOLDER
+# (build/windows when none is named), and says where.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+build="$tree/build/windows"
+into=${1:-$build}
+name="QX-Bridge-$(project_version)-windows-kit"
+folder="$into/kit-package/$name"
+
+rm -rf "$into/kit-package"
+mkdir -p "$folder"/{bin,tests,standins,kit,include,lib,bindings/node_modules}
+
+# The programs, without what debuggers want.
+cp "$build"/bin/*.{dll,exe} "$folder/bin"
+cp "$build"/standins/*.{dll,exe} "$folder/standins"
+cp "$build"/kit/*.exe "$folder/kit"
+cp "$build"/tests/*.exe "$build"/tests/{QX-Bridge,Qt5Core,Qt5Network,late_plugin}.dll "$folder/tests"
+cp "$build"/tests/bindings/dotnet_host.{dll,runtimeconfig.json} "$folder/tests"
+
+# What a Microsoft compiler and the languages' runtimes need.
+cp -r "$tree/include/bridge" "$folder/include"
+cp "$build/lib/QX-Bridge.lib" "$folder/lib"
+cp "$tree/tests/package/consumer/host.c" "$tree"/kit/bindings/smoke.* "$folder/bindings"
+cp -r "$tree/bindings/python" "$folder/bindings"
+rm -rf "$folder/bindings/python/__pycache__"
+cp -r "$tree/bindings/node" "$folder/bindings/node_modules/qx-bridge"
+koffi="$(bash "$tree/toolchain/node.sh" --dir)/node_modules/koffi"
+native=build/koffi/win32_x64
+mkdir -p "$folder/bindings/node_modules/koffi/$native"
+cp "$koffi"/{package.json,LICENSE.txt,*.js} "$folder/bindings/node_modules/koffi"
+if [ -d "$koffi/lib" ]; then cp -r "$koffi/lib" "$folder/bindings/node_modules/koffi"; fi
+cp "$koffi/$native"/* "$folder/bindings/node_modules/koffi/$native"
+
+bash "$tree/toolchain/licences.sh" "$folder/licences"
+cp "$tree/docs/windows-kit.md" "$tree/kit/checks.txt" "$folder"
+sed 's/$/\r/' "$tree/kit/run.cmd" >"$folder/run.cmd"
+bash "$tree/toolchain/sign.sh" "$folder"
+
+(
+    cd "$folder"
+    find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum >SHA256SUMS
+)
+rm -f "$into/$name.zip"
+python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$(package_stamp)"
+echo "$into/$name.zip"

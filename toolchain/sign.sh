@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# sign.sh FOLDER: signs the DLLs and programs below FOLDER, and verifies each signature, if the
+# environment names a certificate:
+#   QX_SIGN_CERTIFICATE    file with certificate and key (PKCS #12)
+#   QX_SIGN_PASSWORD_FILE  file with its password, on one line; without it there is none
+#   QX_SIGN_TIMESTAMP      address of a time-stamp service (RFC 3161); without it a signature is valid
+#                          only as long as the certificate is
+#   QX_SIGN_CA             certificates to verify against (PEM); without it the system's
+# Says on standard error what it did.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+folder=$1
+certificate=${QX_SIGN_CERTIFICATE:-}
+if [ -z "$certificate" ]; then
+    say "The files are unsigned: where a code integrity policy is on, Windows refuses them with error 4551 (docs/limits.md)." >&2
+    exit 0
+fi
+command -v osslsigncode >/dev/null || die "signing needs Debian's package osslsigncode"
+[ -r "$certificate" ] || die "cannot read the certificate $certificate"
+
+options=(-pkcs12 "$certificate" -h sha256 -n QX-Bridge)
+[ -z "${QX_SIGN_PASSWORD_FILE:-}" ] || options+=(-readpass "$QX_SIGN_PASSWORD_FILE")
+[ -z "${QX_SIGN_TIMESTAMP:-}" ] || options+=(-ts "$QX_SIGN_TIMESTAMP")
+authorities=${QX_SIGN_CA:-/etc/ssl/certs/ca-certificates.crt}
+
+log=$(mktemp)
+signed="$log.signed"
+trap 'rm -f "$log" "$signed"' EXIT
+
+# quietly COMMAND...: its output is shown only when it fails.
+quietly() { "$@" >"$log" 2>&1 || { cat "$log" >&2; return 1; }; }
+
+count=0
+while IFS= read -r -d '' file; do
+    rm -f "$signed"
+    quietly osslsigncode sign "${options[@]}" -in "$file" -out "$signed" || die "cannot sign $file"
+    quietly osslsigncode verify -CAfile "$authorities" -TSA-CAfile "$authorities" -in "$signed" ||
+        die "the signature of $file is not valid"
+    cat "$signed" >"$file"
+    count=$((count + 1))
+done < <(find "$folder" \( -name '*.dll' -o -name '*.exe' \) -print0 | LC_ALL=C sort -z)
+say "$count files signed." >&2
