@@ -1,6 +1,7 @@
 // Who can connect to the event server: a client of another machine, and one of low integrity.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 

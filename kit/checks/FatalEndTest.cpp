@@ -2,6 +2,8 @@
 // host's; and when its server's name is free again.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdio>
 #include <string>
 
 #include "ServedName.h"

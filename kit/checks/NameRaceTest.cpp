@@ -1,6 +1,7 @@
 // Two processes that want one server's name at the same moment.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>

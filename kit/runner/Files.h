@@ -1,6 +1,7 @@
 #ifndef KIT_FILES_H
 #define KIT_FILES_H
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>

@@ -60,13 +60,14 @@ bool Runner::isWanted(const Check& check) const {
 }
 
 // A tool is there when it runs: Windows has a python.exe that only opens the store. Microsoft's
-// compiler has no option for its version.
+// compiler has no such option.
 Obstacle Runner::obstacleOfTool(const std::string& name) const {
     const std::string program = programOnPath(name);
     if (program.empty()) return {Outcome::Skipped, "needs " + name + ".exe in PATH"};
     if (name == "cl") return {};
+    const std::string question = name == "dotnet" ? "--list-runtimes" : "--version";
     const ProcessRun run =
-        runProcess({program, "--version"}, folders_.work, folders_.work / "tool.txt", kToolSeconds);
+        runProcess({program, question}, folders_.work, folders_.work / "tool.txt", kToolSeconds);
     const std::string fault = faultOf(run, kToolSeconds);
     if (fault.empty()) return {};
     return {Outcome::Skipped, name + ".exe in PATH " + fault};

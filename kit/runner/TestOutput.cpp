@@ -21,7 +21,7 @@ bool startsWith(std::string_view text, std::string_view start) {
 void readEnd(std::string_view line, TestRun& test) {
     const std::size_t time = line.rfind(" (");
     if (time != std::string_view::npos) {
-        test.milliseconds = std::atol(std::string(line.substr(time + 2)).c_str());
+        test.milliseconds = std::atoi(std::string(line.substr(time + 2)).c_str());
     }
 }
 

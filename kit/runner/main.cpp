@@ -1,9 +1,12 @@
 // run_checks: lets this machine's Windows decide what the documents claim. run.cmd starts it.
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "Files.h"
@@ -66,6 +69,20 @@ bool isPlain(const fs::path& path) {
            std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > L' ' && c < 127; });
 }
 
+// A folder with a plain path that every user may write into; empty when there is none.
+fs::path plainFolder() {
+    for (const wchar_t* name : {L"PUBLIC", L"ProgramData"}) {
+        const fs::path folder = environmentPath(name);
+        if (!folder.empty() && isPlain(folder)) return folder;
+    }
+    return {};
+}
+
+// A name that no other run has at the same time.
+std::string ownName(const std::string& what) {
+    return "QXBridgeKit-" + std::to_string(::GetCurrentProcessId()) + "-" + what;
+}
+
 std::string stamp() {
     SYSTEMTIME time{};
     ::GetSystemTime(&time);
@@ -115,7 +132,7 @@ KitRun::KitRun(RunnerOptions options, fs::path kit)
     : options_(std::move(options)), kit_(std::move(kit)), temporary_(fs::temp_directory_path()) {}
 
 void KitRun::add(Record record) {
-    printOut("  " + record.check.id + ": " + nameOf(record.outcome) +
+    printOut(std::string(nameOf(record.outcome)) +
              (record.reason.empty() ? "" : " (" + record.reason + ")") + "\n");
     records_.push_back(std::move(record));
 }
@@ -127,6 +144,7 @@ void KitRun::addOwn(const std::string& id, const std::string& decides, const std
     record.check.decides = decides;
     record.outcome = fault.empty() ? Outcome::Passed : Outcome::Failed;
     record.reason = fault;
+    printOut("  " + id + ": ");
     add(std::move(record));
 }
 
@@ -140,7 +158,8 @@ bool KitRun::prepare() {
     before_ = stateNow(kit_, temporary_);
     reportsBefore_ = errorReportsNow();
     folders_.results = kit_ / "results" / pathOf(stamp());
-    folders_.work = temporary_ / ("QXBridgeKit-" + std::to_string(::GetCurrentProcessId()));
+    const fs::path plain = isPlain(temporary_) ? temporary_ : plainFolder();
+    folders_.work = (plain.empty() ? temporary_ : plain) / ownName("work");
     folders_.programs = kit_;
     std::error_code error;
     fs::create_directories(folders_.results / "raw", error);
@@ -157,25 +176,21 @@ void KitRun::prepareEnvironment() const {
     setVariable(L"QX_STANDIN_CLIENTS", L"none");
     setVariable(L"QX_KIT", folders_.programs.native());
     setVariable(L"GTEST_COLOR", L"no");
+    setVariable(L"PYTHONDONTWRITEBYTECODE", L"1");  // it would be written into the kit
 }
 
 bool KitRun::copyPrograms() {
-    for (const wchar_t* name : {L"PUBLIC", L"ProgramData"}) {
-        const fs::path base = environmentPath(name);
-        if (base.empty() || !isPlain(base)) continue;
-        copy_ = base / ("QXBridgeKit-" + std::to_string(::GetCurrentProcessId()));
-        std::error_code error;
-        fs::create_directories(copy_, error);
-        for (const char* folder : kProgramFolders) {
-            if (!error && fs::exists(kit_ / folder)) {
-                fs::copy(kit_ / folder, copy_ / folder, fs::copy_options::recursive, error);
-            }
+    const fs::path base = plainFolder();
+    if (base.empty()) return false;
+    copy_ = base / ownName("programs");
+    std::error_code error;
+    fs::create_directories(copy_, error);
+    for (const char* folder : kProgramFolders) {
+        if (!error && fs::exists(kit_ / folder)) {
+            fs::copy(kit_ / folder, copy_ / folder, fs::copy_options::recursive, error);
         }
-        if (!error) return true;
-        fs::remove_all(copy_, error);
     }
-    copy_.clear();
-    return false;
+    return !error;
 }
 
 void KitRun::checkFiles() {
@@ -195,6 +210,7 @@ void KitRun::runChecks() {
     for (const Check& check : table_.checks) {
         if (isEverythingStopped()) return;
         if (!runner.isWanted(check)) continue;
+        printOut("  " + check.id + ": ");
         add(runner.run(check));
         writeFile(folders_.results / "records.jsonl", [&] {
             std::string text;

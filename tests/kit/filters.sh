@@ -11,7 +11,7 @@ while read -r program filter; do
     for pattern in "${patterns[@]}"; do
         case $pattern in -*) pattern=${pattern#-} ;; esac
         names=$("$tree/toolchain/wine.sh" "$tests/${program#tests/}" --gtest_list_tests \
-            --gtest_filter="$pattern")
+            --gtest_filter="$pattern" </dev/null)
         grep -q '^  ' <<<"$names" || { echo "no test of $program is named $pattern"; exit 1; }
         count=$((count + 1))
     done
