@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# example.sh [--test | --screenshot FILE]: runs examples/launcher under Wine, beside the stand-ins and with a
+# data folder of its own, until Ctrl+C. With --test, tests it in a headless browser instead; with
+# --screenshot, saves a picture of it.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+wine="$tree/toolchain/wine.sh"
+build="$tree/build/windows"
+tools=$(bash "$tree/toolchain/node.sh" --dir)
+folder=$(mktemp -d)
+server=
+: >"$folder/address"
+cleanup() {
+    [ -z "$server" ] || kill "$server" 2>/dev/null || true
+    "$wine" taskkill /f /im QX-Player.exe >/dev/null 2>&1 || true
+    rm -rf "$folder"
+}
+trap cleanup EXIT
+
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+
+# The product: two instances with apps, and one whose name is hostile.
+data="$folder/data"
+mkdir -p "$data/Logs" "$data/Engine/Nougat64" "$folder/node_modules"
+cp -r "$tree/demo/AppCache" "$data/Engine/Nougat64"
+cp "$tree/demo/vantrel.conf" "$data"
+[ "${1:-}" != --test ] ||
+    sed -i 's|^\(vtr.instance.Nougat32.display_name\)=.*|\1="<img src=x onerror=document.title=1>"|' "$data/vantrel.conf"
+key='HKLM\Software\Vantrel_nvo'
+for value in "UserDefinedDir=$(windows_path "$data")" "InstallDir=$(windows_path "$build/standins")\\"; do
+    "$wine" reg add "$key" /v "${value%%=*}" /d "${value#*=}" /f >/dev/null
+done
+ln -s "$tree/bindings/node" "$folder/node_modules/qx-bridge"
+ln -s "$tools/node_modules/koffi" "$folder/node_modules/koffi"
+
+NODE_PATH="$(windows_path "$folder/node_modules")" QX_STANDIN_SECONDS=3600 \
+    QX_STANDIN_OUTPUT="$(windows_path "$folder/programs.txt")" \
+    "$wine" "$tools/node/bin/node.exe" "$(windows_path "$tree/examples/launcher/server.js")" \
+    "$(windows_path "$build/bin/QX-Bridge.dll")" >"$folder/address" 2>&1 </dev/null &
+server=$!
+for ((i = 0; i < 300; i++)); do
+    address=$(tr -d '\r' <"$folder/address" | grep '^http://' || true)
+    [ -z "$address" ] || break
+    kill -0 "$server" 2>/dev/null || die "the launcher has ended: $(<"$folder/address")"
+    sleep 0.1
+done
+[ -n "$address" ] || die "the launcher did not print its address: $(<"$folder/address")"
+
+case ${1:-} in
+--test) python3 "$tree/tests/launcher/browser_test.py" "$address" "$data" ;;
+--screenshot) python3 "$tree/tests/launcher/screenshot.py" "$address" "$2" ;;
+*)
+    say "The launcher: $address"
+    say "Ctrl+C ends it."
+    wait "$server"
+    ;;
+esac
