@@ -76,6 +76,7 @@ inline void endObservers() {
     {
         const std::lock_guard<std::mutex> guard(dispatch().lock);
         dispatch().hasEnded = true;
+        dispatch().eventThread = std::thread::id();  // another thread may get its id
         all.splice(all.end(), dispatch().queues);
         all.splice(all.end(), dispatch().works);
     }

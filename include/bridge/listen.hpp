@@ -11,6 +11,7 @@
 #include <bridge/event_queue.hpp>
 #include <bridge/process.hpp>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -41,6 +42,7 @@ inline unsigned long serverOf(const std::string& client, std::chrono::millisecon
     constexpr unsigned long kOpenExisting = 3;
     constexpr unsigned long kIdentification =
         0x00110000;  // SECURITY_SQOS_PRESENT | ..._IDENTIFICATION
+    void* const noPipe = reinterpret_cast<void*>(std::intptr_t{-1});  // INVALID_HANDLE_VALUE
     const std::wstring name =
         L"\\\\.\\pipe\\vtr_" + std::wstring(client.begin(), client.end()) + L"_bridge_nvo";
     const auto end = std::chrono::steady_clock::now() + limit;
@@ -51,10 +53,11 @@ inline unsigned long serverOf(const std::string& client, std::chrono::millisecon
         }
         void* const pipe = ::CreateFileW(name.c_str(), kReadWrite, 0, nullptr, kOpenExisting,
                                          kIdentification, nullptr);
+        if (pipe == noPipe) continue;  // another client was first
         unsigned long processId = 0;
-        if (::GetNamedPipeServerProcessId(pipe, &processId) == 0) processId = 0;
+        const bool isKnown = ::GetNamedPipeServerProcessId(pipe, &processId) != 0;
         ::CloseHandle(pipe);
-        if (processId != 0) return processId;
+        if (isKnown) return processId;
     } while (std::chrono::steady_clock::now() < end);
     return 0;
 #else

@@ -77,7 +77,7 @@ class Error : public std::runtime_error {
     std::string text() const { return codeText(code_); }
     /** The file that the call was about; empty when there is none. */
     const std::string& file() const noexcept { return file_; }
-    /** Where the library logs. */
+    /** Where the library logs; empty when that is standard output. */
     const std::string& log() const noexcept { return log_; }
 
  private:
@@ -88,7 +88,9 @@ class Error : public std::runtime_error {
         if (!name.empty()) all.append(name).append(": ");
         all.append(codeText(code)).append(")");
         if (!file.empty()) all.append(" for ").append(file);
-        return all.append("; the log ").append(detail::logPath()).append(" has the cause");
+        const std::string log = detail::logPath();
+        all.append("; the log ").append(log.empty() ? "" : log + " ");
+        return all.append("has the cause");
     }
 
     std::string operation_;

@@ -3,6 +3,7 @@
 # without a warning. Kinds of compilers:
 #   gcc, gcc-c   GCC, and one that has C only
 #   clang        clang, with every warning that it has but those below
+#   each         one that compiles each header of bridge.hpp alone
 #   microsoft    clang in Microsoft's mode; the same, and bridge.h also as a compiler that is neither
 #                clang nor GCC reads it
 set -euo pipefail
@@ -41,23 +42,27 @@ alone() {
 # Whether windows.h, whole, comes first or last, it fits to what is declared here.
 beside_windows() {
     after=("#include <windows.h>")
-    before=() && each windows_calls.h "$@"
-    before=("#include <windows.h>") && each windows_calls.h "$@"
+    before=() && compile windows_calls.h "$@"
+    before=("#include <windows.h>") && compile windows_calls.h "$@"
     alone
 }
 
-# each PATTERN LANGUAGE STANDARDS COMPILER OPTION...: the headers of the interface for this pattern
+# Each header that bridge.hpp is made of needs nothing before it.
 each() {
     local path
-    for path in "$include"/bridge/$1; do compile "${path##*/}" "${@:2}"; done
+    for path in "$include"/bridge/*.hpp; do compile "${path##*/}" c++ c++17 "$@"; done
 }
 
-as_c() { each "*.h" c "c89 c99 c11 c17" "$@"; }
-as_cpp() { each "*.h" c++ "c++11 c++14 c++17 c++20" "$@"; }
-wrapper() {
-    compile bridge.hpp c++ c++20 "$@"
-    each "*.hpp" c++ c++17 "$@"
+# preflight.h has windows_calls.h in it.
+as_c() {
+    compile bridge.h c "c89 c99 c11 c17" "$@"
+    compile preflight.h c "c89 c17" "$@"
 }
+as_cpp() {
+    compile bridge.h c++ "c++11 c++14 c++17 c++20" "$@"
+    compile preflight.h c++ "c++11 c++20" "$@"
+}
+wrapper() { compile bridge.hpp c++ "c++17 c++20" "$@"; }
 
 all() {
     as_c "$@"
@@ -73,6 +78,7 @@ judge() {
         ;;
     gcc) all "$2" "${usual[@]}" ;;
     clang) all "$2" "${every[@]}" ;;
+    each) each "$2" "${usual[@]}" ;;
     microsoft)
         all "$2" "${every[@]}" -DBRIDGE_DLLIMPORT
         compile bridge.h c "c89 c99 c11 c17" "$2" "${unknown[@]}"

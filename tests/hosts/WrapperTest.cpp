@@ -189,10 +189,14 @@ TEST_F(WrapperTest, ListenSaysWhoHasTheEvents) {
 }
 
 TEST_F(WrapperTest, PreflightIsThatOfTheCHeader) {
-    EXPECT_EQ(played("preflight"), Lines{"0 0"});
+    const std::string error =
+        "bridgeApiInit failed with 22 (XERR_INVAL: an argument was refused); the log has the cause";
+    EXPECT_EQ(played("preflight"), (Lines{"0 0", error}));
     data.makeFolder("Logs\\Player.log");
     EXPECT_EQ(played("preflight"),
-              (Lines{"1 0", "the log " + (data / "Logs\\Player.log") +
-                                " cannot be opened (Windows error 5)|give this user the right to "
-                                "write it, or name another log file"}));
+              (Lines{"1 0",
+                     "the log " + (data / "Logs\\Player.log") +
+                         " cannot be opened (Windows error 5)|give this user the right to "
+                         "write it, or name another log file",
+                     error}));
 }

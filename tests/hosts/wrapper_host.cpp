@@ -264,6 +264,7 @@ void playPreflight(const std::string& folder) {
     say(std::to_string(preflight(Client::Helper).size()) + " " +
         std::to_string(preflight(Client::Helper, own).size()));
     for (const Problem& one : preflight(Client::Helper)) say(one.what + "|" + one.remedy);
+    say(Error("bridgeApiInit", BRIDGE_INVALID_ARGUMENT, {}).what());
 }
 
 void play(const std::string& scene, const std::string& folder) {
