@@ -163,7 +163,8 @@ export interface Bridge extends EventEmitter {
     /**
      * Starts the event server. From here on events are emitted, and Node does not end by itself. The
      * promise, and 'listening', tell that the events come to this process; it rejects with ListenError
-     * when another one has them, or when nothing does within the time-out (milliseconds; 10000).
+     * when another one has them, or when nothing does within the time-out (milliseconds; 10000). A host
+     * that ignores the promise meets the rejection as Node's unhandledRejection.
      */
     listen(options?: { timeout?: number }): Promise<void>;
 

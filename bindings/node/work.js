@@ -84,13 +84,14 @@ class Works {
         return new Work(operation, watch, this.#requireListening);
     }
 
+    // An event is the outcome of one work, the oldest that it fits to: two that were started alike end with
+    // two events.
     receive(event, values) {
-        for (const watch of [...this.#watches]) {
+        for (const watch of this.#watches) {
             if (watch.event !== event || !watch.takes(values)) continue;
             this.#watches.delete(watch);
             watch.complete(values);
-            // Instances are created in the order in which they were asked for; no name says which.
-            if (event === 'createInstanceCompleted') return;
+            return;
         }
     }
 

@@ -120,6 +120,10 @@ class GeneratedTest(unittest.TestCase):
                 self.expect(fault(NODE), fault(TYPES), fault(CSHARP), fault(PYTHON), fault(CPP_KEYS))
                 self.generate()
 
+    def test_an_image_of_nodes(self):
+        self.change(IMAGES, '{"Nougat32", ', '{"Nougat31", ')
+        self.assertIn(fault(NODE), self.run_gate()[1])
+
     def test_two_properties_of_one_name_in_a_binding(self):
         self.change(CATALOGUE, '{"dpi", ', '{"status_adb_port", ')
         self.assertRaises(ValueError, generated.main, self.root)

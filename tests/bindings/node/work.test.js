@@ -45,18 +45,30 @@ test('instances are created in the order of the calls', async () => {
     assert.deepStrictEqual(await Promise.all(two.map(async (one) => (await one.finished()).instance)), ['A', 'B']);
 });
 
+test('an event is the outcome of one work, the oldest that it fits to', async () => {
+    const works = listening();
+    const two = ['N', 'N'].map((name) => works.start('installApk', 'apkInstallCompleted', ofInstance(name), nothing));
+    works.receive(...apk('N', 1));
+    assert.strictEqual((await two[0].finished()).status, 1);
+    await assert.rejects(two[1].finished({ timeout: 1 }), TimeoutError);
+    works.receive(...apk('N', 2));
+    assert.strictEqual((await two[1].finished()).status, 2);
+});
+
 test('an image is installed with status 2, and other statuses are progress', async () => {
     const seen = [];
     const works = listening();
     const progress = ({ status, progress: done }) => seen.push([status, done]);
     const work = works.start('installImage', 'installImageProgress', imageInstalled('A', { progress }), nothing);
-    const plain = works.start('installImage', 'installImageProgress', imageInstalled('A'), nothing);
     for (const [imageName, status, done] of [['A', 1, 25], ['B', 2, 100], ['A', 1, 50], ['A', 2, 100], ['A', 1, 0]]) {
         works.receive('installImageProgress', { imageName, status, progress: done });
     }
     assert.deepStrictEqual(await work.finished(), { imageName: 'A', status: 2, progress: 100 });
-    assert.strictEqual((await plain.finished()).status, 2);
     assert.deepStrictEqual(seen, [[1, 25], [1, 50]]);
+    const plain = works.start('installImage', 'installImageProgress', imageInstalled('A'), nothing);
+    works.receive('installImageProgress', { imageName: 'A', status: 1, progress: 0 });
+    works.receive('installImageProgress', { imageName: 'A', status: 2, progress: 1 });
+    assert.strictEqual((await plain.finished()).progress, 1);
     assert.throws(() => imageInstalled('A', { progress: 5 }), TypeError);
 });
 
