@@ -6,14 +6,16 @@ const { splitKey, findProperty } = require('./keys');
 
 const LINE_SIZE = 4096;
 
-// The key and the value of a line; null for a line at which a load stops. A value is what is between
-// the first and the last character after the "=".
+const decoded = (bytes) => Buffer.from(bytes, 'latin1').toString('utf8');
+
+// The key and the value of a line, whose characters are bytes; null for a line at which a load stops. A
+// value is what is between the first and the last byte after the "=".
 function entryOf(line) {
     const equals = line.indexOf('=');
-    if (equals < 0 || equals + 1 === line.length || Buffer.byteLength(line) > LINE_SIZE) return null;
+    if (equals < 0 || equals + 1 === line.length || line.length > LINE_SIZE) return null;
     const value = line.slice(equals + 2, -1);
     const end = value.indexOf('\0');
-    return { key: line.slice(0, equals), value: end < 0 ? value : value.slice(0, end) };
+    return { key: decoded(line.slice(0, equals)), value: decoded(end < 0 ? value : value.slice(0, end)) };
 }
 
 function linesOf(content) {
@@ -25,7 +27,7 @@ function linesOf(content) {
 // A file that does not exist or cannot be read is like an empty one.
 function contentOf(file) {
     try {
-        return fs.readFileSync(file, 'utf8');
+        return fs.readFileSync(file, 'latin1');
     } catch (error) {
         return '';
     }

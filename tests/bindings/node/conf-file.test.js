@@ -43,6 +43,13 @@ test('no value comes after a line at which a load stops', () => {
     assert.strictEqual(Object.keys(read(`vtr.guid="${'x'.repeat(4085)}"\n${after}`).values).length, 2, 'a line of 4096 bytes');
 });
 
+test('a line is as long as its bytes, whether they are UTF-8 or not', () => {
+    const line = (bytes) => Buffer.concat([Buffer.from('vtr.guid="'), Buffer.alloc(bytes, 0xff), Buffer.from('"\nvtr.locale="ü"\n')]);
+    assert.strictEqual(read(line(4085)).values['vtr.locale'], 'ü');
+    assert.deepStrictEqual(read(line(4086)).values, {});
+    assert.deepStrictEqual(read(`vtr.guid="${'ü'.repeat(2043)}"\nvtr.locale="x"\n`).values, {}, 'letters of two bytes');
+});
+
 test('names are found after such a line too', () => {
     assert.deepStrictEqual(read('no line\nvtr.instance.N.dpi="1"\n'), { instances: ['N'], values: {} });
 });
