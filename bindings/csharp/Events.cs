@@ -74,12 +74,12 @@ namespace QXBridge
 
         /// <summary>Listen() without blocking: handlers are called from here on, the rest is on a thread
         /// of its own. A token that is cancelled ends the wait.</summary>
-        public Task ListenAsync(CancellationToken token = default(CancellationToken))
+        public Task ListenAsync(CancellationToken token = default(CancellationToken), TimeSpan? limit = null)
         {
             Register();
             return Waiting.OnAThread(() =>
             {
-                if (!listening) RequireOwnServer(LimitOf(null));
+                if (!listening) RequireOwnServer(LimitOf(limit));
                 return true;
             }, token);
         }

@@ -15,6 +15,7 @@ static partial class DotnetHost
 
     static readonly StreamWriter Output =
         new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true, NewLine = "\n" };
+    static readonly TimeSpan Long = TimeSpan.FromSeconds(60); // the machine may be busy
     static readonly SemaphoreSlim Arrived = new SemaphoreSlim(0);
 
     static void Say(params object[] words)
@@ -49,7 +50,7 @@ static partial class DotnetHost
 
     static void Listen(Session session)
     {
-        session.Listen();
+        session.Listen(Long);
         Say("listening");
     }
 
@@ -255,7 +256,7 @@ static partial class DotnetHost
             SayFields("appDisplayed", instance, package);
             Arrived.Release();
         };
-        session.Listen();
+        session.Listen(Long);
         string refusal = RefusalOfASession();
         Listen(session);
         WaitForEvents(1);

@@ -88,7 +88,7 @@ static partial class DotnetHost
     static async Task Awaiting(Session session)
     {
         EventStream stream = session.Events(EventKind.AppDisplayed);
-        await session.ListenAsync();
+        await session.ListenAsync(CancellationToken.None, Long);
         Say("listening");
         for (int i = 0; i < 2; ++i)
         {

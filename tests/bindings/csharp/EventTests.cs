@@ -62,6 +62,10 @@ static class EventTests
                                       () => session.Listen(TimeSpan.FromSeconds(3)));
         Check.Equal(3.0, machine.Limit.TotalSeconds);
         Check.Throws<ListenException>(() => session.ListenAsync().Wait());
+        Check.Equal(10.0, machine.Limit.TotalSeconds);
+        Check.Throws<ListenException>(
+            () => session.ListenAsync(CancellationToken.None, TimeSpan.FromSeconds(4)).Wait());
+        Check.Equal(4.0, machine.Limit.TotalSeconds);
         Check.Throws<TaskCanceledException>(() => session.ListenAsync(new CancellationToken(true)).Wait());
         machine.Server = new PipeServer { ProcessId = machine.OwnProcessId };
         session.ListenAsync().Wait();

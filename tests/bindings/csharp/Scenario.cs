@@ -152,7 +152,7 @@ sealed class Scenario : IDisposable
         events = session.Events();
         limited = session.Events(2);
         counted = session.Events();
-        session.Listen();
+        session.Listen(Long);
         Say("listening");
     }
 

@@ -54,15 +54,23 @@ def example(readme):
 
 
 class CompileTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="csharp.")
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        cls.compile("-target:library", f"-out:{cls.folder}/binding.dll", *cls.files).check_returncode()
+
+    @classmethod
+    def compile(cls, *options):
+        return subprocess.run([cls.compiler, "-warnaserror", "-langversion:5", "-platform:x64", *options],
+                              capture_output=True, encoding="utf-8", check=False)
+
     def lines_with_errors(self, body):
-        """Compiled as a program of its own, which does not see what is internal to the binding."""
-        with tempfile.TemporaryDirectory(prefix="csharp.") as folder:
-            library, host = f"{folder}/binding.dll", pathlib.Path(folder) / "host.cs"
-            host.write_text(HOST % body, "utf-8")
-            options = [self.compiler, "-warnaserror", "-langversion:5", "-platform:x64"]
-            subprocess.run([*options, "-target:library", f"-out:{library}", *self.files], check=True)
-            done = subprocess.run([*options, f"-r:{library}", f"-out:{folder}/host.exe", str(host)],
-                                  capture_output=True, encoding="utf-8", check=False)
+        """Of a program of its own, which does not see what is internal to the binding."""
+        host = self.folder / "host.cs"
+        host.write_text(HOST % body, "utf-8")
+        done = self.compile(f"-r:{self.folder}/binding.dll", f"-out:{self.folder}/host.exe", str(host))
         found = re.findall(r"host\.cs\((\d+),\d+\): error", done.stdout + done.stderr)
         self.assertEqual(done.returncode == 0, not found, done.stderr)
         return {int(one) - FIRST_LINE + 1 for one in found}
