@@ -79,7 +79,7 @@ namespace QXBridge
                     Decimal(ram), Utf8.Bytes(graphicEngine, "graphicEngine"),
                     Utf8.Bytes(graphicRenderer, "graphicRenderer"),
                     Utf8.Bytes(deviceProfile, "deviceProfile")),
-                new Watch<CreateInstanceCompleted>(one => true) { TakesItAlone = true });
+                new Watch<CreateInstanceCompleted>(one => true));
         }
 
         /// <summary>Asks a player to shut down; does not wait for its end.</summary>

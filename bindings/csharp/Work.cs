@@ -8,9 +8,10 @@ using System.Threading.Tasks;
 
 namespace QXBridge
 {
-    /// <summary>Work that was started, and the event that it ends with. One that nobody waits for costs
-    /// nothing but its memory, until the event comes or the session ends. A handler must not block on it:
-    /// the event would come after the handler's return.</summary>
+    /// <summary>Work that was started, and the event that it ends with: of works that are alike, the oldest
+    /// one has it. One that nobody waits for costs nothing but its memory, until the event comes or the
+    /// session ends. A handler must not block on it: the event would come after the handler's
+    /// return.</summary>
     public sealed class Work<T> where T : BridgeEvent
     {
         private readonly Session session;
@@ -50,8 +51,6 @@ namespace QXBridge
     {
         /// <summary>Whether this was the event.</summary>
         internal abstract bool Sees(BridgeEvent one);
-        /// <summary>Whether another watch may see the same event.</summary>
-        internal bool TakesItAlone;
         internal abstract void End();
     }
 
@@ -83,7 +82,8 @@ namespace QXBridge
         }
     }
 
-    /// <summary>All watches, in the order of the calls that they belong to.</summary>
+    /// <summary>All watches, in the order of the calls that they belong to. An event is the end of the
+    /// first that it fits to.</summary>
     internal sealed class Watches
     {
         private readonly LinkedList<Watch> watches = new LinkedList<Watch>();
@@ -107,7 +107,7 @@ namespace QXBridge
             {
                 if (!watch.Sees(one)) continue;
                 Remove(watch);
-                if (watch.TakesItAlone) return;
+                return;
             }
         }
 

@@ -200,7 +200,9 @@ static class EventTests
         Check.Throws<OperationCanceledException>(() => Rethrow(cancelled));
         Check.fakeSend(1);
         Check.Equal("AppDisplayed Nougat64|😀", Shown(waiting.Result));
-        Check.Equal(true, ReferenceEquals(twin.FinishedAsync().Result, launch.FinishedAsync(Short).Result));
+        Check.Throws<TimeoutException>(() => twin.FinishedAsync(Short).Wait());
+        Check.fakeSend(1);
+        Check.Equal("AppDisplayed Nougat64|😀", Shown(twin.FinishedAsync().Result));
         Check.Equal(AllNine[1], Shown(removal.FinishedAsync().Result));
         Check.Equal(-1, apk.FinishedAsync().Result.Status);
         Check.Equal(before, session.WaitingCount);
