@@ -144,6 +144,14 @@ TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
                "after its end: the session has ended: the library starts once in a process"}));
 }
 
+TEST_F(DotnetTest, ASecondListenerIsToldWhichProcessHasTheEvents) {
+    ChildProcess first = startHost({"stuck handler"});
+    EXPECT_EQ(first.readLine(), "listening");
+    const std::string id = std::to_string(::GetProcessId(first.handle()));
+    EXPECT_EQ(played({"second listener"}),
+              Lines{id + " process " + id + " has the events of client \"Uninstaller\""});
+}
+
 TEST_F(DotnetTest, DisposeInAHandlerIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(
         playedWithEvents({"dispose in handler"}, "event-flood 2 app-displayed N p{n}\n"),

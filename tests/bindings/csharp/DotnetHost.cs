@@ -315,6 +315,18 @@ static partial class DotnetHost
         }
     }
 
+    static void SecondListener(Session session)
+    {
+        try
+        {
+            session.Listen(Long);
+        }
+        catch (ListenException exception)
+        {
+            Say(exception.ProcessId, exception.Message);
+        }
+    }
+
     static void WrongKeys(Session session)
     {
         session.AppDisplayed += (instance, package) =>
@@ -362,6 +374,7 @@ static partial class DotnetHost
             case "dispose in handler": DisposeInHandler(session); break;
             case "programs": Programs(session); break;
             case "no program": SayFailure(() => session.LaunchApp("Nougat64", "p")); break;
+            case "second listener": SecondListener(session); break;
             case "wrong keys": WrongKeys(session); break;
             case "commit inside": CommitInside(session); break;
             case "end during a commit": EndDuringACommit(session); break;
