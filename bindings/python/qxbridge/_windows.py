@@ -2,6 +2,7 @@
 a pipe. Nothing else of the package does."""
 
 import ctypes
+import ntpath
 import os
 import sys
 import time
@@ -20,6 +21,7 @@ INVALID_HANDLE = c_void_p(-1).value
 FILE_NOT_FOUND, ACCESS_DENIED, SHARING_VIOLATION, LOCK_VIOLATION, PIPE_BUSY = 2, 5, 32, 33, 231
 
 _CHUNK = 1 << 16
+_LONG_PATH = 248
 _HELD_TRIES, _HELD_SECONDS = 10, 0.05  # while another program replaces a file
 _PIPE_SECONDS = 0.01
 
@@ -39,11 +41,11 @@ def registry_text(key: str, name: str) -> Optional[str]:
 
 
 def is_folder(path: str) -> bool:
-    return os.path.isdir(path)
+    return os.path.isdir(_any_length(path))
 
 
 def exists(path: str) -> bool:
-    return os.path.exists(path)
+    return os.path.exists(_any_length(path))
 
 
 def read_file(path: str) -> Optional[bytes]:
@@ -110,9 +112,17 @@ def _last_error() -> int:
     return 0
 
 
+def _any_length(path: str) -> str:
+    """A long path in the form for which Windows has no limit, which the library uses too."""
+    full = ntpath.abspath(path)
+    if len(full) < _LONG_PATH or full.startswith(("\\\\?\\", "\\\\.\\")):
+        return path
+    return "\\\\?\\UNC" + full[1:] if full.startswith("\\\\") else "\\\\?\\" + full
+
+
 def _open(path: str, access: int, disposition: int, flags: int = 0,
           share: int = SHARE_ALL) -> Optional[int]:
-    handle = _kernel32().CreateFileW(path, access, share, None, disposition, flags, None)
+    handle = _kernel32().CreateFileW(_any_length(path), access, share, None, disposition, flags, None)
     return None if handle == INVALID_HANDLE else handle
 
 

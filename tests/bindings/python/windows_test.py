@@ -72,6 +72,20 @@ class WindowsTest(unittest.TestCase):
         self.assertEqual(_windows.read_file("C:\\ü"), b"a\r\nb")
         self.assertEqual(kernel32.calls, [("open", "C:\\ü", 0x80000000, 7, None, 3, 0, None), ("close", 5)])
 
+    def test_long_paths_are_in_the_form_that_has_no_limit(self):
+        name = "\\x" * 123
+        for path, opened in (("C:" + name, "\\\\?\\C:" + name), ("C:/x" + name, "\\\\?\\C:\\x" + name),
+                             ("\\\\server\\share" + name, "\\\\?\\UNC\\server\\share" + name),
+                             ("\\\\?\\C:" + name, "\\\\?\\C:" + name),
+                             ("C:" + name[2:] + "x", "C:" + name[2:] + "x")):
+            kernel32, asked = self.kernel32(-2), []
+            self.patch(_windows.os.path, "isdir", asked.append)
+            self.patch(_windows.os.path, "exists", asked.append)
+            _windows.read_file(path)
+            _windows.is_folder(path)
+            _windows.exists(path)
+            self.assertEqual((kernel32.calls[0][1], asked), (opened, [opened, opened]))
+
     def test_a_file_that_is_not_there(self):
         self.kernel32(-2)
         self.assertIsNone(_windows.read_file("C:\\x"))
