@@ -6,7 +6,7 @@ import ntpath
 import os
 import sys
 import time
-from ctypes import byref, c_int, c_uint32, c_void_p, c_wchar_p
+from ctypes import byref, c_uint32, c_void_p, c_wchar_p
 from typing import Any, List, Optional
 
 GENERIC_READ = 0x80000000
@@ -101,8 +101,6 @@ def _kernel32() -> Any:
     library.ReadFile.argtypes = [c_void_p, c_void_p, c_uint32, c_void_p, c_void_p]
     library.GetNamedPipeServerProcessId.argtypes = [c_void_p, c_void_p]
     library.CloseHandle.argtypes = [c_void_p]
-    for name in ("ReadFile", "GetNamedPipeServerProcessId", "CloseHandle"):
-        getattr(library, name).restype = c_int
     return library
 
 

@@ -67,6 +67,7 @@ class CallsTest(Case):
         conf.set_bool("vtr.enable_adb_access", True)
         conf.set_bool("vtr.enable_adb_access", False)
         conf.set_i32("vtr.mim.max_fps", -2147483648)
+        conf.set_i32("vtr.mim.max_fps", 2147483647)
         conf.set_string("vtr.locale", "第二")
         conf.set_multi_string("vtr.shared_folders", ["a", "ü"])
         conf.set_multi_string("vtr.shared_folders", "a,b")
@@ -75,7 +76,8 @@ class CallsTest(Case):
         conf.commit_to_file("C:\\ü.conf")
         self.assertEqual(support.fake.taken(), [
             "bridgeConfSetBool vtr.enable_adb_access 1", "bridgeConfSetBool vtr.enable_adb_access 0",
-            "bridgeConfSetI32 vtr.mim.max_fps -2147483648", "bridgeConfSetString vtr.locale 第二",
+            "bridgeConfSetI32 vtr.mim.max_fps -2147483648",
+            "bridgeConfSetI32 vtr.mim.max_fps 2147483647", "bridgeConfSetString vtr.locale 第二",
             "bridgeConfSetMultiString vtr.shared_folders a,ü",
             "bridgeConfSetMultiString vtr.shared_folders a,b",
             "bridgeConfSetMultiString vtr.shared_folders x,y", "bridgeConfCommit",
@@ -113,7 +115,9 @@ class CallsTest(Case):
         self.assertRaises(TypeError, conf.set_i32, "vtr.mim.max_fps", 1.0)
         self.assertRaises(TypeError, conf.set_i32, "vtr.mim.max_fps", True)
         self.assertRaises(OverflowError, conf.set_i32, "vtr.mim.max_fps", 1 << 31)
+        self.assertRaises(OverflowError, conf.set_i32, "vtr.mim.max_fps", -(1 << 31) - 1)
         self.assertRaises(OverflowError, conf.set_i64, "vtr.mim.max_fps", 1 << 63)
+        self.assertRaises(OverflowError, conf.set_i64, "vtr.mim.max_fps", -(1 << 63) - 1)
         self.assertRaises(ValueError, conf.set_multi_string, "vtr.shared_folders", ["a,b"])
         self.assertEqual(support.fake.taken(), [])
 
