@@ -6,6 +6,8 @@ import pathlib
 import re
 import subprocess
 import sys
+import tempfile
+import textwrap
 import unittest
 
 sys.dont_write_bytecode = True  # the tree stays as it is
@@ -33,6 +35,15 @@ class TypesTest(unittest.TestCase):
 
     def test_the_binding_has_no_fault(self):
         self.assertEqual(complaints("-p", "qxbridge"), [])
+
+    def test_the_examples_of_the_page_have_no_fault(self):
+        page = (BINDING / "README.md").read_text("utf-8")
+        host, loop = re.findall(r"^```python\n(.*?)^```$", page, re.M | re.S)
+        coroutine = "\n\nasync def read(bridge: Bridge) -> None:\n" + textwrap.indent(loop, "    ")
+        with tempfile.TemporaryDirectory(prefix="examples.") as folder:
+            path = pathlib.Path(folder, "examples.py")
+            path.write_text(host + coroutine, "utf-8")
+            self.assertEqual(complaints(path), [])
 
     def test_of_a_host_only_the_lines_that_are_wrong_are_refused(self):
         lines = HOST.read_text("utf-8").splitlines()
