@@ -192,35 +192,27 @@ TEST(Requests, BringToFrontWithoutAServerOrAReplyAnswersZero) {
 }
 
 TEST(Requests, EntryAndExitAreLoggedWithTheArguments) {
-    const auto entryAndExit = [](const Encode& encode) {
+    const auto expectLines = [](const std::string& call, const Encode& encode) {
         LogCapture log;
         received(encode);
         Lines lines;
         for (const LogCapture::Line& line : log.lines()) {
             if (line.tag != XlogTag::IPC) lines.push_back(line.message);
         }
-        return lines;
+        EXPECT_EQ(lines, (Lines{call + "\n", "returning from " + call + "\n"}));
     };
-    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrShutdownRpc(c, true); }),
-              (Lines{"plrShutdownRpc(1)\n", "returning from plrShutdownRpc(1)\n"}));
-    EXPECT_EQ(
-        entryAndExit([](IpcClient& c) { plrLaunchAppStoreRpc(c, "a", "b"); }),
-        (Lines{"plrLaunchAppStoreRpc(a, b)\n", "returning from plrLaunchAppStoreRpc(a, b)\n"}));
-    EXPECT_EQ(
-        entryAndExit([](IpcClient& c) { plrMnsSyncKeyEventRpc(c, -3, false); }),
-        (Lines{"plrMnsSyncKeyEventRpc(-3, 0)\n", "returning from plrMnsSyncKeyEventRpc(-3, 0)\n"}));
-    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrResizeWindowRpc(c, 1, 2, 3, 4); }),
-              (Lines{"plrResizeWindowRpc(1, 2, 3, 4)\n",
-                     "returning from plrResizeWindowRpc(1, 2, 3, 4)\n"}));
-    EXPECT_EQ(entryAndExit([](IpcClient& c) { plrMnsSyncMouseEventRpc(c, 1, 0.5, -2, 3); }),
-              (Lines{"plrMnsSyncMouseEventRpc(1, 0.500000, -2.000000, 3)\n",
-                     "returning from plrMnsSyncMouseEventRpc(1, 0.500000, -2.000000, 3)\n"}));
-    EXPECT_EQ(entryAndExit(
-                  [](IpcClient& c) { mimCreateFreshInstanceRpc(c, "a", "b", "c", "d", "e", "f"); }),
-              (Lines{"mimCreateFreshInstanceRpc(a, b, c, d, e, f)\n",
-                     "returning from mimCreateFreshInstanceRpc(a, b, c, d, e, f)\n"}));
-    EXPECT_EQ(entryAndExit(mimShutdownRpc),
-              (Lines{"mimShutdownRpc()\n", "returning from mimShutdownRpc()\n"}));
+    expectLines("plrShutdownRpc(1)", [](IpcClient& c) { plrShutdownRpc(c, true); });
+    expectLines("plrLaunchAppStoreRpc(a, b)",
+                [](IpcClient& c) { plrLaunchAppStoreRpc(c, "a", "b"); });
+    expectLines("plrMnsSyncKeyEventRpc(-3, 0)",
+                [](IpcClient& c) { plrMnsSyncKeyEventRpc(c, -3, false); });
+    expectLines("plrResizeWindowRpc(1, 2, 3, 4)",
+                [](IpcClient& c) { plrResizeWindowRpc(c, 1, 2, 3, 4); });
+    expectLines("plrMnsSyncMouseEventRpc(1, 0.500000, -2.000000, 3)",
+                [](IpcClient& c) { plrMnsSyncMouseEventRpc(c, 1, 0.5, -2, 3); });
+    expectLines("mimCreateFreshInstanceRpc(a, b, c, d, e, f)",
+                [](IpcClient& c) { mimCreateFreshInstanceRpc(c, "a", "b", "c", "d", "e", "f"); });
+    expectLines("mimShutdownRpc()", mimShutdownRpc);
 }
 
 TEST(Requests, AServerThatIsNotThereIsAnErrorLineOnly) {
