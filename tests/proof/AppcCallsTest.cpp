@@ -125,6 +125,16 @@ class AppcCallsTest : public ::testing::Test {
         return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
     }
 
+    // Loads a fresh file while so many calls are refused, and expects that many calls.
+    void load(int refusals, int error, int calls) {
+        const OddSleep sleeping("Sleep", countSleep);
+        writeFile();
+        log.clear();
+        refuseNext(refusals, error);
+        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
+        EXPECT_EQ(seen.calls, calls) << error;
+    }
+
     // Loads while a call is refused but for its last try.
     void expectReadAtTheLastTry() {
         const OddSleep sleeping("Sleep", countSleep);
@@ -196,12 +206,7 @@ TEST_F(AppcCallsTest, AnOpenThatIsRefusedForAMomentIsTriedAgain) {
 TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
         const OddOpen refusing("CreateFileW", refuseOpen);
-        const OddSleep sleeping("Sleep", countSleep);
-        writeFile();
-        log.clear();
-        refuseNext(kTries, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, kTries) << error;
+        load(kTries, error, kTries);
         EXPECT_EQ(packages(), Lines{}) << error;
         const bool isDenied = error == ERROR_ACCESS_DENIED;
         EXPECT_EQ(log.texts(), isDenied ? deleted(error) : kept(error));
@@ -213,12 +218,7 @@ TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
     for (const int error : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_WRITE_PROTECT,
                             ERROR_IO_DEVICE, ERROR_FILE_CORRUPT}) {
         const OddOpen refusing("CreateFileW", refuseOpen);
-        const OddSleep sleeping("Sleep", countSleep);
-        writeFile();
-        log.clear();
-        refuseNext(1, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, 1) << error;
+        load(1, error, 1);
         EXPECT_EQ(seen.sleptMs, 0u) << error;
         EXPECT_EQ(log.texts(), deleted(error));
         EXPECT_FALSE(data.has(kFile)) << error;
@@ -240,11 +240,7 @@ TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
 TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
     for (const int error : {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
         const OddRead refusing("ReadFile", refuseRead);
-        const OddSleep sleeping("Sleep", countSleep);
-        log.clear();
-        refuseNext(kTries, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, kTries) << error;
+        load(kTries, error, kTries);
         EXPECT_EQ(log.texts(), kept(error));
         EXPECT_EQ(update("com.b", ""), -1) << error;
         EXPECT_EQ(log.texts().back(), logged::cacheNotSavedOver(path()));
@@ -257,12 +253,7 @@ TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
 TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
     for (const int error : {ERROR_IO_DEVICE, ERROR_ACCESS_DENIED}) {
         const OddRead refusing("ReadFile", refuseRead);
-        const OddSleep sleeping("Sleep", countSleep);
-        writeFile();
-        log.clear();
-        refuseNext(kTries, error);
-        EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
-        EXPECT_EQ(seen.calls, error == ERROR_IO_DEVICE ? 1 : kTries);
+        load(kTries, error, error == ERROR_IO_DEVICE ? 1 : kTries);
         EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(path())});
         EXPECT_FALSE(data.has(kFile)) << error;
     }
