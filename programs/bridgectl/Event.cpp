@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <cstdio>
 
-#include "shared/JsonValue.h"
-
 namespace {
 
 JsonValue jsonOf(const EventValue& value) {
@@ -30,9 +28,9 @@ std::string withoutControls(const std::string& json) {
     return safe;
 }
 
-std::string lineOf(const JsonValue& value) { return withoutControls(value.inOneLine()); }
-
 }  // namespace
+
+std::string jsonLine(const JsonValue& value) { return withoutControls(value.inOneLine()); }
 
 std::vector<std::string> eventNames() {
     std::vector<std::string> names;
@@ -53,7 +51,7 @@ std::string eventText(const Event& event) {
     std::string line = isoTime(event.time) + " " + event.kind->name;
     for (std::size_t i = 0; i < event.values.size(); ++i) {
         line.append(" ").append(event.kind->fields[i].name).append("=");
-        line.append(lineOf(jsonOf(event.values[i])));
+        line.append(jsonLine(jsonOf(event.values[i])));
     }
     return line + "\n";
 }
@@ -63,5 +61,5 @@ std::string eventJson(const Event& event) {
     for (std::size_t i = 0; i < event.values.size(); ++i) {
         object.push_back({event.kind->fields[i].name, jsonOf(event.values[i])});
     }
-    return lineOf(object) + "\n";
+    return jsonLine(object) + "\n";
 }

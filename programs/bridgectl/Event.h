@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ipc/IpcEvent.h"
+#include "shared/JsonValue.h"
 
 // Events as the program shows them.
 
@@ -40,6 +41,9 @@ struct Event {
     std::vector<EventValue> values;  // one for each field of the kind
     EventMoment moment{};            // `time` on a clock that nobody sets
 };
+
+// A value in one line of JSON, without what a terminal takes for controls.
+std::string jsonLine(const JsonValue& value);
 
 // One line with its line feed: the time, the name, and name=value for each field, or a JSON object
 // with all of these. Texts stand between quotes in both: what a sender put into them cannot end the

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <memory>
@@ -66,13 +67,15 @@ bool print(DWORD stream, std::string_view text) {
                                                                 : printBytes(handle, text);
 }
 
-TextStyle styleOf(DWORD stream) {
-    const HANDLE handle = handleOf(stream);
+// Whether a handle is a terminal, which is made to follow escape sequences.
+bool takesSequences(HANDLE handle) {
     DWORD mode = 0;
-    const bool showsColours =
-        ::GetConsoleMode(handle, &mode) != 0 &&
-        ::SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
-    return TextStyle(showsColours, std::getenv("NO_COLOR"));
+    return ::GetConsoleMode(handle, &mode) != 0 &&
+           ::SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+TextStyle styleOf(DWORD stream) {
+    return TextStyle(takesSequences(handleOf(stream)), std::getenv("NO_COLOR"));
 }
 
 std::atomic<void (*)()> consoleEnd{nullptr};
@@ -111,6 +114,17 @@ void printError(std::string_view text) {
 
 void printNotice(std::string_view text) {
     print(STD_ERROR_HANDLE, std::string(programName).append(": ").append(text).append("\n"));
+}
+
+std::optional<ScreenSize> outputSize() {
+    const HANDLE handle = handleOf(STD_OUTPUT_HANDLE);
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!takesSequences(handle) || !::GetConsoleScreenBufferInfo(handle, &info)) {
+        return std::nullopt;
+    }
+    const SMALL_RECT& window = info.srWindow;
+    return ScreenSize{static_cast<std::size_t>(std::max(window.Right - window.Left + 1, 2)),
+                      static_cast<std::size_t>(std::max(window.Bottom - window.Top + 1, 1))};
 }
 
 TextStyle outputStyle() { return styleOf(STD_OUTPUT_HANDLE); }

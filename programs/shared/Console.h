@@ -1,6 +1,8 @@
 #ifndef SHARED_CONSOLE_H
 #define SHARED_CONSOLE_H
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +20,14 @@ void printError(std::string_view text);
 
 // On standard error too, but nothing has failed.
 void printNotice(std::string_view text);
+
+// The window of standard output, which is made ready for sequences that move the cursor; nothing
+// when it is no terminal.
+struct ScreenSize {
+    std::size_t columns = 80;
+    std::size_t rows = 24;
+};
+std::optional<ScreenSize> outputSize();
 
 // The style of a stream of this process, which is made ready to show colours.
 TextStyle outputStyle();
