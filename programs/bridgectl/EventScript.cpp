@@ -22,7 +22,7 @@ std::string quoted(const std::string& text) {
 // The shortest text that reads back as the number, with a point in every locale.
 std::string textOf(double number) {
     char text[64];
-    const std::to_chars_result end = std::to_chars(text, text + sizeof text, number);
+    const auto end = std::to_chars(text, text + sizeof text, number);
     return std::string(text, end.ptr);
 }
 

@@ -2,6 +2,7 @@
 // not.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 

@@ -1,6 +1,7 @@
 // `bridgectl watch` into a pipe: a line for each thing that happens.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 

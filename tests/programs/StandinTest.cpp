@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "StandinCommandLine.h"

@@ -1,6 +1,7 @@
 // Registry, folders and files of the product.
 #include <bridge/bridge.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
