@@ -34,6 +34,9 @@ constexpr std::initializer_list<std::pair<const char*, const char*>> kElsewhere 
     {"copy-instance", "it is a command of bridgeadm: see bridgeadm help copy-instance"},
     {"remove-instance", "it is a command of bridgeadm: see bridgeadm help remove-instance"},
     {"dump-instance", "it is a command of bridgeadm: see bridgeadm help dump-instance"},
+    {"copy", "instances are copied by bridgeadm: see bridgeadm help copy-instance"},
+    {"remove", "instances are removed by bridgeadm: see bridgeadm help remove-instance"},
+    {"dump", "instances are dumped by bridgeadm: see bridgeadm help dump-instance"},
 };
 
 }  // namespace

@@ -75,6 +75,9 @@ TEST_F(BridgectlUsageTest, ACommandOfTheOtherProgramIsNamedThere) {
                       "no such command: " + name +
                           "\nbridgectl: it is a command of bridgeadm: see bridgeadm help " + name);
     }
+    expectFailure({"copy", "Nougat64", "Nougat64_1"}, 2,
+                  "no such command: copy\nbridgectl: instances are copied by bridgeadm: see "
+                  "bridgeadm help copy-instance");
 }
 
 TEST_F(BridgectlUsageTest, AMistypedKeyHasItsNearest) {

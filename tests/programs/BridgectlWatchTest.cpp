@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ProgramFixture.h"
+#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -29,6 +30,15 @@ class BridgectlWatchTest : public BridgectlFixture {
     static std::string nextLine(ChildProcess& watcher) {
         const std::string line = watcher.readLine();
         return line.size() > kTimeLength ? line.substr(kTimeLength + 1) : line;
+    }
+
+    // As a commit does, so that nobody sees half a file.
+    void addInstance() const {
+        const std::string file =
+            data.write("new.conf", kConf + "vtr.instance.Nougat32.ram=\"1\"\n");
+        EXPECT_TRUE(::MoveFileExW(wideForTests(file).c_str(),
+                                  wideForTests(data / "vantrel.conf").c_str(),
+                                  MOVEFILE_REPLACE_EXISTING));
     }
 
     const std::string kConf = "vtr.locale=\"fr\"\nvtr.instance.Nougat64.ram=\"1\"\n";
@@ -57,7 +67,7 @@ TEST_F(BridgectlWatchTest, EachThingHasItsLine) {
     EXPECT_EQ(nextLine(watcher), "player-ended instance=\"Nougat64\"");
     output({"shutdown"});
     EXPECT_EQ(nextLine(watcher), "manager-ended");
-    data.write("vantrel.conf", kConf + "vtr.instance.Nougat32.ram=\"1\"\n");
+    addInstance();
     EXPECT_EQ(nextLine(watcher), "instance-added instance=\"Nougat32\"");
 }
 
@@ -75,7 +85,7 @@ TEST_F(BridgectlWatchTest, AnOutputWithoutAReaderEndsIt) {
     ChildProcess watcher = watch();
     EXPECT_EQ(nextLine(watcher), "instance-added instance=\"Nougat64\"");
     watcher.closeOutput();
-    data.write("vantrel.conf", kConf + "vtr.instance.Nougat32.ram=\"1\"\n");
+    addInstance();
     const ChildResult result = watcher.finish();
     EXPECT_EQ(result.status, 11u);
     EXPECT_EQ(result.err, "bridgectl: standard output cannot be written\n");

@@ -99,5 +99,5 @@ TEST(ConfigurationFindings, ValuesThatCannotBeReadAreNamed) {
               (Lines{"line 1: vtr.feature.rooting holds no bool: \"maybe\": who reads it ends; "
                      "bridgectl conf unset vtr.feature.rooting",
                      "line 2: vtr.instance.Nougat64.ram holds no i32: \"many\": who reads it ends; "
-                     "bridgectl conf unset vtr.instance.Nougat64.ram"}));
+                     "bridgectl conf set vtr.instance.Nougat64.ram 0"}));
 }

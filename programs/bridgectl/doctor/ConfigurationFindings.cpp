@@ -6,6 +6,7 @@
 
 #include "Configuration.h"
 #include "KeyNames.h"
+#include "conf/ConfCatalogue.h"
 #include "conf/ConfKey.h"
 #include "conf/ConfText.h"
 #include "utl/UtlImages.h"
@@ -85,8 +86,14 @@ class Reader {
         if (info && info->state == KeyState::Invalid) {
             add(key + " holds no " + typeName(info->type) + ": \"" + info->text +
                     "\": who reads it ends",
-                "bridgectl conf unset " + key);
+                repairOf(*info));
         }
+    }
+
+    // An empty default is nothing that conf unset could store.
+    std::string repairOf(const KeyInfo& key) const {
+        if (!known_.defaultOf(key.key).empty()) return "bridgectl conf unset " + key.key;
+        return "bridgectl conf set " + key.key + (key.type == ConfType::Bool ? " false" : " 0");
     }
 
     // Once for each instance, whose keys stand together.
