@@ -20,6 +20,9 @@ std::string readEnd(const std::filesystem::path& path, std::size_t bytes);
 
 bool writeFile(const std::filesystem::path& path, std::string_view content);
 
+// Copies everything in a folder.
+bool copyFolder(const std::filesystem::path& from, const std::filesystem::path& to);
+
 // The SHA-256 of a file.
 FileDigest fileDigest(const std::filesystem::path& path);
 

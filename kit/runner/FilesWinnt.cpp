@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <fstream>
 #include <ios>
-#include <iterator>
-#include <vector>
+#include <string>
+#include <system_error>
 
 #include "Files.h"
 #include "Record.h"
@@ -21,8 +21,13 @@ fs::path pathOf(std::string_view text) { return fs::u8path(text.begin(), text.en
 std::string textOf(const fs::path& path) { return xtextToUtf8(path.native()); }
 
 std::string readFile(const fs::path& path) {
+    std::error_code error;
+    const auto size = fs::file_size(path, error);
+    std::string content(error ? 0 : static_cast<std::size_t>(size), '\0');
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    return content;
 }
 
 std::string readEnd(const fs::path& path, std::size_t bytes) {
@@ -35,6 +40,23 @@ bool writeFile(const fs::path& path, std::string_view content) {
     std::ofstream file(path, std::ios::binary);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     return file.flush().good();
+}
+
+// With the system's own copy, which is many times as fast as one through streams.
+bool copyFolder(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    fs::create_directories(to, error);
+    for (fs::recursive_directory_iterator at(from, error), end; !error && at != end;
+         at.increment(error)) {
+        const fs::path target = to / fs::relative(at->path(), from, error);
+        if (error) break;
+        if (at->is_directory()) {
+            fs::create_directories(target, error);
+        } else if (!::CopyFileW(at->path().c_str(), target.c_str(), /*bFailIfExists=*/TRUE)) {
+            return false;
+        }
+    }
+    return !error;
 }
 
 namespace {

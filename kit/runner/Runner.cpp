@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "Files.h"
-#include "Machine.h"
 #include "shared/Console.h"
 
 namespace {
@@ -23,8 +22,6 @@ std::string replaced(std::string text, const std::string& what, const std::strin
     }
     return text;
 }
-
-bool isOfKit(const std::string& program) { return program.find('/') != std::string::npos; }
 
 // The program of PATH that a check needs.
 std::string toolOf(const Check& check) {
@@ -49,10 +46,10 @@ std::string faultOf(const ProcessRun& run, int limit) {
 
 }  // namespace
 
-Runner::Runner(RunnerOptions options, RunnerFolders folders, std::vector<std::string> takenFiles)
+Runner::Runner(RunnerOptions options, RunnerFolders folders, Conditions conditions)
     : options_(std::move(options)),
       folders_(std::move(folders)),
-      takenFiles_(std::move(takenFiles)) {}
+      conditions_(std::move(conditions)) {}
 
 bool Runner::isWanted(const Check& check) const {
     const auto& only = options_.only;
@@ -81,20 +78,12 @@ bool Runner::isAccepted(const Check& check) const {
            (answer[0] == 'y' || answer[0] == 'Y');
 }
 
-Obstacle Runner::obstacleOf(const Check& check) const {
-    const std::string& program = check.command.front();
-    if (check.has("windows") && isWine()) return {Outcome::NeedsWindows, "this is Wine"};
-    if (check.has("elevated") && !isElevated()) {
-        return {Outcome::Skipped, "needs elevation: its programs read HKEY_LOCAL_MACHINE"};
-    }
-    if (check.has("plain") && isElevated()) {
-        return {Outcome::Skipped, "needs a kit that was started without elevation"};
-    }
-    if (std::find(takenFiles_.begin(), takenFiles_.end(), program) != takenFiles_.end()) {
-        return {Outcome::Skipped, program + " is missing or changed"};
-    }
-    if (check.has("prompt") && !isAccepted(check))
+Obstacle Runner::obstacleFor(const Check& check) const {
+    const Obstacle obstacle = obstacleOf(check, conditions_);
+    if (obstacle.outcome != Outcome::Passed) return obstacle;
+    if (check.has("prompt") && !isAccepted(check)) {
         return {Outcome::Skipped, "the user was not asked, or declined"};
+    }
     const std::string tool = toolOf(check);
     return tool.empty() ? Obstacle{} : obstacleOfTool(tool);
 }
@@ -143,7 +132,7 @@ void Runner::judge(Record& record) const {
 Record Runner::run(const Check& check) const {
     Record record;
     record.check = check;
-    const Obstacle obstacle = obstacleOf(check);
+    const Obstacle obstacle = obstacleFor(check);
     record.outcome = obstacle.outcome;
     record.reason = obstacle.reason;
     if (obstacle.outcome != Outcome::Passed) return record;

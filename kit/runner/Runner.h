@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Obstacle.h"
 #include "Process.h"
 #include "Record.h"
 #include "Table.h"
@@ -22,22 +23,16 @@ struct RunnerFolders {
     std::filesystem::path results;
 };
 
-// Why a check is not run; the outcome is Passed for one that is.
-struct Obstacle {
-    Outcome outcome = Outcome::Passed;
-    std::string reason;
-};
-
 // Runs checks one after another.
 class Runner {
  public:
-    Runner(RunnerOptions options, RunnerFolders folders, std::vector<std::string> takenFiles);
+    Runner(RunnerOptions options, RunnerFolders folders, Conditions conditions);
 
     bool isWanted(const Check& check) const;
     Record run(const Check& check) const;
 
  private:
-    Obstacle obstacleOf(const Check& check) const;
+    Obstacle obstacleFor(const Check& check) const;
     Obstacle obstacleOfTool(const std::string& name) const;
     bool isAccepted(const Check& check) const;
     std::string inserted(const Check& check, const std::string& word) const;
@@ -47,7 +42,7 @@ class Runner {
 
     RunnerOptions options_;
     RunnerFolders folders_;
-    std::vector<std::string> takenFiles_;
+    Conditions conditions_;
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -183,14 +184,10 @@ bool KitRun::copyPrograms() {
     const fs::path base = plainFolder();
     if (base.empty()) return false;
     copy_ = base / ownName("programs");
-    std::error_code error;
-    fs::create_directories(copy_, error);
-    for (const char* folder : kProgramFolders) {
-        if (!error && fs::exists(kit_ / folder)) {
-            fs::copy(kit_ / folder, copy_ / folder, fs::copy_options::recursive, error);
-        }
-    }
-    return !error;
+    return std::all_of(std::begin(kProgramFolders), std::end(kProgramFolders),
+                       [&](const char* name) {
+                           return !fs::exists(kit_ / name) || copyFolder(kit_ / name, copy_ / name);
+                       });
 }
 
 void KitRun::checkFiles() {
@@ -206,7 +203,7 @@ void KitRun::checkFiles() {
 }
 
 void KitRun::runChecks() {
-    const Runner runner(options_, folders_, taken_);
+    const Runner runner(options_, folders_, {isWine(), isElevated(), taken_});
     for (const Check& check : table_.checks) {
         if (isEverythingStopped()) return;
         if (!runner.isWanted(check)) continue;

@@ -1,0 +1,21 @@
+#include "Obstacle.h"
+
+#include <algorithm>
+
+bool isOfKit(const std::string& program) { return program.find('/') != std::string::npos; }
+
+Obstacle obstacleOf(const Check& check, const Conditions& conditions) {
+    if (check.has("windows") && conditions.isWine) return {Outcome::NeedsWindows, "this is Wine"};
+    if (check.has("elevated") && !conditions.isElevated) {
+        return {Outcome::Skipped, "needs elevation: its programs read HKEY_LOCAL_MACHINE"};
+    }
+    if (check.has("plain") && conditions.isElevated) {
+        return {Outcome::Skipped, "needs a kit that was started without elevation"};
+    }
+    const auto& taken = conditions.takenFiles;
+    const std::string& program = check.command.front();
+    if (std::find(taken.begin(), taken.end(), program) != taken.end()) {
+        return {Outcome::Skipped, program + " is missing or changed"};
+    }
+    return {};
+}
