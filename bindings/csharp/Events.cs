@@ -124,10 +124,15 @@ namespace QXBridge
                 listening = true;
                 return;
             }
-            string has = " the events of client \"" + client + "\"";
-            if (server.Error == 0)
-                throw new ListenException("process " + server.ProcessId + " has" + has, server.ProcessId);
-            throw new ListenException("nobody serves" + has + " (Windows error " + server.Error + ")", 0);
+            throw new ListenException(Describe(server), server.ProcessId);
+        }
+
+        private string Describe(PipeServer server)
+        {
+            string has = " has the events of client \"" + client + "\"";
+            if (server.Error == 0) return "process " + server.ProcessId + has;
+            if (server.Error == Machine.FileNotFound) return "nobody" + has + Places.WhereTheCauseIs(Places.LogPath);
+            return "another process" + has + ", and cannot be asked (Windows error " + server.Error + ")";
         }
 
         /// <summary>A stream of the events of these kinds, or of all, from now on. It holds 10,000 events

@@ -37,7 +37,8 @@ namespace QXBridge
         // The server learns nothing about the user.
         private const uint Anonymously = 0x00100000;
 
-        private const int FileNotFound = 2, PipeBusy = 231;
+        internal const int FileNotFound = 2;
+        private const int PipeBusy = 231;
         private const int TryAgainAfter = 5; // milliseconds
 
         /// <summary>A text of the product's key, read as the library reads it; empty where there is no

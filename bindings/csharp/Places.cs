@@ -44,5 +44,11 @@ namespace QXBridge
         {
             get { return InstallFolder + "QX-MultiInstanceManager.exe"; }
         }
+
+        /// <summary>What a message ends with.</summary>
+        internal static string WhereTheCauseIs(string logPath)
+        {
+            return "; the log " + (logPath.Length == 0 ? "" : logPath + " ") + "has the cause";
+        }
     }
 }

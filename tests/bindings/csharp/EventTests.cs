@@ -50,6 +50,7 @@ static class EventTests
 
     internal static void Listening(Session session, FakeMachine machine)
     {
+        string logPath = System.IO.Path.Combine(machine.Registry["UserDefinedDir"], "Logs", "Player.log");
         machine.Server = new PipeServer { ProcessId = 1234 };
         ListenException refused = Check.Throws<ListenException>(() => session.Listen());
         Check.Equal("process 1234 has the events of client \"Helper\"", refused.Message);
@@ -58,9 +59,15 @@ static class EventTests
         Check.Throws<InvalidOperationException>(() => session.LaunchApp("Nougat64", "p").FinishedAsync());
         Check.Called("bridgeRegisterCallbacks", "bridgeLaunchApp Nougat64 p");
         machine.Server = new PipeServer { Error = 2 };
-        Check.Throws<ListenException>("nobody serves the events of client \"Helper\" (Windows error 2)",
-                                      () => session.Listen(TimeSpan.FromSeconds(3)));
+        Check.Throws<ListenException>(
+            "nobody has the events of client \"Helper\"; the log " + logPath + " has the cause",
+            () => session.Listen(TimeSpan.FromSeconds(3)));
         Check.Equal(3.0, machine.Limit.TotalSeconds);
+        machine.Server = new PipeServer { Error = 5 };
+        Check.Throws<ListenException>(
+            "another process has the events of client \"Helper\", and cannot be asked (Windows error 5)",
+            () => session.Listen());
+        machine.Server = new PipeServer { Error = 2 };
         Check.Throws<ListenException>(() => session.ListenAsync().Wait());
         Check.Equal(10.0, machine.Limit.TotalSeconds);
         Check.Throws<ListenException>(
