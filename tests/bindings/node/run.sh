@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs a script in Node for Windows under Wine: run.sh NODE-FOLDER BUILD-FOLDER SCRIPT ARGUMENT...
-# Wine gives Node no pipes of this system that it can write to, so that the output goes into a file.
+# Wine gives Node no pipes of this system that it can write to, so that the output goes into a file. A file
+# of tests has passed when it says so: a process that is ended from outside can have the status 0.
 set -u
 tools=$1 build=$2
 shift 2
@@ -15,4 +16,8 @@ export QX_TEST_DATA="Z:$folder/data" QX_TEST_BUILD="Z:$build"
 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "$@" >"$folder/output" 2>&1 </dev/null
 status=$?
 cat "$folder/output"
+if [ $status = 0 ] && [[ "$*" = *.test.js ]] && ! grep -q '^# fail 0' "$folder/output"; then
+    echo "the tests have not come to their end"
+    exit 1
+fi
 exit $status
