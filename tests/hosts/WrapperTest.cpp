@@ -1,4 +1,5 @@
 // What bridge.hpp adds to the library, in a host of its own.
+#include <chrono>
 #include <string>
 
 #include "EveryEvent.h"
@@ -22,6 +23,7 @@ class WrapperTest : public PlainHostTest {
                                {"QX_STANDIN_SECONDS", "1"},
                                {"QX_STANDIN_OUTPUT", data / "standin.txt"},
                                {"QX_STANDIN_SCRIPT", data / "standin.script"}};
+        options.limit = std::chrono::seconds(120);
         return ChildProcess(builtProgram("wrapper_host.exe"), {data.path(), installFolder, scene},
                             options);
     }

@@ -28,7 +28,7 @@ namespace {
 using namespace bridge;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kLimit = std::chrono::seconds(30);
+constexpr milliseconds kLimit = std::chrono::seconds(60);  // several times what any wait takes
 
 void say(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
@@ -149,7 +149,7 @@ void playChanged(const std::string& folder) {
 }
 
 void listenOrSay() {
-    const ListenResult result = listen();
+    const ListenResult result = listen({}, kLimit);
     say(result.ok ? "listening" : result.text);
 }
 
@@ -196,7 +196,7 @@ void playInsideACallback() {
         say(queue.hasEnded() ? "ended" : "goes on");
         done.set_value();
     };
-    if (listen(callbacks).ok) say("listening");
+    if (listen(callbacks, kLimit).ok) say("listening");
     done.get_future().wait_for(kLimit);
 }
 
@@ -240,10 +240,10 @@ void playNoProgram() {
 }
 
 void playListen() {
-    const ListenResult first = listen();
+    const ListenResult first = listen({}, kLimit);
     say(std::string(first.ok ? "listening " : first.text) +
         (first.processId == ::GetCurrentProcessId() ? "itself" : "another"));
-    const ListenResult again = listen();
+    const ListenResult again = listen({}, kLimit);
     say(again.ok ? "listening" : again.text);
     finish();
     const ListenResult ended = listen({}, milliseconds(100));

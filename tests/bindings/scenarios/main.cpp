@@ -184,7 +184,7 @@ void listen(Host& host, const Words& /*words*/) {
     constexpr std::size_t kFew = 2;
     host.events = std::make_unique<bridge::EventQueue>();
     host.few = std::make_unique<bridge::EventQueue>(kFew);
-    say(bridge::listen().ok ? "listening" : "listen error");
+    say(bridge::listen({}, kLimit).ok ? "listening" : "listen error");
 }
 
 // Waits for a work, and says its outcome.
