@@ -25,14 +25,25 @@ create() {
     mark_complete "$WINEPREFIX"
 }
 
-# Wine's desktop is started by the first program that needs a message window, inherits that
-# program's output and keeps it open; it ends a second after the last program. So it is started here,
-# without output, and a shell that waits for input for ever keeps it.
-keep_desktop() {
-    local input="$WINEPREFIX/no-input"
-    [ -p "$input" ] || mkfifo "$input"
-    "$wine" explorer /desktop >/dev/null 2>&1 </dev/null &
-    "$wine" cmd >/dev/null 2>&1 <>"$input" &
+# A server that a program has started by itself ends with its last program, and a program that starts
+# at this moment can hang. So there is always one that stays: the server is told to, and where one runs
+# already, a program that waits for ever for input keeps it. The lock tells whether that program runs.
+#
+# It also keeps Wine's desktop, which the first program that needs a message window would start, and
+# which would hold that program's output open.
+keep_server() {
+    # One without programs is about to end.
+    timeout 2 "$server" -w >/dev/null 2>&1 || true
+    # Fails when one runs. It must not hold the caller's output open.
+    "$server" -p >/dev/null 2>&1 </dev/null || true
+    exec 8>"$WINEPREFIX/kept"
+    if flock -n 8; then
+        local input="$WINEPREFIX/no-input"
+        [ -p "$input" ] || mkfifo "$input"
+        "$wine" cmd >/dev/null 2>&1 <>"$input" &
+        "$wine" explorer /desktop >/dev/null 2>&1 </dev/null 8>&- &
+    fi
+    exec 8>&-
 }
 
 case ${1:-up} in
@@ -42,8 +53,7 @@ up)
         steps_total=1
         step "Wine prefix" "10 s" create
     fi
-    # Fails when it runs already. It must not hold the caller's output open.
-    if "$server" -p >/dev/null 2>&1 </dev/null; then keep_desktop; fi
+    keep_server
     # The first program starts Wine's services, which keep its output open as long as they live.
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null
     ;;
