@@ -10,7 +10,7 @@ name="QX-Bridge-$(project_version)-windows-kit"
 folder="$into/kit-package/$name"
 
 rm -rf "$into/kit-package"
-mkdir -p "$folder"/{bin,tests,standins,kit,include,lib,bindings/node_modules}
+mkdir -p "$folder"/{bin,tests,standins,kit,docs,include,lib,bindings/node_modules}
 
 # The programs, without what debuggers want.
 cp "$build"/bin/*.{dll,exe} "$folder/bin"
@@ -22,7 +22,7 @@ cp "$build"/tests/bindings/dotnet_host.{dll,runtimeconfig.json} "$folder/tests"
 # What a Microsoft compiler and the languages' runtimes need.
 cp -r "$tree/include/bridge" "$folder/include"
 cp "$build/lib/QX-Bridge.lib" "$folder/lib"
-cp "$tree/tests/package/consumer/host.c" "$tree"/kit/bindings/smoke.* "$folder/bindings"
+cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/smoke.* "$folder/bindings"
 cp -r "$tree/bindings/python" "$folder/bindings"
 rm -rf "$folder/bindings/python/__pycache__"
 cp -r "$tree/bindings/node" "$folder/bindings/node_modules/qx-bridge"
@@ -34,7 +34,8 @@ if [ -d "$koffi/lib" ]; then cp -r "$koffi/lib" "$folder/bindings/node_modules/k
 cp "$koffi/$native"/* "$folder/bindings/node_modules/koffi/$native"
 
 bash "$tree/toolchain/licences.sh" "$folder/licences"
-cp "$tree/docs/windows-kit.md" "$tree/kit/checks.txt" "$folder"
+cp "$tree/kit/checks.txt" "$folder"
+cp "$tree"/docs/*.md "$folder/docs"
 sed 's/$/\r/' "$tree/kit/run.cmd" >"$folder/run.cmd"
 bash "$tree/toolchain/sign.sh" "$folder"
 

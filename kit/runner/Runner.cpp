@@ -62,7 +62,7 @@ Obstacle Runner::obstacleOfTool(const std::string& name) const {
     const std::string program = programOnPath(name);
     if (program.empty()) return {Outcome::Skipped, "needs " + name + ".exe in PATH"};
     if (name == "cl") return {};
-    const std::string question = name == "dotnet" ? "--list-runtimes" : "--version";
+    const std::string question = name == "dotnet" ? "--info" : "--version";
     const ProcessRun run =
         runProcess({program, question}, folders_.work, folders_.work / "tool.txt", kToolSeconds);
     const std::string fault = faultOf(run, kToolSeconds);

@@ -49,12 +49,14 @@ says 'the product is installed here'
 wine reg query "$key" /v UserDefinedDir >/dev/null || fail "the guard lost the product's key"
 wine reg delete "$key" /f >/dev/null
 
-# What Wine can run of it passes, and leaves nothing behind.
-run 0 --only log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-compiler
+# What Wine can run of it passes, and leaves nothing behind. Node is the build machine's.
+export WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin"
+run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-compiler
 says '  files: passed'
 says '  log-threads: needs Windows (this is Wine)'
 says '  load-qt-beside-the-library: passed'
 says '  icon-moves: passed'
+says '  node: passed'
 says '  standins: passed'
 says '  elevation-declined: needs Windows (this is Wine)'
 says '  restored: passed'
