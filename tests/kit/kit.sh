@@ -119,4 +119,9 @@ says 'colour = red'
 run 2 --colour
 says 'usage: run.cmd'
 
+# run.cmd hands arguments over, and the status back.
+status=0
+(cd "$kit" && wine cmd /c run.cmd --colour >"$work/output" 2>/dev/null </dev/null) || status=$?
+[ "$status" = 2 ] && grep -q 'usage: run.cmd' "$work/output" || fail "run.cmd: status $status, $(<"$work/output")"
+
 echo "$(stat -c %s "$zip") bytes"
