@@ -93,6 +93,17 @@ std::string stamp() {
     return text;
 }
 
+// A scanner may still have files of it open.
+void removeFolder(const fs::path& folder) {
+    constexpr int kTries = 20;
+    std::error_code error;
+    for (int i = 0; i < kTries; ++i) {
+        fs::remove_all(folder, error);
+        if (!error) return;
+        ::Sleep(500);
+    }
+}
+
 void setVariable(const wchar_t* name, const std::wstring& value) {
     ::SetEnvironmentVariableW(name, value.c_str());
 }
@@ -218,9 +229,8 @@ void KitRun::runChecks() {
 }
 
 void KitRun::restore() {
-    std::error_code ignored;
-    fs::remove_all(folders_.work, ignored);
-    if (!copy_.empty()) fs::remove_all(copy_, ignored);
+    removeFolder(folders_.work);
+    if (!copy_.empty()) removeFolder(copy_);
     removeTestKeys(before_);
     std::string text;
     for (const std::string& line : differences(before_, stateNow(kit_, temporary_))) {
