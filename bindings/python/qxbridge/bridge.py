@@ -198,8 +198,7 @@ class Bridge:
         for whom, so that the works are finished in the order of their calls."""
         return self._start(CreateInstanceCompleted, lambda _: True, "bridgeCreateFreshInstance",
                            utf8(image_name), b"%d" % cpu, b"%d" % ram, utf8(graphic_engine),
-                           utf8(graphic_renderer), utf8(device_profile), file=self._places.manager,
-                           shares=False)
+                           utf8(graphic_renderer), utf8(device_profile), file=self._places.manager)
 
     def shutdown_player(self, instance: str, flag: bool = False) -> None:
         self._calls.status("bridgePlrShutdown", utf8(instance), boolean(flag))
@@ -219,8 +218,8 @@ class Bridge:
         return process
 
     def _start(self, outcome: Type[E], is_outcome: Callable[[E], bool], operation: str, *values: Any,
-               file: str = "", shares: bool = True) -> Work[E]:
-        work = Work(outcome, is_outcome, lambda: self._is_listening, shares=shares)
+               file: str = "") -> Work[E]:
+        work = Work(outcome, is_outcome, lambda: self._is_listening)
         program = file or self._places.player
         return work.start(self._dispatcher,
                           lambda: self._calls.status(operation, *values, file=program))

@@ -106,8 +106,6 @@ def types_of(wanted: Union[None, str, Type[Any], Iterable[str]]) -> Tuple[Type[A
 class Watch(Protocol):
     """What waits for an event."""
 
-    shares: bool  # whether others may take the same event
-
     def offer(self, event: Any) -> bool:
         """Whether this was the event. On the event thread."""
 
@@ -168,15 +166,13 @@ class Dispatcher:
         self._offer(watches, event)
 
     def _offer(self, watches: List[Watch], event: Any) -> None:
-        taken = False
+        """The oldest that takes the event has it for itself."""
         failed: Optional[Exception] = None
         for watch in watches:
-            if taken and not watch.shares:
-                continue
             try:
                 if watch.offer(event):
-                    taken = True
                     self.unwatch(watch)
+                    break
             except Exception as one:  # the host's function for progress
                 failed = one
         if failed is not None:

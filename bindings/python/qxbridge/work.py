@@ -14,11 +14,11 @@ E = TypeVar("E")
 
 class Work(Generic[E]):
     """Started work. It is finished when the event that belongs to it has come: that event is the
-    outcome. Without listen() no event comes, and waiting raises RuntimeError."""
+    outcome. It belongs to the oldest work that it fits to. Without listen() no event comes, and waiting
+    raises RuntimeError."""
 
     def __init__(self, type_: Type[E], is_outcome: Callable[[E], bool],
-                 is_listening: Callable[[], bool], *, shares: bool = True) -> None:
-        self.shares = shares
+                 is_listening: Callable[[], bool]) -> None:
         self._type = type_
         self._is_outcome = is_outcome
         self._is_listening = is_listening

@@ -76,9 +76,10 @@ class WorkTest(Case):
         first = self.bridge.install_image("Nougat64", bad)
         other = self.bridge.install_image("Nougat64")
         support.fake.event("install_image_progress", "Nougat64", number=1)
-        support.fake.event("install_image_progress", "Nougat64", number=2)
+        for _ in range(2):
+            support.fake.event("install_image_progress", "Nougat64", number=2)
         self.assertEqual((first.wait().status, other.wait().status), (2, 2))
-        self.assertEqual((raised, len(seen)), (["the host's own"], 2))
+        self.assertEqual((raised, len(seen)), (["the host's own"], 3))
 
     def test_instances_are_created_in_the_order_of_the_calls(self):
         first, second = self.create(), self.create()
@@ -88,10 +89,39 @@ class WorkTest(Case):
         self.assertEqual((first.wait(), second.wait()), (CreateInstanceCompleted(0, "Nougat64_1"),
                                                          CreateInstanceCompleted(-2, "")))
 
-    def test_one_event_finishes_all_works_that_it_belongs_to(self):
-        works = [self.bridge.launch_app("N", "p") for _ in range(2)]
+    def alike(self, start, *event, **values):
+        """Starts two works, and expects that each of two such events finishes the oldest."""
+        oldest, newest = start(), start()
+        support.fake.event(*event, **values)
+        self.assertTrue(oldest.is_finished)
+        self.unfinished(newest)
+        support.fake.event(*event, **values)
+        self.assertTrue(newest.is_finished)
+
+    def test_an_event_belongs_to_the_oldest_launch_that_it_fits_to(self):
+        self.alike(lambda: self.bridge.launch_app("N", "p"), "app_displayed", "N", "p")
+
+    def test_an_event_belongs_to_the_oldest_removal_that_it_fits_to(self):
+        self.alike(lambda: self.bridge.uninstall_app("N", "p"), "app_uninstalled", "N", "p")
+
+    def test_an_event_belongs_to_the_oldest_installation_of_a_file_that_it_fits_to(self):
+        self.alike(lambda: self.bridge.install_apk("N", "C:\\a.apk"), "apk_install_completed", "N", "C:\\a.apk")
+
+    def test_an_event_belongs_to_the_oldest_installation_of_an_image_that_it_fits_to(self):
+        self.alike(lambda: self.bridge.install_image("Nougat64"), "install_image_progress", "Nougat64", number=2)
+
+    def test_an_older_work_that_an_event_does_not_fit_to_is_passed_over(self):
+        older, work = self.bridge.launch_app("N", "q"), self.bridge.launch_app("N", "p")
         support.fake.event("app_displayed", "N", "p")
-        self.assertEqual([one.wait() for one in works], [AppDisplayed("N", "p")] * 2)
+        self.unfinished(older)
+        self.assertTrue(work.is_finished)
+
+    def test_every_installation_of_an_image_sees_its_progress(self):
+        seen = []
+        for _ in range(2):
+            self.bridge.install_image("Nougat64", seen.append)
+        support.fake.event("install_image_progress", "Nougat64", number=1)
+        self.assertEqual(seen, [InstallImageProgress("Nougat64", 1, 0.0)] * 2)
 
     def test_the_event_may_come_before_the_program_has_started(self):
         support.fake.on_call(lambda line: line.startswith("bridgeLaunchApp") and
@@ -147,8 +177,9 @@ class WorkTest(Case):
         for _ in range(3):
             self.bridge.launch_app("N", "p")
         self.assertEqual(len(self.bridge._dispatcher._watches), 3)
-        support.fake.event("app_displayed", "N", "p")
-        self.assertEqual(self.bridge._dispatcher._watches, [])
+        for left in (2, 1, 0):
+            support.fake.event("app_displayed", "N", "p")
+            self.assertEqual(len(self.bridge._dispatcher._watches), left)
 
     def test_the_end_of_the_library_ends_the_wait(self):
         work = self.bridge.launch_app("N", "p")
