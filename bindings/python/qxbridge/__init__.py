@@ -14,6 +14,7 @@ from .configuration import Configuration
 from .errors import (BridgeError, BridgeKeyError, EventOverflow, ListenError, PreflightError,
                      Problem)
 from .events import EventStream
+from .folders import use_folders
 from .generated import *
 from .generated import CALLBACKS, FUNCTIONS, RECORDS
 from .key import Key
@@ -26,6 +27,6 @@ CLIENTS = ("Launcher", "Installer", "LogCollector", "Helper", "Uninstaller")
 __all__ = [
     "App", "Bridge", "BridgeError", "BridgeKeyError", "CALLBACKS", "CLIENTS", "Configuration",
     "EventOverflow", "EventStream", "FUNCTIONS", "Instance", "Key", "ListenError", "PreflightError",
-    "Problem", "RECORDS", "Work", "keys", "preflight",
+    "Problem", "RECORDS", "Work", "keys", "preflight", "use_folders",
 ]
 __all__ += generated.__all__

@@ -1,13 +1,14 @@
 """What the binding asks Windows itself: the registry, files as the library opens them, and who serves
 a pipe. Nothing else of the package does."""
 
+import atexit
 import ctypes
 import ntpath
 import os
 import sys
 import time
 from ctypes import byref, c_uint32, c_void_p, c_wchar_p
-from typing import Any, List, Optional
+from typing import Any, Dict, List, Optional
 
 GENERIC_READ = 0x80000000
 FILE_APPEND_DATA = 0x0004
@@ -38,6 +39,26 @@ def registry_text(key: str, name: str) -> Optional[str]:
     except OSError:
         return None
     return value.rstrip("\0") if type_ == winreg.REG_SZ and isinstance(value, str) else None
+
+
+def own_local_machine(key: str, texts: Dict[str, str]) -> None:
+    """Gives this process a HKEY_LOCAL_MACHINE of its own, with nothing but these texts under a key.
+    Its place in the registry is deleted when the interpreter ends, and at the latest when the user
+    logs off."""
+    if sys.platform != "win32":
+        raise OSError("there is no registry on this system")
+    import winreg
+    user, machine = winreg.HKEY_CURRENT_USER, f"Software\\QX-Bridge\\Development-{os.getpid()}"
+    atexit.unregister(_end_own_local_machine)
+    atexit.register(_end_own_local_machine, machine)
+    _create_volatile_key(f"{machine}\\{key}")
+    with winreg.OpenKey(user, f"{machine}\\{key}", access=winreg.KEY_SET_VALUE) as opened:
+        for name, text in texts.items():
+            winreg.SetValueEx(opened, name, 0, winreg.REG_SZ, text)
+    with winreg.OpenKey(user, machine, access=winreg.KEY_ALL_ACCESS) as opened:
+        # Windows keeps a handle of its own.
+        error = _advapi32().RegOverridePredefKey(winreg.HKEY_LOCAL_MACHINE, int(opened))
+    _require_success("RegOverridePredefKey", error)
 
 
 def is_folder(path: str) -> bool:
@@ -102,6 +123,44 @@ def _kernel32() -> Any:
     library.GetNamedPipeServerProcessId.argtypes = [c_void_p, c_void_p]
     library.CloseHandle.argtypes = [c_void_p]
     return library
+
+
+def _advapi32() -> Any:
+    if sys.platform != "win32":
+        raise OSError("there is no registry on this system")
+    library = ctypes.WinDLL("advapi32")
+    library.RegCreateKeyExW.argtypes = [c_void_p, c_wchar_p, c_uint32, c_wchar_p, c_uint32, c_uint32,
+                                        c_void_p, c_void_p, c_void_p]
+    library.RegOverridePredefKey.argtypes = [c_void_p, c_void_p]
+    library.RegDeleteTreeW.argtypes = [c_void_p, c_wchar_p]
+    library.RegCloseKey.argtypes = [c_void_p]
+    return library
+
+
+def _require_success(operation: str, error: int) -> None:
+    if error != 0:
+        raise OSError(f"{operation} failed (Windows error {error})")
+
+
+def _create_volatile_key(path: str) -> None:
+    """With those above it. winreg makes lasting keys only."""
+    if sys.platform != "win32":
+        raise OSError("there is no registry on this system")
+    import winreg
+    key, advapi32 = c_void_p(), _advapi32()
+    error = advapi32.RegCreateKeyExW(winreg.HKEY_CURRENT_USER, path, 0, None, winreg.REG_OPTION_VOLATILE,
+                                     winreg.KEY_ALL_ACCESS, None, byref(key), None)
+    _require_success("RegCreateKeyExW", error)
+    advapi32.RegCloseKey(key)
+
+
+def _end_own_local_machine(machine: str) -> None:
+    if sys.platform != "win32":
+        return
+    import winreg
+    advapi32 = _advapi32()
+    advapi32.RegOverridePredefKey(winreg.HKEY_LOCAL_MACHINE, None)
+    advapi32.RegDeleteTreeW(winreg.HKEY_CURRENT_USER, machine)
 
 
 def _last_error() -> int:

@@ -36,6 +36,10 @@ class Life:
         if self._owner not in (None, owner):
             raise RuntimeError("another Bridge has started the library")
 
+    def require_unstarted(self, what: str) -> None:
+        if self._owner is not None or self._ended:
+            raise RuntimeError(f"{what} comes before init()")
+
     def end(self, owner: object) -> bool:
         """Whether there is something to stop: the first time, for the owner."""
         with self._lock:

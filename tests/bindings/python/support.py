@@ -16,8 +16,8 @@ TREE = pathlib.Path(__file__).resolve().parents[3]
 HOOK = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
 PROCESS = 4711
 MOST_TEXTS = 6  # of an event
-WINDOWS = ("registry_text", "is_folder", "exists", "read_file", "append_error", "create_error",
-           "process_id", "pipe_server")
+WINDOWS = ("registry_text", "own_local_machine", "is_folder", "exists", "read_file", "append_error",
+           "create_error", "process_id", "pipe_server")
 SLOTS = {name: slot for slot, name in enumerate(qxbridge.Callbacks._fields, 1)}
 
 
@@ -84,6 +84,10 @@ class FakeWindows:
     def registry_text(self, key, name):
         assert key == "SOFTWARE\\Vantrel_nvo"
         return self.registry.get(name)
+
+    def own_local_machine(self, key, texts):
+        assert key == "SOFTWARE\\Vantrel_nvo"
+        self.registry = dict(texts)
 
     def is_folder(self, path):
         return self.path(path).is_dir()

@@ -1,6 +1,7 @@
 """What the binding asks Windows for, over functions that write down how they were called."""
 
 import ctypes
+import functools
 import os
 import sys
 import types
@@ -10,6 +11,7 @@ from unittest import mock
 from qxbridge import _windows
 
 INVALID = ctypes.c_void_p(-1).value
+MACHINE = f"Software\\QX-Bridge\\Development-{os.getpid()}"
 
 
 class Kernel32:
@@ -45,6 +47,51 @@ class Kernel32:
     def CloseHandle(self, handle):
         self.calls.append(("close", handle))
         return 1
+
+
+class Registry:
+    """Functions of advapi32, and a winreg, that write down how they were called; these errors come."""
+
+    def __init__(self, create=0, override=0):
+        self.errors = {"create": create, "override": override}
+        self.calls = []
+        self.at_exit = []
+
+    def RegCreateKeyExW(self, *values):
+        values[7]._obj.value = 7
+        self.calls.append(("create", *values[:7], values[8]))
+        return self.errors["create"]
+
+    def RegOverridePredefKey(self, root, key):
+        self.calls.append(("override", root, key))
+        return self.errors["override"]
+
+    def RegDeleteTreeW(self, root, path):
+        self.calls.append(("delete", root, path))
+        return 0
+
+    def RegCloseKey(self, key):
+        self.calls.append(("close", key.value))
+        return 0
+
+    def register(self, function, *values):
+        self.at_exit.append(functools.partial(function, *values))
+
+    def unregister(self, function):
+        self.at_exit = [one for one in self.at_exit if one.func is not function]
+
+    def winreg(self):
+        def open_key(*place, access):
+            self.calls.append(("open", *place, access))
+            key = mock.MagicMock()  # int() of it is 1
+            key.__enter__.return_value = key
+            key.__exit__.side_effect = lambda *_: self.calls.append(("closed",))
+            return key
+
+        return types.SimpleNamespace(
+            HKEY_LOCAL_MACHINE="HKLM", HKEY_CURRENT_USER="HKCU", KEY_SET_VALUE=2, KEY_ALL_ACCESS=0xF003F,
+            REG_SZ=1, REG_OPTION_VOLATILE=1, OpenKey=open_key,
+            SetValueEx=lambda _, *values: self.calls.append(("set", *values)))
 
 
 class WindowsTest(unittest.TestCase):
@@ -194,6 +241,50 @@ class WindowsTest(unittest.TestCase):
             self.assertIsNone(_windows.registry_text("SOFTWARE\\Y", "Text"))
         self.assertEqual(opened[:2], [("HKLM", "SOFTWARE\\X", 0x101), "closed"])
 
+    def test_a_local_machine_of_the_processs_own(self):
+        registry = self.registry()
+        _windows.own_local_machine("SOFTWARE\\X", {"A": "1", "B": "ü"})
+        self.assertEqual(registry.calls, [
+            ("create", "HKCU", MACHINE + "\\SOFTWARE\\X", 0, None, 1, 0xF003F, None, None), ("close", 7),
+            ("open", "HKCU", MACHINE + "\\SOFTWARE\\X", 2), ("set", "A", 0, 1, "1"), ("set", "B", 0, 1, "ü"),
+            ("closed",), ("open", "HKCU", MACHINE, 0xF003F), ("override", "HKLM", 1), ("closed",)])
+
+    def test_a_local_machine_of_its_own_ends_with_the_interpreter(self):
+        registry = self.registry()
+        for _ in range(2):
+            _windows.own_local_machine("SOFTWARE\\X", {})
+        registry.calls.clear()
+        self.assertEqual(len(registry.at_exit), 1)
+        registry.at_exit[0]()
+        self.assertEqual(registry.calls, [("override", "HKLM", None), ("delete", "HKCU", MACHINE)])
+
+    def test_a_key_that_cannot_be_made_leaves_the_local_machine(self):
+        registry = self.registry(create=5)
+        self.refuses("RegCreateKeyExW failed (Windows error 5)")
+        self.assertEqual([one[0] for one in registry.calls], ["create"])
+
+    def test_a_local_machine_that_cannot_be_replaced(self):
+        registry = self.registry(override=6)
+        self.refuses("RegOverridePredefKey failed (Windows error 6)")
+        self.assertEqual(registry.calls[-1], ("closed",))
+        self.assertEqual(len(registry.at_exit), 1)
+
+    def refuses(self, message):
+        with self.assertRaises(OSError) as caught:
+            _windows.own_local_machine("SOFTWARE\\X", {"A": "1"})
+        self.assertEqual(str(caught.exception), message)
+
+    def registry(self, **errors):
+        registry = Registry(**errors)
+        self.patch(sys, "platform", "win32")
+        self.patch(_windows, "_advapi32", lambda: registry)
+        self.patch(_windows.atexit, "register", registry.register)
+        self.patch(_windows.atexit, "unregister", registry.unregister)
+        modules = mock.patch.dict(sys.modules, winreg=registry.winreg())
+        modules.start()
+        self.addCleanup(modules.stop)
+        return registry
+
     def test_the_types_of_what_is_passed(self):
         library = mock.MagicMock()
         self.patch(sys, "platform", "win32")
@@ -205,13 +296,24 @@ class WindowsTest(unittest.TestCase):
                           ("CreateFileW", "ReadFile", "GetNamedPipeServerProcessId", "CloseHandle")],
                          [7, 5, 2, 1])
 
+    def test_the_types_of_what_is_passed_to_the_registry(self):
+        library = mock.MagicMock()
+        self.patch(sys, "platform", "win32")
+        self.patch(_windows.ctypes, "WinDLL", mock.MagicMock(return_value=library), create=True)
+        self.assertIs(_windows._advapi32(), library)
+        _windows.ctypes.WinDLL.assert_called_once_with("advapi32")
+        self.assertEqual([len(getattr(library, name).argtypes) for name in
+                          ("RegCreateKeyExW", "RegOverridePredefKey", "RegDeleteTreeW", "RegCloseKey")],
+                         [9, 2, 2, 1])
+
     def test_the_last_error_is_the_threads_own(self):
         self.patch(sys, "platform", "win32")
         self.patch(_windows.ctypes, "get_last_error", lambda: 231, create=True)
         self.assertEqual(_windows._last_error(), 231)
 
     def test_elsewhere_there_is_no_windows(self):
-        for call in (lambda: _windows.registry_text("k", "v"), _windows._kernel32):
+        for call in (lambda: _windows.registry_text("k", "v"), _windows._kernel32, _windows._advapi32,
+                     lambda: _windows.own_local_machine("k", {})):
             self.assertRaises(OSError, call)
 
     def test_folders_and_files(self):
