@@ -14,7 +14,7 @@ from .events import Dispatcher, EventStream, types_of
 from .generated import (ApkInstallCompleted, AppDisplayed, AppUninstalled, Callbacks,
                         CreateInstanceCompleted, Event, EventName, InstallImageProgress)
 from .known import Known
-from .native import Calls, boolean, callback_pointers, kept_text, utf8
+from .native import Calls, boolean, callback_pointers, kept_text, library_path, utf8
 from .preflight import preflight
 from .results import App, Instance
 from .work import Work
@@ -29,9 +29,10 @@ class Bridge:
     """The library; one per process can be started. After init() every method may be called from any
     thread, except fini(), during which no other call may run."""
 
-    def __init__(self, path: str = "QX-Bridge.dll") -> None:
-        """Loads the library; an absolute path also finds the Qt DLLs beside it."""
-        self._calls = Calls(ctypes.CDLL(path))
+    def __init__(self, path: Optional[str] = None) -> None:
+        """Loads the library: without a path the one beside this package's modules, if it is there. With
+        an absolute path it finds the Qt DLLs beside it."""
+        self._calls = Calls(ctypes.CDLL(library_path() if path is None else path))
         self._background = Background()
         self._places = product.Places("", "", "", "")
         self._known = Known(self._read_conf_file)

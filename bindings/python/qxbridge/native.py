@@ -1,12 +1,22 @@
 """The functions of the DLL, with values checked on their way in and results turned into errors."""
 
 import ctypes
+import os
 from ctypes import CFUNCTYPE
 from typing import Any, Callable, Dict, List
 
-from . import life
+from . import _windows, life
 from .errors import BridgeError
 from .generated import CALLBACKS, FAILURE, FUNCTIONS, SUCCESS
+
+
+LIBRARY = "QX-Bridge.dll"
+
+
+def library_path() -> str:
+    """The library beside this module, as an installed package has it; else Windows looks for it."""
+    beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), LIBRARY)
+    return beside if _windows.exists(beside) else LIBRARY
 
 
 def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:

@@ -1,9 +1,15 @@
 """The package as a host meets it: its names, and the Pythons that it is for."""
 
 import ast
+import pathlib
+import shutil
+import tempfile
 import unittest
+from unittest import mock
 
 import qxbridge
+import support
+from qxbridge import native
 from support import TREE
 
 FILES = sorted((TREE / "bindings/python/qxbridge").glob("*.py"))
@@ -56,3 +62,29 @@ class PackageTest(unittest.TestCase):
             # A quoted annotation names what it needs, too.
             unused = [name for name in imported - used if f'"{name}.' not in text and f'{name}[' not in text]
             self.assertEqual(unused, [], path.name)
+
+
+class LibraryTest(unittest.TestCase):
+    """The library of a bridge that is not told where it is."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="qxbridge.")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        patched = mock.patch.object(native, "__file__", str(self.folder / "native.py"))
+        patched.start()
+        self.addCleanup(patched.stop)
+
+    def test_a_library_beside_the_modules_is_taken(self):
+        beside = shutil.copy(support.fake.path, self.folder / "QX-Bridge.dll")
+        self.assertEqual(native.library_path(), str(beside))
+        loaded = qxbridge.Bridge()._calls._library
+        self.assertEqual(loaded._name, str(beside))
+        self.assertNotEqual(loaded._handle, support.fake.library._handle)
+
+    def test_without_one_there_windows_looks_for_it(self):
+        self.assertEqual(native.library_path(), "QX-Bridge.dll")
+
+    def test_a_path_counts_more_than_a_library_beside_the_modules(self):
+        shutil.copy(support.fake.path, self.folder / "QX-Bridge.dll")
+        self.assertEqual(qxbridge.Bridge(support.fake.path)._calls._library._name, support.fake.path)
