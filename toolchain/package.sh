@@ -33,4 +33,6 @@ bash "$tree/toolchain/sign.sh" "$folder"
 )
 rm -f "$into/$name.zip"
 python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$(package_stamp)"
+bash "$tree/toolchain/package-wheel.sh" "$into/package" "$folder" "$into"
+(cd "$into" && sha256sum "$name.zip" "qxbridge-$version"-*.whl) >"$into/SHA256SUMS"
 echo "$into/$name.zip"
