@@ -86,7 +86,8 @@ class WheelTest(FolderTest):
         super().setUp()
         self.archive = zipfile.ZipFile(wheel)
         self.addCleanup(self.archive.close)
-        self.version = re.search(r"^project\(QXBridge VERSION ([\d.]+)", (tree / "CMakeLists.txt").read_text("utf-8"), re.M)[1]
+        project = (tree / "CMakeLists.txt").read_text("utf-8")
+        self.version = re.search(r"^project\(QXBridge VERSION ([\d.]+)", project, re.M)[1]
         self.info = f"qxbridge-{self.version}.dist-info/"
 
     def text(self, name):
@@ -120,7 +121,8 @@ class WheelTest(FolderTest):
     def test_it_has_the_modules_and_the_librarys_three_files(self):
         package = {name: digest(self.archive.read(name)) for name in self.archive.namelist()
                    if not name.startswith(self.info)}
-        modules = [*(tree / "bindings/python/qxbridge").glob("*.py"), tree / "bindings/python/qxbridge/py.typed"]
+        binding = tree / "bindings/python/qxbridge"
+        modules = [*binding.glob("*.py"), binding / "py.typed"]
         expected = [*modules, *(unpacked / "bin" / one for one in DLLS)]
         self.assertEqual(package, {f"qxbridge/{one.name}": digest(one.read_bytes()) for one in expected})
 

@@ -4,7 +4,7 @@ import asyncio
 from typing import List
 
 from qxbridge import (ApkInstallCompleted, App, AppDisplayed, Bridge, Callbacks, Event, EventStream,
-                      Instance, Problem, Work, keys, preflight)
+                      Instance, Problem, Work, keys, preflight, use_folders)
 
 
 def configuration(bridge: Bridge) -> None:
@@ -62,6 +62,8 @@ async def work(bridge: Bridge) -> None:
 
 
 def main() -> None:
+    use_folders("C:\\data", "C:\\programs")
+    use_folders("C:\\data")  # wrong
     problems: List[Problem] = preflight("Helper", no_conf_file=True)
     print(problems)
     with Bridge() as bridge:
