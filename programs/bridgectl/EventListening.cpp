@@ -12,6 +12,9 @@ namespace {
 
 using Clock = EventQueue::Clock;
 
+// Only a machine under heavy load takes more than a moment.
+constexpr std::chrono::seconds kStartLimit{30};
+
 bool failInUse(Session& session, const std::string& server) {
     return session.fail(ExitCode::NameInUse,
                         "another front end serves " + server + ": see --client");
@@ -20,7 +23,7 @@ bool failInUse(Session& session, const std::string& server) {
 // The library's thread starts to listen, or fails to, some time after the registration, and tells
 // its log only.
 bool waitUntilServing(Session& session, const std::string& server, EventServerProbe& probe) {
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(10);
+    const Clock::time_point end = Clock::now() + kStartLimit;
     while (!probe.connect(server)) {
         if (Clock::now() >= end) {
             return session.fail(ExitCode::Library, "the library does not listen; see the log");
