@@ -6,7 +6,10 @@ report.py check FOLDER     the same, and compares the ratios with the recorded o
 report.py native FOLDER    native.jsonl: table
 report.py count FOLDER     counts.jsonl: table
 report.py record FOLDER    the table, and the figures of bench/recorded.json and docs of all three
+report.py draw             the charts of docs again, from the figures that are recorded
 """
+import collections
+import html
 import json
 import math
 import re
@@ -18,11 +21,29 @@ TREE = Path(__file__).resolve().parent.parent
 RECORDED = TREE / "bench" / "recorded.json"
 PAGE = TREE / "docs" / "performance.md"
 CHART = TREE / "docs" / "performance.svg"
+SUMMARY_CHART = TREE / "docs" / "performance-summary.svg"
+
+# What the summary shows, each against what one would use instead.
+SUMMARY = {
+    ("load/10", "QSettings"): "Read the file of 10 instances",
+    ("get/string", "QSettings value()"): "Read a setting",
+    ("set/string", "QSettings setValue()"): "Change a setting",
+    ("commit/1/10", "QSettings"): "Save one change, 10 instances",
+    ("instances/10", "QJsonDocument"): "List 10 instances as JSON",
+    ("apps/10", "QJsonDocument"): "List 10 apps as JSON",
+    ("log/written", "spdlog"): "Write a line of the log",
+    ("events/latency", "QLocalServer"): "Get an event, from its sending on",
+}
+
+MET, MISSED, NO_AIM = "#2a78b4", "#e08214", "#aab"
+MIDDLE, END, BOLD = 'text-anchor="middle"', 'text-anchor="end"', 'font-weight="bold"'
 
 # A ratio may be this many times the recorded one; noise of a shared machine stays below.
 CHECK_FACTOR = 1.6
 DLL_LIMIT = 600 * 1024
 MEMORY_LIMIT = 3.0  # of the file
+
+Bar = collections.namedtuple("Bar", "row library against takes ratio text aim")
 
 
 def core(samples):
@@ -74,10 +95,10 @@ def time(nanoseconds):
     return f"{nanoseconds / divisor:.3g} {unit}"
 
 
-def verdict(side):
-    if not side["aim"]:
+def verdict(ratio, aim):
+    if not aim:
         return ""
-    return "met" if side["ratio"] <= side["aim"] else "missed"
+    return "met" if ratio <= aim else "missed"
 
 
 def cells(rows):
@@ -87,7 +108,7 @@ def cells(rows):
         for side in row["sides"][1:]:
             aim = f"≤ {side['aim']:.2g}" if side["aim"] else "–"
             yield (row["row"], time(library["median"]), side["name"], time(side["median"]),
-                   f"{side['ratio']:.2f}", aim, verdict(side),
+                   f"{side['ratio']:.2f}", aim, verdict(side["ratio"], side["aim"]),
                    f"{max(library['spread'], side['spread']):.2f}")
 
 
@@ -160,37 +181,117 @@ def counts_table(counts):
     return lines
 
 
-def chart(rows):
-    """Bars of the ratios on a logarithmic scale; a tick where the aim is."""
-    bars = [(row["row"], side) for row in with_ratios(rows) for side in row["sides"][1:]]
-    height, left, width, top = 16, 330, 520, 40
+def bars_of(rows):
+    """What the charts need of what was measured: row, library, against, takes, ratio
+    and its text, aim."""
+    return [Bar(row["row"], time(row["sides"][0]["median"]), side["name"], time(side["median"]),
+                side["ratio"], f"{side['ratio']:.2f}", side["aim"] or None)
+            for row in with_ratios(rows) for side in row["sides"][1:]]
+
+
+def recorded_bars():
+    """The same from the recorded ratios, and the times and aims of the page's table."""
+    recorded = json.loads(RECORDED.read_text())
+    table = re.search("<!-- figures -->\n(.*?)\n\n", PAGE.read_text(), re.S).group(1)
+    bars = []
+    for line in table.splitlines()[2:]:
+        row, library, against, takes, text, aim, *_ = [cell.strip() for cell in line[1:-1].split("|")]
+        bars.append(Bar(row, library, against, takes, recorded[row][against],
+                        text, None if aim == "–" else float(aim[1:])))
+    return bars
+
+
+def label(x, y, text, more=""):
+    return f'<text x="{x:.1f}" y="{y:.1f}" {more}>{html.escape(text)}</text>'
+
+
+def box(x, y, width, height, colour):
+    return (f'<rect x="{x:.1f}" y="{y:.1f}" width="{width:.1f}" height="{height:.1f}" '
+            f'fill="{colour}"/>')
+
+
+def upright(x, top, bottom, colour, width=1):
+    return (f'<line x1="{x:.1f}" x2="{x:.1f}" y1="{top:.1f}" y2="{bottom:.1f}" stroke="{colour}" '
+            f'stroke-width="{width}"/>')
+
+
+def picture(width, height, parts):
+    start = (f'<svg xmlns="http://www.w3.org/2000/svg" font-family="sans-serif" font-size="12" '
+             f'width="{width}" height="{height}" viewBox="0 0 {width} {height}">')
+    return "\n".join([start, box(0, 0, width, height, "white"), *parts, "</svg>"]) + "\n"
+
+
+def legend(x, y, entries):
+    """Entries are a colour, a text and the text's width; an empty colour is the aim's tick."""
+    parts = []
+    for colour, text, width in entries:
+        parts.append(box(x, y - 9, 14, 10, colour) if colour
+                     else upright(x + 7, y - 10, y + 2, "black", 2))
+        parts.append(label(x + 20, y, text))
+        x += width + 40
+    return parts
+
+
+def chart(bars):
+    """Bars of the ratios on a logarithmic scale; a tick where the aim is, the figures in a column."""
+    height, left, width, top = 17, 370, 450, 62
     low, high = math.log10(0.01), math.log10(10)
+    bottom = top + height * len(bars)
 
     def x(ratio):
         part = (math.log10(min(max(ratio, 0.01), 10)) - low) / (high - low)
         return left + part * width
 
-    out = [f'<svg xmlns="http://www.w3.org/2000/svg" font-family="sans-serif" font-size="11" '
-           f'width="{left + width + 60}" height="{top + height * len(bars) + 20}">',
-           '<rect width="100%" height="100%" fill="white"/>',
-           f'<text x="{left}" y="14">time of the library / time of the other; shorter is better; '
-           'the tick is the aim</text>']
+    parts = [label(8, 18, "Time of the library as a multiple of the other's: shorter is better")]
+    parts += legend(8, 38, [(MET, "aim met", 55), (MISSED, "aim missed", 70), (NO_AIM, "no aim", 45),
+                            ("", "the aim", 50)])
     for mark in (0.01, 0.1, 1, 10):
-        out.append(f'<line x1="{x(mark):.0f}" x2="{x(mark):.0f}" y1="{top - 6}" '
-                   f'y2="{top + height * len(bars)}" stroke="{"#444" if mark == 1 else "#ddd"}"/>'
-                   f'<text x="{x(mark) - 8:.0f}" y="{top - 10}">{mark:g}</text>')
-    for i, (name, side) in enumerate(bars):
+        parts.append(upright(x(mark), top - 4, bottom, "#444" if mark == 1 else "#ddd"))
+        parts.append(label(x(mark), top - 8, f"{mark:g}", MIDDLE))
+    for i, bar in enumerate(bars):
         y = top + i * height
-        colour = {"met": "#2a7", "missed": "#d62", "": "#99b"}[verdict(side)]
-        out.append(f'<text x="{left - 6}" y="{y + 11}" text-anchor="end">{name} / '
-                   f'{side["name"]}</text>')
-        out.append(f'<rect x="{left}" y="{y + 2}" width="{x(side["ratio"]) - left:.1f}" '
-                   f'height="{height - 5}" fill="{colour}"/>')
-        out.append(f'<text x="{x(side["ratio"]) + 4:.0f}" y="{y + 11}">{side["ratio"]:.2f}</text>')
-        if side["aim"]:
-            out.append(f'<line x1="{x(side["aim"]):.1f}" x2="{x(side["aim"]):.1f}" y1="{y}" '
-                       f'y2="{y + height - 1}" stroke="black" stroke-width="2"/>')
-    return "\n".join(out + ["</svg>"]) + "\n"
+        colour = {"met": MET, "missed": MISSED, "": NO_AIM}[verdict(bar.ratio, bar.aim)]
+        parts.append(label(left - 8, y + 13, f"{bar.row} / {bar.against}", END))
+        parts.append(box(left, y + 3, x(bar.ratio) - left, height - 6, colour))
+        parts.append(label(left + width + 50, y + 13, bar.text, END))
+        if bar.aim:
+            parts.append(upright(x(bar.aim), y + 1, y + height - 1, "black", 2))
+    return picture(left + width + 60, bottom + 10, parts)
+
+
+def summary_chart(bars):
+    """What a host does most, against what it would use instead, on a scale from nothing."""
+    known = {(bar.row, bar.against): bar for bar in bars}
+    shown = [(words, known[key]) for key, words in SUMMARY.items() if key in known]
+    height, left, width, top = 30, 270, 300, 76
+    bottom = top + height * len(shown)
+
+    def x(ratio):
+        return left + min(ratio, 2) / 2 * width
+
+    parts = [label(8, 18, "Time of the library, where the other takes 1: shorter is better", BOLD)]
+    parts += legend(8, 40, [(MET, "faster than the other", 135), (MISSED, "slower", 45)])
+    for mark in (0, 0.5, 1, 1.5, 2):
+        parts.append(upright(x(mark), top - 4, bottom, "#444" if mark == 1 else "#ddd"))
+        parts.append(label(x(mark), top - 8, f"{mark:g}", MIDDLE))
+    parts.append(label(left + width + 16, top - 8, "ratio"))
+    parts.append(label(left + width + 56, top - 8, "library, other"))
+    for i, (words, bar) in enumerate(shown):
+        y = top + i * height
+        parts.append(label(left - 10, y + 19, words, END))
+        parts.append(box(left, y + 6, x(bar.ratio) - left, height - 12,
+                         MET if bar.ratio <= 1 else MISSED))
+        parts.append(label(left + width + 16, y + 19, bar.text, BOLD))
+        other = bar.against.split(" ")[0]
+        parts.append(label(left + width + 56, y + 19, f"{bar.library}, {other} {bar.takes}"))
+    return picture(left + width + 270, bottom + 10, parts)
+
+
+def draw():
+    """Both charts of the page, from what is recorded."""
+    bars = recorded_bars()
+    CHART.write_text(chart(bars))
+    SUMMARY_CHART.write_text(summary_chart(bars))
 
 
 def ratios(rows):
@@ -220,7 +321,6 @@ def replace(page, name, text):
 
 def record(rows, footprint, folder):
     RECORDED.write_text(json.dumps(ratios(rows), indent=1, ensure_ascii=False) + "\n")
-    CHART.write_text(chart(rows))
     lines = "\n".join("- " + line for line in footprint_lines(footprint))
     page = replace(PAGE.read_text(), "figures", markdown(rows_table(rows)) + "\n\n" + lines)
     page = replace(page, "single times", markdown(quantiles_table(rows)))
@@ -228,9 +328,13 @@ def record(rows, footprint, folder):
     page = replace(page, "native figures", markdown(native_table(native)))
     counts = markdown(counts_table(read_counts(folder / "counts.jsonl")))
     PAGE.write_text(replace(page, "counts", counts))
+    draw()
 
 
 def main():
+    if sys.argv[1:] == ["draw"]:
+        draw()
+        return 0
     mode, folder = sys.argv[1], Path(sys.argv[2])
     if mode == "count":
         print_table(counts_table(read_counts(folder / "counts.jsonl")))
@@ -246,7 +350,7 @@ def main():
         print(line)
     results = {"rows": rows, "footprint": footprint}
     (folder / "results.json").write_text(json.dumps(results, indent=1, ensure_ascii=False) + "\n")
-    (folder / "chart.svg").write_text(chart(rows))
+    (folder / "chart.svg").write_text(chart(bars_of(rows)))
     if mode == "record":
         record(rows, footprint, folder)
     return check(rows) if mode == "check" else 0
