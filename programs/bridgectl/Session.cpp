@@ -25,6 +25,10 @@ void Session::stop() {
     if (std::exchange(started_, false)) timed("bridgeApiFini", bridgeApiFini);
 }
 
+void Session::useFolders() {
+    if (dataFolder && installFolder) registry_.useFolders(*dataFolder, *installFolder);
+}
+
 int Session::startLibrary() {
     if (!noConf && logFile.empty()) {
         return timed("bridgeApiInit", [this] { return bridgeApiInit(client.c_str()); });

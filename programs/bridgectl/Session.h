@@ -7,6 +7,7 @@
 
 #include "CallTimes.h"
 #include "Configuration.h"
+#include "OwnRegistry.h"
 #include "conf/ConfCatalogue.h"
 #include "shared/ProgramRun.h"
 
@@ -21,6 +22,13 @@ class Session : public ProgramRun {
     std::string client = "Helper";
     bool noConf = false;
     bool timing = false;  // printTimes() prints
+
+    // In place of the registry's folders; both or none.
+    std::optional<std::string> dataFolder;
+    std::optional<std::string> installFolder;
+
+    // Makes the two folders the product's. Throws as OwnRegistry does.
+    void useFolders();
 
     // Reads the file for `configuration` and initialises the library. False after an error message.
     bool start();
@@ -60,6 +68,7 @@ class Session : public ProgramRun {
     int startLibrary();
     std::string startHint() const;
 
+    OwnRegistry registry_;
     CallTimes times_;
     std::optional<Configuration> configuration_;
     bool started_ = false;

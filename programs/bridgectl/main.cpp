@@ -18,6 +18,16 @@ void declareOutputOptions(OptionParser& parser, Session& session) {
         .under(heading);
 }
 
+void declareFolderOptions(OptionParser& parser, Session& session) {
+    const char* const heading = "For development: both, in place of the registry's folders";
+    Option data = parser.add("--data-folder", session.dataFolder, "The product's data folder");
+    Option install =
+        parser.add("--install-folder", session.installFolder, "The folder of its programs");
+    data.notEmpty().needs(install).under(heading);
+    install.notEmpty().needs(data).under(heading);
+    parser.onParsed([&session] { session.useFolders(); });
+}
+
 void declareOptions(OptionParser& parser, Session& session) {
     parser
         .add("--client", session.client,
@@ -27,6 +37,7 @@ void declareOptions(OptionParser& parser, Session& session) {
     parser.add("--log-file", session.logFile, "Log into this file instead of the product's")
         .notEmpty();
     parser.addFlag("--no-conf", session.noConf, "Start with the defaults, without the file");
+    declareFolderOptions(parser, session);
     declareOutputOptions(parser, session);
 }
 

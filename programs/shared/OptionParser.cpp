@@ -224,6 +224,10 @@ Option OptionParser::addFlag(const char* name, bool& value, const char* help) {
 
 void OptionParser::onRun(std::function<void()> action) { app_->callback(std::move(action)); }
 
+void OptionParser::onParsed(std::function<void()> action) {
+    app_->parse_complete_callback(std::move(action));
+}
+
 OptionParser OptionParser::addCommand(const char* name, const char* summary, const char* details) {
     CLI::App* const command = app_->add_subcommand(name, summary);
     command->footer(details);

@@ -74,6 +74,9 @@ class OptionParser {
     // What happens, inside parse(), when the command line has this command and has no error.
     void onRun(std::function<void()> action);
 
+    // Of a program: what happens, inside parse(), before its command's work.
+    void onParsed(std::function<void()> action);
+
     // A command inside this one. `details` is the end of its help.
     OptionParser addCommand(const char* name, const char* summary, const char* details);
 

@@ -216,3 +216,22 @@ TEST_F(BridgectlDoctorTest, ADllThatIsFoundTwiceIsNamed) {
     EXPECT_EQ(problems(), "files: Qt5Core.dll is in " + program.substr(0, program.size() - 1) +
                               " and in " + data.path() + "; remove one: Windows takes either\n");
 }
+
+TEST_F(BridgectlDoctorTest, FoldersOfDevelopmentTakeThePlaceOfTheRegistry) {
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kProductKey);
+    EXPECT_NE(problems(), "");
+    const std::string text =
+        output({"--data-folder", data.path(), "--install-folder", standinProgram(""), "doctor"});
+    EXPECT_NE(text.find("ok: registry: \"InstallDir\" is " + install() +
+                        "\nok: registry: \"UserDefinedDir\" is " + data.path() + "\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST_F(BridgectlDoctorTest, WithoutItsLibraryItDoesNotStart) {
+    const std::string alone = data / "bridgectl.exe";
+    ASSERT_TRUE(::CopyFileW(wideForTests(program()).c_str(), wideForTests(alone).c_str(), TRUE));
+    const ChildResult result = runChild(alone, {"doctor"}, options);
+    EXPECT_EQ(result.status, 0xC0000135u) << "a DLL was not found";
+    EXPECT_EQ(result.out, "");
+}

@@ -4,6 +4,8 @@
 #include <string>
 
 #include "ProgramFixture.h"
+#include "support/RegistryKey.h"
+#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -17,6 +19,20 @@ class BridgectlUsageTest : public BridgectlFixture {
 
     std::string file() const { return data.read("vantrel.conf"); }
 };
+
+// How many processes have a registry of their own, or left one behind.
+unsigned developmentKeys() {
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\QX-Bridge", 0, KEY_READ, &key) !=
+        ERROR_SUCCESS) {
+        return 0;
+    }
+    DWORD count = 0;
+    ::RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr,
+                       nullptr, nullptr, nullptr);
+    ::RegCloseKey(key);
+    return count;
+}
 
 }  // namespace
 
@@ -176,4 +192,48 @@ TEST_F(BridgectlUsageTest, CompletionWithoutAConfigurationOffersTheGlobalKeys) {
     EXPECT_NE(keys.find("\nvtr.locale\n"), std::string::npos);
     EXPECT_EQ(keys.find("vtr.instance."), std::string::npos);
     EXPECT_EQ(output({"complete", "--", "conf", "list", "--instance"}), "");
+}
+
+TEST_F(BridgectlUsageTest, FoldersOfDevelopmentNeedNoRegistry) {
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kProductKey);
+    const Arguments line{"--data-folder", data.path(), "--install-folder", standinProgram(""),
+                         "conf",          "get",       "vtr.locale"};
+    EXPECT_EQ(output(line), "fr-FR\n");
+    EXPECT_TRUE(data.has("Logs\\Player.log"));
+    EXPECT_EQ(developmentKeys(), 0u) << "its own registry is left behind";
+}
+
+TEST_F(BridgectlUsageTest, FoldersOfDevelopmentGoBeforeTheRegistry) {
+    registry.set("UserDefinedDir", data / "nowhere");
+    const Arguments folders{"--data-folder", data.path(), "--install-folder", data.path()};
+    Arguments line = folders;
+    line.push_back("instances");
+    EXPECT_EQ(output(line).rfind("INSTANCE ", 0), 0u);
+    expectFailure({"instances"}, 5,
+                  "cannot open the log file " + data.path() +
+                      "\\nowhere\\Logs/Player.log: 2 XERR_NOENT\nbridgectl: the data folder is in "
+                      "the registry: HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value "
+                      "\"UserDefinedDir\"");
+}
+
+TEST_F(BridgectlUsageTest, FoldersOfDevelopmentMayBeRelativeAndLackTheirEnd) {
+    options.folder = data.path();
+    data.makeFolder("installed");
+    const std::string text =
+        run({"--data-folder", ".", "--install-folder", "installed", "doctor"}).out;
+    EXPECT_NE(text.find("\"InstallDir\" has no QX-Player.exe: " + data.path() + "\\installed\\;"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("ok: registry: \"UserDefinedDir\" is " + data.path() + "\n"),
+              std::string::npos);
+}
+
+TEST_F(BridgectlUsageTest, OneFolderOfDevelopmentAloneIsMisuse) {
+    const std::string see = "\nbridgectl: see bridgectl --help";
+    expectFailure({"--data-folder", data.path(), "instances"}, 2,
+                  "--data-folder requires --install-folder" + see);
+    expectFailure({"--install-folder", data.path(), "doctor"}, 2,
+                  "--install-folder requires --data-folder" + see);
+    expectFailure({"--data-folder=", "--install-folder", "x", "instances"}, 2,
+                  "--data-folder: the value is empty" + see);
 }

@@ -72,5 +72,8 @@ const Command commandDoctor{
     "Example: bridgectl doctor --json\n"
     "A line for each thing that was looked at, with what to do about a problem: registry, "
     "folders,\nlog, configuration, locks, servers, versions and files. The library is not started. "
-    "A note\nis no problem: the exit code is 1 when there is one, else 0.",
+    "A note\nis no problem: the exit code is 1 when there is one, else 0.\n"
+    "It needs QX-Bridge.dll, Qt5Core.dll and Qt5Network.dll beside bridgectl.exe. Without one of\n"
+    "them Windows does not start it: a window says that the DLL was not found, and the exit "
+    "status\nis 0xC0000135. Put the missing file back, or install the product again.",
     declare};
