@@ -196,11 +196,12 @@ TEST_F(BridgectlUsageTest, CompletionWithoutAConfigurationOffersTheGlobalKeys) {
 
 TEST_F(BridgectlUsageTest, FoldersOfDevelopmentNeedNoRegistry) {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kProductKey);
+    const unsigned before = developmentKeys();
     const Arguments line{"--data-folder", data.path(), "--install-folder", standinProgram(""),
                          "conf",          "get",       "vtr.locale"};
     EXPECT_EQ(output(line), "fr-FR\n");
     EXPECT_TRUE(data.has("Logs\\Player.log"));
-    EXPECT_EQ(developmentKeys(), 0u) << "its own registry is left behind";
+    EXPECT_EQ(developmentKeys(), before) << "its own registry is left behind";
 }
 
 TEST_F(BridgectlUsageTest, FoldersOfDevelopmentGoBeforeTheRegistry) {

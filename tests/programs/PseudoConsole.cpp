@@ -14,7 +14,7 @@
 namespace {
 
 constexpr COORD kWindow{100, 40};
-constexpr COORD kBuffer{100, 200};  // so that nothing scrolls away
+constexpr COORD kBuffer{160, 300};  // so that nothing scrolls away
 constexpr std::chrono::seconds kLimit{60};
 constexpr std::chrono::milliseconds kBetweenLooks{10};
 
