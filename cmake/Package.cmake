@@ -31,7 +31,7 @@ configure_file(cmake/vcpkg/qx-bridge/vcpkg.json.in "${package_folder}/vcpkg.json
 install(FILES "${package_folder}/vcpkg.json" cmake/vcpkg/qx-bridge/portfile.cmake
     cmake/vcpkg/qx-bridge/usage DESTINATION share/vcpkg/qx-bridge)
 
-install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md"
+install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md" PATTERN watch.svg
     PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE PATTERN windows-kit.md EXCLUDE
     PATTERN working-on-the-library.md EXCLUDE PATTERN testing.md EXCLUDE
     PATTERN performance.md EXCLUDE)
