@@ -1,5 +1,6 @@
 #include <bridge/bridge.h>
 
+#include <cstdint>
 #include <stdexcept>
 
 #include "OwnRegistry.h"

@@ -1,6 +1,7 @@
 // Runs a program in a console until its screen has a text, ends it with Ctrl+C and writes what the
 // screen has: console_shot FILE TEXT PROGRAM ARGUMENT...
 #include <fstream>
+#include <ios>
 #include <string>
 #include <vector>
 
