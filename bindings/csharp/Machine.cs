@@ -21,10 +21,10 @@ namespace QXBridge
     {
         internal static Machine Current = new Machine();
 
-        private static readonly IntPtr LocalMachine = new IntPtr(unchecked((int)0x80000002));
+        internal static readonly IntPtr LocalMachine = new IntPtr(unchecked((int)0x80000002));
         private static readonly IntPtr Invalid = new IntPtr(-1);
 
-        private const string ProductKey = @"SOFTWARE\Vantrel_nvo";
+        internal const string ProductKey = @"SOFTWARE\Vantrel_nvo";
         private const uint QueryThe64BitView = 0x0001 | 0x0100;
         private const uint TextType = 1;
 

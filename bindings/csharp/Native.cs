@@ -30,6 +30,16 @@ namespace QXBridge
             out uint type, byte[] data, ref uint size);
         [DllImport("advapi32.dll")]
         internal static extern int RegCloseKey(IntPtr key);
+        [DllImport("advapi32.dll", CharSet = CharSet.Unicode)]
+        internal static extern int RegCreateKeyExW(IntPtr root, string path, uint reserved, string type,
+            uint options, uint access, IntPtr security, out IntPtr key, out uint disposition);
+        [DllImport("advapi32.dll", CharSet = CharSet.Unicode)]
+        internal static extern int RegSetValueExW(IntPtr key, string name, uint reserved, uint type,
+            byte[] data, uint size);
+        [DllImport("advapi32.dll", CharSet = CharSet.Unicode)]
+        internal static extern int RegDeleteTreeW(IntPtr root, string path);
+        [DllImport("advapi32.dll")]
+        internal static extern int RegOverridePredefKey(IntPtr root, IntPtr key);
     }
 
     /// <summary>UTF-8 texts by hand: the marshaller's own would be of the system's code page.</summary>

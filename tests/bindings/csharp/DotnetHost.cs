@@ -416,8 +416,11 @@ static partial class DotnetHost
         try
         {
             Session.Load(arguments[0]);
-            using (new Sandbox(arguments[1], arguments[2]))
+            if (!PlayFolders(arguments[3], arguments[1], arguments[2]))
+            {
+                Sandbox.Use(arguments[1], arguments[2]);
                 Run(arguments[1], arguments[3], arguments.Length > 4 ? arguments[4] : "");
+            }
         }
         catch (Exception exception)
         {

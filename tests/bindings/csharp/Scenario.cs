@@ -260,7 +260,7 @@ sealed class Scenario : IDisposable
     {
         Session.Load(arguments[0]);
         string version = Environment.GetEnvironmentVariable("QX_SCENARIO_VERSION");
-        using (new Sandbox(arguments[1], arguments[2], version))
+        Sandbox.Use(arguments[1], arguments[2], version);
         using (var scenario = new Scenario())
         {
             foreach (string step in arguments.Skip(3)) scenario.Play(step);

@@ -1,0 +1,76 @@
+// Folders that a host of the C# binding names itself, for development.
+#include <string>
+
+#include "DotnetHosts.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+class DotnetFoldersTest : public DotnetTest {
+ protected:
+    Lines valuesWith(const std::string& install) const {
+        return {"below HKEY_LOCAL_MACHINE: SOFTWARE", "InstallDir String|" + install,
+                "UserDefinedDir String|" + data.path(),
+                "Version String|" + std::string(kProductVersion)};
+    }
+};
+
+bool hasDevelopmentKey(DWORD process) {
+    const std::wstring path = L"Software\\QX-Bridge\\Development-" + std::to_wstring(process);
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+        return false;
+    }
+    ::RegCloseKey(key);
+    return true;
+}
+
+}  // namespace
+
+TEST_F(DotnetFoldersTest, TheFoldersAndTheVersionAreAllThatTheProcessSees) {
+    EXPECT_EQ(played({"folders"}), valuesWith("C:\\None\\"));
+}
+
+TEST_F(DotnetFoldersTest, AnInstallFolderGetsItsBackslash) {
+    installFolder = "C:\\Größe";
+    EXPECT_EQ(played({"folders"}), valuesWith("C:\\Größe\\"));
+}
+
+TEST_F(DotnetFoldersTest, AnEmptyFolderIsLeftOut) {
+    installFolder = "";
+    Lines values = valuesWith("");
+    values.erase(values.begin() + 1);
+    EXPECT_EQ(played({"folders"}), values);
+}
+
+TEST_F(DotnetFoldersTest, ASessionUsesThem) {
+    EXPECT_EQ(played({"folders of a session"}), Lines{"instance Nougat64 Größe 日本"});
+}
+
+TEST_F(DotnetFoldersTest, ALaterCallReplacesThem) {
+    EXPECT_EQ(played({"folders twice"}), valuesWith("C:\\None\\"));
+}
+
+TEST_F(DotnetFoldersTest, TheirKeyGoesAtTheEndOfTheProcess) {
+    ChildProcess host = startHost({"key of the folders"});
+    const DWORD process = ::GetProcessId(host.handle());
+    EXPECT_EQ(linesUpToTheEnd(host), Lines{"key with SOFTWARE"});
+    EXPECT_FALSE(hasDevelopmentKey(process));
+}
+
+TEST_F(DotnetFoldersTest, TheyHaveToComeBeforeTheStart) {
+    const std::string refusal = "UseFolders() has to come before the start";
+    EXPECT_EQ(played({"folders after the start"}), (Lines{refusal, refusal}));
+}
+
+TEST_F(DotnetFoldersTest, NullIsRefused) {
+    EXPECT_EQ(played({"no data folder"}), Lines{"null: dataFolder"});
+    EXPECT_EQ(played({"no install folder"}), Lines{"null: installFolder"});
+}
+
+TEST_F(DotnetFoldersTest, AnErrorOfWindowsIsThrownAndHidesNothing) {
+    EXPECT_EQ(played({"folders without a user"}),
+              (Lines{"1018 RegCreateKeyExW for "
+                     "HKEY_CURRENT_USER\\Software\\QX-Bridge\\Development-ID: Windows error 1018",
+                     "version of Windows True"}));
+}
