@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# nuget.sh TREE WORK: looks into the package for .NET that package.sh made, unpacks it into an empty folder, and
+# runs a host of it: from the folder of packages, and with the DLLs beside it. No registry value names a folder.
+set -euo pipefail
+tree=$1 work=$2
+. "$tree/toolchain/common.sh"
+
+fail() { echo "$*"; exit 1; }
+
+root=$(echo "$work"/unpacked/*)
+version=$(project_version)
+nupkg="$work/made/QXBridge.$version.nupkg"
+source="$tree/tests/package/nuget"
+dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
+runtime="$dotnet/shared/Microsoft.NETCore.App/2.0.0"
+
+folder=$(mktemp -d)
+export WINEPREFIX="$folder/prefix"
+trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$folder"' EXIT
+
+# As package.sh does it, in another folder.
+mkdir "$folder/again"
+bash "$tree/toolchain/package-nuget.sh" "$folder/again" "$root" "$folder/again"
+cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || fail "the same build gives another package"
+python3 "$tree/tests/package/nuget_test.py" "$nupkg" "$root" "$version" "$tree" "$cache" "$folder"
+
+packages="$folder/packages"
+unpacked="$packages/qxbridge/$version"
+mkdir -p "$unpacked" "$folder/sources" "$folder/host" "$folder/beside" "$folder/data/Logs"
+python3 -m zipfile -e "$nupkg" "$unpacked"
+assembly="$unpacked/lib/netstandard2.0/QXBridge.dll"
+
+mcs -warnaserror -langversion:5 "-r:$(echo /usr/lib/mono/gac/Mono.Cecil/0.11.*/Mono.Cecil.dll)" \
+    "-out:$folder/look.exe" "$source/Look.cs"
+diff - <(MONO_PATH= mono "$folder/look.exe" "$assembly" "$folder/sources") <<END
+refers to netstandard, Version=2.0.0.0, Culture=neutral, PublicKeyToken=cc7b13ffcd2ddd51
+is QXBridge, Version=$version, Culture=neutral, PublicKeyToken=null for .NETStandard,Version=v2.0
+runs on I386 ILOnly
+variables: waited
+variables: handle error mayCome
+END
+for file in "$root"/share/bindings/csharp/*.cs; do
+    cmp "$file" "$folder/sources/${file##*/}" || fail "the PDB has not ${file##*/}"
+done
+
+mcs -warnaserror -langversion:5 -nostdlib -noconfig -nowarn:1702 "-lib:$runtime" -r:System.Private.CoreLib.dll \
+    -r:System.Runtime.dll -r:System.Runtime.Extensions.dll -r:System.Console.dll -r:netstandard.dll \
+    "-r:$assembly" "-out:$folder/host/host.dll" "$source/Host.cs"
+cp "$tree/tests/bindings/csharp/runtimeconfig.json" "$folder/host/host.runtimeconfig.json"
+cp "$folder"/host/* "$assembly" "$unpacked"/runtimes/win-x64/native/*.dll "$folder/beside"
+sed "s/@VERSION@/$version/" "$source/host.deps.json" >"$folder/host/host.deps.json"
+
+bash "$tree/toolchain/prefix.sh" up
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$folder/data/vantrel.conf"
+
+# run_host FOLDER OPTION...: what the host there prints, with "\" for the system's own separator.
+run_host() {
+    local host
+    host=$(windows_path "$1/host.dll")
+    shift
+    timeout 60 "$tree/toolchain/wine.sh" "$dotnet/dotnet.exe" exec "$@" "$host" \
+        "$(windows_path "$folder/data")" | tr -d '\r'
+}
+
+expected='Nougat64 Jeux
+C:\None\QX-Player.exe'
+line=$(grep -n 'throw new BridgeException(operation, code, file, Places.LogPath);' \
+    "$root/share/bindings/csharp/Session.cs" | cut -d : -f 1)
+for way in packages beside; do
+    case $way in
+    packages) run_host "$folder/host" --additionalprobingpath "$(windows_path "$packages")" ;;
+    beside) run_host "$folder/beside" ;;
+    esac >"$folder/$way.txt"
+    [ "$(head -n 2 "$folder/$way.txt")" = "$expected" ] || fail "$way: $(<"$folder/$way.txt")"
+done
+# The PDB is beside the assembly in the folder of packages only.
+grep -q "Session.Require(.* in /_/bindings/csharp/Session.cs:line $line\$" "$folder/packages.txt" ||
+    fail "the trace has no line $line: $(<"$folder/packages.txt")"
