@@ -32,7 +32,7 @@ assembly="$unpacked/lib/netstandard2.0/QXBridge.dll"
 
 mcs -warnaserror -langversion:5 "-r:$(echo /usr/lib/mono/gac/Mono.Cecil/0.11.*/Mono.Cecil.dll)" \
     "-out:$folder/look.exe" "$source/Look.cs"
-diff - <(MONO_PATH= mono "$folder/look.exe" "$assembly" "$folder/sources") <<END
+diff - <(mono "$folder/look.exe" "$assembly" "$folder/sources") <<END
 refers to netstandard, Version=2.0.0.0, Culture=neutral, PublicKeyToken=cc7b13ffcd2ddd51
 is QXBridge, Version=$version, Culture=neutral, PublicKeyToken=null for .NETStandard,Version=v2.0
 runs on I386 ILOnly
