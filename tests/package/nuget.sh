@@ -22,6 +22,7 @@ trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$folder"' EXIT
 mkdir "$folder/again"
 bash "$tree/toolchain/package-nuget.sh" "$folder/again" "$root" "$folder/again"
 cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || fail "the same build gives another package"
+(cd "$work/made" && sha256sum --quiet -c <(grep "  ${nupkg##*/}\$" SHA256SUMS)) || fail "its checksum is another"
 python3 "$tree/tests/package/nuget_test.py" "$nupkg" "$root" "$version" "$tree" "$cache" "$folder"
 
 packages="$folder/packages"
