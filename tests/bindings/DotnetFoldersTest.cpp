@@ -51,6 +51,13 @@ TEST_F(DotnetFoldersTest, ALaterCallReplacesThem) {
     EXPECT_EQ(played({"folders twice"}), valuesWith("C:\\None\\"));
 }
 
+TEST_F(DotnetFoldersTest, ALaterCallLeavesNothingOfTheFirst) {
+    installFolder = "";
+    Lines values = valuesWith("");
+    values.erase(values.begin() + 1);
+    EXPECT_EQ(played({"folders twice"}), values);
+}
+
 TEST_F(DotnetFoldersTest, TheirKeyGoesAtTheEndOfTheProcess) {
     ChildProcess host = startHost({"key of the folders"});
     const DWORD process = ::GetProcessId(host.handle());
