@@ -39,7 +39,7 @@ class KeyError extends BridgeUsageError {
 
 class PreflightError extends Error {
     constructor(problems) {
-        super(problems.map(({ what, remedy }) => `${what}: ${remedy}`).join('; '));
+        super(problems.map(({ what, remedy }) => `${what}: ${remedy}`).join('\n'));
         this.name = 'PreflightError';
         this.problems = problems;
     }

@@ -42,7 +42,7 @@ test('a key error is a usage error', () => {
 test('a start that would fail lists what is in the way', () => {
     const problems = [{ what: 'a is missing', remedy: 'make it' }, { what: 'b is old', remedy: 'update it' }];
     const error = new PreflightError(problems);
-    assert.strictEqual(error.message, 'a is missing: make it; b is old: update it');
+    assert.strictEqual(error.message, 'a is missing: make it\nb is old: update it');
     assert.strictEqual(error.problems, problems);
 });
 
