@@ -39,6 +39,10 @@ class Bridge extends EventEmitter {
         this.conf = new Configuration(this.#call, this.#known);
     }
 
+    get started() {
+        return this.#call.started;
+    }
+
     init(clientId, options = {}) {
         const client = native.keptText(text(clientId, 'clientId'));
         const { noConfFile = false, logFile = null } = options;

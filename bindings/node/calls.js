@@ -14,6 +14,10 @@ class Calls {
         this.#functions = functions;
     }
 
+    get started() {
+        return this.#state !== 'new';
+    }
+
     requireUnfinished() {
         if (this.#state === 'finished') throw new BridgeUsageError('the library was finished; it starts once per process');
     }

@@ -227,5 +227,24 @@ export interface Bridge extends EventEmitter {
 /** What init() would fail at, without starting anything; empty: nothing that can be seen beforehand. */
 export function preflight(clientId: ClientId, options?: InitOptions): Problem[];
 
-/** Loads QX-Bridge.dll, with the Qt DLLs from beside it; a second call gives the same object. */
+export interface Folders {
+    /** Has vantrel.conf and Logs. */
+    dataFolder: string;
+    /** Has the product's programs. */
+    installFolder: string;
+}
+
+/**
+ * For development, without administrator rights and before init(): gives this process a
+ * HKEY_LOCAL_MACHINE of its own with these folders and the library's version. It hides everything else of
+ * HKEY_LOCAL_MACHINE from this process; the processes that it starts see the machine's. A later call
+ * replaces the folders.
+ */
+export function useFolders(folders: Folders): void;
+
+/**
+ * Loads QX-Bridge.dll, with the Qt DLLs from beside it; a second call gives the same object. Without a
+ * file it is the one in this package's folder bin, or else the one in the current folder. A file in
+ * Electron's app.asar is loaded from app.asar.unpacked.
+ */
 export function load(file?: string): Bridge;

@@ -4,7 +4,9 @@
 const { RESULT, EVENTS, IMAGES } = require('./bridge.generated');
 const { Bridge } = require('./bridge');
 const errors = require('./errors');
+const folders = require('./folders');
 const { Key, keys } = require('./keys');
+const { libraryFile } = require('./library-file');
 const native = require('./native');
 const { preflight } = require('./preflight');
 
@@ -12,10 +14,17 @@ const CLIENTS = Object.freeze(['Launcher', 'Installer', 'LogCollector', 'Helper'
 
 let loaded = null;
 
-function load(file = 'QX-Bridge.dll') {
+function load(file = libraryFile()) {
     if (loaded === null) loaded = { file, bridge: new Bridge(native.load(file)) };
     if (loaded.file !== file) throw new Error(`${loaded.file} is loaded already`);
     return loaded.bridge;
 }
 
-module.exports = { load, preflight, keys, Key, CLIENTS, RESULT, EVENTS, IMAGES, ...errors };
+function useFolders(options) {
+    if (loaded !== null && loaded.bridge.started) throw new errors.BridgeUsageError('useFolders() comes before init()');
+    folders.useFolders(options);
+}
+
+module.exports = {
+    load, preflight, useFolders, keys, Key, CLIENTS, RESULT, EVENTS, IMAGES, ...errors,
+};

@@ -4,6 +4,7 @@
 const koffi = require('koffi');
 const path = require('path');
 const { CALLBACKS, FUNCTIONS } = require('./bridge.generated');
+const { outsideArchive } = require('./library-file');
 
 // name and parameter names of a declaration
 function parts(declaration) {
@@ -23,7 +24,7 @@ function pin(library) {
 
 // Loads the library and gives its functions by name.
 function load(file) {
-    const full = path.resolve(file);
+    const full = outsideArchive(path.resolve(file));
     // Qt from beside the library, and not another program's from PATH.
     for (const qt of ['Qt5Core.dll', 'Qt5Network.dll']) koffi.load(path.join(path.dirname(full), qt));
     const library = koffi.load(full);

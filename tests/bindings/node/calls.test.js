@@ -6,7 +6,6 @@ const assert = require('assert');
 const fs = require('fs');
 const path = require('path');
 const { test } = require('node:test');
-const { data } = require('./sandbox');
 const { FUNCTIONS } = require('qx-bridge/bridge.generated');
 
 const calls = [];
@@ -45,6 +44,7 @@ require.cache[nativeFile] = {
         callbackPointers: () => ['pointer'],
     },
 };
+const { data } = require('./sandbox'); // it uses index.js
 fs.writeFileSync(path.join(data, 'vantrel.conf'), '');
 const { load, KeyError, ListenError } = require('qx-bridge');
 const bridge = load();

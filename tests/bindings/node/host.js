@@ -8,7 +8,8 @@ const fs = require('fs');
 const koffi = require('koffi');
 const path = require('path');
 const { setTimeout: sleep } = require('timers/promises');
-const { data, setProduct } = require('./sandbox');
+const { setProduct } = require('./registry');
+const { data } = require('./sandbox');
 
 const build = process.env.QX_TEST_BUILD;
 const dll = path.join(build, 'bin', 'QX-Bridge.dll');
@@ -51,6 +52,17 @@ async function send(...words) {
     assert.strictEqual(status, 0, `nobody took ${words.join(' ')}`);
 }
 
+// Whether HKEY_CURRENT_USER has a key.
+const registry = koffi.load('advapi32.dll');
+const openKey = registry.func('int32_t RegOpenKeyW(intptr_t root, str16 path, _Out_ intptr_t *key)');
+const closeKey = registry.func('int32_t RegCloseKey(intptr_t key)');
+function hasUserKey(name) {
+    const key = [0];
+    if (openKey(-0x7fffffff, name, key) !== 0) return false;
+    closeKey(key[0]);
+    return true;
+}
+
 // Runs another script of this folder to its end, with a sandbox of its own.
 function runScript(name, ...words) {
     const file = path.join(data, `${name}.output`);
@@ -62,5 +74,5 @@ function runScript(name, ...words) {
 }
 
 module.exports = {
-    CLIENT, PATIENT, data, dll, log, output, read, runScript, send, served, setProduct, standins, write,
+    CLIENT, PATIENT, data, dll, hasUserKey, log, output, read, runScript, send, served, setProduct, standins, write,
 };

@@ -3,13 +3,10 @@
 
 const fs = require('fs');
 const path = require('path');
-const { VERSION } = require('qx-bridge/bridge.generated');
-const { setProduct } = require('./registry');
+const { useFolders } = require('qx-bridge');
 
 const data = path.resolve(process.env.QX_TEST_DATA);
 fs.mkdirSync(path.join(data, 'Logs'), { recursive: true });
-setProduct('UserDefinedDir', data);
-setProduct('InstallDir', 'C:\\None\\');
-setProduct('Version', VERSION);
+useFolders({ dataFolder: data, installFolder: 'C:\\None' });
 
-module.exports = { data, setProduct };
+module.exports = { data };

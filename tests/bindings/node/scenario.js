@@ -5,7 +5,7 @@
 // product's version.
 
 const fs = require('fs');
-const { setProduct } = require('./registry');
+const { removeProduct, setProduct } = require('./registry');
 const {
     load, keys, preflight, EVENTS, BridgeError, EventOverflow, KeyError, ListenError, PreflightError, TimeoutError,
 } = require('qx-bridge');
@@ -17,6 +17,7 @@ const SHORT_LIMIT = 1000;
 
 const [library, data, install, ...steps] = process.argv.slice(2);
 if (data !== '') setProduct('UserDefinedDir', data);
+else removeProduct('UserDefinedDir');
 setProduct('InstallDir', install);
 setProduct('Version', process.env.QX_SCENARIO_VERSION || VERSION);
 

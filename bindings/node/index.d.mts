@@ -1,0 +1,4 @@
+import * as binding from './index.js';
+
+export * from './index.js';
+export default binding;

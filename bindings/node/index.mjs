@@ -1,0 +1,8 @@
+// The same for hosts that import: there is one library in a process, however it was loaded.
+import binding from './index.js';
+
+export const {
+    load, preflight, useFolders, keys, Key, CLIENTS, RESULT, EVENTS, IMAGES,
+    BridgeError, BridgeUsageError, KeyError, PreflightError, ListenError, EventOverflow, AbortError, TimeoutError,
+} = binding;
+export default binding;
