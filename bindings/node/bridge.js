@@ -5,7 +5,6 @@
 const { EventEmitter } = require('events');
 const { EVENTS } = require('./bridge.generated');
 const { text, boolean, i32, milliseconds } = require('./arguments');
-const { Calls } = require('./calls');
 const { Configuration } = require('./configuration');
 const { BridgeUsageError, PreflightError } = require('./errors');
 const { EventStream } = require('./event-stream');
@@ -33,14 +32,10 @@ class Bridge extends EventEmitter {
     #works = new Works(() => this.#requireListening());
     #finishing = null;
 
-    constructor(functions) {
+    constructor(call) {
         super();
-        this.#call = new Calls(functions);
+        this.#call = call;
         this.conf = new Configuration(this.#call, this.#known);
-    }
-
-    get started() {
-        return this.#call.started;
     }
 
     init(clientId, options = {}) {

@@ -3,6 +3,7 @@
 
 const { RESULT, EVENTS, IMAGES } = require('./bridge.generated');
 const { Bridge } = require('./bridge');
+const { Calls } = require('./calls');
 const errors = require('./errors');
 const folders = require('./folders');
 const { Key, keys } = require('./keys');
@@ -15,13 +16,16 @@ const CLIENTS = Object.freeze(['Launcher', 'Installer', 'LogCollector', 'Helper'
 let loaded = null;
 
 function load(file = libraryFile()) {
-    if (loaded === null) loaded = { file, bridge: new Bridge(native.load(file)) };
+    if (loaded === null) {
+        const calls = new Calls(native.load(file));
+        loaded = { file, calls, bridge: new Bridge(calls) };
+    }
     if (loaded.file !== file) throw new Error(`${loaded.file} is loaded already`);
     return loaded.bridge;
 }
 
 function useFolders(options) {
-    if (loaded !== null && loaded.bridge.started) throw new errors.BridgeUsageError('useFolders() comes before init()');
+    if (loaded !== null && loaded.calls.started) throw new errors.BridgeUsageError('useFolders() comes before init()');
     folders.useFolders(options);
 }
 

@@ -73,7 +73,7 @@ run_host "$folder/host" host.js 'Nougat64 Größe'
 # The line of the binding's own page, beside its folder.
 mkdir "$folder/beside"
 cp -r "$folder/package/share/bindings" "$folder/beside"
-install "$folder/beside" "$(line_of bindings/node/README.md 'npm install')"
+install "$folder/beside" "$(line_of bindings/node/README.md 'npm install --install-links')"
 cp "$tree/tests/package/consumer/host.js" "$folder/beside"
 run_host "$folder/beside" host.js 'Nougat64 Größe'
 echo "4 installations"

@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# npm.sh TREE WORK: makes the package for npm of what package.sh unpacked, installs it into projects outside
+# the tree, and runs hosts there that require, import, and are compiled from TypeScript. The registry is this
+# machine's. Exit status 77: there is no npm.
+set -euo pipefail
+tree=$1 work=$2
+. "$tree/toolchain/common.sh"
+
+fail() { echo "$*"; exit 1; }
+command -v npm >/dev/null || { echo "skipped: there is no npm"; exit 77; }
+
+tools=$(bash "$tree/toolchain/node.sh" --dir)
+hosts="$tree/tests/package/npm"
+folder=$(mktemp -d)
+registry=
+trap '[ -z "$registry" ] || kill "$registry"; rm -rf "$folder"' EXIT
+
+# npm's order of versions is the library's.
+versions='5.2.0.999 5.2.0.1052 5.2.0.10000 5.2.1.0 5.2.1.7 5.2.10.3 5.3.0.1 6.0.0.0'
+for one in $versions; do bash "$tree/toolchain/package-npm.sh" --version "$one"; done >"$folder/versions"
+sort -c -V -u "$folder/versions" || fail "npm orders them otherwise: $(<"$folder/versions")"
+[ "$(sed -n 2p "$folder/versions")" = 5.2.1052 ] || fail "5.2.0.1052 is $(sed -n 2p "$folder/versions")"
+for one in 5.2.0 5.2.0.100000 5.2.0.1-2; do
+    if bash "$tree/toolchain/package-npm.sh" --version "$one" 2>/dev/null; then fail "$one is taken"; fi
+done
+
+root=$(echo "$work"/unpacked/*)
+version=$(bash "$tree/toolchain/package-npm.sh" --version "$(project_version)")
+name="qx-bridge-$version.tgz"
+umask 077
+bash "$tree/toolchain/package-npm.sh" "$folder/made" "$root" "$folder"
+umask 022
+bash "$tree/toolchain/package-npm.sh" "$folder/made" "$root" "$folder/again"
+cmp "$folder/$name" "$folder/again/$name" || fail "the same files give another package"
+cmp "$folder/$name" "$work/made/$name" || fail "./run package makes another one"
+
+python3 "$tree/tests/bindings/node/npm_registry.py" "$tools/node_modules/koffi" "$folder/port" &
+registry=$!
+for ((i = 0; i < 600; i++)); do
+    [ -s "$folder/port" ] && break
+    sleep 0.1
+done
+# Nothing of this machine's npm counts, but the program. It is told that it runs on Windows by force.
+export npm_config_registry="http://127.0.0.1:$(<"$folder/port")/" npm_config_cache="$folder/cache"
+export npm_config_userconfig="$folder/npmrc" npm_config_globalconfig="$folder/npmrc-of-all"
+export npm_config_audit=false npm_config_fund=false npm_config_update_notifier=false
+export npm_config_force=true npm_config_ignore_scripts=true
+unset NODE_PATH
+
+mkdir -p "$folder/data/Logs"
+printf 'vtr.instance.Nougat64.display_name="Größe"\n' >"$folder/data/vantrel.conf"
+
+# run_host FOLDER SCRIPT EXPECTED
+run_host() {
+    local status=0
+    (cd "$1" && timeout 60 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "$2" "Z:$folder/data") \
+        >"$folder/output" 2>&1 </dev/null || status=$?
+    [ "$status" = 0 ] && [ "$(tr -d '\r' <"$folder/output")" = "$3" ] || fail "$1/$2: $status $(<"$folder/output")"
+}
+
+# The page's line, in an empty project.
+line=$(grep -oE '`npm install [^`]*\.tgz`' "$tree/bindings/node/README.md" | tr -d '`')
+[ "$(wc -l <<<"$line")" = 1 ] && [ -n "$line" ] || fail "the page has not one line for the package: $line"
+project="$folder/project"
+mkdir "$project"
+echo '{ "private": true }' >"$project/package.json"
+line=${line/PATH/$folder} line=${line/VERSION/$version}
+(cd "$project" && bash -c "$line") >"$folder/npm" 2>&1 </dev/null || fail "$line: $(<"$folder/npm")"
+cp "$hosts"/* "$tree/tests/bindings/node/types/events.d.ts" "$project"
+
+package="$project/node_modules/qx-bridge"
+python3 - "$package" "$version" <<'END'
+import json
+import pathlib
+import sys
+
+folder = pathlib.Path(sys.argv[1])
+package = json.loads((folder / "package.json").read_text("utf-8"))
+wanted = {"version": sys.argv[2], "os": ["win32"], "cpu": ["x64"], "license": "SEE LICENSE IN licences/README.md"}
+assert {key: package[key] for key in wanted} == wanted, package
+assert "private" not in package
+packed = {file.relative_to(folder).parts[0] for file in folder.rglob("*")}
+assert packed - {"package.json"} == set(package["files"]), packed ^ set(package["files"])
+for name in ("QX-Bridge.dll", "Qt5Core.dll", "Qt5Network.dll"):
+    assert (folder / "bin" / name).stat().st_size > 10000, name
+texts = {file.name for file in (folder / "licences").glob("*.txt")}
+told = (folder / "licences" / "README.md").read_text("utf-8")
+assert texts and all(f"`{name}`" in told for name in texts), texts
+END
+
+run_host "$project" require.js 'Nougat64 Größe'
+run_host "$project" import.mjs $'Nougat64 Größe\none library'
+
+# What TypeScript makes of the types, by how it finds packages.
+tsc=(node "$tools/node_modules/typescript/bin/tsc" --strict --target ES2020 --types "" --outDir compiled)
+(
+    cd "$project"
+    "${tsc[@]}" --module node16 --moduleResolution node16 use.mts use.cts events.d.ts
+    "${tsc[@]}" --module commonjs --moduleResolution node use.ts events.d.ts
+    echo "import { load } from 'qx-bridge'; const wrong: number = load();" >wrong.mts
+    if "${tsc[@]}" --module node16 --moduleResolution node16 wrong.mts events.d.ts >wrong.txt; then
+        fail "a wrong type is taken"
+    fi
+    grep -q "wrong.mts(1,43): error TS2322" wrong.txt || fail "$(<wrong.txt)"
+)
+for script in compiled/use.mjs compiled/use.cjs compiled/use.js; do run_host "$project" "$script" 'Nougat64 Größe'; done
+
+# As Electron has it: the DLLs beside the archive, for which a folder stands.
+inside="$folder/electron/app.asar" outside="$folder/electron/app.asar.unpacked/node_modules/qx-bridge"
+mkdir -p "$inside" "$outside"
+cp -r "$project/node_modules" "$inside"
+mv "$inside/node_modules/qx-bridge/bin" "$outside"
+cp "$hosts/require.js" "$inside"
+run_host "$inside" require.js 'Nougat64 Größe'
+echo "$name: $(stat -c %s "$folder/$name") bytes"
