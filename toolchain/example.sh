@@ -27,17 +27,14 @@ cp -r "$tree/demo/AppCache" "$data/Engine/Nougat64"
 cp "$tree/demo/vantrel.conf" "$data"
 [ "${1:-}" != --test ] ||
     sed -i 's|^\(vtr.instance.Nougat32.display_name\)=.*|\1="<img src=x onerror=document.title=1>"|' "$data/vantrel.conf"
-key='HKLM\Software\Vantrel_nvo'
-for value in "UserDefinedDir=$(windows_path "$data")" "InstallDir=$(windows_path "$build/standins")\\"; do
-    "$wine" reg add "$key" /v "${value%%=*}" /d "${value#*=}" /f >/dev/null
-done
 ln -s "$tree/bindings/node" "$folder/node_modules/qx-bridge"
 ln -s "$tools/node_modules/koffi" "$folder/node_modules/koffi"
 
 NODE_PATH="$(windows_path "$folder/node_modules")" QX_STANDIN_SECONDS=3600 \
     QX_STANDIN_OUTPUT="$(windows_path "$folder/programs.txt")" \
     "$wine" "$tools/node/bin/node.exe" "$(windows_path "$tree/examples/launcher/server.js")" \
-    "$(windows_path "$build/bin/QX-Bridge.dll")" >"$folder/address" 2>&1 </dev/null &
+    "$(windows_path "$build/bin/QX-Bridge.dll")" "$(windows_path "$data")" "$(windows_path "$build/standins")" \
+    >"$folder/address" 2>&1 </dev/null &
 server=$!
 for ((i = 0; i < 300; i++)); do
     address=$(tr -d '\r' <"$folder/address" | grep '^http://' || true)

@@ -44,6 +44,8 @@ package.update(version=sys.argv[2], license="SEE LICENSE IN licences/README.md")
 file.write_text(json.dumps(package, indent=2) + "\n", "utf-8")
 END
 
+find "$content" -type d -exec chmod 755 {} +
+find "$content" -type f -exec chmod 644 {} +
 # As npm packs, but with the time of the newest commit, so that the same files give the same bytes.
 tar --create --directory "$work" --sort=name --format=ustar --mtime="@$(package_stamp)" --owner=0 --group=0 \
-    --numeric-owner --mode='u=rwX,go=rX' package | gzip -9n >"$into/qx-bridge-$version.tgz"
+    --numeric-owner package | gzip -9n >"$into/qx-bridge-$version.tgz"

@@ -1,16 +1,20 @@
 'use strict';
 // A small launcher: a page on the loopback address that lists instances and their apps, starts and
 // stops them, changes a few settings, and shows events as they come.
-//     node server.js [PATH-OF-QX-Bridge.dll]
+//     node server.js [PATH-OF-QX-Bridge.dll [DATA-FOLDER INSTALL-FOLDER]]
+// With the two folders it needs neither the product nor an administrator: they take the place of the
+// product's.
 // Whoever knows the printed address may use it: it holds a token that other users cannot guess.
 
 const crypto = require('crypto');
 const fs = require('fs');
 const http = require('http');
 const path = require('path');
-const { load, keys, EVENTS } = require('qx-bridge');
+const { load, useFolders, keys, EVENTS } = require('qx-bridge');
 
-const bridge = process.argv[2] === undefined ? load() : load(process.argv[2]);
+const [library, dataFolder, installFolder] = process.argv.slice(2);
+if (dataFolder !== undefined) useFolders({ dataFolder, installFolder });
+const bridge = load(library);
 const token = crypto.randomBytes(16).toString('hex');
 const page = fs.readFileSync(path.join(__dirname, 'page.html'));
 const listeners = new Set();  // responses of pages that show events

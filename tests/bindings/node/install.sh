@@ -11,8 +11,8 @@ fail() { echo "$*"; exit 1; }
 command -v npm >/dev/null || { echo "skipped: there is no npm"; exit 77; }
 
 folder=$(mktemp -d)
-registry=
-trap '[ -z "$registry" ] || kill "$registry"; rm -rf "$folder"' EXIT
+registry='' server=''
+trap 'for one in $registry $server; do kill "$one" || true; done; rm -rf "$folder"' EXIT
 
 # As the package has them.
 mkdir -p "$folder/package/share" "$folder/data"
@@ -54,11 +54,29 @@ install() {
     (cd "$1" && bash -c "$2") >"$folder/npm" 2>&1 </dev/null || fail "$2: $(<"$folder/npm")"
 }
 
+mkdir "$folder/data/Logs"
 printf 'vtr.locale="fr-FR"\nvtr.instance.Nougat64.display_name="Größe"\n' >"$folder/data/vantrel.conf"
 
 example="$folder/package/share/examples/node"
 install "$example" "$(line_of examples/README.md 'npm install')"
 run_host "$example" main.js $'instance Nougat64 Größe\nlocale fr-FR\nlistening\nfinished'
+
+# The launcher takes its folders as arguments, and serves until it is ended.
+launcher="$folder/package/share/examples/launcher"
+install "$launcher" "$(line_of examples/README.md 'npm install')"
+"$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "Z:$launcher/server.js" "Z:$build/bin/QX-Bridge.dll" \
+    "Z:$folder/data" "Z:$build/standins" >"$folder/served" 2>&1 </dev/null &
+server=$!
+for ((i = 0; i < 600; i++)); do
+    address=$(tr -d '\r' <"$folder/served" | grep '^http://') && break
+    kill -0 "$server" 2>/dev/null || fail "launcher: $(<"$folder/served")"
+    sleep 0.1
+done
+shown=$(python3 -c '
+import json, sys, urllib.request
+state = json.load(urllib.request.urlopen(sys.argv[1] + "state", timeout=60))
+print(*(one["name"] + " " + one["displayName"] for one in state["instances"]))' "$address")
+[ "$shown" = 'Nougat64 Größe' ] || fail "launcher: $shown"
 
 # The line of getting-started.md, in the unpacked folder and in a project elsewhere.
 line=$(line_of docs/getting-started.md 'npm install')
@@ -76,4 +94,4 @@ cp -r "$folder/package/share/bindings" "$folder/beside"
 install "$folder/beside" "$(line_of bindings/node/README.md 'npm install --install-links')"
 cp "$tree/tests/package/consumer/host.js" "$folder/beside"
 run_host "$folder/beside" host.js 'Nougat64 Größe'
-echo "4 installations"
+echo "5 installations"
