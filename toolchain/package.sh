@@ -31,7 +31,7 @@ bash "$tree/toolchain/sign.sh" "$folder"
     cd "$folder"
     find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum >SHA256SUMS
 )
-rm -f "$into/$name.zip"
+rm -f "$into/$name.zip" "$into"/{qxbridge-*.whl,QXBridge.*.nupkg,qx-bridge-*.tgz}
 python3 "$tree/toolchain/zip.py" "$folder" "$into/$name.zip" "$(package_stamp)"
 bash "$tree/toolchain/package-wheel.sh" "$into/package" "$folder" "$into"
 bash "$tree/toolchain/package-nuget.sh" "$into/package" "$folder" "$into"
