@@ -37,12 +37,7 @@ namespace QXBridge
                 known.Require(instance);
                 RequireLoaded(instance);
             }
-            string stored = known.Stored(key) ?? declared.Default;
-            if (Catalogue.IsReadable(type, stored)) return;
-            string has = stored.Length == 0 && declared.Default.Length == 0
-                ? " has no value and no default"
-                : " has a value that cannot be read: " + Catalogue.Quoted(stored);
-            throw new KeyException(Catalogue.Quoted(key) + has, key, null);
+            known.RequireReadable(key, type, declared.Default);
         }
 
         private void RequireLoaded(string instance)

@@ -116,13 +116,29 @@ namespace QXBridge
             lock (guard) return inTheFile.Contains(name) || added.Contains(name);
         }
 
-        /// <summary>Throws for an instance in the library that runs no image: its listing would end the
-        /// process.</summary>
-        internal void RequireImages()
+        /// <summary>Throws for an instance in the library that runs no image, or has a number that cannot
+        /// be read: its listing would end the process.</summary>
+        internal void RequireListable()
         {
-            string wrong;
-            lock (guard) wrong = Sorted(whenLoaded).FirstOrDefault(one => !HasImage(one));
-            if (wrong != null) throw NoImage(wrong);
+            string[] names;
+            lock (guard) names = Sorted(whenLoaded).ToArray();
+            foreach (string name in names)
+            {
+                if (!HasImage(name)) throw NoImage(name);
+                foreach (string number in new[] { "ram", "cpus" })
+                    RequireReadable(Catalogue.InstancePrefix + name + "." + number, "i32", "");
+            }
+        }
+
+        /// <summary>Throws for a value of the library's that it cannot read.</summary>
+        internal void RequireReadable(string key, string type, string byDefault)
+        {
+            string stored = Stored(key) ?? byDefault;
+            if (Catalogue.IsReadable(type, stored)) return;
+            string has = stored.Length == 0 && byDefault.Length == 0
+                ? " has no value and no default"
+                : " has a value that cannot be read: " + Catalogue.Quoted(stored);
+            throw new KeyException(Catalogue.Quoted(key) + has, key, null);
         }
 
         internal static bool HasImage(string instance)

@@ -114,7 +114,7 @@ namespace QXBridge
 
         private string ListInstances()
         {
-            known.RequireImages();
+            known.RequireListable();
             return Taken("bridgeConfGetInstances", Native.bridgeConfGetInstances());
         }
 

@@ -230,9 +230,16 @@ inline void checkNewInstance(const std::string& name) {
     checkImage(name);
 }
 
-/** A listing ends the process for an instance without an image. */
+/** A listing ends the process for an instance without an image, or with a number that cannot be
+ * read. */
 inline void checkListing() {
-    for (const std::string& one : configuration().loadedInstances()) checkImage(one);
+    for (const std::string& one : configuration().loadedInstances()) {
+        checkImage(one);
+        for (const char* property : {"ram", "cpus"}) {
+            const std::string key = "vtr.instance." + one + "." + property;
+            checkValue(key, *checkKey(key, KeyType::I32).property);
+        }
+    }
 }
 
 }  // namespace detail

@@ -133,7 +133,7 @@ class Bridge:
         """The same as the library's own text. BridgeKeyError for an instance of an unknown image, with
         which the library would end the process."""
         self._calls.require_ready()
-        self._known.require_images()
+        self._known.require_listable()
         return self._calls.text("bridgeConfGetInstances")
 
     def apps(self, instance: str) -> List[App]:

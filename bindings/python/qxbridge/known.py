@@ -97,11 +97,16 @@ class Known:
         with self._lock:
             self._added.add(name)
 
-    def require_images(self) -> None:
-        """Before a listing."""
+    def require_listable(self) -> None:
+        """Before a listing: the library ends the process over an instance without an image, and over a
+        number that it cannot read."""
         with self._lock:
-            for name in sorted(self._listed):
-                catalogue.require_image(name)
+            names = sorted(self._listed)
+        for name in names:
+            catalogue.require_image(name)
+            for number in ("ram", "cpus"):
+                key = f"{INSTANCE_PREFIX}{name}.{number}"
+                self.require_value(key, catalogue.find(key)[1])
 
     def find(self, key: str, type_: str) -> Tuple[str, Property]:
         """The key's instance, empty for a global one, and its property, if a call may have it."""
