@@ -9,3 +9,10 @@ trap 'rm -f "$output"' EXIT
 program=$!
 tail --pid="$program" -s 0.05 -n +1 -f "$output"
 wait "$program"
+status=$?
+# Programs that lose their Wine server end with status 0.
+if [ "$status" = 0 ] && ! grep -qa '^\[  PASSED  \]' "$output"; then
+    echo "the program has ended without a result"
+    status=1
+fi
+exit "$status"
