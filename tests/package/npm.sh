@@ -34,18 +34,7 @@ bash "$tree/toolchain/package-npm.sh" "$folder/made" "$root" "$folder/again"
 cmp "$folder/$name" "$folder/again/$name" || fail "the same files give another package"
 cmp "$folder/$name" "$work/made/$name" || fail "./run package makes another one"
 
-python3 "$tree/tests/bindings/node/npm_registry.py" "$tools/node_modules/koffi" "$folder/port" &
-registry=$!
-for ((i = 0; i < 600; i++)); do
-    [ -s "$folder/port" ] && break
-    sleep 0.1
-done
-# Nothing of this machine's npm counts, but the program. It is told that it runs on Windows by force.
-export npm_config_registry="http://127.0.0.1:$(<"$folder/port")/" npm_config_cache="$folder/cache"
-export npm_config_userconfig="$folder/npmrc" npm_config_globalconfig="$folder/npmrc-of-all"
-export npm_config_audit=false npm_config_fund=false npm_config_update_notifier=false
-export npm_config_force=true npm_config_ignore_scripts=true
-unset NODE_PATH
+. "$tree/tests/bindings/node/npm_here.sh"
 
 mkdir -p "$folder/data/Logs"
 printf 'vtr.instance.Nougat64.display_name="Größe"\n' >"$folder/data/vantrel.conf"

@@ -19,18 +19,7 @@ mkdir -p "$folder/package/share" "$folder/data"
 cp -r "$tree/bindings" "$tree/examples" "$folder/package/share"
 find "$folder/package" -name node_modules -prune -exec rm -rf {} +
 
-python3 "$here/npm_registry.py" "$tools/node_modules/koffi" "$folder/port" &
-registry=$!
-for ((i = 0; i < 600; i++)); do
-    [ -s "$folder/port" ] && break
-    sleep 0.1
-done
-# Nothing of this machine's npm counts, but the program. It is told that it runs on Windows by force.
-export npm_config_registry="http://127.0.0.1:$(<"$folder/port")/" npm_config_cache="$folder/cache"
-export npm_config_userconfig="$folder/npmrc" npm_config_globalconfig="$folder/npmrc-of-all"
-export npm_config_audit=false npm_config_fund=false npm_config_update_notifier=false
-export npm_config_force=true npm_config_ignore_scripts=true
-unset NODE_PATH
+. "$here/npm_here.sh"
 
 # line_of DOCUMENT PATTERN: the one command between backquotes.
 line_of() {
