@@ -18,7 +18,8 @@ QString joined(const std::string& folder, const QString& name) {
     return qtPath(folder) + QDir::separator() + name;
 }
 
-// Deletes what was there. A failure shows when files are copied into the folder.
+// Replaces an existing folder with an empty one. Errors are ignored here: copying files into the
+// folder then fails and logs them.
 void makeEmptyFolder(const std::string& folder) {
     QDir existing(qtPath(folder));
     if (existing.exists()) existing.removeRecursively();

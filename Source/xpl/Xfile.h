@@ -118,8 +118,8 @@ struct XfileAttributes {
 // are created, as by every open for writing.
 [[nodiscard]] XErr xfileFlush(const std::string& path);
 
-// Flushes `source` and moves it to `destination`, replacing what is there. A failed flush only logs
-// a warning.
+// Flushes `source`, then moves it to `destination`, replacing an existing file. If the flush fails,
+// logs a warning and moves the file anyway.
 [[nodiscard]] XErr xfileMove(const std::string& source, const std::string& destination);
 
 // The same, for a destination that another process (a scanner, a reader) may be using: retries a

@@ -13,8 +13,8 @@
 [[nodiscard]] XErr xfileSystemOpen(Xfile& file, const std::string& path, XfileMode mode,
                                    XfileSharing sharing);
 
-// Moves `source` to `destination`, replacing what is there. Retries so often while another process
-// uses it.
+// Moves `source` to `destination`, replacing an existing file. While another process has either
+// file open, retries up to `retries` times.
 [[nodiscard]] XErr xfileSystemReplace(const std::string& source, const std::string& destination,
                                       int retries);
 

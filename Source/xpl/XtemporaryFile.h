@@ -11,8 +11,8 @@ class XfileReplacer {
  public:
     virtual ~XfileReplacer() = default;
 
-    // Flushes a file and moves it to `destination`, replacing what is there. Retries for up to half
-    // a second while another process uses either file.
+    // Flushes `source`, then moves it to `destination`, replacing an existing file. While another
+    // process has either file open, retries for up to half a second.
     [[nodiscard]] virtual XErr replace(const std::string& source,
                                        const std::string& destination) = 0;
 

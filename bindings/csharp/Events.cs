@@ -115,7 +115,7 @@ namespace QXBridge
             }
         }
 
-        // The library tells by its log only that another process has the name.
+        // If another process has the name, the library only logs an error.
         private void RequireOwnServer(TimeSpan limit)
         {
             PipeServer server = Machine.Current.ServerOf(@"\\.\pipe\vtr_" + client + "_bridge_nvo", limit);

@@ -67,7 +67,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>A value was set. As in the library, one that is there already stages nothing.</summary>
+        /// <summary>Records that a value was set. As in the library, setting the current value stages nothing.</summary>
         internal void Stage(string key, string value)
         {
             lock (guard)

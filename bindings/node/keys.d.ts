@@ -32,6 +32,6 @@ export type ValueOf<K extends string> =
     : K extends `vtr.${infer P}` ? (P extends keyof GlobalProperties ? GlobalProperties[P] : never)
     : never;
 
-/** A text that names a key whose values have this type. One that is known at run time only is any text. */
+/** A key whose values have this type, as text. A plain string, known only at run time, is accepted too. */
 export type KeyText<K extends string, T extends Value> =
     string extends K ? K : [ValueOf<K>] extends [never] ? never : ValueOf<K> extends T ? K : never;

@@ -1,5 +1,5 @@
 'use strict';
-// What somebody may have meant who wrote a name that does not exist.
+// Suggestions for a mistyped name.
 
 // The Levenshtein distance: how many letters are to be inserted, removed or replaced.
 function distance(a, b) {

@@ -20,16 +20,16 @@
 
 namespace bridge::detail {
 
-/** Somebody who waits for events. */
+/** A waiting queue or work. */
 struct Observer {
-    /** Gets each event, on the event thread. Says whether it was the one that was waited for. */
+    /** Called with each event, on the event thread. Returns whether this was the expected event. */
     std::function<bool(const Event& event)> take;
-    /** Gets the end of the library. */
+    /** Called when the library ends. */
     std::function<void()> end;
 };
 using SharedObserver = std::shared_ptr<const Observer>;
 
-/** All who wait, in the order in which they began to. */
+/** The oldest comes first. */
 using Observers = std::list<SharedObserver>;
 
 struct Dispatch {

@@ -34,7 +34,7 @@ class EventOverflow : public std::runtime_error {
 /** How queues and works wait; not for hosts. */
 namespace detail {
 
-/** Waits for a condition, for ever without a limit. False when the time is over. */
+/** Waits for a condition. Returns false after a time-out; without a limit there is none. */
 template <typename Condition>
 bool waitFor(std::condition_variable& changed, std::unique_lock<std::mutex>& guard,
              std::optional<std::chrono::milliseconds> limit, Condition condition) {

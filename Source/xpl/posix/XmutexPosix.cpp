@@ -33,8 +33,8 @@ constexpr int kNoUnicodeTranslation = 1113;
 
 // What the processes share. Never freed: it is a few bytes per name.
 struct Shared {
-    // FIFO turnstile, held while waiting for the mutex: a thread that locks again queues behind the
-    // waiters, as on Windows.
+    // FIFO turnstile: a thread holds it while it waits for the mutex. A thread that unlocks and
+    // locks again therefore queues behind the waiters, as on Windows.
     pthread_mutex_t turn;
     pthread_mutex_t mutex;
 };

@@ -10,7 +10,7 @@ from .conf_file import INSTANCE_PREFIX, entries, split_key
 from .errors import BridgeKeyError
 from .generated import Property
 
-# Each has a default, or is set when an instance is created: one that is loaded has one of them.
+# A loaded instance has a value other than 0 and "" for at least one of these: each has such a default.
 _PROBES = ("dpi", "max_fps", "eco_mode_max_fps", "gl_win_height", "display_name")
 
 # What the library's conversion takes for a number: it stops at the first other character, and
