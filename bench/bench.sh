@@ -3,7 +3,7 @@
 #   bench.sh [--check|--record|--native] [ROW...]
 #   bench.sh --count
 # --check compares the ratios with bench/recorded.json; --record, for a whole run on a quiet machine,
-# replaces that file and the figures of docs/performance.md. --native measures on this machine's own
+# replaces that file and the figures of docs/explanation/performance.md. --native measures on this machine's own
 # system what needs no program and no DLL; --count counts its instructions.
 set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"

@@ -19,9 +19,9 @@ from pathlib import Path
 
 TREE = Path(__file__).resolve().parent.parent
 RECORDED = TREE / "bench" / "recorded.json"
-PAGE = TREE / "docs" / "performance.md"
-CHART = TREE / "docs" / "performance.svg"
-SUMMARY_CHART = TREE / "docs" / "performance-summary.svg"
+PAGE = TREE / "docs" / "explanation" / "performance.md"
+CHART = TREE / "docs" / "explanation" / "performance.svg"
+SUMMARY_CHART = TREE / "docs" / "explanation" / "performance-summary.svg"
 
 # What the summary shows, each against what one would use instead.
 SUMMARY = {

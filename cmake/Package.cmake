@@ -32,8 +32,7 @@ install(FILES "${package_folder}/vcpkg.json" cmake/vcpkg/qx-bridge/portfile.cmak
     cmake/vcpkg/qx-bridge/usage DESTINATION share/vcpkg/qx-bridge)
 
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md" PATTERN watch.svg
-    PATTERN maintenance.md EXCLUDE PATTERN package.md EXCLUDE PATTERN windows-kit.md EXCLUDE
-    PATTERN working-on-the-library.md EXCLUDE PATTERN testing.md EXCLUDE
+    PATTERN maintain-the-data.md EXCLUDE PATTERN package.md EXCLUDE PATTERN contributing EXCLUDE
     PATTERN performance.md EXCLUDE)
 install(FILES docs/package.md DESTINATION . RENAME README.md)
 foreach(folder examples bindings)

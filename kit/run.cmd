@@ -1,5 +1,5 @@
 @echo off
-rem Runs the checks. See docs\windows-kit.md.
+rem Runs the checks. See docs\contributing\windows-kit.md.
 "%~dp0kit\run_checks.exe" %*
 set result=%errorlevel%
 if "%~1"=="" pause

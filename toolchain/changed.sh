@@ -13,7 +13,7 @@ tests_of() {
     tests/support/*) echo xpl ;;
     tests/*/*) echo "$1" | cut -d/ -f2 ;;
     programs/*) echo programs ;;
-    kit/* | docs/windows-kit.md) echo kit ;;
+    kit/* | docs/contributing/windows-kit.md) echo kit ;;
     bindings/* | examples/*) echo bindings ;;
     include/* | toolchain/bindings/*) printf '%s\n' gates bindings ;;
     *) echo gates ;;

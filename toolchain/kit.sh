@@ -35,7 +35,7 @@ cp "$koffi/$native"/* "$folder/bindings/node_modules/koffi/$native"
 
 bash "$tree/toolchain/licences.sh" "$folder/licences"
 cp "$tree/kit/checks.txt" "$folder"
-cp "$tree"/docs/*.md "$folder/docs"
+(cd "$tree" && find docs -name '*.md' -exec cp --parents {} "$folder" \;)
 sed 's/$/\r/' "$tree/kit/run.cmd" >"$folder/run.cmd"
 bash "$tree/toolchain/sign.sh" "$folder"
 

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""kit_table.py TREE [--write]: the table of docs/windows-kit.md is that of kit/checks.txt, and each
+"""kit_table.py TREE [--write]: the table of docs/contributing/windows-kit.md is that of kit/checks.txt, and each
 sentence that a check decides stands on its page. --write replaces the page's table."""
 
+import os
 import pathlib
 import re
 import sys
 
+PAGE = pathlib.PurePosixPath("docs/contributing/windows-kit.md")
 HEADER = "| check | what it decides | the sentence that it decides | needs |\n|---|---|---|---|\n"
 BEGIN, END = "<!-- checks -->\n", "<!-- end of checks -->\n"
 NEEDS = {"windows": "Windows", "elevated": "elevation", "plain": "no elevation",
@@ -25,14 +27,15 @@ def read_checks(text):
 
 
 def row(check):
-    page = pathlib.PurePosixPath(check["page"]).name
+    page = pathlib.PurePosixPath(check["page"])
+    link = os.path.relpath(page, PAGE.parent)
     needs = [NEEDS[need] for need in check.get("needs", "").split()]
     program = check["run"].split()[0]
     tool = check.get("tool") or ("" if "/" in program else program)
     if tool:
         needs.append(f"`{tool}` in PATH")
     sentence = check["sentence"].replace("|", "\\|")
-    return f"| `{check['id']}` | {check['decides']} | [{page}]({page}): {sentence} | {', '.join(needs)} |\n"
+    return f"| `{check['id']}` | {check['decides']} | [{page.name}]({link}): {sentence} | {', '.join(needs)} |\n"
 
 
 def table(checks):
@@ -58,13 +61,13 @@ def main(tree, *options):
     tree = pathlib.Path(tree)
     checks = read_checks((tree / "kit/checks.txt").read_text("utf-8"))
     faults = claim_faults(checks, lambda page: (tree / page).read_text("utf-8"))
-    page = tree / "docs/windows-kit.md"
+    page = tree / PAGE
     old = page.read_text("utf-8")
     new = with_table(old, checks)
     if "--write" in options:
         page.write_text(new, "utf-8")
     elif new != old:
-        faults.append("docs/windows-kit.md has another table: toolchain/kit_table.py . --write")
+        faults.append(f"{PAGE} has another table: toolchain/kit_table.py . --write")
     for line in faults or [f"{len(checks)} checks"]:
         print(line)
     return 1 if faults else 0

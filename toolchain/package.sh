@@ -22,7 +22,7 @@ bash "$tree/toolchain/licences.sh" "$folder/share/licences"
     echo "OUTPUT_DIRECTORY = $folder/share/doc"
     echo "STRIP_FROM_PATH = $tree/include $tree"
     echo "STRIP_FROM_INC_PATH = $tree/include"
-    echo "INPUT = $tree/docs/reference.dox $tree/include/bridge"
+    echo "INPUT = $tree/docs/api.dox $tree/include/bridge"
 ) | doxygen - >"$into/package/doxygen.log"
 
 bash "$tree/toolchain/sign.sh" "$folder"

@@ -9,7 +9,7 @@
 struct Check {
     std::string id;
     std::string decides;
-    std::string page;                    // relative to the tree, "docs/limits.md"
+    std::string page;                    // relative to the tree, "docs/reference/limits.md"
     std::string sentence;                // words of that page, with single blanks
     std::vector<std::string> command;    // a program of the kit, or one without "/" of PATH
     std::vector<std::string> needs;      // of kKitNeeds

@@ -26,7 +26,7 @@ def listed_keys():
 
 
 def listed_codes():
-    page = (TREE / "docs/codes.md").read_text("utf-8")
+    page = (TREE / "docs/reference/codes.md").read_text("utf-8")
     rows = re.findall(r"^\| (-?\d+) \| `(XERR_\w+)` \| (.*?) \|", page, re.M)
     return [(int(number), name, text) for number, name, text in rows]
 

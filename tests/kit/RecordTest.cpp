@@ -10,7 +10,7 @@ Record sample() {
     Record record;
     record.check.id = "log";
     record.check.decides = "Whether <b> & \"it\"";
-    record.check.page = "docs/limits.md";
+    record.check.page = "docs/reference/limits.md";
     record.check.sentence = "it's so";
     record.outcome = Outcome::Failed;
     record.reason = "two\nlines <script>";
@@ -27,7 +27,7 @@ Record sample() {
 TEST(KitRecord, IsALineOfJsonForTheCheckAndOneForEachTest) {
     EXPECT_EQ(recordLines(sample()),
               "{\"check\":\"log\",\"decides\":\"Whether <b> & \\\"it\\\"\","
-              "\"page\":\"docs/limits.md\",\"sentence\":\"it's so\",\"result\":\"failed\","
+              "\"page\":\"docs/reference/limits.md\",\"sentence\":\"it's so\",\"result\":\"failed\","
               "\"reason\":\"two\\nlines <script>\",\"error\":\"0x80000003\",\"milliseconds\":1042,"
               "\"raw\":\"raw/log.txt\",\"figures\":{\"retries\":\"12\"}}\n"
               "{\"check\":\"log\",\"test\":\"A.B\",\"result\":\"skipped\","
@@ -54,6 +54,6 @@ TEST(KitRecord, ThePageHasResultsFiguresTimesAndClaims) {
     EXPECT_NE(page.find("retries: 12"), std::string::npos);
     EXPECT_NE(page.find("0x80000003"), std::string::npos);
     EXPECT_NE(page.find("1.042 s"), std::string::npos);
-    EXPECT_NE(page.find("docs/limits.md: &ldquo;it&#39;s so&rdquo;"), std::string::npos);
+    EXPECT_NE(page.find("docs/reference/limits.md: &ldquo;it&#39;s so&rdquo;"), std::string::npos);
     EXPECT_NE(page.find("<td>build</td><td><pre>10.0</pre></td>"), std::string::npos);
 }

@@ -11,7 +11,7 @@ constexpr const char* kOne =
     "# A comment.\n"
     "[log]\n"
     "decides = Whether lines stay whole\n"
-    "page = docs/limits.md\n"
+    "page = docs/reference/limits.md\n"
     "sentence = lines of = several\n"
     "run = tests/xpl_test.exe  --gtest_filter=A.*\n"
     "needs = windows prompt\n"
@@ -28,7 +28,7 @@ TEST(KitTable, ACheckHasItsMembers) {
     const Check& check = table.checks[0];
     EXPECT_EQ(check.id, "log");
     EXPECT_EQ(check.decides, "Whether lines stay whole");
-    EXPECT_EQ(check.page, "docs/limits.md");
+    EXPECT_EQ(check.page, "docs/reference/limits.md");
     EXPECT_EQ(check.sentence, "lines of = several");
     EXPECT_EQ(check.command,
               (std::vector<std::string>{"tests/xpl_test.exe", "--gtest_filter=A.*"}));

@@ -12,14 +12,14 @@ import kit_table
 CHECKS = """# A comment.
 [log]
 decides = Whether lines stay whole
-page = docs/limits.md
+page = docs/reference/limits.md
 sentence = lines of several | threads
 run = tests/x.exe --gtest_filter=A.*
 needs = windows prompt
 
 [node]
 decides = Whether Node works
-page = docs/limits.md
+page = docs/reference/limits.md
 sentence = Nobody tried
 run = node x.js
 """
@@ -31,31 +31,31 @@ class KitTable(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.tree = pathlib.Path(folder.name)
-        for name, text in (("kit/checks.txt", CHECKS), ("docs/limits.md", PAGE),
-                           ("docs/windows-kit.md", "before\n<!-- checks -->\n<!-- end of checks -->\nafter\n")):
-            (self.tree / name).parent.mkdir(exist_ok=True)
+        for name, text in (("kit/checks.txt", CHECKS), ("docs/reference/limits.md", PAGE),
+                           ("docs/contributing/windows-kit.md", "before\n<!-- checks -->\n<!-- end of checks -->\nafter\n")):
+            (self.tree / name).parent.mkdir(parents=True, exist_ok=True)
             (self.tree / name).write_text(text, "utf-8")
 
     def page(self):
-        return (self.tree / "docs/windows-kit.md").read_text("utf-8")
+        return (self.tree / "docs/contributing/windows-kit.md").read_text("utf-8")
 
     def test_another_table_is_a_failure_until_it_is_written(self):
         self.assertEqual(kit_table.main(self.tree), 1)
         self.assertEqual(kit_table.main(self.tree, "--write"), 0)
         self.assertEqual(kit_table.main(self.tree), 0)
         self.assertEqual(self.page(), "before\n<!-- checks -->\n" + kit_table.HEADER +
-                         "| `log` | Whether lines stay whole | [limits.md](limits.md): lines of several \\| threads"
+                         "| `log` | Whether lines stay whole | [limits.md](../reference/limits.md): lines of several \\| threads"
                          " | Windows, an answer |\n"
-                         "| `node` | Whether Node works | [limits.md](limits.md): Nobody tried"
+                         "| `node` | Whether Node works | [limits.md](../reference/limits.md): Nobody tried"
                          " | `node` in PATH |\n<!-- end of checks -->\nafter\n")
 
     def test_a_sentence_that_its_page_lacks_is_a_failure(self):
         kit_table.main(self.tree, "--write")
-        (self.tree / "docs/limits.md").write_text(PAGE.replace("Nobody", "Somebody"), "utf-8")
+        (self.tree / "docs/reference/limits.md").write_text(PAGE.replace("Nobody", "Somebody"), "utf-8")
         self.assertEqual(kit_table.main(self.tree), 1)
         self.assertEqual(
             kit_table.claim_faults(kit_table.read_checks(CHECKS), lambda page: "Nobody tried"),
-            ["log: docs/limits.md does not say: lines of several | threads"])
+            ["log: docs/reference/limits.md does not say: lines of several | threads"])
 
 
 if __name__ == "__main__":

@@ -25,7 +25,7 @@ diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
 for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
     tools/{QX-Player,QX-MultiInstanceManager}.exe lib/pkgconfig/qx-bridge.pc include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
-    share/doc/{getting-started,configuration-keys,codes,security}.md share/doc/reference/index.html \
+    share/doc/{getting-started,reference/{configuration-keys,codes},explanation/trust}.md share/doc/api/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
     share/licences/{mingw-w64-runtime,CLI11,nlohmann-json,Unicode}.txt \
     share/bindings/{node/{index,native,bridge.generated}.js,csharp/{Session,QXBridge.generated}.cs} \
@@ -57,8 +57,8 @@ for program in bin/*.dll bin/*.exe tools/*.exe; do
         fail "$program carries debug data"
     fi
 done
-grep -q 'bridge_8h.html' share/doc/reference/index.html
-grep -q 'bridgeConfGetInstances' share/doc/reference/bridge_8h.html
+grep -q 'bridge_8h.html' share/doc/api/index.html
+grep -q 'bridgeConfGetInstances' share/doc/api/bridge_8h.html
 
 # Whatever a program loads is beside it, or is the system's.
 system='^(kernel32|advapi32|shell32|psapi|user32|ole32|version|ws2_32|mpr|netapi32|userenv|winmm|dnsapi|iphlpapi|crypt32)\.dll$|^api-ms-win-crt-.*\.dll$'

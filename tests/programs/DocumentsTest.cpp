@@ -16,14 +16,14 @@ TEST(Documents, TheConfigurationKeysAreTheCatalogues) {
     const std::string table = catalogueMarkdown();
     ASSERT_GT(table.size(), 5000u);
     EXPECT_NE(std::string(kKeysPage).find("\n" + table), std::string::npos)
-        << "docs/configuration-keys.md is to have the output of bridgectl catalogue --markdown";
+        << "docs/reference/configuration-keys.md is to have the output of bridgectl catalogue --markdown";
 }
 
 TEST(Documents, TheResultCodesAreTheLibrarys) {
     const std::string table = resultCodesMarkdown();
     ASSERT_GT(table.size(), 3000u);
     EXPECT_NE(std::string(kCodesPage).find("\n" + table + "\n"), std::string::npos)
-        << "docs/codes.md is to have the output of bridgectl explain --markdown";
+        << "docs/reference/codes.md is to have the output of bridgectl explain --markdown";
 }
 
 TEST(Documents, TheExitCodesAreTheProgramsOwn) {
