@@ -35,7 +35,7 @@ keep_server() {
     # One without programs is about to end.
     timeout 2 "$server" -w >/dev/null 2>&1 || true
     # Fails when one runs. It must not hold the caller's output open.
-    "$server" -p >/dev/null 2>&1 </dev/null || true
+    "$server" -p >"$WINEPREFIX/server.log" 2>&1 </dev/null || true
     exec 8>"$WINEPREFIX/kept"
     if flock -n 8; then
         local input="$WINEPREFIX/no-input"

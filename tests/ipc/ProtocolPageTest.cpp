@@ -1,4 +1,5 @@
-// The rows and worked examples of docs/reference/protocol.md, against what the library sends and reads.
+// The rows and worked examples of docs/reference/protocol.md, against what the library sends and
+// reads.
 #include <regex>
 
 #include "ProtocolPage.h"

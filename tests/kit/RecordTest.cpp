@@ -25,13 +25,14 @@ Record sample() {
 }  // namespace
 
 TEST(KitRecord, IsALineOfJsonForTheCheckAndOneForEachTest) {
-    EXPECT_EQ(recordLines(sample()),
-              "{\"check\":\"log\",\"decides\":\"Whether <b> & \\\"it\\\"\","
-              "\"page\":\"docs/reference/limits.md\",\"sentence\":\"it's so\",\"result\":\"failed\","
-              "\"reason\":\"two\\nlines <script>\",\"error\":\"0x80000003\",\"milliseconds\":1042,"
-              "\"raw\":\"raw/log.txt\",\"figures\":{\"retries\":\"12\"}}\n"
-              "{\"check\":\"log\",\"test\":\"A.B\",\"result\":\"skipped\","
-              "\"reason\":\"no \xef\xbf\xbd way\",\"milliseconds\":5}\n");
+    EXPECT_EQ(
+        recordLines(sample()),
+        "{\"check\":\"log\",\"decides\":\"Whether <b> & \\\"it\\\"\","
+        "\"page\":\"docs/reference/limits.md\",\"sentence\":\"it's so\",\"result\":\"failed\","
+        "\"reason\":\"two\\nlines <script>\",\"error\":\"0x80000003\",\"milliseconds\":1042,"
+        "\"raw\":\"raw/log.txt\",\"figures\":{\"retries\":\"12\"}}\n"
+        "{\"check\":\"log\",\"test\":\"A.B\",\"result\":\"skipped\","
+        "\"reason\":\"no \xef\xbf\xbd way\",\"milliseconds\":5}\n");
 }
 
 TEST(KitRecord, FactsAreOneObject) {

@@ -16,7 +16,8 @@ TEST(Documents, TheConfigurationKeysAreTheCatalogues) {
     const std::string table = catalogueMarkdown();
     ASSERT_GT(table.size(), 5000u);
     EXPECT_NE(std::string(kKeysPage).find("\n" + table), std::string::npos)
-        << "docs/reference/configuration-keys.md is to have the output of bridgectl catalogue --markdown";
+        << "docs/reference/configuration-keys.md is to have the output of bridgectl catalogue "
+           "--markdown";
 }
 
 TEST(Documents, TheResultCodesAreTheLibrarys) {
