@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Prepares the Wine prefix of the build tree and keeps one wineserver alive for it, without which
 # each program start takes a second or more.
-#   prefix.sh up     creates the prefix when it is missing, and starts the server
-#   prefix.sh down   ends the server of this prefix, and of no other
+#   prefix.sh up        creates the prefix when it is missing, and starts the server
+#   prefix.sh up-both   the same for the tests' second prefix too
+#   prefix.sh down      ends the servers of this prefix and of its second, and no others
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -46,8 +47,7 @@ keep_server() {
     exec 8>&-
 }
 
-case ${1:-up} in
-up)
+up() {
     if ! is_complete "$WINEPREFIX"; then
         rm -rf "$WINEPREFIX"
         steps_total=1
@@ -56,7 +56,22 @@ up)
     keep_server
     # The first program starts Wine's services, which keep its output open as long as they live.
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null
+}
+
+# Pipes and the registry belong to a prefix: tests that use the product's real names in the second one
+# run beside those that use them in the first.
+second="$WINEPREFIX-2"
+
+case ${1:-up} in
+up) up ;;
+up-both)
+    up
+    WINEPREFIX=$second
+    up
     ;;
-down) "$server" -k >/dev/null 2>&1 || true ;;
-*) die "prefix.sh: up or down" ;;
+down)
+    "$server" -k >/dev/null 2>&1 || true
+    [ ! -d "$second" ] || WINEPREFIX=$second "$server" -k >/dev/null 2>&1 || true
+    ;;
+*) die "prefix.sh: up, up-both or down" ;;
 esac

@@ -3,7 +3,8 @@
 # Unix sees only the low byte of an exit status: 0x80000003 arrives as 3.
 set -u
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export WINEPREFIX=${WINEPREFIX:-$tree/build/windows/prefix}
+export WINEPREFIX=${WINEPREFIX:-$tree/build/windows/prefix}${QX_SECOND_PREFIX:+-2}
+unset QX_SECOND_PREFIX
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINESERVER=/usr/lib/wine/wineserver64
 # Never ask to install anything, never open a crash dialog or a browser.
