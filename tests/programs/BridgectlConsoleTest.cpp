@@ -1,6 +1,6 @@
-// bridgectl on a console, under two code pages. Wine's console shows escape sequences where one of
-// Windows follows them, so that its screen has the very text that was written; "<" stands for their
-// first character.
+// bridgectl on a console and through a pipe, under two code pages. Wine's console shows escape
+// sequences where a console of Windows follows them, so its screen has the exact text that was
+// written. "<" replaces their first character.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,44 +9,17 @@
 
 #include "ProgramFixture.h"
 #include "PseudoConsole.h"
+#include "support/EventPackets.h"
+#include "support/RawServer.h"
 #include "support/WindowsForTests.h"
 
 namespace {
 
+const std::string kServer = "vtr_LogCollector_bridge_nvo";
+
 const std::string kTable =
     "INSTANCE  NAME       IMAGE     CPU  RAM   GRAPHICS  PROFILE\n"
     "Nougat64  Jeux 日本  Nougat64  0    4096  /\n";
-
-class BridgectlConsoleTest : public BridgectlFixture,
-                             public ::testing::WithParamInterface<unsigned> {
- protected:
-    BridgectlConsoleTest() : console(GetParam()) {
-        useStandins("LogCollector", "60");
-        data.write("vantrel.conf",
-                   "vtr.locale=\"fr\"\nvtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
-                   "vtr.instance.Nougat64.ram=\"4096\"\n");
-        ::SetEnvironmentVariableW(L"NO_COLOR", nullptr);
-    }
-    ~BridgectlConsoleTest() override { ::SetEnvironmentVariableW(L"NO_COLOR", nullptr); }
-
-    void SetUp() override {
-        if (console.followsSequences()) GTEST_SKIP() << "the screen has no sequences to compare";
-    }
-
-    // Everything that a program shows, on a screen that was empty, with its exit status.
-    std::string shown(const Arguments& arguments, unsigned status) {
-        console.start(program(), arguments);
-        EXPECT_EQ(console.finish(), status);
-        return visible(console.screen());
-    }
-
-    static std::string visible(std::string text) {
-        for (char& c : text) c = c == '\x1b' ? '<' : c;
-        return text;
-    }
-
-    PseudoConsole console;
-};
 
 // The screen without the times, which are a line's first 29 characters.
 std::string withoutTimes(const std::string& text) {
@@ -67,6 +40,74 @@ std::string withoutSpaces(std::string text) {
     return text;
 }
 
+class BridgectlConsoleTest : public BridgectlFixture,
+                             public ::testing::WithParamInterface<unsigned> {
+ protected:
+    BridgectlConsoleTest() : console(GetParam()) {
+        useStandins("LogCollector", "1");
+        writeConfiguration();
+        setVariable("NO_COLOR", nullptr);
+        // For the programs on the console; those with pipes get them from the options.
+        for (const auto& [name, value] : options.environment) setVariable(name, value.c_str());
+    }
+    ~BridgectlConsoleTest() override {
+        setVariable("NO_COLOR", nullptr);
+        for (const auto& [name, value] : options.environment) setVariable(name, nullptr);
+    }
+
+    void writeConfiguration() const {
+        data.write("vantrel.conf",
+                   "vtr.locale=\"fr\"\nvtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
+                   "vtr.instance.Nougat64.ram=\"4096\"\n");
+    }
+
+    static void setVariable(const std::string& name, const char* value) {
+        ::SetEnvironmentVariableW(wideForTests(name).c_str(),
+                                  value == nullptr ? nullptr : wideForTests(value).c_str());
+    }
+
+    void SetUp() override {
+        if (console.followsSequences()) GTEST_SKIP() << "the screen has no sequences to compare";
+    }
+
+    // Everything that a program adds to the screen, with its exit status.
+    std::string shown(const Arguments& arguments, unsigned status) {
+        const std::size_t before = console.screen().size();
+        console.start(program(), arguments);
+        EXPECT_EQ(console.finish(), status);
+        return visible(console.screen().substr(before));
+    }
+
+    // The program shows `text` on the console, and writes the same into a pipe.
+    void expectOutput(const Arguments& arguments, const std::string& text) {
+        EXPECT_EQ(shown(arguments, 0), text);
+        writeConfiguration();
+        EXPECT_EQ(output(arguments), text);
+    }
+
+    // The same for an error, in lines without the program's name.
+    void expectError(const Arguments& arguments, unsigned status, const Lines& lines) {
+        std::string coloured;
+        std::string plain;
+        for (const std::string& line : lines) {
+            coloured += "<[31mbridgectl:<[0m " + line + "\n";
+            plain += "bridgectl: " + line + "\n";
+        }
+        EXPECT_EQ(shown(arguments, status), coloured);
+        const ChildResult piped = run(arguments);
+        EXPECT_EQ(piped.status, status);
+        EXPECT_EQ(piped.out, "");
+        EXPECT_EQ(piped.err, plain);
+    }
+
+    static std::string visible(std::string text) {
+        for (char& c : text) c = c == '\x1b' ? '<' : c;
+        return text;
+    }
+
+    PseudoConsole console;
+};
+
 }  // namespace
 
 TEST_P(BridgectlConsoleTest, ATableHasItsHeadingInColourAndItsColumnsInLine) {
@@ -84,11 +125,86 @@ TEST_P(BridgectlConsoleTest, ThePipeHasTheSameTableWithoutColours) {
 }
 
 TEST_P(BridgectlConsoleTest, AnErrorHasItsNameInColour) {
-    EXPECT_EQ(shown({"conf", "get", "vtr.日本"}, 3), "<[31mbridgectl:<[0m no such key: vtr.日本\n");
+    expectError({"conf", "get", "vtr.日本"}, 3, {"no such key: vtr.日本"});
 }
 
-TEST_P(BridgectlConsoleTest, APipeGetsTheErrorInUtf8) {
-    expectFailure({"conf", "get", "vtr.日本"}, 3, "no such key: vtr.日本");
+TEST_P(BridgectlConsoleTest, ConfUnsetShowsTheValueBeforeAndTheDefault) {
+    expectOutput({"conf", "unset", "vtr.instance.Nougat64.display_name"},
+                 "vtr.instance.Nougat64.display_name: Jeux 日本 -> Vantrel\n");
+    EXPECT_EQ(output({"conf", "get", "vtr.instance.Nougat64.display_name"}), "Vantrel\n");
+}
+
+TEST_P(BridgectlConsoleTest, ConfUnsetRefusesAnEmptyNumber) {
+    expectError({"conf", "unset", "vtr.instance.Nougat64.ram"}, 4,
+                {"vtr.instance.Nougat64.ram has an empty default, which the library cannot store: "
+                 "its type is i32",
+                 "set it to a value: bridgectl conf set vtr.instance.Nougat64.ram 0"});
+}
+
+TEST_P(BridgectlConsoleTest, WaitShowsTheEventThatEndsIt) {
+    const Arguments line{"--client", "LogCollector", "launch", "Nougat64", "com.日本", "--wait"};
+    const std::string event = "app-displayed instance=\"Nougat64\" package=\"com.日本\"\n";
+    EXPECT_EQ(withoutTimes(shown(line, 0)), event);
+    EXPECT_EQ(withoutTimes(output(line)), event);
+}
+
+TEST_P(BridgectlConsoleTest, WaitShowsThatNoEventCame) {
+    setVariable("QX_STANDIN_CLIENTS", "none");
+    options.environment = {{"QX_STANDIN_CLIENTS", "none"}};
+    expectError({"--client", "LogCollector", "launch", "Nougat64", "com.日本", "--wait", "1"}, 9,
+                {"started, but no event said how it ended"});
+}
+
+TEST_P(BridgectlConsoleTest, RecordedEventsAreShownAndWrittenAsUtf8) {
+    const std::string file = data / "trace.script";
+    const Arguments line{"--client", "LogCollector", "events", "--record", file, "--count", "1"};
+    const std::string listening = "bridgectl: listening on " + kServer + "\n";
+    const std::string event = "app-displayed instance=\"日本\" package=\"com.a\"\n";
+    const std::string script =
+        "# Recorded by bridgectl events --record.\nevent app-displayed \"日本\" \"com.a\"\n";
+
+    console.start(program(), line);
+    EXPECT_EQ(console.screenWith(kServer), listening);
+    ASSERT_TRUE(RawPipe(connectWhenFree(kServer)).write(appDisplayedPacket("日本", "com.a")));
+    EXPECT_EQ(console.finish(), 0u);
+    EXPECT_EQ(withoutTimes(console.screen()), listening + event);
+    EXPECT_EQ(data.read("trace.script"), script);
+
+    ChildProcess piped(program(), line, options);
+    EXPECT_EQ(piped.readErrorLine() + "\n", listening);
+    ASSERT_TRUE(RawPipe(connectWhenFree(kServer)).write(appDisplayedPacket("日本", "com.a")));
+    const ChildResult result = piped.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.err, listening);
+    EXPECT_EQ(withoutTimes(result.out), event);
+    EXPECT_EQ(data.read("trace.script"), script);
+}
+
+TEST_P(BridgectlConsoleTest, ARecordThatCannotBeWrittenIsAnError) {
+    data.makeFolder("日本");
+    expectError({"events", "--record", data / "日本", "--count", "1"}, 13,
+                {"cannot write " + data / "日本" + ": 13 XERR_ACCES"});
+}
+
+TEST_P(BridgectlConsoleTest, CompletionOffersTheSameWords) {
+    expectOutput({"complete", "--", "--client"},
+                 "Launcher\nInstaller\nLogCollector\nHelper\nUninstaller\n");
+    data.makeFolder("Engine");
+    data.makeFolder("Engine\\Nougat64");
+    data.makeFolder("Engine\\Nougat64\\AppCache");
+    data.write("Engine\\Nougat64\\AppCache\\AppCache.json", R"([{"package": "com.日本"}])");
+    expectOutput({"complete", "--", "uninstall", "Nougat64", "--"}, "com.日本\n");
+}
+
+TEST_P(BridgectlConsoleTest, TheCompletionScriptsAreTheSame) {
+    for (const char* shell : {"bash", "powershell"}) {
+        SCOPED_TRACE(shell);
+        const std::string script = output({"completion", shell});
+        ASSERT_GT(script.size(), 300u);
+        EXPECT_EQ(shown({"completion", shell}, 0), script);
+    }
+    expectError({"completion", "日本"}, 2,
+                {"SHELL: 日本 not in {bash,powershell}", "see bridgectl --help"});
 }
 
 TEST_P(BridgectlConsoleTest, TheDoctorHasItsProblemsInColour) {
