@@ -11,6 +11,7 @@
  * | header | what is in it |
  * |---|---|
  * | preflight.hpp | what the start would fail at; preflight.h is the same for C |
+ * | development.hpp | useFolders(): other folders than the registry's, for development |
  * | session.hpp | init(), finish() |
  * | result.hpp | Text, Status, TextResult, Result, Error |
  * | conf.hpp, conf_check.hpp | the configuration; KeyError |
@@ -32,6 +33,7 @@
 #include <bridge/callbacks.hpp>
 #include <bridge/conf.hpp>
 #include <bridge/conf_check.hpp>
+#include <bridge/development.hpp>
 #include <bridge/dispatch.hpp>
 #include <bridge/event.hpp>
 #include <bridge/event_queue.hpp>

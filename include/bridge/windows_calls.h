@@ -37,6 +37,17 @@ __declspec(dllimport) long __stdcall RegQueryValueExW(struct HKEY__* key, const 
                                                       unsigned long* reserved, unsigned long* type,
                                                       unsigned char* data, unsigned long* size);
 __declspec(dllimport) long __stdcall RegCloseKey(struct HKEY__* key);
+__declspec(dllimport) long __stdcall RegCreateKeyExW(struct HKEY__* key, const wchar_t* path,
+                                                     unsigned long reserved, wchar_t* keyClass,
+                                                     unsigned long options, unsigned long access,
+                                                     struct _SECURITY_ATTRIBUTES* attributes,
+                                                     struct HKEY__** created,
+                                                     unsigned long* disposition);
+__declspec(dllimport) long __stdcall RegSetValueExW(struct HKEY__* key, const wchar_t* name,
+                                                    unsigned long reserved, unsigned long type,
+                                                    const unsigned char* data, unsigned long size);
+__declspec(dllimport) long __stdcall RegDeleteTreeW(struct HKEY__* key, const wchar_t* path);
+__declspec(dllimport) long __stdcall RegOverridePredefKey(struct HKEY__* key, struct HKEY__* other);
 
 __declspec(dllimport) void* __stdcall CreateFileW(const wchar_t* path, unsigned long access,
                                                   unsigned long sharing,

@@ -1,0 +1,108 @@
+// Folders that a host of the C++ interface names itself, for development.
+#include <string>
+
+#include "PlainHost.h"
+#include "support/WindowsForTests.h"
+
+namespace {
+
+constexpr const char* kConf =
+    "vtr.instance.Nougat64.cpus=\"4\"\n"
+    "vtr.instance.Nougat64.display_name=\"Größe 日本\"\n"
+    "vtr.instance.Nougat64.ram=\"4096\"\n";
+
+class CppFoldersTest : public PlainHostTest {
+ protected:
+    CppFoldersTest() { writeConf(kConf); }
+
+    ChildProcess startHost(const std::string& scenario) const {
+        return {builtProgram("folders_cpp.exe"), {scenario, dataFolder, installFolder}};
+    }
+
+    // The lines of a host, without the "finished" that is expected.
+    static Lines linesUpToTheEnd(ChildProcess& host) {
+        const ChildResult result = host.finish();
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        Lines lines = linesOf(result.out);
+        EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
+        if (!lines.empty()) lines.pop_back();
+        return lines;
+    }
+
+    Lines played(const std::string& scenario) const {
+        ChildProcess host = startHost(scenario);
+        return linesUpToTheEnd(host);
+    }
+
+    Lines valuesWith(const std::string& install) const {
+        return {"below HKEY_LOCAL_MACHINE: SOFTWARE", install, data.path(),
+                std::string(kProductVersion)};
+    }
+
+    std::string dataFolder = data.path();
+    std::string installFolder = "C:\\None\\";
+};
+
+bool hasDevelopmentKey(DWORD process) {
+    const std::wstring path = L"Software\\QX-Bridge\\Development-" + std::to_wstring(process);
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+        return false;
+    }
+    ::RegCloseKey(key);
+    return true;
+}
+
+}  // namespace
+
+TEST_F(CppFoldersTest, TheProcessSeesOnlyTheFoldersAndTheVersion) {
+    EXPECT_EQ(played("values"), valuesWith("C:\\None\\"));
+}
+
+TEST_F(CppFoldersTest, AMissingBackslashIsAdded) {
+    installFolder = "C:\\Größe";
+    EXPECT_EQ(played("values"), valuesWith("C:\\Größe\\"));
+}
+
+TEST_F(CppFoldersTest, TheLibraryAndThePreflightCheckUseThem) {
+    EXPECT_EQ(played("instances"), Lines{"instance Nougat64 Größe 日本"});
+}
+
+TEST_F(CppFoldersTest, ALaterCallReplacesThem) {
+    EXPECT_EQ(played("twice"), valuesWith("C:\\None\\"));
+}
+
+TEST_F(CppFoldersTest, TheKeyIsDeletedWhenTheProcessExits) {
+    ChildProcess host = startHost("own-key");
+    const DWORD process = ::GetProcessId(host.handle());
+    EXPECT_EQ(linesUpToTheEnd(host), Lines{"key with SOFTWARE"});
+    EXPECT_FALSE(hasDevelopmentKey(process));
+}
+
+TEST_F(CppFoldersTest, ACallAfterTheStartIsRefused) {
+    const std::string refusal = "useFolders() must be called before init()";
+    EXPECT_EQ(played("after-the-start"), (Lines{refusal, refusal}));
+}
+
+TEST_F(CppFoldersTest, AnEmptyFolderIsRefused) {
+    installFolder = "";
+    EXPECT_EQ(played("refusal"), Lines{"installFolder must not be empty"});
+    dataFolder = "";
+    EXPECT_EQ(played("refusal"), Lines{"dataFolder must not be empty"});
+}
+
+TEST_F(CppFoldersTest, APathThatIsNotUtf8IsRefused) {
+    EXPECT_EQ(played("not-utf-8"), Lines{"installFolder is not valid UTF-8"});
+}
+
+TEST_F(CppFoldersTest, APathWithANulIsRefused) {
+    EXPECT_EQ(played("nul"), Lines{"dataFolder must not contain a NUL"});
+}
+
+TEST_F(CppFoldersTest, AWindowsErrorIsThrownAndLeavesLocalMachineAlone) {
+    EXPECT_EQ(played("without-a-user"),
+              (Lines{"1018 RegCreateKeyExW for "
+                     "HKEY_CURRENT_USER\\Software\\QX-Bridge\\Development-ID: Windows error 1018",
+                     "the machine's registry"}));
+}
