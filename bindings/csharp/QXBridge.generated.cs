@@ -31,22 +31,21 @@ namespace QXBridge
         AppInstalled,
         /// <summary>An app was uninstalled.</summary>
         AppUninstalled,
-        /// <summary>An APK file that was handed to an instance has been dealt with.</summary>
+        /// <summary>The installation of an APK file succeeded or failed.</summary>
         ApkInstallCompleted,
-        /// <summary>The list of instances changed; the configuration has been loaded again before
-        /// this call. The call also comes when that load failed, which the log says: after a
-        /// malformed line, bridgeConfGetInstances() lists only the instances of the lines before
-        /// it.</summary>
+        /// <summary>The list of instances changed, and the library has reloaded the configuration. If
+        /// the reload failed, the log has the error and the library calls the callback all the same.
+        /// After a malformed line, bridgeConfGetInstances() lists only the instances of the lines
+        /// before it.</summary>
         InstanceListUpdated,
-        /// <summary>Progress of an image installation.</summary>
+        /// <summary>An image installation made progress.</summary>
         InstallImageProgress,
-        /// <summary>A new instance was created, or could not be.</summary>
+        /// <summary>The creation of an instance succeeded or failed.</summary>
         CreateInstanceCompleted,
-        /// <summary>The configuration of an instance changed; it has been loaded again before this
-        /// call, and a failed load has the effect that bridgeOnInstanceListUpdated
-        /// describes.</summary>
+        /// <summary>The configuration of an instance changed, and the library has reloaded it.
+        /// bridgeOnInstanceListUpdated describes the effect of a failed reload.</summary>
         InstanceConfigurationChanged,
-        /// <summary>An app came to the front.</summary>
+        /// <summary>An app came to the foreground.</summary>
         AppDisplayed,
         /// <summary>The accounts of an instance changed.</summary>
         AccountListUpdated,
@@ -69,7 +68,7 @@ namespace QXBridge
         public string VersionName { get; internal set; }
         /// <summary>Icon file.</summary>
         public string IconFilePath { get; internal set; }
-        /// <summary>1 when the package was there before.</summary>
+        /// <summary>1 when an earlier version of the package was installed.</summary>
         public bool IsUpdate { get; internal set; }
         /// <summary>EventKind.AppInstalled.</summary>
         public override EventKind Kind { get { return EventKind.AppInstalled; } }
@@ -103,14 +102,14 @@ namespace QXBridge
         }
     }
 
-    /// <summary>An APK file that was handed to an instance has been dealt with.</summary>
+    /// <summary>The installation of an APK file succeeded or failed.</summary>
     public sealed class ApkInstallCompleted : BridgeEvent
     {
         /// <summary>Instance name.</summary>
         public string Instance { get; internal set; }
         /// <summary>The sender's status number.</summary>
         public int Status { get; internal set; }
-        /// <summary>The file.</summary>
+        /// <summary>The APK file.</summary>
         public string ApkFilePath { get; internal set; }
         /// <summary>EventKind.ApkInstallCompleted.</summary>
         public override EventKind Kind { get { return EventKind.ApkInstallCompleted; } }
@@ -124,9 +123,10 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The list of instances changed; the configuration has been loaded again before this call.
-    /// The call also comes when that load failed, which the log says: after a malformed line,
-    /// bridgeConfGetInstances() lists only the instances of the lines before it.</summary>
+    /// <summary>The list of instances changed, and the library has reloaded the configuration. If the
+    /// reload failed, the log has the error and the library calls the callback all the same. After a
+    /// malformed line, bridgeConfGetInstances() lists only the instances of the lines before
+    /// it.</summary>
     public sealed class InstanceListUpdated : BridgeEvent
     {
         /// <summary>EventKind.InstanceListUpdated.</summary>
@@ -141,13 +141,13 @@ namespace QXBridge
         }
     }
 
-    /// <summary>Progress of an image installation.</summary>
+    /// <summary>An image installation made progress.</summary>
     public sealed class InstallImageProgress : BridgeEvent
     {
         /// <summary>Name of the image.</summary>
         public string ImageName { get; internal set; }
-        /// <summary>The sender's status number; 2 is preceded by
-        /// bridgeOnInstanceListUpdated.</summary>
+        /// <summary>The sender's status number; bridgeOnInstanceListUpdated precedes status
+        /// 2.</summary>
         public int Status { get; internal set; }
         /// <summary>The sender's progress value.</summary>
         public double Progress { get; internal set; }
@@ -163,7 +163,7 @@ namespace QXBridge
         }
     }
 
-    /// <summary>A new instance was created, or could not be.</summary>
+    /// <summary>The creation of an instance succeeded or failed.</summary>
     public sealed class CreateInstanceCompleted : BridgeEvent
     {
         /// <summary>The sender's status number.</summary>
@@ -182,8 +182,8 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The configuration of an instance changed; it has been loaded again before this call, and
-    /// a failed load has the effect that bridgeOnInstanceListUpdated describes.</summary>
+    /// <summary>The configuration of an instance changed, and the library has reloaded it.
+    /// bridgeOnInstanceListUpdated describes the effect of a failed reload.</summary>
     public sealed class InstanceConfigurationChanged : BridgeEvent
     {
         /// <summary>Instance name.</summary>
@@ -200,7 +200,7 @@ namespace QXBridge
         }
     }
 
-    /// <summary>An app came to the front.</summary>
+    /// <summary>An app came to the foreground.</summary>
     public sealed class AppDisplayed : BridgeEvent
     {
         /// <summary>Instance name.</summary>
@@ -224,7 +224,7 @@ namespace QXBridge
     {
         /// <summary>Instance name.</summary>
         public string Instance { get; internal set; }
-        /// <summary>Account that was added or removed.</summary>
+        /// <summary>The account that was added or removed.</summary>
         public string EmailId { get; internal set; }
         /// <summary>The sender's action number.</summary>
         public int Action { get; internal set; }

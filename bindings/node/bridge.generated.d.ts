@@ -398,7 +398,7 @@ export interface AppInstalled {
     versionName: string;
     /** icon file */
     iconFilePath: string;
-    /** true when the package was there before */
+    /** true when an earlier version of the package was installed */
     isUpdate: boolean;
 }
 /** An app was uninstalled. */
@@ -408,39 +408,39 @@ export interface AppUninstalled {
     /** Android package name */
     package: string;
 }
-/** An APK file that was handed to an instance has been dealt with. */
+/** The installation of an APK file succeeded or failed. */
 export interface ApkInstallCompleted {
     /** instance name */
     instance: string;
     /** the sender's status number */
     status: number;
-    /** the file */
+    /** the APK file */
     apkFilePath: string;
 }
-/** The list of instances changed; the configuration has been loaded again before this call. */
+/** The list of instances changed, and the library has reloaded the configuration. */
 export interface InstanceListUpdated {}
-/** Progress of an image installation. */
+/** An image installation made progress. */
 export interface InstallImageProgress {
     /** name of the image */
     imageName: string;
-    /** the sender's status number; 2 is preceded by bridgeOnInstanceListUpdated */
+    /** the sender's status number; bridgeOnInstanceListUpdated precedes status 2 */
     status: number;
     /** the sender's progress value */
     progress: number;
 }
-/** A new instance was created, or could not be. */
+/** The creation of an instance succeeded or failed. */
 export interface CreateInstanceCompleted {
     /** the sender's status number */
     status: number;
     /** instance name */
     instance: string;
 }
-/** The configuration of an instance changed; it has been loaded again before this call, and a failed load has the effect that bridgeOnInstanceListUpdated describes. */
+/** The configuration of an instance changed, and the library has reloaded it. */
 export interface InstanceConfigurationChanged {
     /** instance name */
     instance: string;
 }
-/** An app came to the front. */
+/** An app came to the foreground. */
 export interface AppDisplayed {
     /** instance name */
     instance: string;
@@ -451,7 +451,7 @@ export interface AppDisplayed {
 export interface AccountListUpdated {
     /** instance name */
     instance: string;
-    /** account that was added or removed */
+    /** the account that was added or removed */
     emailId: string;
     /** the sender's action number */
     action: number;

@@ -1,51 +1,56 @@
 /**
  * @file bridge.h
- * @brief The C interface of QX-Bridge.dll: configuration, instances, apps, programs and events of
- *        a desktop product that runs Android instances.
+ * @brief The C interface of QX-Bridge.dll, which controls a desktop product that runs Android
+ *        instances: its configuration, instances, apps, programs and events.
  *
- * Conventions, for every function below:
+ * These conventions apply to every function below:
  *
- * 1.  Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. Nothing
- *     checks this, except that bridgeRegisterCallbacks() before the first or after the last starts
- *     nothing and logs an error.
- * 2.  Texts are NUL-terminated UTF-8. A text argument is read during the call only, with one
- *     exception: the client id of the initialisation is kept by pointer. A text that comes from
- *     the configuration, an app cache or an event is handed on as it is, and need not be UTF-8.
- * 3.  Ownership. A text that a function returns belongs to the caller, who gives it back to
- *     bridgeFreeMemory(). No other deallocator fits, whatever C runtime the host uses.
- * 4.  Results. Functions that return bridge_i32 answer 0 (BRIDGE_SUCCESS) or one of the codes
- *     below; a failure also leaves a line in the log.
- * 5.  Booleans are one byte, 0 or 1; any other value is read as 1.
- * 6.  Null. A null text is refused with a log line and BRIDGE_INVALID_ARGUMENT, 0, false or null;
- *     where null is welcome the parameter says so.
- * 7.  Threads. After the initialisation every function may be called from any thread, except
- *     bridgeApiInit(), bridgeApiInitEx() and bridgeApiFini(), during which no other call may run
- *     but those of the callback that bridgeApiFini() waits for. No function may be called from
- *     DllMain, or from the constructor or destructor of a static object of a DLL.
- * 8.  Fatal errors. A configuration key that does not exist, a read or write of the wrong type,
- *     and a stored number or boolean that cannot be read are programming errors: the library logs
- *     "FATAL: DEBUG BREAK: ..." and ends the process with status 0x80000003, which a runtime
- *     such as .NET's may change. So do a log that cannot be opened, the start of a program
- *     without "InstallDir" in the registry, an instance of an unknown image in a listing, an
- *     event of an impossible length, slot 3 without slot 4, and a machine-wide lock that cannot
- *     be waited for.
- * 9.  Callbacks run on the library's event thread, one after another, never on the host's thread.
- *     Their text arguments are never null, and valid during the call only. Inside one, every
- *     function works except bridgeApiFini(). An exception must not leave a callback.
- * 10. Waiting. Reads and writes of the configuration and the listing of instances never wait for a
- *     disk, another program, the log or a callback, whatever other threads do meanwhile: a thread
- *     that draws a window may call them. The initialisation, a commit, a listing of apps and the
- *     two events that load the configuration again wait, without limit, for programs that have
- *     the same file's lock; after a second a warning in the log says so. A request to a program
- *     (bridgePlrShutdown(), bridgeShutdown()) takes up to a minute, for each program, when that
- *     one is hung.
- * 11. No C++ exception leaves a function; one that reaches the boundary is logged and becomes
- *     BRIDGE_FAILURE, 0, false or null.
+ * 1.  Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. The library
+ *     checks this in one place only: bridgeRegisterCallbacks() before the initialisation or after
+ *     bridgeApiFini() starts nothing and logs an error.
+ * 2.  Encoding. Strings are NUL-terminated UTF-8. Strings from the configuration, an app cache or
+ *     an event are passed on unchanged and may be invalid UTF-8.
+ * 3.  Ownership. The caller owns every string that a function returns and frees it with
+ *     bridgeFreeMemory(). No other deallocator works, whatever C runtime the host uses. The library
+ *     reads string arguments only during the call. The client id is the exception: the
+ *     initialisation keeps the pointer.
+ * 4.  Errors. A function that returns a status returns BRIDGE_SUCCESS (0) or another result code,
+ *     listed below. Every failure also writes a line to the log.
+ * 5.  Booleans are one byte. The library returns 0 or 1 and reads every other value as 1.
+ * 6.  Null. A null string is an error unless the parameter's description allows it: the function
+ *     logs it and returns BRIDGE_INVALID_ARGUMENT, 0, false or null.
+ * 7.  Threads. After the initialisation, every function may be called from any thread. While
+ *     bridgeApiInit(), bridgeApiInitEx() or bridgeApiFini() runs, no other call may run, except
+ *     calls from the callback that bridgeApiFini() waits for. Do not call a function from DllMain,
+ *     or from the constructor or destructor of a static object in a DLL.
+ * 8.  Fatal errors. The library logs "FATAL: DEBUG BREAK: ..." and ends the process with status
+ *     0x80000003 on each of these errors. A runtime such as .NET's may change the status.
+ *     - a configuration key that does not exist
+ *     - a read or write of a key with the wrong type
+ *     - a stored number or boolean that cannot be parsed
+ *     - a log that cannot be opened
+ *     - a program to start while "InstallDir" is missing from the registry
+ *     - a listing that contains an instance of an unknown image
+ *     - an event with an impossible length
+ *     - a change of the list of instances while callback slot 3 is set and slot 4 is null
+ *     - a wait for a machine-wide lock that fails
+ * 9.  Callbacks run one at a time on the library's event thread, never on a thread of the host.
+ *     Their strings are never null and are valid only during the call. Copy them. A callback may
+ *     call every function except bridgeApiFini(). An exception must not leave a callback. A slow
+ *     callback delays the next one and blocks the senders.
+ * 10. Blocking. Reading and setting configuration keys and listing the instances never wait for a
+ *     disk, another program, the log or a callback, so a user interface thread may do both. The
+ *     initialisation, a commit, a listing of apps and the two events that reload the configuration
+ *     wait without limit while another program holds the lock of the same file. After a second, a
+ *     warning in the log reports the wait. bridgePlrShutdown() and bridgeShutdown() take up to a
+ *     minute for each program that does not respond.
+ * 11. Exceptions. No C++ exception leaves a function. An exception that reaches the boundary is
+ *     logged and becomes BRIDGE_FAILURE, 0, false or null.
  */
 #ifndef BRIDGE_BRIDGE_H
 #define BRIDGE_BRIDGE_H
 
-/** @name Version of this interface and of the library that goes with it */
+/** @name Version of this interface and of its library */
 /**@{*/
 #define BRIDGE_VERSION_MAJOR 5
 #define BRIDGE_VERSION_MINOR 2
@@ -54,7 +59,7 @@
 #define BRIDGE_VERSION_TEXT "5.2.0.1052"
 /**@}*/
 
-/** Calling convention of every function and callback; on x64 Windows, that of plain functions. */
+/** Calling convention of every function and callback. On x64 Windows it is the default. */
 #if defined(_WIN32)
 #define BRIDGE_CALL __cdecl
 #else
@@ -62,9 +67,9 @@
 #endif
 
 /**
- * Linkage of the functions. Define BRIDGE_DLLIMPORT before including this header to call through
- * the import table directly; without it the header also serves hosts that use LoadLibrary, and
- * linking against an import library works either way.
+ * Linkage of the functions. Define BRIDGE_DLLIMPORT before including this header to call directly
+ * through the import table. It is optional with an import library. Hosts that use LoadLibrary leave
+ * it undefined.
  */
 #if defined(BRIDGE_DLLIMPORT) && defined(_WIN32)
 #define BRIDGE_API __declspec(dllimport)
@@ -76,8 +81,8 @@
 typedef int bridge_i32;
 
 /**
- * Signed 64-bit integer. C89 has none: every compiler for x64 has it as an extension, which is
- * marked for those that warn of unmarked ones.
+ * Signed 64-bit integer. C89 has no such type, but every compiler for x64 has it as an extension.
+ * The mark keeps GCC and clang from warning about it.
  */
 #if defined(__GNUC__) || defined(__clang__)
 __extension__ typedef long long bridge_i64;
@@ -85,20 +90,20 @@ __extension__ typedef long long bridge_i64;
 typedef long long bridge_i64;
 #endif
 
-/** Boolean in one byte: 0 is false, anything else true; the library answers 0 or 1. */
+/** Boolean: 0 is false, every other value is true (convention 5). */
 typedef unsigned char bridge_bool;
 
 /** @name Result codes
- * The numbers 1 to 133 are those of Linux's errno; a Windows error without an equivalent arrives
- * as 100000 plus its number. These are the ones that the functions below name.
+ * Codes 1 to 133 are the errno values of Linux. A Windows error without an equivalent is returned
+ * as 100000 plus its number. The codes that the descriptions below mention have names.
  */
 /**@{*/
 #define BRIDGE_SUCCESS 0
-#define BRIDGE_FAILURE (-1)        /**< Generic failure; the log has the cause. */
+#define BRIDGE_FAILURE (-1)        /**< Unspecified failure. The log has the cause. */
 #define BRIDGE_NO_ENTRY 2          /**< A file or folder does not exist. */
 #define BRIDGE_TOO_BIG 7           /**< A configuration line is 4096 bytes or longer. */
-#define BRIDGE_ACCESS 13           /**< Access to a file was denied. */
-#define BRIDGE_INVALID_ARGUMENT 22 /**< An argument was refused. */
+#define BRIDGE_ACCESS 13           /**< Access to a file is denied. */
+#define BRIDGE_INVALID_ARGUMENT 22 /**< An argument is invalid. */
 /**@}*/
 
 #ifdef __cplusplus
@@ -106,7 +111,7 @@ extern "C" {
 #endif
 
 /** @name Callbacks
- * Each may be null, which means "do not call me". They run on the event thread (convention 9).
+ * They run on the event thread (convention 9). A null callback is not called.
  */
 /**@{*/
 
@@ -119,7 +124,7 @@ extern "C" {
  * @param versionCode  version code of the package
  * @param versionName  version name of the package
  * @param iconFilePath icon file
- * @param isUpdate     1 when the package was there before
+ * @param isUpdate     1 when an earlier version of the package was installed
  */
 typedef void(BRIDGE_CALL* bridgeOnAppInstalled)(const char* instance, const char* package,
                                                 const char* activity, const char* appLabel,
@@ -134,46 +139,46 @@ typedef void(BRIDGE_CALL* bridgeOnAppInstalled)(const char* instance, const char
 typedef void(BRIDGE_CALL* bridgeOnAppUninstalled)(const char* instance, const char* package);
 
 /**
- * An APK file that was handed to an instance has been dealt with.
+ * The installation of an APK file succeeded or failed.
  * @param instance    instance name
  * @param status      the sender's status number
- * @param apkFilePath the file
+ * @param apkFilePath the APK file
  */
 typedef void(BRIDGE_CALL* bridgeOnApkInstallCompleted)(const char* instance, bridge_i32 status,
                                                        const char* apkFilePath);
 
 /**
- * The list of instances changed; the configuration has been loaded again before this call. The call
- * also comes when that load failed, which the log says: after a malformed line,
- * bridgeConfGetInstances() lists only the instances of the lines before it.
+ * The list of instances changed, and the library has reloaded the configuration. If the reload
+ * failed, the log has the error and the library calls the callback all the same. After a malformed
+ * line, bridgeConfGetInstances() lists only the instances of the lines before it.
  */
 typedef void(BRIDGE_CALL* bridgeOnInstanceListUpdated)(void);
 
 /**
- * Progress of an image installation.
+ * An image installation made progress.
  * @param imageName name of the image
- * @param status    the sender's status number; 2 is preceded by bridgeOnInstanceListUpdated
+ * @param status    the sender's status number; bridgeOnInstanceListUpdated precedes status 2
  * @param progress  the sender's progress value
  */
 typedef void(BRIDGE_CALL* bridgeInstallImageProgress)(const char* imageName, bridge_i32 status,
                                                       double progress);
 
 /**
- * A new instance was created, or could not be.
+ * The creation of an instance succeeded or failed.
  * @param status   the sender's status number
  * @param instance instance name
  */
 typedef void(BRIDGE_CALL* bridgeOnCreateInstanceCompleted)(bridge_i32 status, const char* instance);
 
 /**
- * The configuration of an instance changed; it has been loaded again before this call, and a
- * failed load has the effect that bridgeOnInstanceListUpdated describes.
+ * The configuration of an instance changed, and the library has reloaded it.
+ * bridgeOnInstanceListUpdated describes the effect of a failed reload.
  * @param instance instance name
  */
 typedef void(BRIDGE_CALL* bridgeOnInstanceConfigurationChanged)(const char* instance);
 
 /**
- * An app came to the front.
+ * An app came to the foreground.
  * @param instance instance name
  * @param package  Android package name
  */
@@ -182,7 +187,7 @@ typedef void(BRIDGE_CALL* bridgeOnAppDisplayed)(const char* instance, const char
 /**
  * The accounts of an instance changed.
  * @param instance instance name
- * @param emailId  account that was added or removed
+ * @param emailId  the account that was added or removed
  * @param action   the sender's action number
  */
 typedef void(BRIDGE_CALL* bridgeOnAccountListUpdated)(const char* instance, const char* emailId,
@@ -193,7 +198,7 @@ typedef void(BRIDGE_CALL* bridgeOnAccountListUpdated)(const char* instance, cons
 /**@{*/
 
 /**
- * Initialises the library with the product's configuration file and log: the same as
+ * Initialises the library with the product's configuration file and log. Equivalent to
  * bridgeApiInitEx(clientId, 0, 0, NULL).
  * @param clientId as for bridgeApiInitEx()
  * @return as for bridgeApiInitEx()
@@ -201,86 +206,86 @@ typedef void(BRIDGE_CALL* bridgeOnAccountListUpdated)(const char* instance, cons
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInit(const char* clientId);
 
 /**
- * Initialises the library: checks the client, starts the log and loads the configuration.
+ * Initialises the library: checks the client id, opens the log and loads the configuration.
  *
- * May be called again, which runs every step once more. Makes UTF-8 the encoding of the C runtime
- * that the process shares (ucrtbase), with the user's locale: a host that uses this runtime opens
- * narrow file names as UTF-8 from then on, and may print a decimal comma.
+ * A further call repeats every step. The call sets the locale of the C runtime that the process
+ * shares (ucrtbase) to the user's locale with UTF-8. If the host uses this runtime, it then opens
+ * narrow file names as UTF-8 and may print a decimal comma.
  * @param clientId    "Launcher", "Installer", "LogCollector", "Helper" or "Uninstaller". The
- *                    pointer is kept: the text must live as long as the library.
- * @param noConfFile  1 starts with the catalogue's defaults and without a configuration file
+ *                    library keeps the pointer, which must stay valid until it is unloaded.
+ * @param noConfFile  1: start with the default values and without a configuration file
  * @param reserved    ignored; pass 0
- * @param logFilePath file to log into, or null for the product's own log. Its folder must exist
- *                    when only "/" separates it; a log that cannot be opened is fatal. An empty
- *                    text keeps the log where it is: at first, standard output.
- * @return 0; 22 for an unknown client id; -1 when the launcher meets another product version, the
- *         configuration file is missing or malformed (what was read stays usable), the machine-wide
- *         lock of that file cannot be made (nothing was read), or an exception reached the boundary
+ * @param logFilePath log file. Null: the product's own log. An empty string: the log stays where
+ *                    it is, which is standard output at first. Missing folders are created up to
+ *                    the last backslash. A log that cannot be opened is fatal.
+ * @return 0 on success. 22 for an unknown client id. -1 when the client is "Launcher" and the
+ *         product has another version, when the configuration file is missing or malformed (the
+ *         values before the error stay usable), when the machine-wide lock of the file cannot be
+ *         created (no value is read), or after an exception
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_bool noConfFile,
                                                   bridge_i64 reserved, const char* logFilePath);
 
 /**
- * Stops the event server, if there is one, and waits for its thread and the callback that runs.
- * Does not commit pending changes. Call it last; inside a callback it stops nothing and logs an
- * error. Without it a host ends cleanly too, but cannot unload the library. Not needed after an
- * initialisation that failed. Qt's two DLLs stay loaded once an event or a request was dealt with.
- * Call FreeLibrary() only after this function has returned: a host that drops its last reference
- * earlier has the library unloaded while this function still runs in it.
+ * Stops the event server, if it runs, and waits for its thread and for a running callback.
+ *
+ * Call it last. Inside a callback it stops nothing and logs an error. It does not commit staged
+ * changes. It is not needed after a failed initialisation. A host that does not call it still ends
+ * cleanly, but cannot unload the library. Call FreeLibrary() only after this function has returned.
+ * An earlier call can unload the library while the function still runs. Qt's two DLLs stay loaded
+ * once the library has handled an event or sent a request.
  * @return 0
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);
 /**@}*/
 
 /** @name Configuration
- * Keys are full keys: "vtr.<name>" for a global property, "vtr.instance.<instance>.<name>" for a
- * property of one instance. A key that the catalogue does not know, or one of another type than
- * the function's, is fatal (convention 8). Set functions stage a change in memory; reads see it
- * at once, the file only after a commit.
+ * A full key is "vtr.<name>" for a global property or "vtr.instance.<instance>.<name>" for a
+ * property of one instance. A key that is not in the catalogue of keys, or that has another type
+ * than the function, is fatal (convention 8). Set functions stage a change in memory. Reads see it
+ * immediately. The file gets it with the next commit.
  */
 /**@{*/
 
 /**
- * Reads a boolean property. A property without a value is fatal: one of the four that have no
- * default, before it is set, and any of an instance that this process has not loaded yet, such as
- * one that another program has created since the last load.
+ * Reads a boolean property. A property without a value is fatal. Four properties have no default
+ * value. An instance that another program has created since the last load has no values at all.
  * @param key full key
- * @return its value
+ * @return the value
  */
 BRIDGE_API bridge_bool BRIDGE_CALL bridgeConfGetBool(const char* key);
 
 /**
- * Reads a 32-bit integer property; one without a value reads as 0, one beyond 32 bits as the
- * nearest number.
+ * Reads a 32-bit integer property.
  * @param key full key
- * @return its value
+ * @return the value; 0 when the property has none. A stored number beyond 32 bits is clamped.
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfGetI32(const char* key);
 
 /**
- * Reads a 64-bit integer property. The present catalogue has none, so that every key is fatal.
+ * Reads a 64-bit integer property. The current catalogue has none, so every key is fatal.
  * @param key full key
- * @return its value
+ * @return the value
  */
 BRIDGE_API bridge_i64 BRIDGE_CALL bridgeConfGetI64(const char* key);
 
 /**
  * Reads a string property.
  * @param key full key
- * @return a new text for bridgeFreeMemory(); null only after a failure that was logged
+ * @return the string; free it with bridgeFreeMemory(). Null only after a failure, which is logged.
  */
 BRIDGE_API char* BRIDGE_CALL bridgeConfGetString(const char* key);
 
 /**
- * Reads a multi-string property in its stored form: elements joined by ",".
+ * Reads a multi-string property as one string: the elements, separated by ",".
  * @param key full key
- * @return a new text for bridgeFreeMemory(); null only after a failure that was logged
+ * @return the string; free it with bridgeFreeMemory(). Null only after a failure, which is logged.
  */
 BRIDGE_API char* BRIDGE_CALL bridgeConfGetMultiString(const char* key);
 
 /**
  * Stages a boolean.
- * @param key   full key; an instance that is not known yet becomes known, with its defaults
+ * @param key   full key; a new instance is added with its default values
  * @param value new value
  * @return 0; 22 when the key is null
  */
@@ -295,7 +300,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetBool(const char* key, bridge_bool
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetI32(const char* key, bridge_i32 value);
 
 /**
- * Stages a 64-bit integer. The present catalogue has none, so that every key is fatal.
+ * Stages a 64-bit integer. The current catalogue has none, so every key is fatal.
  * @param key   as for bridgeConfSetBool()
  * @param value new value
  * @return 0; 22 when the key is null
@@ -305,8 +310,9 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetI64(const char* key, bridge_i64 v
 /**
  * Stages a string.
  * @param key   as for bridgeConfSetBool()
- * @param value new value; a line feed in it, or a line of 4096 bytes or more, makes the commit
- *              fail, and where the file lacks the key every later one until the value is set again
+ * @param value new value. With a line feed in it, or a line of 4096 bytes or more, the commit
+ *              fails. If the file does not have the key, every later commit fails too, until the
+ *              key gets another value.
  * @return 0; 22 when an argument is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetString(const char* key, const char* value);
@@ -314,55 +320,54 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetString(const char* key, const cha
 /**
  * Stages a multi-string.
  * @param key   as for bridgeConfSetBool()
- * @param value elements joined by ","; limits as for bridgeConfSetString()
+ * @param value elements, separated by ","; the limits of bridgeConfSetString() apply
  * @return 0; 22 when an argument is null
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetMultiString(const char* key, const char* value);
 
 /**
- * Writes the staged changes to the configuration file, on top of what other programs committed
- * meanwhile. Without a staged change nothing is written.
- * @return 0; -1 when the file cannot be loaded again (the staged changes stay staged); 7 or 22
- *         when a line cannot be stored; else the code of the file operation that failed. The old
- *         file stays whole in every case.
+ * Writes the staged changes to the configuration file and keeps the changes that other programs
+ * have committed since the last load. Writes nothing when no change is staged.
+ * @return 0 on success. -1 when the file cannot be reloaded (the changes stay staged). 7 or 22 when
+ *         a line cannot be stored. Otherwise the code of the file operation that failed. After
+ *         a failure, the file is unchanged.
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommit(void);
 
 /**
- * Like bridgeConfCommit(), but always writes, and into a file of the caller's choice: the
- * product's configuration with the staged changes on top of it.
+ * Writes the product's configuration, with the staged changes, to another file. Always writes.
  *
- * Afterwards nothing is staged: a bridgeConfCommit() then has nothing to write. The configuration
- * file does not get these changes, except for keys that it lacks, which the next commit with a
- * change adds. Reads see the changes until the next load. For both files, call bridgeConfCommit()
- * first.
- * @param path file to write; missing folders are created, as far as "\" separates them
+ * Afterwards no change is staged, so a following bridgeConfCommit() writes nothing. The
+ * configuration file does not get these changes, except for keys that it does not have: the next
+ * commit that writes adds them. Reads see the changes until the next load. To write both files,
+ * call bridgeConfCommit() first.
+ * @param path file to write. Missing folders are created up to the last backslash.
  * @return as for bridgeConfCommit()
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommitToFile(const char* path);
 
 /**
- * Lists the instances as JSON: an array of objects with the texts "instance", "deviceProfile",
+ * Lists the instances as JSON: an array of objects with the strings "instance", "deviceProfile",
  * "graphicsEngine", "graphicsRenderer", "imageName", "displayName" and the numbers "ram" and
- * "cpu", ordered by instance name. An instance of an unknown image is fatal.
- * @return a new text for bridgeFreeMemory(); null only after a failure that was logged
+ * "cpu", sorted by instance name. An instance of an unknown image is fatal.
+ * @return the JSON; free it with bridgeFreeMemory(). Null only after a failure, which is logged.
  */
 BRIDGE_API char* BRIDGE_CALL bridgeConfGetInstances(void);
 
 /**
- * Frees a text that a function of this library returned.
- * @param memory such a text, or null, which does nothing
+ * Frees a string that a function of this library returned.
+ * @param memory the string; null does nothing
  */
 BRIDGE_API void BRIDGE_CALL bridgeFreeMemory(void* memory);
 /**@}*/
 
 /** @name Programs
- * Each starts the player or the multi-instance manager with a command line and returns as soon as
- * the process has been created; what becomes of the work arrives later, as events.
+ * All but the two shutdown functions start the player or the multi-instance manager with a command
+ * line. They return as soon as the process exists. The outcome arrives later as events.
  *
- * A program that Windows starts only elevated (its error 740) is started so: the call waits until
- * the user has consented, and answers 101223 when the user declines. Such a program runs with
- * another token and inherits none of the host's handles.
+ * If Windows requires elevation for the program (error 740), the call starts it elevated and waits
+ * for the user's consent. It returns 101223 when the user declines. An elevated program runs with
+ * another token and inherits no handles from the host.
  */
 /**@{*/
 
@@ -370,14 +375,14 @@ BRIDGE_API void BRIDGE_CALL bridgeFreeMemory(void* memory);
  * Launches an app.
  * @param instance instance name
  * @param package  Android package name
- * @return 0, or the code of the failed process creation
+ * @return 0, or the code of the failed start
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeLaunchApp(const char* instance, const char* package);
 
 /**
  * Opens an app's page in an app store.
  * @param instance instance name
- * @param store    the store
+ * @param store    name of the store, passed to the player
  * @param package  Android package name
  * @return as for bridgeLaunchApp()
  */
@@ -387,7 +392,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeLaunchAppStore(const char* instance, con
 /**
  * Opens a URL in an instance.
  * @param instance instance name
- * @param url      the URL
+ * @param url      URL
  * @return as for bridgeLaunchApp()
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeLaunchUrl(const char* instance, const char* url);
@@ -395,7 +400,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeLaunchUrl(const char* instance, const ch
 /**
  * Installs an APK file.
  * @param instance    instance name
- * @param apkFilePath the file
+ * @param apkFilePath path of the APK file
  * @return as for bridgeLaunchApp()
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeInstallApk(const char* instance, const char* apkFilePath);
@@ -416,7 +421,7 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeUninstallApp(const char* instance, const
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeInstallImage(const char* imageName);
 
 /**
- * Creates a new instance. All values are texts; numbers in decimal.
+ * Creates an instance. All values are strings, and numbers are decimal.
  * @param imageName        name of the image
  * @param cpu              number of processors
  * @param ram              memory in MiB
@@ -432,14 +437,14 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeCreateFreshInstance(const char* imageNam
                                                             const char* deviceProfile);
 
 /**
- * Asks the player of one instance to shut down; does not wait for it to end.
+ * Asks the player of one instance to shut down. Does not wait until it has ended.
  * @param instance instance name
- * @param flag     handed to the player unchanged
- * @return 0 when the request was handed to the connection, whether it arrived or not
+ * @param flag     passed to the player
+ * @return 0 when the request was sent, even if it did not arrive
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgePlrShutdown(const char* instance, bridge_bool flag);
 
-/** Asks the multi-instance manager and then the player of every known instance to shut down. */
+/** Asks the multi-instance manager and then the player of every listed instance to shut down. */
 BRIDGE_API void BRIDGE_CALL bridgeShutdown(void);
 /**@}*/
 
@@ -447,13 +452,15 @@ BRIDGE_API void BRIDGE_CALL bridgeShutdown(void);
 /**@{*/
 
 /**
- * Starts the event server, on the first call, and sets the callbacks; a later call replaces all
- * nine, from inside a callback too. Any of them may be null, but slots 3 and 4 go together:
- * bridgeOnInstanceListUpdated is called exactly when bridgeOnApkInstallCompleted is set, and a null
- * one ends the process then.
+ * Sets the callbacks. The first call also starts the event server.
  *
- * A server that cannot start is told by the log only: another process with the same client id has
- * its name. It is not tried again, nor after bridgeApiFini().
+ * A later call replaces all nine callbacks atomically, even from inside a callback. It does not
+ * wait for a running callback, so whatever that callback uses must stay valid. Any callback may be
+ * null, but set slots 3 and 4 together. The library calls bridgeOnInstanceListUpdated if and only
+ * if bridgeOnApkInstallCompleted is set. A null slot 4 is then fatal (convention 8).
+ *
+ * The event server fails to start when another process with the same client id owns its name. The
+ * failure appears only in the log. The library does not retry, not even after bridgeApiFini().
  * @param onAppInstalled                 slot 1
  * @param onAppUninstalled               slot 2
  * @param onApkInstallCompleted          slot 3
@@ -474,15 +481,17 @@ BRIDGE_API void BRIDGE_CALL bridgeRegisterCallbacks(
     bridgeOnAppDisplayed onAppDisplayed, bridgeOnAccountListUpdated onAccountListUpdated);
 
 /**
- * Lists the apps of an instance as JSON: an array of objects with the texts "package",
- * "activity", "appLabel", "versionName", "iconFilePath" and the number "versionCode", ordered by
- * package. Reads the instance's app cache, running or not; without one the array is empty. An icon
- * file need not exist. A cache that is no JSON array is deleted, and the array is empty. The array
- * is also empty, with an error in the log, while another program keeps the cache open for itself.
+ * Lists the apps of an instance as JSON: an array of objects with the strings "package",
+ * "activity", "appLabel", "versionName", "iconFilePath" and the number "versionCode", sorted by
+ * package. The icon file may be missing.
+ *
+ * The function reads the instance's app cache, whether or not the instance runs. The array is empty
+ * in three cases: there is no app cache; the cache is not a JSON array, and the library deletes it;
+ * another program has the cache open exclusively, and the log has an error.
  * @param instance instance name
- * @return a new text for bridgeFreeMemory(); null, after an error in the log, when the app cache
- *         cannot be opened, has an element that is no object, or an app with a value that is
- *         missing or of another type
+ * @return the JSON; free it with bridgeFreeMemory(). Null, with an error in the log, when the app
+ *         cache cannot be opened, when an element is not an object, or when an app has a value that
+ *         is missing or has the wrong type
  */
 BRIDGE_API char* BRIDGE_CALL bridgeGetInstalledApps(const char* instance);
 /**@}*/

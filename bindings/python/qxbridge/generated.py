@@ -123,7 +123,7 @@ class AppUninstalled(NamedTuple):
 
 
 class ApkInstallCompleted(NamedTuple):
-    """An APK file that was handed to an instance has been dealt with."""
+    """The installation of an APK file succeeded or failed."""
 
     instance: str
     status: int
@@ -135,7 +135,7 @@ class ApkInstallCompleted(NamedTuple):
 
 
 class InstanceListUpdated(NamedTuple):
-    """The list of instances changed."""
+    """The list of instances changed, and the library has reloaded the configuration."""
 
     @property
     def event(self) -> Literal["instance_list_updated"]:
@@ -143,7 +143,7 @@ class InstanceListUpdated(NamedTuple):
 
 
 class InstallImageProgress(NamedTuple):
-    """Progress of an image installation."""
+    """An image installation made progress."""
 
     image_name: str
     status: int
@@ -155,7 +155,7 @@ class InstallImageProgress(NamedTuple):
 
 
 class CreateInstanceCompleted(NamedTuple):
-    """A new instance was created, or could not be."""
+    """The creation of an instance succeeded or failed."""
 
     status: int
     instance: str
@@ -166,7 +166,7 @@ class CreateInstanceCompleted(NamedTuple):
 
 
 class InstanceConfigurationChanged(NamedTuple):
-    """The configuration of an instance changed."""
+    """The configuration of an instance changed, and the library has reloaded it."""
 
     instance: str
 
@@ -176,7 +176,7 @@ class InstanceConfigurationChanged(NamedTuple):
 
 
 class AppDisplayed(NamedTuple):
-    """An app came to the front."""
+    """An app came to the foreground."""
 
     instance: str
     package: str
