@@ -35,6 +35,7 @@ install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md" PATT
     PATTERN maintain-the-data.md EXCLUDE PATTERN package.md EXCLUDE PATTERN contributing EXCLUDE
     PATTERN performance.md EXCLUDE)
 install(FILES docs/package.md DESTINATION . RENAME README.md)
+install(FILES CHANGELOG.md DESTINATION .)
 foreach(folder examples bindings)
     if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}")
         install(DIRECTORY ${folder}/ DESTINATION share/${folder} PATTERN node_modules EXCLUDE

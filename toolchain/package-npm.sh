@@ -26,6 +26,7 @@ content="$work/package"
 rm -rf "$work"
 mkdir -p "$content"/{bin,licences} "$into"
 cp "$package"/share/bindings/node/{*.js,*.mjs,*.ts,*.mts,README.md,package.json} "$content"
+cp "$package/CHANGELOG.md" "$content"
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$content/bin"
 # Without those of what is in the programs.
 cp "$package"/share/licences/{README.md,*.txt} "$content/licences"

@@ -41,7 +41,7 @@ sed -e '/bridgectl/d' -e 's/inside the programs and every DLL/inside the Qt DLLs
     -e 's|`bin/|`runtimes/win-x64/native/|g' "$package/share/licences/README.md" >"$content/licences/README.md"
 cp "$tree/toolchain/nuget/QXBridge.targets" "$content/build"
 cp "$tree/toolchain/nuget/QXBridge.transitive.targets" "$content/buildTransitive/QXBridge.targets"
-cp "$tree/toolchain/nuget/README.md" "$content"
+cp "$tree/toolchain/nuget/README.md" "$package/CHANGELOG.md" "$content"
 sed "s/@VERSION@/$version/" "$tree/toolchain/nuget/QXBridge.nuspec" >"$content/QXBridge.nuspec"
 
 python3 "$tree/toolchain/nuget/pack.py" "$content" "$nupkg" "$(package_stamp)"

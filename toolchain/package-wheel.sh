@@ -20,6 +20,8 @@ cp -r "$package/share/licences" "$info/licenses"
 rm "$info"/licenses/{CLI11,nlohmann-json,Unicode}.txt
 sed -i '/`bin\/bridgectl/d; s#`bin/#`qxbridge/#g' "$info/licenses/README.md"
 
+cp "$package/CHANGELOG.md" "$info"
+
 cat >"$info/WHEEL" <<END
 Wheel-Version: 1.0
 Generator: qx-bridge ($version)

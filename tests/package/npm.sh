@@ -58,7 +58,7 @@ line=${line/PATH/$folder} line=${line/VERSION/$version}
 cp "$hosts"/* "$tree/tests/bindings/node/types/events.d.ts" "$project"
 
 package="$project/node_modules/qx-bridge"
-python3 - "$package" "$version" <<'END'
+python3 - "$package" "$version" "$root" <<'END'
 import json
 import pathlib
 import sys
@@ -72,6 +72,7 @@ packed = {file.relative_to(folder).parts[0] for file in folder.rglob("*")}
 assert packed - {"package.json"} == set(package["files"]), packed ^ set(package["files"])
 for name in ("QX-Bridge.dll", "Qt5Core.dll", "Qt5Network.dll"):
     assert (folder / "bin" / name).stat().st_size > 10000, name
+assert (folder / "CHANGELOG.md").read_bytes() == (pathlib.Path(sys.argv[3]) / "CHANGELOG.md").read_bytes()
 texts = {file.name for file in (folder / "licences").glob("*.txt")}
 told = (folder / "licences" / "README.md").read_text("utf-8")
 assert texts and all(f"`{name}`" in told for name in texts), texts

@@ -10,7 +10,7 @@ import unittest
 import xml.etree.ElementTree as tree
 import zipfile
 
-PARTS = """QXBridge.nuspec README.md [Content_Types].xml _rels/.rels build/QXBridge.targets
+PARTS = """CHANGELOG.md QXBridge.nuspec README.md [Content_Types].xml _rels/.rels build/QXBridge.targets
 buildTransitive/QXBridge.targets lib/netstandard2.0/QXBridge.dll lib/netstandard2.0/QXBridge.pdb
 lib/netstandard2.0/QXBridge.xml licences/Apache-2.0.txt licences/LLVM-runtimes.txt licences/Qt-GPL-3.txt
 licences/Qt-LGPL-3.txt licences/Qt.txt licences/README.md licences/mingw-w64-runtime.txt
@@ -86,6 +86,9 @@ class NugetTest(unittest.TestCase):
             with self.subTest(name):
                 file = self.package / "bin" / posixpath.basename(name)
                 self.assertEqual(self.parts[name], file.read_bytes())
+
+    def test_the_changelog_is_that_of_the_other_package(self):
+        self.assertEqual(self.parts["CHANGELOG.md"], (self.package / "CHANGELOG.md").read_bytes())
 
     def test_a_framework_host_gets_exactly_the_native_files(self):
         group, = self.xml("build/QXBridge.targets").iter(MSBUILD + "ItemGroup")

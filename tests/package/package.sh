@@ -22,7 +22,7 @@ cd "$root"
 sha256sum --quiet -c SHA256SUMS
 diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
     <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || fail "a file without a checksum"
-for file in README.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
+for file in README.md CHANGELOG.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
     tools/{QX-Player,QX-MultiInstanceManager}.exe lib/pkgconfig/qx-bridge.pc include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
     share/doc/{getting-started,reference/{configuration-keys,codes},explanation/trust}.md share/doc/api/index.html \
@@ -36,6 +36,10 @@ done
 for header in "$tree"/include/bridge/*; do
     cmp "$header" "include/bridge/${header##*/}" || fail "missing: ${header##*/}"
 done
+# The changelog begins with the version of this package.
+newest=$(sed -n 's/^## //p' CHANGELOG.md | head -n 1)
+[ "$newest" = "$(project_version)" ] || fail "the changelog begins with \"$newest\", not $(project_version)"
+
 # The source of the Qt in it goes with it, whole.
 source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
 python3 -m zipfile -e "$source_zip" "$work/source"

@@ -126,6 +126,9 @@ class WheelTest(FolderTest):
         expected = [*modules, *(unpacked / "bin" / one for one in DLLS)]
         self.assertEqual(package, {f"qxbridge/{one.name}": digest(one.read_bytes()) for one in expected})
 
+    def test_it_has_the_changelog(self):
+        self.assertEqual(self.text("CHANGELOG.md"), (unpacked / "CHANGELOG.md").read_text("utf-8"))
+
     def test_it_has_the_licences_of_what_is_in_it(self):
         page = self.text("licenses/README.md")
         self.assertNotIn("bridgectl", page)
