@@ -1,6 +1,6 @@
 'use strict';
-// The Node binding in a real Node for Windows, over the real library. The library starts once per
-// process: the tests of this file follow each other, and what ends the process has its own script.
+// The Node binding in Node for Windows, over the real library. The library starts once per process, so the
+// tests depend on their order, and scripts.js has those that end the process.
 
 const assert = require('assert');
 const fs = require('fs');
@@ -17,16 +17,9 @@ const APPS = [
 host.write('Engine/Nougat64/AppCache/AppCache.json', JSON.stringify(APPS));
 const bridge = load(host.dll);
 
-// A failed call: which function, and which code.
-function failure(operation, code) {
-    return (error) => {
-        assert.ok(error instanceof BridgeError, String(error));
-        assert.deepStrictEqual([error.operation, error.code], [operation, code]);
-        return true;
-    };
-}
+const failure = (operation, code) => ({ constructor: BridgeError, operation, code });
 
-// The values that an event brings, in their order, as many as are asked for.
+// The next events of these names.
 function collect(names, count) {
     const seen = [];
     return new Promise((resolve) => {
@@ -238,42 +231,36 @@ test('the end comes once, and nothing is called after it', async () => {
 });
 
 test('programs that are there', () => {
-    const { status, output } = host.runScript('launch.js');
-    assert.deepStrictEqual([status, output], [0, 'displayed NodeTest com.größe\nfinished\n'], output);
+    host.plays('displayed NodeTest com.größe\nfinished\n', 'launch');
     const said = fs.readFileSync(host.output, 'utf8');
     assert.ok(said.includes('plrShutdownRpc(true)'), said);
 });
 
 test('iterations over events end with the library', () => {
-    const { status, output } = host.runScript('iterate.mjs');
-    assert.deepStrictEqual([status, output],
-        [0, 'displayed p\nclosed\nno more displayed\nno more uninstalled\nfinished\n'], output);
+    host.plays('displayed p\nclosed\nno more displayed\nno more uninstalled\nfinished\n', 'iterate');
 });
 
 test('the end while events arrive', () => {
-    const { status, output } = host.runScript('finish.js');
-    assert.deepStrictEqual([status, output], [0, 'finished, silent since\n'], output);
+    host.plays('finished, silent since\n', 'finish');
 });
 
 test('an exception of a listener is the host\'s, and the next event comes', () => {
-    const { status, output } = host.runScript('throws.js');
-    assert.deepStrictEqual([status, output], [0, 'uncaught: of the listener\nnext q\nfinished\n'], output);
+    host.plays('uncaught: of the listener\nnext q\nfinished\n', 'throws');
 });
 
 test('without a configuration file, and with a log of the host\'s', () => {
-    const { status, output } = host.runScript('no_file.js');
-    assert.deepStrictEqual([status, output], [0, '[]\nlogged\n'], output);
+    host.plays('[]\nlogged\n', 'noFile');
 });
 
 test('without listening, Node ends by itself; while listening it does not, unless told', () => {
-    assert.deepStrictEqual(host.runScript('unref.js'), { status: 0, output: 'no reason to stay\n' });
+    host.plays('no reason to stay\n', 'unref');
 });
 
 test('the library itself ends the process for a key that does not exist, or of another type', () => {
     const breaks = () => host.log().filter((line) => line.includes('FATAL: DEBUG BREAK: ')).length;
     for (const call of ['missing', 'otherType', 'getI64', 'setI64']) {
         const before = breaks();
-        const { status, output } = host.runScript('fatal.js', call);
+        const { status, output } = host.runScript('scripts.js', 'fatal', call);
         assert.deepStrictEqual([status, output.includes('still here')], [0x80000003, false], `${call} ${output}`);
         assert.strictEqual(breaks(), before + 1, call);
     }

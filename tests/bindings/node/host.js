@@ -1,5 +1,5 @@
 'use strict';
-// What the scripts of this folder share: the library, its data folder and the stand-ins.
+// The library, its data folder and the stand-ins, for the scripts of this folder.
 
 const assert = require('assert');
 const { spawn, spawnSync } = require('child_process');
@@ -8,6 +8,7 @@ const fs = require('fs');
 const koffi = require('koffi');
 const path = require('path');
 const { setTimeout: sleep } = require('timers/promises');
+const { load } = require('qx-bridge');
 const { setProduct } = require('./registry');
 const { data } = require('./sandbox');
 
@@ -16,13 +17,13 @@ const dll = path.join(build, 'bin', 'QX-Bridge.dll');
 const standins = path.join(build, 'standins');
 const output = path.join(data, 'standin.txt');
 
-// No other test is this client: local sockets are shared by everything that runs at the same time.
+// No other test is this client: local sockets are shared by all processes.
 const CLIENT = 'Launcher';
 process.env.QX_STANDIN_CLIENTS = CLIENT;
 process.env.QX_STANDIN_OUTPUT = output;
 process.env.QX_STANDIN_SECONDS = '5';
 
-// Of listen(): a loaded machine takes its time.
+// For listen() on a busy machine.
 const PATIENT = { timeout: 60000 };
 
 function write(name, content) {
@@ -32,6 +33,14 @@ function write(name, content) {
     return file;
 }
 
+// Starts the library with this configuration.
+function start(conf = '', options = {}) {
+    write('vantrel.conf', conf);
+    const bridge = load(dll);
+    bridge.init(CLIENT, options);
+    return bridge;
+}
+
 const read = (name) => fs.readFileSync(path.join(data, name), 'utf8');
 
 // The messages of the product's log.
@@ -39,7 +48,7 @@ const log = () => read('Logs/Player.log').split(/\r?\n/);
 
 const waitForPipe = koffi.load('kernel32.dll').func('int32_t WaitNamedPipeW(str16 path, uint32_t milliseconds)');
 
-// Waits until there is something to connect to: the server's thread begins after listen().
+// Waits for the server's pipe: its thread begins after listen().
 async function served() {
     for (let i = 0; i < 6000 && !waitForPipe(`\\\\.\\pipe\\vtr_${CLIENT}_bridge_nvo`, 1); ++i) await sleep(5);
 }
@@ -63,7 +72,7 @@ function hasUserKey(name) {
     return true;
 }
 
-// Runs another script of this folder to its end, with a sandbox of its own.
+// Runs another script of this folder to its end, in a sandbox of its own.
 function runScript(name, ...words) {
     const file = path.join(data, `${name}.output`);
     const out = fs.openSync(file, 'w');
@@ -73,6 +82,12 @@ function runScript(name, ...words) {
     return { status: result.status, output: fs.readFileSync(file, 'utf8') };
 }
 
+// One of scripts.js, with the output that it has to have.
+function plays(expected, ...words) {
+    assert.deepStrictEqual(runScript('scripts.js', ...words), { status: 0, output: expected });
+}
+
 module.exports = {
-    CLIENT, PATIENT, data, dll, hasUserKey, log, output, read, runScript, send, served, setProduct, standins, write,
+    CLIENT, PATIENT, data, dll, hasUserKey, log, output, plays, read, runScript, send, served, setProduct, standins,
+    start, write,
 };

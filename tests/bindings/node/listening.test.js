@@ -1,17 +1,15 @@
 'use strict';
-// Listening, and what it is good for: streams and outcomes, with the stand-ins of the product's programs.
-// The library starts once per process: the tests follow each other.
+// Listening, streams of events and outcomes of work, with the stand-ins of the product's programs. The
+// library starts once per process, so the tests depend on their order.
 
 const assert = require('assert');
 const { once } = require('events');
 const { test } = require('node:test');
 const host = require('./host');
-const { load, BridgeUsageError, EventOverflow } = require('qx-bridge');
+const { BridgeUsageError, EventOverflow } = require('qx-bridge');
 
 host.setProduct('InstallDir', `${host.standins}\\`);
-host.write('vantrel.conf', 'vtr.instance.Nougat64.dpi="240"\n');
-const bridge = load(host.dll);
-bridge.init(host.CLIENT);
+const bridge = host.start('vtr.instance.Nougat64.dpi="240"\n');
 
 test('work has no outcome without listening', async () => {
     process.env.QX_STANDIN_CLIENTS = 'none';
@@ -31,8 +29,8 @@ test('listening is confirmed', async () => {
 
 test('a second process of the same client learns who has the events', () => {
     const refusal = `ListenError ${process.pid}: process ${process.pid} has the events of client "Launcher"\nno reason to stay\n`;
-    assert.deepStrictEqual(host.runScript('second.js'), { status: 0, output: `refused: ${refusal}` });
-    assert.deepStrictEqual(host.runScript('second.js', 'ignore'), { status: 0, output: `unhandled: ${refusal}` });
+    host.plays(`refused: ${refusal}`, 'second');
+    host.plays(`unhandled: ${refusal}`, 'second', 'ignore');
 });
 
 test('a stream of two events', async () => {
@@ -109,5 +107,5 @@ test('the end of the library ends streams and waits', async () => {
 });
 
 test('an end before the library listens is no error', () => {
-    assert.deepStrictEqual(host.runScript('hasty.js'), { status: 0, output: 'finished\n' });
+    host.plays('finished\n', 'hasty');
 });

@@ -1,5 +1,5 @@
 'use strict';
-// What is in the way of a start is found before the library is asked, and leaves nothing behind.
+// The preflight finds the problems of a start without calling the library, and creates nothing.
 
 const assert = require('assert');
 const fs = require('fs');
@@ -125,12 +125,9 @@ test('without a file and with a log of its own a host needs no data folder', () 
 test('init() says the same instead of ending the process', () => {
     const bridge = load(host.dll);
     fs.rmdirSync(logs);
-    assert.throws(() => bridge.init('Helper'), (error) => {
-        assert.ok(error instanceof PreflightError);
-        assert.deepStrictEqual(error.problems, [{ what: `the folder ${logs} does not exist`, remedy: 'create it: the log is written there' }]);
-        assert.strictEqual(error.message, `the folder ${logs} does not exist: create it: the log is written there`);
-        return true;
-    });
+    const [what, remedy] = [`the folder ${logs} does not exist`, 'create it: the log is written there'];
+    assert.throws(() => bridge.init('Helper'),
+        { constructor: PreflightError, problems: [{ what, remedy }], message: `${what}: ${remedy}` });
     assert.throws(() => bridge.instances(), /init\(\) comes first/);
     fs.mkdirSync(logs);
     bridge.init('Helper');
