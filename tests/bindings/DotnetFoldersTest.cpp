@@ -13,6 +13,11 @@ class DotnetFoldersTest : public DotnetTest {
                 "UserDefinedDir String|" + data.path(),
                 "Version String|" + std::string(kProductVersion)};
     }
+    Lines valuesWithoutInstall() const {
+        Lines values = valuesWith("");
+        values.erase(values.begin() + 1);
+        return values;
+    }
 };
 
 bool hasDevelopmentKey(DWORD process) {
@@ -28,56 +33,53 @@ bool hasDevelopmentKey(DWORD process) {
 }  // namespace
 
 TEST_F(DotnetFoldersTest, TheFoldersAndTheVersionAreAllThatTheProcessSees) {
-    EXPECT_EQ(played({"folders"}), valuesWith("C:\\None\\"));
+    EXPECT_EQ(played({"Folders"}), valuesWith("C:\\None\\"));
 }
 
 TEST_F(DotnetFoldersTest, AnInstallFolderGetsItsBackslash) {
     installFolder = "C:\\Größe";
-    EXPECT_EQ(played({"folders"}), valuesWith("C:\\Größe\\"));
+    EXPECT_EQ(played({"Folders"}), valuesWith("C:\\Größe\\"));
 }
 
 TEST_F(DotnetFoldersTest, AnEmptyFolderIsLeftOut) {
     installFolder = "";
-    Lines values = valuesWith("");
-    values.erase(values.begin() + 1);
-    EXPECT_EQ(played({"folders"}), values);
+    EXPECT_EQ(played({"Folders"}), valuesWithoutInstall());
 }
 
 TEST_F(DotnetFoldersTest, ASessionUsesThem) {
-    EXPECT_EQ(played({"folders of a session"}), Lines{"instance Nougat64 Größe 日本"});
+    EXPECT_EQ(played({"FoldersOfASession"}), Lines{"instance Nougat64 Größe 日本"});
 }
 
 TEST_F(DotnetFoldersTest, ALaterCallReplacesThem) {
-    EXPECT_EQ(played({"folders twice"}), valuesWith("C:\\None\\"));
+    EXPECT_EQ(played({"FoldersTwice"}), valuesWith("C:\\None\\"));
 }
 
 TEST_F(DotnetFoldersTest, ALaterCallLeavesNothingOfTheFirst) {
     installFolder = "";
-    Lines values = valuesWith("");
-    values.erase(values.begin() + 1);
-    EXPECT_EQ(played({"folders twice"}), values);
+    EXPECT_EQ(played({"FoldersTwice"}), valuesWithoutInstall());
 }
 
 TEST_F(DotnetFoldersTest, TheirKeyGoesAtTheEndOfTheProcess) {
-    ChildProcess host = startHost({"key of the folders"});
+    ChildProcess host = startHost({"KeyOfTheFolders"});
     const DWORD process = ::GetProcessId(host.handle());
     EXPECT_EQ(linesUpToTheEnd(host), Lines{"key with SOFTWARE"});
     EXPECT_FALSE(hasDevelopmentKey(process));
 }
 
 TEST_F(DotnetFoldersTest, TheyHaveToComeBeforeTheStart) {
-    const std::string refusal = "UseFolders() has to come before the start";
-    EXPECT_EQ(played({"folders after the start"}), (Lines{refusal, refusal}));
+    const std::string refusal =
+        "InvalidOperationException: UseFolders() has to come before the start";
+    EXPECT_EQ(played({"FoldersAfterTheStart"}), (Lines{refusal, refusal}));
 }
 
 TEST_F(DotnetFoldersTest, NullIsRefused) {
-    EXPECT_EQ(played({"no data folder"}), Lines{"null: dataFolder"});
-    EXPECT_EQ(played({"no install folder"}), Lines{"null: installFolder"});
+    EXPECT_EQ(played({"NullFolders"}),
+              (Lines{"ArgumentNullException: dataFolder", "ArgumentNullException: installFolder"}));
 }
 
 TEST_F(DotnetFoldersTest, AnErrorOfWindowsIsThrownAndHidesNothing) {
-    EXPECT_EQ(played({"folders without a user"}),
-              (Lines{"1018 RegCreateKeyExW for "
+    EXPECT_EQ(played({"FoldersWithoutAUser"}),
+              (Lines{"Win32Exception: 1018 RegCreateKeyExW for "
                      "HKEY_CURRENT_USER\\Software\\QX-Bridge\\Development-ID: Windows error 1018",
                      "version of Windows True"}));
 }

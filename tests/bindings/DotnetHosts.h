@@ -7,11 +7,11 @@
 
 #include "EveryEvent.h"
 
-// How a .NET host ends where a native one ends with kFatalStatus. The runtime hands the break on to
-// RaiseFailFastException, and Wine ends every process that calls this function with one status.
+// The status of a .NET host after a fatal break. The runtime passes the break to
+// RaiseFailFastException, after which Wine ends the process with this status.
 constexpr std::uint32_t kFatalStatusInDotnet = 0xC0000602;
 
-// The configuration of a test that writes no other.
+// The configuration, unless a test writes another.
 constexpr const char* kConf =
     "vtr.enable_adb_access=\"0\"\n"
     "vtr.instance.Nougat64.cpus=\"4\"\n"
@@ -44,7 +44,7 @@ class DotnetTest : public PlainHostTest {
         return ChildProcess(environment("QX_DOTNET"), all, standinOptions());
     }
 
-    // The lines of a host, up to the "finished" that is expected.
+    // The lines of a host before "finished", its last one.
     static Lines linesUpToTheEnd(ChildProcess& host) {
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, 0u);
@@ -60,7 +60,7 @@ class DotnetTest : public PlainHostTest {
         return linesUpToTheEnd(host);
     }
 
-    // A player that plays the script's events, as soon as the host listens.
+    // Starts a player that sends the script's events as soon as the host listens.
     ChildProcess startPlayer(ChildProcess& host, const std::string& script) const {
         data.write("standin.script", script);
         EXPECT_EQ(host.readLine(), "listening");
@@ -68,7 +68,7 @@ class DotnetTest : public PlainHostTest {
                             standinOptions());
     }
 
-    // What a host prints that is sent these events.
+    // The lines of a host that gets these events.
     Lines playedWithEvents(const Script& scenario, const std::string& script) const {
         ChildProcess host = startHost(scenario);
         const ChildProcess player = startPlayer(host, script);
@@ -86,12 +86,13 @@ class DotnetTest : public PlainHostTest {
             << log().back();
     }
 
-    // A host of Scenario.cs. The parts of a step are joined by tabs.
+    // A host of Scenario.cs. Tabs separate the words of a step.
     ChildProcess startSteps(const Script& steps, const std::string& folder) const {
         Script all{environment("QX_DOTNET_SCENARIO"), library, folder, installFolder};
         all.insert(all.end(), steps.begin(), steps.end());
         ChildOptions options = standinOptions();
-        options.environment.emplace_back("QX_STANDIN_SECONDS", "1");  // they hold the host's output
+        options.environment.emplace_back("QX_STANDIN_SECONDS",
+                                         "1");  // they keep the host's output open
         return ChildProcess(environment("QX_DOTNET"), all, options);
     }
 
@@ -99,15 +100,6 @@ class DotnetTest : public PlainHostTest {
         ChildProcess host = startSteps(steps, data.path());
         return linesUpToTheEnd(host);
     }
-
-    // With the stand-ins, which report that the work is done.
-    Lines playedWithStandins(const Script& steps) {
-        installFolder = standinProgram("");
-        data.write("standin.script", "");
-        return playedSteps(steps);
-    }
-
-    Lines preflight() const { return playedSteps({"preflight"}); }
 
     std::string library = builtProgram("QX-Bridge.dll");
     std::string installFolder = "C:\\None\\";

@@ -1,4 +1,4 @@
-// The C# binding in .NET for Windows: hosts over the real library, with the stand-ins.
+// The C# binding in .NET for Windows: hosts over the real library and the stand-ins.
 #include <string>
 
 #include "DotnetHosts.h"
@@ -38,17 +38,17 @@ TEST_F(DotnetTest, InstancesAndApps) {
     data.write("Engine\\Broken\\AppCache\\AppCache.json", "[3]");
     const std::string icon =
         withDoubledBackslashes(data.path() + "\\") + "Engine/Nougat64/AppCache/com.b.png";
-    EXPECT_EQ(played({"listings"}),
+    EXPECT_EQ(played({"Listings"}),
               with(kInstances, {"apps [", "    {", "        \"activity\": \"com.b.Main\",",
                                 "        \"appLabel\": \"日本\",",
                                 "        \"iconFilePath\": \"" + icon + "\",",
                                 "        \"package\": \"com.b\",", "        \"versionCode\": -2,",
                                 "        \"versionName\": \"2\"", "    }", "]", "", "no apps [",
-                                "]", "", "bridgeGetInstalledApps -1"}));
+                                "]", "", "BridgeException: bridgeGetInstalledApps -1"}));
 }
 
 TEST_F(DotnetTest, ChangesAreSeenAtOnceAndByTheFileAfterTheCommit) {
-    EXPECT_EQ(played({"settings"}), (Lines{"name Größe 日本", "dpi 240", "adb False", "folders a|b",
+    EXPECT_EQ(played({"Settings"}), (Lines{"name Größe 日本", "dpi 240", "adb False", "folders a|b",
                                            "name \"Ünï\" \\ 第二 😀", "dpi -2147483648", "adb True",
                                            "folders Bilder|Größe", "committed"}));
     const std::string text = data.read("vantrel.conf");
@@ -61,15 +61,16 @@ TEST_F(DotnetTest, ChangesAreSeenAtOnceAndByTheFileAfterTheCommit) {
 }
 
 TEST_F(DotnetTest, FailingCommitsThrowTheirCodesAndLeaveTheFile) {
-    EXPECT_EQ(played({"failing commits"}), (Lines{"bridgeConfCommit 22", "bridgeConfCommit 7",
-                                                  "bridgeConfCommitToFile 2", "committed"}));
+    const std::string thrown = "BridgeException: bridgeConfCommit";
+    EXPECT_EQ(played({"FailingCommits"}),
+              (Lines{thrown + " 22", thrown + " 7", thrown + "ToFile 2", "committed"}));
     EXPECT_EQ(data.read("vantrel.conf"), kConf);
     EXPECT_NE(data.read("Größe.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
 }
 
 TEST_F(DotnetTest, AConfigurationThatDoesNotLoadThrows) {
     writeConf("no line of a configuration\n");
-    const ChildResult result = startHost({"listings"}).finish();
+    const ChildResult result = startHost({"Listings"}).finish();
     EXPECT_EQ(result.status, 1u);
     EXPECT_EQ(result.out,
               "BridgeException: bridgeApiInit failed with -1 (XERR_FAILURE: it failed; the log has "
@@ -80,14 +81,14 @@ TEST_F(DotnetTest, AConfigurationThatDoesNotLoadThrows) {
 
 TEST_F(DotnetTest, ALibraryThatIsMissingThrows) {
     library = data / "QX-Bridge.dll";
-    const ChildResult result = startHost({"listings"}).finish();
+    const ChildResult result = startHost({"Listings"}).finish();
     EXPECT_EQ(result.status, 1u);
     EXPECT_EQ(result.out, "DllNotFoundException: " + library + ": error 126\n");
     EXPECT_EQ(result.err, "");
 }
 
 TEST_F(DotnetTest, WithoutTheFileAndWithALogOfItsOwn) {
-    EXPECT_EQ(played({"own log", data / "own ü.log"}), (Lines{"instances [", "]", ""}));
+    EXPECT_EQ(played({"OwnLog", data / "own ü.log"}), (Lines{"instances [", "]", ""}));
     EXPECT_EQ(logMessages(data.read("own ü.log")).size(), 3u);
     EXPECT_FALSE(data.has("Logs\\Player.log"));
 }
@@ -95,14 +96,14 @@ TEST_F(DotnetTest, WithoutTheFileAndWithALogOfItsOwn) {
 TEST_F(DotnetTest, ALogInFoldersThatTheLibraryMakesAndWithALongPath) {
     const std::string folder(120, 'x');
     const std::string log = data / (folder + "\\" + folder + "\\own.log");
-    EXPECT_EQ(played({"own log", log}), (Lines{"instances [", "]", ""}));
-    EXPECT_EQ(played({"own log", log}), (Lines{"instances [", "]", ""}));
+    EXPECT_EQ(played({"OwnLog", log}), (Lines{"instances [", "]", ""}));
+    EXPECT_EQ(played({"OwnLog", log}), (Lines{"instances [", "]", ""}));
 }
 
 TEST_F(DotnetTest, AProgramIsLaunchedReportsTheAppAndIsShutDown) {
     installFolder = standinProgram("");
     data.write("standin.script", "");
-    EXPECT_EQ(played({"programs"}), (Lines{"listening", "appDisplayed DotnetTest|com.größe"}));
+    EXPECT_EQ(played({"Programs"}), (Lines{"listening", "appDisplayed DotnetTest|com.größe"}));
     std::string said;
     for (int i = 0; i < 2000 && said.find("\nended: ") == std::string::npos; ++i) {
         ::Sleep(5);
@@ -115,52 +116,54 @@ TEST_F(DotnetTest, AProgramIsLaunchedReportsTheAppAndIsShutDown) {
 }
 
 TEST_F(DotnetTest, AProgramThatIsMissingThrows) {
-    EXPECT_EQ(played({"no program"}), Lines{"bridgeLaunchApp 2"});
+    EXPECT_EQ(played({"MissingProgram"}), Lines{"BridgeException: bridgeLaunchApp 2"});
 }
 
 TEST_F(DotnetTest, AllNineEventsArriveWithTheirValues) {
-    EXPECT_EQ(playedWithEvents({"nine events"}, everyEventScript()), everyLine());
+    EXPECT_EQ(playedWithEvents({"AllNineEvents"}, everyEventScript()), everyLine());
 }
 
 TEST_F(DotnetTest, WhatAHandlerThrowsIsReportedAndTheNextHandlerAndEventCome) {
-    EXPECT_EQ(playedWithEvents({"throwing handler"}, "event-flood 2 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"ThrowingHandler"}, "event-flood 2 app-displayed N p{n}\n"),
               (Lines{"failed: the host's own", "next handler p1", "next handler p2"}));
 }
 
 TEST_F(DotnetTest, CollectionsAmongEventsTakeNoHandlerAway) {
-    EXPECT_EQ(playedWithEvents({"collections", "1000"}, "event-flood 1000 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"Collections"}, "event-flood 1000 app-displayed N p{n}\n"),
               Lines{"in order 1000"});
 }
 
 TEST_F(DotnetTest, NoHandlerRunsAfterTheEndAmongEvents) {
-    EXPECT_EQ(playedWithEvents({"end among events"}, "event-flood 20000 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"EndAmongEvents"}, "event-flood 20000 app-displayed N p{n}\n"),
               Lines{"silent since the end"});
 }
 
 TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
-    EXPECT_EQ(
-        playedWithEvents({"second session"}, "event app-displayed N p\n"),
-        (Lines{"appDisplayed N|p", "while it runs: there is a session already: a process has one",
-               "after its end: the session has ended: the library starts once in a process"}));
+    EXPECT_EQ(playedWithEvents({"SecondSession"}, "event app-displayed N p\n"),
+              (Lines{"appDisplayed N|p",
+                     "while it runs: InvalidOperationException: there is a session already: a "
+                     "process has one",
+                     "after its end: InvalidOperationException: the session has ended: the library "
+                     "starts once in a process"}));
 }
 
 TEST_F(DotnetTest, ASecondListenerIsToldWhichProcessHasTheEvents) {
-    ChildProcess first = startHost({"stuck handler"});
+    ChildProcess first = startHost({"StuckHandler"});
     EXPECT_EQ(first.readLine(), "listening");
     const std::string id = std::to_string(::GetProcessId(first.handle()));
-    EXPECT_EQ(played({"second listener"}),
-              Lines{id + " process " + id + " has the events of client \"Uninstaller\""});
+    EXPECT_EQ(played({"SecondListener"}), Lines{"ListenException: " + id + " process " + id +
+                                                " has the events of client \"Uninstaller\""});
 }
 
 TEST_F(DotnetTest, DisposeInAHandlerIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(
-        playedWithEvents({"dispose in handler"}, "event-flood 2 app-displayed N p{n}\n"),
+        playedWithEvents({"DisposeInHandler"}, "event-flood 2 app-displayed N p{n}\n"),
         (Lines{"handler p1", "failed: Dispose() must not be called inside a handler", "handler p2",
                "failed: Dispose() must not be called inside a handler", "adb False"}));
 }
 
 TEST_F(DotnetTest, AHandlerEndsTheProcess) {
-    for (const char* scenario : {"exit in handler", "exit in handler during dispose"}) {
+    for (const char* scenario : {"ExitInHandler", "ExitInHandlerDuringDispose"}) {
         SCOPED_TRACE(scenario);
         ChildProcess host = startHost({scenario});
         const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
@@ -171,60 +174,61 @@ TEST_F(DotnetTest, AHandlerEndsTheProcess) {
 }
 
 TEST_F(DotnetTest, TheEndOfMainDoesNotWaitForAHandler) {
-    EXPECT_EQ(playedWithEvents({"stuck handler"}, "event app-displayed N p\n"), Lines{});
+    EXPECT_EQ(playedWithEvents({"StuckHandler"}, "event app-displayed N p\n"), Lines{});
 }
 
 TEST_F(DotnetTest, MainEndsAmongEvents) {
-    EXPECT_EQ(playedWithEvents({"among events"}, "event-flood 20000 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"MainEndsAmongEvents"}, "event-flood 20000 app-displayed N p{n}\n"),
               Lines{});
 }
 
 TEST_F(DotnetTest, ALibraryInTheCurrentFolderIsFoundByItsName) {
     ChildOptions options = standinOptions();
     options.folder = library.substr(0, library.find_last_of("\\/"));
-    const ChildResult result = runChild(
-        environment("QX_DOTNET"),
-        {environment("QX_DOTNET_HOST"), "QX-Bridge.dll", data.path(), installFolder, "no program"},
-        options);
+    const ChildResult result = runChild(environment("QX_DOTNET"),
+                                        {environment("QX_DOTNET_HOST"), "QX-Bridge.dll",
+                                         data.path(), installFolder, "MissingProgram"},
+                                        options);
     EXPECT_EQ(result.status, 0u);
-    EXPECT_EQ(result.out, "bridgeLaunchApp 2\nfinished\n");
+    EXPECT_EQ(result.out, "BridgeException: bridgeLaunchApp 2\nfinished\n");
     EXPECT_EQ(result.err, "");
 }
 
 TEST_F(DotnetTest, AWrongKeyThrowsAndTheHostLives) {
-    const std::string missing = "there is no key \"vtr.no_such_key\"";
-    EXPECT_EQ(playedWithEvents({"wrong keys"}, "event app-displayed N p\n"),
-              (Lines{"handler: " + missing, missing, "\"vtr.locale\" is a string, not an i32",
-                     "\"vtr.locale\" is a string, not an i64",
-                     "\"vtr.locale\" is a string, not an i64", "adb False"}));
+    const std::string missing = "KeyException: there is no key \"vtr.no_such_key\"";
+    const std::string wide = "KeyException: \"vtr.locale\" is a string, not an i64";
+    EXPECT_EQ(
+        playedWithEvents({"WrongKeys"}, "event app-displayed N p\n"),
+        (Lines{"handler: " + missing, missing,
+               "KeyException: \"vtr.locale\" is a string, not an i32", wide, wide, "adb False"}));
 }
 
 TEST_F(DotnetTest, AFatalErrorEndsTheProcess) {
     installFolder = "";
-    ChildProcess host = startHost({"fatal", "no install folder"});
+    ChildProcess host = startHost({"FatalLaunch"});
     expectFatal(host);
 }
 
 TEST_F(DotnetTest, AFatalErrorInAHandlerEndsTheProcess) {
     installFolder = "";
-    ChildProcess host = startHost({"fatal", "in a handler"});
+    ChildProcess host = startHost({"FatalLaunchInHandler"});
     const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
     expectFatal(host);
 }
 
 TEST_F(DotnetTest, ACommitGoesOnInsideWhileAnotherProgramHasTheFile) {
-    EXPECT_EQ(played({"commit inside"}),
+    EXPECT_EQ(played({"CommitInside"}),
               (Lines{"cancelled", "commit is inside and reads go on: de-DE", "committed"}));
     EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
 }
 
 TEST_F(DotnetTest, TheEndWaitsForACommitThatGoesOnInside) {
-    EXPECT_EQ(played({"end during a commit"}), (Lines{"end is waiting", "ended"}));
+    EXPECT_EQ(played({"EndDuringACommit"}), (Lines{"end is waiting", "ended"}));
     EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
 }
 
 TEST_F(DotnetTest, EventsAreAwaitedAndTheirContinuationMayEndTheSession) {
-    EXPECT_EQ(playedWithEvents({"awaiting"}, "event-flood 2 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"AwaitingAndEnding"}, "event-flood 2 app-displayed N p{n}\n"),
               (Lines{"displayed p1", "displayed p2", "instance Nougat64", "last end"}));
     EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"p2\"\n"), std::string::npos);
 }

@@ -1,5 +1,4 @@
-// The C# binding over a library that writes down how it was called. Every check counts; the first
-// that fails ends the test.
+// The C# binding over a library that records its calls.
 
 using System;
 using System.Collections.Generic;
@@ -10,23 +9,33 @@ using System.Threading;
 using System.Threading.Tasks;
 using QXBridge;
 
-static class CSharpTest
+// A process can start one session, which the tests share.
+class SessionTests
 {
-    const string Dpi = "vtr.instance.Nougat64.dpi";
+    internal const string Dpi = "vtr.instance.Nougat64.dpi";
 
-    static FakeMachine machine;
-    static DataFolder data;
+    internal static DataFolder data;
+    internal static FakeMachine machine;
+    internal static Session session;
 
-    static void Initialisation()
+    protected static Configuration conf
+    {
+        get { return session.Conf; }
+    }
+}
+
+class StartTests : SessionTests
+{
+    public static void AFailedStartThrows()
     {
         Check.fakeAnswer(22);
         Check.Throws<BridgeException>(
             "bridgeApiInit failed with 22 (XERR_INVAL: an argument was refused) for " +
-            data.ConfPath + "; the log " + data.Of("Logs", "Player.log") + " has the cause",
+            data.ConfPath + "; the log " + data.LogPath + " has the cause",
             () => new Session(Client.Launcher));
         Check.Throws<BridgeException>(
             "bridgeApiInitEx failed with 22 (XERR_INVAL: an argument was refused); " +
-            "the log " + data.Of("Logs", "Player.log") + " has the cause",
+            "the log " + data.LogPath + " has the cause",
             () => new Session(Client.LogCollector, true, null));
         Check.Fails("bridgeApiInitEx", 22, () => new Session(Client.Uninstaller, false, "ü.log"));
         Check.fakeAnswer(0);
@@ -34,19 +43,20 @@ static class CSharpTest
                      "bridgeApiInitEx Uninstaller 0 0 ü.log");
     }
 
-    // The first session that starts, and the only one.
-    static Session TheSession()
+    public static void OneSessionStarts()
     {
-        var session = new Session(Client.Helper);
+        session = new Session(Client.Helper);
         Check.CollectGarbage();
         Check.Equal("Helper", Check.Text(Check.fakeClient()));
         Check.Throws<InvalidOperationException>(() => new Session(Client.Launcher));
         Check.Throws<InvalidOperationException>(() => new Session(Client.Launcher, true, null));
         Check.Called("bridgeApiInit Helper");
-        return session;
     }
+}
 
-    static void Programs(Session session)
+class CallTests : SessionTests
+{
+    public static void Programs()
     {
         Action[] calls =
         {
@@ -115,7 +125,7 @@ static class CSharpTest
         return elements == null ? value.ToString() : string.Join(",", elements);
     }
 
-    static void CalledByItsMethod(Session session, string function)
+    static void CalledByItsMethod(string function)
     {
         string name;
         if (!Methods.TryGetValue(function, out name)) name = function.Substring("bridge".Length);
@@ -123,7 +133,7 @@ static class CSharpTest
         object target = session;
         if (!Methods.ContainsKey(function) && name.StartsWith("Conf"))
         {
-            target = session.Conf;
+            target = conf;
             name = name.Substring("Conf".Length);
         }
         MethodInfo method = target.GetType().GetMethod(name);
@@ -134,20 +144,20 @@ static class CSharpTest
         Check.Called(string.Join(" ", new[] { function }.Concat(shown)));
     }
 
-    static void EachFunctionByItsMethod(Session session)
+    public static void EachFunctionByItsMethod()
     {
         Type native = typeof(Session).Assembly.GetType("QXBridge.Native");
         int functions = 0;
         foreach (MethodInfo method in native.GetMethods(BindingFlags.NonPublic | BindingFlags.Static))
         {
             if (!method.Name.StartsWith("bridge")) continue;
-            CalledByItsMethod(session, method.Name);
+            CalledByItsMethod(method.Name);
             ++functions;
         }
         Check.Equal(true, functions > Methods.Count);
     }
 
-    static void Listings(Session session)
+    public static void Listings()
     {
         Check.Equal(true, session.InstancesJson().Contains("\"displayName\":\"Größe\""));
         Instance instance = session.Instances().Single();
@@ -165,63 +175,14 @@ static class CSharpTest
         Check.Fails("bridgeGetInstalledApps", -1, () => session.AppsJson("null"));
         Check.Called("bridgeGetInstalledApps ü", "bridgeGetInstalledApps null");
     }
+}
 
-    static void Events(Session session)
-    {
-        var seen = new List<string>();
-        session.AppInstalled += app => seen.Add(string.Join("|", app.Instance, app.Package, app.Activity,
-            app.AppLabel, app.VersionCode, app.VersionName, app.IconFilePath, app.IsUpdate));
-        session.AppUninstalled += (instance, package) => seen.Add(instance + "|" + package);
-        session.ApkInstallCompleted += (instance, status, file) =>
-            seen.Add(instance + "|" + status + "|" + file);
-        session.InstanceListUpdated += () => seen.Add("list");
-        session.InstallImageProgress += (image, status, progress) =>
-            seen.Add(image + "|" + status + "|" + (progress == 33.125 || progress == 0));
-        session.CreateInstanceCompleted += (status, instance) => seen.Add(status + "|" + instance);
-        session.InstanceConfigurationChanged += instance => seen.Add(instance);
-        session.AppDisplayed += (instance, package) =>
-            { throw new InvalidOperationException("the host's own"); };
-        session.AppDisplayed += (instance, package) => seen.Add(instance + "|" + package);
-        session.AccountListUpdated += (instance, email, action) =>
-            seen.Add(instance + "|" + email + "|" + action);
-        session.HandlerFailed += exception => seen.Add("failed: " + exception.Message);
-        session.HandlerFailed += exception => { throw exception; };
-        session.Listen();  // again: it changes nothing
-        session.ListenAsync().Wait();
-        Check.Called();
-        Check.CollectGarbage();
-        Check.fakeSend(1);
-        Check.Equal("Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|True\n" +
-              "Nougat64|com.größe\nNougat64|-1|C:\\П.apk\nlist\nNougat32|1|True\n-2|Nougat64_1\nNougat64\n" +
-              "failed: the host's own\nNougat64|😀\nNougat64|jürgen@example.com|2", string.Join("\n", seen));
-        seen.Clear();
-        Check.fakeSend(0);
-        Check.Equal("||||0|||False\n|\n|0|\nlist\n|0|True\n0|\n\nfailed: the host's own\n|\n||0",
-            string.Join("\n", seen));
-    }
-
-    // A handler may not wait for itself.
-    static void DisposeInHandler(Session session)
-    {
-        string thrown = "nothing";
-        AccountListUpdatedHandler dispose = (instance, email, action) =>
-        {
-            try { session.Dispose(); } catch (Exception exception) { thrown = exception.GetType().Name; }
-        };
-        session.AccountListUpdated += dispose;
-        Check.fakeReset();
-        Check.fakeSend(0);
-        session.AccountListUpdated -= dispose;
-        Check.Equal("InvalidOperationException", thrown);
-        session.Conf.Commit();
-        Check.Called("bridgeConfCommit");
-    }
-
-    // The end while another thread's events arrive.
-    static void End(Session session)
+class EndTests : SessionTests
+{
+    public static void TheEndWhileEventsArrive()
     {
         Check.fakeReset();
-        Action streamsAndWorkHaveEnded = EventTests.AtTheEnd(session);
+        Action streamsAndWorkHaveEnded = EventTests.AtTheEnd();
         int count = 0;
         session.AppDisplayed += (instance, package) => Interlocked.Increment(ref count);
         Check.fakeFlood();
@@ -233,12 +194,15 @@ static class CSharpTest
         session.Dispose();
         streamsAndWorkHaveEnded();
         Check.Throws<ObjectDisposedException>(() => session.InstancesJson());
-        Check.Throws<ObjectDisposedException>(() => session.Conf.Commit());
+        Check.Throws<ObjectDisposedException>(() => conf.Commit());
         Check.Throws<InvalidOperationException>(() => new Session(Client.Helper));
         Check.Called("bridgeApiFini");
         Check.Equal(0, Check.fakeLiveTexts());
     }
+}
 
+static class CSharpTest
+{
     // Leaves a session that listens. The handler here runs after the binding's own.
     static int EndOfTheProcess()
     {
@@ -257,33 +221,19 @@ static class CSharpTest
 
     static int Main(string[] arguments)
     {
-        data = new DataFolder(Dpi + "=\"240\"", "vtr.mute_all_instances=\"x\"");
-        using (data)
+        if (arguments.Length == 0) PreflightTests.Run();
+        Type[] classes =
         {
-            machine = new FakeMachine(data.Path);
+            typeof(PureTests), typeof(StartTests), typeof(ListeningTests), typeof(CallTests),
+            typeof(ConfigurationTests), typeof(EventTests), typeof(EndTests),
+        };
+        using (SessionTests.data = new DataFolder(SessionTests.Dpi + "=\"240\"", "vtr.mute_all_instances=\"x\""))
+        {
+            SessionTests.machine = new FakeMachine(SessionTests.data.Path);
             if (arguments.Length > 0) return EndOfTheProcess();
-            PureTests.Run();
-            PreflightTests.Run();
-            machine = new FakeMachine(data.Path);
-            Initialisation();
-            Play(TheSession());
+            foreach (Type tests in classes) Check.Run(tests);
         }
-        Console.WriteLine(Check.Count + " checks");
+        Console.WriteLine(Check.Tests + " tests, " + Check.Count + " checks");
         return 0;
-    }
-
-    static void Play(Session session)
-    {
-        ConfigurationTests.Run(session.Conf, data);
-        Listings(session);
-        EventTests.BeforeListening(session);
-        Programs(session);
-        EventTests.Listening(session, machine);
-        EachFunctionByItsMethod(session);
-        ConfigurationTests.RunWhileListening(session, data);
-        EventTests.Run(session);
-        Events(session);
-        DisposeInHandler(session);
-        End(session);
     }
 }

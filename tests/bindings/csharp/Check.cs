@@ -1,8 +1,11 @@
-// The vocabulary of the C# tests. Every check counts; the first that fails ends the test.
+// The vocabulary of the C# tests. A class of tests has a public static method for each. They run in the
+// order of the source, and the first check that fails ends the process.
 
 using System;
 using System.Collections.Generic;
 using System.IO;
+using System.Linq;
+using System.Reflection;
 using System.Runtime.InteropServices;
 using System.Text;
 using QXBridge;
@@ -17,7 +20,20 @@ static class Check
     [DllImport("QX-Bridge.dll")] internal static extern void fakeSend(int full);
     [DllImport("QX-Bridge.dll")] internal static extern void fakeFlood();
 
+    internal static int Tests { get; private set; }
     internal static int Count { get; private set; }
+
+    internal static void Run(Type tests, Action<Action> around = null)
+    {
+        const BindingFlags Own = BindingFlags.Public | BindingFlags.Static | BindingFlags.DeclaredOnly;
+        foreach (MethodInfo method in tests.GetMethods(Own).OrderBy(one => one.MetadataToken))
+        {
+            var test = (Action)Delegate.CreateDelegate(typeof(Action), method);
+            if (around == null) test();
+            else around(test);
+            ++Tests;
+        }
+    }
 
     internal static string Text(IntPtr memory)
     {
@@ -35,14 +51,14 @@ static class Check
         Environment.Exit(1);
     }
 
-    // The calls since the last time.
+    // The library's calls since the last check of them.
     internal static void Called(params string[] expected)
     {
         Equal(string.Join("\n", expected), Text(fakeCalls()).TrimEnd('\n'));
         fakeReset();
     }
 
-    static Exception ThrownBy(Action call)
+    internal static Exception ThrownBy(Action call)
     {
         try
         {
@@ -71,6 +87,12 @@ static class Check
         Equal(message, Throws<T>(call).Message);
     }
 
+    // Each call is refused for its key.
+    internal static void Refused(string message, params Action[] calls)
+    {
+        foreach (Action call in calls) Throws<KeyException>(message, call);
+    }
+
     internal static void Fails(string operation, int code, Action call)
     {
         var thrown = ThrownBy(call) as BridgeException;
@@ -88,7 +110,7 @@ static class Check
     }
 }
 
-/// <summary>A data folder of the test's own, which FakeMachine has in its registry.</summary>
+/// <summary>A data folder for FakeMachine's registry.</summary>
 sealed class DataFolder : IDisposable
 {
     internal readonly string Path = System.IO.Path.Combine(System.IO.Path.GetTempPath(),
@@ -108,6 +130,11 @@ sealed class DataFolder : IDisposable
     internal string ConfPath
     {
         get { return Of("vantrel.conf"); }
+    }
+
+    internal string LogPath
+    {
+        get { return Of("Logs", "Player.log"); }
     }
 
     internal void Write(params string[] confLines)

@@ -1,42 +1,18 @@
-// Reading, writing and committing by the C# binding, and what it refuses, over the library's stand-in.
+// Reading, writing and committing, and what is refused, over the stand-in of the library.
 
 using System;
 using QXBridge;
 
-static class ConfigurationTests
+class ConfigurationTests : SessionTests
 {
-    const string Dpi = "vtr.instance.Nougat64.dpi";
+    const string NotAnImage = "\"Pie64\" is not an image; there are Nougat32, Nougat64";
 
-    static DataFolder data;
-
-    internal static void Run(Configuration conf, DataFolder folder)
+    static void Unreadable<T>(string key, string value, Func<string, T> get)
     {
-        data = folder;
-        Reading(conf);
-        ValuesOfTheStartAreLookedAt(conf);
-        ReadingAnInstance(conf);
-        ReadingByKeys(conf);
-        Writing(conf);
-        WritingByKeys(conf);
-        FailingWrites(conf);
-        WrongKeysAreRefusedBeforeTheLibraryIsAsked(conf);
-        UnknownInstancesAreRefused(conf);
-        AnInstanceThatAnotherProgramCreatedIsKnown(conf);
-        AnInstanceThatIsAddedIsKnown(conf);
-        ImpossibleInstancesAreNotAdded(conf);
+        Check.Refused("\"" + key + "\" has a value that cannot be read: \"" + value + "\"", () => get(key));
     }
 
-    internal static void RunWhileListening(Session session, DataFolder folder)
-    {
-        data = folder;
-        AnInstanceIsLookedUpByWhatCanBeRead(session.Conf);
-        ValuesThatCannotBeReadAreRefused(session);
-        ACommitThatCannotLoadKeepsWhatIsStaged(session.Conf);
-        ListingsOfUnknownImagesAreRefused(session);
-        ACommitMayLoadAnUnknownImage(session);
-    }
-
-    static void Reading(Configuration conf)
+    public static void Reading()
     {
         Check.Equal(false, conf.GetBool("vtr.enable_adb_access"));
         Check.Equal(-2147483647, conf.GetI32("vtr.next_vm_id"));
@@ -49,7 +25,7 @@ static class ConfigurationTests
     }
 
     // An instance is looked up in the library once.
-    static void ReadingAnInstance(Configuration conf)
+    public static void ReadingAnInstance()
     {
         Check.Equal("Größe 日本 😀", conf.GetString("vtr.instance.Nougat64.display_name"));
         Check.Equal(-2147483647, conf.GetI32(Dpi));
@@ -57,24 +33,13 @@ static class ConfigurationTests
                      "bridgeConfGetI32 " + Dpi);
     }
 
-    static void ValuesOfTheStartAreLookedAt(Configuration conf)
+    public static void ValuesThatWereThereAtTheStartAreChecked()
     {
-        Check.Throws<KeyException>("\"vtr.mute_all_instances\" has a value that cannot be read: \"x\"",
-                                   () => conf.GetBool("vtr.mute_all_instances"));
+        Unreadable("vtr.mute_all_instances", "x", conf.GetBool);
         Check.Called();
     }
 
-    // A number that cannot be read is not asked for to see whether the instance is loaded.
-    static void AnInstanceIsLookedUpByWhatCanBeRead(Configuration conf)
-    {
-        data.Write("vtr.instance.Nougat64_8.dpi=\"abc\"", "vtr.instance.Nougat64_8.max_fps=\"abc\"");
-        Check.fakeSend(0);  // the library loads the file
-        conf.GetString("vtr.instance.Nougat64_8.display_name");
-        Check.Called("bridgeConfGetI32 vtr.instance.Nougat64_8.eco_mode_max_fps",
-                     "bridgeConfGetString vtr.instance.Nougat64_8.display_name");
-    }
-
-    static void ReadingByKeys(Configuration conf)
+    public static void ReadingByKeys()
     {
         bool adb = conf.Get(Keys.Global.EnableAdbAccess);
         int dpi = conf.Get(Keys.Instance("Nougat64").Dpi);
@@ -88,7 +53,7 @@ static class ConfigurationTests
         Check.Throws<ArgumentNullException>(() => conf.Set(null, true));
     }
 
-    static void Writing(Configuration conf)
+    public static void Writing()
     {
         conf.SetBool("vtr.enable_adb_access", true);
         conf.SetBool("vtr.enable_adb_access", false);
@@ -109,7 +74,7 @@ static class ConfigurationTests
                      "bridgeConfCommit", "bridgeConfCommitToFile C:\\ü.conf");
     }
 
-    static void WritingByKeys(Configuration conf)
+    public static void WritingByKeys()
     {
         conf.Set(Keys.Global.EnableAdbAccess, true);
         conf.Set(Keys.Instance("Nougat64").Dpi, 320);
@@ -120,14 +85,14 @@ static class ConfigurationTests
                      "bridgeConfSetMultiString vtr.shared_folders a,b");
     }
 
-    static void FailingWrites(Configuration conf)
+    public static void FailingWrites()
     {
         Check.fakeAnswer(7);
         Check.Fails("bridgeConfSetBool", 7, () => conf.SetBool("vtr.enable_adb_access", true));
         Check.Fails("bridgeConfSetI32", 7, () => conf.SetI32("vtr.next_vm_id", 1));
         Check.Fails("bridgeConfSetString", 7, () => conf.SetString("vtr.locale", ""));
         Check.Fails("bridgeConfSetMultiString", 7, () => conf.SetMultiString("vtr.shared_folders"));
-        string end = "; the log " + data.Of("Logs", "Player.log") + " has the cause";
+        string end = "; the log " + data.LogPath + " has the cause";
         Check.Throws<BridgeException>(
             "bridgeConfCommit failed with 7 (XERR_2BIG: too long) for " + data.ConfPath + end, conf.Commit);
         Check.Throws<BridgeException>("bridgeConfCommitToFile failed with 7 (XERR_2BIG: too long) for p" + end,
@@ -136,77 +101,76 @@ static class ConfigurationTests
         Check.fakeReset();
     }
 
-    static void WrongKeysAreRefusedBeforeTheLibraryIsAsked(Configuration conf)
+    public static void WrongKeysNeverReachTheLibrary()
     {
-        Check.Throws<KeyException>("there is no key \"vtr.locael\"; did you mean \"vtr.locale\"?",
-                                   () => conf.GetString("vtr.locael"));
-        Check.Throws<KeyException>("there is no key \"vtr.locael\"; did you mean \"vtr.locale\"?",
-                                   () => conf.SetString("vtr.locael", ""));
-        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not a bool", () => conf.GetBool(Dpi));
-        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not a bool", () => conf.SetBool(Dpi, true));
-        Check.Throws<KeyException>("\"vtr.locale\" is a string, not a multi-string",
-                                   () => conf.SetMultiString("vtr.locale", "a"));
-        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not an i64", () => conf.GetI64(Dpi));
-        Check.Throws<KeyException>("\"" + Dpi + "\" is an i32, not an i64", () => conf.SetI64(Dpi, 1));
+        Check.Refused("there is no key \"vtr.locael\"; did you mean \"vtr.locale\"?",
+                      () => conf.GetString("vtr.locael"), () => conf.SetString("vtr.locael", ""));
+        Check.Refused("\"" + Dpi + "\" is an i32, not a bool",
+                      () => conf.GetBool(Dpi), () => conf.SetBool(Dpi, true));
+        Check.Refused("\"" + Dpi + "\" is an i32, not an i64",
+                      () => conf.GetI64(Dpi), () => conf.SetI64(Dpi, 1));
+        Check.Refused("\"vtr.locale\" is a string, not a multi-string",
+                      () => conf.SetMultiString("vtr.locale", "a"));
         Check.Called();
     }
 
-    static void UnknownInstancesAreRefused(Configuration conf)
+    public static void UnknownInstancesAreRefused()
     {
-        const string Wrong = "there is no instance \"nougat64\"; did you mean \"Nougat64\"?";
-        Check.Throws<KeyException>(Wrong, () => conf.GetI32("vtr.instance.nougat64.dpi"));
-        Check.Throws<KeyException>(Wrong, () => conf.SetI32("vtr.instance.nougat64.dpi", 1));
-        Check.Throws<KeyException>(Wrong, () => conf.Set(Keys.Instance("nougat64").Dpi, 1));
-        Check.Throws<KeyException>("there is no instance \"\"", () => conf.GetI32("vtr.instance..dpi"));
+        Check.Refused("there is no instance \"nougat64\"; did you mean \"Nougat64\"?",
+                      () => conf.GetI32("vtr.instance.nougat64.dpi"),
+                      () => conf.SetI32("vtr.instance.nougat64.dpi", 1),
+                      () => conf.Set(Keys.Instance("nougat64").Dpi, 1));
+        Check.Refused("there is no instance \"\"", () => conf.GetI32("vtr.instance..dpi"));
         Check.Called();
     }
 
-    static void AnInstanceThatAnotherProgramCreatedIsKnown(Configuration conf)
+    public static void AnInstanceThatAnotherProgramCreatedIsKnown()
     {
         data.Write(Dpi + "=\"240\"", "vtr.instance.Nougat64_7.dpi=\"240\"");
         conf.SetI32("vtr.instance.Nougat64_7.dpi", 1);
         Check.Called("bridgeConfSetI32 vtr.instance.Nougat64_7.dpi 1");
     }
 
-    static void AnInstanceThatIsAddedIsKnown(Configuration conf)
+    public static void AnInstanceThatIsAddedIsKnown()
     {
-        Check.Throws<KeyException>("there is no instance \"Nougat32_new\"",
-                                   () => conf.SetI32("vtr.instance.Nougat32_new.dpi", 1));
+        Check.Refused("there is no instance \"Nougat32_new\"",
+                      () => conf.SetI32("vtr.instance.Nougat32_new.dpi", 1));
         conf.AddInstance("Nougat32_new");
         conf.SetI32("vtr.instance.Nougat32_new.dpi", 1);
         Check.Called("bridgeConfSetI32 vtr.instance.Nougat32_new.dpi 1");
     }
 
-    static void ImpossibleInstancesAreNotAdded(Configuration conf)
+    public static void ImpossibleInstancesAreNotAdded()
     {
-        Check.Throws<KeyException>("\"Pie64\" is not an image; there are Nougat32, Nougat64",
-                                   () => conf.AddInstance("Pie64"));
-        Check.Throws<KeyException>(
-            "\"Pie64\" is not an image; there are Nougat32, Nougat64",
-            () => conf.AddInstance("Pie64_1"));
+        Check.Refused(NotAnImage, () => conf.AddInstance("Pie64"), () => conf.AddInstance("Pie64_1"));
         foreach (string name in new[] { "", "Nougat64_a.b", "Nougat64_a=b", "Nougat64_a\nb", "Nougat64_\0" })
-            Check.Throws<KeyException>("\"" + name + "\" cannot be the name of an instance",
-                                       () => conf.AddInstance(name));
+            Check.Refused("\"" + name + "\" cannot be the name of an instance", () => conf.AddInstance(name));
         Check.Throws<ArgumentNullException>(() => conf.AddInstance(null));
         Check.Called();
     }
 
-    static void ValuesThatCannotBeReadAreRefused(Session session)
+    // A read of an unreadable number would end the process, so another key shows that the instance is loaded.
+    public static void AnInstanceIsLookedUpByAReadableNumber()
     {
-        Configuration conf = session.Conf;
-        Check.Throws<KeyException>("\"vtr.status.raw_mode\" has no value and no default",
-                                   () => conf.GetBool("vtr.status.raw_mode"));
+        data.Write("vtr.instance.Nougat64_8.dpi=\"abc\"", "vtr.instance.Nougat64_8.max_fps=\"abc\"");
+        Check.fakeSend(0);  // the library loads the file
+        conf.GetString("vtr.instance.Nougat64_8.display_name");
+        Check.Called("bridgeConfGetI32 vtr.instance.Nougat64_8.eco_mode_max_fps",
+                     "bridgeConfGetString vtr.instance.Nougat64_8.display_name");
+    }
+
+    public static void ValuesThatCannotBeReadAreRefused()
+    {
+        Check.Refused("\"vtr.status.raw_mode\" has no value and no default",
+                      () => conf.GetBool("vtr.status.raw_mode"));
         data.Write(Dpi + "=\"abc\"", "vtr.enable_adb_access=\"yes\"", "vtr.status.raw_mode=\"1\"",
                    "vtr.mute_all_instances=\"\"", "vtr.instance.Nougat64_7.dpi=\"240\"");
         Check.fakeSend(0);  // the library loads the file
-        Check.Throws<KeyException>("\"" + Dpi + "\" has a value that cannot be read: \"abc\"",
-                                   () => conf.GetI32(Dpi));
-        Check.Throws<KeyException>("\"vtr.enable_adb_access\" has a value that cannot be read: \"yes\"",
-                                   () => conf.GetBool("vtr.enable_adb_access"));
-        Check.Throws<KeyException>("\"vtr.mute_all_instances\" has a value that cannot be read: \"\"",
-                                   () => conf.GetBool("vtr.mute_all_instances"));
+        Unreadable(Dpi, "abc", conf.GetI32);
+        Unreadable("vtr.enable_adb_access", "yes", conf.GetBool);
+        Unreadable("vtr.mute_all_instances", "", conf.GetBool);
         Check.Called();
-        AnEmptyCommitLoadsNothing(conf);
+        AnEmptyCommitLoadsNothing();
         conf.GetBool("vtr.status.raw_mode");
         conf.SetI32(Dpi, 7);  // staged, which a read sees
         conf.GetI32(Dpi);
@@ -220,20 +184,19 @@ static class ConfigurationTests
     }
 
     // The library still has the value that cannot be read.
-    static void AnEmptyCommitLoadsNothing(Configuration conf)
+    static void AnEmptyCommitLoadsNothing()
     {
         conf.Commit();
         data.Write(Dpi + "=\"240\"");
         conf.SetString("vtr.guid", "g");
         conf.SetString("vtr.guid", "");  // the default
         conf.Commit();
-        Check.Throws<KeyException>("\"" + Dpi + "\" has a value that cannot be read: \"abc\"",
-                                   () => conf.GetI32(Dpi));
+        Unreadable(Dpi, "abc", conf.GetI32);
         Check.Called("bridgeConfCommit", "bridgeConfSetString vtr.guid g", "bridgeConfSetString vtr.guid ",
                      "bridgeConfCommit");
     }
 
-    static void ACommitThatCannotLoadKeepsWhatIsStaged(Configuration conf)
+    public static void ACommitThatCannotLoadKeepsWhatIsStaged()
     {
         data.Write(Dpi + "=\"240\"");
         conf.SetString("vtr.country", "de");
@@ -246,16 +209,14 @@ static class ConfigurationTests
         Check.fakeReset();
     }
 
-    static void ListingsOfUnknownImagesAreRefused(Session session)
+    public static void ListingsOfUnknownImagesAreRefused()
     {
-        const string Wrong = "\"Pie64\" is not an image; there are Nougat32, Nougat64";
         data.Write(Dpi + "=\"240\"", "vtr.instance.Pie64_1.dpi=\"240\"");
         session.InstancesJson();
         Check.Called("bridgeConfGetInstances");
         Check.fakeSend(0);  // the library loads the file
-        Check.Throws<KeyException>(Wrong, () => session.InstancesJson());
-        Check.Throws<KeyException>(Wrong, () => session.Instances());
-        Check.Throws<KeyException>(Wrong, () => GC.KeepAlive(session.InstancesAsync().Result));
+        Check.Refused(NotAnImage, () => session.InstancesJson(), () => session.Instances(),
+                      () => GC.KeepAlive(session.InstancesAsync().Result));
         Check.Called();
         data.Write(Dpi + "=\"240\"");
         Check.fakeSend(0);
@@ -263,18 +224,17 @@ static class ConfigurationTests
         Check.Called("bridgeConfGetInstances");
     }
 
-    // A commit loads the file; which one it met is not known.
-    static void ACommitMayLoadAnUnknownImage(Session session)
+    // A commit loads the file, but the binding cannot tell which content it found.
+    public static void ACommitMayLoadAnUnknownImage()
     {
-        const string Wrong = "\"Pie64\" is not an image; there are Nougat32, Nougat64";
         data.Write("vtr.instance.Pie64_1.dpi=\"240\"");
-        session.Conf.SetString("vtr.country", "fr");
-        session.Conf.Commit();
-        Check.Throws<KeyException>(Wrong, () => session.InstancesJson());
+        conf.SetString("vtr.country", "fr");
+        conf.Commit();
+        Check.Refused(NotAnImage, () => session.InstancesJson());
         data.Write(Dpi + "=\"240\"");
-        session.Conf.SetString("vtr.country", "de");
-        session.Conf.Commit();
-        Check.Throws<KeyException>(Wrong, () => session.InstancesJson());
+        conf.SetString("vtr.country", "de");
+        conf.Commit();
+        Check.Refused(NotAnImage, () => session.InstancesJson());
         Check.fakeSend(0);
         session.InstancesJson();
         Check.fakeReset();

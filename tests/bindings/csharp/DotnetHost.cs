@@ -1,10 +1,13 @@
 // A host of the C# binding over the real library, in .NET for Windows:
-//     dotnet_host.dll LIBRARY DATA-FOLDER INSTALL-FOLDER SCENARIO [ARGUMENT]
-// It prints what it meets, a line each. DotnetTest.cpp says what that has to be.
+//     dotnet_host.dll LIBRARY DATA-FOLDER INSTALL-FOLDER SCENARIO [LOG]
+// SCENARIO is a public method below. One with a parameter gets a session, which ends after it. The host
+// prints a line for each outcome, which DotnetTest.cpp expects, and "finished".
 
 using System;
-using System.Collections.Generic;
+using System.ComponentModel;
 using System.IO;
+using System.Linq;
+using System.Reflection;
 using System.Threading;
 using QXBridge;
 
@@ -18,6 +21,8 @@ static partial class DotnetHost
     static readonly TimeSpan Long = TimeSpan.FromSeconds(60); // the machine may be busy
     static readonly SemaphoreSlim Arrived = new SemaphoreSlim(0);
 
+    static string dataFolder, installFolder, logFile;
+
     static void Say(params object[] words)
     {
         lock (Output) Output.WriteLine(string.Join(" ", words));
@@ -28,17 +33,35 @@ static partial class DotnetHost
         Say(name, string.Join("|", fields));
     }
 
-    static void SayFailure(Action call)
+    // The type of the exception that a call throws, and its message or what matters more.
+    static string Refusal(Action call)
     {
         try
         {
             call();
-            Say("no failure");
+            return "no refusal";
         }
-        catch (BridgeException exception)
+        catch (OperationCanceledException)
         {
-            Say(exception.Operation, exception.Code);
+            return "cancelled";
         }
+        catch (Exception exception)
+        {
+            return exception.GetType().Name + ": " + Details(exception);
+        }
+    }
+
+    static string Details(Exception exception)
+    {
+        var failed = exception as BridgeException;
+        if (failed != null) return failed.Operation + " " + failed.Code;
+        var listening = exception as ListenException;
+        if (listening != null) return listening.ProcessId + " " + listening.Message;
+        var argument = exception as ArgumentNullException;
+        if (argument != null) return argument.ParamName;
+        var windows = exception as Win32Exception;
+        if (windows != null) return windows.NativeErrorCode + " " + windows.Message.Replace(OwnId, "ID");
+        return exception.Message;
     }
 
     static void CollectGarbage()
@@ -46,6 +69,12 @@ static partial class DotnetHost
         for (int n = 0; n < 1000; ++n) GC.KeepAlive(new byte[9 + n % 7]);
         GC.Collect();
         GC.WaitForPendingFinalizers();
+    }
+
+    static Session StartSession()
+    {
+        Sandbox.Use(dataFolder, installFolder);
+        return new Session(Self);
     }
 
     static void Listen(Session session)
@@ -62,12 +91,39 @@ static partial class DotnetHost
         }
     }
 
-    static void Listings(Session session)
+    static void ListenFor(Session session, int events)
+    {
+        Listen(session);
+        WaitForEvents(events);
+    }
+
+    // Listens until the handler has arrived, and returns a function that counts its calls.
+    static Func<int> ListenForAHundred(Session session)
+    {
+        int count = 0;
+        session.AppDisplayed += (instance, package) =>
+        {
+            if (Interlocked.Increment(ref count) == 100) Arrived.Release();
+        };
+        ListenFor(session, 1);
+        return () => Volatile.Read(ref count);
+    }
+
+    static void SayDisplayedApps(Session session)
+    {
+        session.AppDisplayed += (instance, package) =>
+        {
+            SayFields("appDisplayed", instance, package);
+            Arrived.Release();
+        };
+    }
+
+    public static void Listings(Session session)
     {
         Say("instances", session.InstancesJson());
         Say("apps", session.AppsJson("Nougat64"));
         Say("no apps", session.AppsJson("Nougat32"));
-        SayFailure(() => session.AppsJson("Broken"));
+        Say(Refusal(() => session.AppsJson("Broken")));
     }
 
     static void SayValues(Configuration conf)
@@ -78,8 +134,9 @@ static partial class DotnetHost
         Say("folders", string.Join("|", conf.GetMultiString("vtr.shared_folders")));
     }
 
-    static void Settings(Configuration conf)
+    public static void Settings(Session session)
     {
+        Configuration conf = session.Conf;
         SayValues(conf);
         conf.SetString("vtr.instance.Nougat64.display_name", "\"Ünï\" \\ 第二 😀");
         conf.SetI32("vtr.instance.Nougat64.dpi", int.MinValue);
@@ -90,19 +147,20 @@ static partial class DotnetHost
         Say("committed");
     }
 
-    static void FailingCommits(Configuration conf, string dataFolder)
+    public static void FailingCommits(Session session)
     {
+        Configuration conf = session.Conf;
         conf.SetString("vtr.locale", "two\nlines");
-        SayFailure(conf.Commit);
+        Say(Refusal(conf.Commit));
         conf.SetString("vtr.locale", new string('x', 5000));
-        SayFailure(conf.Commit);
+        Say(Refusal(conf.Commit));
         conf.SetString("vtr.locale", "de-DE");
-        SayFailure(() => conf.CommitToFile(dataFolder + @"\vantrel.conf\x"));
+        Say(Refusal(() => conf.CommitToFile(dataFolder + @"\vantrel.conf\x")));
         conf.CommitToFile(dataFolder + @"\Größe.conf");
         Say("committed");
     }
 
-    static void AllNineEvents(Session session)
+    public static void AllNineEvents(Session session)
     {
         session.AppInstalled += app => SayFields("appInstalled", app.Instance, app.Package, app.Activity,
             app.AppLabel, app.VersionCode, app.VersionName, app.IconFilePath, app.IsUpdate ? 1 : 0);
@@ -119,11 +177,10 @@ static partial class DotnetHost
         session.AccountListUpdated += (instance, email, action) =>
             SayFields("accountListUpdated", instance, email, action);
         session.AccountListUpdated += (instance, email, action) => Arrived.Release();
-        Listen(session);
-        WaitForEvents(1);
+        ListenFor(session, 1);
     }
 
-    static void ThrowingHandler(Session session)
+    public static void ThrowingHandler(Session session)
     {
         session.AppDisplayed += (instance, package) =>
         {
@@ -136,13 +193,13 @@ static partial class DotnetHost
         };
         session.HandlerFailed += exception => Say("failed:", exception.Message);
         session.HandlerFailed += exception => { throw exception; };
-        Listen(session);
-        WaitForEvents(2);
+        ListenFor(session, 2);
     }
 
-    // Every fiftieth handler waits for a collection. Another one runs beside the events that follow.
-    static void Collections(Session session, int events)
+    // Every fiftieth handler waits for a garbage collection; another one runs during the next events.
+    public static void Collections(Session session)
     {
+        const int Events = 1000;
         var collected = new SemaphoreSlim(0);
         int inOrder = 0;
         session.AppDisplayed += (instance, package) =>
@@ -154,7 +211,7 @@ static partial class DotnetHost
         };
         CollectGarbage();
         Listen(session);
-        for (int i = 0; i < events / 50; ++i)
+        for (int i = 0; i < Events / 50; ++i)
         {
             WaitForEvents(1);
             CollectGarbage();
@@ -164,121 +221,82 @@ static partial class DotnetHost
         Say("in order", inOrder);
     }
 
-    static void EndAmongEvents(Session session)
+    public static void EndAmongEvents(Session session)
     {
-        int count = 0;
-        session.AppDisplayed += (instance, package) =>
-        {
-            if (Interlocked.Increment(ref count) == 100) Arrived.Release();
-        };
-        Listen(session);
-        WaitForEvents(1);
+        Func<int> count = ListenForAHundred(session);
         session.Dispose();
-        int last = Volatile.Read(ref count);
+        int last = count();
         for (int i = 0; i < 20; ++i) CollectGarbage();
-        Say(Volatile.Read(ref count) == last ? "silent since the end" : "called after the end");
+        Say(count() == last ? "silent since the end" : "called after the end");
     }
 
-    static void Programs(Session session)
+    public static void Programs(Session session)
     {
-        session.AppDisplayed += (instance, package) =>
-        {
-            SayFields("appDisplayed", instance, package);
-            Arrived.Release();
-        };
+        SayDisplayedApps(session);
         Listen(session);
         session.LaunchApp("DotnetTest", "com.größe");
         WaitForEvents(1);
         session.ShutdownPlayer("DotnetTest", true);
     }
 
-    static void ExitInHandler(Session session)
+    public static void MissingProgram(Session session)
+    {
+        Say(Refusal(() => session.LaunchApp("Nougat64", "p")));
+    }
+
+    public static void ExitInHandler(Session session)
     {
         session.AppDisplayed += (instance, package) => Environment.Exit(3);
         Listen(session);
         Thread.Sleep(Timeout.Infinite);
     }
 
-    static void ExitInHandlerDuringDispose(Session session)
+    public static void ExitInHandlerDuringDispose(Session session)
     {
         session.AppDisplayed += (instance, package) =>
         {
             Arrived.Release();
-            while (SessionLives(session)) Thread.Yield();
+            while (IsLive(session)) Thread.Yield();
             Environment.Exit(3);
         };
-        Listen(session);
-        WaitForEvents(1);
+        ListenFor(session, 1);
         session.Dispose();
     }
 
-    static bool SessionLives(Session session)
+    static bool IsLive(Session session)
     {
-        try
-        {
-            session.InstancesJson();
-            return true;
-        }
-        catch (ObjectDisposedException)
-        {
-            return false;
-        }
+        return !Refusal(() => session.InstancesJson()).StartsWith("ObjectDisposedException");
     }
 
-    // Leaves a handler that never returns.
-    static void StuckHandler(Session session)
+    // Leaves a handler that never returns, and a session that is not disposed of.
+    public static void StuckHandler()
     {
+        Session session = StartSession();
         session.AppDisplayed += (instance, package) =>
         {
             Arrived.Release();
             Thread.Sleep(Timeout.Infinite);
         };
-        Listen(session);
-        WaitForEvents(1);
+        ListenFor(session, 1);
     }
 
-    // Leaves while one event follows the other.
-    static void AmongEvents(Session session)
+    public static void MainEndsAmongEvents()
     {
-        int count = 0;
-        session.AppDisplayed += (instance, package) =>
-        {
-            if (Interlocked.Increment(ref count) == 100) Arrived.Release();
-        };
-        Listen(session);
-        WaitForEvents(1);
+        ListenForAHundred(StartSession());
     }
 
-    static void SecondSession(Session session)
+    public static void SecondSession(Session session)
     {
-        session.AppDisplayed += (instance, package) =>
-        {
-            SayFields("appDisplayed", instance, package);
-            Arrived.Release();
-        };
+        SayDisplayedApps(session);
         session.Listen(Long);
-        string refusal = RefusalOfASession();
-        Listen(session);
-        WaitForEvents(1);
+        string refusal = Refusal(() => new Session(Self));
+        ListenFor(session, 1);
         Say("while it runs:", refusal);
         session.Dispose();
-        Say("after its end:", RefusalOfASession());
+        Say("after its end:", Refusal(() => new Session(Self)));
     }
 
-    static string RefusalOfASession()
-    {
-        try
-        {
-            new Session(Self);
-            return "no refusal";
-        }
-        catch (InvalidOperationException exception)
-        {
-            return exception.Message;
-        }
-    }
-
-    static void DisposeInHandler(Session session)
+    public static void DisposeInHandler(Session session)
     {
         session.AppDisplayed += (instance, package) =>
         {
@@ -290,125 +308,59 @@ static partial class DotnetHost
             Say("failed:", exception.Message);
             Arrived.Release();
         };
-        Listen(session);
-        WaitForEvents(2);
+        ListenFor(session, 2);
         Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
     }
 
-    static void LaunchInAHandler(Session session)
+    public static void SecondListener(Session session)
     {
-        session.AppDisplayed += (instance, package) => session.LaunchApp("N", "p");
-        Listen(session);
-        WaitForEvents(1);
+        Say(Refusal(() => session.Listen(Long)));
     }
 
-    static string RefusalOf(Action call)
+    public static void WrongKeys(Session session)
     {
-        try
-        {
-            call();
-            return "no refusal";
-        }
-        catch (KeyException exception)
-        {
-            return exception.Message;
-        }
-    }
-
-    static void SecondListener(Session session)
-    {
-        try
-        {
-            session.Listen(Long);
-        }
-        catch (ListenException exception)
-        {
-            Say(exception.ProcessId, exception.Message);
-        }
-    }
-
-    static void WrongKeys(Session session)
-    {
+        Configuration conf = session.Conf;
         session.AppDisplayed += (instance, package) =>
         {
-            Say("handler:", RefusalOf(() => session.Conf.GetString("vtr.no_such_key")));
+            Say("handler:", Refusal(() => conf.GetString("vtr.no_such_key")));
             Arrived.Release();
         };
-        Listen(session);
-        WaitForEvents(1);
-        Say(RefusalOf(() => session.Conf.GetString("vtr.no_such_key")));
-        Say(RefusalOf(() => session.Conf.GetI32("vtr.locale")));
-        Say(RefusalOf(() => session.Conf.GetI64("vtr.locale")));
-        Say(RefusalOf(() => session.Conf.SetI64("vtr.locale", 1L << 40)));
-        Say("adb", session.Conf.GetBool("vtr.enable_adb_access"));
+        ListenFor(session, 1);
+        Say(Refusal(() => conf.GetString("vtr.no_such_key")));
+        Say(Refusal(() => conf.GetI32("vtr.locale")));
+        Say(Refusal(() => conf.GetI64("vtr.locale")));
+        Say(Refusal(() => conf.SetI64("vtr.locale", 1L << 40)));
+        Say("adb", conf.GetBool("vtr.enable_adb_access"));
     }
 
-    static void Fatal(Session session, string kind)
+    public static void FatalLaunch(Session session)
     {
-        var kinds = new Dictionary<string, Action>
-        {
-            { "no install folder", () => session.LaunchApp("N", "p") },
-            { "in a handler", () => LaunchInAHandler(session) },
-        };
-        kinds[kind]();
+        session.LaunchApp("N", "p");
         Say("still here");
     }
 
-    static void OwnLog(string logFile)
+    public static void FatalLaunchInHandler(Session session)
     {
+        session.AppDisplayed += (instance, package) => session.LaunchApp("N", "p");
+        ListenFor(session, 1);
+        Say("still here");
+    }
+
+    public static void OwnLog()
+    {
+        Sandbox.Use(dataFolder, installFolder);
         using (var session = new Session(Self, true, logFile)) Say("instances", session.InstancesJson());
     }
 
-    static void Play(Session session, string dataFolder, string scenario, string argument)
+    static void Play(MethodInfo scenario)
     {
-        switch (scenario)
+        if (scenario.GetParameters().Length == 0)
         {
-            case "listings": Listings(session); break;
-            case "settings": Settings(session.Conf); break;
-            case "failing commits": FailingCommits(session.Conf, dataFolder); break;
-            case "nine events": AllNineEvents(session); break;
-            case "throwing handler": ThrowingHandler(session); break;
-            case "collections": Collections(session, int.Parse(argument)); break;
-            case "end among events": EndAmongEvents(session); break;
-            case "second session": SecondSession(session); break;
-            case "dispose in handler": DisposeInHandler(session); break;
-            case "programs": Programs(session); break;
-            case "no program": SayFailure(() => session.LaunchApp("Nougat64", "p")); break;
-            case "second listener": SecondListener(session); break;
-            case "wrong keys": WrongKeys(session); break;
-            case "commit inside": CommitInside(session); break;
-            case "end during a commit": EndDuringACommit(session); break;
-            case "awaiting": AwaitingAndEnding(session); break;
-            case "fatal": Fatal(session, argument); break;
-            case "exit in handler": ExitInHandler(session); break;
-            case "exit in handler during dispose": ExitInHandlerDuringDispose(session); break;
-            default: Say("no such scenario", scenario); break;
-        }
-    }
-
-    // Those that do not end their session.
-    static bool PlayWithoutEnd(string scenario)
-    {
-        var scenarios = new Dictionary<string, Action<Session>>
-        {
-            { "stuck handler", StuckHandler },
-            { "among events", AmongEvents },
-        };
-        Action<Session> play;
-        if (!scenarios.TryGetValue(scenario, out play)) return false;
-        play(new Session(Self));
-        return true;
-    }
-
-    static void Run(string dataFolder, string scenario, string argument)
-    {
-        if (PlayWithoutEnd(scenario)) return;
-        if (scenario == "own log")
-        {
-            OwnLog(argument);
+            ((Action)scenario.CreateDelegate(typeof(Action)))();
             return;
         }
-        using (var session = new Session(Self)) Play(session, dataFolder, scenario, argument);
+        var play = (Action<Session>)scenario.CreateDelegate(typeof(Action<Session>));
+        using (Session session = StartSession()) play(session);
     }
 
     static int Main(string[] arguments)
@@ -416,11 +368,10 @@ static partial class DotnetHost
         try
         {
             Session.Load(arguments[0]);
-            if (!PlayFolders(arguments[3], arguments[1], arguments[2]))
-            {
-                Sandbox.Use(arguments[1], arguments[2]);
-                Run(arguments[1], arguments[3], arguments.Length > 4 ? arguments[4] : "");
-            }
+            dataFolder = arguments[1];
+            installFolder = arguments[2];
+            logFile = arguments.ElementAtOrDefault(4);
+            Play(typeof(DotnetHost).GetMethod(arguments[3]));
         }
         catch (Exception exception)
         {

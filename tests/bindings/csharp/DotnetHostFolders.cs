@@ -1,8 +1,6 @@
-// Scenarios of the host in which it names its folders itself.
+// Scenarios in which the host names its folders itself.
 
 using System;
-using System.Collections.Generic;
-using System.ComponentModel;
 using System.Linq;
 using System.Runtime.InteropServices;
 using Microsoft.Win32;
@@ -15,8 +13,19 @@ static partial class DotnetHost
     [DllImport("kernel32.dll")] static extern uint GetCurrentProcessId();
     [DllImport("advapi32.dll")] static extern int RegOverridePredefKey(IntPtr root, IntPtr key);
 
-    static void SayLocalMachine()
+    static string OwnId
     {
+        get { return GetCurrentProcessId().ToString(); }
+    }
+
+    static void UseFolders()
+    {
+        Session.UseFolders(dataFolder, installFolder);
+    }
+
+    public static void Folders()
+    {
+        UseFolders();
         Say("below HKEY_LOCAL_MACHINE:", string.Join("|", Registry.LocalMachine.GetSubKeyNames()));
         using (RegistryKey product = Registry.LocalMachine.OpenSubKey(@"SOFTWARE\Vantrel_nvo"))
         {
@@ -25,99 +34,53 @@ static partial class DotnetHost
         }
     }
 
-    static void SayListing()
+    public static void FoldersTwice()
     {
+        Session.UseFolders(dataFolder + "-other", @"C:\Other");
+        Folders();
+    }
+
+    public static void FoldersOfASession()
+    {
+        UseFolders();
         using (var session = new Session(Self))
         {
             foreach (Instance one in session.Instances()) Say("instance", one.Name, one.DisplayName);
         }
     }
 
-    static void SayOwnKey()
+    public static void KeyOfTheFolders()
     {
+        UseFolders();
         using (RegistryKey own = Registry.CurrentUser.OpenSubKey(@"Software\QX-Bridge\Development-" + OwnId))
             Say(own == null ? "no key" : "key with " + string.Join("|", own.GetSubKeyNames()));
     }
 
-    static void FoldersTwice(string dataFolder, string installFolder)
+    public static void FoldersAfterTheStart()
     {
-        Session.UseFolders(dataFolder + "-other", @"C:\Other");
-        Session.UseFolders(dataFolder, installFolder);
-        SayLocalMachine();
+        UseFolders();
+        using (new Session(Self)) Say(Refusal(UseFolders));
+        Say(Refusal(UseFolders));
     }
 
-    static void FoldersAfterTheStart(string dataFolder, string installFolder)
+    public static void NullFolders()
     {
-        using (new Session(Self)) SayRefusalOfFolders(dataFolder, installFolder);
-        SayRefusalOfFolders(dataFolder, installFolder);
+        Say(Refusal(() => Session.UseFolders(null, installFolder)));
+        Say(Refusal(() => Session.UseFolders(dataFolder, null)));
     }
 
-    static void SayRefusalOfFolders(string dataFolder, string installFolder)
-    {
-        try
-        {
-            Session.UseFolders(dataFolder, installFolder);
-            Say("no refusal");
-        }
-        catch (InvalidOperationException exception)
-        {
-            Say(exception.Message);
-        }
-        catch (ArgumentNullException exception)
-        {
-            Say("null:", exception.ParamName);
-        }
-        catch (Win32Exception exception)
-        {
-            Say(exception.NativeErrorCode, exception.Message.Replace(OwnId, "ID"));
-        }
-    }
-
-    static string OwnId
-    {
-        get { return GetCurrentProcessId().ToString(); }
-    }
-
-    // In a HKEY_CURRENT_USER that is deleted nothing can be made.
-    static void FoldersWithoutAUser(string dataFolder, string installFolder)
+    // Nothing can be created below a deleted key in the place of HKEY_CURRENT_USER.
+    public static void FoldersWithoutAUser()
     {
         string name = @"Software\QXBridgeTests\no-user-" + OwnId;
         using (RegistryKey gone = Registry.CurrentUser.CreateSubKey(name, true, RegistryOptions.Volatile))
         {
             Registry.CurrentUser.DeleteSubKey(name);
             RegOverridePredefKey(CurrentUser, gone.Handle.DangerousGetHandle());
-            SayRefusalOfFolders(dataFolder, installFolder);
+            Say(Refusal(UseFolders));
             RegOverridePredefKey(CurrentUser, IntPtr.Zero);
         }
         Say("version of Windows", Registry.LocalMachine.OpenSubKey(
             @"SOFTWARE\Microsoft\Windows NT\CurrentVersion").GetValue("CurrentVersion") != null);
-    }
-
-    static bool PlayFolders(string scenario, string dataFolder, string installFolder)
-    {
-        var scenarios = new Dictionary<string, Action>
-        {
-            { "folders", SayLocalMachine },
-            { "folders of a session", SayListing },
-            { "key of the folders", SayOwnKey },
-            { "folders twice", () => FoldersTwice(dataFolder, installFolder) },
-            { "folders after the start", () => FoldersAfterTheStart(dataFolder, installFolder) },
-        };
-        var refusals = new Dictionary<string, Action>
-        {
-            { "no data folder", () => SayRefusalOfFolders(null, installFolder) },
-            { "no install folder", () => SayRefusalOfFolders(dataFolder, null) },
-            { "folders without a user", () => FoldersWithoutAUser(dataFolder, installFolder) },
-        };
-        Action play;
-        if (refusals.TryGetValue(scenario, out play))
-        {
-            play();
-            return true;
-        }
-        if (!scenarios.TryGetValue(scenario, out play)) return false;
-        Session.UseFolders(dataFolder, installFolder);
-        play();
-        return true;
     }
 }

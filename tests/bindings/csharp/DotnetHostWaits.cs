@@ -1,4 +1,4 @@
-// Scenarios of the host in which calls go on inside, and events are awaited.
+// Scenarios with calls that continue inside the library, and with awaited events.
 
 using System;
 using System.Threading;
@@ -7,8 +7,8 @@ using QXBridge;
 
 static partial class DotnetHost
 {
-    // Another program has the configuration's lock until the second lambda has run.
-    static void WhileTheFileIsLocked(Action locked, Action unlocked)
+    // Another thread holds the configuration's lock during the call.
+    static void WhileTheFileIsLocked(Action call)
     {
         using (var free = new ManualResetEventSlim())
         using (var taken = new ManualResetEventSlim())
@@ -25,14 +25,13 @@ static partial class DotnetHost
             });
             owner.Start();
             taken.Wait();
-            locked();
+            call();
             free.Set();
             owner.Join();
-            unlocked();
         }
     }
 
-    static void CommitInside(Session session)
+    public static void CommitInside(Session session)
     {
         Task commit = null;
         WhileTheFileIsLocked(() =>
@@ -43,32 +42,17 @@ static partial class DotnetHost
             {
                 Task cancelled = session.Conf.CommitAsync(cancellation.Token);
                 cancellation.Cancel();
-                Say(RefusalOfATask(cancelled));
+                Say(Refusal(() => cancelled.GetAwaiter().GetResult()));
             }
             Say("commit is", commit.IsCompleted ? "done" : "inside", "and reads go on:",
                 session.Conf.GetString("vtr.locale"));
-        }, () =>
-        {
-            commit.GetAwaiter().GetResult();
-            Say("committed");
         });
+        commit.GetAwaiter().GetResult();
+        Say("committed");
     }
 
-    static string RefusalOfATask(Task task)
-    {
-        try
-        {
-            task.GetAwaiter().GetResult();
-            return "no refusal";
-        }
-        catch (OperationCanceledException)
-        {
-            return "cancelled";
-        }
-    }
-
-    // The end waits for the commit that nobody waits for any more.
-    static void EndDuringACommit(Session session)
+    // Nothing awaits this commit.
+    public static void EndDuringACommit(Session session)
     {
         Task end = null;
         WhileTheFileIsLocked(() =>
@@ -76,13 +60,11 @@ static partial class DotnetHost
             session.Conf.SetString("vtr.locale", "de-DE");
             session.Conf.CommitAsync();
             end = Task.Run(() => session.Dispose());
-            while (SessionLives(session)) Thread.Yield();
+            while (IsLive(session)) Thread.Yield();
             Say("end is", end.Wait(100) ? "done" : "waiting");
-        }, () =>
-        {
-            end.Wait();
-            Say("ended");
         });
+        end.Wait();
+        Say("ended");
     }
 
     static async Task Awaiting(Session session)
@@ -103,8 +85,8 @@ static partial class DotnetHost
         Say("last", await last == null ? "end" : "event");
     }
 
-    // An event's continuation may end the session: it is not on the event thread.
-    static void AwaitingAndEnding(Session session)
+    // The continuation of an event runs on another thread than the events, and may end the session.
+    public static void AwaitingAndEnding(Session session)
     {
         Awaiting(session).Wait();
     }

@@ -1,4 +1,4 @@
-// Listening, streams and work with an outcome, over the library's stand-in.
+// Listening, handlers, streams and work with an outcome, over the stand-in of the library.
 
 using System;
 using System.Collections.Generic;
@@ -8,7 +8,56 @@ using System.Threading;
 using System.Threading.Tasks;
 using QXBridge;
 
-static class EventTests
+class ListeningTests : SessionTests
+{
+    public static void WorkHasNoOutcomeBeforeListening()
+    {
+        Work<AppDisplayed> work = session.LaunchApp("Nougat64", "p");
+        Check.Throws<InvalidOperationException>("Listen() comes first: no event says how the work ends",
+                                                () => work.FinishedAsync());
+        Check.Equal(1, session.WaitingCount);
+        Check.fakeAnswer(2);
+        Check.Fails("bridgeLaunchApp", 2, () => session.LaunchApp("Nougat64", "p"));
+        Check.fakeAnswer(0);
+        Check.Equal(1, session.WaitingCount);
+        Check.Called("bridgeLaunchApp Nougat64 p", "bridgeLaunchApp Nougat64 p");
+    }
+
+    public static void Listening()
+    {
+        machine.Server = new PipeServer { ProcessId = 1234 };
+        ListenException refused = Check.Throws<ListenException>(() => session.Listen());
+        Check.Equal("process 1234 has the events of client \"Helper\"", refused.Message);
+        Check.Equal(1234, refused.ProcessId);
+        Check.Equal(@"\\.\pipe\vtr_Helper_bridge_nvo 10", machine.Pipe + " " + machine.Limit.TotalSeconds);
+        Check.Throws<InvalidOperationException>(() => session.LaunchApp("Nougat64", "p").FinishedAsync());
+        Check.Called("bridgeRegisterCallbacks", "bridgeLaunchApp Nougat64 p");
+        machine.Server = new PipeServer { Error = 2 };
+        Check.Throws<ListenException>(
+            "nobody has the events of client \"Helper\"; the log " + data.LogPath + " has the cause",
+            () => session.Listen(TimeSpan.FromSeconds(3)));
+        Check.Equal(3.0, machine.Limit.TotalSeconds);
+        machine.Server = new PipeServer { Error = 5 };
+        Check.Throws<ListenException>(
+            "another process has the events of client \"Helper\", and cannot be asked (Windows error 5)",
+            () => session.Listen());
+        machine.Server = new PipeServer { Error = 2 };
+        Check.Throws<ListenException>(() => session.ListenAsync().Wait());
+        Check.Equal(10.0, machine.Limit.TotalSeconds);
+        Check.Throws<ListenException>(
+            () => session.ListenAsync(CancellationToken.None, TimeSpan.FromSeconds(4)).Wait());
+        Check.Equal(4.0, machine.Limit.TotalSeconds);
+        Check.Throws<TaskCanceledException>(() => session.ListenAsync(new CancellationToken(true)).Wait());
+        machine.Server = new PipeServer { ProcessId = machine.OwnProcessId };
+        session.ListenAsync().Wait();
+        machine.Pipe = null;
+        session.Listen();
+        Check.Equal(null, machine.Pipe);
+        Check.Called();
+    }
+}
+
+class EventTests : SessionTests
 {
     static readonly TimeSpan Short = TimeSpan.FromMilliseconds(20);
 
@@ -35,96 +84,53 @@ static class EventTests
         return string.Join("\n", Enumerable.Range(0, count).Select(i => Shown(stream.ReadAsync().Result)));
     }
 
-    internal static void BeforeListening(Session session)
+    // The stream has these events, and no more.
+    static void Holds(EventStream stream, params string[] expected)
     {
-        Work<AppDisplayed> work = session.LaunchApp("Nougat64", "p");
-        Check.Throws<InvalidOperationException>("Listen() comes first: no event says how the work ends",
-                                                () => work.FinishedAsync());
-        Check.Equal(1, session.WaitingCount);
-        Check.fakeAnswer(2);
-        Check.Fails("bridgeLaunchApp", 2, () => session.LaunchApp("Nougat64", "p"));
-        Check.fakeAnswer(0);
-        Check.Equal(1, session.WaitingCount);
-        Check.Called("bridgeLaunchApp Nougat64 p", "bridgeLaunchApp Nougat64 p");
+        Check.Equal(string.Join("\n", expected), Read(stream, expected.Length));
+        Check.Equal(false, stream.ReadAsync().IsCompleted);
     }
 
-    internal static void Listening(Session session, FakeMachine machine)
+    static void StillRuns(Func<TimeSpan, Task> finished)
     {
-        string logPath = System.IO.Path.Combine(machine.Registry["UserDefinedDir"], "Logs", "Player.log");
-        machine.Server = new PipeServer { ProcessId = 1234 };
-        ListenException refused = Check.Throws<ListenException>(() => session.Listen());
-        Check.Equal("process 1234 has the events of client \"Helper\"", refused.Message);
-        Check.Equal(1234, refused.ProcessId);
-        Check.Equal(@"\\.\pipe\vtr_Helper_bridge_nvo 10", machine.Pipe + " " + machine.Limit.TotalSeconds);
-        Check.Throws<InvalidOperationException>(() => session.LaunchApp("Nougat64", "p").FinishedAsync());
-        Check.Called("bridgeRegisterCallbacks", "bridgeLaunchApp Nougat64 p");
-        machine.Server = new PipeServer { Error = 2 };
-        Check.Throws<ListenException>(
-            "nobody has the events of client \"Helper\"; the log " + logPath + " has the cause",
-            () => session.Listen(TimeSpan.FromSeconds(3)));
-        Check.Equal(3.0, machine.Limit.TotalSeconds);
-        machine.Server = new PipeServer { Error = 5 };
-        Check.Throws<ListenException>(
-            "another process has the events of client \"Helper\", and cannot be asked (Windows error 5)",
-            () => session.Listen());
-        machine.Server = new PipeServer { Error = 2 };
-        Check.Throws<ListenException>(() => session.ListenAsync().Wait());
-        Check.Equal(10.0, machine.Limit.TotalSeconds);
-        Check.Throws<ListenException>(
-            () => session.ListenAsync(CancellationToken.None, TimeSpan.FromSeconds(4)).Wait());
-        Check.Equal(4.0, machine.Limit.TotalSeconds);
-        Check.Throws<TaskCanceledException>(() => session.ListenAsync(new CancellationToken(true)).Wait());
-        machine.Server = new PipeServer { ProcessId = machine.OwnProcessId };
-        session.ListenAsync().Wait();
-        machine.Pipe = null;
-        session.Listen();
-        Check.Equal(null, machine.Pipe);
-        Check.Called();
+        Check.Throws<TimeoutException>(() => finished(Short).Wait());
     }
 
-    internal static void Run(Session session)
+    // What a call inside a handler throws.
+    static string ThrownInAHandler(Action call)
     {
-        AStreamHasTheEventsInOrder(session);
-        AStreamOfKinds(session);
-        AReaderWaitsForTheNextEvent(session);
-        ACancelledReaderLosesNoEvent(session);
-        AStreamThatIsFullEnds(session);
-        AStreamThatIsDisposedEnds(session);
-        ListenInAHandlerIsRefused(session);
-        WorkEndsWithItsEvent(session);
-        WorkOfAnotherKindGoesOn(session);
-        InstancesAreCreatedInTheOrderOfTheCalls(session);
-        ProgressOfAnImage(session);
-        ACallIsNotMadeForACancelledToken(session);
-        Check.fakeReset();
+        Exception thrown = null;
+        AppHandler handler = (instance, package) => thrown = Check.ThrownBy(call);
+        session.AppDisplayed += handler;
+        Check.fakeSend(1);
+        session.AppDisplayed -= handler;
+        return thrown.GetType().Name + ": " + thrown.Message;
     }
 
-    static void AStreamHasTheEventsInOrder(Session session)
+    public static void AStreamHasTheEventsInOrder()
     {
         int before = session.WaitingCount;
         using (EventStream stream = session.Events())
         {
             Check.fakeSend(1);
-            Check.Equal(string.Join("\n", AllNine), Read(stream, 9));
-            Check.Equal(false, stream.ReadAsync().IsCompleted);
+            Holds(stream, AllNine);
             Check.Equal(before + 1, session.WaitingCount);
         }
         Check.Equal(before, session.WaitingCount);
     }
 
-    static void AStreamOfKinds(Session session)
+    public static void AStreamOfKinds()
     {
         using (EventStream stream = session.Events(EventKind.AppDisplayed, EventKind.AppUninstalled))
         {
             Check.fakeSend(1);
-            Check.Equal(AllNine[1] + "\n" + AllNine[7], Read(stream, 2));
-            Check.Equal(false, stream.ReadAsync().IsCompleted);
+            Holds(stream, AllNine[1], AllNine[7]);
         }
         Check.Throws<ArgumentNullException>(() => session.Events(null));
         Check.Throws<ArgumentOutOfRangeException>(() => session.Events(0));
     }
 
-    static void AReaderWaitsForTheNextEvent(Session session)
+    public static void AReaderWaitsForTheNextEvent()
     {
         using (EventStream stream = session.Events(EventKind.AppInstalled, EventKind.AppDisplayed))
         {
@@ -134,7 +140,7 @@ static class EventTests
         }
     }
 
-    static void ACancelledReaderLosesNoEvent(Session session)
+    public static void ACancelledReaderLosesNoEvent()
     {
         using (EventStream stream = session.Events(EventKind.AppDisplayed))
         using (var cancellation = new CancellationTokenSource())
@@ -148,7 +154,7 @@ static class EventTests
         }
     }
 
-    static void AStreamThatIsFullEnds(Session session)
+    public static void AStreamThatIsFullEnds()
     {
         int before = session.WaitingCount;
         EventStream stream = session.Events(2);
@@ -160,12 +166,11 @@ static class EventTests
         using (EventStream exact = session.Events(9))
         {
             Check.fakeSend(1);
-            Check.Equal(string.Join("\n", AllNine), Read(exact, 9));
-            Check.Equal(false, exact.ReadAsync().IsCompleted);
+            Holds(exact, AllNine);
         }
     }
 
-    static void AStreamThatIsDisposedEnds(Session session)
+    public static void AStreamThatIsDisposedEnds()
     {
         EventStream stream = session.Events(EventKind.AppDisplayed);
         Check.fakeSend(1);
@@ -178,20 +183,22 @@ static class EventTests
         Check.Equal("end", Shown(reader.Result));
     }
 
-    static void ListenInAHandlerIsRefused(Session session)
+    public static void ListenInAHandlerIsRefused()
     {
-        string thrown = "nothing";
-        AppHandler listen = (instance, package) =>
-        {
-            try { session.Listen(); } catch (Exception exception) { thrown = exception.Message; }
-        };
-        session.AppDisplayed += listen;
-        Check.fakeSend(1);
-        session.AppDisplayed -= listen;
-        Check.Equal("Listen() must not be called inside a handler", thrown);
+        Check.Equal("InvalidOperationException: Listen() must not be called inside a handler",
+                    ThrownInAHandler(() => session.Listen()));
     }
 
-    static void WorkEndsWithItsEvent(Session session)
+    public static void DisposeInAHandlerIsRefusedAndTheSessionGoesOn()
+    {
+        Check.Equal("InvalidOperationException: Dispose() must not be called inside a handler",
+                    ThrownInAHandler(session.Dispose));
+        Check.fakeReset();
+        conf.Commit();
+        Check.Called("bridgeConfCommit");
+    }
+
+    public static void WorkEndsWithItsEvent()
     {
         int before = session.WaitingCount;
         Work<AppDisplayed> launch = session.LaunchApp("Nougat64", "😀");
@@ -204,10 +211,10 @@ static class EventTests
         var cancellation = new CancellationTokenSource();
         Task<AppDisplayed> cancelled = launch.FinishedAsync(Timeout.InfiniteTimeSpan, cancellation.Token);
         cancellation.Cancel();
-        Check.Throws<OperationCanceledException>(() => Rethrow(cancelled));
+        Check.Equal(true, Check.ThrownBy(() => cancelled.GetAwaiter().GetResult()) is OperationCanceledException);
         Check.fakeSend(1);
         Check.Equal("AppDisplayed Nougat64|😀", Shown(waiting.Result));
-        Check.Throws<TimeoutException>(() => twin.FinishedAsync(Short).Wait());
+        StillRuns(twin.FinishedAsync);
         Check.fakeSend(1);
         Check.Equal("AppDisplayed Nougat64|😀", Shown(twin.FinishedAsync().Result));
         Check.Equal(AllNine[1], Shown(removal.FinishedAsync().Result));
@@ -215,19 +222,7 @@ static class EventTests
         Check.Equal(before, session.WaitingCount);
     }
 
-    static void Rethrow(Task task)
-    {
-        try
-        {
-            task.GetAwaiter().GetResult();
-        }
-        catch (OperationCanceledException)
-        {
-            throw new OperationCanceledException();
-        }
-    }
-
-    static void WorkOfAnotherKindGoesOn(Session session)
+    public static void WorkOfAnotherKindStillRuns()
     {
         Func<TimeSpan, Task>[] others =
         {
@@ -239,23 +234,22 @@ static class EventTests
             session.InstallImage("Nougat64").FinishedAsync,
         };
         Check.fakeSend(1);
-        foreach (Func<TimeSpan, Task> finished in others)
-            Check.Throws<TimeoutException>(() => finished(Short).Wait());
+        foreach (Func<TimeSpan, Task> finished in others) StillRuns(finished);
     }
 
-    static void InstancesAreCreatedInTheOrderOfTheCalls(Session session)
+    public static void InstancesAreCreatedInTheOrderOfTheCalls()
     {
         Work<CreateInstanceCompleted>[] works = Enumerable.Range(1, 3).Select(
             i => session.CreateFreshInstance("Nougat64", i, 1024, "e", "r", "p")).ToArray();
         for (int i = 0; i < 3; ++i)
         {
-            Check.Throws<TimeoutException>(() => works[i].FinishedAsync(Short).Wait());
+            StillRuns(works[i].FinishedAsync);
             Check.fakeSend(1);
             Check.Equal("CreateInstanceCompleted -2|Nougat64_1", Shown(works[i].FinishedAsync().Result));
         }
     }
 
-    static void ProgressOfAnImage(Session session)
+    public static void ProgressOfAnImage()
     {
         var seen = new List<string>();
         Action<Exception> failed = exception => seen.Add(exception.Message);
@@ -268,22 +262,57 @@ static class EventTests
         Check.fakeSend(1);
         session.HandlerFailed -= failed;
         Check.Equal(AllNine[4] + "\nthe function's own", string.Join("\n", seen));
-        Check.Throws<TimeoutException>(() => work.FinishedAsync(Short).Wait());
+        StillRuns(work.FinishedAsync);
     }
 
-    static void ACallIsNotMadeForACancelledToken(Session session)
+    public static void ACancelledTokenPreventsTheCall()
     {
         Check.fakeReset();
         var cancelled = new CancellationToken(true);
-        Check.Throws<TaskCanceledException>(() => session.Conf.CommitAsync(cancelled).Wait());
+        Check.Throws<TaskCanceledException>(() => conf.CommitAsync(cancelled).Wait());
         Check.Called();
-        session.Conf.CommitAsync().Wait();
-        session.Conf.CommitToFileAsync("p").Wait();
+        conf.CommitAsync().Wait();
+        conf.CommitToFileAsync("p").Wait();
         Check.Called("bridgeConfCommit", "bridgeConfCommitToFile p");
     }
 
-    // After the end of the session.
-    internal static Action AtTheEnd(Session session)
+    public static void HandlersGetTheirValuesAndOneThatThrowsStopsNoOther()
+    {
+        Check.fakeReset();
+        var seen = new List<string>();
+        session.AppInstalled += app => seen.Add(string.Join("|", app.Instance, app.Package, app.Activity,
+            app.AppLabel, app.VersionCode, app.VersionName, app.IconFilePath, app.IsUpdate));
+        session.AppUninstalled += (instance, package) => seen.Add(instance + "|" + package);
+        session.ApkInstallCompleted += (instance, status, file) =>
+            seen.Add(instance + "|" + status + "|" + file);
+        session.InstanceListUpdated += () => seen.Add("list");
+        session.InstallImageProgress += (image, status, progress) =>
+            seen.Add(image + "|" + status + "|" + (progress == 33.125 || progress == 0));
+        session.CreateInstanceCompleted += (status, instance) => seen.Add(status + "|" + instance);
+        session.InstanceConfigurationChanged += instance => seen.Add(instance);
+        session.AppDisplayed += (instance, package) =>
+            { throw new InvalidOperationException("the host's own"); };
+        session.AppDisplayed += (instance, package) => seen.Add(instance + "|" + package);
+        session.AccountListUpdated += (instance, email, action) =>
+            seen.Add(instance + "|" + email + "|" + action);
+        session.HandlerFailed += exception => seen.Add("failed: " + exception.Message);
+        session.HandlerFailed += exception => { throw exception; };
+        session.Listen();  // again, which changes nothing
+        session.ListenAsync().Wait();
+        Check.Called();
+        Check.CollectGarbage();
+        Check.fakeSend(1);
+        Check.Equal("Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|True\n" +
+              "Nougat64|com.größe\nNougat64|-1|C:\\П.apk\nlist\nNougat32|1|True\n-2|Nougat64_1\nNougat64\n" +
+              "failed: the host's own\nNougat64|😀\nNougat64|jürgen@example.com|2", string.Join("\n", seen));
+        seen.Clear();
+        Check.fakeSend(0);
+        Check.Equal("||||0|||False\n|\n|0|\nlist\n|0|True\n0|\n\nfailed: the host's own\n|\n||0",
+            string.Join("\n", seen));
+    }
+
+    // Starts a stream and work, and returns what is checked after the end of the session.
+    internal static Action AtTheEnd()
     {
         EventStream stream = session.Events();
         Task<BridgeEvent> reader = stream.ReadAsync();

@@ -1,4 +1,4 @@
-// The system as a test wants it: there is no registry and no pipe here.
+// The registry, files and pipe of a machine, as a test sets them.
 
 using System;
 using System.Collections.Generic;

@@ -1,4 +1,4 @@
-// What the C# binding looks at before it starts the library.
+// What the C# binding checks before it starts the library.
 
 using System;
 using System.Collections.Generic;
@@ -8,19 +8,20 @@ using QXBridge;
 
 static class PreflightTests
 {
+    static DataFolder data;
+    static FakeMachine machine;
+
+    // Each test has a data folder in which nothing is wrong.
     internal static void Run()
     {
-        NothingIsWrong();
-        TheRegistryValue();
-        TheDataFolder();
-        TheLogFolder();
-        TheLog();
-        ALogOfItsOwn();
-        TheConfiguration();
-        TheVersionOfALauncher();
-        SeveralProblems();
-        WithoutTheFileAndWithALogOfItsOwn();
-        ASessionDoesNotStart();
+        Check.Run(typeof(PreflightTests), test =>
+        {
+            using (data = new DataFolder())
+            {
+                machine = new FakeMachine(data.Path);
+                test();
+            }
+        });
     }
 
     static string[] Found(Client client = Client.Helper, bool noConfFile = false, string log = null)
@@ -33,25 +34,21 @@ static class PreflightTests
         Check.Equal(what, string.Join("\n", Found(client, noConfFile, log)));
     }
 
-    static void NothingIsWrong()
+    public static void NothingIsWrong()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path);
-            foreach (Client client in Enum.GetValues(typeof(Client))) Finds("", client);
-            Check.Equal("create in " + data.Of("Logs"), machine.Tried.Distinct().Single());
-            machine.Tried.Clear();
-            File.WriteAllText(data.Of("Logs", "Player.log"), "before\n");
-            Finds("");
-            Check.Equal("append " + data.Of("Logs", "Player.log"), machine.Tried.Single());
-        }
+        foreach (Client client in Enum.GetValues(typeof(Client))) Finds("", client);
+        Check.Equal("create in " + data.Of("Logs"), machine.Tried.Distinct().Single());
+        machine.Tried.Clear();
+        File.WriteAllText(data.LogPath, "before\n");
+        Finds("");
+        Check.Equal("append " + data.LogPath, machine.Tried.Single());
     }
 
-    static void TheRegistryValue()
+    public static void TheRegistryValue()
     {
         const string Value =
             "the registry value HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo \"UserDefinedDir\" is missing";
-        var machine = new FakeMachine("");
+        machine.Registry["UserDefinedDir"] = "";
         Finds(Value, Client.Launcher);
         machine.Registry.Clear();
         Finds(Value, Client.Launcher);
@@ -60,128 +57,95 @@ static class PreflightTests
                     Session.Preflight(Client.Helper).Single().ToString());
     }
 
-    static void TheDataFolder()
+    public static void TheDataFolder()
     {
-        using (var data = new DataFolder())
-        {
-            new FakeMachine(data.Of("none"));
-            Finds("the data folder " + data.Of("none") + " does not exist", Client.Launcher);
-        }
+        machine.Registry["UserDefinedDir"] = data.Of("none");
+        Finds("the data folder " + data.Of("none") + " does not exist", Client.Launcher);
     }
 
-    static void TheLogFolder()
+    public static void TheLogFolder()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path);
-            Directory.Delete(data.Of("Logs"));
-            Finds("the folder " + data.Of("Logs") + " does not exist");
-            Check.Equal(0, machine.Tried.Count);
-            Finds("", log: data.Of("own.log"));
-        }
+        Directory.Delete(data.Of("Logs"));
+        Finds("the folder " + data.Of("Logs") + " does not exist");
+        Check.Equal(0, machine.Tried.Count);
+        Finds("", log: data.Of("own.log"));
     }
 
-    static void TheLog()
+    public static void TheLog()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path) { OpenError = 5 };
-            string what = "the log " + data.Of("Logs", "Player.log") + " cannot be opened (Windows error 5)";
-            Finds(what);
-            File.WriteAllText(data.Of("Logs", "Player.log"), "");
-            machine.OpenError = 32;
-            Finds(what.Replace("error 5", "error 32"));
-        }
+        machine.OpenError = 5;
+        string what = "the log " + data.LogPath + " cannot be opened (Windows error 5)";
+        Finds(what);
+        File.WriteAllText(data.LogPath, "");
+        machine.OpenError = 32;
+        Finds(what.Replace("error 5", "error 32"));
     }
 
-    static void ALogOfItsOwn()
+    public static void ALogOfItsOwn()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path);
-            string own = data.Of("new", "own.log"); // separated by "/" here, which creates no folder
-            Finds("the log " + own + " cannot be opened (Windows error 3)", log: own);
-            Finds("", log: "");
-            Check.Equal(0, machine.Tried.Count);
-            Finds("", log: data.Of("own.log"));
-            Finds("", log: "own\\name.log");
-            Check.Equal("create in " + data.Path + "\ncreate in " + Directory.GetCurrentDirectory(),
-                        string.Join("\n", machine.Tried));
-        }
+        string own = data.Of("new", "own.log"); // separated by "/" here, which creates no folder
+        Finds("the log " + own + " cannot be opened (Windows error 3)", log: own);
+        Finds("", log: "");
+        Check.Equal(0, machine.Tried.Count);
+        Finds("", log: data.Of("own.log"));
+        Finds("", log: "own\\name.log");
+        Check.Equal("create in " + data.Path + "\ncreate in " + Directory.GetCurrentDirectory(),
+                    string.Join("\n", machine.Tried));
     }
 
-    static void TheConfiguration()
+    public static void TheConfiguration()
     {
-        using (var data = new DataFolder())
-        {
-            new FakeMachine(data.Path);
-            File.WriteAllBytes(data.ConfPath, new byte[] { 0xEF, 0xBB, 0xBF, (byte)'v' });
-            Finds("the configuration file " + data.ConfPath + " begins with a byte order mark");
-            File.WriteAllBytes(data.ConfPath, new byte[] { 0xEF, 0xBB });
-            Finds("");
-            File.Delete(data.ConfPath);
-            Finds("the configuration file " + data.ConfPath + " does not exist");
-            Finds("", noConfFile: true);
-            Directory.CreateDirectory(data.ConfPath);
-            Finds("the configuration file " + data.ConfPath + " cannot be read");
-        }
+        File.WriteAllBytes(data.ConfPath, new byte[] { 0xEF, 0xBB, 0xBF, (byte)'v' });
+        Finds("the configuration file " + data.ConfPath + " begins with a byte order mark");
+        File.WriteAllBytes(data.ConfPath, new byte[] { 0xEF, 0xBB });
+        Finds("");
+        File.Delete(data.ConfPath);
+        Finds("the configuration file " + data.ConfPath + " does not exist");
+        Finds("", noConfFile: true);
+        Directory.CreateDirectory(data.ConfPath);
+        Finds("the configuration file " + data.ConfPath + " cannot be read");
     }
 
-    static void TheVersionOfALauncher()
+    public static void TheVersionOfALauncher()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path);
-            machine.Registry["Version"] = "5.1";
-            Finds("");
-            Finds("the product's version is \"5.1\", and the library's is \"" + Tables.Version + "\"",
-                  Client.Launcher);
-            machine.Registry.Remove("Version");
-            Finds("the product's version is \"\", and the library's is \"" + Tables.Version + "\"",
-                  Client.Launcher);
-        }
+        machine.Registry["Version"] = "5.1";
+        Finds("");
+        Finds("the product's version is \"5.1\", and the library's is \"" + Tables.Version + "\"",
+              Client.Launcher);
+        machine.Registry.Remove("Version");
+        Finds("the product's version is \"\", and the library's is \"" + Tables.Version + "\"",
+              Client.Launcher);
     }
 
-    static void SeveralProblems()
+    public static void SeveralProblems()
     {
-        using (var data = new DataFolder())
-        {
-            var machine = new FakeMachine(data.Path);
-            machine.Registry["Version"] = "5.1";
-            Directory.Delete(data.Of("Logs"));
-            File.Delete(data.ConfPath);
-            Check.Equal("Logs does not exist|vantrel.conf does not exist|the product's version is \"5.1\"",
-                string.Join("|", Found(Client.Launcher).Select(
-                    (what, i) => i < 2 ? what.Substring(what.LastIndexOf(data.Path) + data.Path.Length + 1)
-                                       : what.Split(',')[0])));
-        }
+        machine.Registry["Version"] = "5.1";
+        Directory.Delete(data.Of("Logs"));
+        File.Delete(data.ConfPath);
+        Check.Equal("Logs does not exist|vantrel.conf does not exist|the product's version is \"5.1\"",
+            string.Join("|", Found(Client.Launcher).Select(
+                (what, i) => i < 2 ? what.Substring(what.LastIndexOf(data.Path) + data.Path.Length + 1)
+                                   : what.Split(',')[0])));
     }
 
     // The library needs no data folder then.
-    static void WithoutTheFileAndWithALogOfItsOwn()
+    public static void WithoutTheFileAndWithALogOfItsOwn()
     {
-        using (var data = new DataFolder())
-        {
-            new FakeMachine(data.Path).Registry.Clear();
-            Finds("", Client.Helper, true, data.Of("own.log"));
-            Check.Equal(1, Found(Client.Helper, true).Length);
-            Check.Equal(1, Found(Client.Helper, false, data.Of("own.log")).Length);
-        }
+        machine.Registry.Clear();
+        Finds("", Client.Helper, true, data.Of("own.log"));
+        Check.Equal(1, Found(Client.Helper, true).Length);
+        Check.Equal(1, Found(Client.Helper, false, data.Of("own.log")).Length);
     }
 
-    static void ASessionDoesNotStart()
+    public static void ASessionDoesNotStart()
     {
-        using (var data = new DataFolder())
-        {
-            new FakeMachine(data.Path);
-            Directory.Delete(data.Of("Logs"));
-            File.Delete(data.ConfPath);
-            PreflightException refused =
-                Check.Throws<PreflightException>(() => new Session(Client.Helper));
-            Check.Equal(2, refused.Problems.Count);
-            Check.Equal(refused.Problems[0] + "\n" + refused.Problems[1], refused.Message);
-            Check.Throws<PreflightException>(() => new Session(Client.Helper, false, null));
-            Check.Called();
-        }
+        Directory.Delete(data.Of("Logs"));
+        File.Delete(data.ConfPath);
+        PreflightException refused =
+            Check.Throws<PreflightException>(() => new Session(Client.Helper));
+        Check.Equal(2, refused.Problems.Count);
+        Check.Equal(refused.Problems[0] + "\n" + refused.Problems[1], refused.Message);
+        Check.Throws<PreflightException>(() => new Session(Client.Helper, false, null));
+        Check.Called();
     }
 }
