@@ -11,9 +11,9 @@ const std::string kBadLongNumber = "E CONF confGetI64 error for vtr.big:abc";
 class ConfAccessTest : public ConfTest {
  protected:
     void SetUp() override {
-        ASSERT_EQ(init("vtr.enable_adb_access=\"1\"\nvtr.locale=\"en-US\"\n"
-                       "vtr.instance.A.dpi=\"320\"\nvtr.instance.A.enable_vsync=\"1\"\n"),
-                  0);
+        given(
+            "vtr.enable_adb_access=\"1\"\nvtr.locale=\"en-US\"\n"
+            "vtr.instance.A.dpi=\"320\"\nvtr.instance.A.enable_vsync=\"1\"\n");
     }
 };
 
@@ -42,8 +42,8 @@ TEST_F(ConfAccessTest, AKeyOfAnUnknownInstanceReadsAsNothing) {
 }
 
 TEST_F(ConfAccessTest, AStagedValueIsReadAtOnceAndNotCommitted) {
-    EXPECT_EQ(confSetString(store, "vtr.locale", "de-DE"), 0);
-    EXPECT_EQ(confSetI32(store, "vtr.instance.A.dpi", -5), 0);
+    set("vtr.locale", "de-DE");
+    set("vtr.instance.A.dpi", -5);
     EXPECT_EQ(confSetBool(store, "vtr.enable_adb_access", false), 0);
     EXPECT_EQ(confSetMultiStringList(store, "vtr.shared_folders", {"a", "", "b"}), 0);
     EXPECT_EQ(confGetString(store, "vtr.locale"), "de-DE");
@@ -56,20 +56,20 @@ TEST_F(ConfAccessTest, AStagedValueIsReadAtOnceAndNotCommitted) {
 }
 
 TEST_F(ConfAccessTest, NumbersAreStagedInDecimal) {
-    confSetI32(store, "vtr.instance.A.dpi", INT32_MIN);
+    set("vtr.instance.A.dpi", INT32_MIN);
     EXPECT_EQ(confGetStringInternal(store, "vtr.instance.A.dpi", ConfType::I32), "-2147483648");
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), INT32_MIN);
 }
 
 TEST_F(ConfAccessTest, SettingTheCommittedValueTakesTheChangeBack) {
-    confSetString(store, "vtr.log_levels", "*:D");
+    set("vtr.log_levels", "*:D");
     EXPECT_TRUE(confHasPendingChanges(store));
-    confSetString(store, "vtr.log_levels", "*:I");
+    set("vtr.log_levels", "*:I");
     EXPECT_FALSE(confHasPendingChanges(store));
 }
 
 TEST_F(ConfAccessTest, SettingAnUnknownInstanceMakesItKnownWithItsDefaults) {
-    confSetI32(store, "vtr.instance.New.ram", 2048);
+    set("vtr.instance.New.ram", 2048);
     EXPECT_EQ(confGetInstances(store).count("New"), 1u);
     EXPECT_EQ(committed("vtr.instance.New.display_name"), "Vantrel");
     EXPECT_EQ(committed("vtr.instance.New.ram"), "");
@@ -77,7 +77,7 @@ TEST_F(ConfAccessTest, SettingAnUnknownInstanceMakesItKnownWithItsDefaults) {
 }
 
 TEST_F(ConfAccessTest, SettingANewInstancesKeyToItsDefaultStagesNothing) {
-    confSetI32(store, "vtr.instance.New.dpi", 240);
+    set("vtr.instance.New.dpi", 240);
     EXPECT_EQ(confGetInstances(store).count("New"), 1u);
     EXPECT_FALSE(confHasPendingChanges(store));
     log.clear();
@@ -86,7 +86,7 @@ TEST_F(ConfAccessTest, SettingANewInstancesKeyToItsDefaultStagesNothing) {
 }
 
 TEST_F(ConfAccessTest, DiscardingForgetsEveryChange) {
-    confSetString(store, "vtr.locale", "x");
+    set("vtr.locale", "x");
     EXPECT_EQ(confDiscardChanges(store), 0);
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
@@ -105,7 +105,7 @@ TEST_F(ConfAccessTest, TheCurrentInstanceShortensKeys) {
     EXPECT_EQ(confCurrentInstanceKey(store, "dpi"), "vtr.instance.A.dpi");
     EXPECT_EQ(confGetI32(store, confCurrentInstanceKey(store, "dpi")), 320);
     EXPECT_TRUE(confGetBool(store, confCurrentInstanceKey(store, "enable_vsync")));
-    confSetI32(store, confCurrentInstanceKey(store, "dpi"), 5);
+    set(confCurrentInstanceKey(store, "dpi"), 5);
     EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
 }
 
@@ -123,7 +123,7 @@ TEST_F(ConfAccessTest, RestoringADefaultStagesIt) {
 }
 
 TEST_F(ConfAccessTest, RestoringLeavesAPendingChangeWhereTheFileHasTheDefault) {
-    confSetString(store, "vtr.log_levels", "*:D");
+    set("vtr.log_levels", "*:D");
     EXPECT_EQ(confRestorePropDefault(store, "vtr.log_levels"), 0);
     EXPECT_EQ(confGetString(store, "vtr.log_levels"), "*:D");
 }
@@ -149,7 +149,7 @@ TEST_F(ConfAccessTest, ValidationSaysWhyNot) {
 
 TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
     ConfCatalogue old;
-    old.registerGlobal("old", {ConfType::String, "", false, true});
+    old.registerGlobal("old", deprecatedText());
     ConfStore other(old, confDiskFiles());
     EXPECT_TRUE(confValidateProp(other, "vtr.old", ConfType::String, true));
     EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
@@ -158,7 +158,7 @@ TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
 
 TEST_F(ConfAccessTest, ValidationLogsUnderItsOwnName) {
     ConfCatalogue old;
-    old.registerGlobal("old", {ConfType::String, "", false, /*deprecated=*/true});
+    old.registerGlobal("old", deprecatedText());
     const ConfStore other(old, confDiskFiles());
     EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
     EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::String, false));
@@ -294,7 +294,7 @@ ConfCatalogue& rare() {
     static ConfCatalogue catalogue;
     static const bool once = [] {
         catalogue.registerGlobal("big", {ConfType::I64, "0"});
-        catalogue.registerGlobal("old", {ConfType::String, "", false, /*deprecated=*/true});
+        catalogue.registerGlobal("old", deprecatedText());
         return true;
     }();
     static_cast<void>(once);

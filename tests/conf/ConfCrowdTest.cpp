@@ -134,7 +134,7 @@ class Auditor {
 TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
     constexpr int kProcesses = 8;
     const int commits = proofSize(60, 500);
-    ASSERT_EQ(init(""), 0);
+    given("");
     ASSERT_EQ(confCommitToFile(store, path()), 0);
     const TempFolder marks;
     std::vector<ChildProcess> committers;
@@ -153,7 +153,7 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
         while (!finished && !HasFatalFailure()) {
             {
                 const std::lock_guard<XmutexNamed> guard(mutex);
-                auditor.look(folder.read("vantrel.conf"));
+                auditor.look(file());
             }
             for (int p = 0; p < kProcesses; ++p) {
                 const std::string instance = "P" + std::to_string(p);
@@ -181,14 +181,14 @@ TEST_F(ConfCrowdTest, EightProcessesThatCommitAtTheSameTimeLoseNothing) {
 }
 
 TEST_F(ConfCrowdTest, ProcessesThatCommitInTurnSeeEachOther) {
-    ASSERT_EQ(init(""), 0);
+    given("");
     for (int i = 1; i <= 5; ++i) {
         const std::string own = "P" + std::to_string(i);
         ASSERT_EQ(runSubprocess("commitsManyTimes", {path(), own, "2"}).status, 0u);
-        confSetI32(store, "vtr.next_vm_id", i);
+        set("vtr.next_vm_id", i);
         ASSERT_EQ(confCommit(store), 0);
     }
-    const std::string text = folder.read("vantrel.conf");
+    const std::string text = file();
     EXPECT_EQ(flawOf(text), "");
     for (int i = 1; i <= 5; ++i) {
         EXPECT_NE(text.find("vtr.instance.P" + std::to_string(i) + ".ram=\"2\"\n"),
@@ -279,7 +279,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
     constexpr int kProcesses = 4;
     constexpr int kFirst = 4999;
     const int kills = proofSize(50, 1000);
-    ASSERT_EQ(init(""), 0);
+    given("");
     std::vector<std::string> names;
     Auditor auditor;
     for (int p = 0; p < kProcesses; ++p) {
@@ -299,7 +299,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
         victim.kill();
         {
             const std::lock_guard<XmutexNamed> guard(mutex);
-            ASSERT_NO_FATAL_FAILURE(auditor.look(folder.read("vantrel.conf"))) << "kill " << i;
+            ASSERT_NO_FATAL_FAILURE(auditor.look(file())) << "kill " << i;
         }
         const int number = auditor.numberOf(victim.instance());
         victim.expectNumber(number);
@@ -313,7 +313,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
         committer.kill();
         leftovers += committer.leftovers();
     }
-    ASSERT_NO_FATAL_FAILURE(auditor.look(folder.read("vantrel.conf")));
+    ASSERT_NO_FATAL_FAILURE(auditor.look(file()));
     for (const Committer& committer : committers) {
         committer.expectNumber(auditor.numberOf(committer.instance()));
     }
@@ -322,8 +322,8 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
     EXPECT_LE(leftovers, kills + kProcesses);
     RecordProperty("leftovers", leftovers);
     std::printf("%d of %d kills left a temporary file\n", leftovers, kills);
-    confSetString(store, "vtr.guid", "after all");
+    set("vtr.guid", "after all");
     EXPECT_EQ(confCommit(store), 0);
-    EXPECT_EQ(flawOf(folder.read("vantrel.conf")), "");
+    EXPECT_EQ(flawOf(file()), "");
     EXPECT_EQ(folder.list(), Lines{"vantrel.conf"});
 }

@@ -2,10 +2,15 @@
 
 #include "support/FatalBreak.h"
 #include "support/LogLines.h"
+#include "support/Platform.h"
 
 std::string ownLockName(const std::string& path) {
     std::string name = path.substr(0, path.rfind('\\'));
     return "Global\\vtr_test_" + name.substr(name.rfind('\\') + 1);
+}
+
+ConfProperty deprecatedText(const std::string& defaultValue) {
+    return {ConfType::String, defaultValue, /*excludeFromAllConfigs=*/false, /*deprecated=*/true};
 }
 
 void expectConfBreak(const std::string& subprocess, const SubprocessArguments& arguments,
@@ -16,16 +21,15 @@ void expectConfBreak(const std::string& subprocess, const SubprocessArguments& a
 }
 
 XErr ConfTest::init(std::string_view content) {
-    folder.write("vantrel.conf", content);
+    writeFile(content);
     return confLibInit(store, path(), /*allowDeprecated=*/false);
 }
 
 void ConfTest::load(ConfStore& other, std::string_view content, bool allowDeprecated) {
-    folder.write("vantrel.conf", content);
+    writeFile(content);
     ASSERT_EQ(confLibInit(other, path(), allowDeprecated), 0);
+    log.clear();
 }
-
-XErr ConfTest::initWithoutFile() { return confLibInit(store, "", /*allowDeprecated=*/false); }
 
 void ConfTest::expectFile(const Entries& entries, const std::string& name) const {
     Entries all = entries;
@@ -40,7 +44,7 @@ void ConfTest::expectFile(const Entries& entries, const std::string& name) const
 }
 
 bool ConfTest::hasLine(const std::string& line) const {
-    return ("\n" + folder.read("vantrel.conf")).find("\n" + line + "\n") != std::string::npos;
+    return ("\n" + file()).find("\n" + line + "\n") != std::string::npos;
 }
 
 std::optional<std::string> ConfTest::committed(const std::string& key) {
@@ -57,4 +61,11 @@ std::size_t ConfTest::committedCount() {
         if (value.isCommitted) ++count;
     });
     return count;
+}
+
+void ConfTest::waitUntilLocked() {
+    while (store.lock.try_lock()) {
+        store.lock.unlock();
+        sleepMs(1);
+    }
 }

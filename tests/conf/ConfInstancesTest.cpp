@@ -57,7 +57,7 @@ class ConfSomeInstancesTest : public ConfTest {
 class ConfInstancesTest : public ConfSomeInstancesTest {
  protected:
     void SetUp() override {
-        ASSERT_EQ(init(kTwoInstances), 0);
+        given(kTwoInstances);
         log.clear();
     }
 };
@@ -103,11 +103,11 @@ TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
 
 TEST_F(ConfInstancesTest, ACopyReachesTheFileWithTheCommit) {
     ASSERT_EQ(confCopyInstance(store, "A", "Nougat64_日本"), 0);
-    EXPECT_EQ(folder.read("vantrel.conf"), kTwoInstances);
+    EXPECT_EQ(file(), kTwoInstances);
     ASSERT_EQ(confCommit(store), 0);
     Entries expected = twoInstances();
     addInstanceCopy(expected, "A", "Nougat64_日本");
-    EXPECT_EQ(folder.read("vantrel.conf"), fileText(expected));
+    EXPECT_EQ(file(), fileText(expected));
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"})) << "missing until the next load";
     ASSERT_EQ(confReload(store), 0);
@@ -127,19 +127,19 @@ TEST_F(ConfInstancesTest, AnUnknownSourceIsLoggedAndNothingIsStaged) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{logged::instanceUnknown("Z")});
     EXPECT_FALSE(confHasPendingChanges(store));
     EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
-    confSetString(store, "vtr.guid", "x");
+    set("vtr.guid", "x");
     EXPECT_EQ(confCommit(store), 0) << "the lock was released";
 }
 
 TEST_F(ConfInstancesTest, TheSourcesPendingChangesAreNotCopied) {
-    confSetI32(store, "vtr.instance.A.dpi", 999);
+    set("vtr.instance.A.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "New"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 320);
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 999);
 }
 
 TEST_F(ConfInstancesTest, OfAnInstanceThatIsNotCommittedTheDefaultsAreCopied) {
-    confSetI32(store, "vtr.instance.Fresh.dpi", 999);
+    set("vtr.instance.Fresh.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "Fresh", "New"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 240);
 }
@@ -147,7 +147,7 @@ TEST_F(ConfInstancesTest, OfAnInstanceThatIsNotCommittedTheDefaultsAreCopied) {
 TEST_F(ConfSomeInstancesTest, DeprecatedKeysAreNotCopied) {
     ConfCatalogue old;
     old.registerInstance("kept", {ConfType::String, "k"});
-    old.registerInstance("old", {ConfType::String, "o", false, /*deprecated=*/true});
+    old.registerInstance("old", deprecatedText("o"));
     ConfStore other(old, confDiskFiles());
     load(other, "vtr.instance.A.kept=\"1\"\nvtr.instance.A.old=\"2\"\n", /*allowDeprecated=*/true);
     ASSERT_EQ(confCopyInstance(other, "A", "New"), 0);
@@ -155,8 +155,7 @@ TEST_F(ConfSomeInstancesTest, DeprecatedKeysAreNotCopied) {
     EXPECT_FALSE(confIsPropPending(other, "vtr.instance.New.old"));
     EXPECT_EQ(confGetString(other, "vtr.instance.New.old"), "");
     ASSERT_EQ(confCommit(other), 0);
-    EXPECT_EQ(folder.read("vantrel.conf"),
-              "vtr.instance.A.kept=\"1\"\nvtr.instance.New.kept=\"1\"\n");
+    EXPECT_EQ(file(), "vtr.instance.A.kept=\"1\"\nvtr.instance.New.kept=\"1\"\n");
 }
 
 TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
@@ -164,7 +163,7 @@ TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
         const std::lock_guard<XsharedMutex> changing(store.viewLock);
         store.view.value(confFindKey(catalogue, "vtr.instance.A.ram")).erase();
     }
-    confSetI32(store, "vtr.instance.B.dpi", 999);
+    set("vtr.instance.B.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "B"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.B.dpi"), 320) << "a pending change too";
     EXPECT_FALSE(confIsPropPending(store, "vtr.instance.B.ram"));
@@ -176,7 +175,7 @@ TEST_F(ConfInstancesTest, AnExistingTargetIsOverwrittenWhereTheSourceHasAKey) {
 }
 
 TEST_F(ConfInstancesTest, ACopyOntoItselfTakesItsPendingChangesBack) {
-    confSetI32(store, "vtr.instance.A.dpi", 999);
+    set("vtr.instance.A.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "A", "A"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 320);
     EXPECT_EQ(pendingKeys(), keysOf("A"));
@@ -193,9 +192,9 @@ TEST_F(ConfInstancesTest, ATargetThatIsRemovedButNotCommittedStaysRemoved) {
 }
 
 TEST_F(ConfSomeInstancesTest, NamesThatBeginAlikeAreKeptApart) {
-    ASSERT_EQ(init("vtr.instance.N.dpi=\"1\"\nvtr.instance.N_1.dpi=\"2\"\n"
-                   "vtr.instance.N_10.dpi=\"3\"\n"),
-              0);
+    given(
+        "vtr.instance.N.dpi=\"1\"\nvtr.instance.N_1.dpi=\"2\"\n"
+        "vtr.instance.N_10.dpi=\"3\"\n");
     ASSERT_EQ(confCopyInstance(store, "N_1", "New"), 0);
     EXPECT_EQ(pendingKeys(), keysOf("New"));
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 2);
@@ -227,8 +226,8 @@ TEST_F(ConfInstancesTest, ATargetWhoseKeysCouldNotBeReadBackIsRefused) {
 }
 
 TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
-    confSetI32(store, "vtr.instance.A.dpi", 999);
-    confSetI32(store, "vtr.instance.B.dpi", 111);
+    set("vtr.instance.A.dpi", 999);
+    set("vtr.instance.B.dpi", 111);
     log.clear();
     EXPECT_EQ(confDeleteInstance(store, "A"), 0);
     EXPECT_EQ(removedKeys(), keysOf("A"));
@@ -284,11 +283,11 @@ TEST_F(ConfInstancesTest, AnInstanceWithADotInItsNameIsRemovedWhole) {
 
 TEST_F(ConfInstancesTest, AKeyThatIsSetAfterTheRemovalStays) {
     confDeleteInstance(store, "A");
-    confSetI32(store, "vtr.instance.A.dpi", 480);
+    set("vtr.instance.A.dpi", 480);
     EXPECT_EQ(removedKeys().size(), instanceCount() - 1);
     ASSERT_EQ(confCommit(store), 0);
     EXPECT_TRUE(hasLine("vtr.instance.A.dpi=\"480\""));
-    EXPECT_EQ(folder.read("vantrel.conf").find("vtr.instance.A.display_name"), std::string::npos);
+    EXPECT_EQ(file().find("vtr.instance.A.display_name"), std::string::npos);
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(confGetString(store, "vtr.instance.A.display_name"), "Vantrel");
 }
@@ -336,8 +335,8 @@ TEST_F(ConfInstancesTest, WithoutACurrentInstanceTheDumpHasTheGlobalSettingsOnly
 
 TEST_F(ConfInstancesTest, TheDumpShowsCommittedValues) {
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
-    confSetI32(store, "vtr.instance.A.dpi", 999);
-    confSetString(store, "vtr.guid", "pending");
+    set("vtr.instance.A.dpi", 999);
+    set("vtr.guid", "pending");
     EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
     confDeleteInstance(store, "A");
     EXPECT_EQ(dump(), dumpText(twoInstances(), "A")) << "until the commit";
@@ -415,9 +414,8 @@ TEST_F(ConfSomeInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
 
 TEST_F(ConfSomeInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {
     const std::string value(92, 'v');
-    ASSERT_EQ(init("vtr.media_folder=\"" + value + "\"\nvtr.instance.A.grm_ignored_rules=\"" +
-                   value + "\"\nvtr.instance.B.display_name=\"" + value + "\"\n"),
-              0);
+    given("vtr.media_folder=\"" + value + "\"\nvtr.instance.A.grm_ignored_rules=\"" + value +
+          "\"\nvtr.instance.B.display_name=\"" + value + "\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     EXPECT_EQ(dump().find(value), std::string::npos);
     EXPECT_EQ(confKeysTooLongForDump(store), Lines{});
@@ -426,9 +424,8 @@ TEST_F(ConfSomeInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeL
 TEST_F(ConfSomeInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
     const std::string tooLong(92, 'v');
     const std::string longest(91, 'v');
-    ASSERT_EQ(init("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
-                   "\"\nvtr.instance.A.display_name=\"" + tooLong + "\"\n"),
-              0);
+    given("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
+          "\"\nvtr.instance.A.display_name=\"" + tooLong + "\"\n");
     EXPECT_EQ(confKeysTooLongForDump(store), Lines{"vtr.shared_folders"});
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     EXPECT_EQ(confKeysTooLongForDump(store),
@@ -502,7 +499,7 @@ TEST(ConfInstancesFatalTest, DumpingAnInstanceValueOf92BytesNamesTheStoredKey) {
 }
 
 TEST_F(ConfSomeInstancesTest, WhatIsNotDeclaredIsNotDumped) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    given("vtr.instance.A.dpi=\"1\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     std::uint32_t before = 0;
     EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, before), XERR_FBIG);

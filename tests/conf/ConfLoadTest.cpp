@@ -3,17 +3,77 @@
 #include "conf/ConfLoad.h"
 #include "support/HeldFile.h"
 #include "support/LogLines.h"
+#include "support/Rows.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
 
-using ConfLoadTest = ConfTest;
+class ConfLoadTest : public ConfTest {
+ protected:
+    void expectNotOpened() {
+        EXPECT_EQ(confLibInit(store, path(), false), -1);
+        EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
+    }
+};
 
-std::set<std::string, std::less<>> names(std::initializer_list<const char*> list) {
-    return {list.begin(), list.end()};
+// A file that loads, and what the store then holds.
+struct GoodFile {
+    const char* name;
+    std::string content;
+    Entries values;
+};
+
+const GoodFile kGoodFiles[] = {
+    {"AFileThatEndsInALineFeed", "vtr.locale=\"en-US\"\n", {{"vtr.locale", "en-US"}}},
+    {"AFileThatEndsWithoutOne", "vtr.locale=\"en-US\"", {{"vtr.locale", "en-US"}}},
+    {"AValueOfOneQuoteIsEmpty", "vtr.mem_opt_mode=\"\n", {{"vtr.mem_opt_mode", ""}}},
+    {"ANulEndsAValue", {"vtr.locale=\"en\0us\"\n", 19}, {{"vtr.locale", "en"}}},
+    {"WithCarriageReturnsEachValueKeepsItsClosingQuote",
+     "vtr.locale=\"en\"\r\nvtr.guid=\"g\"\r\n",
+     {{"vtr.locale", "en\""}, {"vtr.guid", "g\""}}},
+};
+
+CASE_PER_ROW(ConfGoodFile, ConfTest, kGoodFiles);
+
+// A file whose load stops, and the log's line.
+struct BadFile {
+    const char* name;
+    std::string content;
+    std::string line;
+};
+
+std::string keyUnknown(const std::string& line, const std::string& directory = "prop") {
+    return logged::keyUnknown(line.substr(0, line.find('=')), directory) + ": " + line;
 }
 
+const std::string kLongLine = "vtr.guid=\"" + std::string(4097 - 11, 'x') + "\"";
+
+const BadFile kBadFiles[] = {
+    {"ALineWithoutEquals", "vtr.locale=\"a\"\nnonsense\n", logged::confMalformed("nonsense")},
+    {"ALineOf4097Bytes", kLongLine + "\n", logged::confMalformed(kLongLine)},
+    {"AnUnknownGlobalProperty", "vtr.unknown=\"1\"\n", keyUnknown("vtr.unknown=\"1\"")},
+    {"AnInstancePropertyIsNotAGlobalOne", "vtr.dpi=\"1\"\n", keyUnknown("vtr.dpi=\"1\"")},
+    {"AnInstanceKeyWithoutAProperty", "vtr.instance.A=\"1\"\n",
+     keyUnknown("vtr.instance.A=\"1\"", "iprop")},
+    {"AForeignKey", "other.key=\"1\"\n", keyUnknown("other.key=\"1\"")},
+    {"ANulInAKeyIsPartOfIt", {"vtr.loc\0ale=\"en\"\n", 17}, keyUnknown("vtr.loc")},
+};
+
+CASE_PER_ROW(ConfBadFile, ConfTest, kBadFiles);
+
 }  // namespace
+
+TEST_P(ConfGoodFile, Loads) {
+    EXPECT_EQ(init(GetParam().content), 0);
+    EXPECT_EQ(log.texts(), Lines{});
+    for (const auto& [key, value] : GetParam().values) EXPECT_EQ(committed(key), value);
+}
+
+TEST_P(ConfBadFile, StopsTheLoad) {
+    EXPECT_EQ(init(GetParam().content), -1);
+    EXPECT_EQ(log.texts(), Lines{GetParam().line});
+    EXPECT_TRUE(confGetInstances(store).empty());
+}
 
 TEST_F(ConfLoadTest, WithoutAFileTheMapHoldsTheGlobalDefaults) {
     ASSERT_EQ(initWithoutFile(), 0);
@@ -28,19 +88,9 @@ TEST_F(ConfLoadTest, AnEmptyFileLoadsNothing) {
     EXPECT_EQ(log.texts(), Lines{});
 }
 
-TEST_F(ConfLoadTest, AFileThatEndsInALineFeedLoads) {
-    EXPECT_EQ(init("vtr.locale=\"en-US\"\n"), 0);
-    EXPECT_EQ(committed("vtr.locale"), "en-US");
-}
-
-TEST_F(ConfLoadTest, AFileThatEndsWithoutOneLoads) {
-    EXPECT_EQ(init("vtr.locale=\"en-US\""), 0);
-    EXPECT_EQ(committed("vtr.locale"), "en-US");
-}
-
 TEST_F(ConfLoadTest, OneKeyMakesAnInstanceKnownWithAllItsDefaults) {
-    ASSERT_EQ(init("vtr.instance.Nougat64.dpi=\"320\"\n"), 0);
-    EXPECT_EQ(confGetInstances(store), names({"Nougat64"}));
+    given("vtr.instance.Nougat64.dpi=\"320\"\n");
+    EXPECT_EQ(confGetInstances(store), Names{"Nougat64"});
     Entries expected;
     addInstanceDefaults(expected, "Nougat64");
     expected["vtr.instance.Nougat64.dpi"] = "320";
@@ -49,9 +99,9 @@ TEST_F(ConfLoadTest, OneKeyMakesAnInstanceKnownWithAllItsDefaults) {
 }
 
 TEST_F(ConfLoadTest, KeysComeInAnyOrderAndTheLastOneWins) {
-    ASSERT_EQ(init("vtr.instance.B.ram=\"1\"\nvtr.instance.A.ram=\"2\"\nvtr.locale=\"a\"\n"
-                   "vtr.instance.B.cpus=\"3\"\nvtr.instance.B.ram=\"4\"\nvtr.locale=\"b\"\n"),
-              0);
+    given(
+        "vtr.instance.B.ram=\"1\"\nvtr.instance.A.ram=\"2\"\nvtr.locale=\"a\"\n"
+        "vtr.instance.B.cpus=\"3\"\nvtr.instance.B.ram=\"4\"\nvtr.locale=\"b\"\n");
     EXPECT_EQ(committed("vtr.instance.A.ram"), "2");
     EXPECT_EQ(committed("vtr.instance.B.ram"), "4");
     EXPECT_EQ(committed("vtr.instance.B.cpus"), "3");
@@ -59,31 +109,9 @@ TEST_F(ConfLoadTest, KeysComeInAnyOrderAndTheLastOneWins) {
 }
 
 TEST_F(ConfLoadTest, AnEmptyInstanceNameIsAName) {
-    ASSERT_EQ(init("vtr.instance..dpi=\"1\"\n"), 0);
-    EXPECT_EQ(confGetInstances(store), names({""}));
+    given("vtr.instance..dpi=\"1\"\n");
+    EXPECT_EQ(confGetInstances(store), Names{""});
     EXPECT_EQ(committed("vtr.instance..dpi"), "1");
-}
-
-TEST_F(ConfLoadTest, AMissingFileFails) {
-    EXPECT_EQ(confLibInit(store, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
-    EXPECT_EQ(committedCount(), globalCount()) << "the defaults stay usable";
-}
-
-TEST_F(ConfLoadTest, AFolderInPlaceOfTheFileFails) {
-    folder.makeFolder("vantrel.conf");
-    EXPECT_EQ(confLibInit(store, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
-}
-
-TEST_F(ConfLoadTest, AFileHeldByAnotherProgramFails) {
-    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
-    folder.write("vantrel.conf", "vtr.locale=\"x\"\n");
-    HeldFile held(path());
-    EXPECT_EQ(confLibInit(store, path(), false), -1);
-    held.release();
-    EXPECT_EQ(log.texts(), Lines{logged::confNotOpened(path())});
-    EXPECT_EQ(folder.read("vantrel.conf"), "vtr.locale=\"x\"\n");
 }
 
 TEST_F(ConfLoadTest, ABlankLineStopsTheLoadAfterTheLinesBeforeIt) {
@@ -93,16 +121,36 @@ TEST_F(ConfLoadTest, ABlankLineStopsTheLoadAfterTheLinesBeforeIt) {
     EXPECT_EQ(committed("vtr.guid"), "");
 }
 
-TEST_F(ConfLoadTest, ALineWithoutEqualsStopsTheLoad) {
-    EXPECT_EQ(init("vtr.locale=\"a\"\nnonsense\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::confMalformed("nonsense")});
+TEST_F(ConfLoadTest, AnUnknownInstancePropertyStopsTheLoad) {
+    EXPECT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.locale=\"x\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{keyUnknown("vtr.instance.A.locale=\"x\"", "iprop")});
+    EXPECT_EQ(confGetInstances(store), Names{"A"});
 }
 
-TEST_F(ConfLoadTest, ALineOf4097BytesStopsTheLoad) {
-    const std::string line = "vtr.guid=\"" + std::string(4097 - 11, 'x') + "\"";
-    ASSERT_EQ(line.size(), 4097u);
-    EXPECT_EQ(init(line + "\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::confMalformed(line)});
+TEST_F(ConfLoadTest, AByteOrderMarkMakesTheFirstKeyForeign) {
+    EXPECT_EQ(init("\xEF\xBB\xBFvtr.locale=\"a\"\nvtr.guid=\"b\"\n"), -1);
+    EXPECT_EQ(log.texts(), Lines{keyUnknown("\xEF\xBB\xBFvtr.locale=\"a\"")});
+    EXPECT_EQ(committed("vtr.locale"), "") << "no line was applied";
+    EXPECT_EQ(committed("vtr.guid"), "");
+}
+
+TEST_F(ConfLoadTest, AMissingFileFails) {
+    expectNotOpened();
+    EXPECT_EQ(committedCount(), globalCount()) << "the defaults stay usable";
+}
+
+TEST_F(ConfLoadTest, AFolderInPlaceOfTheFileFails) {
+    folder.makeFolder("vantrel.conf");
+    expectNotOpened();
+}
+
+TEST_F(ConfLoadTest, AFileHeldByAnotherProgramFails) {
+    if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
+    writeFile("vtr.locale=\"x\"\n");
+    HeldFile held(path());
+    expectNotOpened();
+    held.release();
+    EXPECT_EQ(file(), "vtr.locale=\"x\"\n");
 }
 
 TEST_F(ConfLoadTest, LinesOf4094To4096BytesLoad) {
@@ -113,67 +161,12 @@ TEST_F(ConfLoadTest, LinesOf4094To4096BytesLoad) {
     }
 }
 
-TEST_F(ConfLoadTest, AnUnknownGlobalPropertyStopsTheLoad) {
-    EXPECT_EQ(init("vtr.unknown=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.unknown=\"1\"")});
-}
-
-TEST_F(ConfLoadTest, AnUnknownInstancePropertyStopsTheLoad) {
-    EXPECT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.locale=\"x\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A.locale=\"x\"", "iprop")});
-    EXPECT_EQ(confGetInstances(store), names({"A"}));
-}
-
-TEST_F(ConfLoadTest, AnInstanceKeyWithoutAPropertyStopsTheLoad) {
-    EXPECT_EQ(init("vtr.instance.A=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A=\"1\"", "iprop")});
-    EXPECT_TRUE(confGetInstances(store).empty());
-}
-
-TEST_F(ConfLoadTest, AnInstancePropertyIsNoGlobalOne) {
-    EXPECT_EQ(init("vtr.dpi=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.dpi=\"1\"")});
-}
-
-TEST_F(ConfLoadTest, AForeignKeyStopsTheLoad) {
-    EXPECT_EQ(init("other.key=\"1\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("other.key=\"1\"")});
-}
-
-TEST_F(ConfLoadTest, AByteOrderMarkMakesTheFirstKeyAForeignOne) {
-    EXPECT_EQ(init("\xEF\xBB\xBFvtr.locale=\"a\"\nvtr.guid=\"b\"\n"), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("\xEF\xBB\xBFvtr.locale=\"a\"")});
-    EXPECT_EQ(committed("vtr.locale"), "") << "no line was applied";
-    EXPECT_EQ(committed("vtr.guid"), "");
-}
-
-TEST_F(ConfLoadTest, ALineThatEndsAtItsSignThrowsWithEveryLockReleased) {
+TEST_F(ConfLoadTest, ALineThatEndsAtItsEqualsThrowsWithEveryLockReleased) {
     EXPECT_THROW(static_cast<void>(init("vtr.locale=\"a\"\nvtr.guid=\n")), std::out_of_range);
     EXPECT_EQ(committed("vtr.locale"), "a");
-    folder.write("vantrel.conf", "vtr.guid=\"b\"\n");
+    writeFile("vtr.guid=\"b\"\n");
     EXPECT_EQ(confReload(store), 0);
     EXPECT_EQ(committed("vtr.guid"), "b");
-}
-
-TEST_F(ConfLoadTest, ALineThatEndsOneBehindItsSignIsAnEmptyValue) {
-    EXPECT_EQ(init("vtr.mem_opt_mode=\"\n"), 0);
-    EXPECT_EQ(committed("vtr.mem_opt_mode"), "");
-}
-
-TEST_F(ConfLoadTest, WithCarriageReturnsEachValueKeepsItsClosingQuote) {
-    EXPECT_EQ(init("vtr.locale=\"en\"\r\nvtr.guid=\"g\"\r\n"), 0);
-    EXPECT_EQ(committed("vtr.locale"), "en\"");
-    EXPECT_EQ(committed("vtr.guid"), "g\"");
-}
-
-TEST_F(ConfLoadTest, ANulEndsAValue) {
-    EXPECT_EQ(init({"vtr.locale=\"en\0us\"\n", 19}), 0);
-    EXPECT_EQ(committed("vtr.locale"), "en");
-}
-
-TEST_F(ConfLoadTest, ANulInAKeyIsPartOfIt) {
-    EXPECT_EQ(init({"vtr.loc\0ale=\"en\"\n", 17}), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.loc")});
 }
 
 TEST_F(ConfLoadTest, AFileOf50MegabytesOnOneLineIsRefused) {
@@ -190,41 +183,41 @@ TEST_F(ConfLoadTest, AFileOf50MegabytesOfEntriesLoads) {
 }
 
 TEST_F(ConfLoadTest, AReloadKeepsKeysThatTheFileLost) {
-    ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n"), 0);
-    folder.write("vantrel.conf", "vtr.instance.B.ram=\"3\"\n");
+    given("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n");
+    writeFile("vtr.instance.B.ram=\"3\"\n");
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(committed("vtr.locale"), "a");
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "1");
     EXPECT_EQ(committed("vtr.instance.B.dpi"), "2");
     EXPECT_EQ(committed("vtr.instance.B.ram"), "3");
-    EXPECT_EQ(confGetInstances(store), names({"B"})) << "but the instance set is the file's";
+    EXPECT_EQ(confGetInstances(store), Names{"B"}) << "the instance set is the file's";
 }
 
-TEST_F(ConfLoadTest, AReloadThatMeetsABadLineKnowsTheInstancesOfTheLinesBeforeIt) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n"), 0);
-    folder.write("vantrel.conf", "vtr.instance.A.dpi=\"3\"\nnonsense\nvtr.instance.B.dpi=\"4\"\n");
+TEST_F(ConfLoadTest, AReloadThatMeetsABadLineListsTheInstancesOfTheLinesBeforeIt) {
+    given("vtr.instance.A.dpi=\"1\"\nvtr.instance.B.dpi=\"2\"\n");
+    writeFile("vtr.instance.A.dpi=\"3\"\nnonsense\nvtr.instance.B.dpi=\"4\"\n");
     EXPECT_EQ(confReload(store), -1);
     EXPECT_EQ(log.texts(), Lines{logged::confMalformed("nonsense")});
-    EXPECT_EQ(confGetInstances(store), names({"A"}));
+    EXPECT_EQ(confGetInstances(store), Names{"A"});
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "3");
-    EXPECT_EQ(committed("vtr.instance.B.dpi"), "2") << "still to be read by its key";
-    folder.write("vantrel.conf", "vtr.instance.A.dpi=\"3\"\nvtr.instance.B.dpi=\"4\"\n");
+    EXPECT_EQ(committed("vtr.instance.B.dpi"), "2") << "its key can still be read";
+    writeFile("vtr.instance.A.dpi=\"3\"\nvtr.instance.B.dpi=\"4\"\n");
     EXPECT_EQ(confReload(store), 0);
-    EXPECT_EQ(confGetInstances(store), names({"A", "B"}));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
 }
 
 TEST_F(ConfLoadTest, AFailedOpenKeepsTheInstances) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    given("vtr.instance.A.dpi=\"1\"\n");
     removeFile(path());
     EXPECT_EQ(confReload(store), -1);
-    EXPECT_EQ(confGetInstances(store), names({"A"}));
+    EXPECT_EQ(confGetInstances(store), Names{"A"});
 }
 
 TEST_F(ConfLoadTest, AReloadKeepsPendingChangesAndTheCurrentInstance) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    given("vtr.instance.A.dpi=\"1\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
-    confSetString(store, "vtr.locale", "pending");
-    folder.write("vantrel.conf", "vtr.locale=\"file\"\n");
+    set("vtr.locale", "pending");
+    writeFile("vtr.locale=\"file\"\n");
     ASSERT_EQ(confReload(store), 0);
     EXPECT_EQ(committed("vtr.locale"), "file");
     EXPECT_EQ(confGetString(store, "vtr.locale"), "pending");
@@ -232,19 +225,19 @@ TEST_F(ConfLoadTest, AReloadKeepsPendingChangesAndTheCurrentInstance) {
 }
 
 TEST_F(ConfLoadTest, ASecondInitialisationPutsTheGlobalDefaultsBackFirst) {
-    ASSERT_EQ(init("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n"), 0);
-    ASSERT_EQ(init("vtr.instance.B.dpi=\"2\"\n"), 0);
+    given("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
+    given("vtr.instance.B.dpi=\"2\"\n");
     EXPECT_EQ(committed("vtr.locale"), "");
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "1") << "instance keys are not touched";
 }
 
 TEST_F(ConfLoadTest, AddingAnInstanceOverwritesNothing) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\n"), 0);
+    given("vtr.instance.A.dpi=\"1\"\n");
     EXPECT_EQ(confAddInstance(store, "A"), 0);
     EXPECT_EQ(confAddInstance(store, "B"), 0);
     EXPECT_EQ(committed("vtr.instance.A.dpi"), "1");
     EXPECT_EQ(committed("vtr.instance.B.dpi"), "240");
-    EXPECT_EQ(confGetInstances(store), names({"A", "B"}));
+    EXPECT_EQ(confGetInstances(store), (Names{"A", "B"}));
 }
 
 TEST_F(ConfLoadTest, TheMutexOfAllProgramsHasTheProductsName) {
@@ -252,13 +245,13 @@ TEST_F(ConfLoadTest, TheMutexOfAllProgramsHasTheProductsName) {
 }
 
 TEST_F(ConfLoadTest, ALoadWaitsForTheMachineWideMutex) {
-    ASSERT_EQ(init("vtr.locale=\"old\"\n"), 0);
+    given("vtr.locale=\"old\"\n");
     XmutexNamed other;
     ASSERT_EQ(other.init(store.fileLockName), 0);
     other.lock();
     std::thread reload([this] { EXPECT_EQ(confReload(store), 0); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    folder.write("vantrel.conf", "vtr.locale=\"new\"\n");
+    waitUntilLocked();
+    writeFile("vtr.locale=\"new\"\n");
     other.unlock();
     reload.join();
     EXPECT_EQ(committed("vtr.locale"), "new");
@@ -287,31 +280,31 @@ TEST_F(ConfLoadTest, AReadThatFailsChangesNothing) {
     load(broken, "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
     readable = XERR_IO;
     EXPECT_EQ(confReload(broken), -1);
-    EXPECT_EQ(confGetInstances(broken), names({"A"}));
+    EXPECT_EQ(confGetInstances(broken), Names{"A"});
     EXPECT_EQ(confGetString(broken, "vtr.locale"), "a");
     EXPECT_EQ(confGetI32(broken, "vtr.instance.A.dpi"), 1);
 }
 
 TEST_F(ConfLoadTest, DeprecatedKeysAreRemembered) {
     ConfCatalogue old = confProductCatalogue();
-    old.registerGlobal("old", {ConfType::String, "d", false, true});
-    old.registerInstance("old", {ConfType::String, "", false, true});
+    old.registerGlobal("old", deprecatedText("d"));
+    old.registerInstance("old", deprecatedText());
     ConfStore other(old, confDiskFiles());
     load(other, "vtr.instance.A.old=\"1\"\n", /*allowDeprecated=*/true);
     const std::lock_guard<std::mutex> guard(other.lock);
-    EXPECT_EQ(other.deprecated, names({"vtr.old", "vtr.instance.A.old"}));
+    EXPECT_EQ(other.deprecated, (Names{"vtr.old", "vtr.instance.A.old"}));
 }
 
 TEST_F(ConfLoadTest, TheLoadItselfRemembersADeprecatedGlobalKey) {
     ConfCatalogue old;
-    old.registerGlobal("old", {ConfType::String, "d", false, true});
+    old.registerGlobal("old", deprecatedText("d"));
     ConfStore other(old, confDiskFiles());
-    folder.write("vantrel.conf", "vtr.old=\"1\"\n");
+    writeFile("vtr.old=\"1\"\n");
     const std::lock_guard<std::mutex> guard(other.lock);
     const std::lock_guard<XsharedMutex> changing(other.viewLock);
     other.path = path();
-    ASSERT_EQ(confReport(confApplyFile(other, folder.read("vantrel.conf"))), 0);
-    EXPECT_EQ(other.deprecated, names({"vtr.old"}));
+    ASSERT_EQ(confReport(confApplyFile(other, file())), 0);
+    EXPECT_EQ(other.deprecated, Names{"vtr.old"});
 }
 
 TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {
@@ -321,12 +314,12 @@ TEST_F(ConfLoadTest, AFailureToCreateTheMutexIsReturned) {
     EXPECT_EQ(committed("vtr.locale"), "") << "nothing is read without the lock";
 }
 
-TEST_F(ConfLoadTest, ACatalogueWithoutInstancePropertiesKnowsNoInstance) {
+TEST_F(ConfLoadTest, ACatalogueWithoutInstancePropertiesRefusesInstanceKeys) {
     ConfCatalogue globalsOnly;
     globalsOnly.registerGlobal("locale", {ConfType::String, ""});
     ConfStore other(globalsOnly, confDiskFiles());
-    folder.write("vantrel.conf", "vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
+    writeFile("vtr.locale=\"a\"\nvtr.instance.A.dpi=\"1\"\n");
     EXPECT_EQ(confLibInit(other, path(), false), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::keyUnknownIn("vtr.instance.A.dpi=\"1\"", "iprop")});
+    EXPECT_EQ(log.texts(), Lines{keyUnknown("vtr.instance.A.dpi=\"1\"", "iprop")});
     EXPECT_EQ(confGetString(other, "vtr.locale"), "a");
 }

@@ -17,7 +17,7 @@ class ConfLogOffTest : public ConfTest {
 
     bool validateDeprecated() {
         ConfCatalogue old;
-        old.registerGlobal("old", {ConfType::String, "", false, true});
+        old.registerGlobal("old", deprecatedText());
         const ConfStore other(old, confDiskFiles());
         return confValidateProp(other, "vtr.old", ConfType::String, false);
     }
@@ -32,11 +32,11 @@ class ConfLogOffTest : public ConfTest {
 
     // Commits a value, and expects that one in the file; a commit that fails leaves it as it was.
     int commit(const char* value, const std::string& expected) {
-        EXPECT_EQ(confSetString(store, "vtr.locale", value), 0);
-        const std::string before = folder.read("vantrel.conf");
+        set("vtr.locale", value);
+        const std::string before = file();
         const int result = confCommit(store);
-        if (result != 0) EXPECT_EQ(folder.read("vantrel.conf"), before);
-        EXPECT_NE(folder.read("vantrel.conf").find(expected), std::string::npos);
+        if (result != 0) EXPECT_EQ(file(), before);
+        EXPECT_NE(file().find(expected), std::string::npos);
         return result;
     }
 

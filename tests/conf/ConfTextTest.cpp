@@ -1,13 +1,13 @@
 #include "conf/ConfText.h"
+#include "support/Lines.h"
+#include "support/Rows.h"
 #include "support/TestHeaders.h"
 
 namespace {
 
-using Read = std::vector<std::string>;
-
-// "key>value" for each entry, then how it ended.
-Read readAll(std::string_view content) {
-    Read result;
+// "key>value" for each entry, then how the reading ended.
+Lines readAll(std::string_view content) {
+    Lines result;
     ConfTextReader reader(content);
     for (ConfEntry entry;;) {
         switch (reader.next(entry)) {
@@ -23,48 +23,38 @@ Read readAll(std::string_view content) {
     }
 }
 
+struct Reading {
+    const char* name;
+    std::string_view content;
+    Lines result;
+};
+
+const Reading kReadings[] = {
+    {"EntriesComeInOrder", "a=\"1\"\nb=\"2\"\n", {"a>1", "b>2", "end"}},
+    {"TheLastLineNeedsNoLineFeed", "a=\"1\"", {"a>1", "end"}},
+    {"AnEmptyTextHasNoEntries", "", {"end"}},
+    {"ABlankLineIsMalformed", "a=\"1\"\n\nb=\"2\"\n", {"a>1", "malformed "}},
+    {"ABlankFirstLineIsMalformed", "\n", {"malformed "}},
+    {"ALineWithoutEqualsIsMalformed", "# comment\n", {"malformed # comment"}},
+    {"OnlyTheFirstEqualsSeparates", "a=\"x=y\"\n", {"a>x=y", "end"}},
+    {"QuotesInsideAValueNeedNoEscape", "a=\"say \"hi\"\"\n", {"a>say \"hi\"", "end"}},
+    {"TheDroppedCharactersNeedNotBeQuotes", "a=[1]\n", {"a>1", "end"}},
+    {"ACarriageReturnIsDroppedInsteadOfTheClosingQuote",
+     "a=\"1\"\r\nb=\"\"\r\n",
+     {"a>1\"", "b>\"", "end"}},
+    {"AnEmptyValue", "a=\"\"\n", {"a>", "end"}},
+    {"AValueOfOneQuoteIsEmpty", "a=\"\n", {"a>", "end"}},
+    {"AnEmptyKey", "=\"x\"\n", {">x", "end"}},
+    {"AValueEndsAtItsFirstNul", {"a=\"1\0\x32\"\nb=\"3\"\n", 14}, {"a>1", "b>3", "end"}},
+};
+
+CASE_PER_ROW(ConfTextReading, ::testing::Test, kReadings);
+
 }  // namespace
 
-TEST(ConfText, ReadsEntriesInOrder) {
-    EXPECT_EQ(readAll("a=\"1\"\nb=\"2\"\n"), (Read{"a>1", "b>2", "end"}));
-}
+TEST_P(ConfTextReading, Yields) { EXPECT_EQ(readAll(GetParam().content), GetParam().result); }
 
-TEST(ConfText, TheLastLineNeedsNoLineFeed) { EXPECT_EQ(readAll("a=\"1\""), (Read{"a>1", "end"})); }
-
-TEST(ConfText, AnEmptyTextHasNoEntries) { EXPECT_EQ(readAll(""), Read{"end"}); }
-
-TEST(ConfText, ABlankLineIsMalformed) {
-    EXPECT_EQ(readAll("a=\"1\"\n\nb=\"2\"\n"), (Read{"a>1", "malformed "}));
-    EXPECT_EQ(readAll("\n"), Read{"malformed "});
-}
-
-TEST(ConfText, ALineWithoutEqualsIsMalformed) {
-    EXPECT_EQ(readAll("# comment\n"), Read{"malformed # comment"});
-}
-
-TEST(ConfText, OnlyTheFirstEqualsSeparates) {
-    EXPECT_EQ(readAll("a=\"x=y\"\n"), (Read{"a>x=y", "end"}));
-}
-
-TEST(ConfText, QuotesInsideAValueNeedNoEscape) {
-    EXPECT_EQ(readAll("a=\"say \"hi\"\"\n"), (Read{"a>say \"hi\"", "end"}));
-}
-
-TEST(ConfText, TheDroppedCharactersNeedNotBeQuotes) {
-    EXPECT_EQ(readAll("a=[1]\n"), (Read{"a>1", "end"}));
-}
-
-TEST(ConfText, CarriageReturnsAreDroppedInPlaceOfTheClosingQuote) {
-    EXPECT_EQ(readAll("a=\"1\"\r\nb=\"\"\r\n"), (Read{"a>1\"", "b>\"", "end"}));
-}
-
-TEST(ConfText, ShortestValues) {
-    EXPECT_EQ(readAll("a=\"\"\n"), (Read{"a>", "end"}));
-    EXPECT_EQ(readAll("a=\"\n"), (Read{"a>", "end"})) << "one character after the sign";
-    EXPECT_EQ(readAll("=\"x\"\n"), (Read{">x", "end"}));
-}
-
-TEST(ConfText, ALineThatEndsAtItsSignThrows) {
+TEST(ConfText, ALineThatEndsAtItsEqualsThrows) {
     EXPECT_THROW(readAll("a=\n"), std::out_of_range);
     EXPECT_THROW(readAll("b=\"1\"\na="), std::out_of_range);
 }
@@ -72,18 +62,11 @@ TEST(ConfText, ALineThatEndsAtItsSignThrows) {
 TEST(ConfText, ALineMayHave4096Bytes) {
     const std::string line = "a=\"" + std::string(4092, 'x') + "\"";
     ASSERT_EQ(line.size(), 4096u);
-    EXPECT_EQ(readAll(line), (Read{"a>" + std::string(4092, 'x'), "end"}));
-    EXPECT_EQ(readAll(line + "x"), Read{"malformed " + line + "x"});
+    EXPECT_EQ(readAll(line), (Lines{"a>" + std::string(4092, 'x'), "end"}));
+    EXPECT_EQ(readAll(line + "x"), Lines{"malformed " + line + "x"});
 }
 
-TEST(ConfText, AValueEndsAtItsFirstNul) {
-    EXPECT_EQ(readAll({"a=\"1\0"
-                       "2\"\nb=\"3\"\n",
-                       14}),
-              (Read{"a>1", "b>3", "end"}));
-}
-
-TEST(ConfText, TellsOfANulAnywhereInALine) {
+TEST(ConfText, ANulAnywhereInALineIsReported) {
     const auto hasNul = [](std::string_view line) {
         ConfTextReader reader(line);
         ConfEntry entry;
@@ -96,7 +79,7 @@ TEST(ConfText, TellsOfANulAnywhereInALine) {
         EXPECT_TRUE(hasNul(line)) << line;
     }
     EXPECT_FALSE(hasNul("a=\"1\"\n"));
-    EXPECT_FALSE(hasNul({"a=\"1\"\nb=\"\0\"\n", 13})) << "the next line's counts for itself";
+    EXPECT_FALSE(hasNul({"a=\"1\"\nb=\"\0\"\n", 13})) << "it belongs to the next line";
 }
 
 TEST(ConfText, LineLengthsFollowTheBoundedFormatter) {
@@ -119,7 +102,7 @@ TEST(ConfText, EntriesThatWouldNotReadBackAreRefused) {
     EXPECT_EQ(confCheckEntry("a\nb", "x"), XERR_INVAL);
     EXPECT_EQ(confCheckEntry("a=b", "x"), XERR_INVAL);
     EXPECT_EQ(confCheckEntry({"a\0b", 3}, "x"), XERR_INVAL);
-    EXPECT_EQ(confCheckEntry("a", {"x\0\n", 3}), XERR_SUCCESS) << "nothing behind a NUL is written";
+    EXPECT_EQ(confCheckEntry("a", {"x\0\n", 3}), XERR_SUCCESS) << "nothing after a NUL is written";
     EXPECT_EQ(confCheckEntry("a", "x=\"y\"\r\t"), XERR_SUCCESS);
 }
 
@@ -132,5 +115,5 @@ TEST(ConfText, WrittenLinesReadBack) {
     end = confEndLine(end + 1, {"x\0y", 3});
     const std::string text(room, end);
     EXPECT_EQ(text, "a=\"say \"hi\" = é日\"\nb=\"\"\nc=\"x\"\n");
-    EXPECT_EQ(readAll(text), (Read{"a>say \"hi\" = é日", "b>", "c>x", "end"}));
+    EXPECT_EQ(readAll(text), (Lines{"a>say \"hi\" = é日", "b>", "c>x", "end"}));
 }

@@ -23,7 +23,7 @@ void count(ConfStore& store, const std::string& instance) {
 }  // namespace
 
 TEST_F(ConfThreadsTest, EveryFunctionMayBeCalledFromAnyThread) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"0\"\nvtr.instance.B.dpi=\"0\"\n"), 0);
+    given("vtr.instance.A.dpi=\"0\"\nvtr.instance.B.dpi=\"0\"\n");
     const auto often = [](auto call) {
         return std::thread([call] {
             for (int round = 0; round < kRounds; ++round) call();
@@ -49,7 +49,7 @@ TEST_F(ConfThreadsTest, EveryFunctionMayBeCalledFromAnyThread) {
 }
 
 TEST_F(ConfThreadsTest, TheCurrentInstanceIsReadWithoutTheLock) {
-    ASSERT_EQ(init("vtr.instance.A.dpi=\"0\"\n"), 0);
+    given("vtr.instance.A.dpi=\"0\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     std::future<std::string> current;
     {

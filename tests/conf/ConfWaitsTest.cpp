@@ -77,9 +77,7 @@ const std::vector<Call>& callsThatNeverWait() {
 
 class ConfWaitsTest : public ConfTest {
  protected:
-    void SetUp() override {
-        ASSERT_EQ(init("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.ram=\"1\"\n"), 0);
-    }
+    void SetUp() override { given("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.ram=\"1\"\n"); }
 
     // The same configuration through other files.
     struct OtherStore : ConfStore {
@@ -147,7 +145,7 @@ TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForAnotherProgramThatHoldsTheFile) {
     XmutexNamed others;
     ASSERT_EQ(others.init(store.fileLockName), 0);
     for (const auto& work : {commit, reload}) {
-        confSetI32(store, "vtr.instance.A.ram", 3);
+        set("vtr.instance.A.ram", 3);
         std::thread worker;
         {
             const std::lock_guard<XmutexNamed> held(others);
@@ -210,8 +208,8 @@ TEST_F(ConfWaitsTest, ASetDuringACommitIsStagedWhenItReturns) {
     worker.join();
     EXPECT_TRUE(confIsPropPending(slow, "vtr.instance.A.ram"));
     EXPECT_FALSE(confIsPropPending(slow, kDpi));
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.dpi=\"2\"\n"), std::string::npos);
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.ram=\"1\"\n"), std::string::npos);
+    EXPECT_NE(file().find("vtr.instance.A.dpi=\"2\"\n"), std::string::npos);
+    EXPECT_NE(file().find("vtr.instance.A.ram=\"1\"\n"), std::string::npos);
 }
 
 TEST_F(ConfWaitsTest, ASetBeforeTheMergeIsPartOfTheCommit) {
@@ -228,7 +226,7 @@ TEST_F(ConfWaitsTest, ASetBeforeTheMergeIsPartOfTheCommit) {
     stop.letGoOn();
     worker.join();
     EXPECT_FALSE(confHasPendingChanges(slow));
-    EXPECT_NE(folder.read("vantrel.conf").find("vtr.instance.A.ram=\"5\"\n"), std::string::npos);
+    EXPECT_NE(file().find("vtr.instance.A.ram=\"5\"\n"), std::string::npos);
 }
 
 // Two commits of one change: the second one finds nothing to do, and not before the first is done.
@@ -253,7 +251,7 @@ TEST_F(ConfWaitsTest, ACommitWithoutChangesWaitsForTheOneThatRuns) {
 
 // A read never finds the default of a key that the file has.
 TEST_F(ConfWaitsTest, AnotherInitialisationShowsNoDefaultInBetween) {
-    folder.write("vantrel.conf", "vtr.locale=\"of the file\"\n");
+    writeFile("vtr.locale=\"of the file\"\n");
     ASSERT_EQ(confReload(store), 0);
     std::atomic<bool> done{false};
     std::thread again([&] {
@@ -271,8 +269,8 @@ TEST_F(ConfWaitsTest, TheListingIsOfOneMoment) {
     std::thread reloading([&] {
         for (int i = 0; i < 200; ++i) {
             const std::string number = std::to_string(i);
-            folder.write("vantrel.conf", "vtr.instance.A.dpi=\"" + number +
-                                             "\"\nvtr.instance.A.ram=\"" + number + "\"\n");
+            writeFile("vtr.instance.A.dpi=\"" + number + "\"\nvtr.instance.A.ram=\"" + number +
+                      "\"\n");
             EXPECT_EQ(confReload(store), 0);
         }
         done = true;
@@ -292,7 +290,7 @@ TEST_F(ConfWaitsTest, AnInstanceIsNeverListedWhileItsKeysAreFatal) {
     std::atomic<bool> done{false};
     std::thread deleting([&] {
         for (int i = 0; i < 100; ++i) {
-            folder.write("vantrel.conf", "vtr.instance.A.dpi=\"1\"\n");
+            writeFile("vtr.instance.A.dpi=\"1\"\n");
             EXPECT_EQ(confReload(store), 0);
             EXPECT_EQ(confDeleteInstance(store, "A"), 0);
             EXPECT_EQ(confCommit(store), 0);

@@ -8,7 +8,7 @@ RegistrySandbox::RegistrySandbox() {
     static std::atomic<int> count{0};
     key_ = L"Software\\QXBridgeTests\\" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
            std::to_wstring(++count);
-    // A process that the library ended cannot have cleaned up, and process ids come again.
+    // A process that ended fatally has not cleaned up, and process ids are reused.
     ::RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());
     const HKEY own = createRegistryKey(HKEY_CURRENT_USER, key_.c_str());
     ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, own);
@@ -22,9 +22,4 @@ RegistrySandbox::~RegistrySandbox() {
 
 void RegistrySandbox::set(std::string_view name, std::string_view text) {
     setProductText(name, text);
-}
-
-void RegistrySandbox::setRaw(std::string_view name, unsigned long type, const void* data,
-                             std::size_t size) {
-    setProductValue(name, type, data, size);
 }

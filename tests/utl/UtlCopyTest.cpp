@@ -22,8 +22,8 @@ Lines treeOf(const std::string& folder) {
     return tree;
 }
 
-std::string failedLine(const std::string& name) {
-    return "W UTL utlCopyRecursive: Failed to copy file = " + name;
+std::string sourceMissing(const std::string& path) {
+    return "W UTL utlCopyRecursive: source dir " + path + " doesn't exist";
 }
 
 class UtlCopyTest : public ::testing::Test {
@@ -36,13 +36,20 @@ class UtlCopyTest : public ::testing::Test {
 
     XErr copy() { return utlCopyRecursive(source, destination); }
 
-    // A copy with this result leaves this tree, and a line for each of the files that failed.
+    // Expects a line for each of these files and no other line.
+    void expectFailed(const Lines& files) const {
+        Lines lines;
+        for (const std::string& name : files) {
+            lines.push_back("W UTL utlCopyRecursive: Failed to copy file = " + name);
+        }
+        EXPECT_EQ(log.texts(XLOG_VERBOSE), lines);
+    }
+
+    // A copy with this result leaves this tree, and these files fail.
     void expectCopy(XErr result, const Lines& tree, const Lines& failed = {}) {
         EXPECT_EQ(copy(), result);
         EXPECT_EQ(treeOf(destination), tree);
-        Lines lines;
-        for (const std::string& name : failed) lines.push_back(failedLine(name));
-        EXPECT_EQ(log.texts(XLOG_VERBOSE), lines);
+        expectFailed(failed);
     }
 
     TempFolder folder;
@@ -57,12 +64,10 @@ TEST_F(UtlCopyTest, CopiesEveryFileAndFolder) {
     fillSource({"a", "b.json", "sub\\c", "sub\\deeper\\d", "other\\e"});
     folder.makeFolder("source\\empty");
     folder.makeFolder("destination");
-    EXPECT_EQ(copy(), 0);
+    expectCopy(
+        0, {"a=new a", "b.json=new b.json", "empty\\", "other\\", "other\\e=new other\\e", "sub\\",
+            "sub\\c=new sub\\c", "sub\\deeper\\", "sub\\deeper\\d=new sub\\deeper\\d"});
     EXPECT_EQ(treeOf(destination), treeOf(source));
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "b.json=new b.json", "empty\\", "other\\",
-                                          "other\\e=new other\\e", "sub\\", "sub\\c=new sub\\c",
-                                          "sub\\deeper\\", "sub\\deeper\\d=new sub\\deeper\\d"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
 TEST_F(UtlCopyTest, FilesAreCopiedByteForByte) {
@@ -86,28 +91,25 @@ TEST_F(UtlCopyTest, TheSourceStaysAsItIs) {
 
 TEST_F(UtlCopyTest, AMissingSourceIsAWarningAndSuccess) {
     EXPECT_EQ(utlCopyRecursive(folder / "nowhere", destination), 0);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"W UTL utlCopyRecursive: source dir " +
-                                             (folder / "nowhere") + " doesn't exist"});
+    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{sourceMissing(folder / "nowhere")});
     EXPECT_EQ(folder.list(), Lines{"source"});
 }
 
 TEST_F(UtlCopyTest, AFileInPlaceOfTheSourceIsAMissingSource) {
     folder.write("file", "x");
     EXPECT_EQ(utlCopyRecursive(folder / "file", destination), 0);
-    EXPECT_EQ(log.texts(),
-              Lines{"W UTL utlCopyRecursive: source dir " + (folder / "file") + " doesn't exist"});
+    EXPECT_EQ(log.texts(), Lines{sourceMissing(folder / "file")});
 }
 
 TEST_F(UtlCopyTest, ASourceThatIsNotUtf8IsAMissingSource) {
     EXPECT_EQ(utlCopyRecursive(source + "\xff", destination), 0);
-    EXPECT_EQ(log.texts(),
-              Lines{"W UTL utlCopyRecursive: source dir " + source + "\xff doesn't exist"});
+    EXPECT_EQ(log.texts(), Lines{sourceMissing(source + "\xff")});
 }
 
 TEST_F(UtlCopyTest, AnEmptySourceDoesNotCreateTheDestination) {
     EXPECT_EQ(copy(), 0);
     EXPECT_EQ(folder.list(), Lines{"source"});
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    expectFailed({});
 }
 
 TEST_F(UtlCopyTest, AnEmptySourceLeavesTheDestinationUnchanged) {
@@ -119,14 +121,12 @@ TEST_F(UtlCopyTest, AMissingDestinationIsNotCreatedForFiles) {
     fillSource({"a"});
     EXPECT_EQ(copy(), -1);
     EXPECT_EQ(folder.list(), Lines{"source"});
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("a")});
+    expectFailed({"a"});
 }
 
 TEST_F(UtlCopyTest, AMissingDestinationIsCreatedForSubfoldersWhichComeFirst) {
     fillSource({"a", "sub\\b"});
-    EXPECT_EQ(copy(), 0) << "the folder is there by the time the file is copied";
-    EXPECT_EQ(treeOf(destination), (Lines{"a=new a", "sub\\", "sub\\b=new sub\\b"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    expectCopy(0, {"a=new a", "sub\\", "sub\\b=new sub\\b"});
 }
 
 TEST_F(UtlCopyTest, MissingParentsAreCreatedForSubfolders) {
@@ -156,8 +156,7 @@ TEST_F(UtlCopyTest, FailuresOfAFolderAreLoggedByNameWithoutRegardToCase) {
     folder.makeFolder("destination");
     for (const std::string& name : names) folder.write("destination\\" + name, "old");
     EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE),
-              (Lines{failedLine("a"), failedLine("B"), failedLine("C"), failedLine("d")}));
+    expectFailed({"a", "B", "C", "d"});
 }
 
 TEST_F(UtlCopyTest, AFolderInPlaceOfAFileStays) {
@@ -188,7 +187,7 @@ TEST_F(UtlCopyTest, AFailureOneLevelDownIsLoggedBeforeThoseOfTheFolderItself) {
     folder.write("destination\\a", "old");
     const HeldFile held(source + "\\sub\\b");
     EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{failedLine("b"), failedLine("a")}));
+    expectFailed({"b", "a"});
 }
 
 TEST_F(UtlCopyTest, ASubfolderThatCannotBeMadeFailsItsFilesOnly) {
@@ -207,18 +206,15 @@ TEST_F(UtlCopyTest, ASubfolderThatCannotBeRemovedKeepsWhatIsHeld) {
         EXPECT_EQ(copy(), 0);
     }
     EXPECT_EQ(treeOf(destination), (Lines{"sub\\", "sub\\b=old", "sub\\c=new sub\\c"}));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("b")});
+    expectFailed({"b"});
 }
 
 TEST_F(UtlCopyTest, NamesOutsideAsciiAreKept) {
     fillSource({"Ünïcode", "日本\\アプリ", "😀\\😀"});
     folder.makeFolder("destination");
-    EXPECT_EQ(copy(), 0);
-    EXPECT_EQ(treeOf(destination), treeOf(source));
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
+    expectCopy(0, treeOf(source));
     EXPECT_EQ(copy(), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("Ünïcode")})
-        << "the folders were copied afresh";
+    expectFailed({"Ünïcode"});  // the folders were replaced
 }
 
 TEST_F(UtlCopyTest, FoldersOutsideAsciiAreTakenAsUtf8) {
@@ -227,8 +223,7 @@ TEST_F(UtlCopyTest, FoldersOutsideAsciiAreTakenAsUtf8) {
     EXPECT_EQ(utlCopyRecursive(folder / "日本", folder / "Ünïcode"), 0);
     EXPECT_EQ(folder.read("Ünïcode\\a"), "x");
     EXPECT_EQ(utlCopyRecursive(folder / "日本語", folder / "Ünïcode"), 0);
-    EXPECT_EQ(log.texts(), Lines{"W UTL utlCopyRecursive: source dir " + (folder / "日本語") +
-                                 " doesn't exist"});
+    EXPECT_EQ(log.texts(), Lines{sourceMissing(folder / "日本語")});
 }
 
 TEST_F(UtlCopyTest, BothSeparatorsAreTaken) {
@@ -261,6 +256,6 @@ TEST_F(UtlCopyTest, AFailureBeyond260CharactersIsLogged) {
     writeBytes("\\\\?\\" + source + deep + "\\file", "new");
     writeBytes("\\\\?\\" + destination + deep + "\\file", "old");
     EXPECT_EQ(utlCopyRecursive(source + deep, destination + deep), -1);
-    EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{failedLine("file")});
+    expectFailed({"file"});
     EXPECT_EQ(readBytes("\\\\?\\" + destination + deep + "\\file"), "old");
 }

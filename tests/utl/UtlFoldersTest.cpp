@@ -1,5 +1,4 @@
 #include "support/FatalBreak.h"
-#include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/TestHeaders.h"
@@ -7,120 +6,106 @@
 
 namespace {
 
-// The folders are read once per process, so each case has a process of its own, which prints what
-// it got. The last line of a fatal case is the log's.
-std::string output(const std::string& subprocess, const SubprocessArguments& arguments) {
-    const ChildResult result = runSubprocess(subprocess, arguments);
-    EXPECT_EQ(result.status, 0u) << result.out << result.err;
-    return result.out;
-}
-
 const std::string kNotAbsolute =
     "E   utlInstallDir: Failed to initialize installDir properly: Got ";
 const std::string kBreak = logged::fatalBreak("", "Source/utl/Utl");
 
+// The folders as a name for each function that tests call.
+const std::map<std::string, std::function<std::string()>> kFolders{
+    {"data", utlGetDataDir},
+    {"logs", utlLogsDir},
+    {"log", utlPlayerLogPath},
+    {"assets", utlAssetsDir},
+    {"shared", utlSharedDir},
+    {"install", utlGetInstallDir},
+    {"wide data", [] { return utlDataDir().u8string(); }},
+    {"wide install", [] { return utlInstallDir().u8string(); }},
+};
+
 }  // namespace
 
-SUBPROCESS(printFolders) {
+// Prints folders, given their names and, as "Name=Value", values of the registry. In a process of
+// its own, since the folders are read once per process.
+SUBPROCESS(printsFolders) {
     RegistrySandbox registry;
-    if (!arguments.empty()) registry.set("UserDefinedDir", arguments[0]);
-    std::printf("%s|%s|%s|%s|%s", utlGetDataDir().c_str(), utlLogsDir().c_str(),
-                utlPlayerLogPath().c_str(), utlAssetsDir().c_str(), utlSharedDir().c_str());
-    return 0;
-}
-
-SUBPROCESS(printInstallDir) {
-    RegistrySandbox registry;
-    if (!arguments.empty()) registry.set("InstallDir", arguments[0]);
-    std::printf("%s", utlGetInstallDir().c_str());
-    return 0;
-}
-
-SUBPROCESS(printWideDirs) {
-    RegistrySandbox registry;
-    registry.set("InstallDir", arguments[0]);
-    registry.set("UserDefinedDir", arguments[1]);
-    std::printf("%s|%s", utlInstallDir().u8string().c_str(), utlDataDir().u8string().c_str());
-    return 0;
-}
-
-SUBPROCESS(printMissingWideDir) {
-    RegistrySandbox registry;
-    std::printf("%s",
-                (arguments[0] == "install" ? utlInstallDir() : utlDataDir()).u8string().c_str());
-    return 0;
-}
-
-SUBPROCESS(changesTheRegistryBetween) {
-    RegistrySandbox registry;
-    registry.set("InstallDir", "C:\\First\\");
-    const std::string first = utlGetInstallDir();
-    registry.set("InstallDir", "C:\\Second\\");
-    std::printf("%s|%s", first.c_str(), utlGetInstallDir().c_str());
+    for (const std::string& argument : arguments) {
+        const std::size_t equals = argument.find('=');
+        if (equals == std::string::npos) {
+            std::printf("%s\n", kFolders.at(argument)().c_str());
+        } else {
+            registry.set(argument.substr(0, equals), argument.substr(equals + 1));
+        }
+    }
     return 0;
 }
 
 TEST(UtlFolders, DerivedFoldersKeepTheirMixedSeparators) {
-    EXPECT_EQ(output("printFolders", {"D:\\Data"}),
-              "D:\\Data\\|D:\\Data\\Logs/|D:\\Data\\Logs/Player.log|D:\\Data\\Client/Assets/|"
-              "D:\\Data\\/Engine/UserData/SharedFolder/");
+    EXPECT_EQ(subprocessOutput("printsFolders", {"UserDefinedDir=D:\\Data", "data", "logs", "log",
+                                                 "assets", "shared"}),
+              "D:\\Data\\\nD:\\Data\\Logs/\nD:\\Data\\Logs/Player.log\nD:\\Data\\Client/Assets/\n"
+              "D:\\Data\\/Engine/UserData/SharedFolder/\n");
 }
 
 TEST(UtlFolders, AMissingDataFolderIsOneSeparator) {
-    EXPECT_EQ(output("printFolders", {}),
-              "\\|\\Logs/|\\Logs/Player.log|\\Client/Assets/|\\/Engine/UserData/SharedFolder/");
+    EXPECT_EQ(
+        subprocessOutput("printsFolders", {"data", "logs", "log", "assets", "shared"}),
+        "\\\n\\Logs/\n\\Logs/Player.log\n\\Client/Assets/\n\\/Engine/UserData/SharedFolder/\n");
 }
 
 TEST(UtlFolders, TheInstallFolderGetsNoSeparator) {
-    EXPECT_EQ(output("printInstallDir", {"C:\\Apps\\Player"}), "C:\\Apps\\Player");
+    EXPECT_EQ(subprocessOutput("printsFolders", {"InstallDir=C:\\Apps\\Player", "install"}),
+              "C:\\Apps\\Player\n");
 }
 
 TEST(UtlFolders, AMissingInstallFolderIsFatal) {
-    EXPECT_EQ(linesUntilBreak("printInstallDir"),
+    EXPECT_EQ(linesUntilBreak("printsFolders", {"install"}),
               (Lines{logged::untagged(logged::installFolderUnknown()), kBreak}));
 }
 
 TEST(UtlFolders, AChangeOfTheRegistryIsNeverSeen) {
-    EXPECT_EQ(output("changesTheRegistryBetween", {}), "C:\\First\\|C:\\First\\");
+    EXPECT_EQ(subprocessOutput("printsFolders", {"InstallDir=C:\\First\\", "install",
+                                                 "InstallDir=C:\\Second\\", "install"}),
+              "C:\\First\\\nC:\\First\\\n");
 }
 
 TEST(UtlFolders, WideFoldersAreTheRegistrysOwn) {
-    EXPECT_EQ(output("printWideDirs", {"C:\\Apps\\Player", "\\\\server\\share\\Data"}),
-              "C:\\Apps\\Player|\\\\server\\share\\Data");
+    EXPECT_EQ(subprocessOutput("printsFolders", {"InstallDir=C:\\Apps\\Player",
+                                                 "UserDefinedDir=\\\\server\\share\\Data",
+                                                 "wide install", "wide data"}),
+              "C:\\Apps\\Player\n\\\\server\\share\\Data\n");
 }
 
 TEST(UtlFolders, ARelativeInstallFolderIsFatalForTheWideForm) {
-    EXPECT_EQ(linesUntilBreak("printWideDirs", {"Apps", "C:\\Data"}),
+    EXPECT_EQ(linesUntilBreak("printsFolders", {"InstallDir=Apps", "wide install"}),
               (Lines{kNotAbsolute + "Apps", kBreak}));
 }
 
 TEST(UtlFolders, ARelativeDataFolderIsFatalForTheWideForm) {
-    EXPECT_EQ(linesUntilBreak("printWideDirs", {"C:\\Apps", "Data"}), Lines{kBreak});
+    EXPECT_EQ(linesUntilBreak("printsFolders", {"UserDefinedDir=Data", "wide data"}),
+              Lines{kBreak});
 }
 
-TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideFormWhichGotNothing) {
-    EXPECT_EQ(linesUntilBreak("printMissingWideDir", {"install"}), (Lines{kNotAbsolute, kBreak}));
+TEST(UtlFolders, AMissingInstallFolderIsFatalForTheWideForm) {
+    EXPECT_EQ(linesUntilBreak("printsFolders", {"wide install"}), (Lines{kNotAbsolute, kBreak}));
 }
 
 TEST(UtlFolders, AMissingDataFolderIsFatalForTheWideForm) {
-    EXPECT_EQ(linesUntilBreak("printMissingWideDir", {"data"}), Lines{kBreak});
+    EXPECT_EQ(linesUntilBreak("printsFolders", {"wide data"}), Lines{kBreak});
 }
 
 TEST(UtlFolders, AbsoluteMeansARootAndASeparator) {
-    EXPECT_TRUE(utlIsAbsolute(L"C:\\"));
-    EXPECT_TRUE(utlIsAbsolute(L"C:/Data"));
-    EXPECT_TRUE(utlIsAbsolute(L"\\\\server\\share\\x"));
-    EXPECT_FALSE(utlIsAbsolute(L""));
-    EXPECT_FALSE(utlIsAbsolute(L"C:"));
-    EXPECT_FALSE(utlIsAbsolute(L"C:Data"));
-    EXPECT_FALSE(utlIsAbsolute(L"\\Data"));
-    EXPECT_FALSE(utlIsAbsolute(L"\\\\server\\share"));
-    EXPECT_FALSE(utlIsAbsolute(L"\\:\\Data")) << "a drive is a letter";
-    EXPECT_FALSE(utlIsAbsolute(L"1:\\Data"));
-    EXPECT_FALSE(utlIsAbsolute(L"::\\Data"));
-    EXPECT_FALSE(utlIsAbsolute(L"\\\\\\\\")) << "a server has a name";
-    EXPECT_FALSE(utlIsAbsolute(L"\\\\\\share\\x"));
-    EXPECT_TRUE(utlIsAbsolute(L"z:/Data"));
+    for (const wchar_t* path : {L"C:\\", L"C:/Data", L"z:/Data", L"\\\\server\\share\\x"}) {
+        EXPECT_TRUE(utlIsAbsolute(path)) << path;
+    }
+    for (const wchar_t* path : {L"", L"C:", L"C:Data", L"\\Data", L"\\\\server\\share"}) {
+        EXPECT_FALSE(utlIsAbsolute(path)) << path;
+    }
+    for (const wchar_t* path : {L"\\:\\Data", L"1:\\Data", L"::\\Data"}) {
+        EXPECT_FALSE(utlIsAbsolute(path)) << path << ": a drive is a letter";
+    }
+    for (const wchar_t* path : {L"\\\\\\\\", L"\\\\\\share\\x"}) {
+        EXPECT_FALSE(utlIsAbsolute(path)) << path << ": a server has a name";
+    }
 }
 
 TEST(UtlFolders, ADriveOrTwoLeadingSeparatorsMakeARoot) {

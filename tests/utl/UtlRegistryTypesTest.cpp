@@ -1,4 +1,4 @@
-// Values as only the registry of Windows has them.
+// Values that only the registry of Windows has.
 #include "support/RegistryKey.h"
 #include "support/RegistrySandbox.h"
 #include "support/TestHeaders.h"
@@ -19,25 +19,25 @@ class UtlRegistryTypes : public ::testing::Test {
 }  // namespace
 
 TEST_F(UtlRegistryTypes, AnExpandableTextCountsAsMissing) {
-    registry.setRaw("Version", REG_EXPAND_SZ, L"x", 4);
+    setProductValue("Version", REG_EXPAND_SZ, L"x", 4);
     EXPECT_EQ(read("Version"), "default");
 }
 
 TEST_F(UtlRegistryTypes, ANumberCountsAsMissing) {
     const DWORD number = 5;
-    registry.setRaw("Version", REG_DWORD, &number, sizeof number);
+    setProductValue("Version", REG_DWORD, &number, sizeof number);
     EXPECT_EQ(read("Version"), "default");
 }
 
 TEST_F(UtlRegistryTypes, TheTerminatorMayBeMissingOrDoubled) {
-    registry.setRaw("Version", REG_SZ, L"abc", 6);
+    setProductValue("Version", REG_SZ, L"abc", 6);
     EXPECT_EQ(read("Version"), "abc");
-    registry.setRaw("Version", REG_SZ, L"abc\0", 10);
+    setProductValue("Version", REG_SZ, L"abc\0", 10);
     EXPECT_EQ(read("Version"), "abc");
 }
 
 TEST_F(UtlRegistryTypes, AnOddSizeLosesItsLastByte) {
-    registry.setRaw("Version", REG_SZ, L"abc", 5);
+    setProductValue("Version", REG_SZ, L"abc", 5);
     EXPECT_EQ(read("Version"), "ab");
 }
 

@@ -1,4 +1,4 @@
-// A registry of this process's own: the file that the library reads here. Children inherit it.
+// The registry of this process: the file that the library reads here. Children inherit it.
 #include "support/RegistrySandbox.h"
 
 #include <atomic>
@@ -38,9 +38,4 @@ void RegistrySandbox::set(std::string_view name, std::string_view text) {
     std::ofstream file(fileOf(key_), std::ios::app | std::ios::binary);
     file << "HKLM\\SOFTWARE\\Vantrel_nvo\\" << name << '=' << text << '\n';
     if (!file.flush()) throw std::runtime_error("cannot write the registry's file");
-}
-
-// This registry has texts only.
-void RegistrySandbox::setRaw(std::string_view, unsigned long, const void*, std::size_t) {
-    throw std::logic_error("needs the registry of Windows");
 }
