@@ -10,21 +10,28 @@ name="QX-Bridge-$(project_version)-windows-kit"
 folder="$into/kit-package/$name"
 
 rm -rf "$into/kit-package"
-mkdir -p "$folder"/{bin,tests,standins,kit,docs,include,lib,bindings/node_modules}
+mkdir -p "$folder"/{bin,tests/bindings,standins,kit,docs,include,lib,bindings/node_modules}
 
 # The programs, without what debuggers want.
 cp "$build"/bin/*.{dll,exe} "$folder/bin"
 cp "$build"/standins/*.{dll,exe} "$folder/standins"
 cp "$build"/kit/*.exe "$folder/kit"
 cp "$build"/tests/*.exe "$build"/tests/{QX-Bridge,Qt5Core,Qt5Network,late_plugin}.dll "$folder/tests"
-cp "$build"/tests/bindings/dotnet_host.{dll,runtimeconfig.json} "$folder/tests"
+cp "$build"/tests/bindings/{dotnet_host,dotnet_scenario,listing_csharp}.{dll,runtimeconfig.json} \
+    "$build"/tests/example_csharp.{dll,runtimeconfig.json} "$folder/tests"
+cp -r "$build/tests/recording" "$folder/tests"
+# tests/bindings/scenario.py takes a DLL for the real library.
+cp "$folder/tests/recording/QX-Bridge".{dll,pyd}
+
+# The tests of the bindings and the examples, at their places in the tree.
+cp -r "$tree/examples" "$folder"
+cp -r "$tree"/tests/bindings/{node,python,scenario.py,scenarios.txt} "$folder/tests/bindings"
 
 # What a Microsoft compiler and the languages' runtimes need.
 cp -r "$tree/include/bridge" "$folder/include"
 cp "$build/lib/QX-Bridge.lib" "$folder/lib"
-cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/smoke.* "$folder/bindings"
+cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/*.{js,py} "$folder/bindings"
 cp -r "$tree/bindings/python" "$folder/bindings"
-rm -rf "$folder/bindings/python/__pycache__"
 cp -r "$tree/bindings/node" "$folder/bindings/node_modules/qx-bridge"
 koffi="$(bash "$tree/toolchain/node.sh" --dir)/node_modules/koffi"
 native=build/koffi/win32_x64
@@ -32,6 +39,8 @@ mkdir -p "$folder/bindings/node_modules/koffi/$native"
 cp "$koffi"/{package.json,LICENSE.txt,*.js} "$folder/bindings/node_modules/koffi"
 if [ -d "$koffi/lib" ]; then cp -r "$koffi/lib" "$folder/bindings/node_modules/koffi"; fi
 cp "$koffi/$native"/* "$folder/bindings/node_modules/koffi/$native"
+
+find "$folder" -name __pycache__ -prune -exec rm -rf {} +
 
 bash "$tree/toolchain/licences.sh" "$folder/licences"
 cp "$tree/kit/checks.txt" "$folder"

@@ -39,5 +39,5 @@ while IFS= read -r -d '' file; do
         die "the signature of $file is not valid"
     cat "$signed" >"$file"
     count=$((count + 1))
-done < <(find "$folder" \( -name '*.dll' -o -name '*.exe' \) -print0 | LC_ALL=C sort -z)
+done < <(find "$folder" \( -name '*.dll' -o -name '*.exe' -o -name '*.node' -o -name '*.pyd' \) -print0 | LC_ALL=C sort -z)
 say "$count files signed." >&2

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # try-kit.sh ZIP WORK [ARGUMENT...]: unpacks the Windows kit into a folder whose name has a blank and
 # letters outside ASCII, and runs it under Wine, in a prefix of its own, with these arguments. The
-# results are in WORK.
+# results are in WORK. Where the cache has Node and .NET for Windows, they are in PATH.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -18,6 +18,8 @@ kit="$work/Prüfung ж 日本"
 mkdir "$kit"
 python3 -m zipfile -e "$zip" "$kit"
 mv "$kit"/*/* "$kit"
+export WINEPATH
+WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)"
 status=0
 "$tree/toolchain/wine.sh" "$kit/kit/run_checks.exe" --no-questions "$@" </dev/null || status=$?
 cp -r "$kit/results" "$work/results"

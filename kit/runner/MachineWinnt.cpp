@@ -33,9 +33,9 @@ struct KeyCloser {
 };
 using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
 
-OwnedKey openKey(const wchar_t* path) {
+OwnedKey openKey(const wchar_t* path, REGSAM access = KEY_READ) {
     HKEY key = nullptr;
-    ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ | KEY_WOW64_64KEY, &key);
+    ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, access | KEY_WOW64_64KEY, &key);
     return OwnedKey(key);
 }
 
@@ -216,6 +216,8 @@ bool isElevated() {
     const auto elevation = tokenSays<TOKEN_ELEVATION>(TokenElevation);
     return elevation && elevation->TokenIsElevated != 0;
 }
+
+bool canWriteMachineKeys() { return openKey(L"SOFTWARE", KEY_CREATE_SUB_KEY) != nullptr; }
 
 bool isProductInstalled() { return openKey(L"SOFTWARE\\Vantrel_nvo") != nullptr; }
 

@@ -6,7 +6,7 @@ bool isOfKit(const std::string& program) { return program.find('/') != std::stri
 
 Obstacle obstacleOf(const Check& check, const Conditions& conditions) {
     if (check.has("windows") && conditions.isWine) return {Outcome::NeedsWindows, "this is Wine"};
-    if (check.has("elevated") && !conditions.isElevated) {
+    if (check.has("elevated") && !conditions.writesMachineKeys) {
         return {Outcome::Skipped, "needs elevation: its programs read HKEY_LOCAL_MACHINE"};
     }
     if (check.has("plain") && conditions.isElevated) {

@@ -17,6 +17,7 @@ struct Obstacle {
 struct Conditions {
     bool isWine = false;
     bool isElevated = false;
+    bool writesMachineKeys = false;       // below HKEY_LOCAL_MACHINE
     std::vector<std::string> takenFiles;  // of the kit, which are missing or changed
 };
 

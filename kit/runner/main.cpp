@@ -45,7 +45,7 @@ constexpr const char* kInstalled =
 
 // What the tests need of the kit.
 constexpr const char* kProgramFolders[] = {"bin",     "tests", "standins", "kit",
-                                           "include", "lib",   "bindings"};
+                                           "include", "lib",   "bindings", "examples"};
 
 // Test programs take their own path for ASCII, and make longer ones below it.
 constexpr std::size_t kLongestPlainPath = 100;
@@ -214,7 +214,7 @@ void KitRun::checkFiles() {
 }
 
 void KitRun::runChecks() {
-    const Runner runner(options_, folders_, {isWine(), isElevated(), taken_});
+    const Runner runner(options_, folders_, {isWine(), isElevated(), canWriteMachineKeys(), taken_});
     for (const Check& check : table_.checks) {
         if (isEverythingStopped()) return;
         if (!runner.isWanted(check)) continue;

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """recorder.py HEADER OUTPUT: writes a C file in which each function of bridge.h writes down its name and
-its arguments. The definitions are weak: fake_bridge.c replaces those that have to do more."""
+its arguments, except those that fake_bridge.c defines."""
 
 import pathlib
+import re
 import sys
 
 sys.dont_write_bytecode = True
@@ -29,13 +30,14 @@ def definition(name, signature):
     body = BODIES[signature.result].format(note=f"note({', '.join([chr(34) + line + chr(34), *values])})",
                                            key=key)
     unused = "".join(f"    (void){one.name};\n" for one in signature.parameters if one not in shown)
-    return (f"__attribute__((weak)) {C[signature.result]} {name}({', '.join(parameters) or 'void'}) {{\n"
+    return (f"{C[signature.result]} {name}({', '.join(parameters) or 'void'}) {{\n"
             f"{unused}    {body}\n}}\n")
 
 
 def main(source, output):
-    text = pathlib.Path(source).read_text("utf-8")
-    definitions = [definition(*one) for one in header.functions(text).items()]
+    functions = header.functions(pathlib.Path(source).read_text("utf-8"))
+    other = set(re.findall(r"^[a-z]\S* (bridge\w+)\(", (TREE / "tests/bindings/fake_bridge.c").read_text("utf-8"), re.M))
+    definitions = [definition(name, one) for name, one in functions.items() if name not in other]
     pathlib.Path(output).write_text(
         '#include <stddef.h>\n\n#include "fake_bridge.h"\n\n' + "\n".join(definitions), "utf-8")
 

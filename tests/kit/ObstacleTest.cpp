@@ -16,8 +16,9 @@ Check checkWith(std::vector<std::string> needs) {
     return check;
 }
 
+// A process that can write machine keys where it is elevated, as on Windows.
 Conditions conditions(bool isWine, bool isElevated, std::vector<std::string> taken = {}) {
-    return {isWine, isElevated, std::move(taken)};
+    return {isWine, isElevated, isElevated, std::move(taken)};
 }
 
 constexpr const char* kElevation = "needs elevation: its programs read HKEY_LOCAL_MACHINE";
@@ -49,6 +50,12 @@ TEST(KitObstacle, WithoutElevationWhatNeedsItIsSkippedWithItsReason) {
     EXPECT_EQ(obstacle.reason, kElevation);
     EXPECT_EQ(obstacleOf(checkWith({"elevated"}), conditions(false, true)).outcome,
               Outcome::Passed);
+}
+
+TEST(KitObstacle, WhereAnyoneWritesMachineKeysNoElevationIsNeeded) {
+    const Conditions wine = {true, false, true, {}};
+    EXPECT_EQ(obstacleOf(checkWith({"elevated"}), wine).outcome, Outcome::Passed);
+    EXPECT_EQ(obstacleOf(checkWith({"plain"}), wine).outcome, Outcome::Passed);
 }
 
 TEST(KitObstacle, WithElevationNoPromptCanBeChecked) {
