@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws docs/watch.svg: what `bridgectl watch` shows on a console while the stand-ins work. Wants a
-# build, and the target console_shot.
+# Draws docs/pictures/watch.svg: what `bridgectl watch` shows on a console while the stand-ins work. Needs
+# a build, and the target console_shot.
 set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"
 
@@ -42,4 +42,4 @@ bridgectl uninstall Nougat64 com.example.notes
 wait "$shot"
 bridgectl shutdown Nougat64
 bridgectl shutdown
-python3 "$tree/demo/screen.py" "$data/screen.txt" "$tree/docs/watch.svg"
+python3 "$tree/demo/screen.py" "$data/screen.txt" "$tree/docs/pictures/watch.svg"

@@ -72,12 +72,14 @@ for program in bin/*.dll bin/*.exe tools/*.exe; do
     done < <("$readobj" --coff-imports "$program" | sed -n 's/^  Name: \(..*\)$/\1/p')
 done
 
-# The document's hosts are the ones that are built here, of ten lines at most.
+# The document's programs are the ones that are built here. The hosts have ten lines at most.
 consumer="$tree/tests/package/consumer"
 page=$(<share/doc/getting-started.md)
-for host in host.c host.cpp host.js host.cs host.py; do
-    [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$host")"* ]] || fail "$host is not the document's"
-    [ "$(grep -c . "$consumer/$host")" -le 10 ] || fail "$host has more than ten lines"
+for language in c cpp js cs py; do
+    for program in "host.$language" "event.$language"; do
+        [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$program")"* ]] || fail "$program is not the document's"
+    done
+    [ "$(grep -c . "$consumer/host.$language")" -le 10 ] || fail "host.$language has more than ten lines"
 done
 
 tour=$(sed '1,/^void tour/d; /^}$/d' "$consumer/tour.cpp")
@@ -93,6 +95,15 @@ cmake -S "$consumer" -B "$work/clang" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$root" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/clang"
+
+# The document's CMakeLists.txt.
+mkdir "$work/page"
+cp "$consumer"/{host,event}.c "$work/page"
+sed -n '/^    cmake_minimum_required/,/^$/s/^    //p' share/doc/getting-started.md >"$work/page/CMakeLists.txt"
+cmake -S "$work/page" -B "$work/page/build" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
+    -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$root" \
+    -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
+cmake --build "$work/page/build"
 
 # A makefile's way.
 flags=$(PKG_CONFIG_LIBDIR="$root/lib/pkgconfig" pkg-config --cflags --libs qx-bridge)
@@ -110,9 +121,11 @@ cmake --build "$work/port"
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 
 # The hosts without a Windows runtime here are compiled.
-mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/host_cs.exe" "$consumer/host.cs" \
-    share/bindings/csharp/*.cs
-PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer/host.py" \
+for program in host event; do
+    mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/${program}_cs.exe" "$consumer/$program.cs" \
+        share/bindings/csharp/*.cs
+done
+PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer"/{host,event}.py \
     share/bindings/python/qxbridge/*.py
 [ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
 
@@ -121,6 +134,6 @@ node=$(bash "$tree/toolchain/node.sh" --dir)
 mkdir -p "$work/npm/node_modules"
 cp -r "$root/share/bindings/node" "$work/npm/node_modules/qx-bridge"
 ln -s "$node/node_modules/koffi" "$work/npm/node_modules/koffi"
-cp "$consumer/host.js" "$work/npm"
+cp "$consumer"/{host,event}.js "$work/npm"
 
 echo "$(wc -l <SHA256SUMS) files, $(stat -c %s "$zip") bytes"
