@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# lint.sh BUILD: clang-tidy over the library, as the Windows build compiles it, and over the siblings
-# of its Windows files, as a native build would. Any finding fails, and so does a file of Source/ that
-# neither of them knows. programs/ is left out: clang-tidy looks through the whole of the header
-# that reads their command lines, more than a minute for each file.
-# QX_TOOLCHAIN is set by ./run.
+# lint.sh BUILD: checks the spelling and the wording of the tree, then runs clang-tidy over the library.
+# It checks the files of Source/ as the Windows build compiles them, and the siblings of the Windows
+# files as the native build does. A finding is an error, and so is a file that neither build compiles.
+# programs/ is left out: clang-tidy needs more than a minute for each file there, because of the header
+# that parses the command line. ./run sets QX_TOOLCHAIN.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 build=$1
@@ -70,7 +70,9 @@ for option in --target=x86_64-w64-windows-gnu "--sysroot=$QX_TOOLCHAIN" \
     options+=("-extra-arg-before=$option")
 done
 
-steps_total=3
+steps_total=5
+step "Spelling" "1 s" bash "$tree/tests/gates/spelling.sh" codespell "$tree"
+step "Wording" "2 s" python3 "$tree/tests/gates/words.py" "$tree"
 step "Files and checks" "10 s" find_what_to_do
 step "clang-tidy over $(wc -l <"$build/lint.windows") files of the Windows build" "5 min" \
     tidy "$build" "$build/lint.windows" "${options[@]}"
