@@ -1,29 +1,31 @@
 /**
  * @file bridge.hpp
- * @brief bridge.h for C++17: texts that free themselves, results that say what went wrong, keys
- * with types, callbacks as std::function, events and work to wait for. Header only; needs no Qt.
+ * @brief bridge.h for C++17: strings that free themselves, results with error descriptions, typed
+ * keys, callbacks as std::function, event queues and waitable work. Header only; does not use Qt.
  *
- * The conventions of bridge.h hold. What differs: texts go in as std::string and come back as
- * bridge::Text, a wrong key is an exception instead of the end of the process, an exception of a
- * callback stays in the host, and the functions for finished APK installs and for the instance list
- * are called whenever they are set, each without regard to the other (bridge.h: slots 3 and 4).
+ * The conventions of bridge.h apply, with these differences:
+ * - String arguments are std::string, and returned strings are bridge::Text.
+ * - A wrong key throws an exception. In bridge.h it ends the process.
+ * - An exception may leave a callback. Callbacks::failed receives it.
+ * - apkInstallCompleted and instanceListUpdated are independent. In bridge.h, slots 3 and 4 must be
+ *   set together.
  *
- * | header | what is in it |
+ * | header | content |
  * |---|---|
- * | preflight.hpp | what the start would fail at; preflight.h is the same for C |
- * | development.hpp | useFolders(): other folders than the registry's, for development |
+ * | preflight.hpp | finds problems before the initialisation; preflight.h does so for C |
+ * | development.hpp | useFolders(): development folders in place of the registry's |
  * | session.hpp | init(), finish() |
  * | result.hpp | Text, Status, TextResult, Result, Error |
- * | conf.hpp, conf_check.hpp | the configuration; KeyError |
+ * | conf.hpp, conf_check.hpp | configuration; KeyError |
  * | keys.hpp, key.hpp | every key, with its type |
  * | instances.hpp | instances and apps |
- * | programs.hpp | starts the product's programs |
- * | work.hpp | the same, with an outcome to wait for |
+ * | programs.hpp | starting the product's programs |
+ * | work.hpp | starting them and waiting for the outcome |
  * | callbacks.hpp, dispatch.hpp | the host's functions; registerCallbacks() |
  * | listen.hpp | listen() |
- * | event.hpp, event_queue.hpp | events as values, and a queue of them |
+ * | event.hpp, event_queue.hpp | events as values; event queues |
  *
- * No header includes windows.h or leaves macros behind but those that begin with BRIDGE_.
+ * No header includes windows.h. All macros that the headers define begin with BRIDGE_.
  */
 #ifndef BRIDGE_BRIDGE_HPP
 #define BRIDGE_BRIDGE_HPP

@@ -12,7 +12,7 @@
 
 namespace bridge {
 
-/** An installed or updated app. The texts live as long as the call. */
+/** An installed or updated app. The strings are valid only during the call. */
 struct AppInstalled {
     std::string_view instance;
     std::string_view package;
@@ -25,8 +25,8 @@ struct AppInstalled {
 };
 
 /**
- * The host's functions; any may be empty. They run on the library's event thread, one after
- * another. A text lives as long as the call.
+ * The host's functions. Each may be empty. They run one at a time on the library's event thread.
+ * Their strings are valid only during the call.
  */
 struct Callbacks {
     std::function<void(const AppInstalled& app)> appInstalled;
@@ -43,7 +43,7 @@ struct Callbacks {
     std::function<void(std::string_view instance, std::string_view emailId, std::int32_t action)>
         accountListUpdated;
 
-    /** Gets what one of the above threw. What this one throws is dropped. */
+    /** Receives an exception from one of the functions above. Its own exceptions are ignored. */
     std::function<void(std::exception_ptr exception)> failed;
 };
 

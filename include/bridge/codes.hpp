@@ -2,7 +2,7 @@
 // Do not edit.
 /**
  * @file codes.hpp
- * @brief The result codes with their names and words.
+ * @brief The result codes with their names and descriptions.
  */
 #ifndef BRIDGE_CODES_HPP
 #define BRIDGE_CODES_HPP

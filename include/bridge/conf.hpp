@@ -1,7 +1,7 @@
 /**
  * @file conf.hpp
- * @brief Typed access to the configuration. A key that is wrong, which ends the process in the
- * library, is an exception here.
+ * @brief Typed access to the configuration. A wrong key throws an exception, whereas bridge.h ends
+ * the process.
  */
 #ifndef BRIDGE_CONF_HPP
 #define BRIDGE_CONF_HPP
@@ -23,12 +23,13 @@
 namespace bridge {
 
 /**
- * Reads see what this process has set, at once; the file has it after a commit. Every function that
- * takes a key throws KeyError before it calls the library when there is no such key or instance,
- * the key is of another type, or its value could not be read.
+ * Set functions stage a change. Reads see it immediately. The file gets it with the next commit.
  *
- * Reads and writes wait for a disk only where an instance is not known: the file is then looked at
- * again. A commit waits for the disk and for other programs; std::async runs it beside the host.
+ * A function that takes a key throws KeyError when the key or its instance does not exist, when the
+ * key has another type, or when its value cannot be parsed. The library is not called then.
+ *
+ * Reads and writes access the disk only for an unknown instance, to search the file for it. A
+ * commit waits for the disk and for other programs; std::async can run it on another thread.
  */
 namespace conf {
 
@@ -40,7 +41,7 @@ inline std::int32_t getI32(const std::string& key) {
     detail::checkRead(key, KeyType::I32);
     return bridgeConfGetI32(key.c_str());
 }
-/** There is no such key at present: it always throws. */
+/** Always throws, because the catalogue has no such key. */
 inline std::int64_t getI64(const std::string& key) {
     detail::checkRead(key, KeyType::I64);
     return bridgeConfGetI64(key.c_str());
@@ -49,7 +50,7 @@ inline TextResult getString(const std::string& key) {
     detail::checkRead(key, KeyType::String);
     return TextResult(bridgeConfGetString(key.c_str()), "bridgeConfGetString");
 }
-/** The elements joined by ",". */
+/** The elements, separated by ",". */
 inline TextResult getMultiString(const std::string& key) {
     detail::checkRead(key, KeyType::MultiString);
     return TextResult(bridgeConfGetMultiString(key.c_str()), "bridgeConfGetMultiString");
@@ -67,7 +68,7 @@ inline Status setI32(const std::string& key, std::int32_t value) {
     detail::configuration().wasSet(key);
     return Status(code, "bridgeConfSetI32");
 }
-/** There is no such key at present: it always throws. */
+/** Always throws, because the catalogue has no such key. */
 inline Status setI64(const std::string& key, std::int64_t value) {
     detail::checkKey(key, KeyType::I64);
     return Status(bridgeConfSetI64(key.c_str(), value), "bridgeConfSetI64");
@@ -76,7 +77,7 @@ inline Status setString(const std::string& key, const std::string& value) {
     detail::checkKey(key, KeyType::String);
     return Status(bridgeConfSetString(key.c_str(), value.c_str()), "bridgeConfSetString");
 }
-/** The elements joined by ",". */
+/** The elements, separated by ",". */
 inline Status setMultiString(const std::string& key, const std::string& value) {
     detail::checkKey(key, KeyType::MultiString);
     return Status(bridgeConfSetMultiString(key.c_str(), value.c_str()), "bridgeConfSetMultiString");
@@ -84,7 +85,7 @@ inline Status setMultiString(const std::string& key, const std::string& value) {
 
 }  // namespace conf
 
-/** How get() and set() find the function of a key's type; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
 inline std::vector<std::string> elementsOf(std::string_view joined) {
@@ -130,8 +131,8 @@ inline Status set(const std::string& key, const std::vector<std::string>& value)
     return conf::setMultiString(key, joined(value));
 }
 
-/** Whether a key of values of one type takes a value of another: a text in any form, and the others
- * as they are, so that no number becomes a bool. */
+/** Whether a key of type Value accepts a Given. Strings convert. Other types must match, so that a
+ * number does not become a bool. */
 template <typename Value, typename Given>
 inline constexpr bool takes =
     std::is_same_v<Value, std::string> ? std::is_convertible_v<Given, std::string>
@@ -141,8 +142,8 @@ inline constexpr bool takes =
 
 namespace conf {
 
-/** The value of a key, of the key's type: get(keys::instance("Nougat64").dpi). A text that cannot
- * be had throws Error. */
+/** The value of a key, with the key's type: get(keys::instance("Nougat64").dpi). Throws Error when
+ * the library cannot return a string. */
 template <typename Value>
 Value get(const GlobalKey<Value>& key) {
     return detail::get<Value>(key.text());
@@ -152,7 +153,7 @@ Value get(const InstanceKey<Value>& key) {
     return detail::get<Value>(key.text());
 }
 
-/** Stages a value of the key's type; any other does not compile. */
+/** Stages a value of the key's type. A value of another type does not compile. */
 template <typename Value, typename Given, typename = std::enable_if_t<detail::takes<Value, Given>>>
 Status set(const GlobalKey<Value>& key, const Given& value) {
     return detail::set(key.text(), Value(value));
@@ -162,7 +163,7 @@ Status set(const InstanceKey<Value>& key, const Given& value) {
     return detail::set(key.text(), Value(value));
 }
 
-/** The same, for a list in braces. */
+/** Overload for a braced list. */
 inline Status set(const GlobalKey<std::vector<std::string>>& key,
                   const std::vector<std::string>& value) {
     return detail::set(key.text(), value);
@@ -173,8 +174,8 @@ inline Status set(const InstanceKey<std::vector<std::string>>& key,
 }
 
 /**
- * Makes the name of an instance known that the file does not have yet, so that its keys can be set.
- * Throws KeyError for a name that could not be one, or that begins with no image's.
+ * Allows keys of a new instance to be set. Throws KeyError for an invalid name and for a name that
+ * does not begin with the name of an image.
  */
 inline void addInstance(const std::string& name) {
     detail::checkNewInstance(name);
@@ -189,7 +190,7 @@ inline Status commit() {
     return Status(code, "bridgeConfCommit", detail::configuration().path());
 }
 
-/** bridgeConfCommitToFile(); afterwards nothing is staged for commit(). */
+/** bridgeConfCommitToFile(). Afterwards no change is staged for commit(). */
 inline Status commitToFile(const std::string& path) {
     detail::configuration().load();
     const bridge_i32 code = bridgeConfCommitToFile(path.c_str());

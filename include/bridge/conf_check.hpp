@@ -1,6 +1,6 @@
 /**
  * @file conf_check.hpp
- * @brief The checks of keys and instances, which conf.hpp makes before it calls the library.
+ * @brief The checks of keys and instances before conf.hpp calls the library.
  */
 #ifndef BRIDGE_CONF_CHECK_HPP
 #define BRIDGE_CONF_CHECK_HPP
@@ -24,7 +24,7 @@
 
 namespace bridge {
 
-/** A key, an instance or a stored value that the library would end the process for. */
+/** A key, an instance or a stored value that is fatal in the library. */
 class KeyError : public std::invalid_argument {
  public:
     KeyError(const std::string& message, std::string key, std::string suggestion = {})
@@ -32,9 +32,9 @@ class KeyError : public std::invalid_argument {
           key_(std::move(key)),
           suggestion_(std::move(suggestion)) {}
 
-    /** The key, or the name of an instance, that is wrong. */
+    /** The wrong key or instance name. */
     const std::string& key() const noexcept { return key_; }
-    /** What may have been meant; empty when nothing comes near. */
+    /** The most similar valid name; empty when none is similar. */
     const std::string& suggestion() const noexcept { return suggestion_; }
 
  private:
@@ -48,7 +48,7 @@ inline std::string inQuotes(std::string_view text) {
     return std::string("\"").append(text).append("\"");
 }
 
-/** How many letters have to be added, removed or changed to get from one text to another. */
+/** The Levenshtein distance. */
 inline std::size_t editDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
@@ -63,10 +63,10 @@ inline std::size_t editDistance(std::string_view from, std::string_view to) {
     return row[to.size()];
 }
 
-/** The nearest of some texts, if one is near enough; the first of several. */
+/** Finds the candidate with the smallest edit distance. The first of several wins. */
 class Nearest {
  public:
-    /** A long name may differ in more letters than a short one. */
+    /** A long name may have a greater distance than a short one. */
     Nearest(std::string_view wanted, std::size_t nameLength)
         : wanted_(wanted), best_(nameLength >= 8 ? 4 : 3) {}
 
@@ -79,7 +79,7 @@ class Nearest {
 
     const std::string& found() const noexcept { return found_; }
 
-    /** The end of a message. */
+    /** The end of an error message. */
     std::string question() const {
         return found_.empty() ? std::string() : "; did you mean " + inQuotes(found_) + "?";
     }
@@ -112,7 +112,7 @@ inline std::string withArticle(KeyType type) {
     return std::string(name.front() == 'i' ? "an " : "a ").append(name);
 }
 
-/** A key that exists and is of the type. */
+/** An existing key of the expected type. */
 struct CheckedKey {
     KeyParts parts;
     const Property* property;
@@ -126,7 +126,7 @@ inline void checkInstance(std::string_view instance) {
                    std::string(instance), nearest.found());
 }
 
-/** The key exists, is of the type, and its instance is known. */
+/** Checks that the key exists, has the type, and belongs to a known instance. */
 inline CheckedKey checkKey(const std::string& key, KeyType type) {
     const std::optional<KeyParts> parts = partsOf(key);
     const Property* const property = parts ? findProperty(*parts) : nullptr;
@@ -140,8 +140,8 @@ inline CheckedKey checkKey(const std::string& key, KeyType type) {
     return {*parts, property};
 }
 
-/** As the library reads numbers: white space and a sign may come first, and what follows the digits
- * is ignored. */
+/** Follows the library's parser: leading white space, an optional sign, digits. It ignores the
+ * rest. */
 inline bool isReadableI32(std::string_view text) {
     const std::size_t start = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
     std::string_view digits = text.substr(start);
@@ -160,7 +160,7 @@ inline bool isReadable(KeyType type, std::string_view value) {
     return type != KeyType::I32 || isReadableI32(value);
 }
 
-/** Reads a number of an instance, unless the file has one that would end the process. */
+/** Whether a number of an instance is not 0. Does not read a stored number that is fatal. */
 inline bool hasNumber(const std::string& instance, const char* property) {
     const std::string key = "vtr.instance." + instance + "." + property;
     const std::optional<std::string> stored = configuration().loadedValue(key);
@@ -168,8 +168,8 @@ inline bool hasNumber(const std::string& instance, const char* property) {
     return bridgeConfGetI32(key.c_str()) != 0;
 }
 
-/** Whether the library has loaded the instance: one that it has not has neither texts nor numbers.
- */
+/** Whether the library has loaded the instance. Otherwise all its strings are empty and its numbers
+ * are 0. */
 inline bool isLoaded(const std::string& instance) {
     const std::string key = "vtr.instance." + instance + ".display_name";
     char* const name = bridgeConfGetString(key.c_str());
@@ -204,14 +204,14 @@ inline void checkValue(const std::string& key, const Property& property) {
     throw KeyError(inQuotes(key) + " has a value that cannot be read: " + inQuotes(value), key);
 }
 
-/** The key could be read without ending the process. */
+/** Checks that reading the key is not fatal. */
 inline void checkRead(const std::string& key, KeyType type) {
     const CheckedKey checked = checkKey(key, type);
     if (checked.parts.ofInstance) checkLoaded(checked.parts.instance);
     checkValue(key, *checked.property);
 }
 
-/** An instance runs the image that its name begins with. */
+/** Checks the image. An instance's name begins with the name of its image. */
 inline void checkImage(const std::string& instance) {
     const std::string image = instance.substr(0, instance.find('_'));
     std::string all;
@@ -230,8 +230,8 @@ inline void checkNewInstance(const std::string& name) {
     checkImage(name);
 }
 
-/** A listing ends the process for an instance without an image, or with a number that cannot be
- * read. */
+/** Checks that a listing is not fatal: every instance has an image and numbers that can be
+ * parsed. */
 inline void checkListing() {
     for (const std::string& one : configuration().loadedInstances()) {
         checkImage(one);

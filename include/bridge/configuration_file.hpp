@@ -1,6 +1,6 @@
 /**
  * @file configuration_file.hpp
- * @brief What vantrel.conf has, as far as the checks of conf.hpp need it. Not for hosts.
+ * @brief The content of vantrel.conf, for the checks in conf_check.hpp. Not for hosts.
  */
 #ifndef BRIDGE_CONFIGURATION_FILE_HPP
 #define BRIDGE_CONFIGURATION_FILE_HPP
@@ -24,14 +24,14 @@ namespace bridge::detail {
 
 using Names = std::set<std::string, std::less<>>;
 
-/** A key in its parts, which point into it. */
+/** The parts of a key, which point into it. */
 struct KeyParts {
     bool ofInstance = false;
     std::string_view instance;
     std::string_view property;
 };
 
-/** Nothing for a text that does not begin as a key does. */
+/** Empty for a text that is not a key. */
 inline std::optional<KeyParts> partsOf(std::string_view key) {
     constexpr std::string_view kGlobal = "vtr.";
     constexpr std::string_view kInstance = "vtr.instance.";
@@ -45,7 +45,7 @@ inline std::optional<KeyParts> partsOf(std::string_view key) {
     return KeyParts{false, {}, key.substr(kGlobal.size())};
 }
 
-/** Null for a property that there is not. */
+/** Null when there is no such property. */
 inline const Property* findProperty(const KeyParts& key) {
     const auto isMeant = [&key](const Property& one) { return one.name == key.property; };
     if (key.ofInstance) {
@@ -58,14 +58,14 @@ inline const Property* findProperty(const KeyParts& key) {
     return found == end ? nullptr : found;
 }
 
-/** What a load takes from a file: the settings before the first bad line, the last line of a key
- * counting. The instances are those of all lines. */
+/** The values that a load takes from a file: all before the first malformed line, where the last
+ * line of a key counts. The instances come from all lines. */
 struct FileContent {
     std::map<std::string, std::string, std::less<>> values;
     Names instances;
 };
 
-/** The value of a line, of which the first and the last character after "=" are quotes. */
+/** The value of a line. The first and the last character after "=" are quotes. */
 inline std::string_view valueOfLine(std::string_view line, std::size_t equals) {
     const std::size_t first = equals + 2;
     if (first >= line.size()) return {};
@@ -92,11 +92,11 @@ inline FileContent contentOf(std::string_view text) {
     return content;
 }
 
-/** The file as the library has loaded it last, and what this process has changed since. */
+/** The file at its last load, and the changes of this process since then. */
 class Configuration {
  public:
-    /** Before an initialisation, which gives the global keys their defaults first. The path is
-     * empty when there is no file. */
+    /** Call it before an initialisation, which resets the global keys to their defaults. The path
+     * is empty when there is no file. */
     void startWith(const std::string& path) {
         {
             const std::lock_guard<std::mutex> guard(lock_);
@@ -107,7 +107,7 @@ class Configuration {
         load();
     }
 
-    /** Looks at the file as a load does: what it lacks, and what is staged, stays. */
+    /** Reads the file. Keys that it does not have, and staged changes, keep their values. */
     void load() {
         FileContent content = read();
         const std::lock_guard<std::mutex> guard(lock_);
@@ -120,7 +120,7 @@ class Configuration {
         }
     }
 
-    /** After a commit that got as far as its changes: they are staged no longer. */
+    /** Call it after a commit that has applied its changes. They are no longer staged. */
     void committed() {
         const std::lock_guard<std::mutex> guard(lock_);
         for (auto& [key, isStaged] : set_) isStaged = false;
@@ -131,13 +131,13 @@ class Configuration {
         set_[key] = true;
     }
 
-    /** Whether this process has set the key, with a value that can be read. */
+    /** Whether this process has set the key. Such a value can be parsed. */
     bool isSet(const std::string& key) const {
         const std::lock_guard<std::mutex> guard(lock_);
         return set_.count(key) > 0;
     }
 
-    /** The value that the library has from the file. */
+    /** The value from the file. */
     std::optional<std::string> loadedValue(std::string_view key) const {
         const std::lock_guard<std::mutex> guard(lock_);
         const auto found = loaded_.find(key);
@@ -150,7 +150,7 @@ class Configuration {
         added_.insert(name);
     }
 
-    /** Looks at the file once more before it says no. */
+    /** Reads the file again before it returns false. */
     bool knowsInstance(std::string_view name) {
         if (isNamed(name)) return true;
         Names instances = read().instances;
@@ -159,7 +159,7 @@ class Configuration {
         return instances_.count(name) > 0;
     }
 
-    /** Of the file and of this process. */
+    /** The instances of the file and those that this process added. */
     Names knownInstances() const {
         const std::lock_guard<std::mutex> guard(lock_);
         Names all = instances_;
@@ -167,13 +167,13 @@ class Configuration {
         return all;
     }
 
-    /** Of the file when it was loaded. */
+    /** The instances of the file at its last load. */
     Names loadedInstances() const {
         const std::lock_guard<std::mutex> guard(lock_);
         return loadedInstances_;
     }
 
-    /** Instances that the library has been found to have. */
+    /** Whether the library is known to have loaded the instance. */
     bool isReady(std::string_view name) const {
         const std::lock_guard<std::mutex> guard(lock_);
         return ready_.count(name) > 0;
@@ -213,10 +213,10 @@ class Configuration {
     std::string path_;
     std::map<std::string, std::string, std::less<>> loaded_;
     Names loadedInstances_;
-    Names instances_;  // when the file was last looked at
+    Names instances_;  // at the last read of the file
     Names added_;
     Names ready_;
-    std::map<std::string, bool, std::less<>> set_;  // whether it is still staged
+    std::map<std::string, bool, std::less<>> set_;  // true while it is staged
 };
 
 inline Configuration& configuration() {

@@ -1,6 +1,6 @@
 /**
  * @file dispatch.hpp
- * @brief The way of an event from the library to callbacks, queues and works. Not for hosts.
+ * @brief Passes events from the library to callbacks, queues and works. Not for hosts.
  */
 #ifndef BRIDGE_DISPATCH_HPP
 #define BRIDGE_DISPATCH_HPP
@@ -22,27 +22,27 @@ namespace bridge::detail {
 
 /** A waiting queue or work. */
 struct Observer {
-    /** Called with each event, on the event thread. Returns whether this was the expected event. */
+    /** Called on the event thread with each event. Returns whether it is the expected one. */
     std::function<bool(const Event& event)> take;
     /** Called when the library ends. */
     std::function<void()> end;
 };
 using SharedObserver = std::shared_ptr<const Observer>;
 
-/** The oldest comes first. */
+/** Sorted by age, oldest first. */
 using Observers = std::list<SharedObserver>;
 
 struct Dispatch {
     std::mutex lock;
     std::shared_ptr<const Callbacks> callbacks;
-    Observers queues;  // each gets every event
-    Observers works;   // an event completes one of them, which is then forgotten
+    Observers queues;  // each receives every event
+    Observers works;   // an event completes one of them and removes it
     std::thread::id eventThread;
     bool isRegistered = false;
     bool hasEnded = false;
 };
 
-/** Made once and never destroyed: events can come until the process ends. */
+/** Never destroyed, because events can arrive until the process ends. */
 inline Dispatch& dispatch() {
     static Dispatch& state = *new Dispatch;
     return state;
@@ -53,7 +53,7 @@ inline bool isEventThread() {
     return dispatch().eventThread == std::this_thread::get_id();
 }
 
-/** A queue or work that begins to wait; one that comes too late ends at once. */
+/** Adds a queue or work. Ends it immediately if the library has ended. */
 inline void addObserver(Observers Dispatch::*observers, const SharedObserver& one) {
     {
         const std::lock_guard<std::mutex> guard(dispatch().lock);
@@ -70,7 +70,7 @@ inline void removeObserver(Observers Dispatch::*observers, const SharedObserver&
     (dispatch().*observers).remove(one);
 }
 
-/** After the last event. */
+/** Call it after the last event. */
 inline void endObservers() {
     Observers all;
     {
@@ -104,14 +104,14 @@ inline bool isObserved() {
     return !dispatch().queues.empty() || !dispatch().works.empty();
 }
 
-/** The callbacks of the moment, which stay whole while one of them runs. */
+/** The current callbacks. The pointer keeps them alive while one of them runs. */
 inline std::shared_ptr<const Callbacks> callbacksNow() {
     const std::lock_guard<std::mutex> guard(dispatch().lock);
     dispatch().eventThread = std::this_thread::get_id();
     return dispatch().callbacks;
 }
 
-/** Runs a part of the way of an event. What it throws goes to Callbacks::failed. */
+/** Runs one step of a delivery and passes its exception to Callbacks::failed. */
 template <typename Part>
 void guarded(const std::shared_ptr<const Callbacks>& callbacks, Part part) noexcept {
     try {
@@ -124,7 +124,7 @@ void guarded(const std::shared_ptr<const Callbacks>& callbacks, Part part) noexc
     }
 }
 
-/** First the host's function, then the queues and works; makeEvent() is called for these only. */
+/** Calls the host's function, then the queues and works. Only these need makeEvent(). */
 template <typename MakeEvent, typename Function, typename... Arguments>
 void deliver(MakeEvent makeEvent, Function Callbacks::*member, Arguments&&... arguments) noexcept {
     std::shared_ptr<const Callbacks> callbacks;
@@ -139,12 +139,12 @@ void deliver(MakeEvent makeEvent, Function Callbacks::*member, Arguments&&... ar
     });
 }
 
-/** The library has loaded the configuration again before these two events. */
+/** Call it at the two events before which the library reloads the configuration. */
 inline void loadedAgain() noexcept {
     guarded({}, [] { configuration().load(); });
 }
 
-/** The nine functions that the library gets. */
+/** Registers the nine C callbacks. */
 inline void registerAll() {
     bridgeRegisterCallbacks(
         [](const char* instance, const char* package, const char* activity, const char* appLabel,
@@ -203,8 +203,8 @@ inline void registerAll() {
 
 namespace bridge {
 
-/** bridgeRegisterCallbacks(): starts the event server, the first time, and replaces all functions.
- * Whether it then listens says listen() only. */
+/** bridgeRegisterCallbacks(): replaces all functions. The first call also starts the event server.
+ * Use listen() to learn whether the server has started. */
 inline void registerCallbacks(Callbacks callbacks) {
     auto shared = std::make_shared<const Callbacks>(std::move(callbacks));
     {

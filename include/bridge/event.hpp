@@ -1,6 +1,6 @@
 /**
  * @file event.hpp
- * @brief Events as values, for hosts that take them from a queue.
+ * @brief Events as values, for hosts that read them from a queue.
  */
 #ifndef BRIDGE_EVENT_HPP
 #define BRIDGE_EVENT_HPP
@@ -13,7 +13,7 @@
 
 namespace bridge {
 
-/** What the callbacks of bridge.h are handed; numbers are the sender's. */
+/** One type for each callback of bridge.h, with the callback's arguments. */
 namespace events {
 
 /** An app was installed or updated. */
@@ -34,35 +34,35 @@ struct AppUninstalled {
     std::string package;
 };
 
-/** An APK file that was handed to an instance has been dealt with. */
+/** The installation of an APK file succeeded or failed. */
 struct ApkInstallCompleted {
     std::string instance;
     std::int32_t status = 0;
     std::string apkFilePath;
 };
 
-/** The list of instances changed; the configuration has been loaded again. */
+/** The list of instances changed, and the library has reloaded the configuration. */
 struct InstanceListUpdated {};
 
-/** Progress of an image installation. */
+/** An image installation made progress. */
 struct InstallImageProgress {
     std::string imageName;
     std::int32_t status = 0;
     double progress = 0;
 };
 
-/** A new instance was created, or could not be. */
+/** The creation of an instance succeeded or failed. */
 struct CreateInstanceCompleted {
     std::int32_t status = 0;
     std::string instance;
 };
 
-/** The configuration of an instance changed; it has been loaded again. */
+/** The configuration of an instance changed, and the library has reloaded it. */
 struct InstanceConfigurationChanged {
     std::string instance;
 };
 
-/** An app came to the front. */
+/** An app came to the foreground. */
 struct AppDisplayed {
     std::string instance;
     std::string package;
@@ -95,7 +95,7 @@ inline constexpr std::string_view kEventNames[] = {"appInstalled",
                                                    "appDisplayed",
                                                    "accountListUpdated"};
 
-/** The name of an event's kind: "appDisplayed". */
+/** The name of an event, such as "appDisplayed". */
 inline std::string_view nameOf(const Event& event) noexcept { return kEventNames[event.index()]; }
 
 }  // namespace bridge

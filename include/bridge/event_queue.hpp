@@ -1,6 +1,6 @@
 /**
  * @file event_queue.hpp
- * @brief Events that a thread of the host takes when it likes.
+ * @brief Queues from which the host's threads take events.
  */
 #ifndef BRIDGE_EVENT_QUEUE_HPP
 #define BRIDGE_EVENT_QUEUE_HPP
@@ -23,7 +23,7 @@
 
 namespace bridge {
 
-/** A queue was full when an event came. It has been emptied, and gets no more. */
+/** An event arrived at a full queue. The queue receives no more events. */
 class EventOverflow : public std::runtime_error {
  public:
     explicit EventOverflow(std::size_t limit)
@@ -31,10 +31,10 @@ class EventOverflow : public std::runtime_error {
                              " events came before they were taken") {}
 };
 
-/** How queues and works wait; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
-/** Waits for a condition. Returns false after a time-out; without a limit there is none. */
+/** Waits for a condition. Returns false when the limit expires first. */
 template <typename Condition>
 bool waitFor(std::condition_variable& changed, std::unique_lock<std::mutex>& guard,
              std::optional<std::chrono::milliseconds> limit, Condition condition) {
@@ -43,7 +43,7 @@ bool waitFor(std::condition_variable& changed, std::unique_lock<std::mutex>& gua
     return true;
 }
 
-/** The event thread would wait for itself. */
+/** Throws on the event thread, which would wait for itself. */
 inline void refuseOnEventThread(const char* function) {
     if (isEventThread()) {
         throw std::logic_error(std::string(function) + " must not be called inside a callback");
@@ -75,20 +75,20 @@ struct QueueState {
 }  // namespace detail
 
 /**
- * The events from the moment of its making, in their order, until the library ends. It needs
- * listen(), or registerCallbacks(), and keeps no thread. Any thread may take, but not a callback.
+ * A FIFO queue of the events from its construction until the library ends. It has no thread of its
+ * own. Call listen() or registerCallbacks() as well. Every thread may call pop(), but callbacks
+ * must not.
  *
- * Nothing is dropped silently: when an event finds the queue full, the ones before it can still be
- * taken, and pop() throws EventOverflow then.
+ * An overflow is reported: pop() first returns the events in the queue, then throws EventOverflow.
  */
 class EventQueue {
  public:
-    /** Many more than a host leaves unread that works. */
+    /** A working host leaves far fewer events unread. */
     static constexpr std::size_t kUsualLimit = 10000;
 
     explicit EventQueue(std::size_t limit = kUsualLimit) : EventQueue({}, limit) {}
 
-    /** Only the events of these names, as kEventNames has them; any other name is refused. */
+    /** Only the events with these names, which are in kEventNames. Throws for other names. */
     explicit EventQueue(std::vector<std::string> names, std::size_t limit = kUsualLimit)
         : state_(std::make_shared<detail::QueueState>()) {
         for (const std::string& name : names) refuseUnknown(name);
@@ -107,8 +107,8 @@ class EventQueue {
     EventQueue& operator=(const EventQueue&) = delete;
 
     /**
-     * The next event; nothing when none has come within the limit, or when the library has ended
-     * and everything is taken. Without a limit it waits for as long as the library runs.
+     * Waits for the next event and removes it. Returns nothing when the limit expires, or when the
+     * library has ended and the queue is empty. Without a limit it waits until the library ends.
      */
     std::optional<Event> pop(std::optional<std::chrono::milliseconds> limit = std::nullopt) {
         detail::refuseOnEventThread("pop()");
@@ -126,7 +126,7 @@ class EventQueue {
         return std::nullopt;
     }
 
-    /** Whether pop() will never have another event, since the library has ended. */
+    /** Whether the library has ended and the queue is empty. */
     bool hasEnded() const {
         const std::lock_guard<std::mutex> guard(state_->lock);
         return state_->events.empty() && state_->hasEnded;

@@ -1,6 +1,6 @@
 /**
  * @file instances.hpp
- * @brief Instances and their apps, as records and as the library's JSON.
+ * @brief Lists instances and their apps as records or as JSON.
  */
 #ifndef BRIDGE_INSTANCES_HPP
 #define BRIDGE_INSTANCES_HPP
@@ -19,7 +19,7 @@
 
 namespace bridge {
 
-/** An instance, as the configuration has it. */
+/** An instance in the configuration. */
 struct Instance {
     std::string instance;
     std::string displayName;
@@ -31,7 +31,7 @@ struct Instance {
     std::int32_t cpu = 0;
 };
 
-/** An app of an instance. The icon's file need not exist. */
+/** An app of an instance. The icon file may be missing. */
 struct App {
     std::string package;
     std::string activity;
@@ -41,7 +41,7 @@ struct App {
     std::int32_t versionCode = 0;
 };
 
-/** How the listings are read; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
 inline std::string textOf(const JsonObject& object, std::string_view name) {
@@ -65,7 +65,7 @@ inline App appOf(const JsonObject& one) {
             textOf(one, "versionName"), textOf(one, "iconFilePath"), numberOf(one, "versionCode")};
 }
 
-/** The records of a listing, or why there is none. */
+/** The records of a listing, or its failure. */
 template <typename Record>
 Result<std::vector<Record>> recordsOf(const TextResult& listing,
                                       Record (*recordOf)(const JsonObject&)) {
@@ -79,13 +79,13 @@ Result<std::vector<Record>> recordsOf(const TextResult& listing,
 
 }  // namespace detail
 
-/** bridgeConfGetInstances(): JSON. Throws KeyError where the file has an instance of no image. */
+/** bridgeConfGetInstances(): JSON. Throws KeyError for an instance of an unknown image. */
 inline TextResult instances() {
     detail::checkListing();
     return TextResult(bridgeConfGetInstances(), "bridgeConfGetInstances");
 }
 
-/** The instances, ordered by name. Throws as instances(). */
+/** The instances, sorted by name. Throws like instances(). */
 inline Result<std::vector<Instance>> instanceList() {
     return detail::recordsOf(instances(), &detail::instanceOf);
 }
@@ -95,7 +95,7 @@ inline TextResult installedApps(const std::string& instance) {
     return TextResult(bridgeGetInstalledApps(instance.c_str()), "bridgeGetInstalledApps");
 }
 
-/** The apps of an instance, ordered by package. */
+/** The apps of an instance, sorted by package. */
 inline Result<std::vector<App>> appList(const std::string& instance) {
     return detail::recordsOf(installedApps(instance), &detail::appOf);
 }

@@ -1,6 +1,6 @@
 /**
  * @file json.hpp
- * @brief Reads the listings of the library: arrays of objects of texts and whole numbers. Not for
+ * @brief Parses the library's listings: arrays of objects with strings and integers. Not for
  * hosts.
  */
 #ifndef BRIDGE_JSON_HPP
@@ -18,10 +18,10 @@
 
 namespace bridge::detail {
 
-/** The members of an object: texts as they are, numbers as their digits. */
+/** The members of an object. A number is stored as its digits. */
 using JsonObject = std::map<std::string, std::string, std::less<>>;
 
-/** A reader of one text; std::runtime_error for what the library does not write. */
+/** Parses one text. Throws std::runtime_error for JSON that the library does not write. */
 class JsonReader {
  public:
     explicit JsonReader(std::string_view text) : rest_(text) {}
@@ -82,7 +82,7 @@ class JsonReader {
         }
     }
 
-    /** What follows "\u": four digits, and four more where a surrogate needs its second half. */
+    /** The code point after "\u": four digits, or a surrogate pair. */
     std::uint32_t codePoint() {
         const std::uint32_t first = fourDigits();
         if (first < 0xD800 || first > 0xDBFF || rest_.substr(0, 2) != "\\u") return first;

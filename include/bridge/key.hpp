@@ -1,7 +1,6 @@
 /**
  * @file key.hpp
- * @brief What a key of the configuration is: its text, its type, its default. keys.hpp has them
- * all.
+ * @brief The types of configuration keys and their properties. keys.hpp lists all keys.
  */
 #ifndef BRIDGE_KEY_HPP
 #define BRIDGE_KEY_HPP
@@ -12,10 +11,10 @@
 
 namespace bridge {
 
-/** What a property holds. */
+/** The type of a property's value. */
 enum class KeyType { Bool, I32, I64, String, MultiString };
 
-/** The name of a type, as the documents have it: "multi-string". */
+/** The name of a type, such as "multi-string". */
 constexpr std::string_view nameOf(KeyType type) noexcept {
     switch (type) {
         case KeyType::Bool:
@@ -32,27 +31,27 @@ constexpr std::string_view nameOf(KeyType type) noexcept {
     return "";
 }
 
-/** A property: a key without the part that says whose it is. All texts live for ever. */
+/** A property: the last part of a key. All strings are literals. */
 struct Property {
-    /** "dpi", "status.adb_port" */
+    /** The name, such as "dpi" or "status.adb_port". */
     std::string_view name;
-    /** What it holds. */
+    /** The type of its value. */
     KeyType type;
-    /** As the file has it; empty: none. */
+    /** The default in the form of the file; empty when there is none. */
     std::string_view defaultValue;
-    /** What a number counts; empty: not known, or not a number. */
+    /** The unit of a number; empty when it is unknown or the value is not a number. */
     std::string_view unit;
-    /** The values that an element can have, joined by ","; empty: any. */
+    /** The allowed elements, separated by ","; empty when all are allowed. */
     std::string_view allowed;
 };
 
-/** A key of the whole product, whose values are of this C++ type. */
+/** A global key and the C++ type of its value. */
 template <typename Value>
 class GlobalKey {
  public:
     constexpr explicit GlobalKey(const Property& property) noexcept : property_(&property) {}
 
-    /** The full key: "vtr.enable_adb_access". */
+    /** The full key, such as "vtr.enable_adb_access". */
     std::string text() const { return std::string("vtr.").append(property_->name); }
     constexpr const Property& property() const noexcept { return *property_; }
 
@@ -60,14 +59,14 @@ class GlobalKey {
     const Property* property_;
 };
 
-/** A key of one instance, whose values are of this C++ type. */
+/** A key of one instance and the C++ type of its value. */
 template <typename Value>
 class InstanceKey {
  public:
     InstanceKey(std::string instance, const Property& property)
         : instance_(std::move(instance)), property_(&property) {}
 
-    /** The full key: "vtr.instance.Nougat64.dpi". */
+    /** The full key, such as "vtr.instance.Nougat64.dpi". */
     std::string text() const {
         return std::string("vtr.instance.").append(instance_).append(".").append(property_->name);
     }

@@ -2,7 +2,7 @@
 // Do not edit.
 /**
  * @file keys.hpp
- * @brief Every key of the configuration, with the type of its value.
+ * @brief All keys of the configuration, with the types of their values.
  */
 #ifndef BRIDGE_KEYS_HPP
 #define BRIDGE_KEYS_HPP
@@ -145,7 +145,7 @@ inline constexpr std::string_view kImages[] = {"Nougat32", "Nougat64"};
 
 }  // namespace detail
 
-/** Every key that there is. */
+/** All keys. */
 namespace keys {
 
 /** string; no default */
@@ -234,7 +234,7 @@ inline constexpr GlobalKey<std::string> mim_instance_arrangement_layout{detail::
 inline constexpr GlobalKey<std::string> mim_instance_sort_option{detail::kGlobalProperties[41]};
 /** i32; default "2" */
 inline constexpr GlobalKey<std::int32_t> mim_instances_per_row{detail::kGlobalProperties[42]};
-/** i32; counts frames per second; default "60" */
+/** i32; unit: frames per second; default "60" */
 inline constexpr GlobalKey<std::int32_t> mim_max_fps{detail::kGlobalProperties[43]};
 /** bool; default "0" */
 inline constexpr GlobalKey<bool> mute_all_instances{detail::kGlobalProperties[44]};
@@ -323,9 +323,9 @@ inline constexpr GlobalKey<std::string> vantrel_eb_url{detail::kGlobalProperties
 /** string; no default */
 inline constexpr GlobalKey<std::string> version_machine_id{detail::kGlobalProperties[86]};
 
-/** The keys of an instance; instance() makes them. */
+/** The keys of one instance, made by instance(). */
 struct InstanceKeys {
-    /** @param name the instance's */
+    /** @param name instance name */
     explicit InstanceKeys(const std::string& name)
         : abi_list(name, detail::kInstanceProperties[0]),
           adb_port(name, detail::kInstanceProperties[1]),
@@ -358,9 +358,9 @@ struct InstanceKeys {
           ram(name, detail::kInstanceProperties[28]),
           status_adb_port(name, detail::kInstanceProperties[29]) {}
 
-    /** multi-string; elements are x86, x64, arm, arm64; no default */
+    /** multi-string; elements: x86, x64, arm, arm64; no default */
     InstanceKey<std::vector<std::string>> abi_list;
-    /** i32; counts TCP port; default "5555" */
+    /** i32; unit: TCP port; default "5555" */
     InstanceKey<std::int32_t> adb_port;
     /** string; no default */
     InstanceKey<std::string> android_id;
@@ -368,7 +368,7 @@ struct InstanceKeys {
     InstanceKey<std::string> astc_decoding_mode;
     /** i32; default "-1" */
     InstanceKey<std::int32_t> boot_duration;
-    /** i32; counts processors; no default */
+    /** i32; unit: processors; no default */
     InstanceKey<std::int32_t> cpus;
     /** string; no default */
     InstanceKey<std::string> device_carrier_code;
@@ -378,9 +378,9 @@ struct InstanceKeys {
     InstanceKey<std::string> device_profile_code;
     /** string; default "Vantrel" */
     InstanceKey<std::string> display_name;
-    /** i32; counts dots per inch; default "240" */
+    /** i32; unit: dots per inch; default "240" */
     InstanceKey<std::int32_t> dpi;
-    /** i32; counts frames per second; default "5" */
+    /** i32; unit: frames per second; default "5" */
     InstanceKey<std::int32_t> eco_mode_max_fps;
     /** bool; default "0" */
     InstanceKey<bool> enable_fps_display;
@@ -390,15 +390,15 @@ struct InstanceKeys {
     InstanceKey<bool> enable_root_access;
     /** bool; default "0" */
     InstanceKey<bool> enable_vsync;
-    /** i32; counts pixels; no default */
+    /** i32; unit: pixels; no default */
     InstanceKey<std::int32_t> fb_height;
-    /** i32; counts pixels; no default */
+    /** i32; unit: pixels; no default */
     InstanceKey<std::int32_t> fb_width;
-    /** i32; counts pixels; default "-1" */
+    /** i32; unit: pixels; default "-1" */
     InstanceKey<std::int32_t> gl_win_height;
-    /** i32; counts pixels; default "0" */
+    /** i32; unit: pixels; default "0" */
     InstanceKey<std::int32_t> gl_win_x;
-    /** i32; counts pixels; default "0" */
+    /** i32; unit: pixels; default "0" */
     InstanceKey<std::int32_t> gl_win_y;
     /** bool; default "0" */
     InstanceKey<bool> google_login_popup_shown;
@@ -410,17 +410,17 @@ struct InstanceKeys {
     InstanceKey<std::vector<std::string>> grm_ignored_rules;
     /** string; no default */
     InstanceKey<std::string> libc_mem_allocator;
-    /** i32; counts frames per second; default "60" */
+    /** i32; unit: frames per second; default "60" */
     InstanceKey<std::int32_t> max_fps;
     /** bool; default "0" */
     InstanceKey<bool> pin_to_top;
-    /** i32; counts MiB; no default */
+    /** i32; unit: MiB; no default */
     InstanceKey<std::int32_t> ram;
-    /** i32; counts TCP port; no default */
+    /** i32; unit: TCP port; no default */
     InstanceKey<std::int32_t> status_adb_port;
 };
 
-/** The keys of an instance: instance("Nougat64").dpi. */
+/** The keys of one instance: instance("Nougat64").dpi. */
 inline InstanceKeys instance(const std::string& name) { return InstanceKeys(name); }
 
 }  // namespace keys

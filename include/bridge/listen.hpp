@@ -1,6 +1,6 @@
 /**
  * @file listen.hpp
- * @brief Registration that says whether events will come.
+ * @brief Registers the callbacks and reports whether events will arrive.
  */
 #ifndef BRIDGE_LISTEN_HPP
 #define BRIDGE_LISTEN_HPP
@@ -20,22 +20,22 @@
 
 namespace bridge {
 
-/** Whether this process gets the events of its client id. */
+/** Whether this process receives the events of its client id. */
 struct [[nodiscard]] ListenResult {
-    /** It does. */
+    /** True when it does. */
     bool ok;
-    /** The process that has the server's name; 0 when none has. */
+    /** The process that serves the client id; 0 when there is none. */
     unsigned long processId;
-    /** What is wrong; empty when nothing is. */
+    /** What is wrong; empty when ok. */
     std::string text;
 
     explicit operator bool() const noexcept { return ok; }
 };
 
-/** How listen() finds out; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
-/** The process that serves a client id's events; 0 when none does, within the limit. */
+/** The process that serves a client id; 0 when none does so within the limit. */
 inline unsigned long serverOf(const std::string& client, std::chrono::milliseconds limit) {
 #if defined(_WIN32)
     constexpr unsigned long kReadWrite = 0xC0000000;  // GENERIC_READ | GENERIC_WRITE
@@ -78,11 +78,11 @@ inline unsigned long thisProcess() {
 }  // namespace detail
 
 /**
- * registerCallbacks(), and waits until it is known whether the events come to this process: a
- * second process of the same client id gets none. Not inside a callback.
- * @param callbacks the host's functions; empty ones for a host that takes from an EventQueue
+ * registerCallbacks(), then finds out whether this process receives the events. A second process
+ * with the same client id receives none. Do not call it inside a callback.
+ * @param callbacks the host's functions; empty for a host that uses an EventQueue
  * @param limit     how long to wait for this process's server
- * @return whether it listens, and who does otherwise
+ * @return whether this process receives the events, and which process does otherwise
  */
 inline ListenResult listen(Callbacks callbacks = {},
                            std::chrono::milliseconds limit = std::chrono::seconds(10)) {

@@ -1,10 +1,9 @@
 /**
  * @file preflight.h
- * @brief What would make bridgeApiInitEx() fail or end the process, looked at before the call. For
- * C and C++; needs nothing but the system, so that it also serves hosts that load the library
- *        themselves.
+ * @brief Finds problems that would make bridgeApiInitEx() fail or end the process. For C and C++.
  *
- * Nothing here is a function of the library. Texts are UTF-8.
+ * All functions are inline and need only Windows, so a host can call them before it loads the
+ * library. Strings are UTF-8.
  */
 #ifndef BRIDGE_PREFLIGHT_H
 #define BRIDGE_PREFLIGHT_H
@@ -15,7 +14,7 @@
 
 #if defined(_WIN32)
 
-/* Unused functions of a header are no reason for a warning. */
+/* Avoids warnings about unused functions. */
 #if defined(__cplusplus)
 #define BRIDGE_INLINE inline
 #elif defined(__GNUC__) || defined(__clang__)
@@ -28,24 +27,23 @@
 
 #if defined(__GNUC__) && defined(__cplusplus)
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wold-style-cast" /* C has no other */
+#pragma GCC diagnostic ignored "-Wold-style-cast" /* C has no other casts */
 #pragma GCC diagnostic ignored "-Wzero-as-null-pointer-constant"
 #endif
 
-/** Characters, NUL included, of the longest path that is looked at, and bytes of the longest text.
- */
+/** Size of the longest path in UTF-16 units, and of the longest string in bytes, both with NUL. */
 #define BRIDGE_PREFLIGHT_PATH 2048
 #define BRIDGE_PREFLIGHT_TEXT 8192
 
 /**
- * Gets a problem.
- * @param context what the caller handed over with this function
+ * Receives a problem.
+ * @param context the pointer that the caller passed with this function
  * @param what    what is wrong
- * @param remedy  what to do about it
+ * @param remedy  how to fix it
  */
 typedef void (*bridgeOnProblem)(void* context, const char* what, const char* remedy);
 
-/* Appends to a text with so much room; what has no room is cut off. */
+/* Appends to a buffer of `room` bytes and truncates what does not fit. */
 BRIDGE_INLINE void bridgePreflightAppend(char* text, size_t room, const char* more) {
     const size_t used = strlen(text);
     size_t length = strlen(more);
@@ -55,14 +53,14 @@ BRIDGE_INLINE void bridgePreflightAppend(char* text, size_t room, const char* mo
     text[used + length] = '\0';
 }
 
-/* The text as UTF-16; 0 when it is not UTF-8 or too long. */
+/* Converts to UTF-16. Returns 0 when the text is too long or not UTF-8. */
 BRIDGE_INLINE int bridgePreflightWide(const char* text, wchar_t* wide) {
     const unsigned int utf8 = 65001;
     const unsigned long strict = 8; /* MB_ERR_INVALID_CHARS */
     return MultiByteToWideChar(utf8, strict, text, -1, wide, BRIDGE_PREFLIGHT_PATH) > 0;
 }
 
-/* The path as Windows takes it, whatever its length; 0 when it cannot be one. */
+/* Converts a path, with the prefix for long paths if necessary. Returns 0 for an invalid path. */
 BRIDGE_INLINE int bridgePreflightWidePath(const char* path, wchar_t* wide) {
     char longPath[BRIDGE_PREFLIGHT_TEXT] = "\\\\?\\";
     char* at;
@@ -77,10 +75,11 @@ BRIDGE_INLINE int bridgePreflightWidePath(const char* path, wchar_t* wide) {
 }
 
 /**
- * Reads a text of the product's key in the registry, HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo.
+ * Reads a string value from the product's registry key,
+ * HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo.
  * @param name name of the value
- * @param text buffer of BRIDGE_PREFLIGHT_TEXT bytes; empty when there is no such text
- * @return 1 for a text that is not empty, else 0
+ * @param text buffer of BRIDGE_PREFLIGHT_TEXT bytes; empty when there is no such value
+ * @return 1 if the string is not empty, else 0
  */
 BRIDGE_INLINE int bridgeProductValue(const wchar_t* name, char* text) {
     struct HKEY__* const localMachine = (struct HKEY__*)(ptrdiff_t)(int)0x80000002u;
@@ -102,7 +101,7 @@ BRIDGE_INLINE int bridgeProductValue(const wchar_t* name, char* text) {
     return text[0] != '\0';
 }
 
-/* Opens a file beside others that use it; null when that fails. */
+/* Opens a file with full sharing. Returns null on failure. */
 BRIDGE_INLINE void* bridgePreflightOpen(const char* path, unsigned long access,
                                         unsigned long disposition, unsigned long flags) {
     const unsigned long shareAll = 1 | 2 | 4;
@@ -113,7 +112,7 @@ BRIDGE_INLINE void* bridgePreflightOpen(const char* path, unsigned long access,
     return file == (void*)(ptrdiff_t)-1 ? NULL : file;
 }
 
-/* Attributes of a file or folder; all bits are set when there is none. */
+/* Returns the attributes of a file or folder. All bits are set when it does not exist. */
 BRIDGE_INLINE unsigned long bridgePreflightAttributes(const char* path) {
     wchar_t wide[BRIDGE_PREFLIGHT_PATH];
     return bridgePreflightWidePath(path, wide) ? GetFileAttributesW(wide) : 0xFFFFFFFFul;
@@ -128,7 +127,7 @@ BRIDGE_INLINE int bridgePreflightIsFolder(const char* path) {
     return bridgePreflightExists(path) && (bridgePreflightAttributes(path) & folder) != 0;
 }
 
-/* Reports `before name after`. */
+/* Reports the problem `before` + `name` + `after`. */
 BRIDGE_INLINE void bridgePreflightReport(bridgeOnProblem report, void* context, const char* before,
                                          const char* name, const char* after, const char* remedy) {
     char what[BRIDGE_PREFLIGHT_TEXT] = "";
@@ -138,7 +137,7 @@ BRIDGE_INLINE void bridgePreflightReport(bridgeOnProblem report, void* context, 
     report(context, what, remedy);
 }
 
-/* Closes a file that was opened to see whether that works: 0, or the Windows error. */
+/* Closes a file that was opened as a test. Returns 0, or the Windows error of the failed open. */
 BRIDGE_INLINE unsigned long bridgePreflightTried(void* file) {
     const unsigned long error = GetLastError();
     if (file == NULL) return error != 0 ? error : 31; /* ERROR_GEN_FAILURE */
@@ -146,8 +145,7 @@ BRIDGE_INLINE unsigned long bridgePreflightTried(void* file) {
     return 0;
 }
 
-/* 0, or the Windows error that no file can be made for in the folder of this one. Leaves nothing
- * behind. */
+/* Creates and deletes a file in the folder of `path`. Returns 0 or the Windows error. */
 BRIDGE_INLINE unsigned long bridgePreflightTryToCreate(const char* path) {
     const unsigned long appendAndDelete = 0x4 | 0x10000; /* FILE_APPEND_DATA | DELETE */
     const unsigned long createNew = 1, deleteOnClose = 0x04000000;
@@ -162,8 +160,8 @@ BRIDGE_INLINE unsigned long bridgePreflightTryToCreate(const char* path) {
         bridgePreflightOpen(probe, appendAndDelete, createNew, deleteOnClose));
 }
 
-/* 0, or the Windows error that the library would not open this log for. It makes missing folders,
- * as far as "\" separates them. */
+/* Returns 0, or the Windows error with which the library would fail to open this log. The library
+ * creates missing folders up to the last backslash. */
 BRIDGE_INLINE unsigned long bridgePreflightTryToLog(const char* path) {
     const unsigned long append = 0x4, openExisting = 3; /* FILE_APPEND_DATA */
     const char* const separator = strrchr(path, '\\');
@@ -178,7 +176,7 @@ BRIDGE_INLINE unsigned long bridgePreflightTryToLog(const char* path) {
     return bridgePreflightTryToCreate(path);
 }
 
-/* The number in decimal digits. */
+/* Appends the number in decimal. */
 BRIDGE_INLINE void bridgePreflightAppendNumber(char* text, size_t room, unsigned long number) {
     char digits[12] = "";
     size_t at = sizeof digits - 1;
@@ -249,7 +247,7 @@ BRIDGE_INLINE void bridgePreflightVersion(bridgeOnProblem report, void* context)
                           "install product and library of the same version");
 }
 
-/* Whether there is a data folder, which is then in `data`. */
+/* Stores the data folder in `data`. Returns 0 after reporting that there is none. */
 BRIDGE_INLINE int bridgePreflightData(char* data, bridgeOnProblem report, void* context) {
     if (!bridgeProductValue(L"UserDefinedDir", data)) {
         report(context,
@@ -266,13 +264,13 @@ BRIDGE_INLINE int bridgePreflightData(char* data, bridgeOnProblem report, void* 
 }
 
 /**
- * Reports everything that bridgeApiInitEx() would fail at, or that would end the process in it.
- * Nothing is changed. Without a data folder nothing else is looked at.
+ * Reports every problem that would make bridgeApiInitEx() fail or end the process. Changes nothing.
+ * If the data folder is missing, checks nothing else.
  * @param clientId    as for bridgeApiInitEx()
  * @param noConfFile  as for bridgeApiInitEx()
  * @param logFilePath as for bridgeApiInitEx()
- * @param report      gets each problem, in the order of importance
- * @param context     handed on to it
+ * @param report      receives each problem, the most important first
+ * @param context     passed to `report`
  */
 BRIDGE_INLINE void bridgeForEachProblem(const char* clientId, bridge_bool noConfFile,
                                         const char* logFilePath, bridgeOnProblem report,
@@ -285,7 +283,7 @@ BRIDGE_INLINE void bridgeForEachProblem(const char* clientId, bridge_bool noConf
     if (strcmp(clientId, "Launcher") == 0) bridgePreflightVersion(report, context);
 }
 
-/** What bridgePreflight() hands to the function that collects. */
+/** The text that bridgePreflight() assembles. */
 struct bridgePreflightTexts {
     char* text;
     size_t size;
@@ -303,13 +301,13 @@ BRIDGE_INLINE void bridgePreflightCollect(void* context, const char* what, const
 }
 
 /**
- * The same as a text: a line "what: remedy" for each problem.
+ * Reports the problems of bridgeForEachProblem() as text, with a line "what: remedy" for each.
  * @param clientId    as for bridgeApiInitEx()
  * @param noConfFile  as for bridgeApiInitEx()
  * @param logFilePath as for bridgeApiInitEx()
- * @param text        gets the lines, which end where the buffer ends; may be null when size is 0
- * @param size        bytes of the buffer
- * @return number of problems; 0: the start would work
+ * @param text        buffer for the lines, which are truncated if necessary; null if size is 0
+ * @param size        size of the buffer in bytes
+ * @return number of problems; 0 if the initialisation would succeed
  */
 BRIDGE_INLINE int bridgePreflight(const char* clientId, bridge_bool noConfFile,
                                   const char* logFilePath, char* text, size_t size) {

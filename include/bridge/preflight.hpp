@@ -1,6 +1,6 @@
 /**
  * @file preflight.hpp
- * @brief What would make the initialisation fail or end the process.
+ * @brief Finds problems that would make the initialisation fail or end the process.
  */
 #ifndef BRIDGE_PREFLIGHT_HPP
 #define BRIDGE_PREFLIGHT_HPP
@@ -14,27 +14,27 @@
 
 namespace bridge {
 
-/** One thing that is wrong. */
+/** A problem and its remedy. */
 struct Problem {
-    /** What it is. */
+    /** What is wrong. */
     std::string what;
-    /** What to do about it. */
+    /** How to fix it. */
     std::string remedy;
 };
 
-/** What the initialisation will be told. */
+/** The arguments of the planned initialisation. */
 struct PreflightOptions {
     /** As for initWithoutFile(). */
     bool noConfFile = false;
-    /** As for initWithLog(); none: the product's own log. */
+    /** As for initWithLog(); without a value, the product's own log. */
     std::optional<std::string> logFilePath;
 };
 
 /**
- * Looks at what the initialisation of a client needs, and changes nothing.
- * @param client  who the host is
- * @param options how it will be initialised
- * @return the problems; empty when the start would work
+ * Checks what the initialisation needs. Changes nothing.
+ * @param client  the kind of host
+ * @param options the arguments of the planned initialisation
+ * @return the problems; empty when the initialisation would succeed
  */
 inline std::vector<Problem> preflight(Client client, const PreflightOptions& options = {}) {
     std::vector<Problem> problems;

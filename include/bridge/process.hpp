@@ -1,6 +1,6 @@
 /**
  * @file process.hpp
- * @brief What the C++ headers remember of the start: client, files. Not for hosts.
+ * @brief Registry values, files and the arguments of the initialisation. Not for hosts.
  */
 #ifndef BRIDGE_PROCESS_HPP
 #define BRIDGE_PROCESS_HPP
@@ -13,7 +13,7 @@
 
 namespace bridge::detail {
 
-/** A text of the product's key in the registry; empty when there is none. */
+/** A string value from the product's registry key; empty when it is missing. */
 inline std::string productValue(const wchar_t* name) {
 #if defined(_WIN32)
     std::string text(BRIDGE_PREFLIGHT_TEXT, '\0');
@@ -26,7 +26,7 @@ inline std::string productValue(const wchar_t* name) {
 #endif
 }
 
-/** The bytes of a file; nothing when it cannot be read. Other programs may replace it meanwhile. */
+/** The bytes of a file, if it can be read. Other programs may replace the file meanwhile. */
 inline std::optional<std::string> readFile(const std::string& path) {
 #if defined(_WIN32)
     constexpr unsigned long kRead = 0x80000000;  // GENERIC_READ
@@ -51,23 +51,23 @@ inline std::optional<std::string> readFile(const std::string& path) {
 #endif
 }
 
-/** The product's data folder, with one separator at its end, as the library has it. */
+/** The product's data folder, with a separator at the end. */
 inline std::string dataFolder() { return productValue(L"UserDefinedDir") + "\\"; }
 
-/** What the last initialisation was told. */
+/** The arguments of the last initialisation. */
 struct Start {
     std::mutex lock;
     std::string client;
     std::string log;
 };
 
-/** Made once and never destroyed, as everything here: events can come until the process ends. */
+/** Never destroyed, because events can arrive until the process ends. */
 inline Start& start() {
     static Start& state = *new Start;
     return state;
 }
 
-/** Null keeps the product's own log, and an empty text the one that there is. */
+/** A null log path stands for the product's own log, an empty one for the current log. */
 inline void rememberStart(const char* client, const char* logFilePath) {
     const std::string own = dataFolder() + "Logs\\Player.log";
     const std::lock_guard<std::mutex> guard(start().lock);
@@ -81,7 +81,7 @@ inline std::string logPath() {
     return start().log;
 }
 
-/** The id that the last initialisation was told; empty before the first. */
+/** The client id of the last initialisation; empty before the first. */
 inline std::string clientOfStart() {
     const std::lock_guard<std::mutex> guard(start().lock);
     return start().client;

@@ -1,6 +1,6 @@
 /**
  * @file programs.hpp
- * @brief Starts the product's programs. What becomes of the work says work.hpp.
+ * @brief Starts the product's programs. work.hpp also waits for the outcome.
  */
 #ifndef BRIDGE_PROGRAMS_HPP
 #define BRIDGE_PROGRAMS_HPP
@@ -13,7 +13,7 @@
 
 namespace bridge {
 
-/** What the functions below are about; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
 inline Status startedPlayer(bridge_i32 code, const char* operation) {
@@ -28,32 +28,38 @@ inline Status startedManager(bridge_i32 code, const char* operation) {
 
 }  // namespace detail
 
+/** bridgeLaunchApp() */
 inline Status launchApp(const std::string& instance, const std::string& package) {
     return detail::startedPlayer(bridgeLaunchApp(instance.c_str(), package.c_str()),
                                  "bridgeLaunchApp");
 }
+/** bridgeLaunchAppStore() */
 inline Status launchAppStore(const std::string& instance, const std::string& store,
                              const std::string& package) {
     return detail::startedPlayer(
         bridgeLaunchAppStore(instance.c_str(), store.c_str(), package.c_str()),
         "bridgeLaunchAppStore");
 }
+/** bridgeLaunchUrl() */
 inline Status launchUrl(const std::string& instance, const std::string& url) {
     return detail::startedPlayer(bridgeLaunchUrl(instance.c_str(), url.c_str()), "bridgeLaunchUrl");
 }
+/** bridgeInstallApk() */
 inline Status installApk(const std::string& instance, const std::string& apkFilePath) {
     return Status(bridgeInstallApk(instance.c_str(), apkFilePath.c_str()), "bridgeInstallApk",
                   apkFilePath);
 }
+/** bridgeUninstallApp() */
 inline Status uninstallApp(const std::string& instance, const std::string& package) {
     return detail::startedPlayer(bridgeUninstallApp(instance.c_str(), package.c_str()),
                                  "bridgeUninstallApp");
 }
+/** bridgeInstallImage() */
 inline Status installImage(const std::string& imageName) {
     return detail::startedManager(bridgeInstallImage(imageName.c_str()), "bridgeInstallImage");
 }
 
-/** What a new instance is to be; all texts, numbers in decimal. */
+/** The properties of a new instance. Numbers are decimal. */
 struct FreshInstance {
     std::string imageName;
     std::string cpu;
@@ -63,6 +69,7 @@ struct FreshInstance {
     std::string deviceProfile;
 };
 
+/** bridgeCreateFreshInstance() */
 inline Status createFreshInstance(const FreshInstance& wanted) {
     return detail::startedManager(
         bridgeCreateFreshInstance(wanted.imageName.c_str(), wanted.cpu.c_str(), wanted.ram.c_str(),
@@ -71,9 +78,11 @@ inline Status createFreshInstance(const FreshInstance& wanted) {
         "bridgeCreateFreshInstance");
 }
 
+/** bridgePlrShutdown() */
 inline Status shutdownPlayer(const std::string& instance, bool flag = false) {
     return Status(bridgePlrShutdown(instance.c_str(), flag ? 1 : 0), "bridgePlrShutdown");
 }
+/** bridgeShutdown() */
 inline void shutdown() { bridgeShutdown(); }
 
 }  // namespace bridge

@@ -1,7 +1,7 @@
 /**
  * @file result.hpp
- * @brief What the functions return: texts that free themselves, and results that say what went
- * wrong.
+ * @brief The return types of the functions: strings that free themselves, and results with error
+ * descriptions.
  */
 #ifndef BRIDGE_RESULT_HPP
 #define BRIDGE_RESULT_HPP
@@ -20,12 +20,12 @@
 
 namespace bridge {
 
-/** A text of the library's, freed by the library at the end of its life. */
+/** Owns a string that the library returned, and frees it with bridgeFreeMemory(). */
 class Text {
  public:
     explicit Text(char* text) noexcept : text_(text) {}
 
-    /** Null after a failure, which TextResult tells. */
+    /** Null after a failure; TextResult reports it. */
     const char* c_str() const noexcept { return text_.get(); }
     std::string_view view() const noexcept {
         return text_ == nullptr ? std::string_view() : std::string_view(text_.get());
@@ -39,7 +39,7 @@ class Text {
     std::unique_ptr<char, Free> text_;
 };
 
-/** "XERR_NOENT"; empty for a Windows error, which is a code from 100000 on. */
+/** The name of a code, such as "XERR_NOENT"; empty for a Windows error (100000 and above). */
 inline std::string_view codeName(std::int32_t code) noexcept {
     for (const detail::Code& one : detail::kCodes) {
         if (one.number == code) return one.name;
@@ -47,7 +47,7 @@ inline std::string_view codeName(std::int32_t code) noexcept {
     return {};
 }
 
-/** "no such file or folder"; "Windows error 5" for 100005. */
+/** Describes a code: "no such file or folder", or "Windows error 5" for 100005. */
 inline std::string codeText(std::int32_t code) {
     constexpr std::int32_t kFirstWindowsError = 100000;
     for (const detail::Code& one : detail::kCodes) {
@@ -57,7 +57,7 @@ inline std::string codeText(std::int32_t code) {
     return "Windows error " + std::to_string(code - kFirstWindowsError);
 }
 
-/** A call that failed, with its cause. Its text has all of it. */
+/** A failed call. what() contains all the members. */
 class Error : public std::runtime_error {
  public:
     Error(std::string operation, std::int32_t code, std::string file)
@@ -67,17 +67,17 @@ class Error : public std::runtime_error {
           log_(detail::logPath()),
           code_(code) {}
 
-    /** The function, as bridge.h calls it. */
+    /** The name of the function in bridge.h. */
     const std::string& operation() const noexcept { return operation_; }
     /** A result code of bridge.h. */
     std::int32_t code() const noexcept { return code_; }
-    /** The code's name, as codeName(). */
+    /** codeName() of the code. */
     std::string_view name() const noexcept { return codeName(code_); }
-    /** The code's words, as codeText(). */
+    /** codeText() of the code. */
     std::string text() const { return codeText(code_); }
-    /** The file that the call was about; empty when there is none. */
+    /** The file that the call used; empty when there is none. */
     const std::string& file() const noexcept { return file_; }
-    /** Where the library logs; empty when that is standard output. */
+    /** The library's log file; empty for standard output. */
     const std::string& log() const noexcept { return log_; }
 
  private:
@@ -99,12 +99,12 @@ class Error : public std::runtime_error {
     std::int32_t code_;
 };
 
-/** The outcome of a call that has nothing to return: a result code of bridge.h. */
+/** The result code of a call that returns no value. */
 class [[nodiscard]] Status {
  public:
     explicit Status(bridge_i32 code) noexcept : code_(code) {}
 
-    /** The operation's text lives for ever; the file is the one that the call is about. */
+    /** `operation` is a string literal, and `file` is the file that the call used. */
     Status(bridge_i32 code, const char* operation, std::string_view file = {})
         : operation_(operation), file_(code == BRIDGE_SUCCESS ? "" : file), code_(code) {}
 
@@ -112,7 +112,7 @@ class [[nodiscard]] Status {
     explicit operator bool() const noexcept { return ok(); }
     bridge_i32 code() const noexcept { return code_; }
 
-    /** The failure with its cause; only when not ok(). */
+    /** The failure. Call it only when !ok(). */
     Error error() const { return Error(operation_, code_, file_); }
     /** Throws error() unless ok(). */
     void orThrow() const {
@@ -125,12 +125,12 @@ class [[nodiscard]] Status {
     bridge_i32 code_;
 };
 
-/** A text, or the result code that stands in its place. The log has the cause of a failure. */
+/** A string, or the failure to get it. The log has the cause of the failure. */
 class [[nodiscard]] TextResult {
  public:
     explicit TextResult(char* text) noexcept : text_(text) {}
 
-    /** The operation's text lives for ever. */
+    /** `operation` is a string literal. */
     TextResult(char* text, const char* operation) noexcept : text_(text), operation_(operation) {}
 
     bool ok() const noexcept { return text_.c_str() != nullptr; }
@@ -138,17 +138,17 @@ class [[nodiscard]] TextResult {
     bridge_i32 code() const noexcept { return ok() ? BRIDGE_SUCCESS : BRIDGE_FAILURE; }
     Status status() const { return Status(code(), operation_); }
 
-    /** The text; only when ok(). */
+    /** The string. Call it only when ok(). */
     const Text& operator*() const& noexcept { return text_; }
     Text operator*() && noexcept { return std::move(text_); }
     const Text* operator->() const noexcept { return &text_; }
 
-    /** A copy of the text, or of what is to stand for it after a failure. */
+    /** A copy of the string, or of `other` after a failure. */
     std::string valueOr(std::string_view other) const {
         return std::string(ok() ? text_.view() : other);
     }
 
-    /** A copy of the text; throws Error after a failure. */
+    /** A copy of the string; throws Error after a failure. */
     std::string value() const {
         status().orThrow();
         return text_.str();
@@ -159,7 +159,7 @@ class [[nodiscard]] TextResult {
     const char* operation_ = "the call";
 };
 
-/** A value, or the status that stands in its place. */
+/** A value, or the failure to get it. */
 template <typename Value>
 class [[nodiscard]] Result {
  public:
@@ -171,7 +171,7 @@ class [[nodiscard]] Result {
     bridge_i32 code() const noexcept { return status_.code(); }
     const Status& status() const noexcept { return status_; }
 
-    /** The value; only when ok(). */
+    /** The value. Call it only when ok(). */
     const Value& operator*() const& noexcept { return *value_; }
     Value operator*() && noexcept { return *std::move(value_); }
     const Value* operator->() const noexcept { return &*value_; }

@@ -1,6 +1,6 @@
 /**
  * @file session.hpp
- * @brief Initialisation and end.
+ * @brief Initialisation and shutdown of the library.
  */
 #ifndef BRIDGE_SESSION_HPP
 #define BRIDGE_SESSION_HPP
@@ -15,10 +15,10 @@
 
 namespace bridge {
 
-/** Who the host is. Two hosts of one kind share a server name: only the first gets events. */
+/** The kind of host. Of two running hosts of the same kind, only the first receives events. */
 enum class Client { Launcher, Installer, LogCollector, Helper, Uninstaller };
 
-/** The client id's text, which lives for ever, as the library wants it. */
+/** The client id, a string literal. */
 inline const char* clientId(Client client) noexcept {
     switch (client) {
         case Client::Launcher:
@@ -35,7 +35,7 @@ inline const char* clientId(Client client) noexcept {
     return "";
 }
 
-/** How the functions below start the library; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
 inline Status initialise(Client client, bool noConfFile, const char* logFilePath) {
@@ -47,7 +47,7 @@ inline Status initialise(Client client, bool noConfFile, const char* logFilePath
 
 }  // namespace detail
 
-/** bridgeApiInit(). What it would fail at, or end the process for, preflight() says before. */
+/** bridgeApiInit(). preflight() finds fatal errors before this call. */
 inline Status init(Client client) {
     const char* const id = clientId(client);
     detail::rememberStart(id, nullptr);
@@ -55,19 +55,19 @@ inline Status init(Client client) {
     return Status(bridgeApiInit(id), "bridgeApiInit");
 }
 
-/** bridgeApiInitEx() without a configuration file: the catalogue's defaults only. */
+/** bridgeApiInitEx() without a configuration file, with the default values only. */
 inline Status initWithoutFile(Client client, const char* logFilePath = nullptr) {
     return detail::initialise(client, /*noConfFile=*/true, logFilePath);
 }
 
-/** bridgeApiInitEx() with a log file of the host's choice. */
+/** bridgeApiInitEx() with a log file. */
 inline Status initWithLog(Client client, const std::string& logFilePath) {
     return detail::initialise(client, /*noConfFile=*/false, logFilePath.c_str());
 }
 
 /**
- * bridgeApiFini(); not from inside a callback. FreeLibrary() only after it has returned. Event
- * queues and works that somebody waits for end.
+ * bridgeApiFini(). Also ends every wait for an event queue or a Work. Do not call it inside a
+ * callback, and call FreeLibrary() only after it has returned.
  */
 inline void finish() {
     const bool stops = !detail::isEventThread();

@@ -1,11 +1,11 @@
 /**
  * @file windows_calls.h
- * @brief The few calls of Windows that preflight.h and the C++ headers make, declared as windows.h
- *        declares them. Not for hosts.
+ * @brief The Windows functions that preflight.h and the C++ headers call, with the declarations of
+ *        windows.h. Not for hosts.
  *
- * A header that includes windows.h decides for its users which part of it they get, and leaves its
- * macros behind (min, max, ERROR). These declarations agree with those of windows.h, which may be
- * included before or after this header.
+ * Including windows.h in a public header would impose its options and macros (min, max, ERROR) on
+ * every user. These declarations are compatible with windows.h, which may be included before or
+ * after this header.
  */
 #ifndef BRIDGE_WINDOWS_CALLS_H
 #define BRIDGE_WINDOWS_CALLS_H

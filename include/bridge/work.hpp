@@ -1,6 +1,6 @@
 /**
  * @file work.hpp
- * @brief Programs whose work has an outcome: starts them, and waits for the event that tells it.
+ * @brief Starts programs and waits for the events that report their outcome.
  */
 #ifndef BRIDGE_WORK_HPP
 #define BRIDGE_WORK_HPP
@@ -24,7 +24,7 @@
 
 namespace bridge {
 
-/** What a work and its observer share; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
 template <typename Outcome>
@@ -55,9 +55,8 @@ inline bool isRegistered() {
 }  // namespace detail
 
 /**
- * A program that was started, and the event that tells its outcome. An event tells the outcome of
- * one work: of several that are alike, the one that was started first. A work that nobody keeps is
- * forgotten with its event, or at the end.
+ * A started program and the event that reports its outcome. An event completes one Work: the
+ * oldest that matches it. A Work may be destroyed before its event arrives.
  */
 template <typename Outcome>
 class Work {
@@ -65,13 +64,13 @@ class Work {
     Work(Status status, std::shared_ptr<detail::WorkState<Outcome>> state)
         : status_(std::move(status)), state_(std::move(state)) {}
 
-    /** Whether the program was started; without that there is nothing to wait for. */
+    /** Whether the program has started. */
     const Status& status() const noexcept { return status_; }
 
     /**
-     * Waits for the outcome; nothing when it has not come within the limit, or when the library has
-     * ended. May be called again. Throws Error when the program was not started, and
-     * std::logic_error before listen() or inside a callback.
+     * Waits for the outcome. Returns nothing when the limit expires or the library ends first. May
+     * be called again. Throws Error when the program has not started, and std::logic_error before
+     * listen() or inside a callback.
      */
     std::optional<Outcome> wait(
         std::optional<std::chrono::milliseconds> limit = std::nullopt) const {
@@ -89,11 +88,11 @@ class Work {
     std::shared_ptr<detail::WorkState<Outcome>> state_;
 };
 
-/** How works begin; not for hosts. */
+/** Internal; not for hosts. */
 namespace detail {
 
-/** Begins to watch, then starts the program. isOutcome(event) says whether an event is the work's.
- */
+/** Observes the events, then starts the program. isOutcome(event) returns whether an event belongs
+ * to this Work. */
 template <typename Outcome, typename Begin>
 Work<Outcome> beginWork(std::function<bool(const Outcome& event)> isOutcome, Begin start) {
     auto state = std::make_shared<WorkState<Outcome>>();
@@ -113,7 +112,7 @@ Work<Outcome> beginWork(std::function<bool(const Outcome& event)> isOutcome, Beg
 
 }  // namespace detail
 
-/** The functions of programs.hpp that have an outcome. They need listen() before wait(). */
+/** The functions of programs.hpp that have an outcome. Call listen() before wait(). */
 namespace work {
 
 using ApkInstalled = events::ApkInstallCompleted;
@@ -122,10 +121,10 @@ using InstanceCreated = events::CreateInstanceCompleted;
 using AppDisplayed = events::AppDisplayed;
 using AppUninstalled = events::AppUninstalled;
 
-/** The status of an image whose installation is done. */
+/** The status of a completed image installation. */
 inline constexpr std::int32_t kImageDone = 2;
 
-/** Completes when the file has been dealt with; its status is the sender's. */
+/** Completes when the installation has succeeded or failed. The sender defines the status. */
 inline Work<ApkInstalled> installApk(const std::string& instance, const std::string& apkFilePath) {
     return detail::beginWork<ApkInstalled>(
         [instance, apkFilePath](const ApkInstalled& event) {
@@ -135,10 +134,10 @@ inline Work<ApkInstalled> installApk(const std::string& instance, const std::str
 }
 
 /**
- * Completes with status kImageDone.
+ * Completes at status kImageDone.
  * @param imageName name of the image
- * @param progress  gets every other status, on the event thread; may be empty
- * @return the work
+ * @param progress  receives every other status on the event thread; may be empty
+ * @return the Work
  */
 inline Work<ImageInstalled> installImage(
     const std::string& imageName,
@@ -153,14 +152,14 @@ inline Work<ImageInstalled> installImage(
         [&] { return bridge::installImage(imageName); });
 }
 
-/** Completes with the next instance that was created, or could not be: the event has no other sign
- * of whose it is. */
+/** Completes at the next event about a created instance, since the event does not identify the
+ * request. */
 inline Work<InstanceCreated> createFreshInstance(const FreshInstance& wanted) {
     return detail::beginWork<InstanceCreated>([](const InstanceCreated&) { return true; },
                                               [&] { return bridge::createFreshInstance(wanted); });
 }
 
-/** Completes when the app comes to the front. */
+/** Completes when the app comes to the foreground. */
 inline Work<AppDisplayed> launchApp(const std::string& instance, const std::string& package) {
     return detail::beginWork<AppDisplayed>(
         [instance, package](const AppDisplayed& event) {
@@ -169,7 +168,7 @@ inline Work<AppDisplayed> launchApp(const std::string& instance, const std::stri
         [&] { return bridge::launchApp(instance, package); });
 }
 
-/** Completes when the app is gone. */
+/** Completes when the app is uninstalled. */
 inline Work<AppUninstalled> uninstallApp(const std::string& instance, const std::string& package) {
     return detail::beginWork<AppUninstalled>(
         [instance, package](const AppUninstalled& event) {

@@ -36,10 +36,10 @@ def table(name: str, keys: List[tables.Key]) -> List[str]:
 
 
 def comment(key: tables.Key) -> str:
-    """What an editor shows at the key."""
+    """The documentation of a key, which editors show."""
     parts = [key.type]
-    parts += [f"counts {key.unit}"] if key.unit else []
-    parts += [f"elements are {', '.join(key.allowed)}"] if key.allowed else []
+    parts += [f"unit: {key.unit}"] if key.unit else []
+    parts += [f"elements: {', '.join(key.allowed)}"] if key.allowed else []
     parts += [f"default {quoted(key.default)}" if key.default else "no default"]
     return f"/** {'; '.join(parts)} */"
 
@@ -55,8 +55,8 @@ def global_keys(keys: List[tables.Key]) -> List[str]:
 def instance_keys(keys: List[tables.Key]) -> List[str]:
     starts = [f"          {member(key)}(name, detail::kInstanceProperties[{index}])"
               for index, key in enumerate(keys)]
-    lines = ["/** The keys of an instance; instance() makes them. */", "struct InstanceKeys {",
-             "    /** @param name the instance's */",
+    lines = ["/** The keys of one instance, made by instance(). */", "struct InstanceKeys {",
+             "    /** @param name instance name */",
              "    explicit InstanceKeys(const std::string& name)", "        :" + starts[0][9:] + ",",
              *[f"{one}," for one in starts[1:-1]], starts[-1] + " {}", ""]
     for key in keys:
@@ -71,12 +71,12 @@ def keys(interface: Interface) -> str:
     body = ["namespace detail {", "", *table("kGlobalProperties", of_all), "",
             *table("kInstanceProperties", of_instances), "",
             f"inline constexpr std::string_view kImages[] = {{{images}}};", "",
-            "}  // namespace detail", "", "/** Every key that there is. */", "namespace keys {", "",
+            "}  // namespace detail", "", "/** All keys. */", "namespace keys {", "",
             *global_keys(of_all), "", *instance_keys(of_instances), "",
-            "/** The keys of an instance: instance(\"Nougat64\").dpi. */",
+            "/** The keys of one instance: instance(\"Nougat64\").dpi. */",
             "inline InstanceKeys instance(const std::string& name) { return InstanceKeys(name); }",
             "", "}  // namespace keys", ""]
-    return guarded("keys", "Every key of the configuration, with the type of its value.",
+    return guarded("keys", "All keys of the configuration, with the types of their values.",
                    ["<bridge/key.hpp>", "<cstdint>", "<string>", "<string_view>", "<vector>"], body)
 
 
@@ -86,5 +86,5 @@ def codes(interface: Interface) -> str:
     body = ["namespace detail {", "", "struct Code {", "    std::int32_t number;",
             "    std::string_view name;", "    std::string_view text;", "};", "",
             "inline constexpr Code kCodes[] = {", *rows, "};", "", "}  // namespace detail", ""]
-    return guarded("codes", "The result codes with their names and words.",
+    return guarded("codes", "The result codes with their names and descriptions.",
                    ["<cstdint>", "<string_view>"], body)
