@@ -1,47 +1,40 @@
-// What may wait for a disk, for another program or for the log, and what never does: the calls that
-// a window's thread makes.
+// The calls that a window's thread makes never wait for a disk, another program or the log.
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "conf/ConfInstanceValues.h"
-#include "support/Platform.h"
+#include "support/Threads.h"
 #include "xpl/XmutexNamed.h"
 
 namespace {
 
 using Step = HookedFiles::Step;
 
-// A place in another thread's work where that thread stops until it may go on.
+// Stops another thread at one point of its work until it may go on.
 class Stop {
  public:
     // For that thread.
     void here() {
-        std::unique_lock<std::mutex> guard(lock_);
-        isReached_ = true;
-        changed_.notify_all();
-        changed_.wait(guard, [this] { return mayGoOn_; });
+        reached_.set_value();
+        mayGoOn_.get_future().wait();
     }
     bool waitUntilReached() {
-        std::unique_lock<std::mutex> guard(lock_);
-        return changed_.wait_for(guard, std::chrono::seconds(30), [this] { return isReached_; });
+        return reached_.get_future().wait_for(std::chrono::seconds(30)) ==
+               std::future_status::ready;
     }
-    void letGoOn() {
-        const std::lock_guard<std::mutex> guard(lock_);
-        mayGoOn_ = true;
-        changed_.notify_all();
-    }
+    void letGoOn() { mayGoOn_.set_value(); }
 
  private:
-    std::mutex lock_;
-    std::condition_variable changed_;
-    bool isReached_ = false;
-    bool mayGoOn_ = false;
+    std::promise<void> reached_;
+    std::promise<void> mayGoOn_;
 };
 
 const char* const kDpi = "vtr.instance.A.dpi";
 
+using Work = std::function<void(ConfStore&)>;
+
 struct Call {
     const char* name;
-    std::function<void(ConfStore&)> run;
+    Work run;
 };
 
 const std::vector<Call>& callsThatNeverWait() {
@@ -87,7 +80,41 @@ class ConfWaitsTest : public ConfTest {
         }
     };
 
-    // Expects of each call that it ends while the other thread stands still.
+    // A store with a change of kDpi. Another thread works on it and is stopped before a step of the
+    // files until goOn().
+    class Stopped {
+     public:
+        Stopped(const ConfWaitsTest& test, Step step, Work work)
+            : files_([this, step](Step at) {
+                  if (isArmed_ && at == step && ++reached_ == 1) stop_.here();
+                  return XERR_SUCCESS;
+              }),
+              store_(test, files_) {
+            confSetI32(store_, kDpi, confGetI32(store_, kDpi) + 1);
+            isArmed_ = true;
+            thread_ = std::thread([this, work] { work(store_); });
+            EXPECT_TRUE(stop_.waitUntilReached());
+        }
+        ~Stopped() { goOn(); }
+
+        void goOn() {
+            if (!thread_.joinable()) return;
+            stop_.letGoOn();
+            thread_.join();
+        }
+        ConfStore& store() { return store_; }
+        int reached() const { return reached_; }
+
+     private:
+        Stop stop_;
+        std::atomic<bool> isArmed_{false};
+        std::atomic<int> reached_{0};
+        HookedFiles files_;
+        OtherStore store_;
+        std::thread thread_;
+    };
+
+    // Each call ends while the other thread is stopped.
     static void expectNoWait(ConfStore& store) {
         for (const Call& call : callsThatNeverWait()) {
             auto ended = std::async(std::launch::async, [&] { call.run(store); });
@@ -97,31 +124,26 @@ class ConfWaitsTest : public ConfTest {
         }
     }
 
-    // The same while another thread, which runs work(store), is stopped before that file operation.
-    void expectNoWaitAt(Step step, const std::function<void(ConfStore&)>& work) {
-        Stop stop;
-        bool isArmed = false;
-        HookedFiles files([&](Step at) {
-            if (isArmed && at == step) stop.here();
-            return XERR_SUCCESS;
-        });
-        OtherStore slow(*this, files);
-        confSetI32(slow, "vtr.instance.A.ram", ++ram_);
-        isArmed = true;
-        std::thread worker([&] { work(slow); });
-        EXPECT_TRUE(stop.waitUntilReached());
-        expectNoWait(slow);
-        stop.letGoOn();
-        worker.join();
+    void expectNoWaitAt(Step step, const Work& work) {
+        Stopped stopped(*this, step, work);
+        expectNoWait(stopped.store());
     }
-
- private:
-    int ram_ = 1;
 };
 
 void commit(ConfStore& store) { EXPECT_EQ(confCommit(store), 0); }
 
 void reload(ConfStore& store) { EXPECT_EQ(confReload(store), 0); }
+
+Stop* logStop = nullptr;
+
+std::int32_t everyLine(std::int32_t, std::int32_t) { return 1; }
+
+// Stops at a line that a commit logs.
+std::int32_t slowPrint(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
+                       const char* format, ...) {
+    if (std::string(format).rfind("xfileMove failed", 0) == 0) logStop->here();
+    return 0;
+}
 
 }  // namespace
 
@@ -150,30 +172,12 @@ TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForAnotherProgramThatHoldsTheFile) {
         {
             const std::lock_guard<XmutexNamed> held(others);
             worker = std::thread([&] { work(store); });
-            while (store.lock.try_lock()) {  // until the worker has it, and waits for the file
-                store.lock.unlock();
-                sleepMs(1);
-            }
+            waitUntilLocked();
             expectNoWait(store);
         }
         worker.join();
     }
 }
-
-namespace {
-
-Stop* logStop = nullptr;
-
-std::int32_t everyLine(std::int32_t, std::int32_t) { return 1; }
-
-// Stands still at the line of a commit.
-std::int32_t slowPrint(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
-                       const char* format, ...) {
-    if (std::string(format).rfind("xfileMove failed", 0) == 0) logStop->here();
-    return 0;
-}
-
-}  // namespace
 
 TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForALogLineOfACommit) {
     HookedFiles files(Step::Replace, XERR_ACCES);
@@ -193,115 +197,75 @@ TEST_F(ConfWaitsTest, ReadsAndSetsDoNotWaitForALogLineOfACommit) {
 }
 
 TEST_F(ConfWaitsTest, ASetDuringACommitIsStagedWhenItReturns) {
-    Stop stop;
-    HookedFiles files([&](Step at) {
-        if (at == Step::Replace) stop.here();
-        return XERR_SUCCESS;
-    });
-    OtherStore slow(*this, files);
-    confSetI32(slow, kDpi, 2);
-    std::thread worker([&] { commit(slow); });
-    ASSERT_TRUE(stop.waitUntilReached());
-    EXPECT_FALSE(confHasPendingChanges(slow)) << "the change is in the text already";
-    confSetI32(slow, "vtr.instance.A.ram", 5);
-    stop.letGoOn();
-    worker.join();
-    EXPECT_TRUE(confIsPropPending(slow, "vtr.instance.A.ram"));
-    EXPECT_FALSE(confIsPropPending(slow, kDpi));
-    EXPECT_NE(file().find("vtr.instance.A.dpi=\"2\"\n"), std::string::npos);
-    EXPECT_NE(file().find("vtr.instance.A.ram=\"1\"\n"), std::string::npos);
+    Stopped stopped(*this, Step::Replace, commit);
+    EXPECT_FALSE(confHasPendingChanges(stopped.store())) << "the change is in the text already";
+    confSetI32(stopped.store(), "vtr.instance.A.ram", 5);
+    stopped.goOn();
+    EXPECT_TRUE(confIsPropPending(stopped.store(), "vtr.instance.A.ram"));
+    EXPECT_FALSE(confIsPropPending(stopped.store(), kDpi));
+    EXPECT_TRUE(hasLine("vtr.instance.A.dpi=\"2\""));
+    EXPECT_TRUE(hasLine("vtr.instance.A.ram=\"1\""));
 }
 
 TEST_F(ConfWaitsTest, ASetBeforeTheMergeIsPartOfTheCommit) {
-    Stop stop;
-    HookedFiles files([&](Step at) {
-        if (at == Step::Create) stop.here();
-        return XERR_SUCCESS;
-    });
-    OtherStore slow(*this, files);
-    confSetI32(slow, kDpi, 2);
-    std::thread worker([&] { commit(slow); });
-    ASSERT_TRUE(stop.waitUntilReached());
-    confSetI32(slow, "vtr.instance.A.ram", 5);
-    stop.letGoOn();
-    worker.join();
-    EXPECT_FALSE(confHasPendingChanges(slow));
-    EXPECT_NE(file().find("vtr.instance.A.ram=\"5\"\n"), std::string::npos);
+    Stopped stopped(*this, Step::Create, commit);
+    confSetI32(stopped.store(), "vtr.instance.A.ram", 5);
+    stopped.goOn();
+    EXPECT_FALSE(confHasPendingChanges(stopped.store()));
+    EXPECT_TRUE(hasLine("vtr.instance.A.ram=\"5\""));
 }
 
-// Two commits of one change: the second one finds nothing to do, and not before the first is done.
+// Two commits of one change: the second has nothing to do, but waits for the first.
 TEST_F(ConfWaitsTest, ACommitWithoutChangesWaitsForTheOneThatRuns) {
-    Stop stop;
-    int moves = 0;
-    HookedFiles files([&](Step at) {
-        if (at == Step::Replace && ++moves == 1) stop.here();
-        return XERR_SUCCESS;
-    });
-    OtherStore slow(*this, files);
-    confSetI32(slow, kDpi, 2);
-    std::thread first([&] { commit(slow); });
-    ASSERT_TRUE(stop.waitUntilReached());
-    auto second = std::async(std::launch::async, [&] { commit(slow); });
+    Stopped stopped(*this, Step::Replace, commit);
+    auto second = std::async(std::launch::async, [&] { commit(stopped.store()); });
     EXPECT_EQ(second.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-    stop.letGoOn();
-    first.join();
+    stopped.goOn();
     second.get();
-    EXPECT_EQ(moves, 1);
+    EXPECT_EQ(stopped.reached(), 1);
 }
 
 // A read never finds the default of a key that the file has.
 TEST_F(ConfWaitsTest, AnotherInitialisationShowsNoDefaultInBetween) {
-    writeFile("vtr.locale=\"of the file\"\n");
-    ASSERT_EQ(confReload(store), 0);
-    std::atomic<bool> done{false};
-    std::thread again([&] {
-        for (int i = 0; i < 50; ++i) EXPECT_EQ(confLibInit(store, path(), false), 0);
-        done = true;
-    });
-    while (!done) EXPECT_EQ(confGetString(store, "vtr.locale"), "of the file");
-    again.join();
+    given("vtr.locale=\"of the file\"\n");
+    whileRepeating(
+        1, [this] { EXPECT_EQ(confGetString(store, "vtr.locale"), "of the file"); },
+        [this] {
+            for (int i = 0; i < 50; ++i) EXPECT_EQ(confLibInit(store, path(), false), 0);
+        });
 }
 
 // Values that change together are seen together.
 TEST_F(ConfWaitsTest, TheListingIsOfOneMoment) {
     const ConfColumn columns[] = {{"dpi", ConfType::I32}, {"ram", ConfType::I32}};
-    std::atomic<bool> done{false};
-    std::thread reloading([&] {
-        for (int i = 0; i < 200; ++i) {
-            const std::string number = std::to_string(i);
-            writeFile("vtr.instance.A.dpi=\"" + number + "\"\nvtr.instance.A.ram=\"" + number +
-                      "\"\n");
-            EXPECT_EQ(confReload(store), 0);
-        }
-        done = true;
-    });
-    while (!done) {
+    const auto look = [&] {
         const ConfInstanceValues values(store, columns, 2);
         EXPECT_EQ(values.size(), 1u);
         EXPECT_EQ(values.value(0, 0), values.value(0, 1));
-    }
-    reloading.join();
+    };
+    whileRepeating(1, look, [this] {
+        for (int i = 0; i < 200; ++i) {
+            const std::string number = "=\"" + std::to_string(i) + "\"\n";
+            writeFile("vtr.instance.A.dpi" + number + "vtr.instance.A.ram" + number);
+            reload(store);
+        }
+    });
 }
 
-// The commit of a removal reads the file, which has the instance, and lists it again; its keys are
-// gone in the same step.
+// The commit of a removal reads the file, which still has the instance, and lists it again. It
+// removes its keys in the same step.
 TEST_F(ConfWaitsTest, AnInstanceIsNeverListedWhileItsKeysAreFatal) {
     const ConfColumn column{"dpi", ConfType::I32};
-    std::atomic<bool> done{false};
-    std::thread deleting([&] {
+    const auto look = [&] {
+        const ConfInstanceValues values(store, &column, 1);
+        for (std::size_t i = 0; i < values.size(); ++i) EXPECT_TRUE(values.value(i, 0));
+    };
+    whileRepeating(1, look, [this] {
         for (int i = 0; i < 100; ++i) {
             writeFile("vtr.instance.A.dpi=\"1\"\n");
-            EXPECT_EQ(confReload(store), 0);
+            reload(store);
             EXPECT_EQ(confDeleteInstance(store, "A"), 0);
-            EXPECT_EQ(confCommit(store), 0);
+            commit(store);
         }
-        done = true;
     });
-    int fatal = 0;
-    while (!done) {
-        const ConfInstanceValues values(store, &column, 1);
-        for (std::size_t i = 0; i < values.size(); ++i) fatal += values.value(i, 0) ? 0 : 1;
-    }
-    deleting.join();
-    EXPECT_EQ(fatal, 0);
 }
