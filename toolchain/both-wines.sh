@@ -1,19 +1,20 @@
 #!/usr/bin/env bash
-# both-wines.sh BUILD: plays the Windows side of the tests of BUILD under this system's Wine and under
-# that of Debian 13, and says which test cases ended differently. For ./run debian13 --tests, which has
-# this system's Wine server running.
-#   both-wines.sh BUILD --play FOLDER [CTEST-OPTION...]   plays them under one Wine; reports in FOLDER
+# both-wines.sh BUILD: runs the Windows tests of BUILD under this system's Wine and under Debian 13's, and
+# lists the test cases with different results. For ./run debian13 --tests, which starts this system's
+# Wine server.
+#   both-wines.sh BUILD --play FOLDER [CTEST-OPTION...]   runs them under one Wine; reports go to FOLDER
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
 build=$1
 self="$tree/toolchain/both-wines.sh"
 
-# What runs programs of the build machine says nothing about Windows.
+# Tests that run programs of the build machine do not depend on Wine.
 windows_side=(--label-exclude '^native$')
 
-# play RESULTS [CTEST-OPTION...]: the system's name, CTest's entries and report, and one of each program
-# of tests, in an empty folder. What fails is in the reports, and not this function's failure.
+# play RESULTS [CTEST-OPTION...]: runs the tests. Writes the system's name, CTest's list of tests, its
+# report and a report of each test program to RESULTS, which must be empty. The reports contain the
+# failures; the function itself succeeds.
 play() {
     local results=$1
     shift
@@ -31,7 +32,7 @@ case ${2:-} in
 --play) play "${@:3}" ;;
 *)
     play "$build/results/here"
-    # The package was made here, by tools of this system: a fixture, which is not made again there.
+    # The package is a fixture that only this system's tools can make.
     bash "$tree/toolchain/in-debian13.sh" --with-build bash "$tree/toolchain/with-wine.sh" \
         bash "$self" "$build" --play "$build/results/debian13" --fixture-exclude-setup '.*'
     python3 "$tree/toolchain/compare_results.py" "$build/results/here" "$build/results/debian13"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Says which folders of tests/ belong to what has changed since the last commit, one per line.
+# Prints the folders of tests/ that the uncommitted changes affect, one per line.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-# tests_of FILE: the folder with its tests.
+# tests_of FILE: prints the folders with its tests.
 tests_of() {
     case $1 in
     Source/conf/ConfCatalogueTable.cpp) printf '%s\n' conf gates bindings ;;

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# clang-microsoft.sh OPTION...: clang as it reads code for Microsoft's compiler, to hear its warnings;
-# nothing can be linked. Microsoft's headers are not there: those of the Windows toolchain take their
-# place, and believe that the compiler is GNU's and the C++ ABI theirs.
+# clang-microsoft.sh OPTION...: runs clang in Microsoft's mode, for its warnings. The result cannot be
+# linked. The headers of the Windows toolchain replace Microsoft's, so the options pretend a GNU compiler
+# and its C++ ABI.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
 toolchain=${QX_TOOLCHAIN:-$(toolchain_dir)}
 headers="$toolchain/$triple/include"
-# Those of mingw-w64 come before clang's own, whose intrin.h declares again what setjmp.h has; theirs
-# includes one that newer clangs call deprecated.
+# The headers of mingw-w64 precede clang's own, because clang's intrin.h redeclares functions of
+# setjmp.h. Newer versions of clang report a header that they include as deprecated.
 exec "$llvm/clang++" --target=x86_64-pc-windows-msvc -fms-compatibility-version=19.29 \
     -nostdinc -isystem "$headers/c++/v1" -isystem "$headers" \
     -isystem "$toolchain/lib/clang/$llvm_version/include" \

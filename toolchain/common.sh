@@ -1,4 +1,4 @@
-# Shared by the scripts of this folder and by ./run: the cache, numbered steps, logs, stamps.
+# Functions for the scripts of this folder and ./run: cache, numbered steps, logs, stamps.
 # shellcheck shell=bash
 
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -19,14 +19,13 @@ project_version() {
     sed -n 's/^project(QXBridge VERSION \([0-9.]*\).*/\1/p' "$tree/CMakeLists.txt"
 }
 
-# The time of the newest commit: the same commit gives the same package.
+# The time of the newest commit, so that a commit always gives the same package.
 package_stamp() { git -C "$tree" log -1 --format=%ct 2>/dev/null || echo 315532800; }
 
-# digest FILE...: 12 characters that change whenever one of the files does. The usual times of steps do
-# not count.
+# digest FILE...: 12 characters of a checksum over the files, without the usual times of the steps.
 digest() { sed -E 's/^(step "[^"]*") "[^"]*"/\1/' "$@" | sha256sum | cut -c1-12; }
 
-# A finished build carries its stamp; a folder without one was interrupted.
+# A complete build has a stamp. A folder without one was interrupted.
 toolchain_dir() {
     printf '%s' "$cache/toolchain-$llvm_version-$(digest "$tree/toolchain/windows.sh")"
 }
@@ -36,18 +35,19 @@ qt_dir() {
 is_complete() { [ -f "$1/.complete" ]; }
 mark_complete() { touch "$1/.complete"; }
 
-# begin_build DIR NAME: DIR to build in. Steps that an interrupted build had finished are not repeated.
+# begin_build DIR NAME: prepares DIR for a build and skips the steps that an interrupted build has
+# finished.
 begin_build() {
     if [ -d "$1" ]; then
-        say "An earlier build of $2 was interrupted: continuing it."
+        say "Continuing an interrupted build of $2."
     fi
     mkdir -p "$1"
     checkpoints="$1/.steps"
     mkdir -p "$checkpoints"
 }
 
-# cached_build DIR NAME [--dir]: what a script that fills DIR begins with. It ends here when DIR is
-# complete, and with --dir, which only asks where DIR is.
+# cached_build DIR NAME [--dir]: the start of a script that fills DIR. Ends the script if DIR is complete.
+# With --dir it prints DIR and ends the script.
 cached_build() {
     prefix=$1
     if [ "${3:-}" = --dir ]; then
@@ -58,20 +58,20 @@ cached_build() {
     begin_build "$prefix" "$2"
 }
 
-# unpack_source DSC FOLDER: unpacks a Debian source package with Debian's patches.
+# unpack_source DSC FOLDER: unpacks a Debian source package and applies Debian's patches.
 unpack_source() {
     rm -rf "$2"
     dpkg-source --no-check -x "$1" "$2"
 }
 
-# free_space: of the cache and the tree, "/: 12 MB free".
+# Prints the free space of the cache and the tree: "/: 12 MB free".
 free_space() {
     df -m --output=target,avail "$cache" "$tree" |
         awk 'NR > 1 && !seen[$1]++ { printf "%s%s: %s MB free", comma, $1, $2; comma = ", " }'
 }
 
-# reason_for LOG: the cause of a failure that the log shows, for the causes that a user can remove. The
-# log may be on the disk that is full.
+# reason_for LOG: prints the cause of a failure if the user can remove it. The log can be on a full disk,
+# so this also checks the free space.
 reason_for() {
     if grep -q 'No space left on device\|You don.t have enough free space' "$1" ||
         free_space | grep -q ': 0 MB'; then
@@ -85,10 +85,10 @@ reason_for() {
     fi
 }
 
-# progress LOG: how far ninja is, "[12/345]", if the log has it.
+# progress LOG: prints ninja's progress from the log, such as "[12/345]".
 progress() { tail -c 400 "$1" | grep -o '^\[[0-9]*/[0-9]*\]' | tail -n 1; }
 
-# show_progress LOG SECONDS: on a terminal a line that stays, else a line every 20 seconds.
+# show_progress LOG SECONDS: updates a line on a terminal, otherwise prints a line every 20 seconds.
 show_progress() {
     local done_part=''
     done_part=$(progress "$1") || true
@@ -103,9 +103,9 @@ show_progress() {
     fi
 }
 
-# step LABEL USUAL COMMAND...: runs COMMAND with its output in a log, and shows how far it is. USUAL is
-# the time that the step took on two cores. The caller sets steps_total. A step that an earlier,
-# interrupted run of the same build had finished is skipped.
+# step LABEL USUAL COMMAND...: runs COMMAND with its output in a log and shows the progress. USUAL is the
+# time that the step takes on two cores. The caller sets steps_total. Skips a step that an interrupted
+# build has finished.
 steps_done=0
 steps_total=0
 checkpoints=''
@@ -115,7 +115,7 @@ step() {
     steps_done=$((steps_done + 1))
     name=$(printf '%s' "$label" | tr -cs 'A-Za-z0-9' '-')
     if [ -n "$checkpoints" ] && [ -f "$checkpoints/$name" ]; then
-        printf '[%d/%d] %s: done before\n' "$steps_done" "$steps_total" "$label"
+        printf '[%d/%d] %s: already done\n' "$steps_done" "$steps_total" "$label"
         return
     fi
     mkdir -p "$cache/logs"
@@ -131,9 +131,9 @@ step() {
     if ! wait "$pid"; then
         reason=$(reason_for "$log")
         [ -z "$reason" ] || die "$label: $reason (log: $log)"
-        printf '        failed after %d s; its last lines:\n' $((SECONDS - started)) >&2
+        printf '        failed after %d s; the last lines of the log:\n' $((SECONDS - started)) >&2
         tail -n 25 "$log" | sed 's/^/        | /' >&2
-        die "step \"$label\" failed; the whole log: $log"
+        die "step \"$label\" failed; log: $log"
     fi
     if [ -n "$checkpoints" ]; then touch "$checkpoints/$name"; fi
     printf '        done in %d s\n' $((SECONDS - started))

@@ -1,15 +1,14 @@
 #!/usr/bin/env bash
-# compilers.sh BUILD: shows the library, its programs and the public headers to compilers that do not
-# build them: GCC for the Universal C Runtime, which Debian 13 has, and clang in Microsoft's mode. Any
-# warning is a failure. BUILD is configured, QX_TOOLCHAIN is set, and Debian 13 is there: ./run does
-# that.
+# compilers.sh BUILD: compiles the library, its programs and the public headers with two other compilers:
+# Debian 13's GCC for the Universal C Runtime, and clang in Microsoft's mode. A warning is an error.
+# ./run configures BUILD, sets QX_TOOLCHAIN and makes Debian 13.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 build=$1
 
 gcc=x86_64-w64-mingw32ucrt
 
-# there COMMAND...: in Debian 13, where this tree and BUILD have the same paths.
+# there COMMAND...: runs a command in Debian 13, where this tree and BUILD have the same paths.
 there() {
     if [ "$release" = trixie ]; then
         "$@"
@@ -18,14 +17,14 @@ there() {
     fi
 }
 
-# The headers that the programs use are those of the system which compiles.
+# The compiling system's own headers for the programs.
 install_gcc() {
     there bash "$tree/toolchain/packages.sh" g++-mingw-w64-ucrt64 libcli11-dev nlohmann-json3-dev
 }
 
 headers() { there bash "$tree/tests/gates/header.sh" "$tree/include" "gcc=$gcc-gcc"; }
 
-# Optimising finds more.
+# GCC finds more when it optimises.
 code_with_gcc() {
     there python3 "$tree/toolchain/other_compiler.py" "$tree" "$build" \
         "$gcc-g++" -O1 -Wall -Wextra -Wpedantic
@@ -38,7 +37,7 @@ code_with_clang() {
         -Wconditional-uninitialized -Wunused
 }
 
-# A build file is as old as the last build.
+# A build file has the time of the last build.
 compile_commands() { ninja -C "$build" build.ninja; }
 
 steps_total=5
@@ -47,4 +46,4 @@ step "GCC for the Universal C Runtime" "20 s, later seconds" install_gcc
 step "Public headers with that GCC" "5 s" headers
 step "Code with that GCC" "1 min" code_with_gcc
 step "Code with clang in Microsoft's mode" "1 min" code_with_clang
-say "No warning."
+say "No warnings."

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# coverage.sh: builds the product once more so that it counts what is reached, runs the tests under
-# Wine, and compares the outcome with the limits and the reasons of tests/coverage. For ./run
-# coverage, which sets QX_TOOLCHAIN and QX_QT and has Wine's server running.
+# coverage.sh: builds the product with coverage counters, runs the tests under Wine, and compares the
+# coverage with the limits and the reasons in tests/coverage. For ./run coverage, which sets QX_TOOLCHAIN
+# and QX_QT and starts the Wine server.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
 build="$tree/build/coverage"
 profiles="$build/profiles"
-# Counted with the profiles' names for each process: the runtime that merges profiles keeps two
-# handles for each load of the library.
+# Each process writes a profile of its own. A runtime that merges profiles would leak two handles for
+# each load of the library.
 unmerged='EventsTest.TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain'
 
 compile() {
@@ -22,12 +22,12 @@ run_tests() {
     rm -rf "$profiles"
     LLVM_PROFILE_FILE="Z:$profiles/%8m.profraw" GTEST_FILTER="-$unmerged" \
         ctest --test-dir "$build" --output-on-failure --no-tests=error -j "$jobs"
-    # The runtime keeps a copy of this name for each load of the library, and the test counts bytes.
+    # The runtime leaks a copy of this name at each load of the library, and a test counts bytes.
     (cd "$profiles" && LLVM_PROFILE_FILE="%p.profraw" "$tree/toolchain/wine.sh" \
         "$build/tests/hosts_test.exe" --gtest_brief=1 --gtest_filter="$unmerged")
 }
 
-# The paths in the programs begin at the tree; what is not the library's is left out.
+# The paths in the programs are relative to the tree. The report covers the library only.
 report() {
     local program objects=()
     "$llvm/llvm-profdata" merge -sparse "$profiles"/*.profraw -o "$build/all.profdata"

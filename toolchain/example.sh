@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# example.sh [--test | --screenshot FILE]: runs examples/launcher under Wine, beside the stand-ins and with a
-# data folder of its own, until Ctrl+C. With --test, tests it in a headless browser instead; with
-# --screenshot, saves a picture of it.
+# example.sh [--test | --screenshot FILE]: runs examples/launcher under Wine until Ctrl+C, with the stand-ins
+# and its own data folder. --test tests it in a headless browser instead. --screenshot saves a picture.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -20,7 +19,7 @@ trap cleanup EXIT
 
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
-# The product: two instances with apps, and one whose name is hostile.
+# The product's data: two instances with apps, and one with a hostile name.
 data="$folder/data"
 mkdir -p "$data/Logs" "$data/Engine/Nougat64" "$folder/node_modules"
 cp -r "$tree/demo/AppCache" "$data/Engine/Nougat64"
@@ -49,7 +48,7 @@ case ${1:-} in
 --screenshot) python3 "$tree/tests/launcher/screenshot.py" "$address" "$2" ;;
 *)
     say "The launcher: $address"
-    say "Ctrl+C ends it."
+    say "Press Ctrl+C to end it."
     wait "$server"
     ;;
 esac

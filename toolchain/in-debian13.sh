@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# in-debian13.sh [--with-build] COMMAND...: runs a command in the Debian 13 of the cache, with the tree
-# and the cache at their own paths. The build tree and the cache that ./run uses there are the other
-# system's own. With --with-build the command sees those of this system, and a Wine prefix of its own.
-# What it leaves running ends with it, and nothing stays mounted.
-#   --root FOLDER first: that root
+# in-debian13.sh [--with-build] COMMAND...: runs a command in the Debian 13 of the cache. The tree and the
+# cache have the same paths there. ./run uses a separate build tree and a separate cache. With
+# --with-build the command uses those of this system and a separate Wine prefix. When the command ends,
+# its processes end too, and nothing stays mounted.
+#   --root FOLDER, as the first option, uses another root folder
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -21,7 +21,7 @@ done
 [ $# -gt 0 ] || die "in-debian13.sh [--with-build] COMMAND..."
 [ -n "$root" ] || root="$(bash "$tree/toolchain/debian13.sh" --dir)/root"
 
-# Where the other system keeps what belongs to this tree.
+# The folder of the other system for this tree's data.
 kept="/var/lib/qx-bridge$tree"
 
 bind() {
@@ -29,7 +29,7 @@ bind() {
     mount --bind "${2:-$1}" "$root$1"
 }
 
-# A file of this system at another path there.
+# Mounts a file of this system at another path there.
 bind_file() {
     [ -f "$1" ] || return 0
     [ -e "$root$2" ] || install -D /dev/null "$root$2"
@@ -68,7 +68,7 @@ environment() {
     fi
 }
 
-# One command at a time: Wine's server of one cannot serve programs of another's process namespace.
+# One command at a time, because a Wine server cannot serve programs of another process namespace.
 wait_for_others() {
     mkdir -p "$root$kept"
     exec 8>"$root$kept/lock"
@@ -76,13 +76,13 @@ wait_for_others() {
 }
 
 if [ -z "$entered" ]; then
-    [ "$(id -u)" = 0 ] || die "another system as a root folder needs root"
+    [ "$(id -u)" = 0 ] || die "Debian 13 needs root rights to run"
     wait_for_others
     [ $build = own ] || set -- --with-build "$@"
     exec unshare --mount --pid --fork --kill-child bash "$0" --root "$root" --entered "$@"
 fi
 
-# This shell is the first process of its namespace: all others end with it. So it stays.
+# This shell must outlive the command: all processes of its namespace end with it.
 mount_all
 environment
 case $PWD in "$tree" | "$tree"/*) folder=$PWD ;; *) folder=$tree ;; esac

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# licences.sh FOLDER: the licences of everything that is in the package, from Debian's packages.
+# licences.sh FOLDER: copies the licences of the package's contents from Debian's packages.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"
@@ -7,7 +7,7 @@ set -euo pipefail
 into=$1
 mkdir -p "$into"
 
-# As Debian lists them.
+# The names in Debian's copyright files.
 archive=$(source_file 'qtbase-opensource-src_*.debian.tar.xz' 2>/dev/null) || {
     fetch_source qtbase-opensource-src
     archive=$(source_file 'qtbase-opensource-src_*.debian.tar.xz')

@@ -9,7 +9,7 @@ set -euo pipefail
 build=$1
 native="$tree/build/native"
 
-# sources_of BUILD: the files of Source/ that its compile database has.
+# sources_of BUILD: prints the files of Source/ in its compile database.
 sources_of() {
     python3 - "$tree" "$1/compile_commands.json" <<'END'
 import json
@@ -23,7 +23,7 @@ for file in sorted(files):
 END
 }
 
-# Configuring alone writes the native compile commands.
+# Configuring is enough to write the native compile commands.
 find_sources() {
     export CC="$llvm/clang" CXX="$llvm/clang++"
     (cd "$tree" && cmake --preset native)
@@ -31,22 +31,22 @@ find_sources() {
     sources_of "$native" | grep -vxFf "$build/lint.windows" >"$build/lint.native"
     find "$tree/Source" -name '*.c' -o -name '*.cpp' | sort |
         diff - <(sort "$build/lint.windows" "$build/lint.native") ||
-        die "neither build compiles the files that are marked \"<\""
+        die "neither build compiles the files marked \"<\""
 }
 
-# Every check that is switched off has its reason, and every reason is about such a check, of those
-# that this clang-tidy has and that would be on.
+# Each disabled check has a reason, each reason is about a disabled check, and this clang-tidy has each of
+# them and would run it.
 compare_reasons() {
     local off reasons others
     off=$(sed -n 's/^  -\([a-z][^ ,]*\),\{0,1\}$/\1/p' "$tree/.clang-tidy" | sort)
     reasons=$(sed -n 's/^#   \([a-z][^ ]*\) .*/\1/p' "$tree/.clang-tidy" | sort)
     diff <(printf '%s\n' "$off") <(printf '%s\n' "$reasons") ||
-        die ".clang-tidy: switched off (<) and reasons (>) differ"
+        die ".clang-tidy: disabled checks (<) and reasons (>) differ"
     others=$(sed -n 's/^  \([a-z][^ ,]*\),\{0,1\}$/\1/p' "$tree/.clang-tidy" | paste -sd,)
     diff <(printf '%s\n' "$off") \
         <("clang-tidy-$llvm_version" --list-checks -checks="-*,$others" | tr -d ' ' | sort |
             grep -xF -f <(printf '%s\n' "$off")) ||
-        die ".clang-tidy: switched off, and would not be on (<)"
+        die ".clang-tidy: disabled, but not enabled by any pattern (<)"
 }
 
 find_what_to_do() {
@@ -63,7 +63,7 @@ tidy() {
 }
 
 bash "$tree/toolchain/packages.sh" test "clang-tidy-$llvm_version"
-# The compile commands of the Windows build name a wrapper, whose options clang-tidy cannot see.
+# The Windows build compiles through a wrapper. clang-tidy does not see the options that it adds.
 options=()
 for option in --target=x86_64-w64-windows-gnu "--sysroot=$QX_TOOLCHAIN" \
     -resource-dir="$QX_TOOLCHAIN/lib/clang/$llvm_version" -stdlib=libc++; do

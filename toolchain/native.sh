@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# The native build: the library's layers on this machine's own system, where clang's sanitizers and
-# fuzzer run. Nothing of it is shipped.
-#   native.sh sanitize           the tests under ASan + UBSan, then under TSan
-#   native.sh fuzz [SECONDS]     each fuzzer for so long, 600 if not told otherwise
-#   native.sh briefly            the tests under ASan + UBSan but for the long ones, and each fuzzer over
-#                                its seeds and a fixed series of changes to them
-#   native.sh mutate [N]         N small changes to the pure cores, and which of them no test notices
+# Builds the library's layers for this system, where clang's sanitizers and fuzzer run. The package
+# contains nothing of this build.
+#   native.sh sanitize           runs the tests under ASan and UBSan, then under TSan
+#   native.sh fuzz [SECONDS]     runs each fuzzer, by default for 600 seconds
+#   native.sh briefly            runs the short tests under ASan and UBSan, and each fuzzer on its seeds and
+#                                a fixed series of changes to them
+#   native.sh mutate [N]         tries N small changes to the pure cores and lists those that no test
+#                                detects
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -13,10 +14,10 @@ export CC="$llvm/clang" CXX="$llvm/clang++"
 export UBSAN_OPTIONS=print_stacktrace=1
 export ASAN_OPTIONS=detect_stack_use_after_return=1:check_initialization_order=1
 export TSAN_OPTIONS=suppressions=$tree/tests/sanitizers/tsan.supp
-# Qt's own event loop, as on Windows, and not the one of another library.
+# Qt's own event loop, as on Windows, instead of GLib's.
 export QT_NO_GLIB=1
 
-# Files, sockets and named mutexes of one run, in memory where that is possible.
+# The folder for a run's files, sockets and named mutexes, in memory if possible.
 private_folder() {
     TMPDIR=$(mktemp -d -p "$([ -d /dev/shm ] && echo /dev/shm || echo /tmp)" qxb.XXXXXX)
     export TMPDIR
@@ -44,16 +45,17 @@ sanitize() {
     run_tests tsan
 }
 
-# What the sanitizers are told for one fuzzer. Only one meets the leak of Qt's that is not to count; it
-# is known by a function's name, which takes the whole stack of each allocation: a tenth of the speed.
+# The sanitizers' options for one fuzzer. Only one fuzzer hits a leak in Qt that is suppressed. The
+# suppression names a function, so every allocation needs its whole stack, which takes nine tenths of the
+# speed.
 sanitizers_for() {
     [ "$1" = appc_json ] || return 0
     echo "LSAN_OPTIONS=suppressions=$tree/tests/sanitizers/lsan.supp:print_suppressions=0"
     echo "ASAN_OPTIONS=$ASAN_OPTIONS:fast_unwind_on_malloc=0:malloc_context_size=250"
 }
 
-# one_fuzzer FOUND NAME OPTION...: new inputs go into FOUND/NAME, those that break something into
-# the build tree.
+# one_fuzzer FOUND NAME OPTION...: runs a fuzzer. New inputs go to FOUND/NAME, and inputs that cause a
+# failure to the build tree.
 one_fuzzer() {
     local found="$1/$2" name=$2 broken="$tree/build/asan/broken" log="$tree/build/asan/$2.log"
     local options
@@ -63,7 +65,7 @@ one_fuzzer() {
     if ! env "${options[@]}" "$tree/build/asan/tests/fuzz_$name" -artifact_prefix="$broken/$name-" -print_final_stats=1 \
         -timeout=20 "$@" "$found" "$tree/fuzz/corpus/$name" >"$log" 2>&1; then
         tail -n 40 "$log"
-        die "the fuzzer $name found something; its whole log: $log"
+        die "the fuzzer $name found a failure; log: $log"
     fi
     awk -v name="$name" '
         / cov: / { for (i = 1; i < NF; ++i) { if ($i == "cov:") cov = $(i + 1)
@@ -94,7 +96,7 @@ briefly)
     steps_total=1
     build_asan
     run_tests asan --label-exclude '^long$'
-    # Without what earlier runs found: every run starts alike.
+    # Every run starts with the same inputs, without those that earlier runs found.
     each_fuzzer "$TMPDIR/found" -seed=1 -runs=5000 -max_len=8192
     ;;
 mutate)

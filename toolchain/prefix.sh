@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Prepares the Wine prefix of the build tree and keeps one wineserver alive for it, without which
-# each program start takes a second or more.
-#   prefix.sh up        creates the prefix when it is missing, and starts the server
-#   prefix.sh up-both   the same for the tests' second prefix too
-#   prefix.sh down      ends the servers of this prefix and of its second, and no others
+# Prepares the Wine prefix of the build tree and keeps a Wine server running for it. Without one, each
+# program start takes a second or more.
+#   prefix.sh up        creates the prefix if it is missing and starts the server
+#   prefix.sh up-both   does the same for the tests' second prefix too
+#   prefix.sh down      ends the servers of these two prefixes only
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -15,8 +15,8 @@ server=/usr/lib/wine/wineserver64
 create() {
     mkdir -p "$WINEPREFIX"
     "$wine" wineboot --init
-    # A debug break ends the process at once: the debugger named here does not exist. (Asking the
-    # user instead, as Auto=0 does, would start a desktop that keeps the process's pipes open.)
+    # A debug break ends the process immediately, because the debugger named here does not exist. Auto=0
+    # would ask the user and start a desktop that keeps the process's pipes open.
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
         /v Auto /d 1 /f
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
@@ -26,16 +26,16 @@ create() {
     mark_complete "$WINEPREFIX"
 }
 
-# A server that a program has started by itself ends with its last program, and a program that starts
-# at this moment can hang. So there is always one that stays: the server is told to, and where one runs
-# already, a program that waits for ever for input keeps it. The lock tells whether that program runs.
+# A server that a program starts ends with its last program, and a program that starts at that moment can
+# hang. A new server therefore gets an option to stay. For a server that runs already, a program that
+# waits for input forever keeps it running. That program holds the lock.
 #
-# It also keeps Wine's desktop, which the first program that needs a message window would start, and
-# which would hold that program's output open.
+# It also keeps Wine's desktop running. Otherwise the first program with a message window would start the
+# desktop, which would hold that program's output open.
 keep_server() {
-    # One without programs is about to end.
+    # A server without programs is about to end.
     timeout 2 "$server" -w >/dev/null 2>&1 || true
-    # Fails when one runs. It must not hold the caller's output open.
+    # Fails when a server runs. It must not hold the caller's output open.
     "$server" -p >"$WINEPREFIX/server.log" 2>&1 </dev/null || true
     exec 8>"$WINEPREFIX/kept"
     if flock -n 8; then
@@ -54,12 +54,12 @@ up() {
         step "Wine prefix" "10 s" create
     fi
     keep_server
-    # The first program starts Wine's services, which keep its output open as long as they live.
+    # The first program starts Wine's services, which hold its output open while they run.
     "$wine" cmd /c exit >/dev/null 2>&1 </dev/null
 }
 
-# Pipes and the registry belong to a prefix: tests that use the product's real names in the second one
-# run beside those that use them in the first.
+# Each prefix has its own pipes and registry. Tests that use the product's real names in the second prefix
+# run in parallel with those in the first.
 second="$WINEPREFIX-2"
 
 case ${1:-up} in

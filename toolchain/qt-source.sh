@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# qt-source.sh [FOLDER]: makes a zip of the source of the Qt that is in the package, with the scripts
-# that build it, in FOLDER (build/windows when none is named), and says where. Whoever passes the
-# package on passes this on too: Qt's licence asks for it.
+# qt-source.sh [FOLDER]: makes a zip of the package's Qt as source, with the scripts that build it, in
+# FOLDER (by default build/windows), and prints its path. Qt's licence requires that the zip accompanies
+# the package.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 . "$tree/toolchain/sources.sh"

@@ -1,4 +1,4 @@
-# What depends on the release of Debian that this machine runs. No other file knows releases.
+# Everything that depends on this machine's release of Debian. No other file names releases.
 # shellcheck shell=bash
 
 # shellcheck disable=SC1091
@@ -10,7 +10,7 @@ esac
 release_number() { [ "$release" = trixie ] && echo 13 || echo 12; }
 llvm=/usr/lib/llvm-$llvm_version/bin
 
-# Ends a command that needs packages of a known release.
+# Ends a command that needs a supported release.
 require_release() {
     [ -n "$release" ] || die "this system is neither Debian 12 nor Debian 13. The scripts in toolchain/" \
         "need one of these, amd64, as root, with its own LLVM 16 or 19, Wine and sources of mingw-w64" \

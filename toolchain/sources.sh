@@ -1,7 +1,7 @@
-# Debian source packages, fetched and verified by apt into the cache.
+# Fetches Debian source packages into the cache with apt, which verifies them.
 # shellcheck shell=bash
 
-# The machine's own package sources, turned into sources of source packages.
+# The machine's package sources, changed from binary to source packages.
 source_lists() {
     local into=$1 file
     rm -rf "$into"
@@ -17,7 +17,7 @@ source_lists() {
     return 0
 }
 
-# fetch_source [OPTION...] PACKAGE...: leaves their .dsc files and archives in $cache/sources.
+# fetch_source [OPTION...] PACKAGE...: downloads the .dsc files and archives into $cache/sources.
 fetch_source() {
     local lists="$cache/apt" downloads="$cache/sources"
     mkdir -p "$downloads" "$lists/state/partial"
@@ -32,10 +32,10 @@ fetch_source() {
     )
 }
 
-# source_file GLOB: the newest fetched file with that name.
+# source_file GLOB: prints the newest downloaded file with that name.
 source_file() {
     local found
     found=$(find "$cache/sources" -maxdepth 1 -name "$1" | sort -V | tail -n 1)
-    [ -n "$found" ] || { echo "no $1 among the fetched sources" >&2; return 1; }
+    [ -n "$found" ] || { echo "no $1 in the downloaded sources" >&2; return 1; }
     printf '%s' "$found"
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # wine-test.sh PROGRAM ARGUMENT...: runs a test program under Wine for CTest, which waits until the
-# program's output is closed. What Wine may leave running, a console's process or a desktop, has that
-# output open for good, so that it goes to a file, which is passed on while the program runs.
+# program's output is closed. Wine can leave a console process or a desktop running, which holds the
+# output open. The program therefore writes to a file, and this script copies it while the program runs.
 set -u
 output=$(mktemp)
 trap 'rm -f "$output"' EXIT
@@ -10,7 +10,7 @@ program=$!
 tail --pid="$program" -s 0.05 -n +1 -f "$output"
 wait "$program"
 status=$?
-# Programs that lose their Wine server end with status 0.
+# A program that loses its Wine server ends with status 0.
 if [ "$status" = 0 ] && ! grep -qa '^\[  PASSED  \]' "$output"; then
     echo "the program has ended without a result"
     status=1

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# with-wine.sh COMMAND...: runs a command while the Wine servers of the build tree's prefixes run.
+# with-wine.sh COMMAND...: runs a command with the Wine servers of the build tree's prefixes.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
