@@ -1,9 +1,9 @@
 # bridge_layer(NAME SOURCES ... [WINDOWS_SOURCES ...] [DEPENDS ...] [SYSTEM_LIBRARIES ...])
 #
-# The folder that calls it, below Source/, as a static library. An include names a header's path below
-# Source/, so the compiler finds the headers of every layer; tests/gates/includes.py refuses those of a
-# layer that is not declared. WINDOWS_SOURCES are those that only the siblings of Windows need.
-# SYSTEM_LIBRARIES are those of Windows.
+# Declares the current folder of Source/ as a layer, which is a static library. Includes name paths below
+# Source/, so the compiler finds the headers of every layer. tests/gates/includes.py rejects headers of
+# layers that DEPENDS does not name. WINDOWS_SOURCES belong to the Windows build only. SYSTEM_LIBRARIES are
+# libraries of Windows.
 function(bridge_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;WINDOWS_SOURCES;DEPENDS;SYSTEM_LIBRARIES" ${ARGN})
     bridge_platform_sources(LAYER_SOURCES)

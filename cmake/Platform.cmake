@@ -1,6 +1,6 @@
-# bridge_platform_sources(LIST): files that call Windows are named *Winnt. Where the build is not for
-# Windows, each gives way to its sibling, which is never shipped: "XfileWinnt.cpp" to
-# "posix/XfilePosix.cpp". Nothing else decides by platform which code is compiled.
+# bridge_platform_sources(LIST): the files that call Windows are named *Winnt. In the native build, the
+# sibling replaces each of them: "posix/XfilePosix.cpp" replaces "XfileWinnt.cpp". Nothing else selects
+# code by platform.
 function(bridge_platform_sources list)
     set(sources ${${list}})
     if(NOT WIN32)

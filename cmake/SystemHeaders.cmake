@@ -1,6 +1,6 @@
-# bridge_system_headers(TARGET FOLDER...): header-only libraries of the build machine as an
-# INTERFACE target. Where the build machine is the target, any folder of CMAKE_PREFIX_PATH may hold
-# them; else only these folders of /usr/include are seen: the rest belongs to another system.
+# bridge_system_headers(TARGET FOLDER...): declares header-only libraries of the build machine as an
+# INTERFACE target. On Windows it searches CMAKE_PREFIX_PATH. Otherwise it links only these folders of
+# /usr/include, because the other headers there do not fit the target system.
 function(bridge_system_headers target)
     add_library(${target} INTERFACE)
     if(CMAKE_HOST_WIN32)

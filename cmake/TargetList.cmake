@@ -1,11 +1,11 @@
-# bridge_write_targets(FILE): what was declared, for tests/gates/includes.py. A target's lines are
+# bridge_write_targets(FILE): lists the targets for tests/gates/includes.py. The lines of a target are
 #
-#   target NAME      "layer NAME" if it is one
-#   folder PATH      of its CMakeLists.txt
-#   source PATH      C and C++ alone
-#   links TARGET     for its own sources
-#   passes TARGET    to those who link it
-#   search PATH      where its includes are looked for, in this order
+#   target NAME      "layer NAME" for a layer
+#   folder PATH      folder of its CMakeLists.txt
+#   source PATH      C or C++ file
+#   links TARGET     private or public dependency
+#   passes TARGET    public or interface dependency
+#   search PATH      include folder, in search order
 function(bridge_write_targets file)
     bridge_targets_below("${PROJECT_SOURCE_DIR}" targets)
     set(text "")
@@ -46,7 +46,7 @@ function(bridge_describe_target target result)
     endforeach()
     foreach(kind links passes)
         foreach(library ${${kind}})
-            if(TARGET "${library}")  # no name is what is passed on for the linker alone
+            if(TARGET "${library}")  # not a target: a flag for the linker only
                 string(APPEND text "${kind} ${library}\n")
             endif()
         endforeach()

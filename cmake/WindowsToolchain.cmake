@@ -1,5 +1,5 @@
-# Cross-compiling for 64-bit Windows with the toolchain that ./run builds. QX_TOOLCHAIN and QX_QT
-# name its folders; the same variables of the environment do, where CMake starts itself again.
+# Cross-compiles for 64-bit Windows with the toolchain that ./run builds. QX_TOOLCHAIN and QX_QT name its
+# folders. CMake's nested runs read them from the environment.
 foreach(variable QX_TOOLCHAIN QX_QT)
     if(NOT ${variable})
         set(${variable} "$ENV{${variable}}")
@@ -23,16 +23,16 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../toolchain/wine.sh")
 
-# Debug data goes into a PDB beside the program, not into it.
+# CodeView debug data, for a PDB next to the program.
 set(CMAKE_C_FLAGS_INIT "-gcodeview")
 set(CMAKE_CXX_FLAGS_INIT "-gcodeview")
 
-# The C++ runtime is linked statically: its names are not imported from anywhere.
+# The C++ runtime is linked statically, so its functions are not imported.
 foreach(language C CXX)
     string(APPEND CMAKE_${language}_FLAGS_INIT " -D_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS")
 endforeach()
 
-# What nobody calls stays out of the programs.
+# The linker drops unused functions and data.
 string(APPEND CMAKE_C_FLAGS_INIT " -ffunction-sections -fdata-sections")
 string(APPEND CMAKE_CXX_FLAGS_INIT " -ffunction-sections -fdata-sections")
 foreach(kind EXE SHARED)

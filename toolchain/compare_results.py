@@ -1,8 +1,8 @@
-"""compare_results.py HERE THERE: compares the Windows side of the tests as two systems played it.
-Each folder has the system's name, CTest's entries and report, and a report of each GoogleTest
-program. Prints the entries that were left out, the test cases that ended differently or were
-skipped, and a table of counts. Fails unless every case passed or was skipped, the same ones on
-both."""
+"""compare_results.py HERE THERE: compares the results of the Windows tests on two systems.
+Each folder contains the system's name, CTest's list of tests and report, and a report of each
+GoogleTest program. Prints the tests that did not run, the test cases with different results or with
+a skip, and a table of counts. Fails unless every case passed or was skipped on both systems
+alike."""
 import collections
 import json
 import pathlib
@@ -14,7 +14,7 @@ NATIVE = "native"
 GOOD = ("passed", "skipped")
 OUTCOMES = ("passed", "failed", "not run", "skipped")
 
-# A line of a Node test at its top level, in the Test Anything Protocol.
+# A top-level result of a Node test, in the Test Anything Protocol.
 TAP_LINE = re.compile(r"^(not ok|ok) \d+ - (.*?)(?: # (SKIP|TODO) ?(.*))?$", re.MULTILINE)
 
 Result = collections.namedtuple("Result", "outcome reason", defaults=("",))
@@ -31,7 +31,7 @@ def labels(test):
 
 
 def entries_of(folder):
-    """CTest's entries: name to labels, whether they were played or not."""
+    """The labels of all CTest entries by name, including entries that did not run."""
     listed = json.loads((folder / "entries.json").read_text())["tests"]
     return {test["name"]: labels(test) for test in listed}
 
@@ -50,7 +50,7 @@ def google_result(case):
     if case.find("failure") is not None:
         return Result("failed")
     skipped = case.find("skipped")
-    if skipped is not None:  # the first line of the message is the place in the source
+    if skipped is not None:  # the first line of the message is the source location
         return Result("skipped", " ".join(skipped.get("message", "").splitlines()[1:]).strip())
     return Result("passed" if case.get("result") == "completed" else "not run")
 
@@ -71,7 +71,7 @@ def tap_cases(output):
 
 
 def cases_of(folder, entry):
-    """What an entry reported of its test cases; nothing when it reports none, or ended early."""
+    """The results of an entry's test cases; empty if it reports none or ended early."""
     report = folder / (entry.get("name") + ".xml")
     if report.exists():
         return google_cases(report)
@@ -97,7 +97,7 @@ def read_run(folder):
 
 
 def left_out(run):
-    """The entries that say nothing about a Windows, and those that say nothing although they should."""
+    """The entries that do not depend on Wine, and those that did not run although they depend on it."""
     native = sorted(name for name, marks in run.entries.items() if NATIVE in marks)
     played = {program_of(name) for name in run.cases}
     absent = sorted(run.entries.keys() - played - set(native))
@@ -113,7 +113,7 @@ def said(result):
 
 
 def lost_cases(run, other):
-    """The cases of the other run that this one has no result of, as the program ended early."""
+    """The cases of the other run without a result in this one, because the program ended early."""
     return {name for name in other.cases.keys() - run.cases.keys()
             if program_of(name) in run.cases}
 
@@ -123,7 +123,7 @@ def differences(here, there):
     for system, names in lost.items():
         programs = collections.Counter(map(program_of, names))
         for program, count in sorted(programs.items()):
-            yield f"{program}: ended early under {system}, without a result of {count} cases"
+            yield f"{program}: ended early under {system}; {count} cases have no result"
     for name in sorted((here.cases.keys() | there.cases.keys()).difference(*lost.values())):
         before, after = here.cases.get(name, MISSING), there.cases.get(name, MISSING)
         if before != after:
@@ -138,7 +138,7 @@ def skipped_alike(here, there):
 
 
 def counts(run, other):
-    """How many cases ended how, and were skipped for which reason."""
+    """The number of cases by result and by reason of a skip."""
     found = collections.Counter(result.outcome for result in run.cases.values())
     found["not run"] += len(other.cases.keys() - run.cases.keys())
     reasons = collections.Counter("  " + result.reason for result in run.cases.values()
@@ -167,11 +167,11 @@ def compare(here, there):
     native, absent = left_out(here)
     absent += [name for name in left_out(there)[1] if name not in absent]
     different = list(differences(here, there))
-    show("Left out, since they run programs of the build machine (label native):",
+    show("Excluded, because they run programs of the build machine (label native):",
          [", ".join(native) or "none"])
     if absent:
-        show("Not played although they should be:", absent)
-    show("Ended differently, or badly under both:", different or ["none"])
+        show("Did not run although expected:", absent)
+    show("Different results and failures:", different or ["none"])
     show("Skipped under both:", skipped_alike(here, there) or ["none"])
     show("Counts:", table(here, there))
     bad = [result for run in (here, there) for result in run.cases.values()

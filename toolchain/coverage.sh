@@ -7,8 +7,8 @@ set -euo pipefail
 
 build="$tree/build/coverage"
 profiles="$build/profiles"
-# Each process writes a profile of its own. A runtime that merges profiles would leak two handles for
-# each load of the library.
+# In this test each process writes a profile of its own. A runtime that merges profiles would leak two
+# handles at each load of the library.
 unmerged='EventsTest.TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain'
 
 compile() {

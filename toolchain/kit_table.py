@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""kit_table.py TREE [--write]: the table of docs/contributing/windows-kit.md is that of kit/checks.txt, and each
-sentence that a check decides stands on its page. --write replaces the page's table."""
+"""kit_table.py TREE [--write]: compares the table in docs/contributing/windows-kit.md with kit/checks.txt, and
+checks that each page contains the sentences that the checks verify. --write updates the table."""
 
 import os
 import pathlib
@@ -15,7 +15,7 @@ NEEDS = {"windows": "Windows", "elevated": "elevation", "plain": "no elevation",
 
 
 def read_checks(text):
-    """The checks as dictionaries, in their order."""
+    """The checks as dictionaries, in the order of the file."""
     checks = []
     for line in text.splitlines():
         if re.fullmatch(r"\[.*\]", line):
@@ -43,7 +43,7 @@ def table(checks):
 
 
 def claim_faults(checks, read):
-    """Sentences that do not stand on their pages; `read` returns a page's text."""
+    """Sentences that their pages do not contain. `read` returns the text of a page."""
     faults = []
     for check in checks:
         words = " ".join(read(check["page"]).split())

@@ -1,7 +1,7 @@
-"""other_compiler.py TREE BUILD COMPILER OPTION...: compiles the files of Source/ and programs/ of TREE
-with another compiler than that of its build tree BUILD, as far as assembly. The include folders,
-definitions and language standard of each file are the build's. Prints each warning once and how many
-there are of each kind. Fails when there is one, and when BUILD does not compile a file."""
+"""other_compiler.py TREE BUILD COMPILER OPTION...: compiles the files of Source/ and programs/ in TREE to
+assembly with another compiler than that of the build tree BUILD. Each file keeps the include folders,
+definitions and language standard of BUILD. Prints each warning once and the number of warnings of each
+kind. Fails if there is a warning, or if BUILD does not compile one of the files."""
 import collections
 import concurrent.futures
 import json
@@ -19,7 +19,7 @@ KIND = re.compile(r"\[(-W[^\],]*)")
 
 
 def kept_options(command):
-    """The options of a build's command that every compiler understands."""
+    """The options of a compile command that every compiler supports."""
     words = iter(shlex.split(command))
     for word in words:
         if word == "-isystem":
@@ -29,8 +29,8 @@ def kept_options(command):
 
 
 def commands(tree, build):
-    """The options of each file, what CMake has made for programs/ included. A test may compile a file of
-    Source/ once more."""
+    """The options of each file, including those that CMake generates for programs/. A file of Source/ can
+    have a second entry, for a test."""
     folders = {tree / "Source", tree / "programs", build / "programs"}
     found = {}
     for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
@@ -57,7 +57,7 @@ def compile_file(compiler, file, options, output):
 
 
 def diagnostics(text):
-    """Each diagnostic with the lines that explain it, but not the way that led to its file."""
+    """The diagnostics with their notes, without the chain of includes."""
     block = []
     for line in text.splitlines():
         begins = DIAGNOSTIC.match(line)
@@ -72,7 +72,7 @@ def diagnostics(text):
 
 
 def compile_all(compiler, files):
-    """The diagnostics of all files, each once."""
+    """The diagnostics of all files without duplicates."""
     found = {}
     with tempfile.TemporaryDirectory() as folder, \
             concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
@@ -101,7 +101,7 @@ def main(arguments):
         print(found[headline])
     counts = collections.Counter(kind(headline) for headline in found)
     listed = ", ".join(f"{count} {name}" for name, count in sorted(counts.items()))
-    print(f"{len(files)} files: {listed or 'no warning'}")
+    print(f"{len(files)} files: {listed or 'no warnings'}")
     return 1 if found or unknown or not files else 0
 
 

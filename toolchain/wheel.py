@@ -1,6 +1,6 @@
-"""wheel.py FOLDER WHEEL TIME: packs what is in a folder as a wheel, with the list of its files and their
-digests in its dist-info, so that the same files give the same bytes: sorted names, one time stamp
-(seconds since 1970), no owner."""
+"""wheel.py FOLDER WHEEL TIME: packs the content of a folder as a wheel, with the list of files and their
+digests in its dist-info. The same files give the same bytes: sorted names, one time stamp (seconds
+since 1970), no owner."""
 import base64
 import hashlib
 import pathlib
@@ -31,7 +31,7 @@ def add(archive, name, content):
 record = f"{next(folder.glob('*.dist-info')).name}/RECORD"
 rows = []
 with zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
-    # The dist-info is read first: at the end of the archive it is found without the rest.
+    # Installers read the dist-info first. At the end of the archive it can be read without the rest.
     for path in sorted(filter(pathlib.Path.is_file, folder.rglob("*")), key=lambda one: (is_info(one), one)):
         name, content = path.relative_to(folder).as_posix(), path.read_bytes()
         rows.append(row(name, content))

@@ -1,5 +1,5 @@
-"""zip.py FOLDER ZIP TIME: packs a folder, under its own name, so that the same files give the same
-bytes: sorted names, one time stamp (seconds since 1970), no owner."""
+"""zip.py FOLDER ZIP TIME: packs a folder under its own name. The same files give the same bytes: sorted
+names, one time stamp (seconds since 1970), no owner."""
 import pathlib
 import sys
 import time

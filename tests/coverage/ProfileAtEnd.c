@@ -1,5 +1,5 @@
-/* Part of every program and library of the coverage build: writes the profile of what was reached,
-   at the end that the runtime's own exit handler would miss. */
+/* Part of every program and library of the coverage build. Writes the coverage profile at exits that
+   the runtime's own exit handler misses. */
 #include <stdlib.h>
 
 #include <windows.h>
@@ -7,12 +7,12 @@
 void __llvm_profile_initialize_file(void);
 int __llvm_profile_write_file(void);
 
-/* Defined here, the runtime leaves the writing to this file. */
+/* This definition disables the runtime's own writing. */
 int __llvm_profile_runtime;
 
 static void* watch;
 
-/* A fatal break ends the process at once. */
+/* A fatal break ends the process without exit handlers. */
 static LONG CALLBACK writeAtBreak(EXCEPTION_POINTERS* exception) {
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
     if (code == EXCEPTION_BREAKPOINT) __llvm_profile_write_file();
@@ -24,8 +24,8 @@ static void finish(void) {
     __llvm_profile_write_file();
 }
 
-/* Before every other constructor, so that its exit handler comes behind all the destructors, which
-   count too. */
+/* Runs before every other constructor, so that its exit handler runs after all destructors, whose
+   coverage counts too. */
 __attribute__((constructor(101))) static void start(void) {
     __llvm_profile_initialize_file();
     watch = AddVectoredExceptionHandler(1, writeAtBreak);

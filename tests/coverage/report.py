@@ -1,9 +1,8 @@
-"""report.py TREE LCOV: what the tests reach of Source/, against the limits and the reasons.
+"""report.py TREE LCOV: compares the coverage of Source/ with the limits and reasons.txt.
 
-Prints a line for each file that is not reached whole, the totals, and every line that nothing
-reached. Such a line needs a reason in reasons.txt. The exit status is 1 when one has none, when a
-reason is no longer needed, when the data lack a file of Source/ that this build compiles, or when a
-total is below its limit.
+Prints a line for each file without full coverage, the totals, and every line that no test reaches.
+Such a line needs a reason in reasons.txt. The exit status is 1 if a reason is missing or superfluous,
+if the data lack a file of Source/ that this build compiles, or if a total is below its limit.
 """
 
 import pathlib
@@ -14,7 +13,7 @@ BRANCHES_AT_LEAST = 90.0
 
 
 class Reached:
-    """Of one file: line number -> count, and (line, branch) -> count."""
+    """The counts of one file, by line number and by (line, block, branch)."""
 
     def __init__(self):
         self.lines = {}
@@ -22,7 +21,7 @@ class Reached:
 
 
 def read_lcov(path):
-    """File -> Reached."""
+    """The counts of each file."""
     files = {}
     with open(path, encoding="utf-8") as lcov:
         for text in lcov:
@@ -41,18 +40,18 @@ def read_lcov(path):
 
 
 def read_reasons(path):
-    """[file, first line's text, last line's text, reason] of each entry."""
+    """The entries as lists: file, first line, last line, reason."""
     entries = []
     for text in path.read_text(encoding="utf-8").splitlines():
         if text and not text.startswith("#"):
             entries.append([field.strip() for field in text.split(" | ")])
             if len(entries[-1]) != 4:
-                raise SystemExit(f"{path}: four fields are needed: {text}")
+                raise SystemExit(f"{path}: expected four fields: {text}")
     return entries
 
 
 def excused_lines(source, file, reasons):
-    """Line numbers of `file` that the entries about it excuse, and which entry each."""
+    """The line numbers of `file` that have a reason, with the index of its entry."""
     excused = {}
     for index, (name, first, last, _) in enumerate(reasons):
         if name != file:
@@ -67,12 +66,12 @@ def excused_lines(source, file, reasons):
 
 
 def sources(root):
-    """The files that the Windows build compiles. The others are their siblings, named *Posix."""
+    """The files that the Windows build compiles: all but the siblings named *Posix."""
     return {path for path in root.rglob("*.cpp") if not path.stem.endswith("Posix")}
 
 
 def percent(part, whole):
-    """Of nothing, nothing is reached: data without lines or branches must not pass."""
+    """0 for data without lines or branches, which must not pass."""
     return 100.0 * part / whole if whole else 0.0
 
 
@@ -107,17 +106,17 @@ def main(tree, lcov):
             elif not taken:
                 unexcused.append(f"{file}:{line}: {source[line - 1].strip()}")
     lines, branches = percent(*totals[:2]), percent(*totals[2:])
-    print(f"{'together':44} {lines:15.2f}% {branches:15.2f}%")
+    print(f"{'total':44} {lines:15.2f}% {branches:15.2f}%")
     useless = [" | ".join(entry) for n, entry in enumerate(reasons) if n not in needed]
-    for title, texts in (("reached by no test, without a reason", unexcused),
-                         ("reasons that are not needed", useless),
-                         ("files that the data lack", missing)):
+    for title, texts in (("not reached, without a reason", unexcused),
+                         ("superfluous reasons", useless),
+                         ("files without data", missing)):
         if texts:
             print(f"\n{title}:")
             print("\n".join(texts))
     enough = lines >= LINES_AT_LEAST and branches >= BRANCHES_AT_LEAST
     if not enough:
-        print(f"\nless than {LINES_AT_LEAST}% of the lines or {BRANCHES_AT_LEAST}% of the branches")
+        print(f"\nbelow {LINES_AT_LEAST}% of the lines or {BRANCHES_AT_LEAST}% of the branches")
     return 0 if enough and not unexcused and not useless and not missing else 1
 
 

@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
-"""callers.py TREE: every function of bridge.h is called by the C++ wrapper, by each binding and by a
-test of the layer or of whole processes."""
+"""callers.py TREE: the C++ wrapper, each binding and a test call every function of bridge.h. The test is
+one of the layer or of whole processes."""
 
 import pathlib
 import re
 import sys
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "toolchain" / "bindings"))
 import header
 
-# What has to call each function -> where that is looked for. Generated files call nothing.
+# The callers that each function must have, and their files. Generated files contain no calls.
 PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
           "the Node binding": ["bindings/node/bridge.js", "bindings/node/calls.js",
                                "bindings/node/configuration.js", "bindings/node/native.js"],
@@ -23,7 +23,7 @@ PLACES = {"bridge.hpp": ["include/bridge/*.hpp"],
 
 
 def words_of(tree, patterns):
-    """The identifiers outside comments. Node's and Python's calls have the name as a text."""
+    """The identifiers outside comments. In Node and Python the name of a function can be in a string."""
     files = [path for pattern in patterns for path in sorted(tree.glob(pattern))]
     words = set()
     for path in files:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The gate over callers of the interface finds each place that lacks a function."""
+"""The gate callers reports every missing call."""
 
 import contextlib
 import io
@@ -8,7 +8,7 @@ import sys
 import tempfile
 import unittest
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import callers
 
 FILES = {
@@ -46,10 +46,10 @@ class CallersTest(unittest.TestCase):
             self.assertEqual(callers.main(self.root), status)
         self.assertEqual(output.getvalue().splitlines(), list(lines))
 
-    def test_functions_that_everything_calls(self):
+    def test_all_calls_exist(self):
         self.expect(0, "5 callers of every function")
 
-    def test_each_place_that_lacks_one(self):
+    def test_each_missing_call(self):
         for name, place, function in (
                 ("include/bridge/bridge.hpp", "bridge.hpp", "bridgeClose"),
                 ("bindings/node/bridge.js", "the Node binding", "bridgeOpen"),

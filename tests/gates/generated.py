@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""generated.py TREE: the generated files of the bindings are what ./run generate writes, and no file
-is marked as generated that it does not write."""
+"""generated.py TREE: the generated files have the content that ./run generate writes, and it writes every
+file that is marked as generated."""
 
 import pathlib
 import sys
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "toolchain" / "bindings"))
 import generate

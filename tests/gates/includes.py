@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""includes.py TREE TARGETS: includes name files that exist, and headers of declared layers only.
+"""includes.py TREE TARGETS: includes name existing files and headers of declared layers.
 
-The compiler finds the headers of every layer, so it accepts what this refuses:
-  - a header of a layer that the file's target does not link, itself or through what its libraries
-    pass on; TARGETS is what cmake/TargetList.cmake writes about them
-  - layers that depend on each other
-  - a name in another spelling than the file's, which Windows accepts
-  - a header of Source/ by another name than its path there
+The compiler finds the headers of every layer, so it accepts faults that this gate reports:
+  - a header of a layer that the file's target does not link, directly or through public dependencies.
+    TARGETS is the list that cmake/TargetList.cmake writes.
+  - layers with cyclic dependencies
+  - a name that differs from the file's in case, which Windows accepts
+  - a header of Source/ by a name that is not its path there
 """
 
 import os
@@ -47,7 +47,7 @@ class Include:
         return self.shown.startswith('"')
 
     def places(self, search):
-        """The paths where a compiler looks that is given these folders, in its order."""
+        """The paths that a compiler tries with these include folders, in its order."""
         folders = [self.file.parent, *search] if self.is_quoted else search
         if self.file.parent.name == "posix":  # siblings of the folder's files
             folders = [*folders, self.file.parent.parent]
@@ -58,13 +58,13 @@ class Include:
 
 
 def source_files(root):
-    """Every C and C++ file of the tree."""
+    """All C and C++ files of the tree."""
     for folder in FOLDERS:
         yield from (path for path in sorted((root / folder).rglob("*")) if path.suffix in SUFFIXES)
 
 
 def read_targets(path):
-    """Name -> Target."""
+    """The targets by name."""
     targets = {}
     for text in pathlib.Path(path).read_text(encoding="utf-8").splitlines():
         kind, _, value = text.partition(" ")
@@ -82,7 +82,7 @@ def read_targets(path):
 
 
 def visible(target, targets):
-    """The names whose headers the target may include."""
+    """The targets whose headers the target may include."""
     seen, waiting = {target.name}, list(target.links)
     while waiting:
         name = waiting.pop()
@@ -93,7 +93,7 @@ def visible(target, targets):
 
 
 def circle(layers):
-    """Layers that depend on each other, with the first of them again at the end, or nothing."""
+    """A cycle of layers, with the first layer repeated at the end; empty if there is none."""
     done = set()
 
     def follow(name, way):
@@ -151,7 +151,7 @@ class Gate:
                     self.complain(include, f"write {name}")
 
     def check_spelling(self, include, search):
-        """Of a name without a file. In brackets it may be the system's."""
+        """Reports a name without a file. In brackets it may be a system header."""
         others = [self.spellings.get(str(path).lower()) for path in include.places(search)]
         other = next(filter(None, others), None)
         if other is not None:
@@ -171,7 +171,7 @@ class Gate:
                 self.check_file(file, self.layers[name])
 
     def check_programs(self):
-        """Each target's sources, and the headers that these reach before they reach a layer's."""
+        """The sources of each target, and the headers that they reach without entering a layer."""
         for target in self.targets.values():
             seen, waiting = set(), [*target.sources, *self.siblings(target)]
             while waiting:
@@ -182,7 +182,7 @@ class Gate:
                                 if self.layer_of(header) is None]
 
     def siblings(self, target):
-        """What the build for another system compiles instead of some of its sources."""
+        """The siblings that the build for another system compiles instead."""
         for source in target.sources:
             if system := SYSTEM.search(source.stem):
                 names = [source.stem[:system.start()] + other + source.suffix for other in SYSTEMS]
@@ -191,7 +191,7 @@ class Gate:
                             if file.name in names and file.is_relative_to(folder))
 
     def check_file(self, file, target):
-        """The files that it includes."""
+        """The files that a file includes."""
         allowed = visible(target, self.targets)
         reached = []
         for include in self.includes[file]:
@@ -204,7 +204,7 @@ class Gate:
         return reached
 
     def check(self):
-        """The faults, a line for each."""
+        """The faults, one line each."""
         if way := circle(self.layers):
             self.faults.append(f"layers depend on each other: {' -> '.join(way)}")
         self.check_names()
@@ -221,7 +221,7 @@ def main(root, targets_file):
     print(f"{count} includes in {len(gate.includes)} files, {len(gate.layers)} layers, "
           f"{len(gate.targets)} targets")
     if not count or not gate.layers:
-        print("nothing was compared")
+        print("nothing to compare")
         return 1
     return 1 if gate.faults else 0
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""includes_test.py COMPILER: the gate over includes finds each fault that it is there for, in a small
-tree that CMake configures as it does the library's."""
+"""includes_test.py COMPILER: the gate includes reports each kind of fault, in a small tree that CMake
+configures like the library's."""
 
 import contextlib
 import io
@@ -11,12 +11,13 @@ import sys
 import tempfile
 import unittest
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import includes
 
 CMAKE_FOLDER = pathlib.Path(__file__).resolve().parents[2] / "cmake"
 
-# low is below middle, middle below high; other is below none. The program links middle alone.
+# The layers low, middle and high depend on each other in this order. No layer depends on the layer
+# other. The program links middle only.
 FILES = {
     "CMakeLists.txt": f"""
         cmake_minimum_required(VERSION 3.25)
@@ -92,7 +93,7 @@ class IncludesTest(unittest.TestCase):
             raise AssertionError(done.stdout + done.stderr)
 
     def change(self, name, text):
-        """The file has this text until the end of the test."""
+        """Changes the file for the rest of the test."""
         self.write(name, text)
         self.addCleanup(self.restore, name)
 
@@ -107,15 +108,15 @@ class IncludesTest(unittest.TestCase):
         return includes.Gate(self.root, targets).check()
 
     def run_gate(self, *arguments):
-        """Exit status and output of the program."""
+        """The exit status and the output of the program."""
         with contextlib.redirect_stdout(io.StringIO()) as output:
             status = includes.main(*arguments)
         return status, output.getvalue()
 
-    def test_declared_layers_and_those_that_they_pass_on_may_be_included(self):
+    def test_declared_layers_and_their_public_dependencies(self):
         self.assertEqual(self.faults(), [])
 
-    def test_a_layer_that_is_not_declared(self):
+    def test_an_undeclared_layer(self):
         self.change("Source/high/High.cpp", '#include "high/High.h"\n#include "other/Other.h"\n')
         self.assertEqual(self.faults(), [
             'Source/high/High.cpp:2: "other/Other.h": high declares no dependency on other'])
@@ -134,7 +135,7 @@ class IncludesTest(unittest.TestCase):
                 self.assertIn(f'{name}:1: "high/High.h": {target} declares no dependency on high',
                               self.faults())
 
-    def test_brackets_and_ways_around_do_not_hide_a_layer(self):
+    def test_brackets_and_relative_paths_do_not_hide_a_layer(self):
         for name, written in (("<other/Other.h>", "<other/Other.h>"),
                               ("../other/Other.h", '"../other/Other.h"')):
             with self.subTest(name):
@@ -143,17 +144,17 @@ class IncludesTest(unittest.TestCase):
                     f'Source/high/High.cpp:1: {written}: write "other/Other.h"',
                     f"Source/high/High.cpp:1: {written}: high declares no dependency on other"])
 
-    def test_a_program_that_does_not_declare_a_layer(self):
+    def test_an_undeclared_layer_in_a_program(self):
         self.change("programs/main.cpp", '#include "Core.h"\n#include "high/High.h"\n')
         self.assertEqual(self.faults(), [
             'programs/main.cpp:2: "high/High.h": program declares no dependency on high'])
 
-    def test_what_a_library_links_for_itself_is_not_passed_on(self):
+    def test_a_private_dependency_is_not_passed_on(self):
         self.change("programs/main.cpp", '#include "other/Other.h"\n')
         self.assertEqual(self.faults(), [
             'programs/main.cpp:1: "other/Other.h": program declares no dependency on other'])
 
-    def test_a_header_of_a_program_counts_for_each_that_includes_it(self):
+    def test_a_shared_header_is_checked_for_each_program(self):
         self.change("programs/Core.h", '#include "other/Other.h"\n')
         self.assertEqual(self.faults(), [
             'programs/Core.h:1: "other/Other.h": program declares no dependency on other'])
@@ -162,7 +163,7 @@ class IncludesTest(unittest.TestCase):
         self.change("Source/high/High.cpp", '#include "middle/Middle.h"\n')
         self.assertEqual(self.faults(), ['Source/high/High.cpp:1: "middle/Middle.h": no such file'])
 
-    def test_a_path_in_another_spelling(self):
+    def test_a_path_with_different_case(self):
         self.change("programs/main.cpp",
                     '#include "core.h"\n#include "Low/low.h"\n#include <Low/Low.h>\n')
         self.assertEqual(self.faults(), [
@@ -170,11 +171,11 @@ class IncludesTest(unittest.TestCase):
             'programs/main.cpp:2: "Low/low.h": no such file; its name is Source/low/Low.h',
             'programs/main.cpp:3: <Low/Low.h>: no such file; its name is Source/low/Low.h'])
 
-    def test_a_header_of_the_own_folder_is_written_with_its_path(self):
+    def test_a_header_of_the_same_folder_needs_its_path(self):
         self.change("Source/high/High.cpp", '#include "High.h"\n')
         self.assertEqual(self.faults(), ['Source/high/High.cpp:1: "High.h": write "high/High.h"'])
 
-    def test_a_file_that_no_target_compiles(self):
+    def test_a_file_without_a_target(self):
         self.change("bench/Rows.cpp", '#include "low/Low.h"\n#include "low/Rows.h"\n')
         self.assertEqual(self.faults(), ['bench/Rows.cpp:2: "low/Rows.h": no such file'])
 
@@ -183,12 +184,12 @@ class IncludesTest(unittest.TestCase):
         self.assertEqual(self.faults(), ["Source/middle/Middle.h: belongs to no layer"])
 
     def test_layers_that_depend_on_each_other(self):
-        self.addCleanup(self.configure)  # which comes after the file is as before
+        self.addCleanup(self.configure)  # runs after the file is restored
         self.change("Source/low/CMakeLists.txt", "bridge_layer(low SOURCES LowWinnt.cpp DEPENDS high)")
         self.configure()
         self.assertEqual(self.faults(), ["layers depend on each other: low -> high -> middle -> low"])
 
-    def test_the_status_tells_whether_there_are_faults(self):
+    def test_the_exit_status_reports_faults(self):
         targets = self.root / "build" / "targets.txt"
         self.assertEqual(self.run_gate(self.root, targets),
                          (0, "13 includes in 14 files, 4 layers, 8 targets\n"))
@@ -197,13 +198,13 @@ class IncludesTest(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertIn('High.h:1: "other/Other.h": high declares no dependency on other', output)
 
-    def test_a_comparison_of_nothing_fails(self):
+    def test_an_empty_tree_fails(self):
         with tempfile.TemporaryDirectory() as empty:
             targets = pathlib.Path(empty) / "targets.txt"
             targets.write_text("", encoding="utf-8")
             status, output = self.run_gate(empty, targets)
         self.assertEqual(status, 1)
-        self.assertIn("nothing was compared", output)
+        self.assertIn("nothing to compare", output)
 
 
 if __name__ == "__main__":

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """standard_headers.py TREE: a file includes the standard headers of the names that it uses.
 
-A .cpp file also has what its own header includes, and one that includes tests/support/TestHeaders.h,
-itself or through headers of the tests, has what that includes. A name in `std` that the tables below
-lack is a fault too: they have to grow with the code.
+A .cpp file inherits the includes of its own header. A file that includes tests/support/TestHeaders.h,
+directly or through headers of the tests, inherits the includes of that file. An unknown name in `std`
+is a fault; add it to the tables below.
 """
 
 import pathlib
@@ -11,11 +11,11 @@ import re
 import sys
 from dataclasses import dataclass
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import includes
 
-# Header -> the names in `std` that it declares, of those that the code uses. A name of several
-# headers is with each of them.
+# The names in `std` that each header declares, as far as the code uses them. A name can be declared by
+# several headers.
 CPP = {
     "algorithm": "all_of any_of clamp copy count count_if equal fill find find_if is_sorted "
                  "lower_bound max max_element min next_permutation none_of remove remove_if replace "
@@ -70,7 +70,7 @@ CPP = {
     "vector": "begin data empty end size vector",
 }
 
-# The same of C's headers: "stdio" is <cstdio>, and <stdio.h> in C.
+# The same for the headers of C: "stdio" is <cstdio>, or <stdio.h> in C.
 C = {
     "assert": "assert",
     "ctype": "isalnum",
@@ -93,12 +93,12 @@ C = {
     "wchar": "size_t swprintf wcscmp wcslen",
 }
 
-# What the standard says that a header includes itself.
+# The headers that a header includes according to the standard.
 INCLUDED = {"iostream": ("ios", "istream", "ostream")}
 
 
 def by_name(*tables):
-    """Name -> the headers that declare it."""
+    """The headers that declare each name."""
     headers = {}
     for header, names in [row for table in tables for row in table.items()]:
         for name in names.split():
@@ -116,7 +116,7 @@ INCLUDE = re.compile(
     r'^[ \t]*#[ \t]*include[ \t]*(?:<(?P<standard>[^>\n]+)>|"(?P<quoted>[^"\n]+)")', re.M)
 NO_CODE = re.compile(
     r"""//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:[^"\\\n]|\\.)*"|(?<!\w)'(?:[^'\\\n]|\\.)*'""", re.S)
-# In C++ the functions and types of C count with their namespace alone: others have such names too.
+# In C++, names of C need the namespace, because the code has functions with such names too.
 USE_IN_CPP = re.compile(rf"\bstd::(?P<name>\w+)|(?<![\w.:>])(?P<plain>{'|'.join(MACROS)})\b")
 USE_IN_C = re.compile(
     rf"(?<![\w.>])(?P<plain>(?:{'|'.join(IN_C)})(?=\()|(?:{'|'.join(MACROS + TYPES)})\b)")
@@ -126,11 +126,11 @@ USE_IN_C = re.compile(
 class File:
     standard: set  # headers in brackets
     quoted: list
-    uses: list  # (line, name as it is written, headers of which one is enough)
+    uses: list  # (line, name as written, headers of which one suffices)
 
 
 def blank(match):
-    """Nothing but the line ends."""
+    """The line ends only."""
     return "\n" * match[0].count("\n") or " "
 
 
@@ -149,7 +149,7 @@ def read_file(path):
 
 
 def needed(match, suffix):
-    """The headers of which one declares a name, None for a name that no table has."""
+    """The headers that declare a name; None for an unknown name."""
     if match.groupdict().get("name"):
         return IN_STD.get(match["name"])
     name = match["plain"]
@@ -163,7 +163,7 @@ class Gate:
         self.files = {path: read_file(path) for path in includes.source_files(self.root)}
 
     def included(self, path):
-        """The headers in brackets of a file, of its own header, and those that tests share."""
+        """The standard headers that a file, its own header and the shared test headers include."""
         own = self.own_header(path)
         headers = self.files[path].standard | (self.files[own].standard if own else set())
         if self.shares(path):
@@ -171,7 +171,7 @@ class Gate:
         return headers
 
     def shares(self, path):
-        """Whether the file includes the headers that tests share."""
+        """Whether the file includes the shared test headers."""
         if self.shared not in self.files or self.shared.parents[1] not in path.parents:
             return False
         places = [folder / name for name in self.files[path].quoted
@@ -180,7 +180,7 @@ class Gate:
             self.shares(place) for place in places if place in self.files)
 
     def own_header(self, path):
-        """Of IpcNameWinnt.cpp the IpcName.h that it includes, if it does."""
+        """The own header of a source: IpcName.h for IpcNameWinnt.cpp, if the source includes it."""
         stems = {path.stem, includes.SYSTEM.sub("", path.stem)}
         names = [name for name in self.files[path].quoted if pathlib.PurePath(name).stem in stems]
         places = [path.parent / name for name in names]
@@ -189,7 +189,7 @@ class Gate:
         return next((place for place in places if place in self.files), None)
 
     def check(self):
-        """The faults, a line for each."""
+        """The faults, one line each."""
         return [fault for path in self.files for fault in self.faults_of(path)]
 
     def faults_of(self, path):
@@ -210,7 +210,7 @@ def main(root):
     uses = sum(len(file.uses) for file in gate.files.values())
     print(f"{uses} names in {len(gate.files)} files")
     if not uses:
-        print("nothing was compared")
+        print("nothing to compare")
     return 1 if faults or not uses else 0
 
 

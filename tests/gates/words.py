@@ -8,7 +8,7 @@ import re
 import sys
 from typing import NamedTuple
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import prose
 
 # Phrase, as a regular expression in which a space matches line breaks too -> what to write instead.

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The gate over words finds a phrase of its table in prose of each language, and only there."""
+"""The gate words reports the phrases of its table in prose of each language, and only there."""
 
 import contextlib
 import io
@@ -9,7 +9,7 @@ import tempfile
 import unittest
 import unittest.mock
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import prose
 import words
 
@@ -69,7 +69,7 @@ class WordsTest(unittest.TestCase):
                 self.expect(0, "1 files")
                 (self.root / name).unlink()
 
-    def test_a_phrase_that_a_line_break_divides(self):
+    def test_a_phrase_across_a_line_break(self):
         for name, text in (("a.cpp", "// Reads it once\n// more.\n"),
                            ("a.h", "/* Reads it once\n * more. */\n"),
                            ("a.md", "Reads it once\nmore.\n")):
@@ -78,7 +78,7 @@ class WordsTest(unittest.TestCase):
                 self.expect(1, f'{name}:1: "once more"; write: again')
                 (self.root / name).unlink()
 
-    def test_words_on_both_sides_of_code_are_no_phrase(self):
+    def test_code_divides_a_phrase(self):
         self.write("a.cpp", "int a;  // once\nint more;\nint b;  // more\n")
         self.expect(0, "1 files")
 
@@ -91,7 +91,7 @@ class WordsTest(unittest.TestCase):
         self.expect(1, 'a.md:1: "Someone"; write: the caller', f"a.md:1: {BAD}",
                     'a.md:2: "somebody"; write: the caller', 'a.md:2: "once more"; write: again')
 
-    def test_files_of_other_kinds_and_of_others(self):
+    def test_other_kinds_of_files_and_foreign_folders_are_ignored(self):
         self.write("a.json", '{"a": "anew"}')
         for folder in words.NOT_OURS:
             self.write(f"b/{folder}/a.md", "anew")

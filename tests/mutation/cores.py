@@ -1,8 +1,8 @@
-"""What is mutated, which tests have to notice it, and which of them are not asked."""
+"""The files to mutate, the tests that must detect the mutants, and the tests that do not run."""
 
-# Each file between bytes and meaning; of some only these classes and functions. Tables are left
-# out: conf's properties, the requests of plr and mim, the status codes. So is the listing of
-# instances, which only the hosts' tests look at.
+# The files that parse and print bytes; for some, only these classes and functions. Tables are excluded
+# (conf's properties, the requests of plr and mim, the status codes), and so is the listing of instances,
+# because only the hosts' tests cover it.
 CORES = {
     "Source/xpl/Xbytes.h": None,
     "Source/xpl/Xclock.cpp": None,
@@ -39,7 +39,7 @@ CORES = {
     "Source/bridge/BridgeDec.cpp": None,
 }
 
-# The layer's own tests first, then those of the layers above.
+# The layer's own tests, then the tests of higher layers.
 TESTS = {
     "xpl": ["xpl_test", "utl_test", "conf_test", "appc_test", "bridge_layer_test", "ipc_test"],
     "utl": ["utl_test", "appc_test", "conf_test", "bridge_layer_test"],
@@ -49,7 +49,7 @@ TESTS = {
     "bridge": ["bridge_layer_test"],
 }
 
-# Tests that take long, or depend on how fast the machine is just then, and are about something else.
+# Tests that take long, or depend on the machine's speed, and test something else.
 NOT_ASKED = {
     "ConfCrowdTest.*": "processes that compete for a file",
     "IpcClientTest.AReplyIsWaitedForThirtySeconds": "a time limit",

@@ -1,5 +1,5 @@
-"""Just enough of a C++ reader for changing code that clang-format has laid out: tokens without
-comments and directives, brackets that belong together, and which braces hold statements."""
+"""A minimal C++ lexer for changing code that clang-format has formatted: tokens without comments and
+directives, matching brackets, and the braces that contain statements."""
 
 import re
 from dataclasses import dataclass
@@ -39,8 +39,8 @@ def all_tokens(text):
 
 
 def compiled_tokens(text):
-    """The code alone. What stands behind #else or #elif is for other compilers."""
-    inside = []  # of each open #if: whether its #else has come
+    """The code without #else and #elif branches, which are for other compilers."""
+    inside = []  # for each open #if: whether its #else has been seen
     for token in all_tokens(text):
         if token.kind == "directive":
             word = token.text.strip().lstrip("# \t")
@@ -55,8 +55,8 @@ def compiled_tokens(text):
 
 
 class Code:
-    """A text's tokens by number. `partner` leads from a bracket to the one that belongs to it, and
-    `inner` from a token to the bracket that it stands in, or to None."""
+    """The tokens of a text by index. `partner` maps a bracket to the matching one. `inner` maps a token to
+    the innermost bracket around it, or to None."""
 
     def __init__(self, text):
         self.text = text
@@ -80,14 +80,14 @@ class Code:
         return self.text.count("\n", 0, self.tokens[index].start) + 1
 
     def is_(self, index, *texts):
-        """Whether the token is one of these; none is behind the ends."""
+        """Whether the token is one of these. No token matches beyond the ends."""
         return 0 <= index < len(self.tokens) and self.tokens[index].text in texts
 
     def kind(self, index):
         return self.tokens[index].kind if 0 <= index < len(self.tokens) else ""
 
     def is_spaced(self, index):
-        """Operators of two operands have blanks around them, brackets of templates have none."""
+        """Binary operators have spaces on both sides, brackets of templates have none."""
         token = self.tokens[index]
         return self.text[token.start - 1].isspace() and self.text[token.end:token.end + 1].isspace()
 
@@ -95,7 +95,7 @@ class Code:
         return self.tokens[first].start, self.tokens[last].end
 
     def find(self, wanted, start):
-        """The next such token in the bracket where `start` stands."""
+        """The next such token in the same bracket as `start`."""
         inner = self.inner[start]
         for index in range(start, len(self.tokens)):
             if self.inner[index] == inner and self.is_(index, wanted):
@@ -105,7 +105,7 @@ class Code:
         return None
 
     def holds_statements(self, brace):
-        """Whether a "{" opens a body or a block, and no class, namespace, enumeration or list."""
+        """Whether a "{" opens a function body or a block, not a class, namespace, enumeration or list."""
         if not self.is_(brace, "{"):
             return False
         if self.is_(brace - 1, ")", "]", "else", "do", "try", "const", "noexcept", "override"):
@@ -114,7 +114,7 @@ class Code:
             self.holds_statements(self.inner[brace])
 
     def parts(self, names):
-        """Token ranges of the classes and function bodies of these names; each must exist."""
+        """The token ranges of the classes and function bodies with these names, which must exist."""
         ranges = []
         for name in names:
             found = [self._body(index) for index, token in enumerate(self.tokens)
@@ -126,7 +126,7 @@ class Code:
         return ranges
 
     def _body(self, index):
-        """From the name of a definition to the end of its body; None for a use of the name."""
+        """The range from the name of a definition to the end of its body; None for a use of the name."""
         at = index + 1
         if self.is_(index - 1, "class", "struct"):
             return (at, self.partner[at]) if self.is_(at, "{") else None

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Changes the pure cores one small thing at a time, and looks whether a test notices.
+"""Makes small changes to the pure cores, one at a time, and checks whether a test detects them.
 
-    mutate.py [N]         N mutants, spread over the cores by their count of places
-    mutate.py --again     those once more that survived the last run
-    mutate.py --list      which places there are
+    mutate.py [N]         try N mutants, distributed over the cores by their number of places
+    mutate.py --again     retry the survivors of the last run
+    mutate.py --list      list the number of places per file
 
-The changes are made in copies under build/mutation; so is report.txt, a line for each mutant. Ends
-with 1 if fewer than 90 of 100 are noticed."""
+Changes copies of the tree in build/mutation and writes report.txt there, with a line for each mutant.
+The exit status is 1 if the tests detect fewer than 90 % of the mutants."""
 
 import argparse
 import json
@@ -18,7 +18,7 @@ import threading
 import time
 from collections import Counter
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import cores
 import mutators
 import trees
@@ -37,7 +37,7 @@ def all_places():
 
 
 def quotas(places, wanted):
-    """How many mutants each file gets: by its count of places, the largest fractions rounded up."""
+    """The number of mutants per file, in proportion to its places, with the largest remainders rounded up."""
     total = sum(len(of_file) for of_file in places.values())
     exact = {path: wanted * len(of_file) / total for path, of_file in places.items()}
     shares = {path: int(share) for path, share in exact.items()}
@@ -48,8 +48,8 @@ def quotas(places, wanted):
 
 
 def candidates(of_file, chance):
-    """The mutants of a file in random order: one for each place, and then the others, for which
-    there is only need where those do not compile."""
+    """The mutants of a file in random order: one for each place, then the others, as substitutes for
+    mutants that do not compile."""
     ways = [(place, chance.sample(place.replacements, len(place.replacements)))
             for place in chance.sample(of_file, len(of_file))]
     first = [(place, texts[0]) for place, texts in ways]
@@ -61,7 +61,7 @@ def flat(text):
 
 
 def described(path, text, place, replacement, result, test):
-    """A mutant as it is recorded, with the lines that it changes before and after."""
+    """The record of a mutant, with the changed lines before and after the change."""
     start = text.rfind("\n", 0, place.start) + 1
     end = text.find("\n", place.end)
     return {"path": path, "line": text.count("\n", 0, place.start) + 1, "operator": place.operator,
@@ -71,8 +71,8 @@ def described(path, text, place, replacement, result, test):
 
 
 class Jobs:
-    """Files with their candidates, for several trees at a time: each file belongs to one tree, so
-    that it is restored once only."""
+    """The files and their candidates, for several trees in parallel. One tree handles all mutants of a
+    file, so the file is restored only once."""
 
     def __init__(self, work, total):
         self.waiting = queue.SimpleQueue()
@@ -92,7 +92,7 @@ class Jobs:
                 self.work_on(tree, path, count, mutants)
         except queue.Empty:
             pass
-        except BaseException as error:  # told by the thread that waits
+        except BaseException as error:  # reported by the waiting thread
             self.errors.append(error)
 
     def work_on(self, tree, path, count, mutants):
@@ -127,7 +127,7 @@ class Jobs:
         try:
             for thread in threads:
                 thread.join()
-        except KeyboardInterrupt as stop:  # each tree ends what it is at
+        except KeyboardInterrupt as stop:  # each tree ends its current work
             self.errors.append(stop)
             self.wait_for(threads)
 
@@ -166,7 +166,7 @@ def chosen_work(wanted, seed):
 
 
 def survivors_work(mutants):
-    """The survivors of a report that is of this very source."""
+    """The survivors of a report, if it is about the same source."""
     work = {}
     for one in mutants:
         place = mutators.Place(one["operator"], one["start"], one["end"], (one["replacement"],))
@@ -178,7 +178,7 @@ def survivors_work(mutants):
 
 
 def mutate(work, copies, kept=()):
-    """Tries the mutants, reports them together with those kept, and gives the share of killed."""
+    """Tries the mutants, reports them and those kept, and returns the share of killed mutants."""
     total = sum(count for _, count, _ in work)
     needed = sorted({test for path, _, _ in work for test in cores.tests_of(path)})
     trees.MUTATION.mkdir(parents=True, exist_ok=True)
@@ -194,10 +194,10 @@ def mutate(work, copies, kept=()):
 def main():
     reader = argparse.ArgumentParser(prog="./run mutate")
     reader.add_argument("count", nargs="?", type=int, default=200)
-    reader.add_argument("--seed", default="1", help="another choice of mutants")
-    reader.add_argument("--copies", type=int, default=2, help="trees that are worked on at a time")
-    reader.add_argument("--again", action="store_true", help="the last run's survivors only")
-    reader.add_argument("--list", action="store_true", help="the counts of places only")
+    reader.add_argument("--seed", default="1", help="selects other mutants")
+    reader.add_argument("--copies", type=int, default=2, help="number of trees to use in parallel")
+    reader.add_argument("--again", action="store_true", help="retry the survivors of the last run")
+    reader.add_argument("--list", action="store_true", help="list the number of places per file")
     asked = reader.parse_args()
     if asked.count < 1 or asked.copies < 1:
         reader.error("there is nothing to do")

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Each operator of the mutation run gives the mutants expected, on small texts, and none where there
-is nothing to change; and a run notices what it claims to notice."""
+"""Each mutation operator creates exactly the expected mutants of short texts, and a run detects what it
+claims to detect."""
 
 import random
 import sys
 import textwrap
 import unittest
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import cores
 import cpp_tokens
 import mutate
@@ -16,14 +16,14 @@ import trees
 
 
 def mutants(text, operator, parts=None):
-    """What the operator makes of a text, in order."""
+    """The operator's mutants of a text, in order."""
     return [mutators.mutated(text, place, replacement)
             for place in mutators.places(text, parts) if place.operator == operator
             for replacement in place.replacements]
 
 
 def of_body(operator, statements):
-    """What it makes of the statements of a function."""
+    """The operator's mutants of the statements of a function."""
     before, after = "void f() {\n", "\n}\n"
     made = mutants(before + statements + after, operator)
     return [text.removeprefix(before).removesuffix(after) for text in made]
@@ -36,7 +36,7 @@ class OperatorsTest(unittest.TestCase):
             self.assertEqual(of_body("relation", f"return a {sign} b;"),
                              [f"return a {other} b;" for other in others])
 
-    def test_brackets_of_templates_are_no_relations(self):
+    def test_brackets_of_templates_are_not_relations(self):
         self.assertEqual(of_body("relation", "std::set<int> a = b<c>(d->e) << f >> g;"), [])
 
     def test_negated_conditions(self):
@@ -68,7 +68,7 @@ class OperatorsTest(unittest.TestCase):
         self.assertEqual(of_body("constant", "f(0x80);"), ["f(0x0);", "f(0x7F);", "f(0x81);"])
         self.assertEqual(of_body("constant", "return path[1];"), ["return path[0];", "return path[2];"])
 
-    def test_numbers_that_are_no_values(self):
+    def test_numbers_that_are_not_values(self):
         self.assertEqual(of_body("constant", "char a[12]; std::array<int, 4> b; f<2>(x1, 0.5);"), [])
         self.assertEqual(mutants("struct A { virtual void f() const = 0; };", "constant"), [])
 
@@ -148,14 +148,14 @@ void log(const char* format, ...) XPRINTF_LIKE(1, 2);
 '''
 
 
-class NothingToChangeTest(unittest.TestCase):
-    def test_in_comments_texts_directives_and_assertions(self):
+class NoMutantsTest(unittest.TestCase):
+    def test_in_comments_strings_directives_and_assertions(self):
         places = mutators.places(NOTHING_TO_CHANGE)
         self.assertEqual([place.operator for place in places], ["statement"])
         self.assertTrue(NOTHING_TO_CHANGE[places[0].start:].startswith('g("if'))
         self.assertTrue(NOTHING_TO_CHANGE[:places[0].end].endswith('true)");'))
 
-    def test_behind_else_of_the_preprocessor(self):
+    def test_in_else_branches_of_the_preprocessor(self):
         text = "int f() {\n#if A\n#if B\nreturn 1;\n#else\nreturn 2;\n#endif\n#else\nreturn 3;\n#endif\nreturn 4;\n}"
         self.assertEqual(mutants(text, "constant"),
                          [text.replace("return 1", f"return {one}") for one in (0, 2)] +
@@ -212,7 +212,7 @@ class SourcesTest(unittest.TestCase):
 
 
 class ChoiceTest(unittest.TestCase):
-    def test_is_spread_by_the_count_of_places(self):
+    def test_is_in_proportion_to_the_places(self):
         places = {"a": range(10), "b": range(30), "c": range(61)}
         self.assertEqual(mutate.quotas(places, 20), {"a": 2, "b": 6, "c": 12})
         self.assertEqual(sum(mutate.quotas(mutate.all_places(), 200).values()), 200)
@@ -221,7 +221,7 @@ class ChoiceTest(unittest.TestCase):
         self.assertEqual(mutate.chosen_work(200, "1"), mutate.chosen_work(200, "1"))
         self.assertNotEqual(mutate.chosen_work(200, "1"), mutate.chosen_work(200, "2"))
 
-    def test_takes_each_place_once_before_any_second_change_of_one(self):
+    def test_takes_each_place_once_before_a_second_change(self):
         places = mutators.places("int f() { return a < b ? 1 : 2; }")
         chosen = mutate.candidates(places, random.Random(1))
         self.assertEqual({place for place, _ in chosen[:len(places)]}, set(places))
@@ -232,20 +232,20 @@ PASSED = "[==========] 12 tests from 3 test suites ran. (5 ms total)\n[  PASSED 
 FAILED = "a.cpp:1: Failure\n[  FAILED  ] Conf.Reads (0 ms)\n" + PASSED
 
 
-class JudgementTest(unittest.TestCase):
-    def test_of_what_a_test_program_did(self):
+class ResultTest(unittest.TestCase):
+    def test_the_result_of_a_test_program(self):
         self.assertEqual(trees.judged(PASSED, 0), (12, ""))
         self.assertEqual(trees.judged(FAILED, 1), (12, "Conf.Reads"))
         self.assertEqual(trees.judged("", -11), (0, "ended with -11"))
-        self.assertEqual(trees.judged("", 0), (0, "ended with 0"))  # left in the middle
+        self.assertEqual(trees.judged("", 0), (0, "ended with 0"))  # ended in the middle
         self.assertEqual(trees.judged(PASSED, 1), (12, "ended with 1"))
         self.assertEqual(trees.judged("", None), (0, "timeout"))
 
-    def test_a_program_that_never_ends_is_stopped_with_its_children(self):
+    def test_a_hanging_program_is_stopped_with_its_children(self):
         output, code = trees.run_group(["sh", "-c", "sleep 1000 & echo $!; wait"], 0.5, None)
         self.assertEqual((output, code), ("", None))
 
-    def test_the_share_counts_what_was_killed_or_never_ended(self):
+    def test_the_share_includes_killed_and_hanging_mutants(self):
         results = ["killed"] * 17 + ["timeout", "survived", "survived"]
         lines, share = mutate.summary([{"path": "a", "result": result} for result in results])
         self.assertEqual(share, 0.9)
@@ -254,7 +254,7 @@ class JudgementTest(unittest.TestCase):
 
 
 class Tree:
-    """A tree of which the changes are known that compile, and those that a test finds."""
+    """A fake tree that defines which changes compile and which a test detects."""
 
     def __init__(self):
         self.texts = []
@@ -274,7 +274,7 @@ class Tree:
 
 
 class WorkTest(unittest.TestCase):
-    def test_what_does_not_compile_is_replaced_and_not_counted(self):
+    def test_a_mutant_that_does_not_compile_is_replaced_and_not_counted(self):
         path = "Source/conf/ConfNumber.cpp"
         places = mutators.places(mutate.source(path))
         mutants = mutate.candidates(places, random.Random(1))
@@ -288,13 +288,13 @@ class WorkTest(unittest.TestCase):
         self.assertNotIn(mutate.source(path), tree.texts)
         self.assertEqual(tree.restored, [path])
 
-    def test_an_error_of_a_tree_ends_the_run(self):
+    def test_an_error_in_a_tree_ends_the_run(self):
         tree = Tree()
         tree.prepare = lambda: (_ for _ in ()).throw(SystemExit("error: fails without any change"))
         with self.assertRaisesRegex(SystemExit, "without any change"):
             mutate.Jobs([], 0).run([tree])
 
-    def test_the_report_tells_the_lines_before_and_after(self):
+    def test_the_report_has_the_lines_before_and_after(self):
         text = "int f() {\n    return a\n        + 1;  // b\n}\n"
         place = [one for one in mutators.places(text) if one.operator == "sum"][0]
         one = mutate.described("f.cpp", text, place, "-", "killed", "conf_test A.B")

@@ -1,4 +1,4 @@
-"""The places of a source where one small change gives another program, and those changes."""
+"""The places of a source where a small change gives a different program, and those changes."""
 
 import re
 from dataclasses import dataclass
@@ -18,13 +18,13 @@ KEYWORDS = ("return", "if", "else", "for", "while", "do", "switch", "case", "def
             "continue", "using", "const", "constexpr", "static", "auto", "throw", "goto", "try",
             "catch", "struct", "class", "typename", "template", "delete", "operator")
 
-# What is said to the compiler only.
+# Statements for the compiler only.
 ATTRIBUTES = ("static_assert", "alignas", "XPRINTF_LIKE", "XTS_REQUIRES")
 
 
 @dataclass(frozen=True)
 class Place:
-    """Characters from `start` to `end`, and what may stand there instead."""
+    """The characters from `start` to `end` and their replacements."""
     operator: str
     start: int
     end: int
@@ -32,7 +32,7 @@ class Place:
 
 
 def places(text, parts=None):
-    """All places, or those in the classes and functions named."""
+    """All places, or those in the named classes and functions."""
     code = Code(text)
     ranges = [(0, len(code.tokens) - 1)] if parts is None else code.parts(parts)
     said = attribute_tokens(code)
@@ -90,7 +90,7 @@ def negated_condition(code, index):
         first = declaration + 1
     signs = {token.text for at, token in enumerate(code.tokens[first:last + 1], first)
              if code.inner[at] == index + 1}
-    # What declares its value cannot be negated; for a single comparison there are its opposites.
+    # A declaration cannot be negated. For a single comparison, another operator creates its opposites.
     if "=" in signs or (signs & RELATIONS.keys() and not signs & LOGIC.keys()):
         return None
     start, end = code.span(first, last)
@@ -109,7 +109,7 @@ def other_constant(code, index):
 
 
 def is_no_value(code, index):
-    """The size of an array that is declared, an argument of a template, and "= 0" of a function."""
+    """Whether a number is an array size, a template argument, or the "= 0" of a function."""
     if code.is_(index - 1, "[") and code.is_(index + 1, "]"):
         return code.kind(index - 3) == "name" and not code.is_(index - 3, *KEYWORDS)
     for bracket in (index - 1, index + 1):
@@ -124,7 +124,7 @@ def other_result(code, index):
     end = code.find(";", index)
     values = [token.text for token in code.tokens[index + 1:end]]
     if not values:
-        return index, end, [";"]  # goes on instead
+        return index, end, [";"]  # continues instead
     if len(values) > 1:
         return None if values == ["{", "}"] else (index, end, ["return {};"])
     if values[0].startswith("XERR_"):
@@ -163,8 +163,8 @@ def is_label(code, colon):
 
 
 def is_call_or_assignment(code, at):
-    """Whether a name, or what is reached from it, is called, assigned to or stepped: in a
-    declaration a second name follows the first one."""
+    """Whether a statement calls, assigns, increments or decrements something. A declaration has two names
+    in a row instead."""
     while code.is_(at, "*", "++", "--", "::", "("):
         if code.is_(at, "++", "--"):
             return True

@@ -1,4 +1,4 @@
-"""Copies of the working tree, each with a build of its own, and what happens to a mutant there."""
+"""Copies of the working tree, each with its own build, which try the mutants."""
 
 import os
 import pathlib
@@ -15,8 +15,8 @@ import cores
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 MUTATION = ROOT / "build" / "mutation"
 
-# Warnings end no build here: what they would refuse, the tests have to find. Runaway mutants are
-# kept from filling memory and disk, and those that never end are stopped.
+# Warnings are not errors here, because the tests must detect such mutants. Limits on memory, file size
+# and time stop runaway mutants.
 CONFIGURE = ["cmake", "--preset", "native", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS=-w",
              "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld"]
 LIMITS = ["prlimit", f"--as={8 << 30}", f"--fsize={1 << 30}", "--core=0", "--"]
@@ -27,15 +27,15 @@ TIMES_OF_BASELINE = 8
 
 @dataclass
 class Run:
-    """What a test program did: how long, how many tests it ran, and what failed first if not all
-    passed."""
+    """The result of a test program: its duration, the number of tests, and the first failure if there is
+    one."""
     seconds: float
     tests: int
     failure: str
 
 
 def copied_files():
-    """The working tree's files, as they are now: uncommitted ones too, what git ignores not."""
+    """The current files of the working tree, including uncommitted ones, without ignored ones."""
     listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
                             cwd=ROOT, check=True, capture_output=True).stdout.decode()
     return {name for name in listed.split("\0") if name and (ROOT / name).is_file()}
@@ -45,11 +45,11 @@ class Tree:
     def __init__(self, number, tests):
         self.root = MUTATION / f"tree-{number}"
         self.build = self.root / "build" / "native"
-        self.tests = tests  # the programs that are needed
+        self.tests = tests  # the required programs
         self.baseline = {}
 
     def refresh(self):
-        """Files that are as they were keep their time, so that they are not compiled again."""
+        """Copies the files. Unchanged files keep their times, so they are not compiled again."""
         wanted = copied_files()
         for name in wanted:
             source, target = ROOT / name, self.root / name
@@ -62,7 +62,7 @@ class Tree:
                     target.unlink()
 
     def prepare(self):
-        """Builds the unchanged tree; every test must pass there, twice."""
+        """Builds the unchanged tree, in which every test must pass twice."""
         self.refresh()
         log = MUTATION / f"{self.root.name}.log"
         with log.open("w") as output:
@@ -92,7 +92,7 @@ class Tree:
             return Run(time.monotonic() - started, *judged(output, code))
 
     def try_mutant(self, path, text):
-        """("does not compile" | "killed" | "timeout" | "survived", by which test)."""
+        """The pair of "does not compile", "killed", "timeout" or "survived", and the test."""
         (self.root / path).write_text(text)
         for name in cores.tests_of(path):
             if not self.compiles(name):
@@ -110,7 +110,7 @@ class Tree:
 
 
 def run_group(command, limit, environment):
-    """The output and the status, None if it was stopped; children that are left end with it."""
+    """The output and the exit status, None after a timeout. Remaining children end too."""
     process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, text=True,
                                errors="replace", stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                start_new_session=True)
@@ -128,7 +128,7 @@ def run_group(command, limit, environment):
 
 
 def judged(output, code):
-    """How many tests ran, and what failed: nothing only if the program came to its end."""
+    """The number of tests and the failure, which is empty only if the program ran to its end."""
     ended = re.search(r"^\[==========\] (\d+) tests? from .* ran\.", output, re.M)
     count = int(ended[1]) if ended else 0
     failed = re.search(r"^\[  FAILED  \] ([\w./]+)", output, re.M)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""What is said of two runs of the tests, one of each Wine: every test case that ended differently, what
-was skipped and why, what was not played, and the counts."""
+"""The comparison of two runs of the tests under different Wines lists the test cases with different
+results, the skips and their reasons, the tests that did not run, and the counts."""
 
 import contextlib
 import io
@@ -10,7 +10,7 @@ import sys
 import tempfile
 import unittest
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 sys.path.insert(0, str(pathlib.Path(__file__).parents[2] / "toolchain"))
 import compare_results
 
@@ -66,25 +66,25 @@ class RunsTest(unittest.TestCase):
             sections[title.split(",")[0].rstrip(":")] = [line.strip() for line in lines]
         return status, sections
 
-    def test_runs_that_end_alike(self):
+    def test_runs_with_the_same_results(self):
         runs = [self.run_of(system, {"a": PASSED}, {"a": {"One": "passed", "Two": "needs X"}})
                 for system in ("wine-8", "wine-10")]
         status, said = self.compared(*runs)
         self.assertEqual(status, 0)
-        self.assertEqual(said["Ended differently"], ["none"])
+        self.assertEqual(said["Different results and failures"], ["none"])
         self.assertEqual(said["Skipped under both"], ["a: S.Two: needs X"])
-        self.assertEqual(said["Left out"], ["gate"])
+        self.assertEqual(said["Excluded"], ["gate"])
         self.assertEqual([line.split() for line in said["Counts"]],
                          [["test", "cases", "wine-8", "wine-10"], ["passed", "1", "1"],
                           ["failed", "0", "0"], ["not", "run", "0", "0"], ["skipped", "1", "1"],
                           ["needs", "X", "1", "1"]])
 
-    def test_each_case_that_ends_differently_is_named_with_its_reason(self):
+    def test_cases_with_different_results_are_listed_with_their_reasons(self):
         here = self.run_of("wine-8", {"a": PASSED}, {"a": {"One": "needs X", "Two": "passed"}})
         there = self.run_of("wine-10", {"a": PASSED}, {"a": {"One": "passed", "Two": "needs Y"}})
         status, said = self.compared(here, there)
         self.assertEqual(status, 0, "a skip is no failure")
-        self.assertEqual(said["Ended differently"],
+        self.assertEqual(said["Different results and failures"],
                          ["a: S.One: skipped (needs X) under wine-8, passed under wine-10",
                           "a: S.Two: passed under wine-8, skipped (needs Y) under wine-10"])
         self.assertEqual(said["Skipped under both"], ["none"])
@@ -97,15 +97,15 @@ class RunsTest(unittest.TestCase):
             there = self.run_of(f"t{number}", {"a": FAILED if other is bad else PASSED}, other)
             status, said = self.compared(here, there)
             self.assertEqual(status, 1)
-            self.assertEqual(len(said["Ended differently"]), 1, said)
+            self.assertEqual(len(said["Different results and failures"]), 1, said)
 
-    def test_a_program_that_ends_early_is_a_failure_and_its_cases_are_missing(self):
+    def test_a_program_that_ends_early_fails_and_its_cases_are_missing(self):
         here = self.run_of("wine-8", {"a": PASSED}, {"a": {"One": "passed"}})
         there = self.run_of("wine-10", {"a": FAILED})
         status, said = self.compared(here, there)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Ended differently"],
-                         ["a: ended early under wine-10, without a result of 1 cases",
+        self.assertEqual(said["Different results and failures"],
+                         ["a: ended early under wine-10; 1 cases have no result",
                           "a: not run under wine-8, failed under wine-10"])
         self.assertEqual(said["Counts"][1].split(), ["passed", "1", "0"])
         self.assertEqual(said["Counts"][3].split(), ["not", "run", "1", "1"])
@@ -115,52 +115,52 @@ class RunsTest(unittest.TestCase):
         there = self.run_of("wine-10", {"a": PASSED}, {"a": {"One": "passed"}})
         status, said = self.compared(here, there)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Ended differently"],
+        self.assertEqual(said["Different results and failures"],
                          ["a: S.Two: passed under wine-8, not run under wine-10"])
 
-    def test_an_entry_that_fails_though_its_cases_passed_is_a_failure(self):
+    def test_a_failed_entry_fails_even_if_all_its_cases_passed(self):
         runs = [self.run_of(system, {"a": end}, {"a": {"One": "passed"}})
                 for system, end in (("wine-8", PASSED), ("wine-10", FAILED))]
         status, said = self.compared(*runs)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Ended differently"],
+        self.assertEqual(said["Different results and failures"],
                          ["a: not run under wine-8, failed under wine-10"])
 
-    def test_an_entry_that_was_not_played_is_named_and_fails(self):
+    def test_an_entry_that_did_not_run_is_listed_and_fails(self):
         here = self.run_of("wine-8", {"a": PASSED, "b": PASSED})
         there = self.run_of("wine-10", {"a": PASSED, "b": None})
         status, said = self.compared(here, there)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Not played although they should be"], ["b"])
+        self.assertEqual(said["Did not run although expected"], ["b"])
 
-    def test_a_program_that_is_missing_is_not_run(self):
+    def test_a_missing_program_counts_as_not_run(self):
         here = self.run_of("wine-8", {"a": PASSED})
         there = self.run_of("wine-10", {"a": MISSING_PROGRAM})
         status, said = self.compared(here, there)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Ended differently"],
+        self.assertEqual(said["Different results and failures"],
                          ["a: passed under wine-8, not run (Unable to find executable) under "
                           "wine-10"])
 
-    def test_native_entries_do_not_count_though_they_were_played(self):
+    def test_native_entries_are_excluded(self):
         here = self.run_of("wine-8", {"a": PASSED, "gate": PASSED})
         there = self.run_of("wine-10", {"a": PASSED})
         status, said = self.compared(here, there)
         self.assertEqual(status, 0)
         self.assertEqual(said["Counts"][1].split(), ["passed", "1", "1"])
 
-    def test_tests_of_node_are_cases(self):
+    def test_tests_of_node_count_as_cases(self):
         tap = "TAP version 13\nok 1 - one\n    ok 1 - inside\nok 2 - two # SKIP needs X\n"
         here = self.run_of("wine-8", {"node": PASSED}, outputs={"node": tap})
         there = self.run_of("wine-10", {"node": FAILED},
                             outputs={"node": tap.replace("ok 1 - one", "not ok 1 - one")})
         status, said = self.compared(here, there)
         self.assertEqual(status, 1)
-        self.assertEqual(said["Ended differently"],
+        self.assertEqual(said["Different results and failures"],
                          ["node: one: passed under wine-8, failed under wine-10"])
         self.assertEqual(said["Skipped under both"], ["node: two: needs X"])
 
-    def test_runs_without_a_test_are_refused(self):
+    def test_runs_without_tests_are_rejected(self):
         here = self.run_of("wine-8", {})
         with self.assertRaises(SystemExit):
             self.compared(here, here)

@@ -7,8 +7,8 @@ import header
 import tables
 from interface import MARK, Interface, camel, event_name, pascal
 
-# An address is memory whose owner is not the marshaller: a text that a callback gets or that comes
-# from the library, and the client id, which the library keeps.
+# The marshaller must not own a string that a callback receives, that the library returns or, like the
+# client id, that the library keeps. Their type is an address.
 WORDS = {"text": "byte[]", "returned": "IntPtr", "memory": "IntPtr", "bool": "byte", "i32": "int",
          "i64": "long", "double": "double", "void": "void"}
 CALLBACK_WORDS = {**WORDS, "text": "IntPtr"}
@@ -92,7 +92,7 @@ def kinds(interface: Interface) -> List[str]:
 
 
 def event(interface: Interface, name: str) -> List[str]:
-    """What a stream of events hands out, and what a handler of many values gets."""
+    """The class of an event, for streams and for handlers with many values."""
     rows = []
     parameters = interface.callbacks[name].parameters
     for one in parameters:
@@ -110,7 +110,7 @@ def event(interface: Interface, name: str) -> List[str]:
 
 
 def callback(name: str, signature: header.Signature) -> List[str]:
-    """The delegate of one callback, which makes the event of its arguments."""
+    """The delegate of one callback, which creates the event from its arguments."""
     names = ", ".join(one.name for one in signature.parameters)
     lines = textwrap.wrap(f"Native.{name} {camel(event_name(name))} = ({names}) =>", WIDTH,
                           initial_indent=" " * 12, subsequent_indent=" " * 16)

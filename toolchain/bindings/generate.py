@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""generate.py [TREE]: writes those files of the bindings that only repeat what bridge.h and the tables
-in Source/ say. `differences` is for the gate."""
+"""generate.py [TREE]: writes the files of the bindings and headers that follow from bridge.h and the
+tables in Source/ and programs/. tests/gates/generated.py calls differences()."""
 
 import pathlib
 import sys
 from typing import Dict, List
 
-sys.dont_write_bytecode = True  # the tree stays as it is
+sys.dont_write_bytecode = True  # leaves no files in the tree
 import cpp
 import csharp
 import interface
@@ -17,7 +17,7 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 
 
 def files(tree: pathlib.Path) -> Dict[str, str]:
-    """Path below the tree -> what is to be in it."""
+    """The contents of the generated files, by path in the tree."""
     read = interface.read(tree)
     return {"bindings/node/bridge.generated.js": node.script(read),
             "bindings/node/bridge.generated.d.ts": node.types(read),
@@ -33,7 +33,7 @@ def found(tree: pathlib.Path, name: str) -> str:
 
 
 def marked(tree: pathlib.Path) -> List[str]:
-    """The files of the bindings that say of themselves that they are generated."""
+    """The files that are marked as generated."""
     paths = (path for folder in ("bindings", "include") for path in (tree / folder).rglob("*")
              if path.is_file())
     return sorted(str(path.relative_to(tree)) for path in paths
@@ -41,7 +41,7 @@ def marked(tree: pathlib.Path) -> List[str]:
 
 
 def differences(tree: pathlib.Path) -> List[str]:
-    """What is not as this program writes it, one line each."""
+    """The differences from the output of this program, one line each."""
     wanted = files(tree)
     lines = [f"{name} is not what ./run generate writes" for name, text in wanted.items()
              if found(tree, name) != text]

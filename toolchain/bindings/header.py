@@ -1,4 +1,4 @@
-"""What bridge.h declares: functions, callbacks, result codes and the version, with their comments."""
+"""Parses bridge.h: functions, callbacks, result codes and the version, with their comments."""
 
 import re
 from typing import Dict, List, NamedTuple
@@ -14,10 +14,10 @@ class Parameter(NamedTuple):
 
 
 class Signature(NamedTuple):
-    """Types are
-        text      a text that the host passes, or that a callback gets
-        returned  a text that the host gives back to bridgeFreeMemory
-        memory, bool, i32, i64, double, void, and the name of a callback
+    """The types are
+        text      a string that the host passes or that a callback receives
+        returned  a string that the host frees with bridgeFreeMemory
+        memory, bool, i32, i64, double, void, and the names of the callbacks
     """
 
     result: str
@@ -32,7 +32,7 @@ def without_comments(text: str) -> str:
 
 
 def parameters_of(text: str, words: Dict[str, str]) -> List[Parameter]:
-    """The parameters of a list like "T a, U b". A type that words lacks is a KeyError."""
+    """The parameters of a list such as "T a, U b". Raises KeyError for a type that `words` lacks."""
     text = " ".join(text.split())
     if text in ("", "void"):
         return []
@@ -65,13 +65,13 @@ def functions(header: str) -> Signatures:
 
 
 def declarations(header: str) -> int:
-    """How many callbacks and functions there are, by the calling convention that each names."""
+    """The number of callbacks and functions. Each contains the calling convention once."""
     return sum(line.count("BRIDGE_CALL") for line in without_comments(header).splitlines()
                if not line.startswith("#"))
 
 
 def section(header: str, title: str) -> str:
-    """What stands between `@name title` and the end of that group."""
+    """The text from `@name title` to the end of the group."""
     return re.search(rf"@name {title}\n(.*?)/\*\*@\}}\*/", header, re.S)[1]
 
 
@@ -85,7 +85,7 @@ def version(header: str) -> str:
 
 
 def comment_block(header: str, name: str) -> str:
-    """The comment at a callback or function, as one line."""
+    """The comment of a callback or function as one line."""
     block = re.search(rf"/\*\*((?:(?!\*/).)*)\*/\s*(?:typedef|BRIDGE_API)[^;(]*(?:\(BRIDGE_CALL\* )?"
                       rf"\b{name}\b", header, re.S)[1]
     lines = [line.strip(" *") for line in block.splitlines()]
@@ -93,7 +93,7 @@ def comment_block(header: str, name: str) -> str:
 
 
 def comment_of(header: str, name: str) -> str:
-    """The comment's text before its tags."""
+    """The comment without its tags."""
     return comment_block(header, name).split("@")[0].strip()
 
 

@@ -7,7 +7,7 @@ import header
 import tables
 from interface import MARK, Interface, camel, event_name, first_sentence, pascal
 
-# koffi's declarations are C's, with names of its own for types.
+# koffi uses C declarations with its own type names.
 KOFFI = {"text": "const char *", "returned": "BridgeText ", "memory": "void *", "bool": "bool ",
          "i32": "int32_t ", "i64": "int64_t ", "double": "double ", "void": "void "}
 TYPESCRIPT = {"text": "string", "bool": "boolean", "i32": "number", "double": "number"}
@@ -24,7 +24,7 @@ def mark() -> List[str]:
 
 
 def declaration(name: str, signature: header.Signature) -> str:
-    """A callback's name stands for the function type that it was given to koffi as."""
+    """koffi has registered the type of a callback under the callback's name."""
     parameters = ", ".join(KOFFI.get(one.type, f"{one.type} *") + one.name
                            for one in signature.parameters)
     return f"{KOFFI[signature.result]}{name}({parameters})"
@@ -79,7 +79,7 @@ def script(interface: Interface) -> str:
 
 
 def value_comment(interface: Interface, name: str, one: header.Parameter) -> str:
-    """A boolean is 1 or 0 in C."""
+    """C comments describe booleans as 1 or 0."""
     comment = interface.values[name][one.name]
     return re.sub("^1 when", "true when", comment) if one.type == "bool" else comment
 
@@ -101,7 +101,7 @@ def member(key: tables.Key) -> str:
 
 
 def key_members(interface: Interface, scope: str) -> List[str]:
-    """The constants of a scope. Two of one name are an error."""
+    """The constants of a scope. Raises an error for a duplicate name."""
     keys_ = [one for one in interface.keys if one.scope == scope]
     if len({member(one) for one in keys_}) != len(keys_):
         raise ValueError(f"two {scope} properties have one name in the binding")

@@ -9,7 +9,7 @@ import header
 import tables
 from interface import MARK, Interface, event_name, first_sentence, is_record, snake
 
-# A returned text is an address, which bridgeFreeMemory wants back.
+# The type of a returned string is an address, because bridgeFreeMemory needs it.
 WORDS = {"text": "c_char_p", "returned": "c_void_p", "memory": "c_void_p", "bool": "c_bool",
          "i32": "c_int32", "i64": "c_int64", "double": "c_double", "void": "None"}
 VALUES = {"text": "str", "bool": "bool", "i32": "int", "double": "float"}
@@ -32,7 +32,7 @@ def quoted(text: str) -> str:
 
 
 def parameters(signature: header.Signature) -> str:
-    """A callback is named, since each gets its type from the binding."""
+    """The name of a callback, whose type the binding defines."""
     return "dict(" + ", ".join(f"{one.name}={WORDS.get(one.type, quoted(one.type))}"
                                for one in signature.parameters) + ")"
 
@@ -54,7 +54,7 @@ def functions(interface: Interface) -> List[str]:
 
 
 def summary(comment: str) -> str:
-    """The first clause: the rest is about the C functions."""
+    """The first clause. The rest of the comment describes the C functions."""
     return first_sentence(comment).split(";")[0].rstrip(".") + "."
 
 
@@ -69,7 +69,7 @@ def event(interface: Interface, name: str) -> List[str]:
 
 
 def events(interface: Interface) -> List[str]:
-    """A class for each event, the names that they have, and what stands for any of them."""
+    """The classes of the events, their names, and the union of them."""
     names = list(interface.callbacks)
     classes = [event_name(name) for name in names]
     lines = [line for name in names for line in event(interface, name)]
@@ -113,7 +113,7 @@ def properties(interface: Interface) -> List[str]:
 
 
 def words(texts: List[str]) -> str:
-    """A tuple of texts."""
+    """A tuple of strings."""
     return "(" + ", ".join(map(quoted, texts)) + ("," if len(texts) == 1 else "") + ")"
 
 
@@ -126,7 +126,7 @@ def key_name(key: tables.Key) -> str:
 
 
 def keys_of(interface: Interface, scope: str) -> List[str]:
-    """The lines of a constructor in which p is what the keys begin with."""
+    """The lines of a constructor whose variable p is the prefix of the keys."""
     rows = [one for one in interface.keys if one.scope == scope]
     if len({key_name(one) for one in rows}) != len(rows):
         raise ValueError(f"two {scope} properties have one name in Python")
@@ -140,7 +140,7 @@ def keys_of(interface: Interface, scope: str) -> List[str]:
 
 
 def key_values(key: tables.Key) -> str:
-    """Without the last ones where these are Key's own."""
+    """The arguments without those at the end that equal Key's defaults."""
     values = [f"p + {quoted(key.name)}", quoted(key.type), quoted(key.default)]
     if key.unit or key.allowed:
         values.append(quoted(key.unit))
@@ -168,7 +168,7 @@ def images(interface: Interface) -> List[str]:
 
 
 def public_names(interface: Interface) -> List[str]:
-    """What the binding passes on to hosts."""
+    """The names that the binding exports to hosts."""
     return [*interface.results, *map(event_name, interface.callbacks), "Callbacks", "Event",
             "EventName"]
 

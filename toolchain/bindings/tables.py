@@ -1,22 +1,22 @@
-"""The properties and the result codes, as the tables in Source/ have them."""
+"""Parses the tables of properties, images and result codes in Source/ and programs/."""
 
 import re
 from typing import Dict, List, NamedTuple
 
-# The names that `bridgectl catalogue` prints.
+# The type names that `bridgectl catalogue` prints.
 TYPES = {"I32": "i32", "I64": "i64", "MultiString": "multi-string", "Bool": "bool",
          "String": "string"}
 
 LITERAL = r'"((?:[^"\\]|\\.)*)"'
 
 
-# What a number counts, by the property's name; of the others it is not known.
+# The units of numbers by property name. The other units are unknown.
 UNITS = {"ram": "MiB", "cpus": "processors", "dpi": "dots per inch", "max_fps": "frames per second",
          "eco_mode_max_fps": "frames per second", "mim.max_fps": "frames per second",
          "fb_width": "pixels", "fb_height": "pixels", "gl_win_height": "pixels", "gl_win_x": "pixels",
          "gl_win_y": "pixels", "adb_port": "TCP port", "status.adb_port": "TCP port"}
 
-# What an element of a list can be.
+# The allowed elements of lists.
 ALLOWED = {"abi_list": ["x86", "x64", "arm", "arm64"]}
 
 
@@ -42,7 +42,7 @@ class Code(NamedTuple):
 
 
 def rows_of(table: str, scope: str) -> List[Key]:
-    """The rows in byte order. A second registration of a name replaces the first."""
+    """The rows, sorted by bytes. A second registration of a name replaces the first."""
     pattern = rf"\{{{LITERAL},\s*ConfType::(\w+),\s*{LITERAL},\s*(?:kDumped|kExcluded)\}}"
     rows = re.findall(pattern, table)
     if len(rows) != table.count("ConfType::") or any("\\" in "".join(row) for row in rows):
@@ -52,7 +52,7 @@ def rows_of(table: str, scope: str) -> List[Key]:
 
 
 def keys(catalogue: str) -> List[Key]:
-    """From the text of ConfCatalogueTable.cpp."""
+    """Parses ConfCatalogueTable.cpp."""
     found = []
     for scope, variable in (("global", "kGlobalRows"), ("instance", "kInstanceRows")):
         table = re.search(rf"\b{variable}\[\] = \{{(.*?)\n\}};", catalogue, re.S)
@@ -63,7 +63,7 @@ def keys(catalogue: str) -> List[Key]:
 
 
 def images(table: str) -> List[str]:
-    """From the text of UtlImages.cpp. An instance's name up to its first "_" is one of these."""
+    """Parses UtlImages.cpp. An instance's name up to the first "_" is the name of an image."""
     rows = re.search(r"\bkImages\[\] = \{(.*?)\n\};", table, re.S)
     if rows is None:
         raise ValueError("there is no table kImages")
@@ -78,7 +78,7 @@ def meanings(words: str) -> Dict[str, str]:
 
 
 def codes(table: str, words: str) -> List[Code]:
-    """From the texts of XerrTable.h and ResultCodes.cpp. A code without words is a KeyError."""
+    """Parses XerrTable.h and ResultCodes.cpp. Raises KeyError for a code without a description."""
     macro = re.search(r"#define XERR_CODES\(X\)(.*?[^\\])\n", table, re.S)[1]
     texts = meanings(words)
     found = [Code(int(number), f"XERR_{name}", texts[f"XERR_{name}"])

@@ -1,8 +1,8 @@
-// Makes of what mcs compiled the assembly of a package: for .NET Standard 2.0, with a portable PDB that has
-// the sources in it. The same sources give the same bytes.
+// Converts an assembly of mcs to .NET Standard 2.0, with a portable PDB that embeds the sources. The same
+// sources give the same bytes.
 //     finish.exe ASSEMBLY SOURCES RUNTIME INTO
-// ASSEMBLY has its .mdb beside it. SOURCES is the folder of its files, RUNTIME that of a .NET with its
-// netstandard.dll, INTO the assembly that is made.
+// ASSEMBLY is the input, with its .mdb in the same folder. SOURCES is the folder of its sources. RUNTIME is
+// the folder of a .NET's netstandard.dll. INTO is the output.
 
 using System;
 using System.Collections.Generic;
@@ -13,7 +13,7 @@ using Mono.Cecil;
 using Mono.Cecil.Cil;
 using Mono.CompilerServices.SymbolWriter;
 
-// A file under another name than its own, which goes into the assembly.
+// A file whose Name, which the assembly records, contains no folder of this machine.
 sealed class SymbolStream : FileStream
 {
     internal SymbolStream(string path) : base(path, FileMode.Create, FileAccess.ReadWrite) { }
@@ -26,12 +26,12 @@ sealed class SymbolStream : FileStream
 
 static class Finish
 {
-    // Where a debugger shows the sources, whatever folder they were compiled in.
+    // The folder of the sources in a debugger, whatever folder they were compiled in.
     const string SourcesAt = "/_/bindings/csharp/";
 
     static readonly Dictionary<string, Document> Documents = new Dictionary<string, Document>();
 
-    // mcs compiles against the .NET Framework's assemblies. What it takes from them is in netstandard, which
+    // mcs compiles against the .NET Framework's assemblies. Redirects its references to netstandard, which
     // every runtime has.
     static void Retarget(ModuleDefinition module)
     {
@@ -47,7 +47,7 @@ static class Finish
         core.PublicKeyToken = new byte[] { 0xcc, 0x7b, 0x13, 0xff, 0xcd, 0x2d, 0xdd, 0x51 };
     }
 
-    // A type that netstandard does not name, or a member that the runtime lacks.
+    // Rejects types that netstandard does not have and members that the runtime lacks.
     static void RequireReferences(ModuleDefinition module)
     {
         string[] missing = module.GetTypeReferences().Where(one => one.Resolve() == null)
@@ -76,7 +76,7 @@ static class Finish
         return document;
     }
 
-    // A line of the table of lines has no end: the line's end is taken.
+    // An entry has no end column, so the end of the source line serves.
     static SequencePoint PointOf(LineNumberEntry entry, Instruction instruction, string file, string[] lines)
     {
         var point = new SequencePoint(instruction, DocumentOf(file));
@@ -116,7 +116,7 @@ static class Finish
         CodeBlockEntry[] blocks = entry.GetCodeBlocks() ?? new CodeBlockEntry[0];
         foreach (LocalVariableEntry local in locals.Where(one => one.Index < method.Body.Variables.Count))
         {
-            // 0 is the whole method, 1 the first block.
+            // Index 0 is the whole method, and index 1 the first block.
             bool isInABlock = local.BlockIndex > 0 && local.BlockIndex <= blocks.Length;
             ScopeDebugInformation scope =
                 isInABlock ? ScopeOf(root, all, blocks[local.BlockIndex - 1]) : root;
@@ -124,7 +124,7 @@ static class Finish
         }
     }
 
-    // Scopes that begin together are ordered from the outer one to the inner one.
+    // Scopes with the same start are sorted from the outermost to the innermost.
     static ScopeDebugInformation ScopeOf(ScopeDebugInformation root, IEnumerable<Instruction> all,
                                          CodeBlockEntry block)
     {
@@ -171,7 +171,7 @@ static class Finish
             module.Write(into, new WriterParameters
             {
                 DeterministicMvid = true,
-                Timestamp = 0, // the PDB's, by which a runtime knows that they belong together
+                Timestamp = 0, // the PDB's, which a runtime compares
                 WriteSymbols = true,
                 SymbolStream = symbols,
                 SymbolWriterProvider = new PortablePdbWriterProvider(),

@@ -15,7 +15,7 @@ TYPES = {"rels": "application/vnd.openxmlformats-package.relationships+xml",
 
 
 def metadata(nuspec):
-    """The elements of a .nuspec that have a text."""
+    """The elements of a .nuspec with a text."""
     root = xml.etree.ElementTree.fromstring(nuspec)
     return {one.tag.split("}")[1]: one.text for one in root.iter() if one.text}
 
@@ -32,7 +32,7 @@ def relationships(nuspec, properties):
 
 
 def content_types(names):
-    """Of a part without an extension the whole name counts."""
+    """The extension of a part, or the whole name if it has none."""
     extensions = sorted({pathlib.PurePosixPath(name).suffix[1:] for name in names} - {""})
     others = [name for name in names if not pathlib.PurePosixPath(name).suffix]
     lines = [f'  <Default Extension="{one}" ContentType="{TYPES.get(one, "application/octet")}" />\n'
@@ -52,7 +52,7 @@ def core_properties(of):
 
 
 def parts(folder):
-    """Every part of the package by its name: the folder's files, and what a package has about them."""
+    """The parts of the package by name: the folder's files and the package's metadata."""
     found = {path.relative_to(folder).as_posix(): path.read_bytes()
              for path in folder.rglob("*") if path.is_file()}
     nuspec = next(name for name in found if "/" not in name and name.endswith(".nuspec"))
@@ -61,7 +61,7 @@ def parts(folder):
     properties = f"package/services/metadata/core-properties/{identity}.psmdcp"
     found[properties] = core_properties(of).encode()
     found["_rels/.rels"] = relationships(nuspec, properties).encode()
-    # pathlib sees no extension in ".rels", but the conventions of packages do.
+    # ".rels" is an extension in the packaging conventions, but not for pathlib.
     found["[Content_Types].xml"] = content_types(
         sorted(set(found) - {"_rels/.rels"}) + ["all.rels"]).encode()
     return found

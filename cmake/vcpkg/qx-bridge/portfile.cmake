@@ -1,7 +1,7 @@
-# A port of the unpacked package that this file is in: nothing is downloaded or built.
+# The port installs the unpacked package around this file. It downloads and builds nothing.
 get_filename_component(package "${CURRENT_PORT_DIR}/../../.." ABSOLUTE)
 
-# There is one build, which a debug build of a host uses too.
+# Debug builds of a host use the same build of the library.
 set(VCPKG_POLICY_MISMATCHED_NUMBER_OF_BINARIES enabled)
 
 file(INSTALL "${package}/include/bridge" DESTINATION "${CURRENT_PACKAGES_DIR}/include")
