@@ -1,5 +1,5 @@
-/* Part of every program and library of the coverage build. Writes the coverage profile at exits that
-   the runtime's own exit handler misses. */
+/* Part of every program and library of the coverage build. Writes the coverage profile at exits
+   that the runtime's own exit handler misses. */
 #include <stdlib.h>
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The library exports exactly the names that are under review; the header declares them all, and
-# both import libraries offer them all.
+# exports.sh READOBJ LIBRARY DEF HEADER NM IMPORT-LIBRARY...: the library exports exactly the names in the
+# reviewed .def file, and the header and the import libraries contain the same names.
 set -euo pipefail
 readobj=$1 dll=$2 def=$3 header=$4 nm=$5
 shift 5
@@ -14,6 +14,6 @@ diff <(echo "$reviewed") <(echo "$exported") || { echo "the library exports othe
 diff <(echo "$reviewed") <(echo "$declared") || { echo "the header declares other names"; exit 1; }
 for library in "$@"; do
     offered=$("$nm" "$library" 2>/dev/null | sed -n 's/.* __imp_\(bridge.*\)$/\1/p' | sort -u)
-    diff <(echo "$reviewed") <(echo "$offered") || { echo "$library offers other names"; exit 1; }
+    diff <(echo "$reviewed") <(echo "$offered") || { echo "$library contains other names"; exit 1; }
 done
-echo "$(wc -l <<<"$reviewed") names: reviewed, exported, declared, and offered by $# import libraries"
+echo "$(wc -l <<<"$reviewed") names: reviewed, exported, declared, and in $# import libraries"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Every C and C++ file is formatted as .clang-format says.
+# format.sh FORMATTER TREE: all C and C++ files are formatted according to .clang-format.
 set -euo pipefail
 formatter=$1 root=$2
-[ -x "$formatter" ] || { echo "skipped: needs clang-format 16; others break lines elsewhere"; exit 77; }
+[ -x "$formatter" ] || { echo "skipped: needs clang-format 16; other versions format differently"; exit 77; }
 
 mapfile -t files < <(find "$root"/{bench,examples,fuzz,include,kit,Source,programs,tests} \
     -name '*.cpp' -o -name '*.h' -o -name '*.hpp' -o -name '*.c')

@@ -1,25 +1,25 @@
 #!/usr/bin/env bash
-# header.sh INCLUDE KIND=COMPILER...: each public header compiles alone, as each language it is for,
-# without a warning. Kinds of compilers:
-#   gcc, gcc-c   GCC, and one that has C only
-#   clang        clang, with every warning that it has but those below
-#   each         one that compiles each header of bridge.hpp alone
-#   microsoft    clang in Microsoft's mode; the same, and bridge.h also as a compiler that is neither
-#                clang nor GCC reads it
+# header.sh INCLUDE KIND=COMPILER...: each public header compiles alone, in each of its languages, without
+# warnings. Kinds of compilers:
+#   gcc, gcc-c   GCC, and a GCC for C only
+#   clang        clang with all warnings except those below
+#   each         compiles each header of bridge.hpp alone
+#   microsoft    clang in Microsoft's mode with all warnings; compiles bridge.h a second time like a
+#                compiler that is neither clang nor GCC
 set -euo pipefail
 include=$1
 shift
 
 usual=(-pedantic -Wall -Wextra -Werror)
 
-# These are about the language that C++11 replaced, about padding, which most records have, about a
-# default in a switch that has every value, about pointers into buffers, which C has no other way for,
-# and about exceptions that no source file is the home of.
+# Excluded are warnings about code that is not C++98, about padding, about a missing default in a switch
+# that covers every value, about pointers into buffers, which C needs, and about virtual tables without a
+# source file.
 every=("${usual[@]}" -Weverything -Wno-c++98-compat -Wno-c++98-compat-pedantic -Wno-padded
     -Wno-switch-default -Wno-unsafe-buffer-usage -Wno-weak-vtables)
 
-# Such a compiler needs no mark at its long long, and has none. Not for headers that include others,
-# which go by the compiler.
+# An unknown compiler has no __extension__ and no warning about long long. Only for headers that include
+# no system headers, which depend on the compiler.
 unknown=("${every[@]}" -U__clang__ -U__GNUC__ -D__extension__=unmarked
     -Wno-long-long)
 
@@ -34,12 +34,12 @@ compile() {
     done
 }
 
-# What stands around the header. Alone, it leaves none of the macros of windows.h.
+# alone: sets the lines around the header, which check that it defines no macros of windows.h.
 alone() {
     before=() after=("#if defined(min) || defined(max) || defined(CreateFile)" "#error windows.h" "#endif")
 }
 
-# Whether windows.h, whole, comes first or last, it fits to what is declared here.
+# windows_calls.h is compatible with the complete windows.h, before and after it.
 beside_windows() {
     after=("#include <windows.h>")
     before=() && compile windows_calls.h "$@"
@@ -47,13 +47,13 @@ beside_windows() {
     alone
 }
 
-# Each header that bridge.hpp is made of needs nothing before it.
+# Each part of bridge.hpp compiles alone.
 each() {
     local path
     for path in "$include"/bridge/*.hpp; do compile "${path##*/}" c++ c++17 "$@"; done
 }
 
-# preflight.h has windows_calls.h in it.
+# preflight.h includes windows_calls.h.
 as_c() {
     compile bridge.h c "c89 c99 c11 c17" "$@"
     compile preflight.h c "c89 c17" "$@"
@@ -86,7 +86,7 @@ judge() {
         beside_windows c++ c++17 "$2" "${usual[@]}"
         ;;
     *)
-        echo "no such kind of compilers: $1"
+        echo "unknown kind of compiler: $1"
         exit 1
         ;;
     esac
@@ -95,5 +95,5 @@ judge() {
 compiled=0
 alone
 for pair; do judge "${pair%%=*}" "${pair#*=}"; done
-[ "$compiled" -gt 0 ] || { echo "no compiler is given"; exit 1; }
-echo "$compiled times without a warning"
+[ "$compiled" -gt 0 ] || { echo "no compiler given"; exit 1; }
+echo "$compiled compilations without warnings"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The library needs system DLLs, the Universal C Runtime, Qt5Core and Qt5Network, and nothing else.
-# None of the three DLLs makes fibre-local storage: Windows calls its callback when a thread ends,
-# and the host can have unloaded the DLL before.
+# imports.sh READOBJ LIBRARY QT-DLL...: the library imports only system DLLs, the Universal C Runtime,
+# Qt5Core and Qt5Network. None of the DLLs uses fibre-local storage, because Windows calls its callback at
+# the end of a thread, when the host may already have unloaded the DLL.
 set -euo pipefail
 readobj=$1 dll=$2
 shift

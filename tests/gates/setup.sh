@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
-# setup.sh TREE: what ./run says where a machine cannot be set up. Each case runs in namespaces of its
-# own, so that nothing of this machine changes; without the right to make them the test is skipped.
+# setup.sh TREE: the error messages of ./run when the set-up fails. Each case runs in its own namespaces,
+# so this machine does not change. Without the right to create namespaces the test is skipped.
 set -euo pipefail
 tree=$1
-unshare -mn true 2>/dev/null || { echo "skipped: needs the right to make namespaces"; exit 77; }
+unshare -mn true 2>/dev/null || { echo "skipped: needs the right to create namespaces"; exit 77; }
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/cache"
 failed=0
 
-# expect NAME LINE COMMAND: a shell command that fails, with LINE as the last line of its output. "*"
-# in LINE stands for any text.
+# expect NAME LINE COMMAND: the shell command must fail with LINE as the last line of its output. "*" in
+# LINE matches any text.
 expect() {
     local name=$1 line=$2 last
     if QX_BRIDGE_CACHE="$work/cache" unshare -mn bash -c "cd '$tree'; $3" >"$work/out" 2>&1 </dev/null; then
