@@ -40,6 +40,14 @@ done
 newest=$(sed -n 's/^## //p' CHANGELOG.md | head -n 1)
 [ "$newest" = "$(project_version)" ] || fail "the changelog begins with \"$newest\", not $(project_version)"
 
+for document in share/doc/{getting-started,how-to/test-without-the-product}.md; do
+    grep -qF "/v Version /d $(project_version)" "$document" || fail "$document sets another version"
+done
+# The documents lead to what is in the package.
+while IFS=: read -r document link; do
+    [ -e "${document%/*}/$link" ] || fail "$document: no $link"
+done < <(grep -roE --include='*.md' '\]\([^)#: ]+' . | sed 's/\](//')
+
 # The source of the Qt in it goes with it, whole.
 source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
 python3 -m zipfile -e "$source_zip" "$work/source"

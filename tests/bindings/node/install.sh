@@ -68,7 +68,7 @@ print(*(one["name"] + " " + one["displayName"] for one in state["instances"]))' 
 [ "$shown" = 'Nougat64 Größe' ] || fail "launcher: $shown"
 
 # The line of getting-started.md, in the unpacked folder and in a project elsewhere.
-line=$(line_of docs/getting-started.md 'npm install')
+line=$(line_of docs/getting-started.md 'npm install --install-links')
 install "$folder/package" "$line"
 cp "$tree/tests/package/consumer/host.js" "$folder/package"
 run_host "$folder/package" host.js 'Nougat64 Größe'

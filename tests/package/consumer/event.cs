@@ -3,7 +3,7 @@ using QXBridge;
 
 static class Host {
     static void Main(string[] arguments) {
-        Session.Load(arguments[0]);
+        if (arguments.Length > 0) Session.Load(arguments[0]);
         using (var session = new Session(Client.Helper)) {
             EventStream events = session.Events(EventKind.AppDisplayed);
             session.Listen();

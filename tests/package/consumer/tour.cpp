@@ -3,6 +3,7 @@
 #include <cstdio>
 
 void tour() {
+    bridge::useFolders("C:\\Data", "C:\\QX-Bridge\\tools");  // for development, before init()
     for (const auto& problem : bridge::preflight(bridge::Client::Helper)) {  // before init()
         std::puts((problem.what + ": " + problem.remedy).c_str());
     }
