@@ -1,6 +1,5 @@
 'use strict';
-// Checks of the values that a host hands over: koffi would cut a text at a NUL, let null through and
-// wrap numbers silently.
+// Checks arguments. koffi would silently cut a text at a NUL, accept null and wrap numbers.
 
 function text(value, name) {
     if (typeof value !== 'string') throw new TypeError(`${name} must be a string`);
@@ -40,7 +39,7 @@ function multiString(value, name) {
         .join(',');
 }
 
-// null or undefined: no function
+// Null and undefined mean no function.
 function optionalFunction(value, name) {
     if (value !== undefined && value !== null && typeof value !== 'function') {
         throw new TypeError(`${name} must be a function`);
@@ -48,7 +47,7 @@ function optionalFunction(value, name) {
     return value || null;
 }
 
-// null or undefined: no limit
+// Null and undefined mean no limit.
 function milliseconds(value, name) {
     if (value === undefined || value === null) return Infinity;
     if (typeof value !== 'number' || !(value >= 0)) throw new RangeError(`${name} must be a number of milliseconds`);

@@ -1,6 +1,5 @@
 'use strict';
-// The library as a host sees it: its life, its events, and what it starts. index.d.ts says what each
-// member does.
+// The object that a host gets: start and end, events, programs. index.d.ts documents each member.
 
 const { EventEmitter } = require('events');
 const { EVENTS } = require('./bridge.generated');
@@ -16,7 +15,7 @@ const product = require('./product');
 const { limited } = require('./waiting');
 const { Works, imageInstalled } = require('./work');
 
-// Before these the library has loaded its file again.
+// The library reloads its file before it reports these.
 const AFTER_A_LOAD = ['instanceListUpdated', 'instanceConfigurationChanged'];
 
 class Bridge extends EventEmitter {
@@ -80,7 +79,7 @@ class Bridge extends EventEmitter {
         if (this.#finishing === null) {
             this.#pending = [];
             clearInterval(this.#alive);
-            // A host that ends before it listens need not know that it never did.
+            // A host that ends before listen() settles does not need its rejection.
             if (this.#listening !== null) this.#listening.catch(() => {});
             this.#finishing = this.#call.finish().finally(() => this.#emitClose());
         }
@@ -173,14 +172,14 @@ class Bridge extends EventEmitter {
     }
 
     #requireListening() {
-        if (this.#listening === null) throw new BridgeUsageError('listen() comes first');
+        if (this.#listening === null) throw new BridgeUsageError('call listen() first');
     }
 
     async #untilListening(timeout) {
         try {
             await untilServed(this.#client, timeout, () => this.#finishing !== null);
         } catch (error) {
-            // Nothing will come that Node could wait for.
+            // No event will arrive: do not keep Node running.
             this.#listening = null;
             clearInterval(this.#alive);
             this.#alive = null;
@@ -189,8 +188,8 @@ class Bridge extends EventEmitter {
         if (this.#finishing === null) this.#emitSoon('listening');
     }
 
-    // The event thread waits for this, so that no other load comes in between. The listeners run
-    // afterwards: one that takes long or throws is the host's affair alone.
+    // The event thread waits for this function, so no other load can happen meanwhile. The listeners run
+    // later: a slow or throwing one does not affect the library.
     #receive(event, values) {
         if (this.#finishing !== null) return;
         if (AFTER_A_LOAD.includes(event)) this.#known.load();
@@ -218,7 +217,7 @@ class Bridge extends EventEmitter {
         return this.#emitSoon('close');
     }
 
-    // Like the events: a listener that throws does not fail the promise.
+    // As for events, a listener that throws does not reject the promise.
     #emitSoon(event) {
         return new Promise((resolve) => {
             setImmediate(() => {

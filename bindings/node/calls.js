@@ -1,5 +1,5 @@
 'use strict';
-// Calls of the library that are allowed now, with what they return turned into values and errors.
+// Calls the library when its state allows it, and turns results into values and errors.
 
 const { RESULT } = require('./bridge.generated');
 const { BridgeError, BridgeUsageError } = require('./errors');
@@ -7,7 +7,7 @@ const { BridgeError, BridgeUsageError } = require('./errors');
 class Calls {
     #functions;
     #state = 'new';
-    #log = ''; // where the library logs to
+    #log = ''; // path of the library's log
     #running = new Set();
 
     constructor(functions) {
@@ -19,12 +19,12 @@ class Calls {
     }
 
     requireUnfinished() {
-        if (this.#state === 'finished') throw new BridgeUsageError('the library was finished; it starts once per process');
+        if (this.#state === 'finished') throw new BridgeUsageError('the library has ended; it starts once per process');
     }
 
     requireReady(operation) {
         if (this.#state === 'ready') return;
-        throw new BridgeUsageError(`${operation}: ${this.#state === 'new' ? 'init() comes first' : 'after fini()'}`);
+        throw new BridgeUsageError(`${operation}: ${this.#state === 'new' ? 'call init() first' : 'called after fini()'}`);
     }
 
     init(operation, values, log) {
@@ -42,12 +42,12 @@ class Calls {
         return this.#requireText(operation, this.value(operation, ...values));
     }
 
-    // `file` is what the call works on, for the error.
+    // `file` is the file that the call works on, for the error.
     status(operation, values, file) {
         this.#requireSuccess(operation, this.value(operation, ...values), file);
     }
 
-    // The same three on a thread of libuv's.
+    // The same three on a libuv thread.
     async valueLater(operation, ...values) {
         this.requireReady(operation);
         return this.#start(operation, values);
@@ -61,8 +61,8 @@ class Calls {
         this.#requireSuccess(operation, await this.valueLater(operation, ...values), file);
     }
 
-    // Waits for the calls that run: none may run while the library finishes. Not on this thread
-    // either: the event thread may be waiting for it, and the library waits for the event thread.
+    // Waits for running calls first, because none may run during bridgeApiFini. That one runs on another
+    // thread: it waits for the event thread, which may be waiting for this one.
     async finish() {
         const wasReady = this.#state === 'ready';
         this.#state = 'finished';

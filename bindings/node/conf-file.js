@@ -1,5 +1,5 @@
 'use strict';
-// Reads a configuration file as the library does: what it knows of instances and values after a load.
+// Reads a configuration file as the library does.
 
 const fs = require('fs');
 const { splitKey, findProperty } = require('./keys');
@@ -8,8 +8,8 @@ const LINE_SIZE = 4096;
 
 const decoded = (bytes) => Buffer.from(bytes, 'latin1').toString('utf8');
 
-// The key and the value of a line, whose characters are bytes; null for a line at which a load stops. A
-// value is what is between the first and the last byte after the "=".
+// Key and value of a line, whose characters are bytes; null for a line at which a load stops. The value is
+// between the first and the last byte after the "=".
 function entryOf(line) {
     const equals = line.indexOf('=');
     if (equals < 0 || equals + 1 === line.length || line.length > LINE_SIZE) return null;
@@ -24,7 +24,7 @@ function linesOf(content) {
     return lines;
 }
 
-// A file that does not exist or cannot be read is like an empty one.
+// A file that does not exist or cannot be read counts as empty.
 function contentOf(file) {
     try {
         return fs.readFileSync(file, 'latin1');
@@ -33,7 +33,7 @@ function contentOf(file) {
     }
 }
 
-// The names of the file's instances, and the values by key up to the line at which a load stops.
+// The names of all instances in the file, and the values by key up to the line at which a load stops.
 function readConfFile(file) {
     const instances = new Set();
     const values = new Map();

@@ -1,6 +1,5 @@
 'use strict';
-// Typed access to the configuration. What would end the process is looked at before the library is
-// asked.
+// Typed access to the configuration. Checks run before each call that could end the process.
 
 const { KeyError } = require('./errors');
 const { Key, INSTANCE_PREFIX, findProperty, requireProperty } = require('./keys');
@@ -8,7 +7,7 @@ const { text, boolean, i32, i64, multiString } = require('./arguments');
 const product = require('./product');
 const { limited } = require('./waiting');
 
-// Numbers of an instance that are not 0 in its defaults. An instance that is not loaded has none.
+// Numbers of an instance whose defaults are not 0. For an instance that is not loaded all of them are 0.
 const NUMBERS_OF_A_LOADED_INSTANCE = ['dpi', 'max_fps', 'eco_mode_max_fps', 'gl_win_height'];
 
 const METHODS = { bool: 'Bool', i32: 'I32', i64: 'I64', string: 'String', 'multi-string': 'MultiString' };
@@ -16,7 +15,7 @@ const METHODS = { bool: 'Bool', i32: 'I32', i64: 'I64', string: 'String', 'multi
 class Configuration {
     #call;
     #known;
-    #loaded = new Set(); // instances of which this is certain
+    #loaded = new Set(); // instances known to be loaded
 
     constructor(call, known) {
         this.#call = call;
@@ -127,7 +126,7 @@ class Configuration {
         this.#loaded.add(instance);
     }
 
-    // Asks only what never ends the process: texts, and numbers whose stored value can be read.
+    // Reads only what never ends the process: texts, and numbers whose stored value can be read.
     #isLoaded(instance) {
         const prefix = `${INSTANCE_PREFIX}${instance}.`;
         if (this.#call.text('bridgeConfGetString', `${prefix}display_name`) !== '') return true;

@@ -1,52 +1,52 @@
-/** What the binding throws, besides TypeError and RangeError for values of the wrong JavaScript type. */
+/** The exceptions of the binding, besides TypeError and RangeError for values of the wrong JavaScript type. */
 import { Problem } from './index';
 
-/** A function of the library returned a code other than 0, or nothing in place of a text. */
+/** A function of the library returned a code other than 0, or null instead of a text. */
 export class BridgeError extends Error {
     private constructor();
     readonly name: 'BridgeError';
-    /** The function, as bridge.h calls it. */
+    /** The name of the function in bridge.h. */
     readonly operation: string;
     readonly code: number;
-    /** The code's name, such as "XERR_NOENT"; empty for an error of Windows (codes from 100000). */
+    /** The code's name, such as "XERR_NOENT"; empty for a Windows error (codes from 100000). */
     readonly codeName: string;
-    /** The code in words, such as "no such file or folder". */
+    /** The text of the code, such as "no such file or folder". */
     readonly text: string;
-    /** The file that the function works on; empty where there is none. */
+    /** The file that the function works on; empty when there is none. */
     readonly file: string;
-    /** The log, which has the cause. */
+    /** The path of the log, which has the cause. */
     readonly log: string;
 }
 
-/** The binding was asked for something that cannot be, at this time or at all. */
+/** A call that is not allowed, or not allowed at this time. */
 export class BridgeUsageError extends Error {}
 
-/** A key, an instance or a stored value for which the library would end the process. */
+/** A key, instance or stored value with which the library would end the process. */
 export class KeyError extends BridgeUsageError {
     private constructor();
     readonly name: 'KeyError';
-    /** The key, or the instance, that the error is about. */
+    /** The key or instance that caused the error. */
     readonly key: string;
-    /** What may have been meant; empty where nothing is near. */
+    /** The nearest known name; empty when none is near. */
     readonly suggestion: string;
 }
 
-/** The library would not start. */
+/** A check before the start failed. */
 export class PreflightError extends Error {
     private constructor();
     readonly name: 'PreflightError';
     readonly problems: readonly Problem[];
 }
 
-/** The events do not come to this process. */
+/** This process does not receive the events. */
 export class ListenError extends Error {
     private constructor();
     readonly name: 'ListenError';
-    /** The process to which they come; 0: to none. */
+    /** The process that receives them; 0 when there is none. */
     readonly processId: number;
 }
 
-/** More events were waiting in a stream than its limit. */
+/** More events than the limit were waiting in a stream. */
 export class EventOverflow extends Error {
     private constructor();
     readonly name: 'EventOverflow';
@@ -62,7 +62,7 @@ export class AbortError extends Error {
     readonly cause: unknown;
 }
 
-/** A wait took longer than its time-out. */
+/** A wait took longer than its timeout. */
 export class TimeoutError extends Error {
     private constructor();
     readonly name: 'TimeoutError';

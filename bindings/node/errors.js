@@ -1,11 +1,11 @@
 'use strict';
-// What the binding throws. index.d.ts describes each class.
+// The exceptions of the binding. errors.d.ts documents each class.
 
 const { CODES } = require('./bridge.generated');
 
-const WINDOWS_ERROR = 100000; // codes from here on are this and an error of Windows
+const WINDOWS_ERROR = 100000; // added to a Windows error to make a result code
 
-// Name and words of a result code; a code that the tables lack has neither.
+// Name and text of a result code. A code without a table entry has no name.
 function describeCode(code) {
     if (code >= WINDOWS_ERROR) return { name: '', text: `Windows error ${code - WINDOWS_ERROR}` };
     return CODES.find((one) => one.number === code) || { name: '', text: `result code ${code}` };
@@ -61,7 +61,7 @@ class EventOverflow extends Error {
     }
 }
 
-// Named and coded as Node's own.
+// With the name and code of Node's own AbortError.
 class AbortError extends Error {
     constructor(reason) {
         super('The operation was aborted');

@@ -1,5 +1,5 @@
 'use strict';
-// Events as an async iterator. Nothing is dropped silently: a full buffer ends the stream with an error.
+// Events as an async iterator. A full buffer ends the stream with an error, so no event is lost silently.
 
 const { EVENTS } = require('./bridge.generated');
 const { abortSignal } = require('./arguments');
@@ -28,9 +28,9 @@ class EventStream {
     #buffer = [];
     #readers = []; // waiting for an event; only while the buffer is empty
     #ended = false;
-    #error = null; // thrown once, after what is buffered
+    #error = null; // thrown once, after the buffered events
 
-    // forget(stream) is called when no event is wanted any more.
+    // forget(stream) is called when the stream ends.
     constructor(names, { limit = 10000, signal = null } = {}, forget) {
         this.#names = eventNames(names);
         this.#limit = bufferSize(limit);
@@ -76,7 +76,7 @@ class EventStream {
         this.#error = error;
         if (this.#signal !== null) this.#signal.removeEventListener('abort', this.#abort);
         this.#forget(this);
-        // What the first reader learns, and that there is no more for the others.
+        // The first waiting reader gets the error, the others the end.
         const readers = this.#readers.splice(0);
         if (error !== null && readers.length > 0) {
             this.#error = null;

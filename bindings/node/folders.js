@@ -1,5 +1,5 @@
 'use strict';
-// A HKEY_LOCAL_MACHINE of this process's own, which has the product's key and nothing else.
+// Gives this process its own HKEY_LOCAL_MACHINE, which has the product's key and nothing else.
 
 const koffi = require('koffi');
 const { VERSION } = require('./bridge.generated');
@@ -39,12 +39,12 @@ function withKey(root, name, use) {
     }
 }
 
-// The library puts the names of programs right after it.
+// The library appends the names of programs without a separator.
 const withSeparator = (folder) => (folder.endsWith('\\') ? folder : `${folder}\\`);
 
 let own = false;
 
-// Windows keeps a handle of its own to the key.
+// Windows keeps its own handle to the key.
 function takeOwnMachine() {
     if (own) return;
     deleteTree(HKEY_CURRENT_USER, OWN); // of an ended process with this id

@@ -1,6 +1,6 @@
 /**
- * QX-Bridge.dll for Node.js and Electron. The conventions of bridge.h hold; what differs is said
- * here. What would end the process where it can be seen beforehand is an exception: see KeyError and
+ * QX-Bridge.dll for Node.js and Electron. The conventions of bridge.h apply, with the differences
+ * documented here. Checks before each call turn most fatal errors into exceptions: see KeyError and
  * PreflightError.
  */
 import { EventEmitter } from 'events';
@@ -12,12 +12,12 @@ export * from './bridge.generated';
 export * from './keys';
 export * from './errors';
 
-/** Who the host is. Two hosts of one kind share a server name: only the first gets events. */
+/** The kind of host. Two hosts of one kind share a server name: only the first receives events. */
 export type ClientId = 'Launcher' | 'Installer' | 'LogCollector' | 'Helper' | 'Uninstaller';
 
 export const CLIENTS: readonly ClientId[];
 
-/** An instance, as the configuration has it. */
+/** An instance in the configuration. */
 export interface Instance {
     instance: string;
     displayName: string;
@@ -30,7 +30,7 @@ export interface Instance {
     cpu: number;
 }
 
-/** An app, as the app cache of its instance has it. */
+/** An app in the app cache of its instance. */
 export interface App {
     package: string;
     activity: string;
@@ -40,25 +40,25 @@ export interface App {
     iconFilePath: string;
 }
 
-/** Node's and the browsers' AbortSignal, as far as it is used here. */
+/** The part of AbortSignal that is used here. */
 export interface Signal {
     readonly aborted: boolean;
     addEventListener(type: 'abort', listener: () => void): void;
     removeEventListener(type: 'abort', listener: () => void): void;
 }
 
-/** When a promise stops waiting, with AbortError or TimeoutError. What it waits for goes on. */
+/** When a promise stops waiting, with AbortError or TimeoutError. The operation itself goes on. */
 export interface Limits {
     signal?: Signal | null;
-    /** Milliseconds; without it there is no limit. */
+    /** Milliseconds; no limit by default. */
     timeout?: number | null;
 }
 
 /**
  * Typed access to the configuration, by a constant of `keys` or by full key: "vtr.<name>" or
- * "vtr.instance.<instance>.<name>". Set functions stage a change; the file has it after commit().
+ * "vtr.instance.<instance>.<name>". Set functions stage a change; commit() writes it to the file.
  *
- * Before the library is asked, these throw KeyError: for a key that does not exist or has another type,
+ * They throw KeyError before the library is called: for a key that does not exist or has another type,
  * an instance that does not exist or is not loaded yet, and a value that is missing or cannot be read.
  */
 export interface Configuration {
@@ -82,36 +82,36 @@ export interface Configuration {
     setMultiString<K extends string>(key: K & KeyText<K, string[]>, value: readonly string[] | string): void;
 
     /**
-     * Lets the keys of a new instance be set; the first set gives it its defaults. The name up to its
-     * first "_" is one of IMAGES. Throws KeyError for another name.
+     * Makes the keys of a new instance settable; the first set gives it its defaults. The name up to its
+     * first "_" must be one of IMAGES, else KeyError is thrown.
      */
     addInstance(name: string): void;
 
     commit(): void;
     /**
-     * Writes the whole configuration with the staged changes into another file. Afterwards nothing is
-     * staged: a later commit() does not bring these changes to the product's file.
+     * Writes the whole configuration with the staged changes to another file. Afterwards nothing is
+     * staged: a later commit() does not write these changes to the product's file.
      */
     commitToFile(path: string): void;
-    /** These wait for other programs without keeping the event loop waiting. */
+    /** The same without blocking the event loop. */
     commitAsync(options?: Limits): Promise<void>;
     commitToFileAsync(path: string, options?: Limits): Promise<void>;
 }
 
 export interface InitOptions {
-    /** Starts with the catalogue's defaults and without a configuration file. */
+    /** Starts with the defaults of the catalogue and without a configuration file. */
     noConfFile?: boolean;
     /** File to log into instead of the product's log. */
     logFile?: string | null;
 }
 
-/** Something that init() would fail at, and what helps. */
+/** A reason for which init() would fail, and its remedy. */
 export interface Problem {
     what: string;
     remedy: string;
 }
 
-/** What a new instance is to be. */
+/** The settings of a new instance. */
 export interface FreshInstance {
     imageName: string;
     cpu: number;
@@ -125,19 +125,19 @@ export interface FreshInstance {
 /** Work that a program was started for. */
 export interface Work<Outcome> {
     /**
-     * The values of the event that tells the work's end; look at its status. It may be asked again, also
-     * after a limit, and when the event has come already. Rejects with BridgeUsageError when nothing
-     * listens, or when the library ends first.
+     * Resolves with the values of the event that reports the outcome; check its status. May be called
+     * again, also after a timeout or after the event. Rejects with BridgeUsageError without listen(), or
+     * when the library ends first.
      */
     finished(options?: Limits): Promise<Outcome>;
 }
 
 export interface ImageOptions {
-    /** Called for each event of this image but the last. */
+    /** Called for each event of this image except the last. */
     progress?: ((values: InstallImageProgress) => void) | null;
 }
 
-/** An event of a stream: its name, and its values. */
+/** An event of a stream: its name and its values. */
 export type StreamEvent<E extends keyof BridgeEvents> = { [N in E]: { event: N } & BridgeEvents[N] }[E];
 
 export interface EventStream<E extends keyof BridgeEvents> extends AsyncIterableIterator<StreamEvent<E>> {
@@ -145,70 +145,70 @@ export interface EventStream<E extends keyof BridgeEvents> extends AsyncIterable
 }
 
 export interface StreamOptions {
-    /** How many events may wait to be read: 10000, unless you say otherwise. */
+    /** The largest number of buffered events; 10000 by default. */
     limit?: number;
     signal?: Signal | null;
 }
 
-/** The library; there is one in a process. Not for worker threads. */
+/** The library, one per process. Not for worker threads. */
 export interface Bridge extends EventEmitter {
     readonly conf: Configuration;
 
     /**
-     * Starts the library. Throws PreflightError for what can be seen beforehand, and BridgeError: 22 for
-     * an unknown client; -1 for a configuration file that is malformed.
+     * Starts the library. Throws PreflightError when a check before the start fails, and BridgeError with
+     * code 22 for an unknown client or -1 for a malformed configuration file.
      */
     init(clientId: ClientId, options?: InitOptions): void;
 
     /**
-     * Starts the event server. From here on events are emitted, and Node does not end by itself. The
-     * promise, and 'listening', tell that the events come to this process; it rejects with ListenError
-     * when another one has them, or when nothing does within the time-out (milliseconds; 10000). A host
-     * that ignores the promise meets the rejection as Node's unhandledRejection.
+     * Starts the event server. From here on events are emitted, and Node keeps running. The promise
+     * resolves, and 'listening' is emitted, when this process receives the events. It rejects with
+     * ListenError when another process receives them, or when none does within the timeout (milliseconds;
+     * 10000 by default). If the host ignores the promise, a rejection is an unhandledRejection.
      */
     listen(options?: { timeout?: number }): Promise<void>;
 
     /**
-     * The events of these names from now on, in their order, until the library ends. When more than
-     * `limit` wait to be read, the stream delivers these, throws EventOverflow and ends.
+     * The events of these names from now on, in order, until the library ends. When more than `limit`
+     * events wait, the stream delivers the buffered ones, throws EventOverflow and ends.
      */
     events<E extends keyof BridgeEvents>(names: E | readonly E[], options?: StreamOptions): EventStream<E>;
 
     /**
-     * Stops the library, once and for all. From this call on no event of the library is emitted and
-     * every other function throws; the promise tells when the event server has stopped. 'close' is
-     * emitted then: events.on(bridge, event, { close: ['close'] }) ends with it.
+     * Stops the library for the rest of the process. From this call on no event of the library is emitted
+     * and every other function throws. The promise resolves when the event server has stopped. 'close' is
+     * then emitted, with which events.on(bridge, event, { close: ['close'] }) ends.
      */
     fini(): Promise<void>;
 
-    /** Whether listening keeps Node from ending: as for a server of net. */
+    /** Whether listening keeps Node running, as for a net.Server. */
     ref(): this;
     unref(): this;
 
     /**
-     * Throws KeyError where the file has an instance of an image that is not one of IMAGES, or one whose
-     * "ram" or "cpus" cannot be read.
+     * Throws KeyError when the file has an instance whose image is not one of IMAGES, or whose "ram" or
+     * "cpus" cannot be read.
      */
     instances(): Instance[];
-    /** The same as the library's text. */
+    /** The same as the library's JSON text. */
     instancesJson(): string;
     instancesAsync(options?: Limits): Promise<Instance[]>;
     apps(instance: string): App[];
     appsJson(instance: string): string;
     appsAsync(instance: string, options?: Limits): Promise<App[]>;
 
-    /** These start a program and return; what becomes of the work arrives as events. */
+    /** These start a program and return at once; an event reports the outcome. */
     launchApp(instance: string, packageName: string): Work<AppDisplayed>;
     launchAppStore(instance: string, store: string, packageName: string): void;
     launchUrl(instance: string, url: string): void;
     installApk(instance: string, apkFilePath: string): Work<ApkInstallCompleted>;
     uninstallApp(instance: string, packageName: string): Work<AppUninstalled>;
-    /** Its end is the event with status 2. */
+    /** Ends with the event with status 2. */
     installImage(imageName: string, options?: ImageOptions): Work<InstallImageProgress>;
-    /** Its end is the next instance that was created: they come in the order of the calls. */
+    /** Ends with the next createInstanceCompleted event. Events complete the calls in order. */
     createFreshInstance(wanted: FreshInstance): Work<CreateInstanceCompleted>;
 
-    /** Asks one player, or the manager and every player, to shut down; on a thread of its own. */
+    /** Asks one player, or the manager and every player, to shut down, on a separate thread. */
     shutdownPlayer(instance: string, flag?: boolean): Promise<void>;
     shutdown(): Promise<void>;
 
@@ -224,27 +224,26 @@ export interface Bridge extends EventEmitter {
     removeListener(event: 'listening' | 'close', listener: () => void): this;
 }
 
-/** What init() would fail at, without starting anything; empty: nothing that can be seen beforehand. */
+/** Reports the problems with which init() would fail, without starting anything. Empty when there are none. */
 export function preflight(clientId: ClientId, options?: InitOptions): Problem[];
 
 export interface Folders {
-    /** Has vantrel.conf and Logs. */
+    /** Contains vantrel.conf and Logs. */
     dataFolder: string;
-    /** Has the product's programs. */
+    /** Contains the product's programs or the stand-ins. */
     installFolder: string;
 }
 
 /**
- * For development, without administrator rights and before init(): gives this process a
- * HKEY_LOCAL_MACHINE of its own with these folders and the library's version. It hides everything else of
- * HKEY_LOCAL_MACHINE from this process; the processes that it starts see the machine's. A later call
- * replaces the folders.
+ * For development: gives this process its own HKEY_LOCAL_MACHINE with these folders and the library's version.
+ * It needs no administrator rights. Call it before init(). The rest of HKEY_LOCAL_MACHINE is hidden from this
+ * process; processes that it starts see the machine's. A later call replaces the folders.
  */
 export function useFolders(folders: Folders): void;
 
 /**
- * Loads QX-Bridge.dll, with the Qt DLLs from beside it; a second call gives the same object. Without a
- * file it is the one in this package's folder bin, or else the one in the current folder. A file in
- * Electron's app.asar is loaded from app.asar.unpacked.
+ * Loads QX-Bridge.dll, with the Qt DLLs beside it. A second call returns the same object. Without an argument
+ * it loads the DLL in this package's folder bin, else the one in the current folder. A file in Electron's
+ * app.asar is loaded from app.asar.unpacked.
  */
 export function load(file?: string): Bridge;

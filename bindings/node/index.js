@@ -1,5 +1,5 @@
 'use strict';
-// QX-Bridge.dll for Node.js and Electron. index.d.ts says what each member does.
+// QX-Bridge.dll for Node.js and Electron. index.d.ts documents each member.
 
 const { RESULT, EVENTS, IMAGES } = require('./bridge.generated');
 const { Bridge } = require('./bridge');
@@ -20,12 +20,12 @@ function load(file = libraryFile()) {
         const calls = new Calls(native.load(file));
         loaded = { file, calls, bridge: new Bridge(calls) };
     }
-    if (loaded.file !== file) throw new Error(`${loaded.file} is loaded already`);
+    if (loaded.file !== file) throw new Error(`${loaded.file} is already loaded`);
     return loaded.bridge;
 }
 
 function useFolders(options) {
-    if (loaded !== null && loaded.calls.started) throw new errors.BridgeUsageError('useFolders() comes before init()');
+    if (loaded !== null && loaded.calls.started) throw new errors.BridgeUsageError('useFolders() must be called before init()');
     folders.useFolders(options);
 }
 

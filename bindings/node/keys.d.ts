@@ -1,21 +1,21 @@
-/** The configuration's keys: constants of them, and types of their texts. */
+/** The keys of the configuration: constants, and types of their texts. */
 import { GlobalKeys, GlobalProperties, InstanceKeys, InstanceProperties } from './bridge.generated';
 
-/** What a key can hold. */
+/** The types of values. */
 export type Value = boolean | number | bigint | string | string[];
 
-/** A key of the catalogue. There are those of `keys`. */
+/** A key of the catalogue, from `keys`. */
 export class Key<T extends Value> {
     private constructor();
     private readonly value: T;
-    /** The full key, as the file has it. */
+    /** The full key, as in the file. */
     readonly text: string;
     readonly type: 'bool' | 'i32' | 'i64' | 'string' | 'multi-string';
-    /** As the file would have it; empty: there is none. */
+    /** The default in its stored form; empty when there is none. */
     readonly default: string;
-    /** What a number counts; empty where that is not known. */
+    /** The unit of a number; empty when it is not known. */
     readonly unit: string;
-    /** What an element of a list can be; empty: anything. */
+    /** The allowed elements of a list; empty when any is allowed. */
     readonly allowed: readonly string[];
     toString(): string;
 }
@@ -26,12 +26,12 @@ export const keys: {
     instance(name: string): InstanceKeys;
 };
 
-/** The type of the value of a key, by its text; never where there is no such key. */
+/** The value type of a key, by its text; never for an unknown key. */
 export type ValueOf<K extends string> =
     K extends `vtr.instance.${string}.${infer P}` ? (P extends keyof InstanceProperties ? InstanceProperties[P] : never)
     : K extends `vtr.${infer P}` ? (P extends keyof GlobalProperties ? GlobalProperties[P] : never)
     : never;
 
-/** A key whose values have this type, as text. A plain string, known only at run time, is accepted too. */
+/** The text of a key with this value type. A string that is only known at run time is accepted too. */
 export type KeyText<K extends string, T extends Value> =
     string extends K ? K : [ValueOf<K>] extends [never] ? never : ValueOf<K> extends T ? K : never;

@@ -1,5 +1,5 @@
 'use strict';
-// The configuration's keys: constants of them, and what they are by their text.
+// The keys of the configuration: constants, and lookup by text.
 
 const { KEYS } = require('./bridge.generated');
 const { KeyError } = require('./errors');
@@ -9,7 +9,7 @@ const { didYouMean } = require('./suggestions');
 const PREFIX = 'vtr.';
 const INSTANCE_PREFIX = 'vtr.instance.';
 
-// A key of the catalogue, with all that is known of its values.
+// A key of the catalogue, with the properties of its values.
 class Key {
     constructor(text, { type, default: default_, unit, allowed }) {
         Object.assign(this, { text, type, default: default_, unit, allowed: Object.freeze([...allowed]) });
@@ -36,7 +36,7 @@ const keys = Object.freeze({
     instance: (name) => constants('instance', `${INSTANCE_PREFIX}${text(name, 'name')}.`),
 });
 
-// A key in its parts; null where it is neither a global key nor an instance's. An instance's name ends
+// The parts of a key; null when it is neither a global key nor a key of an instance. An instance's name ends
 // at the next ".".
 function splitKey(key) {
     if (!key.startsWith(PREFIX)) return null;
@@ -51,7 +51,7 @@ const catalogue = {
     instance: new Map(propertiesOf('instance').map((one) => [one.name, one])),
 };
 
-// The property of a key, with the instance's name or null; null where there is none.
+// The property of a key, with the instance's name or null; null for an unknown key.
 function findProperty(key) {
     const parts = splitKey(key);
     const found = parts && catalogue[parts.scope].get(parts.name);
@@ -68,8 +68,7 @@ function unknownKey(key) {
 
 const withArticle = (type) => `${type.startsWith('i') ? 'an' : 'a'} ${type}`;
 
-// As findProperty(); a KeyError where there is no such key, or it has another type. Any type is fine
-// where none is given.
+// As findProperty(), but throws KeyError for an unknown key or another type. Without a type any is accepted.
 function requireProperty(key, type = null) {
     const property = findProperty(key);
     if (property === null) throw unknownKey(key);

@@ -1,6 +1,6 @@
 'use strict';
-// What the binding knows of the library's configuration without asking it, since some questions end the
-// process: which instances there are, and the values as of the last load.
+// The binding's own copy of the library's configuration: the instances, and the values of the last load. It
+// answers questions that would end the process if the library were asked.
 
 const { IMAGES } = require('./bridge.generated');
 const { KeyError } = require('./errors');
@@ -20,7 +20,7 @@ function requireInstanceName(name) {
     requireImage(name);
 }
 
-// Whether the library makes a number of the text; the empty text is 0.
+// Whether the library reads the text as a number. The empty text is 0.
 function isNumber(value) {
     const match = /^[ \t\n\v\f\r]*(?:\+?\d+|-\d+)/.exec(value);
     if (match === null) return value === '';
@@ -29,7 +29,7 @@ function isNumber(value) {
 
 const unreadable = (key, value) => new KeyError(`"${key}" has a value that cannot be read: "${value}"`, key);
 
-// Of an instance, read by each listing.
+// Numbers of an instance that each listing reads.
 const LISTED_NUMBERS = ['ram', 'cpus'];
 
 const READABLE = { bool: (value) => value === '0' || value === '1', i32: isNumber };
@@ -38,16 +38,16 @@ class KnownValues {
     #file = null;
     #fileInstances = new Set();
     #created = new Set();
-    #values = new Map(); // by key, as of the last load, and what has been set since
-    #staged = new Set(); // keys whose value no load replaces
+    #values = new Map(); // by key: the values of the last load, and those set since
+    #staged = new Set(); // keys whose value a load does not replace
 
-    // The library is about to load this file; null: none.
+    // Called before the library loads this file; null for no file.
     start(file) {
         this.#file = file;
         this.load();
     }
 
-    // The library has loaded its file again, or is about to.
+    // Called when the library has reloaded its file, or is about to.
     load() {
         if (this.#file === null) return;
         const { instances, values } = readConfFile(this.#file);
@@ -57,7 +57,7 @@ class KnownValues {
         }
     }
 
-    // The library is about to commit: it loads, and what was staged is of the file afterwards.
+    // Called before a commit, in which the library reloads the file and writes the staged values.
     commit() {
         this.load();
         this.#staged.clear();
@@ -68,7 +68,7 @@ class KnownValues {
         this.#staged.add(key);
     }
 
-    // An instance that the next set makes.
+    // Adds an instance, which the next set creates.
     create(name) {
         requireInstanceName(name);
         this.#created.add(name);
@@ -82,8 +82,8 @@ class KnownValues {
         throw new KeyError(`there is no instance "${name}"${words}`, name, suggestion);
     }
 
-    // What would end the process in a listing. The library may be loading the file just now, on its event
-    // thread.
+    // Throws where a listing would end the process. The file is read too, because the library may be loading
+    // it on its event thread.
     requireListable() {
         this.#requireListable(this.#fileInstances, this.#values);
         if (this.#file === null) return;

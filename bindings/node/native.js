@@ -6,13 +6,13 @@ const path = require('path');
 const { CALLBACKS, FUNCTIONS } = require('./bridge.generated');
 const { outsideArchive } = require('./library-file');
 
-// name and parameter names of a declaration
+// Name and parameter names of a declaration.
 function parts(declaration) {
     const [, name, list] = /(\w+)\((.*)\)$/.exec(declaration);
     return { name, parameters: list === '' ? [] : list.split(', ').map((one) => /\w+$/.exec(one)[0]) };
 }
 
-// koffi frees a DLL when Node ends, in which the event thread may still run. A pinned one stays.
+// koffi frees a DLL when Node exits, while the event thread may still run in it. A pinned DLL stays loaded.
 function pin(library) {
     const kernel = koffi.load('kernel32.dll');
     const getModuleHandleEx = kernel.func('int32_t GetModuleHandleExW(uint32_t flags, str16 name, _Out_ void **module)');
@@ -22,10 +22,10 @@ function pin(library) {
     }
 }
 
-// Loads the library and gives its functions by name.
+// Loads the library and returns its functions by name.
 function load(file) {
     const full = outsideArchive(path.resolve(file));
-    // Qt from beside the library, and not another program's from PATH.
+    // Load Qt from beside the library, not from PATH.
     for (const qt of ['Qt5Core.dll', 'Qt5Network.dll']) koffi.load(path.join(path.dirname(full), qt));
     const library = koffi.load(full);
     pin(full);
@@ -42,7 +42,7 @@ function load(file) {
     return functions;
 }
 
-// UTF-8 text that is never freed: the library keeps the pointer of the client id.
+// A UTF-8 text that is never freed: the library keeps the pointer to the client id.
 const keptTexts = new Map();
 function keptText(text) {
     if (!keptTexts.has(text)) {
@@ -54,8 +54,8 @@ function keptText(text) {
     return keptTexts.get(text);
 }
 
-// Function pointers for bridgeRegisterCallbacks. receive(callback, values) runs on the event loop
-// while the library's event thread waits for it; the pointers are good for ever.
+// Function pointers for bridgeRegisterCallbacks, which are never freed. receive(callback, values) runs on the
+// event loop while the library's event thread waits.
 function callbackPointers(receive) {
     return CALLBACKS.map((declaration) => {
         const { name, parameters } = parts(declaration);

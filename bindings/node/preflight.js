@@ -1,5 +1,5 @@
 'use strict';
-// What the library's start would refuse or not survive, looked at first.
+// Checks for everything that would make the library's start fail or end the process.
 
 const fs = require('fs');
 const path = require('path');
@@ -18,7 +18,7 @@ function isFolder(file) {
     }
 }
 
-// The data folder itself.
+// A problem with the data folder itself, or null.
 function dataFolderProblem() {
     const folder = product.dataFolder();
     if (folder === '') {
@@ -31,14 +31,14 @@ function dataFolderProblem() {
     return { what: `the data folder ${folder} does not exist`, remedy: 'create it, or set the registry value "UserDefinedDir" to another' };
 }
 
-// The library makes the folders of a log as far as "\" separates them.
+// The nearest existing parent. The library creates the folders of a log that "\" separates.
 function existingFolder(folder) {
     let found = folder;
     while (!isFolder(found) && path.dirname(found) !== found) found = path.dirname(found);
     return found;
 }
 
-// 0, or Windows' error when the library opens this log.
+// 0, or the Windows error with which the library would fail to open this log.
 function logError(file) {
     if (fs.existsSync(file)) return windows.appendError(file);
     const folder = path.dirname(path.resolve(file));
@@ -93,13 +93,13 @@ function versionProblem() {
     };
 }
 
-// A list of { what, remedy }, empty when nothing is in the way. The options are those of init().
+// A list of { what, remedy }, empty when there is no problem. The options are those of init().
 function preflight(client, { noConfFile = false, logFile = null } = {}) {
     if (!noConfFile || logFile === null) {
         const problem = dataFolderProblem();
         if (problem !== null) return [problem];
     }
-    // An empty text leaves the log on standard output.
+    // With an empty text the library logs to standard output.
     const log = logFile === null ? productLogProblem() : logFile === '' ? null : logProblem(logFile);
     const conf = noConfFile ? null : confProblem();
     const version = client === 'Launcher' ? versionProblem() : null;

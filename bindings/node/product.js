@@ -1,5 +1,5 @@
 'use strict';
-// Where the product's registry key says that things are: the same places that the library goes to.
+// Paths from the product's registry key, the same that the library uses.
 
 const windows = require('./windows');
 
@@ -7,7 +7,7 @@ const KEY = 'SOFTWARE\\Vantrel_nvo';
 
 const value = (name) => windows.registryText(KEY, name);
 
-// A missing value leaves the separator alone, in the library too.
+// Without the value only the separator remains, as in the library.
 const dataFile = (name) => `${value('UserDefinedDir') || ''}\\${name}`;
 
 const program = (name) => `${value('InstallDir') || ''}${name}`;

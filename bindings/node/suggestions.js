@@ -1,7 +1,7 @@
 'use strict';
 // Suggestions for a mistyped name.
 
-// The Levenshtein distance: how many letters are to be inserted, removed or replaced.
+// The Levenshtein distance: the number of letters to insert, remove or replace.
 function distance(a, b) {
     let row = Array.from({ length: b.length + 1 }, (_, i) => i);
     for (let i = 1; i <= a.length; ++i) {
@@ -16,8 +16,8 @@ function distance(a, b) {
 
 const LONG_NAME = 8;
 
-// The nearest of the known names, in their order, as the end of a message; nothing where none is near.
-// `length` is that of the part that can differ.
+// The nearest known name, the first of several, as the end of a message; empty when none is near. `length` is
+// the length of the part that can differ.
 function didYouMean(wrong, known, length = wrong.length) {
     const most = length >= LONG_NAME ? 3 : 2;
     let suggestion = '';

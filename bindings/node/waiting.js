@@ -1,13 +1,13 @@
 'use strict';
-// Limits of a wait: the work goes on, the promise does not wait for it.
+// Limits of a wait: the promise settles early, the work goes on.
 
 const { abortSignal, milliseconds } = require('./arguments');
 const { AbortError, TimeoutError } = require('./errors');
 
 const LONGEST_TIMER = 0x7fffffff;
 
-// The outcome of the promise that start() returns, or an AbortError or TimeoutError that comes before
-// it. An aborted signal starts nothing.
+// Settles like the promise that start() returns, or earlier with an AbortError or TimeoutError. A signal that
+// is already aborted starts nothing.
 async function limited(operation, options, start) {
     const { signal: givenSignal, timeout: givenTimeout } = options || {};
     const signal = abortSignal(givenSignal, 'signal');

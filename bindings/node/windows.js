@@ -1,5 +1,5 @@
 'use strict';
-// The functions of Windows that the checks need.
+// The Windows functions that the checks need.
 
 const koffi = require('koffi');
 
@@ -9,7 +9,7 @@ const kernel = koffi.load('kernel32.dll');
 // Handles of the registry are 32-bit numbers, sign-extended.
 const HKEY_LOCAL_MACHINE = -0x7ffffffe;
 const RRF_RT_REG_SZ = 0x2;
-const RRF_NOEXPAND = 0x10000000; // else a REG_EXPAND_SZ, which the library does not take, passes for a text
+const RRF_NOEXPAND = 0x10000000; // else a REG_EXPAND_SZ, which the library does not accept, counts as a text
 const RRF_SUBKEY_WOW6464KEY = 0x10000;
 const ERROR_SUCCESS = 0;
 const ERROR_GEN_FAILURE = 31;
@@ -32,7 +32,7 @@ const closeHandle = kernel.func('int32_t CloseHandle(intptr_t handle)');
 const waitNamedPipe = kernel.func('int32_t WaitNamedPipeW(str16 path, uint32_t milliseconds)');
 const getServerProcessId = kernel.func('int32_t GetNamedPipeServerProcessId(intptr_t pipe, _Out_ uint32_t *processId)');
 
-// A text of HKEY_LOCAL_MACHINE, seen as 64-bit programs see it; null where it is missing or no text.
+// A text in the 64-bit view of HKEY_LOCAL_MACHINE; null when it is missing or not a text.
 function registryText(key, name) {
     const flags = RRF_RT_REG_SZ | RRF_NOEXPAND | RRF_SUBKEY_WOW6464KEY;
     const size = [0];
@@ -42,7 +42,7 @@ function registryText(key, name) {
     return data.toString('utf16le', 0, size[0]).replace(/\0+$/, '');
 }
 
-// 0 where the file opens, or Windows' error; it is closed again at once.
+// 0 when the file opens, else the Windows error. The file is closed at once.
 function openError(path, access, disposition, flags) {
     const file = createFile(path, access, FILE_SHARE_ALL, null, disposition, flags, 0);
     const error = getLastError();
@@ -51,14 +51,14 @@ function openError(path, access, disposition, flags) {
     return 0;
 }
 
-// For an existing file: as the library opens its log.
+// Opens an existing file as the library opens its log.
 const appendError = (path) => openError(path, FILE_APPEND_DATA, OPEN_EXISTING, 0);
 
-// For a file that does not exist, and does not afterwards.
+// Creates a file that does not exist yet, and deletes it.
 const createError = (path) => openError(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
 
-// The process that serves a pipe; null while nothing serves it, or all of it is taken. It is not given
-// the right to act for this process.
+// The process that serves a pipe; null while there is none or all instances are busy. The server may identify
+// this process but not impersonate it.
 function pipeServer(path) {
     if (waitNamedPipe(path, 1) === 0) return null;
     const pipe = createFile(path, GENERIC_READ | GENERIC_WRITE, 0, null, OPEN_EXISTING, SECURITY_IDENTIFICATION, 0);

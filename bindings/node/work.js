@@ -1,5 +1,5 @@
 'use strict';
-// Work that a program was started for, and the event that tells its outcome.
+// Work that a program was started for, and the event that reports its outcome.
 
 const { BridgeUsageError } = require('./errors');
 const { optionalFunction } = require('./arguments');
@@ -7,11 +7,11 @@ const { limited } = require('./waiting');
 
 const IMAGE_IS_INSTALLED = 2;
 
-// Waits for one event from before the program is started, until the event comes or the library ends.
+// Waits for one event. It is created before the program starts, and ends with the event or with the library.
 class Watch {
     #values = null;
     #error = null;
-    #waiting = null; // the promise of those who ask, with its resolve and reject
+    #waiting = null; // the promise for all callers, with its resolve and reject
 
     constructor(event, takes) {
         this.event = event;
@@ -43,7 +43,7 @@ class Watch {
     }
 }
 
-// What a host gets. It keeps the outcome, and nothing else.
+// The object that a host gets.
 class Work {
     #operation;
     #watch;
@@ -64,14 +64,14 @@ class Work {
 }
 
 class Works {
-    #watches = new Set(); // in the order of their starts
+    #watches = new Set(); // in start order
     #requireListening;
 
     constructor(requireListening) {
         this.#requireListening = requireListening;
     }
 
-    // start() starts the program, or throws. takes(values): whether an event of that name is the outcome.
+    // start() starts the program or throws. takes(values) is whether an event of that name is the outcome.
     start(operation, event, takes, start) {
         const watch = new Watch(event, takes);
         this.#watches.add(watch);
@@ -84,8 +84,7 @@ class Works {
         return new Work(operation, watch, this.#requireListening);
     }
 
-    // An event is the outcome of one work, the oldest that it fits to: two that were started alike end with
-    // two events.
+    // An event completes only the oldest work that matches it, so two equal works need two events.
     receive(event, values) {
         for (const watch of this.#watches) {
             if (watch.event !== event || !watch.takes(values)) continue;
@@ -101,14 +100,14 @@ class Works {
     }
 }
 
-// Other statuses than the end's go to the host's function. It runs after the events that are at hand,
-// so that one that throws stops nothing here.
+// Other statuses go to the host's function. It runs as a microtask, so that an exception in it does not stop
+// the delivery of events.
 function imageInstalled(imageName, { progress } = {}) {
-    const tell = optionalFunction(progress, 'progress');
+    const report = optionalFunction(progress, 'progress');
     return (values) => {
         if (values.imageName !== imageName) return false;
         if (values.status === IMAGE_IS_INSTALLED) return true;
-        if (tell !== null) queueMicrotask(() => tell(values));
+        if (report !== null) queueMicrotask(() => report(values));
         return false;
     };
 }

@@ -4,8 +4,8 @@
         bridge.init("Helper")
         print(bridge.instances())
 
-bridge.h has the conventions. What would make the library end the process is looked at before a call,
-and raised: PreflightError before the start, BridgeKeyError before a read or write.
+The conventions of bridge.h apply. Checks before each call turn most fatal errors into exceptions:
+PreflightError before the start, BridgeKeyError before a read or write.
 """
 
 from . import generated, keys

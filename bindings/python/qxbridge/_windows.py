@@ -1,5 +1,5 @@
-"""What the binding asks Windows itself: the registry, files as the library opens them, and who serves
-a pipe. Nothing else of the package does."""
+"""The only module that calls Windows: the registry, files as the library opens them, and the server of
+a pipe."""
 
 import atexit
 import ctypes
@@ -16,19 +16,19 @@ DELETE = 0x00010000
 SHARE_ALL = 0x0007  # read, write, delete
 CREATE_NEW, OPEN_EXISTING = 1, 3
 DELETE_ON_CLOSE = 0x04000000
-IDENTIFY_ONLY = 0x00110000  # the server may know who we are, and not act as us
+IDENTIFY_ONLY = 0x00110000  # the server may identify this process, but not impersonate it
 INVALID_HANDLE = c_void_p(-1).value
 
 FILE_NOT_FOUND, ACCESS_DENIED, SHARING_VIOLATION, LOCK_VIOLATION, PIPE_BUSY = 2, 5, 32, 33, 231
 
 _CHUNK = 1 << 16
 _LONG_PATH = 248
-_HELD_TRIES, _HELD_SECONDS = 10, 0.05  # while another program replaces a file
+_HELD_TRIES, _HELD_SECONDS = 10, 0.05  # retries while another program replaces a file
 _PIPE_SECONDS = 0.01
 
 
 def registry_text(key: str, name: str) -> Optional[str]:
-    """A text of HKEY_LOCAL_MACHINE, as the 64-bit view has it; None for another type, too."""
+    """A text in the 64-bit view of HKEY_LOCAL_MACHINE; None when it is missing or not a text."""
     if sys.platform != "win32":
         raise OSError("there is no registry on this system")
     import winreg
@@ -42,9 +42,8 @@ def registry_text(key: str, name: str) -> Optional[str]:
 
 
 def own_local_machine(key: str, texts: Dict[str, str]) -> None:
-    """Gives this process a HKEY_LOCAL_MACHINE of its own, with nothing but these texts under a key.
-    Its place in the registry is deleted when the interpreter ends, and at the latest when the user
-    logs off."""
+    """Gives this process its own HKEY_LOCAL_MACHINE, which contains only these texts under a key. The
+    registry key behind it is deleted when the interpreter exits, at the latest when the user logs off."""
     if sys.platform != "win32":
         raise OSError("there is no registry on this system")
     import winreg
@@ -56,7 +55,7 @@ def own_local_machine(key: str, texts: Dict[str, str]) -> None:
         for name, text in texts.items():
             winreg.SetValueEx(opened, name, 0, winreg.REG_SZ, text)
     with winreg.OpenKey(user, machine, access=winreg.KEY_ALL_ACCESS) as opened:
-        # Windows keeps a handle of its own.
+        # Windows keeps its own handle.
         error = _advapi32().RegOverridePredefKey(winreg.HKEY_LOCAL_MACHINE, int(opened))
     _require_success("RegOverridePredefKey", error)
 
@@ -70,7 +69,7 @@ def exists(path: str) -> bool:
 
 
 def read_file(path: str) -> Optional[bytes]:
-    """None where there is no such file, or it cannot be read."""
+    """The content; None when the file does not exist or cannot be read."""
     for _ in range(_HELD_TRIES):
         handle = _open(path, GENERIC_READ, OPEN_EXISTING)
         if handle is not None:
@@ -82,12 +81,12 @@ def read_file(path: str) -> Optional[bytes]:
 
 
 def append_error(path: str) -> int:
-    """The Windows error with which a file that is there cannot be opened as a log; 0: it can."""
+    """The Windows error when an existing file is opened as a log; 0 for none."""
     return _open_error(path, FILE_APPEND_DATA, OPEN_EXISTING, 0)
 
 
 def create_error(folder: str) -> int:
-    """The Windows error with which no file can be made in a folder; 0: it can."""
+    """The Windows error when a file is created in a folder; 0 for none. The file is deleted again."""
     path = f"{folder}\\qxbridge-{os.getpid()}-{time.monotonic_ns()}.tmp"
     return _open_error(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, DELETE_ON_CLOSE)
 
@@ -97,8 +96,8 @@ def process_id() -> int:
 
 
 def pipe_server(name: str, timeout: float) -> Optional[int]:
-    """The process that serves a pipe, waiting for it; None where that takes too long.
-    PermissionError where another user serves it."""
+    """Waits for the process that serves a pipe; None after the timeout. PermissionError when another
+    user serves it."""
     path, end = "\\\\.\\pipe\\" + name, time.monotonic() + timeout
     while True:
         handle = _open(path, GENERIC_READ, OPEN_EXISTING, IDENTIFY_ONLY, share=0)
@@ -113,7 +112,7 @@ def pipe_server(name: str, timeout: float) -> Optional[int]:
 
 
 def _kernel32() -> Any:
-    """The functions of Windows, with the types of what is passed."""
+    """Functions of kernel32 with their argument types."""
     if sys.platform != "win32":
         raise OSError("the library needs Windows")
     library = ctypes.WinDLL("kernel32", use_last_error=True)
@@ -143,7 +142,7 @@ def _require_success(operation: str, error: int) -> None:
 
 
 def _create_volatile_key(path: str) -> None:
-    """With those above it. winreg makes lasting keys only."""
+    """Creates missing parents too. winreg cannot create volatile keys."""
     if sys.platform != "win32":
         raise OSError("there is no registry on this system")
     import winreg
@@ -170,7 +169,7 @@ def _last_error() -> int:
 
 
 def _any_length(path: str) -> str:
-    """A long path in the form for which Windows has no limit, which the library uses too."""
+    """A long path in the form without a length limit, as the library uses it."""
     full = ntpath.abspath(path)
     if len(full) < _LONG_PATH or full.startswith(("\\\\?\\", "\\\\.\\")):
         return path

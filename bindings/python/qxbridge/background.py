@@ -1,4 +1,4 @@
-"""Calls that take their time, off the event loop."""
+"""Runs slow calls off the event loop."""
 
 import asyncio
 import threading
@@ -11,7 +11,7 @@ _THREADS = 2
 
 
 async def within(awaitable: Awaitable[T], timeout: Optional[float]) -> T:
-    """Waits so many seconds; what is waited for goes on, also when the task is cancelled."""
+    """Waits for at most `timeout` seconds. The operation goes on after a timeout or a cancelled task."""
     try:
         return await asyncio.wait_for(asyncio.shield(awaitable), timeout)
     except asyncio.TimeoutError:
@@ -19,18 +19,18 @@ async def within(awaitable: Awaitable[T], timeout: Optional[float]) -> T:
 
 
 class Background:
-    """A few threads, which start with the first call."""
+    """A few threads, started with the first call."""
 
     def __init__(self) -> None:
         self._lock = threading.Lock()
         self._threads: Optional[ThreadPoolExecutor] = None
 
     async def run(self, call: Callable[[], T], timeout: Optional[float]) -> T:
-        """TimeoutError when it takes longer; the call goes on."""
+        """Raises TimeoutError after `timeout` seconds; the call goes on."""
         return await within(asyncio.wrap_future(self._started().submit(call)), timeout)
 
     def finish(self) -> None:
-        """Waits for the calls that run."""
+        """Waits for running calls."""
         with self._lock:
             threads, self._threads = self._threads, None
         if threads is not None:

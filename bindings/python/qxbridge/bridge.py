@@ -21,17 +21,17 @@ from .work import Work
 
 E = TypeVar("E")
 
-# The status with which the manager says that an image is installed.
+# The status with which the manager reports an installed image.
 IMAGE_INSTALLED = 2
 
 
 class Bridge:
-    """The library; one per process can be started. After init() every method may be called from any
+    """The library. It can be started once per process. After init() every method may be called from any
     thread, except fini(), during which no other call may run."""
 
     def __init__(self, path: Optional[str] = None) -> None:
-        """Loads the library: without a path the one beside this package's modules, if it is there. With
-        an absolute path it finds the Qt DLLs beside it."""
+        """Loads the library. Without a path it is the one beside this package's modules, if it exists.
+        With an absolute path Windows finds the Qt DLLs beside it."""
         self._calls = Calls(ctypes.CDLL(library_path() if path is None else path))
         self._background = Background()
         self._places = product.Places("", "", "", "")
@@ -51,14 +51,14 @@ class Bridge:
     @staticmethod
     def preflight(client_id: str, *, no_conf_file: bool = False,
                   log_file: Optional[str] = None) -> List[Problem]:
-        """What keeps init() from starting the library; nothing where it starts."""
+        """The problems with which init() would fail; empty when there are none."""
         return preflight(client_id, no_conf_file=no_conf_file, log_file=log_file)
 
     def init(self, client_id: str, *, no_conf_file: bool = False,
              log_file: Optional[str] = None) -> None:
-        """Starts the library. PreflightError where it would refuse, or end the process, and says why;
-        BridgeError with 22 for a client id not in CLIENTS, with -1 for a configuration file that is
-        malformed. RuntimeError while another Bridge has it started, and after its end."""
+        """Starts the library. Raises PreflightError when a check before the start fails; BridgeError with
+        code 22 for a client id not in CLIENTS, or -1 for a malformed configuration file; RuntimeError when
+        another Bridge has started the library, and after its end."""
         client = kept_text(client_id)
         operation: str = "bridgeApiInit"
         more: Tuple[Any, ...] = ()
@@ -73,13 +73,13 @@ class Bridge:
         self._known.start()
         self._calls.start(operation, client, *more)
         self._client = client_id
-        # The event thread must not call into an interpreter that is gone.
+        # The event thread must not call an interpreter that has exited.
         atexit.unregister(self.fini)
         atexit.register(self.fini)
 
     def fini(self) -> None:
-        """Stops the library, once and for all, and waits for the calls of coroutines and a callback
-        that run. Inside a callback it stops nothing and raises RuntimeError."""
+        """Stops the library for the rest of the process. Waits for running calls of coroutines and for a
+        running callback. Inside a callback it stops nothing and raises RuntimeError."""
         if life.current().has(self._calls):
             life.refuse_event_thread("fini()")
             self._background.finish()
@@ -88,8 +88,8 @@ class Bridge:
         atexit.unregister(self.fini)
 
     def register(self, callbacks: Callbacks) -> None:
-        """Starts the event server, the first time, and replaces all functions. It does not say whether
-        the events come to this process: listen() does."""
+        """Replaces all callbacks. The first call starts the event server, without a check that this process
+        receives the events; listen() makes that check."""
         self._calls.require_ready()
         self._dispatcher.callbacks = callbacks
         if self._pointers is None:
@@ -98,9 +98,10 @@ class Bridge:
         self._calls.value("bridgeRegisterCallbacks", *self._pointers)
 
     def listen(self, callbacks: Optional[Callbacks] = None, timeout: float = 10.0) -> None:
-        """register(), then looks whether the events come here, waiting so many seconds for the server.
+        """register(), then checks that this process receives the events.
 
-        ListenError where another process has the events of this client id, or nobody.
+        Waits up to `timeout` seconds for the server. Raises ListenError when another process receives the
+        events of this client id, or none does.
         """
         self._calls.require_ready()
         life.refuse_event_thread("listen()")
@@ -118,8 +119,8 @@ class Bridge:
     def events(self, names: Type[E], *, limit: int = 10000) -> EventStream[E]: ...
 
     def events(self, names: Any = None, *, limit: int = 10000) -> EventStream[Any]:
-        """The events from now on, all of them or those of these names or of this class, for
-        `async for`. listen() makes them come. The stream holds `limit` events that are not read yet."""
+        """A stream of events from now on for `async for`: all of them, or those of these names or this
+        class. Events arrive after listen(). The stream buffers up to `limit` events."""
         self._calls.require_ready()
         stream: EventStream[Any] = EventStream(types_of(names), limit)
         self._dispatcher.add_stream(stream)
@@ -130,8 +131,8 @@ class Bridge:
         return cast(List[Instance], json.loads(self.instances_json()))
 
     def instances_json(self) -> str:
-        """The same as the library's own text. BridgeKeyError for an instance of an unknown image, with
-        which the library would end the process."""
+        """The same as the library's JSON text. Raises BridgeKeyError for an instance of an unknown image,
+        with which the library would end the process."""
         self._calls.require_ready()
         self._known.require_listable()
         return self._calls.text("bridgeConfGetInstances")
@@ -141,11 +142,11 @@ class Bridge:
         return cast(List[App], json.loads(self.apps_json(instance)))
 
     def apps_json(self, instance: str) -> str:
-        """The same as the library's own text."""
+        """The same as the library's JSON text."""
         return self._calls.text("bridgeGetInstalledApps", utf8(instance, "instance"))
 
     async def instances_async(self, timeout: Optional[float] = None) -> List[Instance]:
-        """instances() on a thread. TimeoutError after so many seconds; the call goes on."""
+        """instances() on a thread. Raises TimeoutError after `timeout` seconds; the call goes on."""
         self._calls.require_ready()
         return await self._background.run(self.instances, timeout)
 
@@ -167,7 +168,7 @@ class Bridge:
         self._calls.status("bridgeLaunchUrl", utf8(instance), utf8(url), file=self._places.player)
 
     def install_apk(self, instance: str, apk_file_path: str) -> Work[ApkInstallCompleted]:
-        """Finished when the instance has dealt with the file; the outcome has its status."""
+        """Finished when the instance has processed the file; the outcome has the status."""
         return self._start(ApkInstallCompleted,
                            lambda one: (one.instance, one.apk_file_path) == (instance, apk_file_path),
                            "bridgeInstallApk", utf8(instance), utf8(apk_file_path), file=apk_file_path)
@@ -180,8 +181,8 @@ class Bridge:
     def install_image(self, image_name: str,
                       progress: Optional[Callable[[InstallImageProgress], Any]] = None
                       ) -> Work[InstallImageProgress]:
-        """Finished with status 2. progress is called with the events of other statuses, on the event
-        thread, like a callback."""
+        """Finished with status 2. progress is called on the event thread with the events of other
+        statuses."""
         def is_outcome(event: InstallImageProgress) -> bool:
             if event.image_name != image_name or event.status == IMAGE_INSTALLED:
                 return event.image_name == image_name
@@ -195,8 +196,8 @@ class Bridge:
     def create_fresh_instance(self, image_name: str, cpu: int, ram: int, graphic_engine: str,
                               graphic_renderer: str, device_profile: str
                               ) -> Work[CreateInstanceCompleted]:
-        """ram in MiB. Finished when an instance was created, or could not be: that event does not say
-        for whom, so that the works are finished in the order of their calls."""
+        """ram in MiB. Finished when an instance was created or could not be. The event does not name the
+        request, so events finish the works in the order of their calls."""
         return self._start(CreateInstanceCompleted, lambda _: True, "bridgeCreateFreshInstance",
                            utf8(image_name), b"%d" % cpu, b"%d" % ram, utf8(graphic_engine),
                            utf8(graphic_renderer), utf8(device_profile), file=self._places.manager)

@@ -1,4 +1,4 @@
-"""The properties there are, and what may have been meant by one that is not there."""
+"""The catalogue of properties, and suggestions for unknown ones."""
 
 from typing import Dict, Iterable, Tuple
 
@@ -9,12 +9,12 @@ from .generated import IMAGES, KEYS, Property
 _PROPERTIES: Dict[Tuple[str, str], Property] = {(one.scope, one.name): one for one in KEYS}
 _ARTICLES = {"i32": "an", "i64": "an"}
 
-# A name of so many letters may be further away from what was meant.
+# Names of at least this length may differ in more letters.
 _LONG_NAME = 8
 
 
 def distance(one: str, other: str) -> int:
-    """How many letters to insert, remove or replace (Levenshtein)."""
+    """The Levenshtein distance: the number of letters to insert, remove or replace."""
     row = list(range(len(other) + 1))
     for i, letter in enumerate(one, 1):
         above, row = row, [i]
@@ -24,7 +24,7 @@ def distance(one: str, other: str) -> int:
 
 
 def nearest(name: str, names: Iterable[str]) -> str:
-    """The nearest of the names, the first of equals; empty when none is near."""
+    """The nearest name, the first of several; empty when none is near."""
     limit = 3 if len(name) >= _LONG_NAME else 2
     near = [(distance(name, one), one) for one in sorted(names)]
     near = [one for one in near if one[0] <= limit]
@@ -36,7 +36,7 @@ def hint(suggestion: str) -> str:
 
 
 def _suggestion(key: str, parts: KeyParts) -> str:
-    """The full key of the nearest property of the key's scope."""
+    """The full key of the nearest property in the key's scope."""
     if parts.scope == "":
         return nearest(key, [GLOBAL_PREFIX + name for scope, name in _PROPERTIES if scope == "global"])
     near = nearest(parts.name, [name for scope, name in _PROPERTIES if scope == parts.scope])
@@ -46,7 +46,7 @@ def _suggestion(key: str, parts: KeyParts) -> str:
 
 
 def find(key: str) -> Tuple[KeyParts, Property]:
-    """A key's parts and its property, which must exist."""
+    """A key's parts and its property. Raises BridgeKeyError for an unknown key."""
     parts = split_key(key)
     found = _PROPERTIES.get((parts.scope, parts.name))
     if found is None:

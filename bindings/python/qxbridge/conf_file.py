@@ -1,9 +1,9 @@
-"""The text of a configuration file, read as the library reads it: lines key="value", without
-comments, blank lines or escapes."""
+"""Reads the text of a configuration file as the library does: lines key="value", without comments, blank
+lines or escapes."""
 
 from typing import Iterator, NamedTuple, Optional, Tuple
 
-# A longer line, without its line feed, cannot be read.
+# The longest line that can be read, without its line feed.
 LINE_SIZE = 4096
 
 INSTANCE_PREFIX = "vtr.instance."
@@ -13,7 +13,7 @@ GLOBAL_PREFIX = "vtr."
 class KeyParts(NamedTuple):
     scope: str  # "global", "instance" or ""
     instance: str
-    name: str  # of the property; the whole key where it names none
+    name: str  # of the property; the whole key when it names none
 
     @property
     def has_property(self) -> bool:
@@ -35,7 +35,7 @@ def _entry(line: bytes) -> Optional[Tuple[str, str]]:
     key, equals, rest = line.partition(b"=")
     if not equals or not rest or len(line) > LINE_SIZE:
         return None
-    # The characters around the value are dropped, whatever they are; a NUL ends it.
+    # Any two characters may enclose the value. A NUL ends it.
     value = rest[1:-1].partition(b"\0")[0]
     return key.decode("utf-8", "replace"), value.decode("utf-8", "replace")
 

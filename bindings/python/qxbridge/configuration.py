@@ -25,9 +25,9 @@ class Configuration:
     """Access by typed key (get, set), or by full key and type: "vtr.<name>",
     "vtr.instance.<instance>.<name>".
 
-    Setters stage a change; the file has it after commit(). BridgeKeyError for a key or an instance
-    that does not exist, for another type than the key's, and before a read of a value with which
-    the library would end the process.
+    Setters stage a change; commit() writes it to the file. BridgeKeyError is raised for a key or instance
+    that does not exist, for another type than the key's, and before a read of a value with which the
+    library would end the process.
     """
 
     def __init__(self, calls: Calls, known: Known, background: Background) -> None:
@@ -37,7 +37,7 @@ class Configuration:
         self._places = Places("", "", "", "")
 
     def use(self, places: Places) -> None:
-        """For an initialisation."""
+        """Called by an initialisation."""
         self._places = places
 
     def get(self, key: Key[T]) -> T:
@@ -81,12 +81,12 @@ class Configuration:
         self._set("bridgeConfSetString", key, "string", utf8(value, "value"), value)
 
     def set_multi_string(self, key: str, value: Union[str, Iterable[str]]) -> None:
-        """Takes the elements, or their stored form: joined by ","."""
+        """Accepts the elements, or their stored form: joined by ","."""
         stored = _joined(value)
         self._set("bridgeConfSetMultiString", key, "multi-string", utf8(stored, "value"), stored)
 
     def add_instance(self, name: str) -> None:
-        """Makes a new instance known, so that its keys can be set."""
+        """Makes the keys of a new instance settable."""
         utf8(name, "name")
         self._known.add_instance(name)
 
@@ -95,17 +95,16 @@ class Configuration:
             lambda: self._calls.status("bridgeConfCommit", file=self._places.conf_file), always=False)
 
     def commit_to_file(self, path: str) -> None:
-        """Writes the whole configuration with the staged changes into another file.
+        """Writes the whole configuration with the staged changes to another file.
 
-        Afterwards nothing is staged: a later commit() does not bring these changes to the product's
-        file.
+        Afterwards nothing is staged: a later commit() does not write these changes to the product's file.
         """
         name = utf8(path, "path")
         self._known.commit(
             lambda: self._calls.status("bridgeConfCommitToFile", name, file=path), always=True)
 
     async def commit_async(self, timeout: Optional[float] = None) -> None:
-        """commit() on a thread. TimeoutError after so many seconds; the commit goes on."""
+        """commit() on a thread. Raises TimeoutError after `timeout` seconds; the commit goes on."""
         self._calls.require_ready()
         await self._background.run(self.commit, timeout)
 
@@ -115,7 +114,7 @@ class Configuration:
         await self._background.run(lambda: self.commit_to_file(path), timeout)
 
     def _to_read(self, key: str, type_: str) -> bytes:
-        """The key's bytes, if its value can be read."""
+        """The key's bytes. Raises BridgeKeyError when its value cannot be read."""
         name = utf8(key, "key")
         self._calls.require_ready()
         instance, found = self._known.find(key, type_)

@@ -1,18 +1,18 @@
-"""What the binding raises, besides TypeError, ValueError, OverflowError, TimeoutError, and
-RuntimeError for a call at the wrong time."""
+"""The exceptions of the binding, besides TypeError, ValueError, OverflowError, TimeoutError, and RuntimeError
+for a call at the wrong time."""
 
 from typing import NamedTuple, Optional, Sequence, Tuple
 
 from .generated import CODES
 
-# From here on a code is this number plus a Windows error.
+# Added to a Windows error to make a result code.
 WINDOWS_ERRORS = 100000
 
 _CODES = {one.number: one for one in CODES}
 
 
 class Problem(NamedTuple):
-    """Why the library cannot start, and what helps."""
+    """A reason for which the library cannot start, and its remedy."""
 
     what: str
     remedy: str
@@ -28,14 +28,14 @@ def _words_of(code: int) -> Tuple[str, str]:
 
 
 class BridgeError(Exception):
-    """A function of the library returned another code than 0, or no text."""
+    """A function of the library returned a code other than 0, or no text."""
 
     def __init__(self, operation: str, code: int, file: str = "", log: str = "") -> None:
         self.operation = operation
         self.code = code
         self.name, self.text = _words_of(code)
-        self.file = file  # what the function worked on; empty where that is no file
-        self.log = log  # path of the log; empty where it is not known
+        self.file = file  # the file of the call; empty when there is none
+        self.log = log  # path of the log; empty when it is not known
         cause = ": ".join(one for one in (self.name, self.text) if one)
         super().__init__(f"{operation} failed with {code} ({cause})"
                          + (f" for {file}" if file else "")
@@ -43,20 +43,20 @@ class BridgeError(Exception):
 
 
 class BridgeKeyError(KeyError, ValueError):
-    """A key, an instance or a stored value with which the library would end the process."""
+    """A key, instance or stored value with which the library would end the process."""
 
     def __init__(self, message: str, key: str = "", suggestion: str = "") -> None:
         super().__init__(message)
         self.key = key  # the key, or the name of the instance
-        self.suggestion = suggestion  # what may have been meant; empty: nothing is near
+        self.suggestion = suggestion  # the nearest known name; empty when none is near
 
     def __str__(self) -> str:
-        """KeyError would show the message in quotes."""
+        """Without the quotes that KeyError adds."""
         return str(self.args[0])
 
 
 class PreflightError(Exception):
-    """The library would not start, or would end the process."""
+    """A check before the start failed."""
 
     def __init__(self, problems: Sequence[Problem]) -> None:
         super().__init__("\n".join(f"{one.what}: {one.remedy}" for one in problems))
@@ -64,15 +64,15 @@ class PreflightError(Exception):
 
 
 class ListenError(Exception):
-    """This process does not get the events."""
+    """This process does not receive the events."""
 
     def __init__(self, message: str, process_id: Optional[int]) -> None:
         super().__init__(message)
-        self.process_id = process_id  # who gets them; None: it is not known, or nobody
+        self.process_id = process_id  # the process that receives them; None when there is none or it is unknown
 
 
 class EventOverflow(Exception):
-    """More events came than the stream holds. What it held has been read, later ones are lost."""
+    """More events arrived than the stream can buffer. The buffered ones were delivered, later ones are lost."""
 
     def __init__(self, limit: int) -> None:
         super().__init__(f"more than {limit} events waited to be read")

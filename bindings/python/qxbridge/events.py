@@ -1,4 +1,4 @@
-"""Events: streams for asyncio, and the way of each event to those who want it."""
+"""Events: streams for asyncio, and the delivery of each event to works, streams and callbacks."""
 
 import asyncio
 import threading
@@ -21,10 +21,10 @@ def _wake(future: "asyncio.Future[None]") -> None:
 
 
 class EventStream(AsyncIterator[E], Generic[E]):
-    """Events in their order, for `async for`. It ends when the library does, or with close().
+    """Events in order, for `async for`. The stream ends with the library or with close().
 
-    It holds a limited number of events. When more come, it ends: what it holds can still be read,
-    then it raises EventOverflow.
+    Its buffer is limited. When more events arrive, the stream delivers the buffered ones and then raises
+    EventOverflow.
     """
 
     def __init__(self, types: Tuple[Type[Any], ...], limit: int) -> None:
@@ -39,7 +39,7 @@ class EventStream(AsyncIterator[E], Generic[E]):
         self._reader: Optional[Tuple[asyncio.AbstractEventLoop, "asyncio.Future[None]"]] = None
 
     def put(self, event: Any) -> bool:
-        """Whether the stream wants more. On the event thread."""
+        """Returns whether the stream is still open. Runs on the event thread."""
         with self._lock:
             if self._open and isinstance(event, self._types):
                 self._overflown = len(self._events) == self._limit
@@ -50,7 +50,7 @@ class EventStream(AsyncIterator[E], Generic[E]):
             return self._open
 
     def close(self) -> None:
-        """Ends the stream behind what it holds. From any thread."""
+        """Ends the stream after the buffered events. May be called on any thread."""
         with self._lock:
             self._open = False
             self._wake_reader()
@@ -85,11 +85,11 @@ class EventStream(AsyncIterator[E], Generic[E]):
         try:
             loop.call_soon_threadsafe(_wake, future)
         except RuntimeError:
-            pass  # the loop has ended, and its tasks with it
+            pass  # the loop has ended together with its tasks
 
 
 def types_of(wanted: Union[None, str, Type[Any], Iterable[str]]) -> Tuple[Type[Any], ...]:
-    """The classes of events, which are given by their names or by one class; None is all of them."""
+    """The event classes for names or for one class; all of them for None."""
     if wanted is None:
         return tuple(EVENT_TYPES.values())
     if isinstance(wanted, type):
@@ -104,28 +104,28 @@ def types_of(wanted: Union[None, str, Type[Any], Iterable[str]]) -> Tuple[Type[A
 
 
 class Watch(Protocol):
-    """What waits for an event."""
+    """Waits for one event."""
 
     def offer(self, event: Any) -> bool:
-        """Whether this was the event. On the event thread."""
+        """Returns whether this was the event. Runs on the event thread."""
 
     def end(self) -> None:
-        """No event comes any more."""
+        """No more events will arrive."""
 
 
 class Dispatcher:
-    """Hands each event to the works and streams that want it, then to the host's function."""
+    """Delivers each event to the matching works and streams, then to the host's function."""
 
     def __init__(self, reload: Callable[[], None]) -> None:
-        self._reload = reload  # the library has loaded the configuration again
+        self._reload = reload  # called when the library has reloaded the configuration
         self._lock = threading.Lock()
         self._watches: List[Watch] = []
         self._streams: List[EventStream[Any]] = []
         self.callbacks = Callbacks()
 
     def receive(self, name: str, *values: Any) -> None:
-        """On the event thread. What one of them raises reaches sys.unraisablehook, and the others
-        get the event."""
+        """Runs on the event thread. An exception of one receiver goes to sys.unraisablehook; the others
+        still get the event."""
         life.mark_event_thread()
         event = EVENTS[name](*values)
         try:
@@ -134,7 +134,7 @@ class Dispatcher:
             self._call_host(name, event)
 
     def watch(self, watch: Watch) -> None:
-        """Offers it each event, from now until it takes one."""
+        """Offers each event from now on, until the watch takes one."""
         with self._lock:
             self._watches.append(watch)
 
@@ -166,7 +166,7 @@ class Dispatcher:
         self._offer(watches, event)
 
     def _offer(self, watches: List[Watch], event: Any) -> None:
-        """The oldest that takes the event has it for itself."""
+        """Only the oldest matching watch gets the event."""
         failed: Optional[Exception] = None
         for watch in watches:
             try:

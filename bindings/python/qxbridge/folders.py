@@ -13,11 +13,11 @@ def _folder(name: str, path: str) -> str:
 
 
 def use_folders(data_folder: str, install_folder: str) -> None:
-    """For development: makes this process see a product of the library's version with these folders.
+    """For development: makes this process use these folders instead of those in the registry.
 
-    It gives the process a HKEY_LOCAL_MACHINE of its own, which hides everything else of the machine's.
-    Other processes, and programs that this one starts, see the machine's. It needs no administrator and
-    comes before init(). OSError says which function Windows refused, and its error.
+    Call it before init(). It needs no administrator rights. The process gets its own HKEY_LOCAL_MACHINE
+    with the two folders and the library's version; the rest of the machine's is hidden from it. Programs
+    that it starts see the machine's. Raises OSError with the Windows function that failed and its error.
     """
     data = _folder("data_folder", data_folder)
     programs = _folder("install_folder", install_folder)

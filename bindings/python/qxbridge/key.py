@@ -1,5 +1,4 @@
-"""A key of the configuration with the type of its values. The keys there are: keys.GLOBAL and
-keys.instance(name)."""
+"""A key of the configuration with the type of its values. keys.GLOBAL and keys.instance(name) have all keys."""
 
 from dataclasses import dataclass
 from typing import Generic, Tuple, TypeVar
@@ -11,6 +10,6 @@ T = TypeVar("T")
 class Key(Generic[T]):
     text: str  # the full key
     type: str  # "bool", "i32", "string" or "multi-string"
-    default: str  # as the file has it; may be empty
-    unit: str = ""  # what a number counts; empty where it is not known
-    allowed: Tuple[str, ...] = ()  # what an element of a list can be; empty: anything
+    default: str  # in its stored form; empty when there is none
+    unit: str = ""  # of a number; empty when it is not known
+    allowed: Tuple[str, ...] = ()  # elements of a list; empty when any is allowed

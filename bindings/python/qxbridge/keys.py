@@ -9,5 +9,5 @@ GLOBAL = GlobalKeys()
 
 
 def instance(name: str) -> InstanceKeys:
-    """The keys of an instance. Whether there is such an instance is looked at where a key is used."""
+    """The keys of an instance. The functions that use a key check that the instance exists."""
     return InstanceKeys(name)

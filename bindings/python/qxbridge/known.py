@@ -1,5 +1,5 @@
-"""What the library knows of the configuration, as far as it decides whether a call is fatal: the
-instances, and the values that were loaded or set."""
+"""A copy of the library's configuration that decides whether a call would be fatal: the instances, and the
+values that were loaded or set."""
 
 import re
 import threading
@@ -10,11 +10,10 @@ from .conf_file import INSTANCE_PREFIX, entries, split_key
 from .errors import BridgeKeyError
 from .generated import Property
 
-# A loaded instance has a value other than 0 and "" for at least one of these: each has such a default.
+# At least one of these is not 0 or "" for a loaded instance: each has such a default.
 _PROBES = ("dpi", "max_fps", "eco_mode_max_fps", "gl_win_height", "display_name")
 
-# What the library's conversion takes for a number: it stops at the first other character, and
-# refuses only what gives 0 so.
+# The library's conversion stops at the first other character, and rejects only a text that yields 0 that way.
 _NUMBER = re.compile(r"[ \t\n\v\f\r]*[+-]?([0-9]+)")
 
 
@@ -33,13 +32,13 @@ def is_readable(type_: str, text: str) -> bool:
 
 
 def _instances_in(content: bytes) -> Set[str]:
-    """All of them, also after a line at which a load stops."""
+    """All instances, also after a line at which a load stops."""
     keys = [split_key(one[0]) for one in entries(content) if one is not None]
     return {one.instance for one in keys if one.scope == "instance" and one.has_property}
 
 
 def _values_in(content: bytes) -> Dict[str, str]:
-    """Up to the line at which a load stops."""
+    """The values up to the line at which a load stops."""
     values: Dict[str, str] = {}
     for one in entries(content):
         if one is None or not catalogue.is_declared(one[0]):
@@ -49,28 +48,27 @@ def _values_in(content: bytes) -> Dict[str, str]:
 
 
 class Known:
-    """Follows the library: it loads where the library does. Its methods may be called from any
-    thread."""
+    """Loads the file whenever the library does. Its methods may be called from any thread."""
 
     def __init__(self, read: Callable[[], bytes]) -> None:
-        self._read = read  # the file's content; empty where there is none
+        self._read = read  # returns the file's content; empty when there is none
         self._lock = threading.RLock()
-        self._instances: Set[str] = set()  # of the file when it was last read
-        self._listed: Set[str] = set()  # that a listing can have
+        self._instances: Set[str] = set()  # in the file when it was last read
+        self._listed: Set[str] = set()  # possibly in a listing
         self._added: Set[str] = set()  # by this process
-        self._ready: Set[str] = set()  # that the library has loaded
+        self._ready: Set[str] = set()  # loaded by the library
         self._committed: Dict[str, str] = {}
         self._staged: Dict[str, str] = {}
 
     def start(self) -> None:
-        """For an initialisation: the global properties have their defaults again."""
+        """Called by an initialisation, which resets the global properties to their defaults."""
         with self._lock:
             self._committed = {key: value for key, value in self._committed.items()
                                if key.startswith(INSTANCE_PREFIX)}
             self.load()
 
     def load(self) -> None:
-        """The library loads the file. A value that the file lacks stays."""
+        """Called when the library loads the file. A value that the file lacks is kept."""
         content = self._read()
         with self._lock:
             self._instances = _instances_in(content)
@@ -78,7 +76,7 @@ class Known:
             self._committed.update(_values_in(content))
 
     def commit(self, call: Callable[[], None], always: bool) -> None:
-        """Around a commit, which loads the file, unless there is nothing to do."""
+        """Makes a commit, which loads the file unless there is nothing to do."""
         content = self._read()
         call()
         with self._lock:
@@ -98,8 +96,8 @@ class Known:
             self._added.add(name)
 
     def require_listable(self) -> None:
-        """Before a listing: the library ends the process over an instance without an image, and over a
-        number that it cannot read."""
+        """Called before a listing, in which the library ends the process for an instance without an image
+        or a number that it cannot read."""
         with self._lock:
             names = sorted(self._listed)
         for name in names:
@@ -109,7 +107,8 @@ class Known:
                 self.require_value(key, catalogue.find(key)[1])
 
     def find(self, key: str, type_: str) -> Tuple[str, Property]:
-        """The key's instance, empty for a global one, and its property, if a call may have it."""
+        """The key's instance, empty for a global key, and its property. Raises BridgeKeyError for a key that
+        a call must not use."""
         parts, found = catalogue.find(key)
         catalogue.require_type(key, found, type_)
         if parts.scope == "instance":
@@ -117,7 +116,7 @@ class Known:
         return parts.instance, found
 
     def note_set(self, key: str, instance: str, found: Property, value: str) -> None:
-        """After a set, which stages what differs and makes the instance known."""
+        """Called after a set, which stages a different value and creates the instance."""
         with self._lock:
             if instance:
                 self._listed.add(instance)
@@ -127,7 +126,7 @@ class Known:
                 self._staged[key] = value
 
     def require_value(self, key: str, found: Property) -> None:
-        """Before a get: the library ends the process over a value that it cannot read."""
+        """Called before a get: the library ends the process for a value that it cannot read."""
         with self._lock:
             committed = self._committed.get(key, found.default)
             value = self._staged.get(key, committed)
@@ -137,9 +136,9 @@ class Known:
             raise BridgeKeyError(f'"{key}" has a value that cannot be read: "{value}"', key)
 
     def require_loaded(self, instance: str, has_value: Callable[[str, str], bool]) -> None:
-        """Before a get of an instance's key: it has values only where the library has loaded it.
+        """Called before a get of an instance's key: the library must have loaded the instance.
 
-        has_value(key, type) reads one, which never ends the process once its value was looked at.
+        has_value(key, type) reads a value that was checked, so it never ends the process.
         """
         if instance in self._ready:
             return

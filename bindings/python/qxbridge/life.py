@@ -1,4 +1,4 @@
-"""The library's life in this process: it starts once, and one Bridge has it."""
+"""The state of the library in this process: it starts once, and one Bridge owns it."""
 
 import threading
 from typing import Callable, Optional
@@ -7,7 +7,7 @@ _this_thread = threading.local()
 
 
 def mark_event_thread() -> None:
-    """Whoever calls this is called by the library."""
+    """Marks the calling thread as the library's event thread."""
     _this_thread.is_event_thread = True
 
 
@@ -38,10 +38,10 @@ class Life:
 
     def require_unstarted(self, what: str) -> None:
         if self._owner is not None or self._ended:
-            raise RuntimeError(f"{what} comes before init()")
+            raise RuntimeError(f"{what} must be called before init()")
 
     def end(self, owner: object) -> bool:
-        """Whether there is something to stop: the first time, for the owner."""
+        """Returns whether the library has to be stopped: true once, for the owner."""
         with self._lock:
             if self._owner is not owner:
                 return False
@@ -52,7 +52,7 @@ class Life:
         return self._owner is owner
 
     def require(self, owner: object) -> None:
-        """Before its start, and after its end, the library would end the process."""
+        """Raises RuntimeError before the start and after the end, when a call would end the process."""
         if self._owner is not owner:
             raise RuntimeError("the library has ended" if self._ended
                                else "the library is not started: call init() first")

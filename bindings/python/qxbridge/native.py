@@ -1,4 +1,4 @@
-"""The functions of the DLL, with values checked on their way in and results turned into errors."""
+"""The functions of the DLL, with checked arguments and with failing results turned into exceptions."""
 
 import ctypes
 import os
@@ -14,13 +14,13 @@ LIBRARY = "QX-Bridge.dll"
 
 
 def library_path() -> str:
-    """The library beside this module, as an installed package has it; else Windows looks for it."""
+    """The library beside this module, as in an installed package; else Windows searches for it."""
     beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), LIBRARY)
     return beside if _windows.exists(beside) else LIBRARY
 
 
 def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
-    """A type of its own for each: CFUNCTYPE gives equal signatures one type."""
+    """A separate type for each callback: CFUNCTYPE returns one type for equal signatures."""
     plain: Any = CFUNCTYPE(None, *parameters.values())
     members = dict(_flags_=plain._flags_, _argtypes_=plain._argtypes_, _restype_=plain._restype_)
     return type(name, (getattr(ctypes, "_CFuncPtr"),), members)
@@ -31,7 +31,7 @@ SIGNATURES = {
     name: (result, {one: CALLBACK_TYPES.get(type_, type_) for one, type_ in parameters.items()})
     for name, (result, parameters) in FUNCTIONS.items()}
 
-# What the library keeps pointers to. Never freed: events can come until the process ends.
+# The library keeps pointers to these. Never freed, because events can arrive until the process ends.
 _kept_texts: Dict[str, Any] = {}
 _kept_callbacks: List[Any] = []
 
@@ -45,7 +45,7 @@ def utf8(text: str, name: str = "text") -> bytes:
 
 
 def text_of(utf8_bytes: bytes) -> str:
-    """What the file or an event's sender wrote is passed on as it is: it need not be UTF-8."""
+    """A text from the file or from an event's sender, which may not be valid UTF-8."""
     return utf8_bytes.decode("utf-8", errors="replace")
 
 
@@ -70,10 +70,10 @@ def boolean(value: bool) -> bool:
 
 
 def callback_pointers(receive: Callable[..., None]) -> List[Any]:
-    """Functions for the library that call receive(name, *values). They are kept for ever."""
+    """Functions for the library that call receive(name, *values). They are never freed."""
     def pointer(name: str) -> Any:
         def call(*values: Any) -> None:
-            # The bytes live as long as the call.
+            # The bytes are valid only during the call.
             receive(name, *[text_of(one) if isinstance(one, bytes) else one for one in values])
 
         return CALLBACK_TYPES[name](call)
@@ -84,7 +84,7 @@ def callback_pointers(receive: Callable[..., None]) -> List[Any]:
 
 
 class Calls:
-    """The functions of the library, in their time."""
+    """Calls the functions of the library when its state allows it."""
 
     def __init__(self, library: Any) -> None:
         for name, (result, parameters) in SIGNATURES.items():

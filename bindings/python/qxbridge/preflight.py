@@ -1,4 +1,4 @@
-"""What would make the library refuse to start, or end the process, looked at before it is called."""
+"""Checks for everything that would make the library's start fail or end the process."""
 
 from typing import List, Optional
 
@@ -22,14 +22,14 @@ def _missing_data_folder() -> Problem:
 
 
 def _folder_to_write(folder: str) -> str:
-    """The folder itself or, of one that is missing, the nearest above it that is there."""
+    """The folder, or its nearest existing parent."""
     while folder and not _windows.is_folder(folder):
         folder = folder.rpartition("\\")[0]
     return folder
 
 
 def _own_log_folder(path: str) -> Optional[Problem]:
-    """The library makes the folders of a log's path as far as "\\" separates them."""
+    """The library creates the folders of a log's path that "\\" separates."""
     last = max(path.rfind("\\"), path.rfind("/"))
     if last < 0 or path[last] == "\\" or _windows.is_folder(path[:last]):
         return None
@@ -48,12 +48,12 @@ def _log(path: str) -> Optional[Problem]:
     if error == 0:
         return None
     return Problem(f"the log {path} cannot be opened (Windows error {error})",
-                   "let this user write to it, and close programs that keep it for themselves")
+                   "give this user the right to write it, and close programs that lock it")
 
 
 def _logs_folder(data: str, own_log: Optional[str]) -> Optional[Problem]:
     if own_log is not None:
-        # An empty path is standard output.
+        # An empty path means standard output.
         return (_own_log_folder(own_log) or _log(own_log)) if own_log else None
     folder = f"{data}\\Logs"
     if not _windows.is_folder(folder):
@@ -85,9 +85,9 @@ def _version(client_id: str) -> Optional[Problem]:
 
 def preflight(client_id: str, *, no_conf_file: bool = False,
               log_file: Optional[str] = None) -> List[Problem]:
-    """What keeps the library from starting; nothing where it starts. Needs no library."""
+    """The problems with which the library would not start; empty when there are none. Needs no library."""
     data = product.data_folder()
-    if not no_conf_file or log_file is None:  # else nothing is looked for there
+    if not no_conf_file or log_file is None:  # else nothing in it is used
         if not data:
             return [_missing_data_folder()]
         if not _windows.is_folder(data):

@@ -1,4 +1,4 @@
-"""Where the product's files are: the registry names its folders."""
+"""Paths of the product's files. The registry names their folders."""
 
 from typing import NamedTuple, Optional
 
@@ -10,7 +10,7 @@ MANAGER = "QX-MultiInstanceManager.exe"
 
 
 class Places(NamedTuple):
-    """Paths as the library makes them; empty where the registry does not say."""
+    """Paths as the library makes them; empty when the registry value is missing."""
 
     conf_file: str
     log_file: str
@@ -23,7 +23,7 @@ def _below(folder: str, path: str) -> str:
 
 
 def data_folder() -> str:
-    """Without a separator at its end; empty where the registry does not name it."""
+    """Without a separator at its end; empty when the registry value is missing."""
     return (_windows.registry_text(REGISTRY_KEY, "UserDefinedDir") or "").rstrip("\\")
 
 

@@ -1,4 +1,4 @@
-"""Work that a program was started for, and the event that says what became of it."""
+"""Work that a program was started for, and the event that reports its outcome."""
 
 import asyncio
 from concurrent import futures
@@ -13,9 +13,8 @@ E = TypeVar("E")
 
 
 class Work(Generic[E]):
-    """Started work. It is finished when the event that belongs to it has come: that event is the
-    outcome. It belongs to the oldest work that it fits to. Without listen() no event comes, and waiting
-    raises RuntimeError."""
+    """Started work. Its outcome is the event that reports its end. An event belongs to the oldest work that
+    it matches. Without listen() no event arrives, and waiting raises RuntimeError."""
 
     def __init__(self, type_: Type[E], is_outcome: Callable[[E], bool],
                  is_listening: Callable[[], bool]) -> None:
@@ -25,7 +24,7 @@ class Work(Generic[E]):
         self._outcome: "futures.Future[Optional[E]]" = futures.Future()  # None: the library ended
 
     def start(self, dispatcher: Dispatcher, start: Callable[[], None]) -> "Work[E]":
-        """Watches, then starts: the event may be there before start() returns."""
+        """Watches before it starts, because the event may arrive before start() returns."""
         dispatcher.watch(self)
         try:
             start()
@@ -39,7 +38,7 @@ class Work(Generic[E]):
         return self._outcome.done()
 
     def wait(self, timeout: Optional[float] = None) -> E:
-        """The outcome, waiting so many seconds at most: then TimeoutError, and the work goes on."""
+        """Returns the outcome. Raises TimeoutError after `timeout` seconds; the work goes on."""
         self._require_listening()
         if not self._outcome.done():
             life.refuse_event_thread("wait()")
@@ -54,7 +53,7 @@ class Work(Generic[E]):
         return self._event(await within(asyncio.wrap_future(self._outcome), timeout))
 
     def offer(self, event: Any) -> bool:
-        """On the event thread: whether this is the outcome."""
+        """Returns whether this is the outcome. Runs on the event thread."""
         if not isinstance(event, self._type) or not self._is_outcome(event):
             return False
         self._outcome.set_result(event)
@@ -66,7 +65,7 @@ class Work(Generic[E]):
 
     def _require_listening(self) -> None:
         if not self._outcome.done() and not self._is_listening():
-            raise RuntimeError("listen() comes first")
+            raise RuntimeError("call listen() first")
 
     @staticmethod
     def _event(outcome: Optional[E]) -> E:

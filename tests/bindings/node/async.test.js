@@ -28,9 +28,9 @@ const { conf } = bridge;
 const dpi = () => /dpi="(\d+)"/.exec(host.read('vantrel.conf'))[1];
 
 test('nothing is called before the initialisation', async () => {
-    await assert.rejects(conf.commitAsync(), /init\(\) comes first/);
-    await assert.rejects(bridge.instancesAsync(), /init\(\) comes first/);
-    await assert.rejects(bridge.appsAsync('N'), /init\(\) comes first/);
+    await assert.rejects(conf.commitAsync(), /call init\(\) first/);
+    await assert.rejects(bridge.instancesAsync(), /call init\(\) first/);
+    await assert.rejects(bridge.appsAsync('N'), /call init\(\) first/);
     bridge.init(host.CLIENT);
 });
 

@@ -36,17 +36,17 @@ function collect(names, count) {
 
 test('there is one library in a process', () => {
     assert.strictEqual(load(host.dll), bridge);
-    assert.throws(() => load('elsewhere.dll'), /is loaded already/);
+    assert.throws(() => load('elsewhere.dll'), /is already loaded/);
 });
 
 test('nothing is called before the initialisation', () => {
-    assert.throws(() => bridge.instances(), /init\(\) comes first/);
-    assert.throws(() => bridge.listen(), /init\(\) comes first/);
+    assert.throws(() => bridge.instances(), /call init\(\) first/);
+    assert.throws(() => bridge.listen(), /call init\(\) first/);
 });
 
 test('a client that the library does not know is refused', () => {
     assert.throws(() => bridge.init('Nobody'), failure('bridgeApiInit', RESULT.INVALID_ARGUMENT));
-    assert.throws(() => bridge.instances(), /init\(\) comes first/);
+    assert.throws(() => bridge.instances(), /call init\(\) first/);
     assert.throws(() => bridge.init(undefined), TypeError);
 });
 

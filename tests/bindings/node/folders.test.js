@@ -60,7 +60,7 @@ test('the library starts there, and the folders stay as they are afterwards', as
     bridge.init('Helper');
     assert.deepStrictEqual(bridge.instances().map((one) => one.displayName), ['Jeux']);
     const late = () => useFolders({ dataFolder: 'C:\\Late', installFolder: 'C:\\Late' });
-    assert.throws(late, (error) => error instanceof BridgeUsageError && error.message === 'useFolders() comes before init()');
+    assert.throws(late, (error) => error instanceof BridgeUsageError && error.message === 'useFolders() must be called before init()');
     await bridge.fini();
     assert.throws(late, BridgeUsageError);
     assert.strictEqual(registryText(KEY, 'UserDefinedDir'), host.data);

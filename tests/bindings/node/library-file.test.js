@@ -52,6 +52,6 @@ test('the library is loaded with Qt from beside the archive', () => {
     bridge.init('Helper', { noConfFile: true });
     assert.deepStrictEqual(bridge.instances(), []);
     assert.strictEqual(load(inside), bridge);
-    assert.throws(() => load(path.join(folder, 'QX-Bridge.dll')), { message: `${inside} is loaded already` });
+    assert.throws(() => load(path.join(folder, 'QX-Bridge.dll')), { message: `${inside} is already loaded` });
     return bridge.fini();
 });

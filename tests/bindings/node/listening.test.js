@@ -15,7 +15,7 @@ test('work has no outcome without listening', async () => {
     process.env.QX_STANDIN_CLIENTS = 'none';
     const work = bridge.uninstallApp('NodeEarly', 'p');
     process.env.QX_STANDIN_CLIENTS = host.CLIENT;
-    await assert.rejects(work.finished(), (error) => error instanceof BridgeUsageError && error.message === 'listen() comes first');
+    await assert.rejects(work.finished(), (error) => error instanceof BridgeUsageError && error.message === 'call listen() first');
 });
 
 test('listening is confirmed', async () => {

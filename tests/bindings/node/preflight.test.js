@@ -128,7 +128,7 @@ test('init() says the same instead of ending the process', () => {
     const [what, remedy] = [`the folder ${logs} does not exist`, 'create it: the log is written there'];
     assert.throws(() => bridge.init('Helper'),
         { constructor: PreflightError, problems: [{ what, remedy }], message: `${what}: ${remedy}` });
-    assert.throws(() => bridge.instances(), /init\(\) comes first/);
+    assert.throws(() => bridge.instances(), /call init\(\) first/);
     fs.mkdirSync(logs);
     bridge.init('Helper');
     assert.deepStrictEqual(bridge.instances(), []);

@@ -105,9 +105,9 @@ test('a signal is let go of when the wait is over', async () => {
 });
 
 test('without listening there is no outcome', async () => {
-    const works = new Works(() => { throw new BridgeUsageError('listen() comes first'); });
+    const works = new Works(() => { throw new BridgeUsageError('call listen() first'); });
     const work = works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing);
-    await assert.rejects(work.finished(), /listen\(\) comes first/);
+    await assert.rejects(work.finished(), /call listen\(\) first/);
 });
 
 test('the end of the library is the end of the wait', async () => {

@@ -50,7 +50,7 @@ class FoldersTest(Case):
         qxbridge.use_folders("C:\\Own", "C:\\Programs")
         self.start()
         for _ in range(2):
-            self.refused(RuntimeError, "use_folders() comes before init()",
+            self.refused(RuntimeError, "use_folders() must be called before init()",
                          qxbridge.use_folders, "C:\\New", "C:\\New")
             self.bridge.fini()
         self.assertEqual(self.windows.registry["UserDefinedDir"], "C:\\Own")

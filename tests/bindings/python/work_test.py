@@ -209,8 +209,8 @@ class WithoutListeningTest(Case):
     def test_nobody_can_wait(self):
         self.start()
         work = self.bridge.launch_app("N", "p")
-        self.refused(RuntimeError, "listen() comes first", work.wait)
-        self.refused(RuntimeError, "listen() comes first", lambda: run(work.finished()))
+        self.refused(RuntimeError, "call listen() first", work.wait)
+        self.refused(RuntimeError, "call listen() first", lambda: run(work.finished()))
         self.assertEqual(support.fake.taken(), ["bridgeLaunchApp N p"])
 
     def test_listening_may_begin_after_the_work(self):
@@ -224,4 +224,4 @@ class WithoutListeningTest(Case):
         self.start()
         self.windows.server = None
         self.assertRaises(ListenError, self.bridge.listen)
-        self.refused(RuntimeError, "listen() comes first", self.bridge.launch_app("N", "p").wait)
+        self.refused(RuntimeError, "call listen() first", self.bridge.launch_app("N", "p").wait)
