@@ -1,4 +1,4 @@
-// The parts of the C++ headers that need no library, beside the library's own where it has them.
+// The parts of the C++ headers that need no library, compared with the library's own.
 #include <bridge/conf_check.hpp>
 #include <bridge/configuration_file.hpp>
 #include <bridge/json.hpp>
@@ -20,34 +20,36 @@ using namespace bridge::detail;
 using namespace std::string_view_literals;
 
 TEST(HeadersTest, ReadableNumbersAreThoseThatTheLibraryReads) {
-    for (const std::string_view text : {""sv,
-                                        "0"sv,
-                                        "1"sv,
-                                        "-1"sv,
-                                        "+1"sv,
-                                        "+-1"sv,
-                                        "--1"sv,
-                                        "-"sv,
-                                        "+"sv,
-                                        " "sv,
-                                        " 12"sv,
-                                        "\t\n\v\f\r7"sv,
-                                        "12abc"sv,
-                                        "0abc"sv,
-                                        "abc"sv,
-                                        "0x10"sv,
-                                        "99999999999"sv,
-                                        "-99999999999"sv,
-                                        "99999999999abc"sv,
-                                        "1 "sv,
-                                        "0 "sv,
-                                        " 0"sv,
-                                        "00"sv,
-                                        "-0"sv,
-                                        "\0001"sv,
-                                        "+ 1"sv,
-                                        "1.5"sv,
-                                        "0.5"sv}) {
+    constexpr const char* kTexts[] = {"",
+                                      "0",
+                                      "1",
+                                      "-1",
+                                      "+1",
+                                      "+-1",
+                                      "--1",
+                                      "-",
+                                      "+",
+                                      " ",
+                                      " 12",
+                                      "\t\n\v\f\r7",
+                                      "12abc",
+                                      "0abc",
+                                      "abc",
+                                      "0x10",
+                                      "99999999999",
+                                      "-99999999999",
+                                      "99999999999abc",
+                                      "1 ",
+                                      "0 ",
+                                      " 0",
+                                      "00",
+                                      "-0",
+                                      "+ 1",
+                                      "1.5",
+                                      "0.5"};
+    std::vector<std::string_view> texts(std::begin(kTexts), std::end(kTexts));
+    texts.push_back("\0001"sv);
+    for (const std::string_view text : texts) {
         std::int32_t number = 0;
         EXPECT_EQ(isReadableI32(text), confParseI32(text, number)) << "\"" << text << "\"";
     }
@@ -121,11 +123,11 @@ TEST(HeadersTest, ALineThatTheLibraryRefusesEndsTheValues) {
     EXPECT_EQ(contentOf("\xEF\xBB\xBFvtr.locale=\"fr\"\n").values.size(), 0u);
 }
 
-TEST(HeadersTest, AValueThatEndsWithALineEndOfWindowsKeepsItsQuote) {
+TEST(HeadersTest, ACarriageReturnAtTheEndOfALineKeepsTheQuote) {
     EXPECT_EQ(contentOf("vtr.locale=\"fr\"\r\n").values.at("vtr.locale"), "fr\"");
 }
 
-TEST(HeadersTest, TheDistanceOfTextsCountsLetters) {
+TEST(HeadersTest, TheEditDistanceCountsLetters) {
     EXPECT_EQ(editDistance("", ""), 0u);
     EXPECT_EQ(editDistance("locale", "locale"), 0u);
     EXPECT_EQ(editDistance("locael", "locale"), 2u);
@@ -158,7 +160,7 @@ TEST(HeadersTest, AListingIsReadWithEveryEscape) {
     EXPECT_TRUE(JsonReader("[]\n").objects().empty());
 }
 
-TEST(HeadersTest, WhatIsNoListingIsRefused) {
+TEST(HeadersTest, MalformedListingsAreRefused) {
     for (const std::string_view text :
          {""sv, "["sv, "{}"sv, "[{]"sv, "[{\"a\"}]"sv, "[{\"a\":}]"sv, "[{\"a\":\"}]"sv,
           "[{\"a\":\"\\x\"}]"sv, "[{\"a\":1 \"b\":2}]"sv, "[{\"a\":[]}]"sv}) {

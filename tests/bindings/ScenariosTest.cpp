@@ -1,10 +1,11 @@
-// Plays scenarios.txt in every language: the same steps have the same outcome.
+// Plays scenarios.txt in every language that runs on Windows here.
 #include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <ostream>
@@ -41,29 +42,22 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : value;
 }
 
-// A row for each language. One whose host this build does not have is left out.
 std::vector<Language> languages() {
     const std::string library = builtProgram("QX-Bridge.dll");
-    const std::vector<Language> all = {
+    return {
         {"cpp", builtProgram("scenario_cpp.exe"), {}, "Uninstaller"},
         {"csharp",
          environment("QX_DOTNET"),
          {environment("QX_DOTNET_SCENARIO"), library},
          "Uninstaller"},
         {"node", environment("QX_NODE"), {environment("QX_NODE_SCENARIO"), library}, "Launcher"}};
-    std::vector<Language> built;
-    for (const Language& one : all) {
-        const bool isBuilt = one.arguments.empty() || !one.arguments[0].empty();
-        if (isBuilt) built.push_back(one);
-    }
-    return built;
 }
 
-// The word before the first blank, and the rest.
-std::pair<std::string, std::string> cut(const std::string& line) {
-    const std::size_t blank = line.find(' ');
-    if (blank == std::string::npos) return {line, ""};
-    return {line.substr(0, blank), line.substr(blank + 1)};
+// The text before the first separator, and the text after it.
+std::pair<std::string, std::string> cut(const std::string& line, std::string_view separator = " ") {
+    const std::size_t at = line.find(separator);
+    if (at == std::string::npos) return {line, ""};
+    return {line.substr(0, at), line.substr(at + separator.size())};
 }
 
 void addLine(Scenario& scenario, const std::string& line) {
@@ -72,8 +66,11 @@ void addLine(Scenario& scenario, const std::string& line) {
                                                             {"conf", &Scenario::conf},
                                                             {"do", &Scenario::steps},
                                                             {"says", &Scenario::says}};
+    constexpr std::string_view kArrow = " -> ";
     const auto [kind, rest] = cut(line);
-    (scenario.*kinds.at(kind)).push_back(rest);
+    const auto [text, outcome] = cut(rest, kArrow);
+    (scenario.*kinds.at(kind)).push_back(text);
+    if (text.size() < rest.size()) scenario.says.push_back(outcome);
 }
 
 std::vector<Scenario> scenarios() {
@@ -92,7 +89,7 @@ std::vector<Scenario> scenarios() {
 
 using Play = std::tuple<Language, Scenario>;
 
-// What a failure says of the parameter.
+// The parameter in the message of a failure.
 void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.name; }
 
@@ -132,40 +129,29 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
         data.write("standin.script", script);
     }
 
-    // What a scenario can have beforehand.
+    // What can be given.
     void prepare(const std::string& what) {
-        const std::map<std::string, void (ScenariosTest::*)()> states = {
-            {"no registry value", &ScenariosTest::givenNoRegistryValue},
-            {"no data folder", &ScenariosTest::givenNoDataFolder},
-            {"no Logs", &ScenariosTest::givenNoLogs},
-            {"a folder in place of the log", &ScenariosTest::givenAFolderInPlaceOfTheLog},
-            {"no configuration file", &ScenariosTest::givenNoConfigurationFile},
-            {"a byte order mark", &ScenariosTest::givenAByteOrderMark},
-            {"programs", &ScenariosTest::givenPrograms},
-            {"another host listens", &ScenariosTest::givenAnotherHostListens}};
-        const std::map<std::string, void (ScenariosTest::*)(const std::string&)> lists = {
-            {"version", &ScenariosTest::givenVersion},
-            {"script", &ScenariosTest::givenScript},
-            {"event", &ScenariosTest::givenEvent},
-            {"later", &ScenariosTest::givenLater},
-            {"apps", &ScenariosTest::givenApps}};
-        const auto state = states.find(what);
-        if (state != states.end()) return (this->*state->second)();
+        using Given = std::function<void(const std::string& rest)>;
+        const std::map<std::string, Given> all = {
+            {"no registry value", [this](const auto&) { dataFolder.clear(); }},
+            {"no data folder", [this](const auto&) { dataFolder = data / "missing"; }},
+            {"no Logs", [this](const auto&) { removeFile(data / "Logs"); }},
+            {"a folder in place of the log",
+             [this](const auto&) { data.makeFolder("Logs\\Player.log"); }},
+            {"no configuration file", [this](const auto&) { hasConf = false; }},
+            {"a byte order mark", [this](const auto&) { mark = "\xEF\xBB\xBF"; }},
+            {"programs", [this](const auto&) { installFolder = standinProgram(""); }},
+            {"another host listens", [this](const auto&) { givenAnotherHostListens(); }},
+            {"version", [this](const auto& text) { productVersion = text; }},
+            {"script", [this](const auto& line) { script += line + "\n"; }},
+            {"event", [this](const auto& words) { events += "event " + words + "\n"; }},
+            {"later", [this](const auto& line) { later += line + "\n"; }},
+            {"apps", [this](const auto& text) { givenApps(text); }}};
+        const auto whole = all.find(what);
+        if (whole != all.end()) return whole->second("");
         const auto [kind, rest] = cut(what);
-        (this->*lists.at(kind))(rest);
+        all.at(kind)(rest);
     }
-
-    void givenNoRegistryValue() { dataFolder.clear(); }
-    void givenNoDataFolder() { dataFolder = data / "missing"; }
-    void givenNoLogs() { removeFile(data / "Logs"); }
-    void givenAFolderInPlaceOfTheLog() { data.makeFolder("Logs\\Player.log"); }
-    void givenNoConfigurationFile() { hasConf = false; }
-    void givenAByteOrderMark() { mark = "\xEF\xBB\xBF"; }
-    void givenPrograms() { installFolder = standinProgram(""); }
-    void givenVersion(const std::string& text) { productVersion = text; }
-    void givenScript(const std::string& line) { script += line + "\n"; }
-    void givenEvent(const std::string& words) { events += "event " + words + "\n"; }
-    void givenLater(const std::string& line) { later += line + "\n"; }
 
     void givenApps(const std::string& text) {
         const auto [instance, json] = cut(text);
@@ -211,7 +197,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
         return {language.program, arguments, options("standin.script")};
     }
 
-    // What the host says until it listens. What comes later comes then.
+    // The host's lines until it listens. Then come the lines of the file and the events.
     Lines linesUntilItListens(ChildProcess& host) {
         Lines lines;
         while (lines.size() < scenario.says.size() &&
@@ -257,7 +243,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
     std::string mark;
     std::string script;
     std::string events;
-    std::string later;  // lines that the file has when the host listens
+    std::string later;  // more lines of the file when the host listens
     bool hasConf = true;
     std::unique_ptr<ChildProcess> other;
     std::unique_ptr<ChildProcess> sender;

@@ -1,8 +1,7 @@
 /*
- * Stands for QX-Bridge.dll where the real one cannot run: the exports of bridge.h for this machine,
- * which write down how they were called. Those that do more are here; recorder.py writes the
- * others. The compiler holds both against the header. A binding's test asks the fake... functions
- * what arrived.
+ * A stand-in for QX-Bridge.dll on this system. Each export of bridge.h records its calls.
+ * recorder.py generates those that do nothing else, and the compiler checks all of them against
+ * the header. Tests read the calls, set results and send events with the fake... functions.
  */
 #include "fake_bridge.h"
 
@@ -21,7 +20,7 @@ static const char* keptClient;
 static volatile int flooding;
 static pthread_t flood;
 
-/* What reading a key, or a function that lists, returns from now on; "null" for the apps is null.
+/* What reads of a key return, and listings by the name of their function. "null" is a null pointer.
  */
 static struct {
     char* name;
@@ -29,7 +28,7 @@ static struct {
 } values[1024];
 static size_t valueCount;
 
-static struct {
+static struct slots {
     bridgeOnAppInstalled appInstalled;
     bridgeOnAppUninstalled appUninstalled;
     bridgeOnApkInstallCompleted apkInstallCompleted;
@@ -55,12 +54,12 @@ bridge_i32 note(const char* format, ...) {
     return answer;
 }
 
-static const char* valueOf(const char* name) {
+static const char* valueOr(const char* name, const char* text) {
     size_t i;
     for (i = 0; i < valueCount; ++i) {
         if (strcmp(values[i].name, name) == 0) return values[i].text;
     }
-    return NULL;
+    return text;
 }
 
 const char* shown(const char* text) { return text == NULL ? "(null)" : text; }
@@ -102,43 +101,25 @@ void fakeForgetValues(void) {
     }
 }
 
-static void* sendAll(void* utf8) {
-    const int full = utf8 != NULL;
-    if (slots.appInstalled)
-        slots.appInstalled(full ? "Nougat64" : "", full ? "com.größe" : "", full ? "Main" : "",
-                           full ? "第二 App" : "", full ? -5 : 0, full ? "1.0β" : "",
-                           full ? "C:\\Ü.png" : "", full ? 1 : 0);
-    if (slots.appUninstalled) slots.appUninstalled(full ? "Nougat64" : "", full ? "com.größe" : "");
-    if (slots.apkInstallCompleted)
-        slots.apkInstallCompleted(full ? "Nougat64" : "", full ? -1 : 0, full ? "C:\\П.apk" : "");
-    if (slots.instanceListUpdated) slots.instanceListUpdated();
-    if (slots.installImageProgress)
-        slots.installImageProgress(full ? "Nougat32" : "", full ? 1 : 0, full ? 33.125 : 0);
-    if (slots.createInstanceCompleted)
-        slots.createInstanceCompleted(full ? -2 : 0, full ? "Nougat64_1" : "");
-    if (slots.instanceConfigurationChanged)
-        slots.instanceConfigurationChanged(full ? "Nougat64" : "");
-    if (slots.appDisplayed) slots.appDisplayed(full ? "Nougat64" : "", full ? "😀" : "");
-    if (slots.accountListUpdated)
-        slots.accountListUpdated(full ? "Nougat64" : "", full ? "jürgen@example.com" : "",
-                                 full ? 2 : 0);
-    return NULL;
-}
-
-/* Every event once, on a thread that the binding has never seen; texts full or empty. */
-void fakeSend(int full) {
-    pthread_t thread;
-    pthread_create(&thread, NULL, sendAll, full ? (void*)"full" : NULL);
-    pthread_join(thread, NULL);
-}
-
+/* An event: the texts of its function in their order, and its other values. */
 struct event {
-    int slot;                 /* from 1, as bridge.h counts them */
-    const char* const* texts; /* all of the event's, in its order */
+    int slot; /* from 1, in the order of bridge.h */
+    const char* texts[6];
     int number;
     double progress;
     int flag;
 };
+
+static const struct event fullEvents[] = {
+    {1, {"Nougat64", "com.größe", "Main", "第二 App", "1.0β", "C:\\Ü.png"}, -5, 0, 1},
+    {2, {"Nougat64", "com.größe"}, 0, 0, 0},
+    {3, {"Nougat64", "C:\\П.apk"}, -1, 0, 0},
+    {4, {""}, 0, 0, 0},
+    {5, {"Nougat32"}, 1, 33.125, 0},
+    {6, {"Nougat64_1"}, -2, 0, 0},
+    {7, {"Nougat64"}, 0, 0, 0},
+    {8, {"Nougat64", "😀"}, 0, 0, 0},
+    {9, {"Nougat64", "jürgen@example.com"}, 2, 0, 0}};
 
 static void* sendOne(void* memory) {
     const struct event* one = (const struct event*)memory;
@@ -159,17 +140,31 @@ static void* sendOne(void* memory) {
     return NULL;
 }
 
-/* One event, on a thread of its own. */
-void fakeEvent(int slot, const char* const* texts, int number, double progress, int flag) {
-    struct event one;
+static void* sendAll(void* full) {
+    size_t i;
+    for (i = 0; i < sizeof fullEvents / sizeof *fullEvents; ++i) {
+        struct event one = {0, {"", "", "", "", "", ""}, 0, 0, 0};
+        if (full != NULL) one = fullEvents[i];
+        one.slot = fullEvents[i].slot;
+        sendOne(&one);
+    }
+    return NULL;
+}
+
+/* Runs a function on a new thread, which the binding has never seen. */
+static void onThread(void* (*function)(void*), void* argument) {
     pthread_t thread;
-    one.slot = slot;
-    one.texts = texts;
-    one.number = number;
-    one.progress = progress;
-    one.flag = flag;
-    pthread_create(&thread, NULL, sendOne, &one);
+    pthread_create(&thread, NULL, function, argument);
     pthread_join(thread, NULL);
+}
+
+/* Every event once, with full or empty texts. */
+void fakeSend(int full) { onThread(sendAll, full ? (void*)"full" : NULL); }
+
+void fakeEvent(int slot, const char* const* texts, int number, double progress, int flag) {
+    struct event one = {slot, {NULL}, number, progress, flag};
+    memcpy(one.texts, texts, sizeof one.texts);
+    onThread(sendOne, &one);
 }
 
 static void* sendUntilEnd(void* unused) {
@@ -178,8 +173,7 @@ static void* sendUntilEnd(void* unused) {
     return NULL;
 }
 
-/* One event after another, until bridgeApiFini, which waits for the callback as the library does.
- */
+/* One event after another until bridgeApiFini, which waits for the callback as the library does. */
 void fakeFlood(void) {
     flooding = 1;
     pthread_create(&flood, NULL, sendUntilEnd, NULL);
@@ -205,36 +199,27 @@ bridge_i32 bridgeApiFini(void) {
 }
 bridge_bool bridgeConfGetBool(const char* key) {
     note("bridgeConfGetBool %s", shown(key));
-    if (valueOf(key) != NULL) return strcmp(valueOf(key), "1") == 0;
-    return strcmp(key, "true") == 0;
+    return strcmp(valueOr(key, "0"), "1") == 0;
 }
 bridge_i32 bridgeConfGetI32(const char* key) {
     note("bridgeConfGetI32 %s", shown(key));
-    if (valueOf(key) != NULL) return atoi(valueOf(key));
-    return -2147483647;
-}
-bridge_i64 bridgeConfGetI64(const char* key) {
-    note("bridgeConfGetI64 %s", shown(key));
-    return -9007199254740993;
+    return atoi(valueOr(key, "-2147483647"));
 }
 char* bridgeConfGetString(const char* key) {
     note("bridgeConfGetString %s", shown(key));
-    if (valueOf(key) != NULL) return textFor(NULL, valueOf(key));
-    return textFor(key, strcmp(key, "empty") == 0 ? "" : "Größe 日本 😀");
+    return textFor(NULL, valueOr(key, "Größe 日本 😀"));
 }
 char* bridgeConfGetMultiString(const char* key) {
     note("bridgeConfGetMultiString %s", shown(key));
-    if (valueOf(key) != NULL) return textFor(NULL, valueOf(key));
-    return textFor(key, strcmp(key, "empty") == 0 ? "" : "Bilder,Größe");
+    return textFor(NULL, valueOr(key, "Bilder,Größe"));
 }
 char* bridgeConfGetInstances(void) {
     note("bridgeConfGetInstances");
-    if (valueOf("bridgeConfGetInstances") != NULL)
-        return textFor(NULL, valueOf("bridgeConfGetInstances"));
-    return textFor(NULL,
-                   "[{\"instance\":\"Nougat64\",\"deviceProfile\":\"s21u\",\"graphicsEngine\":"
-                   "\"aga\",\"graphicsRenderer\":\"dx\",\"imageName\":\"Nougat64\","
-                   "\"displayName\":\"Größe\",\"ram\":4096,\"cpu\":4}]");
+    return textFor(
+        NULL, valueOr("bridgeConfGetInstances",
+                      "[{\"instance\":\"Nougat64\",\"deviceProfile\":\"s21u\",\"graphicsEngine\":"
+                      "\"aga\",\"graphicsRenderer\":\"dx\",\"imageName\":\"Nougat64\","
+                      "\"displayName\":\"Größe\",\"ram\":4096,\"cpu\":4}]"));
 }
 void bridgeFreeMemory(void* memory) {
     if (memory == NULL) return;
@@ -250,22 +235,22 @@ void bridgeRegisterCallbacks(bridgeOnAppInstalled onAppInstalled,
                              bridgeOnInstanceConfigurationChanged onInstanceConfigurationChanged,
                              bridgeOnAppDisplayed onAppDisplayed,
                              bridgeOnAccountListUpdated onAccountListUpdated) {
-    slots.appInstalled = onAppInstalled;
-    slots.appUninstalled = onAppUninstalled;
-    slots.apkInstallCompleted = onApkInstallCompleted;
-    slots.instanceListUpdated = onInstanceListUpdated;
-    slots.installImageProgress = installImageProgress;
-    slots.createInstanceCompleted = onCreateInstanceCompleted;
-    slots.instanceConfigurationChanged = onInstanceConfigurationChanged;
-    slots.appDisplayed = onAppDisplayed;
-    slots.accountListUpdated = onAccountListUpdated;
+    slots = (struct slots){onAppInstalled,
+                           onAppUninstalled,
+                           onApkInstallCompleted,
+                           onInstanceListUpdated,
+                           installImageProgress,
+                           onCreateInstanceCompleted,
+                           onInstanceConfigurationChanged,
+                           onAppDisplayed,
+                           onAccountListUpdated};
     note("bridgeRegisterCallbacks");
 }
 char* bridgeGetInstalledApps(const char* instance) {
+    const char* apps =
+        "[{\"package\":\"com.größe\",\"activity\":\"Main\",\"appLabel\":\"第二\","
+        "\"versionCode\":-5,\"versionName\":\"1.0β\",\"iconFilePath\":\"a.png\"}]";
     note("bridgeGetInstalledApps %s", shown(instance));
-    if (valueOf("bridgeGetInstalledApps") != NULL)
-        return textFor(valueOf("bridgeGetInstalledApps"), valueOf("bridgeGetInstalledApps"));
-    return textFor(instance,
-                   "[{\"package\":\"com.größe\",\"activity\":\"Main\",\"appLabel\":\"第二\","
-                   "\"versionCode\":-5,\"versionName\":\"1.0β\",\"iconFilePath\":\"a.png\"}]");
+    apps = valueOr("bridgeGetInstalledApps", apps);
+    return textFor(strcmp(apps, "null") == 0 ? apps : instance, apps);
 }

@@ -1,10 +1,9 @@
 #!/usr/bin/env python3
 """Plays the steps of a scenario over the Python binding: scenario.py LIBRARY DATA-FOLDER
-INSTALL-FOLDER STEP... A step is a word and its arguments, joined by tabs. Prints a line for each
-outcome, and "finished" at the end.
+INSTALL-FOLDER STEP... Tabs separate the words of a step, which scenarios.txt describes.
 
-A library that is not a DLL is the stand-in of the tests, which gets a configuration and programs from
-python/fake_product.py. With the DLL the registry has to name the folders.
+A library that is not a DLL is the stand-in of the tests; python/fake_product.py gives it a configuration
+and programs. With the DLL the registry names the folders.
 """
 
 import asyncio
@@ -18,7 +17,7 @@ sys.path[:0] = [str(HERE.parents[1] / "bindings" / "python"), str(HERE / "python
 import qxbridge  # noqa: E402
 from qxbridge import catalogue, keys  # noqa: E402
 
-LIMIT, SHORT_LIMIT = 30, 1  # seconds
+LIMIT, SHORT_LIMIT = 30, 0.1  # seconds
 
 
 def say(line):

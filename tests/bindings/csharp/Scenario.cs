@@ -16,7 +16,7 @@ sealed class Scenario : IDisposable
     static readonly StreamWriter Output =
         new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true, NewLine = "\n" };
 
-    static readonly TimeSpan Short = TimeSpan.FromSeconds(1), Long = TimeSpan.FromSeconds(30);
+    static readonly TimeSpan Short = TimeSpan.FromMilliseconds(100), Long = TimeSpan.FromSeconds(30);
 
     private readonly Dictionary<string, Action<string[]>> words;
     private Session session;

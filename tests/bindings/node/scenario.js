@@ -1,8 +1,7 @@
 'use strict';
-// Plays the steps of a scenario: scenario.js LIBRARY DATA-FOLDER INSTALL-FOLDER STEP... A step is a word
-// and its arguments, joined by tabs; scenarios.txt has the words. Prints a line for each outcome, and
-// "finished" at the end. Without a data folder there is none in the registry. QX_SCENARIO_VERSION is the
-// product's version.
+// Plays the steps of a scenario: scenario.js LIBRARY DATA-FOLDER INSTALL-FOLDER STEP... Tabs separate the
+// words of a step, which scenarios.txt describes. The registry has no value for an empty data folder.
+// QX_SCENARIO_VERSION is the product's version.
 
 const fs = require('fs');
 const { removeProduct, setProduct } = require('./registry');
@@ -13,7 +12,7 @@ const { VERSION } = require('qx-bridge/bridge.generated');
 const { findProperty } = require('qx-bridge/keys');
 
 const LIMIT = 30000;
-const SHORT_LIMIT = 1000;
+const SHORT_LIMIT = 100;
 
 const [library, data, install, ...steps] = process.argv.slice(2);
 if (data !== '') setProduct('UserDefinedDir', data);
@@ -22,7 +21,7 @@ setProduct('InstallDir', install);
 setProduct('Version', process.env.QX_SCENARIO_VERSION || VERSION);
 
 const bridge = load(library);
-let events; // streams that begin before "listening" is said
+let events; // streams that begin before "listening" is printed
 let few;
 
 const say = (line) => fs.writeSync(1, `${line}\n`);
@@ -37,7 +36,7 @@ const PARSE = {
     'multi-string': (text) => (text === '' ? [] : text.split('|')),
 };
 
-// A key that the catalogue does not have is read and set as a text.
+// A key that the catalogue lacks is read and set as a text.
 function typeOf(key) {
     const property = findProperty(key);
     return property === null ? 'string' : property.type;
@@ -47,7 +46,6 @@ function get(key, type = typeOf(key)) {
     say(`${type} ${shown(bridge.conf[`get${METHODS[type]}`](key))}`);
 }
 
-// Waits for a work, and says its outcome.
 async function sayOutcome(work, last, show) {
     try {
         say(show(await work.finished({ timeout: last === 'short' ? SHORT_LIMIT : LIMIT })));

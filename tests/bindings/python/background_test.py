@@ -4,11 +4,7 @@ import asyncio
 import threading
 
 import support
-from support import Case
-
-
-def run(coroutine):
-    return asyncio.run(asyncio.wait_for(coroutine, 60))
+from support import Case, run
 
 
 class BackgroundTest(Case):

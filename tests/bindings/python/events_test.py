@@ -6,7 +6,7 @@ import qxbridge
 import support
 from qxbridge import (AccountListUpdated, AppDisplayed, Callbacks, EventOverflow, InstanceListUpdated,
                       InstallImageProgress)
-from support import Case
+from support import Case, run
 
 
 async def next_of(stream):
@@ -15,10 +15,6 @@ async def next_of(stream):
 
 async def rest_of(stream):
     return [one async for one in stream]
-
-
-def run(coroutine):
-    return asyncio.run(asyncio.wait_for(coroutine, 60))
 
 
 class EventsTest(Case):

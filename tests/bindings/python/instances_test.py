@@ -1,10 +1,12 @@
-"""Instances that are known, and those that the library has loaded."""
+"""Which instances exist, and which of them the library has loaded."""
 
 import support
 from qxbridge import Callbacks
 from support import Case
 
 DPI = "vtr.instance.{}.dpi"
+NOUGAT = 'vtr.instance.Nougat64.dpi="240"'
+NOT_AN_IMAGE = '"Pie64" is not an image; there are Nougat32, Nougat64'
 ZERO = {"dpi": "0", "max_fps": "0", "eco_mode_max_fps": "0", "gl_win_height": "0", "display_name": ""}
 
 
@@ -24,7 +26,7 @@ class InstancesTest(Case):
                                "or after instanceListUpdated", self.bridge.conf.get_i32, DPI.format(name))
 
     def test_an_instance_that_does_not_exist(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         error = self.no_instance("nougat64", "Nougat64")
         self.assertEqual((error.key, error.suggestion), ("nougat64", "Nougat64"))
         self.no_instance("Pie")
@@ -41,22 +43,22 @@ class InstancesTest(Case):
         self.no_instance("Nougat64")
 
     def test_an_instance_that_another_program_created_is_found_and_not_read(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.loaded("Nougat64_1")
-        self.write('vtr.instance.Nougat64.dpi="240"', 'vtr.instance.Nougat64_1.dpi="320"')
+        self.write(NOUGAT, 'vtr.instance.Nougat64_1.dpi="320"')
         self.not_loaded("Nougat64_1")
         self.bridge.conf.set_i32(DPI.format("Nougat64_1"), 320)
         self.assertEqual(support.fake.taken()[-1], "bridgeConfSetI32 vtr.instance.Nougat64_1.dpi 320")
 
     def test_an_instance_that_is_gone_from_the_file(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.bridge.register(Callbacks())
         self.write()
         support.fake.event("instance_list_updated")
         self.no_instance("Nougat64")
 
     def test_a_commit_reads_which_instances_there_are(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.write()
         self.bridge.conf.commit()
         self.no_instance("Nougat64")
@@ -74,14 +76,14 @@ class InstancesTest(Case):
                 self.bridge.fini()
 
     def test_that_an_instance_is_loaded_is_looked_at_once(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.bridge.conf.get_i32("vtr.instance.Nougat64.ram")
         support.fake.taken()
         self.bridge.conf.get_i32("vtr.instance.Nougat64.ram")
         self.assertEqual(support.fake.taken(), ["bridgeConfGetI32 vtr.instance.Nougat64.ram"])
 
     def test_an_instance_that_is_not_loaded_is_looked_at_again(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.loaded("Nougat64")
         self.not_loaded("Nougat64")
         self.loaded("Nougat64", dpi="240")
@@ -117,18 +119,17 @@ class InstancesTest(Case):
         self.assertRaises(TypeError, self.bridge.conf.add_instance, None)
 
     def test_a_listing_with_an_instance_of_an_unknown_image(self):
-        self.start('vtr.instance.Nougat64.dpi="240"', 'vtr.instance.Pie64_1.dpi="240"')
-        message = '"Pie64" is not an image; there are Nougat32, Nougat64'
-        self.assertEqual(self.key_error(message, self.bridge.instances).key, "Pie64_1")
-        self.key_error(message, self.bridge.instances_json)
+        self.start(NOUGAT, 'vtr.instance.Pie64_1.dpi="240"')
+        self.assertEqual(self.key_error(NOT_AN_IMAGE, self.bridge.instances).key, "Pie64_1")
+        self.key_error(NOT_AN_IMAGE, self.bridge.instances_json)
 
     def test_a_listing_goes_by_what_was_loaded(self):
-        self.start('vtr.instance.Nougat64.dpi="240"')
+        self.start(NOUGAT)
         self.bridge.register(Callbacks())
         self.write('vtr.instance.Pie64.dpi="240"')
         self.bridge.instances()
         support.fake.event("instance_list_updated")
-        self.key_error('"Pie64" is not an image; there are Nougat32, Nougat64', self.bridge.instances)
+        self.key_error(NOT_AN_IMAGE, self.bridge.instances)
 
     def test_a_commit_brings_the_files_instances_into_the_listing(self):
         self.start()
@@ -136,13 +137,13 @@ class InstancesTest(Case):
         self.bridge.conf.set_bool("vtr.enable_adb_access", True)
         self.bridge.instances()
         self.bridge.conf.commit()
-        self.key_error('"Pie64" is not an image; there are Nougat32, Nougat64', self.bridge.instances)
+        self.key_error(NOT_AN_IMAGE, self.bridge.instances)
 
     def test_a_set_makes_an_instance_part_of_the_listing(self):
         self.start()
         self.write('vtr.instance.Pie64.dpi="240"')
         self.bridge.conf.set_i32(DPI.format("Pie64"), 320)
-        self.key_error('"Pie64" is not an image; there are Nougat32, Nougat64', self.bridge.instances)
+        self.key_error(NOT_AN_IMAGE, self.bridge.instances)
 
     def test_programs_take_any_instance(self):
         self.start()

@@ -9,6 +9,7 @@ from qxbridge.known import is_number
 from support import Case
 
 LOADED = 'vtr.instance.Nougat64.dpi="240"'
+RAW_MODE = "vtr.status.raw_mode"  # has no default
 
 
 class TypedKeysTest(Case):
@@ -140,51 +141,50 @@ class KeyChecksTest(Case):
 
 
 class ValueChecksTest(Case):
+    def no_value(self, key):
+        self.key_error(f'"{key}" has no value and no default', self.bridge.conf.get_bool, key)
+
+    def unreadable(self, key, value, get):
+        self.key_error(f'"{key}" has a value that cannot be read: "{value}"', get, key)
+
     def test_a_bool_without_a_value(self):
         self.start()
         for name in ("prefer_dedicated_gpu", "feature.macros", "status.raw_mode", "status.ssse3_available"):
-            self.key_error(f'"vtr.{name}" has no value and no default', self.bridge.conf.get_bool, f"vtr.{name}")
+            self.no_value(f"vtr.{name}")
 
     def test_a_bool_with_an_empty_value_has_none(self):
         self.start('vtr.status.raw_mode=""')
-        self.key_error('"vtr.status.raw_mode" has no value and no default',
-                       self.bridge.conf.get_bool, "vtr.status.raw_mode")
+        self.no_value(RAW_MODE)
 
     def test_a_bool_that_the_file_has(self):
         self.start('vtr.status.raw_mode="1"')
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
         self.assertEqual(support.fake.taken(), ["bridgeConfGetBool vtr.status.raw_mode"])
 
     def test_a_bool_that_this_process_set(self):
         self.start()
-        self.bridge.conf.set_bool("vtr.status.raw_mode", False)
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.set_bool(RAW_MODE, False)
+        self.bridge.conf.get_bool(RAW_MODE)
         self.assertEqual(support.fake.taken(), ["bridgeConfSetBool vtr.status.raw_mode 0",
                                                 "bridgeConfGetBool vtr.status.raw_mode"])
 
     def test_a_set_that_failed_is_none(self):
         self.start()
         support.fake.answer(22)
-        self.fails("bridgeConfSetBool", 22, self.bridge.conf.set_bool, "vtr.status.raw_mode", False)
-        self.key_error('"vtr.status.raw_mode" has no value and no default',
-                       self.bridge.conf.get_bool, "vtr.status.raw_mode")
+        self.fails("bridgeConfSetBool", 22, self.bridge.conf.set_bool, RAW_MODE, False)
+        self.no_value(RAW_MODE)
 
     def test_stored_values_that_cannot_be_read(self):
         self.start('vtr.enable_adb_access="yes"', 'vtr.mim.max_fps="abc"',
                    'vtr.instance.Nougat64.dpi="many"', 'vtr.enable_statusbar=""')
         conf = self.bridge.conf
-        self.key_error('"vtr.enable_adb_access" has a value that cannot be read: "yes"',
-                       conf.get_bool, "vtr.enable_adb_access")
-        self.key_error('"vtr.mim.max_fps" has a value that cannot be read: "abc"',
-                       conf.get_i32, "vtr.mim.max_fps")
-        self.key_error('"vtr.enable_statusbar" has a value that cannot be read: ""',
-                       conf.get_bool, "vtr.enable_statusbar")
-        self.refuse_dpi('"vtr.instance.Nougat64.dpi" has a value that cannot be read: "many"')
-
-    def refuse_dpi(self, message):
-        """That the instance is loaded is looked at before, by other keys than this one."""
-        self.refused(KeyError, message, self.bridge.conf.get_i32, "vtr.instance.Nougat64.dpi")
-        self.assertNotIn("bridgeConfGetI32 vtr.instance.Nougat64.dpi", support.fake.taken())
+        self.unreadable("vtr.enable_adb_access", "yes", conf.get_bool)
+        self.unreadable("vtr.mim.max_fps", "abc", conf.get_i32)
+        self.unreadable("vtr.enable_statusbar", "", conf.get_bool)
+        dpi = "vtr.instance.Nougat64.dpi"
+        self.refused(KeyError, f'"{dpi}" has a value that cannot be read: "many"', conf.get_i32, dpi)
+        # Other keys were read, to see whether the instance is loaded.
+        self.assertNotIn(f"bridgeConfGetI32 {dpi}", support.fake.taken())
 
     def test_a_set_value_takes_the_place_of_one_that_cannot_be_read(self):
         self.start('vtr.mim.max_fps="abc"')
@@ -192,7 +192,6 @@ class ValueChecksTest(Case):
         self.bridge.conf.get_i32("vtr.mim.max_fps")
 
     def test_numbers_that_the_library_reads(self):
-
         for text in ("", "0", "-0", "+0", " 12", "\t-3", "12abc", "99999999999", "-1", "007"):
             self.assertTrue(is_number(text), text)
         for text in ("abc", " ", "-", "+", "+-5", "0x", "0 ", "-0.", " abc", "--1", "٣"):
@@ -204,45 +203,41 @@ class ValueChecksTest(Case):
                 self.bridge = self.first()
                 self.start('vtr.feature.macros="1"', bad, 'vtr.status.raw_mode="1"')
                 self.bridge.conf.get_bool("vtr.feature.macros")
-                self.key_error('"vtr.status.raw_mode" has no value and no default',
-                               self.bridge.conf.get_bool, "vtr.status.raw_mode")
+                self.no_value(RAW_MODE)
                 self.bridge.fini()
 
     def test_the_longest_line_that_can_be_read(self):
         start = 'vtr.locale="'
         self.start(start + "x" * (4096 - len(start) - 1) + '"', 'vtr.status.raw_mode="1"')
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
 
     def test_a_file_with_other_line_ends_has_values_with_a_quote(self):
         self.start('vtr.enable_adb_access="1"\r')
-        self.key_error('"vtr.enable_adb_access" has a value that cannot be read: "1""',
-                       self.bridge.conf.get_bool, "vtr.enable_adb_access")
+        self.unreadable("vtr.enable_adb_access", '1"', self.bridge.conf.get_bool)
 
     def test_without_a_configuration_file_its_values_do_not_count(self):
         self.start('vtr.status.raw_mode="1"', no_conf_file=True)
-        self.key_error('"vtr.status.raw_mode" has no value and no default',
-                       self.bridge.conf.get_bool, "vtr.status.raw_mode")
+        self.no_value(RAW_MODE)
 
     def test_a_commit_loads_what_other_programs_wrote(self):
         self.start()
         self.write('vtr.status.raw_mode="1"')
         self.bridge.conf.set_bool("vtr.enable_adb_access", True)
         self.bridge.conf.commit()
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
 
     def test_a_commit_with_nothing_to_do_loads_nothing(self):
         self.start()
         self.write('vtr.status.raw_mode="1"')
         self.bridge.conf.set_bool("vtr.enable_adb_access", False)  # its default
         self.bridge.conf.commit()
-        self.key_error('"vtr.status.raw_mode" has no value and no default',
-                       self.bridge.conf.get_bool, "vtr.status.raw_mode")
+        self.no_value(RAW_MODE)
 
     def test_a_commit_to_another_file_always_loads(self):
         self.start()
         self.write('vtr.status.raw_mode="1"')
         self.bridge.conf.commit_to_file("C:\\other.conf")
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
 
     def test_the_next_load_takes_the_place_of_what_was_committed(self):
         self.start()
@@ -251,22 +246,20 @@ class ValueChecksTest(Case):
         self.write('vtr.enable_adb_access="maybe"')
         self.bridge.register(Callbacks())
         support.fake.event("instance_list_updated")
-        self.key_error('"vtr.enable_adb_access" has a value that cannot be read: "maybe"',
-                       self.bridge.conf.get_bool, "vtr.enable_adb_access")
+        self.unreadable("vtr.enable_adb_access", "maybe", self.bridge.conf.get_bool)
 
     def test_a_load_leaves_what_is_staged(self):
         self.start()
         self.bridge.register(Callbacks())
-        self.bridge.conf.set_bool("vtr.status.raw_mode", True)
+        self.bridge.conf.set_bool(RAW_MODE, True)
         support.fake.event("instance_configuration_changed", "Nougat64")
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
 
     def test_a_value_that_the_file_lost_stays_until_another_initialisation(self):
         self.start('vtr.status.raw_mode="1"')
         self.write('vtr.locale="de"')
         self.bridge.register(Callbacks())
         support.fake.event("instance_list_updated")
-        self.bridge.conf.get_bool("vtr.status.raw_mode")
+        self.bridge.conf.get_bool(RAW_MODE)
         self.bridge.init("Helper")
-        self.key_error('"vtr.status.raw_mode" has no value and no default',
-                       self.bridge.conf.get_bool, "vtr.status.raw_mode")
+        self.no_value(RAW_MODE)

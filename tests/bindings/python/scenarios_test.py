@@ -25,7 +25,10 @@ def read(path):
         if word == "scenario":
             lines = scenarios[rest] = {kind: [] for kind in KINDS}
         elif word and not word.startswith("#"):
-            lines[word].append(rest)
+            step, arrow, outcome = rest.partition(" -> ")
+            lines[word].append(step)
+            if arrow:
+                lines["says"].append(outcome)
     return scenarios
 
 

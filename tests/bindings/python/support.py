@@ -1,6 +1,7 @@
 """What the tests of the Python binding share: the stand-in of the library, and a Windows whose files
 are in a folder of this machine."""
 
+import asyncio
 import ctypes
 import pathlib
 import sys
@@ -121,6 +122,10 @@ def load(path):
 
 
 fake = None
+
+
+def run(coroutine):
+    return asyncio.run(asyncio.wait_for(coroutine, 60))
 
 
 class Case(unittest.TestCase):

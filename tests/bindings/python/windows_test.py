@@ -1,4 +1,4 @@
-"""What the binding asks Windows for, over functions that write down how they were called."""
+"""The calls of Windows, over functions that record them."""
 
 import ctypes
 import functools
@@ -285,26 +285,24 @@ class WindowsTest(unittest.TestCase):
         self.addCleanup(modules.stop)
         return registry
 
-    def test_the_types_of_what_is_passed(self):
+    def declared(self, load, counts, *names, **options):
+        """Loads a library of this name, with so many parameters of each function."""
         library = mock.MagicMock()
         self.patch(sys, "platform", "win32")
         self.patch(_windows.ctypes, "WinDLL", mock.MagicMock(return_value=library), create=True)
-        self.assertIs(_windows._kernel32(), library)
-        _windows.ctypes.WinDLL.assert_called_once_with("kernel32", use_last_error=True)
+        self.assertIs(load(), library)
+        _windows.ctypes.WinDLL.assert_called_once_with(*names, **options)
+        self.assertEqual({name: len(getattr(library, name).argtypes) for name in counts}, counts)
+        return library
+
+    def test_the_types_of_what_is_passed(self):
+        counts = {"CreateFileW": 7, "ReadFile": 5, "GetNamedPipeServerProcessId": 2, "CloseHandle": 1}
+        library = self.declared(_windows._kernel32, counts, "kernel32", use_last_error=True)
         self.assertIs(library.CreateFileW.restype, ctypes.c_void_p)
-        self.assertEqual([len(getattr(library, name).argtypes) for name in
-                          ("CreateFileW", "ReadFile", "GetNamedPipeServerProcessId", "CloseHandle")],
-                         [7, 5, 2, 1])
 
     def test_the_types_of_what_is_passed_to_the_registry(self):
-        library = mock.MagicMock()
-        self.patch(sys, "platform", "win32")
-        self.patch(_windows.ctypes, "WinDLL", mock.MagicMock(return_value=library), create=True)
-        self.assertIs(_windows._advapi32(), library)
-        _windows.ctypes.WinDLL.assert_called_once_with("advapi32")
-        self.assertEqual([len(getattr(library, name).argtypes) for name in
-                          ("RegCreateKeyExW", "RegOverridePredefKey", "RegDeleteTreeW", "RegCloseKey")],
-                         [9, 2, 2, 1])
+        counts = {"RegCreateKeyExW": 9, "RegOverridePredefKey": 2, "RegDeleteTreeW": 2, "RegCloseKey": 1}
+        self.declared(_windows._advapi32, counts, "advapi32")
 
     def test_the_last_error_is_the_threads_own(self):
         self.patch(sys, "platform", "win32")

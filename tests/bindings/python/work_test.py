@@ -6,11 +6,7 @@ import threading
 import support
 from qxbridge import (ApkInstallCompleted, AppDisplayed, AppUninstalled, BridgeError, Callbacks,
                       CreateInstanceCompleted, InstallImageProgress, ListenError)
-from support import Case
-
-
-def run(coroutine):
-    return asyncio.run(asyncio.wait_for(coroutine, 60))
+from support import Case, run
 
 
 class WorkTest(Case):

@@ -1,6 +1,6 @@
 // Plays the steps of a scenario over the C++ interface: scenario_cpp DATA-FOLDER INSTALL-FOLDER
-// STEP... A step is a word and its arguments, joined by tabs; scenarios.txt has the words. Prints a
-// line for each outcome, and "finished" at the end.
+// STEP... Tabs separate the words of a step, which scenarios.txt describes.
+#include <algorithm>
 #include <bridge/bridge.hpp>
 #include <chrono>
 #include <cstddef>
@@ -27,13 +27,7 @@ namespace {
 using Words = std::vector<std::string>;
 
 constexpr auto kLimit = std::chrono::seconds(30);
-constexpr auto kShortLimit = std::chrono::seconds(1);
-
-// What the steps of a scenario share. The queues begin before "listening" is said.
-struct Host {
-    std::unique_ptr<bridge::EventQueue> events;
-    std::unique_ptr<bridge::EventQueue> few;
-};
+constexpr auto kShortLimit = std::chrono::milliseconds(100);
 
 void say(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
@@ -47,25 +41,19 @@ Words split(std::string_view text, char separator) {
     }
 }
 
-std::string withCommas(std::string text) {
-    for (char& c : text) c = c == '|' ? ',' : c;
-    return text;
-}
-
-std::string withBars(std::string text) {
-    for (char& c : text) c = c == ',' ? '|' : c;
+std::string replaced(std::string text, char from, char to) {
+    std::replace(text.begin(), text.end(), from, to);
     return text;
 }
 
 const char* shown(bool value) { return value ? "true" : "false"; }
 
-std::string errorLine(const bridge::Status& status) {
-    const bridge::Error error = status.error();
+std::string errorLine(const bridge::Error& error) {
     return "error " + std::to_string(error.code()) + " " + std::string(error.name());
 }
 
 void sayStatus(const bridge::Status& status, const char* done) {
-    say(status.ok() ? done : errorLine(status));
+    say(status.ok() ? done : errorLine(status.error()));
 }
 
 bridge::Client clientOf(const std::string& id) {
@@ -77,20 +65,7 @@ bridge::Client clientOf(const std::string& id) {
     throw std::runtime_error("no client " + id);
 }
 
-void preflight(Host& /*host*/, const Words& words) {
-    const auto problems = bridge::preflight(clientOf(words[1]));
-    for (const bridge::Problem& one : problems) say("problem " + one.what);
-    if (problems.empty()) say("fine");
-}
-
-void init(Host& /*host*/, const Words& words) {
-    const auto problems = bridge::preflight(clientOf(words[1]));
-    if (!problems.empty()) return say("preflight " + std::to_string(problems.size()));
-    sayStatus(bridge::init(clientOf(words[1])), "started");
-}
-
-// The type that a step names, or that the catalogue has. A key that it lacks is the function's to
-// refuse.
+// The type that a step names, or the catalogue's. An unknown key is read as a text.
 bridge::KeyType typeOf(const Words& words, std::size_t index) {
     if (words.size() > index) {
         for (const auto type : {bridge::KeyType::Bool, bridge::KeyType::I32, bridge::KeyType::I64,
@@ -115,15 +90,9 @@ std::string valueOf(const std::string& key, bridge::KeyType type) {
         case KeyType::String:
             return conf::getString(key).value();
         case KeyType::MultiString:
-            return withBars(conf::getMultiString(key).value());
+            return replaced(conf::getMultiString(key).value(), ',', '|');
     }
     return {};
-}
-
-void get(Host& /*host*/, const Words& words) {
-    const bridge::KeyType type = typeOf(words, 2);
-    const std::string value = valueOf(words[1], type);
-    say(std::string(bridge::nameOf(type)) + " " + value);
 }
 
 bridge::Status setTo(const std::string& key, bridge::KeyType type, const std::string& value) {
@@ -138,89 +107,29 @@ bridge::Status setTo(const std::string& key, bridge::KeyType type, const std::st
         case KeyType::String:
             return conf::setString(key, value);
         case KeyType::MultiString:
-            return conf::setMultiString(key, withCommas(value));
+            return conf::setMultiString(key, replaced(value, '|', ','));
     }
     return Status(BRIDGE_FAILURE);
 }
 
-void set(Host& /*host*/, const Words& words) {
-    sayStatus(setTo(words[1], typeOf(words, 3), words[2]), "set");
+std::string outcome(const bridge::events::AppDisplayed& e) {
+    return "displayed " + e.instance + " " + e.package;
+}
+std::string outcome(const bridge::events::AppUninstalled& /*e*/) { return "uninstalled"; }
+std::string outcome(const bridge::events::ApkInstallCompleted& e) {
+    return "installed " + std::to_string(e.status);
+}
+std::string outcome(const bridge::events::InstallImageProgress& e) {
+    return "image " + std::to_string(e.status);
+}
+std::string outcome(const bridge::events::CreateInstanceCompleted& e) {
+    return "created " + std::to_string(e.status) + " " + e.instance;
 }
 
-void getTyped(Host& /*host*/, const Words& /*words*/) {
-    namespace keys = bridge::keys;
-    const bool enabled = bridge::conf::get(keys::enable_adb_access);
-    const std::int32_t dpi = bridge::conf::get(keys::instance("Nougat64").dpi);
-    say(std::string("typed ") + shown(enabled) + " " + std::to_string(dpi));
-}
-
-void addInstance(Host& /*host*/, const Words& words) {
-    bridge::conf::addInstance(words[1]);
-    say("added");
-}
-
-void commit(Host& /*host*/, const Words& /*words*/) {
-    sayStatus(bridge::conf::commit(), "committed");
-}
-
-void commitToFile(Host& /*host*/, const Words& words) {
-    sayStatus(bridge::conf::commitToFile(words[1]), "committed");
-}
-
-void instances(Host& /*host*/, const Words& /*words*/) {
-    for (const bridge::Instance& one : bridge::instanceList().value()) {
-        say("instance " + one.instance + " " + one.displayName + " " + one.imageName + " " +
-            std::to_string(one.ram) + " " + std::to_string(one.cpu));
-    }
-}
-
-void apps(Host& /*host*/, const Words& words) {
-    for (const bridge::App& one : bridge::appList(words[1]).value()) {
-        say("app " + one.package + " " + one.appLabel + " " + std::to_string(one.versionCode));
-    }
-}
-
-void listen(Host& host, const Words& /*words*/) {
-    constexpr std::size_t kFew = 2;
-    host.events = std::make_unique<bridge::EventQueue>();
-    host.few = std::make_unique<bridge::EventQueue>(kFew);
-    say(bridge::listen({}, kLimit).ok ? "listening" : "listen error");
-}
-
-// Waits for a work, and says its outcome.
-template <typename Outcome, typename Show>
-void sayOutcome(const bridge::Work<Outcome>& work, const Words& words, Show show) {
-    const bool isShort = words.back() == "short";
-    const auto outcome = work.wait(isShort ? kShortLimit : kLimit);
-    say(outcome ? show(*outcome) : "time-out");
-}
-
-void launch(Host& /*host*/, const Words& words) {
-    sayOutcome(bridge::work::launchApp(words[1], words[2]), words, [](const auto& event) {
-        return "displayed " + event.instance + " " + event.package;
-    });
-}
-
-void installApk(Host& /*host*/, const Words& words) {
-    sayOutcome(bridge::work::installApk(words[1], words[2]), words,
-               [](const auto& event) { return "installed " + std::to_string(event.status); });
-}
-
-void uninstall(Host& /*host*/, const Words& words) {
-    sayOutcome(bridge::work::uninstallApp(words[1], words[2]), words,
-               [](const auto&) { return std::string("uninstalled"); });
-}
-
-void installImage(Host& /*host*/, const Words& words) {
-    sayOutcome(bridge::work::installImage(words[1]), words,
-               [](const auto& event) { return "image " + std::to_string(event.status); });
-}
-
-void create(Host& /*host*/, const Words& words) {
-    sayOutcome(bridge::work::createFreshInstance({words[1], "2", "2048", "aga", "dx", "s21"}),
-               words, [](const auto& event) {
-                   return "created " + std::to_string(event.status) + " " + event.instance;
-               });
+template <typename Event>
+void sayOutcome(const bridge::Work<Event>& work, const Words& words) {
+    const auto event = work.wait(words.back() == "short" ? kShortLimit : kLimit);
+    say(event ? outcome(*event) : "time-out");
 }
 
 std::string text(const std::string& value) { return value; }
@@ -241,38 +150,35 @@ std::string joined(const Values&... values) {
     return all;
 }
 
-struct ValuesOf {
-    std::string operator()(const bridge::events::AppInstalled& e) const {
-        return joined(e.instance, e.package, e.activity, e.appLabel, e.versionCode, e.versionName,
-                      e.iconFilePath, e.isUpdate);
-    }
-    std::string operator()(const bridge::events::AppUninstalled& e) const {
-        return joined(e.instance, e.package);
-    }
-    std::string operator()(const bridge::events::ApkInstallCompleted& e) const {
-        return joined(e.instance, e.status, e.apkFilePath);
-    }
-    std::string operator()(const bridge::events::InstanceListUpdated& /*e*/) const { return {}; }
-    std::string operator()(const bridge::events::InstallImageProgress& e) const {
-        return joined(e.imageName, e.status, e.progress);
-    }
-    std::string operator()(const bridge::events::CreateInstanceCompleted& e) const {
-        return joined(e.status, e.instance);
-    }
-    std::string operator()(const bridge::events::InstanceConfigurationChanged& e) const {
-        return joined(e.instance);
-    }
-    std::string operator()(const bridge::events::AppDisplayed& e) const {
-        return joined(e.instance, e.package);
-    }
-    std::string operator()(const bridge::events::AccountListUpdated& e) const {
-        return joined(e.instance, e.emailId, e.action);
-    }
+// A function for each kind of event.
+template <typename... Functions>
+struct Overloaded : Functions... {
+    using Functions::operator()...;
 };
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
+
+std::string valuesOf(const bridge::Event& event) {
+    using namespace bridge::events;
+    const Overloaded values{
+        [](const AppInstalled& e) {
+            return joined(e.instance, e.package, e.activity, e.appLabel, e.versionCode,
+                          e.versionName, e.iconFilePath, e.isUpdate);
+        },
+        [](const AppUninstalled& e) { return joined(e.instance, e.package); },
+        [](const ApkInstallCompleted& e) { return joined(e.instance, e.status, e.apkFilePath); },
+        [](const InstanceListUpdated& /*e*/) { return joined(); },
+        [](const InstallImageProgress& e) { return joined(e.imageName, e.status, e.progress); },
+        [](const CreateInstanceCompleted& e) { return joined(e.status, e.instance); },
+        [](const InstanceConfigurationChanged& e) { return joined(e.instance); },
+        [](const AppDisplayed& e) { return joined(e.instance, e.package); },
+        [](const AccountListUpdated& e) { return joined(e.instance, e.emailId, e.action); }};
+    return std::visit(values, event);
+}
 
 // "event NAME VALUES", without the blank where an event has no values.
 void sayEvent(const bridge::Event& event) {
-    const std::string values = std::visit(ValuesOf(), event);
+    const std::string values = valuesOf(event);
     say("event " + std::string(bridge::nameOf(event)) + (values.empty() ? "" : " " + values));
 }
 
@@ -282,59 +188,115 @@ bridge::Event nextOf(bridge::EventQueue& queue) {
     return *std::move(event);
 }
 
-void events(Host& host, const Words& words) {
-    for (int i = std::atoi(words[1].c_str()); i > 0; --i) sayEvent(nextOf(*host.events));
-}
-
-void overflow(Host& host, const Words& /*words*/) {
-    for (int i = 0; i < 5; ++i) nextOf(*host.events);
-    try {
-        while (true) sayEvent(nextOf(*host.few));
-    } catch (const bridge::EventOverflow&) {
-        say("overflow");
+// The streams begin before "listening" is printed.
+class Host {
+ public:
+    void play(const std::string& step) {
+        const Words words = split(step, '\t');
+        try {
+            steps.at(words[0])(words);
+        } catch (const bridge::KeyError& error) {
+            say(std::string("key error ") + error.what());
+        } catch (const bridge::Error& error) {
+            say(errorLine(error));
+        }
     }
-}
 
-void fini(Host& /*host*/, const Words& /*words*/) {
-    bridge::finish();
-    say("ended");
-}
-
-using Step = void (*)(Host& host, const Words& words);
-
-const std::map<std::string, Step>& steps() {
-    static const std::map<std::string, Step> all = {{"preflight", preflight},
-                                                    {"init", init},
-                                                    {"get", get},
-                                                    {"set", set},
-                                                    {"gettyped", getTyped},
-                                                    {"addinstance", addInstance},
-                                                    {"commit", commit},
-                                                    {"committofile", commitToFile},
-                                                    {"instances", instances},
-                                                    {"apps", apps},
-                                                    {"listen", listen},
-                                                    {"launch", launch},
-                                                    {"installapk", installApk},
-                                                    {"uninstall", uninstall},
-                                                    {"installimage", installImage},
-                                                    {"create", create},
-                                                    {"events", events},
-                                                    {"overflow", overflow},
-                                                    {"fini", fini}};
-    return all;
-}
-
-void play(Host& host, const std::string& step) {
-    const Words words = split(step, '\t');
-    try {
-        steps().at(words[0])(host, words);
-    } catch (const bridge::KeyError& error) {
-        say(std::string("key error ") + error.what());
-    } catch (const bridge::Error& error) {
-        say("error " + std::to_string(error.code()) + " " + std::string(error.name()));
+ private:
+    static void preflight(const Words& words) {
+        const auto problems = bridge::preflight(clientOf(words[1]));
+        for (const bridge::Problem& one : problems) say("problem " + one.what);
+        if (problems.empty()) say("fine");
     }
-}
+
+    static void init(const Words& words) {
+        const auto problems = bridge::preflight(clientOf(words[1]));
+        if (!problems.empty()) return say("preflight " + std::to_string(problems.size()));
+        sayStatus(bridge::init(clientOf(words[1])), "started");
+    }
+
+    static void get(const Words& words) {
+        const bridge::KeyType type = typeOf(words, 2);
+        const std::string value = valueOf(words[1], type);
+        say(std::string(bridge::nameOf(type)) + " " + value);
+    }
+
+    static void getTyped(const Words& /*words*/) {
+        namespace keys = bridge::keys;
+        const bool enabled = bridge::conf::get(keys::enable_adb_access);
+        const std::int32_t dpi = bridge::conf::get(keys::instance("Nougat64").dpi);
+        say(std::string("typed ") + shown(enabled) + " " + std::to_string(dpi));
+    }
+
+    static void instances(const Words& /*words*/) {
+        for (const bridge::Instance& one : bridge::instanceList().value()) {
+            say("instance " + one.instance + " " + one.displayName + " " + one.imageName + " " +
+                std::to_string(one.ram) + " " + std::to_string(one.cpu));
+        }
+    }
+
+    static void apps(const Words& words) {
+        for (const bridge::App& one : bridge::appList(words[1]).value()) {
+            say("app " + one.package + " " + one.appLabel + " " + std::to_string(one.versionCode));
+        }
+    }
+
+    void listen(const Words& /*words*/) {
+        constexpr std::size_t kFew = 2;
+        queue = std::make_unique<bridge::EventQueue>();
+        few = std::make_unique<bridge::EventQueue>(kFew);
+        say(bridge::listen({}, kLimit).ok ? "listening" : "listen error");
+    }
+
+    void events(const Words& words) {
+        for (int i = std::atoi(words[1].c_str()); i > 0; --i) sayEvent(nextOf(*queue));
+    }
+
+    void overflow(const Words& /*words*/) {
+        for (int i = 0; i < 5; ++i) nextOf(*queue);
+        try {
+            while (true) sayEvent(nextOf(*few));
+        } catch (const bridge::EventOverflow&) {
+            say("overflow");
+        }
+    }
+
+    using Step = std::function<void(const Words& words)>;
+    const std::map<std::string, Step> steps = {
+        {"preflight", preflight},
+        {"init", init},
+        {"get", get},
+        {"set", [](auto& w) { sayStatus(setTo(w[1], typeOf(w, 3), w[2]), "set"); }},
+        {"gettyped", getTyped},
+        {"addinstance",
+         [](auto& w) {
+             bridge::conf::addInstance(w[1]);
+             say("added");
+         }},
+        {"commit", [](auto&) { sayStatus(bridge::conf::commit(), "committed"); }},
+        {"committofile", [](auto& w) { sayStatus(bridge::conf::commitToFile(w[1]), "committed"); }},
+        {"instances", instances},
+        {"apps", apps},
+        {"listen", [this](auto& w) { listen(w); }},
+        {"launch", [](auto& w) { sayOutcome(bridge::work::launchApp(w[1], w[2]), w); }},
+        {"installapk", [](auto& w) { sayOutcome(bridge::work::installApk(w[1], w[2]), w); }},
+        {"uninstall", [](auto& w) { sayOutcome(bridge::work::uninstallApp(w[1], w[2]), w); }},
+        {"installimage", [](auto& w) { sayOutcome(bridge::work::installImage(w[1]), w); }},
+        {"create",
+         [](auto& w) {
+             sayOutcome(bridge::work::createFreshInstance({w[1], "2", "2048", "aga", "dx", "s21"}),
+                        w);
+         }},
+        {"events", [this](auto& w) { events(w); }},
+        {"overflow", [this](auto& w) { overflow(w); }},
+        {"fini", [](auto&) {
+             bridge::finish();
+             say("ended");
+         }}};
+
+    std::unique_ptr<bridge::EventQueue> queue;
+    std::unique_ptr<bridge::EventQueue> few;
+};
 
 }  // namespace
 
@@ -347,7 +309,7 @@ int main() {
     const char* const version = std::getenv("QX_SCENARIO_VERSION");
     registry.set("Version", version == nullptr ? BRIDGE_VERSION_TEXT : version);
     Host host;
-    for (std::size_t i = 3; i < arguments.size(); ++i) play(host, arguments[i]);
+    for (std::size_t i = 3; i < arguments.size(); ++i) host.play(arguments[i]);
     say("finished");
     return 0;
 }
