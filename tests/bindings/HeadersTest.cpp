@@ -4,11 +4,11 @@
 #include <bridge/json.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfNumber.h"
@@ -19,40 +19,19 @@ namespace {
 using namespace bridge::detail;
 using namespace std::string_view_literals;
 
-TEST(HeadersTest, ReadableNumbersAreThoseThatTheLibraryReads) {
-    constexpr const char* kTexts[] = {"",
-                                      "0",
-                                      "1",
-                                      "-1",
-                                      "+1",
-                                      "+-1",
-                                      "--1",
-                                      "-",
-                                      "+",
-                                      " ",
-                                      " 12",
-                                      "\t\n\v\f\r7",
-                                      "12abc",
-                                      "0abc",
-                                      "abc",
-                                      "0x10",
-                                      "99999999999",
-                                      "-99999999999",
-                                      "99999999999abc",
-                                      "1 ",
-                                      "0 ",
-                                      " 0",
-                                      "00",
-                                      "-0",
-                                      "+ 1",
-                                      "1.5",
-                                      "0.5"};
-    std::vector<std::string_view> texts(std::begin(kTexts), std::end(kTexts));
-    texts.push_back("\0001"sv);
+void expectTheLibrarysAnswer(std::initializer_list<std::string_view> texts) {
     for (const std::string_view text : texts) {
         std::int32_t number = 0;
         EXPECT_EQ(isReadableI32(text), confParseI32(text, number)) << "\"" << text << "\"";
     }
+}
+
+TEST(HeadersTest, ReadableNumbersAreThoseThatTheLibraryReads) {
+    expectTheLibrarysAnswer({"", "0", "1", "-1", "+1", "00", "-0", "99999999999", "-99999999999"});
+    expectTheLibrarysAnswer({"+-1", "--1", "-", "+", "+ 1"});
+    expectTheLibrarysAnswer({" ", " 12", "\t\n\v\f\r7", "1 ", "0 ", " 0"});
+    expectTheLibrarysAnswer({"12abc", "0abc", "abc", "0x10", "99999999999abc", "1.5", "0.5"});
+    expectTheLibrarysAnswer({"\0001"sv});
 }
 
 bridge::KeyType typeOf(ConfType type) {

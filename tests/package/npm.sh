@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# npm.sh TREE WORK: makes the package for npm of what package.sh unpacked, installs it into projects outside
-# the tree, and runs hosts there that require, import, and are compiled from TypeScript. The registry is this
-# machine's. Exit status 77: there is no npm.
+# npm.sh TREE WORK: makes the package for npm from the files that package.sh unpacked, installs it into projects
+# outside the tree, and runs hosts there: CommonJS, ES modules and TypeScript. The registry runs on this machine.
+# Exit status 77: there is no npm.
 set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
@@ -47,7 +47,7 @@ run_host() {
     [ "$status" = 0 ] && [ "$(tr -d '\r' <"$folder/output")" = "$3" ] || fail "$1/$2: $status $(<"$folder/output")"
 }
 
-# The page's line, in an empty project.
+# The command of the page, in an empty project.
 line=$(grep -oE '`npm install [^`]*\.tgz`' "$tree/bindings/node/README.md" | tr -d '`')
 [ "$(wc -l <<<"$line")" = 1 ] && [ -n "$line" ] || fail "the page has not one line for the package: $line"
 project="$folder/project"
@@ -56,6 +56,7 @@ echo '{ "private": true }' >"$project/package.json"
 line=${line/PATH/$folder} line=${line/VERSION/$version}
 (cd "$project" && bash -c "$line") >"$folder/npm" 2>&1 </dev/null || fail "$line: $(<"$folder/npm")"
 cp "$hosts"/* "$tree/tests/bindings/node/types/events.d.ts" "$project"
+cp "$project/use.ts" "$project/use.cts"
 
 package="$project/node_modules/qx-bridge"
 python3 - "$package" "$version" "$root" <<'END'
@@ -81,7 +82,7 @@ END
 run_host "$project" require.js 'Nougat64 Größe'
 run_host "$project" import.mjs $'Nougat64 Größe\none library'
 
-# What TypeScript makes of the types, by how it finds packages.
+# TypeScript compiles the hosts, with each way to find packages.
 tsc=(node "$tools/node_modules/typescript/bin/tsc" --strict --target ES2022 --outDir compiled)
 (
     cd "$project"
@@ -96,7 +97,7 @@ tsc=(node "$tools/node_modules/typescript/bin/tsc" --strict --target ES2022 --ou
 )
 for script in compiled/use.mjs compiled/use.cjs compiled/use.js; do run_host "$project" "$script" 'Nougat64 Größe'; done
 
-# As Electron has it: the DLLs beside the archive, for which a folder stands.
+# Electron's layout: the DLLs are beside the archive, which is a folder here.
 inside="$folder/electron/app.asar" outside="$folder/electron/app.asar.unpacked/node_modules/qx-bridge"
 mkdir -p "$inside" "$outside"
 cp -r "$project/node_modules" "$inside"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# nuget.sh TREE WORK: looks into the package for .NET that package.sh made, unpacks it into an empty folder, and
-# runs a host of it: from the folder of packages, and with the DLLs beside it. No registry value names a folder.
+# nuget.sh TREE WORK: checks the package for .NET that package.sh made, unpacks it into an empty folder, and runs
+# a host of it: from the folder of packages, and with the DLLs beside it. The host names its folders itself.
 set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
@@ -15,10 +15,9 @@ dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
 runtime="$dotnet/shared/Microsoft.NETCore.App/2.0.0"
 
 folder=$(mktemp -d)
-export WINEPREFIX="$folder/prefix"
-trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$folder"' EXIT
+trap 'rm -rf "$folder"' EXIT
 
-# As package.sh does it, in another folder.
+# Made again in another folder.
 mkdir "$folder/again"
 bash "$tree/toolchain/package-nuget.sh" "$folder/again" "$root" "$folder/again"
 cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || fail "the same build gives another package"
@@ -51,7 +50,6 @@ cp "$tree/tests/bindings/csharp/runtimeconfig.json" "$folder/host/host.runtimeco
 cp "$folder"/host/* "$assembly" "$unpacked"/runtimes/win-x64/native/*.dll "$folder/beside"
 sed "s/@VERSION@/$version/" "$source/host.deps.json" >"$folder/host/host.deps.json"
 
-bash "$tree/toolchain/prefix.sh" up
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$folder/data/vantrel.conf"
 

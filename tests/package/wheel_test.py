@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The wheel as its users get it: wheel_test.py TREE WHEEL PACKAGE FAKE [TEST...]. PACKAGE is the unpacked
-package of the same build, FAKE the stand-in of the library for this machine."""
+"""The wheel, installed as its users do: wheel_test.py TREE WHEEL PACKAGE FAKE [TEST...]. PACKAGE is the
+unpacked package of the same build, FAKE the stand-in of the library for this machine."""
 
 import base64
 import csv
@@ -9,7 +9,6 @@ import hashlib
 import importlib.metadata
 import importlib.util
 import io
-import os
 import pathlib
 import re
 import shutil
@@ -18,6 +17,10 @@ import sys
 import tempfile
 import unittest
 import zipfile
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "bindings/python"))
+import type_checks  # noqa: E402
 
 DLLS = ("QX-Bridge.dll", "Qt5Core.dll", "Qt5Network.dll")
 TAG = "py3-none-win_amd64"
@@ -184,21 +187,13 @@ class TypesTest(FolderTest):
         shutil.copytree(installed(), self.packages, dirs_exist_ok=True)
 
     def complaints(self):
-        host = shutil.copy(tree / "tests/bindings/python/types/host.py", self.folder)
-        result = subprocess.run(
-            ["mypy", "--strict", "--platform", "win32", "--python-executable", self.python,
-             "--no-error-summary", "--cache-dir", os.devnull, host],
-            capture_output=True, text=True, timeout=150, check=False, cwd=self.folder,
-            env={name: value for name, value in os.environ.items() if name != "MYPYPATH"})
-        self.assertEqual(result.stderr, "")
-        return [one for one in result.stdout.splitlines() if ": note: " not in one]
+        host = shutil.copy(type_checks.HOST, self.folder)
+        lines, errors = type_checks.mypy("--python-executable", self.python, host, folder=self.folder)
+        self.assertEqual(errors, "")
+        return lines
 
     def test_of_a_host_only_the_lines_that_are_wrong_are_refused(self):
-        host = (tree / "tests/bindings/python/types/host.py").read_text("utf-8").splitlines()
-        wrong = [number for number, line in enumerate(host, 1) if line.endswith("# wrong")]
-        found = {int(re.match(r".*host\.py:(\d+): error: ", one)[1]) for one in self.complaints()}
-        self.assertGreater(len(wrong), 10)
-        self.assertEqual(sorted(found), wrong)
+        type_checks.expect_marked_lines(self, self.complaints())
 
     def test_without_the_mark_there_would_be_no_types(self):
         pathlib.Path(self.packages, "qxbridge/py.typed").unlink()

@@ -56,34 +56,19 @@ class StartTests : SessionTests
 
 class CallTests : SessionTests
 {
-    public static void Programs()
+    public static void FailedProgramsAreNamed()
     {
-        Action[] calls =
-        {
-            () => session.LaunchApp("N", "ü"),
-            () => session.LaunchAppStore("N", "s", "p"),
-            () => session.LaunchUrl("N", "u"),
-            () => session.InstallApk("N", "f"),
-            () => session.UninstallApp("N", "p"),
-            () => session.InstallImage("I"),
-            () => session.CreateFreshInstance("I", 2, 2048, "aga", "dx", "s21"),
-            () => session.ShutdownPlayer("N", true),
-        };
-        foreach (Action call in calls) call();
-        session.ShutdownPlayer("N", false);
-        session.Shutdown();
-        Check.Called("bridgeLaunchApp N ü", "bridgeLaunchAppStore N s p", "bridgeLaunchUrl N u",
-               "bridgeInstallApk N f", "bridgeUninstallApp N p", "bridgeInstallImage I",
-               "bridgeCreateFreshInstance I 2 2048 aga dx s21",
-               "bridgePlrShutdown N 1", "bridgePlrShutdown N 0", "bridgeShutdown");
-        Check.fakeAnswer(2);
         const string Player = "C:\\QX\\QX-Player.exe", Manager = "C:\\QX\\QX-MultiInstanceManager.exe";
-        string[] files =
-        {
-            Player, Player, Player, "f", Player, Manager, Manager, null,
-        };
-        for (int i = 0; i < calls.Length; ++i)
-            Check.Equal(files[i], Check.Throws<BridgeException>(calls[i]).File);
+        Action<string, Action> fails = (file, call) => Check.Equal(file, Check.Throws<BridgeException>(call).File);
+        Check.fakeAnswer(2);
+        fails(Player, () => session.LaunchApp("N", "p"));
+        fails(Player, () => session.LaunchAppStore("N", "s", "p"));
+        fails(Player, () => session.LaunchUrl("N", "u"));
+        fails(Player, () => session.UninstallApp("N", "p"));
+        fails("f", () => session.InstallApk("N", "f"));
+        fails(Manager, () => session.InstallImage("I"));
+        fails(Manager, () => session.CreateFreshInstance("I", 2, 2048, "aga", "dx", "s21"));
+        fails(null, () => session.ShutdownPlayer("N", true));
         Check.fakeAnswer(0);
         Check.fakeReset();
     }
@@ -105,14 +90,13 @@ class CallTests : SessionTests
         { "MultiString", "vtr.shared_folders" }, { "String", "vtr.locale" },
     };
 
-    // A value of a parameter's type: a text is its name, unless it is a key.
+    // A value of a parameter's type, another one for each: a text is the name, unless it is a key.
     static object ValueOf(ParameterInfo parameter)
     {
         if (parameter.IsOptional) return parameter.DefaultValue;
         if (parameter.Name == "key")
             return KeysOfMethods.First(one => parameter.Member.Name.EndsWith(one.Key)).Value;
-        if (parameter.ParameterType == typeof(int)) return 7;
-        if (parameter.ParameterType == typeof(long)) return 7L;
+        if (parameter.ParameterType == typeof(int)) return 7 + parameter.Position;
         if (parameter.ParameterType == typeof(bool)) return true;
         if (parameter.ParameterType == typeof(string[])) return new[] { parameter.Name };
         return parameter.Name;
@@ -155,6 +139,12 @@ class CallTests : SessionTests
             ++functions;
         }
         Check.Equal(true, functions > Methods.Count);
+    }
+
+    public static void APlayerIsAskedToShutDown()
+    {
+        session.ShutdownPlayer("ü", false);
+        Check.Called("bridgePlrShutdown ü 0");
     }
 
     public static void Listings()

@@ -1,7 +1,6 @@
 // Plays the steps of a scenario over the C# binding and the real library, in .NET for Windows:
 //     dotnet_scenario.dll LIBRARY DATA-FOLDER INSTALL-FOLDER STEP...
-// A step is one argument, its parts joined by tabs. Each prints its outcome; "finished" comes last.
-// QX_SCENARIO_VERSION is the product's version.
+// Tabs separate the words of a step, which scenarios.txt describes. QX_SCENARIO_VERSION is the product's version.
 
 using System;
 using System.Collections.Generic;
@@ -26,13 +25,30 @@ sealed class Scenario : IDisposable
     {
         words = new Dictionary<string, Action<string[]>>
         {
-            { "preflight", Preflight }, { "init", Init }, { "get", Get }, { "set", Set },
-            { "gettyped", GetTyped }, { "addinstance", AddInstance }, { "commit", Commit },
-            { "committofile", CommitToFile }, { "instances", Instances }, { "apps", Apps },
-            { "listen", Listen }, { "launch", Launch }, { "installapk", InstallApk },
-            { "uninstall", Uninstall }, { "installimage", InstallImage }, { "create", Create },
-            { "events", Events }, { "overflow", Overflow }, { "fini", parts => Fini() },
+            { "preflight", Preflight }, { "get", Get }, { "set", Set }, { "instances", Instances }, { "apps", Apps },
+            { "listen", Listen }, { "events", Events }, { "overflow", Overflow },
+            { "init", parts => { session = new Session(ClientOf(parts[1])); Say("started"); } },
+            { "gettyped", parts => SayTyped(Conf.Get(Keys.Global.EnableAdbAccess),
+                                            Conf.Get(Keys.Instance("Nougat64").Dpi)) },
+            { "addinstance", parts => { Conf.AddInstance(parts[1]); Say("added"); } },
+            { "commit", parts => { Conf.Commit(); Say("committed"); } },
+            { "committofile", parts => { Conf.CommitToFile(parts[1]); Say("committed"); } },
+            { "launch", parts => SayOutcome(session.LaunchApp(parts[1], parts[2]), parts,
+                                            one => "displayed " + one.Instance + " " + one.Package) },
+            { "installapk", parts => SayOutcome(session.InstallApk(parts[1], parts[2]), parts,
+                                                one => "installed " + one.Status) },
+            { "uninstall", parts => SayOutcome(session.UninstallApp(parts[1], parts[2]), parts,
+                                               one => "uninstalled") },
+            { "installimage", parts => SayOutcome(session.InstallImage(parts[1]), parts, one => "image " + one.Status) },
+            { "create", parts => SayOutcome(session.CreateFreshInstance(parts[1], 2, 2048, "aga", "gl", ""), parts,
+                                            one => "created " + one.Status + " " + one.Instance) },
+            { "fini", parts => { session.Dispose(); Say("ended"); } },
         };
+    }
+
+    Configuration Conf
+    {
+        get { return session.Conf; }
     }
 
     static void Say(params object[] values)
@@ -71,13 +87,7 @@ sealed class Scenario : IDisposable
         return (Client)Enum.Parse(typeof(Client), name);
     }
 
-    void Init(string[] parts)
-    {
-        session = new Session(ClientOf(parts[1]));
-        Say("started");
-    }
-
-    // The type that the catalogue has; a wrong key is the method's to refuse.
+    // An unknown key is read as a text, which the method refuses.
     static string TypeOf(string key)
     {
         Tables.Key declared;
@@ -89,11 +99,11 @@ sealed class Scenario : IDisposable
         string key = parts[1], type = parts.Length > 2 ? parts[2] : TypeOf(parts[1]);
         switch (type)
         {
-            case "bool": Say(type, session.Conf.GetBool(key)); break;
-            case "i32": Say(type, session.Conf.GetI32(key)); break;
-            case "i64": Say(type, session.Conf.GetI64(key)); break;
-            case "string": Say(type, session.Conf.GetString(key)); break;
-            default: Say(type, string.Join("|", session.Conf.GetMultiString(key))); break;
+            case "bool": Say(type, Conf.GetBool(key)); break;
+            case "i32": Say(type, Conf.GetI32(key)); break;
+            case "i64": Say(type, Conf.GetI64(key)); break;
+            case "string": Say(type, Conf.GetString(key)); break;
+            default: Say(type, string.Join("|", Conf.GetMultiString(key))); break;
         }
     }
 
@@ -102,38 +112,13 @@ sealed class Scenario : IDisposable
         string key = parts[1], value = parts.Length > 2 ? parts[2] : "";
         switch (parts.Length > 3 ? parts[3] : TypeOf(key))
         {
-            case "bool": session.Conf.SetBool(key, value == "true"); break;
-            case "i32": session.Conf.SetI32(key, int.Parse(value, CultureInfo.InvariantCulture)); break;
-            case "i64": session.Conf.SetI64(key, long.Parse(value, CultureInfo.InvariantCulture)); break;
-            case "string": session.Conf.SetString(key, value); break;
-            default: session.Conf.SetMultiString(key, value.Split('|')); break;
+            case "bool": Conf.SetBool(key, value == "true"); break;
+            case "i32": Conf.SetI32(key, int.Parse(value, CultureInfo.InvariantCulture)); break;
+            case "i64": Conf.SetI64(key, long.Parse(value, CultureInfo.InvariantCulture)); break;
+            case "string": Conf.SetString(key, value); break;
+            default: Conf.SetMultiString(key, value.Split('|')); break;
         }
         Say("set");
-    }
-
-    void GetTyped(string[] parts)
-    {
-        bool adb = session.Conf.Get(Keys.Global.EnableAdbAccess);
-        int dpi = session.Conf.Get(Keys.Instance("Nougat64").Dpi);
-        Say("typed", adb, dpi);
-    }
-
-    void AddInstance(string[] parts)
-    {
-        session.Conf.AddInstance(parts.Length > 1 ? parts[1] : "");
-        Say("added");
-    }
-
-    void Commit(string[] parts)
-    {
-        session.Conf.Commit();
-        Say("committed");
-    }
-
-    void CommitToFile(string[] parts)
-    {
-        session.Conf.CommitToFile(parts[1]);
-        Say("committed");
     }
 
     void Instances(string[] parts)
@@ -156,39 +141,15 @@ sealed class Scenario : IDisposable
         Say("listening");
     }
 
-    static T Outcome<T>(Work<T> work, string[] parts) where T : BridgeEvent
+    static void SayTyped(bool adb, int dpi)
+    {
+        Say("typed", adb, dpi);
+    }
+
+    static void SayOutcome<T>(Work<T> work, string[] parts, Func<T, string> show) where T : BridgeEvent
     {
         TimeSpan limit = parts[parts.Length - 1] == "short" ? Short : Long;
-        return work.FinishedAsync(limit).GetAwaiter().GetResult();
-    }
-
-    void Launch(string[] parts)
-    {
-        AppDisplayed shown = Outcome(session.LaunchApp(parts[1], parts[2]), parts);
-        Say("displayed", shown.Instance, shown.Package);
-    }
-
-    void InstallApk(string[] parts)
-    {
-        Say("installed", Outcome(session.InstallApk(parts[1], parts[2]), parts).Status);
-    }
-
-    void Uninstall(string[] parts)
-    {
-        Outcome(session.UninstallApp(parts[1], parts[2]), parts);
-        Say("uninstalled");
-    }
-
-    void InstallImage(string[] parts)
-    {
-        Say("image", Outcome(session.InstallImage(parts[1]), parts).Status);
-    }
-
-    void Create(string[] parts)
-    {
-        CreateInstanceCompleted created =
-            Outcome(session.CreateFreshInstance(parts[1], 2, 2048, "aga", "gl", ""), parts);
-        Say("created", created.Status, created.Instance);
+        Say(show(work.FinishedAsync(limit).GetAwaiter().GetResult()));
     }
 
     static BridgeEvent Next(EventStream stream)
@@ -230,12 +191,6 @@ sealed class Scenario : IDisposable
         {
             Say("overflow");
         }
-    }
-
-    void Fini()
-    {
-        session.Dispose();
-        Say("ended");
     }
 
     void Play(string step)

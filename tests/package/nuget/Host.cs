@@ -1,4 +1,4 @@
-// A host of the package for .NET, in a process that has no registry value of the product:
+// A host of the package for .NET, which names its folders itself:
 //     host.dll DATA-FOLDER
 // It prints the instances, and where in the sources a failure came from.
 
