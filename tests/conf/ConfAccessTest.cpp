@@ -1,5 +1,6 @@
 #include "ConfFixture.h"
 #include "support/LogLines.h"
+#include "support/Rows.h"
 #include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
@@ -7,6 +8,10 @@ namespace {
 
 const std::string kDeprecated = "E CONF confValidateProp: Deprecated conf vtr.old";
 const std::string kBadLongNumber = "E CONF confGetI64 error for vtr.big:abc";
+
+std::string wrongType(const std::string& key, const std::string& kind = "prop") {
+    return "E CONF " + key + " type of the " + kind + " is not matching";
+}
 
 class ConfAccessTest : public ConfTest {
  protected:
@@ -128,7 +133,7 @@ TEST_F(ConfAccessTest, RestoringLeavesAPendingChangeWhereTheFileHasTheDefault) {
     EXPECT_EQ(confGetString(store, "vtr.log_levels"), "*:D");
 }
 
-TEST_F(ConfAccessTest, ValidationSaysWhyNot) {
+TEST_F(ConfAccessTest, ValidationLogsWhatItRefuses) {
     EXPECT_TRUE(confValidateProp(store, "vtr.locale", ConfType::String, false));
     EXPECT_TRUE(confValidateProp(store, "vtr.instance.Z.dpi", ConfType::I32, false));
     EXPECT_EQ(log.texts(), Lines{});
@@ -139,34 +144,18 @@ TEST_F(ConfAccessTest, ValidationSaysWhyNot) {
     EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::Bool, false));
     EXPECT_FALSE(confValidateProp(store, "locale", ConfType::String, false));
     EXPECT_FALSE(confValidateProp(store, "", ConfType::String, false));
-    EXPECT_EQ(log.texts(), (Lines{logged::keyUnknown("vtr.nothing"),
-                                  "E CONF vtr.locale type of the prop is not matching",
+    EXPECT_EQ(log.texts(), (Lines{logged::keyUnknown("vtr.nothing"), wrongType("vtr.locale"),
                                   logged::keyUnknown("vtr.instance.A.nothing", "iprop"),
                                   logged::keyUnknown("vtr.instance.A", "iprop"),
-                                  "E CONF vtr.instance.A.dpi type of the iprop is not matching",
+                                  wrongType("vtr.instance.A.dpi", "iprop"),
                                   logged::keyUnknown("locale"), logged::keyUnknown("")}));
 }
 
-TEST_F(ConfAccessTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
-    ConfCatalogue old;
-    old.registerGlobal("old", deprecatedText());
-    ConfStore other(old, confDiskFiles());
-    EXPECT_TRUE(confValidateProp(other, "vtr.old", ConfType::String, true));
-    EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
-    EXPECT_EQ(log.texts(), Lines{kDeprecated});
-}
-
-TEST_F(ConfAccessTest, ValidationLogsUnderItsOwnName) {
-    ConfCatalogue old;
-    old.registerGlobal("old", deprecatedText());
-    const ConfStore other(old, confDiskFiles());
-    EXPECT_FALSE(confValidateProp(store, "vtr.nothing", ConfType::String, false));
-    EXPECT_FALSE(confValidateProp(store, "vtr.instance.A.dpi", ConfType::String, false));
-    EXPECT_FALSE(confValidateProp(other, "vtr.old", ConfType::String, false));
-    EXPECT_EQ(log.texts(),
-              (Lines{logged::keyUnknown("vtr.nothing"),
-                     "E CONF vtr.instance.A.dpi type of the iprop is not matching", kDeprecated}));
-    for (const LogCapture::Line& line : log.lines()) EXPECT_EQ(line.function, "confValidateProp");
+TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
+    ASSERT_EQ(confDeleteInstance(store, "A"), 0);
+    EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
+    EXPECT_FALSE(confIsPropPending(store, "vtr.locale"));
+    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
 }
 
 TEST(ConfMultiString, SplitsAtEveryComma) {
@@ -184,176 +173,142 @@ TEST(ConfMultiString, JoiningLosesLeadingEmptyElementsOnly) {
     EXPECT_EQ(confJoinMultiString({"a", ""}), "a,");
 }
 
-// Does one fatal thing, with the log on standard output; with a second argument its lines show the
-// function.
-SUBPROCESS(confFatal) {
-    TempFolder folder;
-    const std::string path = folder.write(
-        "c",
-        "vtr.feature.rooting=\"maybe\"\nvtr.mem_pcd_pclimit=\"abc\"\nvtr.instance.A.dpi=\"1\"\n");
-    if (xplLibInit(nullptr, "") != 0) return 1;
-    ConfStore& store = confStore();
-    if (confLibInit(store, path, false) != 0) return 2;
-    xlogSetDisplay(false, arguments.size() > 1, false);
-    const std::string& what = arguments[0];
-    if (what == "getUnknown") confGetString(store, "vtr.nothing");
-    if (what == "getWrongType") confGetI32(store, "vtr.locale");
-    if (what == "getI64") confGetI64(store, "vtr.next_vm_id");
-    if (what == "getEmptyBool") confGetBool(store, "vtr.prefer_dedicated_gpu");
-    if (what == "getBadBool") confGetBool(store, "vtr.feature.rooting");
-    if (what == "getBadNumber") confGetI32(store, "vtr.mem_pcd_pclimit");
-    if (what == "getMissingBool") confGetBool(store, "vtr.instance.Z.enable_vsync");
-    if (what == "setUnknown") confSetString(store, "vtr.nothing", "x");
-    if (what == "setWrongType") confSetBool(store, "vtr.locale", true);
-    if (what == "restoreUnknown") confRestorePropDefault(store, "vtr.nothing");
-    if (what == "restoreShort") confRestorePropDefault(store, "vt");
-    if (what == "getRemoved") {
-        {
-            const std::lock_guard<XsharedMutex> changing(store.viewLock);
-            const ConfKey key = confFindKey(store.catalogue, "vtr.instance.A.dpi");
-            store.view.remove(store.view.value(key));
-        }
-        confGetI32(store, "vtr.instance.A.dpi");
-    }
-    return 0;
-}
-
 namespace {
 
-struct FatalCase {
-    const char* what;
-    std::string line;  // the one before the fatal one; empty: none
-};
-
-void PrintTo(const FatalCase& fatal, std::ostream* out) { *out << fatal.what; }
-
-class ConfFatalTest : public ::testing::TestWithParam<FatalCase> {};
-
-}  // namespace
-
-TEST_P(ConfFatalTest, EndsTheProcess) {
-    expectConfBreak("confFatal", {GetParam().what}, GetParam().line);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ConfFatalTest,
-    ::testing::Values(
-        FatalCase{"getUnknown", logged::keyUnknown("vtr.nothing")},
-        FatalCase{"getWrongType", "E CONF vtr.locale type of the prop is not matching"},
-        FatalCase{"getI64", "E CONF vtr.next_vm_id type of the prop is not matching"},
-        FatalCase{"getEmptyBool", logged::boolInvalid("vtr.prefer_dedicated_gpu", "")},
-        FatalCase{"getBadBool", logged::boolInvalid("vtr.feature.rooting", "maybe")},
-        FatalCase{"getBadNumber", logged::numberInvalid("vtr.mem_pcd_pclimit", "abc")},
-        FatalCase{"getMissingBool", logged::boolInvalid("vtr.instance.Z.enable_vsync", "")},
-        FatalCase{"setUnknown", logged::keyUnknown("vtr.nothing")},
-        FatalCase{"setWrongType", "E CONF vtr.locale type of the prop is not matching"},
-        FatalCase{"restoreUnknown", ""}, FatalCase{"restoreShort", ""},
-        FatalCase{"getRemoved", logged::keyRemoved("vtr.instance.A.dpi")}),
-    [](const auto& info) { return std::string(info.param.what); });
-
-namespace {
-
-// The line with its function.
-std::string in(const std::string& function, const std::string& line) {
-    return "E CONF " + function + " " + logged::messageOf(line);
-}
-
-}  // namespace
-
-TEST(ConfFatalFunction, ABadNumberIsLoggedByTheFunctionThatReadsIt) {
-    expectConfBreak("confFatal", {"getBadNumber", "shown"},
-                    in("confGetI32", logged::numberInvalid("vtr.mem_pcd_pclimit", "abc")),
-                    "confGetI32");
-    expectConfBreak("readsABadLongNumber", {"shown"}, in("confGetI64", kBadLongNumber),
-                    "confGetI64");
-}
-
-TEST(ConfFatalFunction, ABadBoolIsLoggedByTheFunctionThatReadsIt) {
-    expectConfBreak("confFatal", {"getBadBool", "shown"},
-                    in("confGetBool", logged::boolInvalid("vtr.feature.rooting", "maybe")),
-                    "confGetBool");
-}
-
-TEST(ConfFatalFunction, AKeyThatIsRefusedIsLoggedByTheValidation) {
-    const std::string line = in("confValidateProp", logged::keyUnknown("vtr.nothing"));
-    expectConfBreak("confFatal", {"getUnknown", "shown"}, line, "confGetStringInternal");
-    expectConfBreak("confFatal", {"setUnknown", "shown"}, line, "confSetStringInternal");
-}
-
-TEST_F(ConfAccessTest, RemovedKeysArePendingAndLeaveTheOthersReadable) {
-    ASSERT_EQ(confDeleteInstance(store, "A"), 0);
-    EXPECT_TRUE(confIsPropPending(store, "vtr.instance.A.dpi"));
-    EXPECT_FALSE(confIsPropPending(store, "vtr.locale"));
-    EXPECT_EQ(confGetString(store, "vtr.locale"), "en-US");
-}
-
-namespace {
-
-// What the product declares nothing of: long numbers, and properties that are on their way out.
-ConfCatalogue& rare() {
-    static ConfCatalogue catalogue;
-    static const bool once = [] {
-        catalogue.registerGlobal("big", {ConfType::I64, "0"});
-        catalogue.registerGlobal("old", deprecatedText());
-        return true;
-    }();
-    static_cast<void>(once);
+// The product's catalogue with what it does not declare: long numbers and deprecated properties.
+ConfCatalogue rareCatalogue() {
+    ConfCatalogue catalogue = confProductCatalogue();
+    catalogue.registerGlobal("big", {ConfType::I64, "0"});
+    catalogue.registerGlobal("old", deprecatedText());
     return catalogue;
 }
 
-// In a subprocess: loads the content and gives the store to what ends the process.
-template <typename Use>
-int useRare(std::string_view content, bool allowDeprecated, Use use) {
-    TempFolder folder;
-    if (xplLibInit(nullptr, "") != 0) return 1;
-    ConfStore store(rare(), confDiskFiles());
-    if (confLibInit(store, folder.write("c", content), allowDeprecated) != 0) return 2;
-    use(store);
-    return 0;
+void removeKey(ConfStore& store, std::string_view text) {
+    const std::lock_guard<XsharedMutex> changing(store.viewLock);
+    store.view.remove(store.view.value(confFindKey(store.catalogue, text)));
+}
+
+// A call that ends the process.
+struct FatalCall {
+    const char* name;
+    std::string line;  // that is logged before the break; may be empty
+    std::function<void(ConfStore&)> run;
+};
+
+const FatalCall kFatalCalls[] = {
+    {"getUnknown", logged::keyUnknown("vtr.nothing"),
+     [](ConfStore& s) { confGetString(s, "vtr.nothing"); }},
+    {"getWrongType", wrongType("vtr.locale"), [](ConfStore& s) { confGetI32(s, "vtr.locale"); }},
+    {"getI64", wrongType("vtr.next_vm_id"), [](ConfStore& s) { confGetI64(s, "vtr.next_vm_id"); }},
+    {"getEmptyBool", logged::boolInvalid("vtr.prefer_dedicated_gpu", ""),
+     [](ConfStore& s) { confGetBool(s, "vtr.prefer_dedicated_gpu"); }},
+    {"getBadBool", logged::boolInvalid("vtr.feature.rooting", "maybe"),
+     [](ConfStore& s) { confGetBool(s, "vtr.feature.rooting"); }},
+    {"getBadNumber", logged::numberInvalid("vtr.mem_pcd_pclimit", "abc"),
+     [](ConfStore& s) { confGetI32(s, "vtr.mem_pcd_pclimit"); }},
+    {"getBadLongNumber", kBadLongNumber, [](ConfStore& s) { confGetI64(s, "vtr.big"); }},
+    {"getMissingBool", logged::boolInvalid("vtr.instance.Z.enable_vsync", ""),
+     [](ConfStore& s) { confGetBool(s, "vtr.instance.Z.enable_vsync"); }},
+    {"getDeprecated", kDeprecated, [](ConfStore& s) { confGetString(s, "vtr.old"); }},
+    {"getRemoved", logged::keyRemoved("vtr.instance.A.dpi"),
+     [](ConfStore& s) {
+         removeKey(s, "vtr.instance.A.dpi");
+         confGetI32(s, "vtr.instance.A.dpi");
+     }},
+    {"setUnknown", logged::keyUnknown("vtr.nothing"),
+     [](ConfStore& s) { confSetString(s, "vtr.nothing", "x"); }},
+    {"setWrongType", wrongType("vtr.locale"),
+     [](ConfStore& s) { confSetBool(s, "vtr.locale", true); }},
+    {"setDeprecatedThatMayBeRead", kDeprecated,
+     [](ConfStore& s) {
+         s.allowDeprecated = true;
+         confSetString(s, "vtr.old", "x");
+     }},
+    {"restoreUnknown", "", [](ConfStore& s) { confRestorePropDefault(s, "vtr.nothing"); }},
+    {"restoreShort", "", [](ConfStore& s) { confRestorePropDefault(s, "vt"); }},
+};
+
+CASE_PER_ROW(ConfFatalTest, ::testing::Test, kFatalCalls);
+
+// Expects the break of a call whose log shows functions.
+void expectBreakShown(const std::string& call, const std::string& logging, const std::string& line,
+                      const std::string& breaking) {
+    expectConfBreak("confFatal", {call, "shown"},
+                    "E CONF " + logging + " " + logged::messageOf(line), breaking);
 }
 
 class ConfRareTest : public ConfTest {
  protected:
-    ConfStore rareStore{rare(), confDiskFiles()};
+    ConfCatalogue rare = rareCatalogue();
+    ConfStore rareStore{rare, confDiskFiles()};
 };
 
 }  // namespace
 
+// Makes one of the calls, with the log on standard output. With a second argument its lines show
+// the function.
+SUBPROCESS(confFatal) {
+    const TempFolder folder;
+    const std::string path =
+        folder.write("c",
+                     "vtr.feature.rooting=\"maybe\"\nvtr.mem_pcd_pclimit=\"abc\"\nvtr.big=\"abc\"\n"
+                     "vtr.instance.A.dpi=\"1\"\n");
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    const ConfCatalogue catalogue = rareCatalogue();
+    ConfStore store(catalogue, confDiskFiles());
+    if (confLibInit(store, path, /*allowDeprecated=*/false) != 0) return 2;
+    xlogSetDisplay(false, arguments.size() > 1, false);
+    for (const FatalCall& call : kFatalCalls) {
+        if (call.name == arguments[0]) call.run(store);
+    }
+    return 0;
+}
+
+TEST_P(ConfFatalTest, EndsTheProcess) {
+    expectConfBreak("confFatal", {GetParam().name}, GetParam().line);
+}
+
+TEST(ConfFatalFunction, ABadNumberIsLoggedByTheFunctionThatReadsIt) {
+    expectBreakShown("getBadNumber", "confGetI32",
+                     logged::numberInvalid("vtr.mem_pcd_pclimit", "abc"), "confGetI32");
+    expectBreakShown("getBadLongNumber", "confGetI64", kBadLongNumber, "confGetI64");
+}
+
+TEST(ConfFatalFunction, ABadBoolIsLoggedByTheFunctionThatReadsIt) {
+    expectBreakShown("getBadBool", "confGetBool",
+                     logged::boolInvalid("vtr.feature.rooting", "maybe"), "confGetBool");
+}
+
+TEST(ConfFatalFunction, AKeyThatIsRefusedIsLoggedByTheValidation) {
+    const std::string line = logged::keyUnknown("vtr.nothing");
+    expectBreakShown("getUnknown", "confValidateProp", line, "confGetStringInternal");
+    expectBreakShown("setUnknown", "confValidateProp", line, "confSetStringInternal");
+}
+
 TEST_F(ConfRareTest, ALongNumberKeepsItsBits) {
-    ASSERT_EQ(confLibInit(rareStore, folder.write("c", "vtr.big=\"9000000000\"\n"), false), 0);
+    load(rareStore, "vtr.big=\"9000000000\"\n");
     EXPECT_EQ(confGetI64(rareStore, "vtr.big"), 9000000000);
     EXPECT_EQ(confSetI64(rareStore, "vtr.big", INT64_MIN), 0);
     EXPECT_EQ(confGetStringInternal(rareStore, "vtr.big", ConfType::I64), "-9223372036854775808");
     EXPECT_EQ(confGetI64(rareStore, "vtr.big"), INT64_MIN);
 }
 
-SUBPROCESS(readsABadLongNumber) {
-    const bool showFunction = !arguments.empty();
-    return useRare("vtr.big=\"abc\"\n", false, [showFunction](ConfStore& store) {
-        xlogSetDisplay(false, showFunction, false);
-        confGetI64(store, "vtr.big");
-    });
-}
-
-TEST_F(ConfRareTest, ALongNumberThatCannotBeReadEndsTheProcess) {
-    expectConfBreak("readsABadLongNumber", {}, kBadLongNumber);
-}
-
-SUBPROCESS(readsADeprecatedProperty) {
-    return useRare("", false, [](ConfStore& store) { confGetString(store, "vtr.old"); });
-}
-
-TEST_F(ConfRareTest, ReadingADeprecatedPropertyEndsTheProcessUnlessAllowed) {
-    ASSERT_EQ(confLibInit(rareStore, folder.write("c", "vtr.old=\"x\"\n"), true), 0);
+TEST_F(ConfRareTest, ADeprecatedPropertyIsReadWhereItIsAllowed) {
+    load(rareStore, "vtr.old=\"x\"\n", /*allowDeprecated=*/true);
     EXPECT_EQ(confGetString(rareStore, "vtr.old"), "x");
-    expectConfBreak("readsADeprecatedProperty", {}, kDeprecated);
 }
 
-SUBPROCESS(setsADeprecatedProperty) {
-    return useRare("", /*allowDeprecated=*/true,
-                   [](ConfStore& store) { confSetString(store, "vtr.old", "x"); });
+TEST_F(ConfRareTest, ADeprecatedPropertyIsRefusedUnlessAllowed) {
+    EXPECT_TRUE(confValidateProp(rareStore, "vtr.old", ConfType::String, true));
+    EXPECT_FALSE(confValidateProp(rareStore, "vtr.old", ConfType::String, false));
+    EXPECT_EQ(log.texts(), Lines{kDeprecated});
 }
 
-TEST_F(ConfRareTest, SettingADeprecatedPropertyEndsTheProcessAlsoWhereItMayBeRead) {
-    expectConfBreak("setsADeprecatedProperty", {}, kDeprecated);
+TEST_F(ConfRareTest, ValidationLogsUnderItsOwnName) {
+    EXPECT_FALSE(confValidateProp(rareStore, "vtr.nothing", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(rareStore, "vtr.instance.A.dpi", ConfType::String, false));
+    EXPECT_FALSE(confValidateProp(rareStore, "vtr.old", ConfType::String, false));
+    EXPECT_EQ(log.texts(), (Lines{logged::keyUnknown("vtr.nothing"),
+                                  wrongType("vtr.instance.A.dpi", "iprop"), kDeprecated}));
+    for (const LogCapture::Line& line : log.lines()) EXPECT_EQ(line.function, "confValidateProp");
 }

@@ -26,12 +26,8 @@ int raiseCounters(ConfStore& store, const std::string& instance) {
     return number;
 }
 
-}  // namespace
-
-namespace {
-
-// How often a committer waits until the auditor has seen what it did: without that, a quick crowd
-// would be done before the auditor has had a turn.
+// How often a committer waits until the auditor has seen its commit. Otherwise a quick crowd would
+// be done before the auditor's first look.
 constexpr int kAudits = 10;
 
 bool isAudited(int commit, int commits) {

@@ -1,24 +1,22 @@
 #include "ConfFixture.h"
 #include "support/LogLines.h"
+#include "support/Rows.h"
 #include "support/Subprocess.h"
 #include "xpl/Xpl.h"
 
 namespace {
 
-// Everything about instance A differs from its defaults where it is named; B is a neighbour.
 constexpr const char* kTwoInstances =
     "vtr.instance.A.display_name=\"Ünïcode 日本\"\nvtr.instance.A.dpi=\"320\"\n"
     "vtr.instance.A.grm_ignored_rules=\"x,y\"\nvtr.instance.B.dpi=\"160\"\n"
     "vtr.instance.B.ram=\"2048\"\n";
 
-using Names = std::set<std::string, std::less<>>;
-
 class ConfSomeInstancesTest : public ConfTest {
  protected:
     template <typename IsWanted>
-    std::vector<std::string> keysWhere(IsWanted isWanted) {
+    Lines keysWhere(IsWanted isWanted) {
         const XsharedGuard reading(store.viewLock);
-        std::vector<std::string> keys;
+        Lines keys;
         store.view.forEach(
             [&](std::string_view prefix, std::string_view name, const ConfValue& value) {
                 if (isWanted(value)) keys.push_back(std::string(prefix).append(name));
@@ -26,25 +24,32 @@ class ConfSomeInstancesTest : public ConfTest {
         return keys;
     }
 
-    std::vector<std::string> pendingKeys() {
+    Lines pendingKeys() {
         return keysWhere([](const ConfValue& value) { return value.staged != nullptr; });
     }
 
-    std::vector<std::string> removedKeys() {
+    Lines removedKeys() {
         return keysWhere([](const ConfValue& value) { return value.isRemoved; });
     }
 
-    std::vector<std::string> keysOf(const std::string& instance) const {
-        std::vector<std::string> keys;
-        for (const auto& entry : catalogue.instances()) {
-            keys.push_back("vtr.instance." + instance + "." + entry.first);
+    // The keys of an instance that begin with `start`.
+    Lines keysOf(const std::string& instance, const std::string& start = "") const {
+        Lines keys;
+        for (const auto& [name, property] : catalogue.instances()) {
+            if (name.rfind(start, 0) == 0) keys.push_back("vtr.instance." + instance + "." + name);
         }
         return keys;
     }
 
-    std::string dump() {
+    // The size that a dump needs, with its NUL.
+    std::uint32_t dumpSize() {
         std::uint32_t size = 0;
         EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
+        return size;
+    }
+
+    std::string dump() {
+        std::uint32_t size = dumpSize();
         std::string text(size, '?');
         EXPECT_EQ(confGetInstanceAllConfigs(store, text.data(), size, size), 0);
         EXPECT_EQ(text.back(), '\0');
@@ -56,10 +61,7 @@ class ConfSomeInstancesTest : public ConfTest {
 // The same over kTwoInstances.
 class ConfInstancesTest : public ConfSomeInstancesTest {
  protected:
-    void SetUp() override {
-        given(kTwoInstances);
-        log.clear();
-    }
+    void SetUp() override { given(kTwoInstances); }
 };
 
 // Expected entries of its file.
@@ -74,6 +76,42 @@ Entries twoInstances() {
     addInstanceDefaults(entries, "B");
     return entries;
 }
+
+// A catalogue with one property of each scope, whose names are that long.
+ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) {
+    ConfCatalogue catalogue;
+    catalogue.registerGlobal(std::string(globalLength, 'g'), {ConfType::String, ""});
+    catalogue.registerInstance(std::string(instanceLength, 'i'), {ConfType::String, ""});
+    return catalogue;
+}
+
+// A dump that ends the process, of a file with the current instance A.
+struct FatalDump {
+    const char* name;
+    std::size_t globalLength;  // of the catalogue's names; 0: the product's catalogue
+    std::size_t instanceLength;
+    std::string key;  // the stored one
+    std::string value;
+    std::string otherLine;
+};
+
+std::string repeated(const std::string& text, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+const FatalDump kFatalDumps[] = {
+    {"AGlobalKeyOf32Bytes", 28, 1, "vtr." + repeated("g", 28), "x", "vtr.instance.A.i=\"y\"\n"},
+    {"AnInstanceKeyThatShowsWith32BytesNamesTheStoredKey", 1, 28,
+     "vtr.instance.A." + repeated("i", 28), "y", "vtr.g=\"x\"\n"},
+    {"AGlobalValueOf92Bytes", 0, 0, "vtr.shared_folders", repeated("v", 92),
+     "vtr.instance.A.dpi=\"320\"\n"},
+    {"AnInstanceValueOf92BytesNamesTheStoredKey", 0, 0, "vtr.instance.A.display_name",
+     repeated("ü", 46), ""},
+};
+
+CASE_PER_ROW(ConfFatalDumpTest, ::testing::Test, kFatalDumps);
 
 }  // namespace
 
@@ -90,7 +128,6 @@ SUBPROCESS(readsTheInstances) {
 
 TEST_F(ConfInstancesTest, ACopyStagesEveryValueAndMakesTheTargetKnown) {
     const std::size_t before = committedCount();
-    log.clear();
     EXPECT_EQ(confCopyInstance(store, "A", "New"), 0);
     EXPECT_EQ(pendingKeys(), keysOf("New"));
     EXPECT_EQ(committedCount(), before) << "no defaults are filled in";
@@ -138,7 +175,7 @@ TEST_F(ConfInstancesTest, TheSourcesPendingChangesAreNotCopied) {
     EXPECT_EQ(confGetI32(store, "vtr.instance.A.dpi"), 999);
 }
 
-TEST_F(ConfInstancesTest, OfAnInstanceThatIsNotCommittedTheDefaultsAreCopied) {
+TEST_F(ConfInstancesTest, ACopyOfAnUncommittedInstanceHasTheDefaults) {
     set("vtr.instance.Fresh.dpi", 999);
     ASSERT_EQ(confCopyInstance(store, "Fresh", "New"), 0);
     EXPECT_EQ(confGetI32(store, "vtr.instance.New.dpi"), 240);
@@ -228,7 +265,6 @@ TEST_F(ConfInstancesTest, ATargetWhoseKeysCouldNotBeReadBackIsRefused) {
 TEST_F(ConfInstancesTest, ARemovalStagesEveryKeyAndForgetsTheInstance) {
     set("vtr.instance.A.dpi", 999);
     set("vtr.instance.B.dpi", 111);
-    log.clear();
     EXPECT_EQ(confDeleteInstance(store, "A"), 0);
     EXPECT_EQ(removedKeys(), keysOf("A"));
     EXPECT_EQ(pendingKeys(), Lines{"vtr.instance.B.dpi"});
@@ -261,14 +297,10 @@ TEST_F(ConfInstancesTest, RemovingAnUnknownInstanceStagesNothing) {
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
-TEST_F(ConfInstancesTest, ANameWithADotMeansTheKeysThatBeginSo) {
+TEST_F(ConfInstancesTest, ANameWithADotIsAPrefixOfKeys) {
     EXPECT_EQ(confDeleteInstance(store, "A.status"), 0);
-    std::vector<std::string> expected;
-    for (const std::string& key : keysOf("A")) {
-        if (key.rfind("vtr.instance.A.status.", 0) == 0) expected.push_back(key);
-    }
-    ASSERT_FALSE(expected.empty());
-    EXPECT_EQ(removedKeys(), expected);
+    ASSERT_FALSE(removedKeys().empty());
+    EXPECT_EQ(removedKeys(), keysOf("A", "status."));
 }
 
 TEST_F(ConfInstancesTest, AnInstanceWithADotInItsNameIsRemovedWhole) {
@@ -310,7 +342,6 @@ TEST_F(ConfInstancesTest, DiscardingARemovalBringsTheInstanceBackWithTheNextLoad
 
 TEST_F(ConfInstancesTest, TheDumpHasTheCurrentInstancesAndTheGlobalSettings) {
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
-    log.clear();
     EXPECT_EQ(dump(), dumpText(twoInstances(), "A"));
     ASSERT_EQ(confSetCurrentInstance(store, "B"), 0);
     EXPECT_EQ(dump(), dumpText(twoInstances(), "B"));
@@ -361,7 +392,7 @@ TEST_F(ConfInstancesTest, ABufferOneByteTooSmallIsLeftAlone) {
     EXPECT_EQ(buffer, text + '\0' + std::string(10, '?'));
 }
 
-TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
+TEST_F(ConfInstancesTest, ALargerBufferKeepsItsRest) {
     const std::string text = dumpText(twoInstances(), "");
     std::string buffer(text.size() + 100, '?');
     std::uint32_t size = 0;
@@ -372,10 +403,8 @@ TEST_F(ConfInstancesTest, ALargerBufferIsUsedAsFarAsNeeded) {
     EXPECT_EQ(buffer, text + '\0' + std::string(99, '?'));
 }
 
-TEST_F(ConfInstancesTest, NoBufferAtAllAsksForTheSize) {
-    std::uint32_t size = 0;
-    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, size), XERR_FBIG);
-    EXPECT_EQ(size, dumpText(twoInstances(), "").size() + 1);
+TEST_F(ConfInstancesTest, ANullBufferOfNoSizeAsksForTheSize) {
+    EXPECT_EQ(dumpSize(), dumpText(twoInstances(), "").size() + 1);
 }
 
 TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
@@ -384,18 +413,6 @@ TEST_F(ConfInstancesTest, ANullBufferThatClaimsRoomIsRefused) {
     EXPECT_EQ(size, 7u);
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{"E CONF confGetInstanceAllConfigs: buffer is null"});
 }
-
-namespace {
-
-// A catalogue with one property of each scope, whose names are that long.
-ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) {
-    ConfCatalogue catalogue;
-    catalogue.registerGlobal(std::string(globalLength, 'g'), {ConfType::String, ""});
-    catalogue.registerInstance(std::string(instanceLength, 'i'), {ConfType::String, ""});
-    return catalogue;
-}
-
-}  // namespace
 
 TEST_F(ConfSomeInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
     const ConfCatalogue longest = catalogueOf(27, 27);
@@ -421,7 +438,7 @@ TEST_F(ConfSomeInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeL
     EXPECT_EQ(confKeysTooLongForDump(store), Lines{});
 }
 
-TEST_F(ConfSomeInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore) {
+TEST_F(ConfSomeInstancesTest, TheKeysThatAreTooLongForTheDumpAreListed) {
     const std::string tooLong(92, 'v');
     const std::string longest(91, 'v');
     given("vtr.guid=\"" + longest + "\"\nvtr.shared_folders=\"" + tooLong +
@@ -437,76 +454,51 @@ TEST_F(ConfSomeInstancesTest, TheKeysThatTheDumpWouldBeFatalForCanBeAskedBefore)
     EXPECT_EQ(confKeysTooLongForDump(other), Lines{"vtr." + std::string(28, 'g')});
 }
 
-// Does one fatal thing to a file with instance A current, with the log on standard output.
-SUBPROCESS(instanceFatal) {
-    TempFolder folder;
-    const std::string path = folder.write("c", arguments[1]);
-    if (xplLibInit(nullptr, "") != 0) return 1;
-    const ConfCatalogue catalogue = arguments[0] == "dumpLongGlobalKey" ? catalogueOf(28, 1)
-                                    : arguments[0] == "dumpLongInstanceKey"
-                                        ? catalogueOf(1, 28)
-                                        : confProductCatalogue();
-    ConfStore store(catalogue, confDiskFiles());
-    if (confLibInit(store, path, false) != 0) return 2;
-    if (arguments[0] == "readRemoved") {
-        confDeleteInstance(store, "A");
-        confGetI32(store, "vtr.instance.A.dpi");
-        return 3;
+// Dumps instance A of the file, with the log on standard output.
+SUBPROCESS(dumps) {
+    for (const FatalDump& row : kFatalDumps) {
+        if (row.name != arguments[0]) continue;
+        const TempFolder folder;
+        if (xplLibInit(nullptr, "") != 0) return 1;
+        const ConfCatalogue catalogue = row.globalLength == 0
+                                            ? confProductCatalogue()
+                                            : catalogueOf(row.globalLength, row.instanceLength);
+        ConfStore store(catalogue, confDiskFiles());
+        const std::string text = row.key + "=\"" + row.value + "\"\n" + row.otherLine;
+        if (confLibInit(store, folder.write("c", text), false) != 0) return 2;
+        if (confSetCurrentInstance(store, "A") != 0) return 3;
+        std::uint32_t size = 0;
+        return confGetInstanceAllConfigs(store, nullptr, 0, size);
     }
-    if (confSetCurrentInstance(store, "A") != 0) return 4;
-    std::uint32_t size = 0;
-    return confGetInstanceAllConfigs(store, nullptr, 0, size);
+    return 4;
 }
 
-namespace {
-
-// The entry that is too long for a dump.
-void expectBreakOfDump(const std::string& what, const std::string& content, const std::string& key,
-                       const std::string& value) {
-    expectConfBreak("instanceFatal", {what, content},
-                    "E CONF Invalid conf entry. Key = '" + key + "', value = '" + value + "'");
+TEST_P(ConfFatalDumpTest, EndsTheProcess) {
+    expectConfBreak("dumps", {GetParam().name},
+                    "E CONF Invalid conf entry. Key = '" + GetParam().key + "', value = '" +
+                        GetParam().value + "'");
 }
 
-}  // namespace
+SUBPROCESS(readsARemovedKey) {
+    const TempFolder folder;
+    if (xplLibInit(nullptr, "") != 0) return 1;
+    ConfStore& store = confStore();
+    const std::string path = folder.write("c", "vtr.instance.A.dpi=\"320\"\n");
+    if (confLibInit(store, path, false) != 0) return 2;
+    confDeleteInstance(store, "A");
+    return confGetI32(store, "vtr.instance.A.dpi");
+}
 
 TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
-    expectConfBreak("instanceFatal", {"readRemoved", "vtr.instance.A.dpi=\"320\"\n"},
-                    logged::keyRemoved("vtr.instance.A.dpi"));
-}
-
-TEST(ConfInstancesFatalTest, DumpingAGlobalKeyOf32Bytes) {
-    const std::string key = "vtr." + std::string(28, 'g');
-    expectBreakOfDump("dumpLongGlobalKey", key + "=\"x\"\nvtr.instance.A.i=\"y\"\n", key, "x");
-}
-
-TEST(ConfInstancesFatalTest, DumpingAnInstanceKeyThatShowsWith32BytesNamesTheStoredKey) {
-    const std::string key = "vtr.instance.A." + std::string(28, 'i');
-    expectBreakOfDump("dumpLongInstanceKey", "vtr.g=\"x\"\n" + key + "=\"y\"\n", key, "y");
-}
-
-TEST(ConfInstancesFatalTest, DumpingAGlobalValueOf92Bytes) {
-    const std::string value(92, 'v');
-    expectBreakOfDump("dumpLongValue",
-                      "vtr.shared_folders=\"" + value + "\"\nvtr.instance.A.dpi=\"320\"\n",
-                      "vtr.shared_folders", value);
-}
-
-TEST(ConfInstancesFatalTest, DumpingAnInstanceValueOf92BytesNamesTheStoredKey) {
-    std::string value;  // 46 characters
-    for (int i = 0; i < 46; ++i) value += "ü";
-    expectBreakOfDump("dumpLongValue", "vtr.instance.A.display_name=\"" + value + "\"\n",
-                      "vtr.instance.A.display_name", value);
+    expectConfBreak("readsARemovedKey", {}, logged::keyRemoved("vtr.instance.A.dpi"));
 }
 
 TEST_F(ConfSomeInstancesTest, WhatIsNotDeclaredIsNotDumped) {
     given("vtr.instance.A.dpi=\"1\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
-    std::uint32_t before = 0;
-    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, before), XERR_FBIG);
+    const std::uint32_t before = dumpSize();
     ASSERT_EQ(confSetStringInternal(store, "foreign", ConfType::None, "x"), 0);
     ASSERT_EQ(confSetStringInternal(store, "vtr.instance.A.foreign", ConfType::None, "x"), 0);
-    static_cast<void>(confCommit(store));  // lays them over the values, and cannot load them again
-    std::uint32_t after = 0;
-    EXPECT_EQ(confGetInstanceAllConfigs(store, nullptr, 0, after), XERR_FBIG);
-    EXPECT_EQ(after, before);
+    static_cast<void>(confCommit(store));  // merges the two, and fails to load them again
+    EXPECT_EQ(dumpSize(), before);
 }

@@ -1,30 +1,22 @@
-// What Windows is asked for, and what it says.
+// The calls that start and end processes, and the processes of Windows.
 #include <clocale>
 
-#include "QuotingCases.h"
+#include "OwnChild.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
+#include "support/SignsOfLife.h"
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
 #include "support/process_figures.h"
+#include "xpl/Xfile.h"
 #include "xpl/Xproc.h"
 #include "xpl/XprocCalls.h"
 #include "xpl/Xsystem.h"
 #include "xpl/Xtext.h"
 
 namespace {
-
-// Path of the test's own program; its own start-up undoes the C runtime's rule and leaves the
-// doubled backslashes, so it is looked for with single ones.
-std::string ownPath() { return builtProgram("xpl_test.exe"); }
-
-// A path for a child, whose own start-up keeps doubled backslashes as they are.
-std::string slashed(std::string path) {
-    for (char& c : path) c = c == '\\' ? '/' : c;
-    return path;
-}
 
 // The error of a call that fails; nothing for one that succeeds.
 using Failure = std::optional<unsigned long>;
@@ -69,11 +61,60 @@ Lines FakeCalls::seen;
 Failure FakeCalls::createResult;
 Failure FakeCalls::runAsResult;
 
+constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
+
+constexpr int kOtherEncoding = 97;
+
+std::wstring testVariable() {
+    wchar_t value[64] = L"";
+    ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
+    return value;
+}
+
+bool isElevated() {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token));
+    TOKEN_ELEVATION elevation{};
+    DWORD size = 0;
+    EXPECT_TRUE(::GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size));
+    ::CloseHandle(token);
+    return elevation.TokenIsElevated != 0;
+}
+
+// The content of a file, as soon as it has one; nothing after half a minute.
+std::string awaitContent(const std::string& path) {
+    for (int i = 0; i < 600; ++i, ::Sleep(50)) {
+        if (xfileExists(path) != XERR_SUCCESS) continue;
+        if (std::string content = readBytes(path); !content.empty()) return content;
+    }
+    return {};
+}
+
+// Another handle of the same process, with these rights. The caller closes it.
+HANDLE otherHandle(HANDLE process, DWORD access) {
+    HANDLE made = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), process, ::GetCurrentProcess(), &made, access,
+                      /*bInheritHandle=*/FALSE, /*dwOptions=*/0);
+    return made;
+}
+
+bool isOpen(HANDLE handle) {
+    DWORD flags = 0;
+    return ::GetHandleInformation(handle, &flags) != FALSE;
+}
+
+// Waits for a handle whose exit code cannot be read, and expects that none is returned.
+void expectNoExitCode() {
+    const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
+    std::uint32_t status = 77;
+    EXPECT_EQ(xprocWait(noProcess, &status), 0);
+    EXPECT_EQ(status, 77u);
+}
+
 }  // namespace
 
 SUBPROCESS(writesItsCommandLine) {
-    std::string line = xtextToUtf8(::GetCommandLineW());
-    writeBytes(arguments[0], line);
+    writeBytes(arguments[0], xtextToUtf8(::GetCommandLineW()));
     return 7;
 }
 
@@ -81,52 +122,32 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
     const TempFolder folder;
     for (const QuotingCase& hard : kQuotingCases) {
         const std::string file = slashed(folder / hard.name);
-        XprocHandle child = nullptr;
-        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsCommandLine", file,
-                                       hard.argument}),
-                  0);
-        std::uint32_t status = 0;
-        EXPECT_EQ(xprocWait(child, &status), 0);
-        EXPECT_EQ(status, 7u) << hard.name;
+        EXPECT_EQ(exitCodeOf(startOwn("writesItsCommandLine", {file, hard.argument})), 7u);
         EXPECT_EQ(folder.read(hard.name), xprocQuote(ownPath()) +
                                               R"( "--subprocess" "writesItsCommandLine" ")" + file +
-                                              "\" " + hard.quoted);
+                                              "\" " + hard.quoted)
+            << hard.name;
     }
 }
 
-namespace {
-
-constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
-
-constexpr int kOtherEncoding = 97;
-
-}  // namespace
-
-// Whether the C runtime sets variables in the encoding of its locale. Asked in a process of its
-// own, so that a library that leaves the locale alone is noticed.
+// Whether the C runtime sets variables in the encoding of its locale. In a process of its own, so
+// that the locale of the tests stays as the library leaves it.
 SUBPROCESS(asksTheRuntimeForVariablesInUtf8) {
     std::setlocale(LC_ALL, ".UTF8");
     if (::_putenv((std::string("BRIDGE_TEST=") + kBeyondAscii).c_str()) != 0) return 1;
-    wchar_t value[64] = L"";
-    ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
-    return value == wideForTests(kBeyondAscii) ? 0 : kOtherEncoding;
+    return testVariable() == wideForTests(kBeyondAscii) ? 0 : kOtherEncoding;
 }
 
 SUBPROCESS(writesItsVariable) {
-    wchar_t value[64] = L"";
-    ::GetEnvironmentVariableW(L"BRIDGE_TEST", value, 64);
-    writeBytes(arguments[0], xtextToUtf8(value));
+    writeBytes(arguments[0], xtextToUtf8(testVariable()));
     return 0;
 }
 
 // In a process of its own, whose locale may change.
 SUBPROCESS(setsVariableBeyondAscii) {
     xsystemUseUtf8();
-    XprocHandle child = nullptr;
     if (xprocSetEnvironment("BRIDGE_TEST", kBeyondAscii) != 0) return 1;
-    if (xprocCreate(&child, {ownPath(), "--subprocess", "writesItsVariable", arguments[0]}) != 0)
-        return 2;
-    return xprocWait(child, nullptr);
+    return xprocWait(startOwn("writesItsVariable", {arguments[0]}), nullptr);
 }
 
 TEST(Xproc, AVariableBeyondAsciiReachesTheChildren) {
@@ -191,7 +212,7 @@ TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorIsNoSuccess) {
     EXPECT_EQ(log.texts()[1], logged::elevatedStartFailed("x.exe", "\"a\"", "0"));
 }
 
-TEST(Xproc, AHandleNobodyAsksForIsClosed) {
+TEST(Xproc, AHandleThatNobodyTakesIsClosed) {
     const FakeCalls calls(kSuccess, kSuccess);
     const long before = openHandles();
     for (int i = 0; i < 50; ++i) ASSERT_EQ(xprocCreate(nullptr, {"x"}), 0);
@@ -201,26 +222,11 @@ TEST(Xproc, AHandleNobodyAsksForIsClosed) {
 TEST(Xproc, AnElevatedStartReachesTheProgram) {
     const TempFolder folder;
     const LogCapture log;
-    const XErr err = xprocCreate_elevated_basic(
-        nullptr, {ownPath(), "--subprocess", "writesItsCommandLine", slashed(folder / "line")});
-    ASSERT_EQ(err, 0) << "the shell answers for a program that exists";
-    for (int i = 0; i < 100 && !folder.has("line"); ++i) ::Sleep(50);
-    EXPECT_TRUE(folder.has("line"));
+    const std::string file = folder / "line";
+    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, ownCall("writesItsCommandLine", {slashed(file)})),
+              0);
+    EXPECT_NE(awaitContent(file), "");
 }
-
-namespace {
-
-bool isElevated() {
-    HANDLE token = nullptr;
-    EXPECT_TRUE(::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token));
-    TOKEN_ELEVATION elevation{};
-    DWORD size = 0;
-    EXPECT_TRUE(::GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size));
-    ::CloseHandle(token);
-    return elevation.TokenIsElevated != 0;
-}
-
-}  // namespace
 
 SUBPROCESS(writesItsElevation) {
     writeBytes(arguments[0], isElevated() ? "elevated" : "plain");
@@ -232,48 +238,23 @@ TEST(Xproc, OnlyAnElevatedStartElevatesTheProgram) {
         GTEST_SKIP() << "needs Wine 10 or Windows, where a program starts without elevation";
     }
     const TempFolder folder;
-    XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsElevation",
-                                   slashed(folder / "plain")}),
-              0);
-    EXPECT_EQ(xprocWait(child, nullptr), 0);
+    const std::string file = folder / "elevated";
+    EXPECT_EQ(exitCodeOf(startOwn("writesItsElevation", {slashed(folder / "plain")})), 0u);
     EXPECT_EQ(folder.read("plain"), "plain");
-    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, {ownPath(), "--subprocess", "writesItsElevation",
-                                                   slashed(folder / "elevated")}),
+    ASSERT_EQ(xprocCreate_elevated_basic(nullptr, ownCall("writesItsElevation", {slashed(file)})),
               0);
-    const auto content = [&] { return folder.has("elevated") ? folder.read("elevated") : ""; };
-    for (int i = 0; i < 600 && content().empty(); ++i) ::Sleep(50);
-    EXPECT_EQ(content(), "elevated");
+    EXPECT_EQ(awaitContent(file), "elevated");
 }
-
-namespace {
-
-// Another handle of the same process, with these rights; to be closed.
-HANDLE otherHandle(HANDLE process, DWORD access) {
-    HANDLE made = nullptr;
-    ::DuplicateHandle(::GetCurrentProcess(), process, ::GetCurrentProcess(), &made, access,
-                      /*bInheritHandle=*/FALSE, /*dwOptions=*/0);
-    return made;
-}
-
-bool isOpen(HANDLE handle) {
-    DWORD flags = 0;
-    return ::GetHandleInformation(handle, &flags) != FALSE;
-}
-
-}  // namespace
 
 TEST(Xproc, AWaitWithoutAnExitCodeClosesTheHandle) {
-    XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
+    const XprocHandle child = startOwn("doesNothing");
     EXPECT_TRUE(isOpen(child));
     EXPECT_EQ(xprocWait(child, nullptr), 0);
     EXPECT_FALSE(isOpen(child));
 }
 
 TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
-    XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
+    const XprocHandle child = startOwn("doesNothing");
     const HANDLE cannotWait = otherHandle(child, PROCESS_QUERY_INFORMATION);
     {
         const LogCapture log;
@@ -285,9 +266,10 @@ TEST(Xproc, AFailedWaitLeavesTheHandleOpen) {
     EXPECT_EQ(xprocWait(child, nullptr), 0);
 }
 
-TEST(Xproc, KillingAnEndedProcessAnswersZero) {
-    XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong"}), 0);
+TEST(Xproc, KillingAnEndedProcessReturnsZero) {
+    SignsOfLife signs;
+    const XprocHandle child = startOwn("sleepsLong", {signs.next()});
+    EXPECT_TRUE(signs.allArrived());
     const HANDLE again = otherHandle(child, PROCESS_ALL_ACCESS);
     xprocKill(child, 1);
     EXPECT_EQ(xprocWait(child, nullptr), 0);
@@ -297,19 +279,13 @@ TEST(Xproc, KillingAnEndedProcessAnswersZero) {
 
 TEST(Xproc, AnExitCodeThatCannotBeReadIsLoggedWithTwoBlanks) {
     const LogCapture log;
-    const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
-    std::uint32_t status = 77;
-    EXPECT_EQ(xprocWait(noProcess, &status), 0);
-    EXPECT_EQ(status, 77u);
+    expectNoExitCode();
     EXPECT_EQ(log.texts(), Lines{"E XSTR xprocWait  GetExitCodeProcess failed with 9 XERR_BADF"});
 }
 
-TEST(Xproc, AnExitCodeThatCannotBeReadIsLeftAloneWithTheLogOff) {
+TEST(Xproc, AnExitCodeThatCannotBeReadIsNotReturnedWithTheLogOff) {
     const LogOff off;
-    const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
-    std::uint32_t status = 77;
-    EXPECT_EQ(xprocWait(noProcess, &status), 0);
-    EXPECT_EQ(status, 77u);
+    expectNoExitCode();
     EXPECT_EQ(off.refused(), 1);
     EXPECT_EQ(off.printed(), 0);
 }

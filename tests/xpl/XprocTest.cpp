@@ -1,6 +1,6 @@
 #include "xpl/Xproc.h"
 
-#include "QuotingCases.h"
+#include "OwnChild.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
@@ -9,12 +9,6 @@
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "support/process_figures.h"
-
-namespace {
-
-std::string ownPath() { return builtProgram("xpl_test.exe"); }
-
-}  // namespace
 
 TEST(XprocQuote, HardArguments) {
     for (const QuotingCase& hard : kQuotingCases) {
@@ -53,7 +47,7 @@ TEST(Xproc, ArgumentsThatAreNotUtf8AreRefused) {
                     "err = 101113 [NOTDEFINED: 101113]"});
 }
 
-// Each argument on a line of its own, as the product's programs take them.
+// Writes an argument per line.
 SUBPROCESS(writesItsArguments) {
     std::string text;
     for (const std::string& argument : arguments) text += argument + "\n";
@@ -63,33 +57,19 @@ SUBPROCESS(writesItsArguments) {
 
 TEST(Xproc, AChildGetsItsArgumentsAndItsStatusComesBack) {
     const TempFolder folder;
-    std::string file = folder / "arguments";
-    for (char& c : file) c = c == '\\' ? '/' : c;  // nothing in them differs between the rules
-    XprocHandle child = nullptr;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "writesItsArguments", file, "a b", "",
-                                   "é日"}),
-              0);
-    std::uint32_t status = 0;
-    EXPECT_EQ(xprocWait(child, &status), 0);
-    EXPECT_EQ(status, 7u);
+    const std::string file = slashed(folder / "arguments");
+    EXPECT_EQ(exitCodeOf(startOwn("writesItsArguments", {file, "a b", "", "é日"})), 7u);
     EXPECT_EQ(folder.read("arguments"), file + "\na b\n\né日\n");
 }
 
 SUBPROCESS(doesNothing) { return 7; }
 
-TEST(Xproc, NothingIsLeftOfChildrenThatWereWaitedFor) {
-    const auto startAndWait = [](std::uint32_t* status) {
-        XprocHandle child = nullptr;
-        ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "doesNothing"}), 0);
-        EXPECT_EQ(xprocWait(child, status), 0);
-    };
-    std::uint32_t status = 0;
-    startAndWait(&status);
-    EXPECT_EQ(status, 7u);
+TEST(Xproc, AChildLeavesNoHandleAfterItsWait) {
+    EXPECT_EQ(exitCodeOf(startOwn("doesNothing")), 7u);
     const long before = openHandles();
     for (int i = 0; i < 5; ++i) {
-        startAndWait(nullptr);
-        startAndWait(&status);
+        EXPECT_EQ(xprocWait(startOwn("doesNothing"), nullptr), 0);
+        EXPECT_EQ(exitCodeOf(startOwn("doesNothing")), 7u);
     }
     EXPECT_EQ(openHandles(), before) << "neither processes nor their threads";
 }
@@ -101,14 +81,11 @@ SUBPROCESS(sleepsLong) {
 }
 
 TEST(Xproc, KillingEndsTheChild) {
-    XprocHandle child = nullptr;
     SignsOfLife signs;
-    ASSERT_EQ(xprocCreate(&child, {ownPath(), "--subprocess", "sleepsLong", signs.next()}), 0);
+    const XprocHandle child = startOwn("sleepsLong", {signs.next()});
     EXPECT_TRUE(signs.allArrived());
     EXPECT_EQ(xprocKill(child, 42), 0);
-    std::uint32_t status = 0;
-    EXPECT_EQ(xprocWait(child, &status), 0);
-    EXPECT_EQ(status, 42u);
+    EXPECT_EQ(exitCodeOf(child), 42u);
 }
 
 TEST(Xproc, AFailedKillIsOnlyLogged) {
