@@ -2,6 +2,7 @@
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
+#include "support/Rows.h"
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "support/process_figures.h"
@@ -11,7 +12,7 @@ namespace {
 
 class XfileTest : public ::testing::Test {
  protected:
-    // Opens, writes, and tells the status of the first step that failed.
+    // Opens and writes; the status of the first step that fails.
     static XErr writeWith(const std::string& path, XfileMode mode, std::string_view text) {
         Xfile file;
         if (const XErr err = xfileOpen(file, path, mode); err != 0) return err;
@@ -19,38 +20,98 @@ class XfileTest : public ::testing::Test {
         return xfileWriteAll(file, text.data(), text.size(), done);
     }
 
-    // A folder of more than 300 characters, which is not there yet.
+    // A file that a test has opened.
+    static Xfile opened(const std::string& path, XfileMode mode = XfileMode::Read) {
+        Xfile file;
+        EXPECT_EQ(xfileOpen(file, path, mode), 0);
+        return file;
+    }
+
+    // A path of more than 300 characters that does not exist yet.
     std::string longFolder() const {
         std::string path = folder.path();
         while (path.size() < 300) path += "\\a folder with a long name";
         return path;
     }
 
-    // The content of a file, whatever the length of its path.
+    // The content of a file whose path may be long.
     static std::string readLong(const std::string& path) { return readBytes("\\\\?\\" + path); }
+
+    // A path whose folder exists has no file, then one of five bytes, then none again.
+    static void expectLife(const std::string& path) {
+        std::int64_t size = -1;
+        EXPECT_EQ(xfileExists(path), XERR_NOENT);
+        EXPECT_EQ(xfileSizeOfPath(path, size), XERR_NOENT);
+        EXPECT_EQ(xfileDelete(path), XERR_NOENT);
+        EXPECT_EQ(writeWith(path, XfileMode::WriteNew, "12345"), 0);
+        EXPECT_EQ(xfileExists(path), 0);
+        EXPECT_EQ(xfileExists(path.substr(0, path.rfind('\\'))), 0) << "a folder exists too";
+        EXPECT_EQ(xfileSizeOfPath(path, size), 0);
+        EXPECT_EQ(size, 5);
+        EXPECT_EQ(xfileDelete(path), 0);
+        EXPECT_EQ(xfileExists(path), XERR_NOENT);
+    }
+
+    // A folder is created once its parent exists, and removed once it is empty.
+    void expectFolderLife(const std::string& parent) {
+        const std::string path = parent + "\\d";
+        EXPECT_EQ(xfileCreateFolder(path), XERR_NOENT) << "its parent must exist";
+        ASSERT_EQ(xfileMakeFolders(parent), 0);
+        EXPECT_EQ(xfileCreateFolder(path), 0);
+        EXPECT_EQ(xfileCreateFolder(path), 0) << "an existing folder is a success";
+        EXPECT_EQ(xfileExists(path), 0);
+        ASSERT_EQ(writeWith(path + "\\f", XfileMode::WriteNew, "x"), 0);
+        EXPECT_EQ(xfileRemoveFolder(path), XERR_NOTEMPTY);
+        EXPECT_EQ(xfileDelete(path + "\\f"), 0);
+        EXPECT_EQ(xfileRemoveFolder(path), 0);
+        EXPECT_EQ(xfileExists(path), XERR_NOENT);
+    }
 
     TempFolder folder;
 };
 
+// A write to "f", in a folder that holds it or not.
+struct ModeCase {
+    const char* name;
+    std::optional<std::string> before;
+    XfileMode mode;
+    std::string text;
+    XErr result;
+    std::optional<std::string> after;
+};
+
+constexpr auto kUnlistedMode = static_cast<XfileMode>(99);
+
+const ModeCase kModeCases[] = {
+    {"ReadModeNeedsTheFile", {}, XfileMode::Read, "x", XERR_NOENT, {}},
+    {"ReadModeDoesNotWrite", "abc", XfileMode::Read, "x", XERR_ACCES, "abc"},
+    {"AnUnlistedModeReads", "abc", kUnlistedMode, "x", XERR_ACCES, "abc"},
+    {"ReadWriteModeCreatesTheFile", {}, XfileMode::ReadWrite, "abcdef", 0, "abcdef"},
+    {"ReadWriteModeKeepsTheOtherBytes", "abcdef", XfileMode::ReadWrite, "XY", 0, "XYcdef"},
+    {"AppendModeCreatesTheFile", {}, XfileMode::Append, "one", 0, "one"},
+    {"AppendModeWritesAtTheEnd", "one", XfileMode::Append, "two", 0, "onetwo"},
+    {"WriteNewModeEmptiesAnExistingFile", "long content", XfileMode::WriteNew, "s", 0, "s"},
+    {"UpdateModeNeedsTheFile", {}, XfileMode::Update, "x", XERR_NOENT, {}},
+    {"UpdateModeKeepsTheOtherBytes", "abc", XfileMode::Update, "X", 0, "Xbc"},
+};
+
+CASE_PER_ROW(XfileModeTest, XfileTest, kModeCases);
+
 }  // namespace
 
-TEST_F(XfileTest, ReadModeNeedsTheFile) {
-    Xfile file;
-    EXPECT_EQ(xfileOpen(file, folder / "missing", XfileMode::Read), XERR_NOENT);
-    EXPECT_FALSE(file.isOpen());
-    EXPECT_FALSE(folder.has("missing"));
+TEST_P(XfileModeTest, Writes) {
+    const ModeCase& row = GetParam();
+    if (row.before) folder.write("f", *row.before);
+    EXPECT_EQ(writeWith(folder / "f", row.mode, row.text), row.result);
+    ASSERT_EQ(folder.has("f"), row.after.has_value());
+    if (row.after) EXPECT_EQ(folder.read("f"), *row.after);
 }
 
 TEST_F(XfileTest, ReadModeCreatesNoFolder) {
     Xfile file;
     EXPECT_EQ(xfileOpen(file, folder / "new\\missing", XfileMode::Read), XERR_NOENT);
+    EXPECT_FALSE(file.isOpen());
     EXPECT_FALSE(folder.has("new"));
-}
-
-TEST_F(XfileTest, AnUnlistedModeReads) {
-    folder.write("f", "abc");
-    EXPECT_EQ(writeWith(folder / "f", static_cast<XfileMode>(99), "x"), XERR_ACCES);
-    EXPECT_EQ(folder.read("f"), "abc");
 }
 
 TEST_F(XfileTest, AnUnlistedModeCreatesTheMissingFolders) {
@@ -59,40 +120,13 @@ TEST_F(XfileTest, AnUnlistedModeCreatesTheMissingFolders) {
     EXPECT_FALSE(folder.has("new\\f"));
 }
 
-TEST_F(XfileTest, ReadWriteModeKeepsWhatIsThere) {
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "abcdef"), 0);
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::ReadWrite, "XY"), 0);
-    EXPECT_EQ(folder.read("f"), "XYcdef");
-}
-
-TEST_F(XfileTest, AppendModeWritesAtTheEnd) {
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::Append, "one"), 0);
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::Append, "two"), 0);
-    EXPECT_EQ(folder.read("f"), "onetwo");
-}
-
 TEST_F(XfileTest, AppendModeCannotRead) {
     folder.write("f", "abc");
-    Xfile file;
-    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Append), 0);
+    Xfile file = opened(folder / "f", XfileMode::Append);
     char byte = 0;
     std::uint32_t done = 7;
     EXPECT_EQ(xfileRead(file, &byte, 1, done), XERR_ACCES);
     EXPECT_EQ(done, 0u);
-}
-
-TEST_F(XfileTest, WriteNewModeEmptiesAnExistingFile) {
-    folder.write("f", "long content");
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::WriteNew, "s"), 0);
-    EXPECT_EQ(folder.read("f"), "s");
-}
-
-TEST_F(XfileTest, UpdateModeNeedsTheFile) {
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::Update, "x"), XERR_NOENT);
-    EXPECT_FALSE(folder.has("f"));
-    folder.write("f", "abc");
-    EXPECT_EQ(writeWith(folder / "f", XfileMode::Update, "X"), 0);
-    EXPECT_EQ(folder.read("f"), "Xbc");
 }
 
 TEST_F(XfileTest, WritingModesCreateTheMissingFolders) {
@@ -115,20 +149,20 @@ TEST_F(XfileTest, TheLogOfAMissingDataFolderCreatesThatAndNotTheFolderOfLogs) {
     EXPECT_EQ(folder.read("Data\\Logs\\Player.log"), "x");
 }
 
-TEST_F(XfileTest, AFileInPlaceOfTheFolderIsTheOpensFailure) {
+TEST_F(XfileTest, AFileInPlaceOfTheFolderFailsTheOpen) {
     folder.write("a", "file");
     EXPECT_EQ(writeWith(folder / "a\\f", XfileMode::WriteNew, "x"), XERR_NOENT);
     EXPECT_EQ(folder.read("a"), "file");
 }
 
-TEST_F(XfileTest, AFolderIsNoFile) {
+TEST_F(XfileTest, AFolderCannotBeOpened) {
     folder.makeFolder("d");
     EXPECT_EQ(writeWith(folder / "d", XfileMode::WriteNew, "x"), XERR_ACCES);
 }
 
 TEST_F(XfileTest, PathsAreUtf8) {
     EXPECT_EQ(writeWith(folder / "日本 é\xF0\x9F\x8E\xAE", XfileMode::WriteNew, "x"), 0);
-    EXPECT_EQ(folder.list(), std::vector<std::string>{"日本 é\xF0\x9F\x8E\xAE"});
+    EXPECT_EQ(folder.list(), Lines{"日本 é\xF0\x9F\x8E\xAE"});
     EXPECT_EQ(writeWith(folder / "\xFF", XfileMode::WriteNew, "x"), 101113);
     EXPECT_EQ(xfileExists(folder / "\xFF"), 101113);
 }
@@ -145,8 +179,7 @@ TEST_F(XfileTest, AHeldFileReportsTheSharingViolation) {
 
 TEST_F(XfileTest, ReadAllStopsAtTheEndOfTheFile) {
     folder.write("f", "abc");
-    Xfile file;
-    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+    Xfile file = opened(folder / "f");
     char bytes[8] = {};
     std::size_t done = 0;
     EXPECT_EQ(xfileReadAll(file, bytes, 3, done), 0);
@@ -167,8 +200,7 @@ TEST_F(XfileTest, AZeroLengthWriteAllDoesNotWrite) {
 
 TEST_F(XfileTest, SizeAndSeek) {
     folder.write("f", "0123456789");
-    Xfile file;
-    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
+    Xfile file = opened(folder / "f");
     std::int64_t number = 0;
     EXPECT_EQ(xfileSize(file, number), 0);
     EXPECT_EQ(number, 10);
@@ -190,8 +222,7 @@ TEST_F(XfileTest, SizeAndSeek) {
 TEST_F(XfileTest, MovingAnObjectLeavesNoHandleBehind) {
     folder.write("f", "x");
     const long before = openHandles();
-    Xfile first;
-    ASSERT_EQ(xfileOpen(first, folder / "f", XfileMode::Read), 0);
+    Xfile first = opened(folder / "f");
     Xfile second(std::move(first));
     EXPECT_TRUE(second.isOpen());
     Xfile third;
@@ -201,30 +232,16 @@ TEST_F(XfileTest, MovingAnObjectLeavesNoHandleBehind) {
     EXPECT_EQ(openHandles(), before) << "every handle is closed";
 }
 
-TEST_F(XfileTest, ExistsSizeAndDeletePerPath) {
-    std::int64_t size = -1;
-    EXPECT_EQ(xfileExists(folder / "f"), XERR_NOENT);
-    EXPECT_EQ(xfileSizeOfPath(folder / "f", size), XERR_NOENT);
-    EXPECT_EQ(xfileDelete(folder / "f"), XERR_NOENT);
-    folder.write("f", "12345");
-    EXPECT_EQ(xfileExists(folder / "f"), 0);
-    EXPECT_EQ(xfileExists(folder.path()), 0);
-    EXPECT_EQ(xfileSizeOfPath(folder / "f", size), 0);
-    EXPECT_EQ(size, 5);
-    EXPECT_EQ(xfileDelete(folder / "f"), 0);
-    EXPECT_FALSE(folder.has("f"));
+TEST_F(XfileTest, ExistsSizeAndDeletePerPath) { expectLife(folder / "f"); }
+
+TEST_F(XfileTest, ALongPathExistsHasASizeAndIsDeleted) {
+    ASSERT_EQ(xfileMakeFolders(longFolder()), 0);
+    expectLife(longFolder() + "\\f");
 }
 
-TEST_F(XfileTest, CreateAndRemoveOneFolder) {
-    EXPECT_EQ(xfileCreateFolder(folder / "d"), 0);
-    EXPECT_EQ(xfileCreateFolder(folder / "d"), 0) << "an existing folder is a success";
-    EXPECT_EQ(xfileCreateFolder(folder / "x\\y"), XERR_NOENT) << "its parent must exist";
-    folder.write("d\\f", "x");
-    EXPECT_EQ(xfileRemoveFolder(folder / "d"), XERR_NOTEMPTY);
-    EXPECT_EQ(xfileDelete(folder / "d\\f"), 0);
-    EXPECT_EQ(xfileRemoveFolder(folder / "d"), 0);
-    EXPECT_FALSE(folder.has("d"));
-}
+TEST_F(XfileTest, CreateAndRemoveOneFolder) { expectFolderLife(folder / "x"); }
+
+TEST_F(XfileTest, ALongFolderIsCreatedAndRemoved) { expectFolderLife(longFolder()); }
 
 TEST_F(XfileTest, MakeFoldersTakesBothSeparators) {
     EXPECT_EQ(xfileMakeFolders(folder / "a/b\\c//d\\"), 0);
@@ -259,32 +276,6 @@ TEST_F(XfileTest, WritingModesCreateTheMissingFoldersOfALongPath) {
     EXPECT_EQ(readLong(path), "x");
 }
 
-TEST_F(XfileTest, ALongPathExistsHasASizeAndIsDeleted) {
-    const std::string path = longFolder() + "\\f";
-    std::int64_t size = -1;
-    EXPECT_EQ(xfileExists(path), XERR_NOENT);
-    EXPECT_EQ(xfileSizeOfPath(path, size), XERR_NOENT);
-    EXPECT_EQ(xfileDelete(path), XERR_NOENT);
-    ASSERT_EQ(writeWith(path, XfileMode::WriteNew, "12345"), 0);
-    EXPECT_EQ(xfileExists(path), 0);
-    EXPECT_EQ(xfileExists(longFolder()), 0);
-    EXPECT_EQ(xfileSizeOfPath(path, size), 0);
-    EXPECT_EQ(size, 5);
-    EXPECT_EQ(xfileDelete(path), 0);
-    EXPECT_EQ(xfileExists(path), XERR_NOENT);
-}
-
-TEST_F(XfileTest, ALongFolderIsCreatedAndRemoved) {
-    const std::string path = longFolder() + "\\d";
-    EXPECT_EQ(xfileCreateFolder(path), XERR_NOENT) << "its parent must exist";
-    ASSERT_EQ(xfileMakeFolders(longFolder()), 0);
-    EXPECT_EQ(xfileCreateFolder(path), 0);
-    EXPECT_EQ(xfileCreateFolder(path), 0) << "an existing folder is a success";
-    EXPECT_EQ(xfileExists(path), 0);
-    EXPECT_EQ(xfileRemoveFolder(path), 0);
-    EXPECT_EQ(xfileExists(path), XERR_NOENT);
-}
-
 TEST_F(XfileTest, ALongPathIsFlushedAndMoved) {
     const LogCapture log;
     const std::string path = longFolder() + "\\f";
@@ -296,7 +287,7 @@ TEST_F(XfileTest, ALongPathIsFlushedAndMoved) {
     EXPECT_EQ(readLong(path), "x");
     EXPECT_EQ(xfileMove(path, path + "2"), 0);
     EXPECT_EQ(readLong(path + "2"), "x");
-    EXPECT_EQ(log.texts(XLOG_WARNING), std::vector<std::string>{});
+    EXPECT_EQ(log.texts(XLOG_WARNING), Lines{});
 }
 
 TEST_F(XfileTest, ARelativePathIsLongWhenItsAbsoluteFormIs) {
@@ -320,17 +311,17 @@ TEST_F(XfileTest, MakeFoldersTakesADrivesCurrentFolder) {
         const InFolder here(folder.path());
         const std::string drive = folder.path().substr(0, 2);
         EXPECT_EQ(xfileMakeFolders(drive), 0);
-        EXPECT_EQ(folder.list(), std::vector<std::string>{});
+        EXPECT_EQ(folder.list(), Lines{});
         EXPECT_EQ(xfileMakeFolders(drive + "a\\b"), 0);
     }
-    EXPECT_EQ(folder.list(), std::vector<std::string>{"a"});
+    EXPECT_EQ(folder.list(), Lines{"a"});
     EXPECT_TRUE(folder.has("a\\b"));
 }
 
 TEST_F(XfileTest, MakeFoldersNeedsAPath) {
     const InFolder here(folder.path());
     EXPECT_NE(xfileMakeFolders(""), 0);
-    EXPECT_EQ(folder.list(), std::vector<std::string>{});
+    EXPECT_EQ(folder.list(), Lines{});
 }
 
 TEST_F(XfileTest, MakeFoldersReportsTheFirstRealFailure) {
@@ -342,23 +333,23 @@ TEST_F(XfileTest, MoveReplacesTheDestination) {
     folder.write("from", "new");
     folder.write("to", "old");
     EXPECT_EQ(xfileMove(folder / "from", folder / "to"), 0);
-    EXPECT_EQ(folder.list(), std::vector<std::string>{"to"});
+    EXPECT_EQ(folder.list(), Lines{"to"});
     EXPECT_EQ(folder.read("to"), "new");
 }
 
 TEST_F(XfileTest, MoveOfAMissingSourceWarnsAndFails) {
     const LogCapture log;
     EXPECT_EQ(xfileMove(folder / "from", folder / "to"), XERR_NOENT);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::fileNotFlushed(folder / "from")});
-    EXPECT_EQ(folder.list(), std::vector<std::string>{});
+    EXPECT_EQ(log.texts(), Lines{logged::fileNotFlushed(folder / "from")});
+    EXPECT_EQ(folder.list(), Lines{});
 }
 
 TEST_F(XfileTest, MoveFromAMissingFolderMakesTheFolderAndFails) {
     const LogCapture log;
     const std::string from = folder / "new\\from";
     EXPECT_EQ(xfileMove(from, folder / "to"), XERR_NOENT);
-    EXPECT_EQ(log.texts(), std::vector<std::string>{logged::fileNotFlushed(from)});
-    EXPECT_EQ(folder.list(), std::vector<std::string>{"new"});
+    EXPECT_EQ(log.texts(), Lines{logged::fileNotFlushed(from)});
+    EXPECT_EQ(folder.list(), Lines{"new"});
     EXPECT_FALSE(folder.has("new\\from"));
 }
 
@@ -394,8 +385,7 @@ TEST_F(XfileTest, AMoveWithRetryOutlastsAShortHold) {
 }
 
 TEST_F(XfileTest, MovingAFileOntoItselfKeepsItOpen) {
-    Xfile file;
-    ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::WriteNew), 0);
+    Xfile file = opened(folder / "f", XfileMode::WriteNew);
     Xfile& same = file;
     file = std::move(same);
     EXPECT_TRUE(file.isOpen());
@@ -404,7 +394,7 @@ TEST_F(XfileTest, MovingAFileOntoItselfKeepsItOpen) {
     EXPECT_EQ(done, 3u);
 }
 
-TEST_F(XfileTest, AttributesTellFoldersFromFilesHoweverThePathIsSpelled) {
+TEST_F(XfileTest, AttributesDistinguishFoldersHoweverThePathIsSpelled) {
     folder.makeFolder("sub");
     folder.write("f", "");
     XfileAttributes attributes;
@@ -420,14 +410,14 @@ TEST_F(XfileTest, AttributesTellFoldersFromFilesHoweverThePathIsSpelled) {
     EXPECT_FALSE(attributes.isFolder);
 }
 
-TEST_F(XfileTest, AttributesOfWhatIsNotThereAreTheStatus) {
+TEST_F(XfileTest, AttributesOfAMissingFileAreNotSet) {
     XfileAttributes attributes{true, true};
     EXPECT_EQ(xfileAttributes(folder / "missing", attributes), XERR_NOENT);
     EXPECT_EQ(xfileAttributes(folder / "\xFF", attributes), 101113);
     EXPECT_TRUE(attributes.isFolder && attributes.isReadOnly) << "they are left alone";
 }
 
-TEST_F(XfileTest, AReadOnlyFileIsToldAsSuch) {
+TEST_F(XfileTest, AReadOnlyFileIsReportedAsReadOnly) {
     const std::string path = folder.write("f", "");
     namespace fs = std::filesystem;
     fs::permissions(systemPath(path), fs::perms::owner_read | fs::perms::group_read);
@@ -474,20 +464,17 @@ TEST_F(XfileTest, TheWindowsErrorOfAFailureIsKept) {
 }
 
 TEST_F(XfileTest, AReadWithRetryReadsTheWholeFile) {
-    folder.write("empty", "");
-    folder.write("f", std::string("a\0b\n", 4));
-    std::string content = "before";
-    XfileReadErrors errors = xfileReadWithRetry(folder / "f", content);
-    EXPECT_EQ(errors.open, 0);
-    EXPECT_EQ(errors.bytes, 0);
-    EXPECT_EQ(content, std::string("a\0b\n", 4));
-    errors = xfileReadWithRetry(folder / "empty", content);
-    EXPECT_EQ(errors.open, 0);
-    EXPECT_EQ(errors.bytes, 0);
-    EXPECT_EQ(content, "");
+    for (const std::string& text : {std::string("a\0b\n", 4), std::string()}) {
+        folder.write("f", text);
+        std::string content = "before";
+        const XfileReadErrors errors = xfileReadWithRetry(folder / "f", content);
+        EXPECT_EQ(errors.open, 0);
+        EXPECT_EQ(errors.bytes, 0);
+        EXPECT_EQ(content, text);
+    }
 }
 
-TEST_F(XfileTest, AReadWithRetryOfWhatCannotBeOpenedHasTheErrorAndNoContent) {
+TEST_F(XfileTest, AReadWithRetryOfAFileThatCannotBeOpenedHasTheErrorAndNoContent) {
     const std::pair<std::string, int> cases[] = {
         {folder / "missing", 2}, {folder.path(), 5}, {folder / "\xFF", 1113}};
     for (const auto& [path, error] : cases) {

@@ -7,6 +7,7 @@
 #include "support/SystemAbilities.h"
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
+#include "support/Threads.h"
 #include "xpl/Xlog.h"
 
 namespace {
@@ -23,7 +24,7 @@ class XlogTest : public ::testing::Test {
         xlogSetDisplay(false, false, false);
     }
 
-    std::vector<std::string> messages() const { return logMessages(folder.read("log")); }
+    Lines messages() const { return logMessages(folder.read("log")); }
 
     TempFolder folder;
 };
@@ -38,33 +39,41 @@ struct TagName {
 
 // In the order of their numbers, which the product's other programs share.
 constexpr TagName kTags[] = {
-    {XlogTag::AGA, "AGA"},       {XlogTag::APPC, "APPC"},     {XlogTag::AUD, "AUD"},
-    {XlogTag::BRIDGE, "BRIDGE"}, {XlogTag::CAM, "CAM"},       {XlogTag::CLD, "CLD"},
-    {XlogTag::CONF, "CONF"},     {XlogTag::CSM, "CSM"},       {XlogTag::DCRD, "DCRD"},
-    {XlogTag::GCALL, "GCALL"},   {XlogTag::GR, "GR"},         {XlogTag::GRM, "GRM"},
-    {XlogTag::HCALL, "HCALL"},   {XlogTag::HST, "HST"},       {XlogTag::IMAP, "IMAP"},
-    {XlogTag::IMGD, "IMGD"},     {XlogTag::INP, "INP"},       {XlogTag::IPC, "IPC"},
-    {XlogTag::KMM, "KMM"},       {XlogTag::MIM, "MIM"},       {XlogTag::MNS, "MNS"},
-    {XlogTag::PGA, "PGA"},       {XlogTag::PGAIPC, "PGAIPC"}, {XlogTag::PLR, "PLR"},
-    {XlogTag::SER, "SER"},       {XlogTag::UI, "UI"},         {XlogTag::UTL, "UTL"},
-    {XlogTag::VDES, "VDES"},     {XlogTag::VMMGR, "VMMGR"},   {XlogTag::WERH, "WERH"},
-    {XlogTag::XCOND, "XCOND"},   {XlogTag::XFILE, "XFILE"},   {XlogTag::XLIB, "XLIB"},
-    {XlogTag::XLOCK, "XLOCK"},   {XlogTag::XLOG, "XLOG"},     {XlogTag::XMEM, "XMEM"},
-    {XlogTag::XMUTEX, "XMUTEX"}, {XlogTag::XPROC, "XPROC"},   {XlogTag::XSOCK, "XSOCK"},
-    {XlogTag::XSTR, "XSTR"},     {XlogTag::XTHR, "XTHR"},     {XlogTag::XTIME, "XTIME"},
-    {XlogTag::XTIMER, "XTIMER"},
+#define TAG(name) \
+    { XlogTag::name, #name }
+    TAG(AGA),   TAG(APPC),   TAG(AUD),   TAG(BRIDGE), TAG(CAM),  TAG(CLD),   TAG(CONF),
+    TAG(CSM),   TAG(DCRD),   TAG(GCALL), TAG(GR),     TAG(GRM),  TAG(HCALL), TAG(HST),
+    TAG(IMAP),  TAG(IMGD),   TAG(INP),   TAG(IPC),    TAG(KMM),  TAG(MIM),   TAG(MNS),
+    TAG(PGA),   TAG(PGAIPC), TAG(PLR),   TAG(SER),    TAG(UI),   TAG(UTL),   TAG(VDES),
+    TAG(VMMGR), TAG(WERH),   TAG(XCOND), TAG(XFILE),  TAG(XLIB), TAG(XLOCK), TAG(XLOG),
+    TAG(XMEM),  TAG(XMUTEX), TAG(XPROC), TAG(XSOCK),  TAG(XSTR), TAG(XTHR),  TAG(XTIME),
+    TAG(XTIMER)
+#undef TAG
 };
 
 bool enabled(XlogTag tag, std::int32_t level) { return xlogIsEnabled({tag, ""}, level); }
 
+std::string greeting;
+
+std::int32_t enableAll(std::int32_t, std::int32_t) { return 1; }
+
+std::int32_t keepGreeting(std::int32_t level, std::int32_t tag, const char*, const char*,
+                          std::int32_t, const char* format, ...) {
+    greeting = std::to_string(level) + " " + std::to_string(tag) + " " + format;
+    return 0;
+}
+
+// How many different lines a log holds.
+std::size_t differentLines(const Lines& lines) {
+    return std::set<std::string>(lines.begin(), lines.end()).size();
+}
+
 }  // namespace
 
 TEST_F(XlogTest, EveryTagStartsAtInformationAndMemoryAtDebug) {
-    for (int tag = 0; tag < 43; ++tag) {
-        const XlogTag which = static_cast<XlogTag>(tag);
-        const bool isMemory = which == XlogTag::XMEM;
-        EXPECT_TRUE(enabled(which, XLOG_INFORMATION)) << tag;
-        EXPECT_EQ(enabled(which, XLOG_DEBUG), isMemory) << tag;
+    for (const auto& [tag, name] : kTags) {
+        EXPECT_TRUE(enabled(tag, XLOG_INFORMATION)) << name;
+        EXPECT_EQ(enabled(tag, XLOG_DEBUG), tag == XlogTag::XMEM) << name;
     }
 }
 
@@ -98,7 +107,7 @@ TEST_F(XlogTest, ALevelSpecificationIsLoggedAtDebugLevel) {
     EXPECT_EQ(messages(), Lines{"D XLOG  Change log levels with: *:W  CONF:Q"});
 }
 
-// The logger of the call before stays: what is shown of the start is its decision.
+// The previous logger stays, and decides which lines of the start are shown.
 TEST_F(XlogTest, TheStartIsLoggedAtDebugLevel) {
     const LogCapture log;
     ASSERT_EQ(xlogLibInit(nullptr, folder / "log"), 0);
@@ -120,9 +129,7 @@ TEST_F(XlogTest, OnlyTheFirstLetterOfALevelCounts) {
 
 TEST_F(XlogTest, AStarMeansEveryTag) {
     EXPECT_EQ(xlogSetLevels("*:V"), 0);
-    for (int tag = 0; tag < 43; ++tag) {
-        EXPECT_TRUE(enabled(static_cast<XlogTag>(tag), XLOG_VERBOSE)) << tag;
-    }
+    for (const auto& [tag, name] : kTags) EXPECT_TRUE(enabled(tag, XLOG_VERBOSE)) << name;
     EXPECT_EQ(xlogSetLevels("*:E"), 0);
     EXPECT_FALSE(enabled(XlogTag::AGA, XLOG_WARNING));
     EXPECT_TRUE(enabled(XlogTag::AGA, XLOG_ERROR));
@@ -199,7 +206,7 @@ TEST_F(XlogTest, ALineNumberOfZeroIsShownToo) {
     EXPECT_EQ(messages(), (Lines{"I CONF  0 | message", "I CONF  without"}));
 }
 
-TEST_F(XlogTest, PrintAnswersTheBytesWritten) {
+TEST_F(XlogTest, PrintReturnsTheBytesWritten) {
     const std::int32_t written =
         xlogGetLogger().print(XLOG_INFORMATION, 6, "f", "g", 1, "%s", "message");
     EXPECT_EQ(static_cast<std::size_t>(written), folder.read("log").size());
@@ -233,26 +240,20 @@ TEST_F(XlogTest, ThreadsDoNotMixWithinALine) {
     if (!appendsAreAtomic()) GTEST_SKIP() << kNeedsAtomicAppends;
     constexpr int kThreads = 4;
     constexpr int kLines = 250;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([t] {
-            for (int i = 0; i < kLines; ++i) {
-                XLOG_I(kConf, "%d:%d %s", t, i,
-                       std::string(300, static_cast<char>('a' + t)).c_str());
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    inThreads(kThreads, [](int thread) {
+        const std::string text(300, static_cast<char>('a' + thread));
+        for (int i = 0; i < kLines; ++i) XLOG_I(kConf, "%d:%d %s", thread, i, text.c_str());
+    });
     const Lines lines = messages();
     EXPECT_EQ(lines.size(), std::size_t{kThreads * kLines});
-    EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), lines.size());
+    EXPECT_EQ(differentLines(lines), lines.size());
     for (const std::string& line : lines) {
         ASSERT_EQ(line.rfind("I CONF  ", 0), 0u) << line;
         EXPECT_EQ(line.substr(line.size() - 300), std::string(300, line.back()));
     }
 }
 
-TEST_F(XlogTest, ALoggerOfTheHostsGetsEveryLine) {
+TEST_F(XlogTest, ALoggerOfTheHostReceivesEveryLine) {
     const LogCapture log;
     ASSERT_EQ(log.lines().size(), 0u);
     XLOG_V(kConf, "%s %d", "text", 5);
@@ -266,21 +267,7 @@ TEST_F(XlogTest, ALoggerOfTheHostsGetsEveryLine) {
     EXPECT_EQ(folder.read("log"), "");
 }
 
-namespace {
-
-std::string greeting;
-
-std::int32_t enableAll(std::int32_t, std::int32_t) { return 1; }
-
-std::int32_t keepGreeting(std::int32_t level, std::int32_t tag, const char*, const char*,
-                          std::int32_t, const char* format, ...) {
-    greeting = std::to_string(level) + " " + std::to_string(tag) + " " + format;
-    return 0;
-}
-
-}  // namespace
-
-TEST(XlogStart, ALoggerOfTheHostsIsGreetedAtDebugLevel) {
+TEST(XlogStart, ALoggerOfTheHostReceivesTheStartAtDebugLevel) {
     const XlogLogger own{enableAll, keepGreeting};
     const XlogLogger before = xlogGetLogger();
     EXPECT_EQ(xlogLibInit(&own, "ignored"), 0);
@@ -315,10 +302,7 @@ TEST(XlogStart, AnEmptyPathMeansStandardOutput) {
     EXPECT_NE(result.out.find(" CONF    I: to the console"), std::string::npos) << result.out;
 }
 
-SUBPROCESS(logsIntoMissingFolder) {
-    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
-    return 0;
-}
+SUBPROCESS(logsIntoMissingFolder) { return xlogLibInit(nullptr, arguments[0]); }
 
 TEST(XlogStart, AFileThatCannotBeOpenedIsFatalAndItsLineIsLost) {
     const TempFolder folder;
@@ -356,11 +340,10 @@ TEST(XlogStart, ProcessesShareALogWithoutLosingLines) {
         children.push_back(startSubprocess("logsManyLines", {folder / "log", name}));
     }
     for (ChildProcess& child : children) EXPECT_EQ(child.finish().status, 0u);
-    const Lines lines = logMessages(folder.read("log"));
-    EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), 4000u);
+    EXPECT_EQ(differentLines(logMessages(folder.read("log"))), 4000u);
 }
 
-TEST_F(XlogTest, NumbersThatAreNoTagOrLevelAreLinesAllTheSame) {
+TEST_F(XlogTest, UnknownNumbersOfTagsAndLevelsAreLogged) {
     const XlogLogger& logger = xlogGetLogger();
     EXPECT_EQ(logger.isEnabled(43, XLOG_ERROR), 0);
     EXPECT_EQ(logger.isEnabled(-1, XLOG_ERROR), 0);

@@ -1,11 +1,12 @@
 #include "support/TestHeaders.h"
+#include "support/Threads.h"
 #include "xpl/Xrcu.h"
 
 namespace {
 
 using Texts = std::vector<std::string>;
 
-// A value that counts how many of it there are.
+// Counts its objects.
 struct Counted {
     Counted() { ++alive; }
     Counted(const Counted& other) : number(other.number) { ++alive; }
@@ -32,14 +33,14 @@ TEST(XrcuTest, ItIsEmptyBeforeTheFirstChange) {
     EXPECT_EQ(Xrcu<std::string>::Reader(value).get(), nullptr);
 }
 
-TEST(XrcuTest, AChangeBeginsWithWhatIsThere) {
+TEST(XrcuTest, AChangeBeginsWithTheLastValue) {
     Xrcu<std::string> value;
     value.change([](std::string& next) { next += "a"; });
     value.change([](std::string& next) { next += "b"; });
     EXPECT_EQ(*Xrcu<std::string>::Reader(value).get(), "ab");
 }
 
-TEST(XrcuTest, AReaderKeepsWhatItHasAndWhatNobodyReadsIsReleased) {
+TEST(XrcuTest, AReaderKeepsItsValueUntilItEnds) {
     {
         Xrcu<Counted> value;
         value.change([](Counted& next) { next.number = 1; });
@@ -73,35 +74,24 @@ TEST(XrcuTest, AChangeThatThrowsChangesNothing) {
 TEST(XrcuTest, ReadersNeverSeeHalfOfTwoValues) {
     Xrcu<Texts> value;
     value.change([](Texts& next) { next.assign(8, "0"); });
-    std::atomic<bool> done{false};
     std::atomic<int> torn{0};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 3; ++i) {
-        readers.emplace_back([&] {
-            while (!done) {
-                const Xrcu<Texts>::Reader reader(value);
-                if (!areEqual(*reader.get())) ++torn;
-            }
-        });
-    }
-    for (int i = 1; i <= 300; ++i) {
-        value.change([i](Texts& next) {
-            for (std::string& text : next) text = std::to_string(i) + " is more than fits inline";
-        });
-    }
-    done = true;
-    for (std::thread& reader : readers) reader.join();
+    const auto read = [&] {
+        const Xrcu<Texts>::Reader reader(value);
+        if (!areEqual(*reader.get())) ++torn;
+    };
+    whileRepeating(3, read, [&value] {
+        for (int i = 1; i <= 300; ++i) {
+            const std::string text = std::to_string(i) + " is more than fits inline";
+            value.change([&text](Texts& next) { next.assign(8, text); });
+        }
+    });
     EXPECT_EQ(torn, 0);
 }
 
 TEST(XrcuTest, ChangesOfSeveralWritersAllCount) {
     Xrcu<int> value;
-    std::vector<std::thread> writers;
-    for (int i = 0; i < 3; ++i) {
-        writers.emplace_back([&value] {
-            for (int round = 0; round < 500; ++round) value.change([](int& next) { ++next; });
-        });
-    }
-    for (std::thread& writer : writers) writer.join();
+    inThreads(3, [&value](int) {
+        for (int round = 0; round < 500; ++round) value.change([](int& next) { ++next; });
+    });
     EXPECT_EQ(*Xrcu<int>::Reader(value).get(), 1500);
 }

@@ -1,9 +1,10 @@
 #include "support/TestHeaders.h"
+#include "support/Threads.h"
 #include "xpl/Xseqlock.h"
 
 namespace {
 
-// So many that a writer often comes in between.
+// Enough for a writer to interrupt a read often.
 constexpr std::size_t kWords = 512;
 
 struct Words {
@@ -41,36 +42,26 @@ TEST(XseqlockTest, TheLastValueIsRead) {
 
 TEST(XseqlockTest, ReadersNeverSeeHalfOfTwoValues) {
     Xseqlock<Words> seqlock;
-    std::atomic<bool> stop{false};
-    std::atomic<std::uint64_t> mixed{0};
-    std::atomic<std::uint64_t> backwards{0};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 3; ++i) {
-        readers.emplace_back([&] {
-            for (std::uintptr_t last = 0; !stop;) {
-                const Words words = seqlock.get();
-                if (!areEqual(words)) ++mixed;
-                if (words.word[0] < last) ++backwards;
-                last = words.word[0];
-            }
-        });
-    }
-    for (std::uintptr_t i = 1; i <= 40'000; ++i) seqlock.set(allOf(i));
-    stop = true;
-    for (std::thread& reader : readers) reader.join();
-    EXPECT_EQ(mixed, 0u);
-    EXPECT_EQ(backwards, 0u);
+    std::atomic<int> mixed{0};
+    std::atomic<int> backwards{0};
+    const auto read = [&] {
+        thread_local std::uintptr_t last = 0;
+        const Words words = seqlock.get();
+        if (!areEqual(words)) ++mixed;
+        if (words.word[0] < std::exchange(last, words.word[0])) ++backwards;
+    };
+    whileRepeating(3, read, [&] {
+        for (std::uintptr_t i = 1; i <= 40'000; ++i) seqlock.set(allOf(i));
+    });
+    EXPECT_EQ(mixed, 0);
+    EXPECT_EQ(backwards, 0);
 }
 
 TEST(XseqlockTest, SeveralWritersLeaveOneWholeValue) {
     Xseqlock<Words> seqlock;
-    std::vector<std::thread> writers;
-    for (std::uintptr_t id = 1; id <= 4; ++id) {
-        writers.emplace_back([&seqlock, id] {
-            for (int i = 0; i < 5'000; ++i) seqlock.set(allOf(id));
-        });
-    }
-    for (std::thread& writer : writers) writer.join();
+    inThreads(4, [&seqlock](int id) {
+        for (int i = 0; i < 5'000; ++i) seqlock.set(allOf(static_cast<std::uintptr_t>(id) + 1));
+    });
     const Words last = seqlock.get();
     EXPECT_TRUE(areEqual(last));
     EXPECT_TRUE(last.word[0] >= 1 && last.word[0] <= 4);

@@ -1,9 +1,10 @@
 #include "support/TestHeaders.h"
+#include "support/Threads.h"
 #include "xpl/XsharedMutex.h"
 
 namespace {
 
-// A thread's own call, so that it has a place of its own among the readers.
+// Makes a call in its own thread, which has its own place among the readers.
 template <typename Call>
 auto inThread(Call call) {
     return std::async(std::launch::async, call);
@@ -23,15 +24,11 @@ TEST(XsharedMutexTest, AnyNumberOfThreadsReadAtTheSameTime) {
     XsharedMutex mutex;
     constexpr int kReaders = 12;  // some share a lock
     std::atomic<int> inside{0};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < kReaders; ++i) {
-        readers.emplace_back([&] {
-            const XsharedGuard reading(mutex);
-            ++inside;
-            while (inside < kReaders) std::this_thread::yield();
-        });
-    }
-    for (std::thread& reader : readers) reader.join();
+    inThreads(kReaders, [&](int) {
+        const XsharedGuard reading(mutex);
+        ++inside;
+        while (inside < kReaders) std::this_thread::yield();
+    });
     EXPECT_EQ(inside, kReaders);
 }
 
@@ -71,61 +68,44 @@ TEST(XsharedMutexTest, AReaderNeverSeesHalfOfAChange) {
     XsharedMutex mutex;
     int first = 0;
     int second = 0;
-    std::vector<std::thread> threads;
-    for (int writer = 0; writer < 2; ++writer) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 5000; ++i) {
+    std::atomic<int> torn{0};
+    inThreads(4, [&](int thread) {
+        for (int i = 0; i < 5000; ++i) {
+            if (thread < 2) {
                 const std::lock_guard<XsharedMutex> guard(mutex);
                 ++first;
                 ++second;
-            }
-        });
-    }
-    std::atomic<int> torn{0};
-    for (int reader = 0; reader < 2; ++reader) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 5000; ++i) {
+            } else {
                 const XsharedGuard guard(mutex);
                 if (first != second) ++torn;
             }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+        }
+    });
     EXPECT_EQ(torn, 0);
     EXPECT_EQ(first, 10000);
 }
 
-// Readers that overlap all the time leave no moment without one.
+// Readers that overlap leave no moment without one.
 TEST(XsharedMutexTest, AWriterGetsItsTurnAmongReadersThatNeverStop) {
     XsharedMutex mutex;
-    std::atomic<bool> done{false};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 4; ++i) {
-        readers.emplace_back([&] {
-            while (!done) const XsharedGuard guard(mutex);
+    const auto read = [&] { const XsharedGuard guard(mutex); };
+    std::future<void> writing;
+    whileRepeating(4, read, [&] {
+        writing = inThread([&] {
+            for (int i = 0; i < 100; ++i) const std::lock_guard<XsharedMutex> guard(mutex);
         });
-    }
-    auto writing = inThread([&] {
-        for (int i = 0; i < 100; ++i) const std::lock_guard<XsharedMutex> guard(mutex);
+        EXPECT_TRUE(isReadyWithin(writing, kLong));
     });
-    EXPECT_TRUE(isReadyWithin(writing, kLong));
-    done = true;
-    for (std::thread& reader : readers) reader.join();
 }
 
 TEST(XsharedMutexTest, AReaderGetsItsTurnAmongWritersThatNeverStop) {
     XsharedMutex mutex;
-    std::atomic<bool> done{false};
-    std::vector<std::thread> writers;
-    for (int i = 0; i < 3; ++i) {
-        writers.emplace_back([&] {
-            while (!done) const std::lock_guard<XsharedMutex> guard(mutex);
+    const auto write = [&] { const std::lock_guard<XsharedMutex> guard(mutex); };
+    std::future<void> reading;
+    whileRepeating(3, write, [&] {
+        reading = inThread([&] {
+            for (int i = 0; i < 100; ++i) const XsharedGuard guard(mutex);
         });
-    }
-    auto reading = inThread([&] {
-        for (int i = 0; i < 100; ++i) const XsharedGuard guard(mutex);
+        EXPECT_TRUE(isReadyWithin(reading, kLong));
     });
-    EXPECT_TRUE(isReadyWithin(reading, kLong));
-    done = true;
-    for (std::thread& writer : writers) writer.join();
 }

@@ -24,63 +24,59 @@ class NotedFiles final : public XfileReplacer {
     }
 };
 
+class XtemporaryFileTest : public ::testing::Test {
+ protected:
+    // Uses a temporary file "t" and destroys it. The calls of the files must be these.
+    void expectCalls(const Lines& calls, const std::function<void(XtemporaryFile&)>& use) {
+        {
+            XtemporaryFile temporary(files, "t", kModule, "function");
+            use(temporary);
+        }
+        EXPECT_EQ(files.calls, calls);
+    }
+
+    NotedFiles files;
+};
+
 }  // namespace
 
-TEST(XtemporaryFileTest, WhatWasNeverCreatedIsNotDeleted) {
-    NotedFiles files;
-    { const XtemporaryFile temporary(files, "t", kModule, "function"); }
-    EXPECT_EQ(files.calls, Lines{});
+TEST_F(XtemporaryFileTest, AFileThatWasNeverCreatedIsNotDeleted) {
+    expectCalls({}, [](XtemporaryFile&) {});
 }
 
-TEST(XtemporaryFileTest, AFileThatIsNotMovedIsDeleted) {
-    NotedFiles files;
-    {
-        XtemporaryFile temporary(files, "t", kModule, "function");
+TEST_F(XtemporaryFileTest, AFileThatIsNotMovedIsDeleted) {
+    expectCalls({"remove t"}, [](XtemporaryFile& temporary) {
         EXPECT_EQ(temporary.path(), "t");
         temporary.setExists(true);
-    }
-    EXPECT_EQ(files.calls, Lines{"remove t"});
+    });
 }
 
-TEST(XtemporaryFileTest, AFileThatWasNotCreatedAfterAllIsNotDeleted) {
-    NotedFiles files;
-    {
-        XtemporaryFile temporary(files, "t", kModule, "function");
+TEST_F(XtemporaryFileTest, AFileThatWasNotCreatedAfterAllIsNotDeleted) {
+    expectCalls({}, [](XtemporaryFile& temporary) {
         temporary.setExists(true);
         temporary.setExists(false);
-    }
-    EXPECT_EQ(files.calls, Lines{});
+    });
 }
 
-TEST(XtemporaryFileTest, AFileThatWasMovedIsNotDeleted) {
-    NotedFiles files;
-    {
-        XtemporaryFile temporary(files, "t", kModule, "function");
+TEST_F(XtemporaryFileTest, AFileThatWasMovedIsNotDeleted) {
+    expectCalls({"replace t f"}, [](XtemporaryFile& temporary) {
         temporary.setExists(true);
         EXPECT_EQ(temporary.moveOnto("f"), XERR_SUCCESS);
-    }
-    EXPECT_EQ(files.calls, Lines{"replace t f"});
+    });
 }
 
-TEST(XtemporaryFileTest, AFileThatCannotBeMovedIsDeleted) {
-    NotedFiles files;
+TEST_F(XtemporaryFileTest, AFileThatCannotBeMovedIsDeleted) {
     files.moveResult = XERR_ACCES;
-    {
-        XtemporaryFile temporary(files, "t", kModule, "function");
+    expectCalls({"replace t f", "remove t"}, [](XtemporaryFile& temporary) {
         temporary.setExists(true);
         EXPECT_EQ(temporary.moveOnto("f"), XERR_ACCES);
-    }
-    EXPECT_EQ(files.calls, (Lines{"replace t f", "remove t"}));
+    });
 }
 
-TEST(XtemporaryFileTest, ADeletionThatThrowsIsLogged) {
+TEST_F(XtemporaryFileTest, ADeletionThatThrowsIsLogged) {
     const LogCapture log;
-    NotedFiles files;
     files.throwInRemove = true;
-    {
-        XtemporaryFile temporary(files, "t", kModule, "function");
-        temporary.setExists(true);
-    }
+    expectCalls({"remove t"}, [](XtemporaryFile& temporary) { temporary.setExists(true); });
     EXPECT_EQ(log.texts(),
               Lines{logged::exceptionCaught("UTL", "function", std::bad_alloc().what())});
 }
