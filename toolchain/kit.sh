@@ -30,9 +30,12 @@ cp -r "$tree"/tests/bindings/{node,python,scenario.py,scenarios.txt} "$folder/te
 # What a Microsoft compiler and the languages' runtimes need.
 cp -r "$tree/include/bridge" "$folder/include"
 cp "$build/lib/QX-Bridge.lib" "$folder/lib"
-cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/*.{js,py} "$folder/bindings"
+cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/{*.js,*.py,runtime_host.c} "$folder/bindings"
 cp -r "$tree/bindings/python" "$folder/bindings"
 cp -r "$tree/bindings/node" "$folder/bindings/node_modules/qx-bridge"
+mkdir -p "$folder"/{source,headers/include}
+cp -r "$tree"/{CMakeLists.txt,CMakePresets.json,cmake,include,programs,Source} "$folder/source"
+cp -r /usr/include/{CLI,nlohmann} "$folder/headers/include"
 koffi="$(bash "$tree/toolchain/node.sh" --dir)/node_modules/koffi"
 native=build/koffi/win32_x64
 mkdir -p "$folder/bindings/node_modules/koffi/$native"

@@ -20,6 +20,7 @@ python3 -m zipfile -e "$zip" "$kit"
 mv "$kit"/*/* "$kit"
 export WINEPATH
 WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)"
+unset QX_QT  # which names a Qt for Microsoft's compiler there
 status=0
 "$tree/toolchain/wine.sh" "$kit/kit/run_checks.exe" --no-questions "$@" </dev/null || status=$?
 cp -r "$kit/results" "$work/results"

@@ -11,8 +11,8 @@ bool isWine();
 // Whether this process has the rights of an administrator.
 bool isElevated();
 
-// Whether this process can write keys below HKEY_LOCAL_MACHINE, which takes elevation on Windows and
-// nothing under Wine.
+// Whether this process can write keys below HKEY_LOCAL_MACHINE, which takes elevation on Windows
+// and nothing under Wine.
 bool canWriteMachineKeys();
 
 // Whether the product's key is in the registry: in the 64-bit view, which the library reads.

@@ -56,12 +56,10 @@ bool Runner::isWanted(const Check& check) const {
     return only.empty() || std::find(only.begin(), only.end(), check.id) != only.end();
 }
 
-// A tool is there when it runs: Windows has a python.exe that only opens the store. Microsoft's
-// compiler has no such option.
+// A tool is there when it runs: Windows has a python.exe that only opens the store.
 Obstacle Runner::obstacleOfTool(const std::string& name) const {
     const std::string program = programOnPath(name);
     if (program.empty()) return {Outcome::Skipped, "needs " + name + ".exe in PATH"};
-    if (name == "cl") return {};
     const std::string question = name == "dotnet" ? "--info" : "--version";
     const ProcessRun run =
         runProcess({program, question}, folders_.work, folders_.work / "tool.txt", kToolSeconds);

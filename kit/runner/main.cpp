@@ -44,8 +44,8 @@ constexpr const char* kInstalled =
     "checks would change its registry values.\nNothing was done. Take a machine without it.";
 
 // What the tests need of the kit.
-constexpr const char* kProgramFolders[] = {"bin",     "tests", "standins", "kit",
-                                           "include", "lib",   "bindings", "examples"};
+constexpr const char* kProgramFolders[] = {"bin", "tests",    "standins", "kit",    "include",
+                                           "lib", "bindings", "examples", "source", "headers"};
 
 // Test programs take their own path for ASCII, and make longer ones below it.
 constexpr std::size_t kLongestPlainPath = 100;
@@ -186,7 +186,6 @@ void KitRun::prepareEnvironment() const {
     setVariable(L"TEMP", folders_.work.native());
     setVariable(L"TMP", folders_.work.native());
     setVariable(L"QX_STANDIN_CLIENTS", L"none");
-    setVariable(L"QX_KIT", folders_.programs.native());
     setVariable(L"GTEST_COLOR", L"no");
     setVariable(L"PYTHONDONTWRITEBYTECODE", L"1");  // it would be written into the kit
 }
@@ -214,7 +213,8 @@ void KitRun::checkFiles() {
 }
 
 void KitRun::runChecks() {
-    const Runner runner(options_, folders_, {isWine(), isElevated(), canWriteMachineKeys(), taken_});
+    const Runner runner(options_, folders_,
+                        {isWine(), isElevated(), canWriteMachineKeys(), taken_});
     for (const Check& check : table_.checks) {
         if (isEverythingStopped()) return;
         if (!runner.isWanted(check)) continue;

@@ -22,6 +22,7 @@ mv "$kit"/*/* "$kit"
 osslsigncode verify -CAfile "$work/certificate.pem" -in "$kit/kit/run_checks.exe" >"$work/verified" ||
     fail "the kit is not signed: $(<"$work/verified")"
 
+unset QX_QT  # which names a Qt for Microsoft's compiler there
 prefix=$(mktemp -d)
 export WINEPREFIX="$prefix/prefix" LC_ALL=C.UTF-8
 trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$prefix"' EXIT
@@ -51,7 +52,7 @@ wine reg delete "$key" /f >/dev/null
 
 # What Wine can run of it passes, and leaves nothing behind. Node is the build machine's.
 export WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin"
-run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-compiler
+run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-runtimes,python
 says '  files: passed'
 says '  log-threads: needs Windows (this is Wine)'
 says '  load-qt-beside-the-library: passed'
@@ -59,6 +60,8 @@ says '  icon-moves: passed'
 says '  node: passed'
 says '  standins: passed'
 says '  elevation-declined: needs Windows (this is Wine)'
+says '  microsoft-runtimes: skipped'
+says '  python: skipped (needs python.exe in PATH)'
 says '  restored: passed'
 [ -z "$(find "$WINEPREFIX/drive_c" -name 'QXBridgeKit-*' -o -name 'qxb-*')" ] || fail "folders stay"
 python3 - "$results" "${results%/}.zip" <<'END'
@@ -80,6 +83,23 @@ assert facts["Wine"] != "no" and facts["build"].startswith("10.0."), facts
 page = (results / "summary.html").read_text("utf-8")
 assert "<script" not in page and "3 passed" not in page.split("<table>")[1], "markup"
 END
+
+# With a compiler: a stand-in that copies a host, and fails where none is named.
+compiler="$tree/build/windows/tests/compiler"
+WINEPATH="$WINEPATH;Z:$compiler" QX_FAKE_HOST="Z:$compiler/runtime_host.exe" \
+    run 0 --only microsoft-compiler,microsoft-runtimes,microsoft-preset
+says '  microsoft-compiler: passed'
+says '  microsoft-runtimes: passed'
+says '  microsoft-preset: skipped'
+WINEPATH="$WINEPATH;Z:$compiler" run 1 --only microsoft-runtimes
+says '  microsoft-runtimes: failed'
+
+# The bindings' own tests and the examples, in the runtimes that the build machine has for Windows.
+WINEPATH="$WINEPATH;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)" \
+    run 0 --only dotnet-tests,examples-node,examples-dotnet
+says '  dotnet-tests: passed'
+says '  examples-node: passed'
+says '  examples-dotnet: passed'
 
 # A scanner takes a file, changes another one and empties a third. A check leaves files behind.
 rm "$kit/tests/standin_core_test.exe"
