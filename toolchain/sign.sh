@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# sign.sh FOLDER: signs the DLLs and programs below FOLDER, and verifies each signature, if the
-# environment names a certificate:
+# sign.sh FOLDER: signs the DLLs and programs below FOLDER, and verifies each signature and time stamp,
+# if the environment names a certificate:
 #   QX_SIGN_CERTIFICATE    file with certificate and key (PKCS #12)
 #   QX_SIGN_PASSWORD_FILE  file with its password, on one line; without it there is none
-#   QX_SIGN_TIMESTAMP      address of a time-stamp service (RFC 3161); without it a signature is valid
-#                          only as long as the certificate is
-#   QX_SIGN_CA             certificates to verify against (PEM); without it the system's
-# Says on standard error what it did.
+#   QX_SIGN_TIMESTAMP      address of a time-stamp service (RFC 3161); without it a signature expires
+#                          with its certificate
+#   QX_SIGN_CA             authorities of signatures and time stamps (PEM); without it the system's
+# Standard error says how many files were signed.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -28,8 +28,11 @@ log=$(mktemp)
 signed="$log.signed"
 trap 'rm -f "$log" "$signed"' EXIT
 
-# quietly COMMAND...: its output is shown only when it fails.
+# quietly COMMAND...: runs it with its output in the log, which is shown if it fails.
 quietly() { "$@" >"$log" 2>&1 || { cat "$log" >&2; return 1; }; }
+
+# An untrusted time stamp does not change the status of osslsigncode.
+has_time_stamp() { grep -q '^Timestamp Server Signature verification: ok' "$log"; }
 
 count=0
 while IFS= read -r -d '' file; do
@@ -37,6 +40,7 @@ while IFS= read -r -d '' file; do
     quietly osslsigncode sign "${options[@]}" -in "$file" -out "$signed" || die "cannot sign $file"
     quietly osslsigncode verify -CAfile "$authorities" -TSA-CAfile "$authorities" -in "$signed" ||
         die "the signature of $file is not valid"
+    [ -z "${QX_SIGN_TIMESTAMP:-}" ] || has_time_stamp || die "the signature of $file has no valid time stamp"
     cat "$signed" >"$file"
     count=$((count + 1))
 done < <(find "$folder" \( -name '*.dll' -o -name '*.exe' -o -name '*.node' -o -name '*.pyd' \) -print0 | LC_ALL=C sort -z)

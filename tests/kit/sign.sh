@@ -45,6 +45,26 @@ for file in library.dll "a folder/program.exe"; do
     fi
 done
 
+# With a time-stamp service of this test's own.
+openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=tsa -addext extendedKeyUsage=critical,timeStamping \
+    -addext basicConstraints=critical,CA:FALSE -addext keyUsage=critical,digitalSignature \
+    -keyout "$work/tsa.key" -out "$work/tsa.pem" 2>/dev/null
+cat "$work/ours.pem" "$work/tsa.pem" >"$work/authorities.pem"
+coproc SERVICE { exec python3 "$tree/tests/kit/time_stamps.py" "$work"; }
+trap 'kill "$service" 2>/dev/null || true; rm -rf "$work"' EXIT
+service=$SERVICE_PID
+read -r -u "${SERVICE[0]}" address || fail "the time-stamp service does not start"
+cp "$work/unsigned/library.dll" "$work/files/library.dll"
+cp "$work/unsigned/a folder/program.exe" "$work/files/a folder/program.exe"
+sign "${ours[@]}" "QX_SIGN_CA=$work/authorities.pem" "QX_SIGN_TIMESTAMP=$address" || fail "time stamp: $said"
+[ "$said" = "2 files signed." ] || fail "said: $said"
+for file in library.dll "a folder/program.exe"; do
+    osslsigncode verify -CAfile "$work/authorities.pem" -TSA-CAfile "$work/tsa.pem" \
+        -in "$work/files/$file" >"$work/log" || fail "$file: $(<"$work/log")"
+    grep -q '^Timestamp Server Signature verification: ok' "$work/log" || fail "$file: $(<"$work/log")"
+    grep -q 'Subject: /CN=tsa' "$work/log" || fail "$file: $(<"$work/log")"
+done
+
 # refused WORDS VARIABLE...: it fails, says so, and leaves the files as they were.
 refused() {
     local words=$1
@@ -59,3 +79,7 @@ printf 'wrong\n' >"$work/wrong"
 refused "cannot sign" "QX_SIGN_CERTIFICATE=$work/ours.p12" "QX_SIGN_PASSWORD_FILE=$work/wrong"
 refused "is not valid" "${ours[@]}" "QX_SIGN_CA=$work/theirs.pem"
 refused "cannot read the certificate" "QX_SIGN_CERTIFICATE=$work/none.p12"
+refused "has no valid time stamp" "${ours[@]}" "QX_SIGN_CA=$work/ours.pem" "QX_SIGN_TIMESTAMP=$address"
+kill "$service"
+wait "$service" 2>/dev/null || true
+refused "cannot sign" "${ours[@]}" "QX_SIGN_CA=$work/authorities.pem" "QX_SIGN_TIMESTAMP=$address"
