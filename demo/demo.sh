@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What ./run demo plays, after the build: the product's registry values and data folder in a private
-# Wine prefix, and then the real bridgectl.exe on the real library.
+# The demo of ./run demo: creates the product's registry values and data folder in a private Wine prefix,
+# then runs bridgectl.exe on the library.
 set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"
 
@@ -30,7 +30,7 @@ wait_for_text() {
         grep -q"$3" "$2" "$data/$1" 2>/dev/null && return
         sleep 0.05
     done
-    die "$1 did not come to \"$2\""
+    die "$1 has no \"$2\""
 }
 
 # Waits for a line that the stand-ins write.
@@ -39,21 +39,21 @@ wait_for() { wait_for_text programs.txt "$1" xF; }
 # Waits for an event that the listening front end prints, given without its time.
 wait_for_event() { wait_for_text events.txt " $1" F; }
 
-# What an event tells a front end.
+# What an event means for a front end.
 meaning() {
     case $1 in
     app-installed) echo "The player installed an app; a launcher adds its icon now." ;;
-    apk-install-completed) echo "The APK file has been dealt with: status 0, a success." ;;
+    apk-install-completed) echo "The APK file was installed: status 0 means success." ;;
     app-displayed) echo "The app is on the screen." ;;
-    app-uninstalled) echo "The app is gone, and so is its icon." ;;
-    image-install-progress) echo "The manager downloads an image: status 1 on the way, 2 at the end." ;;
-    instance-list-updated) echo "The list of instances may have changed; the library has read it again." ;;
+    app-uninstalled) echo "The app and its icon are gone." ;;
+    image-install-progress) echo "The manager downloads an image: status 1 means in progress, 2 complete." ;;
+    instance-list-updated) echo "The list of instances may have changed; the library has loaded it." ;;
     create-instance-completed) echo "A new instance is ready." ;;
-    *) die "nobody reported $1" ;;
+    *) die "unknown event $1" ;;
     esac
 }
 
-# Shows the events in their order, with the meaning of each at its first line.
+# Shows the events in their order, each with its meaning.
 show_events() {
     local time name fields previous=
     while read -r time name fields; do
@@ -68,7 +68,7 @@ registry_value() {
     printf '  %-16s %s\n' "$1" "$2"
 }
 
-title "The product's side: registry, data folder, configuration"
+title "The product: registry, data folder, configuration"
 explain "In the registry (HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo):"
 registry_value UserDefinedDir "$windows_data"
 registry_value InstallDir "$windows_data\\Install\\"
@@ -86,7 +86,7 @@ cp "$data/vantrel.conf" "$data/before.conf"
 title "A front end lists the instances"
 bridgectl instances
 
-title "It lists the apps of one, whether its player runs or not"
+title "It lists the apps of an instance, even if its player is not running"
 bridgectl apps Nougat64
 
 title "It reads typed values"
@@ -95,7 +95,7 @@ bridgectl conf get vtr.instance.Nougat64_1.dpi
 bridgectl conf get vtr.enable_adb_access
 bridgectl conf get vtr.prefer_dedicated_gpu
 
-title "It changes some and commits each change"
+title "It changes values and commits each change"
 bridgectl conf set vtr.instance.Nougat64_1.dpi 320
 bridgectl conf set vtr.enable_adb_access true
 bridgectl conf set vtr.instance.Nougat64.display_name 'Zweitgerät 第二'
@@ -103,10 +103,10 @@ bridgectl conf set vtr.instance.Nougat64.display_name 'Zweitgerät 第二'
 title "The lines of vantrel.conf that changed (- before, + after)"
 diff -U0 "$data/before.conf" "$data/vantrel.conf" | grep -E '^[-+]vtr' || true
 
-title "What the library wrote into the product's log about the last change"
+title "The log lines of the last change"
 tail -n 4 "$data/Logs/Player.log"
 
-title "Another front end listens: it is told what the programs do"
+title "Another front end listens for the events of the programs"
 rm -f "$data/programs.txt"
 export QX_STANDIN_OUTPUT="$windows_data\\programs.txt"
 export QX_STANDIN_SECONDS=120
@@ -115,50 +115,50 @@ printf '\n$ bridgectl --client LogCollector events --count 11 &\n'
     >"$data/events.txt" 2>"$data/listener.txt" &
 listener=$!
 wait_for_text listener.txt "bridgectl: listening on vtr_LogCollector_bridge_nvo" xF
-explain "It runs in the background and prints each event as it comes; they are shown below."
+explain "It runs in the background and prints each event; the events are shown below."
 
 title "An app is installed: the player (a stand-in) is started from the install folder"
 bridgectl install-apk Nougat64 'C:\Downloads\com.example.app.apk'
 wait_for "serving: vtr_plr_Nougat64_nvo"
 wait_for_text programs.txt "event apk-install-completed(" F
-explain "The command line that the player got, the local socket that it serves now, and the events"
-explain "that it sent when the work was done, with the local socket of the front end that took them:"
+explain "The player's command line, the pipe that it serves, and the events that it sent when the work was"
+explain "done, each with the pipe of the front end that received it:"
 cat "$data/programs.txt"
 
-title "The app is launched, and uninstalled"
+title "The app is launched and uninstalled"
 bridgectl launch Nougat64 com.example.app
 wait_for_event 'app-displayed instance="Nougat64" package="com.example.app"'
 bridgectl uninstall Nougat64 com.example.app
 wait_for_event 'app-uninstalled instance="Nougat64" package="com.example.app"'
 
-title "An image is installed, and an instance created: that is the manager (a stand-in)"
+title "The manager (a stand-in) installs an image and creates an instance"
 bridgectl install-image Nougat32
 wait_for "serving: vtr_mim_nvo"
 wait_for_event 'image-install-progress imageName="Nougat32" status=2 progress=100.0'
 bridgectl create-instance Nougat64 4 4096 aga dx s21u
 wait_for_event 'create-instance-completed status=0 instance="Nougat64_1"'
 
-title "What the listening front end was told, in order"
+title "The events that the front end received, in order"
 wait "$listener" || die "the listening front end ended with $?"
 show_events
 
-title "The player writes down which apps it has (bridgeadm does it here); the next listing shows them"
+title "The player updates its app cache (here bridgeadm does); the next listing shows it"
 bridgeadm sync-apps Nougat64 "$windows_data\\apps.json"
 bridgectl apps Nougat64
 
-title "One player is shut down; then everything, the manager first"
+title "One player is shut down, then all programs, the manager first"
 bridgectl launch-url Nougat64_1 https://example.com/
 wait_for "serving: vtr_plr_Nougat64_1_nvo"
 bridgectl shutdown Nougat64
 wait_for "ended: vtr_plr_Nougat64_nvo"
 bridgectl shutdown
 wait_for "ended: vtr_plr_Nougat64_1_nvo"
-explain "What the programs were asked, in order:"
+explain "The requests that the programs received, in order:"
 grep -E 'Rpc|ended' "$data/programs.txt"
-explain "The player of Nougat32 was not running, which the log says:"
+explain "The player of Nougat32 was not running; the log shows it:"
 grep 'command failed' "$data/Logs/Player.log" | tail -n 1
 
-title "What cannot be done is said before the library is asked"
+title "bridgectl reports a wrong value or key before it calls the library"
 bridgectl conf set vtr.instance.Nougat64_1.dpi many
 bridgectl conf get vtr.no_such_key
 

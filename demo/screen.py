@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws what a program wrote on a console, escape sequences included: screen.py TEXT PICTURE.svg"""
+"""screen.py TEXT PICTURE.svg: draws the console output of a program, following its escape sequences."""
 import html
 import re
 import sys
@@ -38,7 +38,7 @@ class Screen:
         elif command == "m":
             self.style = number
         else:
-            sys.exit(f"a sequence that is not known: {number}{command}")
+            sys.exit(f"unknown escape sequence: {number}{command}")
 
     def write(self, text):
         for number, command, character in PIECE.findall(text):
@@ -52,7 +52,7 @@ class Screen:
 
 
 def runs(cells):
-    """Neighbours of one style and one width, with the column that they begin at."""
+    """Adjacent characters of one style and width, each run with its first column."""
     found = []
     for column, (character, style) in sorted(cells.items()):
         look = (style, width(character))

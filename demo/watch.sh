@@ -14,7 +14,7 @@ export QX_STANDIN_OUTPUT="Z:$data/standins.txt" QX_STANDIN_CLIENTS=LogCollector 
 
 bridgectl() { "$wine" "$build/bin/bridgectl.exe" "${folders[@]}" "$@" >/dev/null; }
 
-# Waits until the front end that watches gets events.
+# Waits until bridgectl watch receives events.
 wait_for_watch() {
     local i
     for i in $(seq 100); do
@@ -22,7 +22,7 @@ wait_for_watch() {
             grep -q "vtr_LogCollector_bridge_nvo is served" && return
         sleep 0.1
     done
-    die "nobody watches"
+    die "bridgectl watch does not listen"
 }
 
 "$tree/toolchain/prefix.sh" up
@@ -37,7 +37,7 @@ bridgectl launch Nougat64 com.example.notes
 bridgectl conf set vtr.instance.Nougat64.dpi 320
 bridgectl install-image Nougat32
 bridgectl install-apk Nougat64 'C:\Downloads\com.example.chess.apk'
-sleep 2  # the screen is looked at once a second
+sleep 2  # bridgectl watch refreshes once a second
 bridgectl uninstall Nougat64 com.example.notes
 wait "$shot"
 bridgectl shutdown Nougat64

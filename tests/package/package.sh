@@ -89,6 +89,7 @@ for language in c cpp js cs py; do
     done
     [ "$(grep -c . "$consumer/host.$language")" -le 10 ] || fail "host.$language has more than ten lines"
 done
+[[ $(<"$tree/README.md") == *"$(sed 's/^/    /; s/ *$//' "$consumer/host.c")"* ]] || fail "host.c is not the README's"
 
 tour=$(sed '1,/^void tour/d; /^}$/d' "$consumer/tour.cpp")
 [[ $page == *"$tour"* ]] || fail "tour.cpp is not the document's"
@@ -133,6 +134,17 @@ for program in host event; do
     mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/${program}_cs.exe" "$consumer/$program.cs" \
         share/bindings/csharp/*.cs
 done
+# For .NET Core, which has the classes that events need in other assemblies. These name each other with
+# versions that the compiler takes for others than those beside them: 1702.
+runtime="$(bash "$tree/toolchain/dotnet.sh" --dir)/shared/Microsoft.NETCore.App/2.0.0"
+references=()
+for assembly in Microsoft.Win32.Primitives Microsoft.Win32.Registry System.Collections System.Console \
+    System.IO.FileSystem System.Linq System.Private.CoreLib System.Runtime System.Runtime.Extensions \
+    System.Security.AccessControl System.Threading.Thread; do
+    references+=("-r:$assembly.dll")
+done
+mcs -warnaserror -langversion:5 -platform:x64 -nostdlib -noconfig -nowarn:1702 "-lib:$runtime" "${references[@]}" \
+    "-out:$work/event_cs.exe" "$consumer/event.cs" share/bindings/csharp/*.cs
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer"/{host,event}.py \
     share/bindings/python/qxbridge/*.py
 [ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
