@@ -64,7 +64,7 @@ def unescaped(text):
 
 def labels(dot):
     """The lines of all labels."""
-    dot = re.sub(r"^//.*$", "", dot, flags=re.M)
+    dot = re.sub(r"^\s*//.*$", "", dot, flags=re.M)
     plain = re.findall(r'label="((?:[^"\\]|\\.)*)"', dot)
     lines = [line.replace("\\\\", "\\") for text in plain for line in text.split("\\n")]
     for markup in re.findall(r"label=<(.*?)>\]", dot, re.S):
