@@ -70,7 +70,7 @@ void bridgeRegisterCallbacks(const BridgeCallbacks& callbacks) {
 XErr bridgeApiFini() {
     // Called from a destructor of a host's DLL: the server's thread has been terminated.
     if (xsystemProcessEnds()) return XERR_SUCCESS;
-    // Not under the lock: a callback that is running may want to register.
+    // Not under the lock, because a running callback may register callbacks.
     IpcServerThread* thread = takeForStop(eventServer());
     if (thread != nullptr) ipcServerFini(&thread);
     return XERR_SUCCESS;

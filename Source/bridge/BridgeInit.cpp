@@ -20,8 +20,8 @@ namespace internal {
 
 namespace {
 
-// The versions of the build and of the interface, and the one that products are compared with, must
-// agree.
+// The versions of the build and of the interface must equal the version that is compared with the
+// product's.
 static_assert(std::string_view(BRIDGE_VERSION_TEXT) == UTL_VERSION);
 static_assert(std::string_view(BRIDGE_BUILD_VERSION) == UTL_VERSION);
 

@@ -51,7 +51,7 @@ class DiskFiles final : public ConfFiles {
     }
 
     void remove(const std::string& path) override {
-        static_cast<void>(xfileDelete(path));  // the original failure is what is reported
+        static_cast<void>(xfileDelete(path));  // the original failure is reported
     }
 };
 

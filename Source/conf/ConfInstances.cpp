@@ -105,7 +105,7 @@ void stageCopy(ConfView& view, const ConfView::Names& deprecated, const std::str
     }
 }
 
-// Instances are forgotten only under the store's lock, so the answer holds while the caller has it.
+// Instances are forgotten only under the store's lock, so the result holds while the caller has it.
 bool isKnown(ConfStore& store, const std::string& instance) XTS_REQUIRES(store.lock) {
     const XsharedGuard reading(store.viewLock);
     return store.view.isKnown(instance);

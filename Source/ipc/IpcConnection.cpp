@@ -74,8 +74,8 @@ void readMore(IpcConnectionInfo& info) {
     if (got < count) info.buffer.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
 }
 
-// Reads the header of the next packet and the length of the reply that it wants. Returns false,
-// consuming nothing, when the header is incomplete.
+// Reads the header of the next packet and the length of the expected reply. Returns false and
+// consumes nothing when the header is incomplete.
 bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char* self) {
     if (info.held() < kHeaderSize && unread(info) < kHeaderSize) return false;
     XLOG_D(kIpcServerLog, "%s for serverName %s, bytesAvailable = %d", self, serverOf(info),

@@ -43,7 +43,7 @@ struct IpcConnectionInfo {
 void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::string* serverName);
 
 // Assembles packets from the socket's bytes and dispatches each complete one. Writes a reply if the
-// packet wants one and arrived within this call. An impossible length is fatal. Throws
+// packet requests one and arrived within this call. An impossible length is fatal. Throws
 // std::bad_alloc; a dispatched packet is consumed even then.
 void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode);
 

@@ -83,7 +83,7 @@ class Instance {
         return error;
     }
 
-    // Whether the wait is over; with a client, or with one that has gone.
+    // Whether the wait has ended. The client may have left already.
     bool isReady() {
         DWORD ignored = 0;
         return exists() &&
@@ -97,8 +97,8 @@ class Instance {
     }
 
  private:
-    // The system writes to this object until the wait ends; a cancelled wait ends at once. The
-    // event cannot tell, since all instances share it.
+    // Waits for the end of a cancelled wait, because the system writes to this object until then.
+    // The event cannot show the end, since all instances share it.
     void close() {
         if (!exists()) return;
         if (waiting_) ::CancelIoEx(pipe_.get(), &overlapped_);
@@ -126,7 +126,7 @@ class IpcLocalServer::Instances {
         QObject::connect(&retry_, &QTimer::timeout, &retry_, [this] { takeClientsOrLog(); });
     }
 
-    // Returns false when clients could not be noticed.
+    // Returns false when the watcher cannot start.
     [[nodiscard]] bool watch() { return watcher_.watch(); }
 
     // Opens the first instance. Returns ERROR_SUCCESS, ERROR_ACCESS_DENIED when another process has

@@ -14,7 +14,7 @@
 // length of the whole packet, length of the expected reply), then the fields without padding:
 //
 //     i32     4 bytes, two's complement
-//     bool    4 bytes, of which receivers look at the lowest; written as 0 or 1
+//     bool    4 bytes, of which receivers read the lowest; written as 0 or 1
 //     double  8 bytes, IEEE 754 binary64, at whatever offset it falls on
 //     text    its length with the NUL as 4 bytes, then UTF-8 bytes and the NUL
 

@@ -17,7 +17,7 @@ class QLocalSocket;
 constexpr XlogModule kIpcServerLog{XlogTag::IPC, "Source/ipc/IpcServer"};
 
 // Handles a complete packet, with its header, on the server's thread. `reply` has `replyLength`
-// zeroed bytes, which are sent back when the function returns; null and 0 when no reply is wanted.
+// zeroed bytes, which are sent back when the function returns; null and 0 without a reply.
 // The result is ignored; exceptions are logged.
 using IpcDecode = bool (*)(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length,
                            void* reply, std::int32_t replyLength);

@@ -61,7 +61,7 @@ void UtlJsonArray::putEscaped(std::string_view text) {
 
 void UtlJsonArray::putText(std::string_view text) {
     if (std::all_of(text.begin(), text.end(), isPlain)) return put(text);
-    // Bytes that are not UTF-8 become what Qt makes of them.
+    // Converts invalid UTF-8 as Qt does.
     const QByteArray bytes = QString::fromUtf8(text.data(), utlJsonLength(text.size())).toUtf8();
     putEscaped({bytes.constData(), static_cast<std::size_t>(bytes.size())});
 }

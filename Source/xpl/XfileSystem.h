@@ -1,7 +1,7 @@
 #ifndef XPL_XFILESYSTEM_H
 #define XPL_XFILESYSTEM_H
 
-// What Xfile.cpp needs of the system in addition to Xfile.h.
+// The system functions that Xfile.cpp needs in addition to Xfile.h.
 
 #include <cstdint>
 #include <string>

@@ -114,7 +114,7 @@ char levelLetter(std::int32_t level) {
 std::int32_t writeLine(const Context& to, const XlogLineBuffer& line, std::size_t length) {
     if (to.path.empty()) {
         const int printed = std::printf("%s", line.data());
-        std::fflush(stdout);  // the next thing may be a fatal break
+        std::fflush(stdout);  // a fatal break may follow
         return printed;
     }
     std::uint32_t written = 0;

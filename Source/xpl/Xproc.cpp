@@ -9,7 +9,7 @@
 
 namespace {
 
-// Passes a new process to a caller that wants it. An elevated start gives none.
+// Passes the handle of a new process to a caller that asked for it. An elevated start has none.
 void handOver(XprocPtr process, XprocHandle* handle) {
     if (process != nullptr && handle != nullptr) *handle = process.release();
 }

@@ -19,7 +19,7 @@ class Xrcu {
     class Reader {
      public:
         explicit Reader(const Xrcu& of) : of_(of) {
-            of_.readers_.fetch_add(1);  // before the value is looked at
+            of_.readers_.fetch_add(1);  // before the value is read
             value_ = of_.current_.load();
         }
         ~Reader() { of_.readers_.fetch_sub(1); }
@@ -38,8 +38,8 @@ class Xrcu {
     Xrcu(const Xrcu&) = delete;
     Xrcu& operator=(const Xrcu&) = delete;
 
-    // Takes no lock: at unload nobody reads, and at process exit the other threads are gone,
-    // perhaps while they held one.
+    // Takes no lock: at unload there are no readers, and at process exit a terminated thread may
+    // have held the lock.
     ~Xrcu() { delete current_.exchange(nullptr); }
 
     // Calls change(copy) with a copy of the value (initially an empty one), then publishes it.

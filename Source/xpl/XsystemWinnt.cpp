@@ -51,5 +51,5 @@ void xsystemDebugBreak() noexcept {
 
 bool xsystemProcessEnds() noexcept { return processEnds(/*unknown=*/false); }
 
-// Releasing too little is safe.
+// When in doubt, returns false: releasing too little is safe.
 bool xsystemIsUnloading() noexcept { return isLibrary() && !processEnds(/*unknown=*/true); }

@@ -20,7 +20,7 @@ class XfileReplacer {
     virtual void remove(const std::string& path) = 0;
 };
 
-// A file that is to replace another. The destructor deletes it unless it was moved.
+// A file that will replace another. The destructor deletes it unless it was moved.
 class XtemporaryFile {
  public:
     // When the deletion throws, logs that for this module and function; the file then stays.

@@ -16,7 +16,7 @@ constexpr std::size_t PLR_REQUEST_COUNT = 18;
 extern const IpcRequest PLR_REQUESTS[PLR_REQUEST_COUNT];
 
 void plrShutdownRpc(IpcClient& client, bool flag);
-// Waits for the player's reply, an unsigned 64-bit number; 0 when none came.
+// Waits for the player's reply, an unsigned 64-bit number. Returns 0 without a reply.
 std::uint64_t plrBringToFrontRpc(IpcClient& client);
 void plrEnableEcoModeRpc(IpcClient& client, bool enable);
 void plrMuteMediaRpc(IpcClient& client, bool mute);

@@ -31,7 +31,7 @@ constexpr int kInvalidHandle = 6;
 constexpr int kNotOwner = 288;
 constexpr int kNoUnicodeTranslation = 1113;
 
-// What the processes share. Never freed: it is a few bytes per name.
+// The state that the processes share. Never freed: it is a few bytes per name.
 struct Shared {
     // FIFO turnstile: a thread holds it while it waits for the mutex. A thread that unlocks and
     // locks again therefore queues behind the waiters, as on Windows.
