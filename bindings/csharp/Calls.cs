@@ -1,4 +1,4 @@
-// Calls that go on inside while nobody waits for them, and waiting with a limit.
+// Calls on separate threads, which go on when the wait for them ends, and waits with a limit.
 
 using System;
 using System.Threading;
@@ -11,8 +11,8 @@ namespace QXBridge
         private readonly object guard = new object();
         private int inside;
 
-        /// <summary>Makes a call on a thread of its own. A token that is cancelled ends the wait, never
-        /// the call. The call counts as ended before its task does: whoever awaits that may end the
+        /// <summary>Makes a call on a separate thread. A cancelled token ends the wait, never the call.
+        /// The call counts as ended before its task completes, so code that awaits the task may end the
         /// session.</summary>
         internal Task<T> Start<T>(Func<T> call, CancellationToken token)
         {
@@ -49,7 +49,7 @@ namespace QXBridge
 
     internal static class Waiting
     {
-        /// <summary>A function on a thread of its own, which a token leaves alone.</summary>
+        /// <summary>Runs a function on a separate thread. A token does not stop it.</summary>
         internal static Task<T> OnAThread<T>(Func<T> function, CancellationToken token)
         {
             if (token.IsCancellationRequested) return Cancelled<T>(token);
@@ -89,7 +89,8 @@ namespace QXBridge
             return For(new TaskCompletionSource<T>().Task, Timeout.InfiniteTimeSpan, token, "");
         }
 
-        /// <summary>Fails a task that perhaps nobody looks at, which is no fault of the host's.</summary>
+        /// <summary>Fails a task, and marks its exception as observed: the host may never read
+        /// it.</summary>
         internal static void Fail<T>(TaskCompletionSource<T> source, Exception failure)
         {
             if (!source.TrySetException(failure)) return;

@@ -1,5 +1,5 @@
-// The catalogue of keys: how a key is split, what type it has, which one may have been meant. Pure:
-// no file, no library.
+// The catalogue of keys: splitting keys, their types, suggestions. Pure functions, without files or the
+// library.
 
 using System;
 using System.Collections.Generic;
@@ -23,7 +23,7 @@ namespace QXBridge
         private static readonly Dictionary<string, Tables.Key> ByScopeAndName =
             Tables.Keys.ToDictionary(one => one.Scope + " " + one.Name);
 
-        /// <summary>The instance of a key; null for one of the product.</summary>
+        /// <summary>The instance of a key; null for a global key.</summary>
         internal static string InstanceOf(string key)
         {
             if (!key.StartsWith(InstancePrefix, StringComparison.Ordinal)) return null;
@@ -86,8 +86,7 @@ namespace QXBridge
             return stored.Length == 0 ? new string[0] : stored.Split(',');
         }
 
-        /// <summary>The value of a default, from the text that the catalogue has; no text is false or
-        /// 0.</summary>
+        /// <summary>The value of a default in its stored form. The empty text is false or 0.</summary>
         internal static object Value(string type, string stored)
         {
             long number;
@@ -102,7 +101,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Whether the library can read a stored text of a type; else it ends the
+        /// <summary>Whether the library can read a stored text as this type. If not, a read ends the
         /// process.</summary>
         internal static bool IsReadable(string type, string stored)
         {
@@ -114,8 +113,8 @@ namespace QXBridge
             }
         }
 
-        // The rule of the library: white space, a sign, digits. What follows digits other than 0 is left
-        // alone, numbers of any length are cut to 32 bits, and an empty text is 0.
+        // The library's rule: white space, a sign, digits. Text after a number other than 0 is ignored,
+        // numbers of any length are cut to 32 bits, and an empty text is 0.
         private static bool IsNumber(string stored)
         {
             if (stored.Length == 0) return true;
@@ -129,7 +128,7 @@ namespace QXBridge
             return at > first && (!isZero || at == stored.Length);
         }
 
-        /// <summary>The candidate with the fewest edits, if they are few; null else.</summary>
+        /// <summary>The candidate with the fewest edits; null when none is near.</summary>
         internal static string Nearest(string wrong, IEnumerable<string> candidates)
         {
             string nearest = null;
@@ -160,7 +159,7 @@ namespace QXBridge
             return Tables.Keys.Where(one => one.Scope == scope).Select(one => start + one.Name);
         }
 
-        // Levenshtein's distance, a row at a time.
+        // The Levenshtein distance, computed row by row.
         private static int Edits(string from, string to)
         {
             int[] above = Enumerable.Range(0, to.Length + 1).ToArray();

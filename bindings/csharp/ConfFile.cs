@@ -1,4 +1,4 @@
-// vantrel.conf as the library reads it: a "key="value"" a line, up to the first line that is none.
+// Reads vantrel.conf as the library does: key="value" lines, up to the first malformed line.
 
 using System;
 using System.Collections.Generic;
@@ -12,8 +12,8 @@ namespace QXBridge
         private const int LongestLine = 4096;
         private static readonly UTF8Encoding Encoding = new UTF8Encoding(false);
 
-        /// <summary>The values by key; none where the file does not exist. An IOException or an
-        /// UnauthorizedAccessException where it cannot be read.</summary>
+        /// <summary>The values by key; empty when the file does not exist. Throws IOException or
+        /// UnauthorizedAccessException when it cannot be read.</summary>
         internal static Dictionary<string, string> Read(string path)
         {
             if (!File.Exists(path)) return new Dictionary<string, string>();
@@ -26,7 +26,7 @@ namespace QXBridge
             return bytes.Length == 3 && bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF;
         }
 
-        // Shared with everything, since a commit of another program replaces the file.
+        // Opened with every kind of sharing, so that another program's commit can replace the file.
         private static byte[] Bytes(string path, int most)
         {
             using (var file = new FileStream(path, FileMode.Open, FileAccess.Read,
@@ -41,8 +41,8 @@ namespace QXBridge
             }
         }
 
-        /// <summary>The last value of a key counts. At a line that the library does not take its load
-        /// ends, and so does this.</summary>
+        /// <summary>The last value of a key counts. Stops where a load of the library stops, at the first
+        /// malformed line or unknown key.</summary>
         internal static Dictionary<string, string> Parse(byte[] bytes)
         {
             var values = new Dictionary<string, string>();
@@ -60,7 +60,7 @@ namespace QXBridge
             return values;
         }
 
-        // Between the quotes, which need not be quotes, up to a NUL.
+        // The value is between two characters, usually quotes, and ends at a NUL.
         private static string ValueOf(byte[] bytes, int start, int end)
         {
             if (end <= start) return "";

@@ -1,4 +1,4 @@
-// The configuration by key: checked, typed, and committed.
+// The configuration: typed and checked access by key, and commits.
 
 using System;
 using System.Globalization;
@@ -8,9 +8,9 @@ using System.Threading.Tasks;
 namespace QXBridge
 {
     /// <summary>The configuration by key: a Key such as Keys.Global.Locale, or its text
-    /// "vtr.&lt;name&gt;" or "vtr.instance.&lt;instance&gt;.&lt;name&gt;". Set methods stage a change; the
-    /// file has it after Commit(). KeyException for a key, a type, an instance or a stored value that is
-    /// wrong, before the library is asked.</summary>
+    /// "vtr.&lt;name&gt;" or "vtr.instance.&lt;instance&gt;.&lt;name&gt;". Set methods stage a change;
+    /// Commit() writes it to the file. Throws KeyException for a wrong key, type, instance or stored value,
+    /// before the library is called.</summary>
     public sealed class Configuration
     {
         private readonly Session session;
@@ -43,7 +43,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Stages a value of a property.</summary>
+        /// <summary>Stages a value.</summary>
         public void Set<T>(Key<T> key, T value)
         {
             if (key == null) throw new ArgumentNullException("key");
@@ -67,12 +67,12 @@ namespace QXBridge
         {
             return Native.bridgeConfGetBool(ToGet(key, "bool")) != 0;
         }
-        /// <summary>Reads a number; one without a value is 0.</summary>
+        /// <summary>Reads a number; 0 when it has no value.</summary>
         public int GetI32(string key)
         {
             return Native.bridgeConfGetI32(ToGet(key, "i32"));
         }
-        /// <summary>Reads a number of 64 bits. The catalogue has none.</summary>
+        /// <summary>Reads a 64-bit number. The catalogue has none.</summary>
         public long GetI64(string key)
         {
             return Native.bridgeConfGetI64(ToGet(key, "i64"));
@@ -102,7 +102,7 @@ namespace QXBridge
             session.Require("bridgeConfSetI32", Native.bridgeConfSetI32(ToSet(key, "i32"), value));
             known.Stage(key, value.ToString(CultureInfo.InvariantCulture));
         }
-        /// <summary>Stages a number of 64 bits. The catalogue has none.</summary>
+        /// <summary>Stages a 64-bit number. The catalogue has none.</summary>
         public void SetI64(string key, long value)
         {
             session.Require("bridgeConfSetI64", Native.bridgeConfSetI64(ToSet(key, "i64"), value));
@@ -114,7 +114,7 @@ namespace QXBridge
                 Native.bridgeConfSetString(ToSet(key, "string"), Utf8.Bytes(value, "value")));
             known.Stage(key, value);
         }
-        /// <summary>Stages a list. ArgumentException for an element with a ",".</summary>
+        /// <summary>Stages a list. Throws ArgumentException for an element with a ",".</summary>
         public void SetMultiString(string key, params string[] elements)
         {
             if (elements == null) throw new ArgumentNullException("elements");
@@ -146,8 +146,8 @@ namespace QXBridge
             return bytes;
         }
 
-        /// <summary>Lets a new instance be set up: its keys can be set from here on. It is in the file
-        /// after a commit. KeyException for a name that the product cannot use.</summary>
+        /// <summary>Makes the keys of a new instance settable. A commit writes it to the file. Throws
+        /// KeyException for a name that the product cannot use.</summary>
         public void AddInstance(string name)
         {
             session.Check();
@@ -159,15 +159,15 @@ namespace QXBridge
             known.Add(name);
         }
 
-        /// <summary>Writes what is staged into the product's file.</summary>
+        /// <summary>Writes the staged changes to the product's file.</summary>
         public void Commit()
         {
             session.Check();
             CommitNow();
         }
 
-        /// <summary>Commit() on a thread of its own. A token that is cancelled ends the wait; the commit
-        /// goes on.</summary>
+        /// <summary>Commit() on a separate thread. A cancelled token ends the wait; the commit goes
+        /// on.</summary>
         public Task CommitAsync(CancellationToken token = default(CancellationToken))
         {
             session.Check();
@@ -180,16 +180,16 @@ namespace QXBridge
             return Committed("bridgeConfCommit", Native.bridgeConfCommit(), session.Places.ConfPath);
         }
 
-        /// <summary>Writes the whole configuration with the staged changes into another file. Afterwards
-        /// nothing is staged: a later Commit() does not bring these changes to the product's file.</summary>
+        /// <summary>Writes the whole configuration with the staged changes to another file. Afterwards
+        /// nothing is staged: a later Commit() does not write these changes to the product's file.</summary>
         public void CommitToFile(string path)
         {
             session.Check();
             CommitToFileNow(Utf8.Bytes(path, "path"), path);
         }
 
-        /// <summary>CommitToFile() on a thread of its own. A token that is cancelled ends the wait; the
-        /// commit goes on.</summary>
+        /// <summary>CommitToFile() on a separate thread. A cancelled token ends the wait; the commit goes
+        /// on.</summary>
         public Task CommitToFileAsync(string path, CancellationToken token = default(CancellationToken))
         {
             session.Check();
@@ -203,7 +203,7 @@ namespace QXBridge
             return Committed("bridgeConfCommitToFile", Native.bridgeConfCommitToFile(bytes), path);
         }
 
-        // Staged changes stay staged only where the file could not be loaded.
+        // Changes remain staged only when the file could not be loaded.
         private bool Committed(string operation, int code, string file)
         {
             if (code != Result.Failure) known.Merge();

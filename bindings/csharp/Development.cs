@@ -1,4 +1,4 @@
-// Folders for development: a HKEY_LOCAL_MACHINE of this process's own, which needs no administrator.
+// Folders for development: gives this process its own HKEY_LOCAL_MACHINE, without administrator rights.
 
 using System;
 using System.ComponentModel;
@@ -8,13 +8,14 @@ namespace QXBridge
 {
     public sealed partial class Session
     {
-        /// <summary>For development: lets this process use other folders than the registry's, without
-        /// administrator rights. Call it before the start. The process gets a HKEY_LOCAL_MACHINE of its
-        /// own, a volatile key below HKEY_CURRENT_USER, with UserDefinedDir, InstallDir (which gets a "\"
-        /// at its end if it lacks one) and this library's Version; an empty folder is left out. It hides
-        /// everything else of HKEY_LOCAL_MACHINE from this process; the programs that it starts see the
-        /// real one. The key goes at the end of the process, and after a fatal error at the next log-off.
-        /// Win32Exception where Windows refuses it; InvalidOperationException after the start.</summary>
+        /// <summary>For development: makes this process use these folders instead of those in the registry,
+        /// without administrator rights. Call it before the start. The process gets its own
+        /// HKEY_LOCAL_MACHINE, a volatile key below HKEY_CURRENT_USER, with UserDefinedDir, InstallDir (a
+        /// missing "\" at its end is added) and this library's Version; an empty folder is left out. The
+        /// rest of HKEY_LOCAL_MACHINE is hidden from this process; programs that it starts see the real
+        /// one. The key is deleted when the process exits, or, after a fatal error, at the next log-off.
+        /// Throws Win32Exception when Windows refuses it, InvalidOperationException after the
+        /// start.</summary>
         public static void UseFolders(string dataFolder, string installFolder)
         {
             if (dataFolder == null) throw new ArgumentNullException("dataFolder");
@@ -22,7 +23,7 @@ namespace QXBridge
             lock (Lock)
             {
                 if (life != Life.NotStarted)
-                    throw new InvalidOperationException("UseFolders() has to come before the start");
+                    throw new InvalidOperationException("UseFolders() must be called before the start");
                 DevelopmentKey.Use(dataFolder, installFolder);
             }
         }
@@ -44,7 +45,7 @@ namespace QXBridge
             get { return @"Software\QX-Bridge\Development-" + Native.GetCurrentProcessId(); }
         }
 
-        /// <summary>The values are written first, so that what fails hides nothing.</summary>
+        /// <summary>Writes the values first, so that a failure leaves HKEY_LOCAL_MACHINE alone.</summary>
         internal static void Use(string dataFolder, string installFolder)
         {
             Delete(); // of an earlier call, or of a process that had this id

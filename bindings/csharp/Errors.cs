@@ -1,4 +1,4 @@
-// What the binding throws, beside the base library's own exceptions.
+// The exceptions of the binding, besides those of the base library.
 
 using System;
 using System.Collections.Generic;
@@ -22,17 +22,17 @@ namespace QXBridge
             LogPath = logPath;
         }
 
-        /// <summary>The function, as bridge.h calls it.</summary>
+        /// <summary>The name of the function in bridge.h.</summary>
         public string Operation { get; private set; }
-        /// <summary>The code that it returned; Result names some.</summary>
+        /// <summary>The code that it returned. Result has names for some.</summary>
         public int Code { get; private set; }
-        /// <summary>The code's name, such as "XERR_NOENT"; empty for an error of Windows.</summary>
+        /// <summary>The code's name, such as "XERR_NOENT"; empty for a Windows error.</summary>
         public string Name { get; private set; }
-        /// <summary>The code in words, such as "no such file or folder".</summary>
+        /// <summary>The text of the code, such as "no such file or folder".</summary>
         public string Text { get; private set; }
-        /// <summary>The file that the operation was about; null where there is none.</summary>
+        /// <summary>The file of the operation; null when there is none.</summary>
         public string File { get; private set; }
-        /// <summary>The library's log; empty when it goes to standard output.</summary>
+        /// <summary>The path of the library's log; empty for standard output.</summary>
         public string LogPath { get; private set; }
 
         private static string Describe(string operation, int code, string file, string logPath)
@@ -57,8 +57,8 @@ namespace QXBridge
         }
     }
 
-    /// <summary>A key, an instance or a value that the library would end the process for, or that it
-    /// would take without a complaint. Nothing was called.</summary>
+    /// <summary>A key, instance or value with which the library would end the process, or which it would
+    /// accept silently. The library was not called.</summary>
     public sealed class KeyException : ArgumentException
     {
         internal KeyException(string message, string key, string suggestion) : base(message)
@@ -67,13 +67,13 @@ namespace QXBridge
             Suggestion = suggestion;
         }
 
-        /// <summary>The key or the instance that was refused.</summary>
+        /// <summary>The key or instance that caused the error.</summary>
         public string Key { get; private set; }
-        /// <summary>What may have been meant; null where nothing is near.</summary>
+        /// <summary>The nearest known name; null when none is near.</summary>
         public string Suggestion { get; private set; }
     }
 
-    /// <summary>What keeps the library from starting, and what to do about it.</summary>
+    /// <summary>A reason for which the library would not start, and its remedy.</summary>
     public sealed class Problem
     {
         internal Problem(string what, string remedy)
@@ -84,7 +84,7 @@ namespace QXBridge
 
         /// <summary>What is wrong.</summary>
         public string What { get; private set; }
-        /// <summary>What mends it.</summary>
+        /// <summary>How to correct it.</summary>
         public string Remedy { get; private set; }
 
         /// <summary>"what: remedy".</summary>
@@ -94,7 +94,7 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The library was not started, since that would have failed or ended the process.</summary>
+    /// <summary>A check before the start failed. The library was not started.</summary>
     public sealed class PreflightException : Exception
     {
         internal PreflightException(IList<Problem> problems) : base(string.Join("\n", problems))
@@ -102,11 +102,12 @@ namespace QXBridge
             Problems = problems;
         }
 
-        /// <summary>Everything that was found.</summary>
+        /// <summary>All problems.</summary>
         public IList<Problem> Problems { get; private set; }
     }
 
-    /// <summary>No event will come: another process serves this client's name, or nobody does.</summary>
+    /// <summary>This process receives no events: another process serves this client's name, or none
+    /// does.</summary>
     public sealed class ListenException : Exception
     {
         internal ListenException(string message, int processId) : base(message)
@@ -114,11 +115,11 @@ namespace QXBridge
             ProcessId = processId;
         }
 
-        /// <summary>The process that has the events; 0 where none is known.</summary>
+        /// <summary>The process that receives the events; 0 when it is not known.</summary>
         public int ProcessId { get; private set; }
     }
 
-    /// <summary>More events came than a stream had room for. Those before were delivered.</summary>
+    /// <summary>More events arrived than a stream can buffer. The buffered ones were delivered.</summary>
     public sealed class EventOverflowException : Exception
     {
         internal EventOverflowException(int limit)
@@ -127,7 +128,7 @@ namespace QXBridge
             Limit = limit;
         }
 
-        /// <summary>How many events the stream had room for.</summary>
+        /// <summary>The size of the stream's buffer.</summary>
         public int Limit { get; private set; }
     }
 }

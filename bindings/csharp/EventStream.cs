@@ -1,4 +1,4 @@
-// Events to be read instead of handled.
+// Streams of events, the alternative to handlers.
 
 using System;
 using System.Collections.Generic;
@@ -8,7 +8,7 @@ using System.Threading.Tasks;
 
 namespace QXBridge
 {
-    /// <summary>An event with its values. Each kind has a class of its own.</summary>
+    /// <summary>An event with its values. Each kind has its own class.</summary>
     public abstract class BridgeEvent
     {
         internal BridgeEvent()
@@ -17,12 +17,13 @@ namespace QXBridge
 
         /// <summary>Which event it is.</summary>
         public abstract EventKind Kind { get; }
-        /// <summary>Its values, in the order that bridge.h has them in.</summary>
+        /// <summary>Its values, in the order of bridge.h.</summary>
         public abstract object[] Values { get; }
     }
 
-    /// <summary>Events in the order of their arrival, from Session.Events() on. It holds so many that
-    /// nobody has read yet; one more ends it, after those were read. Several threads may read.</summary>
+    /// <summary>Events in order of arrival, since the call of Session.Events(). Its buffer is limited: if
+    /// it overflows, the stream delivers the buffered events and ends with an exception. Several threads
+    /// may read.</summary>
     public sealed class EventStream : IDisposable
     {
         private readonly object guard = new object();
@@ -42,8 +43,8 @@ namespace QXBridge
         }
 
         /// <summary>The next event; null after the last one, when the session or the stream has ended.
-        /// EventOverflowException when the stream had no room for an event. A token that is cancelled ends
-        /// the wait and loses no event.</summary>
+        /// Throws EventOverflowException after an overflow. A cancelled token ends the wait; no event is
+        /// lost.</summary>
         public Task<BridgeEvent> ReadAsync(CancellationToken token = default(CancellationToken))
         {
             var reader = new TaskCompletionSource<BridgeEvent>(
@@ -76,7 +77,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Ends the stream: what has arrived can still be read.</summary>
+        /// <summary>Ends the stream. The buffered events can still be read.</summary>
         public void Dispose()
         {
             forget(this);

@@ -1,4 +1,4 @@
-// Events: handlers, streams, and whether this process gets them at all.
+// Events: handlers, streams, and the check that this process receives them.
 
 using System;
 using System.Collections.Generic;
@@ -12,7 +12,7 @@ namespace QXBridge
     public delegate void AppInstalledHandler(AppInstalled app);
     /// <summary>Handles an event of an app.</summary>
     public delegate void AppHandler(string instance, string package);
-    /// <summary>Handles an APK file that has been dealt with.</summary>
+    /// <summary>Handles the end of an APK installation.</summary>
     public delegate void ApkInstallCompletedHandler(string instance, int status, string apkFilePath);
     /// <summary>Handles a change of the list of instances.</summary>
     public delegate void InstanceListUpdatedHandler();
@@ -36,44 +36,44 @@ namespace QXBridge
 
         private readonly object eventsLock = new object();
         private readonly Watches watches = new Watches();
-        private EventStream[] streams = new EventStream[0]; // a new one at each change
+        private EventStream[] streams = new EventStream[0]; // replaced at each change
         private bool registered;
         private volatile bool listening;
 
-        /// <summary>An app was installed or updated. Handlers run on the library's event thread, one after
-        /// another, from Listen() on.</summary>
+        /// <summary>An app was installed or updated. After Listen(), handlers run on the library's event
+        /// thread, one after another.</summary>
         public event AppInstalledHandler AppInstalled;
         /// <summary>An app was uninstalled.</summary>
         public event AppHandler AppUninstalled;
-        /// <summary>An APK file that was handed to an instance has been dealt with.</summary>
+        /// <summary>The installation of an APK file has ended.</summary>
         public event ApkInstallCompletedHandler ApkInstallCompleted;
-        /// <summary>The list of instances changed; the configuration has been loaded again.</summary>
+        /// <summary>The list of instances changed. The configuration has been reloaded.</summary>
         public event InstanceListUpdatedHandler InstanceListUpdated;
         /// <summary>Progress of an image.</summary>
         public event InstallImageProgressHandler InstallImageProgress;
         /// <summary>An instance was created, or could not be.</summary>
         public event CreateInstanceCompletedHandler CreateInstanceCompleted;
-        /// <summary>The configuration of an instance changed, and has been loaded again.</summary>
+        /// <summary>The configuration of an instance changed. It has been reloaded.</summary>
         public event InstanceHandler InstanceConfigurationChanged;
         /// <summary>An app came to the front.</summary>
         public event AppHandler AppDisplayed;
         /// <summary>The accounts of an instance changed.</summary>
         public event AccountListUpdatedHandler AccountListUpdated;
 
-        /// <summary>Gets what a handler threw, which goes no further.</summary>
+        /// <summary>Receives the exceptions of handlers, which go no further.</summary>
         public event Action<Exception> HandlerFailed;
 
-        /// <summary>Starts the event server and waits until it is known who has the events: this process,
-        /// or ListenException. The wait is 10 seconds at most, or the limit. A second call changes
-        /// nothing.</summary>
+        /// <summary>Starts the event server and waits until this process receives the events. Throws
+        /// ListenException when another process receives them, or none does within the limit of 10 seconds.
+        /// A second call changes nothing.</summary>
         public void Listen(TimeSpan? limit = null)
         {
             Register();
             if (!listening) RequireOwnServer(LimitOf(limit));
         }
 
-        /// <summary>Listen() without blocking: handlers are called from here on, the rest is on a thread
-        /// of its own. A token that is cancelled ends the wait.</summary>
+        /// <summary>Listen() without blocking. Handlers are called from here on. A cancelled token ends the
+        /// wait.</summary>
         public Task ListenAsync(CancellationToken token = default(CancellationToken), TimeSpan? limit = null)
         {
             Register();
@@ -84,7 +84,7 @@ namespace QXBridge
             }, token);
         }
 
-        /// <summary>How many streams and works want events.</summary>
+        /// <summary>The number of streams and works that wait for events.</summary>
         internal int WaitingCount
         {
             get { lock (eventsLock) return streams.Length + watches.Count; }
@@ -115,7 +115,7 @@ namespace QXBridge
             }
         }
 
-        // If another process has the name, the library only logs an error.
+        // When another process has the name, the library only logs an error.
         private void RequireOwnServer(TimeSpan limit)
         {
             PipeServer server = Machine.Current.ServerOf(@"\\.\pipe\vtr_" + client + "_bridge_nvo", limit);
@@ -135,14 +135,14 @@ namespace QXBridge
             return "another process" + has + ", and cannot be asked (Windows error " + server.Error + ")";
         }
 
-        /// <summary>A stream of the events of these kinds, or of all, from now on. It holds 10,000 events
-        /// that nobody has read yet; one more ends it.</summary>
+        /// <summary>A stream of the events of these kinds, or of all kinds, from now on. It buffers up to
+        /// 10,000 events.</summary>
         public EventStream Events(params EventKind[] kinds)
         {
             return Events(10000, kinds);
         }
 
-        /// <summary>The same for another number of events.</summary>
+        /// <summary>The same with another buffer size.</summary>
         public EventStream Events(int limit, params EventKind[] kinds)
         {
             if (limit < 1) throw new ArgumentOutOfRangeException("limit");
@@ -170,14 +170,14 @@ namespace QXBridge
             watches.End();
         }
 
-        // No further event may enter a runtime that is gone. The end of the process waits for nothing,
-        // as a handler may never return, or have asked for the end itself.
+        // Events must not enter a runtime that has exited. The end of the process does not wait: a handler
+        // may never return, or may itself have called Environment.Exit.
         private void OnProcessExit(object sender, EventArgs arguments)
         {
             Native.bridgeRegisterCallbacks(null, null, null, null, null, null, null, null, null);
         }
 
-        // On the library's event thread, which no exception may reach.
+        // Runs on the library's event thread. No exception may leave it.
         private void Arrived(BridgeEvent one)
         {
             isEventThread = true;
@@ -192,7 +192,7 @@ namespace QXBridge
             CallHandlers(one);
         }
 
-        // Before the handlers, which may read what has been loaded, and may block.
+        // Runs before the handlers, which may read loaded values and may block.
         private void PassOn(BridgeEvent one)
         {
             bool isAfterALoad = one is InstanceListUpdated || one is InstanceConfigurationChanged;
@@ -246,7 +246,7 @@ namespace QXBridge
             }
         }
 
-        // One handler's exception does not keep the next from its call.
+        // After an exception of one handler the next is still called.
         private void Guard<T>(T handlers, Action<T> call) where T : class
         {
             if (handlers == null) return;
@@ -272,7 +272,7 @@ namespace QXBridge
             }
             catch (Exception)
             {
-                // The report's own failure has nowhere to go.
+                // There is nowhere to report a failure of the report.
             }
         }
     }

@@ -1,4 +1,4 @@
-// A reader for the JSON texts of the library, strict about their form.
+// A strict reader for the library's JSON.
 
 using System;
 using System.Collections.Generic;
@@ -61,7 +61,7 @@ namespace QXBridge
             return list.Cast<JsonObject>().ToList();
         }
 
-        /// <summary>A JSON text's value; FormatException for any other text.</summary>
+        /// <summary>The value of a JSON text. Throws FormatException for any other text.</summary>
         internal static object Read(string text)
         {
             var reader = new Json(text);
@@ -174,7 +174,7 @@ namespace QXBridge
             throw Wrong();
         }
 
-        // At the backslash; leaves `at` at the last character of the sequence.
+        // Starts at the backslash and leaves `at` on the last character of the sequence.
         private char Escaped()
         {
             const string Letters = "\"\\/bfnrt", Meanings = "\"\\/\b\f\n\r\t";

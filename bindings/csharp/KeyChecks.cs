@@ -1,5 +1,5 @@
-// What is looked at before the library is asked for a value: the library ends the process for a key, a
-// type or a stored value that is wrong, and takes a mistyped instance for a new one.
+// Checks before a value is read or set: the library ends the process for a wrong key, type or stored
+// value, and takes a mistyped instance for a new one.
 
 using System.Collections.Generic;
 
@@ -7,8 +7,8 @@ namespace QXBridge
 {
     internal sealed class KeyChecks
     {
-        // An instance that the library has loaded has one of them. None ends the process, where its value
-        // can be read, and all are 0 or "" for an instance that is not loaded.
+        // For an instance that is not loaded all of these are 0 or "", for a loaded one at least one is not.
+        // Reading them never ends the process if their stored values can be read.
         private static readonly string[] NumbersOfALoadedOne =
             { "dpi", "max_fps", "eco_mode_max_fps", "gl_win_height" };
         private const string TextOfALoadedOne = "display_name";

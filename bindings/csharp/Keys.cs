@@ -1,4 +1,4 @@
-// Keys of the configuration that know their type: Keys.Global.Locale, Keys.Instance("Nougat64").Dpi.
+// Typed keys of the configuration: Keys.Global.Locale, Keys.Instance("Nougat64").Dpi.
 
 using System;
 using System.Collections.Generic;
@@ -25,12 +25,12 @@ namespace QXBridge
         public string Text { get; private set; }
         /// <summary>"bool", "i32", "i64", "string" or "multi-string".</summary>
         public string Type { get; private set; }
-        /// <summary>The default as the file has it. A bool without one cannot be read before it is
+        /// <summary>The default in its stored form. A bool without one cannot be read before it is
         /// set.</summary>
         public string DefaultText { get; private set; }
-        /// <summary>What a number counts; empty where that is not known.</summary>
+        /// <summary>The unit of a number; empty when it is not known.</summary>
         public string Unit { get; private set; }
-        /// <summary>What a value or an element can be; empty where everything is allowed.</summary>
+        /// <summary>The allowed values or elements; empty when any is allowed.</summary>
         public IList<string> Allowed { get; private set; }
 
         /// <summary>The full key.</summary>
@@ -40,7 +40,7 @@ namespace QXBridge
         }
     }
 
-    /// <summary>A key whose values are of a type of C#.</summary>
+    /// <summary>A key with the C# type of its values.</summary>
     public sealed class Key<T> : Key
     {
         internal Key(string text) : base(text, typeof(T))
@@ -65,7 +65,7 @@ namespace QXBridge
             get { return OfTheProduct; }
         }
 
-        /// <summary>The properties of an instance, known or not.</summary>
+        /// <summary>The properties of an instance, whether it exists or not.</summary>
         public static InstanceKeys Instance(string name)
         {
             if (name == null) throw new ArgumentNullException("name");

@@ -1,5 +1,5 @@
-// What the binding knows of the configuration that the library has loaded: instances and values. It
-// comes from the file, never from the library's listing, which is fatal for a wrong name.
+// The binding's copy of the configuration that the library has loaded: instances and values. It is read
+// from the file, not from the library's listing, which is fatal for a wrong name.
 
 using System;
 using System.Collections.Generic;
@@ -10,7 +10,7 @@ namespace QXBridge
 {
     internal sealed class KnownInstances
     {
-        private readonly string path; // null: there is no file
+        private readonly string path; // null for no file
         private readonly object guard = new object();
         private HashSet<string> inTheFile = new HashSet<string>();
         private HashSet<string> whenLoaded = new HashSet<string>();
@@ -23,8 +23,8 @@ namespace QXBridge
             this.path = path;
         }
 
-        /// <summary>The library has loaded the file, at its start or before an event. As there, values
-        /// that the file no longer has stay.</summary>
+        /// <summary>Called when the library has loaded the file, at its start or before an event. As in the
+        /// library, values that the file no longer has are kept.</summary>
         internal void Load()
         {
             Dictionary<string, string> values = ReadFile();
@@ -36,7 +36,8 @@ namespace QXBridge
             }
         }
 
-        /// <summary>A commit loads the file first, if it has something to write.</summary>
+        /// <summary>Called before a commit, which first loads the file if it has something to
+        /// write.</summary>
         internal void LoadForCommit(bool writesAlways)
         {
             lock (guard)
@@ -46,7 +47,8 @@ namespace QXBridge
             lock (guard)
             {
                 Take(values);
-                // The library may have loaded an earlier file, which the listing would still end with.
+                // The library may have loaded an earlier file, whose instances can still make the listing
+                // fatal.
                 whenLoaded = new HashSet<string>(whenLoaded.Concat(inTheFile));
             }
         }
@@ -57,7 +59,7 @@ namespace QXBridge
             inTheFile = InstancesOf(values);
         }
 
-        /// <summary>After a commit: what was staged is as good as loaded.</summary>
+        /// <summary>Called after a commit: staged values count as loaded.</summary>
         internal void Merge()
         {
             lock (guard)
@@ -79,7 +81,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>The text that the library has for a key; null for its default.</summary>
+        /// <summary>The library's text for a key; null for the default.</summary>
         internal string Stored(string key)
         {
             string value;
@@ -95,7 +97,7 @@ namespace QXBridge
             lock (guard) added.Add(name);
         }
 
-        /// <summary>Throws for a name that neither the file nor this process has.</summary>
+        /// <summary>Throws for an instance that neither the file nor this process has.</summary>
         internal void Require(string name)
         {
             if (IsKnown(name)) return;
@@ -116,8 +118,8 @@ namespace QXBridge
             lock (guard) return inTheFile.Contains(name) || added.Contains(name);
         }
 
-        /// <summary>Throws for an instance in the library that runs no image, or has a number that cannot
-        /// be read: its listing would end the process.</summary>
+        /// <summary>Throws for an instance with an unknown image or an unreadable number: the listing would
+        /// end the process.</summary>
         internal void RequireListable()
         {
             string[] names;
@@ -130,7 +132,7 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Throws for a value of the library's that it cannot read.</summary>
+        /// <summary>Throws for a value that the library cannot read.</summary>
         internal void RequireReadable(string key, string type, string byDefault)
         {
             string stored = Stored(key) ?? byDefault;
@@ -162,7 +164,7 @@ namespace QXBridge
             return new HashSet<string>(values.Keys.Select(Catalogue.InstanceOf).Where(one => one != null));
         }
 
-        // Null for a file that cannot be read, which changes nothing in the library either.
+        // Null for a file that cannot be read, with which the library keeps its values too.
         private Dictionary<string, string> ReadFile()
         {
             if (path == null) return new Dictionary<string, string>();

@@ -22,7 +22,7 @@ namespace QXBridge
             Cpu = from.Number("cpu");
         }
 
-        /// <summary>Its name, which the methods take.</summary>
+        /// <summary>Its name, which other methods take as an argument.</summary>
         public string Name { get; private set; }
         /// <summary>The name that the user sees.</summary>
         public string DisplayName { get; private set; }
@@ -36,7 +36,7 @@ namespace QXBridge
         public string GraphicsRenderer { get; private set; }
         /// <summary>Its memory in MiB.</summary>
         public int Ram { get; private set; }
-        /// <summary>How many processors it has.</summary>
+        /// <summary>Its number of processors.</summary>
         public int Cpu { get; private set; }
     }
 
@@ -63,20 +63,20 @@ namespace QXBridge
         public int VersionCode { get; private set; }
         /// <summary>The version's name.</summary>
         public string VersionName { get; private set; }
-        /// <summary>The icon's file, which need not exist.</summary>
+        /// <summary>The path of the icon, which may not exist.</summary>
         public string IconFilePath { get; private set; }
     }
 
     public sealed partial class Session
     {
-        /// <summary>The instances, by name. KeyException where one runs no image that the product
-        /// knows.</summary>
+        /// <summary>The instances, sorted by name. Throws KeyException for an instance with an unknown
+        /// image.</summary>
         public IList<Instance> Instances()
         {
             return ToInstances(InstancesJson());
         }
 
-        /// <summary>Instances() on a thread of its own. A token that is cancelled ends the wait.</summary>
+        /// <summary>Instances() on a separate thread. A cancelled token ends the wait.</summary>
         public Task<IList<Instance>> InstancesAsync(CancellationToken token = default(CancellationToken))
         {
             Check();
@@ -90,13 +90,13 @@ namespace QXBridge
             return ListInstances();
         }
 
-        /// <summary>The apps of an instance, by package; none where it has no app cache.</summary>
+        /// <summary>The apps of an instance, sorted by package; empty when it has no app cache.</summary>
         public IList<App> Apps(string instance)
         {
             return ToApps(AppsJson(instance));
         }
 
-        /// <summary>Apps() on a thread of its own. A token that is cancelled ends the wait.</summary>
+        /// <summary>Apps() on a separate thread. A cancelled token ends the wait.</summary>
         public Task<IList<App>> AppsAsync(string instance,
                                           CancellationToken token = default(CancellationToken))
         {

@@ -1,5 +1,5 @@
-// What the binding asks the system for, beside files: the product's registry values, whether a log can
-// be opened, and who serves a pipe. Tests replace it.
+// Queries to the system other than for files: the product's registry values, whether a log can be opened,
+// and the server of a pipe. Tests replace it.
 
 using System;
 using System.Diagnostics;
@@ -10,11 +10,11 @@ using System.Threading;
 
 namespace QXBridge
 {
-    /// <summary>Who serves a pipe's name: a process, or nobody, or one that cannot be asked.</summary>
+    /// <summary>The server of a pipe: a process, or the error with which it could not be found.</summary>
     internal struct PipeServer
     {
-        internal int ProcessId; // 0: not known
-        internal int Error;     // of Windows; 0: a process is known
+        internal int ProcessId; // 0 when not known
+        internal int Error;     // a Windows error; 0 when the process is known
     }
 
     internal class Machine
@@ -34,15 +34,15 @@ namespace QXBridge
         private const uint CreateNew = 1, OpenExisting = 3;
         private const uint ReadAndWrite = 0xC0000000, Delete = 0x00010000;
         private const uint DeleteOnClose = 0x04000000;
-        // The server learns nothing about the user.
+        // The server cannot identify the user.
         private const uint Anonymously = 0x00100000;
 
         internal const int FileNotFound = 2;
         private const int PipeBusy = 231;
         private const int TryAgainAfter = 5; // milliseconds
 
-        /// <summary>A text of the product's key, read as the library reads it; empty where there is no
-        /// such text.</summary>
+        /// <summary>A text of the product's key, read as the library reads it; empty when there is
+        /// none.</summary>
         internal virtual string ProductText(string name)
         {
             IntPtr key;
@@ -74,14 +74,15 @@ namespace QXBridge
             return type == TextType ? Encoding.Unicode.GetString(bytes, 0, (int)size).TrimEnd('\0') : "";
         }
 
-        /// <summary>Opens an existing file for appending, shared as the library's log is. 0, or the
-        /// error of Windows.</summary>
+        /// <summary>Opens an existing file for appending, with the sharing of the library's log. Returns 0
+        /// or the Windows error.</summary>
         internal virtual int TryToAppend(string path)
         {
             return TryToOpen(path, AppendData, OpenExisting, 0);
         }
 
-        /// <summary>Makes a file in a folder, which is gone again at the end of the call.</summary>
+        /// <summary>Creates a file in a folder and deletes it again. Returns 0 or the Windows
+        /// error.</summary>
         internal virtual int TryToCreateIn(string folder)
         {
             string path = Path.Combine(folder, "preflight-" + Guid.NewGuid().ToString("N"));
@@ -97,7 +98,7 @@ namespace QXBridge
             return 0;
         }
 
-        // Windows takes long paths in this form only, as the library does.
+        // Windows accepts long paths only in this form, which the library uses too.
         private static string WindowsPath(string path)
         {
             string full = Path.GetFullPath(path);
@@ -111,7 +112,7 @@ namespace QXBridge
             get { return (int)Native.GetCurrentProcessId(); }
         }
 
-        /// <summary>The server of a pipe, for which this waits as long as there is none.</summary>
+        /// <summary>The server of a pipe. Waits up to the limit while there is none.</summary>
         internal virtual PipeServer ServerOf(string pipe, TimeSpan limit)
         {
             Stopwatch waited = Stopwatch.StartNew();

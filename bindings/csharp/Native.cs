@@ -1,4 +1,4 @@
-// What of Windows the binding calls, and texts as the library has them.
+// The Windows functions that the binding calls, and the conversion of UTF-8 texts.
 
 using System;
 using System.Collections.Generic;
@@ -42,7 +42,7 @@ namespace QXBridge
         internal static extern int RegOverridePredefKey(IntPtr root, IntPtr key);
     }
 
-    /// <summary>UTF-8 texts by hand: the marshaller's own would be of the system's code page.</summary>
+    /// <summary>Converts UTF-8 texts. The marshaller would use the system's code page.</summary>
     internal static class Utf8
     {
         private static readonly Dictionary<string, IntPtr> Kept = new Dictionary<string, IntPtr>();

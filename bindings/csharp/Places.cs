@@ -1,4 +1,4 @@
-// Where the product's files are, as the library finds them.
+// Paths of the product's files, composed as in the library.
 
 using System.IO;
 
@@ -15,20 +15,20 @@ namespace QXBridge
             LogPath = logFilePath ?? Below(LogFolder, "Player.log");
         }
 
-        // As the library does it, also for a folder that is no path at all.
+        // As the library does it, even when the folder is not a valid path.
         private static string Below(string folder, string name)
         {
             return folder + Path.DirectorySeparatorChar + name;
         }
 
-        /// <summary>Empty where the registry has none.</summary>
+        /// <summary>Empty when the registry value is missing.</summary>
         internal string DataFolder { get; private set; }
         internal string InstallFolder { get; private set; }
         /// <summary>Null for a start without the file.</summary>
         internal string ConfPath { get; private set; }
         /// <summary>Empty for standard output.</summary>
         internal string LogPath { get; private set; }
-        /// <summary>Where the product's own log is.</summary>
+        /// <summary>The folder of the product's own log.</summary>
         internal string LogFolder
         {
             get { return Below(DataFolder, "Logs"); }
@@ -45,7 +45,7 @@ namespace QXBridge
             get { return InstallFolder + "QX-MultiInstanceManager.exe"; }
         }
 
-        /// <summary>What a message ends with.</summary>
+        /// <summary>The end of an error message.</summary>
         internal static string WhereTheCauseIs(string logPath)
         {
             return "; the log " + (logPath.Length == 0 ? "" : logPath + " ") + "has the cause";

@@ -1,4 +1,4 @@
-// What would end the process at the start of the library, or make the start fail.
+// Checks for everything that would make the start of the library fail or end the process.
 
 using System;
 using System.Collections.Generic;
@@ -31,8 +31,8 @@ namespace QXBridge
             problems.Add(new Problem(what, remedy));
         }
 
-        // False when the rest means nothing. Without the file and with a log elsewhere the library needs no
-        // data folder.
+        // False when the other checks are meaningless. Without the file and with another log the library
+        // needs no data folder.
         private bool LooksAtTheDataFolder()
         {
             if (places.ConfPath == null && places.HasOwnLog) return true;
@@ -60,7 +60,7 @@ namespace QXBridge
             return false;
         }
 
-        // An empty path keeps the log on standard output.
+        // With an empty path the library logs to standard output.
         private void LookAtTheLog()
         {
             if (places.LogPath.Length == 0) return;
@@ -88,8 +88,8 @@ namespace QXBridge
             }
         }
 
-        // The folder of the log. The library creates missing ones, as far as "\" separates them: then the
-        // one in which it creates the first. Null for a folder that neither exists nor is created.
+        // The nearest existing parent of the log. The library creates missing folders that "\" separates.
+        // Null for a folder that neither exists nor is created.
         private string FolderThatIsWritten()
         {
             string path = Path.GetFullPath(places.LogPath);

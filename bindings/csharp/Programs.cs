@@ -1,4 +1,4 @@
-// The product's programs: what they are started for, and how the host learns of the end.
+// Starts the product's programs.
 
 using System;
 using System.Globalization;
@@ -32,8 +32,8 @@ namespace QXBridge
                 Utf8.Bytes(instance, "instance"), Utf8.Bytes(url, "url")), Places.Player);
         }
 
-        /// <summary>Installs an APK file. The work ends when the file has been dealt with; the event's
-        /// status says how.</summary>
+        /// <summary>Installs an APK file. The work ends when the file has been processed; the event has the
+        /// status.</summary>
         public Work<ApkInstallCompleted> InstallApk(string instance, string apkFilePath)
         {
             return StartWork("bridgeInstallApk", apkFilePath, () => Native.bridgeInstallApk(
@@ -42,7 +42,7 @@ namespace QXBridge
                     one => one.Instance == instance && one.ApkFilePath == apkFilePath));
         }
 
-        /// <summary>Uninstalls an app. The work ends when it is gone.</summary>
+        /// <summary>Uninstalls an app. The work ends when the app is uninstalled.</summary>
         public Work<AppUninstalled> UninstallApp(string instance, string package)
         {
             return StartWork("bridgeUninstallApp", Places.Player, () => Native.bridgeUninstallApp(
@@ -50,8 +50,8 @@ namespace QXBridge
                 new Watch<AppUninstalled>(one => one.Instance == instance && one.Package == package));
         }
 
-        /// <summary>Installs an Android image. The work ends with the progress of status 2; progress of any
-        /// other status goes to the function, on the event thread.</summary>
+        /// <summary>Installs an Android image. The work ends with the event of status 2. Events of other
+        /// statuses go to the function, on the event thread.</summary>
         public Work<InstallImageProgress> InstallImage(string imageName,
                                                        Action<InstallImageProgress> progress = null)
         {
@@ -69,8 +69,9 @@ namespace QXBridge
             return false;
         }
 
-        /// <summary>Creates an instance; ram in MiB. The work ends with the next instance that has been
-        /// created, or could not be: works of this kind end in the order of the calls.</summary>
+        /// <summary>Creates an instance; ram in MiB. The work ends when an instance was created or could not
+        /// be. The event does not name the request, so events end the works in the order of the
+        /// calls.</summary>
         public Work<CreateInstanceCompleted> CreateFreshInstance(string imageName, int cpu, int ram,
             string graphicEngine, string graphicRenderer, string deviceProfile)
         {
@@ -82,7 +83,7 @@ namespace QXBridge
                 new Watch<CreateInstanceCompleted>(one => true));
         }
 
-        /// <summary>Asks a player to shut down; does not wait for its end.</summary>
+        /// <summary>Asks a player to shut down, and does not wait for its end.</summary>
         public void ShutdownPlayer(string instance, bool flag)
         {
             Check();
@@ -97,7 +98,7 @@ namespace QXBridge
             Native.bridgeShutdown();
         }
 
-        // The event may come before the start has returned.
+        // Watches before it starts, because the event may arrive before start() returns.
         private Work<T> StartWork<T>(string operation, string file, Func<int> start, Watch<T> watch)
             where T : BridgeEvent
         {

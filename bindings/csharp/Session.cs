@@ -1,6 +1,6 @@
 // QX-Bridge.dll for C#: configuration, instances, apps, programs and events. Compile all files of this
-// folder into the host; they need nothing but the base library. bridge.h has the conventions. Start
-// here; Configuration.cs, Programs.cs, Listings.cs and Events.cs have the rest of what a host calls.
+// folder into the host; they need only the base library. The conventions of bridge.h apply. The rest of
+// the interface is in Configuration.cs, Programs.cs, Listings.cs and Events.cs.
 
 using System;
 using System.Collections.Generic;
@@ -9,11 +9,11 @@ using System.Runtime.InteropServices;
 
 namespace QXBridge
 {
-    /// <summary>Who the host is. Two hosts of one kind share a server name: only the first gets
+    /// <summary>The kind of host. Two hosts of one kind share a server name: only the first receives
     /// events.</summary>
     public enum Client
     {
-        /// <summary>The launcher, whose version has to be the product's.</summary>
+        /// <summary>The launcher, whose version must equal the product's.</summary>
         Launcher,
         /// <summary>The installer.</summary>
         Installer,
@@ -25,9 +25,9 @@ namespace QXBridge
         Uninstaller,
     }
 
-    /// <summary>The library, from its initialisation to its end; one per process, also after its end: a
-    /// second one throws InvalidOperationException. Its methods may be called from any thread, except
-    /// Dispose(), during which no other call may run.</summary>
+    /// <summary>The library, from its initialisation to its end. A process can have one session; a second
+    /// one, also after the end of the first, throws InvalidOperationException. Its methods may be called
+    /// from any thread, except Dispose(), during which no other call may run.</summary>
     public sealed partial class Session : IDisposable
     {
         private const uint LoadFromItsFolder = 0x00000100 | 0x00001000;
@@ -39,7 +39,7 @@ namespace QXBridge
             Ended,
         }
 
-        // Guards what follows, which is of the process, as the library is.
+        // Guards `life`. Both belong to the process, like the library.
         private static readonly object Lock = new object();
         private static Life life;
 
@@ -47,8 +47,8 @@ namespace QXBridge
         private readonly KnownInstances known;
         private volatile bool disposed;
 
-        /// <summary>Loads the library from a place that Windows does not search by itself, with the
-        /// Qt DLLs beside it. Call it first. A relative path is one from the current folder.</summary>
+        /// <summary>Loads the library from a folder that Windows does not search, with the Qt DLLs beside
+        /// it. Call it first. A relative path starts at the current folder.</summary>
         public static void Load(string path)
         {
             string absolute = Path.GetFullPath(path);
@@ -56,22 +56,22 @@ namespace QXBridge
                 throw new DllNotFoundException(absolute + ": error " + Marshal.GetLastWin32Error());
         }
 
-        /// <summary>What would keep the library from starting; empty when nothing would. The same
-        /// arguments as the constructors, which look first, too.</summary>
+        /// <summary>The problems with which the library would not start; empty when there are none. The
+        /// arguments are those of the constructors, which make the same checks.</summary>
         public static IList<Problem> Preflight(Client client, bool noConfFile = false,
                                                string logFilePath = null)
         {
             return QXBridge.Preflight.Run(client, new Places(noConfFile, logFilePath));
         }
 
-        /// <summary>Starts the library with the product's configuration file and log.
-        /// PreflightException, with the problems, where that would fail or end the process.</summary>
+        /// <summary>Starts the library with the product's configuration file and log. Throws
+        /// PreflightException when that would fail or end the process.</summary>
         public Session(Client client) : this(client, new Places(false, null))
         {
             Start("bridgeApiInit", () => Native.bridgeApiInit(Utf8.Forever(client.ToString())));
         }
 
-        /// <summary>Starts it without the file, or with another log (null: the product's own; empty:
+        /// <summary>Starts it without the file, or with another log (null for the product's own, empty for
         /// standard output).</summary>
         public Session(Client client, bool noConfFile, string logFilePath)
             : this(client, new Places(noConfFile, logFilePath))
@@ -90,7 +90,7 @@ namespace QXBridge
             Conf = new Configuration(this, known);
         }
 
-        // A second start would take over the callbacks; one after the end would bring no events.
+        // A second start would replace the callbacks; one after the end would deliver no events.
         private void Start(string operation, Func<int> start)
         {
             lock (Lock)
@@ -108,8 +108,8 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Stops the library, once and for all, and waits for a handler that runs: do not call
-        /// it on a thread that a handler waits for. Waits for calls that go on inside, too. Inside a handler
+        /// <summary>Stops the library for the rest of the process. Waits for a running handler and for
+        /// running asynchronous calls: do not call it on a thread that a handler waits for. Inside a handler
         /// it stops nothing and throws InvalidOperationException.</summary>
         public void Dispose()
         {
@@ -143,7 +143,7 @@ namespace QXBridge
             if (code != Result.Success) throw new BridgeException(operation, code, file, Places.LogPath);
         }
 
-        /// <summary>A copy of a text of the library's, which gets it back.</summary>
+        /// <summary>Copies a text of the library and frees it.</summary>
         internal string Taken(string operation, IntPtr memory)
         {
             string text = TextOf(memory);
@@ -151,7 +151,7 @@ namespace QXBridge
             return text;
         }
 
-        /// <summary>The same; null for null.</summary>
+        /// <summary>The same, but returns null for null.</summary>
         internal static string TextOf(IntPtr memory)
         {
             if (memory == IntPtr.Zero) return null;

@@ -1,4 +1,4 @@
-// Work that a program does for the host, and the event that reports its end.
+// Work that a program was started for, and the event that reports its outcome.
 
 using System;
 using System.Collections.Generic;
@@ -8,10 +8,9 @@ using System.Threading.Tasks;
 
 namespace QXBridge
 {
-    /// <summary>Work that was started, and the event that it ends with: of works that are alike, the oldest
-    /// one has it. One that nobody waits for costs nothing but its memory, until the event comes or the
-    /// session ends. A handler must not block on it: the event would come after the handler's
-    /// return.</summary>
+    /// <summary>Started work. It ends with an event; an event belongs to the oldest work that it matches.
+    /// Work that nobody waits for is kept until its event arrives or the session ends. A handler must not
+    /// block on it: the event cannot arrive before the handler returns.</summary>
     public sealed class Work<T> where T : BridgeEvent
     {
         private readonly Session session;
@@ -29,27 +28,28 @@ namespace QXBridge
             return FinishedAsync(Timeout.InfiniteTimeSpan, CancellationToken.None);
         }
 
-        /// <summary>Waits for the event. TimeoutException after the limit; the work goes on.</summary>
+        /// <summary>Waits for the event. Throws TimeoutException after the limit; the work goes on.</summary>
         public Task<T> FinishedAsync(TimeSpan limit)
         {
             return FinishedAsync(limit, CancellationToken.None);
         }
 
-        /// <summary>Waits for the event: TimeoutException after the limit, OperationCanceledException when
-        /// the token is cancelled, ObjectDisposedException when the session ends. The work goes on. Throws
-        /// InvalidOperationException at once where Listen() has not succeeded.</summary>
+        /// <summary>Waits for the event. Throws TimeoutException after the limit,
+        /// OperationCanceledException when the token is cancelled and ObjectDisposedException when the
+        /// session ends; the work goes on. Throws InvalidOperationException at once when Listen() has not
+        /// succeeded.</summary>
         public Task<T> FinishedAsync(TimeSpan limit, CancellationToken token)
         {
             if (!outcome.IsCompleted && !session.IsListening)
-                throw new InvalidOperationException("Listen() comes first: no event says how the work ends");
+                throw new InvalidOperationException("call Listen() first: without it no event reports the outcome");
             return Waiting.For(outcome, limit, token, typeof(T).Name);
         }
     }
 
-    /// <summary>What waits for one event.</summary>
+    /// <summary>Waits for one event.</summary>
     internal abstract class Watch
     {
-        /// <summary>Whether this was the event.</summary>
+        /// <summary>Returns whether this was the event.</summary>
         internal abstract bool Sees(BridgeEvent one);
         internal abstract void End();
     }
@@ -82,8 +82,8 @@ namespace QXBridge
         }
     }
 
-    /// <summary>All watches, in the order of the calls that they belong to. An event is the end of the
-    /// first that it fits to.</summary>
+    /// <summary>All watches, in the order of their calls. An event ends the first that it
+    /// matches.</summary>
     internal sealed class Watches
     {
         private readonly LinkedList<Watch> watches = new LinkedList<Watch>();
@@ -98,7 +98,7 @@ namespace QXBridge
             lock (watches) watches.Remove(watch);
         }
 
-        // Without the lock while they look, since a progress function may start other work.
+        // Sees() runs without the lock, because a progress function may start other work.
         internal void Arrived(BridgeEvent one)
         {
             Watch[] all;
