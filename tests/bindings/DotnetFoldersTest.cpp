@@ -68,7 +68,7 @@ TEST_F(DotnetFoldersTest, TheirKeyGoesAtTheEndOfTheProcess) {
 
 TEST_F(DotnetFoldersTest, TheyHaveToComeBeforeTheStart) {
     const std::string refusal =
-        "InvalidOperationException: UseFolders() has to come before the start";
+        "InvalidOperationException: UseFolders() must be called before the start";
     EXPECT_EQ(played({"FoldersAfterTheStart"}), (Lines{refusal, refusal}));
 }
 

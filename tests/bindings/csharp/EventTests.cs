@@ -13,7 +13,7 @@ class ListeningTests : SessionTests
     public static void WorkHasNoOutcomeBeforeListening()
     {
         Work<AppDisplayed> work = session.LaunchApp("Nougat64", "p");
-        Check.Throws<InvalidOperationException>("Listen() comes first: no event says how the work ends",
+        Check.Throws<InvalidOperationException>("call Listen() first: without it no event reports the outcome",
                                                 () => work.FinishedAsync());
         Check.Equal(1, session.WaitingCount);
         Check.fakeAnswer(2);
