@@ -6,7 +6,7 @@ using System.Runtime.InteropServices;
 
 namespace QXBridge
 {
-    /// <summary>Result codes that have a name; others are numbers of errno, or 100000 and a Windows
+    /// <summary>The result codes with names. Other codes are errno values, or 100000 plus a Windows
     /// error.</summary>
     public static class Result
     {
@@ -33,17 +33,15 @@ namespace QXBridge
         AppUninstalled,
         /// <summary>The installation of an APK file succeeded or failed.</summary>
         ApkInstallCompleted,
-        /// <summary>The list of instances changed, and the library has reloaded the configuration. If
-        /// the reload failed, the log has the error and the library calls the callback all the same.
-        /// After a malformed line, bridgeConfGetInstances() lists only the instances of the lines
-        /// before it.</summary>
+        /// <summary>The list of instances changed, and the library has reloaded the
+        /// configuration.</summary>
         InstanceListUpdated,
         /// <summary>An image installation made progress.</summary>
         InstallImageProgress,
         /// <summary>The creation of an instance succeeded or failed.</summary>
         CreateInstanceCompleted,
-        /// <summary>The configuration of an instance changed, and the library has reloaded it.
-        /// bridgeOnInstanceListUpdated describes the effect of a failed reload.</summary>
+        /// <summary>The configuration of an instance changed, and the library has reloaded
+        /// it.</summary>
         InstanceConfigurationChanged,
         /// <summary>An app came to the foreground.</summary>
         AppDisplayed,
@@ -68,7 +66,7 @@ namespace QXBridge
         public string VersionName { get; internal set; }
         /// <summary>Icon file.</summary>
         public string IconFilePath { get; internal set; }
-        /// <summary>1 when an earlier version of the package was installed.</summary>
+        /// <summary>True when an earlier version of the package was installed.</summary>
         public bool IsUpdate { get; internal set; }
         /// <summary>EventKind.AppInstalled.</summary>
         public override EventKind Kind { get { return EventKind.AppInstalled; } }
@@ -852,7 +850,7 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The C interface. Texts go in as bytes with a NUL at their end.</summary>
+    /// <summary>The C interface. String arguments are bytes with a NUL at the end.</summary>
     internal static partial class Native
     {
         private const string Dll = "QX-Bridge.dll";
@@ -947,8 +945,8 @@ namespace QXBridge
     /// <summary>The library's callbacks as events.</summary>
     internal static class EventCallbacks
     {
-        /// <summary>Registers all of them. The caller keeps what is returned, to which the
-        /// library keeps pointers.</summary>
+        /// <summary>Registers all callbacks. The library keeps pointers to the returned objects,
+        /// so the caller must keep them.</summary>
         internal static Delegate[] Register(Action<BridgeEvent> arrived)
         {
             Native.bridgeOnAppInstalled appInstalled = (instance, package, activity, appLabel, versionCode,
@@ -1021,8 +1019,8 @@ namespace QXBridge
         }
     }
 
-    /// <summary>The properties, with the default as the file has it, the result codes, the images and
-    /// the version of the library.</summary>
+    /// <summary>The properties, with their defaults in the form of the file, the result codes, the images
+    /// and the version of the library.</summary>
     internal static class Tables
     {
         internal const string Version = "5.2.0.1052";

@@ -15,7 +15,7 @@ export const RESULT: {
 /** The images: an instance's name up to its first "_" is one of these. */
 export const IMAGES: readonly string[];
 
-/** The type of each global property, by its name in the file. */
+/** The types of the global properties, by their names in the file. */
 export interface GlobalProperties {
     'campaign_hash': string;
     'campaign_name': string;
@@ -106,7 +106,7 @@ export interface GlobalProperties {
     'version_machine_id': string;
 }
 
-/** The global keys; an instance's are those of keys.instance(name). */
+/** The global keys. keys.instance(name) returns the keys of an instance. */
 export interface GlobalKeys {
     /** string; no default */
     readonly campaignHash: Key<string>;
@@ -284,7 +284,7 @@ export interface GlobalKeys {
     readonly versionMachineId: Key<string>;
 }
 
-/** The type of each instance property, by its name in the file. */
+/** The types of the instance properties, by their names in the file. */
 export interface InstanceProperties {
     'abi_list': string[];
     'adb_port': number;
@@ -318,7 +318,7 @@ export interface InstanceProperties {
     'status.adb_port': number;
 }
 
-/** The instance keys; an instance's are those of keys.instance(name). */
+/** The instance keys. keys.instance(name) returns the keys of an instance. */
 export interface InstanceKeys {
     /** multi-string; no default */
     readonly abiList: Key<string[]>;

@@ -16,7 +16,7 @@ const CALLBACKS = [
     'void bridgeOnAccountListUpdated(const char *instance, const char *emailId, int32_t action)',
 ];
 
-// BridgeText: a text of the library's, copied and given back to bridgeFreeMemory.
+// BridgeText: a string that the library returned; copied and freed with bridgeFreeMemory.
 const FUNCTIONS = [
     'int32_t bridgeApiInit(const char *clientId)',
     'int32_t bridgeApiInitEx(const char *clientId, bool noConfFile, int64_t reserved, const char *logFilePath)',
@@ -69,7 +69,7 @@ const EVENTS = Object.freeze({
     bridgeOnAccountListUpdated: 'accountListUpdated',
 });
 
-// Properties, with the default as the file has it.
+// The properties, with their defaults in the form of the file.
 const KEYS = [
     { scope: 'global', name: 'campaign_hash', type: 'string', default: '', unit: '', allowed: [] },
     { scope: 'global', name: 'campaign_name', type: 'string', default: '', unit: '', allowed: [] },
@@ -190,7 +190,7 @@ const KEYS = [
     { scope: 'instance', name: 'status.adb_port', type: 'i32', default: '', unit: 'TCP port', allowed: [] },
 ];
 
-// An instance's name up to its first "_" is one of these.
+// The name of an instance begins with one of these, up to the first "_".
 const IMAGES = Object.freeze(['Nougat32', 'Nougat64']);
 
 const CODES = [

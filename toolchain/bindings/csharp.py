@@ -5,7 +5,8 @@ from typing import List
 
 import header
 import tables
-from interface import MARK, Interface, camel, event_name, pascal
+from interface import (MARK, Interface, camel, event_name, first_sentence, pascal,
+                       value_comment)
 
 # The marshaller must not own a string that a callback receives, that the library returns or, like the
 # client id, that the library keeps. Their type is an address.
@@ -50,7 +51,7 @@ def function(name: str, signature: header.Signature) -> List[str]:
 
 
 def native(interface: Interface) -> List[str]:
-    lines = ["    /// <summary>The C interface. Texts go in as bytes with a NUL at their end.</summary>",
+    lines = ["    /// <summary>The C interface. String arguments are bytes with a NUL at the end.</summary>",
              "    internal static partial class Native", "    {",
              '        private const string Dll = "QX-Bridge.dll";',
              "        private const CallingConvention Convention = CallingConvention.Cdecl;", ""]
@@ -78,7 +79,7 @@ def results(interface: Interface) -> List[str]:
     for name, number in interface.results.items():
         rows += summary(sentence(texts.get(number, f"code {number}")), " " * 8)
         rows.append(f"        public const int {name.title().replace('_', '')} = {number};")
-    return ["    /// <summary>Result codes that have a name; others are numbers of errno, or 100000 and a "
+    return ["    /// <summary>The result codes with names. Other codes are errno values, or 100000 plus a "
             "Windows", "    /// error.</summary>", "    public static class Result", "    {", *rows,
             "    }", ""]
 
@@ -86,7 +87,8 @@ def results(interface: Interface) -> List[str]:
 def kinds(interface: Interface) -> List[str]:
     rows = []
     for name in interface.callbacks:
-        rows += [*summary(interface.comments[name], " " * 8), f"        {event_name(name)},"]
+        rows += [*summary(first_sentence(interface.comments[name]), " " * 8),
+                 f"        {event_name(name)},"]
     return ["    /// <summary>The kinds of events.</summary>", "    public enum EventKind", "    {", *rows,
             "    }", ""]
 
@@ -96,7 +98,7 @@ def event(interface: Interface, name: str) -> List[str]:
     rows = []
     parameters = interface.callbacks[name].parameters
     for one in parameters:
-        rows += summary(sentence(interface.values[name][one.name]), " " * 8)
+        rows += summary(sentence(value_comment(interface, name, one)), " " * 8)
         rows.append(f"        public {VALUES[one.type]} {pascal(one.name)} {{ get; internal set; }}")
     listed = textwrap.wrap("return new object[] { " + ", ".join(pascal(one.name) for one in parameters)
                            + " };", WIDTH - 20, subsequent_indent="    ")
@@ -132,8 +134,8 @@ def callbacks(interface: Interface) -> List[str]:
     joined = textwrap.wrap(", ".join(names) + ");", WIDTH - 16)
     return ["    /// <summary>The library's callbacks as events.</summary>",
             "    internal static class EventCallbacks", "    {",
-            "        /// <summary>Registers all of them. The caller keeps what is returned, to which the",
-            "        /// library keeps pointers.</summary>",
+            "        /// <summary>Registers all callbacks. The library keeps pointers to the returned objects,",
+            "        /// so the caller must keep them.</summary>",
             "        internal static Delegate[] Register(Action<BridgeEvent> arrived)", "        {", *lines,
             "            Native.bridgeRegisterCallbacks(", *[" " * 16 + line for line in joined],
             "            return new Delegate[]", "            {",
@@ -188,8 +190,8 @@ def codes(interface: Interface) -> List[str]:
 
 def rows_of_tables(interface: Interface) -> List[str]:
     images = ", ".join(quoted(one) for one in interface.images)
-    return ["    /// <summary>The properties, with the default as the file has it, the result codes, the "
-            "images and", "    /// the version of the library.</summary>",
+    return ["    /// <summary>The properties, with their defaults in the form of the file, the result codes, the "
+            "images", "    /// and the version of the library.</summary>",
             "    internal static class Tables", "    {",
             f"        internal const string Version = {quoted(interface.version)};", "",
             f"        internal static readonly string[] Images = {{ {images} }};", "",

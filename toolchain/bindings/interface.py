@@ -66,5 +66,11 @@ def is_record(signature: header.Signature) -> bool:
     return len(signature.parameters) > MOST_ARGUMENTS
 
 
+def value_comment(interface: Interface, name: str, one: header.Parameter) -> str:
+    """The comment of an event's value. C comments describe booleans as 1 or 0."""
+    comment = interface.values[name][one.name]
+    return re.sub("^1 when", "true when", comment) if one.type == "bool" else comment
+
+
 def first_sentence(comment: str) -> str:
     return re.match(r"(.*?\.)(?: |$)", comment)[1]

@@ -5,7 +5,8 @@ from typing import List
 
 import header
 import tables
-from interface import MARK, Interface, camel, event_name, first_sentence, pascal
+from interface import (MARK, Interface, camel, event_name, first_sentence, pascal,
+                       value_comment)
 
 # koffi uses C declarations with its own type names.
 KOFFI = {"text": "const char *", "returned": "BridgeText ", "memory": "void *", "bool": "bool ",
@@ -53,11 +54,11 @@ def keys(interface: Interface) -> List[str]:
     rows = [f"    {{ scope: {quoted(one.scope)}, name: {quoted(one.name)}, "
             f"type: {quoted(one.type)}, default: {quoted(one.default)}, "
             f"unit: {quoted(one.unit)}, allowed: {listed(one.allowed)} }}," for one in interface.keys]
-    return ["// Properties, with the default as the file has it.", "const KEYS = [", *rows, "];", ""]
+    return ["// The properties, with their defaults in the form of the file.", "const KEYS = [", *rows, "];", ""]
 
 
 def images(interface: Interface) -> List[str]:
-    return ["// An instance's name up to its first \"_\" is one of these.",
+    return ["// The name of an instance begins with one of these, up to the first \"_\".",
             f"const IMAGES = Object.freeze({listed(interface.images)});", ""]
 
 
@@ -70,18 +71,12 @@ def codes(interface: Interface) -> List[str]:
 def script(interface: Interface) -> str:
     lines = [*mark(), "'use strict';", "", f"const VERSION = {quoted(interface.version)};", ""]
     lines += declarations("CALLBACKS", interface.callbacks)
-    lines += ["// BridgeText: a text of the library's, copied and given back to bridgeFreeMemory."]
+    lines += ["// BridgeText: a string that the library returned; copied and freed with bridgeFreeMemory."]
     lines += declarations("FUNCTIONS", interface.functions)
     lines += results(interface) + events(interface) + keys(interface) + images(interface)
     lines += codes(interface)
     lines += ["module.exports = { VERSION, CALLBACKS, FUNCTIONS, RESULT, EVENTS, KEYS, IMAGES, CODES };"]
     return "\n".join(lines) + "\n"
-
-
-def value_comment(interface: Interface, name: str, one: header.Parameter) -> str:
-    """C comments describe booleans as 1 or 0."""
-    comment = interface.values[name][one.name]
-    return re.sub("^1 when", "true when", comment) if one.type == "bool" else comment
 
 
 def event_type(interface: Interface, name: str) -> List[str]:
@@ -119,9 +114,9 @@ def key_types(interface: Interface) -> List[str]:
     for scope in ("global", "instance"):
         rows = [f"    '{one.name}': {KEY_TYPESCRIPT[one.type]};"
                 for one in interface.keys if one.scope == scope]
-        lines += [f"/** The type of each {scope} property, by its name in the file. */",
+        lines += [f"/** The types of the {scope} properties, by their names in the file. */",
                   f"export interface {pascal(scope)}Properties {{", *rows, "}", "",
-                  f"/** The {scope} keys; an instance's are those of keys.instance(name). */",
+                  f"/** The {scope} keys. keys.instance(name) returns the keys of an instance. */",
                   f"export interface {pascal(scope)}Keys {{", *key_members(interface, scope), "}", ""]
     return lines
 

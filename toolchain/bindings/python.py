@@ -45,8 +45,8 @@ def callbacks(interface: Interface) -> List[str]:
 
 
 def functions(interface: Interface) -> List[str]:
-    lines = ["# Result and parameters. A returned text is an address here, which bridgeFreeMemory wants back;",
-             "# a name is that of a callback.",
+    lines = ["# Result and parameters. A returned string is an address, because bridgeFreeMemory needs it. A name",
+             "# is the name of a callback.",
              "FUNCTIONS: Dict[str, Tuple[Any, Dict[str, Any]]] = {"]
     for name, signature in interface.functions.items():
         lines += wrapped(f"{quoted(name)}: ({WORDS[signature.result]}, {parameters(signature)}),")
@@ -80,7 +80,7 @@ def events(interface: Interface) -> List[str]:
               "EVENT_TYPES: Dict[str, Any] = {",
               *[f"    {quoted(snake(one))}: {one}," for one in classes], "}", ""]
     records = [name for name in names if is_record(interface.callbacks[name])]
-    return lines + ["# Events that arrive as a record.", "RECORDS: Dict[str, Any] = {",
+    return lines + ["# Events that are passed as a record.", "RECORDS: Dict[str, Any] = {",
                     *[f"    {quoted(name)}: {event_name(name)}," for name in records], "}", ""]
 
 
@@ -92,9 +92,9 @@ def slot(name: str, signature: header.Signature) -> str:
 
 
 def slots(interface: Interface) -> List[str]:
-    return ["", "class Callbacks(NamedTuple):", '    """The host\'s functions; any may be None.', "",
-            "    They run on the library's event thread, one after another. What one of them raises goes to",
-            '    sys.unraisablehook. The names of the arguments are those of bridge.h.', '    """', "",
+    return ["", "class Callbacks(NamedTuple):", '    """The host\'s functions. Each may be None.', "",
+            "    They run one at a time on the library's event thread. Their exceptions go to sys.unraisablehook.",
+            '    The arguments have the same names as in bridge.h.', '    """', "",
             *[slot(*one) for one in interface.callbacks.items()], ""]
 
 
@@ -109,7 +109,7 @@ def properties(interface: Interface) -> List[str]:
     members = ["scope: str", "name: str", "type: str", "default: str", "unit: str",
                "allowed: Tuple[str, ...]"]
     lines = table("Property", members, "KEYS", rows)
-    return lines[:2] + ['    """A property, with its default as the file has it."""', ""] + lines[2:]
+    return lines[:2] + ['    """A property, with its default in the form of the file."""', ""] + lines[2:]
 
 
 def words(texts: List[str]) -> str:
@@ -148,7 +148,7 @@ def key_values(key: tables.Key) -> str:
 
 
 def keys(interface: Interface) -> List[str]:
-    return ["", "class GlobalKeys:", '    """The keys that the product has once."""', "",
+    return ["", "class GlobalKeys:", '    """The global keys of the product."""', "",
             "    def __init__(self) -> None:", '        p = "vtr."',
             *keys_of(interface, "global"), "", "", "class InstanceKeys:",
             '    """The keys of one instance."""', "",
@@ -163,7 +163,7 @@ def codes(interface: Interface) -> List[str]:
 
 
 def images(interface: Interface) -> List[str]:
-    return ["", "# An instance's name up to its first \"_\" is one of these.",
+    return ["", "# The name of an instance begins with one of these, up to the first \"_\".",
             f"IMAGES = {words(interface.images)}", ""]
 
 

@@ -51,8 +51,8 @@ CALLBACKS: Dict[str, Dict[str, Any]] = {
     "bridgeOnAccountListUpdated": dict(instance=c_char_p, emailId=c_char_p, action=c_int32),
 }
 
-# Result and parameters. A returned text is an address here, which bridgeFreeMemory wants back;
-# a name is that of a callback.
+# Result and parameters. A returned string is an address, because bridgeFreeMemory needs it. A name
+# is the name of a callback.
 FUNCTIONS: Dict[str, Tuple[Any, Dict[str, Any]]] = {
     "bridgeApiInit": (c_int32, dict(clientId=c_char_p)),
     "bridgeApiInitEx": (c_int32, dict(clientId=c_char_p, noConfFile=c_bool, reserved=c_int64,
@@ -229,17 +229,17 @@ EVENT_TYPES: Dict[str, Any] = {
     "account_list_updated": AccountListUpdated,
 }
 
-# Events that arrive as a record.
+# Events that are passed as a record.
 RECORDS: Dict[str, Any] = {
     "bridgeOnAppInstalled": AppInstalled,
 }
 
 
 class Callbacks(NamedTuple):
-    """The host's functions; any may be None.
+    """The host's functions. Each may be None.
 
-    They run on the library's event thread, one after another. What one of them raises goes to
-    sys.unraisablehook. The names of the arguments are those of bridge.h.
+    They run one at a time on the library's event thread. Their exceptions go to sys.unraisablehook.
+    The arguments have the same names as in bridge.h.
     """
 
     app_installed: Optional[Callable[[AppInstalled], Any]] = None
@@ -254,7 +254,7 @@ class Callbacks(NamedTuple):
 
 
 class Property(NamedTuple):
-    """A property, with its default as the file has it."""
+    """A property, with its default in the form of the file."""
 
     scope: str
     name: str
@@ -386,7 +386,7 @@ KEYS = (
 
 
 class GlobalKeys:
-    """The keys that the product has once."""
+    """The global keys of the product."""
 
     def __init__(self) -> None:
         p = "vtr."
@@ -706,5 +706,5 @@ CODES = (
 )
 
 
-# An instance's name up to its first "_" is one of these.
+# The name of an instance begins with one of these, up to the first "_".
 IMAGES = ("Nougat32", "Nougat64")
