@@ -1,10 +1,10 @@
-# What goes into the package, as install rules: `cmake --install build/windows --prefix FOLDER`. The
-# documents, licences and checksums come from toolchain/package.sh, which makes the zip.
+# The contents of the package as install rules: `cmake --install build/windows --prefix FOLDER`.
+# toolchain/package.sh adds the reference, licences and checksums, and makes the zip.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS QX-Bridge RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 install(TARGETS bridgectl RUNTIME DESTINATION bin)
-# Apart from what a host ships: nobody is to find them instead of the product's programs.
+# In a separate folder, so that no host ships them by mistake or finds them instead of the product's programs.
 install(TARGETS standin_player standin_manager RUNTIME DESTINATION tools)
 install(FILES "$<TARGET_FILE_DIR:QX-Bridge>/QX-Bridge.pdb" DESTINATION bin)
 foreach(module Core Network)

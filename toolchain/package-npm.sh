@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# package-npm.sh FOLDER PACKAGE INTO: makes the package for npm in INTO, from the unpacked package PACKAGE, and
-# works in FOLDER/npm. With --version VERSION it only says how npm writes that version.
+# package-npm.sh FOLDER PACKAGE INTO: makes the npm package in INTO from the unpacked zip PACKAGE. Works in
+# FOLDER/npm. With --version VERSION it only prints npm's form of that version.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-# npm has three numbers and takes a fourth after "-" for a version before them. The last two of four become
-# one, so that versions keep their order: 5.2.0.1052 is 5.2.1052, and 5.2.1.7 is 5.2.100007.
+# npm's versions have three numbers; a fourth after "-" would be a pre-release. The last two of four numbers are
+# combined, which keeps the order of versions: 5.2.0.1052 is 5.2.1052, and 5.2.1.7 is 5.2.100007.
 npm_version() {
     local major minor patch build
     IFS=. read -r major minor patch build <<<"$1"
-    [[ $1 =~ ^[0-9]+(\.[0-9]+){3}$ ]] || die "$1 has not four numbers"
+    [[ $1 =~ ^[0-9]+(\.[0-9]+){3}$ ]] || die "$1 does not have four numbers"
     [ "$build" -lt 100000 ] || die "$1: npm's version has room for five digits of the last number"
     echo "$major.$minor.$((patch * 100000 + build))"
 }
@@ -28,7 +28,7 @@ mkdir -p "$content"/{bin,licences} "$into"
 cp "$package"/share/bindings/node/{*.js,*.mjs,*.ts,*.mts,README.md,package.json} "$content"
 cp "$package/CHANGELOG.md" "$content"
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$content/bin"
-# Without those of what is in the programs.
+# Without the licences of what only the programs contain.
 cp "$package"/share/licences/{README.md,*.txt} "$content/licences"
 rm "$content"/licences/{CLI11,nlohmann-json,Unicode}.txt
 sed -i -e '/bridgectl/d' -e 's/inside the programs and every DLL/inside every DLL/' "$content/licences/README.md"
@@ -47,6 +47,6 @@ END
 
 find "$content" -type d -exec chmod 755 {} +
 find "$content" -type f -exec chmod 644 {} +
-# As npm packs, but with the time of the newest commit, so that the same files give the same bytes.
+# The layout of `npm pack`, with the time of the newest commit, so that the same files give the same bytes.
 tar --create --directory "$work" --sort=name --format=ustar --mtime="@$(package_stamp)" --owner=0 --group=0 \
     --numeric-owner package | gzip -9n >"$into/qx-bridge-$version.tgz"

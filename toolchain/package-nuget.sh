@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package-nuget.sh FOLDER PACKAGE INTO: makes the package for .NET in INTO, from the unpacked package PACKAGE,
-# and works in FOLDER/nuget.
+# package-nuget.sh FOLDER PACKAGE INTO: makes the NuGet package in INTO from the unpacked zip PACKAGE. Works in
+# FOLDER/nuget.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -34,7 +34,7 @@ mono "$work/finish.exe" "$work/compiled/QXBridge.dll" "$package/share/bindings/c
 [ -z "${QX_SIGN_CERTIFICATE:-}" ] || bash "$tree/toolchain/sign.sh" "$lib"
 
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$native"
-# Those of what is in the programs stay away.
+# Without the licences of what only the programs contain.
 cp "$package"/share/licences/*.txt "$content/licences"
 rm "$content"/licences/{CLI11,nlohmann-json,Unicode}.txt
 sed -e '/bridgectl/d' -e 's/inside the programs and every DLL/inside the Qt DLLs and `QX-Bridge.dll`/' \

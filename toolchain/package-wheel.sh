@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package-wheel.sh FOLDER PACKAGE INTO: makes the wheel of the Python binding, with the library in it, from
-# the unpacked package PACKAGE. FOLDER is to work in, INTO gets the wheel.
+# package-wheel.sh FOLDER PACKAGE INTO: makes the wheel of the Python binding, with the library in it, in INTO from
+# the unpacked zip PACKAGE. Works in FOLDER/wheel.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -15,7 +15,7 @@ mkdir -p "$root/qxbridge" "$info"
 cp "$package"/share/bindings/python/qxbridge/{*.py,py.typed} "$root/qxbridge"
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$root/qxbridge"
 
-# Of what is in these DLLs: not those of bridgectl alone.
+# Without the licences of what only the programs contain.
 cp -r "$package/share/licences" "$info/licenses"
 rm "$info"/licenses/{CLI11,nlohmann-json,Unicode}.txt
 sed -i '/`bin\/bridgectl/d; s#`bin/#`qxbridge/#g' "$info/licenses/README.md"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package.sh [FOLDER]: makes the package of what is built in build/windows, as a zip in FOLDER
-# (build/windows when none is named), and says where.
+# package.sh [FOLDER]: makes the zip of what is built in build/windows, and the packages for npm, NuGet and pip, in
+# FOLDER (default: build/windows). Prints the path of the zip.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -15,7 +15,7 @@ mkdir -p "$folder"
 cmake --install "$build" --prefix "$folder" >"$into/package/install.log"
 bash "$tree/toolchain/licences.sh" "$folder/share/licences"
 
-# The reference, from the header; a comment that is wrong, or lacks a parameter, ends it.
+# The reference from the headers. A wrong comment, or one without a parameter, is an error.
 (
     cat "$tree/docs/Doxyfile"
     echo "PROJECT_NUMBER = $version"

@@ -1,6 +1,6 @@
 /*
  * A small host in C: example_c [EVENTS]
- * Lists the instances, reads a setting, waits for so many events (none without the number), ends.
+ * Lists the instances, reads a setting, waits for EVENTS events (default 0), and ends.
  */
 #include <bridge/bridge.h>
 #include <stdio.h>
@@ -9,7 +9,7 @@
 
 static HANDLE arrived; /* counts the events */
 
-/* Callbacks run on the library's thread, and their texts live as long as the call. */
+/* Callbacks run on the library's thread. Their texts are valid only during the call. */
 static void BRIDGE_CALL onAppInstalled(const char* instance, const char* package,
                                        const char* activity, const char* appLabel,
                                        bridge_i32 versionCode, const char* versionName,
@@ -27,7 +27,7 @@ static void BRIDGE_CALL onAppDisplayed(const char* instance, const char* package
 int main(int count, char** arguments) {
     int events = count > 1 ? atoi(arguments[1]) : 0;
     char* text;
-    bridge_i32 code = bridgeApiInit("Helper"); /* a text that lives for ever */
+    bridge_i32 code = bridgeApiInit("Helper"); /* the library keeps this pointer */
     if (code != BRIDGE_SUCCESS) {
         fprintf(stderr, "the library does not start: %d\n", code);
         return 1;
@@ -50,7 +50,7 @@ int main(int count, char** arguments) {
     while (events-- > 0 && WaitForSingleObject(arrived, 30000) == WAIT_OBJECT_0) {
     }
 
-    bridgeApiFini(); /* from here on no callback comes */
+    bridgeApiFini(); /* no callback runs after this */
     printf("finished\n");
     return 0;
 }

@@ -1,5 +1,5 @@
 // A small host in C++: example_cpp [EVENTS]
-// Lists the instances, reads a setting, waits for so many events (none without the number), ends.
+// Lists the instances, reads a setting, waits for EVENTS events (default 0), and ends.
 #include <bridge/bridge.hpp>
 #include <chrono>
 #include <cstdlib>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// What would end the process or fail in the initialisation; false when there is something.
+// Prints the problems with which the initialisation would fail or end the process.
 bool canStart(bridge::Client client) {
     const auto problems = bridge::preflight(client);
     for (const bridge::Problem& one : problems) {
@@ -52,6 +52,6 @@ int main(int count, char** arguments) {
         std::cerr << error.what() << '\n';
         return 1;
     }
-    bridge::finish();  // from here on no event comes
+    bridge::finish();  // no event arrives after this
     std::cout << "finished\n";
 }

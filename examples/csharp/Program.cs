@@ -1,6 +1,6 @@
 // A small host in C#: example.exe [EVENTS], beside QX-Bridge.dll
-// Lists the instances, reads a setting, waits for so many events (none without the number), ends.
-// Compile it together with the files of bindings/csharp, for 64 bits:
+// Lists the instances, reads a setting, waits for EVENTS events (default 0), and ends.
+// Compile it together with the files of bindings/csharp, for 64-bit Windows:
 //     csc -platform:x64 -out:example.exe Program.cs ..\..\bindings\csharp\*.cs
 
 using System;
@@ -12,7 +12,7 @@ using QXBridge;
 
 static class Program
 {
-    // What the console's code page lacks would be printed as "?".
+    // Otherwise .NET prints "?" for characters that the console's code page lacks.
     static void PrintUtf8()
     {
         try
@@ -32,7 +32,7 @@ static class Program
         Console.WriteLine("locale " + session.Conf.Get(Keys.Global.Locale));
     }
 
-    // Session.AppInstalled and the other events are the alternative to a stream.
+    // Handlers such as Session.AppInstalled are the alternative to a stream.
     static async Task PrintEvents(Session session, int count)
     {
         using (EventStream stream = session.Events(EventKind.AppInstalled, EventKind.AppDisplayed))

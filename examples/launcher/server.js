@@ -1,10 +1,9 @@
 'use strict';
 // A small launcher: a page on the loopback address that lists instances and their apps, starts and
-// stops them, changes a few settings, and shows events as they come.
+// stops them, changes a few settings, and shows events as they arrive.
 //     node server.js [PATH-OF-QX-Bridge.dll [DATA-FOLDER INSTALL-FOLDER]]
-// With the two folders it needs neither the product nor an administrator: they take the place of the
-// product's.
-// Whoever knows the printed address may use it: it holds a token that other users cannot guess.
+// The two folders replace those of the registry, so that it needs neither the product nor administrator
+// rights. The printed address contains a token that other users cannot guess.
 
 const crypto = require('crypto');
 const fs = require('fs');
@@ -41,7 +40,7 @@ async function state() {
     };
 }
 
-// Only a file that the listing names is ever read.
+// Reads only files that the listing names.
 async function icon({ instance, app }) {
     const found = (await bridge.appsAsync(instance)).find((one) => one.package === app);
     return found === undefined ? null : fs.promises.readFile(found.iconFilePath).catch(() => null);
@@ -66,7 +65,7 @@ function send(response, status, type, body) {
         'content-type': type,
         'cache-control': 'no-store',
         'x-content-type-options': 'nosniff',
-        // The page's own script and styles, and nothing from elsewhere.
+        // Allow only the page's own script and styles.
         'content-security-policy': "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; img-src 'self'; connect-src 'self'",
     });
     response.end(body);
@@ -93,7 +92,7 @@ function showEvents(request, response) {
 async function answer(request, response) {
     const url = new URL(request.url, 'http://127.0.0.1');
     const [, given, name] = url.pathname.split('/');
-    // A page of another site may send requests here, but neither knows the token nor has this host.
+    // Another site's page can send requests here, but it lacks the token, and its Host header differs.
     if (given !== token || request.headers.host !== `127.0.0.1:${server.address().port}`) {
         return send(response, 404, 'text/plain', 'Not found\n');
     }

@@ -1,6 +1,6 @@
 'use strict';
 // A small host for Node: node main.js PATH-OF-QX-Bridge.dll [EVENTS]
-// Lists the instances, reads a setting, waits for so many events (none without the number), ends.
+// Lists the instances, reads a setting, waits for EVENTS events (default 0), and ends.
 
 const { load } = require('qx-bridge');
 
@@ -16,7 +16,7 @@ let timer = null;
 
 async function end() {
     clearTimeout(timer);
-    await bridge.fini(); // from here on no listener is called
+    await bridge.fini(); // no listener is called after this
     console.log('finished');
 }
 
@@ -37,7 +37,7 @@ bridge.once('listening', () => {
     timer = setTimeout(end, left > 0 ? 30000 : 0);
 });
 bridge.listen().catch((error) => {
-    console.error(error.message); // another program has the events
+    console.error(error.message); // another process receives the events
     process.exitCode = 1;
     return bridge.fini();
 });

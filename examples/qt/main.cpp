@@ -1,5 +1,6 @@
 // A small host with Qt: example_qt [EVENTS]
-// Lists the instances, reads a setting, lets its loop run until so many events have come, ends.
+// Lists the instances, reads a setting, runs its event loop until EVENTS events have arrived
+// (default 0), and ends.
 #include <QCoreApplication>
 #include <QTextStream>
 #include <QTimer>
@@ -36,7 +37,8 @@ int main(int count, char** arguments) {
     print("instances " + QString::fromStdString(bridge::instances().valueOr("")));
     print("locale " + QString::fromStdString(bridge::conf::get(bridge::keys::locale)));
 
-    // Events come on the library's thread, and go on to the application's: its objects live there.
+    // Events arrive on the library's thread. Forward them to the application's thread, where its
+    // objects live.
     int expected = count > 1 ? application.arguments().at(1).toInt() : 0;
     const auto toApplication = [&](const QString& line) {
         const auto handle = [&, line] {
