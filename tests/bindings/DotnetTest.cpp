@@ -20,6 +20,10 @@ const Lines kInstances = {"instances [",
                           "]",
                           ""};
 
+constexpr const char* kOneEvent = "event app-displayed N p\n";
+constexpr const char* kTwoEvents = "event-flood 2 app-displayed N p{n}\n";
+constexpr const char* kFlood = "event-flood 20000 app-displayed N p{n}\n";
+
 std::string withDoubledBackslashes(const std::string& text) {
     std::string result;
     for (const char c : text) result.append(c == '\\' ? 2 : 1, c);
@@ -124,7 +128,7 @@ TEST_F(DotnetTest, AllNineEventsArriveWithTheirValues) {
 }
 
 TEST_F(DotnetTest, WhatAHandlerThrowsIsReportedAndTheNextHandlerAndEventCome) {
-    EXPECT_EQ(playedWithEvents({"ThrowingHandler"}, "event-flood 2 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"ThrowingHandler"}, kTwoEvents),
               (Lines{"failed: the host's own", "next handler p1", "next handler p2"}));
 }
 
@@ -134,12 +138,11 @@ TEST_F(DotnetTest, CollectionsAmongEventsTakeNoHandlerAway) {
 }
 
 TEST_F(DotnetTest, NoHandlerRunsAfterTheEndAmongEvents) {
-    EXPECT_EQ(playedWithEvents({"EndAmongEvents"}, "event-flood 20000 app-displayed N p{n}\n"),
-              Lines{"silent since the end"});
+    EXPECT_EQ(playedWithEvents({"EndAmongEvents"}, kFlood), Lines{"silent since the end"});
 }
 
 TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
-    EXPECT_EQ(playedWithEvents({"SecondSession"}, "event app-displayed N p\n"),
+    EXPECT_EQ(playedWithEvents({"SecondSession"}, kOneEvent),
               (Lines{"appDisplayed N|p",
                      "while it runs: InvalidOperationException: there is a session already: a "
                      "process has one",
@@ -157,7 +160,7 @@ TEST_F(DotnetTest, ASecondListenerIsToldWhichProcessHasTheEvents) {
 
 TEST_F(DotnetTest, DisposeInAHandlerIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(
-        playedWithEvents({"DisposeInHandler"}, "event-flood 2 app-displayed N p{n}\n"),
+        playedWithEvents({"DisposeInHandler"}, kTwoEvents),
         (Lines{"handler p1", "failed: Dispose() must not be called inside a handler", "handler p2",
                "failed: Dispose() must not be called inside a handler", "adb False"}));
 }
@@ -166,7 +169,7 @@ TEST_F(DotnetTest, AHandlerEndsTheProcess) {
     for (const char* scenario : {"ExitInHandler", "ExitInHandlerDuringDispose"}) {
         SCOPED_TRACE(scenario);
         ChildProcess host = startHost({scenario});
-        const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
+        const ChildProcess player = startPlayer(host, kOneEvent);
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, 3u);
         EXPECT_EQ(result.out + result.err, "");
@@ -174,12 +177,11 @@ TEST_F(DotnetTest, AHandlerEndsTheProcess) {
 }
 
 TEST_F(DotnetTest, TheEndOfMainDoesNotWaitForAHandler) {
-    EXPECT_EQ(playedWithEvents({"StuckHandler"}, "event app-displayed N p\n"), Lines{});
+    EXPECT_EQ(playedWithEvents({"StuckHandler"}, kOneEvent), Lines{});
 }
 
 TEST_F(DotnetTest, MainEndsAmongEvents) {
-    EXPECT_EQ(playedWithEvents({"MainEndsAmongEvents"}, "event-flood 20000 app-displayed N p{n}\n"),
-              Lines{});
+    EXPECT_EQ(playedWithEvents({"MainEndsAmongEvents"}, kFlood), Lines{});
 }
 
 TEST_F(DotnetTest, ALibraryInTheCurrentFolderIsFoundByItsName) {
@@ -198,7 +200,7 @@ TEST_F(DotnetTest, AWrongKeyThrowsAndTheHostLives) {
     const std::string missing = "KeyException: there is no key \"vtr.no_such_key\"";
     const std::string wide = "KeyException: \"vtr.locale\" is a string, not an i64";
     EXPECT_EQ(
-        playedWithEvents({"WrongKeys"}, "event app-displayed N p\n"),
+        playedWithEvents({"WrongKeys"}, kOneEvent),
         (Lines{"handler: " + missing, missing,
                "KeyException: \"vtr.locale\" is a string, not an i32", wide, wide, "adb False"}));
 }
@@ -212,7 +214,7 @@ TEST_F(DotnetTest, AFatalErrorEndsTheProcess) {
 TEST_F(DotnetTest, AFatalErrorInAHandlerEndsTheProcess) {
     installFolder = "";
     ChildProcess host = startHost({"FatalLaunchInHandler"});
-    const ChildProcess player = startPlayer(host, "event app-displayed N p\n");
+    const ChildProcess player = startPlayer(host, kOneEvent);
     expectFatal(host);
 }
 
@@ -228,7 +230,7 @@ TEST_F(DotnetTest, TheEndWaitsForACommitThatGoesOnInside) {
 }
 
 TEST_F(DotnetTest, EventsAreAwaitedAndTheirContinuationMayEndTheSession) {
-    EXPECT_EQ(playedWithEvents({"AwaitingAndEnding"}, "event-flood 2 app-displayed N p{n}\n"),
+    EXPECT_EQ(playedWithEvents({"AwaitingAndEnding"}, kTwoEvents),
               (Lines{"displayed p1", "displayed p2", "instance Nougat64", "last end"}));
     EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"p2\"\n"), std::string::npos);
 }

@@ -1,13 +1,13 @@
-"""Coroutines for what takes its time."""
+"""Calls that take long, as coroutines."""
 
 import asyncio
 import threading
 
 import support
-from support import Case, run
+from support import AsyncCase, run
 
 
-class BackgroundTest(Case):
+class BackgroundTest(AsyncCase):
     def setUp(self):
         super().setUp()
         self.start()
@@ -30,13 +30,10 @@ class BackgroundTest(Case):
         await asyncio.get_running_loop().run_in_executor(None, self.entered.wait, 30)
         return task
 
-    def test_each_coroutine_does_what_its_function_does(self):
-        async def play():
-            await self.bridge.conf.commit_async()
-            await self.bridge.conf.commit_to_file_async("C:\\ü.conf")
-            return await self.bridge.instances_async(), await self.bridge.apps_async("Nougat64")
-
-        instances, apps = run(play())
+    async def test_each_coroutine_does_what_its_function_does(self):
+        await self.bridge.conf.commit_async()
+        await self.bridge.conf.commit_to_file_async("C:\\ü.conf")
+        instances, apps = await self.bridge.instances_async(), await self.bridge.apps_async("Nougat64")
         self.assertEqual((instances[0]["instance"], apps[0]["versionCode"]), ("Nougat64", -5))
         self.assertEqual(support.fake.taken(), [
             "bridgeConfCommit", "bridgeConfCommitToFile C:\\ü.conf", "bridgeConfGetInstances",
@@ -48,57 +45,44 @@ class BackgroundTest(Case):
         self.fails("bridgeConfCommitToFile", 13,
                    lambda: run(self.bridge.conf.commit_to_file_async("p")))
 
-    def test_the_loop_goes_on_meanwhile(self):
-        async def play():
-            task = await self.hold_commit()
-            for _ in range(10):
-                await asyncio.sleep(0)
-            self.assertFalse(task.done())
-            self.released.set()
-            await task
+    async def test_the_loop_goes_on_meanwhile(self):
+        task = await self.hold_commit()
+        for _ in range(10):
+            await asyncio.sleep(0)
+        self.assertFalse(task.done())
+        self.released.set()
+        await task
 
-        run(play())
-
-    def test_the_library_is_called_on_another_thread(self):
+    async def test_the_library_is_called_on_another_thread(self):
         threads = []
         support.fake.on_call(lambda _: threads.append(threading.current_thread().name))
-        run(self.bridge.conf.commit_async())
+        await self.bridge.conf.commit_async()
         self.assertTrue(threads[0].startswith("qxbridge"), threads)
 
-    def test_the_time_is_up_and_the_call_goes_on(self):
-        async def play():
-            task = await self.hold_commit(timeout=0.05)
-            with self.assertRaises(TimeoutError):
-                await task
-
-        run(play())
+    async def test_the_time_is_up_and_the_call_goes_on(self):
+        task = await self.hold_commit(timeout=0.05)
+        with self.assertRaises(TimeoutError):
+            await task
         self.released.set()
         self.bridge.fini()
         self.assertEqual(support.fake.taken(), ["bridgeConfCommit", "bridgeApiFini"])
 
-    def test_a_task_that_is_cancelled_does_not_wait(self):
-        async def play():
-            task = await self.hold_commit()
-            task.cancel()
-            with self.assertRaises(asyncio.CancelledError):
-                await task
+    async def test_a_task_that_is_cancelled_does_not_wait(self):
+        task = await self.hold_commit()
+        task.cancel()
+        with self.assertRaises(asyncio.CancelledError):
+            await task
 
-        run(play())
-
-    def test_the_end_waits_for_calls_that_run(self):
+    async def test_the_end_waits_for_calls_that_run(self):
         ended = []
-
-        async def play():
-            task = await self.hold_commit()
-            loop = asyncio.get_running_loop()
-            end = loop.run_in_executor(None, lambda: (self.bridge.fini(), ended.append(1)))
-            while self.bridge._background._threads is not None:
-                await asyncio.sleep(0)
-            self.assertEqual((ended, support.fake.taken()), ([], ["bridgeConfCommit"]))
-            self.released.set()
-            await asyncio.gather(task, end)
-
-        run(play())
+        task = await self.hold_commit()
+        loop = asyncio.get_running_loop()
+        end = loop.run_in_executor(None, lambda: (self.bridge.fini(), ended.append(1)))
+        while self.bridge._background._threads is not None:
+            await asyncio.sleep(0)
+        self.assertEqual((ended, support.fake.taken()), ([], ["bridgeConfCommit"]))
+        self.released.set()
+        await asyncio.gather(task, end)
         self.assertEqual((ended, support.fake.taken()), ([1], ["bridgeApiFini"]))
 
     def test_before_the_start_and_after_the_end_they_are_refused(self):

@@ -217,11 +217,7 @@ class CallbacksTest(Case):
 
     def test_an_exception_of_a_callback_stays_in_python(self):
         seen, raised = [], self.unraised()
-
-        def bad(*_):
-            raise RuntimeError("the host's own")
-
-        self.bridge.register(self.collecting(seen)._replace(app_installed=bad))
+        self.bridge.register(self.collecting(seen)._replace(app_installed=support.bad))
         support.fake.library.fakeSend(1)
         self.assertEqual(raised, ["the host's own"])
         self.assertEqual(len(seen), 8)

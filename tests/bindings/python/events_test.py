@@ -6,7 +6,7 @@ import qxbridge
 import support
 from qxbridge import (AccountListUpdated, AppDisplayed, Callbacks, EventOverflow, InstanceListUpdated,
                       InstallImageProgress)
-from support import Case, run
+from support import AsyncCase, run
 
 
 async def next_of(stream):
@@ -17,10 +17,14 @@ async def rest_of(stream):
     return [one async for one in stream]
 
 
-class EventsTest(Case):
+class EventsTest(AsyncCase):
     def setUp(self):
         super().setUp()
         self.listen()
+
+    def displayed(self, *packages):
+        for one in packages:
+            support.fake.event("app_displayed", "N", one)
 
     def test_all_events_arrive_in_their_order(self):
         stream = self.bridge.events()
@@ -49,76 +53,56 @@ class EventsTest(Case):
         with self.assertRaisesRegex(ValueError, "int is not a class of events"):
             self.bridge.events(int)
 
-    def test_a_reader_that_waits_is_woken(self):
-        async def play():
-            stream = self.bridge.events("app_displayed")
-            reader = asyncio.ensure_future(next_of(stream))
+    async def test_a_reader_that_waits_is_woken(self):
+        stream = self.bridge.events("app_displayed")
+        reader = asyncio.ensure_future(next_of(stream))
+        await asyncio.sleep(0)
+        self.assertFalse(reader.done())
+        await asyncio.get_running_loop().run_in_executor(None, self.displayed, "p")
+        self.assertEqual(await reader, AppDisplayed("N", "p"))
+
+    async def test_a_reader_waits_again_and_again(self):
+        stream = self.bridge.events("app_displayed")
+        seen = []
+        for name in ("a", "b", "c"):
+            reader = asyncio.ensure_future(stream.__anext__())
             await asyncio.sleep(0)
-            self.assertFalse(reader.done())
-            await asyncio.get_running_loop().run_in_executor(
-                None, lambda: support.fake.event("app_displayed", "N", "p"))
-            return await reader
+            self.displayed(name)
+            seen.append((await reader).package)
+        self.assertEqual(seen, ["a", "b", "c"])
 
-        self.assertEqual(run(play()), AppDisplayed("N", "p"))
+    async def test_events_that_come_between_two_reads_are_kept(self):
+        stream = self.bridge.events("app_displayed")
+        self.displayed("a", "b")
+        self.assertEqual([(await next_of(stream)).package for _ in range(2)], ["a", "b"])
 
-    def test_a_reader_waits_again_and_again(self):
-        async def play():
-            stream = self.bridge.events("app_displayed")
-            seen = []
-            for name in ("a", "b", "c"):
-                reader = asyncio.ensure_future(stream.__anext__())
-                await asyncio.sleep(0)
-                support.fake.event("app_displayed", "N", name)
-                seen.append((await reader).package)
-            return seen
-
-        self.assertEqual(run(play()), ["a", "b", "c"])
-
-    def test_events_that_come_between_two_reads_are_kept(self):
-        async def play():
-            stream = self.bridge.events("app_displayed")
-            for name in ("a", "b"):
-                support.fake.event("app_displayed", "N", name)
-            return [(await next_of(stream)).package for _ in range(2)]
-
-        self.assertEqual(run(play()), ["a", "b"])
-
-    def test_a_full_stream_is_read_to_its_end_and_then_raises(self):
-        async def play():
-            stream = self.bridge.events(limit=2)
-            for _ in range(5):
-                support.fake.event("app_displayed", "N", "p")
-            seen = [await next_of(stream) for _ in range(2)]
-            with self.assertRaises(EventOverflow) as caught:
-                await next_of(stream)
-            return len(seen), caught.exception.limit, str(caught.exception)
-
-        self.assertEqual(run(play()), (2, 2, "more than 2 events waited to be read"))
-
-    def test_an_overflow_is_not_healed_by_reading(self):
-        async def play():
-            stream = self.bridge.events(limit=1)
-            for _ in range(2):
-                support.fake.event("app_displayed", "N", "p")
+    async def test_a_full_stream_is_read_to_its_end_and_then_raises(self):
+        stream = self.bridge.events(limit=2)
+        self.displayed(*"ppppp")
+        seen = [await next_of(stream) for _ in range(2)]
+        with self.assertRaises(EventOverflow) as caught:
             await next_of(stream)
-            support.fake.event("app_displayed", "N", "later")
-            for _ in range(2):
-                with self.assertRaises(EventOverflow):
-                    await next_of(stream)
+        self.assertEqual((len(seen), caught.exception.limit, str(caught.exception)),
+                         (2, 2, "more than 2 events waited to be read"))
 
-        run(play())
+    async def test_an_overflow_is_not_healed_by_reading(self):
+        stream = self.bridge.events(limit=1)
+        self.displayed("p", "p")
+        await next_of(stream)
+        self.displayed("later")
+        for _ in range(2):
+            with self.assertRaises(EventOverflow):
+                await next_of(stream)
 
     def test_a_stream_at_its_limit_is_not_full(self):
         stream = self.bridge.events(limit=2)
-        for _ in range(2):
-            support.fake.event("app_displayed", "N", "p")
+        self.displayed("p", "p")
         stream.close()
         self.assertEqual(len(run(rest_of(stream))), 2)
 
     def test_an_overflow_of_one_stream_leaves_the_others(self):
         small, large = self.bridge.events(limit=1), self.bridge.events()
-        for _ in range(3):
-            support.fake.event("app_displayed", "N", "p")
+        self.displayed("p", "p", "p")
         large.close()
         self.assertEqual(len(run(rest_of(large))), 3)
         self.assertRaises(EventOverflow, lambda: run(rest_of(small)))
@@ -126,57 +110,45 @@ class EventsTest(Case):
     def test_a_limit_that_holds_nothing(self):
         self.assertRaises(ValueError, lambda: self.bridge.events(limit=0))
 
-    def test_streams_end_with_the_library_after_what_they_hold(self):
-        async def play():
-            stream = self.bridge.events("app_displayed")
-            support.fake.event("app_displayed", "N", "p")
-            self.bridge.fini()
-            return await rest_of(stream)
+    async def test_streams_end_with_the_library_after_what_they_hold(self):
+        stream = self.bridge.events("app_displayed")
+        self.displayed("p")
+        self.bridge.fini()
+        self.assertEqual(await rest_of(stream), [AppDisplayed("N", "p")])
 
-        self.assertEqual(run(play()), [AppDisplayed("N", "p")])
-
-    def test_the_end_wakes_a_reader(self):
-        async def play():
-            stream = self.bridge.events()
-            reader = asyncio.ensure_future(rest_of(stream))
-            await asyncio.sleep(0)
-            await asyncio.get_running_loop().run_in_executor(None, self.bridge.fini)
-            return await reader
-
-        self.assertEqual(run(play()), [])
+    async def test_the_end_wakes_a_reader(self):
+        stream = self.bridge.events()
+        reader = asyncio.ensure_future(rest_of(stream))
+        await asyncio.sleep(0)
+        await asyncio.get_running_loop().run_in_executor(None, self.bridge.fini)
+        self.assertEqual(await reader, [])
 
     def test_a_closed_stream_takes_nothing_more(self):
         stream = self.bridge.events()
         stream.close()
-        support.fake.event("app_displayed", "N", "p")
+        self.displayed("p")
         self.assertEqual(run(rest_of(stream)), [])
 
-    def test_a_reader_that_gives_up_loses_no_event(self):
-        async def play():
-            stream = self.bridge.events("app_displayed")
-            reader = asyncio.ensure_future(next_of(stream))
+    async def test_a_reader_that_gives_up_loses_no_event(self):
+        stream = self.bridge.events("app_displayed")
+        reader = asyncio.ensure_future(next_of(stream))
+        await asyncio.sleep(0)
+        reader.cancel()
+        with self.assertRaises(asyncio.CancelledError):
+            await reader
+        self.displayed("p")
+        self.assertEqual(await next_of(stream), AppDisplayed("N", "p"))
+
+    async def test_two_readers_of_one_stream_are_refused(self):
+        stream = self.bridge.events()
+        first = asyncio.ensure_future(next_of(stream))
+        while stream._reader is None:
             await asyncio.sleep(0)
-            reader.cancel()
-            with self.assertRaises(asyncio.CancelledError):
-                await reader
-            support.fake.event("app_displayed", "N", "p")
-            return await next_of(stream)
-
-        self.assertEqual(run(play()), AppDisplayed("N", "p"))
-
-    def test_two_readers_of_one_stream_are_refused(self):
-        async def play():
-            stream = self.bridge.events()
-            first = asyncio.ensure_future(next_of(stream))
-            while stream._reader is None:
-                await asyncio.sleep(0)
-            with self.assertRaisesRegex(RuntimeError, "another task reads this stream"):
-                await next_of(stream)
-            stream.close()
-            with self.assertRaises(StopAsyncIteration):
-                await first
-
-        run(play())
+        with self.assertRaisesRegex(RuntimeError, "another task reads this stream"):
+            await next_of(stream)
+        stream.close()
+        with self.assertRaises(StopAsyncIteration):
+            await first
 
     def test_a_loop_that_has_ended_does_not_stop_events(self):
         raised, seen = self.unraised(), []
@@ -186,7 +158,7 @@ class EventsTest(Case):
         loop.run_until_complete(asyncio.sleep(0))
         loop.close()
         self.bridge.register(Callbacks(app_displayed=lambda *_: seen.append(1)))
-        support.fake.event("app_displayed", "N", "p")
+        self.displayed("p")
         self.assertEqual((seen, raised), ([1], []))
         reader._log_destroy_pending = False  # asyncio would say that the test left it
 
@@ -194,18 +166,15 @@ class EventsTest(Case):
         seen = []
         stream = self.bridge.events("app_displayed")
         self.bridge.register(Callbacks(app_displayed=lambda *values: seen.append(values)))
-        support.fake.event("app_displayed", "N", "p")
+        self.displayed("p")
         stream.close()
         self.assertEqual((seen, len(run(rest_of(stream)))), ([("N", "p")], 1))
 
     def test_a_function_that_raises_does_not_keep_events_from_a_stream(self):
-        def bad(*_):
-            raise RuntimeError("the host's own")
-
         raised = self.unraised()
         stream = self.bridge.events("app_displayed")
-        self.bridge.register(Callbacks(app_displayed=bad))
-        support.fake.event("app_displayed", "N", "p")
+        self.bridge.register(Callbacks(app_displayed=support.bad))
+        self.displayed("p")
         stream.close()
         self.assertEqual((raised, len(run(rest_of(stream)))), (["the host's own"], 1))
 

@@ -128,6 +128,11 @@ def run(coroutine):
     return asyncio.run(asyncio.wait_for(coroutine, 60))
 
 
+def bad(*_):
+    """A function of a host that raises."""
+    raise RuntimeError("the host's own")
+
+
 class Case(unittest.TestCase):
     """A bridge in a process of its own, as it seems: the one before it has ended."""
 
@@ -212,3 +217,7 @@ class Case(unittest.TestCase):
             return results[0]
 
         return result
+
+
+class AsyncCase(Case, unittest.IsolatedAsyncioTestCase):
+    """A case whose tests may be coroutines."""

@@ -50,10 +50,12 @@ class Kernel32:
 
 
 class Registry:
-    """Functions of advapi32, and a winreg, that write down how they were called; these errors come."""
+    """Functions of advapi32 and a winreg. They record their calls, and return these errors."""
 
     def __init__(self, create=0, override=0):
         self.errors = {"create": create, "override": override}
+        self.values = {}
+        self.missing = None  # a key
         self.calls = []
         self.at_exit = []
 
@@ -83,14 +85,22 @@ class Registry:
     def winreg(self):
         def open_key(*place, access):
             self.calls.append(("open", *place, access))
+            if place[1] == self.missing:
+                raise FileNotFoundError
             key = mock.MagicMock()  # int() of it is 1
             key.__enter__.return_value = key
             key.__exit__.side_effect = lambda *_: self.calls.append(("closed",))
             return key
 
+        def query(_, name):
+            if name not in self.values:
+                raise FileNotFoundError
+            return self.values[name]
+
         return types.SimpleNamespace(
-            HKEY_LOCAL_MACHINE="HKLM", HKEY_CURRENT_USER="HKCU", KEY_SET_VALUE=2, KEY_ALL_ACCESS=0xF003F,
-            REG_SZ=1, REG_OPTION_VOLATILE=1, OpenKey=open_key,
+            HKEY_LOCAL_MACHINE="HKLM", HKEY_CURRENT_USER="HKCU", KEY_QUERY_VALUE=1, KEY_SET_VALUE=2,
+            KEY_WOW64_64KEY=0x100, KEY_ALL_ACCESS=0xF003F, REG_SZ=1, REG_OPTION_VOLATILE=1,
+            OpenKey=open_key, QueryValueEx=query,
             SetValueEx=lambda _, *values: self.calls.append(("set", *values)))
 
 
@@ -211,35 +221,14 @@ class WindowsTest(unittest.TestCase):
         self.assertEqual(kernel32.calls[-1], ("close", 5))
 
     def test_a_text_of_the_registry(self):
-        opened, values = [], {"Text": ("C:\\Data\0", 1), "Number": (5, 4), "Expanded": ("%A%", 2)}
-
-        class Opened:
-            def __enter__(self):
-                return self
-
-            def __exit__(self, *_):
-                opened.append("closed")
-
-        def open_key(*place, access):
-            opened.append((*place, access))
-            if place[1] != "SOFTWARE\\X":
-                raise FileNotFoundError
-            return Opened()
-
-        def query(_, name):
-            if name not in values:
-                raise FileNotFoundError
-            return values[name]
-
-        winreg = types.SimpleNamespace(HKEY_LOCAL_MACHINE="HKLM", KEY_QUERY_VALUE=1, KEY_WOW64_64KEY=0x100,
-                                       REG_SZ=1, OpenKey=open_key, QueryValueEx=query)
-        self.patch(sys, "platform", "win32")
-        with mock.patch.dict(sys.modules, winreg=winreg):
-            self.assertEqual([_windows.registry_text("SOFTWARE\\X", name)
-                              for name in ("Text", "Number", "Expanded", "Missing")],
-                             ["C:\\Data", None, None, None])
-            self.assertIsNone(_windows.registry_text("SOFTWARE\\Y", "Text"))
-        self.assertEqual(opened[:2], [("HKLM", "SOFTWARE\\X", 0x101), "closed"])
+        registry = self.registry()
+        registry.values = {"Text": ("C:\\Data\0", 1), "Number": (5, 4), "Expanded": ("%A%", 2)}
+        self.assertEqual([_windows.registry_text("SOFTWARE\\X", name)
+                          for name in ("Text", "Number", "Expanded", "Missing")],
+                         ["C:\\Data", None, None, None])
+        self.assertEqual(registry.calls[:2], [("open", "HKLM", "SOFTWARE\\X", 0x101), ("closed",)])
+        registry.missing = "SOFTWARE\\Y"
+        self.assertIsNone(_windows.registry_text("SOFTWARE\\Y", "Text"))
 
     def test_a_local_machine_of_the_processs_own(self):
         registry = self.registry()

@@ -6,10 +6,10 @@ import threading
 import support
 from qxbridge import (ApkInstallCompleted, AppDisplayed, AppUninstalled, BridgeError, Callbacks,
                       CreateInstanceCompleted, InstallImageProgress, ListenError)
-from support import Case, run
+from support import AsyncCase, Case, run
 
 
-class WorkTest(Case):
+class WorkTest(AsyncCase):
     def setUp(self):
         super().setUp()
         self.listen()
@@ -64,12 +64,9 @@ class WorkTest(Case):
         self.assertEqual(work.wait().status, 2)
 
     def test_a_function_for_progress_that_raises(self):
-        def bad(_):
-            raise RuntimeError("the host's own")
-
         raised, seen = self.unraised(), []
         self.bridge.register(Callbacks(install_image_progress=lambda *values: seen.append(values)))
-        first = self.bridge.install_image("Nougat64", bad)
+        first = self.bridge.install_image("Nougat64", support.bad)
         other = self.bridge.install_image("Nougat64")
         support.fake.event("install_image_progress", "Nougat64", number=1)
         for _ in range(2):
@@ -141,28 +138,22 @@ class WorkTest(Case):
         support.fake.event("app_displayed", "N", "p")
         self.assertEqual(work.wait(), run(work.finished()))
 
-    def test_waiting_in_a_coroutine(self):
-        async def play():
-            work = self.bridge.launch_app("N", "p")
-            waiting = [asyncio.ensure_future(work.finished()) for _ in range(2)]
-            await asyncio.sleep(0)
-            support.fake.event("app_displayed", "N", "p")
-            return await asyncio.gather(*waiting)
+    async def test_waiting_in_a_coroutine(self):
+        work = self.bridge.launch_app("N", "p")
+        waiting = [asyncio.ensure_future(work.finished()) for _ in range(2)]
+        await asyncio.sleep(0)
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(await asyncio.gather(*waiting), [AppDisplayed("N", "p")] * 2)
 
-        self.assertEqual(run(play()), [AppDisplayed("N", "p")] * 2)
-
-    def test_a_coroutine_that_is_cancelled_leaves_the_work(self):
-        async def play():
-            work = self.bridge.launch_app("N", "p")
-            waiting = asyncio.ensure_future(work.finished())
-            await asyncio.sleep(0)
-            waiting.cancel()
-            with self.assertRaises(asyncio.CancelledError):
-                await waiting
-            support.fake.event("app_displayed", "N", "p")
-            return await work.finished()
-
-        self.assertEqual(run(play()), AppDisplayed("N", "p"))
+    async def test_a_coroutine_that_is_cancelled_leaves_the_work(self):
+        work = self.bridge.launch_app("N", "p")
+        waiting = asyncio.ensure_future(work.finished())
+        await asyncio.sleep(0)
+        waiting.cancel()
+        with self.assertRaises(asyncio.CancelledError):
+            await waiting
+        support.fake.event("app_displayed", "N", "p")
+        self.assertEqual(await work.finished(), AppDisplayed("N", "p"))
 
     def test_a_start_that_fails_is_not_watched(self):
         support.fake.answer(2)
