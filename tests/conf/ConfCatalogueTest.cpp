@@ -4,23 +4,8 @@
 
 namespace {
 
-std::string typeName(ConfType type) {
-    switch (type) {
-        case ConfType::I32:
-            return "i32";
-        case ConfType::I64:
-            return "i64";
-        case ConfType::MultiString:
-            return "multi-string";
-        case ConfType::Bool:
-            return "bool";
-        case ConfType::String:
-            return "string";
-        case ConfType::None:
-            break;
-    }
-    return "none";
-}
+// In the order of their numbers.
+constexpr const char* kTypeNames[] = {"none", "i32", "i64", "multi-string", "bool", "string"};
 
 void expectRows(ConfCatalogueRows rows, const std::string& scope) {
     std::vector<ListedProperty> listed;
@@ -32,7 +17,7 @@ void expectRows(ConfCatalogueRows rows, const std::string& scope) {
     for (const ConfCatalogueRow& row : rows) {
         const ListedProperty& expected = listed[i++];
         EXPECT_EQ(row.name, expected.name);
-        EXPECT_EQ(typeName(row.type), expected.type) << row.name;
+        EXPECT_EQ(kTypeNames[static_cast<std::size_t>(row.type)], expected.type) << row.name;
         EXPECT_EQ(row.defaultValue, expected.defaultValue) << row.name;
         EXPECT_EQ(row.excludeFromAllConfigs, expected.excluded) << row.name;
     }

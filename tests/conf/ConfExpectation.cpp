@@ -16,11 +16,10 @@ std::vector<ListedProperty> listedProperties() {
         std::istringstream fields(line);
         ListedProperty row;
         std::string excluded;
-        std::getline(fields, row.scope, '\t');
-        std::getline(fields, row.name, '\t');
-        std::getline(fields, row.type, '\t');
-        std::getline(fields, row.defaultValue, '\t');
-        std::getline(fields, excluded, '\t');
+        for (std::string* field :
+             {&row.scope, &row.name, &row.type, &row.defaultValue, &excluded}) {
+            std::getline(fields, *field, '\t');
+        }
         row.excluded = excluded == "yes";
         rows.push_back(row);
     }

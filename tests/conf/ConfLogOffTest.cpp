@@ -1,4 +1,4 @@
-// What is refused, with every level off: the same results, and not a line.
+// Refused calls with every level off: the same results without a line.
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "support/SilentCalls.h"

@@ -1,11 +1,11 @@
-// The store among threads: every function at once, each thread sure of its own keys.
+// Every function at once from several threads, each with its own keys.
 #include "ConfFixture.h"
 
 namespace {
 
 constexpr int kRounds = 60;
 
-class ConfThreadsTest : public ConfTest {};
+using ConfThreadsTest = ConfTest;
 
 std::string counterOf(const std::string& instance) { return "vtr.instance." + instance + ".dpi"; }
 

@@ -5,20 +5,15 @@
 #include "utl/UtlImages.h"
 
 TEST(UtlImages, BothImagesHaveTheirTraits) {
-    const UtlImageTrait& small = utlGetImageTrait("Nougat32");
-    EXPECT_STREQ(small.name, "Nougat32");
-    EXPECT_FALSE(small.is64Bit);
-    EXPECT_STREQ(small.family, "Nougat");
-    EXPECT_STREQ(small.displayName, "Nougat 32-bit");
-    EXPECT_STREQ(small.shortName, "N32");
-    EXPECT_EQ(small.count, 1);
-    const UtlImageTrait& large = utlGetImageTrait("Nougat64");
-    EXPECT_STREQ(large.name, "Nougat64");
-    EXPECT_TRUE(large.is64Bit);
-    EXPECT_STREQ(large.family, "Nougat");
-    EXPECT_STREQ(large.displayName, "Nougat 64-bit");
-    EXPECT_STREQ(large.shortName, "N64");
-    EXPECT_EQ(large.count, 1);
+    for (const std::string bits : {"32", "64"}) {
+        const UtlImageTrait& trait = utlGetImageTrait("Nougat" + bits);
+        EXPECT_EQ(trait.name, "Nougat" + bits);
+        EXPECT_EQ(trait.is64Bit, bits == "64");
+        EXPECT_STREQ(trait.family, "Nougat");
+        EXPECT_EQ(trait.displayName, "Nougat " + bits + "-bit");
+        EXPECT_EQ(trait.shortName, "N" + bits);
+        EXPECT_EQ(trait.count, 1);
+    }
 }
 
 SUBPROCESS(looksUpImage) {
@@ -55,15 +50,14 @@ TEST(UtlImages, AbiListsOfEveryMask) {
     }
 }
 
-TEST(UtlImages, AMaskOutsideItsRangeIsLoggedAndGivesNothing) {
+TEST(UtlImages, AMaskOutsideItsRangeIsLoggedAndListsNothing) {
     const LogCapture log;
     EXPECT_EQ(utlGetAbiListFromAbiInt(0, "Nougat64"), "");
     EXPECT_EQ(utlGetAbiListFromAbiInt(16, "Nougat32"), "");
     EXPECT_EQ(utlGetAbiListFromAbiInt(-1, "Pie"), "");
-    EXPECT_EQ(log.texts(),
-              (std::vector<std::string>{"E UTL Invalid ABI value 0 for imageName Nougat64",
-                                        "E UTL Invalid ABI value 16 for imageName Nougat32",
-                                        "E UTL Invalid ABI value -1 for imageName Pie"}));
+    EXPECT_EQ(log.texts(), (Lines{"E UTL Invalid ABI value 0 for imageName Nougat64",
+                                  "E UTL Invalid ABI value 16 for imageName Nougat32",
+                                  "E UTL Invalid ABI value -1 for imageName Pie"}));
 }
 
 SUBPROCESS(listsAbisOfUnknownImage) {
@@ -71,7 +65,7 @@ SUBPROCESS(listsAbisOfUnknownImage) {
     return 0;
 }
 
-TEST(UtlImages, AnUnknownImageIsFatalOnceA64BitAbiIsAsked) {
+TEST(UtlImages, AnUnknownImageIsFatalForA64BitAbi) {
     EXPECT_EQ(runSubprocess("listsAbisOfUnknownImage").status, kFatalStatus);
     EXPECT_EQ(utlGetAbiListFromAbiInt(5, "Pie64"), "x86,arm");
 }

@@ -1,4 +1,4 @@
-// What is refused, with every level off: the same results, and not a line.
+// Refused calls with every level off: the same results without a line.
 #include "support/RegistrySandbox.h"
 #include "support/SilentCalls.h"
 #include "support/TempFolder.h"

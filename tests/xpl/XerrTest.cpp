@@ -9,13 +9,9 @@ TEST(Xerr, NamesTheSpecialCodes) {
 }
 
 TEST(Xerr, CodesWithoutANameShowTheirNumber) {
-    EXPECT_EQ(xerrName(41), "NOTDEFINED: 41");
-    EXPECT_EQ(xerrName(58), "NOTDEFINED: 58");
-    EXPECT_EQ(xerrName(134), "NOTDEFINED: 134");
-    EXPECT_EQ(xerrName(1001), "NOTDEFINED: 1001");
-    EXPECT_EQ(xerrName(1002), "NOTDEFINED: 1002");
-    EXPECT_EQ(xerrName(100005), "NOTDEFINED: 100005");
-    EXPECT_EQ(xerrName(-2), "NOTDEFINED: -2");
+    for (const XErr code : {41, 58, 134, 1001, 1002, 100005, -2}) {
+        EXPECT_EQ(xerrName(code), "NOTDEFINED: " + std::to_string(code));
+    }
 }
 
 TEST(Xerr, EveryCodeFrom0To133ButTwoHasItsOwnName) {
@@ -36,7 +32,7 @@ TEST(Xerr, TheListOfCodesIsAscendingAndHasEachNameOnce) {
     for (std::size_t i = 1; i < codes.size(); ++i) EXPECT_LT(codes[i - 1], codes[i]);
 }
 
-TEST(Xerr, AStatusHasTheWindowsErrorsThatArriveAsIt) {
+TEST(Xerr, AStatusListsTheWindowsErrorsThatBecomeIt) {
     using Errors = std::vector<std::int32_t>;
     EXPECT_EQ(xerrWindowsErrors(XERR_ACCES), (Errors{5, 19}));
     EXPECT_EQ(xerrWindowsErrors(XERR_ADDRINUSE), Errors{183});
@@ -61,12 +57,9 @@ TEST(Xerr, OnlySharingAndLockViolationsMeanThatAFileIsHeld) {
 }
 
 TEST(Xerr, WindowsErrorsWithoutAnEquivalentAreShifted) {
-    EXPECT_EQ(xerrFromWindows(7), 100007);
-    EXPECT_EQ(xerrFromWindows(32), 100032);
-    EXPECT_EQ(xerrFromWindows(740), 100740);
-    EXPECT_EQ(xerrFromWindows(16000), 116000);
-    EXPECT_EQ(xerrFromWindows(16001), 116001);
-    EXPECT_EQ(xerrFromWindows(0), 100000);
+    for (const std::int32_t error : {0, 7, 32, 740, 16000, 16001}) {
+        EXPECT_EQ(xerrFromWindows(error), 100000 + error);
+    }
 }
 
 TEST(Xerr, ErrorsOutsideTheUsualRangeAreShiftedWithoutOverflow) {

@@ -1,4 +1,4 @@
-// What the system says of the descriptors, where files are that.
+// The descriptors of files on POSIX systems.
 #include <fcntl.h>
 
 #include "support/TempFolder.h"

@@ -1,4 +1,4 @@
-// What Windows says of the handles.
+// The handles of files on Windows.
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
@@ -48,18 +48,19 @@ TEST(XfileHandles, PathsThatAreNotUtf8AreRefusedByEveryFunction) {
     const std::string good = folder.write("good", "content");
     Xfile file;
     std::int64_t size = 0;
-    EXPECT_EQ(xfileOpen(file, bad, XfileMode::WriteNew), kNoUnicode);
+    const std::vector<XErr> errors{xfileOpen(file, bad, XfileMode::WriteNew),
+                                   xfileExists(bad),
+                                   xfileSizeOfPath(bad, size),
+                                   xfileDelete(bad),
+                                   xfileRemoveFolder(bad),
+                                   xfileCreateFolder(bad),
+                                   xfileMakeFolders(bad),
+                                   xfileFlush(bad),
+                                   xfileMove(bad, good),
+                                   xfileMove(good, bad),
+                                   xfileMoveWithRetry(good, bad)};
+    EXPECT_EQ(errors, std::vector<XErr>(errors.size(), kNoUnicode));
     EXPECT_FALSE(file.isOpen());
-    EXPECT_EQ(xfileExists(bad), kNoUnicode);
-    EXPECT_EQ(xfileSizeOfPath(bad, size), kNoUnicode);
-    EXPECT_EQ(xfileDelete(bad), kNoUnicode);
-    EXPECT_EQ(xfileRemoveFolder(bad), kNoUnicode);
-    EXPECT_EQ(xfileCreateFolder(bad), kNoUnicode);
-    EXPECT_EQ(xfileMakeFolders(bad), kNoUnicode);
-    EXPECT_EQ(xfileFlush(bad), kNoUnicode);
-    EXPECT_EQ(xfileMove(bad, good), kNoUnicode);
-    EXPECT_EQ(xfileMove(good, bad), kNoUnicode);
-    EXPECT_EQ(xfileMoveWithRetry(good, bad), kNoUnicode);
     EXPECT_EQ(folder.list(), std::vector<std::string>{"good"});
     EXPECT_EQ(folder.read("good"), "content");
 }

@@ -1,5 +1,5 @@
-// What is refused, with every level off: the same results, and not a line. The
-// compiler refuses much of what is tried here, which is what it is for.
+// Refused calls with every level off: the same results without a line. Tries what the compiler's
+// thread-safety analysis refuses.
 #if defined(__clang__)
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif

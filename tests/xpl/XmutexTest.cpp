@@ -1,4 +1,4 @@
-// The compiler refuses much of what is tried here, which is what it is for.
+// Tries what the compiler's thread-safety analysis refuses.
 #if defined(__clang__)
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif
@@ -15,13 +15,63 @@
 
 namespace {
 
+constexpr XlogModule kModule{XlogTag::CONF, "Tests"};
+
 std::string uniqueName(const char* text) {
     return "Global\\vtr_test_" + std::string(text) + std::to_string(ownProcessId());
 }
 
+// Takes the mutex in another thread if it is free, and releases it.
+bool isFreeForOthers(XmutexNamed& mutex) {
+    bool acquired = false;
+    std::thread([&] {
+        acquired = mutex.try_lock();
+        if (acquired) mutex.unlock();
+    }).join();
+    return acquired;
+}
+
+// Logs to standard output, with functions.
+bool showLog() {
+    const bool hasLog = xlogLibInit(nullptr, "") == 0;
+    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
+    return hasLog;
+}
+
+// The lines of a fatal break in a function of the mutex.
+Lines brokenIn(const std::string& function, const std::string& error) {
+    return {"E XMUTEX  " + function + " " + function + ": " + error,
+            logged::fatalBreak("XMUTEX", "Source/xpl/XmutexWinnt", "XmutexNamed::" + function)};
+}
+
+// With the milliseconds as "N".
+Lines withoutTimes(Lines lines) {
+    static const std::regex time(" [0-9]+ ms$");
+    for (std::string& line : lines) line = std::regex_replace(line, time, " N ms");
+    return lines;
+}
+
+int millisecondsOf(const std::string& line) {
+    const std::size_t end = line.rfind(" ms");
+    return std::stoi(line.substr(line.rfind(' ', end - 1) + 1));
+}
+
+// A mutex of its own name, and the log.
+class XmutexTest : public ::testing::Test {
+ protected:
+    void SetUp() override { ASSERT_EQ(mutex.init(name), 0); }
+
+    const std::string name =
+        uniqueName(::testing::UnitTest::GetInstance()->current_test_info()->name());
+    XmutexNamed mutex;
+    LogCapture log;
+};
+
+using XnamedGuardTest = XmutexTest;
+
 }  // namespace
 
-// Holds the mutex until it is killed or told to end.
+// Holds the mutex until it is killed.
 SUBPROCESS(holdsMutex) {
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
@@ -39,47 +89,31 @@ SUBPROCESS(exitsWithoutUnlocking) {
     std::_Exit(0);
 }
 
-TEST(XmutexNamed, LocksAndUnlocks) {
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(uniqueName("a")), 0);
+TEST_F(XmutexTest, LocksAndUnlocks) {
     mutex.lock();
     EXPECT_TRUE(mutex.try_lock()) << "recursive for its thread";
     mutex.unlock();
     mutex.unlock();
 }
 
-TEST(XmutexNamed, TheSecondCreationOpensTheSameMutex) {
-    const std::string name = uniqueName("b");
-    XmutexNamed first;
+TEST_F(XmutexTest, TheSecondCreationOpensTheSameMutex) {
     XmutexNamed second;
-    ASSERT_EQ(first.init(name), 0);
     ASSERT_EQ(second.init(name), 0);
-    first.lock();
-    bool acquired = true;
-    std::thread([&]() {
-        acquired = second.try_lock();
-        if (acquired) second.unlock();
-    }).join();
-    EXPECT_FALSE(acquired);
-    first.unlock();
+    mutex.lock();
+    EXPECT_FALSE(isFreeForOthers(second));
+    mutex.unlock();
 }
 
-TEST(XmutexNamed, AMutexHeldByAnotherProcessIsNotAcquired) {
-    const std::string name = uniqueName("c");
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(name), 0);
+TEST_F(XmutexTest, AMutexHeldByAnotherProcessIsNotAcquired) {
     ChildProcess holder = startSubprocess("holdsMutex", {name});
     ASSERT_EQ(holder.readLine(), "held");
     EXPECT_FALSE(mutex.try_lock());
     holder.kill();
-    EXPECT_TRUE(mutex.try_lock()) << "a dead holder is taken over from";
+    EXPECT_TRUE(mutex.try_lock()) << "a dead holder's mutex is taken over";
     mutex.unlock();
 }
 
-TEST(XmutexNamed, AHolderThatExitsWithoutUnlockIsTakenOverFrom) {
-    const std::string name = uniqueName("d");
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(name), 0);
+TEST_F(XmutexTest, TheMutexOfAHolderThatExitsWithoutUnlockIsTakenOver) {
     ASSERT_EQ(runSubprocess("exitsWithoutUnlocking", {name}).status, 0u);
     mutex.lock();
     mutex.unlock();
@@ -87,11 +121,9 @@ TEST(XmutexNamed, AHolderThatExitsWithoutUnlockIsTakenOverFrom) {
     mutex.unlock();
 }
 
-TEST(XmutexNamed, InitOnAnInitialisedObjectClosesTheOldHandle) {
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(uniqueName("e")), 0);
+TEST_F(XmutexTest, InitOnAnInitialisedObjectClosesTheOldHandle) {
     const long before = openHandles();
-    for (int i = 0; i < 50; ++i) ASSERT_EQ(mutex.init(uniqueName("e")), 0);
+    for (int i = 0; i < 50; ++i) ASSERT_EQ(mutex.init(name), 0);
     EXPECT_EQ(openHandles(), before);
 }
 
@@ -112,8 +144,7 @@ TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
 }
 
 SUBPROCESS(locksUninitialised) {
-    if (xlogLibInit(nullptr, "") != 0) return 1;
-    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
+    if (!showLog()) return 1;
     XmutexNamed mutex;
     mutex.lock();
     mutex.unlock();
@@ -122,13 +153,11 @@ SUBPROCESS(locksUninitialised) {
 
 TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
     EXPECT_EQ(linesUntilBreak("locksUninitialised"),
-              (Lines{"E XMUTEX  lock lock: Error in taking lock, GetLastError: 6",
-                     logged::fatalBreak("XMUTEX", "Source/xpl/XmutexWinnt", "XmutexNamed::lock")}));
+              brokenIn("lock", "Error in taking lock, GetLastError: 6"));
 }
 
 SUBPROCESS(unlocksUnowned) {
-    if (xlogLibInit(nullptr, "") != 0) return 1;
-    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
+    if (!showLog()) return 1;
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.unlock();
@@ -136,72 +165,38 @@ SUBPROCESS(unlocksUnowned) {
 }
 
 TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
-    EXPECT_EQ(
-        linesUntilBreak("unlocksUnowned", {uniqueName("g")}),
-        (Lines{"E XMUTEX  unlock unlock: Error in unlocking, GetLastError: 288",
-               logged::fatalBreak("XMUTEX", "Source/xpl/XmutexWinnt", "XmutexNamed::unlock")}));
+    EXPECT_EQ(linesUntilBreak("unlocksUnowned", {uniqueName("unowned")}),
+              brokenIn("unlock", "Error in unlocking, GetLastError: 288"));
 }
 
-namespace {
-
-constexpr XlogModule kModule{XlogTag::CONF, "Tests"};
-
-// With the milliseconds as "N".
-Lines withoutTimes(Lines lines) {
-    static const std::regex time(" [0-9]+ ms$");
-    for (std::string& line : lines) line = std::regex_replace(line, time, " N ms");
-    return lines;
-}
-
-int millisecondsOf(const std::string& line) {
-    const std::size_t end = line.rfind(" ms");
-    return std::stoi(line.substr(line.rfind(' ', end - 1) + 1));
-}
-
-}  // namespace
-
-TEST(XnamedGuard, HoldsTheMutexAndSaysNothing) {
-    LogCapture log;
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(uniqueName("guard")), 0);
+TEST_F(XnamedGuardTest, HoldsTheMutexAndLogsNothing) {
     {
         const XnamedGuard guard(mutex, kModule, "work");
-        std::thread([&] {
-            XmutexNamed other;
-            ASSERT_EQ(other.init(mutex.name()), 0);
-            EXPECT_FALSE(other.try_lock());
-        }).join();
+        XmutexNamed other;
+        ASSERT_EQ(other.init(name), 0);
+        EXPECT_FALSE(isFreeForOthers(other));
         const XnamedGuard again(mutex, kModule, "work");
     }
-    std::thread([&] {
-        EXPECT_TRUE(mutex.try_lock());
-        mutex.unlock();
-    }).join();
+    EXPECT_TRUE(isFreeForOthers(mutex));
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
-TEST(XnamedGuard, AWaitOfMoreThanASecondIsToldWhenItIsLongAndWhenItEnds) {
-    LogCapture log;
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(uniqueName("wait")), 0);
+TEST_F(XnamedGuardTest, AWaitOfMoreThanASecondIsLoggedThenAndWhenItEnds) {
     mutex.lock();
     std::thread waiting([&] { const XnamedGuard guard(mutex, kModule, "work"); });
     while (log.texts().empty()) sleepMs(10);
-    EXPECT_EQ(withoutTimes(log.texts()), Lines{logged::lockAwaited("work", mutex.name())});
+    EXPECT_EQ(withoutTimes(log.texts()), Lines{logged::lockAwaited("work", name)});
     sleepMs(200);
     mutex.unlock();
     waiting.join();
     const Lines lines = log.texts(XLOG_VERBOSE);
-    EXPECT_EQ(withoutTimes(lines), (Lines{logged::lockAwaited("work", mutex.name()),
-                                          logged::lockObtained("work", mutex.name())}));
+    EXPECT_EQ(withoutTimes(lines),
+              (Lines{logged::lockAwaited("work", name), logged::lockObtained("work", name)}));
     EXPECT_GE(millisecondsOf(lines[0]), 1000);
     EXPECT_GE(millisecondsOf(lines[1]), millisecondsOf(lines[0]) + 200);
 }
 
-TEST(XnamedGuard, AShortWaitIsNotTold) {
-    LogCapture log;
-    XmutexNamed mutex;
-    ASSERT_EQ(mutex.init(uniqueName("short")), 0);
+TEST_F(XnamedGuardTest, AShortWaitIsNotLogged) {
     mutex.lock();
     std::thread waiting([&] { const XnamedGuard guard(mutex, kModule, "work"); });
     sleepMs(100);
