@@ -90,31 +90,27 @@ TEST_F(BridgeAppsTest, MembersAreSortedAndTheIconIsAFullPath) {
                "versionName": "1.0", "iconFileName": "ignored"},
               {"package": "com.a", "activity": "", "appLabel": "é 日本", "versionCode": 99999999999,
                "versionName": "\u0001", "other": []}])");
-    std::string folder;  // as it stands in JSON
+    std::string folder;  // escaped, as in JSON
     for (const char c : dir("Nougat32")) folder += c == '\\' ? "\\\\" : std::string(1, c);
-    EXPECT_EQ(listing("Nougat32"),
-              "[\n"
-              "    {\n"
-              "        \"activity\": \"\",\n"
-              "        \"appLabel\": \"é 日本\",\n"
-              "        \"iconFilePath\": \"" +
-                  folder +
-                  "com.a.png\",\n"
-                  "        \"package\": \"com.a\",\n"
-                  "        \"versionCode\": 2147483647,\n"
-                  "        \"versionName\": \"\\u0001\"\n"
-                  "    },\n"
-                  "    {\n"
-                  "        \"activity\": \"b.Main\",\n"
-                  "        \"appLabel\": \"B \\\"q\\\" \\\\\",\n"
-                  "        \"iconFilePath\": \"" +
-                  folder +
-                  "com.b.png\",\n"
-                  "        \"package\": \"com.b\",\n"
-                  "        \"versionCode\": 1000,\n"
-                  "        \"versionName\": \"1.0\"\n"
-                  "    }\n"
-                  "]\n");
+    EXPECT_EQ(listing("Nougat32"), R"([
+    {
+        "activity": "",
+        "appLabel": "é 日本",
+        "iconFilePath": ")" + folder + R"(com.a.png",
+        "package": "com.a",
+        "versionCode": 2147483647,
+        "versionName": "\u0001"
+    },
+    {
+        "activity": "b.Main",
+        "appLabel": "B \"q\" \\",
+        "iconFilePath": ")" + folder + R"(com.b.png",
+        "package": "com.b",
+        "versionCode": 1000,
+        "versionName": "1.0"
+    }
+]
+)");
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
 }
 
@@ -136,7 +132,7 @@ TEST_F(BridgeAppsTest, ANameThatIsNotAsciiIsUsedAsItIs) {
               std::string::npos);
 }
 
-TEST_F(BridgeAppsTest, EachCallOpensItsInstanceAnew) {
+TEST_F(BridgeAppsTest, EachCallOpensItsInstanceAgain) {
     write("A", oneApp("com.a"));
     write("B", oneApp("com.b"));
     EXPECT_NE(listing("A").find("com.a"), std::string::npos);

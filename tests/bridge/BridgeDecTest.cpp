@@ -24,7 +24,7 @@ class BridgeDecTest : public ::testing::Test {
         log.clear();
     }
 
-    // Decodes bytes behind which there is nothing.
+    // Decodes a packet that ends where accessible memory ends.
     static bool decode(const std::string& packet) {
         const GuardedBytes bytes(packet);
         return bridgeDecode(nullptr, bytes.data(), static_cast<std::int32_t>(packet.size()),
@@ -44,7 +44,7 @@ class BridgeDecTest : public ::testing::Test {
     LogCapture log;
 };
 
-// What "%p" makes of a place in a packet.
+// The address of an offset in a packet, as "%p" prints it.
 std::string address(const std::string& packet, std::size_t offset) {
     char text[32];
     std::snprintf(text, sizeof text, "%p", static_cast<const void*>(packet.data() + offset));
@@ -52,23 +52,24 @@ std::string address(const std::string& packet, std::size_t offset) {
 }
 
 // "onAppDisplayed" is the slot of "bridgeOnAppDisplayed".
-std::string callbackOf(const KnownEvent& event) {
+std::string functionOf(const KnownEvent& event) {
     std::string name = event.slot;
-    name[0] = static_cast<char>(name[0] - 'a' + 'A');
+    name[0] = static_cast<char>(std::toupper(name[0]));
     return "bridge" + name;
 }
 
-// The example's fields as the line of the call shows them.
-std::string rawFields(const KnownEvent& event, const std::string& packet) {
+// The values as the line of the call shows them: texts with their address and size.
+std::string rawFields(const KnownEvent& event, const Words& values, const std::string& packet) {
     std::string all;
     std::size_t at = 12;
-    for (const KnownField& field : event.fields) {
-        const std::size_t size = field.example.size() + 1;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const char type = event.fields[i].type;
+        const std::size_t size = values[i].size() + 1;
         if (!all.empty()) all += ", ";
-        all += field.type == 't'   ? address(packet, at + 4) + "(" + std::to_string(size) + ")"
-               : field.type == 'd' ? std::to_string(std::stod(field.example))
-                                   : field.example;
-        at += field.type == 't' ? 4 + size : field.type == 'd' ? 8 : 4;
+        all += type == 't'   ? address(packet, at + 4) + "(" + std::to_string(size) + ")"
+               : type == 'd' ? std::to_string(std::stod(values[i]))
+                             : values[i];
+        at += type == 't' ? 4 + size : type == 'd' ? 8 : 4;
     }
     return all;
 }
@@ -78,89 +79,86 @@ bool decodeInPlace(const std::string& packet) {
                         static_cast<std::int32_t>(packet.size()), nullptr, 0);
 }
 
-}  // namespace
-
-namespace {
-
-// An event that makes one call of the host's and three lines. In the first of them "@16(2)" is the
-// address of the packet's byte 16, where a text of two bytes begins.
+// An event with its values, the host's call, and the words of its line.
 struct DecodedEvent {
     const char* name;
-    std::string packet;
+    const char* event;
+    Words values;
     const char* call;
-    const char* function;
-    const char* fields;
     const char* words;
 };
 
 void PrintTo(const DecodedEvent& event, std::ostream* out) { *out << event.name; }
 
 class BridgeDecEventTest : public BridgeDecTest,
-                           public ::testing::WithParamInterface<DecodedEvent> {
- protected:
-    static std::string withAddresses(const std::string& fields, const std::string& packet) {
-        std::string text;
-        for (std::size_t at = 0; at < fields.size();) {
-            if (fields[at] != '@') {
-                text += fields[at++];
-                continue;
-            }
-            std::size_t digits = 0;
-            text += address(packet, std::stoul(fields.substr(at + 1), &digits));
-            at += 1 + digits;
-        }
-        return text;
-    }
-};
-
-}  // namespace
+                           public ::testing::WithParamInterface<DecodedEvent> {};
 
 TEST_P(BridgeDecEventTest, ReachesItsSlot) {
-    const DecodedEvent& event = GetParam();
-    ASSERT_TRUE(decodeInPlace(event.packet));
-    EXPECT_EQ(hostCalls, Lines{event.call});
-    const std::string function = std::string(" BRIDGE ") + event.function;
+    const DecodedEvent& row = GetParam();
+    const KnownEvent& event = knownEvent(row.event);
+    const std::string packet = eventPacket(event, row.values);
+    ASSERT_TRUE(decodeInPlace(packet));
+    EXPECT_EQ(hostCalls, Lines{row.call});
+    const std::string function = " BRIDGE " + functionOf(event);
     EXPECT_EQ(
         bridgeLines(),
-        (Lines{"D" + function + " (" + withAddresses(event.fields, event.packet) + ")\n",
-               "I" + function + "Clbk called: " + event.words, "D" + function + " returning\n"}));
+        (Lines{"D" + function + " (" + rawFields(event, row.values, packet) + ")\n",
+               "I" + function + "Clbk called: " + row.words, "D" + function + " returning\n"}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Events, BridgeDecEventTest,
     ::testing::Values(
-        DecodedEvent{
-            "AnInstalledAppReachesSlot1",
-            appInstalledPacket("N", "com.a", "Main", "Größe 大", -7, "1.2", "C:\\i.png", 200),
-            "onAppInstalled(N|com.a|Main|Größe 大|-7|1.2|C:\\i.png|1)", "bridgeOnAppInstalled",
-            "@16(2), @22(6), @32(5), @41(12), -7, @61(4), @69(9), 200",
-            "instance N, package com.a, activity Main, appLabel Größe 大, versionCode -7, "
-            "versionName 1.2, iconFilePath C:\\i.png, isUpdate 1"},
-        DecodedEvent{"AnUninstalledAppReachesSlot2", appUninstalledPacket("N", "com.a"),
-                     "onAppUninstalled(N|com.a)", "bridgeOnAppUninstalled", "@16(2), @22(6)",
+        DecodedEvent{"AnInstalledAppReachesSlot1",
+                     "app-installed",
+                     {"N", "com.a", "Main", "Größe 大", "-7", "1.2", "C:\\i.png", "1"},
+                     "onAppInstalled(N|com.a|Main|Größe 大|-7|1.2|C:\\i.png|1)",
+                     "instance N, package com.a, activity Main, appLabel Größe 大, versionCode -7, "
+                     "versionName 1.2, iconFilePath C:\\i.png, isUpdate 1"},
+        DecodedEvent{"AnUninstalledAppReachesSlot2",
+                     "app-uninstalled",
+                     {"N", "com.a"},
+                     "onAppUninstalled(N|com.a)",
                      "instance N, package com.a"},
-        DecodedEvent{"AFinishedApkReachesSlot3", apkInstallCompletedPacket("N", -2, "C:\\a.apk"),
-                     "onApkInstallCompleted(N|-2|C:\\a.apk)", "bridgeOnApkInstallCompleted",
-                     "@16(2), -2, @26(9)", "instance N, status -2, apkFilePath C:\\a.apk"},
-        DecodedEvent{"ProgressReachesSlot5Alone", installImageProgressPacket("Nougat32", 1, 62.5),
-                     "installImageProgress(Nougat32|1|62.500000)", "bridgeInstallImageProgress",
-                     "@16(9), 1, 62.500000", "imageName Nougat32, status 1, progress 62.500000"},
+        DecodedEvent{"AFinishedApkReachesSlot3",
+                     "apk-install-completed",
+                     {"N", "-2", "C:\\a.apk"},
+                     "onApkInstallCompleted(N|-2|C:\\a.apk)",
+                     "instance N, status -2, apkFilePath C:\\a.apk"},
+        DecodedEvent{"ProgressReachesSlot5Alone",
+                     "image-install-progress",
+                     {"Nougat32", "1", "62.5"},
+                     "installImageProgress(Nougat32|1|62.500000)",
+                     "imageName Nougat32, status 1, progress 62.500000"},
         DecodedEvent{"ACreatedInstanceComesWithItsStatusFirst",
-                     createInstanceCompletedPacket(3, "Nougat64_1"),
-                     "onCreateInstanceCompleted(3|Nougat64_1)", "bridgeOnCreateInstanceCompleted",
-                     "3, @20(11)", "status 3, instance Nougat64_1"},
-        DecodedEvent{"AChangedConfigurationReachesSlot7", instanceConfigurationChangedPacket("N"),
-                     "onInstanceConfigurationChanged(N)", "bridgeOnInstanceConfigurationChanged",
-                     "@16(2)", "instance N"},
-        DecodedEvent{"ADisplayedAppReachesSlot8", appDisplayedPacket("N", "com.a"),
-                     "onAppDisplayed(N|com.a)", "bridgeOnAppDisplayed", "@16(2), @22(6)",
+                     "create-instance-completed",
+                     {"3", "Nougat64_1"},
+                     "onCreateInstanceCompleted(3|Nougat64_1)",
+                     "status 3, instance Nougat64_1"},
+        DecodedEvent{"AChangedConfigurationReachesSlot7",
+                     "instance-configuration-changed",
+                     {"N"},
+                     "onInstanceConfigurationChanged(N)",
+                     "instance N"},
+        DecodedEvent{"ADisplayedAppReachesSlot8",
+                     "app-displayed",
+                     {"N", "com.a"},
+                     "onAppDisplayed(N|com.a)",
                      "instance N, package com.a"},
-        DecodedEvent{"AnAccountListReachesSlot9", accountListUpdatedPacket("N", "a@b.c", 1),
-                     "onAccountListUpdated(N|a@b.c|1)", "bridgeOnAccountListUpdated",
-                     "@16(2), @22(6), 1", "instance N, emailId a@b.c, action = 1"}),
+        DecodedEvent{"AnAccountListReachesSlot9",
+                     "account-list-updated",
+                     {"N", "a@b.c", "1"},
+                     "onAccountListUpdated(N|a@b.c|1)",
+                     "instance N, emailId a@b.c, action = 1"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(BridgeDecTest, AnAppThatWasNotThereBeforeIsNoUpdate) {
+TEST_F(BridgeDecTest, AnyByteButZeroIsAnUpdate) {
+    ASSERT_TRUE(decode(appInstalledPacket("", "", "", "", 0, "", "", 200)));
+    EXPECT_EQ(hostCalls, Lines{"onAppInstalled(||||0|||1)"});
+    EXPECT_EQ(bridgeLines()[0].substr(bridgeLines()[0].rfind(' ')), " 200)\n");
+}
+
+TEST_F(BridgeDecTest, AnAppThatIsNewIsNoUpdate) {
     ASSERT_TRUE(decode(appInstalledPacket("", "", "", "", 0, "", "", 0)));
     EXPECT_EQ(hostCalls, Lines{"onAppInstalled(||||0|||0)"});
 }
@@ -185,7 +183,7 @@ TEST_F(BridgeDecTest, ProgressWithStatus2AnnouncesTheInstanceListFirst) {
                             "D BRIDGE bridgeInstallImageProgress returning\n"}));
 }
 
-// What the lines of an event are but for its special cases, which the tests above have.
+// The lines of every event. The tests above have its special cases.
 TEST_F(BridgeDecTest, EachEventReachesItsSlotBetweenTheLinesOfItsCall) {
     for (const KnownEvent& event : knownEvents()) {
         hostCalls.clear();
@@ -193,10 +191,11 @@ TEST_F(BridgeDecTest, EachEventReachesItsSlotBetweenTheLinesOfItsCall) {
         const std::string packet = eventPacket(event, exampleOf(event));
         ASSERT_TRUE(decodeInPlace(packet));
         EXPECT_EQ(hostCalls, referenceReading(packet).calls);
-        const std::string name = callbackOf(event);
+        const std::string name = functionOf(event);
         const Lines lines = bridgeLines();
         ASSERT_EQ(lines.size(), 3u) << name;
-        EXPECT_EQ(lines[0], "D BRIDGE " + name + " (" + rawFields(event, packet) + ")\n");
+        EXPECT_EQ(lines[0],
+                  "D BRIDGE " + name + " (" + rawFields(event, exampleOf(event), packet) + ")\n");
         EXPECT_EQ(lines[1].rfind("I BRIDGE " + name + "Clbk called:", 0), 0u) << lines[1];
         EXPECT_EQ(lines[2], "D BRIDGE " + name + " returning\n");
     }
@@ -246,12 +245,8 @@ TEST_F(BridgeDecTest, EachMalformedPacketIsReadAsTheReferenceDoes) {
     }
 }
 
-namespace {
-
 std::int32_t dpiSeen = 0;
 void lookAtDpi() { dpiSeen = confGetI32(confStore(), "vtr.instance.Nougat64.dpi"); }
-
-}  // namespace
 
 TEST_F(BridgeDecTest, TheConfigurationIsLoadedAgainBeforeTheHostIsCalled) {
     BridgeCallbacks host = writingHost();
@@ -312,7 +307,7 @@ TEST_F(BridgeDecTest, TheHostIsCalledAlsoWhenTheLoadThrows) {
         << errors[0];
 }
 
-TEST_F(BridgeDecTest, Slot4WithoutSlot3NeverHears) {
+TEST_F(BridgeDecTest, Slot4WithoutSlot3IsNeverCalled) {
     BridgeCallbacks host = writingHost();
     host.onApkInstallCompleted = nullptr;
     bridgeSetCallbacks(host);
@@ -321,7 +316,7 @@ TEST_F(BridgeDecTest, Slot4WithoutSlot3NeverHears) {
     EXPECT_EQ(hostCalls, Lines{"installImageProgress(Nougat32|2|100.000000)"});
 }
 
-TEST_F(BridgeDecTest, AFunctionThatThrowsIsTheCallersToFence) {
+TEST_F(BridgeDecTest, AnExceptionOfTheHostsReachesTheCaller) {
     BridgeCallbacks host = writingHost();
     host.onAppDisplayed = [](const char*, const char*) { throw std::runtime_error("the host's"); };
     bridgeSetCallbacks(host);
@@ -380,3 +375,5 @@ TEST(BridgeDecFatalTest, Slot3WithoutSlot4EndsTheProcessAtAListUpdate) {
         EXPECT_EQ(lines.back(), logged::fatalBreak("", "Source/bridge/BridgeIpcClbk"));
     }
 }
+
+}  // namespace

@@ -13,6 +13,7 @@
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ void decodeOne() {
 }
 
 void waitUntilServed() {
-    for (int i = 0; i < 1000 && !ipcNameIsServed(kServerName); ++i) sleepMs(5);
+    waitUntil([] { return ipcNameIsServed(kServerName); });
 }
 
 // Sends an event and waits until the server has read it: it answers when it is through.

@@ -32,23 +32,22 @@ constexpr const char* kOneApp =
 
 TEST_F(AppsTest, AreListedAsJson) {
     writeCache("A", kOneApp);
-    EXPECT_EQ(output({"init", "Helper", "apps", "A"}),
-              (Lines{"init 0", "apps [", "    {", R"(        "activity": "Main",)",
+    EXPECT_EQ(asHelper("apps A"),
+              (Lines{"apps [", "    {", R"(        "activity": "Main",)",
                      R"(        "appLabel": "Größe \"1\"",)",
                      R"(        "iconFilePath": ")" + iconOf("com.a") + R"(",)",
                      R"(        "package": "com.a",)", R"(        "versionCode": 7,)",
                      R"(        "versionName": "1.2")", "    }", "]", ""}));
 }
 
-TEST_F(AppsTest, OfAnotherInstanceComeNext) {
+TEST_F(AppsTest, AreThoseOfTheInstanceAskedFor) {
     writeCache("A", kOneApp);
-    EXPECT_EQ(output({"init", "Helper", "apps", "B", "apps", "A", "apps", "B"}).size(),
-              1u + 3 + 11 + 3);
+    EXPECT_EQ(asHelper("apps B apps A apps B").size(), 3u + 11 + 3);
 }
 
 TEST_F(AppsTest, ABadCacheIsNull) {
     writeCache("A", R"([{"package":"com.a"}])");
-    EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps (null)"}));
+    EXPECT_EQ(asHelper("apps A"), Lines{"apps (null)"});
     EXPECT_EQ(log().back(), logged::byHelper(logged::appsNotListed()));
 }
 
@@ -58,7 +57,7 @@ TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
         const std::string file = data.path() + "\\Engine/A/AppCache/AppCache.json";
         HeldFile held(file, shares);
         ASSERT_TRUE(held.isHeld());
-        EXPECT_EQ(output({"init", "Helper", "apps", "A"}), (Lines{"init 0", "apps [", "]", ""}));
+        EXPECT_EQ(asHelper("apps A"), (Lines{"apps [", "]", ""}));
         EXPECT_EQ(log().back(), logged::byHelper(logged::cacheKept(file, 32)));
         held.release();
         EXPECT_EQ(data.read("Engine\\A\\AppCache\\AppCache.json"), kOneApp);
@@ -66,6 +65,6 @@ TEST_F(AppsTest, ACacheThatAnotherProgramHoldsIsKept) {
 }
 
 TEST_F(AppsTest, ANullInstanceIsNull) {
-    EXPECT_EQ(output({"init", "Helper", "apps", "(null)"}), (Lines{"init 0", "apps (null)"}));
+    EXPECT_EQ(asHelper("apps (null)"), Lines{"apps (null)"});
     EXPECT_EQ(log().back(), logged::byHelper(logged::nullArgument("bridgeGetInstalledApps")));
 }

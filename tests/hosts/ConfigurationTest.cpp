@@ -9,13 +9,12 @@ namespace {
 
 using ConfigurationTest = PlainHostTest;
 
-// A log without the three lines of the initialisation.
-Lines afterStart(Lines lines) {
-    lines.erase(lines.begin(), lines.begin() + 3);
-    return lines;
+Lines linesOfCommitTo(const std::string& path) {
+    return {logged::byHelper(logged::committingForHost(path)),
+            logged::byHelper(logged::committing(path))};
 }
 
-// With the milliseconds as "N".
+// With "N" for the milliseconds.
 Lines withoutTimes(Lines lines) {
     static const std::regex time(" [0-9]+ ms$");
     for (std::string& line : lines) line = std::regex_replace(line, time, " N ms");
@@ -26,51 +25,52 @@ Lines withoutTimes(Lines lines) {
 
 TEST_F(ConfigurationTest, EveryTypeIsReadAndSet) {
     writeConf("vtr.instance.Nougat64.display_name=\"Jeux é日\"\n");
-    EXPECT_EQ(
-        output(script("init Helper getbool vtr.enable_statusbar geti32 vtr.instance.Nougat64.dpi "
-                      "getstr vtr.instance.Nougat64.display_name getmulti vtr.shared_folders "
-                      "setbool vtr.enable_statusbar 0 seti32 vtr.instance.Nougat64.dpi -7 setstr "
-                      "vtr.instance.Nougat64.display_name Zwölf setmulti vtr.shared_folders a,b "
-                      "getbool vtr.enable_statusbar geti32 vtr.instance.Nougat64.dpi getstr "
-                      "vtr.instance.Nougat64.display_name getmulti vtr.shared_folders commit")),
-        (Lines{"init 0", "getbool 1", "geti32 240", "getstr Jeux é日",
-               "getmulti Documents,Pictures,InputMapper,VtrSharedFolder", "setbool 0", "seti32 0",
-               "setstr 0", "setmulti 0", "getbool 0", "geti32 -7", "getstr Zwölf", "getmulti a,b",
-               "commit 0"}));
+    const Script read = script(
+        "getbool vtr.enable_statusbar geti32 vtr.instance.Nougat64.dpi "
+        "getstr vtr.instance.Nougat64.display_name getmulti vtr.shared_folders");
+    const Script set = script(
+        "setbool vtr.enable_statusbar 0 seti32 vtr.instance.Nougat64.dpi -7 "
+        "setstr vtr.instance.Nougat64.display_name Zwölf setmulti vtr.shared_folders a,b");
+    EXPECT_EQ(asHelper(with(with(with(read, set), read), {"commit"})),
+              (Lines{"getbool 1", "geti32 240", "getstr Jeux é日",
+                     "getmulti Documents,Pictures,InputMapper,VtrSharedFolder", "setbool 0",
+                     "seti32 0", "setstr 0", "setmulti 0", "getbool 0", "geti32 -7", "getstr Zwölf",
+                     "getmulti a,b", "commit 0"}));
     const std::string text = data.read("vantrel.conf");
-    EXPECT_NE(text.find("vtr.enable_statusbar=\"0\"\n"), std::string::npos);
-    EXPECT_NE(text.find("vtr.instance.Nougat64.dpi=\"-7\"\n"), std::string::npos);
-    EXPECT_NE(text.find("vtr.instance.Nougat64.display_name=\"Zwölf\"\n"), std::string::npos);
-    EXPECT_NE(text.find("vtr.shared_folders=\"a,b\"\n"), std::string::npos);
+    for (const char* line :
+         {"vtr.enable_statusbar=\"0\"\n", "vtr.instance.Nougat64.dpi=\"-7\"\n",
+          "vtr.instance.Nougat64.display_name=\"Zwölf\"\n", "vtr.shared_folders=\"a,b\"\n"}) {
+        EXPECT_NE(text.find(line), std::string::npos) << line;
+    }
     EXPECT_EQ(linesOf(text).size(), globalCount() + instanceCount());
 }
 
 TEST_F(ConfigurationTest, AnyByteButZeroIsTrue) {
     writeConf("");
-    EXPECT_EQ(output(script("init Helper setbool vtr.force_raw_mode 2 getbool vtr.force_raw_mode")),
-              (Lines{"init 0", "setbool 0", "getbool 1"}));
+    EXPECT_EQ(asHelper("setbool vtr.force_raw_mode 2 getbool vtr.force_raw_mode"),
+              (Lines{"setbool 0", "getbool 1"}));
 }
 
 TEST_F(ConfigurationTest, AReturnedTextSurvivesLaterChanges) {
     writeConf("vtr.locale=\"before\"\n");
-    EXPECT_EQ(output(script("init Helper hold vtr.locale getstr vtr.locale")),
-              (Lines{"init 0", "hold before", "getstr changed"}));
+    EXPECT_EQ(asHelper("hold vtr.locale getstr vtr.locale"),
+              (Lines{"hold before", "getstr changed"}));
 }
 
 TEST_F(ConfigurationTest, FreeingNullDoesNothing) {
-    EXPECT_EQ(output({"freenull", "fini"}), Lines{"fini 0"});
+    EXPECT_EQ(output("freenull fini"), Lines{"fini 0"});
 }
 
 TEST_F(ConfigurationTest, NullTextsAreRefusedWithALogLine) {
     writeConf("");
-    EXPECT_EQ(output(script(
-                  "init Helper getbool (null) geti32 (null) geti64 (null) getstr (null) getmulti "
-                  "(null) setbool (null) 1 seti32 (null) 1 seti64 (null) 1 setstr (null) x setstr "
-                  "vtr.locale (null) setmulti vtr.shared_folders (null) committo (null)")),
-              (Lines{"init 0", "getbool 0", "geti32 0", "geti64 0", "getstr (null)",
-                     "getmulti (null)", "setbool 22", "seti32 22", "seti64 22", "setstr 22",
-                     "setstr 22", "setmulti 22", "committo 22"}));
-    const Lines lines = afterStart(log());
+    EXPECT_EQ(asHelper("getbool (null) geti32 (null) geti64 (null) getstr (null) getmulti (null) "
+                       "setbool (null) 1 seti32 (null) 1 seti64 (null) 1 setstr (null) x "
+                       "setstr vtr.locale (null) setmulti vtr.shared_folders (null) "
+                       "committo (null)"),
+              (Lines{"getbool 0", "geti32 0", "geti64 0", "getstr (null)", "getmulti (null)",
+                     "setbool 22", "seti32 22", "seti64 22", "setstr 22", "setstr 22",
+                     "setmulti 22", "committo 22"}));
+    const Lines lines = logAfterInit();
     ASSERT_EQ(lines.size(), 12u);
     EXPECT_EQ(lines[0], logged::byHelper(logged::nullArgument("bridgeConfGetBool")));
     EXPECT_EQ(lines[11], logged::byHelper(logged::nullArgument("bridgeConfCommitToFile")));
@@ -79,27 +79,24 @@ TEST_F(ConfigurationTest, NullTextsAreRefusedWithALogLine) {
 TEST_F(ConfigurationTest, CommittingToAFileLogsItsPathTwice) {
     writeConf("vtr.locale=\"a\"\n");
     const std::string copy = data / "copy.conf";
-    EXPECT_EQ(output({"init", "Helper", "committo", copy}), (Lines{"init 0", "committo 0"}));
-    EXPECT_EQ(afterStart(log()), (Lines{logged::byHelper(logged::committingForHost(copy)),
-                                        logged::byHelper(logged::committing(copy))}));
+    EXPECT_EQ(asHelper({"committo", copy}), Lines{"committo 0"});
+    EXPECT_EQ(logAfterInit(), linesOfCommitTo(copy));
     EXPECT_EQ(linesOf(data.read("copy.conf")).size(), globalCount());
 }
 
 TEST_F(ConfigurationTest, ACommitAfterOneToAnotherFileWritesAndLogsNothing) {
     writeConf("vtr.locale=\"a\"\n");
     const std::string copy = data / "copy.conf";
-    EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.locale", "b", "committo", copy, "commit"}),
-              (Lines{"init 0", "setstr 0", "committo 0", "commit 0"}));
-    EXPECT_EQ(afterStart(log()), (Lines{logged::byHelper(logged::committingForHost(copy)),
-                                        logged::byHelper(logged::committing(copy))}));
+    EXPECT_EQ(asHelper({"setstr", "vtr.locale", "b", "committo", copy, "commit"}),
+              (Lines{"setstr 0", "committo 0", "commit 0"}));
+    EXPECT_EQ(logAfterInit(), linesOfCommitTo(copy));
     EXPECT_NE(data.read("copy.conf").find("vtr.locale=\"b\"\n"), std::string::npos);
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
 }
 
 TEST_F(ConfigurationTest, ABoolOfAnInstanceThatIsNotLoadedEndsTheHost) {
     writeConf("");
-    const char* const key = "vtr.instance.Nougat64.enable_vsync";
-    const std::string line = "vtr.instance.Nougat64.enable_vsync=\"1\"\n";
+    const std::string key = "vtr.instance.Nougat64.enable_vsync";
     const ChildResult before = play({"init", "Helper", "getbool", key});
     EXPECT_EQ(before.status, kFatalStatus);
     EXPECT_EQ(linesOf(before.out), Lines{"init 0"});
@@ -107,15 +104,15 @@ TEST_F(ConfigurationTest, ABoolOfAnInstanceThatIsNotLoadedEndsTheHost) {
     ASSERT_GE(lines.size(), 2u);
     EXPECT_EQ(lines[lines.size() - 2], logged::byHelper(logged::boolInvalid(key, "")));
     expectBreak("CONF", "Source/conf/Conf");
-    writeConf(line);
-    EXPECT_EQ(output({"init", "Helper", "getbool", key}), (Lines{"init 0", "getbool 1"}));
+    writeConf(key + "=\"1\"\n");
+    EXPECT_EQ(asHelper({"getbool", key}), Lines{"getbool 1"});
 }
 
 TEST_F(ConfigurationTest, ACommitWithoutAChangeWritesAndLogsNothing) {
     writeConf("vtr.locale=\"a\"\n");
-    EXPECT_EQ(output({"init", "Helper", "commit"}), (Lines{"init 0", "commit 0"}));
+    EXPECT_EQ(asHelper("commit"), Lines{"commit 0"});
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
-    EXPECT_EQ(afterStart(log()), Lines{});
+    EXPECT_EQ(logAfterInit(), Lines{});
 }
 
 TEST_F(ConfigurationTest, AnUnknownKeyEndsTheHost) {
@@ -125,15 +122,15 @@ TEST_F(ConfigurationTest, AnUnknownKeyEndsTheHost) {
         EXPECT_EQ(result.status, kFatalStatus) << operation;
         EXPECT_EQ(linesOf(result.out), Lines{"init 0"}) << operation;
     }
-    const Lines lines = log();
-    EXPECT_EQ(lines[3], logged::byHelper(logged::keyUnknown("vtr.nothing")));
+    EXPECT_EQ(logAfterInit()[0], logged::byHelper(logged::keyUnknown("vtr.nothing")));
     expectBreak("CONF", "Source/conf/Conf");
 }
 
 TEST_F(ConfigurationTest, TheI64FunctionsHaveNoKeyToWorkOn) {
     writeConf("");
-    EXPECT_EQ(play({"init", "Helper", "geti64", "vtr.next_vm_id"}).status, kFatalStatus);
-    EXPECT_EQ(play({"init", "Helper", "seti64", "vtr.next_vm_id", "1"}).status, kFatalStatus);
+    for (const char* operation : {"geti64 vtr.next_vm_id", "seti64 vtr.next_vm_id 1"}) {
+        EXPECT_EQ(play(with({"init", "Helper"}, script(operation))).status, kFatalStatus);
+    }
 }
 
 TEST_F(ConfigurationTest, WithoutAConfFileACommitLeavesNothingInTheCurrentFolder) {
@@ -157,18 +154,18 @@ TEST_F(ConfigurationTest, ChildrenThatTheHostStartsNeverBlockACommit) {
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"}));
 }
 
-// Another program has the file's lock: the commit waits for it, and nothing else does.
+// Only the commit waits for the file's lock, which another program has.
 TEST_F(ConfigurationTest, ReadsSetsAndTheListingGoOnWhileACommitWaitsForAnotherProgram) {
     writeConf("vtr.instance.Nougat64.dpi=\"240\"\n");
-    const Script before = script(
-        "init Helper takelock seti32 vtr.instance.Nougat64.dpi 320 startcommit awaitfile told "
-        "geti32 vtr.instance.Nougat64.dpi setbool vtr.enable_statusbar 0 getbool "
-        "vtr.enable_statusbar instances leavelock endcommit");
     ChildOptions options;
     options.folder = data.path();
-    ChildProcess host = start(before, options);
+    ChildProcess host = start(
+        script("init Helper takelock seti32 vtr.instance.Nougat64.dpi 320 startcommit "
+               "awaitfile told geti32 vtr.instance.Nougat64.dpi setbool vtr.enable_statusbar 0 "
+               "getbool vtr.enable_statusbar instances leavelock endcommit"),
+        options);
     EXPECT_EQ(host.readLine(), "init 0");
-    const auto lines = [this] { return withoutTimes(afterStart(log())); };
+    const auto lines = [this] { return withoutTimes(logAfterInit()); };
     const Lines waiting{
         logged::byHelper(logged::committing(confPath())),
         logged::byHelper(logged::lockAwaited("confCommitToFile", "Global\\vtr_conf_nvo"))};

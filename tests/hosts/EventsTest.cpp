@@ -7,17 +7,18 @@
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 #include "support/WindowsForTests.h"
 #include "support/event_table.h"
 #include "support/growth.h"
 
 namespace {
 
-// The callbacks of all slots, and how many they are.
+// The mask of all slots, and their number.
 const std::string kAllSlots = std::to_string((1 << KNOWN_EVENT_COUNT) - 1);
 const std::string kAll = std::to_string(KNOWN_EVENT_COUNT);
 
-// How many functions start a program. Without the program each of them returns 2.
+// The number of functions that start a program. Each returns 2 when the program is missing.
 #define ONE(function, count, arguments) +1
 constexpr int kPrograms = PROGRAM_FUNCTIONS(ONE);
 #undef ONE
@@ -29,12 +30,12 @@ std::uint32_t addToSum(std::uint32_t sum, const std::string& text) {
     return sum;
 }
 
-// How the host shows a text that is too long to print.
+// What the host prints for a text that is too long.
 std::string longText(const std::string& text) {
     return "#" + std::to_string(text.size()) + ":" + std::to_string(addToSum(kSumOfNothing, text));
 }
 
-// Odd packets that can travel, and what becomes of them.
+// Malformed packets with a whole header, and the calls and errors that they cause.
 struct OddEvents {
     OddEvents() {
         for (const std::string& packet : malformedPackets()) {
@@ -56,35 +57,56 @@ class EventsTest : public PlainHostTest {
  protected:
     EventsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
 
-    // A host that waits for this many events. The status is checked when it is collected.
+    // A host that is initialised as "Helper", and no program is installed.
     ChildProcess startHost(const Script& script) const {
-        Script all{"sandbox",    "registry",   "UserDefinedDir", data.path(), "registry",
-                   "InstallDir", "C:\\None\\", "init",           "Helper"};
-        all.insert(all.end(), script.begin(), script.end());
-        return ChildProcess(builtProgram("plain_host.exe"), all);
+        ChildProcess host =
+            start(with({"registry", "InstallDir", "C:\\None\\", "init", "Helper"}, script));
+        EXPECT_EQ(host.readLine(), "init 0");
+        return host;
+    }
+    ChildProcess startHost(std::string_view words) const { return startHost(script(words)); }
+
+    // The same, and plays the operations before "served"; returns when the host serves its events.
+    ChildProcess startServing(const Script& before, const Script& after) const {
+        ChildProcess host = startHost(with(with(before, {"served", "Helper"}), after));
+        EXPECT_EQ(host.readLine(), "served");
+        return host;
+    }
+    ChildProcess startServing(std::string_view before, std::string_view after) const {
+        return startServing(script(before), script(after));
     }
 
-    // What a host is to do that notes its figures after so many events, and after each of the
-    // batches that follow.
+    static void send(RawPipe& pipe, std::string_view packets) { EXPECT_TRUE(pipe.write(packets)); }
+
+    // Operations that note the host's figures after a warm-up, and after each of the batches.
     static Script waitAndNote(int warmUp, int batch) {
         Script script;
         for (int i = 0; i <= GROWTH_BATCHES; ++i) {
-            for (const std::string& word :
-                 {std::string("wait"), std::to_string(warmUp + i * batch), std::string("steady")}) {
-                script.push_back(word);
-            }
+            script = with(script, {"wait", std::to_string(warmUp + i * batch), "steady"});
         }
         return script;
     }
 
-    // The lines behind the "init 0" that each host begins with.
-    static Lines linesAfterInit(ChildProcess& host, std::uint32_t status = 0) {
+    // Sends the warm-up, and each batch when the host has noted the one before. Returns the host's
+    // lines about the last batch, and those after it.
+    static Lines linesOfBatches(ChildProcess& host, const std::function<int()>& sendWarmUp,
+                                const std::function<int()>& sendBatch) {
+        int sent = sendWarmUp();
+        for (int i = 0; i < GROWTH_BATCHES; ++i) {
+            EXPECT_EQ(host.readLine(), "waited " + std::to_string(sent));
+            EXPECT_EQ(host.readLine(), "noted");
+            sent = sendBatch();
+        }
+        const Lines lines = restOf(host);
+        EXPECT_EQ(lines.at(0), "waited " + std::to_string(sent));
+        return lines;
+    }
+
+    // The lines that the host has still to print until its end.
+    static Lines restOf(ChildProcess& host, std::uint32_t status = 0) {
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, status) << result.out << result.err;
-        Lines lines = linesOf(result.out);
-        EXPECT_EQ(lines.empty() ? "" : lines[0], "init 0");
-        if (!lines.empty()) lines.erase(lines.begin());
-        return lines;
+        return linesOf(result.out);
     }
 
     Lines loggedErrors() const {
@@ -95,20 +117,41 @@ class EventsTest : public PlainHostTest {
         return errors;
     }
 
+    // Waits until the log has that many error lines. Does not parse it, which takes long.
+    bool waitForErrors(std::size_t count) const {
+        return waitUntil([&] {
+            const std::string text = data.read("Logs\\Player.log");
+            std::size_t found = 0;
+            for (std::size_t at = 0; (at = text.find(" E: ", at)) != std::string::npos; ++at) {
+                ++found;
+            }
+            return found >= count;
+        });
+    }
+
     // What a host with the callbacks of a mask prints for packets that make so many calls.
     Lines linesFor(const std::string& mask, const std::string& packets, int calls) const {
         ChildProcess host = startHost({"register", mask, "wait", std::to_string(calls), "fini"});
         RawPipe pipe(connectToHelper());
-        EXPECT_TRUE(pipe.write(packets));
-        return linesAfterInit(host);
+        send(pipe, packets);
+        return restOf(host);
+    }
+
+    // A second copy of the library, which a host loads and unloads.
+    std::string copyOfLibrary() const {
+        const std::string copy = data / "Copy-of-QX-Bridge.dll";
+        writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
+        return copy;
     }
 };
+
+const Lines kAllWaitedFor{"waited " + kAll, "fini 0"};
 
 }  // namespace
 
 TEST_F(EventsTest, EachReachesItsCallbackOnTheServersThread) {
     EXPECT_EQ(linesFor(kAllSlots, everyEvent(), KNOWN_EVENT_COUNT),
-              with(everyLine(), {"waited " + kAll, "fini 0"}));
+              with(everyLine(), kAllWaitedFor));
 }
 
 TEST_F(EventsTest, EmptyTextsArriveEmpty) {
@@ -118,8 +161,7 @@ TEST_F(EventsTest, EmptyTextsArriveEmpty) {
         packets += eventPacket(event, wordsOf(event, "", 0));
         lines.push_back(hostLine(event, wordsOf(event, "", 0)));
     }
-    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT),
-              with(lines, {"waited " + kAll, "fini 0"}));
+    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT), with(lines, kAllWaitedFor));
 }
 
 TEST_F(EventsTest, TextsOfAMebibyteArriveWhole) {
@@ -131,8 +173,7 @@ TEST_F(EventsTest, TextsOfAMebibyteArriveWhole) {
         packets += eventPacket(event, wordsOf(event, text, 1));
         lines.push_back(hostLine(event, wordsOf(event, longText(text), 1)));
     }
-    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT),
-              with(lines, {"waited " + kAll, "fini 0"}));
+    EXPECT_EQ(linesFor(kAllSlots, packets, KNOWN_EVENT_COUNT), with(lines, kAllWaitedFor));
 }
 
 TEST_F(EventsTest, AFinishedImageAnnouncesTheInstanceListFirst) {
@@ -142,18 +183,18 @@ TEST_F(EventsTest, AFinishedImageAnnouncesTheInstanceListFirst) {
 }
 
 TEST_F(EventsTest, ASlotThatIsNullIsPassedOver) {
-    // Without slot 3, slot 4 does not hear either.
-    EXPECT_EQ(linesFor("256", everyEvent(), 1),
-              (Lines{lineOf("account-list-updated"), "waited 1", "fini 0"}));
-    EXPECT_EQ(linesFor("264", everyEvent(), 1),
-              (Lines{lineOf("account-list-updated"), "waited 1", "fini 0"}));
+    // Slot 9; slots 4 and 9: without slot 3, slot 4 is not called either.
+    for (const char* mask : {"256", "264"}) {
+        EXPECT_EQ(linesFor(mask, everyEvent(), 1),
+                  (Lines{lineOf("account-list-updated"), "waited 1", "fini 0"}));
+    }
 }
 
 TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
-    ChildProcess host = startHost({"register", "4", "wait", "1", "fini"});
+    ChildProcess host = startHost("register 4 wait 1 fini");
     RawPipe pipe(connectToHelper());
-    ASSERT_TRUE(pipe.write(instanceListUpdatedPacket()));
-    EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
+    send(pipe, instanceListUpdatedPacket());
+    EXPECT_EQ(restOf(host, kFatalStatus), Lines{});
     expectBreak("BRIDGE", "Source/bridge/BridgeIpcClbk");
 }
 
@@ -172,35 +213,27 @@ TEST_F(EventsTest, MalformedPacketsOnConnectionsOfTheirOwnLeaveNothingBehind) {
     const OddEvents odd;
     constexpr int kWarmUps = 4;
     const int calls = odd.calls + 1;
-    Script script{"quiet", "register", kAllSlots, "served", "Helper"};
-    script = with(script, waitAndNote(kWarmUps * calls, calls));
-    ChildProcess host = startHost(with(script, {"fini"}));
-    EXPECT_EQ(host.readLine(), "init 0");
-    EXPECT_EQ(host.readLine(), "served");
+    ChildProcess host = startServing({"quiet", "register", kAllSlots},
+                                     with(waitAndNote(kWarmUps * calls, calls), {"fini"}));
     Lines errors;
     int sent = 0;
     const auto sendAll = [&] {
         for (const std::string& packet : odd.packets) {
             RawPipe pipe(connectToHelper());
-            ASSERT_TRUE(pipe.write(packet));
+            send(pipe, packet);
         }
         errors = with(errors, odd.errors);
-        for (int i = 0; i < 2000 && loggedErrors().size() < errors.size(); ++i) ::Sleep(5);
+        EXPECT_TRUE(waitForErrors(errors.size()));
         RawPipe pipe(connectToHelper());
-        ASSERT_TRUE(pipe.write(appDisplayedPacket("good", "one")));
-        sent += calls;
+        send(pipe, appDisplayedPacket("good", "one"));
+        return sent += calls;
     };
-    for (int i = 0; i < kWarmUps; ++i) sendAll();
-    for (int i = 0; i < GROWTH_BATCHES; ++i) {
-        EXPECT_EQ(host.readLine(), "waited " + std::to_string(sent));
-        EXPECT_EQ(host.readLine(), "noted");
-        sendAll();
-    }
-    const ChildResult result = host.finish();
-    EXPECT_EQ(result.status, 0u);
-    const Lines lines = linesOf(result.out);
-    ASSERT_EQ(lines.size(), 3u) << result.out;
-    EXPECT_EQ(lines[0], "waited " + std::to_string(sent));
+    const auto warmUp = [&] {
+        for (int i = 0; i < kWarmUps; ++i) sendAll();
+        return sent;
+    };
+    const Lines lines = linesOfBatches(host, warmUp, sendAll);
+    ASSERT_EQ(lines.size(), 3u);
     EXPECT_LT(bytesOfABatch("steady", lines[1]), 16 * static_cast<long>(odd.packets.size()));
     EXPECT_EQ(lines[2], "fini 0");
     std::sort(errors.begin(), errors.end());
@@ -213,8 +246,8 @@ TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
     for (const std::uint32_t length : {0u, 11u, 0x8000000Cu, 0xFFFFFFFFu}) {
         ChildProcess host = startHost({"register", kAllSlots, "wait", "1", "fini"});
         RawPipe pipe(connectToHelper());
-        ASSERT_TRUE(pipe.write(bytesOf(3003u) + bytesOf(length) + bytesOf(0u)));
-        EXPECT_EQ(linesAfterInit(host, kFatalStatus), Lines{});
+        send(pipe, bytesOf(3003u) + bytesOf(length) + bytesOf(0u));
+        EXPECT_EQ(restOf(host, kFatalStatus), Lines{});
         const Lines lines = log();
         const std::string rest = std::to_string(static_cast<std::int32_t>(length - 12));
         EXPECT_EQ(lines.at(lines.size() - 2), logged::byHelper(logged::lengthInvalid(
@@ -228,7 +261,7 @@ TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
     ChildProcess host =
         startHost({"reenter", kAllSlots, data / "Inside.conf", "wait", kAll, "fini"});
     RawPipe pipe(connectToHelper());
-    ASSERT_TRUE(pipe.write(everyEvent()));
+    send(pipe, everyEvent());
     Lines expected;
     for (const std::string& line : everyLine()) {
         expected.push_back("inside: read 5, set 0, list 1, commit 0, to a file 0");
@@ -236,7 +269,7 @@ TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
                            ", asked 0, apps 1, ended 0");
         expected.push_back(line);
     }
-    EXPECT_EQ(linesAfterInit(host), with(expected, {"waited " + kAll, "fini 0"}));
+    EXPECT_EQ(restOf(host), with(expected, kAllWaitedFor));
     const std::string last = std::to_string(100 + KNOWN_EVENT_COUNT - 1);
     const std::string isEven = last.find_last_of("02468") + 1 == last.size() ? "1" : "0";
     for (const char* file : {"vantrel.conf", "Inside.conf"}) {
@@ -250,94 +283,76 @@ TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
     }
 }
 
-TEST_F(EventsTest, ACallbackThatBlocksHoldsTheOthersUpAndLosesNone) {
-    ChildProcess host =
-        startHost({"block", "5000", "register", "128", "served", "Helper", "wait", "3", "fini"});
+TEST_F(EventsTest, ACallbackThatBlocksDelaysTheOthersAndLosesNone) {
+    const std::string goOn = data / "go-on";
+    ChildProcess host = startServing({"blockuntil", goOn, "register", "128"},
+                                     {"waitbegun", "1", "wait", "3", "fini"});
     RawPipe first(connectToHelper());
     RawPipe second(connectToHelper());
-    ASSERT_TRUE(first.write(appDisplayedPacket("1", "a") + appDisplayedPacket("2", "b")));
-    ASSERT_TRUE(second.write(appDisplayedPacket("3", "c")));
-    const Lines lines = linesAfterInit(host);
-    ASSERT_EQ(lines.size(), 6u);
+    send(first, appDisplayedPacket("1", "a") + appDisplayedPacket("2", "b"));
+    EXPECT_EQ(host.readLine(), "waited 1");
+    send(second, appDisplayedPacket("3", "c"));
+    writeBytes(goOn, "");
+    const Lines lines = restOf(host);
+    ASSERT_EQ(lines.size(), 5u);
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "appDisplayed 3|c"), 1);
     const auto a = std::find(lines.begin(), lines.end(), "appDisplayed 1|a");
     EXPECT_NE(std::find(a, lines.end(), "appDisplayed 2|b"), lines.end());
 }
 
 TEST_F(EventsTest, TheEndWaitsForACallbackThatRuns) {
-    ChildProcess host = startHost(
-        {"block", "500", "register", "128", "served", "Helper", "waitbegun", "1", "fini"});
-    EXPECT_EQ(host.readLine(), "init 0");
-    EXPECT_EQ(host.readLine(), "served");
+    ChildProcess host = startServing("block 500 register 128", "waitbegun 1 fini");
     RawPipe pipe(connectToHelper());
-    ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
-    const ChildResult result = host.finish();
-    EXPECT_EQ(result.status, 0u);
-    EXPECT_EQ(linesOf(result.out), (Lines{"waited 1", "appDisplayed 1|a", "fini 0"}));
+    send(pipe, appDisplayedPacket("1", "a"));
+    EXPECT_EQ(restOf(host), (Lines{"waited 1", "appDisplayed 1|a", "fini 0"}));
 }
 
-TEST_F(EventsTest, ASecondHostOfANameIsToldAndTheFirstGetsTheEvents) {
-    ChildProcess first = startHost({"register", "128", "served", "Helper", "wait", "1", "fini"});
-    EXPECT_EQ(first.readLine(), "init 0");
-    EXPECT_EQ(first.readLine(), "served");
-    ChildProcess second = startHost({"register", "128", "fini"});
-    EXPECT_EQ(linesAfterInit(second), Lines{"fini 0"});
-    const Lines told = log();
-    EXPECT_EQ(std::count(told.begin(), told.end(),
-                         logged::byHelper(logged::notListening(
-                             kHelperServer, "8(QLocalServer::listen: Address in use)"))),
-              1)
-        << ::testing::PrintToString(told);
+TEST_F(EventsTest, ASecondHostOfANameLogsAnErrorAndTheFirstGetsTheEvents) {
+    ChildProcess first = startServing("register 128", "wait 1 fini");
+    ChildProcess second = startHost("register 128 fini");
+    EXPECT_EQ(restOf(second), Lines{"fini 0"});
+    EXPECT_EQ(loggedErrors(), Lines{logged::byHelper(logged::notListening(
+                                  kHelperServer, "8(QLocalServer::listen: Address in use)"))});
     RawPipe pipe(connectToHelper());
-    ASSERT_TRUE(pipe.write(appDisplayedPacket("1", "a")));
-    const ChildResult result = first.finish();
-    EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1", "fini 0"}));
+    send(pipe, appDisplayedPacket("1", "a"));
+    EXPECT_EQ(restOf(first), (Lines{"appDisplayed 1|a", "waited 1", "fini 0"}));
 }
 
 TEST_F(EventsTest, TheLastInitialisationNamesTheServer) {
-    EXPECT_EQ(output({"init", "Helper", "initex", "Installer", "1", data / "own.log", "register",
-                      kAllSlots, "served", "Installer", "fini"}),
-              (Lines{"init 0", "initex 0", "served", "fini 0"}));
+    EXPECT_EQ(asHelper({"initex", "Installer", "1", data / "own.log", "register", kAllSlots,
+                        "served", "Installer", "fini"}),
+              (Lines{"initex 0", "served", "fini 0"}));
 }
 
 TEST_F(EventsTest, AnInitialisationThatIsRefusedNamesNoServer) {
-    EXPECT_EQ(output({"init", "Helper", "initex", "installer", "1", data / "own.log", "register",
-                      kAllSlots, "served", "Helper", "fini"}),
-              (Lines{"init 0", "initex 22", "served", "fini 0"}));
+    EXPECT_EQ(asHelper({"initex", "installer", "1", data / "own.log", "register", kAllSlots,
+                        "served", "Helper", "fini"}),
+              (Lines{"initex 22", "served", "fini 0"}));
 }
 
 TEST_F(EventsTest, AHostThatDoesNotFinishEndsCleanly) {
     for (const char* way : {"exit", "exitthread"}) {
-        ChildProcess host = startHost({"register", "128", "served", "Helper", "wait", "1", way});
-        EXPECT_EQ(host.readLine(), "init 0");
-        EXPECT_EQ(host.readLine(), "served");
+        SCOPED_TRACE(way);
+        ChildProcess host = startServing({"register", "128"}, {"wait", "1", way});
         RawPipe open(connectToHelper());
         RawPipe half(connectToHelper());
-        ASSERT_TRUE(half.write("abc"));
-        ASSERT_TRUE(open.write(appDisplayedPacket("1", "a")));
-        const ChildResult result = host.finish();
-        EXPECT_EQ(result.status, 0u) << way << result.err;
-        EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1"})) << way;
+        send(half, "abc");
+        send(open, appDisplayedPacket("1", "a"));
+        EXPECT_EQ(restOf(host), (Lines{"appDisplayed 1|a", "waited 1"}));
     }
 }
 
-TEST_F(EventsTest, AHostsDllThatFinishesWhileTheProcessEndsKeepsNobody) {
-    ChildProcess host = startHost({"register", "128", "plugin", builtProgram("late_plugin.dll"),
-                                   "served", "Helper", "wait", "1"});
-    EXPECT_EQ(host.readLine(), "init 0");
+TEST_F(EventsTest, AHostsDllThatFinishesWhileTheProcessEndsDoesNotBlockIt) {
+    ChildProcess host =
+        startServing({"register", "128"}, {"plugin", builtProgram("late_plugin.dll"), "wait", "1"});
     EXPECT_EQ(host.readLine(), "plugin 1");
-    EXPECT_EQ(host.readLine(), "served");
     RawPipe open(connectToHelper());
-    ASSERT_TRUE(open.write(appDisplayedPacket("1", "a")));
-    const ChildResult result = host.finish();
-    EXPECT_EQ(result.status, 0u) << result.err;
-    EXPECT_EQ(linesOf(result.out), (Lines{"appDisplayed 1|a", "waited 1"}));
+    send(open, appDisplayedPacket("1", "a"));
+    EXPECT_EQ(restOf(host), (Lines{"appDisplayed 1|a", "waited 1"}));
 }
 
-// Every other life is used; the rest end as soon as they have begun.
+// Uses the library in every other cycle between load and unload.
 TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
-    const std::string copy = data / "Copy-of-QX-Bridge.dll";
-    writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
     const std::string player = "Life" + std::to_string(::GetCurrentProcessId());
     const std::string request = packetOf(2000, bytesOf(0u));
     std::atomic<int> asked{0};
@@ -347,12 +362,12 @@ TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
     const int all = 20 + cycles;
     const int used = all / 2;
     const int bytesOfALife = proofSize(32, 8);
-    const Lines lines = output({"loadunload", copy, std::to_string(cycles), player});
+    const Lines lines = output({"loadunload", copyOfLibrary(), std::to_string(cycles), player});
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[0], "lives " + std::to_string(all) + ", events " + std::to_string(used));
     const long kept = bytesOfABatch("lives", lines[1]) - bytesOfABatch("control", lines[2]);
     EXPECT_LT(kept, bytesOfALife * cycles / GROWTH_BATCHES) << lines[1] << ", " << lines[2];
-    for (int i = 0; i < 2000 && server.served() < used; ++i) ::Sleep(5);
+    EXPECT_TRUE(waitUntil([&] { return server.served() >= used; }));
     EXPECT_EQ(server.served(), used);
     EXPECT_EQ(asked, used);
     const std::string last = "vtr.locale=\"life " + std::to_string(all - 2) + "\"\n";
@@ -360,23 +375,18 @@ TEST_F(EventsTest, TheLibraryIsLoadedUsedAndUnloadedAgainAndAgain) {
 }
 
 TEST_F(EventsTest, AnUnloadWithoutTheEndLeavesTheServerRunning) {
-    const std::string copy = data / "Copy-of-QX-Bridge.dll";
-    writeBytes(copy, readBytes(builtProgram("QX-Bridge.dll")));
-    EXPECT_EQ(output({"loadonly", copy, "served", "Installer"}),
+    EXPECT_EQ(output({"loadonly", copyOfLibrary(), "served", "Installer"}),
               (Lines{"init 0", "unloaded 0", "served"}));
 }
 
 TEST_F(EventsTest, TenThousandEventsArriveInOrderAndLeaveNothingBehind) {
     const int warmUp = 500;
     const int batch = proofSize(10'000, 1'000'000) / GROWTH_BATCHES;
-    Script script{"quiet", "register", "128", "served", "Helper"};
-    script = with(script, waitAndNote(warmUp, batch));
-    ChildProcess host = startHost(with(script, {"fini", "digest"}));
-    EXPECT_EQ(host.readLine(), "init 0");
-    EXPECT_EQ(host.readLine(), "served");
+    ChildProcess host = startServing({"quiet", "register", "128"},
+                                     with(waitAndNote(warmUp, batch), {"fini", "digest"}));
     std::uint32_t sum = kSumOfNothing;
     int sent = 0;
-    const auto send = [&](int count) {
+    const auto sendEvents = [&](int count) {
         RawPipe pipe(connectToHelper());
         std::string packets;
         for (const int end = sent + count; sent < end; ++sent) {
@@ -384,21 +394,14 @@ TEST_F(EventsTest, TenThousandEventsArriveInOrderAndLeaveNothingBehind) {
             packets += appDisplayedPacket("N", number);
             sum = addToSum(sum, "appDisplayed N|" + number + "\n");
             if (packets.size() < 32'000 && sent + 1 < end) continue;
-            ASSERT_TRUE(pipe.write(packets));
+            send(pipe, packets);
             packets.clear();
         }
+        return sent;
     };
-    send(warmUp);
-    for (int i = 0; i < GROWTH_BATCHES; ++i) {
-        EXPECT_EQ(host.readLine(), "waited " + std::to_string(sent));
-        EXPECT_EQ(host.readLine(), "noted");
-        send(batch);
-    }
-    const ChildResult result = host.finish();
-    EXPECT_EQ(result.status, 0u);
-    const Lines lines = linesOf(result.out);
-    ASSERT_EQ(lines.size(), 4u) << result.out;
-    EXPECT_EQ(lines[0], "waited " + std::to_string(sent));
+    const Lines lines = linesOfBatches(
+        host, [&] { return sendEvents(warmUp); }, [&] { return sendEvents(batch); });
+    ASSERT_EQ(lines.size(), 4u);
     EXPECT_LT(bytesOfABatch("steady", lines[1]), batch);
     EXPECT_EQ(lines[2], "fini 0");
     EXPECT_EQ(lines[3], "digest " + std::to_string(sum));

@@ -49,8 +49,3 @@ std::string lineOf(const std::string& name) {
 }
 
 void* connectToHelper() { return connectWhenFree(kHelperServer); }
-
-Lines with(Lines lines, const Lines& more) {
-    lines.insert(lines.end(), more.begin(), more.end());
-    return lines;
-}

@@ -19,6 +19,4 @@ std::string lineOf(const std::string& name);
 constexpr const char* kHelperServer = "vtr_Helper_bridge_nvo";
 void* connectToHelper();
 
-Lines with(Lines lines, const Lines& more);
-
 #endif

@@ -1,4 +1,4 @@
-// The same events in hosts of every kind.
+// The same events in hosts of each kind: over the C++ wrapper, and with Qt.
 #include "EveryEvent.h"
 #include "support/LogLines.h"
 #include "support/RawServer.h"
@@ -10,7 +10,7 @@ class HostKindsTest : public PlainHostTest {
  protected:
     HostKindsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
 
-    // What a host prints that gets every event.
+    // The lines of a host that gets every event.
     Lines linesOfHost(const std::string& program, const std::string& scene) const {
         ChildProcess host(builtProgram(program), {data.path(), scene});
         RawPipe pipe(connectToHelper());
@@ -20,19 +20,31 @@ class HostKindsTest : public PlainHostTest {
         return linesOf(result.out);
     }
 
-    static Lines framed(const Lines& before, const Lines& after) {
-        return with(with(with({"init 0"}, before), everyLine()), after);
+    // The lines of a host that gets no event, without "init 0" and "finished".
+    Lines linesOfScene(const std::string& scene) const {
+        const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), scene});
+        EXPECT_EQ(result.status, 0u) << result.err;
+        const Lines lines = linesOf(result.out);
+        EXPECT_EQ(lines.front(), "init 0");
+        EXPECT_EQ(lines.back(), "finished");
+        return {lines.begin() + 1, lines.end() - 1};
+    }
+
+    static Lines allEventsAnd(const Lines& after) {
+        return with(with(with({"init 0"}, everyLine()), after), {"finished"});
     }
 };
+
+const Lines kTimer{"the host's own timer ran: 1"};
 
 }  // namespace
 
 TEST_F(HostKindsTest, ThroughTheCppWrapper) {
-    EXPECT_EQ(linesOfHost("cpp_host.exe", "all"), framed({}, {"finished"}));
+    EXPECT_EQ(linesOfHost("cpp_host.exe", "all"), allEventsAnd({}));
 }
 
 TEST_F(HostKindsTest, AnExceptionStaysInTheWrapper) {
-    Lines expected = framed({}, {"finished"});
+    Lines expected = allEventsAnd({});
     expected[8] = "failed: the host's own";
     EXPECT_EQ(linesOfHost("cpp_host.exe", "throws"), expected);
 }
@@ -53,19 +65,15 @@ TEST_F(HostKindsTest, EmptyFunctionsOfTheWrapperArePassedOver) {
 }
 
 TEST_F(HostKindsTest, TheWrappersOtherFunctions) {
-    const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), "calls"});
-    EXPECT_EQ(result.status, 0u) << result.err;
-    EXPECT_EQ(linesOf(result.out),
-              (Lines{"init 0", "locale ", "set 1 1 1 1", "get 320 1 a,b", "commit 0", "instances 1",
-                     "apps 0", "launch 2 2 2 2 2 2 2", "shutdown 0", "finished"}));
+    EXPECT_EQ(linesOfScene("calls"),
+              (Lines{"locale ", "set 1 1 1 1", "get 320 1 a,b", "commit 0", "instances 1", "apps 0",
+                     "launch 2 2 2 2 2 2 2", "shutdown 0"}));
 }
 
 TEST_F(HostKindsTest, TheWrappersOtherFiles) {
     writeConf("vtr.locale=\"fr-FR\"\n");
-    const ChildResult result = runChild(builtProgram("cpp_host.exe"), {data.path(), "files"});
-    EXPECT_EQ(result.status, 0u) << result.err;
-    EXPECT_EQ(linesOf(result.out), (Lines{"init 0", "without 0 \"\"", "without, with a log 0",
-                                          "log 0 \"fr-FR\"", "committed 0", "finished"}));
+    EXPECT_EQ(linesOfScene("files"),
+              (Lines{"without 0 \"\"", "without, with a log 0", "log 0 \"fr-FR\"", "committed 0"}));
     EXPECT_EQ(log().size(), 6u) << "of the first two initialisations";
     EXPECT_EQ(logMessages(data.read("first.log")).size(), 3u);
     EXPECT_EQ(logMessages(data.read("second.log")).size(), 5u) << "a commit logs its path twice";
@@ -73,30 +81,27 @@ TEST_F(HostKindsTest, TheWrappersOtherFiles) {
 }
 
 TEST_F(HostKindsTest, WithAnApplicationObjectMadeBefore) {
-    EXPECT_EQ(linesOfHost("qt_host.exe", "before"),
-              framed({}, {"the host's own timer ran: 1", "finished"}));
+    EXPECT_EQ(linesOfHost("qt_host.exe", "before"), allEventsAnd(kTimer));
 }
 
 TEST_F(HostKindsTest, WithAnApplicationObjectMadeAfterwards) {
-    EXPECT_EQ(linesOfHost("qt_host.exe", "after"),
-              framed({}, {"the host's own timer ran: 1", "finished"}));
+    EXPECT_EQ(linesOfHost("qt_host.exe", "after"), allEventsAnd(kTimer));
 }
 
-TEST_F(HostKindsTest, WithAnApplicationObjectThatIsGone) {
-    EXPECT_EQ(linesOfHost("qt_host.exe", "ended"), framed({}, {"finished"}));
+TEST_F(HostKindsTest, WithAnApplicationObjectThatIsDeleted) {
+    EXPECT_EQ(linesOfHost("qt_host.exe", "ended"), allEventsAnd({}));
 }
 
 TEST_F(HostKindsTest, WithQtAndWithoutAnApplicationObject) {
-    EXPECT_EQ(linesOfHost("qt_host.exe", "none"), framed({}, {"finished"}));
+    EXPECT_EQ(linesOfHost("qt_host.exe", "none"), allEventsAnd({}));
 }
 
 TEST_F(HostKindsTest, AnApplicationObjectOfAnotherThreadMakesQtWarn) {
     Lines lines = linesOfHost("qt_host.exe", "elsewhere");
     const std::string warning =
         "Qt says: WARNING: QApplication was not created in the main() thread.";
-    const auto found =
-        std::find(lines.begin(), lines.end(), warning);  // somewhere among the events
+    const auto found = std::find(lines.begin(), lines.end(), warning);
     ASSERT_NE(found, lines.end());
     lines.erase(found);
-    EXPECT_EQ(lines, framed({}, {"finished"}));
+    EXPECT_EQ(lines, allEventsAnd({}));
 }

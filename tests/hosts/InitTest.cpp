@@ -8,16 +8,18 @@ namespace {
 
 class InitTest : public PlainHostTest {
  protected:
-    // The one log line that an initialisation prints before there is a log, and its result.
-    std::pair<std::string, std::string> refused(const Script& script) const {
-        const Lines lines = output(script);
-        EXPECT_EQ(lines.size(), 2u);
-        if (lines.size() != 2) return {};
-        const std::size_t level = lines[0].find(" E: ");
-        return {level == std::string::npos ? lines[0] : lines[0].substr(level + 4), lines[1]};
+    // Expects the initialisation to be refused with this result. It prints its one log line, since
+    // there is no log yet.
+    void expectRefusal(const std::string& client, const std::string& result,
+                       const std::string& line) const {
+        SCOPED_TRACE(client);
+        const Lines lines = output({"init", client});
+        ASSERT_EQ(lines.size(), 2u);
+        EXPECT_EQ(lines[0].substr(lines[0].find(" E: ") + 4), logged::messageOf(line));
+        EXPECT_EQ(lines[1], "init " + result);
     }
 
-    // A folder of more than 300 characters, which is not there yet.
+    // A folder of more than 300 characters that does not exist yet.
     std::string longFolder() const {
         std::string path = data.path();
         while (path.size() < 300) path += "\\a folder with a long name";
@@ -28,13 +30,11 @@ class InitTest : public PlainHostTest {
     static std::string anyLength(const std::string& path) { return "\\\\?\\" + path; }
 };
 
-using Refusal = std::pair<std::string, std::string>;
-
 }  // namespace
 
 TEST_F(InitTest, LoadsTheConfigurationAndLogsIntoTheProductsLog) {
     writeConf("vtr.locale=\"fr-FR\"\n");
-    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale", "fini"}),
+    EXPECT_EQ(output("init Helper getstr vtr.locale fini"),
               (Lines{"init 0", "getstr fr-FR", "fini 0"}));
     EXPECT_EQ(log(), (Lines{logged::byHelper(logged::initialising("Helper")),
                             logged::byHelper(logged::confLoading()),
@@ -51,38 +51,33 @@ TEST_F(InitTest, EveryClientButTheLauncherStartsWhateverIsInstalled) {
 }
 
 TEST_F(InitTest, UnknownClientsAreRefused) {
-    for (const std::string client : {"launcher", "Launcher ", " Launcher", "", "Other"}) {
-        EXPECT_EQ(refused({"init", client}),
-                  (Refusal{logged::messageOf(logged::clientInvalid(client)), "init 22"}));
+    for (const std::string client : {"launcher", "Launcher ", " Launcher", "", "Other", "(null)"}) {
+        expectRefusal(client, "22", logged::clientInvalid(client));
     }
-    EXPECT_EQ(refused({"init", "(null)"}),
-              (Refusal{logged::messageOf(logged::clientInvalid("(null)")), "init 22"}));
     EXPECT_FALSE(data.has("Logs\\Player.log")) << "nothing else has been done";
 }
 
 TEST_F(InitTest, TheLauncherNeedsTheProductsExactVersion) {
     writeConf("");
-    EXPECT_EQ(output({"init", "Launcher"}), Lines{"init 0"});
+    EXPECT_EQ(output("init Launcher"), Lines{"init 0"});
     const std::string own = kProductVersion;
     const std::string shorter = own.substr(0, own.size() - 1);
     for (const std::string& other : {own + "0", shorter, std::string(), shorter + "x"}) {
         version = other;
-        EXPECT_EQ(refused({"init", "Launcher"}),
-                  (Refusal{logged::messageOf(logged::versionMismatched(version)), "init -1"}));
+        expectRefusal("Launcher", "-1", logged::versionMismatched(version));
     }
 }
 
 TEST_F(InitTest, AMissingVersionMismatchesToo) {
-    const ChildResult result =
-        runChild(builtProgram("plain_host.exe"), {"sandbox", "init", "Launcher"});
-    EXPECT_NE(result.out.find(logged::messageOf(logged::versionMismatched(""))), std::string::npos);
-    EXPECT_NE(result.out.find("init -1"), std::string::npos);
+    const Lines lines = output("sandbox init Launcher");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[0].find(logged::messageOf(logged::versionMismatched(""))), std::string::npos);
+    EXPECT_EQ(lines[1], "init -1");
 }
 
 TEST_F(InitTest, WithoutAConfFileTheDefaultsAreThere) {
     writeConf("vtr.locale=\"fr-FR\"\n");
-    EXPECT_EQ(output({"initex", "Helper", "1", "(null)", "getstr", "vtr.locale", "getstr",
-                      "vtr.log_levels"}),
+    EXPECT_EQ(output("initex Helper 1 (null) getstr vtr.locale getstr vtr.log_levels"),
               (Lines{"initex 0", "getstr ", "getstr *:I"}));
 }
 
@@ -122,7 +117,7 @@ TEST_F(InitTest, TheDataFolderMayBeLong) {
     EXPECT_EQ(logMessages(readBytes(anyLength(longFolder() + "\\Logs\\Player.log"))).size(), 4u);
 }
 
-TEST_F(InitTest, TheProductsLogIsLookedUpThoughAnotherIsGiven) {
+TEST_F(InitTest, TheProductsLogIsLookedUpAlthoughAnotherIsGiven) {
     const TempFolder later;
     EXPECT_EQ(output({"initex", "Helper", "1", data / "own.log", "registry", "UserDefinedDir",
                       later.path(), "initex", "Helper", "1", "(null)"}),
@@ -133,8 +128,7 @@ TEST_F(InitTest, TheProductsLogIsLookedUpThoughAnotherIsGiven) {
 }
 
 TEST_F(InitTest, AMissingConfFileIsAFailureThatLeavesTheDefaults) {
-    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.log_levels"}),
-              (Lines{"init -1", "getstr *:I"}));
+    EXPECT_EQ(output("init Helper getstr vtr.log_levels"), (Lines{"init -1", "getstr *:I"}));
     EXPECT_EQ(log(), (Lines{logged::byHelper(logged::initialising("Helper")),
                             logged::byHelper(logged::confLoading()),
                             logged::byHelper(logged::confNotOpened(confPath())),
@@ -143,26 +137,23 @@ TEST_F(InitTest, AMissingConfFileIsAFailureThatLeavesTheDefaults) {
 
 TEST_F(InitTest, ABrokenLineIsAFailureThatLeavesWhatWasRead) {
     writeConf("vtr.locale=\"fr-FR\"\nbroken\n");
-    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale"}),
-              (Lines{"init -1", "getstr fr-FR"}));
+    EXPECT_EQ(output("init Helper getstr vtr.locale"), (Lines{"init -1", "getstr fr-FR"}));
     EXPECT_EQ(log()[2], logged::byHelper(logged::confMalformed("broken")));
     EXPECT_EQ(log()[3], logged::byHelper(logged::confNotLoaded()));
 }
 
 TEST_F(InitTest, ALineThatEndsAtItsSignStopsAtTheFence) {
     writeConf("vtr.locale=\"fr-FR\"\nvtr.guid=\n");
-    EXPECT_EQ(output({"init", "Helper", "getstr", "vtr.locale", "setstr", "vtr.guid", "x", "commit",
-                      "getstr", "vtr.guid"}),
+    EXPECT_EQ(output("init Helper getstr vtr.locale setstr vtr.guid x commit getstr vtr.guid"),
               (Lines{"init -1", "getstr fr-FR", "setstr 0", "commit -1", "getstr x"}));
     const Lines lines = log();
     ASSERT_EQ(lines.size(), 6u);
-    EXPECT_EQ(
-        lines[2].rfind(logged::byHelper(logged::exceptionCaught("BRIDGE", "bridgeApiInitEx")), 0),
-        0u);
+    const auto exceptionIn = [](const std::string& function) {
+        return logged::byHelper(logged::exceptionCaught("BRIDGE", function));
+    };
+    EXPECT_EQ(lines[2].rfind(exceptionIn("bridgeApiInitEx"), 0), 0u);
     EXPECT_EQ(lines[3], logged::byHelper(logged::confNotLoaded()));
-    EXPECT_EQ(
-        lines[5].rfind(logged::byHelper(logged::exceptionCaught("BRIDGE", "bridgeConfCommit")), 0),
-        0u);
+    EXPECT_EQ(lines[5].rfind(exceptionIn("bridgeConfCommit"), 0), 0u);
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"})) << "no temporary file is left";
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"fr-FR\"\nvtr.guid=\n");
 }
@@ -170,7 +161,7 @@ TEST_F(InitTest, ALineThatEndsAtItsSignStopsAtTheFence) {
 TEST_F(InitTest, AMissingLogsFolderIsFatalAndSilent) {
     writeConf("");
     ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
-    const ChildResult result = play({"init", "Helper"});
+    const ChildResult result = play(script("init Helper"));
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(data.list(), Lines{"vantrel.conf"});
@@ -188,11 +179,10 @@ TEST_F(InitTest, ASecondInitialisationRunsEveryStepAgain) {
 
 TEST_F(InitTest, FinishingCommitsNothing) {
     writeConf("vtr.locale=\"a\"\n");
-    EXPECT_EQ(output({"init", "Helper", "setstr", "vtr.locale", "b", "fini"}),
-              (Lines{"init 0", "setstr 0", "fini 0"}));
+    EXPECT_EQ(asHelper("setstr vtr.locale b fini"), (Lines{"setstr 0", "fini 0"}));
     EXPECT_EQ(data.read("vantrel.conf"), "vtr.locale=\"a\"\n");
 }
 
-TEST_F(InitTest, FinishingWithoutAnythingAnswersZero) {
-    EXPECT_EQ(output({"fini"}), Lines{"fini 0"});
+TEST_F(InitTest, FinishingWithoutAnInitialisationReturnsZero) {
+    EXPECT_EQ(output("fini"), Lines{"fini 0"});
 }

@@ -7,15 +7,27 @@ class InstancesTest : public PlainHostTest {
     // The listing of a file with this content.
     std::string listing(std::string_view content) const {
         writeConf(content);
-        const ChildResult result = play({"init", "Helper", "instances"});
-        EXPECT_EQ(result.status, 0u);
-        std::string text;
-        for (const char c : result.out) {
-            if (c != '\r') text += c;  // the host prints in text mode
-        }
-        const std::string start = "init 0\ninstances ";
+        const std::string text = joined(asHelper("instances"));
+        const std::string start = "instances ";
         EXPECT_EQ(text.substr(0, start.size()), start);
+        EXPECT_EQ(text.substr(text.size() - 2), "\n\n") << "the listing's, and the host's";
         return text.substr(start.size(), text.size() - start.size() - 1);
+    }
+
+    static std::string joined(const Lines& lines) {
+        std::string text;
+        for (const std::string& line : lines) text += line + "\n";
+        return text;
+    }
+
+    // An instance without properties of its own, but for its memory.
+    static std::string object(const std::string& name, const std::string& image,
+                              const std::string& ram = "0") {
+        return "    {\n        \"cpu\": 0,\n        \"deviceProfile\": \"\",\n"
+               "        \"displayName\": \"Vantrel\",\n        \"graphicsEngine\": \"\",\n"
+               "        \"graphicsRenderer\": \"\",\n        \"imageName\": \"" +
+               image + "\",\n        \"instance\": \"" + name + "\",\n        \"ram\": " + ram +
+               "\n    }";
     }
 };
 
@@ -45,12 +57,6 @@ TEST_F(InstancesTest, MembersAreSortedAndIndentedByFourBlanks) {
 }
 
 TEST_F(InstancesTest, InstancesComeInByteOrderWithTheirDefaults) {
-    const auto object = [](const std::string& name, const std::string& image) {
-        return "    {\n        \"cpu\": 0,\n        \"deviceProfile\": \"\",\n"
-               "        \"displayName\": \"Vantrel\",\n        \"graphicsEngine\": \"\",\n"
-               "        \"graphicsRenderer\": \"\",\n        \"imageName\": \"" +
-               image + "\",\n        \"instance\": \"" + name + "\",\n        \"ram\": 0\n    }";
-    };
     EXPECT_EQ(listing("vtr.instance.Nougat64_2.dpi=\"1\"\nvtr.instance.Nougat64_10.dpi=\"1\"\n"
                       "vtr.instance.Nougat32.dpi=\"1\"\n"),
               "[\n" + object("Nougat32", "Nougat32") + ",\n" + object("Nougat64_10", "Nougat64") +
@@ -59,18 +65,14 @@ TEST_F(InstancesTest, InstancesComeInByteOrderWithTheirDefaults) {
 
 TEST_F(InstancesTest, AnInstanceOfAnUnknownImageEndsTheHost) {
     writeConf("vtr.instance.Pie64.dpi=\"1\"\n");
-    EXPECT_EQ(play({"init", "Helper", "instances"}).status, kFatalStatus);
+    EXPECT_EQ(play(script("init Helper instances")).status, kFatalStatus);
     EXPECT_EQ(log()[3].rfind("E UTL Helper_bridge utlGetImageTrait:", 0), 0u) << log()[3];
     expectBreak("UTL", "Source/utl/Utl");
 }
 
 TEST_F(InstancesTest, ANewInstanceIsListedBeforeItsCommitAndMissingAfterIt) {
     writeConf("");
-    EXPECT_EQ(output({"init", "Helper", "seti32", "vtr.instance.Nougat64.ram", "1", "instances",
-                      "commit", "instances"}),
-              (Lines{"init 0", "seti32 0", "instances [", "    {", "        \"cpu\": 0,",
-                     "        \"deviceProfile\": \"\",", "        \"displayName\": \"Vantrel\",",
-                     "        \"graphicsEngine\": \"\",", "        \"graphicsRenderer\": \"\",",
-                     "        \"imageName\": \"Nougat64\",", "        \"instance\": \"Nougat64\",",
-                     "        \"ram\": 1", "    }", "]", "", "commit 0", "instances [", "]", ""}));
+    EXPECT_EQ(joined(asHelper("seti32 vtr.instance.Nougat64.ram 1 instances commit instances")),
+              "seti32 0\ninstances [\n" + object("Nougat64", "Nougat64", "1") +
+                  "\n]\n\ncommit 0\ninstances [\n]\n\n");
 }

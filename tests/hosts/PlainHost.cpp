@@ -13,16 +13,20 @@ Lines linesOf(std::string_view text) {
     return lines;
 }
 
+Lines with(Lines lines, const Lines& more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
 Script script(std::string_view words) {
     std::istringstream stream{std::string(words)};
     return {std::istream_iterator<std::string>(stream), {}};
 }
 
 ChildProcess PlainHostTest::start(const Script& script, const ChildOptions& options) const {
-    Script all{"sandbox",  "registry", "UserDefinedDir", data.path(),
-               "registry", "Version",  version};
-    all.insert(all.end(), script.begin(), script.end());
-    return {builtProgram("plain_host.exe"), all, options};
+    const Script registry{"sandbox",  "registry", "UserDefinedDir", data.path(),
+                          "registry", "Version",  version};
+    return {builtProgram("plain_host.exe"), with(registry, script), options};
 }
 
 ChildResult PlainHostTest::play(const Script& script, const ChildOptions& options) const {
@@ -33,6 +37,20 @@ Lines PlainHostTest::output(const Script& script) const {
     const ChildResult result = play(script);
     EXPECT_EQ(result.status, 0u) << result.out << result.err;
     return linesOf(result.out);
+}
+
+Lines PlainHostTest::asHelper(const Script& script) const {
+    Lines lines = output(with({"init", "Helper"}, script));
+    EXPECT_EQ(lines.empty() ? "" : lines[0], "init 0");
+    if (!lines.empty()) lines.erase(lines.begin());
+    return lines;
+}
+
+Lines PlainHostTest::logAfterInit() const {
+    Lines lines = log();
+    EXPECT_GE(lines.size(), 3u);
+    if (lines.size() >= 3) lines.erase(lines.begin(), lines.begin() + 3);
+    return lines;
 }
 
 void PlainHostTest::expectBreak(const std::string& tag, const std::string& file) const {

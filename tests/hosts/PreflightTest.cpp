@@ -1,5 +1,5 @@
-// What preflight.h says before the start, in a host of another compiler, and that the start then
-// does what was said.
+// Problems that preflight.h reports before the start, in a host of another compiler, and how the
+// start then ends.
 #include <filesystem>
 #include <string>
 
@@ -8,32 +8,43 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
+// How a host starts.
+struct Start {
+    Script registry;  // operations on its registry, before
+    std::string client = "Helper";
+    std::string noConf = "0";
+    std::string log = "(null)";
+};
+
 class PreflightTest : public PlainHostTest {
  protected:
     PreflightTest() { writeConf("vtr.locale=\"fr-FR\"\n"); }
 
-    // The lines of an operation, after the operations that come before it.
-    Lines preflight(const Script& before = {},
-                    const Script& arguments = {"Helper", "0", "(null)"}) const {
-        Script script = before;
-        script.push_back("preflight");
-        script.insert(script.end(), arguments.begin(), arguments.end());
-        return output(script);
-    }
-
-    // How a start in the same state ends: "fatal", or its line.
-    std::string start(Script script = {}, const Script& init = {"init", "Helper"}) const {
-        script.insert(script.end(), init.begin(), init.end());
+    // Expects a host to find these problems, and its start then to end as told: "0", "-1", "fatal".
+    void expectProblems(const Lines& problems, const std::string& end,
+                        const Start& start = {}) const {
+        Script script = start.registry;
+        for (const char* operation : {"preflight", "initex"}) {
+            script = with(script, {operation, start.client, start.noConf, start.log});
+        }
         const ChildResult result = play(script);
-        if (result.status == kFatalStatus) return "fatal";
-        EXPECT_EQ(result.status, 0u) << result.err;
-        const Lines lines = linesOf(result.out);
-        return lines.empty() ? "" : lines.back();
+        Lines lines = linesOf(result.out);
+        ASSERT_GT(lines.size(), problems.size());
+        const auto found = lines.begin() + static_cast<std::ptrdiff_t>(problems.size()) + 1;
+        EXPECT_EQ(Lines(lines.begin(), found),
+                  with({"preflight " + std::to_string(problems.size())}, problems));
+        EXPECT_EQ(result.status, end == "fatal" ? kFatalStatus : 0u) << result.err;
+        if (end != "fatal") EXPECT_EQ(lines.back(), "initex " + end);
     }
 
-    void removeFolder(const std::string& name) const {
-        std::filesystem::remove_all(std::filesystem::u8path(data / name));
+    // What a preflight alone prints.
+    Lines preflight(const Start& start = {}) const {
+        return output(with(start.registry, {"preflight", start.client, start.noConf, start.log}));
     }
+
+    void removeFolder(const std::string& name) const { fs::remove_all(fs::u8path(data / name)); }
 };
 
 }  // namespace
@@ -41,96 +52,83 @@ class PreflightTest : public PlainHostTest {
 TEST_F(PreflightTest, SaysNothingWhereTheStartWorksAndLeavesNothingBehind) {
     EXPECT_EQ(preflight(), Lines{"preflight 0"});
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"}));
-    EXPECT_TRUE(std::filesystem::is_empty(std::filesystem::u8path(data / "Logs")));
-    EXPECT_EQ(start(), "init 0");
+    EXPECT_TRUE(fs::is_empty(fs::u8path(data / "Logs")));
+    expectProblems({}, "0");
 }
 
-TEST_F(PreflightTest, ALogThatIsThereStaysAsItIs) {
+TEST_F(PreflightTest, AnExistingLogIsNotChanged) {
     data.write("Logs\\Player.log", "a line\n");
     EXPECT_EQ(preflight(), Lines{"preflight 0"});
     EXPECT_EQ(data.read("Logs\\Player.log"), "a line\n");
 }
 
-TEST_F(PreflightTest, AMissingRegistryValueIsAllThatIsSaid) {
-    const Lines expected = {
-        "preflight 1",
+TEST_F(PreflightTest, AMissingRegistryValueIsTheOnlyProblem) {
+    const Lines problem{
         "the registry value HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo \"UserDefinedDir\" is "
         "missing: install the product, or set it to a data folder (reg add "
         "HKLM\\SOFTWARE\\Vantrel_nvo /v UserDefinedDir /d C:\\Data)"};
-    EXPECT_EQ(preflight({"sandbox"}), expected);
-    EXPECT_EQ(preflight({"registry", "UserDefinedDir", ""}), expected);
-    EXPECT_EQ(start({"sandbox"}), "fatal");
+    expectProblems(problem, "fatal", {{"sandbox"}});
+    expectProblems(problem, "fatal", {{"registry", "UserDefinedDir", ""}});
 }
 
-TEST_F(PreflightTest, ADataFolderThatDoesNotExistIsAllThatIsSaid) {
-    const Script elsewhere{"registry", "UserDefinedDir", data / "größe"};
-    EXPECT_EQ(preflight(elsewhere),
-              (Lines{"preflight 1", "the data folder " + (data / "größe") +
-                                        " does not exist: create it, or set the registry value "
-                                        "\"UserDefinedDir\" to another"}));
-    EXPECT_EQ(start(elsewhere), "fatal");
+TEST_F(PreflightTest, AMissingDataFolderIsTheOnlyProblem) {
+    expectProblems({"the data folder " + (data / "größe") +
+                    " does not exist: create it, or set the registry value \"UserDefinedDir\" to "
+                    "another"},
+                   "fatal", {{"registry", "UserDefinedDir", data / "größe"}});
 }
 
 TEST_F(PreflightTest, AMissingFolderOfTheLog) {
     removeFolder("Logs");
-    EXPECT_EQ(preflight(),
-              (Lines{"preflight 1", "the folder " + (data / "Logs") +
-                                        " does not exist: create it: the log is written there"}));
-    EXPECT_EQ(start(), "fatal");
+    expectProblems(
+        {"the folder " + (data / "Logs") + " does not exist: create it: the log is written there"},
+        "fatal");
 }
 
 TEST_F(PreflightTest, ALogThatCannotBeOpened) {
     data.makeFolder("Logs\\Player.log");
-    EXPECT_EQ(preflight(),
-              (Lines{"preflight 1",
-                     "the log " + (data / "Logs\\Player.log") +
-                         " cannot be opened (Windows error 5): give this user the right to write "
-                         "it, or name another log file"}));
-    EXPECT_EQ(start(), "fatal");
+    expectProblems({"the log " + (data / "Logs\\Player.log") +
+                    " cannot be opened (Windows error 5): give this user the right to write it, "
+                    "or name another log file"},
+                   "fatal");
 }
 
 TEST_F(PreflightTest, AMissingConfigurationFile) {
     removeFolder("vantrel.conf");
-    EXPECT_EQ(preflight(),
-              (Lines{"preflight 1", "the configuration file " + confPath() +
-                                        " does not exist: install the product, or copy a "
-                                        "vantrel.conf there"}));
-    EXPECT_EQ(start(), "init -1");
+    expectProblems({"the configuration file " + confPath() +
+                    " does not exist: install the product, or copy a vantrel.conf there"},
+                   "-1");
 }
 
 TEST_F(PreflightTest, AConfigurationFileThatCannotBeRead) {
     removeFolder("vantrel.conf");
     data.makeFolder("vantrel.conf");
-    EXPECT_EQ(preflight(), (Lines{"preflight 1", "the configuration file " + confPath() +
-                                                     " cannot be read: give this user the right to "
-                                                     "read it"}));
-    EXPECT_EQ(start(), "init -1");
+    expectProblems({"the configuration file " + confPath() +
+                    " cannot be read: give this user the right to read it"},
+                   "-1");
 }
 
 TEST_F(PreflightTest, AByteOrderMark) {
     writeConf("\xEF\xBB\xBFvtr.locale=\"fr-FR\"\n");
-    EXPECT_EQ(preflight(),
-              (Lines{"preflight 1", "the configuration file " + confPath() +
-                                        " begins with a byte order mark: save it as UTF-8 without "
-                                        "a byte order mark"}));
-    EXPECT_EQ(start(), "init -1");
+    expectProblems({"the configuration file " + confPath() +
+                    " begins with a byte order mark: save it as UTF-8 without a byte order mark"},
+                   "-1");
 }
 
 TEST_F(PreflightTest, OnlyTheLauncherNeedsTheLibrarysVersion) {
     const Script other{"registry", "Version", "5.1"};
-    EXPECT_EQ(preflight(other), Lines{"preflight 0"});
-    EXPECT_EQ(preflight(other, {"Launcher", "0", "(null)"}),
-              (Lines{"preflight 1", "the product's version is \"5.1\", and the library's is \"" +
-                                        std::string(kProductVersion) +
-                                        "\": install product and library of the same version"}));
-    EXPECT_EQ(start(other, {"init", "Launcher"}), "init -1");
-    EXPECT_EQ(preflight({}, {"Launcher", "0", "(null)"}), Lines{"preflight 0"});
+    expectProblems({}, "0", {other});
+    expectProblems(
+        {"the product's version is \"5.1\", and the library's is \"" +
+         std::string(kProductVersion) + "\": install product and library of the same version"},
+        "-1", {other, "Launcher"});
+    expectProblems({}, "0", {{}, "Launcher"});
 }
 
-TEST_F(PreflightTest, EveryProblemIsSaid) {
+TEST_F(PreflightTest, EveryProblemIsReported) {
     removeFolder("Logs");
     removeFolder("vantrel.conf");
-    const Lines lines = preflight({"registry", "Version", "5.1"}, {"Launcher", "0", "(null)"});
+    const Lines lines = preflight({{"registry", "Version", "5.1"}, "Launcher"});
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[0], "preflight 3");
     EXPECT_EQ(lines[1].rfind("the folder ", 0), 0u);
@@ -138,46 +136,41 @@ TEST_F(PreflightTest, EveryProblemIsSaid) {
     EXPECT_EQ(lines[3].rfind("the product's version ", 0), 0u);
 }
 
-TEST_F(PreflightTest, WithoutTheFileItIsNotLookedAt) {
+TEST_F(PreflightTest, AHostWithoutTheFileNeedsNone) {
     removeFolder("vantrel.conf");
-    EXPECT_EQ(preflight({}, {"Helper", "1", "(null)"}), Lines{"preflight 0"});
-    EXPECT_EQ(start({}, {"initex", "Helper", "1", "(null)"}), "initex 0");
+    expectProblems({}, "0", {{}, "Helper", "1"});
 }
 
-TEST_F(PreflightTest, WithALogOfItsOwnTheFolderLogsIsNotLookedAt) {
+TEST_F(PreflightTest, AHostWithItsOwnLogNeedsNoFolderLogs) {
     removeFolder("Logs");
-    EXPECT_EQ(preflight({}, {"Helper", "0", data / "own.log"}), Lines{"preflight 0"});
+    const Start ownLog{{}, "Helper", "0", data / "own.log"};
+    EXPECT_EQ(preflight(ownLog), Lines{"preflight 0"});
     EXPECT_EQ(data.list(), Lines{"vantrel.conf"});
-    EXPECT_EQ(start({}, {"initex", "Helper", "0", data / "own.log"}), "initex 0");
+    expectProblems({}, "0", ownLog);
 }
 
-TEST_F(PreflightTest, WithoutTheFileAndWithALogOfItsOwnNoDataFolderIsNeeded) {
-    EXPECT_EQ(preflight({"sandbox"}, {"Helper", "1", data / "own.log"}), Lines{"preflight 0"});
-    EXPECT_EQ(start({"sandbox"}, {"initex", "Helper", "1", data / "own.log"}), "initex 0");
+TEST_F(PreflightTest, AHostWithoutTheFileAndWithItsOwnLogNeedsNoDataFolder) {
+    expectProblems({}, "0", {{"sandbox"}, "Helper", "1", data / "own.log"});
 }
 
-TEST_F(PreflightTest, ALogOfItsOwnInAMissingFolder) {
-    const std::string made = data / "a\\b\\own.log";
-    EXPECT_EQ(preflight({}, {"Helper", "0", made}), Lines{"preflight 0"});
-    EXPECT_EQ(start({}, {"initex", "Helper", "0", made}), "initex 0");
+TEST_F(PreflightTest, AHostsOwnLogInAMissingFolder) {
+    expectProblems({}, "0", {{}, "Helper", "0", data / "a\\b\\own.log"});
 
-    std::string notMade = data / "c/own.log";
-    EXPECT_EQ(preflight({}, {"Helper", "0", notMade})[0], "preflight 1");
-    EXPECT_EQ(start({}, {"initex", "Helper", "0", notMade}), "fatal");
+    const Start notMade{{}, "Helper", "0", data / "c/own.log"};
+    EXPECT_EQ(preflight(notMade)[0], "preflight 1");
+    EXPECT_EQ(play({"initex", "Helper", "0", notMade.log}).status, kFatalStatus);
 }
 
-TEST_F(PreflightTest, LongPathsAreLookedAtToo) {
+TEST_F(PreflightTest, LongPathsAreCheckedToo) {
     std::string folder = data.path();
     while (folder.size() < 300) folder += "\\a folder with a long name";
-    std::filesystem::create_directories(std::filesystem::u8path("\\\\?\\" + folder + "\\Logs"));
+    fs::create_directories(fs::u8path("\\\\?\\" + folder + "\\Logs"));
     writeBytes("\\\\?\\" + folder + "\\vantrel.conf", "vtr.locale=\"fr-FR\"\n");
-    const Script there{"registry", "UserDefinedDir", folder};
-    EXPECT_EQ(preflight(there), Lines{"preflight 0"});
-    EXPECT_EQ(start(there), "init 0");
+    expectProblems({}, "0", {{"registry", "UserDefinedDir", folder}});
 }
 
-TEST_F(PreflightTest, ATextWithoutRoomIsCutOff) {
+TEST_F(PreflightTest, ATextThatDoesNotFitIsCutOff) {
     removeFolder("vantrel.conf");
-    EXPECT_EQ(output({"shortpreflight", "Helper"}),
+    EXPECT_EQ(output("shortpreflight Helper"),
               (Lines{"count 1", "shortpreflight 1", "the configuration f"}));
 }

@@ -1,5 +1,5 @@
-/* A DLL of a host's that ends the library where nothing may be called any more: while Windows takes
- * the process down, and the library's threads are gone. */
+/* A host's DLL that calls bridgeApiFini too late: while the process ends, when the library's
+ * threads are gone. */
 #include <bridge/bridge.h>
 #include <windows.h>
 

@@ -23,7 +23,7 @@ static DWORD WINAPI commitUntilAllStarted(void* unused) {
     return 0;
 }
 
-/* A child that lives as long as this process, or until it is ended. */
+/* A child that runs as long as this process. */
 static HANDLE startChild(void) {
     WCHAR self[MAX_PATH];
     WCHAR line[MAX_PATH + 64];
@@ -41,7 +41,7 @@ static HANDLE startChild(void) {
     return started.hProcess;
 }
 
-/* Starts a child, and waits until the thread has committed once more: spread over its commits. */
+/* Starts a child, and waits for the thread's next commit. */
 static HANDLE startChildBetweenCommits(void) {
     const LONG before = commits;
     const HANDLE child = startChild();

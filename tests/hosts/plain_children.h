@@ -1,9 +1,8 @@
 /*
  * Children that the plain host starts by itself, with its inheritable handles:
  *
- *     commitamong CHILDREN COMMITS   commits on a thread until so many children have started, and
- *                                    then so many times more while they live; prints how many
- *                                    commits of each kind failed
+ *     commitamong CHILDREN COMMITS   commits on a thread until so many children have started, then
+ *                                    so many times while they run; prints how many failed each time
  *     outlive PID                    waits for the end of that process
  */
 #ifndef TESTS_HOSTS_PLAIN_CHILDREN_H

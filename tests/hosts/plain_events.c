@@ -16,6 +16,7 @@ static HANDLE arrived;
 static volatile LONG begun;
 static volatile LONG arrivals;
 static DWORD blockFor;
+static const WCHAR* blockUntil;
 static int reenters;
 static const char* insidePath;
 static int quiet;
@@ -30,7 +31,7 @@ static unsigned long addToSum(unsigned long sum, const char* text) {
     return sum;
 }
 
-/* A long text stands as its length and its FNV-1a sum. */
+/* A long text is shown as its length and its FNV-1a sum. */
 static const char* shown(const char* text) {
     static char sums[8][40];
     static int nextSum;
@@ -42,14 +43,14 @@ static const char* shown(const char* text) {
     return place;
 }
 
-/* Whether it is the text expected, whose memory goes back. */
+/* Compares a text of the library's, and frees it. */
 static int isText(char* text, const char* expected) {
     const int same = text != NULL && strcmp(text, expected) == 0;
     bridgeFreeMemory(text);
     return same;
 }
 
-/* The configuration from inside a callback: what each change gives shows in what is read next. */
+/* Reads, sets and commits the configuration inside a callback. */
 static void useConfiguration(void) {
     const int dpi = 100 + (int)arrivals;
     char* list = bridgeConfGetInstances();
@@ -72,7 +73,7 @@ static void useConfiguration(void) {
     bridgeFreeMemory(list);
 }
 
-/* The programs, none of which is there, and the end, which has to come from another thread. */
+/* Starts programs, none of which exists, and calls bridgeApiFini, which has no effect here. */
 static void usePrograms(void) {
     char* const apps = bridgeGetInstalledApps("Nougat64");
     char line[200];
@@ -91,14 +92,14 @@ static void usePrograms(void) {
 static void registerMask(unsigned long mask);
 static unsigned long registered;
 
-/* Whether the call comes on one thread that is not the main one. */
+/* Every call must come on the same thread, which is not the main one. */
 static const char* place(void) {
     const DWORD thread = GetCurrentThreadId();
     if (eventThread == 0) eventThread = thread;
     return thread == eventThread && thread != mainThread ? "" : " ON THE WRONG THREAD";
 }
 
-/* Adds a field: a letter, 't', 'i', 'd' or 'b', and the value behind it. */
+/* Adds a field: a letter, 't', 'i', 'd' or 'b', is followed by the value. */
 static void addField(char* line, int letter, va_list* arguments) {
     char* const end = line + strlen(line);
     if (letter == 't')
@@ -109,7 +110,7 @@ static void addField(char* line, int letter, va_list* arguments) {
         sprintf(end, "%d", va_arg(*arguments, int));
 }
 
-/* Prints an event in one piece, unless the host is to be quiet, and counts it. 0 ends the list. */
+/* Prints an event in one piece, unless the host is quiet, and counts it. 0 ends the list. */
 static void happened(const char* name, ...) {
     char line[4096];
     const char* before = " ";
@@ -124,6 +125,8 @@ static void happened(const char* name, ...) {
     }
     Sleep(blockFor);
     blockFor = 0;
+    if (blockUntil != NULL) awaitFile(blockUntil);
+    blockUntil = NULL;
     strcpy(line, name);
     va_start(arguments, name);
     while ((letter = va_arg(arguments, int)) != 0) {
@@ -141,7 +144,7 @@ static void happened(const char* name, ...) {
     SetEvent(arrived);
 }
 
-/* A callback for each event, which hands its fields on. */
+/* A callback for each event. */
 #define TEXT_PARAMETER(name, example) const char* name
 #define I32_PARAMETER(name, example) bridge_i32 name
 #define DOUBLE_PARAMETER(name, example) double name
@@ -165,6 +168,10 @@ static void registerMask(unsigned long mask) {
 #undef IF_WANTED
 }
 
+void awaitFile(const WCHAR* path) {
+    while (GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) Sleep(5);
+}
+
 static void waitUntilServed(const WCHAR* client) {
     WCHAR path[100];
     int i;
@@ -173,7 +180,7 @@ static void waitUntilServed(const WCHAR* client) {
     printLine(i < 2000 ? "served" : "NOT SERVED");
 }
 
-/* Waits until a count of the events comes so far. */
+/* Waits until the count reaches the number. */
 static void waitFor(const volatile LONG* count, LONG wanted) {
     while (*count < wanted && WaitForSingleObject(arrived, 30000) == WAIT_OBJECT_0) {
     }
@@ -236,7 +243,7 @@ static int unload(const Copy* copy, const WCHAR* path) {
     return GetModuleHandleW(path) == NULL;
 }
 
-/* What the library tells "Installer" when the configuration of an instance "N" has changed. */
+/* The event to "Installer" that the configuration of an instance "N" has changed. */
 static const unsigned char kChanged[] = {0xBE, 0x0B, 0, 0, 18, 0, 0, 0,   0,
                                          0,    0,    0, 2, 0,  0, 0, 'N', 0};
 
@@ -278,7 +285,7 @@ static int useCopy(const Copy* copy, const char* player, int life) {
     return ok && copy->commit() == 0 && copy->shutdown(player, 0) == 0;
 }
 
-/* Whether one life went as it should. Without a player it ends as soon as it has begun. */
+/* Loads, initialises, finishes and unloads a copy; uses it if there is a player. */
 static int live(const WCHAR* path, const char* player, int life) {
     Copy copy;
     int ok = load(&copy, path) && copy.init("Installer", 0, 0, "NUL") == 0;
@@ -290,9 +297,8 @@ static int live(const WCHAR* path, const char* player, int life) {
 }
 
 /*
- * What is not the library's in a life: Wine 10's C runtime keeps a small block for each setlocale,
- * and its heap keeps the bucket that the block is in, once the others in it have been in use. The
- * smallest bucket has 31 blocks.
+ * The growth that is not the library's: Wine 10's C runtime keeps a small block for each setlocale,
+ * and its heap keeps the block's bucket. The smallest bucket has 31 blocks.
  */
 static void setLocaleAmongSmallBlocks(void) {
     enum { BLOCKS = 64, SMALL = 40 };
@@ -322,7 +328,7 @@ static void control(int rounds) {
     printGrowth("control", &growth);
 }
 
-/* The first lives may leave something behind that the later ones use again. */
+/* The warm-up may leave blocks that the later cycles use again. */
 static void loadUnload(const WCHAR* path, int count, const char* player) {
     const int warmUp = 20;
     const int rounds = count / GROWTH_BATCHES;
@@ -369,6 +375,8 @@ int eventOperation(const char* name) {
         registerMask(mask);
     } else if (strcmp(name, "block") == 0) {
         blockFor = strtoul(next(), NULL, 10);
+    } else if (strcmp(name, "blockuntil") == 0) {
+        blockUntil = nextWide();
     } else if (strcmp(name, "quiet") == 0) {
         quiet = 1;
         digest = kSumOfNothing;

@@ -1,24 +1,23 @@
 /*
- * A host as C programmers write it: no Qt, no C++, the older C runtime, the library through its
- * import library. It plays a script given as arguments, one operation after another, and prints
- * what each one answered, as UTF-8:
+ * A host in C: no Qt, the older C runtime, the library through its import library. Its arguments
+ * are a script. It runs the operations in order, and prints the result of each as UTF-8:
  *
- *     registry NAME TEXT   a REG_SZ value that only this process sees
+ *     registry NAME TEXT   sets a REG_SZ value that only this process sees
  *     sandbox              an empty product key that only this process sees
  *     init CLIENT | initex CLIENT NOCONF LOG | fini
  *     preflight CLIENT NOCONF LOG | shortpreflight CLIENT   into a buffer of 20 bytes
  *     getbool KEY | geti32 KEY | geti64 KEY | getstr KEY | getmulti KEY
  *     setbool KEY N | seti32 KEY N | setstr KEY TEXT | setmulti KEY TEXT
  *     commit | committo PATH | instances | freenull
- *     startcommit | endcommit   commits on another thread; prints its answer
- *     takelock | leavelock      the lock of the file, as another program has it
- *     awaitfile PATH
+ *     startcommit | endcommit   commits on another thread; prints the result
+ *     takelock | leavelock      takes the file's lock, as another program would
+ *     awaitfile PATH            waits until the file exists
  *     bridgeLaunchApp INSTANCE PACKAGE, and each other function that starts a program
  *     plrshutdown INSTANCE N | shutdown | shutdownmany INSTANCE COUNT | apps INSTANCE
  *     hold KEY             reads a text, changes the key, and prints the text read before
  *
- * "(null)" stands for a null pointer. plain_events.h has the operations on events, plain_children.h
- * those with children.
+ * "(null)" is a null pointer. plain_events.h has the operations on events, plain_children.h those
+ * with children.
  */
 #include "plain_children.h"
 #include "plain_events.h"
@@ -110,10 +109,6 @@ static void takeLock(void) {
     WaitForSingleObject(fileLock, INFINITE);
 }
 
-static void awaitFile(const WCHAR* path) {
-    while (GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) Sleep(5);
-}
-
 /* Operations on the commit of another thread. */
 static int commitOperation(const char* name) {
     if (strcmp(name, "startcommit") == 0)
@@ -129,57 +124,6 @@ static int commitOperation(const char* name) {
     else
         return 0;
     return 1;
-}
-
-static int configurationOperation(const char* name) {
-    const char* key;
-    if (strcmp(name, "commit") == 0) {
-        printNumber(name, bridgeConfCommit());
-        return 1;
-    }
-    if (strcmp(name, "instances") == 0) {
-        printText(name, bridgeConfGetInstances());
-        return 1;
-    }
-    if (strcmp(name, "freenull") == 0) {
-        bridgeFreeMemory(NULL);
-        return 1;
-    }
-    key = next();
-    if (strcmp(name, "committo") == 0)
-        printNumber(name, bridgeConfCommitToFile(key));
-    else if (strcmp(name, "getbool") == 0)
-        printNumber(name, bridgeConfGetBool(key));
-    else if (strcmp(name, "geti32") == 0)
-        printNumber(name, bridgeConfGetI32(key));
-    else if (strcmp(name, "geti64") == 0)
-        printNumber(name, (int)bridgeConfGetI64(key));
-    else if (strcmp(name, "getstr") == 0)
-        printText(name, bridgeConfGetString(key));
-    else if (strcmp(name, "getmulti") == 0)
-        printText(name, bridgeConfGetMultiString(key));
-    else if (strcmp(name, "hold") == 0)
-        hold(key);
-    else if (strcmp(name, "setbool") == 0)
-        printNumber(name, bridgeConfSetBool(key, (bridge_bool)atoi(next())));
-    else if (strcmp(name, "seti32") == 0)
-        printNumber(name, bridgeConfSetI32(key, atoi(next())));
-    else if (strcmp(name, "seti64") == 0)
-        printNumber(name, bridgeConfSetI64(key, atoi(next())));
-    else if (strcmp(name, "setstr") == 0)
-        printNumber(name, bridgeConfSetString(key, next()));
-    else if (strcmp(name, "setmulti") == 0)
-        printNumber(name, bridgeConfSetMultiString(key, next()));
-    else
-        return 0;
-    return 1;
-}
-
-static void initex(void) {
-    const char* client = next();
-    const int noConf = atoi(next());
-    const char* log = next();
-    printNumber("initex", bridgeApiInitEx(client, (bridge_bool)noConf, 0, log));
 }
 
 static void preflight(void) {
@@ -201,8 +145,10 @@ static void shortPreflight(void) {
     printLine(text);
 }
 
-/* Many requests to one player: how many failed, and what is left over of those after a warm-up. */
-static void shutdownMany(const char* instance, int count) {
+/* Sends many requests to one player; prints how many failed, and the growth after a warm-up. */
+static void shutdownMany(void) {
+    const char* const instance = next();
+    const int count = atoi(next());
     const int warmUp = 500;
     Growth growth = {{0}, {0}, 0};
     int failed = 0;
@@ -216,46 +162,72 @@ static void shutdownMany(const char* instance, int count) {
     printGrowth("requests", &growth);
 }
 
-/* The functions that start a program, by their names. */
+/* The operations that call one function with texts. */
+typedef const char* const* Texts;
+#define FLAG(index) ((bridge_bool)atoi(texts[index]))
+
+/* Those with a number as their result: name, number of texts, call. */
+#define NUMBER_OPERATIONS(ROW)                                      \
+    ROW(init, 1, bridgeApiInit(texts[0]))                           \
+    ROW(initex, 3, bridgeApiInitEx(texts[0], FLAG(1), 0, texts[2])) \
+    ROW(fini, 0, bridgeApiFini())                                   \
+    ROW(commit, 0, bridgeConfCommit())                              \
+    ROW(committo, 1, bridgeConfCommitToFile(texts[0]))              \
+    ROW(getbool, 1, bridgeConfGetBool(texts[0]))                    \
+    ROW(geti32, 1, bridgeConfGetI32(texts[0]))                      \
+    ROW(geti64, 1, (int)bridgeConfGetI64(texts[0]))                 \
+    ROW(setbool, 2, bridgeConfSetBool(texts[0], FLAG(1)))           \
+    ROW(seti32, 2, bridgeConfSetI32(texts[0], atoi(texts[1])))      \
+    ROW(seti64, 2, bridgeConfSetI64(texts[0], atoi(texts[1])))      \
+    ROW(setstr, 2, bridgeConfSetString(texts[0], texts[1]))         \
+    ROW(setmulti, 2, bridgeConfSetMultiString(texts[0], texts[1]))  \
+    ROW(plrshutdown, 2, bridgePlrShutdown(texts[0], FLAG(1)))
+
+/* Those with a text as their result. */
+#define TEXT_OPERATIONS(ROW)                             \
+    ROW(getstr, 1, bridgeConfGetString(texts[0]))        \
+    ROW(getmulti, 1, bridgeConfGetMultiString(texts[0])) \
+    ROW(instances, 0, bridgeConfGetInstances())          \
+    ROW(apps, 1, bridgeGetInstalledApps(texts[0]))
+
+#define DEFINE(name, count, call)          \
+    static void play_##name(Texts texts) { \
+        (void)texts;                       \
+        printNumber(#name, call);          \
+    }
+NUMBER_OPERATIONS(DEFINE)
+#undef DEFINE
+#define DEFINE(name, count, call)          \
+    static void play_##name(Texts texts) { \
+        (void)texts;                       \
+        printText(#name, call);            \
+    }
+TEXT_OPERATIONS(DEFINE)
+#undef DEFINE
 #define DEFINE(function, count, arguments) \
-    static int call_##function(const char* const* texts) { return function arguments; }
+    static void play_##function(Texts texts) { printNumber(#function, function arguments); }
 PROGRAM_FUNCTIONS(DEFINE)
 #undef DEFINE
 
 static const struct {
     const char* name;
     int texts;
-    int (*call)(const char* const* texts);
-} programFunctions[] = {
-#define ROW(function, count, arguments) {#function, count, call_##function},
-    PROGRAM_FUNCTIONS(ROW)
+    void (*play)(Texts texts);
+} operations[] = {
+#define ROW(name, count, call) {#name, count, play_##name},
+    NUMBER_OPERATIONS(ROW) TEXT_OPERATIONS(ROW) PROGRAM_FUNCTIONS(ROW)
 #undef ROW
 };
 
-static int programOperation(const char* name) {
+static int tableOperation(const char* name) {
     const char* texts[PROGRAM_TEXTS] = {NULL};
     size_t i = 0;
-    int place;
-    while (strcmp(programFunctions[i].name, name) != 0) {
-        if (++i == sizeof programFunctions / sizeof *programFunctions) return 0;
+    int index;
+    while (strcmp(operations[i].name, name) != 0) {
+        if (++i == sizeof operations / sizeof *operations) return 0;
     }
-    for (place = 0; place < programFunctions[i].texts; ++place) texts[place] = next();
-    printNumber(name, programFunctions[i].call(texts));
-    return 1;
-}
-
-static int requestOperation(const char* name) {
-    const char* instance;
-    if (strcmp(name, "shutdown") == 0) {
-        bridgeShutdown();
-        return 1;
-    }
-    if (strcmp(name, "plrshutdown") != 0 && strcmp(name, "shutdownmany") != 0) return 0;
-    instance = next();
-    if (strcmp(name, "plrshutdown") == 0)
-        printNumber(name, bridgePlrShutdown(instance, (bridge_bool)atoi(next())));
-    else
-        shutdownMany(instance, atoi(next()));
+    for (index = 0; index < operations[i].texts; ++index) texts[index] = next();
+    operations[i].play(texts);
     return 1;
 }
 
@@ -269,20 +241,20 @@ int main(void) {
             sandboxRegistry();
         else if (strcmp(name, "registry") == 0)
             registry();
-        else if (strcmp(name, "init") == 0)
-            printNumber(name, bridgeApiInit(next()));
-        else if (strcmp(name, "initex") == 0)
-            initex();
         else if (strcmp(name, "preflight") == 0)
             preflight();
         else if (strcmp(name, "shortpreflight") == 0)
             shortPreflight();
-        else if (strcmp(name, "fini") == 0)
-            printNumber(name, bridgeApiFini());
-        else if (strcmp(name, "apps") == 0)
-            printText(name, bridgeGetInstalledApps(next()));
-        else if (!eventOperation(name) && !childrenOperation(name) && !programOperation(name) &&
-                 !requestOperation(name) && !commitOperation(name) && !configurationOperation(name))
+        else if (strcmp(name, "freenull") == 0)
+            bridgeFreeMemory(NULL);
+        else if (strcmp(name, "hold") == 0)
+            hold(next());
+        else if (strcmp(name, "shutdown") == 0)
+            bridgeShutdown();
+        else if (strcmp(name, "shutdownmany") == 0)
+            shutdownMany();
+        else if (!tableOperation(name) && !eventOperation(name) && !childrenOperation(name) &&
+                 !commitOperation(name))
             return 98;
     }
     return 0;

@@ -11,9 +11,9 @@ void sandboxRegistry(void) {
     WCHAR path[64];
     HKEY key;
     wsprintfW(path, L"Software\\QXBridgeTests\\host-%lu", GetCurrentProcessId());
-    /* One of that name is a fatally ended host's, whose process id came again. */
+    /* Left by a host that ended fatally, whose process id is in use again. */
     RegDeleteTreeW(HKEY_CURRENT_USER, path);
-    /* The folder of all of them is for lasting keys, too, which none that is volatile can hold. */
+    /* The parent is not volatile, since it holds lasting keys too. */
     RegCloseKey(openKey(HKEY_CURRENT_USER, L"Software\\QXBridgeTests", REG_OPTION_NON_VOLATILE));
     key = openKey(HKEY_CURRENT_USER, path, REG_OPTION_VOLATILE);
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);

@@ -3,12 +3,10 @@
 
 #include <windows.h>
 
-/* A product key that only this process sees. */
-
-/* An empty one. */
+/* Gives this process an empty product key that no other process sees. */
 void sandboxRegistry(void);
 
-/* A REG_SZ value of it. */
+/* Sets a REG_SZ value of the product's key. */
 void setProductText(const WCHAR* name, const WCHAR* text);
 
 #endif

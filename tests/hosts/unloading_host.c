@@ -1,14 +1,14 @@
 /*
- * A host that loads the library itself, on a thread of its own, uses it, unloads it, and lets the
- * thread end: whatever the library leaves in the thread is called then. No C++, the older C
- * runtime, no import of the library's. The arguments are a data folder and the use:
+ * A host that loads the library on a thread, uses it, unloads it, and ends the thread, which then
+ * calls what the library has left in it. In C, with the older C runtime; imports nothing of the
+ * library. The arguments are a data folder and the use:
  *
  *     none      the initialisation only
  *     apps      a listing of apps for which Qt5Core gets no memory
  *     request   a request for which Qt5Core gets no memory
- *     event     a list update
+ *     event     waits for a list update
  *
- * It prints what each function answered, and which modules are still there after the unload.
+ * It prints the functions' results, and which modules are loaded after the unload.
  */
 #include "plain_registry.h"
 
@@ -48,7 +48,7 @@ static void printNumber(const char* name, int number) {
     fflush(stdout);
 }
 
-/* The place of a function's address among those that a module imports. */
+/* The entry of a function in a module's import table. */
 static void** importOf(HMODULE importer, const char* wanted) {
     char* const base = (char*)importer;
     const IMAGE_NT_HEADERS* headers =
@@ -76,7 +76,7 @@ static void* noMemory(size_t size) {
     return NULL;
 }
 
-/* Puts a function into an import's place, and returns the one that was there. */
+/* Replaces an entry, and returns the previous one. */
 static void* replace(void** place, void* function) {
     void* const before = *place;
     DWORD protection;
@@ -108,7 +108,7 @@ static void BRIDGE_CALL onApkInstallCompleted(const char* instance, bridge_i32 s
 
 static void BRIDGE_CALL onInstanceListUpdated(void) { SetEvent(arrived); }
 
-/* The callback of the event with this opcode, as any: slots 3 and 4 go together. */
+/* The callback for an opcode. Slots 3 and 4 go together. */
 static AnyCallback callbackOf(int opcode) {
     if (opcode == 3002) return (AnyCallback)onApkInstallCompleted;
     return opcode == 3003 ? onInstanceListUpdated : NULL;

@@ -4,12 +4,12 @@
 #include <QLocalSocket>
 #include <QPointer>
 
+#include "DeafServer.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/Platform.h"
-#include "support/RawServer.h"
 #include "support/Subprocess.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 
 namespace {
 
@@ -17,10 +17,16 @@ using Clock = std::chrono::steady_clock;
 
 const std::string kPacket(12, 'p');
 
-// Ends the waiting of a server that is declared before it, also where a check ends the test early.
-struct SetAtEnd {
-    std::atomic<bool>& flag;
-    ~SetAtEnd() { flag = true; }
+// A server that keeps what it gets of one client.
+struct Recorder {
+    explicit Recorder(const std::string& name)
+        : server(name, [this](RawPipe& pipe) { got = pipe.readAll(); }) {}
+    bool waitForClient() const {
+        return waitUntil([this] { return server.served() > 0; });
+    }
+
+    std::string got;
+    RawServer server;
 };
 
 class IpcClientTest : public ::testing::Test {
@@ -41,21 +47,25 @@ class IpcClientTest : public ::testing::Test {
         return result;
     }
 
+    int read() {
+        const Clock::time_point start = Clock::now();
+        const int result = ipcReadFromServer(client, reply, 8);
+        seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        return result;
+    }
+
+    std::string failedWrite(int size) const {
+        return "W IPC ipcSendToServer: ERROR: writing data of size " + std::to_string(size) +
+               " to server " + name + " failed";
+    }
+
     // Reads the reply of a server that sends none. Returns after how many seconds the read failed.
     double waitForReply() {
-        std::atomic<bool> done{false};
-        RawServer server(name, [&done](RawPipe& pipe) {
-            pipe.read(12);
-            while (!done) sleepMs(5);
-        });
-        const SetAtEnd release{done};
+        const DeafServer server(name, kPacket.size(), /*bufferSize=*/65536);
         EXPECT_EQ(send(kPacket, false), 0);
-        char reply[8];
-        const Clock::time_point start = Clock::now();
-        EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
-        const double waited = std::chrono::duration<double>(Clock::now() - start).count();
+        EXPECT_EQ(read(), -1);
         EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
-        return waited;
+        return seconds;
     }
 
     // Warnings and errors but for the slow-call warning, which depends on the machine's speed.
@@ -72,10 +82,9 @@ class IpcClientTest : public ::testing::Test {
     std::string name;
     LogCapture log;
     IpcClient client;
-    double seconds = 0;
+    char reply[9] = {};
+    double seconds = 0;  // of the last send or read
 };
-
-}  // namespace
 
 TEST_F(IpcClientTest, ASizeBelowOneIsRefusedBeforeAnyConnection) {
     EXPECT_EQ(ipcSendToServer(client, "x", 0, true), -1);
@@ -88,8 +97,7 @@ TEST_F(IpcClientTest, ASizeBelowOneIsRefusedBeforeAnyConnection) {
 }
 
 TEST_F(IpcClientTest, ASendLogsEveryStep) {
-    std::string got;
-    RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    const Recorder server(name);
     EXPECT_EQ(send(kPacket, true), 0);
     Lines steps;
     for (const std::string& line : log.texts(XLOG_DEBUG)) {
@@ -123,23 +131,13 @@ TEST_F(IpcClientTest, AMissingServerFailsAtOnceWithoutAWarning) {
 }
 
 TEST_F(IpcClientTest, APeerThatNeverReadsCostsTheWritesAndTheDisconnectsWait) {
-    std::atomic<bool> done{false};
-    RawServer server(
-        name,
-        [&done](RawPipe&) {
-            while (!done) sleepMs(5);
-        },
-        /*bufferSize=*/0);
-    const SetAtEnd release{done};
-    const std::string large(1 << 20, 'x');
-    EXPECT_EQ(send(large, true), -1);
-    done = true;
+    const DeafServer server(name, /*bytes=*/0, /*bufferSize=*/0);
+    EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
     EXPECT_GT(seconds, 0.25);
     EXPECT_LT(seconds, 2.0) << "two waits of 0.3 s";
     const Lines lines = complaints();
     ASSERT_GE(lines.size(), 1u);
-    EXPECT_EQ(lines[0], "W IPC ipcSendToServer: ERROR: writing data of size 1048576 to server " +
-                            name + " failed");
+    EXPECT_EQ(lines[0], failedWrite(1 << 20));
     EXPECT_TRUE(warnedOfSlowness());
 }
 
@@ -149,31 +147,23 @@ TEST_F(IpcClientTest, APeerThatClosesAtOnceLosesALargePacket) {
     EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
     EXPECT_LT(seconds, 2.0);
     // The end is noticed while connecting, while writing, or not before the write's wait.
-    for (const std::string& line : complaints()) {
-        EXPECT_EQ(line, "W IPC ipcSendToServer: ERROR: writing data of size 1048576 to server " +
-                            name + " failed");
-    }
+    for (const std::string& line : complaints()) EXPECT_EQ(line, failedWrite(1 << 20));
 }
 
 TEST_F(IpcClientTest, APeerThatClosesMidPacketIsAFailedWrite) {
     RawServer server(
         name, [](RawPipe& pipe) { pipe.read(1000); }, /*bufferSize=*/0);
     EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
-    EXPECT_EQ(complaints(), Lines{"W IPC ipcSendToServer: ERROR: writing data of size 1048576 to "
-                                  "server " +
-                                  name + " failed"});
+    EXPECT_EQ(complaints(), Lines{failedWrite(1 << 20)});
     EXPECT_LT(seconds, 2.0);
 }
 
 TEST_F(IpcClientTest, ALargePacketArrivesWhole) {
-    std::string got;
     const std::string large(3 << 20, 'x');
-    {
-        RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
-        EXPECT_EQ(send(large, true), 0);
-        for (int i = 0; i < 1000 && server.served() == 0; ++i) sleepMs(2);
-    }
-    EXPECT_TRUE(got == large) << got.size();
+    const Recorder server(name);
+    EXPECT_EQ(send(large, true), 0);
+    EXPECT_TRUE(server.waitForClient());
+    EXPECT_TRUE(server.got == large) << server.got.size();
 }
 
 TEST_F(IpcClientTest, ASlowSendSucceedsWithAWarning) {
@@ -195,16 +185,15 @@ TEST_F(IpcClientTest, ASlowSendSucceedsWithAWarning) {
 
 TEST_F(IpcClientTest, AClientOfAnotherServerIsDisconnectedFirst) {
     RawServer first(name, [](RawPipe& pipe) { pipe.readAll(); });
-    std::string got;
-    RawServer second(name + "b", [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    const Recorder second(name + "b");
     ASSERT_EQ(send(kPacket, false), 0);
     client.serverName = name + "b";
     log.clear();
     EXPECT_EQ(send("other packet", true), 0);
     EXPECT_EQ(complaints(), Lines{"W IPC ipcSendToServer: disconnecting from server: " + name +
                                   ", orig server: " + name + "b"});
-    for (int i = 0; i < 500 && second.served() == 0; ++i) sleepMs(2);
-    EXPECT_EQ(got, "other packet");
+    EXPECT_TRUE(second.waitForClient());
+    EXPECT_EQ(second.got, "other packet");
 }
 
 TEST_F(IpcClientTest, AReplyIsCollectedFromItsPiecesAndCutWhereItIsTooLong) {
@@ -219,8 +208,7 @@ TEST_F(IpcClientTest, AReplyIsCollectedFromItsPiecesAndCutWhereItIsTooLong) {
             pipe.readAll();
         });
         ASSERT_EQ(send(kPacket, false), 0);
-        char reply[9] = {};
-        EXPECT_EQ(ipcReadFromServer(client, reply, 8), 0);
+        EXPECT_EQ(read(), 0);
         EXPECT_STREQ(reply, "abcdefgh") << pieces.size() << " pieces";
         EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
         EXPECT_EQ(complaints(), Lines{});
@@ -233,9 +221,8 @@ TEST_F(IpcClientTest, AShortReplyIsFilledWithZerosAndFails) {
         pipe.write("abc");
     });
     ASSERT_EQ(send(kPacket, false), 0);
-    char reply[8];
     std::fill(std::begin(reply), std::end(reply), '#');
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(read(), -1);
     EXPECT_EQ(std::string(reply, 8), std::string("abc\0\0\0\0\0", 8));
     EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
 }
@@ -255,13 +242,11 @@ TEST_F(IpcClientTest, AReplyIsWaitedForThirtySeconds) {
 }
 
 TEST_F(IpcClientTest, ReadingWithoutASendFails) {
-    char reply[8];
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(read(), -1);
     EXPECT_EQ(log.texts(XLOG_DEBUG), Lines{"E IPC ipcReadFromServer: Unconnected state : " + name});
 }
 
 TEST_F(IpcClientTest, ReadingNothingFails) {
-    char reply[8];
     EXPECT_EQ(ipcReadFromServer(client, reply, 0), -1);
     EXPECT_EQ(
         log.texts(XLOG_DEBUG),
@@ -272,8 +257,7 @@ TEST_F(IpcClientTest, ReadingFromAnotherServerFailsWithoutADisconnect) {
     RawServer server(name, [](RawPipe& pipe) { pipe.readAll(); });
     ASSERT_EQ(send(kPacket, false), 0);
     client.serverName = "other";
-    char reply[8];
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
+    EXPECT_EQ(read(), -1);
     EXPECT_EQ(complaints(), Lines{"E IPC ipcReadFromServer: server mismatch, server: " + name +
                                   ", orig server: other"});
     EXPECT_EQ(client.socket->state(), QLocalSocket::ConnectedState);
@@ -294,8 +278,6 @@ TEST(IpcClient, InitAndEndAreLogged) {
     EXPECT_EQ(log.texts(XLOG_DEBUG), (Lines{logged::clientStep("ipcClientInit", "some name"),
                                             logged::clientStep("~IpcClient", "some name")}));
 }
-
-namespace {
 
 // A connected socket whose bytes go nowhere, or come from nowhere.
 class OddSocket : public QLocalSocket {
@@ -322,17 +304,13 @@ class OddSocket : public QLocalSocket {
     }
 };
 
-}  // namespace
-
 TEST_F(IpcClientTest, ASocketThatTakesNothingFailsAtOnce) {
     RawServer server(name, [](RawPipe& pipe) { pipe.readAll(); });
     auto* const odd = new OddSocket;
     client.socket.reset(odd);
     odd->refusesBytes = true;
     EXPECT_EQ(send(kPacket, true), -1);
-    EXPECT_EQ(complaints(),
-              Lines{"W IPC ipcSendToServer: ERROR: writing data of size 12 to server " + name +
-                    " failed"});
+    EXPECT_EQ(complaints(), Lines{failedWrite(12)});
     EXPECT_LT(seconds, 2.0);
 }
 
@@ -343,29 +321,25 @@ TEST_F(IpcClientTest, PromisedBytesThatNeverComeAreWaitedForWithinTheLimit) {
     ASSERT_EQ(send(kPacket, false), 0);
     odd->promisesBytes = true;
     odd->readyMs = 120;
-    char reply[8];
-    const Clock::time_point start = Clock::now();
-    EXPECT_EQ(ipcReadFromServer(client, reply, 8), -1);
-    const double waited = std::chrono::duration<double>(Clock::now() - start).count();
-    EXPECT_GT(waited, 0.29);
-    EXPECT_LT(waited, 2.0);
+    EXPECT_EQ(read(), -1);
+    EXPECT_GT(seconds, 0.29);
+    EXPECT_LT(seconds, 2.0);
     EXPECT_EQ(std::string(reply, 8), std::string(8, '\0'));
     EXPECT_EQ(complaints(), Lines{logged::replyNotRead(name)});
     client.socket.reset();
 }
 
 TEST_F(IpcClientTest, TwoSendsShareOneConnection) {
-    std::string got;
-    RawServer server(name, [&got](RawPipe& pipe) { got = pipe.readAll(); });
+    const Recorder server(name);
     ASSERT_EQ(send("first ", false), 0);
     log.clear();
     ASSERT_EQ(send("second", true), 0);
     for (const std::string& line : log.texts(XLOG_DEBUG)) {
         EXPECT_EQ(line.find("connecting to server"), std::string::npos) << line;
     }
-    for (int i = 0; i < 1000 && server.served() == 0; ++i) sleepMs(5);
-    EXPECT_EQ(got, "first second");
-    EXPECT_EQ(server.served(), 1);
+    EXPECT_TRUE(server.waitForClient());
+    EXPECT_EQ(server.got, "first second");
+    EXPECT_EQ(server.server.served(), 1);
 }
 
 TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
@@ -386,19 +360,19 @@ TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
         EXPECT_EQ(ipcDisconnectFromServer(client.socket.get(), client.waitMs), 0);
         EXPECT_EQ(client.socket->state(), QLocalSocket::UnconnectedState);
         EXPECT_EQ(complaints(), Lines{});
-        for (int i = 0; i < 1000 && server.served() == 0; ++i) sleepMs(5);
+        EXPECT_TRUE(waitUntil([&server] { return server.served() > 0; }));
     }
     EXPECT_EQ(got.size(), kPacket.size() + large.size());
 }
 
-// A host's queued connections to its own sockets' errors need it.
+// Queued connections of a host to its own sockets' errors need it.
 TEST(IpcClient, TheTypeOfASocketsErrorIsKnownToQt) {
     IpcClient client;
     ipcClientInit(client, "some name");
     EXPECT_NE(QMetaType::type("QLocalSocket::LocalSocketError"), int{QMetaType::UnknownType});
 }
 
-// In a process of its own: there is one application object, and others would see it.
+// In its own process, since other tests would see the application object.
 SUBPROCESS(deletesSocketsBesideAnApplication) {
     int count = 0;
     QCoreApplication application(count, nullptr);
@@ -427,3 +401,5 @@ SUBPROCESS(deletesSocketsBesideAnApplication) {
 TEST(IpcClient, ASocketIsDeletedWhereAnEventLoopWillComeAndAtOnceElsewhere) {
     EXPECT_EQ(runSubprocess("deletesSocketsBesideAnApplication").status, 0u);
 }
+
+}  // namespace

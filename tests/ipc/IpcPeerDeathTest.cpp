@@ -6,6 +6,7 @@
 #include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
+#include "support/WaitUntil.h"
 #include "support/growth.h"
 #include "xpl/Xlog.h"
 
@@ -97,8 +98,7 @@ bool countKinds(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, 
 }
 
 bool waitForKind(Sent kind, int wanted) {
-    for (int i = 0; i < 2000 && arrived[kind] < wanted; ++i) sleepMs(5);
-    return arrived[kind] >= wanted;
+    return waitUntil([=] { return arrived[kind] >= wanted; });
 }
 
 }  // namespace

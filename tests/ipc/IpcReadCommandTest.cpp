@@ -1,14 +1,11 @@
-// Packet assembly, over a socket that holds exactly what each test gives it: a delivery is one call
-// of ipcReadCommand.
-#include <private/qthread_p.h>
+// Packet assembly, over a socket in memory. A delivery is one call of ipcReadCommand.
 #include <QCoreApplication>
-#include <QLocalSocket>
 #include <QPointer>
-#include <QThread>
 
+#include "OddSockets.h"
 #include "ipc/IpcConnection.h"
+#include "support/DeliveringThread.h"
 #include "support/EventPackets.h"
-#include "support/FakeSocket.h"
 #include "support/FatalBreak.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -57,8 +54,27 @@ class IpcReadCommandTest : public ::testing::Test {
         ipcReadCommand(&info, decode);
     }
 
-    static std::vector<std::string> packets() {
-        std::vector<std::string> all;
+    // Delivers pieces of at most size() bytes.
+    template <typename Size>
+    void deliverInPieces(std::string_view bytes, Size size) {
+        while (!bytes.empty()) {
+            const std::size_t count = std::min(static_cast<std::size_t>(size()), bytes.size());
+            deliver(bytes.substr(0, count));
+            bytes.remove_prefix(count);
+        }
+    }
+
+    // Ends the connection, and returns its only log line.
+    std::string lineOfTheEnd() {
+        log.clear();
+        ipcDestroyConnection(&info, record);
+        const Lines lines = log.texts(XLOG_DEBUG);
+        EXPECT_EQ(lines.size(), 1u);
+        return lines.at(0);
+    }
+
+    static Lines packets() {
+        Lines all;
         for (const Call& call : calls) all.push_back(call.packet);
         return all;
     }
@@ -69,16 +85,20 @@ class IpcReadCommandTest : public ::testing::Test {
 };
 
 // Packets of every kind of event, and of short and long texts.
-std::vector<std::string> samplePackets() {
-    std::vector<std::string> packets{appDisplayedPacket("", ""),
-                                     accountListUpdatedPacket("N", std::string(5000, 'e'), 1)};
+Lines samplePackets() {
+    Lines packets{appDisplayedPacket("", ""),
+                  accountListUpdatedPacket("N", std::string(5000, 'e'), 1)};
     for (const KnownEvent& event : knownEvents()) {
         packets.push_back(eventPacket(event, exampleOf(event)));
     }
     return packets;
 }
 
-}  // namespace
+std::string joined(const Lines& packets) {
+    std::string all;
+    for (const std::string& packet : packets) all += packet;
+    return all;
+}
 
 TEST_F(IpcReadCommandTest, APacketWithoutPayloadIsHandedOverWithItsHeaderAndWithoutAReply) {
     const std::string packet = packetOf(4711, "");
@@ -161,39 +181,31 @@ TEST_F(IpcReadCommandTest, AHeaderThatBeginsAfterAPacketIsCompletedByTheNextDeli
 
 TEST_F(IpcReadCommandTest, AHeaderThatIsNotWholeCountsAsUnreadWhenThePeerLeaves) {
     deliver(packetOf(1, "a") + packetOf(2, "").substr(0, 5));
-    log.clear();
-    ipcDestroyConnection(&info, record);
-    const Lines lines = log.texts(XLOG_DEBUG);
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_NE(lines[0].find(" bytes 5 state 0"), std::string::npos) << lines[0];
+    const std::string line = lineOfTheEnd();
+    EXPECT_NE(line.find(" bytes 5 state 0"), std::string::npos) << line;
 }
 
 TEST_F(IpcReadCommandTest, ASocketThatClosesLosesAHeaderThatIsNotWhole) {
     deliver(packetOf(1, "a") + packetOf(2, "").substr(0, 5));
     socket.close();
-    log.clear();
-    ipcDestroyConnection(&info, record);
-    const Lines lines = log.texts(XLOG_DEBUG);
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_NE(lines[0].find(" bytes 0 state 0"), std::string::npos) << lines[0];
+    const std::string line = lineOfTheEnd();
+    EXPECT_NE(line.find(" bytes 0 state 0"), std::string::npos) << line;
 }
 
 TEST_F(IpcReadCommandTest, WhatComesInAHundredDeliveriesOfABlockTakesTheMemoryOfAFew) {
     const std::string packet = packetOf(1, std::string(1000, 'x'));
     std::string all;
     for (int i = 0; i < 1600; ++i) all += packet;
-    for (std::string_view rest = all; !rest.empty();) {
-        const std::size_t count = std::min<std::size_t>(16'000, rest.size());
-        deliver(rest.substr(0, count));
-        rest.remove_prefix(count);
-        ASSERT_LE(info.buffer.capacity(), 64 * 1024);
-    }
+    deliverInPieces(all, [this] {
+        EXPECT_LE(info.buffer.capacity(), 64 * 1024);
+        return 16'000;
+    });
+    EXPECT_LE(info.buffer.capacity(), 64 * 1024);
     EXPECT_EQ(packets(), Lines(1600, packet));
 }
 
 TEST_F(IpcReadCommandTest, EverySplitIntoTwoDeliveriesGivesTheSamePackets) {
-    std::string all;
-    for (const std::string& packet : samplePackets()) all += packet;
+    const std::string all = joined(samplePackets());
     for (std::size_t at = 1; at < all.size(); ++at) {
         calls.clear();
         deliver(std::string_view(all).substr(0, at));
@@ -204,43 +216,29 @@ TEST_F(IpcReadCommandTest, EverySplitIntoTwoDeliveriesGivesTheSamePackets) {
 }
 
 TEST_F(IpcReadCommandTest, OneByteAtATimeGivesTheSamePackets) {
-    for (const std::string& packet : samplePackets()) {
-        for (const char byte : packet) deliver({&byte, 1});
-    }
+    deliverInPieces(joined(samplePackets()), [] { return 1; });
     EXPECT_EQ(packets(), samplePackets());
 }
 
 TEST_F(IpcReadCommandTest, TwoToSixtyFourGluedPacketsGiveTheSamePackets) {
-    const std::vector<std::string> samples = samplePackets();
+    const Lines samples = samplePackets();
     for (std::size_t count = 2; count <= 64; ++count) {
         calls.clear();
         Lines expected;
-        std::string all;
-        for (std::size_t i = 0; i < count; ++i) {
-            expected.push_back(samples[i % samples.size()]);
-            all += expected.back();
-        }
-        deliver(all);
+        for (std::size_t i = 0; i < count; ++i) expected.push_back(samples[i % samples.size()]);
+        deliver(joined(expected));
         ASSERT_EQ(packets(), expected);
     }
 }
 
 TEST_F(IpcReadCommandTest, RandomPiecesGiveTheSamePackets) {
     std::mt19937 random(20'240'307);
-    const std::vector<std::string> samples = samplePackets();
+    const Lines samples = samplePackets();
     for (int round = 0; round < 300; ++round) {
         calls.clear();
         Lines expected;
-        std::string all;
-        for (std::size_t i = 0; i < 20; ++i) {
-            expected.push_back(samples[random() % samples.size()]);
-            all += expected.back();
-        }
-        for (std::string_view rest = all; !rest.empty();) {
-            const std::size_t count = std::min<std::size_t>(1 + random() % 600, rest.size());
-            deliver(rest.substr(0, count));
-            rest.remove_prefix(count);
-        }
+        for (int i = 0; i < 20; ++i) expected.push_back(samples[random() % samples.size()]);
+        deliverInPieces(joined(expected), [&random] { return 1 + random() % 600; });
         ASSERT_EQ(packets(), expected) << "round " << round;
     }
 }
@@ -278,7 +276,7 @@ TEST_F(IpcReadCommandTest, AHeaderInTwoDeliveriesWithItsBodyGetsItsReply) {
     EXPECT_EQ(socket.written, "ab");
 }
 
-TEST_F(IpcReadCommandTest, ThePacketBehindALateBodyGetsItsOwnReply) {
+TEST_F(IpcReadCommandTest, ThePacketAfterALateBodyGetsItsOwnReply) {
     const std::string late = packetOf(1, "abcd", 8);
     deliver(late.substr(0, 14), fillReply);
     deliver(late.substr(14) + packetOf(2, "", 2), fillReply);
@@ -346,10 +344,8 @@ TEST_F(IpcReadCommandTest, APacketWhoseDecoderThrowsCountsAsConsumed) {
 }
 
 TEST_F(IpcReadCommandTest, APacketWhoseReplyFindsNoMemoryCountsAsConsumed) {
-    struct ScarceSocket : FakeSocket {
-        qint64 writeData(const char*, qint64) override { throw std::bad_alloc(); }
-    };
     ScarceSocket scarce;
+    scarce.writes = false;
     IpcConnectionInfo connection(&scarce, &kServerName);
     const std::string asking = packetOf(1, "", 4);
     const std::string next = packetOf(2, "");
@@ -421,30 +417,43 @@ TEST_F(IpcReadCommandTest, APacketOfSeveralBlocksLeavesTheNextOneAlone) {
     }
 }
 
-TEST_F(IpcReadCommandTest, FewerBytesThanTheSocketToldOfAreNotFilledUp) {
-    // Tells of bytes that never come, until a read finds none.
-    struct BoastingSocket : FakeSocket {
-        qint64 bytesAvailable() const override { return FakeSocket::bytesAvailable() + more; }
-        qint64 readData(char* to, qint64 size) override {
-            if (waiting.empty()) more = 0;
-            return FakeSocket::readData(to, size);
-        }
-        qint64 more = 5;
-    };
-    BoastingSocket boasting;
-    IpcConnectionInfo connection(&boasting, &kServerName);
-    const std::string packet = packetOf(1, "abcdefgh");
-    boasting.waiting = packet.substr(0, 15);
+// A packet of which the socket announces more bytes than the first delivery has.
+struct Shortfall {
+    const char* name;
+    std::size_t payload;
+    std::size_t first;
+    qint64 lost;
+};
+
+void PrintTo(const Shortfall& row, std::ostream* out) { *out << row.name; }
+
+class IpcShortfallTest : public IpcReadCommandTest,
+                         public ::testing::WithParamInterface<Shortfall> {};
+
+TEST_P(IpcShortfallTest, ThePacketIsCompletedLater) {
+    const Shortfall& row = GetParam();
+    LossySocket lossy;
+    IpcConnectionInfo connection(&lossy, &kServerName);
+    const std::string packet = packetOf(1, std::string(row.payload, 'x'));
+    lossy.waiting = packet.substr(0, row.first);
+    lossy.lost = row.lost;
     ipcReadCommand(&connection, record);
-    boasting.waiting = packet.substr(15);
+    EXPECT_EQ(static_cast<std::size_t>(connection.buffer.size()), row.first);
+    EXPECT_EQ(connection.packetLen, row.first < 12 ? 0 : packet.size());
+    EXPECT_EQ(packets(), Lines{});
+    lossy.waiting = packet.substr(row.first);
     ipcReadCommand(&connection, record);
-    EXPECT_EQ(packets(), Lines{packet});
+    EXPECT_TRUE(packets() == Lines{packet});
 }
 
-// Qt delivers to a thread without an application object once the thread says that it needs none.
-TEST_F(IpcReadCommandTest, WhatWaitsWhenThePeerHasLeftIsReadBeforeTheSocketGoes) {
-    QThreadData* const thread = QThreadData::get2(QThread::currentThread());
-    const bool before = std::exchange(thread->requiresCoreApplication, false);
+INSTANTIATE_TEST_SUITE_P(Shortfalls, IpcShortfallTest,
+                         ::testing::Values(Shortfall{"InALongPacket", 40'000, 20'000, 30'000},
+                                           Shortfall{"InAShortPacket", 8, 15, 5},
+                                           Shortfall{"InAHeader", 8, 5, 30}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(IpcReadCommandTest, UnreadBytesOfAPeerThatHasLeftAreReadBeforeTheSocketIsDeleted) {
+    const DeliveringThread delivering;
     auto* const leaving = new FakeSocket;
     QPointer<QLocalSocket> alive(leaving);
     IpcConnectionInfo connection(leaving, &kServerName);
@@ -457,10 +466,9 @@ TEST_F(IpcReadCommandTest, WhatWaitsWhenThePeerHasLeftIsReadBeforeTheSocketGoes)
     EXPECT_FALSE(alive.isNull());
     QCoreApplication::sendPostedEvents(leaving, QEvent::DeferredDelete);
     EXPECT_TRUE(alive.isNull());
-    thread->requiresCoreApplication = before;
 }
 
-// Lengths whose rest is no positive 32-bit number end the process, after their line.
+// A length whose rest is not a positive 32-bit number is logged, and ends the process.
 SUBPROCESS(deliversALength) {
     FakeSocket socket;
     IpcConnectionInfo info(&socket, &kServerName);
@@ -470,8 +478,6 @@ SUBPROCESS(deliversALength) {
     return 0;
 }
 
-namespace {
-
 void expectFatal(std::uint32_t length, const std::string& rest) {
     const std::string text = std::to_string(length);
     const Lines lines = linesUntilBreak("deliversALength", {text});
@@ -480,8 +486,6 @@ void expectFatal(std::uint32_t length, const std::string& rest) {
               logged::untagged(logged::lengthInvalid(kServerName, text, rest)));
     EXPECT_EQ(lines.back(), logged::fatalBreak("", "Source/ipc/IpcServer"));
 }
-
-}  // namespace
 
 TEST(IpcReadCommandFatalTest, ALengthOfZero) { expectFatal(0, "-12"); }
 TEST(IpcReadCommandFatalTest, ALengthOfOne) { expectFatal(1, "-11"); }
@@ -493,3 +497,5 @@ TEST(IpcReadCommandFatalTest, TheLargestLength) { expectFatal(0xFFFFFFFFu, "-13"
 TEST(IpcReadCommandFatalTest, TheLargestLengthThatIsNot) {
     EXPECT_EQ(runSubprocess("deliversALength", {"2147483659"}).status, 0u);
 }
+
+}  // namespace

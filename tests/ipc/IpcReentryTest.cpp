@@ -1,14 +1,12 @@
-// What comes on a connection while its decoder runs an event loop of its own, and connections that
-// cannot be worked on. The server is one that hands over a socket in memory.
-#include <private/qthread_p.h>
+// What arrives on a connection while its decoder runs an event loop of its own, and connections
+// that are dropped. The socket is in memory.
 #include <QCoreApplication>
-#include <QLocalServer>
 #include <QPointer>
-#include <QThread>
 
+#include "OddSockets.h"
 #include "ipc/IpcConnection.h"
+#include "support/DeliveringThread.h"
 #include "support/EventPackets.h"
-#include "support/FakeSocket.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
@@ -33,55 +31,13 @@ class BoundlessSocket : public FakeSocket {
     qint64 bytesAvailable() const override { return qint64{1} << 32; }
 };
 
-// A socket that loses its last bytes between the question for their number and the read.
-class LossySocket : public FakeSocket {
- public:
-    qint64 bytesAvailable() const override { return FakeSocket::bytesAvailable() + lost; }
-    qint64 lost = 0;
-
- protected:
-    qint64 readData(char* to, qint64 size) override {
-        if (waiting.empty()) lost = 0;
-        return FakeSocket::readData(to, size);
-    }
-};
-
-// A socket that memory runs out for: in its nth read, or in every write.
-class ScarceSocket : public FakeSocket {
- public:
-    int readsLeft = 1'000'000;
-    bool writes = true;
-
- protected:
-    qint64 readData(char* to, qint64 size) override {
-        if (readsLeft-- == 0) throw std::bad_alloc();
-        return FakeSocket::readData(to, size);
-    }
-    qint64 writeData(const char* bytes, qint64 size) override {
-        if (!writes) throw std::bad_alloc();
-        return FakeSocket::writeData(bytes, size);
-    }
-};
-
-class OneSocketServer : public QLocalServer {
- public:
-    explicit OneSocketServer(QLocalSocket* socket) : socket_(socket) {}
-    QLocalSocket* nextPendingConnection() override { return std::exchange(socket_, nullptr); }
-
- private:
-    QLocalSocket* socket_;
-};
-
 class IpcReentryTest : public ::testing::Test {
  protected:
     IpcReentryTest() {
         packets.clear();
         meanwhile = nullptr;
-        // Else Qt delivers nothing without an application object.
-        before_ = std::exchange(thread()->requiresCoreApplication, false);
     }
     ~IpcReentryTest() override {
-        thread()->requiresCoreApplication = before_;
         EXPECT_EQ(IpcConnectionInfo::live(), 0) << "every record has been released, and once";
     }
 
@@ -92,7 +48,7 @@ class IpcReentryTest : public ::testing::Test {
         log.clear();
     }
 
-    // The peer has gone: delivers what is queued for the socket then, and the socket's end.
+    // The peer leaves: delivers the events that are then queued, and the socket's deletion.
     static void disconnect(QLocalSocket* socket) {
         const QPointer<QLocalSocket> alive(socket);
         emit socket->disconnected();
@@ -106,17 +62,13 @@ class IpcReentryTest : public ::testing::Test {
         return {logged::exceptionCaught("IPC", "ipcReadCommand", std::bad_alloc().what())};
     }
 
-    static QThreadData* thread() { return QThreadData::get2(QThread::currentThread()); }
-
+    const DeliveringThread delivering;
     LogCapture log;
-
- private:
-    bool before_ = true;
 };
 
 }  // namespace
 
-TEST_F(IpcReentryTest, WhatComesInsideADecoderIsReadBehindIt) {
+TEST_F(IpcReentryTest, WhatArrivesInsideADecoderIsReadAfterIt) {
     auto* const socket = new FakeSocket;
     const QPointer<QLocalSocket> alive(socket);
     connect(socket);
@@ -172,7 +124,7 @@ TEST_F(IpcReentryTest, APacketThatNoMemoryCanHoldDropsItsConnection) {
 TEST_F(IpcReentryTest, APacketThatMemoryRanOutForIsNotReadAgainWhenThePeerHasLeft) {
     auto* const socket = new ScarceSocket;
     connect(socket);
-    socket->waiting = packetOf(1, std::string(40'000, 'x')) + packetOf(2, "behind it");
+    socket->waiting = packetOf(1, std::string(40'000, 'x')) + packetOf(2, "after it");
     socket->readsLeft = 1;
     emit socket->readyRead();
     const std::size_t left = socket->waiting.size();
@@ -196,33 +148,6 @@ TEST_F(IpcReentryTest, AReplyThatFindsNoMemoryDropsItsConnectionAndItsPacketIsDi
     disconnect(socket);
     EXPECT_EQ(packets, Lines{asking});
     EXPECT_EQ(log.texts(XLOG_ERROR), noMemoryLine());
-}
-
-TEST_F(IpcReentryTest, ASocketThatGivesLessThanItClaimedCompletesThePacketLater) {
-    LossySocket socket;
-    IpcConnectionInfo info(&socket, &kServerName);
-    const std::string packet = packetOf(1, std::string(40'000, 'x'));
-    socket.waiting = packet.substr(0, 20'000);
-    socket.lost = 30'000;
-    ipcReadCommand(&info, record);
-    EXPECT_EQ(info.buffer.size(), 20'000);
-    EXPECT_EQ(packets, Lines{});
-    socket.waiting = packet.substr(20'000);
-    ipcReadCommand(&info, record);
-    EXPECT_TRUE(packets == Lines{packet});
-}
-
-TEST_F(IpcReentryTest, ASocketThatGivesLessThanAHeaderCompletesItLater) {
-    LossySocket socket;
-    IpcConnectionInfo info(&socket, &kServerName);
-    const std::string packet = packetOf(1, "abcdefgh");
-    socket.waiting = packet.substr(0, 5);
-    socket.lost = 30;
-    ipcReadCommand(&info, record);
-    EXPECT_EQ(info.packetLen, 0u);
-    socket.waiting = packet.substr(5);
-    ipcReadCommand(&info, record);
-    EXPECT_EQ(packets, Lines{packet});
 }
 
 TEST_F(IpcReentryTest, AServerWithoutAWaitingConnectionIsLeftAlone) {

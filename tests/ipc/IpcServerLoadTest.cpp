@@ -1,8 +1,9 @@
-// The server under load: nothing is lost, nothing is out of order, and everything is given back.
+// The server under load: nothing is lost or out of order, and everything is released.
 #include <QLocalSocket>
 
 #include "ServerFixture.h"
 #include "support/EventPackets.h"
+#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/growth.h"
@@ -52,10 +53,16 @@ class IpcServerLoadTest : public ServerFixture {
 
     static bool waitForTotal(std::uint64_t wanted) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (counted.total < wanted && std::chrono::steady_clock::now() < end) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
+        while (counted.total < wanted && std::chrono::steady_clock::now() < end) sleepMs(2);
         return counted.total == wanted;
+    }
+
+    // Runs play(i) on so many threads.
+    template <typename Play>
+    static void onThreads(std::size_t count, Play play) {
+        std::vector<std::thread> threads;
+        for (std::uint32_t i = 0; i < count; ++i) threads.emplace_back(play, i);
+        for (std::thread& thread : threads) thread.join();
     }
 
     // Sends the packets that have these numbers over one connection, in writes of many.
@@ -98,11 +105,7 @@ TEST_F(IpcServerLoadTest, SixtyFourConnectionsKeepTheirOwnOrder) {
     start(countInOrder);
     std::uint32_t sent = 0;
     const auto sendMore = [&](std::uint32_t count) {
-        std::vector<std::thread> clients;
-        for (std::uint32_t i = 0; i < kMaxClients; ++i) {
-            clients.emplace_back([&, i] { stream(i, sent, sent + count); });
-        }
-        for (std::thread& client : clients) client.join();
+        onThreads(kMaxClients, [&](std::uint32_t i) { stream(i, sent, sent + count); });
         sent += count;
         ASSERT_TRUE(waitForTotal(kMaxClients * std::uint64_t{sent}));
         ASSERT_TRUE(waitForRecords(0));
@@ -119,18 +122,13 @@ TEST_F(IpcServerLoadTest, TenThousandClientsThatWriteAndLeaveAreAllHeard) {
     start(countInOrder);
     constexpr std::uint32_t kThreads = 4;
     std::uint32_t sent = 0;
-    const auto cycles = [&](std::uint32_t client, std::uint32_t count) {
-        for (std::uint32_t i = sent; i < sent + count; ++i) {
-            RawPipe pipe(connect());
-            if (!pipe.write(numbered(client, i))) return;
-        }
-    };
     const auto sendMore = [&](std::uint32_t count) {
-        std::vector<std::thread> clients;
-        for (std::uint32_t i = 0; i < kThreads; ++i) {
-            clients.emplace_back([&, i] { cycles(i, count); });
-        }
-        for (std::thread& client : clients) client.join();
+        onThreads(kThreads, [&](std::uint32_t client) {
+            for (std::uint32_t i = sent; i < sent + count; ++i) {
+                RawPipe pipe(connect());
+                if (!pipe.write(numbered(client, i))) return;
+            }
+        });
         sent += count;
         ASSERT_TRUE(waitForTotal(kThreads * sent)) << counted.total;
         ASSERT_TRUE(waitForRecords(0)) << "while the server goes on";
@@ -145,17 +143,10 @@ TEST_F(IpcServerLoadTest, TwoHundredClientsAtOnceAreAllServed) {
     start();
     constexpr std::size_t kClients = 200;
     std::atomic<std::size_t> served{0};
-    std::vector<std::thread> clients;
-    clients.reserve(kClients);
-    for (std::size_t i = 0; i < kClients; ++i) {
-        clients.emplace_back([this, &served] {
-            RawPipe client(connect());
-            if (client.write(packetOf(1, "abc", 5)) && client.read(5) == std::string(5, '\0')) {
-                ++served;
-            }
-        });
-    }
-    for (std::thread& client : clients) client.join();
+    onThreads(kClients, [this, &served](std::uint32_t) {
+        RawPipe client(connect());
+        if (client.write(packetOf(1, "abc", 5)) && client.read(5) == std::string(5, '\0')) ++served;
+    });
     EXPECT_EQ(served, kClients);
 }
 

@@ -8,6 +8,7 @@
 #include "support/MalformedPackets.h"
 #include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/WaitUntil.h"
 #include "support/process_figures.h"
 #include "xpl/Xsystem.h"
 
@@ -27,14 +28,16 @@ class IpcServerTest : public ServerFixture {
     // Before the capture goes, into which the server's thread logs.
     ~IpcServerTest() override { stop(); }
 
-    bool waitForLine(const std::string& line) const {
-        for (int i = 0; i < 1000; ++i) {
-            for (const std::string& text : log.texts(XLOG_DEBUG)) {
-                if (text.find(line) != std::string::npos) return true;
-            }
-            sleepMs(5);
-        }
-        return false;
+    bool waitForLine(const std::string& part) const {
+        return waitUntil([&] { return countLines(part) > 0; });
+    }
+
+    // A client's packet arrives.
+    void expectServed(const std::string& packet = packetOf(1, "")) const {
+        RawPipe client(connect());
+        ASSERT_TRUE(client.write(packet));
+        ASSERT_TRUE(seen.waitFor(1));
+        EXPECT_EQ(seen.packets, Lines{packet});
     }
 
     std::size_t countLines(const std::string& part) const {
@@ -91,22 +94,14 @@ TEST_F(IpcServerTest, AServerThatIsStoppedAtOnceStops) {
 
 TEST_F(IpcServerTest, PacketsArriveOnItsOwnThread) {
     start();
-    RawPipe client(connect());
-    const std::string packet = appDisplayedPacket("N", "p");
-    ASSERT_TRUE(client.write(packet));
-    ASSERT_TRUE(seen.waitFor(1));
-    EXPECT_EQ(seen.packets, Lines{packet});
+    expectServed(appDisplayedPacket("N", "p"));
     EXPECT_NE(seen.thread, xsystemThreadId());
 }
 
 TEST_F(IpcServerTest, TheConnectionsLifeIsLogged) {
     start();
     log.clear();
-    {
-        RawPipe client(connect());
-        ASSERT_TRUE(client.write(packetOf(1, "")));
-        ASSERT_TRUE(seen.waitFor(1));
-    }
+    expectServed();
     ASSERT_TRUE(waitForLine("AboutToClose"));
     const Lines lines = log.texts(XLOG_DEBUG);
     EXPECT_EQ(lines.at(0), logged::connectionStep("IpcConnectionInfo", name) + ", packetLen = 0");
@@ -129,9 +124,7 @@ TEST_F(IpcServerTest, ASecondServerOfANameLogsItsFailureAndTheFirstGoesOn) {
     EXPECT_EQ(log.texts(XLOG_ERROR),
               Lines{logged::notListening(name, "8(QLocalServer::listen: Address in use)")});
     ipcServerFini(&second);
-    RawPipe client(connect());
-    ASSERT_TRUE(client.write(packetOf(1, "")));
-    EXPECT_TRUE(seen.waitFor(1));
+    expectServed();
 }
 
 TEST_F(IpcServerTest, AnImpossibleNameIsAFailedListen) {
@@ -148,9 +141,7 @@ TEST_F(IpcServerTest, ANameIsFreeAgainAfterItsServer) {
     start();
     stop();
     start();
-    RawPipe client(connect());
-    ASSERT_TRUE(client.write(packetOf(1, "")));
-    EXPECT_TRUE(seen.waitFor(1));
+    expectServed();
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
 }
 
@@ -188,7 +179,7 @@ TEST_F(IpcServerTest, WhatAClientWroteBeforeItWasAcceptedArrivesAlthoughItHasLef
         RawPipe client(connect());
         client.write(second);
     });
-    sleepMs(100);  // so that it has gone where the system lets it go
+    sleepMs(100);  // lets the client leave, where the system allows that before it is accepted
     released = true;
     leaving.join();
     ASSERT_TRUE(seen.waitFor(2));
@@ -197,11 +188,7 @@ TEST_F(IpcServerTest, WhatAClientWroteBeforeItWasAcceptedArrivesAlthoughItHasLef
 
 TEST_F(IpcServerTest, AMebibyteArrivesWhole) {
     start();
-    const std::string packet = packetOf(1, std::string(1 << 20, 'x'));
-    RawPipe client(connect());
-    ASSERT_TRUE(client.write(packet));
-    ASSERT_TRUE(seen.waitFor(1));
-    EXPECT_EQ(seen.packets, Lines{packet});
+    expectServed(packetOf(1, std::string(1 << 20, 'x')));
 }
 
 TEST_F(IpcServerTest, OpenConnectionsAndHalfPacketsDoNotKeepItFromStopping) {
@@ -238,9 +225,8 @@ TEST_F(IpcServerTest, EveryRecordIsReleasedWhateverEndsTheConnection) {
 TEST_F(IpcServerTest, StartingAndStoppingGivesEveryHandleBack) {
     const auto round = [this] {
         start();
-        RawPipe client(connect());
-        ASSERT_TRUE(client.write(packetOf(1, "")));
-        ASSERT_TRUE(seen.waitFor(1));
+        seen.clear();
+        expectServed();
         stop();
     };
     round();
@@ -268,8 +254,5 @@ TEST_F(IpcServerTest, MalformedPacketsLeaveNoRecordAndNoHandle) {
     EXPECT_TRUE(waitForRecords(0));
     EXPECT_LE(openHandles(), handles + HANDLES_OF_THE_SYSTEM);
     seen.clear();
-    RawPipe good(connect());
-    ASSERT_TRUE(good.write(appDisplayedPacket("N", "p")));
-    ASSERT_TRUE(seen.waitFor(1));
-    EXPECT_EQ(seen.packets, Lines{appDisplayedPacket("N", "p")});
+    expectServed(appDisplayedPacket("N", "p"));
 }

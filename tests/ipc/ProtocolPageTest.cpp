@@ -2,13 +2,9 @@
 // reads.
 #include <regex>
 
+#include "KnownRequests.h"
 #include "ProtocolPage.h"
 #include "ipc/IpcEvent.h"
-#include "mim/client/MimEnc.h"
-#include "plr/client/PlrEnc.h"
-#include "support/EventPackets.h"
-#include "support/Platform.h"
-#include "support/RawServer.h"
 #include "support/TestHeaders.h"
 
 namespace {
@@ -81,63 +77,30 @@ std::string hexOf(const std::string& bytes) {
     return text;
 }
 
-std::string sentBytes(const std::function<void(IpcClient&)>& encode) {
-    const std::string name = "vtr_test_page_" + std::to_string(ownProcessId());
-    std::string bytes;
-    {
-        // The reply lets the one request that waits for an answer go on.
-        RawServer server(name, [&bytes](RawPipe& pipe) {
-            bytes = pipe.read(12);
-            if (bytes.size() == 12 && bytes[8] != 0) pipe.write("12345678");
-            bytes += pipe.readAll();
-        });
-        IpcClient client;
-        ipcClientInit(client, name);
-        encode(client);
-        for (int i = 0; i < 500 && server.served() == 0; ++i) sleepMs(2);
+// The values of an example: plrLaunchAppStoreRpc("a", "b") has the words a and b.
+Words valuesOf(const std::string& example) {
+    static const std::regex value(R"re("([^"]*)"|[^"(), ]+)re");
+    const std::string list = example.substr(example.find('('));
+    Words words;
+    for (std::sregex_iterator it(list.begin(), list.end(), value), end; it != end; ++it) {
+        const std::string word = (*it)[1].matched ? (*it)[1].str() : it->str();
+        words.push_back(word == "true" ? "1" : word == "false" ? "0" : word);
     }
-    return hexOf(bytes);
+    return words;
 }
 
 }  // namespace
 
 TEST(ProtocolPage, EveryExampleIsWhatTheLibrarySends) {
-    const std::map<std::string, std::function<void(IpcClient&)>> calls = {
-        {"plrShutdownRpc(true)", [](IpcClient& c) { plrShutdownRpc(c, true); }},
-        {"plrBringToFrontRpc()", [](IpcClient& c) { plrBringToFrontRpc(c); }},
-        {"plrEnableEcoModeRpc(true)", [](IpcClient& c) { plrEnableEcoModeRpc(c, true); }},
-        {"plrMuteMediaRpc(false)", [](IpcClient& c) { plrMuteMediaRpc(c, false); }},
-        {"plrResizeWindowRpc(1, 2, 3, -1)",
-         [](IpcClient& c) { plrResizeWindowRpc(c, 1, 2, 3, -1); }},
-        {R"(plrLaunchAppStoreRpc("a", "b"))",
-         [](IpcClient& c) { plrLaunchAppStoreRpc(c, "a", "b"); }},
-        {R"(plrLaunchAppRpc("com.a"))", [](IpcClient& c) { plrLaunchAppRpc(c, "com.a"); }},
-        {R"(plrLaunchUrlRpc("é"))", [](IpcClient& c) { plrLaunchUrlRpc(c, "é"); }},
-        {R"(plrUninstallAppRpc("com.a"))", [](IpcClient& c) { plrUninstallAppRpc(c, "com.a"); }},
-        {R"(plrInstallApkRpc("C:\a"))", [](IpcClient& c) { plrInstallApkRpc(c, "C:\\a"); }},
-        {"plrMnsSyncKeyEventRpc(65, true)",
-         [](IpcClient& c) { plrMnsSyncKeyEventRpc(c, 65, true); }},
-        {"plrMnsSyncMouseEventRpc(1, 0.5, -2, 3)",
-         [](IpcClient& c) { plrMnsSyncMouseEventRpc(c, 1, 0.5, -2, 3); }},
-        {R"(plrMnsSyncImeEventRpc("日"))", [](IpcClient& c) { plrMnsSyncImeEventRpc(c, "日"); }},
-        {"plrMnsSyncUiEventRpc(7)", [](IpcClient& c) { plrMnsSyncUiEventRpc(c, 7); }},
-        {R"(plrMnsSyncStartRpc("a", ""))", [](IpcClient& c) { plrMnsSyncStartRpc(c, "a", ""); }},
-        {R"(plrMnsSyncStopRpc(""))", [](IpcClient& c) { plrMnsSyncStopRpc(c, ""); }},
-        {"plrOnConfChangedRpc()", plrOnConfChangedRpc},
-        {"plrMnsOnAnyMacroChangedRpc()", plrMnsOnAnyMacroChangedRpc},
-        {"mimShutdownRpc()", mimShutdownRpc},
-        {"mimBringToFrontRpc()", mimBringToFrontRpc},
-        {R"(mimDownloadImageRpc("N"))", [](IpcClient& c) { mimDownloadImageRpc(c, "N"); }},
-        {R"(mimCreateFreshInstanceRpc("N", "4", "1", "g", "r", "p"))",
-         [](IpcClient& c) { mimCreateFreshInstanceRpc(c, "N", "4", "1", "g", "r", "p"); }},
-    };
     const auto examples = pageExamples();
     ASSERT_EQ(examples.size(), 22u);
+    std::set<std::string> names;
     for (const auto& [example, bytes] : examples) {
-        const auto call = calls.find(example);
-        ASSERT_NE(call, calls.end()) << example;
-        EXPECT_EQ(sentBytes(call->second), bytes) << example;
+        const KnownRequest& request = knownRequest(example.substr(0, example.find('(')));
+        names.insert(request.name);
+        EXPECT_EQ(hexOf(sentBytes(request, valuesOf(example))), bytes) << example;
     }
+    EXPECT_EQ(names.size(), examples.size());
 }
 
 TEST(ProtocolPage, EveryEventHasTheFieldsThatTheLibraryReads) {

@@ -1,16 +1,14 @@
 #ifndef TESTS_IPC_QTTHREAD_H
 #define TESTS_IPC_QTTHREAD_H
 
+#include "support/DeliveringThread.h"
 #include "support/TestHeaders.h"
 
-#include <private/qthread_p.h>
-#include <QThread>
-
-// Runs `call` on a thread of Qt's, which delivers without an application object.
+// Runs `call` on a thread of Qt's that delivers events without an application object.
 template <typename Call>
 void onQtThread(Call call) {
     const std::unique_ptr<QThread> thread(QThread::create([call] {
-        QThreadData::get2(QThread::currentThread())->requiresCoreApplication = false;
+        const DeliveringThread delivering;
         call();
     }));
     thread->start();

@@ -2,8 +2,8 @@
 
 #include "ipc/IpcConnection.h"
 #include "ipc/IpcName.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
+#include "support/WaitUntil.h"
 #include "xpl/Xsystem.h"
 
 Seen seen;
@@ -39,8 +39,7 @@ ServerFixture::~ServerFixture() { stop(); }
 
 void ServerFixture::start(IpcDecode decode) {
     ASSERT_EQ(ipcServerInit(&thread, name, decode), 0);
-    for (int i = 0; i < 1000 && !ipcNameIsServed(name); ++i) sleepMs(5);
-    ASSERT_TRUE(ipcNameIsServed(name));
+    ASSERT_TRUE(waitUntil([this] { return ipcNameIsServed(name); }));
 }
 
 void ServerFixture::stop() {
@@ -51,8 +50,7 @@ void ServerFixture::stop() {
 }
 
 bool ServerFixture::waitForRecords(int wanted) {
-    for (int i = 0; i < 2000 && IpcConnectionInfo::live() != wanted; ++i) sleepMs(5);
-    return IpcConnectionInfo::live() == wanted;
+    return waitUntil([wanted] { return IpcConnectionInfo::live() == wanted; });
 }
 
 void* ServerFixture::connect() const { return connectWhenFree(name); }

@@ -1,12 +1,9 @@
 // Every export while memory is short: the Nth allocation fails, for each N, once and for ever. The
-// answer is the function's own or its failure, and afterwards everything works. Left out are those
-// that have nothing to fail: bridgeFreeMemory takes no memory, and the catalogue has no key for
-// bridgeConfGetI64 and bridgeConfSetI64, which are fatal before they take any.
+// result is the function's own or its failure, and afterwards everything works. bridgeFreeMemory,
+// bridgeConfGetI64 and bridgeConfSetI64 allocate nothing.
 #include <bridge/bridge.h>
 
-#include <private/qthread_p.h>
 #include <QCoreApplication>
-#include <QLocalServer>
 #include <QPointer>
 #include <QThread>
 #include <cstdarg>
@@ -19,6 +16,7 @@
 #include "conf/Conf.h"
 #include "ipc/IpcClient.h"
 #include "ipc/IpcConnection.h"
+#include "support/DeliveringThread.h"
 #include "support/EventPackets.h"
 #include "support/FakeSocket.h"
 #include "support/LogLines.h"
@@ -29,6 +27,7 @@
 #include "support/Subprocess.h"
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 #include "xpl/Xlog.h"
 
 namespace {
@@ -44,7 +43,7 @@ std::optional<std::string> taken(char* text) {
     return copy;
 }
 
-// Takes this process's error lines while it lives, into memory that no shortage can refuse.
+// Captures this process's error lines while it lives, without allocating.
 class ErrorLines {
  public:
     ErrorLines() : previous_(xlogGetLogger()) {
@@ -83,7 +82,7 @@ class ErrorLines {
 
 class AllocationTest : public ::testing::Test {
  protected:
-    // The library looks for its folders once in a process.
+    // The library looks its folders up once per process.
     static void SetUpTestSuite() {
         folder = new TempFolder;
         registry = new RegistrySandbox;
@@ -110,8 +109,8 @@ class AllocationTest : public ::testing::Test {
         confDiscardChanges(confStore());
     }
 
-    // Runs `call` in every shortage until one is long enough for nothing to fail. `check` gets what
-    // the call answered, with plenty of memory again. Answers how many allocations were refused.
+    // Runs `call` in each shortage until nothing fails in it. `check` gets the call's result, with
+    // enough memory again. Returns how many allocations were refused.
     template <typename Call, typename Check>
     static int inEveryShortage(Call call, Check check) {
         int shortages = 0;
@@ -121,9 +120,9 @@ class AllocationTest : public ::testing::Test {
                              std::to_string(first));
                 shortage = kind;
                 startShortage(kind, first);
-                auto answer = call();
+                auto result = call();
                 const bool failed = endShortage();
-                check(answer);
+                check(result);
                 if (::testing::Test::HasFailure() || !failed) break;
                 ++shortages;
             }
@@ -131,8 +130,8 @@ class AllocationTest : public ::testing::Test {
         return shortages;
     }
 
-    // A text is the one that comes with plenty of memory, or none after one error line with the
-    // function's name.
+    // Expects the text that the call returns with enough memory, or null after one error line with
+    // the function's name.
     static void expectText(const std::string& name, const std::function<char*()>& call) {
         const std::optional<std::string> plenty = taken(call());
         ASSERT_TRUE(plenty.has_value());
@@ -151,8 +150,8 @@ class AllocationTest : public ::testing::Test {
         EXPECT_GT(shortages, 0);
     }
 
-    // A function that sets another value than the committed one answers 0 and has set it, or -1 and
-    // has not; afterwards it does. Each shortage meets a key for which nothing is staged yet.
+    // Expects a set of a new value to return 0 and set it, or -1 and not to. Before each shortage
+    // nothing is staged for the key.
     static void expectSet(const std::function<bridge_i32()>& set,
                           const std::function<std::string()>& get) {
         const std::string committed = get();
@@ -179,17 +178,15 @@ class AllocationTest : public ::testing::Test {
 
 constexpr const char* kAccess = "vtr.enable_adb_access";  // committed: 1
 
-// Of an instance: what is staged for it takes memory each time.
+// Of an instance, for which each set allocates.
 constexpr const char* kName = "vtr.instance.Nougat64.display_name";
 constexpr const char* kRules = "vtr.instance.Nougat64.grm_ignored_rules";
 constexpr const char* kVsync = "vtr.instance.Nougat64.enable_vsync";
 
-}  // namespace
-
 TEST_F(AllocationTest, Getters) {
     expectText("bridgeConfGetString", [] { return bridgeConfGetString(kLocale); });
     expectText("bridgeConfGetMultiString", [] { return bridgeConfGetMultiString(kFolders); });
-    // Short values take no memory, which a failure would tell of.
+    // Short values need no allocation.
     const ErrorLines errors;
     EXPECT_EQ(inEveryShortage([] { return bridgeConfGetI32(kDpi); },
                               [](bridge_i32 dpi) { EXPECT_EQ(dpi, 240); }),
@@ -242,23 +239,20 @@ TEST_F(AllocationTest, ASetOfAnUnknownInstance) {
 TEST_F(AllocationTest, Commits) {
     ASSERT_EQ(bridgeConfCommitToFile((data / "vantrel.conf").c_str()), 0);
     const std::string before = data.read("vantrel.conf");
-    bridgeConfSetI32(kDpi, 320);
+    const auto startOver = [&] {
+        data.write("vantrel.conf", before);
+        EXPECT_EQ(bridgeApiInitEx("Helper", 0, 0, "NUL"), 0);
+        EXPECT_EQ(bridgeConfSetI32(kDpi, 320), 0);
+    };
+    startOver();
     ASSERT_EQ(bridgeConfCommit(), 0);
     const std::string after = data.read("vantrel.conf");
-    data.write("vantrel.conf", before);
-    ASSERT_EQ(bridgeApiInitEx("Helper", 0, 0, "NUL"), 0);
-    ASSERT_EQ(bridgeConfSetI32(kDpi, 320), 0);
-    inEveryShortage([] { return bridgeConfCommit(); },
-                    [&](bridge_i32 result) {
-                        const std::string now = data.read("vantrel.conf");
-                        EXPECT_TRUE(now == (result == 0 ? after : before)) << result;
-                        data.write("vantrel.conf", before);
-                        EXPECT_EQ(bridgeApiInitEx("Helper", 0, 0, "NUL"), 0);
-                        EXPECT_EQ(bridgeConfSetI32(kDpi, 320), 0);
-                        if (shortage == Shortage::Once) {
-                            EXPECT_FALSE(data.has("vantrel.conf-temp"));
-                        }
-                    });
+    startOver();
+    inEveryShortage(bridgeConfCommit, [&](bridge_i32 result) {
+        EXPECT_TRUE(data.read("vantrel.conf") == (result == 0 ? after : before)) << result;
+        if (shortage == Shortage::Once) EXPECT_FALSE(data.has("vantrel.conf-temp"));
+        startOver();
+    });
 }
 
 TEST_F(AllocationTest, CommitsIntoAnotherFile) {
@@ -267,17 +261,15 @@ TEST_F(AllocationTest, CommitsIntoAnotherFile) {
     const std::string whole = data.read("copy.conf");
     ASSERT_FALSE(whole.empty());
     removeFile(path);
-    const int shortages = inEveryShortage([&] { return bridgeConfCommitToFile(path.c_str()); },
-                                          [&](bridge_i32 result) {
-                                              EXPECT_EQ(data.has("copy.conf"), result == 0)
-                                                  << result;
-                                              if (data.has("copy.conf"))
-                                                  EXPECT_EQ(data.read("copy.conf"), whole);
-                                              EXPECT_EQ(bridgeConfCommitToFile(path.c_str()), 0);
-                                              EXPECT_EQ(data.read("copy.conf"), whole);
-                                              EXPECT_FALSE(data.has("copy.conf-temp"));
-                                              removeFile(path);
-                                          });
+    const auto commit = [&] { return bridgeConfCommitToFile(path.c_str()); };
+    const int shortages = inEveryShortage(commit, [&](bridge_i32 result) {
+        EXPECT_EQ(data.has("copy.conf"), result == 0) << result;
+        if (data.has("copy.conf")) EXPECT_EQ(data.read("copy.conf"), whole);
+        EXPECT_EQ(commit(), 0);
+        EXPECT_EQ(data.read("copy.conf"), whole);
+        EXPECT_FALSE(data.has("copy.conf-temp"));
+        removeFile(path);
+    });
     EXPECT_GT(shortages, 1);
 }
 
@@ -295,16 +287,10 @@ TEST_F(AllocationTest, Initialisation) {
     }
 }
 
-namespace {
-
-// What the callback was handed, in memory that is there.
-int installedApps;
-char lastInstalled[64];
-
-}  // namespace
-
-// On this thread, whose memory the test gives, as on the server's.
+// Decodes on this thread, instead of the server's.
 TEST_F(AllocationTest, Events) {
+    static int installedApps;
+    static char lastInstalled[64];
     BridgeCallbacks callbacks{};
     callbacks.onAppInstalled = [](const char* instance, const char* package, const char*,
                                   const char*, bridge_i32 version, const char*, const char*,
@@ -367,18 +353,7 @@ TEST_F(AllocationTest, Requests) {
     inEveryShortage([] { return bridgeShutdown(), 0; }, [](int) { bridgeShutdown(); });
 }
 
-namespace {
-
-// A server to which one client has come.
-class OneClient : public QLocalServer {
- public:
-    QLocalSocket* nextPendingConnection() override { return std::exchange(socket, nullptr); }
-    QLocalSocket* socket = nullptr;
-};
-
-}  // namespace
-
-// A connection comes whole, or its client is sent away.
+// A connection is accepted completely, or closed.
 TEST(ConnectionAllocationTest, AConnectionThatMemoryIsShortFor) {
     const std::string name = "server";
     const int before = IpcConnectionInfo::live();
@@ -386,8 +361,7 @@ TEST(ConnectionAllocationTest, AConnectionThatMemoryIsShortFor) {
     int shortages = 0;
     for (int first = 0; failed; ++first, ++shortages) {
         auto socket = std::make_unique<FakeSocket>();
-        OneClient server;
-        server.socket = socket.get();
+        OneSocketServer server(socket.get());
         bool thrown = false;
         startShortage(Shortage::Once, first);
         try {
@@ -404,30 +378,13 @@ TEST(ConnectionAllocationTest, AConnectionThatMemoryIsShortFor) {
     EXPECT_GT(shortages, 3);
 }
 
-namespace {
-
-// Qt's core in the same shortage, while it lives.
+// Includes Qt5Core in the shortage while it lives.
 class QtInShortage {
  private:
     const ReplacedImport<void*(std::size_t)> malloc_{"malloc", allocateInShortage, "Qt5Core.dll"};
 };
 
-// Makes this thread one that delivers without an application object, while it lives.
-class DeliveringThread {
- public:
-    DeliveringThread() : before_(std::exchange(data()->requiresCoreApplication, false)) {}
-    ~DeliveringThread() { data()->requiresCoreApplication = before_; }
-    DeliveringThread(const DeliveringThread&) = delete;
-    DeliveringThread& operator=(const DeliveringThread&) = delete;
-
- private:
-    static QThreadData* data() { return QThreadData::get2(QThread::currentThread()); }
-
-    const bool before_;
-};
-
-// The end of a connection, with everything that the event loop does then. False when no allocation
-// had failed.
+// Ends a connection, and runs the events that follow. Returns false when no allocation failed.
 bool disconnectInShortage(const QPointer<QLocalSocket>& socket, Shortage kind, int first) {
     startShortage(kind, first);
     emit socket->disconnected();
@@ -438,15 +395,15 @@ bool disconnectInShortage(const QPointer<QLocalSocket>& socket, Shortage kind, i
     return endShortage();
 }
 
-// Whether the socket was gone by then; the server frees the one whose deletion could not be queued.
+// Returns whether an allocation failed and whether the socket has been deleted. The server deletes
+// one whose deletion could not be queued.
 std::string disconnectsInShortage(Shortage kind, int first) {
     const std::string name = "server";
-    OneClient server;
     QPointer<QLocalSocket> socket = new FakeSocket;
+    OneSocketServer server(socket.data());
     socket->setParent(&server);
-    server.socket = socket.data();
     ipcHandleNewConnection(&server, bridgeDecode, &name);
-    // A socket in memory is never connected, so that its disposal is queued already.
+    // A socket in memory is never connected, so its disposal is already queued.
     QCoreApplication::removePostedEvents(socket.data());
     const ErrorLines errors;
     const bool failed = disconnectInShortage(socket, kind, first);
@@ -459,9 +416,7 @@ std::string disconnectsInShortage(Shortage kind, int first) {
     return std::string(failed ? "short" : "plenty") + (socket.isNull() ? ", gone" : ", stays");
 }
 
-}  // namespace
-
-// No exception reaches the event loop, and the socket goes: at once, later, or with its server.
+// No exception reaches the event loop, and the socket is deleted: at once, later, or by its server.
 TEST(ConnectionAllocationTest, ADisconnectThatMemoryIsShortFor) {
     const DeliveringThread delivering;
     const QtInShortage qt;
@@ -481,8 +436,6 @@ TEST(ConnectionAllocationTest, ADisconnectThatMemoryIsShortFor) {
     }
 }
 
-namespace {
-
 std::atomic<int> failingNext;  // the number of the allocation that fails next
 std::atomic<int> started;
 std::atomic<int> ended;
@@ -501,13 +454,7 @@ bool startOrEndShortage(QLocalSocket*, const std::uint8_t* packet, std::int32_t,
     return true;
 }
 
-template <typename Condition>
-bool waitUntil(Condition condition) {
-    for (int i = 0; i < 2000 && !condition(); ++i) sleepMs(5);
-    return condition();
-}
-
-// A client that comes, starts a shortage, and goes. Its end is dealt with when this returns.
+// A client that starts a shortage and leaves. Returns when its end has been handled.
 void startShortageOf(const std::string& server) {
     const int before = started;
     const int refused = refusedAllocations();
@@ -519,7 +466,7 @@ void startShortageOf(const std::string& server) {
         [&] { return IpcConnectionInfo::live() == 0 || refusedAllocations() > refused; }));
 }
 
-// The shortage can refuse one client.
+// The shortage may refuse one client.
 void endShortageOf(const std::string& server) {
     const int before = ended;
     for (int i = 0; i < 2 && ended == before; ++i) {
@@ -531,9 +478,7 @@ void endShortageOf(const std::string& server) {
     EXPECT_GT(ended, before);
 }
 
-}  // namespace
-
-// Each server has one shortage: it may keep a socket that could not be disposed of.
+// A server per shortage, since it may keep a socket that could not be deleted.
 TEST(ConnectionAllocationTest, TheServersThreadOutlivesEachShortage) {
     const std::string name = "vtr_test_allocation_" + std::to_string(ownProcessId());
     int shortages = 0;
@@ -550,7 +495,7 @@ TEST(ConnectionAllocationTest, TheServersThreadOutlivesEachShortage) {
     EXPECT_GT(shortages, 4);
 }
 
-// A client on a thread of Qt's, whose socket waits for the event loop.
+// A client on a thread of Qt's, whose event loop deletes the socket.
 SUBPROCESS(dropsAClientInAShortage) {
     int result = 1;
     const std::unique_ptr<QThread> thread(QThread::create([&arguments, &result] {
@@ -568,34 +513,38 @@ SUBPROCESS(dropsAClientInAShortage) {
     return result;
 }
 
-// The end, with a server: it stops whatever is short.
+// Starts a shortage, "once" or "for ever", at the allocation with this number.
+void startShortage(const SubprocessArguments& arguments) {
+    startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
+                  std::stoi(arguments[1]));
+}
+
+void registerNoCallbacks() {
+    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
+}
+
 SUBPROCESS(finishesInAShortage) {
     RegistrySandbox registry;
     bridgeApiInitEx("Helper", 1, 0, "NUL");
-    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
-    startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
-                  std::stoi(arguments[1]));
+    registerNoCallbacks();
+    startShortage(arguments);
     const bridge_i32 result = bridgeApiFini();
     const bool failed = endShortage();
     if (result != 0) return 1;
     return failed ? 0 : 5;
 }
 
-// The server starts once per process: each shortage has a process of its own, and says whether it
-// was long enough.
+// The server starts once per process, so each shortage has its own.
 SUBPROCESS(registersInAShortage) {
     RegistrySandbox registry;
     bridgeApiInitEx("Helper", 1, 0, "NUL");
-    startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
-                  std::stoi(arguments[1]));
-    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
+    startShortage(arguments);
+    registerNoCallbacks();
     const bool failed = endShortage();
-    std::apply(bridgeRegisterCallbacks, noCallbacks(bridgeRegisterCallbacks));
+    registerNoCallbacks();
     if (bridgeApiFini() != 0) return 1;
     return failed ? 0 : 5;
 }
-
-namespace {
 
 void expectSweep(const std::string& subprocess) {
     for (const char* kind : {"once", "for ever"}) {
@@ -608,8 +557,6 @@ void expectSweep(const std::string& subprocess) {
     }
 }
 
-}  // namespace
-
 TEST(AllocationSubprocessTest, DroppingAClient) {
     EXPECT_EQ(runSubprocess("dropsAClientInAShortage", {"0"}).status, 0u);
     EXPECT_EQ(runSubprocess("dropsAClientInAShortage", {"100"}).status, 5u);
@@ -618,3 +565,5 @@ TEST(AllocationSubprocessTest, DroppingAClient) {
 TEST(AllocationSubprocessTest, Registering) { expectSweep("registersInAShortage"); }
 
 TEST(AllocationSubprocessTest, Finishing) { expectSweep("finishesInAShortage"); }
+
+}  // namespace

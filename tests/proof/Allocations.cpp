@@ -32,7 +32,7 @@ bool endShortage() {
 
 int refusedAllocations() { return refused; }
 
-// The linker sends calls of the plain names here.
+// The linker redirects malloc and calloc here.
 extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);

@@ -3,22 +3,22 @@
 
 #include <cstddef>
 
-// Stands in for the memory of this program: operator new, malloc and calloc of everything that is
-// linked into it. Qt, which does not survive every failure, has its own.
+// Replaces operator new, malloc and calloc of everything that is linked into this program. Qt,
+// which does not survive every failure, has its own.
 
 enum class Shortage { Once, ForEver };
 
-// From now on, on this thread, the allocation of that number (from 0) fails, and with ForEver every
-// later one.
+// Lets the allocation with this number, from 0, fail on this thread, and with ForEver every later
+// one.
 void startShortage(Shortage kind, int first);
 
-// Back to plenty. False when no allocation had failed.
+// Ends the shortage. Returns false when no allocation failed in it.
 bool endShortage();
 
-// How many allocations have failed so, on any thread.
+// How many allocations have failed in shortages, on any thread.
 int refusedAllocations();
 
-// This program's malloc, as a replacement for the malloc of another module.
+// This program's malloc, to replace that of another module.
 void* allocateInShortage(std::size_t size);
 
 #endif

@@ -1,5 +1,5 @@
-// The app cache's calls into Windows: what it asks for, and what it makes of refusals that another
-// process causes for a moment or for long.
+// The app cache's calls of Windows: their arguments, and refusals that another process causes, for
+// a moment or for long.
 #include "ImportTable.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
@@ -18,8 +18,7 @@ constexpr const char* kOneApp =
 
 constexpr int kTries = 11;
 
-// Replacements of the system's calls, and what they saw. The calls look at nothing but
-// the app cache's files.
+// What the replacements have seen, of the app cache's files only.
 struct Seen {
     int error = 0;     // that the next calls meet
     int refusals = 0;  // how many of them
@@ -43,16 +42,15 @@ using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
 using OddAttributes = ReplacedImport<decltype(::GetFileAttributesW)>;
 using OddSleep = ReplacedImport<decltype(::Sleep)>;
 
-HANDLE openReally(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                  DWORD disposition, DWORD flags, HANDLE model) {
-    static const auto open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
-    return open(path, access, share, security, disposition, flags, model);
-}
+constexpr char kOpen[] = "CreateFileW";
+constexpr char kRead[] = "ReadFile";
+constexpr char kMove[] = "MoveFileExW";
+constexpr char kAttributes[] = "GetFileAttributesW";
 
-HANDLE WINAPI refuseOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                         DWORD disposition, DWORD flags, HANDLE model) {
-    if (refuse()) return INVALID_HANDLE_VALUE;
-    return openReally(path, access, share, security, disposition, flags, model);
+// Refuses as many calls as refuse() says, and makes the others.
+template <const char* kName, std::intptr_t kFailure, typename Result, typename... Arguments>
+Result refuseSome(Arguments... arguments) {
+    return refuse() ? (Result)kFailure : callSystem<kName, Result>(arguments...);
 }
 
 HANDLE WINAPI countInherited(LPCWSTR path, DWORD access, DWORD share,
@@ -60,10 +58,10 @@ HANDLE WINAPI countInherited(LPCWSTR path, DWORD access, DWORD share,
                              HANDLE model) {
     ++seen.calls;
     if (security != nullptr && security->bInheritHandle) ++seen.inherited;
-    return openReally(path, access, share, security, disposition, flags, model);
+    return callSystem<kOpen, HANDLE>(path, access, share, security, disposition, flags, model);
 }
 
-// As Windows does, where Wine opens the path without its end.
+// As Windows does. Wine ignores the separator.
 HANDLE WINAPI refuseTrailingSeparator(LPCWSTR path, DWORD access, DWORD share,
                                       LPSECURITY_ATTRIBUTES security, DWORD disposition,
                                       DWORD flags, HANDLE model) {
@@ -72,28 +70,7 @@ HANDLE WINAPI refuseTrailingSeparator(LPCWSTR path, DWORD access, DWORD share,
         ::SetLastError(ERROR_PATH_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
-    return openReally(path, access, share, security, disposition, flags, model);
-}
-
-BOOL WINAPI refuseRead(HANDLE file, LPVOID bytes, DWORD size, LPDWORD done,
-                       LPOVERLAPPED overlapped) {
-    *done = 0;
-    if (refuse()) return FALSE;
-    static const auto read = systemFunction<decltype(::ReadFile)>("ReadFile");
-    return read(file, bytes, size, done, overlapped);
-}
-
-BOOL WINAPI refuseMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    if (refuse()) return FALSE;
-    static const auto move = systemFunction<decltype(::MoveFileExW)>("MoveFileExW");
-    return move(from, to, flags);
-}
-
-DWORD WINAPI refuseAttributes(LPCWSTR path) {
-    if (refuse()) return INVALID_FILE_ATTRIBUTES;
-    static const auto attributes =
-        systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
-    return attributes(path);
+    return callSystem<kOpen, HANDLE>(path, access, share, security, disposition, flags, model);
 }
 
 void WINAPI countSleep(DWORD milliseconds) { seen.sleptMs += milliseconds; }
@@ -125,7 +102,7 @@ class AppcCallsTest : public ::testing::Test {
         return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
     }
 
-    // Loads a fresh file while so many calls are refused, and expects that many calls.
+    // Loads a new file while so many calls are refused, and expects this number of calls.
     void load(int refusals, int error, int calls) {
         const OddSleep sleeping("Sleep", countSleep);
         writeFile();
@@ -135,7 +112,7 @@ class AppcCallsTest : public ::testing::Test {
         EXPECT_EQ(seen.calls, calls) << error;
     }
 
-    // Loads while a call is refused but for its last try.
+    // Loads while all tries but the last are refused.
     void expectReadAtTheLastTry() {
         const OddSleep sleeping("Sleep", countSleep);
         for (const int error :
@@ -188,10 +165,10 @@ TEST_F(AppcCallsTest, AFolderIsNotMovedWhereItsPathWithASeparatorCannotBeOpened)
     EXPECT_EQ(log.texts(), Lines{});
 }
 
-TEST_F(AppcCallsTest, AnIconThatMayNotBeLookedAtIsNotMoved) {
+TEST_F(AppcCallsTest, AnIconWhoseAttributesAreRefusedIsNotMoved) {
     data.write("Shared\\icon.png", "icon");
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddAttributes refusing("GetFileAttributesW", refuseAttributes);
+    const OddAttributes refusing(kAttributes, refuseSome<kAttributes, -1>);
     refuseNext(1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(update("com.b", "icon.png"), 0);
     EXPECT_TRUE(data.has("Shared\\icon.png"));
@@ -199,13 +176,13 @@ TEST_F(AppcCallsTest, AnIconThatMayNotBeLookedAtIsNotMoved) {
 }
 
 TEST_F(AppcCallsTest, AnOpenThatIsRefusedForAMomentIsTriedAgain) {
-    const OddOpen refusing("CreateFileW", refuseOpen);
+    const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
     expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddOpen refusing("CreateFileW", refuseOpen);
+        const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
         load(kTries, error, kTries);
         EXPECT_EQ(packages(), Lines{}) << error;
         const bool isDenied = error == ERROR_ACCESS_DENIED;
@@ -217,7 +194,7 @@ TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
 TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
     for (const int error : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_WRITE_PROTECT,
                             ERROR_IO_DEVICE, ERROR_FILE_CORRUPT}) {
-        const OddOpen refusing("CreateFileW", refuseOpen);
+        const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
         load(1, error, 1);
         EXPECT_EQ(seen.sleptMs, 0u) << error;
         EXPECT_EQ(log.texts(), deleted(error));
@@ -226,20 +203,20 @@ TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
 }
 
 TEST_F(AppcCallsTest, AnOpenThatFailsWithoutAnErrorIsAFailureToo) {
-    const OddOpen refusing("CreateFileW", refuseOpen);
+    const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
     refuseNext(1, ERROR_SUCCESS);
     EXPECT_EQ(appcLibInit(store, "Calls"), 0);
     EXPECT_EQ(log.texts(), deleted(ERROR_GEN_FAILURE));
 }
 
 TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
-    const OddRead refusing("ReadFile", refuseRead);
+    const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
     expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
     for (const int error : {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddRead refusing("ReadFile", refuseRead);
+        const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
         load(kTries, error, kTries);
         EXPECT_EQ(log.texts(), kept(error));
         EXPECT_EQ(update("com.b", ""), -1) << error;
@@ -252,16 +229,16 @@ TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
 
 TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
     for (const int error : {ERROR_IO_DEVICE, ERROR_ACCESS_DENIED}) {
-        const OddRead refusing("ReadFile", refuseRead);
+        const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
         load(kTries, error, error == ERROR_IO_DEVICE ? 1 : kTries);
         EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(path())});
         EXPECT_FALSE(data.has(kFile)) << error;
     }
 }
 
-TEST_F(AppcCallsTest, AFileThatIsHeldAgainstALookIsNotMissing) {
+TEST_F(AppcCallsTest, AFileWhoseAttributesAreRefusedIsNotMissing) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddAttributes refusing("GetFileAttributesW", refuseAttributes);
+        const OddAttributes refusing(kAttributes, refuseSome<kAttributes, -1>);
         refuseNext(1, error);
         EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
         EXPECT_EQ(packages(), Lines{"com.a"}) << error;
@@ -272,7 +249,7 @@ TEST_F(AppcCallsTest, AFileThatIsHeldAgainstALookIsNotMissing) {
 TEST_F(AppcCallsTest, ARenameThatIsRefusedForAMomentIsTriedAgain) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
-        const OddMove refusing("MoveFileExW", refuseMove);
+        const OddMove refusing(kMove, refuseSome<kMove, FALSE>);
         const OddSleep sleeping("Sleep", countSleep);
         refuseNext(kTries - 1, error);
         EXPECT_EQ(appcSaveToFile(store), 0) << error;
@@ -284,7 +261,7 @@ TEST_F(AppcCallsTest, ARenameThatIsRefusedForAMomentIsTriedAgain) {
 
 TEST_F(AppcCallsTest, ARenameThatStaysRefusedLeavesTheOldFile) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddMove refusing("MoveFileExW", refuseMove);
+    const OddMove refusing(kMove, refuseSome<kMove, FALSE>);
     const OddSleep sleeping("Sleep", countSleep);
     refuseNext(kTries, ERROR_SHARING_VIOLATION);
     EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), -1);
@@ -312,7 +289,7 @@ TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
     EXPECT_EQ(data.read(kFile), kOneApp);
 }
 
-TEST_F(AppcCallsTest, AFileThatMayNotBeLookedAtIsTheRenamesToJudge) {
+TEST_F(AppcCallsTest, AFileWhoseAttributesAreRefusedIsRenamedAllTheSame) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     const OddAttributes refusing("GetFileAttributesW", [](LPCWSTR path) -> DWORD {
         static const auto attributes =

@@ -1,5 +1,6 @@
-// What Windows is asked for where its answer does not show it: the arguments of calls that start
-// processes, make the named mutex, and look at the processes that run.
+// Arguments of Windows calls that no result shows: the calls that start processes, make the named
+// mutex, and examine the running processes.
+#include "AccessList.h"
 #include "ImportTable.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
@@ -25,11 +26,7 @@ bool isOpen(HANDLE handle) {
     return ::GetHandleInformation(handle, &flags) != FALSE;
 }
 
-}  // namespace
-
 // Starting a program.
-
-namespace {
 
 using SeenCreate = ReplacedImport<decltype(::CreateProcessW)>;
 
@@ -50,7 +47,7 @@ PROCESS_INFORMATION startedProcess;
 DWORD startError;
 bool startWorks;
 
-// Writes into the command line, as the system may.
+// Overwrites the command line, as the system may.
 BOOL WINAPI seeStart(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES process,
                      LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags, LPVOID environment,
                      LPCWSTR folder, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION started) {
@@ -62,34 +59,24 @@ BOOL WINAPI seeStart(LPCWSTR program, LPWSTR commandLine, LPSECURITY_ATTRIBUTES 
     return startWorks;
 }
 
-// Other standard handles of this process while it lives.
-class StandardHandles {
+// Replaces one of this process's standard handles while it lives.
+class StandardHandle {
  public:
-    StandardHandles() {
-        for (std::size_t i = 0; i < kIds.size(); ++i) {
-            before_[i] = ::GetStdHandle(kIds[i]);
-            own_[i] = newEvent();
-            ::SetStdHandle(kIds[i], own_[i]);
-        }
+    explicit StandardHandle(DWORD id) : id_(id), before_(::GetStdHandle(id)) {
+        ::SetStdHandle(id, own);
     }
-    ~StandardHandles() {
-        for (std::size_t i = 0; i < kIds.size(); ++i) {
-            ::SetStdHandle(kIds[i], before_[i]);
-            ::CloseHandle(own_[i]);
-        }
+    ~StandardHandle() {
+        ::SetStdHandle(id_, before_);
+        ::CloseHandle(own);
     }
-    StandardHandles(const StandardHandles&) = delete;
-    StandardHandles& operator=(const StandardHandles&) = delete;
+    StandardHandle(const StandardHandle&) = delete;
+    StandardHandle& operator=(const StandardHandle&) = delete;
 
-    HANDLE input() const { return own_[0]; }
-    HANDLE output() const { return own_[1]; }
-    HANDLE error() const { return own_[2]; }
+    const HANDLE own = newEvent();
 
  private:
-    static constexpr std::array<DWORD, 3> kIds{STD_INPUT_HANDLE, STD_OUTPUT_HANDLE,
-                                               STD_ERROR_HANDLE};
-    std::array<HANDLE, 3> before_;
-    std::array<HANDLE, 3> own_;
+    const DWORD id_;
+    const HANDLE before_;
 };
 
 class StartArguments : public ::testing::Test {
@@ -105,12 +92,12 @@ class StartArguments : public ::testing::Test {
             if (isOpen(handle)) ::CloseHandle(handle);
         }
     }
+
+    const SeenCreate seen{"CreateProcessW", seeStart};
+    const LogCapture log;
 };
 
-}  // namespace
-
 TEST_F(StartArguments, AProgramInheritsHandlesAndHasNoWindow) {
-    const SeenCreate seen("CreateProcessW", seeStart);
     EXPECT_EQ(xprocCreate_basic(nullptr, {R"(C:\P\x.exe)", "a b"}), 0);
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_FALSE(starts[0].hasProgram) << "the command line names it";
@@ -124,16 +111,17 @@ TEST_F(StartArguments, AProgramInheritsHandlesAndHasNoWindow) {
 }
 
 TEST_F(StartArguments, TheStandardHandlesAreGivenWithoutEffect) {
-    const StandardHandles standard;
-    const SeenCreate seen("CreateProcessW", seeStart);
+    const StandardHandle input(STD_INPUT_HANDLE);
+    const StandardHandle output(STD_OUTPUT_HANDLE);
+    const StandardHandle error(STD_ERROR_HANDLE);
     EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
     ASSERT_EQ(starts.size(), 1u);
     const STARTUPINFOW& startup = starts[0].startup;
     EXPECT_EQ(startup.cb, 104u);
     EXPECT_EQ(startup.dwFlags, 0u) << "so that the handles mean nothing";
-    EXPECT_EQ(startup.hStdInput, standard.input());
-    EXPECT_EQ(startup.hStdOutput, standard.output());
-    EXPECT_EQ(startup.hStdError, standard.error());
+    EXPECT_EQ(startup.hStdInput, input.own);
+    EXPECT_EQ(startup.hStdOutput, output.own);
+    EXPECT_EQ(startup.hStdError, error.own);
     EXPECT_EQ(startup.lpReserved, nullptr);
     EXPECT_EQ(startup.lpDesktop, nullptr);
     EXPECT_EQ(startup.lpTitle, nullptr);
@@ -148,7 +136,6 @@ TEST_F(StartArguments, TheStandardHandlesAreGivenWithoutEffect) {
 }
 
 TEST_F(StartArguments, TheProcessGoesToTheCallerAndItsThreadIsClosed) {
-    const SeenCreate seen("CreateProcessW", seeStart);
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_basic(&handle, {"x.exe"}), 0);
     EXPECT_EQ(handle, startedProcess.hProcess);
@@ -156,16 +143,13 @@ TEST_F(StartArguments, TheProcessGoesToTheCallerAndItsThreadIsClosed) {
     EXPECT_FALSE(isOpen(startedProcess.hThread));
 }
 
-TEST_F(StartArguments, AProcessThatNobodyAskedForIsClosedWithItsThread) {
-    const SeenCreate seen("CreateProcessW", seeStart);
+TEST_F(StartArguments, AProcessThatTheCallerDoesNotWantIsClosedWithItsThread) {
     EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
     EXPECT_FALSE(isOpen(startedProcess.hProcess));
     EXPECT_FALSE(isOpen(startedProcess.hThread));
 }
 
-TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
-    const LogCapture log;
-    const SeenCreate seen("CreateProcessW", seeStart);
+TEST_F(StartArguments, AFailedStartClosesNothingAndLogsTheCommandLineUnchanged) {
     startError = ERROR_ACCESS_DENIED;
     startWorks = false;
     XprocHandle handle = &handle;
@@ -177,8 +161,6 @@ TEST_F(StartArguments, AFailedStartClosesNothingAndShowsTheLineAsItWas) {
 }
 
 TEST_F(StartArguments, AFailedStartWithoutAnErrorIsAFailure) {
-    const LogCapture log;
-    const SeenCreate seen("CreateProcessW", seeStart);
     startWorks = false;
     XprocHandle handle = &handle;
     EXPECT_EQ(xprocCreate(&handle, {"x.exe"}), 100000);
@@ -187,9 +169,7 @@ TEST_F(StartArguments, AFailedStartWithoutAnErrorIsAFailure) {
     EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("x.exe")", "0")});
 }
 
-TEST_F(StartArguments, AStartThatWorksIsASuccessWhateverTheLastErrorSays) {
-    const LogCapture log;
-    const SeenCreate seen("CreateProcessW", seeStart);
+TEST_F(StartArguments, AStartThatWorksIsASuccessWhateverTheLastError) {
     startError = ERROR_ACCESS_DENIED;
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate(&handle, {"x.exe"}), 0);
@@ -198,8 +178,6 @@ TEST_F(StartArguments, AStartThatWorksIsASuccessWhateverTheLastErrorSays) {
 }
 
 // Starting a program with elevation.
-
-namespace {
 
 using SeenShell = ReplacedImport<decltype(::ShellExecuteExW)>;
 
@@ -234,8 +212,6 @@ class ElevationArguments : public ::testing::Test {
     const SeenShell seenElevation{"ShellExecuteExW", seeElevation};
 };
 
-}  // namespace
-
 TEST_F(ElevationArguments, TheShellIsAskedForNothingButTheStart) {
     const LogCapture log;
     XprocHandle handle = &handle;
@@ -260,7 +236,7 @@ TEST_F(ElevationArguments, TheShellIsAskedForNothingButTheStart) {
     EXPECT_EQ(handle, &handle) << "as the caller set it";
 }
 
-TEST_F(ElevationArguments, AProcessThatTheShellGivesAllTheSameGoesToTheCaller) {
+TEST_F(ElevationArguments, AProcessOfTheShellGoesToTheCaller) {
     elevatedProcess = newEvent();
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"x.exe"}), 0);
@@ -269,15 +245,13 @@ TEST_F(ElevationArguments, AProcessThatTheShellGivesAllTheSameGoesToTheCaller) {
     ::CloseHandle(elevatedProcess);
 }
 
-TEST_F(ElevationArguments, AProcessThatTheShellGivesAndNobodyAskedForIsClosed) {
+TEST_F(ElevationArguments, AProcessOfTheShellThatTheCallerDoesNotWantIsClosed) {
     elevatedProcess = newEvent();
     EXPECT_EQ(xprocCreate_elevated_basic(nullptr, {"x.exe"}), 0);
     EXPECT_FALSE(isOpen(elevatedProcess));
 }
 
 // The named mutex.
-
-namespace {
 
 struct MutexRequest {
     int count;
@@ -291,20 +265,6 @@ struct MutexRequest {
 
 MutexRequest mutexRequest;
 
-// What the one entry of the access list grants, if it is for everyone; 0 otherwise.
-ACCESS_MASK rightsOfEveryone(PSECURITY_DESCRIPTOR descriptor) {
-    BOOL present = FALSE;
-    BOOL defaulted = FALSE;
-    PACL list = nullptr;
-    void* entry = nullptr;
-    SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
-    if (descriptor == nullptr) return 0;
-    if (!::GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted)) return 0;
-    if (!present || list == nullptr || list->AceCount != 1 || !::GetAce(list, 0, &entry)) return 0;
-    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-    return ::EqualSid(&allowed->SidStart, &everyone) ? allowed->Mask : 0;
-}
-
 HANDLE WINAPI seeMutex(LPSECURITY_ATTRIBUTES attributes, BOOL initialOwner, LPCWSTR name) {
     mutexRequest = {mutexRequest.count + 1, attributes != nullptr, 0, TRUE, 0, initialOwner, name};
     if (attributes != nullptr) {
@@ -314,8 +274,6 @@ HANDLE WINAPI seeMutex(LPSECURITY_ATTRIBUTES attributes, BOOL initialOwner, LPCW
     }
     return newEvent();
 }
-
-}  // namespace
 
 TEST(MutexArguments, TheMutexIsOpenToEveryoneAndNotInherited) {
     mutexRequest = {};
@@ -353,13 +311,11 @@ TEST(MutexArguments, AnEmptyNameIsWindowsToJudge) {
     EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade("", "123")});
 }
 
-// The processes that run.
-
-namespace {
+// The running processes.
 
 constexpr DWORD kFirstProcess = 8001;
 
-// Three processes, of which the one in the middle is the product's.
+// Three processes. The second is the product's.
 std::array<HANDLE, 3> processes;
 Lines processCalls;
 
@@ -414,9 +370,7 @@ HRESULT WINAPI seeCrashModule(PCWSTR path, PVOID context) {
     return static_cast<HRESULT>(0x80070057);
 }
 
-}  // namespace
-
-// In a process of its own, since the install folder is read once.
+// In its own process, since the install folder is read once.
 SUBPROCESS(trimsOneOfThree) {
     RegistrySandbox registry;
     registry.set("InstallDir", "C:\\Apps\\");
@@ -457,3 +411,5 @@ TEST(ProcessArguments, TheCrashModuleIsRegisteredWithoutAContext) {
     EXPECT_EQ(crashModule, L"C:\\日本\\x.dll");
     EXPECT_EQ(crashContext, nullptr);
 }
+
+}  // namespace

@@ -1,5 +1,5 @@
-// A commit whose every call into the system fails, or is the last thing that the process does: the
-// file is the old one or the new one, whole, and the next commit of anybody succeeds.
+// Commits in which a system call fails, or is the process's last: the file is the old one or the
+// new one, and the next commit of any process succeeds.
 #include "PowerFailure.h"
 #include "SystemCalls.h"
 #include "conf/Conf.h"
@@ -14,30 +14,28 @@
 namespace {
 
 using Faults = std::vector<FaultAt>;
-using Losses = std::set<std::string>;
 
 constexpr std::uint32_t kDiedStatus = 7;
 
 constexpr const char* kFile = "vantrel.conf";
 constexpr const char* kTemporary = "vantrel.conf-temp";
 
-// Enough for a write that ends halfway to leave whole lines and a part of one.
+// So many that half a write has whole lines and a part of one.
 constexpr int kInstances = 90;
 
-// Where the changes of a commit are behind it.
+// Where the changes are after a commit.
 enum class Changes { Pending, InMemory, InFile };
 
-// What a commit with an error does: its result, its changes, whether the temporary file is left,
-// and how many more calls it makes.
+// What a commit with an error does.
 struct Course {
     XErr result;
     Changes changes;
-    bool leftover;
-    int laterCalls;
+    bool leftover;   // whether the temporary file is left
+    int laterCalls;  // after the error
 };
 
-// The calls of a commit, and its course when one of them fails once or that one and every later
-// one. A release that fails is fatal.
+// A call of a commit, and the courses when it fails once, or it and every later one. A release that
+// fails is fatal.
 struct Call {
     const char* function;
     Course once;
@@ -65,11 +63,11 @@ constexpr Call kCalls[] = {
     // The temporary file is filled; then a failure deletes it.
     {"WriteFile", notWritten(false, 3), notWritten(true, 3)},
     {"CloseHandle", done(5), notWritten(true, 4)},
-    // It is flushed, or not, which is no reason to give up.
+    // It is flushed. The commit continues even if this fails.
     {"CreateFileW", done(2), notWritten(true, 3)},
     {"FlushFileBuffers", done(3), notWritten(true, 4)},
     {"CloseHandle", done(2), notWritten(true, 3)},
-    // It takes the file's place.
+    // It replaces the file.
     {"MoveFileExW", notWritten(false, 2), notWritten(true, 2)},
     {"ReleaseMutex", kDone, kDone},
 };
@@ -79,7 +77,7 @@ constexpr int kWrite = 4;
 constexpr int kMove = kCallCount - 2;
 constexpr int kRelease = kCallCount - 1;
 
-// How often a move that is denied is tried again.
+// Retries of a denied move.
 constexpr int kMoreMoves = 10;
 
 const Call& callAt(int call) { return kCalls[static_cast<std::size_t>(call)]; }
@@ -99,7 +97,7 @@ std::string nameOf(const Faults& faults) {
     return name;
 }
 
-// Errors, alone. That the release fails for ever is that it fails once.
+// Errors alone. For the release, for ever is the same as once.
 std::vector<Faults> errors() {
     std::vector<Faults> all;
     for (int call = 0; call < kCallCount; ++call) all.push_back({{Fault::ErrorOnce, call}});
@@ -107,7 +105,7 @@ std::vector<Faults> errors() {
     return all;
 }
 
-// Ends of the process, alone: what is behind one call is before the next one.
+// Deaths alone: after one call is before the next one.
 std::vector<Faults> deaths() {
     std::vector<Faults> all;
     for (int call = 0; call < kCallCount; ++call) {
@@ -118,9 +116,9 @@ std::vector<Faults> deaths() {
     return all;
 }
 
-// Ends of the process at a call behind one that fails, among them those that a commit without an
-// error does not make. The short form has the errors with the longest ways out.
-std::vector<Faults> deathsBehindErrors() {
+// Deaths at a call after an error, also at calls that only such a commit makes. The short form has
+// the errors with the most later calls.
+std::vector<Faults> deathsAfterErrors() {
     std::vector<FaultAt> first{{Fault::ErrorOnce, 2},
                                {Fault::ErrorOnce, kWrite},
                                {Fault::ErrorOnce, kMove},
@@ -139,8 +137,8 @@ std::vector<Faults> deathsBehindErrors() {
     return all;
 }
 
-// Ends of the process among the repetitions of a move that is denied once or for ever.
-std::vector<Faults> deathsBehindDeniedMoves() {
+// Deaths among the retries of a denied move.
+std::vector<Faults> deathsAfterDeniedMoves() {
     std::vector<Faults> all{{{Fault::DeniedOnce, kMove}, {Fault::DieBefore, kMove + 1}},
                             {{Fault::DeniedOnce, kMove}, {Fault::DieAfter, kMove + 1}}};
     const int remove = kMove + kMoreMoves + 1;
@@ -151,7 +149,7 @@ std::vector<Faults> deathsBehindDeniedMoves() {
     return all;
 }
 
-// Whether the file is in place when the last of the faults ends the process.
+// Whether the file has been replaced when the last fault ends the process.
 bool isMoved(const Faults& faults) {
     int move = kMove;
     if (faults.size() > 1) {
@@ -183,14 +181,14 @@ void stage(ConfStore& store) {
     confSetString(store, kLocale, "de-DE");
 }
 
-// What a commit without a fault finds, leaves behind and calls.
+// The files before and after a commit without a fault, and its calls.
 struct Commit {
     std::string before;
     std::string after;
     Lines calls;
 };
 
-// What a process says of a commit that it survived.
+// What a process prints after a commit that it survived.
 struct Report {
     XErr result = 0;
     int pending = 0;  // changes at all, and each of the two
@@ -238,7 +236,7 @@ class CommitFaultsTest : public ::testing::Test {
         EXPECT_NE(content.find(kLocale + ("=\"" + locale + "\"\n")), std::string::npos);
     }
 
-    // A process that commits with faults.
+    // Commits with faults in another process.
     ChildResult play(const Faults& faults) {
         folder.write(kFile, commit.before);
         Lines arguments{path, other / "seen"};
@@ -249,42 +247,38 @@ class CommitFaultsTest : public ::testing::Test {
         return runSubprocess("commitsWithFaults", arguments);
     }
 
-    // A process that survives its faults takes that course, and starts over.
+    // Expects a process to survive its faults with that course, and to commit again.
     void expectCourse(const Faults& faults, const Course& expected, int calls) {
-        const std::string where = nameOf(faults);
+        SCOPED_TRACE(nameOf(faults));
         const ChildResult child = play(faults);
-        ASSERT_EQ(child.status, 0u) << where << child.out << child.err;
+        ASSERT_EQ(child.status, 0u) << child.out << child.err;
         const Report report = reportOf(child.out);
-        EXPECT_EQ(report.result, expected.result) << where;
+        EXPECT_EQ(report.result, expected.result);
         const int pending = expected.changes == Changes::Pending ? 1 : 0;
-        EXPECT_EQ(report.pending, pending) << where;
-        EXPECT_EQ(report.dpiPending, pending) << where;
-        EXPECT_EQ(report.localePending, pending) << where;
-        EXPECT_EQ(report.calls, calls) << where;
-        EXPECT_EQ(report.names, expected.leftover ? (Lines{kFile, kTemporary}) : Lines{kFile})
-            << where;
-        EXPECT_TRUE(other.read("seen") ==
-                    (expected.changes == Changes::InFile ? commit.after : commit.before))
-            << where;
-        EXPECT_EQ(report.again, 0) << where;
-        EXPECT_TRUE(folder.read(kFile) == commit.after) << where;
-        EXPECT_EQ(folder.list(), Lines{kFile}) << where;
-        expectNextCommit(where);
+        EXPECT_EQ(report.pending, pending);
+        EXPECT_EQ(report.dpiPending, pending);
+        EXPECT_EQ(report.localePending, pending);
+        EXPECT_EQ(report.calls, calls);
+        EXPECT_EQ(report.names, expected.leftover ? (Lines{kFile, kTemporary}) : Lines{kFile});
+        const bool isInFile = expected.changes == Changes::InFile;
+        EXPECT_TRUE(other.read("seen") == (isInFile ? commit.after : commit.before));
+        EXPECT_EQ(report.again, 0);
+        EXPECT_TRUE(folder.read(kFile) == commit.after);
+        EXPECT_EQ(folder.list(), Lines{kFile});
+        expectNextCommit(nameOf(faults));
     }
 
-    // A process that ends at its last fault leaves the old file until the move and then the new
-    // one, beside it at most the temporary file, and no lock.
+    // Expects a process to die at its last fault, and to leave the old file before the move and the
+    // new one after it, at most a temporary file, and no lock.
     void expectDeath(const Faults& faults) {
-        const std::string where = nameOf(faults);
-        ASSERT_EQ(play(faults).status, kDiedStatus) << where;
-        EXPECT_TRUE(folder.read(kFile) == (isMoved(faults) ? commit.after : commit.before))
-            << where;
-        EXPECT_TRUE(folder.list() == Lines{kFile} || folder.list() == (Lines{kFile, kTemporary}))
-            << where;
-        expectNextCommit(where);
+        SCOPED_TRACE(nameOf(faults));
+        ASSERT_EQ(play(faults).status, kDiedStatus);
+        EXPECT_TRUE(folder.read(kFile) == (isMoved(faults) ? commit.after : commit.before));
+        EXPECT_TRUE(folder.list() == Lines{kFile} || folder.list() == (Lines{kFile, kTemporary}));
+        expectNextCommit(nameOf(faults));
     }
 
-    // This process is another one, and nothing keeps it from committing.
+    // Expects this process to be able to commit.
     void expectNextCommit(const std::string& where) {
         ConfStore& store = confStore();
         ASSERT_EQ(confLibInit(store, path, false), 0) << where;
@@ -303,7 +297,7 @@ class CommitFaultsTest : public ::testing::Test {
 
 }  // namespace
 
-// The two halves of what inject.sh plays: a file to begin with, and one commit over it.
+// For inject.sh: a file, and one commit over it.
 SUBPROCESS(fills) {
     LogCapture quiet;
     ConfStore& store = confStore();
@@ -321,8 +315,8 @@ SUBPROCESS(commits) {
     return confCommit(store) == 0 ? 0 : 2;
 }
 
-// Commits with faults, keeps a copy of the file as it then is, starts over as a host does, and says
-// what came of it, as a Report.
+// Commits with faults, copies the resulting file, initialises and commits again, and prints a
+// Report.
 SUBPROCESS(commitsWithFaults) {
     LogCapture quiet;
     ConfStore& store = confStore();
@@ -361,11 +355,11 @@ TEST_F(CommitFaultsTest, ACallThatFailsLosesNothing) {
     int fatal = 0;
     for (const Fault fault : {Fault::ErrorOnce, Fault::ErrorForEver}) {
         for (int call = 0; call < kRelease; ++call) {
-            const Course& expected = courseOf(fault, call);
+            const Course& course = courseOf(fault, call);
             ASSERT_NO_FATAL_FAILURE(
-                expectCourse({{fault, call}}, expected, call + 1 + expected.laterCalls));
+                expectCourse({{fault, call}}, course, call + 1 + course.laterCalls));
         }
-        // A lock that cannot be released is fatal, and nothing else is.
+        // Only a lock that cannot be released is fatal.
         const Faults release{{fault, kRelease}};
         ASSERT_EQ(play(release).status, kFatalStatus);
         ++fatal;
@@ -379,8 +373,8 @@ TEST_F(CommitFaultsTest, AProcessThatDiesAtAnyCallLeavesAWholeFileAndNoLock) {
     for (const Faults& death : deaths()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
 }
 
-TEST_F(CommitFaultsTest, AProcessThatDiesBehindAnErrorLeavesAWholeFileAndNoLock) {
-    for (const Faults& death : deathsBehindErrors()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
+TEST_F(CommitFaultsTest, AProcessThatDiesAfterAnErrorLeavesAWholeFileAndNoLock) {
+    for (const Faults& death : deathsAfterErrors()) ASSERT_NO_FATAL_FAILURE(expectDeath(death));
 }
 
 TEST_F(CommitFaultsTest, AMoveThatIsDeniedIsTriedAgain) {
@@ -389,17 +383,17 @@ TEST_F(CommitFaultsTest, AMoveThatIsDeniedIsTriedAgain) {
                  kCallCount + kMoreMoves + 1);
 }
 
-TEST_F(CommitFaultsTest, AProcessThatDiesBehindADeniedMoveLeavesAWholeFileAndNoLock) {
-    for (const Faults& death : deathsBehindDeniedMoves()) {
+TEST_F(CommitFaultsTest, AProcessThatDiesAfterADeniedMoveLeavesAWholeFileAndNoLock) {
+    for (const Faults& death : deathsAfterDeniedMoves()) {
         ASSERT_NO_FATAL_FAILURE(expectDeath(death));
     }
 }
 
-// Different ones only, of which there are 56 in the short form.
+// Counts different ones only.
 TEST_F(CommitFaultsTest, TheSweepIsWideEnough) {
     std::set<std::string> points;
     std::size_t played = 0;
-    for (const auto& all : {errors(), deaths(), deathsBehindErrors(), deathsBehindDeniedMoves()}) {
+    for (const auto& all : {errors(), deaths(), deathsAfterErrors(), deathsAfterDeniedMoves()}) {
         for (const Faults& faults : all) points.insert(nameOf(faults));
         played += all.size();
     }
@@ -409,7 +403,7 @@ TEST_F(CommitFaultsTest, TheSweepIsWideEnough) {
     std::printf("%zu different points\n", points.size());
 }
 
-// With nothing beside the file, and with a temporary file that is larger than the new one will be.
+// Without a temporary file, and with one that is larger than the new file.
 TEST_F(CommitFaultsTest, APowerFailureLeavesTheOldFileOrTheNewOne) {
     for (const bool hasLeftover : {false, true}) {
         DiskContents before{{path, commit.before}};
@@ -423,11 +417,6 @@ TEST_F(CommitFaultsTest, APowerFailureLeavesTheOldFileOrTheNewOne) {
         const std::vector<FileOperation> operations = recorded();
         ASSERT_EQ(folder.list(), Lines{kFile});
         ASSERT_TRUE(folder.read(kFile) == commit.after);
-        ASSERT_TRUE(contentBehind(operations, before, path) == commit.after);
-        EXPECT_EQ(harmfulLosses(operations, before, path, commit.after), Losses{});
-
-        // The commit writes one piece. This is what it would risk without its flush.
-        EXPECT_EQ(harmfulLosses(withoutFlushes(operations), before, path, commit.after),
-                  (Losses{kLossGone, kLossHalf, kLossZeros, kLossGarbage}));
+        expectOldOrNew(operations, before, path, commit.after);
     }
 }

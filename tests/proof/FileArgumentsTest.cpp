@@ -1,5 +1,4 @@
-// What Windows is asked for when files are opened, moved and removed: which handles children
-// inherit, and in which form paths arrive.
+// The arguments of Windows' file functions: which handles children inherit, and the form of paths.
 #include "ImportTable.h"
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
@@ -17,7 +16,10 @@
 
 namespace {
 
-// "inherited NAME" or "private NAME" for each file that was asked for.
+constexpr char kCreateFile[] = "CreateFileW";
+constexpr char kWriteFile[] = "WriteFile";
+
+// "inherited NAME" or "private NAME" for each file that was opened.
 Lines opens;
 
 std::string nameOf(LPCWSTR path) {
@@ -27,10 +29,10 @@ std::string nameOf(LPCWSTR path) {
 
 HANDLE WINAPI seeOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                       DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     const bool isInherited = security != nullptr && security->bInheritHandle != FALSE;
     opens.push_back((isInherited ? "inherited " : "private ") + nameOf(path));
-    return open(path, access, share, security, disposition, flags, model);
+    return callSystem<kCreateFile, HANDLE>(path, access, share, security, disposition, flags,
+                                           model);
 }
 
 class InheritanceArguments : public ::testing::Test {
@@ -41,8 +43,6 @@ class InheritanceArguments : public ::testing::Test {
     TempFolder folder;
     LogCapture log;
 };
-
-}  // namespace
 
 TEST_F(InheritanceArguments, AnOpenIsInheritedUnlessItIsPrivate) {
     Xfile file;
@@ -91,8 +91,6 @@ TEST_F(InheritanceArguments, TheLogIsInherited) {
 
 // The log's lines.
 
-namespace {
-
 constexpr int kWriters = 4;
 constexpr int kLinesOfAWriter = 100;
 
@@ -105,17 +103,16 @@ LogWrites logWrites;
 
 HANDLE WINAPI seeAccess(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                         DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
     logWrites.access = access;
-    return open(path, access, share, security, disposition, flags, model);
+    return callSystem<kCreateFile, HANDLE>(path, access, share, security, disposition, flags,
+                                           model);
 }
 
 BOOL WINAPI seeWrite(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
                      LPOVERLAPPED overlapped) {
-    static auto* const write = systemFunction<decltype(::WriteFile)>("WriteFile");
     const std::lock_guard lock(logWrites.guard);
     logWrites.texts.emplace_back(static_cast<const char*>(bytes), size);
-    return write(file, bytes, size, done, overlapped);
+    return callSystem<kWriteFile, BOOL>(file, bytes, size, done, overlapped);
 }
 
 std::string messageOf(int writer, int line) {
@@ -127,8 +124,6 @@ void logLinesOf(int writer) {
     constexpr XlogModule module{XlogTag::CONF, "f"};
     for (int i = 0; i < kLinesOfAWriter; ++i) XLOG_I(module, "%s", messageOf(writer, i).c_str());
 }
-
-}  // namespace
 
 // In a process of its own, whose log it is.
 SUBPROCESS(logsFromSeveralThreads) {
@@ -148,7 +143,7 @@ SUBPROCESS(logsFromSeveralThreads) {
     return 0;
 }
 
-// What keeps lines whole where the system appends each write as a whole.
+// Windows appends each write as a whole, so lines stay whole.
 TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
     const TempFolder folder;
     ASSERT_EQ(runSubprocess("logsFromSeveralThreads", {folder / "log", folder / "writes"}).status,
@@ -166,67 +161,28 @@ TEST(LogArguments, EachLineIsOneWriteToTheEndOfTheFile) {
 
 // The form of paths.
 
-namespace {
-
 // "FUNCTION PATH" for each call, "FUNCTION PATH > PATH" for a move.
 Lines handed;
 
-void note(const char* function, LPCWSTR path) {
-    handed.push_back(std::string(function) + " " + xtextToUtf8(path));
+template <typename Argument>
+void noteDestination(Argument) {}
+void noteDestination(LPCWSTR path) { handed.back() += " > " + xtextToUtf8(path); }
+
+// Notes the call, and makes it.
+template <const char* kName, typename Result, typename... Rest>
+Result noting(LPCWSTR path, Rest... rest) {
+    handed.push_back(std::string(kName) + " " + xtextToUtf8(path));
+    (noteDestination(rest), ...);
+    return callSystem<kName, Result>(path, rest...);
 }
 
-HANDLE WINAPI noteOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                       DWORD disposition, DWORD flags, HANDLE model) {
-    static auto* const open = systemFunction<decltype(::CreateFileW)>("CreateFileW");
-    note("CreateFileW", path);
-    return open(path, access, share, security, disposition, flags, model);
-}
-
-DWORD WINAPI noteAttributes(LPCWSTR path) {
-    static auto* const attributes =
-        systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
-    note("GetFileAttributesW", path);
-    return attributes(path);
-}
-
-BOOL WINAPI noteAttributesEx(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID data) {
-    static auto* const attributes =
-        systemFunction<decltype(::GetFileAttributesExW)>("GetFileAttributesExW");
-    note("GetFileAttributesExW", path);
-    return attributes(path, level, data);
-}
-
-BOOL WINAPI noteDelete(LPCWSTR path) {
-    static auto* const remove = systemFunction<decltype(::DeleteFileW)>("DeleteFileW");
-    note("DeleteFileW", path);
-    return remove(path);
-}
-
-BOOL WINAPI noteRemoveFolder(LPCWSTR path) {
-    static auto* const remove = systemFunction<decltype(::RemoveDirectoryW)>("RemoveDirectoryW");
-    note("RemoveDirectoryW", path);
-    return remove(path);
-}
-
-BOOL WINAPI noteCreateFolder(LPCWSTR path, LPSECURITY_ATTRIBUTES security) {
-    static auto* const create = systemFunction<decltype(::CreateDirectoryW)>("CreateDirectoryW");
-    note("CreateDirectoryW", path);
-    return create(path, security);
-}
-
-BOOL WINAPI noteMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    static auto* const move = systemFunction<decltype(::MoveFileExW)>("MoveFileExW");
-    note("MoveFileExW", from);
-    handed.back() += " > " + xtextToUtf8(to);
-    return move(from, to, flags);
-}
-
-BOOL WINAPI noteCopy(LPCWSTR from, LPCWSTR to, BOOL failIfThere) {
-    static auto* const copy = systemFunction<decltype(::CopyFileW)>("CopyFileW");
-    note("CopyFileW", from);
-    handed.back() += " > " + xtextToUtf8(to);
-    return copy(from, to, failIfThere);
-}
+constexpr char kAttributes[] = "GetFileAttributesW";
+constexpr char kAttributesEx[] = "GetFileAttributesExW";
+constexpr char kDeleteFile[] = "DeleteFileW";
+constexpr char kRemoveFolder[] = "RemoveDirectoryW";
+constexpr char kCreateFolder[] = "CreateDirectoryW";
+constexpr char kMove[] = "MoveFileExW";
+constexpr char kCopy[] = "CopyFileW";
 
 class PathArguments : public ::testing::Test {
  protected:
@@ -255,7 +211,7 @@ class PathArguments : public ::testing::Test {
         EXPECT_EQ(xfileRemoveFolder(path), 0);
     }
 
-    // What those are to hand over, `path` in this form.
+    // The calls that those make, with `path` in this form.
     Lines everythingWith(const std::string& path) const {
         const std::string lookAtFolder = "GetFileAttributesW " + folder.path();
         const std::string other = folder / "m";
@@ -279,28 +235,23 @@ class PathArguments : public ::testing::Test {
 
     TempFolder folder;
     LogCapture log;
-    const ReplacedImport<decltype(::CreateFileW)> open{"CreateFileW", noteOpen};
-    const ReplacedImport<decltype(::GetFileAttributesW)> attributes{"GetFileAttributesW",
-                                                                    noteAttributes};
-    const ReplacedImport<decltype(::GetFileAttributesExW)> attributesEx{"GetFileAttributesExW",
-                                                                        noteAttributesEx};
-    const ReplacedImport<decltype(::DeleteFileW)> deleteFile{"DeleteFileW", noteDelete};
-    const ReplacedImport<decltype(::RemoveDirectoryW)> removeFolder{"RemoveDirectoryW",
-                                                                    noteRemoveFolder};
-    const ReplacedImport<decltype(::CreateDirectoryW)> createFolder{"CreateDirectoryW",
-                                                                    noteCreateFolder};
-    const ReplacedImport<decltype(::MoveFileExW)> move{"MoveFileExW", noteMove};
+    const ReplacedImport<decltype(::CreateFileW)> create{kCreateFile, noting<kCreateFile>};
+    const ReplacedImport<decltype(::GetFileAttributesW)> look{kAttributes, noting<kAttributes>};
+    const ReplacedImport<decltype(::GetFileAttributesExW)> lookEx{kAttributesEx,
+                                                                  noting<kAttributesEx>};
+    const ReplacedImport<decltype(::DeleteFileW)> remove{kDeleteFile, noting<kDeleteFile>};
+    const ReplacedImport<decltype(::RemoveDirectoryW)> rmdir{kRemoveFolder, noting<kRemoveFolder>};
+    const ReplacedImport<decltype(::CreateDirectoryW)> mkdir{kCreateFolder, noting<kCreateFolder>};
+    const ReplacedImport<decltype(::MoveFileExW)> move{kMove, noting<kMove>};
 };
 
-}  // namespace
-
-TEST_F(PathArguments, A247CharacterPathIsHandedOverAsItIs) {
+TEST_F(PathArguments, A247CharacterPathIsPassedAsItIs) {
     const std::string path = folder.path() + "\\./" + nameFor(247);
     useEverything(path);
     EXPECT_EQ(handed, everythingWith(path));
 }
 
-TEST_F(PathArguments, A248CharacterPathIsHandedOverInTheLongForm) {
+TEST_F(PathArguments, A248CharacterPathIsPassedInTheLongForm) {
     const std::string name = nameFor(248);
     useEverything(folder.path() + "\\./" + name);
     EXPECT_EQ(handed, everythingWith("\\\\?\\" + (folder / name)));
@@ -316,7 +267,7 @@ TEST_F(PathArguments, APathInTheLongFormStaysAsItIs) {
     }
 }
 
-TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsHandedOverAsItIs) {
+TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsPassedAsItIs) {
     const ReplacedImport<decltype(::GetFullPathNameW)> refused(
         "GetFullPathNameW", [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD { return 0; });
     const std::string path = folder / nameFor(248);
@@ -324,7 +275,7 @@ TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsHandedOverAsItIs) {
     EXPECT_EQ(handed, Lines{"GetFileAttributesW " + path});
 }
 
-// Qt hands every absolute path over in the long form, so that its length needs no look.
+// Qt passes every absolute path in the long form, whatever its length.
 TEST(QtPathArguments, WhatIsCopiedIsInTheLongForm) {
     const TempFolder folder;
     const LogCapture log;
@@ -332,12 +283,14 @@ TEST(QtPathArguments, WhatIsCopiedIsInTheLongForm) {
     folder.makeFolder("to");
     handed.clear();
     {
-        const ReplacedImport<decltype(::CopyFileW)> copy{"CopyFileW", noteCopy, "Qt5Core.dll"};
-        const ReplacedImport<decltype(::CreateDirectoryW)> create{"CreateDirectoryW",
-                                                                  noteCreateFolder, "Qt5Core.dll"};
+        const ReplacedImport<decltype(::CopyFileW)> copy{kCopy, noting<kCopy>, "Qt5Core.dll"};
+        const ReplacedImport<decltype(::CreateDirectoryW)> create{
+            kCreateFolder, noting<kCreateFolder>, "Qt5Core.dll"};
         EXPECT_EQ(utlCopyRecursive(folder / "from", folder / "to"), 0);
     }
     const std::string root = "\\\\?\\" + folder.path();
     EXPECT_EQ(handed, (Lines{"CreateDirectoryW " + root + "\\to\\sub",
                              "CopyFileW " + root + "\\from\\sub\\f > " + root + "\\to\\sub\\f"}));
 }
+
+}  // namespace

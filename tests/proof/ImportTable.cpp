@@ -5,7 +5,7 @@
 
 namespace {
 
-// The place of an imported function's address; null when there is none of that name.
+// The import table's entry of a function, or null.
 void** slotIn(HMODULE importer, const char* wanted) {
     auto* const base = reinterpret_cast<char*>(importer);
     const auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
@@ -28,7 +28,7 @@ void** slotIn(HMODULE importer, const char* wanted) {
 }  // namespace
 
 void replaceImport(const char* module, const char* name, void* replacement, void** original) {
-    // Found before anything is replaced: the search itself calls the system.
+    // Looked up before anything is replaced, since the lookup itself calls the system.
     static const HMODULE program = ::GetModuleHandleW(nullptr);
     const HMODULE importer = module == nullptr ? program : ::GetModuleHandleA(module);
     void** const slot = importer == nullptr ? nullptr : slotIn(importer, name);

@@ -1,18 +1,17 @@
 #ifndef TESTS_PROOF_IMPORTTABLE_H
 #define TESTS_PROOF_IMPORTTABLE_H
 
-// Functions in the place of those that a module, this program or a library that it has loaded,
-// imports from the system.
+// Replaces functions that this program, or a library that it has loaded, imports from the system.
 
-// Puts `replacement` into the module's import table, and what stood there into `original` before.
-// Null for this program. A name that the module does not import fails the test.
+// Stores the module's import in `original`, and puts `replacement` in its place. A null module is
+// this program. A name that the module does not import fails the test.
 void replaceImport(const char* module, const char* name, void* replacement, void** original);
 
 // Replaces an imported function while it lives:
 //
 //     const ReplacedImport<decltype(::CancelIoEx)> refused("CancelIoEx", [](...) -> BOOL {...});
 //
-// What the module does on other threads goes to the replacement too.
+// The module's calls on other threads go to the replacement too.
 template <typename Function>
 class ReplacedImport {
  public:
@@ -36,7 +35,7 @@ class ReplacedImport {
 void setSystemError(unsigned long error);
 void* systemAddress(const char* name, const char* module);
 
-// A replacement that does nothing but fail with this error of Windows:
+// A replacement that only fails with this Windows error:
 //
 //     const ReplacedImport<decltype(::ReadFile)> refused("ReadFile", failing<ERROR_CRC, FALSE>);
 template <unsigned long kError, auto kResult, typename Result, typename... Arguments>
@@ -45,10 +44,17 @@ Result failing(Arguments... /*ignored*/) {
     return kResult;
 }
 
-// The system's own function, past the import table.
+// The system's own function, not the one in the import table.
 template <typename Function>
 Function* systemFunction(const char* name, const char* module = "kernel32.dll") {
     return reinterpret_cast<Function*>(systemAddress(name, module));
+}
+
+// Calls it, for replacements that are templates over their function's name.
+template <const char* kName, typename Result, typename... Arguments>
+Result callSystem(Arguments... arguments) {
+    static auto* const function = systemFunction<Result(Arguments...)>(kName);
+    return function(arguments...);
 }
 
 #endif

@@ -1,4 +1,4 @@
-// The machine-wide lock among processes that die with it, or are stopped while they hold it.
+// The machine-wide lock with owners that are killed, or suspended.
 #include "conf/Conf.h"
 #include "conf/ConfStore.h"
 #include "support/LogCapture.h"
@@ -24,7 +24,6 @@ SuspendCall processCall(const char* name) {
 
 }  // namespace
 
-// Takes the lock and says so; killed with it.
 SUBPROCESS(takesTheLockForEver) {
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
@@ -36,7 +35,7 @@ SUBPROCESS(takesTheLockForEver) {
     return 0;
 }
 
-TEST(MutexHostilityTest, OwnersThatAreKilledAreTakenOverFrom) {
+TEST(MutexHostilityTest, ALockIsTakenOverFromAKilledOwner) {
     const std::string name = shortName();
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
@@ -55,8 +54,7 @@ TEST(MutexHostilityTest, OwnersThatAreKilledAreTakenOverFrom) {
     EXPECT_LE(openHandles(), handles + HANDLES_OF_THE_SYSTEM);
 }
 
-// Takes the lock and says so, goes on when the event is set, says what the file then holds, and
-// lets go.
+// Takes the lock, waits for the event, prints the file, and releases the lock.
 SUBPROCESS(takesTheLockUntilTold) {
     XmutexNamed mutex;
     const HANDLE event = ::OpenEventW(SYNCHRONIZE, FALSE, wideForTests(arguments[1]).c_str());
@@ -69,7 +67,7 @@ SUBPROCESS(takesTheLockUntilTold) {
     return 0;
 }
 
-TEST(MutexHostilityTest, ACommitWaitsForAnOwnerThatIsStoppedAndGoesOn) {
+TEST(MutexHostilityTest, ACommitWaitsForASuspendedOwner) {
     const TempFolder folder;
     const LogCapture log;
     folder.write("vantrel.conf", "");

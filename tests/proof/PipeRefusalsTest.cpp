@@ -1,13 +1,14 @@
-// Pipes that Windows refuses, or answers for in the ways that it hardly ever does.
+// Pipe calls of Windows that fail, or have rare results.
+#include "AccessList.h"
 #include "ImportTable.h"
 #include "ipc/IpcName.h"
 #include "ipc/IpcServer.h"
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -20,32 +21,15 @@ using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
 
 std::string pipeName;
 
-// What the pipe's instances were made with, in order.
+// The arguments that the pipe's instances were created with, in order.
 struct Made {
     DWORD open;
     DWORD mode;
-    bool isForEveryone;
+    ACCESS_MASK rights;
     bool isInheritable;
 };
 std::mutex madeLock;
 std::vector<Made> made;
-
-// An access list whose one entry gives everyone everything.
-bool isForEveryone(PSECURITY_DESCRIPTOR descriptor) {
-    BOOL present = FALSE;
-    BOOL defaulted = FALSE;
-    PACL list = nullptr;
-    if (descriptor == nullptr ||
-        !::GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted) || !present ||
-        list == nullptr || list->AceCount != 1) {
-        return false;
-    }
-    void* entry = nullptr;
-    if (!::GetAce(list, 0, &entry)) return false;
-    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-    return allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE && allowed->Mask == 0x001FFFFF &&
-           ::IsWellKnownSid(&allowed->SidStart, WinWorldSid);
-}
 
 std::atomic<DWORD> refusal;  // 0: none
 std::atomic<int> refused;
@@ -62,29 +46,32 @@ bool see(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*, 
     return true;
 }
 
+constexpr char kCreate[] = "CreateNamedPipeW";
+constexpr char kConnect[] = "ConnectNamedPipe";
+constexpr char kResult[] = "GetOverlappedResult";
+constexpr char kCancel[] = "CancelIoEx";
+
+bool isRefused() {
+    const DWORD error = refusal;
+    if (error == 0) return false;
+    ++refused;
+    ::SetLastError(error);
+    return true;
+}
+
 HANDLE WINAPI createWhenAllowed(LPCWSTR path, DWORD open, DWORD mode, DWORD count, DWORD out,
                                 DWORD in, DWORD wait, LPSECURITY_ATTRIBUTES security) {
-    if (const DWORD error = refusal; error != 0) {
-        ++refused;
-        ::SetLastError(error);
-        return INVALID_HANDLE_VALUE;
-    }
+    if (isRefused()) return INVALID_HANDLE_VALUE;
     {
         const std::lock_guard<std::mutex> guard(madeLock);
-        made.push_back({open, mode, isForEveryone(security->lpSecurityDescriptor),
+        made.push_back({open, mode, rightsOfEveryone(security->lpSecurityDescriptor),
                         security->bInheritHandle != FALSE});
     }
-    return systemFunction<decltype(::CreateNamedPipeW)>("CreateNamedPipeW")(
-        path, open, mode, count, out, in, wait, security);
+    return callSystem<kCreate, HANDLE>(path, open, mode, count, out, in, wait, security);
 }
 
 BOOL WINAPI connectWhenAllowed(HANDLE pipe, LPOVERLAPPED overlapped) {
-    if (const DWORD error = refusal; error != 0) {
-        ++refused;
-        ::SetLastError(error);
-        return FALSE;
-    }
-    return systemFunction<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
+    return isRefused() ? FALSE : callSystem<kConnect, BOOL>(pipe, overlapped);
 }
 
 class PipeRefusals : public ::testing::Test {
@@ -97,7 +84,7 @@ class PipeRefusals : public ::testing::Test {
         refusal = 0;
         refused = 0;
         armed = 0;
-        const std::lock_guard<std::mutex> guard(seenLock);
+        made.clear();
         seenPackets.clear();
     }
     ~PipeRefusals() override { stop(); }
@@ -106,7 +93,7 @@ class PipeRefusals : public ::testing::Test {
 
     void start() {
         launch();
-        ASSERT_TRUE(waitFor([this] { return ipcNameIsServed(name); }));
+        ASSERT_TRUE(waitUntil([this] { return ipcNameIsServed(name); }));
     }
 
     void stop() {
@@ -114,20 +101,11 @@ class PipeRefusals : public ::testing::Test {
         if (running != nullptr) EXPECT_EQ(ipcServerFini(&running), 0);
     }
 
-    template <typename Condition>
-    static bool waitFor(Condition condition) {
-        for (int i = 0; i < 2000; ++i) {
-            if (condition()) return true;
-            sleepMs(5);
-        }
-        return false;
-    }
-
     Lines errors() const { return log.texts(XLOG_ERROR); }
 
-    // The error line of a server that could not start.
+    // The last error line of a server that cannot start.
     std::string awaitError() const {
-        waitFor([this] { return !errors().empty(); });
+        waitUntil([this] { return !errors().empty(); });
         return errors().empty() ? std::string() : errors().back();
     }
 
@@ -136,41 +114,43 @@ class PipeRefusals : public ::testing::Test {
                                     std::to_string(code) + "(QLocalServer::listen: " + why + ")");
     }
 
-    // A server that cannot start.
+    // Expects the server not to start, with this line.
     void expectNoServer(const std::string& error) {
         launch();
         EXPECT_EQ(awaitError(), error);
         EXPECT_FALSE(ipcNameIsServed(name));
     }
 
-    void expectNoAccessList(const std::string& error, DWORD told) {
+    void expectNoAccessList(const std::string& error, DWORD logged) {
         launch();
-        ASSERT_TRUE(waitFor([this] { return errors().size() == 2; }));
+        ASSERT_TRUE(waitUntil([this] { return errors().size() == 2; }));
         EXPECT_EQ(errors(), (Lines{"E XMUTEX AllocateAndInitializeSid Error " + error + "\n",
-                                   listenError(-1, systemErrorText(static_cast<int>(told)))}));
+                                   listenError(-1, systemErrorText(static_cast<int>(logged)))}));
         EXPECT_FALSE(ipcNameIsServed(name));
     }
 
-    // Keeps so many connected clients.
+    // So many connected clients.
     std::vector<std::unique_ptr<RawPipe>> connect(std::size_t count) const {
         std::vector<std::unique_ptr<RawPipe>> clients;
         while (clients.size() < count) {
             void* handle = nullptr;
-            EXPECT_TRUE(waitFor([&] { return (handle = connectRaw(name)) != nullptr; }));
+            EXPECT_TRUE(waitUntil([&] { return (handle = connectRaw(name)) != nullptr; }));
             clients.push_back(std::make_unique<RawPipe>(handle));
         }
         return clients;
     }
 
-    // A client whose packet arrives.
+    // Expects a client's packet to arrive.
     void expectServed(std::uint32_t opcode) const {
         const std::string packet = packetOf(opcode, "");
         const auto clients = connect(1);
         EXPECT_TRUE(clients[0]->write(packet));
-        EXPECT_TRUE(waitFor([&] {
-            const std::lock_guard<std::mutex> guard(seenLock);
-            return !seenPackets.empty() && seenPackets.back() == packet;
-        }));
+        EXPECT_TRUE(waitUntil([&] { return lastSeen() == packet; }));
+    }
+
+    static std::string lastSeen() {
+        const std::lock_guard<std::mutex> guard(seenLock);
+        return seenPackets.empty() ? "" : seenPackets.back();
     }
 
     std::string name;
@@ -180,7 +160,7 @@ class PipeRefusals : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(PipeRefusals, AnotherProcessWasFirstAfterAll) {
+TEST_F(PipeRefusals, ANameThatAnotherProcessTakesFirst) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     refusal = ERROR_ACCESS_DENIED;
     launch();
@@ -190,7 +170,6 @@ TEST_F(PipeRefusals, AnotherProcessWasFirstAfterAll) {
 
 TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsTheName) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
-    made.clear();
     start();
     expectServed(1);
     stop();
@@ -201,12 +180,12 @@ TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsThe
                                     (i == 0 ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0u))
             << i;
         EXPECT_EQ(made[i].mode, static_cast<DWORD>(PIPE_REJECT_REMOTE_CLIENTS)) << i;
-        EXPECT_TRUE(made[i].isForEveryone) << i;
+        EXPECT_EQ(made[i].rights, 0x001FFFFFu) << i;
         EXPECT_FALSE(made[i].isInheritable) << i;
     }
 }
 
-// What the system frees on the way must not change what it has said.
+// Freeing memory in between must not change the error.
 TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     const ReplacedImport<decltype(::LocalFree)> free("LocalFree", [](HLOCAL memory) -> HLOCAL {
@@ -219,7 +198,7 @@ TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
     EXPECT_EQ(awaitError(), listenError(8, "Address in use"));
 }
 
-// The access list is made once, so that a later shortage does not meet it.
+// The access list is made once, so a later shortage of memory does not matter.
 TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
     start();
     const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
@@ -227,7 +206,7 @@ TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
     EXPECT_EQ(errors(), Lines{});
 }
 
-TEST_F(PipeRefusals, TheNameIsFreeAgainThoughAClientKeepsItsEnd) {
+TEST_F(PipeRefusals, TheNameIsFreeAgainAlthoughAClientKeepsItsEnd) {
     start();
     const auto clients = connect(12);
     stop();
@@ -237,7 +216,7 @@ TEST_F(PipeRefusals, TheNameIsFreeAgainThoughAClientKeepsItsEnd) {
     EXPECT_EQ(errors(), Lines{});
 }
 
-TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsToldInTheSystemsWords) {
+TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsLoggedWithTheSystemsText) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
     expectNoServer(listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
@@ -268,7 +247,7 @@ TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
     expectServed(1);
 }
 
-// Every instance but the refused ones goes on; those come back, with one line for all attempts.
+// The refused instances are retried, with one line for all attempts; the others continue.
 TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     start();
@@ -277,7 +256,7 @@ TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
         refusal = ERROR_NOT_ENOUGH_QUOTA;
         refused = 0;
         expectServed(10);
-        ASSERT_TRUE(waitFor([] { return refused >= 4; })) << "it is tried again and again";
+        ASSERT_TRUE(waitUntil([] { return refused >= 4; })) << "it is tried again and again";
         EXPECT_EQ(errors(), Lines(round, line[0])) << "and complained about once";
         refusal = 0;
         const auto clients = connect(20);
@@ -285,14 +264,14 @@ TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
     }
 }
 
-TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutAWord) {
+TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutALine) {
     const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
     start();
     {
         const LogOff off;
         refusal = ERROR_NOT_ENOUGH_QUOTA;
         expectServed(10);
-        ASSERT_TRUE(waitFor([] { return refused >= 2; }));
+        ASSERT_TRUE(waitUntil([] { return refused >= 2; }));
         refusal = 0;
         expectServed(20);
         EXPECT_GT(off.refused(), 0);
@@ -302,38 +281,34 @@ TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutAWord) {
     EXPECT_EQ(errors(), Lines{});
 }
 
-// A client that comes between the creation of an instance and its wait.
+// A client that connects between the creation of an instance and its wait.
 TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
     static RawPipe* early;
     const OddConnect odd("ConnectNamedPipe", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
         if (armed.exchange(0) != 0) early = new RawPipe(connectRaw(pipeName));
-        const BOOL ok =
-            systemFunction<decltype(::ConnectNamedPipe)>("ConnectNamedPipe")(pipe, overlapped);
-        // The same, as a system would say it that takes it for no failure.
+        const BOOL ok = callSystem<kConnect, BOOL>(pipe, overlapped);
+        // Succeeds, as it might on another system.
         return ok || ::GetLastError() == ERROR_PIPE_CONNECTED;
     });
     armed = 1;
     launch();
-    ASSERT_TRUE(waitFor([] { return armed == 0; }));
-    ASSERT_TRUE(waitFor([this] { return ipcNameIsServed(name); }));
+    ASSERT_TRUE(waitUntil([] { return armed == 0; }));
+    ASSERT_TRUE(waitUntil([this] { return ipcNameIsServed(name); }));
     ASSERT_NE(early, nullptr);
     const std::string packet = packetOf(7, "early");
     EXPECT_TRUE(early->write(packet));
-    EXPECT_TRUE(waitFor([&] {
-        const std::lock_guard<std::mutex> guard(seenLock);
-        return seenPackets == Lines{packet};
-    }));
+    EXPECT_TRUE(waitUntil([&] { return lastSeen() == packet; }));
     delete std::exchange(early, nullptr);
     expectServed(1);
     EXPECT_EQ(errors(), Lines{});
 }
 
-// The connection of a client that has gone ends at once.
+// The connection of a client that has left ends at once.
 TEST_F(PipeRefusals, AWaitThatEndsWithAnErrorIsAClientToo) {
     const OddResult odd("GetOverlappedResult",
                         [](HANDLE pipe, LPOVERLAPPED overlapped, LPDWORD count, BOOL wait) -> BOOL {
-                            const BOOL ok = systemFunction<decltype(::GetOverlappedResult)>(
-                                "GetOverlappedResult")(pipe, overlapped, count, wait);
+                            const BOOL ok =
+                                callSystem<kResult, BOOL>(pipe, overlapped, count, wait);
                             if (!ok || armed.exchange(0) == 0) return ok;
                             ::SetLastError(ERROR_NO_DATA);
                             return FALSE;
@@ -346,7 +321,7 @@ TEST_F(PipeRefusals, AWaitThatEndsWithAnErrorIsAClientToo) {
     EXPECT_EQ(errors(), Lines{});
 }
 
-// The memory of an instance is the system's until the wait has ended.
+// The system uses an instance's memory until the wait has ended.
 TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
     static std::atomic<int> cancelled;
     static std::vector<std::thread> slow;
@@ -355,7 +330,7 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
         slow.emplace_back([pipe, overlapped] {
             sleepMs(20);
             ++cancelled;
-            systemFunction<decltype(::CancelIoEx)>("CancelIoEx")(pipe, overlapped);
+            callSystem<kCancel, BOOL>(pipe, overlapped);
         });
         return TRUE;
     });
@@ -374,7 +349,7 @@ TEST_F(PipeRefusals, WithoutAnEventNothingIsServed) {
     expectNoServer(listenError(4, "Out of resources"));
 }
 
-// The server's own thread is Qt's first.
+// The server's own thread is the first that Qt creates.
 TEST_F(PipeRefusals, WithoutAThreadOfItsOwnTheServerSaysSo) {
     const ReplacedImport<decltype(::CreateThread)> odd(
         "CreateThread", failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>, "Qt5Core.dll");
@@ -383,7 +358,7 @@ TEST_F(PipeRefusals, WithoutAThreadOfItsOwnTheServerSaysSo) {
     stop();
 }
 
-// The one that waits for clients is the second.
+// The thread that waits for clients is the second.
 TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
     const ReplacedImport<decltype(::CreateThread)> odd(
         "CreateThread",
@@ -403,9 +378,9 @@ TEST_F(PipeRefusals, WithoutAThreadThatWaitsForClientsNothingIsServed) {
     expectServed(1);
 }
 
-// Between the thread that waits for clients and the server's own there is a call through Qt, for
-// which memory can be short.
-TEST_F(PipeRefusals, AWordOfAClientThatCannotBePassedOnIsPassedOnLater) {
+// The thread that waits for clients notifies the server's own through Qt, which can run out of
+// memory.
+TEST_F(PipeRefusals, ANotificationOfAClientThatFailsIsRepeated) {
     using Invoke = bool(QObject*, void*, int, void*);
     const ReplacedImport<Invoke> odd(
         "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14Connection"

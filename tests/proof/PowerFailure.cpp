@@ -4,9 +4,9 @@
 namespace {
 
 struct DiskFile {
-    std::string safe;                 // on the disk, whatever comes
+    std::string safe;                 // flushed
     std::string base;                 // what programs see: this,
-    std::vector<std::string> pieces;  // and behind it what was written since the last flush
+    std::vector<std::string> pieces;  // and after it what was written since the last flush
 
     std::string content() const {
         std::string all = base;
@@ -81,12 +81,12 @@ void forEachLoss(const DiskFile& file, Visit visit) {
     }
 }
 
-}  // namespace
+using Losses = std::set<std::string>;
 
-std::set<std::string> harmfulLosses(const std::vector<FileOperation>& operations,
-                                    const DiskContents& before, const std::string& path,
-                                    const std::string& after) {
-    std::set<std::string> harmful;
+// The losses that can leave `path` neither as it was nor with the content `after`.
+Losses harmfulLosses(const std::vector<FileOperation>& operations, const DiskContents& before,
+                     const std::string& path, const std::string& after) {
+    Losses harmful;
     const auto judge = [&](const Disk& disk) {
         const auto found = disk.find(path);
         if (found == disk.end()) {
@@ -106,8 +106,9 @@ std::set<std::string> harmfulLosses(const std::vector<FileOperation>& operations
     return harmful;
 }
 
-std::string contentBehind(const std::vector<FileOperation>& operations, const DiskContents& before,
-                          const std::string& path) {
+// The content of the file when the power does not fail.
+std::string contentAfter(const std::vector<FileOperation>& operations, const DiskContents& before,
+                         const std::string& path) {
     Disk disk = diskOf(before);
     for (const FileOperation& operation : operations) apply(disk, operation);
     return disk.at(path).content();
@@ -120,4 +121,14 @@ std::vector<FileOperation> withoutFlushes(std::vector<FileOperation> operations)
                                     }),
                      operations.end());
     return operations;
+}
+
+}  // namespace
+
+void expectOldOrNew(const std::vector<FileOperation>& operations, const DiskContents& before,
+                    const std::string& path, const std::string& after) {
+    ASSERT_TRUE(contentAfter(operations, before, path) == after);
+    EXPECT_EQ(harmfulLosses(operations, before, path, after), Losses{});
+    EXPECT_EQ(harmfulLosses(withoutFlushes(operations), before, path, after),
+              (Losses{kLossGone, kLossHalf, kLossZeros, kLossGarbage}));
 }

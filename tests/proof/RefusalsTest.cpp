@@ -1,5 +1,4 @@
-// Calls into Windows that fail, or answer what they hardly ever answer: what the functions above
-// them say then.
+// Calls of Windows that fail, or have rare results, and what the library then returns and logs.
 #include <cstdarg>
 
 #include "ImportTable.h"
@@ -41,11 +40,7 @@ Result refuse(DWORD error, Result result) {
 
 std::atomic<int> calls;
 
-}  // namespace
-
 // The named mutex and its access list.
-
-namespace {
 
 constexpr const char* kMutexName = "Global\\vtr_test_refusals";
 
@@ -55,12 +50,12 @@ using RefusedMemory = ReplacedImport<decltype(::LocalAlloc)>;
 using RefusedDescriptor = ReplacedImport<decltype(::InitializeSecurityDescriptor)>;
 using RefusedDacl = ReplacedImport<decltype(::SetSecurityDescriptorDacl)>;
 
-// The one that answers its error; the thread's is another one.
+// Returns its error. The thread's last error is another one.
 DWORD WINAPI refuseAcl(ULONG, PEXPLICIT_ACCESSW, PACL, PACL*) {
     return refuse(ERROR_BUSY, DWORD{ERROR_INVALID_PARAMETER});
 }
 
-// A mutex that cannot be made, in these words, and without a word when the log is off.
+// Expects that no mutex is made, with these lines, and without a line when the log is off.
 void expectNoMutex(const std::string& step, int status) {
     XmutexNamed mutex;
     {
@@ -76,8 +71,6 @@ void expectNoMutex(const std::string& step, int status) {
     EXPECT_EQ(off.refused(), 2);
     EXPECT_EQ(off.printed(), 0);
 }
-
-}  // namespace
 
 TEST(MutexRefusals, EveryoneCannotBeNamed) {
     const RefusedSid refused("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
@@ -127,8 +120,6 @@ TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
 
 // Files.
 
-namespace {
-
 using RefusedSize = ReplacedImport<decltype(::GetFileSizeEx)>;
 using OddWrite = ReplacedImport<decltype(::WriteFile)>;
 using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
@@ -149,7 +140,7 @@ BOOL WINAPI writeNothing(HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) {
     return TRUE;
 }
 
-// Moves two bytes at each call, of which the second fails all the same.
+// Reads two bytes in each call, and reports a failure for the second.
 BOOL WINAPI readTwoThenFailWithTwo(HANDLE, LPVOID bytes, DWORD, LPDWORD done, LPOVERLAPPED) {
     std::memset(bytes, 'x', 2);
     *done = 2;
@@ -168,15 +159,7 @@ BOOL WINAPI neverMove(LPCWSTR, LPCWSTR, DWORD) {
     return refuse(moveError, FALSE);
 }
 
-class FileRefusals : public ::testing::Test {
- protected:
-    FileRefusals() { calls = 0; }
-
-    TempFolder folder;
-    LogCapture log;
-};
-
-// An app cache over the folder, with one app in its file.
+// An app cache in the folder, with one app in its file.
 struct Cache : AppcStore {
     explicit Cache(const TempFolder& folder)
         : AppcStore(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\") {
@@ -193,7 +176,21 @@ struct Cache : AppcStore {
     }
 };
 
-}  // namespace
+class FileRefusals : public ::testing::Test {
+ protected:
+    FileRefusals() { calls = 0; }
+
+    // Expects the app cache to take its file for something else.
+    void expectDeletedCache() const {
+        Cache cache(folder);
+        EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
+        EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
+        EXPECT_NE(xfileExists(cache.file()), 0);
+    }
+
+    TempFolder folder;
+    LogCapture log;
+};
 
 TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
     const std::string path = folder.write("vantrel.conf", "vtr.locale=\"a\"\n");
@@ -209,22 +206,16 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
 }
 
 TEST_F(FileRefusals, AnAppCacheWithoutASizeIsNoArrayAndIsDeleted) {
-    Cache cache(folder);
     const RefusedSize refused("GetFileSizeEx", failing<ERROR_INVALID_FUNCTION, FALSE>);
-    EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
-    EXPECT_NE(xfileExists(cache.file()), 0);
+    expectDeletedCache();
 }
 
 TEST_F(FileRefusals, AnAppCacheOf2GiBIsNotReadAndIsDeleted) {
-    Cache cache(folder);
     const RefusedSize huge("GetFileSizeEx", hugeSize);
-    EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(cache.file())});
-    EXPECT_NE(xfileExists(cache.file()), 0);
+    expectDeletedCache();
 }
 
-TEST_F(FileRefusals, AnAppCacheThatRefusesToBeLookedAtIsOpenedAllTheSame) {
+TEST_F(FileRefusals, AnAppCacheWhoseAttributesAreRefusedIsOpenedAllTheSame) {
     Cache cache(folder);
     const ReplacedImport<decltype(::GetFileAttributesW)> refused(
         "GetFileAttributesW", failing<ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES>);
@@ -280,7 +271,7 @@ TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
     }
 }
 
-TEST_F(FileRefusals, AMoveThatKeepsFailingIsTheStatusAfterItsTries) {
+TEST_F(FileRefusals, AMoveThatKeepsFailingReturnsItsStatusAfterItsTries) {
     const OddMove refused("MoveFileExW", neverMove);
     const std::string source = folder.write("a", "");
     const struct {
@@ -302,13 +293,13 @@ TEST_F(FileRefusals, AMoveThatKeepsFailingIsTheStatusAfterItsTries) {
     }
 }
 
-TEST_F(FileRefusals, AFullPathThatCannotBeToldIsTheStatus) {
+TEST_F(FileRefusals, AFailedFullPathIsTheStatus) {
     const OddFullPath refused("GetFullPathNameW", failing<ERROR_BAD_PATHNAME, 0>);
     EXPECT_EQ(xfileMakeFolders(folder / "a\\b"), XERR_NOENT);
     EXPECT_FALSE(folder.has("a"));
 }
 
-TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondQuestionIsTheStatus) {
+TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondCallIsTheStatus) {
     const OddFullPath refused(
         "GetFullPathNameW", [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
             return room == 0 ? DWORD{20} : refuse(ERROR_NOT_ENOUGH_MEMORY, DWORD{0});
@@ -317,11 +308,9 @@ TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondQuestionIsTheStatus) {
     EXPECT_FALSE(folder.has("a"));
 }
 
-namespace {
-
 std::wstring fullPath;
 
-// Another thread goes to another folder after the first question.
+// Another thread changes the current folder after the first call.
 DWORD WINAPI growAfterTheFirst(LPCWSTR, DWORD room, LPWSTR path, LPWSTR*) {
     if (++calls == 1) return 4;
     if (room <= fullPath.size()) return static_cast<DWORD>(fullPath.size()) + 1;
@@ -330,9 +319,7 @@ DWORD WINAPI growAfterTheFirst(LPCWSTR, DWORD room, LPWSTR path, LPWSTR*) {
     return static_cast<DWORD>(fullPath.size());
 }
 
-}  // namespace
-
-TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsAskedForAgain) {
+TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsRequestedAgain) {
     fullPath = wideForTests(folder / "a\\b");
     const OddFullPath growing("GetFullPathNameW", growAfterTheFirst);
     EXPECT_EQ(xfileMakeFolders("b"), 0);
@@ -358,8 +345,6 @@ TEST_F(FileRefusals, ALogLineThatCannotBeWrittenIsLostAndTheNextOneIsNot) {
     EXPECT_EQ(logMessages(folder.read("log")), Lines{"E CONF  written"});
 }
 
-namespace {
-
 // Events around one slow write.
 HANDLE writeBegins;
 HANDLE writeGoesOn;
@@ -370,8 +355,6 @@ BOOL WINAPI writeSlowly(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
     ::WaitForSingleObject(writeGoesOn, INFINITE);
     return systemFunction<decltype(::WriteFile)>("WriteFile")(file, bytes, size, done, overlapped);
 }
-
-}  // namespace
 
 SUBPROCESS(changesTheLogWhileALineIsWritten) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
@@ -395,7 +378,7 @@ SUBPROCESS(changesTheLogWhileALineIsWritten) {
     return 0;
 }
 
-TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndKeepsNobodyWaiting) {
+TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndBlocksNoOtherLine) {
     EXPECT_EQ(runSubprocess("changesTheLogWhileALineIsWritten", {folder / "log", folder / "second"})
                   .status,
               0u);
@@ -404,11 +387,9 @@ TEST_F(FileRefusals, ALineThatIsBeingWrittenKeepsItsFileAndKeepsNobodyWaiting) {
               (Lines{"E CONF after quick", "E CONF last done"}));
 }
 
-namespace {
-
 using Formatter = int(unsigned long long, char*, std::size_t, const char*, void*, va_list);
 
-// Gives up on a text that it cannot convert, with part of its room written.
+// Fails after it has written a part.
 int giveUp(unsigned long long, char* buffer, std::size_t, const char*, void*, va_list) {
     std::memcpy(buffer, "before", 7);
     return -1;
@@ -426,8 +407,6 @@ std::string formatLine(const char* text, ...) {
     return {buffer.data(), length};
 }
 
-}  // namespace
-
 TEST(LogRefusals, AMessageThatCannotBeFormattedIsPaddedWithBlanksToTheEndOfTheLine) {
     const std::string header = formatLine("%s", "");
     std::string line;
@@ -441,9 +420,7 @@ TEST(LogRefusals, AMessageThatCannotBeFormattedIsPaddedWithBlanksToTheEndOfTheLi
 
 // Texts.
 
-namespace {
-
-// Memory that takes no pages as long as nobody looks at it; null where there is none.
+// Memory that needs no pages while it is not accessed; null when there is none.
 class HugeMemory {
  public:
     explicit HugeMemory(std::size_t size)
@@ -461,8 +438,6 @@ class HugeMemory {
 };
 
 constexpr std::size_t kTooLong = std::size_t{1} << 31;
-
-}  // namespace
 
 TEST(TextRefusals, ATextOf2GiBIsRefused) {
     const HugeMemory memory(kTooLong);
@@ -514,7 +489,7 @@ TEST(ProcessRefusals, AVariableThatCannotBeSetIsTheStatus) {
     EXPECT_EQ(xprocSetEnvironment("BRIDGE_TEST", "x"), XERR_NOMEM);
 }
 
-TEST(ProcessRefusals, AListOfProcessesThatCannotBeHadIsAFailure) {
+TEST(ProcessRefusals, AFailedListOfProcessesIsAFailure) {
     const ReplacedImport<decltype(::EnumProcesses)> refused("K32EnumProcesses",
                                                             failing<ERROR_SUCCESS, FALSE>);
     std::vector<std::uint32_t> ids{1, 2};
@@ -522,7 +497,7 @@ TEST(ProcessRefusals, AListOfProcessesThatCannotBeHadIsAFailure) {
     EXPECT_EQ(ids, (std::vector<std::uint32_t>{1, 2}));
 }
 
-TEST(ProcessRefusals, AnImageWhosePathCannotBeHadHasNone) {
+TEST(ProcessRefusals, AnImageWhosePathIsRefusedHasNone) {
     const ReplacedImport<decltype(::QueryFullProcessImageNameW)> refused(
         "QueryFullProcessImageNameW", failing<ERROR_GEN_FAILURE, FALSE>);
     std::wstring path = L"before";
@@ -532,11 +507,9 @@ TEST(ProcessRefusals, AnImageWhosePathCannotBeHadHasNone) {
 
 // The registry.
 
-namespace {
-
 using OddQuery = ReplacedImport<decltype(::RegQueryValueExW)>;
 
-// A value of 6 bytes at the first question; another program changes it before the second.
+// A value of 6 bytes at the first call; another program changes it before the second.
 template <DWORD kType, LSTATUS kStatus>
 LSTATUS WINAPI changeBetween(HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE data, LPDWORD size) {
     *size = 6;
@@ -545,28 +518,22 @@ LSTATUS WINAPI changeBetween(HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE data, 
 }
 
 std::string readVersion() {
+    RegistrySandbox registry;
+    registry.set("Version", "abc");
     return utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "Version", "default");
 }
 
-}  // namespace
-
-TEST(RegistryRefusals, AValueThatGrowsWhileItIsReadGivesTheDefault) {
-    RegistrySandbox registry;
-    registry.set("Version", "abc");
+TEST(RegistryRefusals, AValueThatGrowsWhileItIsReadIsTheDefault) {
     const OddQuery changing("RegQueryValueExW", changeBetween<REG_SZ, ERROR_MORE_DATA>);
     EXPECT_EQ(readVersion(), "default");
 }
 
-TEST(RegistryRefusals, AValueThatBecomesANumberWhileItIsReadGivesTheDefault) {
-    RegistrySandbox registry;
-    registry.set("Version", "abc");
+TEST(RegistryRefusals, AValueThatBecomesANumberWhileItIsReadIsTheDefault) {
     const OddQuery changing("RegQueryValueExW", changeBetween<REG_DWORD, ERROR_SUCCESS>);
     EXPECT_EQ(readVersion(), "default");
 }
 
-// The module that the code is in.
-
-namespace {
+// The module of the code.
 
 using OddHandleOf = ReplacedImport<decltype(::GetModuleHandleExW)>;
 using OddModule = ReplacedImport<decltype(::GetModuleHandleW)>;
@@ -585,15 +552,13 @@ FARPROC WINAPI findProcessEnds(HMODULE, LPCSTR) {
 
 FARPROC WINAPI findNoExport(HMODULE, LPCSTR) { return nullptr; }
 
-// Another module's handle for the program's: as if this code were in a library.
+// Returns another module's handle for the program's, as if this code were in a library.
 HMODULE WINAPI beALibrary(LPCWSTR name) {
     HMODULE found = nullptr;
     ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                          name == nullptr ? L"ntdll.dll" : name, &found);
     return found;
 }
-
-}  // namespace
 
 TEST(ModuleRefusals, AModuleThatIsNotFoundIsNotPinned) {
     calls = 0;
@@ -623,16 +588,14 @@ TEST(ModuleRefusals, ALibraryIsUnloadedWhileTheProcessGoesOn) {
     EXPECT_FALSE(xsystemIsUnloading());
 }
 
-namespace {
-
-// Objects that are kept, and how often each was released.
+// How often each object was released.
 std::vector<int> released;
 
 void release(void* object) { ++released[reinterpret_cast<std::uintptr_t>(object)]; }
 
 void remember(std::size_t number) { xunloadRemember(reinterpret_cast<void*>(number), release); }
 
-// Somebody else keeps an object just before one instruction of xunloadRemember.
+// Remembers another object just before one instruction of xunloadRemember, as another thread could.
 struct Intrusion {
     bool active = false;
     int instruction = 0;
@@ -662,7 +625,7 @@ LONG CALLBACK singleStep(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-// False when the function ended before that instruction.
+// Returns false when the function ended before that instruction.
 bool rememberBeside(std::size_t number, std::size_t intruder, int instruction) {
     intrusion = {true, instruction, 0, intruder};
     __asm__ volatile("pushfq; orq $0x100, (%%rsp); popfq" ::: "memory", "cc");
@@ -670,9 +633,7 @@ bool rememberBeside(std::size_t number, std::size_t intruder, int instruction) {
     return !std::exchange(intrusion.active, false);
 }
 
-}  // namespace
-
-// In a process of its own: everything that it keeps is released.
+// In its own process: everything that it remembers is released.
 SUBPROCESS(remembersBesideOthers) {
     void* const watch = ::AddVectoredExceptionHandler(/*First=*/1, singleStep);
     std::size_t count = 0;
@@ -692,6 +653,8 @@ SUBPROCESS(remembersBesideOthers) {
     return released == std::vector<int>(count, 1) ? 0 : 2;
 }
 
-TEST(ModuleRefusals, WhatSeveralKeepAtTheSameMomentIsReleasedOnce) {
+TEST(ModuleRefusals, ObjectsThatThreadsRememberAtTheSameTimeAreReleasedOnce) {
     EXPECT_EQ(runSubprocess("remembersBesideOthers").status, 0u);
 }
+
+}  // namespace

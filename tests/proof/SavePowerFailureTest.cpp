@@ -1,4 +1,4 @@
-// The app cache's save and a power failure: the cache's file is the old one or the new one, whole.
+// A power failure during the app cache's save leaves the old file or the new one.
 #include "PowerFailure.h"
 #include "appc/Appc.h"
 #include "appc/AppcStore.h"
@@ -9,8 +9,6 @@
 #include "xpl/Xfile.h"
 
 namespace {
-
-using Losses = std::set<std::string>;
 
 constexpr const char* kInstance = "Nougat64";
 constexpr int kApps = 200;
@@ -34,19 +32,13 @@ class SavePowerFailureTest : public ::testing::Test {
         return appcSaveToFile(store);
     }
 
-    // One save over the disk as it is, and what a power failure can do to it.
-    void expectOldOrNew(DiskContents before) {
+    void expectSafeSave(DiskContents before) {
         before[path] = readBytes(path);
         record();
         ASSERT_EQ(save(++saves), 0);
-        const std::vector<FileOperation> operations = recorded();
         const std::string after = readBytes(path);
         ASSERT_TRUE(after != before[path]);
-        ASSERT_TRUE(contentBehind(operations, before, path) == after);
-        EXPECT_EQ(harmfulLosses(operations, before, path, after), Losses{});
-        // The save writes one piece. This is what it would risk without its flush.
-        EXPECT_EQ(harmfulLosses(withoutFlushes(operations), before, path, after),
-                  (Losses{kLossGone, kLossHalf, kLossZeros, kLossGarbage}));
+        expectOldOrNew(recorded(), before, path, after);
     }
 
     TempFolder data;
@@ -58,12 +50,12 @@ class SavePowerFailureTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(SavePowerFailureTest, APowerFailureLeavesTheOldCacheOrTheNewOne) { expectOldOrNew({}); }
+TEST_F(SavePowerFailureTest, APowerFailureLeavesTheOldCacheOrTheNewOne) { expectSafeSave({}); }
 
-TEST_F(SavePowerFailureTest, ATemporaryFileThatWasLeftIsNoDanger) {
+TEST_F(SavePowerFailureTest, AnOldTemporaryFileDoesNoHarm) {
     const std::string temporary = path + "." + std::to_string(ownProcessId()) + "-temp";
     const std::string left(100'000, 'x');
     writeBytes(temporary, left);
-    expectOldOrNew({{temporary, left}});
+    expectSafeSave({{temporary, left}});
     EXPECT_NE(xfileExists(temporary), XERR_SUCCESS);
 }

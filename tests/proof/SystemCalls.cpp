@@ -28,16 +28,14 @@ constexpr UINT kDied = 7;
     for (;;) ::Sleep(1);
 }
 
-constexpr std::string_view kRelease = "ReleaseMutex";
-
-// Whether a fault goes on at a later call, of this function.
+// Whether a fault lasts until a later call, of this function.
 bool lasts(const State& s, const FaultAt& at, std::string_view function) {
-    if (at.fault == Fault::ErrorForEver) return function != kRelease;
+    if (at.fault == Fault::ErrorForEver) return function != "ReleaseMutex";
     if (at.fault != Fault::DeniedForEver) return false;
     return s.calls[static_cast<std::size_t>(at.call)] == function;
 }
 
-// What is to become of the call that is being made.
+// The fault of the call that is being made.
 Fault nextFault(const char* function) {
     State& s = state();
     const std::lock_guard<std::recursive_mutex> guard(s.lock);
@@ -51,7 +49,7 @@ Fault nextFault(const char* function) {
     return fault;
 }
 
-// Makes a call of `function`, or lets a fault take its place. `half` does half of it.
+// Makes a call, or its fault. `half` does half of the call.
 template <typename Call, typename Half>
 auto guarded(const char* function, decltype(std::declval<Call>()()) failure, DWORD error, Call call,
              Half half) -> decltype(call()) {
@@ -99,12 +97,31 @@ std::string pathOf(HANDLE file) {
 
 constexpr auto kNothing = [] {};
 
-decltype(&::CreateFileW) realCreateFile;
-HANDLE WINAPI createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                         DWORD disposition, DWORD flags, HANDLE model) {
+constexpr char kCreate[] = "CreateFileW";
+constexpr char kRead[] = "ReadFile";
+constexpr char kWrite[] = "WriteFile";
+constexpr char kFlush[] = "FlushFileBuffers";
+constexpr char kClose[] = "CloseHandle";
+constexpr char kMove[] = "MoveFileExW";
+constexpr char kDelete[] = "DeleteFileW";
+constexpr char kRelease[] = "ReleaseMutex";
+
+// A call that a fault can replace: then it fails with this error.
+template <const char* kName, DWORD kError, typename... Arguments>
+BOOL faulty(Arguments... arguments) {
+    return guarded(
+        kName, BOOL{FALSE}, kError, [&] { return callSystem<kName, BOOL>(arguments...); },
+        kNothing);
+}
+
+HANDLE createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                  DWORD disposition, DWORD flags, HANDLE model) {
     const HANDLE file = guarded(
-        "CreateFileW", INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED,
-        [&] { return realCreateFile(path, access, share, security, disposition, flags, model); },
+        kCreate, INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED,
+        [&] {
+            return callSystem<kCreate, HANDLE>(path, access, share, security, disposition, flags,
+                                               model);
+        },
         kNothing);
     if (file == INVALID_HANDLE_VALUE) return file;
     const DWORD error = ::GetLastError();
@@ -117,91 +134,65 @@ HANDLE WINAPI createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATT
     return file;
 }
 
-decltype(&::ReadFile) realReadFile;
-BOOL WINAPI readFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD done,
-                     LPOVERLAPPED overlapped) {
-    return guarded(
-        "ReadFile", BOOL{FALSE}, ERROR_READ_FAULT,
-        [&] { return realReadFile(file, buffer, size, done, overlapped); }, kNothing);
-}
-
-decltype(&::WriteFile) realWriteFile;
-BOOL WINAPI writeFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done,
-                      LPOVERLAPPED overlapped) {
+BOOL writeFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD done, LPOVERLAPPED overlapped) {
+    const auto write = [&](DWORD count) {
+        return callSystem<kWrite, BOOL>(file, bytes, count, done, overlapped);
+    };
     const BOOL ok = guarded(
-        "WriteFile", BOOL{FALSE}, ERROR_DISK_FULL,
-        [&] { return realWriteFile(file, bytes, size, done, overlapped); },
-        [&] { realWriteFile(file, bytes, size / 2, done, overlapped); });
-    if (ok) {
-        note({FileOperation::Write, pathOf(file), {static_cast<const char*>(bytes), size}});
-    }
+        kWrite, BOOL{FALSE}, ERROR_DISK_FULL, [&] { return write(size); },
+        [&] { write(size / 2); });
+    if (ok) note({FileOperation::Write, pathOf(file), {static_cast<const char*>(bytes), size}});
     return ok;
 }
 
-decltype(&::FlushFileBuffers) realFlush;
-BOOL WINAPI flush(HANDLE file) {
-    const BOOL ok = guarded(
-        "FlushFileBuffers", BOOL{FALSE}, ERROR_WRITE_FAULT, [&] { return realFlush(file); },
-        kNothing);
+BOOL flush(HANDLE file) {
+    const BOOL ok = faulty<kFlush, ERROR_WRITE_FAULT>(file);
     if (ok) note({FileOperation::Flush, pathOf(file), {}});
     return ok;
 }
 
-// One that fails has closed the handle all the same: nothing could be done about it.
-decltype(&::CloseHandle) realClose;
-BOOL WINAPI closeHandle(HANDLE handle) {
+// A close that fails has closed the handle all the same.
+BOOL closeHandle(HANDLE handle) {
     {
         const std::lock_guard<std::recursive_mutex> guard(state().lock);
         state().open.erase(handle);
     }
     BOOL closed = FALSE;
-    const BOOL ok = guarded(
-        "CloseHandle", BOOL{FALSE}, ERROR_INVALID_HANDLE,
-        [&] { return closed = realClose(handle); }, kNothing);
-    if (!ok && !closed) realClose(handle);
+    const auto close = [&] { return closed = callSystem<kClose, BOOL>(handle); };
+    const BOOL ok = guarded(kClose, BOOL{FALSE}, ERROR_INVALID_HANDLE, close, kNothing);
+    if (!ok && !closed) close();
     return ok;
 }
 
-decltype(&::MoveFileExW) realMove;
-BOOL WINAPI moveFile(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    const BOOL ok = guarded(
-        "MoveFileExW", BOOL{FALSE}, ERROR_DISK_FULL, [&] { return realMove(from, to, flags); },
-        kNothing);
+BOOL moveFile(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    const BOOL ok = faulty<kMove, ERROR_DISK_FULL>(from, to, flags);
     if (ok) note({FileOperation::Move, narrow(from), narrow(to)});
     return ok;
 }
 
-decltype(&::DeleteFileW) realDelete;
-BOOL WINAPI deleteFile(LPCWSTR path) {
-    const BOOL ok = guarded(
-        "DeleteFileW", BOOL{FALSE}, ERROR_ACCESS_DENIED, [&] { return realDelete(path); },
-        kNothing);
+BOOL deleteFile(LPCWSTR path) {
+    const BOOL ok = faulty<kDelete, ERROR_ACCESS_DENIED>(path);
     if (ok) note({FileOperation::Delete, narrow(path), {}});
     return ok;
 }
 
-decltype(&::ReleaseMutex) realRelease;
-BOOL WINAPI releaseMutex(HANDLE mutex) {
-    return guarded(
-        "ReleaseMutex", BOOL{FALSE}, ERROR_NOT_OWNER, [&] { return realRelease(mutex); }, kNothing);
-}
-
+// For the rest of the process.
 template <typename Function>
-void install(const char* name, Function replacement, Function& original) {
-    replaceImport(/*module=*/nullptr, name, reinterpret_cast<void*>(replacement),
-                  reinterpret_cast<void**>(&original));
+void install(const char* name, Function* replacement) {
+    void* original = nullptr;
+    replaceImport(/*module=*/nullptr, name, reinterpret_cast<void*>(replacement), &original);
 }
 
 void installOnce() {
     static const bool once = [] {
-        install("CreateFileW", &createFile, realCreateFile);
-        install("ReadFile", &readFile, realReadFile);
-        install("WriteFile", &writeFile, realWriteFile);
-        install("FlushFileBuffers", &flush, realFlush);
-        install("CloseHandle", &closeHandle, realClose);
-        install("MoveFileExW", &moveFile, realMove);
-        install("DeleteFileW", &deleteFile, realDelete);
-        install("ReleaseMutex", &releaseMutex, realRelease);
+        install<decltype(::CreateFileW)>(kCreate, createFile);
+        install<decltype(::ReadFile)>(kRead, faulty<kRead, ERROR_READ_FAULT>);
+        install<decltype(::WriteFile)>(kWrite, writeFile);
+        install<decltype(::FlushFileBuffers)>(kFlush, flush);
+        install<decltype(::CloseHandle)>(kClose, closeHandle);
+        install<decltype(::MoveFileExW)>(kMove, moveFile);
+        install<decltype(::DeleteFileW)>(kDelete, deleteFile);
+        install<decltype(::ReleaseMutex)>(kRelease, faulty<kRelease, ERROR_NOT_OWNER>);
         return true;
     }();
     static_cast<void>(once);

@@ -1,10 +1,12 @@
 #ifndef TESTS_FAKESOCKET_H
 #define TESTS_FAKESOCKET_H
 
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <utility>
 
 // Qt's own reading and buffering, over bytes in memory.
 class FakeSocket : public QLocalSocket {
@@ -30,6 +32,16 @@ class FakeSocket : public QLocalSocket {
         written.append(bytes, static_cast<std::size_t>(size));
         return size;
     }
+};
+
+// A server with one pending connection.
+class OneSocketServer : public QLocalServer {
+ public:
+    explicit OneSocketServer(QLocalSocket* socket) : socket_(socket) {}
+    QLocalSocket* nextPendingConnection() override { return std::exchange(socket_, nullptr); }
+
+ private:
+    QLocalSocket* socket_;
 };
 
 #endif
