@@ -33,8 +33,8 @@ install(FILES "${package_folder}/vcpkg.json" cmake/vcpkg/qx-bridge/portfile.cmak
 
 # The index, the pages for contributors and what belongs to them stay in the tree.
 install(DIRECTORY docs/ DESTINATION share/doc FILES_MATCHING PATTERN "*.md" PATTERN "*.svg"
-    PATTERN README.md EXCLUDE PATTERN maintain-the-data.md EXCLUDE PATTERN package.md EXCLUDE
-    PATTERN contributing EXCLUDE PATTERN "performance*" EXCLUDE)
+    PATTERN README.md EXCLUDE PATTERN package.md EXCLUDE PATTERN contributing EXCLUDE
+    PATTERN "performance*" EXCLUDE)
 install(FILES docs/package.md DESTINATION . RENAME README.md)
 install(FILES CHANGELOG.md DESTINATION .)
 foreach(folder examples bindings)
