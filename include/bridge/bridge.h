@@ -3,6 +3,15 @@
  * @brief The C interface of QX-Bridge.dll, which controls a desktop product that runs Android
  *        instances: its configuration, instances, apps, programs and events.
  *
+ * @code
+ * char* instances;
+ * if (bridgeApiInit("Helper") != BRIDGE_SUCCESS) return 1;  // the log has the cause
+ * instances = bridgeConfGetInstances();
+ * if (instances != NULL) puts(instances);
+ * bridgeFreeMemory(instances);
+ * bridgeApiFini();
+ * @endcode
+ *
  * These conventions apply to every function below:
  *
  * 1.  Order. Call bridgeApiInit() or bridgeApiInitEx() first and bridgeApiFini() last. The library
@@ -33,7 +42,7 @@
  *     - a listing that contains an instance of an unknown image
  *     - an event with an impossible length
  *     - a change of the list of instances while callback slot 3 is set and slot 4 is null
- *     - a wait for a machine-wide lock that fails
+ *     - a failed wait for a machine-wide lock
  * 9.  Callbacks run one at a time on the library's event thread, never on a thread of the host.
  *     Their strings are never null and are valid only during the call. Copy them. A callback may
  *     call every function except bridgeApiFini(). An exception must not leave a callback. A slow
@@ -328,16 +337,16 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfSetMultiString(const char* key, cons
 /**
  * Writes the staged changes to the configuration file and keeps the changes that other programs
  * have committed since the last load. Writes nothing when no change is staged.
- * @return 0 on success. -1 when the file cannot be reloaded (the changes stay staged). 7 or 22 when
- *         a line cannot be stored. Otherwise the code of the file operation that failed. After
- *         a failure, the file is unchanged.
+ * @return 0 on success. -1 when the file cannot be reloaded (the changes stay staged). 7 when a
+ *         line is too long, 22 when a key or value cannot be stored. Otherwise the code of the
+ *         file operation that failed. After a failure, the file is unchanged.
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeConfCommit(void);
 
 /**
  * Writes the product's configuration, with the staged changes, to another file. Always writes.
  *
- * Afterwards no change is staged, so a following bridgeConfCommit() writes nothing. The
+ * After success no change is staged, so a following bridgeConfCommit() writes nothing. The
  * configuration file does not get these changes, except for keys that it does not have: the next
  * commit that writes adds them. Reads see the changes until the next load. To write both files,
  * call bridgeConfCommit() first.
