@@ -75,11 +75,15 @@ class DotnetTest : public PlainHostTest {
         return linesUpToTheEnd(host);
     }
 
-    void expectFatal(ChildProcess& host) const {
-        const ChildResult result = host.finish();
-        EXPECT_EQ(result.status, kFatalStatusInDotnet);
-        EXPECT_EQ(result.out, "");
+    static void expectResult(const ChildResult& result, std::uint32_t status,
+                             const std::string& out) {
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.out, out);
         EXPECT_EQ(result.err, "");
+    }
+
+    void expectFatal(ChildProcess& host) const {
+        expectResult(host.finish(), kFatalStatusInDotnet, "");
         EXPECT_EQ(
             log().back().rfind("E UTL Uninstaller_bridge FATAL: DEBUG BREAK: Source/utl/Utl:", 0),
             0u)
@@ -99,6 +103,10 @@ class DotnetTest : public PlainHostTest {
     Lines playedSteps(const Script& steps) const {
         ChildProcess host = startSteps(steps, data.path());
         return linesUpToTheEnd(host);
+    }
+
+    bool confHas(const std::string& line) const {
+        return data.read("vantrel.conf").find(line + "\n") != std::string::npos;
     }
 
     std::string library = builtProgram("QX-Bridge.dll");

@@ -35,8 +35,7 @@ TEST_F(DotnetTest, AnAddedInstanceIsWritten) {
     EXPECT_EQ(playedSteps({"init\tUninstaller", "addinstance\tNougat32_1",
                            "set\tvtr.instance.Nougat32_1.dpi\t320", "commit"}),
               (Lines{"started", "added", "set", "committed"}));
-    EXPECT_NE(data.read("vantrel.conf").find("vtr.instance.Nougat32_1.dpi=\"320\"\n"),
-              std::string::npos);
+    EXPECT_TRUE(confHas("vtr.instance.Nougat32_1.dpi=\"320\""));
 }
 
 TEST_F(DotnetTest, ListeningLeavesNoErrorInTheLog) {

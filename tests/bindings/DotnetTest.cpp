@@ -55,12 +55,11 @@ TEST_F(DotnetTest, ChangesAreSeenAtOnceAndByTheFileAfterTheCommit) {
     EXPECT_EQ(played({"Settings"}), (Lines{"name Größe 日本", "dpi 240", "adb False", "folders a|b",
                                            "name \"Ünï\" \\ 第二 😀", "dpi -2147483648", "adb True",
                                            "folders Bilder|Größe", "committed"}));
-    const std::string text = data.read("vantrel.conf");
     for (const char* line :
-         {"vtr.instance.Nougat64.display_name=\"\"Ünï\" \\ 第二 😀\"\n",
-          "vtr.instance.Nougat64.dpi=\"-2147483648\"\n", "vtr.instance.Nougat64.ram=\"4096\"\n",
-          "vtr.enable_adb_access=\"1\"\n", "vtr.shared_folders=\"Bilder,Größe\"\n"}) {
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+         {"vtr.instance.Nougat64.display_name=\"\"Ünï\" \\ 第二 😀\"",
+          "vtr.instance.Nougat64.dpi=\"-2147483648\"", "vtr.instance.Nougat64.ram=\"4096\"",
+          "vtr.enable_adb_access=\"1\"", "vtr.shared_folders=\"Bilder,Größe\""}) {
+        EXPECT_TRUE(confHas(line)) << line;
     }
 }
 
@@ -74,21 +73,16 @@ TEST_F(DotnetTest, FailingCommitsThrowTheirCodesAndLeaveTheFile) {
 
 TEST_F(DotnetTest, AConfigurationThatDoesNotLoadThrows) {
     writeConf("no line of a configuration\n");
-    const ChildResult result = startHost({"Listings"}).finish();
-    EXPECT_EQ(result.status, 1u);
-    EXPECT_EQ(result.out,
-              "BridgeException: bridgeApiInit failed with -1 (XERR_FAILURE: it failed; the log has "
-              "the cause) for " +
-                  confPath() + "; the log " + data / "Logs\\Player.log" + " has the cause\n");
-    EXPECT_EQ(result.err, "");
+    expectResult(startHost({"Listings"}).finish(), 1,
+                 "BridgeException: bridgeApiInit failed with -1 (XERR_FAILURE: it failed; the log "
+                 "has the cause) for " +
+                     confPath() + "; the log " + data / "Logs\\Player.log" + " has the cause\n");
 }
 
 TEST_F(DotnetTest, ALibraryThatIsMissingThrows) {
     library = data / "QX-Bridge.dll";
-    const ChildResult result = startHost({"Listings"}).finish();
-    EXPECT_EQ(result.status, 1u);
-    EXPECT_EQ(result.out, "DllNotFoundException: " + library + ": error 126\n");
-    EXPECT_EQ(result.err, "");
+    expectResult(startHost({"Listings"}).finish(), 1,
+                 "DllNotFoundException: " + library + ": error 126\n");
 }
 
 TEST_F(DotnetTest, WithoutTheFileAndWithALogOfItsOwn) {
@@ -170,9 +164,7 @@ TEST_F(DotnetTest, AHandlerEndsTheProcess) {
         SCOPED_TRACE(scenario);
         ChildProcess host = startHost({scenario});
         const ChildProcess player = startPlayer(host, kOneEvent);
-        const ChildResult result = host.finish();
-        EXPECT_EQ(result.status, 3u);
-        EXPECT_EQ(result.out + result.err, "");
+        expectResult(host.finish(), 3, "");
     }
 }
 
@@ -191,9 +183,7 @@ TEST_F(DotnetTest, ALibraryInTheCurrentFolderIsFoundByItsName) {
                                         {environment("QX_DOTNET_HOST"), "QX-Bridge.dll",
                                          data.path(), installFolder, "MissingProgram"},
                                         options);
-    EXPECT_EQ(result.status, 0u);
-    EXPECT_EQ(result.out, "BridgeException: bridgeLaunchApp 2\nfinished\n");
-    EXPECT_EQ(result.err, "");
+    expectResult(result, 0, "BridgeException: bridgeLaunchApp 2\nfinished\n");
 }
 
 TEST_F(DotnetTest, AWrongKeyThrowsAndTheHostLives) {
@@ -221,16 +211,16 @@ TEST_F(DotnetTest, AFatalErrorInAHandlerEndsTheProcess) {
 TEST_F(DotnetTest, ACommitGoesOnInsideWhileAnotherProgramHasTheFile) {
     EXPECT_EQ(played({"CommitInside"}),
               (Lines{"cancelled", "commit is inside and reads go on: de-DE", "committed"}));
-    EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
+    EXPECT_TRUE(confHas("vtr.locale=\"de-DE\""));
 }
 
 TEST_F(DotnetTest, TheEndWaitsForACommitThatGoesOnInside) {
     EXPECT_EQ(played({"EndDuringACommit"}), (Lines{"end is waiting", "ended"}));
-    EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"de-DE\"\n"), std::string::npos);
+    EXPECT_TRUE(confHas("vtr.locale=\"de-DE\""));
 }
 
 TEST_F(DotnetTest, EventsAreAwaitedAndTheirContinuationMayEndTheSession) {
     EXPECT_EQ(playedWithEvents({"AwaitingAndEnding"}, kTwoEvents),
               (Lines{"displayed p1", "displayed p2", "instance Nougat64", "last end"}));
-    EXPECT_NE(data.read("vantrel.conf").find("vtr.locale=\"p2\"\n"), std::string::npos);
+    EXPECT_TRUE(confHas("vtr.locale=\"p2\""));
 }

@@ -39,11 +39,8 @@ def records(text, opening, members):
 
 
 KEY = ("scope", "name", "type", "default")
+DETAILS = ("unit", "allowed")  # which the bindings add to a key
 CODE = ("number", "name", "text")
-
-
-# What the bindings add to a key.
-DETAILS = ("unit", "allowed")
 
 
 def read_node(members):
@@ -51,14 +48,9 @@ def read_node(members):
     return records(text, "   ", members)
 
 
-# What C#'s records have beside.
-EXTRA = {"Key": ["Unit", "Allowed"], "Code": []}
-
-
 def read_csharp(type_, members):
     text = (TREE / "bindings/csharp/QXBridge.generated.cs").read_text("utf-8")
-    found = records(text, f"new {type_}", [one.title() for one in members] + EXTRA[type_])
-    return [one[:len(members)] for one in found]
+    return records(text, f"new {type_}", [one.title() for one in members])
 
 
 class TablesTest(unittest.TestCase):
@@ -69,22 +61,23 @@ class TablesTest(unittest.TestCase):
         self.assertIn(("global", "key_controls_overlay_opacity", "i32", "80"), expected)
         self.assertEqual([tuple(one[:4]) for one in python.KEYS], expected)
         self.assertEqual([one[:4] for one in read_node(KEY + DETAILS)], expected)
-        self.assertEqual(read_csharp("Key", KEY), expected)
+        self.assertEqual([one[:4] for one in read_csharp("Key", KEY + DETAILS)], expected)
 
-    def test_the_details_of_nodes_keys(self):
-        found = {one[:2]: one[4:] for one in read_node(KEY + DETAILS)}
-        self.assertEqual(found["instance", "ram"], ("MiB", []))
-        self.assertEqual(found["instance", "abi_list"], ("", ["x86", "x64", "arm", "arm64"]))
-        self.assertEqual(found["global", "locale"], ("", []))
-        units = {scope_and_name[1]: unit for scope_and_name, (unit, _) in found.items() if unit}
-        self.assertEqual(units, tables.UNITS)
-
-    def test_what_python_knows_besides(self):
-        found = {(one.scope, one.name): (one.unit, one.allowed) for one in python.KEYS}
+    def details(self, keys):
+        """The units and allowed values of keys."""
+        found = {(one[0], one[1]): (one[4], tuple(one[5])) for one in keys}
+        self.assertEqual(found["instance", "ram"], ("MiB", ()))
         self.assertEqual(found["instance", "dpi"], ("dots per inch", ()))
         self.assertEqual(found["global", "mim.max_fps"], ("frames per second", ()))
         self.assertEqual(found["instance", "abi_list"], ("", ("x86", "x64", "arm", "arm64")))
         self.assertEqual(found["global", "locale"], ("", ()))
+        self.assertEqual({name: unit for (_, name), (unit, _) in found.items() if unit}, tables.UNITS)
+
+    def test_the_details_of_nodes_keys(self):
+        self.details(read_node(KEY + DETAILS))
+
+    def test_the_details_and_images_of_python(self):
+        self.details(python.KEYS)
         source = (TREE / "Source/utl/UtlImages.cpp").read_text("utf-8")
         self.assertEqual(python.IMAGES, tuple(re.findall(r'^    \{"(\w+)", (?:true|false)', source, re.M)))
 

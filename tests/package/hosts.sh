@@ -4,8 +4,6 @@ set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
 
-fail() { echo "$*"; exit 1; }
-
 folder=$(mktemp -d)
 export WINEPREFIX="$folder/prefix"
 trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$folder"' EXIT
@@ -23,11 +21,11 @@ wine reg add "$key" /v UserDefinedDir /d "$(windows_path "$folder/data")" /f
 wine reg add "$key" /v InstallDir /d "$(windows_path "$root/tools")\\" /f
 
 listing=$(wine bin/bridgectl.exe instances --json)
-grep -q '"displayName": "Jeux"' <<<"$listing" || fail "bridgectl lists: $listing"
+grep -q '"displayName": "Jeux"' <<<"$listing" || die "bridgectl lists: $listing"
 for host in "$work"/gcc/host_{c,pc}.exe "$work/page/build/host.exe" "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
     "$work/clang/host_lib.exe" "$work/port/host_cxx.exe"; do
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
-    [ "$got" = "$listing" ] || fail "$host lists: $got"
+    [ "$got" = "$listing" ] || die "$host lists: $got"
 done
 dotnet=$(bash "$tree/toolchain/dotnet.sh" --dir)
 for program in host event; do
@@ -36,12 +34,12 @@ for program in host event; do
 done
 got=$(wine "$dotnet/dotnet.exe" "$(windows_path "$folder/host_cs.exe")" \
     "$(windows_path "$root/bin/QX-Bridge.dll")" | tr -d '\r')
-[ "$got" = "$listing" ] || fail "host.cs lists: $got"
+[ "$got" = "$listing" ] || die "host.cs lists: $got"
 # Under Wine Node cannot write to this system's pipes.
 node=$(bash "$tree/toolchain/node.sh" --dir)
 wine "$node/node/bin/node.exe" "$(windows_path "$work/npm/host.js")" \
     "$(windows_path "$root/bin/QX-Bridge.dll")" >"$folder/node.txt" 2>&1
-[ "$(tr -d '\r' <"$folder/node.txt")" = "Nougat64 Jeux" ] || fail "host.js lists: $(<"$folder/node.txt")"
+[ "$(tr -d '\r' <"$folder/node.txt")" = "Nougat64 Jeux" ] || die "host.js lists: $(<"$folder/node.txt")"
 
 # event_arrives COMMAND...: a program of the document that waits for an event prints it and ends. Its
 # standard input is open until the event was sent, since Enter, or its end, is what C's program waits for.
@@ -66,9 +64,9 @@ event_arrives() {
     done
     exec 8>&-
     wait "$host" || status=$?
-    [ -n "$sent" ] || fail "$*: no event was taken; $(<"$folder/event.txt")"
+    [ -n "$sent" ] || die "$*: no event was taken; $(<"$folder/event.txt")"
     [ "$(tr -d '\r' <"$folder/event.txt")" = "Nougat64 shows com.example.app" ] && [ "$status" = 0 ] ||
-        fail "$*: status $status, $(<"$folder/event.txt")"
+        die "$*: status $status, $(<"$folder/event.txt")"
 }
 for program in "$work/gcc/event_c.exe" "$work/page/build/event.exe" "$work"/clang/event_{c,cxx}.exe; do
     event_arrives "$program"
@@ -84,4 +82,4 @@ for ((i = 0; i < 100; i++)); do
     grep -q '^serving: ' "$folder/standins.txt" 2>/dev/null && break
     sleep 0.1
 done
-grep -q '"launchApp" "--package" "com.example.app"' "$folder/standins.txt" || fail "no player was started"
+grep -q '"launchApp" "--package" "com.example.app"' "$folder/standins.txt" || die "no player was started"

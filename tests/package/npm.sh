@@ -6,7 +6,6 @@ set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
 
-fail() { echo "$*"; exit 1; }
 command -v npm >/dev/null || { echo "skipped: there is no npm"; exit 77; }
 
 tools=$(bash "$tree/toolchain/node.sh" --dir)
@@ -18,10 +17,10 @@ trap '[ -z "$registry" ] || kill "$registry"; rm -rf "$folder"' EXIT
 # npm's order of versions is the library's.
 versions='5.2.0.999 5.2.0.1052 5.2.0.10000 5.2.1.0 5.2.1.7 5.2.10.3 5.3.0.1 6.0.0.0'
 for one in $versions; do bash "$tree/toolchain/package-npm.sh" --version "$one"; done >"$folder/versions"
-sort -c -V -u "$folder/versions" || fail "npm orders them otherwise: $(<"$folder/versions")"
-[ "$(sed -n 2p "$folder/versions")" = 5.2.1052 ] || fail "5.2.0.1052 is $(sed -n 2p "$folder/versions")"
+sort -c -V -u "$folder/versions" || die "npm orders them otherwise: $(<"$folder/versions")"
+[ "$(sed -n 2p "$folder/versions")" = 5.2.1052 ] || die "5.2.0.1052 is $(sed -n 2p "$folder/versions")"
 for one in 5.2.0 5.2.0.100000 5.2.0.1-2; do
-    if bash "$tree/toolchain/package-npm.sh" --version "$one" 2>/dev/null; then fail "$one is taken"; fi
+    if bash "$tree/toolchain/package-npm.sh" --version "$one" 2>/dev/null; then die "$one is taken"; fi
 done
 
 root=$(echo "$work"/unpacked/*)
@@ -31,8 +30,8 @@ umask 077
 bash "$tree/toolchain/package-npm.sh" "$folder/made" "$root" "$folder"
 umask 022
 bash "$tree/toolchain/package-npm.sh" "$folder/made" "$root" "$folder/again"
-cmp "$folder/$name" "$folder/again/$name" || fail "the same files give another package"
-cmp "$folder/$name" "$work/made/$name" || fail "./run package makes another one"
+cmp "$folder/$name" "$folder/again/$name" || die "the same files give another package"
+cmp "$folder/$name" "$work/made/$name" || die "./run package makes another one"
 
 . "$tree/tests/bindings/node/npm_here.sh"
 
@@ -44,17 +43,17 @@ run_host() {
     local status=0
     (cd "$1" && timeout 60 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "$2" "Z:$folder/data") \
         >"$folder/output" 2>&1 </dev/null || status=$?
-    [ "$status" = 0 ] && [ "$(tr -d '\r' <"$folder/output")" = "$3" ] || fail "$1/$2: $status $(<"$folder/output")"
+    [ "$status" = 0 ] && [ "$(tr -d '\r' <"$folder/output")" = "$3" ] || die "$1/$2: $status $(<"$folder/output")"
 }
 
 # The command of the page, in an empty project.
 line=$(grep -oE '`npm install [^`]*\.tgz`' "$tree/bindings/node/README.md" | tr -d '`')
-[ "$(wc -l <<<"$line")" = 1 ] && [ -n "$line" ] || fail "the page has not one line for the package: $line"
+[ "$(wc -l <<<"$line")" = 1 ] && [ -n "$line" ] || die "the page has not one line for the package: $line"
 project="$folder/project"
 mkdir "$project"
 echo '{ "private": true }' >"$project/package.json"
 line=${line/PATH/$folder} line=${line/VERSION/$version}
-(cd "$project" && bash -c "$line") >"$folder/npm" 2>&1 </dev/null || fail "$line: $(<"$folder/npm")"
+(cd "$project" && bash -c "$line") >"$folder/npm" 2>&1 </dev/null || die "$line: $(<"$folder/npm")"
 cp "$hosts"/* "$tree/tests/bindings/node/types/events.d.ts" "$project"
 cp "$project/use.ts" "$project/use.cts"
 
@@ -91,9 +90,9 @@ tsc=(node "$tools/node_modules/typescript/bin/tsc" --strict --target ES2022 --ou
     [ ! -e node_modules/@types ] # whose names would help
     echo "import { load } from 'qx-bridge'; const wrong: number = load();" >wrong.mts
     if "${tsc[@]}" --module node16 --moduleResolution node16 wrong.mts events.d.ts >wrong.txt; then
-        fail "a wrong type is taken"
+        die "a wrong type is taken"
     fi
-    grep -q "wrong.mts(1,41): error TS2322" wrong.txt || fail "$(<wrong.txt)"
+    grep -q "wrong.mts(1,41): error TS2322" wrong.txt || die "$(<wrong.txt)"
 )
 for script in compiled/use.mjs compiled/use.cjs compiled/use.js; do run_host "$project" "$script" 'Nougat64 Größe'; done
 

@@ -5,8 +5,6 @@ set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
 
-fail() { echo "$*"; exit 1; }
-
 root=$(echo "$work"/unpacked/*)
 version=$(project_version)
 nupkg="$work/made/QXBridge.$version.nupkg"
@@ -20,8 +18,8 @@ trap 'rm -rf "$folder"' EXIT
 # Made again in another folder.
 mkdir "$folder/again"
 bash "$tree/toolchain/package-nuget.sh" "$folder/again" "$root" "$folder/again"
-cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || fail "the same build gives another package"
-(cd "$work/made" && sha256sum --quiet -c <(grep "  ${nupkg##*/}\$" SHA256SUMS)) || fail "its checksum is another"
+cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || die "the same build gives another package"
+(cd "$work/made" && sha256sum --quiet -c <(grep "  ${nupkg##*/}\$" SHA256SUMS)) || die "its checksum is another"
 python3 "$tree/tests/package/nuget_test.py" "$nupkg" "$root" "$version" "$tree" "$cache" "$folder"
 
 packages="$folder/packages"
@@ -40,7 +38,7 @@ variables: waited
 variables: handle error mayCome
 END
 for file in "$root"/share/bindings/csharp/*.cs; do
-    cmp "$file" "$folder/sources/${file##*/}" || fail "the PDB has not ${file##*/}"
+    cmp "$file" "$folder/sources/${file##*/}" || die "the PDB has not ${file##*/}"
 done
 
 mcs -warnaserror -langversion:5 -nostdlib -noconfig -nowarn:1702 "-lib:$runtime" -r:System.Private.CoreLib.dll \
@@ -66,13 +64,11 @@ expected='Nougat64 Jeux
 C:\None\QX-Player.exe'
 line=$(grep -n 'throw new BridgeException(operation, code, file, Places.LogPath);' \
     "$root/share/bindings/csharp/Session.cs" | cut -d : -f 1)
+run_host "$folder/host" --additionalprobingpath "$(windows_path "$packages")" >"$folder/packages.txt"
+run_host "$folder/beside" >"$folder/beside.txt"
 for way in packages beside; do
-    case $way in
-    packages) run_host "$folder/host" --additionalprobingpath "$(windows_path "$packages")" ;;
-    beside) run_host "$folder/beside" ;;
-    esac >"$folder/$way.txt"
-    [ "$(head -n 2 "$folder/$way.txt")" = "$expected" ] || fail "$way: $(<"$folder/$way.txt")"
+    [ "$(head -n 2 "$folder/$way.txt")" = "$expected" ] || die "$way: $(<"$folder/$way.txt")"
 done
 # The PDB is beside the assembly in the folder of packages only.
 grep -q "Session.Require(.* in /_/bindings/csharp/Session.cs:line $line\$" "$folder/packages.txt" ||
-    fail "the trace has no line $line: $(<"$folder/packages.txt")"
+    die "the trace has no line $line: $(<"$folder/packages.txt")"

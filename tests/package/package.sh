@@ -6,13 +6,11 @@ set -euo pipefail
 tree=$1 readobj=$2 work=$3
 . "$tree/toolchain/common.sh"
 
-fail() { echo "$*"; exit 1; }
-
 rm -rf "$work"
 mkdir -p "$work/made" "$work/again" "$work/unpacked"
 zip=$(bash "$tree/toolchain/package.sh" "$work/made")
 again=$(bash "$tree/toolchain/package.sh" "$work/again")
-cmp "$zip" "$again" || fail "the same build gives another package"
+cmp "$zip" "$again" || die "the same build gives another package"
 rm -rf "$work/made/package" "$work/again"
 
 python3 -m zipfile -e "$zip" "$work/unpacked"
@@ -21,7 +19,7 @@ cd "$root"
 
 sha256sum --quiet -c SHA256SUMS
 diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
-    <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || fail "a file without a checksum"
+    <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || die "a file without a checksum"
 for file in README.md CHANGELOG.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
     tools/{QX-Player,QX-MultiInstanceManager}.exe lib/pkgconfig/qx-bridge.pc include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
     lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
@@ -31,21 +29,21 @@ for file in README.md CHANGELOG.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,
     share/bindings/{node/{index,native,bridge.generated}.js,csharp/{Session,QXBridge.generated}.cs} \
     share/bindings/python/qxbridge/{__init__,bridge,generated}.py \
     share/examples/{vantrel.conf,c/main.c,cpp/main.cpp,qt/main.cpp,node/main.js,csharp/Program.cs}; do
-    [ -s "$file" ] || fail "missing: $file"
+    [ -s "$file" ] || die "missing: $file"
 done
 for header in "$tree"/include/bridge/*; do
-    cmp "$header" "include/bridge/${header##*/}" || fail "missing: ${header##*/}"
+    cmp "$header" "include/bridge/${header##*/}" || die "missing: ${header##*/}"
 done
 # The changelog begins with the version of this package.
 newest=$(sed -n 's/^## //p' CHANGELOG.md | head -n 1)
-[ "$newest" = "$(project_version)" ] || fail "the changelog begins with \"$newest\", not $(project_version)"
+[ "$newest" = "$(project_version)" ] || die "the changelog begins with \"$newest\", not $(project_version)"
 
 for document in share/doc/{getting-started,how-to/test-without-the-product}.md; do
-    grep -qF "/v Version /d $(project_version)" "$document" || fail "$document sets another version"
+    grep -qF "/v Version /d $(project_version)" "$document" || die "$document sets another version"
 done
 # The documents lead to what is in the package.
 while IFS=: read -r document link; do
-    [ -e "${document%/*}/$link" ] || fail "$document: no $link"
+    [ -e "${document%/*}/$link" ] || die "$document: no $link"
 done < <(grep -roE --include='*.md' '\]\([^)#: ]+' . | sed 's/\](//')
 
 # The source of the Qt in it goes with it, whole.
@@ -54,7 +52,7 @@ python3 -m zipfile -e "$source_zip" "$work/source"
 (
     cd "$work"/source/*
     files=$(sed -n '/^Checksums-Sha256:/,/^[A-Z].*:/s/^ \([0-9a-f]*\) [0-9]* /\1  /p' ./*.dsc)
-    [ "$(wc -l <<<"$files")" -ge 2 ] || fail "the description of Qt's source names no files"
+    [ "$(wc -l <<<"$files")" -ge 2 ] || die "the description of Qt's source names no files"
     sha256sum --quiet -c <<<"$files"
 )
 
@@ -62,11 +60,11 @@ grep -q 'GNU LESSER GENERAL PUBLIC LICENSE' share/licences/Qt-LGPL-3.txt
 grep -qi 'LLVM Exceptions' share/licences/LLVM-runtimes.txt
 # Debug data has them where the linker, and names of lambdas, leave no choice.
 if grep -rlF -e "$tree" -e "$cache" --exclude='*.pdb' .; then
-    fail "a path of the build machine is published"
+    die "a path of the build machine is published"
 fi
 for program in bin/*.dll bin/*.exe tools/*.exe; do
     if "$readobj" --sections "$program" | grep -q '\.debug_'; then
-        fail "$program carries debug data"
+        die "$program carries debug data"
     fi
 done
 grep -q 'bridge_8h.html' share/doc/api/index.html
@@ -76,7 +74,7 @@ grep -q 'bridgeConfGetInstances' share/doc/api/bridge_8h.html
 system='^(kernel32|advapi32|shell32|psapi|user32|ole32|version|ws2_32|mpr|netapi32|userenv|winmm|dnsapi|iphlpapi|crypt32)\.dll$|^api-ms-win-crt-.*\.dll$'
 for program in bin/*.dll bin/*.exe tools/*.exe; do
     while read -r dll; do
-        [ -f "${program%/*}/$dll" ] || grep -qiE "$system" <<<"$dll" || fail "$program needs $dll"
+        [ -f "${program%/*}/$dll" ] || grep -qiE "$system" <<<"$dll" || die "$program needs $dll"
     done < <("$readobj" --coff-imports "$program" | sed -n 's/^  Name: \(..*\)$/\1/p')
 done
 
@@ -85,14 +83,14 @@ consumer="$tree/tests/package/consumer"
 page=$(<share/doc/getting-started.md)
 for language in c cpp js cs py; do
     for program in "host.$language" "event.$language"; do
-        [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$program")"* ]] || fail "$program is not the document's"
+        [[ $page == *"$(sed 's/^/    /; s/ *$//' "$consumer/$program")"* ]] || die "$program is not the document's"
     done
-    [ "$(grep -c . "$consumer/host.$language")" -le 10 ] || fail "host.$language has more than ten lines"
+    [ "$(grep -c . "$consumer/host.$language")" -le 10 ] || die "host.$language has more than ten lines"
 done
-[[ $(<"$tree/README.md") == *"$(sed 's/^/    /; s/ *$//' "$consumer/host.c")"* ]] || fail "host.c is not the README's"
+[[ $(<"$tree/README.md") == *"$(sed 's/^/    /; s/ *$//' "$consumer/host.c")"* ]] || die "host.c is not the README's"
 
 tour=$(sed '1,/^void tour/d; /^}$/d' "$consumer/tour.cpp")
-[[ $page == *"$tour"* ]] || fail "tour.cpp is not the document's"
+[[ $page == *"$tour"* ]] || die "tour.cpp is not the document's"
 
 # The project, with the C compiler of another runtime and with this one's for C and C++.
 cmake -S "$consumer" -B "$work/gcc" -G Ninja -DCMAKE_SYSTEM_NAME=Windows -DCONSUMER_CXX=OFF \
@@ -147,7 +145,7 @@ mcs -warnaserror -langversion:5 -platform:x64 -nostdlib -noconfig -nowarn:1702 "
     "-out:$work/event_cs.exe" "$consumer/event.cs" share/bindings/csharp/*.cs
 PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer"/{host,event}.py \
     share/bindings/python/qxbridge/*.py
-[ -e share/bindings/python/qxbridge/py.typed ] || fail "Python's types are not announced"
+[ -e share/bindings/python/qxbridge/py.typed ] || die "Python's types are not announced"
 
 # Node's host, with the packages where npm puts them.
 node=$(bash "$tree/toolchain/node.sh" --dir)

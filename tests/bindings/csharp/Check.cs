@@ -115,26 +115,19 @@ sealed class DataFolder : IDisposable
 {
     internal readonly string Path = System.IO.Path.Combine(System.IO.Path.GetTempPath(),
         "qx-bridge-csharp-" + Guid.NewGuid().ToString("N"));
+    internal readonly string ConfPath, LogPath;
 
     internal DataFolder(params string[] confLines)
     {
-        Directory.CreateDirectory(System.IO.Path.Combine(Path, "Logs"));
+        ConfPath = Of("vantrel.conf");
+        LogPath = Of("Logs", "Player.log");
+        Directory.CreateDirectory(Of("Logs"));
         Write(confLines);
     }
 
     internal string Of(params string[] parts)
     {
         return System.IO.Path.Combine(Path, System.IO.Path.Combine(parts));
-    }
-
-    internal string ConfPath
-    {
-        get { return Of("vantrel.conf"); }
-    }
-
-    internal string LogPath
-    {
-        get { return Of("Logs", "Player.log"); }
     }
 
     internal void Write(params string[] confLines)

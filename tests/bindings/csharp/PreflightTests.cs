@@ -1,7 +1,6 @@
 // What the C# binding checks before it starts the library.
 
 using System;
-using System.Collections.Generic;
 using System.IO;
 using System.Linq;
 using QXBridge;

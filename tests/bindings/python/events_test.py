@@ -17,6 +17,11 @@ async def rest_of(stream):
     return [one async for one in stream]
 
 
+def held(stream):
+    stream.close()
+    return run(rest_of(stream))
+
+
 class EventsTest(AsyncCase):
     def setUp(self):
         super().setUp()
@@ -29,8 +34,7 @@ class EventsTest(AsyncCase):
     def test_all_events_arrive_in_their_order(self):
         stream = self.bridge.events()
         support.fake.library.fakeSend(1)
-        stream.close()
-        events = run(rest_of(stream))
+        events = held(stream)
         self.assertEqual([one.event for one in events], list(Callbacks._fields))
         self.assertEqual(events[4], InstallImageProgress("Nougat32", 1, 33.125))
         self.assertEqual(events[3], InstanceListUpdated())
@@ -40,9 +44,7 @@ class EventsTest(AsyncCase):
         streams = [self.bridge.events("app_displayed"), self.bridge.events(AppDisplayed),
                    self.bridge.events(["app_displayed", "account_list_updated"])]
         support.fake.library.fakeSend(1)
-        for stream in streams:
-            stream.close()
-        one, other, both = [run(rest_of(stream)) for stream in streams]
+        one, other, both = map(held, streams)
         self.assertEqual(one, [AppDisplayed("Nougat64", "😀")])
         self.assertEqual(other, one)
         self.assertEqual([type(event) for event in both], [AppDisplayed, AccountListUpdated])
@@ -97,14 +99,12 @@ class EventsTest(AsyncCase):
     def test_a_stream_at_its_limit_is_not_full(self):
         stream = self.bridge.events(limit=2)
         self.displayed("p", "p")
-        stream.close()
-        self.assertEqual(len(run(rest_of(stream))), 2)
+        self.assertEqual(len(held(stream)), 2)
 
     def test_an_overflow_of_one_stream_leaves_the_others(self):
         small, large = self.bridge.events(limit=1), self.bridge.events()
         self.displayed("p", "p", "p")
-        large.close()
-        self.assertEqual(len(run(rest_of(large))), 3)
+        self.assertEqual(len(held(large)), 3)
         self.assertRaises(EventOverflow, lambda: run(rest_of(small)))
 
     def test_a_limit_that_holds_nothing(self):
@@ -167,16 +167,14 @@ class EventsTest(AsyncCase):
         stream = self.bridge.events("app_displayed")
         self.bridge.register(Callbacks(app_displayed=lambda *values: seen.append(values)))
         self.displayed("p")
-        stream.close()
-        self.assertEqual((seen, len(run(rest_of(stream)))), ([("N", "p")], 1))
+        self.assertEqual((seen, len(held(stream))), ([("N", "p")], 1))
 
     def test_a_function_that_raises_does_not_keep_events_from_a_stream(self):
         raised = self.unraised()
         stream = self.bridge.events("app_displayed")
         self.bridge.register(Callbacks(app_displayed=support.bad))
         self.displayed("p")
-        stream.close()
-        self.assertEqual((raised, len(run(rest_of(stream)))), (["the host's own"], 1))
+        self.assertEqual((raised, len(held(stream))), (["the host's own"], 1))
 
     def test_each_event_has_its_class_and_name(self):
         self.assertEqual([one().event if one is InstanceListUpdated else one(*[0] * len(one._fields)).event

@@ -122,17 +122,13 @@ class KeyChecksTest(Case):
             self.assertEqual(catalogue.distance(one, other), shortest(one, other), (one, other))
 
     def test_another_type_than_the_keys(self):
-        for message, call in (
-                ('"vtr.instance.Nougat64.dpi" is an i32, not a bool',
-                 lambda: self.conf.get_bool("vtr.instance.Nougat64.dpi")),
-                ('"vtr.locale" is a string, not a multi-string',
-                 lambda: self.conf.get_multi_string("vtr.locale")),
-                ('"vtr.shared_folders" is a multi-string, not a string',
-                 lambda: self.conf.set_string("vtr.shared_folders", "a")),
-                ('"vtr.enable_adb_access" is a bool, not an i32',
-                 lambda: self.conf.set_i32("vtr.enable_adb_access", 1))):
-            with self.subTest(message):
-                self.key_error(message, call)
+        self.key_error('"vtr.instance.Nougat64.dpi" is an i32, not a bool',
+                       self.conf.get_bool, "vtr.instance.Nougat64.dpi")
+        self.key_error('"vtr.locale" is a string, not a multi-string', self.conf.get_multi_string, "vtr.locale")
+        self.key_error('"vtr.shared_folders" is a multi-string, not a string',
+                       self.conf.set_string, "vtr.shared_folders", "a")
+        self.key_error('"vtr.enable_adb_access" is a bool, not an i32',
+                       self.conf.set_i32, "vtr.enable_adb_access", 1)
 
     def test_no_key_has_64_bits(self):
         message = '"vtr.mim.max_fps" is an i32, not an i64'

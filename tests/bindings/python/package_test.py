@@ -1,4 +1,4 @@
-"""The package as a host meets it: its names, and the Pythons that it is for."""
+"""The package: its names, the library that it finds, and the Pythons that it supports."""
 
 import ast
 import pathlib
@@ -12,9 +12,16 @@ import support
 from qxbridge import native
 from support import TREE
 
-FILES = sorted((TREE / "bindings/python/qxbridge").glob("*.py"))
+PACKAGE = TREE / "bindings/python/qxbridge"
+TEXTS = {path.name: path.read_text("utf-8") for path in sorted(PACKAGE.glob("*.py"))}
 
-# What hosts that were written for the single module use.
+
+def walk(text, *types):
+    """The nodes of these types."""
+    return [one for one in ast.walk(ast.parse(text)) if isinstance(one, types)]
+
+
+# The names of the earlier single module.
 EARLIER_NAMES = ("Bridge", "BridgeError", "Configuration", "Callbacks", "AppInstalled", "CLIENTS",
                  "CALLBACKS", "FUNCTIONS", "RECORDS", "SUCCESS", "FAILURE", "NO_ENTRY", "TOO_BIG",
                  "ACCESS", "INVALID_ARGUMENT")
@@ -22,9 +29,9 @@ EARLIER_NAMES = ("Bridge", "BridgeError", "Configuration", "Callbacks", "AppInst
 
 class PackageTest(unittest.TestCase):
     def test_every_module_is_of_python_3_8(self):
-        self.assertGreater(len(FILES), 15)
-        for path in FILES:
-            ast.parse(path.read_text("utf-8"), path.name, feature_version=(3, 8))
+        self.assertGreater(len(TEXTS), 15)
+        for name, text in TEXTS.items():
+            ast.parse(text, name, feature_version=(3, 8))
 
     def test_earlier_names(self):
         for name in EARLIER_NAMES:
@@ -37,31 +44,26 @@ class PackageTest(unittest.TestCase):
             self.assertTrue(hasattr(qxbridge, name), name)
 
     def test_the_package_announces_its_types(self):
-        self.assertTrue((FILES[0].parent / "py.typed").exists())
+        self.assertTrue((PACKAGE / "py.typed").exists())
 
     def test_only_one_module_reaches_windows(self):
         reaching = {"winreg", "msvcrt", "_winapi", "subprocess", "WinDLL", "windll"}
-        for path in FILES:
-            names = {one.id for one in ast.walk(ast.parse(path.read_text("utf-8")))
-                     if isinstance(one, ast.Name)}
-            names |= {one.attr for one in ast.walk(ast.parse(path.read_text("utf-8")))
-                      if isinstance(one, ast.Attribute)}
-            if path.name != "_windows.py":
-                self.assertFalse(names & reaching, path.name)
-                self.assertNotIn("open", names, path.name)
+        for path, text in TEXTS.items():
+            names = {one.id for one in walk(text, ast.Name)}
+            if path != "_windows.py":
+                self.assertFalse((names | {one.attr for one in walk(text, ast.Attribute)}) & reaching, path)
+                self.assertNotIn("open", names, path)
 
     def test_every_import_is_used(self):
-        for path in FILES:
-            if path.name in ("__init__.py", "keys.py"):
+        for path, text in TEXTS.items():
+            if path in ("__init__.py", "keys.py"):
                 continue
-            tree = ast.parse(path.read_text("utf-8"))
-            imported = {(one.asname or one.name).split(".")[0] for node in ast.walk(tree)
-                        if isinstance(node, (ast.Import, ast.ImportFrom)) for one in node.names}
-            used = {one.id for one in ast.walk(tree) if isinstance(one, ast.Name)}
-            text = path.read_text("utf-8")
-            # A quoted annotation names what it needs, too.
+            imported = {(one.asname or one.name).split(".")[0]
+                        for node in walk(text, ast.Import, ast.ImportFrom) for one in node.names}
+            used = {one.id for one in walk(text, ast.Name)}
+            # A quoted annotation uses its names, too.
             unused = [name for name in imported - used if f'"{name}.' not in text and f'{name}[' not in text]
-            self.assertEqual(unused, [], path.name)
+            self.assertEqual(unused, [], path)
 
 
 class LibraryTest(unittest.TestCase):

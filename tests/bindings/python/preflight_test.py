@@ -1,4 +1,4 @@
-"""What is looked at before the start."""
+"""The checks before the start."""
 
 import qxbridge
 import support
@@ -7,6 +7,8 @@ from support import Case
 
 USER_DIR = 'HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo "UserDefinedDir"'
 CONF = "C:\\Data\\vantrel.conf"
+LOGS = "C:\\Data\\Logs"
+LOG = LOGS + "\\Player.log"
 
 
 class PreflightTest(Case):
@@ -30,27 +32,25 @@ class PreflightTest(Case):
         self.assertEqual(self.problems(), ["the data folder C:\\Nowhere does not exist"])
 
     def test_the_folder_of_the_log_does_not_exist(self):
-        self.windows.path("C:\\Data\\Logs").rmdir()
-        self.assertEqual(self.problems(), ["the folder C:\\Data\\Logs does not exist"])
+        self.windows.path(LOGS).rmdir()
+        self.assertEqual(self.problems(), [f"the folder {LOGS} does not exist"])
 
     def test_a_log_that_another_program_keeps_for_itself(self):
-        self.windows.path("C:\\Data\\Logs\\Player.log").touch()
-        self.windows.held.add("C:\\Data\\Logs\\Player.log")
-        self.assertEqual(self.problems(),
-                         ["the log C:\\Data\\Logs\\Player.log cannot be opened (Windows error 32)"])
+        self.windows.path(LOG).touch()
+        self.windows.held.add(LOG)
+        self.assertEqual(self.problems(), [f"the log {LOG} cannot be opened (Windows error 32)"])
 
     def test_a_folder_in_which_no_log_can_be_made(self):
-        self.windows.closed.add("C:\\Data\\Logs")
-        self.assertEqual(self.problems(),
-                         ["the log C:\\Data\\Logs\\Player.log cannot be opened (Windows error 5)"])
+        self.windows.closed.add(LOGS)
+        self.assertEqual(self.problems(), [f"the log {LOG} cannot be opened (Windows error 5)"])
 
     def test_a_log_that_is_there_is_opened_and_no_file_made(self):
-        self.windows.path("C:\\Data\\Logs\\Player.log").touch()
+        self.windows.path(LOG).touch()
         self.assertEqual(self.problems(), [])
         self.assertEqual(self.windows.made, [])
 
     def test_the_hosts_own_log_needs_no_folder_of_logs(self):
-        self.windows.path("C:\\Data\\Logs").rmdir()
+        self.windows.path(LOGS).rmdir()
         self.assertEqual(self.problems(log_file="C:\\own.log"), [])
         self.assertEqual(self.windows.made, ["C:"])
 
@@ -100,7 +100,7 @@ class PreflightTest(Case):
             self.assertEqual(self.problems("Helper"), [])
 
     def test_several_problems_in_their_order(self):
-        self.windows.path("C:\\Data\\Logs").rmdir()
+        self.windows.path(LOGS).rmdir()
         self.windows.path(CONF).unlink()
         self.windows.registry["Version"] = "5.1"
         self.assertEqual([one.split(" ")[1] for one in self.problems("Launcher")],
@@ -121,7 +121,7 @@ class PreflightTest(Case):
         self.start(no_conf_file=True)
 
     def test_every_problem_has_a_remedy(self):
-        self.windows.path("C:\\Data\\Logs").rmdir()
+        self.windows.path(LOGS).rmdir()
         self.windows.path(CONF).unlink()
         self.windows.registry["Version"] = "5.1"
         found = qxbridge.preflight("Launcher")

@@ -65,51 +65,41 @@ bridge::Client clientOf(const std::string& id) {
     throw std::runtime_error("no client " + id);
 }
 
+// How values of a type are read and set as texts.
+struct Access {
+    std::function<std::string(const std::string& key)> get;
+    std::function<bridge::Status(const std::string& key, const std::string& value)> set;
+};
+
+const Access& accessTo(const std::string& type) {
+    namespace conf = bridge::conf;
+    static const std::map<std::string, Access> all = {
+        {"bool",
+         {[](auto& key) { return shown(conf::getBool(key)); },
+          [](auto& key, auto& value) { return conf::setBool(key, value == "true"); }}},
+        {"i32",
+         {[](auto& key) { return std::to_string(conf::getI32(key)); },
+          [](auto& key, auto& value) { return conf::setI32(key, std::atoi(value.c_str())); }}},
+        {"i64",
+         {[](auto& key) { return std::to_string(conf::getI64(key)); },
+          [](auto& key, auto& value) { return conf::setI64(key, std::atoll(value.c_str())); }}},
+        {"string",
+         {[](auto& key) { return conf::getString(key).value(); },
+          [](auto& key, auto& value) { return conf::setString(key, value); }}},
+        {"multi-string",
+         {[](auto& key) { return replaced(conf::getMultiString(key).value(), ',', '|'); },
+          [](auto& key, auto& value) {
+              return conf::setMultiString(key, replaced(value, '|', ','));
+          }}}};
+    return all.at(type);
+}
+
 // The type that a step names, or the catalogue's. An unknown key is read as a text.
-bridge::KeyType typeOf(const Words& words, std::size_t index) {
-    if (words.size() > index) {
-        for (const auto type : {bridge::KeyType::Bool, bridge::KeyType::I32, bridge::KeyType::I64,
-                                bridge::KeyType::String, bridge::KeyType::MultiString}) {
-            if (words[index] == bridge::nameOf(type)) return type;
-        }
-    }
+std::string typeOf(const Words& words, std::size_t index) {
+    if (words.size() > index) return words[index];
     const auto parts = bridge::detail::partsOf(words[1]);
     const auto* const property = parts ? bridge::detail::findProperty(*parts) : nullptr;
-    return property == nullptr ? bridge::KeyType::String : property->type;
-}
-
-std::string valueOf(const std::string& key, bridge::KeyType type) {
-    using namespace bridge;
-    switch (type) {
-        case KeyType::Bool:
-            return shown(conf::getBool(key));
-        case KeyType::I32:
-            return std::to_string(conf::getI32(key));
-        case KeyType::I64:
-            return std::to_string(conf::getI64(key));
-        case KeyType::String:
-            return conf::getString(key).value();
-        case KeyType::MultiString:
-            return replaced(conf::getMultiString(key).value(), ',', '|');
-    }
-    return {};
-}
-
-bridge::Status setTo(const std::string& key, bridge::KeyType type, const std::string& value) {
-    using namespace bridge;
-    switch (type) {
-        case KeyType::Bool:
-            return conf::setBool(key, value == "true");
-        case KeyType::I32:
-            return conf::setI32(key, std::atoi(value.c_str()));
-        case KeyType::I64:
-            return conf::setI64(key, std::atoll(value.c_str()));
-        case KeyType::String:
-            return conf::setString(key, value);
-        case KeyType::MultiString:
-            return conf::setMultiString(key, replaced(value, '|', ','));
-    }
-    return Status(BRIDGE_FAILURE);
+    return property == nullptr ? "string" : std::string(bridge::nameOf(property->type));
 }
 
 std::string outcome(const bridge::events::AppDisplayed& e) {
@@ -216,9 +206,9 @@ class Host {
     }
 
     static void get(const Words& words) {
-        const bridge::KeyType type = typeOf(words, 2);
-        const std::string value = valueOf(words[1], type);
-        say(std::string(bridge::nameOf(type)) + " " + value);
+        const std::string type = typeOf(words, 2);
+        const std::string value = accessTo(type).get(words[1]);
+        say(type + " " + value);
     }
 
     static void getTyped(const Words& /*words*/) {
@@ -266,7 +256,7 @@ class Host {
         {"preflight", preflight},
         {"init", init},
         {"get", get},
-        {"set", [](auto& w) { sayStatus(setTo(w[1], typeOf(w, 3), w[2]), "set"); }},
+        {"set", [](auto& w) { sayStatus(accessTo(typeOf(w, 3)).set(w[1], w[2]), "set"); }},
         {"gettyped", getTyped},
         {"addinstance",
          [](auto& w) {
