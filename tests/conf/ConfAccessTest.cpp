@@ -245,8 +245,8 @@ class ConfRareTest : public ConfTest {
 
 }  // namespace
 
-// Makes one of the calls, with the log on standard output. With a second argument its lines show
-// the function.
+// Makes one of the calls. The log is on standard output: "shown" adds the functions to its lines,
+// "silent" switches it off.
 SUBPROCESS(confFatal) {
     const TempFolder folder;
     const std::string path =
@@ -254,10 +254,12 @@ SUBPROCESS(confFatal) {
                      "vtr.feature.rooting=\"maybe\"\nvtr.mem_pcd_pclimit=\"abc\"\nvtr.big=\"abc\"\n"
                      "vtr.instance.A.dpi=\"1\"\n");
     if (xplLibInit(nullptr, "") != 0) return 1;
+    std::optional<LogOff> off;
+    if (arguments.back() == "silent") off.emplace();
     const ConfCatalogue catalogue = rareCatalogue();
     ConfStore store(catalogue, confDiskFiles());
     if (confLibInit(store, path, /*allowDeprecated=*/false) != 0) return 2;
-    xlogSetDisplay(false, arguments.size() > 1, false);
+    xlogSetDisplay(false, arguments.back() == "shown", false);
     for (const FatalCall& call : kFatalCalls) {
         if (call.name == arguments[0]) call.run(store);
     }

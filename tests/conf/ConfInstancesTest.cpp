@@ -454,12 +454,14 @@ TEST_F(ConfSomeInstancesTest, TheKeysThatAreTooLongForTheDumpAreListed) {
     EXPECT_EQ(confKeysTooLongForDump(other), Lines{"vtr." + std::string(28, 'g')});
 }
 
-// Dumps instance A of the file, with the log on standard output.
+// Dumps instance A of the file. The log is on standard output; "silent" switches it off.
 SUBPROCESS(dumps) {
     for (const FatalDump& row : kFatalDumps) {
         if (row.name != arguments[0]) continue;
         const TempFolder folder;
         if (xplLibInit(nullptr, "") != 0) return 1;
+        std::optional<LogOff> off;
+        if (arguments.back() == "silent") off.emplace();
         const ConfCatalogue catalogue = row.globalLength == 0
                                             ? confProductCatalogue()
                                             : catalogueOf(row.globalLength, row.instanceLength);

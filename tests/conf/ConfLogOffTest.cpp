@@ -81,34 +81,9 @@ TEST_F(ConfLogOffTest, WhatIsRefusedIsRefusedInSilence) {
     });
 }
 
-SUBPROCESS(confBreaksInSilence) {
-    const TempFolder folder;
-    const std::string path =
-        folder.write("c",
-                     "vtr.mem_pcd_pclimit=\"abc\"\nvtr.feature.rooting=\"maybe\"\nvtr.big=\"abc\"\n"
-                     "vtr.instance.A.dpi=\"1\"\nvtr.locale=\"" +
-                         std::string(92, 'x') + "\"\n");
-    ConfCatalogue catalogue = confProductCatalogue();
-    catalogue.registerGlobal("big", {ConfType::I64, "0"});
-    ConfStore store(catalogue, confDiskFiles());
-    const LogOff off;
-    if (confLibInit(store, path, false) != 0) return 1;
-    if (confSetCurrentInstance(store, "A") != 0) return 2;
-    const std::string& what = arguments[0];
-    if (what == "number") confGetI32(store, "vtr.mem_pcd_pclimit");
-    if (what == "longNumber") confGetI64(store, "vtr.big");
-    if (what == "bool") confGetBool(store, "vtr.feature.rooting");
-    if (what == "removed") {
-        confDeleteInstance(store, "A");
-        confGetI32(store, "vtr.instance.A.dpi");
-    }
-    std::uint32_t size = 0;
-    if (what == "dump") static_cast<void>(confGetInstanceAllConfigs(store, nullptr, 0, size));
-    return 0;
-}
-
 TEST(ConfLogOffFatalTest, WhatIsFatalIsFatalInSilence) {
-    for (const char* what : {"number", "longNumber", "bool", "removed", "dump"}) {
-        expectSilentBreak("confBreaksInSilence", {what});
+    for (const char* call : {"getBadNumber", "getBadLongNumber", "getBadBool", "getRemoved"}) {
+        expectSilentBreak("confFatal", {call, "silent"});
     }
+    expectSilentBreak("dumps", {"AGlobalValueOf92Bytes", "silent"});
 }

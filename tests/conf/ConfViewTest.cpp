@@ -28,7 +28,7 @@ class ConfViewTest : public ::testing::Test {
     }
     void remove(std::string_view text) { view.remove(view.value(key(text))); }
 
-    // A key's committed or staged value; nothing when there is none.
+    // A key's committed or staged value, if any.
     std::optional<std::string> committed(std::string_view text) const {
         const ConfValue* const value = view.find(key(text));
         if (value == nullptr || !value->isCommitted) return std::nullopt;
@@ -52,7 +52,7 @@ class ConfViewTest : public ::testing::Test {
     ConfView view{catalogue};
 
  private:
-    // Every key comes in byte order.
+    // Keys must come in byte order.
     template <typename TextOf>
     Model all(TextOf textOf) const {
         Model texts;
@@ -68,8 +68,8 @@ class ConfViewTest : public ::testing::Test {
     }
 };
 
-// Keys around every border of the grouping: instances that are prefixes of each other, characters
-// before and after ".", keys without a second ".", global keys on both sides of the instances.
+// Keys at every border of the grouping: instances that are prefixes of each other, characters
+// before and after ".", keys without a second ".", global keys before and after the instances.
 std::string randomKey(std::mt19937& random) {
     static const char* const instances[] = {"A", "A-", "A0", "AB", "", "a", "\xC3\xA9", "Z_1"};
     static const char* const names[] = {"dpi", "cpus", "status.adb_port", "", "z", "\xFF"};
@@ -86,59 +86,59 @@ std::string randomKey(std::mt19937& random) {
     }
 }
 
-void expectValue(const std::optional<std::string>& found, const Model& model,
-                 const std::string& text) {
-    const auto expected = model.find(text);
-    ASSERT_EQ(found.has_value(), expected != model.end()) << text;
-    if (found) EXPECT_EQ(*found, expected->second) << text;
+// One of a view's two maps of values.
+struct Values {
+    std::function<void(std::string_view, std::string_view)> set;
+    std::function<void(std::string_view)> erase;
+    std::function<void()> clear;  // none: values are not cleared at once
+    std::function<std::optional<std::string>(std::string_view)> find;
+    std::function<Model()> all;
+};
+
+// Plays random changes on the values and on an ordered map, and compares the two.
+void expectOrderedMap(std::mt19937::result_type seed, const Values& values) {
+    std::mt19937 random(seed);
+    Model model;
+    for (int step = 0; step < 10'000; ++step) {
+        const std::string text = randomKey(random);
+        if (values.clear && random() % 500 == 0) {
+            values.clear();
+            model.clear();
+        } else if (random() % 3 == 0) {
+            values.erase(text);
+            model.erase(text);
+        } else {
+            model[text] = std::to_string(random() % 100);
+            values.set(text, model[text]);
+        }
+        const std::string probe = randomKey(random);
+        const auto expected = model.find(probe);
+        ASSERT_EQ(values.find(probe),
+                  expected == model.end() ? std::nullopt : std::optional(expected->second))
+            << probe;
+        if (step % 50 == 0) ASSERT_EQ(values.all(), model);
+    }
 }
 
 }  // namespace
 
 TEST_F(ConfViewTest, StagedValuesBehaveAsAnOrderedMap) {
-    std::mt19937 random(7);
-    Model model;
-    for (int step = 0; step < 10'000; ++step) {
-        const std::string text = randomKey(random);
-        if (random() % 500 == 0) {
-            view.discardChanges();
-            model.clear();
-        } else if (random() % 3 == 0) {
-            remove(text);
-            model.erase(text);
-        } else {
-            const std::string value = std::to_string(random() % 100);
-            stage(text, value);
-            model[text] = value;
-        }
-        const std::string probe = randomKey(random);
-        expectValue(staged(probe), model, probe);
-        if (step % 50 == 0) ASSERT_EQ(allStaged(), model);
-    }
+    expectOrderedMap(7,
+                     {[this](auto text, auto value) { stage(text, value); },
+                      [this](auto text) { remove(text); }, [this] { view.discardChanges(); },
+                      [this](auto text) { return staged(text); }, [this] { return allStaged(); }});
     EXPECT_EQ(allCommitted(), Model{});
 }
 
 TEST_F(ConfViewTest, CommittedValuesBehaveAsAnOrderedMap) {
-    std::mt19937 random(8);
-    Model model;
-    for (int step = 0; step < 10'000; ++step) {
-        const std::string text = randomKey(random);
-        if (random() % 3 == 0) {
-            view.value(key(text)).erase();
-            model.erase(text);
-        } else {
-            const std::string value = std::to_string(random() % 100);
-            view.value(key(text)).commit(value);
-            model[text] = value;
-        }
-        const std::string probe = randomKey(random);
-        expectValue(committed(probe), model, probe);
-        if (step % 50 == 0) ASSERT_EQ(allCommitted(), model);
-    }
+    expectOrderedMap(
+        8, {[this](auto text, auto value) { view.value(key(text)).commit(value); },
+            [this](auto text) { view.value(key(text)).erase(); }, nullptr,
+            [this](auto text) { return committed(text); }, [this] { return allCommitted(); }});
     EXPECT_EQ(allStaged(), Model{});
 }
 
-TEST_F(ConfViewTest, AMergeLaysEveryChangeOverTheCommittedValues) {
+TEST_F(ConfViewTest, AMergeAppliesEveryChangeToTheCommittedValues) {
     for (const char* text : {"vtr.guid", "vtr.z", "vtr.instance.A.dpi", "vtr.instance.A.z", "x"}) {
         stage(text, "old");
     }
@@ -162,7 +162,7 @@ TEST_F(ConfViewTest, AMergeLaysEveryChangeOverTheCommittedValues) {
     EXPECT_EQ(committed("vtr.z"), "back");
 }
 
-TEST_F(ConfViewTest, AValueThatIsStagedAfterItsRemovalIsRemovedAllTheSame) {
+TEST_F(ConfViewTest, AValueThatIsStagedAfterItsRemovalIsRemoved) {
     stage("vtr.guid", "old");
     view.mergeChanges();
     remove("vtr.guid");
@@ -172,7 +172,7 @@ TEST_F(ConfViewTest, AValueThatIsStagedAfterItsRemovalIsRemovedAllTheSame) {
     EXPECT_FALSE(view.hasChanges());
 }
 
-TEST_F(ConfViewTest, ThereAreChangesUntilTheLastIsTakenBack) {
+TEST_F(ConfViewTest, ChangesArePendingUntilTheLastIsTakenBack) {
     stage("vtr.instance.A.dpi", "2");
     stage("foreign", "1");
     EXPECT_TRUE(view.hasChanges());
@@ -298,7 +298,7 @@ TEST_F(ConfViewTest, AForgottenInstanceKeepsItsValuesAndTheEmptyNameIsAName) {
     EXPECT_EQ(view.instances(), ConfView::Names{});
 }
 
-TEST_F(ConfViewTest, GlobalDefaultsTakeThePlaceOfWhatIsCommitted) {
+TEST_F(ConfViewTest, GlobalDefaultsReplaceCommittedValues) {
     stage("vtr.guid", "own");
     view.mergeChanges();
     stage("vtr.z", "staged");

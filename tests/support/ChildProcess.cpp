@@ -23,7 +23,7 @@ struct ChildProcess::State {
     std::mutex errLock;
     std::condition_variable errChanged;
     std::string errText;      // all of it
-    std::size_t errRead = 0;  // how much of it readErrorLine() has given
+    std::size_t errRead = 0;  // how much of it readErrorLine() has returned
     bool errEnded = false;
 
     void readErrors() {

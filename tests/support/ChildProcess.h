@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// Status of a process that the library ended with its fatal break.
+// Exit status after the library's fatal break.
 constexpr std::uint32_t kFatalStatus = 0x80000003;
 
 struct ChildResult {
@@ -19,7 +19,7 @@ struct ChildResult {
 };
 
 struct ChildOptions {
-    std::vector<std::pair<std::string, std::string>> environment;  // before this process's
+    std::vector<std::pair<std::string, std::string>> environment;  // overrides this process's
     std::string folder;                                            // empty: this process's
     std::chrono::seconds limit{60};                                // then it is killed
     bool outputIsBroken = false;                                   // its output has no reader
@@ -33,21 +33,20 @@ class ChildProcess {
     ~ChildProcess();
     ChildProcess(ChildProcess&&) noexcept;
 
-    // Waits for the next line of its standard output, without the line feed.
+    // Waits for the next line of its standard output. Returns it without the line feed.
     std::string readLine();
-
-    // The same for its standard error, which finish() gives whole all the same.
+    // The same for its standard error. finish() still returns all of that.
     std::string readErrorLine();
 
     // Leaves its standard output without a reader.
     void closeOutput();
 
-    // Waits for its end. A child that does not end within its limit fails the test.
+    // Waits for its end. A child that exceeds its limit fails the test.
     ChildResult finish();
 
     void kill();
 
-    // The Windows handle, for what this class does not offer.
+    // The Windows handle, for direct system calls.
     void* handle() const;
 
  private:
@@ -61,7 +60,7 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 // Path of a program of the build tree, by name ("bridgectl.exe").
 std::string builtProgram(std::string_view name);
 
-// Paths of a file among the products, and of a stand-in: "QX-Player.exe". For Windows only.
+// Paths of a product file and of a stand-in ("QX-Player.exe"). Windows only.
 std::string productFile(std::string_view name);
 std::string standinProgram(std::string_view name);
 

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
-#include <variant>
 
 #include "support/event_table.h"
 
@@ -15,11 +14,6 @@ std::string raw(Number number) {
     return {reinterpret_cast<const char*>(&number), sizeof number};
 }
 
-std::string fieldOf(const std::string& text) { return textField(text); }
-std::string fieldOf(std::int32_t number) { return raw(number); }
-std::string fieldOf(double number) { return raw(number); }
-std::string fieldOf(unsigned char byte) { return raw(byte); }
-
 KnownField makeField(char type, const char* name, const char* example) {
     return {type, name, example};
 }
@@ -29,31 +23,29 @@ KnownEvent makeEvent(std::uint32_t opcode, const char* slot, const char* printed
     return {opcode, slot, printed, name, std::move(fields)};
 }
 
-// In the order of "tidb".
-using FieldValue = std::variant<std::string, std::int32_t, double, unsigned char>;
-
-// The packet of an event with these values, which are of the types that its fields have.
-std::string layOut(const KnownEvent& event, const std::vector<FieldValue>& values) {
-    std::string payload;
-    for (std::size_t i = 0; i < event.fields.size(); ++i) {
-        const std::size_t type = std::string_view("tidb").find(event.fields[i].type);
-        if (values.at(i).index() != type) throw std::logic_error(event.name);
-        payload += std::visit([](const auto& value) { return fieldOf(value); }, values[i]);
-    }
-    return packetOf(event.opcode, payload);
-}
-
-FieldValue valueOf(char type, const std::string& word) {
+// The bytes of a field with this value.
+std::string fieldOf(char type, const std::string& word) {
     switch (type) {
         case 'i':
-            return static_cast<std::int32_t>(std::stoi(word));
+            return raw(static_cast<std::int32_t>(std::stoi(word)));
         case 'd':
-            return std::stod(word);
+            return raw(std::stod(word));
         case 'b':
-            return static_cast<unsigned char>(std::stoi(word));
+            return raw(static_cast<unsigned char>(std::stoi(word)));
         default:
-            return word;
+            return textField(word);
     }
+}
+
+// Every digit of a number.
+std::string wordOf(double number) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", number);
+    return text;
+}
+
+std::string packetNamed(std::string_view event, const Words& words) {
+    return eventPacket(knownEvent(event), words);
 }
 
 std::string printed(char type, const std::string& word) {
@@ -116,11 +108,11 @@ Words wordsOf(const KnownEvent& event, const std::string& text, int number) {
 }
 
 std::string eventPacket(const KnownEvent& event, const Words& words) {
-    std::vector<FieldValue> values;
+    std::string payload;
     for (std::size_t i = 0; i < event.fields.size(); ++i) {
-        values.push_back(valueOf(event.fields[i].type, words.at(i)));
+        payload += fieldOf(event.fields[i].type, words.at(i));
     }
-    return layOut(event, values);
+    return packetOf(event.opcode, payload);
 }
 
 std::string hostLine(const KnownEvent& event, const Words& words) {
@@ -131,47 +123,45 @@ std::string hostLine(const KnownEvent& event, const Words& words) {
     return line;
 }
 
-std::string appInstalledPacket(std::string_view instance, std::string_view package,
-                               std::string_view activity, std::string_view appLabel,
-                               std::int32_t versionCode, std::string_view versionName,
-                               std::string_view iconFilePath, unsigned char isUpdate) {
-    return layOut(
-        knownEvent("app-installed"),
-        {std::string(instance), std::string(package), std::string(activity), std::string(appLabel),
-         versionCode, std::string(versionName), std::string(iconFilePath), isUpdate});
+std::string appInstalledPacket(const std::string& instance, const std::string& package,
+                               const std::string& activity, const std::string& appLabel,
+                               std::int32_t versionCode, const std::string& versionName,
+                               const std::string& iconFilePath, unsigned char isUpdate) {
+    return packetNamed("app-installed",
+                       {instance, package, activity, appLabel, std::to_string(versionCode),
+                        versionName, iconFilePath, std::to_string(isUpdate)});
 }
 
-std::string appUninstalledPacket(std::string_view instance, std::string_view package) {
-    return layOut(knownEvent("app-uninstalled"), {std::string(instance), std::string(package)});
+std::string appUninstalledPacket(const std::string& instance, const std::string& package) {
+    return packetNamed("app-uninstalled", {instance, package});
 }
 
-std::string apkInstallCompletedPacket(std::string_view instance, std::int32_t status,
-                                      std::string_view apkFilePath) {
-    return layOut(knownEvent("apk-install-completed"),
-                  {std::string(instance), status, std::string(apkFilePath)});
+std::string apkInstallCompletedPacket(const std::string& instance, std::int32_t status,
+                                      const std::string& apkFilePath) {
+    return packetNamed("apk-install-completed", {instance, std::to_string(status), apkFilePath});
 }
 
-std::string instanceListUpdatedPacket() { return layOut(knownEvent("instance-list-updated"), {}); }
+std::string instanceListUpdatedPacket() { return packetNamed("instance-list-updated", {}); }
 
-std::string installImageProgressPacket(std::string_view imageName, std::int32_t status,
+std::string installImageProgressPacket(const std::string& imageName, std::int32_t status,
                                        double progress) {
-    return layOut(knownEvent("image-install-progress"), {std::string(imageName), status, progress});
+    return packetNamed("image-install-progress",
+                       {imageName, std::to_string(status), wordOf(progress)});
 }
 
-std::string createInstanceCompletedPacket(std::int32_t status, std::string_view instance) {
-    return layOut(knownEvent("create-instance-completed"), {status, std::string(instance)});
+std::string createInstanceCompletedPacket(std::int32_t status, const std::string& instance) {
+    return packetNamed("create-instance-completed", {std::to_string(status), instance});
 }
 
-std::string instanceConfigurationChangedPacket(std::string_view instance) {
-    return layOut(knownEvent("instance-configuration-changed"), {std::string(instance)});
+std::string instanceConfigurationChangedPacket(const std::string& instance) {
+    return packetNamed("instance-configuration-changed", {instance});
 }
 
-std::string appDisplayedPacket(std::string_view instance, std::string_view package) {
-    return layOut(knownEvent("app-displayed"), {std::string(instance), std::string(package)});
+std::string appDisplayedPacket(const std::string& instance, const std::string& package) {
+    return packetNamed("app-displayed", {instance, package});
 }
 
-std::string accountListUpdatedPacket(std::string_view instance, std::string_view emailId,
+std::string accountListUpdatedPacket(const std::string& instance, const std::string& emailId,
                                      std::int32_t action) {
-    return layOut(knownEvent("account-list-updated"),
-                  {std::string(instance), std::string(emailId), action});
+    return packetNamed("account-list-updated", {instance, emailId, std::to_string(action)});
 }

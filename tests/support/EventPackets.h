@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-// Events of the table in event_table.h, and packets as the product's programs send them, laid out
-// without the library's code.
+// The events of event_table.h, and their packets as the product's programs send them. Made without
+// the library's code.
 
 std::string bytesOf(std::uint32_t number);
 std::string bytesOf(std::int32_t number);
 std::string bytesOf(double number);
 
-// A text field: the count with the NUL, the bytes and the NUL.
+// A text field: the length with the NUL, the bytes, the NUL.
 std::string textField(std::string_view text);
 
 // A header with the true length, and the payload.
@@ -43,32 +43,32 @@ const KnownEvent& knownEvent(std::string_view name);
 constexpr std::uint32_t kFirstOpcode = 3000;
 std::uint32_t lastOpcode();
 
-// The values of an event's fields, as people write them: numbers, and 0 or 1 for a byte.
+// The values of an event's fields as text. A byte is 0 or 1.
 using Words = std::vector<std::string>;
 Words exampleOf(const KnownEvent& event);
 
-// Values of which each text is `text`, and each number is `number`.
+// The values of an event whose texts are all `text` and whose numbers are all `number`.
 Words wordsOf(const KnownEvent& event, const std::string& text, int number);
 
 std::string eventPacket(const KnownEvent& event, const Words& words);
 
-// What each host of the tests prints for an event: "appDisplayed Nougat64|com.example".
+// The line that the test hosts print for an event: "appDisplayed Nougat64|com.example".
 std::string hostLine(const KnownEvent& event, const Words& words);
 
-std::string appInstalledPacket(std::string_view instance, std::string_view package,
-                               std::string_view activity, std::string_view appLabel,
-                               std::int32_t versionCode, std::string_view versionName,
-                               std::string_view iconFilePath, unsigned char isUpdate);
-std::string appUninstalledPacket(std::string_view instance, std::string_view package);
-std::string apkInstallCompletedPacket(std::string_view instance, std::int32_t status,
-                                      std::string_view apkFilePath);
+std::string appInstalledPacket(const std::string& instance, const std::string& package,
+                               const std::string& activity, const std::string& appLabel,
+                               std::int32_t versionCode, const std::string& versionName,
+                               const std::string& iconFilePath, unsigned char isUpdate);
+std::string appUninstalledPacket(const std::string& instance, const std::string& package);
+std::string apkInstallCompletedPacket(const std::string& instance, std::int32_t status,
+                                      const std::string& apkFilePath);
 std::string instanceListUpdatedPacket();
-std::string installImageProgressPacket(std::string_view imageName, std::int32_t status,
+std::string installImageProgressPacket(const std::string& imageName, std::int32_t status,
                                        double progress);
-std::string createInstanceCompletedPacket(std::int32_t status, std::string_view instance);
-std::string instanceConfigurationChangedPacket(std::string_view instance);
-std::string appDisplayedPacket(std::string_view instance, std::string_view package);
-std::string accountListUpdatedPacket(std::string_view instance, std::string_view emailId,
+std::string createInstanceCompletedPacket(std::int32_t status, const std::string& instance);
+std::string instanceConfigurationChangedPacket(const std::string& instance);
+std::string appDisplayedPacket(const std::string& instance, const std::string& package);
+std::string accountListUpdatedPacket(const std::string& instance, const std::string& emailId,
                                      std::int32_t action);
 
 #endif

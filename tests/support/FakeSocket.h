@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-// Qt's own reading and buffering, over bytes in memory.
+// Qt's reading and buffering over bytes in memory.
 class FakeSocket : public QLocalSocket {
  public:
     FakeSocket() { setOpenMode(QIODevice::ReadWrite); }

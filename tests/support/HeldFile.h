@@ -6,9 +6,9 @@
 
 #include "support/Platform.h"
 
-// A file as a scanner or another program may have it: nobody else can open it (Nothing), open it
-// for anything but its deletion (Deletion), or move or delete it (ReadAndWrite), while it is held.
-// One that shares everything but its bytes can be opened; reading it fails.
+// Holds a file open as a scanner or another program may. Others cannot open it (Nothing), can only
+// delete it (Deletion), can neither move nor delete it (ReadAndWrite), or can open but not read it
+// (EverythingButItsBytes).
 class HeldFile {
  public:
     enum class Shares { Nothing, Deletion, ReadAndWrite, EverythingButItsBytes };
@@ -21,7 +21,7 @@ class HeldFile {
     bool isHeld() const { return handle_ != nullptr; }
     void release();
 
-    // Whether this system lets a program do so.
+    // Whether this system can hold files.
     static bool isPossible();
     static constexpr const char* kNeedsWindows =
         "needs Windows, where a program can hold a file against others";
@@ -30,7 +30,7 @@ class HeldFile {
     void* handle_ = nullptr;
 };
 
-// The same for a moment, while the test goes on.
+// Releases the file after a moment, while the test runs.
 class BrieflyHeldFile {
  public:
     explicit BrieflyHeldFile(const std::string& path,

@@ -20,7 +20,7 @@ DWORD shareMode(HeldFile::Shares shares) {
     return FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 }
 
-// Until the handle is closed.
+// The lock ends with the handle.
 bool lockBytes(HANDLE file) {
     OVERLAPPED from{};
     return ::LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, 0, &from) != FALSE;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// Texts in order: the lines of a log or of an output, names, packets.
+// Texts in order: log lines, output lines, names or packets.
 using Lines = std::vector<std::string>;
 
 #endif

@@ -9,7 +9,7 @@
 #include "support/Lines.h"
 #include "xpl/Xlog.h"
 
-// Takes every log line of this process, of every level, while it lives. One at a time.
+// Captures all log lines of this process, of every level. One object at a time.
 class LogCapture {
  public:
     LogCapture();
@@ -27,7 +27,7 @@ class LogCapture {
 
     std::vector<Line> lines() const;
 
-    // The messages as "E CONF message", in order, from this level up.
+    // The messages up to this level, as "E CONF message".
     Lines texts(std::int32_t upToLevel = XLOG_INFORMATION) const;
 
     void clear();
@@ -36,7 +36,7 @@ class LogCapture {
     XlogLogger previous_;
 };
 
-// Turns every level of this process off while it lives. One at a time.
+// Switches every log level of this process off. One object at a time.
 class LogOff {
  public:
     LogOff();
@@ -44,7 +44,7 @@ class LogOff {
     LogOff(const LogOff&) = delete;
     LogOff& operator=(const LogOff&) = delete;
 
-    // How many lines there would have been, and how many were printed all the same.
+    // How many lines were not logged because of it, and how many were printed nevertheless.
     int refused() const;
     int printed() const;
 
@@ -52,8 +52,8 @@ class LogOff {
     XlogLogger previous_;
 };
 
-// The messages of a log file's text as "E CONF Helper_bridge message"; a line that has no header
-// stands as it is.
+// The messages of a log file's text as "E CONF Helper_bridge message". A line without a header
+// stays as it is.
 Lines logMessages(std::string_view text);
 
 #endif

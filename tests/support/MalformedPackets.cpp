@@ -9,7 +9,7 @@
 
 namespace {
 
-// Null for an opcode that no event has.
+// Null for an unknown opcode.
 const KnownEvent* findEvent(std::uint32_t opcode) {
     for (const KnownEvent& event : knownEvents()) {
         if (event.opcode == opcode) return &event;
@@ -17,13 +17,13 @@ const KnownEvent* findEvent(std::uint32_t opcode) {
     return nullptr;
 }
 
-std::string fieldOf(char type, std::size_t place) {
-    const std::string text = "text" + std::to_string(place);
+std::string fieldOf(char type, std::size_t offset) {
+    const std::string text = "text" + std::to_string(offset);
     switch (type) {
         case 't':
             return textField(text);
         case 'i':
-            return bytesOf(static_cast<std::int32_t>(place) + 10);
+            return bytesOf(static_cast<std::int32_t>(offset) + 10);
         case 'd':
             return bytesOf(62.5);
         default:
@@ -39,7 +39,8 @@ std::optional<Number> numberAt(const std::string& packet, std::size_t at) {
     return number;
 }
 
-// Moves behind a field and gives it as a call shows it; nothing when it is not inside.
+// Reads a field as a call shows it and moves `at` after it. Nothing if the field exceeds the
+// packet.
 std::optional<std::string> take(const std::string& packet, char type, std::size_t& at) {
     if (type == 'b') {
         const auto byte = numberAt<unsigned char>(packet, at);

@@ -8,16 +8,16 @@
 
 // Event packets made from the table of their fields, most of them malformed.
 
-// A valid packet of an event, its texts and numbers told apart by their place.
+// A valid packet of an event. Each text and number has its offset in it.
 std::string validPacket(const KnownEvent& event);
 
-// Hundreds: each count of each text too small, too large and at the ends of 32 bits; texts without
-// a NUL; each truncation; bytes behind the last field; opcodes that no event has. Those shorter
-// than a header cannot travel, and come last.
+// Hundreds of packets: the lengths of texts too small, too large and at the limits of 32 bits;
+// texts without a NUL; every truncation; bytes after the last field; unknown opcodes. Last come
+// those that are shorter than a header, which cannot be sent.
 std::vector<std::string> malformedPackets();
 
-// What a reader that is written without the library makes of a packet: the host's calls, as
-// HostCalls.h writes them, or the one error line.
+// A packet as read without the library: the host's calls, as HostCalls.h writes them, or the error
+// line.
 struct Reading {
     std::vector<std::string> calls;
     std::string error;

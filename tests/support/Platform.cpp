@@ -1,4 +1,3 @@
-// What the C++ library knows of the system.
 #include "support/Platform.h"
 
 #include <system_error>

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-// What tests ask of the system that they run on.
+// What tests need from the system.
 
 int ownProcessId();
 
@@ -15,25 +15,25 @@ inline void sleepMs(int milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
-// Path of this test program, and its arguments as UTF-8, which argv need not be.
+// Path of this test program, and its arguments as UTF-8 (argv need not be).
 std::string ownProgram();
 std::vector<std::string> utf8Arguments(int argc, char** argv);
 
-// Lets a process that breaks end at once, without a dialog. Its children inherit this.
+// Makes a fatal break end the process without a dialog. Children inherit this.
 void breakQuietly();
 
-// A path of the product, "C:\Data\file", as the C++ library takes it, and back.
+// Converts a path of the product ("C:\Data\file") to the C++ library's form, and back.
 std::filesystem::path systemPath(const std::string& path);
 std::string productPath(const std::filesystem::path& path);
 
-// The same for paths of any length, some of which the system's usual form cannot express.
+// The same for paths of any length.
 std::filesystem::path longSystemPath(const std::string& path);
 
-// How often a local socket of Qt's tells that it is about to close: where it has another socket
-// inside, that one tells it too.
+// How often a QLocalSocket emits aboutToClose(): twice where it wraps another socket, which emits
+// it too.
 int closeSignals();
 
-// Goes to a folder, and back when it goes out of scope.
+// Changes the current folder for its scope.
 class InFolder {
  public:
     explicit InFolder(const std::string& path);

@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-// The product's real key in the registry of this machine (under Wine: of this prefix), for programs
-// that cannot be given a registry of their own. Shared by everything that runs at the same time: a
-// test binary that uses it runs alone. Removed at the end.
+// The product's real registry key of this machine (under Wine: of this prefix), for programs that
+// cannot have their own registry. All processes share it, so a test binary that uses it runs alone.
+// The destructor removes the key.
 class ProductRegistry {
  public:
     ProductRegistry() = default;

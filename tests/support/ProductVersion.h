@@ -1,7 +1,7 @@
 #ifndef TESTS_SUPPORT_PRODUCTVERSION_H
 #define TESTS_SUPPORT_PRODUCTVERSION_H
 
-// The version that the tests expect of the library and give to the product.
+// The version of the library, and of the product in the tests.
 constexpr char kProductVersion[] = "5.2.0.1052";
 
 #endif

@@ -3,17 +3,17 @@
 
 #include <functional>
 
-// How much of a proof is run: the short form, or with BRIDGE_PROOF=full in the environment the long
-// one, which takes minutes to hours and is for `./run soak`. BRIDGE_PROOF=20 is so many percent of
-// the way from the one to the other.
+// The size of a proof: the short form, or with BRIDGE_PROOF=full in the environment the long form,
+// which takes minutes to hours (`./run soak`). BRIDGE_PROOF=20 is 20 percent of the way from short
+// to long.
 int proofSize(int shortForm, int fullForm);
 
-// The same for that value of BRIDGE_PROOF; null where it is not set.
+// The same for a value of BRIDGE_PROOF. Null: it is not set.
 int proofSizeFor(const char* proof, int shortForm, int fullForm);
 
-// Plays GROWTH_BATCHES batches of so many rounds, and expects that a round leaves nothing behind:
-// less than this many bytes on the heaps, and no handle (support/growth.h). What is taken once is
-// to be taken before, in rounds of the test's own.
+// Plays GROWTH_BATCHES batches, each of `rounds` rounds. Expects that a round leaks no handle and
+// fewer than this many bytes (support/growth.h). Play a few rounds before, for what is allocated
+// only once.
 void expectNoGrowth(int rounds, double bytesOfARound, const std::function<void()>& play);
 
 #endif

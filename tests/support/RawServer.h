@@ -8,7 +8,7 @@
 #include <string_view>
 #include <thread>
 
-// One end of a named pipe, over the system calls themselves.
+// One end of a named pipe.
 class RawPipe {
  public:
     explicit RawPipe(void* handle) : handle_(handle) {}
@@ -27,8 +27,8 @@ class RawPipe {
     void* handle_;
 };
 
-// A server for local sockets that shares no code with the library. It serves its connections one
-// after another, on a thread of its own, with the function given.
+// A server for local sockets that shares no code with the library. Its own thread serves the
+// connections one after another with the given function.
 class RawServer {
  public:
     using Serve = std::function<void(RawPipe& pipe)>;
@@ -53,7 +53,7 @@ class RawServer {
     std::thread thread_;
 };
 
-// A server that goes away as soon as a client has come, without having taken it.
+// A server that closes as soon as a client arrives, without accepting it.
 class LeavingServer {
  public:
     explicit LeavingServer(const std::string& name);
@@ -61,7 +61,7 @@ class LeavingServer {
     LeavingServer(const LeavingServer&) = delete;
     LeavingServer& operator=(const LeavingServer&) = delete;
 
-    // Whether a client had come.
+    // Whether a client arrived.
     bool met() const { return met_; }
 
  private:
@@ -70,10 +70,10 @@ class LeavingServer {
     std::thread thread_;
 };
 
-// Connects to a server as a client; null when there is none, or none that is free.
+// Connects to a server as a client. Null if there is no server, or no free instance.
 void* connectRaw(const std::string& name);
 
-// The same, but waits some seconds for a server that has not begun or has no instance free.
+// The same, but waits some seconds for a free instance.
 void* connectWhenFree(const std::string& name);
 
 #endif

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A client may have written and gone before this call: its bytes are still there.
+// A client may have written and closed before this call. Its bytes can still be read.
 bool waitForClient(void* pipe) {
     if (::ConnectNamedPipe(pipe, nullptr)) return true;
     const DWORD error = ::GetLastError();
@@ -53,7 +53,7 @@ RawServer::RawServer(const std::string& name, Serve serve, std::size_t bufferSiz
     : path_(pipePath(name)),
       serve_(std::move(serve)),
       bufferSize_(static_cast<unsigned long>(bufferSize)) {
-    void* const first = listen();  // before the constructor ends, so that clients find it
+    void* const first = listen();  // before the constructor returns, so that clients find it
     thread_ = std::thread([this, first] {
         run(first);
         ended_ = true;
@@ -64,7 +64,7 @@ RawServer::~RawServer() {
     stop_ = true;
     const HANDLE wake =
         ::CreateFileW(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    // A client that outlives the server would keep it reading.
+    // A client that stays connected would keep the server reading.
     const HANDLE thread = reinterpret_cast<HANDLE>(thread_.native_handle());
     while (!ended_ && ::WaitForSingleObject(thread, 20) == WAIT_TIMEOUT) {
         ::CancelSynchronousIo(thread);
@@ -99,7 +99,7 @@ LeavingServer::LeavingServer(const std::string& name) {
                                            PIPE_TYPE_BYTE, 1, 65536, 65536, 0, nullptr);
     if (pipe == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot create the pipe");
     thread_ = std::thread([this, pipe] {
-        // A pipe that waits for its client cannot be looked into.
+        // Peeking fails until a client connects.
         while (!stop_ && !(met_ = ::PeekNamedPipe(pipe, nullptr, 0, nullptr, nullptr, nullptr))) {
             ::Sleep(1);
         }

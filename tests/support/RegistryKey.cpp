@@ -4,8 +4,8 @@
 #include <string>
 
 HKEY createRegistryKey(HKEY root, const wchar_t* path) {
-    // Volatile, as those of the other languages' hosts are: one of these hosts may have made the
-    // folder of all of them, and no lasting key can be in a volatile one.
+    // Volatile, as the keys of the other languages' hosts: one of these may have created the parent
+    // key, and a volatile key has no lasting subkeys.
     HKEY key = nullptr;
     if (::RegCreateKeyExW(root, path, 0, nullptr, REG_OPTION_VOLATILE,
                           KEY_ALL_ACCESS | KEY_WOW64_64KEY, nullptr, &key,

@@ -2,7 +2,7 @@
 
 #include "support/Platform.h"
 
-// With forward slashes: a child's own start-up keeps doubled backslashes as they are.
+// With slashes, since a child's start-up keeps doubled backslashes.
 std::string SignsOfLife::next() {
     std::string path = folder_ / std::to_string(++children_);
     for (char& c : path) c = c == '\\' ? '/' : c;

@@ -6,15 +6,14 @@
 
 #include "support/TempFolder.h"
 
-// Lets a test wait until the children that the library started are really running. Killing a child
-// earlier leaves a Wine console process behind, which never ends and keeps the test program's
-// output open.
+// Waits until the children that the library started are running. Killing one earlier leaves a Wine
+// console process that never ends and keeps the test program's output open.
 class SignsOfLife {
  public:
-    // For one more child, which is to hand it to leaveSignOfLife().
+    // The argument of leaveSignOfLife() for one more child.
     std::string next();
 
-    // Waits, for a minute at most. False if a child has left no sign.
+    // Waits up to a minute. False if a child has left no sign.
     bool allArrived() const;
 
  private:

@@ -12,16 +12,15 @@
 
 constexpr int kSomeLines = -1;  // one or more
 
-// A call whose lines are switched off.
+// A call with the log switched off.
 struct SilentCall {
     const char* what;
     int result;
-    int lines;  // that there would have been
+    int lines;  // that were not logged
     std::function<int()> call;
 };
 
-// Plays the calls one after the other, each with every level off: the results are the same, and
-// not a line is printed.
+// Makes the calls in order with every level off. They return their results and print nothing.
 inline void expectSilence(const std::vector<SilentCall>& calls) {
     for (const SilentCall& each : calls) {
         SCOPED_TRACE(each.what);
@@ -33,7 +32,7 @@ inline void expectSilence(const std::vector<SilentCall>& calls) {
     }
 }
 
-// A subprocess that switches its lines off ends with a fatal break, and says nothing.
+// A subprocess that switches its log off ends with a fatal break and prints nothing.
 inline void expectSilentBreak(const std::string& subprocess,
                               const SubprocessArguments& arguments = {}) {
     const ChildResult result = runSubprocess(subprocess, arguments);

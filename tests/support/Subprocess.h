@@ -6,8 +6,8 @@
 
 #include "support/ChildProcess.h"
 
-// A piece of a test that runs in a process of its own: for what is fatal, and for what is kept once
-// per process. The test binary starts itself again with the subprocess's name.
+// A part of a test in its own process, for fatal calls and for state that a process keeps. The test
+// binary starts itself again with the subprocess's name.
 //
 //     SUBPROCESS(readsUnknownKey) { ...; return 0; }
 //     TEST(...) { EXPECT_EQ(runSubprocess("readsUnknownKey").status, kFatalStatus); }
@@ -28,7 +28,7 @@ ChildResult runSubprocess(const std::string& name, const SubprocessArguments& ar
 ChildProcess startSubprocess(const std::string& name, const SubprocessArguments& arguments = {},
                              const ChildOptions& options = {});
 
-// What a subprocess that ends well prints, with plain line feeds.
+// The output of a subprocess that must succeed, without carriage returns.
 std::string subprocessOutput(const std::string& name, const SubprocessArguments& arguments = {});
 
 #endif

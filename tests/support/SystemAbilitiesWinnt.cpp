@@ -21,8 +21,7 @@ void append(HANDLE file) {
     }
 }
 
-// Whether writes of several threads are all in a file. Two that go to the same place leave it
-// shorter.
+// Whether the writes of several threads are all in a file. Two at the same offset leave it shorter.
 bool allWritesArrive(const std::wstring& path) {
     const HANDLE file =
         ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -38,7 +37,7 @@ bool allWritesArrive(const std::wstring& path) {
 
 }  // namespace
 
-// One round in ten loses nothing where appending is not atomic.
+// Where appending is not atomic, one round in ten still loses nothing.
 bool appendsAreAtomic() {
     constexpr int kRounds = 40;
     const TempFolder folder;

@@ -1,7 +1,7 @@
 #ifndef TESTS_SYSTEMCHILD_H
 #define TESTS_SYSTEMCHILD_H
 
-// What ChildProcess needs of the system.
+// The system's part of ChildProcess.
 
 #include <chrono>
 #include <cstdint>
@@ -19,7 +19,7 @@ class ChildPipe {
     ChildPipe(const ChildPipe&) = delete;
     ChildPipe& operator=(const ChildPipe&) = delete;
 
-    // Appends what arrives; false at the end of the pipe, or when nothing is read from it any more.
+    // Appends what arrives. False at the end of the pipe and after closeRead().
     bool readMore(std::string& text) const;
 
     void closeRead();
@@ -31,7 +31,7 @@ class ChildPipe {
     std::intptr_t write_;
 };
 
-// A process that has been started. The object's end is the process's too.
+// A started process. The destructor kills it.
 class SystemChild {
  public:
     SystemChild(const std::string& program, const std::vector<std::string>& arguments,
@@ -43,7 +43,7 @@ class SystemChild {
     // Whether it ended within the limit.
     bool waitFor(std::chrono::seconds limit);
 
-    // Does nothing to one that has ended.
+    // Does nothing after its end.
     void kill();
 
     // Waits for its end.

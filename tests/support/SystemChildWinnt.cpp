@@ -10,7 +10,7 @@
 
 namespace {
 
-// The C runtime's rule, which the test programs' own start-up undoes.
+// The C runtime's rule, which the test programs' start-up undoes.
 std::wstring quoted(const std::string& argument) {
     std::wstring text = L"\"";
     std::size_t backslashes = 0;
@@ -36,7 +36,7 @@ std::optional<std::wstring> environmentValue(const std::wstring& name) {
     return std::wstring(value, length);
 }
 
-// Values that CreateProcess inherits from this process while the object lives.
+// Sets values in this process, so that CreateProcess inherits them. The destructor restores them.
 class ScopedEnvironment {
  public:
     explicit ScopedEnvironment(const ChildOptions& options) {
@@ -46,7 +46,7 @@ class ScopedEnvironment {
             ::SetEnvironmentVariableW(wideName.c_str(), wideForTests(value).c_str());
         }
     }
-    // Backwards, since a name may have been set twice.
+    // In reverse order, since a name may be set twice.
     ~ScopedEnvironment() {
         for (auto entry = before_.rbegin(); entry != before_.rend(); ++entry) {
             const auto& [name, value] = *entry;

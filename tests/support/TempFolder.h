@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// A folder of the test's own, removed with everything in it. Paths are UTF-8 with "\".
+// A temporary folder. The destructor removes it with its content. Paths are UTF-8 with "\".
 class TempFolder {
  public:
     TempFolder();
@@ -17,14 +17,14 @@ class TempFolder {
     const std::string& path() const { return path_; }
     std::string operator/(std::string_view name) const;
 
-    // Plain bytes, with the C++ library and not with the file module that is under test. A write
-    // makes the folders that are missing.
+    // Bytes, through the C++ library instead of the file module under test. write() creates missing
+    // folders and returns the path.
     std::string write(std::string_view name, std::string_view content) const;
     std::string read(std::string_view name) const;
     bool has(std::string_view name) const;
     std::string makeFolder(std::string_view name) const;
 
-    // Names of everything directly inside, sorted.
+    // The names of its direct entries, sorted.
     std::vector<std::string> list() const;
 
  private:

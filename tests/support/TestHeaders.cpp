@@ -1,1 +1,1 @@
-// Carries the precompiled headers of the tests.
+// The object of the tests' precompiled header.

@@ -1,8 +1,8 @@
 #ifndef TESTS_TESTHEADERS_H
 #define TESTS_TESTHEADERS_H
 
-// What tests use of GoogleTest and of the standard library, compiled once for all of them. A test
-// and its fixture include this, and of the standard library only what is missing here.
+// The precompiled headers of the tests. A test and its fixture include this, and further standard
+// headers only if they are missing here.
 #include <gtest/gtest.h>
 
 #include <algorithm>

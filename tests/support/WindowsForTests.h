@@ -1,7 +1,7 @@
 #ifndef TESTS_WINDOWSFORTESTS_H
 #define TESTS_WINDOWSFORTESTS_H
 
-// <windows.h> for tests that look at the system itself.
+// <windows.h> for tests that call the system directly.
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif

@@ -1,6 +1,6 @@
 /*
- * Every event as the tests know it, for C and C++; nothing here is taken from the library. In the
- * order of the slots, with BETWEEN between them:
+ * Every event, for C and C++, without the library's code. In the order of the slots, separated by
+ * BETWEEN:
  *
  *     EVENT(opcode, callback type, slot, printed, name)
  *

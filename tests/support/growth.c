@@ -4,7 +4,7 @@
 
 #include "process_figures.h"
 
-/* Threads and connections that have ended need a moment to be cleaned up. */
+/* The clean-up of ended threads and connections takes a moment. */
 static void settle(long handles, long long bytes) {
     enum { LONGEST = 200, UNCHANGED = 5 };
     long long now = heapBytes();

@@ -1,4 +1,4 @@
-// Entry of every test binary: its tests, or one of its subprocesses.
+// The entry point of every test binary: runs its tests, or one of its subprocesses.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -37,8 +37,7 @@ int callSubprocess(const std::vector<std::string>& arguments) {
     return found->second({arguments.begin() + 3, arguments.end()});
 }
 
-// Parts of one program that run at the same time each write a report of their own
-// (./run debian13 --tests).
+// Concurrent shards of a program write separate reports (./run debian13 --tests).
 void reportBesideOthers() {
     const char* folder = std::getenv("QX_TEST_REPORTS");
     const char* entry = std::getenv("QX_TEST_ENTRY");
@@ -46,8 +45,7 @@ void reportBesideOthers() {
     ::testing::GTEST_FLAG(output) = std::string("xml:") + folder + entry + ".xml";
 }
 
-// Names the test that runs and runs, on standard error: what ends a program that hangs does not
-// tell.
+// Names a slow test on standard error, since a program that hangs is killed without a message.
 class SlowTestNotice : public ::testing::EmptyTestEventListener {
  public:
     SlowTestNotice() : watcher_([this] { watch(); }) {}

@@ -6,25 +6,25 @@ extern "C" {
 #endif
 
 /*
- * How many handles this process has. Read from the system's table of all handles, since
- * GetProcessHandleCount answers 0 under Wine.
+ * The number of handles of this process, from the system's table of all handles, since
+ * GetProcessHandleCount returns 0 under Wine.
  */
 long openHandles(void);
 
 /*
- * What may be taken meanwhile once and for good, whatever the test does: Qt has 16 events for its
- * mutexes from when two threads first meet at one, and a worker thread of the system has a few. A
- * leak is looked for over many more rounds than this.
+ * Handles that are allocated once during any test: Qt creates 16 events for its mutexes when two
+ * threads first contend for one, and a worker thread of the system has a few. Tests for leaks play
+ * many more rounds than this.
  */
 enum { HANDLES_OF_THE_SYSTEM = 20 };
 
 /*
- * Bytes in use on this process's heaps. The counters of private memory do not serve: one is 0 under
- * Wine, and the others move with the system's own worker threads.
+ * Bytes in use on this process's heaps. The counters of private memory cannot be used: one is 0
+ * under Wine, and the others change with the system's worker threads.
  */
 long long heapBytes(void);
 
-/* Some milliseconds. */
+/* Waits a few milliseconds. */
 void waitBriefly(void);
 
 #ifdef __cplusplus

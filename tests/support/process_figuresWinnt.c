@@ -7,7 +7,7 @@
 /* Last: it needs <windows.h>. */
 #include <winternl.h>
 
-/* The system's extended table: documented nowhere, and the same since Windows XP. */
+/* The system's extended table. It is undocumented, and unchanged since Windows XP. */
 enum { EXTENDED_HANDLE_INFORMATION = 64 };
 
 typedef struct {
@@ -28,10 +28,10 @@ typedef struct {
 } Table;
 
 /*
- * The library that windows are drawn with takes 6 handles and 97 KB. The system loads it when some
- * window first needs it, which is at any time or never: so it is loaded before the first figure.
+ * The system's theme library has 6 handles and 97 KB. The system may load it at any time, so it is
+ * loaded before the first figure.
  */
-static void loadWhatComesAtAnyTime(void) {
+static void loadThemeLibrary(void) {
     static HMODULE loaded;
     if (loaded == NULL) loaded = LoadLibraryW(L"uxtheme.dll");
 }
@@ -54,7 +54,7 @@ long openHandles(void) {
     Table* table;
     long found = 0;
     ULONG_PTR i;
-    loadWhatComesAtAnyTime();
+    loadThemeLibrary();
     table = readTable();
     if (table == NULL) abort();
     for (i = 0; i < table->count; ++i) found += table->entries[i].process == self;
@@ -79,7 +79,7 @@ long long heapBytes(void) {
     DWORD count;
     long long bytes = 0;
     DWORD i;
-    loadWhatComesAtAnyTime();
+    loadThemeLibrary();
     count = GetProcessHeaps(64, heaps);
     if (count == 0 || count > 64) abort();
     for (i = 0; i < count; ++i) bytes += busyBytes(heaps[i]);

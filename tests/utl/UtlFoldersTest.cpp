@@ -1,4 +1,5 @@
 #include "support/FatalBreak.h"
+#include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
 #include "support/TestHeaders.h"
@@ -10,7 +11,7 @@ const std::string kNotAbsolute =
     "E   utlInstallDir: Failed to initialize installDir properly: Got ";
 const std::string kBreak = logged::fatalBreak("", "Source/utl/Utl");
 
-// The folders as a name for each function that tests call.
+// The functions, by the names that the tests pass to the subprocess.
 const std::map<std::string, std::function<std::string()>> kFolders{
     {"data", utlGetDataDir},
     {"logs", utlLogsDir},
@@ -24,16 +25,19 @@ const std::map<std::string, std::function<std::string()>> kFolders{
 
 }  // namespace
 
-// Prints folders, given their names and, as "Name=Value", values of the registry. In a process of
-// its own, since the folders are read once per process.
+// Prints folders by their names. "Name=Value" sets a value of the registry, and "silent" switches
+// the log off. In its own process, since the folders are read once per process.
 SUBPROCESS(printsFolders) {
     RegistrySandbox registry;
+    std::optional<LogOff> off;
     for (const std::string& argument : arguments) {
         const std::size_t equals = argument.find('=');
-        if (equals == std::string::npos) {
-            std::printf("%s\n", kFolders.at(argument)().c_str());
-        } else {
+        if (argument == "silent") {
+            off.emplace();
+        } else if (equals != std::string::npos) {
             registry.set(argument.substr(0, equals), argument.substr(equals + 1));
+        } else {
+            std::printf("%s\n", kFolders.at(argument)().c_str());
         }
     }
     return 0;

@@ -17,6 +17,8 @@ TEST(UtlImages, BothImagesHaveTheirTraits) {
 }
 
 SUBPROCESS(looksUpImage) {
+    std::optional<LogOff> off;
+    if (arguments.back() == "silent") off.emplace();
     utlGetImageTrait(arguments[0]);
     return 0;
 }

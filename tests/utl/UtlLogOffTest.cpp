@@ -4,7 +4,6 @@
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "utl/UtlCopy.h"
-#include "utl/UtlFolders.h"
 #include "utl/UtlImages.h"
 #include "utl/UtlProcess.h"
 #include "utl/UtlProcessCalls.h"
@@ -51,18 +50,8 @@ SUBPROCESS(trimsInSilence) {
 
 TEST(UtlLogOffTest, ATrim) { EXPECT_EQ(runSubprocess("trimsInSilence").status, 0u); }
 
-SUBPROCESS(breaksInSilence) {
-    RegistrySandbox registry;
-    if (arguments[0] == "relative") registry.set("InstallDir", "Apps");
-    const LogOff off;
-    if (arguments[0] == "missing") utlGetInstallDir();
-    if (arguments[0] == "relative") utlInstallDir();
-    if (arguments[0] == "image") utlGetImageTrait("Nougat16");
-    return 0;
-}
-
 TEST(UtlLogOffTest, WhatIsFatalIsFatalInSilence) {
-    for (const char* what : {"missing", "relative", "image"}) {
-        expectSilentBreak("breaksInSilence", {what});
-    }
+    expectSilentBreak("printsFolders", {"silent", "install"});
+    expectSilentBreak("printsFolders", {"silent", "InstallDir=Apps", "wide install"});
+    expectSilentBreak("looksUpImage", {"Nougat16", "silent"});
 }

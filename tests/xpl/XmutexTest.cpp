@@ -31,12 +31,18 @@ bool isFreeForOthers(XmutexNamed& mutex) {
     return acquired;
 }
 
-// Logs to standard output, with functions.
-bool showLog() {
-    const bool hasLog = xlogLibInit(nullptr, "") == 0;
-    xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
-    return hasLog;
-}
+// The log of a subprocess: on standard output with functions, or off.
+class ChildLog {
+ public:
+    explicit ChildLog(const SubprocessArguments& arguments) {
+        EXPECT_EQ(xlogLibInit(nullptr, ""), 0);
+        xlogSetDisplay(/*showFile=*/false, /*showFunction=*/true, /*showLine=*/false);
+        if (!arguments.empty() && arguments.back() == "silent") off_.emplace();
+    }
+
+ private:
+    std::optional<LogOff> off_;
+};
 
 // The lines of a fatal break in a function of the mutex.
 Lines brokenIn(const std::string& function, const std::string& error) {
@@ -144,7 +150,7 @@ TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
 }
 
 SUBPROCESS(locksUninitialised) {
-    if (!showLog()) return 1;
+    const ChildLog log(arguments);
     XmutexNamed mutex;
     mutex.lock();
     mutex.unlock();
@@ -157,7 +163,7 @@ TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
 }
 
 SUBPROCESS(unlocksUnowned) {
-    if (!showLog()) return 1;
+    const ChildLog log(arguments);
     XmutexNamed mutex;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.unlock();

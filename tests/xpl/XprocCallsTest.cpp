@@ -22,7 +22,7 @@ namespace {
 using Failure = std::optional<unsigned long>;
 constexpr Failure kSuccess;
 
-// Replaces the two system calls while it lives and keeps what they were given.
+// Replaces the two system calls and keeps their arguments.
 class FakeCalls {
  public:
     FakeCalls(Failure createFailure, Failure runAsFailure) : real_(xprocCalls()) {
@@ -35,7 +35,7 @@ class FakeCalls {
     FakeCalls(const FakeCalls&) = delete;
     FakeCalls& operator=(const FakeCalls&) = delete;
 
-    static Lines seen;
+    static inline Lines seen;
 
  private:
     static bool create(std::wstring& commandLine, XprocPtr& process, unsigned long& error) {
@@ -52,14 +52,10 @@ class FakeCalls {
         return !runAsResult;
     }
 
-    static Failure createResult;
-    static Failure runAsResult;
+    static inline Failure createResult;
+    static inline Failure runAsResult;
     XprocCalls real_;
 };
-
-Lines FakeCalls::seen;
-Failure FakeCalls::createResult;
-Failure FakeCalls::runAsResult;
 
 constexpr const char* kBeyondAscii = "é 日本 \xF0\x9F\x8E\xAE";
 

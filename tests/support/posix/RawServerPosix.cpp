@@ -1,4 +1,4 @@
-// Local sockets where they are files: in the folder for temporary ones, where Qt has them.
+// Local sockets as files in the temporary folder, where Qt creates them.
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -18,7 +18,7 @@
 
 namespace {
 
-// Handles are descriptors moved up by one, since null is none.
+// A handle is the descriptor plus one, since null means none.
 int descriptorOf(void* handle) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(handle)) - 1;
 }
@@ -56,7 +56,7 @@ int listeningSocket(const std::string& path) {
     return descriptor;
 }
 
-// Breaks off a system call of the thread that gets it.
+// Interrupts a system call of the thread that receives it.
 constexpr int kInterrupt = SIGUSR1;
 
 void letCallsBeInterrupted() {
