@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,17 +27,21 @@ std::string programOnPath(const std::string& name);
 
 using Variables = std::vector<std::pair<std::string, std::string>>;
 
-// Variables of this process's environment, and so of the programs that it starts, while the object
-// lives. None of them has a value before.
+// Sets variables of this process's environment, which the programs that it starts inherit. The
+// destructor restores them.
 class ScopedVariables {
  public:
-    explicit ScopedVariables(Variables variables);
+    explicit ScopedVariables(const Variables& variables);
     ~ScopedVariables();
     ScopedVariables(const ScopedVariables&) = delete;
     ScopedVariables& operator=(const ScopedVariables&) = delete;
 
  private:
-    Variables variables_;
+    struct Earlier {
+        std::wstring name;
+        std::optional<std::wstring> value;
+    };
+    std::vector<Earlier> earlier_;
 };
 
 // Ends what runs, and lets nothing start any more: for Ctrl-C.

@@ -1,6 +1,6 @@
 #include <cstddef>
 #include <memory>
-#include <utility>
+#include <optional>
 
 #include "Process.h"
 #include "xpl/Xtext.h"
@@ -93,6 +93,15 @@ void waitForEnd(HANDLE process, int seconds, ProcessRun& run) {
     run.status = status;
 }
 
+std::optional<std::wstring> variableOf(const std::wstring& name) {
+    std::wstring value(32768, L'\0');
+    ::SetLastError(ERROR_SUCCESS);
+    value.resize(
+        ::GetEnvironmentVariableW(name.c_str(), value.data(), static_cast<DWORD>(value.size())));
+    if (value.empty() && ::GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
+    return value;
+}
+
 }  // namespace
 
 ProcessRun runProcess(const std::vector<std::string>& command, const fs::path& folder,
@@ -127,15 +136,18 @@ std::string programOnPath(const std::string& name) {
     return xtextToUtf8(found);
 }
 
-ScopedVariables::ScopedVariables(Variables variables) : variables_(std::move(variables)) {
-    for (const auto& [name, value] : variables_) {
-        ::SetEnvironmentVariableW(wideOf(name).c_str(), wideOf(value).c_str());
+ScopedVariables::ScopedVariables(const Variables& variables) {
+    for (const auto& [name, value] : variables) {
+        const std::wstring wideName = wideOf(name);
+        earlier_.push_back({wideName, variableOf(wideName)});
+        ::SetEnvironmentVariableW(wideName.c_str(), wideOf(value).c_str());
     }
 }
 
 ScopedVariables::~ScopedVariables() {
-    for (const auto& [name, value] : variables_) {
-        ::SetEnvironmentVariableW(wideOf(name).c_str(), nullptr);
+    for (const Earlier& earlier : earlier_) {
+        ::SetEnvironmentVariableW(earlier.name.c_str(),
+                                  earlier.value ? earlier.value->c_str() : nullptr);
     }
 }
 

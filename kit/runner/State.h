@@ -5,16 +5,14 @@
 
 #include "Snapshot.h"
 
-// What a run could change, as it is now: the product's key and the tests' own in the registry, the
-// handlers of crashes there, the files of the kit, and the folders where programs leave what is
-// temporary.
+// The state that a run can change: in the registry the product's key, the keys of tests and
+// bindings and the crash handlers; the kit's files; and the folders of temporary files.
 Snapshot stateNow(const std::filesystem::path& kit, const std::filesystem::path& temporary);
 
-// The reports that Windows itself keeps of processes that ended with an error. They are its own,
-// and stay.
+// Windows' own reports on processes that ended with an error, which the kit does not remove.
 Snapshot errorReportsNow();
 
-// Removes the tests' keys below HKEY_CURRENT_USER: all of them, or those that `before` lacks.
+// Removes the keys of tests and bindings below HKEY_CURRENT_USER that `before` does not have.
 void removeTestKeys(const Snapshot& before);
 
 #endif

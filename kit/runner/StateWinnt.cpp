@@ -15,7 +15,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const wchar_t* kTestKey = L"Software\\QXBridgeTests";
+// Below HKEY_CURRENT_USER: those of the tests, and those in which the bindings keep a host's
+// folders.
+constexpr const wchar_t* kTestKeys[] = {L"Software\\QXBridgeTests", L"Software\\QX-Bridge"};
 constexpr const wchar_t* kProductKey = L"SOFTWARE\\Vantrel_nvo";
 constexpr const wchar_t* kCrashHandlers =
     L"SOFTWARE\\Microsoft\\Windows\\Windows Error Reporting\\RuntimeExceptionHelperModules";
@@ -107,11 +109,30 @@ fs::path environmentFolder(const wchar_t* name) {
     return {std::wstring(value, length < 32768 ? length : 0)};
 }
 
+// Removes a key below HKEY_CURRENT_USER, or the subkeys of it that are new.
+void removeNewKeys(const wchar_t* path, const Snapshot& before) {
+    const std::string shown = "HKEY_CURRENT_USER\\" + xtextToUtf8(path);
+    if (before.find(shown) == before.end()) {
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, path);
+        return;
+    }
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
+    for (const std::wstring& subkey : subkeysOf(key)) {
+        if (before.find(shown + "\\" + xtextToUtf8(subkey)) == before.end()) {
+            ::RegDeleteTreeW(key, subkey.c_str());
+        }
+    }
+    ::RegCloseKey(key);
+}
+
 }  // namespace
 
 Snapshot stateNow(const fs::path& kit, const fs::path& temporary) {
     Snapshot snapshot;
-    addKey(HKEY_CURRENT_USER, kTestKey, 0, "HKEY_CURRENT_USER\\", snapshot);
+    for (const wchar_t* path : kTestKeys) {
+        addKey(HKEY_CURRENT_USER, path, 0, "HKEY_CURRENT_USER\\", snapshot);
+    }
     addKey(HKEY_CURRENT_USER, kCrashHandlers, 0, "HKEY_CURRENT_USER\\", snapshot);
     for (const wchar_t* path : {kProductKey, kCrashHandlers}) {
         addKey(HKEY_LOCAL_MACHINE, path, KEY_WOW64_64KEY, "HKEY_LOCAL_MACHINE (64)\\", snapshot);
@@ -136,18 +157,5 @@ Snapshot errorReportsNow() {
 }
 
 void removeTestKeys(const Snapshot& before) {
-    const std::string shown = "HKEY_CURRENT_USER\\" + xtextToUtf8(kTestKey);
-    if (before.find(shown) == before.end()) {
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, kTestKey);
-        return;
-    }
-    HKEY key = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kTestKey, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS)
-        return;
-    for (const std::wstring& subkey : subkeysOf(key)) {
-        if (before.find(shown + "\\" + xtextToUtf8(subkey)) == before.end()) {
-            ::RegDeleteTreeW(key, subkey.c_str());
-        }
-    }
-    ::RegCloseKey(key);
+    for (const wchar_t* path : kTestKeys) removeNewKeys(path, before);
 }

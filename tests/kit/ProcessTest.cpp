@@ -98,6 +98,14 @@ TEST(KitProcess, VariablesLastAsLongAsTheirObject) {
     EXPECT_EQ(folder.read("out"), "none");
 }
 
+TEST(KitProcess, AVariableHasItsEarlierValueAgain) {
+    const TempFolder folder;
+    const ScopedVariables earlier({{"QX_KIT_TEST", "earlier"}});
+    { const ScopedVariables variables({{"QX_KIT_TEST", "later"}}); }
+    runOwn(folder, "printsAVariable", {});
+    EXPECT_EQ(folder.read("out"), "earlier");
+}
+
 SUBPROCESS(isStopped) {
     const TempFolder folder;
     std::thread user([&folder] {

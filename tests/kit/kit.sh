@@ -114,12 +114,16 @@ run = kit/kit_loader.exe locale C before {kit}\bin\QX-Bridge.dll C:\users\Public
 decides = Whether the tests' keys are removed
 run = {system}/reg.exe add HKCU\Software\QXBridgeTests\left /v x /d y /f
 
+[leaves-folders-for-development]
+decides = Whether the bindings' keys are removed
+run = {system}/reg.exe add HKCU\Software\QX-Bridge\Development-1 /v x /d y /f
+
 [names-no-test]
 decides = Whether a filter without tests is a failure
 run = tests/xpl_test.exe --gtest_filter=No.Such
 END
 sed -i "s,{system}/reg.exe,C:/windows/system32/reg.exe," "$kit/checks.txt"
-run 1 --only standins,conf,leaves-files,leaves-a-key,names-no-test
+run 1 --only standins,conf,leaves-files,leaves-a-key,leaves-folders-for-development,names-no-test
 says '  files: failed'
 says 'tests/standin_core_test.exe: missing'
 says 'tests/conf_test.exe: changed'
@@ -128,9 +132,12 @@ says '  standins: skipped (tests/standin_core_test.exe is missing or changed)'
 says '  conf: skipped (tests/conf_test.exe is missing or changed)'
 says '  leaves-files: passed'
 says '  leaves-a-key: passed'
+says '  leaves-folders-for-development: passed'
 says '  names-no-test: failed (no test ran)'
 says '  restored: failed (+ C:\users\Public\qxb-left'
-! wine reg query 'HKCU\Software\QXBridgeTests' >/dev/null 2>&1 || fail "the tests' key stays"
+for key in QXBridgeTests QX-Bridge; do
+    ! wine reg query "HKCU\\Software\\$key" >/dev/null 2>&1 || fail "the key $key stays"
+done
 
 # A damaged table is named, and an unknown argument explained.
 echo 'colour = red' >>"$kit/checks.txt"
