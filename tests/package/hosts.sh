@@ -22,8 +22,8 @@ wine reg add "$key" /v InstallDir /d "$(windows_path "$root/tools")\\" /f
 
 listing=$(wine bin/bridgectl.exe instances --json)
 grep -q '"displayName": "Jeux"' <<<"$listing" || die "bridgectl lists: $listing"
-for host in "$work"/gcc/host_{c,pc}.exe "$work/page/build/host.exe" "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
-    "$work/clang/host_lib.exe" "$work/port/host_cxx.exe"; do
+for host in "$work"/gcc/host_{c,pc}.exe "$work/clang/host_c.exe" "$work/clang/host_cxx.exe" \
+    "$work/clang/host_lib.exe" "$work/port/host_cxx.exe" "$work/pasted/build/host.exe"; do
     got=$(wine "$host" | tr -d '\r')  # printed in text mode
     [ "$got" = "$listing" ] || die "$host lists: $got"
 done
@@ -68,7 +68,7 @@ event_arrives() {
     [ "$(tr -d '\r' <"$folder/event.txt")" = "Nougat64 shows com.example.app" ] && [ "$status" = 0 ] ||
         die "$*: status $status, $(<"$folder/event.txt")"
 }
-for program in "$work/gcc/event_c.exe" "$work/page/build/event.exe" "$work"/clang/event_{c,cxx}.exe; do
+for program in "$work/gcc/event_c.exe" "$work/pasted/build/event.exe" "$work"/clang/event_{c,cxx}.exe; do
     event_arrives "$program"
 done
 event_arrives "$dotnet/dotnet.exe" "$(windows_path "$folder/event_cs.exe")" \

@@ -103,14 +103,14 @@ cmake -S "$consumer" -B "$work/clang" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/clang"
 
-# The document's CMakeLists.txt.
-mkdir "$work/page"
-cp "$consumer"/{host,event}.c "$work/page"
-sed -n '/^    cmake_minimum_required/,/^$/s/^    //p' share/doc/getting-started.md >"$work/page/CMakeLists.txt"
-cmake -S "$work/page" -B "$work/page/build" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
+# The document's project, pasted.
+mkdir -p "$work/pasted"
+sed -n '/^    cmake_minimum_required/,/^$/s/^    //p' share/doc/getting-started.md >"$work/pasted/CMakeLists.txt"
+cp "$consumer"/{host,event}.c "$work/pasted"
+cmake -S "$work/pasted" -B "$work/pasted/build" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$root" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
-cmake --build "$work/page/build"
+cmake --build "$work/pasted/build"
 
 # A makefile's way.
 flags=$(PKG_CONFIG_LIBDIR="$root/lib/pkgconfig" pkg-config --cflags --libs qx-bridge)
