@@ -1,9 +1,11 @@
 #include "Session.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "appc/Appc.h"
-#include "utl/UtlFolders.h"
+#include "shared/Nearest.h"
 #include "utl/UtlImages.h"
 #include "xpl/XcatchAll.h"
 #include "xpl/Xerr.h"
@@ -14,11 +16,9 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::CONF, "programs/bridgeadm/Session"};
 
-XErr load() {
-    return confLibInit(confStore(), utlGetDataDir() + "vantrel.conf", /*allowDeprecated=*/false);
-}
+XErr load() { return confLibInit(confStore(), configurationPath(), /*allowDeprecated=*/false); }
 
-// No locale has a say in it.
+// Independent of the locale.
 bool isPackageCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
            c == '_';
@@ -37,10 +37,11 @@ bool Session::start() {
 
 bool Session::startWithConfiguration() {
     if (!start()) return false;
-    // A line that ends at its "=" makes the loader throw.
+    // confLibInit() throws at a line that ends with "=".
     const XErr err = xcatchAll(kLog, "confLibInit", XERR_FAILURE, load);
     return err == XERR_SUCCESS ||
-           failStatus(ExitCode::Library, "the configuration cannot be loaded", err);
+           failStatus(ExitCode::Library, "the configuration cannot be loaded", err,
+                      configurationHint(configurationPath()));
 }
 
 bool Session::isKnown(const std::string& instance) const {
@@ -49,21 +50,25 @@ bool Session::isKnown(const std::string& instance) const {
 }
 
 bool Session::requireInstance(const std::string& instance) {
-    return isKnown(instance) || failInstance(instance);
+    if (isKnown(instance)) return true;
+    std::vector<std::string> known;
+    for (const auto& name : confGetInstances(store())) known.emplace_back(name);
+    return failInstance(instance, nearestHint(instance, known));
 }
 
 bool Session::requirePossibleInstance(const std::string& instance) {
     if (!confIsInstanceName(instance)) {
-        return fail(ExitCode::BadValue, "no instance can have this name: " + instance);
+        return fail(ExitCode::BadValue, "not a valid instance name: " + instance);
     }
-    // It would end every host that lists the instances.
+    // An unknown image would end every host that lists the instances.
     return utlFindImageTrait(utlImageNameOfInstance(instance)) != nullptr ||
            fail(ExitCode::UnknownName, "instance " + instance + " has an unknown image");
 }
 
 bool Session::commit() {
     const XErr err = confCommit(store());
-    return err == XERR_SUCCESS || failStatus(ExitCode::Commit, "not committed", err);
+    return err == XERR_SUCCESS || failStatus(ExitCode::Commit, "not committed", err,
+                                             configurationHint(configurationPath()));
 }
 
 bool Session::openCache(const std::string& instance) {
@@ -79,7 +84,7 @@ bool Session::openCache(const std::string& instance) {
 bool Session::requirePackageName(const std::string& package) {
     const bool possible =
         !package.empty() && std::all_of(package.begin(), package.end(), isPackageCharacter);
-    return possible || fail(ExitCode::BadValue, "no app can have this package name: " + package);
+    return possible || fail(ExitCode::BadValue, "not a valid package name: " + package);
 }
 
 bool Session::saved(XErr err) {

@@ -7,14 +7,13 @@
 #include "shared/ProgramRun.h"
 #include "xpl/Xerr.h"
 
-// One run of the program. Every function that answers a bool has printed the error when it is
-// false.
+// One run of bridgeadm. Functions that return a bool have reported an error if it is false.
 class Session : public ProgramRun {
  public:
-    // Starts the log, which everything else of the library needs.
+    // Starts the log, which all parts of the library need.
     bool start();
 
-    // The same, and loads the product's configuration into the store.
+    // Starts the log and loads the product's configuration into the store.
     bool startWithConfiguration();
 
     ConfStore& store() const { return confStore(); }
@@ -22,18 +21,18 @@ class Session : public ProgramRun {
     bool isKnown(const std::string& instance) const;
     bool requireInstance(const std::string& instance);
 
-    // Whether the name can become an instance that every program can read.
+    // Whether every program could read an instance of this name.
     bool requirePossibleInstance(const std::string& instance);
 
     bool commit();
 
-    // Starts with the configuration, which must know the instance, and opens its app cache.
+    // Calls startWithConfiguration() and opens the app cache of an instance, which must exist.
     bool openCache(const std::string& instance);
 
-    // Whether this can be the name of an Android package. It becomes a part of file names.
+    // Whether this can be the name of an Android package. File names contain it.
     bool requirePackageName(const std::string& package);
 
-    // For the result of an operation that ends with the app cache's files written.
+    // Checks the result of an operation that writes the app cache's files.
     bool saved(XErr err);
 };
 

@@ -1,5 +1,7 @@
-// bridgeadm: maintenance of the product's data, with the layers of the library and without its DLL.
+// bridgeadm maintains the product's data. It links the layers of the library, not the DLL.
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "Session.h"
 #include "shared/CommandLine.h"
@@ -10,9 +12,19 @@
 namespace {
 
 void declareOptions(OptionParser& parser, Session& session) {
-    parser.add("--log-file", session.logFile, "Log into this file instead of the product's")
+    parser.add("--log-file", session.logFile, "Log to this file instead of the product's log")
+        .taking("FILE")
         .notEmpty();
 }
+
+constexpr std::initializer_list<std::pair<const char*, const char*>> kElsewhere = {
+    {"apps", "it is a command of bridgectl: see bridgectl help apps"},
+    {"conf", "it is a command of bridgectl: see bridgectl help conf"},
+    {"create-instance", "it is a command of bridgectl: see bridgectl help create-instance"},
+    {"doctor", "it is a command of bridgectl: see bridgectl help doctor"},
+    {"instances", "it is a command of bridgectl: see bridgectl help instances"},
+    {"uninstall", "it is a command of bridgectl: see bridgectl help uninstall"},
+};
 
 }  // namespace
 
@@ -20,10 +32,14 @@ const char* const programName = "bridgeadm";
 
 int main() {
     Session session;
-    return runCommandLine({"Maintenance of the product's instances and their app caches.",
-                           std::string(programName) + " " + UTL_VERSION,
-                           declareOptions,
-                           nullptr,
-                           {}},
-                          session, session);
+    return runCommandLine(
+        {"Maintain the product's instances and their app caches",
+         std::string(programName) + " " + UTL_VERSION,
+         {"Instances", "App caches", "Other"},
+         {ExitCode::Success, ExitCode::Usage, ExitCode::UnknownName, ExitCode::BadValue,
+          ExitCode::Library, ExitCode::Commit, ExitCode::Output},
+         declareOptions,
+         nullptr,
+         kElsewhere},
+        session, session);
 }

@@ -19,7 +19,7 @@ void CallTimes::add(const char* function, Clock::duration time) {
 std::vector<std::string> CallTimes::lines() const {
     std::vector<std::string> all;
     for (const Entry& entry : entries_) {
-        // Whole numbers: a decimal point would be the user's locale's, which may be a comma.
+        // Integers: printf would write a decimal point as the user's locale does.
         const long long time =
             std::chrono::duration_cast<std::chrono::microseconds>(entry.time).count();
         char text[80];

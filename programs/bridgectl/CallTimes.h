@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-// Time that the program spent inside functions of the library, in the order of their first calls.
+// Time spent inside functions of the library, in the order of their first calls.
 class CallTimes {
  public:
     using Clock = std::chrono::steady_clock;
 
-    // `function` is a literal.
+    // `function` is a string literal.
     void add(const char* function, Clock::duration time);
 
     // "bridgeConfGetI32: 3 calls, 0.042 ms"
@@ -25,7 +25,7 @@ class CallTimes {
     std::vector<Entry> entries_;
 };
 
-// Adds the time of its own life.
+// Adds the time from its construction to its destruction.
 class CallTimer {
  public:
     CallTimer(CallTimes& times, const char* function) : times_(times), function_(function) {}

@@ -7,16 +7,15 @@
 #include "shared/JsonValue.h"
 #include "shared/Table.h"
 
-// The keys that the library's catalogue has: global ones, then those of an instance, each in byte
-// order.
+// The keys of the library's catalogue: global keys, then keys of an instance, both in byte order.
 
-// One row a key, below a row of headings.
+// One row per key, after a row of headings.
 std::vector<TableRow> catalogueRows();
 
 // Objects with "key", "scope", "type" and "default".
 JsonValue catalogueJson();
 
-// The table of the document on configuration keys.
+// The table in docs/reference/configuration-keys.md.
 std::string catalogueMarkdown();
 
 #endif

@@ -10,7 +10,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// A text that cannot be read is empty: then there is nothing to offer.
+// Empty if the file cannot be read.
 std::string contentOf(const std::string& path) {
     std::string content;
     static_cast<void>(confDiskFiles().read(path, content));

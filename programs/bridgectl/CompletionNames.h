@@ -6,13 +6,13 @@
 
 #include "shared/CommandTree.h"
 
-// The names that complete an argument or option of the program: keys for KEY, instances for
-// INSTANCE and --instance, the apps of the instance before it for PACKAGE, and client ids for
-// --client. Read from the product's files, without the library. Nothing for any other.
+// Completions of an argument or option: keys for KEY, instances for INSTANCE and --instance, the
+// apps of the preceding instance for PACKAGE, client ids for --client, nothing for others. Reads
+// the product's files and does not use the library.
 std::vector<std::string> completionNames(const OptionNode& option,
                                          const std::vector<std::string>& before);
 
-// The client ids that the library takes.
+// The client ids that the library accepts.
 const std::vector<std::string>& clientIds();
 
 #endif

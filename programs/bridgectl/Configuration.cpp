@@ -9,7 +9,7 @@
 
 namespace {
 
-// The entries up to the first line that the library would stop at.
+// The entries before the first line at which the library stops reading.
 template <typename Visit>
 void forEachEntry(std::string_view content, Visit visit) {
     ConfTextReader reader(content);
@@ -18,7 +18,7 @@ void forEachEntry(std::string_view content, Visit visit) {
         while (reader.next(entry) == ConfRead::Entry && visit(entry)) {
         }
     } catch (const std::out_of_range&) {
-        // A line that ends at its "=" stops the library too.
+        // The library also stops at a line that ends with "=".
     }
 }
 
@@ -44,7 +44,7 @@ std::optional<std::string> storedBool(std::string_view value) {
     return std::nullopt;
 }
 
-// Stricter than the library's reading: the whole text must be the number.
+// Stricter than the library: the whole text must be a number.
 template <typename Number>
 std::optional<std::string> storedNumber(std::string_view value,
                                         bool (*parse)(std::string_view, Number&)) {

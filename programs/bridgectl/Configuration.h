@@ -11,13 +11,13 @@
 
 #include "conf/ConfCatalogue.h"
 
-// What the program knows about keys and values before it asks the library, where a key that does
-// not exist, another type and a value that cannot be read end the process.
+// Keys and values as read from the file, without the library. The library ends the process for an
+// unknown key, a wrong type or a value that cannot be read, so the program checks for these first.
 
 enum class KeyState {
     Value,    // can be read
-    Unset,    // nothing is stored, and the default is no value of the type
-    Invalid,  // what is stored is no value of the type
+    Unset,    // nothing is stored, and the default is not a value of the type
+    Invalid,  // the stored text does not fit the type
 };
 
 struct KeyInfo {
@@ -29,20 +29,20 @@ struct KeyInfo {
 
 class Configuration {
  public:
-    // The text of the configuration file; empty without one. Reading stops where the library's
-    // does.
+    // `content` is the text of the configuration file, or empty. Reading stops where the library
+    // stops.
     explicit Configuration(std::string_view content);
 
-    // Nothing when the key does not exist, or names an instance that is not in the file.
+    // Empty if the key does not exist or names an instance that is not in the file.
     std::optional<KeyInfo> find(std::string_view key) const;
 
-    // Type of a key by its name alone: any instance will do.
+    // The type of a key. Its instance need not exist.
     std::optional<ConfType> typeOf(std::string_view key) const;
 
-    // The stored form that a key has by itself: its default. The key must have a type.
+    // The default of a key, in its stored form. The key must have a type.
     const std::string& defaultOf(std::string_view key) const;
 
-    // Every key, in byte order.
+    // All keys, in byte order.
     std::vector<KeyInfo> list() const;
 
     const std::set<std::string>& instances() const { return instances_; }
@@ -56,10 +56,10 @@ class Configuration {
     std::set<std::string> instances_;
 };
 
-// Name of a type for people: "bool", "i32", "string", "multi-string".
+// The name of a type in messages: "bool", "i32", "string", "multi-string".
 const char* typeName(ConfType type);
 
-// The stored form of a value that was typed in: "1" for "true". Nothing when it does not fit the
+// The stored form of a value from the command line: "1" for "true". Empty if it does not fit the
 // type.
 std::optional<std::string> storedForm(ConfType type, std::string_view value);
 

@@ -9,7 +9,7 @@ JsonValue jsonOf(const EventValue& value) {
     return std::visit([](const auto& content) { return JsonValue(content); }, value);
 }
 
-// What JSON lets through and terminals take for controls: DEL and U+0080 to U+009F.
+// Escapes the control characters that JSON allows unescaped: DEL and U+0080 to U+009F.
 std::string withoutControls(const std::string& json) {
     std::string safe;
     for (std::size_t i = 0; i < json.size(); ++i) {

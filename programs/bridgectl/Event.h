@@ -10,11 +10,11 @@
 #include "ipc/IpcEvent.h"
 #include "shared/JsonValue.h"
 
-// Events as the program shows them.
+// Events in the form that the program prints.
 
 std::vector<std::string> eventNames();
 
-// A moment in the local time of this machine.
+// A time of day on this machine.
 struct LocalTime {
     int year = 0;
     int month = 0;
@@ -42,12 +42,12 @@ struct Event {
     EventMoment moment{};            // `time` on a clock that nobody sets
 };
 
-// A value in one line of JSON, without what a terminal takes for controls.
+// A value as one line of JSON without control characters.
 std::string jsonLine(const JsonValue& value);
 
-// One line with its line feed: the time, the name, and name=value for each field, or a JSON object
-// with all of these. Texts stand between quotes in both: what a sender put into them cannot end the
-// line or reach the terminal's controls, and bytes that are not UTF-8 become U+FFFD.
+// One line with its line feed: the time, the name and name=value for each field, or a JSON object
+// with the same. Texts are quoted and escaped in both, so a sender cannot end the line or control
+// the terminal. Bytes that are not UTF-8 become U+FFFD.
 std::string eventText(const Event& event);
 std::string eventJson(const Event& event);
 

@@ -12,7 +12,7 @@ namespace {
 
 using Clock = EventQueue::Clock;
 
-// Only a machine under heavy load takes more than a moment.
+// Enough for a machine under heavy load.
 constexpr std::chrono::seconds kStartLimit{30};
 
 bool failInUse(Session& session, const std::string& server) {
@@ -20,8 +20,8 @@ bool failInUse(Session& session, const std::string& server) {
                         "another front end serves " + server + ": see --client");
 }
 
-// The library's thread starts to listen, or fails to, some time after the registration, and tells
-// its log only.
+// The library starts to listen asynchronously after the registration, and reports a failure only in
+// its log.
 bool waitUntilServing(Session& session, const std::string& server, EventServerProbe& probe) {
     const Clock::time_point end = Clock::now() + kStartLimit;
     while (!probe.connect(server)) {

@@ -8,15 +8,15 @@
 #include "EventServer.h"
 #include "Session.h"
 
-// Name of the server that the session's client gets its events on.
+// The name of the server that receives the events of the session's client.
 std::string eventServerName(const Session& session);
 
-// Listens as the session's client, whose library has started: from here on every event comes into
-// eventQueue(), whose waiting Ctrl-C ends. `probe` lives as long as the listening. False after an
-// error.
+// Starts to listen as the session's client. The library must have been started. From then on, every
+// event arrives in eventQueue(), and Ctrl-C stops the queue. `probe` must live as long as the
+// session listens. False after an error.
 bool listenToEvents(Session& session, EventServerProbe& probe);
 
-// The moment in so many seconds; nothing for 0, which means without an end.
+// The time in this many seconds. Empty for 0, which means no limit.
 std::optional<EventQueue::Clock::time_point> eventDeadline(unsigned seconds);
 
 #endif

@@ -1,4 +1,4 @@
-// Listening to the library's events and printing those that are wanted.
+// Prints the requested events of the library.
 #include "EventPrinting.h"
 
 #include <algorithm>
@@ -17,19 +17,19 @@
 
 namespace {
 
-// Prints the events that are wanted, up to the count.
+// Prints the requested events, up to the count.
 class Printer {
  public:
     Printer(Session& session, const EventRequest& request) : session_(session), request_(request) {}
 
-    // Creates the file for the record. False, after an error, when it cannot be written.
+    // Creates the file of the record. False after an error.
     bool open() {
         if (request_.record.empty()) return true;
         const XErr err = xfileOpen(record_, request_.record, XfileMode::WriteNew);
         return err == XERR_SUCCESS ? write(EventScript::start()) : failRecord(err);
     }
 
-    // False, after an error, when the output or the file takes no more.
+    // False after an error of the output or the file.
     bool print(const Event& event) {
         if (!isWanted(event)) return true;
         ++printed_;
@@ -74,8 +74,8 @@ class Printer {
     Xfile record_;
 };
 
-// Prints until the count is reached or the waiting ends, and then what came before the library
-// stopped. False, after an error, when the output takes no more.
+// Prints until the count is reached or the wait ends, then the events that arrived before the
+// library stopped. False after an error.
 bool printEvents(Session& session, const EventRequest& request, Printer& printer,
                  EventQueue::End& end) {
     const std::optional<EventQueue::Clock::time_point> deadline = eventDeadline(request.timeout);

@@ -7,14 +7,14 @@
 #include "Session.h"
 
 struct EventRequest {
-    unsigned count = 0;               // 0: without an end
-    unsigned timeout = 0;             // seconds; 0: without an end
+    unsigned count = 0;               // 0: no limit
+    unsigned timeout = 0;             // seconds; 0: no limit
     std::vector<std::string> filter;  // empty: every event
-    std::string record;               // file that gets them as a script; empty: none
+    std::string record;               // file for a script of the events; empty: none
 };
 
-// The work of a command: starts the library, listens as the session's client and prints the events
-// as they come, until there are enough of them, the time is over or the user ends it.
+// Starts the library, listens as the session's client and prints events until the count is reached,
+// the time is over or the user presses Ctrl-C.
 void printRequestedEvents(Session& session, const EventRequest& request);
 
 #endif

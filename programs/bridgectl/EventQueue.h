@@ -10,8 +10,8 @@
 #include "Event.h"
 #include "xpl/Xattributes.h"
 
-// Events on their way from the library's thread to the program's own, which prints them: a slow
-// reader of the output never keeps the library from its next packet. Safe from every thread.
+// Events between the library's thread, which adds them, and the main thread, which prints them. A
+// slow reader of the output does not block the library. Thread-safe.
 class EventQueue {
  public:
     using Clock = std::chrono::steady_clock;
@@ -20,14 +20,14 @@ class EventQueue {
 
     void push(Event event);
 
-    // Ends the waiting of take().
+    // Makes take() return.
     void stop();
 
-    // Waits for an event until `deadline`, without limit when there is none. Nothing, and the
-    // reason in `end`, as soon as the waiting has ended, whatever is still queued.
+    // Waits for an event until `deadline`, or without limit. Empty when the wait has ended, even if
+    // events are queued; `end` has the reason.
     std::optional<Event> take(const std::optional<Clock::time_point>& deadline, End& end);
 
-    // The next queued event, without waiting.
+    // The next queued event, if any. Does not wait.
     std::optional<Event> takeQueued();
 
  private:

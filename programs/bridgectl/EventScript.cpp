@@ -9,7 +9,7 @@
 
 namespace {
 
-// A word of a script, which keeps every byte.
+// A quoted word of a script. Keeps every byte.
 std::string quoted(const std::string& text) {
     std::string word = "\"";
     for (const char c : text) {
@@ -19,7 +19,7 @@ std::string quoted(const std::string& text) {
     return word + "\"";
 }
 
-// The shortest text that reads back as the number, with a point in every locale.
+// The shortest text that reads back as the same number, with a decimal point in every locale.
 std::string textOf(double number) {
     char text[64];
     const auto end = std::to_chars(text, text + sizeof text, number);
@@ -67,7 +67,7 @@ std::string EventScript::finish() {
 
 std::string EventScript::linesOf(const Event& event) {
     if (!first_) first_ = event.moment;
-    // From the first event on, so that what is cut off does not add up.
+    // Measured from the first event, so that rounding errors do not add up.
     const long long since =
         std::chrono::duration_cast<std::chrono::milliseconds>(event.moment - *first_).count();
     std::string lines;

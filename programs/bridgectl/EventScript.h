@@ -6,18 +6,18 @@
 
 #include "Event.h"
 
-// Events as a script of the stand-ins, with the pauses between them, line after line as they come.
+// Writes events as a script for the stand-ins, with the pauses between them.
 class EventScript {
  public:
-    // What comes before the first event.
+    // The head of the script.
     static std::string start();
 
-    // The lines that an event adds. An update of the list of instances waits for the next event:
-    // the library itself reports one before the end of an image's installation, and would do so
-    // again when that is replayed.
+    // The lines for an event. A list update is held back until the next event: the library itself
+    // reports a list update before the end of an image's installation, so replaying that event
+    // creates another one.
     std::string add(const Event& event);
 
-    // The lines that still wait.
+    // The lines held back.
     std::string finish();
 
  private:

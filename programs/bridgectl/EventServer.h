@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-// A connection that only tells whose the server is; closed with the object.
+// A connection that identifies the server's process. The destructor closes it.
 class EventServerProbe {
  public:
     EventServerProbe() = default;
@@ -12,10 +12,10 @@ class EventServerProbe {
     EventServerProbe(const EventServerProbe&) = delete;
     EventServerProbe& operator=(const EventServerProbe&) = delete;
 
-    // False when nobody serves the name, or no connection is free at the moment.
+    // False if no server has this name, or all its connections are in use.
     bool connect(const std::string& serverName);
 
-    // The process of the server. Only after connect().
+    // The id of the server's process. Only after connect().
     std::uint32_t process() const;
 
     // Whether this process is the server. Only after connect().

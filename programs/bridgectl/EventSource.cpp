@@ -1,5 +1,6 @@
-// The library's callbacks. They run on its thread: each copies its event and returns. Memory that
-// is short ends the program, since no exception may go through the library.
+// The library's callbacks. They run on the library's thread and only copy the event. They are
+// noexcept, since no exception may pass through the library: running out of memory ends the
+// program.
 #include "EventSource.h"
 
 #include <bridge/bridge.h>
@@ -20,7 +21,7 @@ EventValue valueOf(bridge_i32 number) { return number; }
 EventValue valueOf(double number) { return number; }
 EventValue valueOf(bridge_bool flag) { return flag != 0; }
 
-// The callback of the slot with this index.
+// The callback of slot SLOT.
 template <std::size_t SLOT, typename... Parameters>
 void BRIDGE_CALL onEvent(Parameters... values) noexcept {
     static_assert(ipcTakesFields<Parameters...>(IPC_EVENT_ROWS[SLOT]), "as in bridge.h");

@@ -3,10 +3,10 @@
 
 #include "EventQueue.h"
 
-// The queue that the library's events come into. It lives to the program's end.
+// The queue of the library's events. It is never destroyed.
 EventQueue& eventQueue();
 
-// Registers a callback for every event, which puts it into the queue with the present time.
+// Registers a callback for every event, which queues the event with the current time.
 void startEvents();
 
 #endif

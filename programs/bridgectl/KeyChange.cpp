@@ -47,7 +47,8 @@ void commitChange(Session& session, const KeyInfo& change, const std::string& fi
     const std::string before = old ? shownValue(session, *old) : "unset";
     const JsonValue beforeJson = old ? valueJson(session, *old) : nullptr;
     if (const int status = stageAndCommit(session, change, file); status != BRIDGE_SUCCESS) {
-        session.failStatus(ExitCode::Commit, "not committed", status);
+        session.failStatus(ExitCode::Commit, "not committed", status,
+                           configurationHint(file.empty() ? configurationPath() : file));
         return;
     }
     JsonObject json = keyJson(session, change);

@@ -6,9 +6,9 @@
 #include "Configuration.h"
 #include "Session.h"
 
-// Sets a key of an instance that exists, or a global one, to `change.text`, in its stored form,
-// commits that and prints the key with the value before and after. `file` takes the configuration
-// in the product's place unless it is empty.
+// Sets a global key or a key of an existing instance to `change.text`, which is in stored form,
+// commits, and prints the key with its values before and after. Writes to `file` instead of the
+// product's configuration unless `file` is empty.
 void commitChange(Session& session, const KeyInfo& change, const std::string& file);
 
 #endif

@@ -20,7 +20,7 @@ std::vector<std::string> namesOf(const ConfSchema& schema) {
 std::string keyHint(const Configuration& configuration, const std::string& key) {
     const std::string whole = confGlobalKey(key);
     if (configuration.typeOf(whole)) return "did you mean " + whole + "?";
-    // The beginning of a key is right, and would make every key of it look like another.
+    // Compares only the last part: a common prefix would make all keys similar.
     const ConfCatalogue catalogue = confProductCatalogue();
     const ConfKey parts = confSplitKey(key);
     const bool isGlobal = parts.scope == ConfScope::Global;

@@ -5,8 +5,7 @@
 
 #include "Configuration.h"
 
-// What was probably meant by a key that does not exist: "did you mean vtr.locale?". Empty when
-// nothing is like it.
+// A hint for a key that does not exist: "did you mean vtr.locale?". Empty if no key is similar.
 std::string keyHint(const Configuration& configuration, const std::string& key);
 
 #endif

@@ -9,7 +9,7 @@ struct FreeLibraryText {
     void operator()(char* text) const noexcept { bridgeFreeMemory(text); }
 };
 
-// A text that the library returned, which goes back to it at the end.
+// Owns a text that the library returned.
 using LibraryText = std::unique_ptr<char, FreeLibraryText>;
 
 #endif

@@ -3,11 +3,11 @@
 
 #include <string>
 
-// Version of the QX-Bridge.dll that this process has loaded, from its version resource:
-// "5.2.0.1052". Empty when it has none.
+// The version of the loaded QX-Bridge.dll, from its version resource: "5.2.0.1052". Empty without
+// one.
 std::string libraryVersion();
 
-// The program's own version and the library's, in two lines.
+// The versions of the program and the library, in two lines.
 std::string programVersions();
 
 #endif

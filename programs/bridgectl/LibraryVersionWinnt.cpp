@@ -9,7 +9,7 @@
 
 namespace {
 
-// Of the loaded library, whatever file has its name by now.
+// Reads the loaded module: the file may have been replaced.
 bool readFixedInfo(VS_FIXEDFILEINFO& info) {
     const HMODULE library = ::GetModuleHandleW(L"QX-Bridge.dll");
     const HRSRC resource = ::FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO),

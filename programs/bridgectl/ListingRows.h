@@ -5,8 +5,8 @@
 
 #include "shared/Table.h"
 
-// The library's listings, which are JSON, as tables with a row of headings. Text that is no such
-// listing is thrown as an exception.
+// The library's JSON listings as tables with a row of headings. Throws if the text is not such a
+// listing.
 
 std::vector<TableRow> instanceRows(const char* json);
 std::vector<TableRow> appRows(const char* json);

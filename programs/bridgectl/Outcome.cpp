@@ -30,7 +30,7 @@ Outcome ofApp(const Event& event, const char* kind, const Texts& texts) {
     return fits ? Outcome::Success : Outcome::Unknown;
 }
 
-// A sender may write the folder in another way.
+// The sender may write the folder differently.
 std::string_view fileName(std::string_view path) {
     return path.substr(path.find_last_of("\\/") + 1);
 }
@@ -55,7 +55,7 @@ Outcome installImageOutcome(const Event& event, const Texts& texts) {
     if (!isKind(event, "image-install-progress") || textAt(event, 0) != texts[0]) {
         return Outcome::Unknown;
     }
-    constexpr std::int32_t kInstalled = 2;  // the status at which the library reads the list again
+    constexpr std::int32_t kInstalled = 2;  // the status at which the library reloads the list
     const std::int32_t status = numberAt(event, 1);
     if (status == kInstalled) return Outcome::Success;
     return status < 0 ? Outcome::Failure : Outcome::Unknown;
@@ -64,7 +64,7 @@ Outcome installImageOutcome(const Event& event, const Texts& texts) {
 Outcome createInstanceOutcome(const Event& event, const Texts& texts) {
     if (!isKind(event, "create-instance-completed")) return Outcome::Unknown;
     const std::int32_t status = numberAt(event, 0);
-    // One that failed need not have a name.
+    // A failed creation need not have a name.
     const std::string instance = textAt(event, 1);
     const bool isOther = utlImageNameOfInstance(instance) != texts[0];
     return isOther && (status == 0 || !instance.empty()) ? Outcome::Unknown : ofStatus(status);

@@ -6,10 +6,9 @@
 
 #include "Event.h"
 
-// What an event says about the work that a program was started for, whose texts are the arguments
-// of the command.
+// What an event says about the work of a command. `texts` are the command's arguments.
 enum class Outcome {
-    Unknown,  // it is about something else, or about work that goes on
+    Unknown,  // about something else, or the work is not finished
     Success,
     Failure,
 };

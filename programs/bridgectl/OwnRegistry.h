@@ -3,9 +3,9 @@
 
 #include <string>
 
-// A HKEY_LOCAL_MACHINE of this process's own that has the product's key and nothing else, for work
-// without the product and without an administrator's rights. The destructor removes it; what is
-// left after a fatal end is gone when the user logs off.
+// A private HKEY_LOCAL_MACHINE for this process that contains only the product's key, for working
+// without the product and without administrator rights. The destructor removes it. After a fatal
+// end, it disappears when the user logs off.
 class OwnRegistry {
  public:
     OwnRegistry() = default;
@@ -13,8 +13,8 @@ class OwnRegistry {
     OwnRegistry(const OwnRegistry&) = delete;
     OwnRegistry& operator=(const OwnRegistry&) = delete;
 
-    // Names these folders in it, and the library's version. To be called once, before anything
-    // reads the registry. Throws std::runtime_error, with the Windows error.
+    // Stores these folders and the library's version in it. Call once, before anything reads the
+    // registry. Throws std::runtime_error with the Windows error.
     void useFolders(const std::string& dataFolder, const std::string& installFolder);
 
  private:

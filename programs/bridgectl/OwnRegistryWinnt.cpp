@@ -29,7 +29,7 @@ std::wstring wide(const std::string& text) {
     return converted;
 }
 
-// The library ends the process for a folder that is not absolute.
+// A relative path would depend on the folder in which each program starts.
 std::wstring absolute(const std::string& folder) {
     const std::wstring given = wide(folder);
     std::wstring path(::GetFullPathNameW(given.c_str(), 0, nullptr, nullptr), L'\0');
@@ -42,7 +42,7 @@ std::wstring absolute(const std::string& folder) {
     return path;
 }
 
-// Volatile: it is never written to a disk.
+// Volatile: never written to disk.
 HKEY createKey(HKEY root, const std::wstring& path) {
     HKEY key = nullptr;
     require(::RegCreateKeyExW(root, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
@@ -72,7 +72,7 @@ void OwnRegistry::useFolders(const std::string& dataFolder, const std::string& i
     std::wstring install = absolute(installFolder);
     if (install.back() != L'\\') install += L'\\';
     path_ = L"Software\\QX-Bridge\\Development-" + std::to_wstring(::GetCurrentProcessId());
-    // One of that name is of a process that ended fatally, and whose id came again.
+    // A process that ended fatally may have left a key with the same process id.
     ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
     const HKEY own = createKey(HKEY_CURRENT_USER, path_);
     const LSTATUS error = ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, own);

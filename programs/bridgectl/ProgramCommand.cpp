@@ -12,21 +12,22 @@
 #include "EventSource.h"
 #include "shared/ExitCode.h"
 #include "shared/OptionParser.h"
+#include "utl/UtlFolders.h"
 
 namespace {
 
 struct Arguments {
     ProgramTexts texts;
-    std::optional<unsigned> wait;  // seconds; 0: without an end
+    std::optional<unsigned> wait;  // seconds; 0: no limit
 };
 
 void printOutcome(Session& session, const Event& event, Outcome outcome) {
     const std::string line = eventText(event);
     if (outcome == Outcome::Failure) {
-        // The line without its time and its line feed.
+        // Without the time and the line feed.
         const std::size_t start = line.find(' ') + 1;
         session.fail(ExitCode::Reported,
-                     "it failed: " + line.substr(start, line.size() - start - 1));
+                     "the work failed: " + line.substr(start, line.size() - start - 1));
     } else if (!session.quiet) {
         session.print(session.json ? eventJson(event) : line);
     }
@@ -41,7 +42,14 @@ void waitForOutcome(Session& session, const Arguments& arguments, const ProgramC
         printOutcome(session, *event, outcome);
         return;
     }
-    session.fail(ExitCode::Timeout, "started, but no event said how it ended");
+    session.fail(ExitCode::Timeout, "started, but no event reported the result in time");
+}
+
+std::string startHint(bool isForInstance) {
+    const char* const program = isForInstance ? "QX-Player.exe" : "QX-MultiInstanceManager.exe";
+    return "the program is " + utlGetInstallDir() + program +
+           "; its folder is in the registry: " + registryValueName("InstallDir") +
+           "; see bridgectl doctor";
 }
 
 void run(Session& session, const Arguments& arguments, const ProgramCall& call,
@@ -53,7 +61,7 @@ void run(Session& session, const Arguments& arguments, const ProgramCall& call,
     if (arguments.wait && !listenToEvents(session, probe)) return;
     const int status = session.timed(call.function, [&] { return call.call(arguments.texts); });
     if (status != 0) {
-        session.failStatus(ExitCode::Program, "not started", status);
+        session.failStatus(ExitCode::Program, "not started", status, startHint(isForInstance));
     } else if (arguments.wait) {
         waitForOutcome(session, arguments, call);
     } else {
@@ -71,8 +79,9 @@ void declareProgram(OptionParser& parser, Session& session,
         parser.add(arguments[i].name, given->texts[i], arguments[i].help).required();
     }
     if (call.outcomeOf != nullptr) {
-        parser.addWithOptionalNumber("--wait", given->wait, "SECONDS",
-                                     "Wait until an event says how it ended, so long at most");
+        parser.addWithOptionalNumber(
+            "--wait", given->wait, "SECONDS",
+            "Wait for the event that reports the result, forever by default");
     }
     const bool isForInstance = std::string_view(arguments.front().name) == "INSTANCE";
     parser.onRun(

@@ -8,7 +8,7 @@
 
 namespace {
 
-// A code that is added to the library's table and not here does not build.
+// The compiler reports a code that is missing here.
 const char* meaningOf(XErrCode code) {
     switch (code) {
         case XErrCode::XERR_FAILURE:
@@ -290,7 +290,8 @@ std::string listOf(const std::vector<std::int32_t>& errors) {
 }
 
 std::optional<ResultCode> windowsResult(XErr code) {
-    // The failure's own number; small Windows errors without an equivalent begin at the base.
+    // Codes without a name below the base are not Windows errors. Small Windows errors without an
+    // equivalent start at the base.
     if (code >= 0 && code < XERR_WINDOWS_BASE) return std::nullopt;
     const std::uint32_t error =
         static_cast<std::uint32_t>(code) - static_cast<std::uint32_t>(XERR_WINDOWS_BASE);

@@ -11,7 +11,7 @@
 #include "shared/Table.h"
 #include "xpl/Xerr.h"
 
-// The library's result codes in words.
+// Explanations of the library's result codes.
 
 struct ResultCode {
     XErr code;
@@ -20,17 +20,17 @@ struct ResultCode {
     std::vector<std::int32_t> windowsErrors;  // those that arrive as this code
 };
 
-// Every code that has a name, in ascending order.
+// All codes with a name, in ascending order.
 std::vector<ResultCode> resultCodes();
 
-// A code by its number or name ("2", "XERR_NOENT", "NOENT"), or a Windows error without a name
-// (100000 and its number). Nothing for anything else.
+// Finds a code by number or name ("2", "XERR_NOENT", "NOENT"), or a Windows error without a name
+// (100000 plus its number).
 std::optional<ResultCode> findResultCode(std::string_view text);
 
 std::vector<TableRow> resultCodeRows();
 JsonValue resultCodeJson(const ResultCode& code);
 
-// The table of the document on result codes.
+// The table in docs/reference/codes.md.
 std::string resultCodesMarkdown();
 
 #endif

@@ -2,22 +2,19 @@
 
 #include <bridge/bridge.h>
 
+#include <algorithm>
 #include <set>
 #include <utility>
+#include <vector>
 
+#include "CompletionNames.h"
 #include "KeyNames.h"
 #include "conf/ConfCatalogue.h"
 #include "conf/ConfFiles.h"
 #include "conf/ConfKey.h"
 #include "shared/Console.h"
+#include "shared/Joined.h"
 #include "shared/Nearest.h"
-#include "utl/UtlFolders.h"
-
-namespace {
-
-std::string confPath() { return utlGetDataDir() + "vantrel.conf"; }
-
-}  // namespace
 
 Session::~Session() { stop(); }
 
@@ -42,8 +39,8 @@ int Session::startLibrary() {
 bool Session::start() {
     std::string content;
     if (!noConf) {
-        // A missing file is the library's to report.
-        static_cast<void>(confDiskFiles().read(confPath(), content));
+        // The library reports a missing file.
+        static_cast<void>(confDiskFiles().read(configurationPath(), content));
     }
     configuration_.emplace(content);
     if (!requireLog()) return false;
@@ -54,7 +51,11 @@ bool Session::start() {
 }
 
 std::string Session::startHint() const {
-    return "the configuration is " + confPath() + ", the log " + logPath() + "; " +
+    const std::vector<std::string>& ids = clientIds();
+    if (std::find(ids.begin(), ids.end(), client) == ids.end()) {
+        return "--client must be one of " + joined(ids, ", ");
+    }
+    return "the configuration is " + configurationPath() + ", the log " + logPath() + "; " +
            dataFolderHint() + "; see bridgectl doctor";
 }
 
@@ -75,7 +76,8 @@ bool Session::requireInstance(const std::string& instance) {
 
 bool Session::failInvalid(const KeyInfo& key) {
     return fail(ExitCode::BadValue,
-                key.key + " holds no " + typeName(key.type) + ": \"" + key.text + "\"");
+                key.key + " is not of type " + typeName(key.type) + ": \"" + key.text + "\"",
+                "set it: bridgectl conf set " + key.key + " VALUE");
 }
 
 std::optional<ConfType> Session::requireType(const std::string& key) {
@@ -87,7 +89,7 @@ std::optional<ConfType> Session::requireType(const std::string& key) {
 std::optional<KeyInfo> Session::requireKey(const std::string& key) {
     if (!requireType(key)) return std::nullopt;
     std::optional<KeyInfo> info = configuration().find(key);
-    // The property exists, so that what is missing is the instance.
+    // The property exists, so the instance does not.
     if (!info) failInstance(confSplitKey(key).instance);
     return info;
 }

@@ -11,57 +11,56 @@
 #include "conf/ConfCatalogue.h"
 #include "shared/ProgramRun.h"
 
-// One run of the program: the options in front of the command, and the library once a command needs
-// it.
+// One run of bridgectl: the options before the command, and the library if the command needs it.
 class Session : public ProgramRun {
  public:
     Session() = default;
     ~Session();
 
-    // The library keeps the pointer to the client's text, which does not change after start().
+    // The library keeps the pointer to this text. It must not change after start().
     std::string client = "Helper";
     bool noConf = false;
-    bool timing = false;  // printTimes() prints
+    bool timing = false;  // print the times
 
-    // In place of the registry's folders; both or none.
+    // Replace the folders in the registry; both or neither.
     std::optional<std::string> dataFolder;
     std::optional<std::string> installFolder;
 
-    // Makes the two folders the product's. Throws as OwnRegistry does.
+    // Uses these two folders. Throws as OwnRegistry does.
     void useFolders();
 
-    // Reads the file for `configuration` and initialises the library. False after an error message.
+    // Reads the file for configuration() and initialises the library. False after an error.
     bool start();
 
-    // Ends the library before the session ends: no callback runs afterwards. Not inside one.
+    // Shuts the library down; no callback runs afterwards. Must not be called from a callback.
     void stop();
 
-    // Calls a function of the library, whose name is for printTimes().
+    // Calls a function of the library and measures its time under this name for printTimes().
     template <typename Call>
     auto timed(const char* function, Call call) {
         const CallTimer timer(times_, function);
         return call();
     }
 
-    // The library's times on standard error, once it has stopped.
+    // Prints the times on standard error. Call after stop().
     void printTimes() const;
 
     const Configuration& configuration() const { return *configuration_; }
 
-    // The error of an instance that is not known, with the name that was probably meant.
+    // Reports an unknown instance, with the nearest name as a hint.
     bool failInstance(std::string_view instance);
 
-    // The error of a key in KeyState::Invalid.
+    // Reports a key in KeyState::Invalid.
     bool failInvalid(const KeyInfo& key);
 
-    // False, after an error, when there is no such instance. Without the configuration file none is
-    // known, and any will do.
+    // False, after an error, if the instance does not exist. Always true without the configuration
+    // file.
     bool requireInstance(const std::string& instance);
 
-    // Type of a key; nothing, after an error, when there is no such key.
+    // The type of a key. Empty, after an error, if the key does not exist.
     std::optional<ConfType> requireType(const std::string& key);
 
-    // Describes a key; nothing, after an error, when it or its instance does not exist.
+    // Describes a key. Empty, after an error, if the key or its instance does not exist.
     std::optional<KeyInfo> requireKey(const std::string& key);
 
  private:

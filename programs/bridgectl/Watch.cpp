@@ -14,12 +14,12 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// No screen shows more.
+// More than any screen shows.
 constexpr std::size_t kHistory = 200;
 
 constexpr std::size_t kSettingsShown = 5;
 
-// Draws a line over another one, and clears what is left of that.
+// Clears the rest of the old line.
 constexpr const char* kEndOfLine = "\x1b[K\n";
 
 void addInstances(std::vector<WatchChange>& changes, const WatchState& before,
@@ -51,7 +51,7 @@ void addValues(std::vector<WatchChange>& changes, const WatchState& before,
     }
 }
 
-// As much of a text as fits, whole characters only.
+// The longest prefix that fits, cut between characters.
 std::string cutTo(const std::string& text, std::size_t columns) {
     std::size_t size = text.size();
     while (size > 0 && displayWidth(std::string_view(text).substr(0, size)) > columns) {
@@ -80,7 +80,7 @@ Lines linesOf(const std::string& text) {
     return lines;
 }
 
-// A heading and the newest lines under it.
+// Adds a heading and the newest lines.
 void addSection(Lines& screen, const char* heading, const Lines& lines, std::size_t count) {
     screen.push_back("");
     screen.push_back(heading);
@@ -132,7 +132,7 @@ std::string watchScreen(const WatchState& state, const WatchHistory& history,
                         const ScreenSize& size, const TextStyle& style) {
     Lines lines = linesOf(formatTable(instanceRows(state)));
     const std::size_t settings = std::min(history.settings.size(), kSettingsShown);
-    // Two sections have a heading and an empty line each, and the last line stays free.
+    // Two sections with a heading and an empty line each, and the last line, which stays free.
     const std::size_t taken = lines.size() + settings + 5;
     addSection(lines, "Changed settings:", history.settings, settings);
     addSection(lines, "Events:", history.events, size.rows > taken ? size.rows - taken : 1);

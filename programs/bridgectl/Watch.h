@@ -11,7 +11,7 @@
 #include "shared/Console.h"
 #include "shared/TextStyle.h"
 
-// What `bridgectl watch` looks at, and how it shows that.
+// The state that `bridgectl watch` shows, and how it shows it.
 
 struct WatchedInstance {
     std::string displayName;
@@ -24,7 +24,7 @@ struct WatchState {
     std::map<std::string, std::string> values;  // of every key, in the form of the file
 };
 
-// The state that a configuration file describes; nothing runs in it.
+// The state that a configuration file describes, with no program running.
 WatchState watchedConfiguration(std::string_view content);
 
 struct WatchChange {
@@ -32,15 +32,15 @@ struct WatchChange {
     std::vector<std::pair<std::string, std::string>> fields;
 };
 
-// Instances that came and went, programs that started and ended, and values that changed. The
-// values of an instance that came or went are no changes.
+// Instances added or removed, programs started or ended, and values changed. Values of an added or
+// removed instance do not count.
 std::vector<WatchChange> changesBetween(const WatchState& before, const WatchState& after);
 
-// One line with its line feed, in the form of an event's.
+// One line with its line feed, in the same form as an event's line.
 std::string changeText(const LocalTime& time, const WatchChange& change);
 std::string changeJson(const LocalTime& time, const WatchChange& change);
 
-// What the screen shows of the past, the newest at the end.
+// Past changes and events, newest last.
 struct WatchHistory {
     std::vector<std::string> events;    // lines of events, and of programs and instances
     std::vector<std::string> settings;  // lines of values that changed
@@ -48,8 +48,8 @@ struct WatchHistory {
     void add(std::vector<std::string>& lines, const std::string& line);
 };
 
-// The whole screen, with the sequences that draw it over the one before: every line fits into the
-// width, and all of them into the height as far as the instances leave room.
+// The whole screen with the escape sequences that draw it over the previous one. Every line fits
+// the width. All lines fit the height unless there are too many instances.
 std::string watchScreen(const WatchState& state, const WatchHistory& history,
                         const ScreenSize& size, const TextStyle& style);
 

@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <string>
 
-// The system's words for a Windows error, in one line and in the user's language; empty for an
-// error that it does not know.
+// The text of a Windows error in the user's language, in one line. Empty for an unknown error.
 std::string windowsErrorText(std::uint32_t error);
 
 #endif

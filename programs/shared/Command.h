@@ -6,16 +6,16 @@
 class OptionParser;
 class Session;
 
-// A command of the program. Each file in commands/ defines one, in a constant named "command" and
-// the file's name, and is all that a new command takes.
+// A command of the program. Each file in commands/ defines one, in a constant named "command" plus
+// the file's name. CMake adds it to the table; nothing else lists the commands.
 struct Command {
-    const char* group;    // "conf" in "conf get"; empty for a command of its own
+    const char* section;  // heading in the program's help; one of Program::sections
+    const char* group;    // "conf" in "conf get"; empty for a top-level command
     const char* name;     // "get"
-    const char* summary;  // one line of the help
-    const char* details;  // what else the command's own help says, with an example
+    const char* summary;  // one line of help
+    const char* details;  // examples and notes, in the form that HelpText.h describes
 
-    // Adds the command's options and arguments, and its work as what happens when it is given. Null
-    // for a group of commands, which has neither.
+    // Adds the command's options and arguments, and its action. Null for a group of commands.
     void (*declare)(OptionParser& parser, Session& session);
 };
 

@@ -14,41 +14,48 @@
 
 namespace {
 
-std::string exitCodeHelp() {
+std::string exitCodeHelp(const std::vector<ExitCode>& codes) {
     std::string text = "Exit codes:\n";
-#define PROGRAM_LINE(name, number, meaning) text += "  " #number "  " meaning "\n";
-    PROGRAM_EXIT_CODES(PROGRAM_LINE)
-#undef PROGRAM_LINE
+    for (const ExitCode code : codes) {
+        const std::string number = std::to_string(static_cast<int>(code));
+        text += std::string(4 - number.size(), ' ') + number + "  " + exitCodeMeaning(code) + "\n";
+    }
     return text;
 }
 
-void declareGroups(OptionParser options) {
-    for (const Command* group : allCommands()) {
-        if (group->declare != nullptr) continue;
-        options.addCommand(group->name, group->summary, group->details).requireCommand();
-    }
+void addGroup(OptionParser options, const Command& group) {
+    options.addCommand(group.name, group.summary, group.details, group.section).requireCommand();
 }
 
-OptionParser parserFor(OptionParser options, const Command& command) {
+void addCommand(OptionParser options, const Program& program, Session& session,
+                const Command& command) {
     OptionParser outer = *command.group == '\0' ? options : options.command(command.group).value();
-    return outer.addCommand(command.name, command.summary, command.details);
+    OptionParser parser =
+        outer.addCommand(command.name, command.summary, command.details, command.section);
+    command.declare(parser, session);
+    if (program.declareCommonOptions != nullptr) program.declareCommonOptions(parser, session);
 }
 
 void declareCommands(OptionParser options, const Program& program, Session& session) {
-    declareGroups(options);
-    for (const Command* command : allCommands()) {
-        if (command->declare == nullptr) continue;
-        OptionParser parser = parserFor(options, *command);
-        command->declare(parser, session);
-        if (program.declareCommonOptions != nullptr) program.declareCommonOptions(parser, session);
+    for (const std::string section : program.sections) {
+        for (const Command* command : allCommands()) {
+            if (command->section == section && command->declare == nullptr) {
+                addGroup(options, *command);
+            }
+        }
+        for (const Command* command : allCommands()) {
+            if (command->section == section && command->declare != nullptr) {
+                addCommand(options, program, session, *command);
+            }
+        }
     }
 }
 
 void declareProgram(ProgramParser& parser, const Program& program, Session& session) {
     OptionParser options = parser.options();
-    program.declareOptions(options, session);
     parser.addVersion(program.version);
-    parser.setDetails(exitCodeHelp());
+    program.declareOptions(options, session);
+    parser.setDetails(exitCodeHelp(program.exitCodes));
     options.requireCommand();
     declareCommands(options, program, session);
 }
@@ -57,7 +64,7 @@ std::string hintOf(const Program& program, const ParseEnd& end) {
     for (const auto& [command, hint] : program.elsewhere) {
         if (end.unknownCommand == command) return hint;
     }
-    return end.hint.empty() ? std::string("see ") + programName + " --help" : end.hint;
+    return end.hint.empty() ? "see " + end.command + " --help" : end.hint;
 }
 
 void endWith(ProgramRun& run, const Program& program, const ParseEnd& end) {
@@ -77,7 +84,8 @@ void endWith(ProgramRun& run, const Program& program, const ParseEnd& end) {
     }
 }
 
-// Whether even the error of a command line that is not understood is to be JSON.
+// Whether an error in the command line is printed as JSON. The parser may fail before it sees the
+// option.
 bool asksForJson(const std::vector<std::string>& arguments) {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     return std::find(arguments.begin(), end, "--json") != end;

@@ -6,26 +6,30 @@
 #include <vector>
 
 #include "shared/Command.h"
+#include "shared/ExitCode.h"
 #include "shared/ProgramRun.h"
 
-// What a program's command line has beside its commands.
+// A program's command line apart from its commands.
 struct Program {
-    const char* description;  // one line of the help
-    std::string version;      // what --version prints
+    const char* description;  // one line of help
+    std::string version;      // printed by --version
 
-    // Adds the options in front of the command.
+    std::vector<const char*> sections;  // of the help, in order; every command is in one of them
+    std::vector<ExitCode> exitCodes;    // those that the help explains
+
+    // Adds the options before the command.
     void (*declareOptions)(OptionParser& parser, Session& session);
 
-    // Adds the options that every command has; null when there are none.
+    // Adds the options that every command has. Null if there are none.
     void (*declareCommonOptions)(OptionParser& parser, Session& session);
 
-    // Commands that people look for here and another program has: the name, and where it is.
+    // Commands of another program that people may try here, each with a hint.
     std::vector<std::pair<const char*, const char*>> elsewhere;
 };
 
-// All that main() does: parses this process's command line, does the command's work and answers the
-// exit code, which the work leaves in `run`, the session's base. Nothing that this process starts
-// inherits its standard handles.
+// Does all the work of main(): parses the command line of this process, runs the command and
+// returns the exit code, which the command leaves in `run`, the base of the session. Child
+// processes do not inherit the standard handles.
 int runCommandLine(const Program& program, Session& session, ProgramRun& run) noexcept;
 
 #endif

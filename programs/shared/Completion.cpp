@@ -16,7 +16,7 @@ const typename Nodes::value_type* find(const Nodes& nodes, const std::string& na
 
 bool isOption(const std::string& word) { return word.size() > 1 && word.front() == '-'; }
 
-// How far a command line has got.
+// The state after some words of a command line.
 struct Place {
     const CommandNode* command;
     Words before;                         // the command's arguments by their places
@@ -40,7 +40,7 @@ void advance(Place& place, const std::string& word) {
     }
 }
 
-// The argument that comes next by its place; null when there is none.
+// The next positional argument, or null.
 const OptionNode* nextArgument(const Place& place) {
     std::size_t index = 0;
     for (const OptionNode& option : place.command->options) {

@@ -7,15 +7,15 @@
 
 #include "shared/CommandTree.h"
 
-// What can come next on a command line, for the scripts that make a shell complete it.
+// Completion of command lines in a shell.
 
-// Names for an option or argument that the parser has no list of. `before` has the arguments by
-// their places that the command got so far.
+// Names for an option or argument without a fixed list of choices. `before` has the positional
+// arguments so far.
 using CompletionValues = std::function<std::vector<std::string>(
     const OptionNode& option, const std::vector<std::string>& before)>;
 
-// The words that can come after `words`, which are whole. Where a value comes, its names only;
-// else commands, options and the names of the next argument.
+// The words that can follow the complete words in `words`. If the last word is an option that needs
+// a value, these are its values; otherwise values of the next argument, subcommands and options.
 std::vector<std::string> completionsAfter(const CommandNode& program,
                                           const std::vector<std::string>& words,
                                           const CompletionValues& values);

@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Scripts that make a shell complete a program's command line. They ask the program itself, by
-// "complete -- WORD...", with the words before the one that is being typed.
+// Scripts that make a shell complete a program's command line. They call the program with "complete
+// -- WORD...", where the words are those before the incomplete one.
 std::string bashCompletion(const std::string& program);
 std::string powershellCompletion(const std::string& program);
 

@@ -42,7 +42,7 @@ bool printBytes(HANDLE handle, std::string_view text) {
     return true;
 }
 
-// Standard output once it was taken; null before.
+// The original standard output after takeStandardOutput(), or null.
 std::atomic<HANDLE> takenOutput{nullptr};
 
 HANDLE handleOf(DWORD stream) {
@@ -50,8 +50,8 @@ HANDLE handleOf(DWORD stream) {
     return taken == nullptr ? ::GetStdHandle(stream) : taken;
 }
 
-// Leads the C runtime's descriptor 1 to standard error, or to nowhere. The runtime is the one that
-// the libraries of this process print with.
+// Redirects descriptor 1 of the C runtime to standard error, or to NUL. The libraries of this
+// process print through the same runtime.
 void redirectDescriptor() {
     if (::_dup2(2, 1) == 0) return;
     const int nowhere = ::_open("NUL", _O_WRONLY | _O_BINARY);
@@ -67,7 +67,7 @@ bool print(DWORD stream, std::string_view text) {
                                                                 : printBytes(handle, text);
 }
 
-// Whether a handle is a terminal, which is made to follow escape sequences.
+// Whether a handle is a terminal. Enables escape sequences if it is.
 bool takesSequences(HANDLE handle) {
     DWORD mode = 0;
     return ::GetConsoleMode(handle, &mode) != 0 &&
@@ -84,7 +84,7 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     void (*const end)() = consoleEnd.exchange(nullptr);
     if (end == nullptr) return FALSE;
     end();
-    // The system ends the process when this returns; main() is on its way to do that.
+    // The system ends the process when this returns, but main() is about to return.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(INFINITE);
     return TRUE;
 }

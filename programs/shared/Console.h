@@ -9,43 +9,43 @@
 
 #include "shared/TextStyle.h"
 
-// Keeps standard output for printOut(): whatever else of this process prints there, such as a
-// library that has no log yet, prints on standard error from then on.
+// Reserves standard output for printOut(). Anything else in this process that prints there, such as
+// a library without an open log, prints on standard error from then on.
 void takeStandardOutput();
 
-// UTF-8 in and out: as it stands into files and pipes, converted for a console window. False when
-// not all of it could be written.
+// Print UTF-8 text: unchanged into files and pipes, converted on a console. printOut() returns
+// false if not all text was written.
 bool printOut(std::string_view text);
 void printError(std::string_view text);
 
-// On standard error too, but nothing has failed.
+// Prints on standard error without marking an error.
 void printNotice(std::string_view text);
 
-// The window of standard output, which is made ready for sequences that move the cursor; nothing
-// when it is no terminal.
+// The size of the terminal of standard output, with escape sequences enabled. Empty if it is not a
+// terminal.
 struct ScreenSize {
     std::size_t columns = 80;
     std::size_t rows = 24;
 };
 std::optional<ScreenSize> outputSize();
 
-// The style of a stream of this process, which is made ready to show colours.
+// The style for a stream. Enables colours on a terminal.
 TextStyle outputStyle();
 TextStyle errorStyle();
 
-// Calls a function, on a thread of its own, when the user ends the program with Ctrl-C or
-// Ctrl-Break or closes the console; main() is to return soon then. A second time ends the program
-// at once.
+// Sets a function that is called on another thread when the user presses Ctrl-C or Ctrl-Break or
+// closes the console. main() should return soon afterwards. The second time ends the program at
+// once.
 void onConsoleEnd(void (*end)());
 
-// Keeps the standard handles from the programs that this one starts: they would hold a pipe open,
-// and whoever reads it would wait for their end.
+// Makes the standard handles non-inheritable. A child that inherits a pipe keeps it open, and its
+// reader waits for the child's end.
 void keepStandardHandles();
 
-// The arguments of the command line behind the program's name.
+// The arguments after the program's name.
 std::vector<std::string> commandLineArguments();
 
-// What errors begin with. Each program defines its own.
+// The prefix of error messages. Each program defines its own.
 extern const char* const programName;
 
 #endif

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
-// Columns that a UTF-8 text takes in a terminal: two for wide East Asian characters and
-// pictographs, none for combining marks. Bytes that are not UTF-8 count one each.
+// The columns that a UTF-8 text takes on a terminal: two for wide East Asian characters and
+// pictographs, none for combining marks. Each byte that is not UTF-8 counts as one.
 std::size_t displayWidth(std::string_view text);
 
 #endif

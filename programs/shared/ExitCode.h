@@ -1,7 +1,7 @@
 #ifndef SHARED_EXITCODE_H
 #define SHARED_EXITCODE_H
 
-// X(name, number, meaning): how the program ends. The help prints this table.
+// X(name, number, meaning)
 #define PROGRAM_EXIT_CODES(X)                                              \
     X(Success, 0, "done")                                                  \
     X(Found, 1, "the doctor found a problem")                              \
@@ -24,7 +24,7 @@ enum class ExitCode : int {
 #undef PROGRAM_ENUMERATOR
 };
 
-// Name of a code: "UnknownName".
+// The name of a code: "UnknownName".
 constexpr const char* exitCodeName(ExitCode code) {
     switch (code) {
 #define PROGRAM_NAME(name, number, meaning) \
@@ -32,6 +32,18 @@ constexpr const char* exitCodeName(ExitCode code) {
         return #name;
         PROGRAM_EXIT_CODES(PROGRAM_NAME)
 #undef PROGRAM_NAME
+    }
+    return "";
+}
+
+// The text for the help: "no such key, instance or app".
+constexpr const char* exitCodeMeaning(ExitCode code) {
+    switch (code) {
+#define PROGRAM_MEANING(name, number, meaning) \
+    case ExitCode::name:                       \
+        return meaning;
+        PROGRAM_EXIT_CODES(PROGRAM_MEANING)
+#undef PROGRAM_MEANING
     }
     return "";
 }

@@ -7,7 +7,10 @@
 
 #include "shared/CommandTree.h"
 #include "shared/Console.h"
+#include "shared/ExitCode.h"
+#include "shared/HelpText.h"
 #include "shared/Joined.h"
+#include "shared/Nearest.h"
 #include "shared/OptionParser.h"
 #include "shared/ProgramRun.h"
 
@@ -15,13 +18,22 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+bool failUnknown(ProgramRun& run, const OptionParser& outer, const Names& names,
+                 const std::string& wrong) {
+    Names possible;
+    for (const CommandNode& command : outer.tree().commands) possible.push_back(command.name);
+    const std::string hint = nearestHint(wrong, possible);
+    return run.fail(ExitCode::Usage, "no such command: " + joined(names, " "),
+                    hint.empty() ? std::string("see ") + programName + " --help" : hint);
+}
+
 void explain(ProgramRun& run, const OptionParser& program, const Names& names) {
     OptionParser parser = program;
     std::string title = program.name();
     for (const std::string& name : names) {
         const std::optional<OptionParser> command = parser.command(name);
         if (!command) {
-            run.fail(ExitCode::Usage, "no such command: " + joined(names, " "));
+            failUnknown(run, parser, names, name);
             return;
         }
         parser = *command;
@@ -29,15 +41,24 @@ void explain(ProgramRun& run, const OptionParser& program, const Names& names) {
     }
     if (run.json) {
         run.printJson(commandJson(parser.tree()));
-        return;
+    } else {
+        run.print(outputStyle().help(helpText(parser.tree(), title)));
     }
-    run.print(outputStyle().help(parser.help(title)));
 }
 
 }  // namespace
 
 void declareHelp(OptionParser& parser, ProgramRun& run) {
     const auto names = std::make_shared<Names>();
-    parser.add("COMMAND", *names, "Command to explain; without it, all are listed");
-    parser.onRun([&run, program = parser.parent(), names] { explain(run, program, *names); });
+    const auto markdown = std::make_shared<bool>(false);
+    Option command = parser.add("COMMAND", *names, "Command to explain (default: the program)");
+    parser.addFlag("--markdown", *markdown, "Print the reference page of all commands")
+        .excludes(command);
+    parser.onRun([&run, program = parser.parent(), names, markdown] {
+        if (*markdown && !run.json) {
+            run.print(helpMarkdown(program.tree()));
+        } else {
+            explain(run, program, *names);
+        }
+    });
 }

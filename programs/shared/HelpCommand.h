@@ -5,7 +5,7 @@
 
 class OptionParser;
 
-// Declares "help [COMMAND]", which explains the commands of the parser's program.
+// Declares "help [COMMAND...]", which prints the help of a command of the parser's program.
 void declareHelp(OptionParser& parser, ProgramRun& run);
 
 #endif

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// The words in one text with a separator between them.
+// Joins words with a separator.
 inline std::string joined(const std::vector<std::string>& words, const char* separator) {
     std::string text;
     for (const std::string& word : words) {

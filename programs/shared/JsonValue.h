@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// JSON that a program prints. It is built here without the JSON library, which takes the compiler
-// longer than the rest of most files.
+// JSON output. This header does not include the JSON library, which would slow down the compilation
+// of most files.
 
 class JsonValue;
 struct JsonMember;
@@ -16,10 +16,10 @@ struct JsonMember;
 using JsonArray = std::vector<JsonValue>;
 using JsonObject = std::vector<JsonMember>;  // in the order in which they are printed
 
-// A value that does not change; copies share it.
+// An immutable value. Copies share it.
 class JsonValue {
  public:
-    // Not explicit: what is put into an array or object is such a value.
+    // Implicit, so that arrays and objects can be written as initializer lists.
     JsonValue(std::nullptr_t);
     JsonValue(bool value);
     JsonValue(int value);
@@ -30,8 +30,8 @@ class JsonValue {
     JsonValue(const JsonArray& values);
     JsonValue(const JsonObject& members);
 
-    // With U+FFFD for bytes that are not UTF-8, and null for numbers that are none: in lines
-    // indented by four blanks a level, or all in one line; without a line feed at the end.
+    // The value indented by four spaces per level, or in one line; without a line feed at the end.
+    // Bytes that are not UTF-8 become U+FFFD, and numbers that are not finite become null.
     std::string indented() const;
     std::string inOneLine() const;
 

@@ -7,7 +7,7 @@ namespace {
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Damerau-Levenshtein distance, in which two neighbours that changed places are one change.
+// Damerau-Levenshtein distance: a transposition of adjacent characters counts as one edit.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> beforeLast(b.size() + 1);
     std::vector<std::size_t> last(b.size() + 1);

@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
-// The name that a mistyped word probably means: the one that the fewest characters have to be
-// changed for, of equal ones the first. The case of ASCII letters does not count. Nothing when
-// every name differs in more than a third of the word's characters, or the word is one of them.
+// The name nearest to a mistyped word by edit distance, ignoring the case of ASCII letters; of
+// equally near names the first. Empty if every name differs in more than a third of the word's
+// characters, or if the word is one of the names.
 std::optional<std::string> nearestName(std::string_view word,
                                        const std::vector<std::string>& names);
 
-// "did you mean X?" for the nearest name; empty without one.
+// "did you mean X?" for the nearest name. Empty without one.
 std::string nearestHint(std::string_view word, const std::vector<std::string>& names);
 
 #endif

@@ -14,33 +14,36 @@ class Option;
 }  // namespace CLI
 struct CommandNode;
 
-// The command line of the programs. Only OptionParser.cpp includes the parser library: it has no
-// part that is compiled once, and takes the compiler longer than all else in a command's file.
+// The command line of the programs, parsed by CLI11. Only OptionParser.cpp includes CLI11: it is
+// header-only and takes longer to compile than the rest of a command's file.
 
-// An option or argument of a command. Copies stand for the same one, which lives as long as its
-// parser. Functions that return an option return this one.
+// An option or positional argument of a command. Copies refer to the same option, which lives as
+// long as its parser. Functions that return an Option return this one.
 class Option {
  public:
     explicit Option(CLI::Option& option) : option_(&option) {}
 
     Option required();
-    Option needs(Option other);     // is refused without the other
-    Option excludes(Option other);  // is refused together with the other
+    Option needs(Option other);     // an error without the other
+    Option excludes(Option other);  // an error together with the other
     Option oneOf(const std::vector<std::string>& names);
     Option notEmpty();
     Option positive();
     Option between(unsigned least, unsigned most);
 
-    // Of a list: one word holds all items, separated by commas.
+    // For a list: one word holds all items, separated by commas.
     Option inOneWord();
 
-    // The heading that the help shows it under.
+    // The name of the value in the help: "FILE".
+    Option taking(const char* valueName);
+
+    // The heading in the help.
     Option under(const char* heading);
 
-    // The help shows the present value as the default.
+    // Shows the current value in the help as the default.
     Option withDefault();
 
-    // Whether the command line has it; known once that is parsed.
+    // Whether the command line has the option. Valid after parsing.
     bool isGiven() const;
 
  private:
@@ -49,52 +52,51 @@ class Option {
     CLI::Option* option_;
 };
 
-// The options of a program or of one of its commands. Copies stand for the same ones, which live as
-// long as the program's parser.
+// The options of a program or of one of its commands. Copies refer to the same options, which live
+// as long as the program's parser.
 class OptionParser {
  public:
     explicit OptionParser(CLI::App& app) : app_(&app) {}
 
-    // An option ("--count"), or an argument by its place ("INSTANCE"). `value` must live as long as
-    // the parser, and stays as it is when the command line has none.
+    // An option ("--count") or a positional argument ("INSTANCE"). `value` must outlive the parser.
+    // It does not change if the command line does not have the option.
     Option add(const char* name, std::string& value, const char* help);
     Option add(const char* name, unsigned& value, const char* help);
     Option add(const char* name, std::optional<std::string>& value, const char* help);
     Option add(const char* name, std::optional<std::int32_t>& value, const char* help);
     Option add(const char* name, std::vector<std::string>& value, const char* help);
 
-    // An option that may have a number of 1 or more behind it, shown under this name. The value is
-    // 0 without the number, and stays as it is without the option.
+    // An option with an optional number of 1 or more, which the help calls `number`. The value is 0
+    // without the number. It does not change without the option.
     Option addWithOptionalNumber(const char* name, std::optional<unsigned>& value,
                                  const char* number, const char* help);
 
-    // An option that is there or not.
+    // An option without a value.
     Option addFlag(const char* name, bool& value, const char* help);
 
-    // What happens, inside parse(), when the command line has this command and has no error.
+    // Called by parse() if the command line selects this command and has no error.
     void onRun(std::function<void()> action);
 
-    // Of a program: what happens, inside parse(), before its command's work.
+    // For a program: called by parse() before the action of its command.
     void onParsed(std::function<void()> action);
 
-    // A command inside this one. `details` is the end of its help.
-    OptionParser addCommand(const char* name, const char* summary, const char* details);
+    // Adds a subcommand. `details` is the end of its help, in the form that HelpText.h describes.
+    // The program's help lists the command in `section`.
+    OptionParser addCommand(const char* name, const char* summary, const char* details,
+                            const char* section);
 
-    // One of the commands inside must be given.
+    // Makes it an error to give no subcommand.
     void requireCommand();
 
-    // The command of this name inside this one; nothing when there is none.
+    // The subcommand of this name, if there is one.
     std::optional<OptionParser> command(const std::string& name) const;
 
-    // The program or group that a command is inside of.
+    // The program or group that contains this command.
     OptionParser parent() const;
 
     std::string name() const;
 
-    // The help, with `title` as the name in its line of usage.
-    std::string help(const std::string& title) const;
-
-    // What has been declared.
+    // Everything declared so far.
     CommandNode tree() const;
 
  private:
@@ -105,9 +107,10 @@ class OptionParser {
 struct ParseEnd {
     enum Kind { Understood, Help, Version, Error };
     Kind kind;
-    std::string text;  // help, version or error, without a line feed at the end of the last two
-    std::string hint;  // of an error: what was probably meant
-    std::string unknownCommand;  // of an error: the command that there is not, "conf frob"
+    std::string text;  // help, version or error; the last two without a line feed at the end
+    std::string hint;  // for an error: what to do, if that is known
+    std::string unknownCommand;  // for an error: the command that does not exist, "conf frob"
+    std::string command;         // the innermost command of the line: "program conf get"
 };
 
 // Owns the options of a program and of its commands.
@@ -123,10 +126,10 @@ class ProgramParser {
     // Adds --version, which shows this text.
     void addVersion(const std::string& text);
 
-    // The end of the program's help.
+    // Sets the end of the program's help.
     void setDetails(const std::string& text);
 
-    // Runs the action of the command that is given. Exceptions of the action pass through.
+    // Runs the action of the selected command. Exceptions of the action pass through.
     ParseEnd parse(const std::vector<std::string>& arguments);
 
  private:

@@ -9,7 +9,7 @@
 
 namespace {
 
-// An output that takes nothing has a failure of its own already, or gets it at the next result.
+// The result can be ignored: if the output is broken, the next print() reports it.
 void printErrorJson(ExitCode code, const std::string& message, const std::string& hint) {
     const JsonValue error = JsonObject{{"code", static_cast<int>(code)},
                                        {"name", exitCodeName(code)},
@@ -55,12 +55,19 @@ bool ProgramRun::failInstance(std::string_view instance, const std::string& hint
 bool ProgramRun::requireInstallFolder() {
     const std::string folder =
         utlRegistryString(UtlRegistryRoot::LocalMachine, UTL_PRODUCT_KEY, "InstallDir", {});
-    return !folder.empty() || fail(ExitCode::Library, "the registry names no install folder",
-                                   "the installer writes it: " + registryValueName("InstallDir"));
+    return !folder.empty() ||
+           fail(ExitCode::Library, "the registry has no install folder",
+                "reinstall the product, or set it: " + registryValueName("InstallDir"));
 }
 
 std::string registryValueName(const std::string& value) {
     return std::string("HKEY_LOCAL_MACHINE\\") + UTL_PRODUCT_KEY + ", value \"" + value + "\"";
+}
+
+std::string configurationPath() { return utlGetDataDir() + "vantrel.conf"; }
+
+std::string configurationHint(const std::string& path) {
+    return "the file is " + path + "; see bridgectl doctor";
 }
 
 std::string dataFolderHint() {

@@ -8,8 +8,8 @@
 #include "shared/JsonValue.h"
 #include "xpl/Xerr.h"
 
-// One run of a program: where it logs, how it prints and how it ends. The programs' sessions are
-// runs.
+// One run of a program: its log, its output and its exit code. The sessions of the programs derive
+// from it.
 class ProgramRun {
  public:
     ProgramRun() = default;
@@ -22,33 +22,32 @@ class ProgramRun {
 
     ExitCode exitCode = ExitCode::Success;
 
-    // Prints a result on standard output. False, after an error, when it cannot be written: as with
-    // every function below.
+    // Prints a result on standard output. Like every function below, returns false after an error.
     bool print(std::string_view text);
 
-    // The same, indented.
+    // Prints a result as indented JSON.
     bool printJson(const JsonValue& value);
 
-    // Says that the work is done, in one of the two forms.
+    // Confirms that the work is done, as text or JSON.
     bool confirm(const std::string& text, const JsonValue& value);
 
-    // A line on standard error that is no error.
+    // Prints a line on standard error that is not an error.
     void notice(const std::string& text) const;
 
-    // Prints an error, and in a line of its own what to do about it where that is known, and sets
-    // the exit code; false, so that callers can return it. With `json` the same goes to standard
-    // output too, as one line: an object with "code", "name", "text" and "hint".
+    // Prints an error, and a hint in another line if there is one, and sets the exit code. Returns
+    // false for the caller to return. With `json`, also prints one line on standard output: an
+    // object with "code", "name", "text" and "hint".
     bool fail(ExitCode code, const std::string& message, const std::string& hint = {});
 
-    // The same for a status of the library.
+    // The same for a result code of the library.
     bool failStatus(ExitCode code, const std::string& what, XErr status,
                     const std::string& hint = {});
 
-    // The error of an instance that is not known.
+    // Reports an unknown instance.
     bool failInstance(std::string_view instance, const std::string& hint = {});
 
-    // False, after an error, when the registry names no install folder. Asking for it then would
-    // end the process.
+    // False, after an error, if the registry has no install folder. The library would end the
+    // process.
     bool requireInstallFolder();
 
     std::string logPath() const;
@@ -56,14 +55,21 @@ class ProgramRun {
  protected:
     ~ProgramRun() = default;
 
-    // False after an error. A log that cannot be opened would end the process without a word.
+    // False after an error. The library ends the process without a message if it cannot open its
+    // log.
     bool requireLog();
 };
 
-// A value of the product's key in the registry, as people look for it.
+// A value of the product's registry key, in the form that messages show.
 std::string registryValueName(const std::string& value);
 
-// Where the data folder comes from, for errors about what should be in it.
+// The product's configuration file.
+std::string configurationPath();
+
+// A hint for errors about the configuration in this file.
+std::string configurationHint(const std::string& path);
+
+// A hint for errors about files in the data folder: where its path comes from.
 std::string dataFolderHint();
 
 #endif

@@ -42,7 +42,7 @@ std::string markdownRow(const TableRow& row) {
 
 }  // namespace
 
-// C0 controls and DEL, and in two bytes U+0080 to U+009F.
+// C0 controls, DEL, and U+0080 to U+009F, which have two bytes.
 std::string withoutControls(const std::string& text) {
     std::string safe;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -8,15 +8,15 @@
 
 using TableRow = std::vector<std::string>;
 
-// Rows of equal length as lines of aligned columns, two blanks apart, without blanks at the ends.
-// The first row is the heading. Control characters become U+FFFD: they would break the lines, or
-// reach the terminal.
+// Rows of equal length as lines of aligned columns, separated by two spaces, without trailing
+// spaces. The first row is the heading. Control characters become U+FFFD: they would break lines or
+// control the terminal.
 std::string formatTable(const std::vector<TableRow>& rows, const TextStyle& style = {});
 
-// A text with U+FFFD in place of its control characters.
+// The text with U+FFFD instead of control characters.
 std::string withoutControls(const std::string& text);
 
-// The same as a table in Markdown.
+// The same as a Markdown table.
 std::string markdownTable(const std::vector<TableRow>& rows);
 
 #endif

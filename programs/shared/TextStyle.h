@@ -4,19 +4,19 @@
 #include <string>
 #include <string_view>
 
-// How headings and errors look on a terminal; on anything else the text stays as it is.
+// Styles headings and errors on a terminal. Elsewhere, text stays unchanged.
 class TextStyle {
  public:
     TextStyle() = default;
 
-    // For a stream that is a terminal or not, and the value of the variable NO_COLOR; null when it
-    // is not set. An empty value asks for nothing.
+    // `noColor` is the value of the variable NO_COLOR, or null. An empty value does not turn
+    // colours off.
     TextStyle(bool isTerminal, const char* noColor);
 
     std::string heading(std::string_view text) const;
     std::string error(std::string_view text) const;
 
-    // A program's help: lines that end with ":" and begin at the margin are headings.
+    // Styles the headings of a help text: unindented lines that end with ":".
     std::string help(std::string_view text) const;
 
  private:

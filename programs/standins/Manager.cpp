@@ -1,4 +1,4 @@
-// QX-MultiInstanceManager.exe, standing in for the multi-instance manager.
+// QX-MultiInstanceManager.exe: a stand-in for the multi-instance manager.
 #include "Standin.h"
 #include "StandinDecode.h"
 

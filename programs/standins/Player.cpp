@@ -1,4 +1,4 @@
-// QX-Player.exe, standing in for the player of one instance.
+// QX-Player.exe: a stand-in for the player of one instance.
 #include "Standin.h"
 #include "StandinCommandLine.h"
 #include "StandinDecode.h"

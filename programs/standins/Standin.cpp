@@ -31,7 +31,7 @@ struct FreeArguments {
     void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
 };
 
-// The command line as shells and other programs write it. The product's own quoting is another.
+// The command line split by the common rules. The product quotes differently.
 std::vector<std::string> commonArguments() {
     int count = 0;
     const std::unique_ptr<LPWSTR[], FreeArguments> wide(
@@ -49,15 +49,42 @@ void printOut(const std::string& text) {
                 &written, nullptr);
 }
 
-std::string help() {
-    return "A stand-in for a program of the product. Besides the product's command lines it takes\n"
-           "  --event NAME ARGUMENT...  sends an event to the front ends, and ends: status 0 when\n"
-           "                            one took it, 3 when none did, 2 for a misuse\n"
-           "  --script FILE             sends the events of a script with its pauses, and ends: "
-           "the\n"
-           "                            same status\n"
+std::string help(const std::string& program) {
+    return "Stand in for a program of the product\n\n"
+           "Usage: " +
+           program +
+           " PRODUCT-ARGUMENT...\n"
+           "       " +
+           program +
+           " --event NAME [ARGUMENT...]\n"
+           "       " +
+           program +
+           " --script FILE\n\n"
+           "With the product's arguments, it serves requests and sends events as the product "
+           "does.\n\n"
+           "Options:\n"
+           "  --event NAME [ARGUMENT...]  Send an event to the front ends and end\n"
+           "  --script FILE               Send the events of a script and end\n"
+           "  --help                      Print this help\n\n"
+           "Examples:\n"
+           "  " +
+           program +
+           " --event app-displayed Nougat64 com.example.app\n"
+           "  " +
+           program +
+           " --script trace.script\n\n"
            "Events and their arguments:\n" +
-           standinEventHelp();
+           standinEventHelp() +
+           "\nEnvironment variables:\n"
+           "  QX_STANDIN_OUTPUT   File for a line per request and event\n"
+           "  QX_STANDIN_FORMAT   json: each line is a JSON object\n"
+           "  QX_STANDIN_SCRIPT   Script with replies, events and misbehaviour\n"
+           "  QX_STANDIN_SECONDS  End after this many seconds without a request (default: 20)\n"
+           "  QX_STANDIN_CLIENTS  Client ids of the front ends, separated by commas, or none\n"
+           "\nExit codes:\n"
+           "   0  done; with --event or --script: a front end took every event\n"
+           "   2  the command line or the script is not understood; the output file has the error\n"
+           "   3  no front end took an event\n";
 }
 
 std::string environment(const wchar_t* name) {
@@ -135,7 +162,8 @@ std::optional<int> Standin::runOption() {
     if (arguments[1] == "--event") return sendEvent({arguments.begin() + 2, arguments.end()});
     if (arguments[1] == "--script") return replay(arguments.size() > 2 ? arguments[2] : "");
     if (arguments[1] != "--help") return std::nullopt;
-    printOut(help());
+    const std::string program = ownStem();
+    printOut(help(program.substr(program.find_last_of("\\/") + 1) + ".exe"));
     return kDone;
 }
 
@@ -207,6 +235,6 @@ void Standin::serve(const std::string& serverName, StandinRequests requests) {
                                 !(script_.quitAfter && count >= *script_.quitAfter);
                      });
         sender.hurry();
-    }  // here its last events are sent
+    }  // the destructor of the sender sends its last events
     say("ended", serverName);
 }

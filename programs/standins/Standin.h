@@ -12,14 +12,14 @@
 #include "StandinSender.h"
 #include "xpl/XmutexNamed.h"
 
-// What both stand-ins share: where they write, how they are scripted, and how they run.
+// The common part of both stand-ins.
 //
-// A program that is started without a window prints nowhere, so a stand-in appends its lines to a
-// file: $QX_STANDIN_OUTPUT, or "<program>.output.txt" beside it. $QX_STANDIN_FORMAT=json makes each
-// line a JSON object. Its script is $QX_STANDIN_SCRIPT, or "<program>.script" beside it, if there
-// is one. It ends with the shutdown request, or after $QX_STANDIN_SECONDS (20) without a request.
-// Its events go to the front ends whose client ids $QX_STANDIN_CLIENTS lists ("none": to nobody),
-// or to all that the library knows.
+// A program started without a window has no visible output, so a stand-in appends its lines to a
+// file: $QX_STANDIN_OUTPUT, or "<program>.output.txt" in its folder. With $QX_STANDIN_FORMAT=json
+// each line is a JSON object. Its script is $QX_STANDIN_SCRIPT, or "<program>.script" in its folder
+// if that exists. It ends at the shutdown request, or after $QX_STANDIN_SECONDS (20) without a
+// request. It sends events to the front ends whose client ids are in $QX_STANDIN_CLIENTS ("none":
+// to no front end), by default to all ids that the library accepts.
 class Standin {
  public:
     // Exit statuses of the programs.
@@ -27,21 +27,21 @@ class Standin {
     static constexpr int kMisuse = 2;
     static constexpr int kNobody = 3;  // no front end took the event
 
-    // Takes the command line of this process; false when the script is not understood, which the
-    // output says.
+    // Reads the command line of this process and the script. False if the script has an error,
+    // which the output names.
     bool start();
 
     const std::vector<std::string>& arguments() const { return arguments_; }
 
-    // Appends a line: the text, or the same as a JSON object with this one member.
+    // Appends a line: "member: text", or a JSON object with this one member.
     void say(const char* member, const std::string& text);
 
-    // What the options ask for that need no server, "--event", "--script" and "--help", and the
-    // exit status; nothing when there is none of them.
+    // Handles the options that need no server, "--event", "--script" and "--help", and returns the
+    // exit status. Empty if none is given.
     std::optional<int> runOption();
 
     // Serves until the shutdown request, and sends the events of the script and of the command
-    // line. Only these of the command line when another stand-in serves the name.
+    // line. If another stand-in has the name, only sends the events of the command line.
     void serve(const std::string& serverName, StandinRequests requests);
 
  private:
@@ -49,7 +49,7 @@ class Standin {
     int replay(const std::string& path);
     StandinSending sending();
 
-    // What the script has for a command or request; else these events.
+    // The steps of the script for a command or request, or these events by default.
     StandinSteps stepsFor(std::string_view command,
                           const std::vector<StandinEvent>& otherwise) const;
     StandinSteps stepsForRequest(std::string_view packet, StandinRequests requests) const;
@@ -57,7 +57,7 @@ class Standin {
 
     std::vector<std::string> arguments_;
     std::string outputPath_;
-    XmutexNamed outputLock_;  // several stand-ins, and threads, may write into one file
+    XmutexNamed outputLock_;  // several stand-ins and threads may share the file
     StandinFormat format_ = StandinFormat::Text;
     StandinScript script_;
     std::vector<std::string> clients_;

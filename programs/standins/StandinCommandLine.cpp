@@ -5,7 +5,7 @@
 
 namespace {
 
-// Takes the argument that starts behind an opening quote.
+// Takes an argument whose opening quote has been removed.
 std::string takeQuoted(std::string_view& rest) {
     std::string argument;
     while (!rest.empty()) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Reads fields one behind the other, inside the packet's own bytes.
+// Reads consecutive fields of a packet and never past its end.
 class FieldReader {
  public:
     explicit FieldReader(std::string_view payload) : rest_(payload) {}
@@ -41,7 +41,7 @@ class FieldReader {
         return JsonValue(value);
     }
 
-    // Only the lowest byte counts.
+    // Only the lowest byte is significant.
     std::optional<JsonValue> boolean() {
         unsigned char bytes[4];
         if (!take(bytes, sizeof bytes)) return std::nullopt;

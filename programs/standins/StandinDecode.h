@@ -8,7 +8,7 @@
 
 #include "ipc/IpcRequest.h"
 
-// Requests as people and scripts read them.
+// Requests in a readable form.
 
 struct StandinRequests {
     const IpcRequest* first;
@@ -23,17 +23,17 @@ struct StandinHeader {
     std::uint32_t replyLength;
 };
 
-// The first 12 bytes of a packet; they must be there.
+// The first 12 bytes of a packet, which must have them.
 StandinHeader standinHeader(std::string_view packet);
 
-// The request that a packet is; null when it is none of these.
+// The request of a packet, or null.
 const IpcRequest* standinFindRequest(std::string_view packet, StandinRequests requests);
 
 enum class StandinFormat { Text, Json };
 
-// One line, without a line feed, for a whole packet: "plrLaunchAppRpc("com.example.app")" or a JSON
-// object with "request", "opcode", "replyLength" and "arguments". A packet that is no request of
-// the table, or whose fields do not fit it, is shown with its bytes.
+// A packet in one line without a line feed: "plrLaunchAppRpc("com.example.app")", or a JSON object
+// with "request", "opcode", "replyLength" and "arguments". An unknown request, or one whose fields
+// do not match the table, is shown in bytes.
 std::string standinDescribe(std::string_view packet, StandinRequests requests,
                             StandinFormat format);
 

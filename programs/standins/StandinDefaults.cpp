@@ -13,10 +13,10 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// What a command line gives for the options of its table row, in their order.
+// The values of a command line's options, in the order of its table row.
 using Values = std::vector<std::string>;
 
-// An installed package is named after its file; everything else about it is made up.
+// The package is named after the file. All other fields are made up.
 std::vector<Words> apkRows(const Values& values) {
     const std::string& file = values[1];
     const std::string name = file.substr(file.find_last_of("\\/") + 1);
@@ -42,7 +42,7 @@ std::vector<Words> imageRows(const Values& values) {
             {"image-install-progress", values[0], "2", "100"}};
 }
 
-// The new instance is the image's second one.
+// The new instance is always the image's second.
 std::vector<Words> createdRows(const Values& values) {
     return {{"create-instance-completed", "0", values[0] + "_1"}, {"instance-list-updated"}};
 }
@@ -51,7 +51,7 @@ std::vector<Words> noRows(const Values& /*values*/) { return {}; }
 
 struct Command {
     const char* word;
-    std::array<const char*, 2> options;  // null behind the last one
+    std::array<const char*, 2> options;  // null after the last one
     std::vector<Words> (*rows)(const Values& values);
 };
 

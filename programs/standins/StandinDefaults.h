@@ -7,14 +7,13 @@
 
 #include "StandinEvents.h"
 
-// What a stand-in does about a command line, as the product would, when its script says nothing.
+// The default behaviour of a stand-in without a script.
 
-// Whether the word is one of the commands ("launchApp") that the library starts the programs with,
-// or the name of a request ("plrLaunchAppRpc").
+// Whether the word is a command ("launchApp") or the name of a request ("plrLaunchAppRpc").
 bool standinIsCommand(std::string_view word);
 
-// The events that report the work of a command line with "--cmd", done at once and with success;
-// none for a command that no event reports, or that lacks an option.
+// The events that report the immediate success of a command line with "--cmd". Empty for a command
+// that no event reports, or one that lacks an option.
 std::vector<StandinEvent> standinDefaultEvents(const std::vector<std::string>& arguments);
 
 #endif

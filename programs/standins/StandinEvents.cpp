@@ -51,7 +51,7 @@ std::optional<StandinValue> parseFlag(const std::string& text) {
     return std::nullopt;
 }
 
-// This program never leaves the "C" locale, so that the point is a point.
+// The program uses the "C" locale, so the decimal point is a point.
 std::optional<StandinValue> parseDouble(const std::string& text) {
     char* stop = nullptr;
     const double number = std::strtod(text.c_str(), &stop);

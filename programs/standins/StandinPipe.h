@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-// Whether somebody serves a local socket of this name.
+// Whether a local socket of this name has a server.
 bool standinIsServed(const std::string& serverName);
 
-// One end of a local socket, over the system calls themselves. Operations end when the peer goes.
+// One end of a local socket, on the system calls. Operations end when the peer disconnects.
 class StandinPipe {
  public:
     static constexpr std::uint32_t kForever = 0xFFFFFFFF;
@@ -21,22 +21,22 @@ class StandinPipe {
     StandinPipe(const StandinPipe&) = delete;
     StandinPipe& operator=(const StandinPipe&) = delete;
 
-    // A server's end, which waits for a client. Not open when the system refuses it.
+    // A server's end, which waits for a client. Not open if the system refuses.
     static StandinPipe listen(const std::string& serverName);
 
-    // A client's end. While every instance of the server is taken it waits, for so long in all. Not
-    // open when nobody serves the name, or none became free.
+    // A client's end. Waits up to the timeout while all instances of the server are busy. Not open
+    // if there is no server, or none became free.
     static StandinPipe connect(const std::string& serverName, std::uint32_t milliseconds);
 
     bool isOpen() const { return pipe_ != nullptr; }
 
-    // Waits for a client. One that wrote and went has left its bytes.
+    // Waits for a client. The bytes of a client that has already disconnected can still be read.
     bool accept(std::uint32_t milliseconds);
 
-    // Reads until `bytes` has so many.
+    // Reads until `bytes` has this size.
     bool read(std::string& bytes, std::size_t count);
 
-    // Returns when the peer or the pipe's own memory has all bytes, so that closing loses none.
+    // Returns when all bytes are with the peer or in the pipe's buffer, so closing loses none.
     bool write(std::string_view bytes, std::uint32_t milliseconds = kForever);
 
     void close();
@@ -48,7 +48,7 @@ class StandinPipe {
     bool finish(int ok, Operation& operation, std::uint32_t milliseconds, std::uint32_t& count);
 
     void* pipe_ = nullptr;   // opened for overlapped operations
-    void* event_ = nullptr;  // set when the operation that runs has ended
+    void* event_ = nullptr;  // set when the current operation has ended
 };
 
 #endif

@@ -18,7 +18,7 @@ std::wstring pipePath(const std::string& serverName) {
     return path;
 }
 
-// The server may ask who the client is, and not act in its name.
+// The server may identify the client but not impersonate it.
 HANDLE openClient(const std::wstring& path) {
     return ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                          FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION,
@@ -70,7 +70,7 @@ StandinPipe StandinPipe::connect(const std::string& serverName, std::uint32_t mi
         if (::GetLastError() != ERROR_PIPE_BUSY) return {};
         const ULONGLONG now = ::GetTickCount64();
         if (now >= end) return {};
-        // Somebody else may take the instance that becomes free.
+        // Another client may take the free instance.
         ::WaitNamedPipeW(path.c_str(), static_cast<DWORD>(end - now));
     }
 }
@@ -114,7 +114,7 @@ void StandinPipe::close() {
     ::CloseHandle(std::exchange(event_, nullptr));
 }
 
-// An operation that takes too long is cancelled and waited for: it uses memory of its caller.
+// Cancels an operation that takes too long and waits for it to end: it uses the caller's memory.
 bool StandinPipe::finish(int ok, Operation& operation, std::uint32_t milliseconds,
                          std::uint32_t& count) {
     if (!ok && ::GetLastError() != ERROR_IO_PENDING) return false;

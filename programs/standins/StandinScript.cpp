@@ -11,12 +11,12 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// More would not fit into memory as events.
+// Limits the memory for events.
 constexpr int kMaxFlood = 1'000'000;
 
 constexpr std::string_view kBlanks = " \t\r";
 
-// Takes a word between double quotes, of which the first one is gone.
+// Takes a word whose opening double quote has been removed.
 bool takeQuoted(std::string_view& rest, std::string& word) {
     while (!rest.empty()) {
         char c = rest.front();
@@ -34,7 +34,7 @@ bool takeQuoted(std::string_view& rest, std::string& word) {
     return false;
 }
 
-// The words of a line in front of its comment; false when a quote does not fit.
+// Splits a line without its comment into words. False if a quote is unbalanced.
 bool splitLine(std::string_view rest, Words& words) {
     for (;;) {
         rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
@@ -107,7 +107,7 @@ bool isStep(std::string_view wish) {
     return wish == "event" || wish == "event-flood" || wish == "pause";
 }
 
-// Adds what the words from `first` on say: "event ...", "event-flood ..." or "pause ...".
+// Adds the step in the words from `first` on: "event ...", "event-flood ..." or "pause ...".
 bool addStep(StandinSteps& steps, const Words& words, std::size_t first, std::string& error) {
     const std::string& wish = words[first];
     Words rest(words.begin() + static_cast<std::ptrdiff_t>(first) + 1, words.end());

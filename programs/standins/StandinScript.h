@@ -11,29 +11,28 @@
 
 #include "StandinEvents.h"
 
-// How a stand-in answers and misbehaves, and which events it sends. A script has a line for each
-// wish, words apart by blanks; a word with blanks or "#" stands between double quotes, inside which
-// a backslash comes before every double quote and every backslash, and "\n" is a line feed. "#"
-// starts a comment:
+// How a stand-in replies, misbehaves and sends events. A script has a directive per line, with
+// words separated by spaces. A word with spaces or "#" is in double quotes, with a backslash before
+// every double quote and backslash; "\n" in it is a line feed. "#" starts a comment:
 //
 //     reply 0100000000000000   bytes of the reply, in hexadecimal (default: the number 1)
 //     delay 500                milliseconds before a reply
 //     split 3                  the reply in two writes, the first of this many bytes
 //     short 3                  only this many bytes of the reply
-//     garbage 20               this many bytes more behind the reply
+//     garbage 20               this many extra bytes after the reply
 //     close-early              closes the connection instead of replying
 //     never-read               takes connections and never reads them
 //     quit-after 2             ends the program after this many requests
 //
-//     event NAME ARGUMENT...   sends an event, once the program serves
-//     event-flood 1000 NAME ARGUMENT...   sends so many, "{n}" being the number of each
+//     event NAME ARGUMENT...   sends an event as soon as the program serves
+//     event-flood 1000 NAME ARGUMENT...   sends this many; "{n}" is the number of each
 //     pause 500                milliseconds before the next event
-//     on CMD ...               one of these three, when that command or request comes
+//     on CMD ...               one of these three at this command or request
 //     event-split 3            each event in two writes, the first of this many bytes
-//     event-garbage 20         this many bytes more behind each event
+//     event-garbage 20         this many extra bytes after each event
 //     event-close-early        closes the connection in the middle of each event
 
-// Something that a stand-in does on its own: it waits, and sends events.
+// A step of a script: a pause, then events.
 struct StandinStep {
     int pauseMs = 0;
     std::vector<StandinEvent> events;
@@ -57,10 +56,10 @@ struct StandinScript {
     bool eventCloseEarly = false;
 };
 
-// Nothing, and the reason in `error`, for a line that is not understood.
+// Empty, with the reason in `error`, if a line is not valid.
 std::optional<StandinScript> standinParseScript(std::string_view text, std::string& error);
 
-// The bytes that a request for `length` bytes of reply gets.
+// The reply to a request that expects `length` bytes.
 std::string standinReply(const StandinScript& script, std::size_t length);
 
 #endif

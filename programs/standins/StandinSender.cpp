@@ -13,10 +13,10 @@
 
 namespace {
 
-// A front end whose instances are all taken, or that does not read, is given up after this.
+// Limit for a front end that is busy or does not read.
 constexpr std::uint32_t kTimeoutMs = 30'000;
 
-// Both parts of a split event arrive on their own.
+// Long enough for the two parts of a split event to arrive separately.
 constexpr std::chrono::milliseconds kBetweenParts{50};
 
 std::string serverOf(const std::string& client) { return "vtr_" + client + "_bridge_nvo"; }
@@ -29,13 +29,13 @@ bool write(StandinPipe& pipe, std::string_view bytes, const std::optional<std::s
     return pipe.write(bytes.substr(first), kTimeoutMs);
 }
 
-// One front end's part.
+// Sends events to one front end.
 class Delivery {
  public:
     Delivery(const StandinSending& sending, std::string server)
         : sending_(sending), server_(std::move(server)) {}
 
-    // Sends up to the first failure, and reports that. False when there was one.
+    // Sends until the first failure and reports the results. False after a failure.
     bool sendAll(const std::vector<StandinEvent>& events) {
         std::string lines;
         bool failed = false;
@@ -57,7 +57,7 @@ class Delivery {
         if (script.eventCloseEarly) bytes.resize(result.cutAt = bytes.size() / 2);
         bytes.append(script.eventGarbage, '#');
         result.failed = !connect() || !write(pipe_, bytes, script.eventSplit);
-        // Nothing that follows on this connection could be read.
+        // The front end could not read anything more on this connection.
         if (script.eventCloseEarly || script.eventGarbage > 0) pipe_.close();
         return result;
     }

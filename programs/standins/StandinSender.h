@@ -14,40 +14,40 @@
 #include "StandinScript.h"
 #include "xpl/Xattributes.h"
 
-// How events are sent, and where to.
+// How and where to send events.
 struct StandinSending {
-    std::vector<std::string> clients;  // ids of the front ends that are asked for
-    StandinScript script;              // its wishes about events, not its steps
+    std::vector<std::string> clients;  // ids of the front ends to send to
+    StandinScript script;              // its settings for events, not its steps
     StandinFormat format = StandinFormat::Text;
 
-    // Takes lines about what was delivered, each with its line feed.
+    // Receives the lines about deliveries, each with its line feed.
     std::function<void(const std::string& lines)> report;
 };
 
-// The ids that the library knows.
+// The ids that the library accepts.
 std::vector<std::string> standinKnownClients();
 
-// Ids from a comma list; "none" is no id.
+// Parses ids separated by commas. Ignores "none".
 std::vector<std::string> standinParseClients(const std::string& list);
 
-// Sends events to every front end that serves its name at this moment, in order, on one connection
-// each, or on a connection for each event when the script spoils what follows it. Returns how many
-// front ends took them all. Does nothing without clients.
+// Sends events in order to every front end that has a server now: over one connection, or over one
+// per event if the script corrupts what follows. Returns the number of front ends that took all
+// events. Does nothing without clients.
 int standinSend(const StandinSending& sending, const std::vector<StandinEvent>& events);
 
-// Works off steps on a thread of its own: a front end may send a request while it is told of an
-// event, and the program must be there to read it.
+// Runs steps on its own thread: a front end may send a request while it handles an event, and the
+// program must read it.
 class StandinSender {
  public:
     explicit StandinSender(StandinSending sending);
-    // Waits until every step is done.
+    // Waits until all steps are done.
     ~StandinSender();
     StandinSender(const StandinSender&) = delete;
     StandinSender& operator=(const StandinSender&) = delete;
 
     void post(const StandinSteps& steps);
 
-    // Ends the pauses, also of steps to come.
+    // Skips the pauses of all remaining steps.
     void hurry();
 
  private:

@@ -1,4 +1,4 @@
-// A server of local sockets without Qt.
+// A local-socket server without Qt.
 #include "StandinServer.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ void reply(StandinPipe& connection, const StandinScript& script, std::size_t len
     connection.write(std::string_view(bytes).substr(first));
 }
 
-// False when the program is to end.
+// False if the program should end.
 bool serveConnection(StandinPipe& connection, const StandinScript& script,
                      const std::function<bool(std::string_view)>& onPacket) {
     for (std::string packet; connection.read(packet, IPC_HEADER_SIZE); packet.clear()) {
@@ -55,7 +55,7 @@ void standinServe(StandinPipe first, const std::string& serverName, const Standi
     while (next.isOpen()) {
         StandinPipe connection(std::move(next));
         if (!connection.accept(static_cast<std::uint32_t>(idleMs))) return;
-        // The next client finds a server while this one is served.
+        // Listens again at once, so the next client finds a server while this one is served.
         StandinPipe following = StandinPipe::listen(serverName);
         if (script.neverRead) {
             sleepMs(idleMs);

@@ -8,9 +8,9 @@
 #include "StandinPipe.h"
 #include "StandinScript.h"
 
-// Serves a local socket, of which `first` listens already, until `onPacket` answers false or nobody
-// came for `idleSeconds`. Connections are served one after another; each packet is handed over
-// whole, and its reply, if it wants one, is written as the script has it.
+// Serves a local socket until `onPacket` returns false or no client connects for `idleSeconds`.
+// `first` already listens. Handles one connection at a time. Passes each packet whole, and writes
+// its reply, if it expects one, as the script says.
 void standinServe(StandinPipe first, const std::string& serverName, const StandinScript& script,
                   int idleSeconds, const std::function<bool(std::string_view packet)>& onPacket);
 

@@ -88,7 +88,7 @@ TEST_F(BridgeadmCacheTest, AListThatCannotBeReadIsAnError) {
     for (const char* list : {"", "nonsense", "[]", "{}", R"({"apps": {}})"}) {
         const std::string path = data.write("list.json", list);
         expectCacheFailure({"sync-apps", "Nougat64", path}, 4,
-                           path + " is no JSON object with an array \"apps\"");
+                           path + " is not a JSON object with an array \"apps\"");
     }
 }
 
@@ -98,12 +98,12 @@ TEST_F(BridgeadmCacheTest, AnAppThatCannotBeReadIsAnErrorThatSaysWhy) {
         const char* element;
         const char* error;
     } cases[] = {
-        {"7", "an app is no object"},
+        {"7", "an app is not an object"},
         {R"({"package": "com.a"})", R"(an app has no "activity")"},
         {R"({"package": "com.a", "activity": null})", R"(an app has no "activity")"},
-        {R"({"package": 7})", R"(the "package" of an app is no String)"},
+        {R"({"package": 7})", R"(the "package" of an app is not a String)"},
         {R"({"package": "a", "activity": "b", "appLabel": "c", "versionCode": "12"})",
-         R"(the "versionCode" of an app is no Double)"},
+         R"(the "versionCode" of an app is not a Double)"},
     };
     for (const auto& [element, error] : cases) {
         const std::string path =
@@ -161,8 +161,7 @@ TEST_F(BridgeadmCacheTest, NamesThatArePathsAreNoPackages) {
     sync(kList);
     for (const std::string name : {"..\\a", "a/b", "a:b", "", "日本"}) {
         for (const char* command : {"update-app", "remove-app"}) {
-            expectCacheFailure({command, "Nougat64", name}, 4,
-                               "no app can have this package name: " + name);
+            expectCacheFailure({command, "Nougat64", name}, 4, "not a valid package name: " + name);
         }
     }
 }
@@ -237,7 +236,8 @@ TEST_F(BridgeadmCacheTest, InstancesThatTheConfigurationDoesNotKnowAreErrors) {
           Arguments{"remove-app", "Nougat64_9", "a"},
           Arguments{"copy-cache", "Nougat64_9", "Nougat64"},
           Arguments{"copy-cache", "Nougat64", "Nougat64_9"}}) {
-        expectFailure(arguments, 3, "no such instance: Nougat64_9");
+        expectFailure(arguments, 3,
+                      "no such instance: Nougat64_9\nbridgeadm: did you mean Nougat64?");
     }
     EXPECT_FALSE(data.has("Engine\\Nougat64_9"));
 }

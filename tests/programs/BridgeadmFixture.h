@@ -9,7 +9,7 @@
 #include "ProgramFixture.h"
 #include "support/LogCapture.h"
 
-// The program over a data folder with a configuration of two instances.
+// bridgeadm with a configuration of two instances.
 class BridgeadmTest : public ProgramFixture {
  protected:
     BridgeadmTest() : ProgramFixture("bridgeadm") {
@@ -24,7 +24,7 @@ class BridgeadmTest : public ProgramFixture {
     void write(const Entries& content) const { data.write("vantrel.conf", fileText(content)); }
     std::string file() const { return data.read("vantrel.conf"); }
 
-    // Runs a command that fails and leaves the file alone.
+    // Runs a command that fails and does not change the file.
     void expectFailure(const Arguments& arguments, unsigned status,
                        const std::string& error) const {
         const std::string before = file();
@@ -33,9 +33,14 @@ class BridgeadmTest : public ProgramFixture {
         EXPECT_FALSE(data.has("vantrel.conf-temp"));
     }
 
+    // The hint of errors about the configuration file.
+    std::string fileHint() const {
+        return "the file is " + (data / "vantrel.conf") + "; see bridgectl doctor";
+    }
+
     Arguments loggedLines() const { return logMessages(data.read("Logs\\Player.log")); }
 
-    Entries entries = globalDefaults();  // what the file holds
+    Entries entries = globalDefaults();  // of the file
 };
 
 #endif

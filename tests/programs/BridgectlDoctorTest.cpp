@@ -42,7 +42,7 @@ std::string withoutWriters(const std::string& text) {
     std::string result;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        result += line.substr(0, line.find(", written by ")) + "\n";
+        result += line.substr(0, line.find(", writable by ")) + "\n";
     }
     return result;
 }
@@ -53,21 +53,21 @@ const std::string kValue = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value ";
 
 TEST_F(BridgectlDoctorTest, AWholeProductHasNoProblem) {
     const std::string text = output({"doctor"});
-    EXPECT_EQ(withoutWriters(text),
-              std::string("ok: registry: \"Version\" is ") + kProductVersion +
-                  "\nok: registry: \"InstallDir\" is " + install() +
-                  "\nok: registry: \"UserDefinedDir\" is " + data.path() +
-                  "\nok: data folder: " + data.path() + "\nok: log folder: " + data.path() +
-                  "\\Logs\nok: log: " + data.path() +
-                  "\\Logs/Player.log does not exist yet\nok: configuration: " + conf() +
-                  " can be read, instances: 1\nok: lock: Global\\vtr_conf_nvo is free\n"
-                  "ok: lock: Global\\vtr_appc_Nougat64_nvo is free\nok: server: nobody serves\n"
-                  "ok: versions: QX-Bridge.dll " +
-                  kProductVersion +
-                  ", Qt5Core.dll 5.15.8.0, Qt5Network.dll 5.15.8.0\n"
-                  "note: files: not signed: bridgectl.exe, QX-Bridge.dll, Qt5Core.dll, "
-                  "Qt5Network.dll; sign them before a policy of Windows refuses them\n");
-    EXPECT_NE(text.find(", written by "), std::string::npos);
+    EXPECT_EQ(
+        withoutWriters(text),
+        std::string("ok: registry: \"Version\" is ") + kProductVersion +
+            "\nok: registry: \"InstallDir\" is " + install() +
+            "\nok: registry: \"UserDefinedDir\" is " + data.path() + "\nok: data folder: " +
+            data.path() + "\nok: log folder: " + data.path() + "\\Logs\nok: log: " + data.path() +
+            "\\Logs/Player.log does not exist yet\nok: configuration: " + conf() +
+            " can be read, instances: 1\nok: lock: Global\\vtr_conf_nvo is free\n"
+            "ok: lock: Global\\vtr_appc_Nougat64_nvo is free\nok: server: no server is running\n"
+            "ok: versions: QX-Bridge.dll " +
+            kProductVersion +
+            ", Qt5Core.dll 5.15.8.0, Qt5Network.dll 5.15.8.0\n"
+            "note: files: not signed: bridgectl.exe, QX-Bridge.dll, Qt5Core.dll, "
+            "Qt5Network.dll; sign them before a policy of Windows refuses them\n");
+    EXPECT_NE(text.find(", writable by "), std::string::npos);
     EXPECT_EQ(data.list(), (Lines{"Logs", "vantrel.conf"})) << "nothing is left behind";
     EXPECT_FALSE(data.has("Logs\\Player.log")) << "the library was started";
 }
@@ -84,38 +84,53 @@ TEST_F(BridgectlDoctorTest, TheJsonHasALineEach) {
     EXPECT_EQ(broken.status, 1u);
     EXPECT_EQ(Json::parse(broken.out)[6].dump(),
               R"({"level":"problem","check":"configuration",)"
-              R"("found":"line 1: not key=\"value\": nothing behind it is read",)"
+              R"("found":"line 1: not key=\"value\": the library ignores the rest of the file",)"
               R"("todo":"correct or remove the line"})");
 }
 
 TEST_F(BridgectlDoctorTest, AnEmptyRegistryIsNamedValueByValue) {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Vantrel_nvo");
-    const std::string todo = "; install the product again, or write it: " + kValue;
-    EXPECT_EQ(
-        problems(),
-        "registry: \"Version\" is missing: the launcher does not start" + todo +
-            "\"Version\"\nregistry: \"InstallDir\" is missing: whoever starts a program ends" +
-            todo +
-            "\"InstallDir\"\nregistry: \"UserDefinedDir\" is missing: no front end finds its "
-            "files" +
-            todo + "\"UserDefinedDir\"\n");
+    const std::string todo = "; reinstall the product, or set it: " + kValue;
+    EXPECT_EQ(problems(),
+              "registry: \"Version\" is missing: the launcher does not start" + todo +
+                  "\"Version\"\nregistry: \"InstallDir\" is missing: front ends end when they "
+                  "start a program" +
+                  todo +
+                  "\"InstallDir\"\nregistry: \"UserDefinedDir\" is missing: front ends do not "
+                  "find their files" +
+                  todo + "\"UserDefinedDir\"\n");
 }
 
 TEST_F(BridgectlDoctorTest, AValueOfAnotherTypeIsNamed) {
     const wchar_t text[] = L"5.2";
     setProductValue("Version", REG_EXPAND_SZ, text, sizeof text);
     EXPECT_EQ(problems(),
-              "registry: \"Version\" is no text (REG_SZ): the launcher does not start; install the "
-              "product again, or write it: " +
+              "registry: \"Version\" is not a string (REG_SZ): the launcher does not start; "
+              "reinstall the "
+              "product, or set it: " +
                   kValue + "\"Version\"\n");
 }
 
 TEST_F(BridgectlDoctorTest, AnotherProductVersionIsNamed) {
     registry.set("Version", "1.0");
-    EXPECT_EQ(problems(), std::string("registry: \"Version\" is 1.0 and this library ") +
+    EXPECT_EQ(problems(), std::string("registry: \"Version\" is 1.0, but this library is ") +
                               kProductVersion +
                               ": the launcher does not start; install the library and the product "
-                              "of one version\n");
+                              "in the same version\n");
+}
+
+TEST_F(BridgectlDoctorTest, AFolderThatIsNotAbsoluteIsNamed) {
+    options.folder = data.path();  // the relative folders exist
+    registry.set("InstallDir", "Logs\\");
+    registry.set("UserDefinedDir", ".");
+    const std::string todo = "; reinstall the product, or set it: " + kValue;
+    EXPECT_EQ(problems(),
+              "registry: \"InstallDir\" is not an absolute path (Logs\\): front ends end when they "
+              "start a program" +
+                  todo +
+                  "\"InstallDir\"\nregistry: \"UserDefinedDir\" is not an absolute path (.): front "
+                  "ends do not find their files" +
+                  todo + "\"UserDefinedDir\"\n");
 }
 
 TEST_F(BridgectlDoctorTest, AnInstallFolderThatCannotWorkIsNamed) {
@@ -123,17 +138,17 @@ TEST_F(BridgectlDoctorTest, AnInstallFolderThatCannotWorkIsNamed) {
     folder.pop_back();
     registry.set("InstallDir", folder);
     EXPECT_EQ(problems(), "registry: \"InstallDir\" does not end in \"\\\": " + folder +
-                              "; add the \"\\\": names of programs are put right behind it\n");
+                              "; add the \"\\\": the library appends program names to it\n");
     registry.set("InstallDir", data.path() + "\\");
     EXPECT_EQ(problems(), "registry: \"InstallDir\" has no QX-Player.exe: " + data.path() +
-                              "\\; install the product again\n");
+                              "\\; reinstall the product\n");
 }
 
 TEST_F(BridgectlDoctorTest, AMissingLogFolderIsNamed) {
     ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
     EXPECT_EQ(problems(), "log folder: " + data.path() +
-                              "\\Logs does not exist; make it, or correct the registry: " + kValue +
-                              "\"UserDefinedDir\"\n");
+                              "\\Logs does not exist; create it, or correct the registry: " +
+                              kValue + "\"UserDefinedDir\"\n");
 }
 
 TEST_F(BridgectlDoctorTest, ALogThatCannotBeOpenedIsNamed) {
@@ -154,13 +169,13 @@ TEST_F(BridgectlDoctorTest, AHugeLogIsNamed) {
     ::CloseHandle(file);
     EXPECT_EQ(problems(), "log: " + data.path() +
                               "\\Logs/Player.log has 104857601 bytes; end all front ends: the next "
-                              "start rotates it\n");
+                              "one that starts rotates it\n");
 }
 
 TEST_F(BridgectlDoctorTest, AMissingConfigurationIsNamed) {
     ASSERT_TRUE(::DeleteFileW(wideForTests(conf()).c_str()));
     EXPECT_EQ(problems(), "configuration: " + conf() +
-                              " cannot be read: no front end starts; install the product again, or "
+                              " cannot be read: no front end starts; reinstall the product, or "
                               "restore the file\n");
 }
 
@@ -170,7 +185,7 @@ TEST_F(BridgectlDoctorTest, AConfigurationThatCannotBeReplacedIsNamed) {
     EXPECT_EQ(problems(), "configuration: " + conf() +
                               " is read-only: no commit succeeds; attrib -r \"" + conf() +
                               "\"\nconfiguration: " + conf() +
-                              "-temp is a folder: no commit succeeds; remove it: commits write a "
+                              "-temp is a folder: no commit succeeds; remove it: commits create a "
                               "file of this name\n");
     ::SetFileAttributesW(wideForTests(conf()).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
@@ -178,21 +193,25 @@ TEST_F(BridgectlDoctorTest, AConfigurationThatCannotBeReplacedIsNamed) {
 TEST_F(BridgectlDoctorTest, WhatWouldEndAHostIsNamedAndTheDoctorGoesOn) {
     data.write("vantrel.conf",
                "vtr.instance.Pie64.ram=\"1\"\nvtr.feature.rooting=\"\x1B[31m\"\nvtr.x=\"1\"\n");
-    EXPECT_EQ(problems(),
-              "configuration: line 1: instance Pie64 has an unknown image: who lists the instances "
-              "ends; bridgeadm remove-instance Pie64\n"
-              "configuration: line 2: vtr.feature.rooting holds no bool: \"\xEF\xBF\xBD[31m\": who "
-              "reads it ends; bridgectl conf unset vtr.feature.rooting\n"
-              "configuration: line 3: the key vtr.x is unknown: nothing behind it is read; remove "
-              "the line\n");
+    EXPECT_EQ(
+        problems(),
+        "configuration: line 1: instance Pie64 has an unknown image: front ends end when they "
+        "list the instances; bridgeadm remove-instance Pie64\n"
+        "configuration: line 2: vtr.feature.rooting is not of type bool: \"\xEF\xBF\xBD[31m\": "
+        "front "
+        "ends end when they read it; bridgectl conf unset vtr.feature.rooting\n"
+        "configuration: line 3: unknown key vtr.x: the library ignores the rest of the file; "
+        "remove "
+        "the line\n");
 }
 
 TEST_F(BridgectlDoctorTest, ALockThatIsHeldIsNamed) {
     const HANDLE held = ::CreateMutexW(nullptr, TRUE, L"Global\\vtr_appc_Nougat64_nvo");
     ASSERT_NE(held, nullptr);
-    EXPECT_EQ(problems(),
-              "lock: Global\\vtr_appc_Nougat64_nvo was held for two seconds: who wants it waits; "
-              "end the program of the product that hangs\n");
+    EXPECT_EQ(
+        problems(),
+        "lock: Global\\vtr_appc_Nougat64_nvo was held for two seconds: front ends wait for it; "
+        "end the product's program that hangs\n");
     ::ReleaseMutex(held);
     EXPECT_EQ(problems(), "");
     ::CloseHandle(held);
@@ -214,7 +233,7 @@ TEST_F(BridgectlDoctorTest, ADllThatIsFoundTwiceIsNamed) {
     options.environment.push_back({"PATH", data.path()});
     const std::string program = productFile("");
     EXPECT_EQ(problems(), "files: Qt5Core.dll is in " + program.substr(0, program.size() - 1) +
-                              " and in " + data.path() + "; remove one: Windows takes either\n");
+                              " and in " + data.path() + "; remove one: Windows may load either\n");
 }
 
 TEST_F(BridgectlDoctorTest, FoldersOfDevelopmentTakeThePlaceOfTheRegistry) {

@@ -146,6 +146,8 @@ TEST_F(BridgectlJsonTest, NothingButJsonIsOnStandardOutput) {
     EXPECT_EQ(result.status, 5u);
     const Json error = Json::parse(result.out, nullptr, false);
     EXPECT_EQ(error["text"], "the library did not start: 22 XERR_INVAL") << result.out;
+    EXPECT_EQ(error["hint"],
+              "--client must be one of Launcher, Installer, LogCollector, Helper, Uninstaller");
     EXPECT_NE(result.err.find("bridgeApiInitEx: Invalid clientId : Other"), std::string::npos)
         << result.err;
     for (const Arguments& arguments :
@@ -279,11 +281,13 @@ TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
               R"({"code":98,"name":"XERR_ADDRINUSE","meaning":"the name or address is in use",)"
               R"("windowsErrors":[183]})");
     EXPECT_EQ(output({"explain", "101314"}).rfind("101314: Windows error 1314", 0), 0u);
-    for (const char* code : {"134", "41", "99999", "2x", "", "XERR_", "NOSUCH"}) {
+    for (const char* code : {"134", "41", "99999", "2x", "", "XERR_", "UNKNOWN_CODE"}) {
         const ChildResult result = run({"explain", code});
         EXPECT_EQ(result.status, 3u) << code;
         EXPECT_EQ(result.err, std::string("bridgectl: no such result code: ") + code + "\n");
     }
+    expectFailure({"explain", "XERR_NOET"}, 3,
+                  "no such result code: XERR_NOET\nbridgectl: did you mean XERR_NOENT?");
     EXPECT_EQ(json({"explain", "--json"}).size(), 133u);
 }
 
@@ -302,5 +306,5 @@ TEST_F(BridgectlJsonTest, EveryCommandHasAnExampleAndItsGroupASummary) {
                   std::string::npos)
             << command["name"];
     }
-    EXPECT_NE(output({"help"}).find("Commands on the configuration"), std::string::npos);
+    EXPECT_NE(output({"help"}).find("\nConfiguration:\n  conf get "), std::string::npos);
 }

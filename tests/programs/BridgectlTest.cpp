@@ -59,8 +59,10 @@ TEST_F(BridgectlTest, ABoolWithoutAValueIsUnset) {
 }
 
 TEST_F(BridgectlTest, AStoredValueThatCannotBeReadIsAnError) {
-    expectFailure({"conf", "get", "vtr.feature.rooting"}, 4,
-                  "vtr.feature.rooting holds no bool: \"maybe\"");
+    expectFailure(
+        {"conf", "get", "vtr.feature.rooting"}, 4,
+        "vtr.feature.rooting is not of type bool: \"maybe\"\nbridgectl: set it: bridgectl "
+        "conf set vtr.feature.rooting VALUE");
 }
 
 TEST_F(BridgectlTest, UnknownKeysAreErrors) {
@@ -168,11 +170,11 @@ TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
 TEST_F(BridgectlTest, ValuesThatMakeNoLineAreErrorsThatChangeNothing) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.locale", "a\nb"}, 4,
-                  "vtr.locale and its value make no line of the file: 22 XERR_INVAL");
+                  "vtr.locale and its value do not fit in one line of the file: 22 XERR_INVAL");
     // The line has four characters beside key and value, and fewer than 4096 in all.
     const std::string longest(4095 - 4 - std::string("vtr.locale").size(), 'x');
     expectFailure({"conf", "set", "vtr.locale", longest + "x"}, 4,
-                  "vtr.locale and its value make no line of the file: 7 XERR_2BIG");
+                  "vtr.locale and its value do not fit in one line of the file: 7 XERR_2BIG");
     EXPECT_EQ(data.read("vantrel.conf"), before);
     EXPECT_EQ(output({"conf", "set", "vtr.locale", longest}),
               "vtr.locale: fr-FR -> " + longest + "\n");
@@ -202,7 +204,9 @@ TEST_F(BridgectlTest, CommitsToAnotherFile) {
 
 TEST_F(BridgectlTest, ACommitThatFailsSaysWhy) {
     data.makeFolder("vantrel.conf-temp");
-    expectFailure({"conf", "set", "vtr.locale", "de"}, 6, "not committed: 13 XERR_ACCES");
+    expectFailure({"conf", "set", "vtr.locale", "de"}, 6,
+                  "not committed: 13 XERR_ACCES\nbridgectl: the file is " + data.path() +
+                      "\\vantrel.conf; see bridgectl doctor");
 }
 
 TEST_F(BridgectlTest, ListsAnInstanceAsATable) {
@@ -261,10 +265,14 @@ TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsAnErrorAndNotTheEnd) {
 }
 
 TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
-    data.write("vantrel.conf", "vtr.instance.Nougat64.ram=\"many\"\n");
-    expectFailure({"instances"}, 4, "vtr.instance.Nougat64.ram holds no i32: \"many\"");
-    data.write("vantrel.conf", "vtr.instance.Nougat64.cpus=\"many\"\n");
-    expectFailure({"instances"}, 4, "vtr.instance.Nougat64.cpus holds no i32: \"many\"");
+    for (const char* property : {"ram", "cpus"}) {
+        const std::string key = std::string("vtr.instance.Nougat64.") + property;
+        data.write("vantrel.conf", key + "=\"many\"\n");
+        expectFailure({"instances"}, 4,
+                      key +
+                          " is not of type i32: \"many\"\nbridgectl: set it: bridgectl conf set " +
+                          key + " VALUE");
+    }
 }
 
 TEST_F(BridgectlTest, ListsAppsAsATable) {
@@ -292,7 +300,7 @@ TEST_F(BridgectlTest, AppsOfAnInstanceThatDoesNotExistAreAnError) {
 
 TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[3]");
-    expectFailure({"apps", "Nougat64"}, 5, "no listing; see the log");
+    expectFailure({"apps", "Nougat64"}, 5, "the library returned no listing; see the log");
     EXPECT_EQ(logMessages(data.read("Logs\\Player.log")).back(),
               logged::byHelper(logged::appsNotListed()));
 }
@@ -463,43 +471,53 @@ TEST_F(BridgectlProgramsTest, AProgramThatIsNotThereIsAnError) {
     registry.set("InstallDir", "C:\\Nowhere\\");
     const ChildResult result = run({"launch", "Nougat64", "com.a"});
     EXPECT_EQ(result.status, 8u);
-    EXPECT_EQ(result.err, "bridgectl: not started: 2 XERR_NOENT\n");
+    EXPECT_EQ(result.err,
+              "bridgectl: not started: 2 XERR_NOENT\nbridgectl: the program is "
+              "C:\\Nowhere\\QX-Player.exe; its folder is in the registry: "
+              "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"; see bridgectl "
+              "doctor\n");
 }
 
 TEST_F(BridgectlTest, WithoutAnInstallFolderNothingIsStarted) {
     const ChildResult result = run({"launch", "Nougat64", "com.a"});
     EXPECT_EQ(result.status, 5u);
-    EXPECT_EQ(result.err.rfind("bridgectl: the registry names no install folder\n", 0), 0u);
+    EXPECT_EQ(result.err.rfind("bridgectl: the registry has no install folder\n", 0), 0u);
 }
 
 TEST_F(BridgectlTest, MisuseIsExplained) {
-    for (const Arguments& arguments :
-         {Arguments{}, Arguments{"conf"}, Arguments{"conf", "get"}, Arguments{"nonsense"},
-          Arguments{"conf", "get", "a", "b"}, Arguments{"instances", "--xml"}}) {
-        const ChildResult result = run(arguments);
-        EXPECT_EQ(result.status, 2u);
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err.rfind("bridgectl: ", 0), 0u);
-        EXPECT_NE(result.err.find("bridgectl: see bridgectl --help\n"), std::string::npos);
-    }
+    expectMisuse({"conf", "get"}, "KEY is missing", "conf get");
+    expectMisuse({"conf", "get", "a", "b"}, "unexpected argument: b", "conf get");
+    expectMisuse({"instances", "--xml"}, "no such option: --xml", "instances");
+    expectMisuse({"--client"}, "--client: the value is missing");
 }
 
 TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
     const std::string text = output({"--help"});
-    for (const char* part : {"conf", "instances", "--client", "--log-file", "--no-conf",
-                             "  7  the key has no value"}) {
+    for (const char* part :
+         {"\n  conf get ", "\n  instances ", "\n  --client ID ", "\n  --log-file FILE ",
+          "\n  --no-conf ", "\n   7  the key has no value\n"}) {
         EXPECT_NE(text.find(part), std::string::npos) << part;
     }
-    EXPECT_NE(output({"conf", "set", "--help"}).find("Example: bridgectl conf set"),
-              std::string::npos);
+    EXPECT_EQ(output({"conf", "get", "--help"}),
+              "Print the value of a key\n\nUsage: bridgectl conf get [OPTION...] KEY\n\n"
+              "Arguments:\n  KEY         Full key, such as vtr.locale\n\n"
+              "Options:\n  -h, --help  Print this help\n\n"
+              "Output options:\n  --json      Print JSON\n"
+              "  --quiet     Print only results and errors\n"
+              "  --timing    Print the time spent in the library on standard error\n\n"
+              "Examples:\n  bridgectl conf get vtr.locale\n"
+              "  bridgectl conf get vtr.instance.Nougat64.dpi --json\n\n"
+              "A key without a value prints \"unset\" and ends with exit code 7.\n");
     EXPECT_EQ(output({"--version"}), std::string("bridgectl ") + kProductVersion +
                                          "\nQX-Bridge.dll " + kProductVersion + "\n");
 }
 
-TEST_F(BridgectlTest, TheHelpCommandSaysWhatTheOptionSays) {
-    EXPECT_EQ(output({"help"}), output({"--help"}));
-    EXPECT_EQ(output({"help", "conf"}), output({"conf", "--help"}));
-    EXPECT_EQ(output({"help", "conf", "set"}), output({"conf", "set", "--help"}));
-    EXPECT_EQ(output({"help", "help"}), output({"help", "--help"}));
-    expectFailure({"help", "conf", "nonsense"}, 2, "no such command: conf nonsense");
+TEST_F(BridgectlTest, TheHelpCommandPrintsTheSameAsTheOption) {
+    for (const Arguments& command : {Arguments{}, Arguments{"conf"}, Arguments{"conf", "set"}}) {
+        Arguments before = command;
+        before.insert(before.begin(), "help");
+        Arguments after = command;
+        after.push_back("--help");
+        EXPECT_EQ(output(before), output(after));
+    }
 }

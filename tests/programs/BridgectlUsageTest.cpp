@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "DocumentPages.h"
 #include "ProgramFixture.h"
 #include "support/RegistryKey.h"
 #include "support/WindowsForTests.h"
@@ -36,31 +37,30 @@ unsigned developmentKeys() {
 
 }  // namespace
 
-TEST_F(BridgectlUsageTest, AnEmptyFileNameIsMisuseAndLeavesTheConfigurationAlone) {
+TEST_F(BridgectlUsageTest, AnEmptyValueIsMisuseAndLeavesTheConfigurationAlone) {
+    const struct {
+        Arguments before;
+        std::string option;
+        Arguments after;
+        const char* command;
+    } cases[] = {
+        {{"conf", "set", "vtr.locale", "de"}, "--to", {}, "conf set"},
+        {{}, "--log-file", {"version"}, ""},
+        {{}, "--client", {"version"}, ""},
+        {{"conf", "list"}, "--instance", {}, "conf list"},
+        {{"events"}, "--record", {}, "events"},
+    };
     const std::string before = file();
-    for (const Arguments& to : {Arguments{"--to", ""}, Arguments{"--to="}}) {
-        Arguments line{"conf", "set", "vtr.locale", "de"};
-        line.insert(line.end(), to.begin(), to.end());
-        expectFailure(line, 2, "--to: the value is empty\nbridgectl: see bridgectl --help");
+    for (const auto& [start, option, end, command] : cases) {
+        for (const Arguments& empty : {Arguments{option, ""}, Arguments{option + "="}}) {
+            Arguments line = start;
+            line.insert(line.end(), empty.begin(), empty.end());
+            line.insert(line.end(), end.begin(), end.end());
+            expectMisuse(line, option + ": the value is empty", command);
+        }
     }
     EXPECT_EQ(file(), before);
-}
-
-TEST_F(BridgectlUsageTest, AnEmptyLogFileIsMisuse) {
-    const std::string error = "--log-file: the value is empty\nbridgectl: see bridgectl --help";
-    expectFailure({"--log-file", "", "version"}, 2, error);
-    expectFailure({"--log-file=", "version"}, 2, error);
     EXPECT_FALSE(data.has("Logs\\Player.log"));
-}
-
-TEST_F(BridgectlUsageTest, AnEmptyClientIsMisuse) {
-    expectFailure({"--client", "", "version"}, 2,
-                  "--client: the value is empty\nbridgectl: see bridgectl --help");
-}
-
-TEST_F(BridgectlUsageTest, TheKeysOfAnEmptyInstanceNameAreNotAllKeys) {
-    expectFailure({"conf", "list", "--instance", ""}, 2,
-                  "--instance: the value is empty\nbridgectl: see bridgectl --help");
 }
 
 TEST_F(BridgectlUsageTest, AValueThatEndsWithAnEqualsSignIsAValue) {
@@ -75,14 +75,35 @@ TEST_F(BridgectlUsageTest, AMistypedCommandHasItsNearest) {
                   "no such command: conf gte\nbridgectl: did you mean conf get?");
     expectFailure({"INSTANCES"}, 2,
                   "no such command: INSTANCES\nbridgectl: did you mean instances?");
-    expectFailure({"nonsense"}, 2, "no such command: nonsense\nbridgectl: see bridgectl --help");
-    expectFailure({}, 2, "A subcommand is required\nbridgectl: see bridgectl --help");
+    expectMisuse({"nonsense"}, "no such command: nonsense");
+    expectMisuse({}, "a command is missing");
+    expectMisuse({"conf"}, "a command is missing", "conf");
 }
 
 TEST_F(BridgectlUsageTest, AMistypedOptionHasItsNearest) {
-    expectFailure(
-        {"instances", "--jsn"}, 2,
-        "The following argument was not expected: --jsn\nbridgectl: did you mean --json?");
+    expectFailure({"instances", "--jsn"}, 2,
+                  "no such option: --jsn\nbridgectl: did you mean --json?");
+    expectFailure({"--jsn"}, 2, "no such option: --jsn\nbridgectl: did you mean --json?");
+}
+
+TEST_F(BridgectlUsageTest, AnOptionInTheWrongPlaceIsExplained) {
+    expectFailure({"instances", "--client", "Helper"}, 2,
+                  "no such option: --client\nbridgectl: --client comes before the command");
+    expectFailure({"conf", "set", "vtr.locale", "-x"}, 2,
+                  "no such option: -x\nbridgectl: an argument that begins with \"-\" comes after "
+                  "\"--\"");
+}
+
+TEST_F(BridgectlUsageTest, ChoicesAreNamedWithTheNearest) {
+    expectFailure({"completion", "bsh"}, 2,
+                  "SHELL: must be one of bash, powershell, not \"bsh\"\nbridgectl: did you mean "
+                  "bash?");
+}
+
+TEST_F(BridgectlUsageTest, TheHelpOfAMistypedCommandHasItsNearest) {
+    expectFailure({"help", "instnaces"}, 2,
+                  "no such command: instnaces\nbridgectl: did you mean instances?");
+    expectMisuse({"help", "conf", "nonsense"}, "no such command: conf nonsense");
 }
 
 TEST_F(BridgectlUsageTest, ACommandOfTheOtherProgramIsNamedThere) {
@@ -122,18 +143,16 @@ TEST_F(BridgectlUsageTest, AMistypedInstanceHasItsNearest) {
     expectFailure({"apps", "Other"}, 3, "no such instance: Other");
 }
 
-TEST_F(BridgectlUsageTest, RangesAreSaidAsPeopleWriteThem) {
-    const std::string see = "\nbridgectl: see bridgectl --help";
-    expectFailure({"events", "--count", "0"}, 2, "--count: must be 1 or more, not \"0\"" + see);
-    expectFailure({"events", "--count", "x"}, 2, "--count: must be 1 or more, not \"x\"" + see);
-    expectFailure({"events", "--timeout", "1000001"}, 2,
-                  "--timeout: must be 1 to 1000000, not \"1000001\"" + see);
+TEST_F(BridgectlUsageTest, RangesAreWrittenAsPeopleDo) {
+    expectMisuse({"events", "--count", "0"}, "--count: must be 1 or more, not \"0\"", "events");
+    expectMisuse({"events", "--count", "x"}, "--count: must be 1 or more, not \"x\"", "events");
+    expectMisuse({"events", "--timeout", "1000001"},
+                 "--timeout: must be 1 to 1000000, not \"1000001\"", "events");
     const std::string help = output({"help", "events"});
-    EXPECT_NE(help.find("  --count NUMBER              End after so many events, 1 or more\n"),
+    EXPECT_NE(help.find("\n  --count NUMBER     End after this many events, 1 or more\n"
+                        "  --timeout NUMBER   End after this many seconds, 1 to 1000000\n"),
               std::string::npos)
         << help;
-    EXPECT_NE(help.find("  --timeout NUMBER            End after so many seconds, 1 to 1000000\n"),
-              std::string::npos);
 }
 
 TEST_F(BridgectlUsageTest, AStartThatFailsNamesFileLogAndRegistryValue) {
@@ -161,9 +180,10 @@ TEST_F(BridgectlUsageTest, ALogThatCannotBeOpenedNamesTheRegistryValue) {
 }
 
 TEST_F(BridgectlUsageTest, AMissingInstallFolderNamesTheRegistryValue) {
-    expectFailure({"launch", "Nougat64", "com.a"}, 5,
-                  "the registry names no install folder\nbridgectl: the installer writes it: "
-                  "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
+    expectFailure(
+        {"launch", "Nougat64", "com.a"}, 5,
+        "the registry has no install folder\nbridgectl: reinstall the product, or set it: "
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
 }
 
 TEST_F(BridgectlUsageTest, CompletionOffersWhatTheProductHas) {
@@ -230,11 +250,23 @@ TEST_F(BridgectlUsageTest, FoldersOfDevelopmentMayBeRelativeAndLackTheirEnd) {
 }
 
 TEST_F(BridgectlUsageTest, OneFolderOfDevelopmentAloneIsMisuse) {
-    const std::string see = "\nbridgectl: see bridgectl --help";
-    expectFailure({"--data-folder", data.path(), "instances"}, 2,
-                  "--data-folder requires --install-folder" + see);
-    expectFailure({"--install-folder", data.path(), "doctor"}, 2,
-                  "--install-folder requires --data-folder" + see);
-    expectFailure({"--data-folder=", "--install-folder", "x", "instances"}, 2,
-                  "--data-folder: the value is empty" + see);
+    expectMisuse({"--data-folder", data.path(), "instances"},
+                 "--data-folder requires --install-folder");
+    expectMisuse({"--install-folder", data.path(), "doctor"},
+                 "--install-folder requires --data-folder");
+    expectMisuse({"--data-folder=", "--install-folder", "x", "instances"},
+                 "--data-folder: the value is empty");
+}
+
+TEST_F(BridgectlUsageTest, TheReferencePageHasTheHelpOfEveryProgram) {
+    const std::string page = kCommandsPage;
+    for (const char* name : {"bridgectl.exe", "bridgeadm.exe"}) {
+        const std::string help = runChild(productFile(name), {"help", "--markdown"}, options).out;
+        ASSERT_GT(help.size(), 3000u) << name;
+        EXPECT_NE(page.find("\n" + help + "\n"), std::string::npos)
+            << "docs/reference/command-line.md must have the output of help --markdown of " << name;
+    }
+    const std::string help = runChild(standinProgram("QX-Player.exe"), {"--help"}, options).out;
+    ASSERT_GT(help.size(), 1000u);
+    EXPECT_NE(page.find("\n```text\n" + help + "```\n"), std::string::npos);
 }

@@ -65,7 +65,7 @@ TEST_F(BridgectlWaitTest, AFailureIsAnExitCode) {
     EXPECT_EQ(result.status, 12u);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "bridgectl: it failed: apk-install-completed instance=\"Nougat64\" status=5 "
+              "bridgectl: the work failed: apk-install-completed instance=\"Nougat64\" status=5 "
               "apkFilePath=\"a.apk\"\n");
     EXPECT_EQ(
         wait({"create-instance", "Nougat64", "4", "4096", "aga", "dx", "s21u", "--wait"}).status,
@@ -79,10 +79,11 @@ TEST_F(BridgectlWaitTest, TheJsonIsTheEventOrAnError) {
     setScript("on launchApp event app-displayed Nougat64 com.other\n");
     const ChildResult late = wait({"--json", "launch", "Nougat64", "com.a", "--wait", "1"});
     EXPECT_EQ(late.status, 9u);
-    EXPECT_EQ(late.out,
-              R"({"code":9,"name":"Timeout","text":"started, but no event said how it ended",)"
-              R"("hint":null})"
-              "\n");
+    EXPECT_EQ(
+        late.out,
+        R"({"code":9,"name":"Timeout","text":"started, but no event reported the result in time",)"
+        R"("hint":null})"
+        "\n");
 }
 
 TEST_F(BridgectlWaitTest, AnotherFrontEndOfTheClientIsAnErrorAndNothingIsStarted) {
@@ -94,13 +95,12 @@ TEST_F(BridgectlWaitTest, AnotherFrontEndOfTheClientIsAnErrorAndNothingIsStarted
 }
 
 TEST_F(BridgectlWaitTest, TheTimeIsANumber) {
-    const std::string see = "\nbridgectl: see bridgectl --help";
-    expectFailure({"launch", "Nougat64", "com.a", "--wait", "0"}, 2,
-                  "--wait: must be 1 or more, not \"0\"" + see);
-    expectFailure({"launch", "Nougat64", "com.a", "--wait", "soon"}, 2,
-                  "--wait: must be 1 or more, not \"soon\"" + see);
-    expectFailure({"launch", "Nougat64", "com.a", "--wait", ""}, 2,
-                  "--wait: the value is empty" + see);
+    for (const std::string wrong : {"0", "soon"}) {
+        expectMisuse({"launch", "Nougat64", "com.a", "--wait", wrong},
+                     "--wait: must be 1 or more, not \"" + wrong + "\"", "launch");
+    }
+    expectMisuse({"launch", "Nougat64", "com.a", "--wait", ""}, "--wait: the value is empty",
+                 "launch");
     EXPECT_NE(run({"launch-url", "Nougat64", "u", "--wait"}).status, 0u) << "no event reports it";
 }
 

@@ -25,40 +25,38 @@ Lines look(const std::string& content) {
 
 TEST(ConfigurationFindings, AWholeFileHasNone) {
     EXPECT_EQ(look(""), Lines{});
-    EXPECT_EQ(look("vtr.locale=\"fr\"\nvtr.next_vm_id=\"3\"\nvtr.instance.Nougat64.ram=\"1\"\n"
-                   "vtr.feature.macros=\"\"\nvtr.locale=\"a=\\\"b\"\n"),
+    EXPECT_EQ(look("vtr.locale=\"fr\"\nvtr.next_vm_id=\"3\"\nvtr.instance.Nougat64.ram=\"1\"\nvtr."
+                   "feature.macros=\"\"\nvtr.locale=\"a=\\\"b\"\n"),
               Lines{});
     EXPECT_EQ(look("vtr.locale=\"no line feed at the end\""), Lines{});
 }
 
 TEST(ConfigurationFindings, LinesWithoutTheFormHaveTheirNumber) {
     EXPECT_EQ(look("vtr.locale=\"fr\"\nnonsense\n"),
-              Lines{"line 2: not key=\"value\": nothing behind it is read; correct or remove the "
-                    "line"});
-    EXPECT_EQ(look("vtr.locale=\n"),
-              Lines{"line 1: not key=\"value\": nothing behind it is read; correct or remove the "
-                    "line"});
-    EXPECT_EQ(
-        look("vtr.locale=\"fr\"\n\nvtr.next_vm_id=\"x\"\n"),
-        (Lines{"line 2: an empty line: nothing behind it is read; correct or remove the line",
-               "line 3: vtr.next_vm_id holds no i32: \"x\": who reads it ends; bridgectl conf "
-               "unset vtr.next_vm_id"}));
+              Lines{"line 2: not key=\"value\": the library ignores the rest of the file; correct "
+                    "or remove the line"});
+    EXPECT_EQ(look("vtr.locale=\n"), Lines{"line 1: not key=\"value\": the library ignores the "
+                                           "rest of the file; correct or remove the line"});
+    EXPECT_EQ(look("vtr.locale=\"fr\"\n\nvtr.next_vm_id=\"x\"\n"),
+              (Lines{"line 2: empty line: the library ignores the rest of the file; correct or "
+                     "remove the line",
+                     "line 3: vtr.next_vm_id is not of type i32: \"x\": front ends end when they "
+                     "read it; bridgectl conf unset vtr.next_vm_id"}));
     EXPECT_EQ(look("vtr.locale=fr\n"),
-              Lines{"line 1: the value is not between quotes: its first and last characters are "
-                    "lost; put it between double quotes"});
+              Lines{"line 1: value without quotes: its first and last characters are lost; put the "
+                    "value in double quotes"});
 }
 
 TEST(ConfigurationFindings, AByteOrderMarkIsNamed) {
-    EXPECT_EQ(
-        look("\xEF\xBB\xBFvtr.locale=\"fr\"\n"),
-        Lines{"a byte order mark: nothing of the file is read; save the file as UTF-8 without "
-              "a byte order mark"});
+    EXPECT_EQ(look("\xEF\xBB\xBFvtr.locale=\"fr\"\n"),
+              Lines{"byte order mark: the library ignores the file; save the file as UTF-8 without "
+                    "a byte order mark"});
 }
 
 TEST(ConfigurationFindings, CarriageReturnsAreNamed) {
     EXPECT_EQ(look("vtr.locale=\"fr\"\r\n"),
-              Lines{"line 1: ends with CR LF: the value keeps its closing quote; save with LF line "
-                    "ends"});
+              Lines{"line 1: ends with CR LF: the value includes the closing quote; save the file "
+                    "with LF line ends"});
 }
 
 TEST(ConfigurationFindings, LinesOfThePossibleLengthAreNot) {
@@ -71,33 +69,30 @@ TEST(ConfigurationFindings, LinesOfThePossibleLengthAreNot) {
         "line 1: 4095 bytes or more: no commit succeeds; set the key to a shorter value"};
     EXPECT_EQ(look(line(4095)), late);
     EXPECT_EQ(look(line(4096)), late);
-    EXPECT_EQ(
-        look(line(4097)),
-        Lines{"line 1: more than 4096 bytes: nothing behind it is read; shorten or remove the "
-              "line"});
+    EXPECT_EQ(look(line(4097)), Lines{"line 1: more than 4096 bytes: the library ignores the rest "
+                                      "of the file; shorten or remove the line"});
 }
 
 TEST(ConfigurationFindings, UnknownKeysHaveTheirNearest) {
-    EXPECT_EQ(
-        look("vtr.lcoale=\"fr\"\nvtr.nothing=\"1\"\nother=\"1\"\n"),
-        (Lines{"line 1: the key vtr.lcoale is unknown: nothing behind it is read; did you "
-               "mean vtr.locale?",
-               "line 2: the key vtr.nothing is unknown: nothing behind it is read; remove the "
-               "line",
-               "line 3: the key other is unknown: nothing behind it is read; remove the "
-               "line"}));
+    EXPECT_EQ(look("vtr.lcoale=\"fr\"\nvtr.nothing=\"1\"\nother=\"1\"\n"),
+              (Lines{"line 1: unknown key vtr.lcoale: the library ignores the rest of the file; "
+                     "did you mean vtr.locale?",
+                     "line 2: unknown key vtr.nothing: the library ignores the rest of the file; "
+                     "remove the line",
+                     "line 3: unknown key other: the library ignores the rest of the file; remove "
+                     "the line"}));
 }
 
 TEST(ConfigurationFindings, AnInstanceOfAnUnknownImageIsNamedOnce) {
     EXPECT_EQ(look("vtr.instance.Pie64_1.ram=\"1\"\nvtr.instance.Pie64_1.dpi=\"1\"\n"),
-              Lines{"line 1: instance Pie64_1 has an unknown image: who lists the instances ends; "
-                    "bridgeadm remove-instance Pie64_1"});
+              Lines{"line 1: instance Pie64_1 has an unknown image: front ends end when they list "
+                    "the instances; bridgeadm remove-instance Pie64_1"});
 }
 
 TEST(ConfigurationFindings, ValuesThatCannotBeReadAreNamed) {
     EXPECT_EQ(look("vtr.feature.rooting=\"maybe\"\nvtr.instance.Nougat64.ram=\"many\"\n"),
-              (Lines{"line 1: vtr.feature.rooting holds no bool: \"maybe\": who reads it ends; "
-                     "bridgectl conf unset vtr.feature.rooting",
-                     "line 2: vtr.instance.Nougat64.ram holds no i32: \"many\": who reads it ends; "
-                     "bridgectl conf set vtr.instance.Nougat64.ram 0"}));
+              (Lines{"line 1: vtr.feature.rooting is not of type bool: \"maybe\": front ends end "
+                     "when they read it; bridgectl conf unset vtr.feature.rooting",
+                     "line 2: vtr.instance.Nougat64.ram is not of type i32: \"many\": front ends "
+                     "end when they read it; bridgectl conf set vtr.instance.Nougat64.ram 0"}));
 }

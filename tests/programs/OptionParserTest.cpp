@@ -35,7 +35,7 @@ class OptionParserTest : public ::testing::Test {
     }
 
     ProgramParser parser{"program", "What it is for."};
-    OptionParser command = parser.options().addCommand("run", "Runs.", "Example: program run");
+    OptionParser command = parser.options().addCommand("run", "Run it", "Example: program run", "");
     std::string text;
 };
 
@@ -83,7 +83,7 @@ TEST_F(OptionParserTest, ATextMayBeginWithASlash) {
 
 TEST_F(OptionParserTest, ARequiredArgumentMustBeGiven) {
     command.add("TEXT", text, "").required();
-    expectError({}, "TEXT is required");
+    expectError({}, "TEXT is missing");
 }
 
 TEST_F(OptionParserTest, AnOptionCanNeedAnother) {
@@ -97,14 +97,15 @@ TEST_F(OptionParserTest, AnOptionCanExcludeAnother) {
     bool flag = false;
     Option option = command.add("--text", text, "");
     command.addFlag("--flag", flag, "").excludes(option);
-    expectError({"--flag", "--text", "a"}, "--text excludes --flag");
+    expectError({"--flag", "--text", "a"}, "--text and --flag exclude each other");
 }
 
 TEST_F(OptionParserTest, ATextCanBeLimitedToNames) {
     command.add("TEXT", text, "").oneOf({"one", "two"});
     expectUnderstood({"two"});
     EXPECT_EQ(text, "two");
-    expectError({"three"}, "TEXT: three not in {one,two}");
+    expectError({"wto"}, "TEXT: must be one of one, two, not \"wto\"");
+    EXPECT_EQ(parse({"wto"}).hint, "did you mean two?");
 }
 
 TEST_F(OptionParserTest, ANumberCanBeLimitedToARange) {
@@ -151,13 +152,13 @@ TEST_F(OptionParserTest, TheActionRunsOnceWithTheValues) {
 TEST_F(OptionParserTest, TheActionDoesNotRunAfterAnError) {
     bool hasRun = false;
     command.onRun([&] { hasRun = true; });
-    expectError({"--frob"}, "The following argument was not expected: --frob");
+    expectError({"--frob"}, "no such option: --frob");
     EXPECT_FALSE(hasRun);
 }
 
 TEST_F(OptionParserTest, TheActionsOfOtherCommandsDoNotRun) {
     bool hasRun = false;
-    parser.options().addCommand("other", "", "").onRun([&] { hasRun = true; });
+    parser.options().addCommand("other", "", "", "").onRun([&] { hasRun = true; });
     expectUnderstood({});
     EXPECT_FALSE(hasRun);
 }
@@ -171,31 +172,72 @@ TEST_F(OptionParserTest, ACommandCanBeRequired) {
     parser.options().requireCommand();
     const ParseEnd end = parser.parse({});
     EXPECT_EQ(end.kind, ParseEnd::Error);
-    EXPECT_EQ(end.text, "A subcommand is required");
+    EXPECT_EQ(end.text, "a command is missing");
 }
 
 TEST_F(OptionParserTest, HelpExplainsTheCommandBeforeIt) {
     const ParseEnd end = parse({"--help"});
     EXPECT_EQ(end.kind, ParseEnd::Help);
     EXPECT_EQ(end.text,
-              "Runs.\nUsage: program run [OPTIONS]\n\nOptions:\n"
-              "  -h,--help                   Print this help message and exit\n\n"
-              "Example: program run\n");
-}
-
-TEST_F(OptionParserTest, HelpCanBeAskedForWithoutACommandLine) {
-    const std::string help = command.help("program run");
-    EXPECT_EQ(help, parse({"--help"}).text);
+              "Run it\n\nUsage: program run [OPTION...]\n\nOptions:\n"
+              "  -h, --help  Print this help\n\nExample:\n  program run\n");
 }
 
 TEST_F(OptionParserTest, HelpHasHeadingsAndDefaults) {
     text = "blue";
-    command.add("--colour", text, "The colour").under("Looks").withDefault();
-    const std::string help = command.help("program run");
-    const std::size_t heading = help.find("\nLooks:\n  --colour TEXT");
-    ASSERT_NE(heading, std::string::npos) << help;
-    const std::string shown = help.substr(heading);  // "TEXT=blue", or "TEXT [blue]" from 2.4 on
-    EXPECT_LT(shown.find("blue"), shown.find("The colour")) << help;
+    command.add("--colour", text, "Colour").taking("NAME").under("Looks").withDefault();
+    EXPECT_NE(parse({"--help"}).text.find("\nLooks:\n  --colour NAME  Colour (default: blue)\n"),
+              std::string::npos);
+}
+
+TEST_F(OptionParserTest, ErrorsNameTheirCommand) {
+    command.add("TEXT", text, "").required();
+    EXPECT_EQ(parse({}).command, "program run");
+    EXPECT_EQ(parser.parse({"walk"}).command, "program");
+}
+
+TEST_F(OptionParserTest, LeftoverWordsAreExplained) {
+    const struct {
+        Words words;
+        const char* error;
+        const char* hint;
+    } cases[] = {
+        {{"run", "--txt"}, "no such option: --txt", "did you mean --text?"},
+        {{"run", "--global"}, "no such option: --global", "--global comes before the command"},
+        {{"run", "--xy=1"}, "no such option: --xy", ""},
+        {{"run", "a"}, "unexpected argument: a", ""},
+        {{"run", "--text"}, "--text: the value is missing", ""},
+        {{"run", "--text", "a", "--text", "b"}, "--text: is given more than once", ""},
+        {{"--gobal"}, "no such option: --gobal", "did you mean --global?"},
+        {{"rnu"}, "no such command: rnu", "did you mean run?"},
+    };
+    bool flag = false;
+    parser.options().addFlag("--global", flag, "");
+    parser.options().requireCommand();
+    command.add("--text", text, "");
+    for (const auto& [words, error, hint] : cases) {
+        const ParseEnd end = parser.parse(words);
+        EXPECT_EQ(end.text, error);
+        EXPECT_EQ(end.hint, hint) << error;
+    }
+}
+
+TEST_F(OptionParserTest, AnArgumentThatBeginsWithADashIsExplained) {
+    command.add("TEXT", text, "").required();
+    const ParseEnd end = parse({"-x"});
+    EXPECT_EQ(end.text, "no such option: -x");
+    EXPECT_EQ(end.hint, "an argument that begins with \"-\" comes after \"--\"");
+}
+
+TEST_F(OptionParserTest, ANumberMustBeANumber) {
+    std::optional<std::int32_t> number;
+    command.add("--number", number, "");
+    expectUnderstood({"--number", "-5"});
+    EXPECT_EQ(number, -5);
+    for (const std::string wrong : {"x", "2147483648", "1.5"}) {
+        expectError({"--number", wrong},
+                    "--number: must be a 32-bit number, not \"" + wrong + "\"");
+    }
 }
 
 TEST_F(OptionParserTest, VersionShowsItsText) {

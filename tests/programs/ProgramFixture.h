@@ -14,7 +14,7 @@
 
 using Arguments = Lines;
 
-// A program of the product over a data folder of the test's own.
+// A program of the product with a data folder for the test.
 class ProgramFixture : public ::testing::Test {
  protected:
     explicit ProgramFixture(std::string name) : name_(std::move(name)) {
@@ -28,7 +28,7 @@ class ProgramFixture : public ::testing::Test {
         return runChild(program(), arguments, options);
     }
 
-    // Runs a command that succeeds and says nothing on standard error.
+    // Runs a command that succeeds and prints nothing on standard error.
     std::string output(const Arguments& arguments) const {
         const ChildResult result = run(arguments);
         EXPECT_EQ(result.status, 0u);
@@ -36,13 +36,20 @@ class ProgramFixture : public ::testing::Test {
         return result.out;
     }
 
-    // Runs one that fails.
+    // Runs a command that fails.
     void expectFailure(const Arguments& arguments, unsigned status,
                        const std::string& error) const {
         const ChildResult result = run(arguments);
         EXPECT_EQ(result.status, status);
         EXPECT_EQ(result.out, "");
         EXPECT_EQ(result.err, name_ + ": " + error + "\n");
+    }
+
+    // Runs a wrong command line. The hint names the help of the program, or of this command.
+    void expectMisuse(const Arguments& arguments, const std::string& error,
+                      const std::string& command = {}) const {
+        const std::string title = name_ + (command.empty() ? "" : " " + command);
+        expectFailure(arguments, 2, error + "\n" + name_ + ": see " + title + " --help");
     }
 
     TempFolder data;
@@ -53,13 +60,13 @@ class ProgramFixture : public ::testing::Test {
     const std::string name_;
 };
 
-// The same for bridgectl, which looks at the version of what is installed.
+// bridgectl, which checks the version of the installed product.
 class BridgectlFixture : public ProgramFixture {
  protected:
     BridgectlFixture() : ProgramFixture("bridgectl") { registry.set("Version", kProductVersion); }
 
-    // Puts the stand-ins in place of the product's programs, with their output in the data folder.
-    // They end after so many seconds without a request.
+    // Installs the stand-ins as the product's programs, with their output in the data folder. They
+    // send events to `client` and end after this many seconds without a request.
     void useStandins(const std::string& client, const std::string& seconds) {
         registry.set("InstallDir", standinProgram(""));
         options.environment = {{"QX_STANDIN_OUTPUT", data / "standins.txt"},

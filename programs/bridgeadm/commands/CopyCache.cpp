@@ -31,7 +31,8 @@ bool canBeCopied(Session& session, const Arguments& arguments) {
 }
 
 void run(Session& session, const Arguments& arguments) {
-    // The source's machine-wide lock keeps others from changing what is copied.
+    // openCache() takes the source's machine-wide lock, so the source does not change during the
+    // copy.
     if (!session.openCache(arguments.source) || !canBeCopied(session, arguments)) return;
     const XErr err = appcCopyInstance(appcStore(), arguments.source, arguments.target);
     if (!session.saved(err)) return;
@@ -40,8 +41,8 @@ void run(Session& session, const Arguments& arguments) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add("SOURCE", arguments->source, "Instance whose cache is copied").required();
-    parser.add("TARGET", arguments->target, "Instance that has none yet").required();
+    parser.add("SOURCE", arguments->source, "Instance to copy from").required();
+    parser.add("TARGET", arguments->target, "Instance without an app cache").required();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
@@ -49,8 +50,11 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandCopyCache;
 const Command commandCopyCache{
-    "", "copy-cache", "Copies the app cache of an instance to another one",
-    "List and icons; the folder of the target in \"Engine\" must exist. Files that could not be\n"
-    "copied are in the log.\n"
-    "Example: bridgeadm copy-cache Nougat64 Nougat64_1",
+    "App caches",
+    "",
+    "copy-cache",
+    "Copy the app cache of an instance to another instance",
+    "Example: bridgeadm copy-cache Nougat64 Nougat64_1\n"
+    "Copies the list and the icons. The folder of the target in \"Engine\" must exist. The log\n"
+    "names files that could not be copied.",
     declare};

@@ -43,15 +43,17 @@ void declare(OptionParser& parser, Session& session) {
     parser.add("SOURCE", arguments->source, "Instance to copy").required();
     parser.add("TARGET", arguments->target, "Name of the copy").required();
     parser.addFlag("--overwrite", arguments->overwrite,
-                   "Replace the settings of an instance that exists");
+                   "Replace the settings of an existing instance");
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
 }  // namespace
 
 extern const Command commandCopyInstance;
-const Command commandCopyInstance{"", "copy-instance",
-                                  "Copies the settings of an instance to another one",
-                                  "Its app cache is copied by copy-cache.\n"
-                                  "Example: bridgeadm copy-instance Nougat64 Nougat64_1",
+const Command commandCopyInstance{"Instances",
+                                  "",
+                                  "copy-instance",
+                                  "Copy the settings of an instance to another instance",
+                                  "Example: bridgeadm copy-instance Nougat64 Nougat64_1\n"
+                                  "To copy the app cache as well, use `bridgeadm copy-cache`.",
                                   declare};

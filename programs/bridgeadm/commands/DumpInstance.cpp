@@ -17,7 +17,7 @@
 
 namespace {
 
-// The dump of the current instance; nothing after an error.
+// The dump of the current instance. Empty after an error.
 std::optional<std::string> dump(Session& session) {
     std::uint32_t size = 0;
     XErr err = confGetInstanceAllConfigs(session.store(), nullptr, 0, size);
@@ -33,7 +33,7 @@ std::optional<std::string> dump(Session& session) {
     return text;
 }
 
-// The dump itself ends the process when it meets one.
+// confGetInstanceAllConfigs() ends the process at a line that is too long.
 bool everyLineFits(Session& session) {
     const std::vector<std::string> keys = confKeysTooLongForDump(session.store());
     return keys.empty() ||
@@ -71,7 +71,7 @@ void declare(OptionParser& parser, Session& session) {
     const auto instance = std::make_shared<std::string>();
     const auto json = std::make_shared<bool>(false);
     parser.add("NAME", *instance, "Instance to dump").required();
-    parser.addFlag("--json", *json, "As JSON: an array of objects");
+    parser.addFlag("--json", *json, "Print JSON: an array of objects");
     parser.onRun([&session, instance, json] { run(session, *instance, *json); });
 }
 
@@ -79,7 +79,11 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandDumpInstance;
 const Command commandDumpInstance{
-    "", "dump-instance", "Prints the settings of an instance and the global ones",
-    "One line a setting, in the form that the product's programs exchange.\n"
-    "Example: bridgeadm dump-instance Nougat64 --json",
+    "Instances",
+    "",
+    "dump-instance",
+    "Print the settings of an instance and the global settings",
+    "Example: bridgeadm dump-instance Nougat64\n"
+    "Example: bridgeadm dump-instance Nougat64 --json\n"
+    "Prints one setting per line, in the form that the product's programs exchange.",
     declare};

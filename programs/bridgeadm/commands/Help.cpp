@@ -10,5 +10,9 @@ void declare(OptionParser& parser, Session& session) { declareHelp(parser, sessi
 }  // namespace
 
 extern const Command commandHelp;
-const Command commandHelp{"", "help", "Explains a command", "Example: bridgeadm help copy-instance",
+const Command commandHelp{"Other",
+                          "",
+                          "help",
+                          "Print the help of the program or of a command",
+                          "Example: bridgeadm help copy-instance",
                           declare};

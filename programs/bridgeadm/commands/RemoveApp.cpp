@@ -15,7 +15,7 @@ struct Arguments {
     std::string package;
 };
 
-// The library takes the removal of an app that is not there for done.
+// appcRemoveApp() succeeds for an app that does not exist.
 bool requireApp(Session& session, const std::string& package) {
     return appcGetApp(appcStore(), package, nullptr, nullptr, nullptr, nullptr, nullptr) ==
                XERR_SUCCESS ||
@@ -39,7 +39,10 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandRemoveApp;
-const Command commandRemoveApp{"", "remove-app", "Removes an app from the app cache of an instance",
-                               "The app itself stays installed; its icon is deleted.\n"
-                               "Example: bridgeadm remove-app Nougat64 com.example.app",
+const Command commandRemoveApp{"App caches",
+                               "",
+                               "remove-app",
+                               "Remove an app from the app cache of an instance",
+                               "Example: bridgeadm remove-app Nougat64 com.example.app\n"
+                               "The app stays installed. Its icon is deleted.",
                                declare};

@@ -26,8 +26,11 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandRemoveInstance;
 const Command commandRemoveInstance{
-    "", "remove-instance", "Removes the settings of an instance",
-    "The instance's other files stay. Close its player first: a program that has the instance\n"
-    "loaded brings its settings back with its next commit.\n"
-    "Example: bridgeadm remove-instance Nougat64_1",
+    "Instances",
+    "",
+    "remove-instance",
+    "Remove the settings of an instance",
+    "Example: bridgeadm remove-instance Nougat64_1\n"
+    "The instance's other files stay. Close its player first: a program that has loaded the\n"
+    "instance writes the settings back with its next commit.",
     declare};

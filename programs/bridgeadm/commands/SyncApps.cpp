@@ -25,24 +25,24 @@ std::string explained(const AppcFlaw& flaw) {
     const std::string key = std::string("\"") + flaw.key + "\"";
     switch (flaw.kind) {
         case AppcFlaw::NotAnObject:
-            return "an app is no object";
+            return "an app is not an object";
         case AppcFlaw::NotDefined:
             return "an app has no " + key;
         case AppcFlaw::InvalidType:
-            return "the " + key + " of an app is no " + flaw.expected;
+            return "the " + key + " of an app is not a " + flaw.expected;
         case AppcFlaw::None:
             break;
     }
     return {};
 }
 
-// Number of apps in a list that can take the cache's place; nothing after an error. The library
-// would say why in its log only, and drop the apps in memory.
+// The number of apps in a valid list. Empty after an error. The library would report the error only
+// in its log and drop the apps in memory.
 std::optional<std::size_t> checkedCount(Session& session, const std::string& file,
                                         const std::string& list) {
     QJsonArray array;
     if (!appcParseSyncList(list, array)) {
-        session.fail(ExitCode::BadValue, file + " is no JSON object with an array \"apps\"");
+        session.fail(ExitCode::BadValue, file + " is not a JSON object with an array \"apps\"");
         return std::nullopt;
     }
     AppcApps apps;
@@ -70,7 +70,7 @@ void run(Session& session, const Arguments& arguments) {
 void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     parser.add("INSTANCE", arguments->instance, "Instance name").required();
-    parser.add("FILE", arguments->file, "JSON: an object with an array \"apps\"").required();
+    parser.add("FILE", arguments->file, "JSON file: an object with an array \"apps\"").required();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
 
@@ -78,9 +78,12 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandSyncApps;
 const Command commandSyncApps{
-    "", "sync-apps", "Replaces the app cache of an instance by a list of apps",
-    "An app of the list is an object with the texts \"package\", \"activity\", \"appLabel\" and\n"
-    "\"versionName\" and the number \"versionCode\". Apps that are not in the list leave the\n"
-    "cache; icons stay as they are.\n"
-    "Example: bridgeadm sync-apps Nougat64 apps.json",
+    "App caches",
+    "",
+    "sync-apps",
+    "Replace the app cache of an instance with a list of apps",
+    "Example: bridgeadm sync-apps Nougat64 apps.json\n"
+    "Each app in the list is an object with the texts \"package\", \"activity\", \"appLabel\" and\n"
+    "\"versionName\" and the number \"versionCode\". Apps that are not in the list are removed\n"
+    "from the cache. Icons do not change.",
     declare};

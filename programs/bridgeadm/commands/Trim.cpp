@@ -23,7 +23,11 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandTrim;
-const Command commandTrim{"", "trim", "Empties the working sets of the product's processes",
-                          "Those that run from the install folder; the log names each.\n"
-                          "Example: bridgeadm trim",
-                          declare};
+const Command commandTrim{
+    "Other",
+    "",
+    "trim",
+    "Empty the working sets of the product's processes",
+    "Example: bridgeadm trim\n"
+    "Affects the processes whose programs are in the install folder. The log names each.",
+    declare};

@@ -22,7 +22,7 @@ struct Arguments {
     std::optional<std::string> label;
     std::optional<std::int32_t> versionCode;
     std::optional<std::string> versionName;
-    std::string icon;  // empty: it stays as it is
+    std::string icon;  // empty: it does not change
 };
 
 struct App {
@@ -32,7 +32,7 @@ struct App {
     std::string versionName;
 };
 
-// What the cache has, or nothing of it, under what the command line has.
+// The values of the command line, and the app's current values for the others.
 App updatedApp(const Arguments& arguments) {
     App app;
     static_cast<void>(appcGetApp(appcStore(), arguments.package, &app.activity, &app.label,
@@ -49,7 +49,7 @@ bool requireIcon(Session& session, const std::string& icon) {
            session.fail(ExitCode::UnknownName, "no such file in the shared folder: " + icon);
 }
 
-// The library does not tell.
+// appcUpdateApp() does not report this.
 bool iconWasMoved(Session& session, const std::string& icon) {
     return icon.empty() || xfileExists(iconPath(icon)) != XERR_SUCCESS ||
            session.fail(ExitCode::Library, "saved, but the icon could not be moved: " + icon);
@@ -70,10 +70,13 @@ void declare(OptionParser& parser, Session& session) {
     parser.add("INSTANCE", arguments->instance, "Instance name").required();
     parser.add("PACKAGE", arguments->package, "Android package name").required();
     parser.add("--activity", arguments->activity, "Launch activity");
-    parser.add("--label", arguments->label, "Name that users see");
-    parser.add("--version-code", arguments->versionCode, "Version for Android");
+    parser.add("--label", arguments->label, "Display name");
+    parser.add("--version-code", arguments->versionCode, "Version number for Android");
     parser.add("--version-name", arguments->versionName, "Version that users see");
-    parser.add("--icon", arguments->icon, "File of the shared folder that becomes the app's icon")
+    parser
+        .add("--icon", arguments->icon,
+             "Icon file in the shared folder, which is moved to the cache")
+        .taking("FILE")
         .notEmpty();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
@@ -82,7 +85,10 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandUpdateApp;
 const Command commandUpdateApp{
-    "", "update-app", "Adds an app to the app cache of an instance, or changes it",
-    "What is not given stays as it is, or is empty in a new app.\n"
-    "Example: bridgeadm update-app Nougat64 com.example.app --label Example --version-code 3",
+    "App caches",
+    "",
+    "update-app",
+    "Add an app to the app cache of an instance, or change it",
+    "Example: bridgeadm update-app Nougat64 com.example.app --label Example --version-code 3\n"
+    "Without an option, the value does not change; in a new app it is empty.",
     declare};

@@ -13,7 +13,7 @@ int call(const ProgramTexts& texts) {
 void declare(OptionParser& parser, Session& session) {
     declareProgram(parser, session,
                    {{"INSTANCE", "Instance name"},
-                    {"STORE", "The store"},
+                    {"STORE", "Name of the store"},
                     {"PACKAGE", "Android package name"}},
                    {"bridgeLaunchAppStore", call});
 }
@@ -21,6 +21,9 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandAppStore;
-const Command commandAppStore{"", "app-store", "Opens an app's page in an app store",
+const Command commandAppStore{"Instances and apps",
+                              "",
+                              "app-store",
+                              "Open the page of an app in an app store",
                               "Example: bridgectl app-store Nougat64 play com.example.app",
                               declare};

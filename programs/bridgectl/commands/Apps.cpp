@@ -21,7 +21,7 @@ void run(Session& session, const std::string& instance) {
         return bridgeGetInstalledApps(instance.c_str());
     }));
     if (text == nullptr) {
-        session.fail(ExitCode::Library, "no listing; see the log");
+        session.fail(ExitCode::Library, "the library returned no listing; see the log");
         return;
     }
     session.print(session.json ? text.get() : formatTable(appRows(text.get()), outputStyle()));
@@ -37,8 +37,12 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandApps;
 const Command commandApps{
-    "", "apps", "Lists the apps of an instance",
+    "Instances and apps",
+    "",
+    "apps",
+    "List the apps of an instance",
     "Example: bridgectl apps Nougat64\n"
-    "The list is the app cache's; the player need not run. ICON tells whether "
-    "the icon file exists. The JSON is the library's own.",
+    "Example: bridgectl apps Nougat64 --json\n"
+    "The list comes from the app cache, so the player need not run. The column ICON tells\n"
+    "whether the icon file exists. The JSON is the output of the library.",
     declare};

@@ -22,7 +22,7 @@ void run(Session& session, bool markdown) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto markdown = std::make_shared<bool>(false);
-    parser.addFlag("--markdown", *markdown, "As the table of the document");
+    parser.addFlag("--markdown", *markdown, "Print the table of the reference page");
     parser.onRun([&session, markdown] { run(session, *markdown); });
 }
 
@@ -30,7 +30,12 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandCatalogue;
 const Command commandCatalogue{
-    "", "catalogue", "Lists every key there can be, with its scope, type and default",
+    "Configuration",
+    "",
+    "catalogue",
+    "List all possible keys with scope, type and default",
+    "Example: bridgectl catalogue\n"
     "Example: bridgectl catalogue --json\n"
-    "The library is not started. A bool without a default cannot be read before it is set.",
+    "The command does not start the library. A bool without a default cannot be read until it\n"
+    "is set.",
     declare};

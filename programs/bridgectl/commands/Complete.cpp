@@ -26,7 +26,7 @@ void run(Session& session, const OptionParser& program, const Words& words) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto words = std::make_shared<Words>();
-    parser.add("WORD", *words, "Words of the command line before the one to complete");
+    parser.add("WORD", *words, "Words before the one to complete");
     parser.onRun([&session, program = parser.parent(), words] { run(session, program, *words); });
 }
 
@@ -34,8 +34,11 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandComplete;
 const Command commandComplete{
-    "", "complete", "Lists what can come next on a command line, for the completion of a shell",
+    "Help",
+    "",
+    "complete",
+    "List the possible next words of a command line",
     "Example: bridgectl complete --json -- conf get\n"
-    "The names of keys, instances and apps are those of the product's files; the library is not\n"
-    "started.",
+    "The shell scripts of `completion` call this command. It reads keys, instances and apps\n"
+    "from the product's files and does not start the library.",
     declare};

@@ -21,17 +21,19 @@ void run(Session& session, const std::string& program, const std::string& shell)
 
 void declare(OptionParser& parser, Session& session) {
     const auto shell = std::make_shared<std::string>();
-    parser.add("SHELL", *shell, "The shell").required().oneOf({"bash", "powershell"});
+    parser.add("SHELL", *shell, "Shell").required().oneOf({"bash", "powershell"});
     parser.onRun([&session, name = parser.parent().name(), shell] { run(session, name, *shell); });
 }
 
 }  // namespace
 
 extern const Command commandCompletion;
-const Command commandCompletion{"", "completion",
-                                "Prints a script that makes a shell complete the commands",
-                                "Example: bridgectl completion powershell >> $PROFILE\n"
-                                "For bash: source <(bridgectl completion bash)\n"
-                                "The script asks the program for commands, options, keys, "
-                                "instances, packages and client\nids at each completion.",
-                                declare};
+const Command commandCompletion{
+    "Help",
+    "",
+    "completion",
+    "Print a completion script for a shell",
+    "Example: source <(bridgectl completion bash)\n"
+    "Example: bridgectl completion powershell >> $PROFILE\n"
+    "The script completes commands, options, keys, instances, packages and client ids.",
+    declare};

@@ -2,5 +2,9 @@
 #include "shared/Command.h"
 
 extern const Command commandConf;
-const Command commandConf{"", "conf", "Commands on the configuration",
-                          "Example: bridgectl conf get vtr.locale", nullptr};
+const Command commandConf{"Configuration",
+                          "",
+                          "conf",
+                          "Read and change the configuration",
+                          "Example: bridgectl conf get vtr.locale",
+                          nullptr};

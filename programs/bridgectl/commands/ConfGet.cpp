@@ -25,12 +25,18 @@ void run(Session& session, const std::string& key) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto key = std::make_shared<std::string>();
-    parser.add("KEY", *key, "Full key").required();
+    parser.add("KEY", *key, "Full key, such as vtr.locale").required();
     parser.onRun([&session, key] { run(session, *key); });
 }
 
 }  // namespace
 
 extern const Command commandConfGet;
-const Command commandConfGet{"conf", "get", "Prints the value of a key",
-                             "Example: bridgectl conf get vtr.instance.Nougat64.dpi", declare};
+const Command commandConfGet{"Configuration",
+                             "conf",
+                             "get",
+                             "Print the value of a key",
+                             "Example: bridgectl conf get vtr.locale\n"
+                             "Example: bridgectl conf get vtr.instance.Nougat64.dpi --json\n"
+                             "A key without a value prints \"unset\" and ends with exit code 7.",
+                             declare};

@@ -59,6 +59,7 @@ void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     Option global = parser.addFlag("--global", arguments->globalOnly, "Global keys only");
     Option instance = parser.add("--instance", arguments->instance, "Keys of this instance only")
+                          .taking("NAME")
                           .notEmpty()
                           .excludes(global);
     parser.onRun([&session, arguments, instance] {
@@ -70,5 +71,10 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandConfList;
-const Command commandConfList{"conf", "list", "Lists every key with its type and value",
-                              "Example: bridgectl conf list --instance Nougat64", declare};
+const Command commandConfList{"Configuration",
+                              "conf",
+                              "list",
+                              "List all keys with type and value",
+                              "Example: bridgectl conf list\n"
+                              "Example: bridgectl conf list --instance Nougat64",
+                              declare};

@@ -22,9 +22,9 @@ struct Arguments {
     std::string file;  // empty: the product's configuration
 };
 
-// The library would make an instance that is not known, without a disk or an image, and one of an
-// unknown image would end every host that lists the instances. Without the configuration file no
-// instance is known.
+// The library would create an unknown instance without a disk or an image. An instance of an
+// unknown image would end every host that lists the instances. Without the configuration file, any
+// instance is possible.
 bool instanceIsPossible(Session& session, const std::string& key) {
     const ConfKey parts = confSplitKey(key);
     if (parts.scope != ConfScope::Instance || session.configuration().find(key)) return true;
@@ -35,7 +35,7 @@ bool instanceIsPossible(Session& session, const std::string& key) {
     return session.noConf || session.failInstance(parts.instance);
 }
 
-// What is to be stored; nothing after an error.
+// The change to store. Empty after an error.
 std::optional<KeyInfo> checkedChange(Session& session, const Arguments& arguments) {
     const std::string& key = arguments.key;
     const std::optional<ConfType> type = session.requireType(key);
@@ -47,8 +47,8 @@ std::optional<KeyInfo> checkedChange(Session& session, const Arguments& argument
         return std::nullopt;
     }
     if (const XErr err = confCheckEntry(key, *stored); err != XERR_SUCCESS) {
-        session.failStatus(ExitCode::BadValue, key + " and its value make no line of the file",
-                           err);
+        session.failStatus(ExitCode::BadValue,
+                           key + " and its value do not fit in one line of the file", err);
         return std::nullopt;
     }
     return KeyInfo{key, *type, KeyState::Value, *stored};
@@ -67,9 +67,10 @@ void run(Session& session, const Arguments& arguments) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
-    parser.add("KEY", arguments->key, "Full key").required();
+    parser.add("KEY", arguments->key, "Full key, such as vtr.locale").required();
     parser.add("VALUE", arguments->value, "New value; true or false for a bool").required();
-    parser.add("--to", arguments->file, "Write the configuration into this file instead")
+    parser.add("--to", arguments->file, "Write the configuration to this file instead")
+        .taking("FILE")
         .notEmpty();
     parser.onRun([&session, arguments] { run(session, *arguments); });
 }
@@ -77,9 +78,14 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandConfSet;
-const Command commandConfSet{"conf", "set", "Sets a key and commits the change",
-                             "Example: bridgectl conf set vtr.enable_adb_access true\n"
-                             "A value that begins with \"-\" comes behind \"--\". The instance of "
-                             "a key must exist:\ncreate-instance makes a new one, bridgeadm "
-                             "copy-instance a copy.",
-                             declare};
+const Command commandConfSet{
+    "Configuration",
+    "conf",
+    "set",
+    "Set a key and commit the change",
+    "Example: bridgectl conf set vtr.enable_adb_access true\n"
+    "Example: bridgectl conf set vtr.instance.Nougat64.dpi 320\n"
+    "Example: bridgectl conf set vtr.locale -- -x\n"
+    "A value that begins with \"-\" comes after \"--\". The instance of a key must exist:\n"
+    "`bridgectl create-instance` creates one, `bridgeadm copy-instance` copies one.",
+    declare};

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Every function that stores a bool or a number stores one: none of them leaves the key empty.
+// The library's functions for bools and numbers cannot store an empty text.
 bool canBeStored(Session& session, const KeyInfo& key, const std::string& text) {
     const bool isText = key.type == ConfType::String || key.type == ConfType::MultiString;
     return !text.empty() || isText ||
@@ -40,15 +40,19 @@ void run(Session& session, const std::string& name) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto key = std::make_shared<std::string>();
-    parser.add("KEY", *key, "Full key").required();
+    parser.add("KEY", *key, "Full key, such as vtr.locale").required();
     parser.onRun([&session, key] { run(session, *key); });
 }
 
 }  // namespace
 
 extern const Command commandConfUnset;
-const Command commandConfUnset{"conf", "unset", "Sets a key to its default and commits the change",
-                               "Example: bridgectl conf unset vtr.locale\n"
-                               "The default is what bridgectl catalogue lists. A bool or number "
-                               "whose default is empty\ncannot get it back.",
-                               declare};
+const Command commandConfUnset{
+    "Configuration",
+    "conf",
+    "unset",
+    "Reset a key to its default and commit the change",
+    "Example: bridgectl conf unset vtr.locale\n"
+    "`bridgectl catalogue` lists the defaults. The library cannot store an empty bool or\n"
+    "number, so a key of these types with an empty default cannot be reset.",
+    declare};

@@ -26,10 +26,15 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandCreateInstance;
 const Command commandCreateInstance{
-    "", "create-instance", "Creates a new instance",
+    "Instances and apps",
+    "",
+    "create-instance",
+    "Create an instance",
+    "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u\n"
     "Example: bridgectl create-instance Nougat64 4 4096 aga dx s21u --wait 600\n"
-    "With --wait, it ends when the instance has been created; another status than 0 is a failure, "
-    "which\nis the exit code 12."
-    " A copy of an instance is made by bridgeadm copy-instance; bridgeadm remove-instance removes "
-    "one.",
+    "With --wait, the command ends when the manager reports the result. A status other than 0\n"
+    "is a failure, with exit code 12.\n"
+    "\n"
+    "To copy or remove an instance, use `bridgeadm copy-instance` and `bridgeadm remove-\n"
+    "instance`.",
     declare};

@@ -68,12 +68,18 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandDoctor;
 const Command commandDoctor{
-    "", "doctor", "Looks for what keeps a front end from starting or working",
+    "Diagnosis",
+    "",
+    "doctor",
+    "Find problems that stop a front end from working",
+    "Example: bridgectl doctor\n"
     "Example: bridgectl doctor --json\n"
-    "A line for each thing that was looked at, with what to do about a problem: registry, "
-    "folders,\nlog, configuration, locks, servers, versions and files. The library is not started. "
-    "A note\nis no problem: the exit code is 1 when there is one, else 0.\n"
-    "It needs QX-Bridge.dll, Qt5Core.dll and Qt5Network.dll beside bridgectl.exe. Without one of\n"
-    "them Windows does not start it: a window says that the DLL was not found, and the exit "
-    "status\nis 0xC0000135. Put the missing file back, or install the product again.",
+    "The command prints a line for each check, and for each problem what to do about it. It\n"
+    "checks the registry, folders, log, configuration, locks, servers, versions and files. It\n"
+    "does not start the library. The exit code is 1 if there is a problem; a note is not a\n"
+    "problem.\n"
+    "\n"
+    "Windows starts bridgectl.exe only if QX-Bridge.dll, Qt5Core.dll and Qt5Network.dll are\n"
+    "in its folder. Otherwise a window names the missing DLL, and the exit status is\n"
+    "0xC0000135. Restore the file or reinstall the product.",
     declare};

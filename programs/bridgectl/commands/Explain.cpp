@@ -2,12 +2,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ResultCodes.h"
 #include "Session.h"
 #include "shared/Command.h"
 #include "shared/Console.h"
 #include "shared/JsonValue.h"
+#include "shared/Nearest.h"
 #include "shared/OptionParser.h"
 #include "shared/Table.h"
 
@@ -23,10 +25,19 @@ void printAll(Session& session) {
     session.printJson(array);
 }
 
+std::string hintFor(const std::string& text) {
+    std::vector<std::string> names;
+    for (const ResultCode& code : resultCodes()) {
+        names.push_back(code.name);
+        names.push_back(code.name.substr(5));  // without "XERR_"
+    }
+    return nearestHint(text, names);
+}
+
 void printOne(Session& session, const std::string& text) {
     const std::optional<ResultCode> code = findResultCode(text);
     if (!code) {
-        session.fail(ExitCode::UnknownName, "no such result code: " + text);
+        session.fail(ExitCode::UnknownName, "no such result code: " + text, hintFor(text));
     } else if (session.json) {
         session.printJson(resultCodeJson(*code));
     } else {
@@ -48,8 +59,9 @@ void run(Session& session, const std::string* code, bool markdown) {
 void declare(OptionParser& parser, Session& session) {
     const auto code = std::make_shared<std::string>();
     const auto markdown = std::make_shared<bool>(false);
-    Option option = parser.add("CODE", *code, "Number or name; without it, all are listed");
-    parser.addFlag("--markdown", *markdown, "All, as the table of the document").excludes(option);
+    Option option = parser.add("CODE", *code, "Number or name (default: list all codes)");
+    parser.addFlag("--markdown", *markdown, "Print the table of the reference page")
+        .excludes(option);
     parser.onRun([&session, code, markdown, option] {
         run(session, option.isGiven() ? code.get() : nullptr, *markdown);
     });
@@ -59,8 +71,13 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandExplain;
 const Command commandExplain{
-    "", "explain", "Says a result code of the library in words",
+    "Diagnosis",
+    "",
+    "explain",
+    "Explain a result code of the library",
     "Example: bridgectl explain 13\n"
-    "Codes from 100000 on are Windows errors; the words are the system's then. A negative number\n"
-    "comes behind \"--\".",
+    "Example: bridgectl explain XERR_ACCES\n"
+    "Example: bridgectl explain -- -1\n"
+    "Codes from 100000 on are Windows errors, explained by Windows. A negative number comes\n"
+    "after \"--\".",
     declare};

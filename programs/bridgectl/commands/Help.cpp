@@ -10,5 +10,9 @@ void declare(OptionParser& parser, Session& session) { declareHelp(parser, sessi
 }  // namespace
 
 extern const Command commandHelp;
-const Command commandHelp{"", "help", "Explains a command", "Example: bridgectl help conf set",
+const Command commandHelp{"Help",
+                          "",
+                          "help",
+                          "Print the help of the program or of a command",
+                          "Example: bridgectl help conf set",
                           declare};

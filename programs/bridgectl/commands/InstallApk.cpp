@@ -9,7 +9,7 @@ namespace {
 int call(const ProgramTexts& texts) { return bridgeInstallApk(texts[0].c_str(), texts[1].c_str()); }
 
 void declare(OptionParser& parser, Session& session) {
-    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"FILE", "The APK file"}},
+    declareProgram(parser, session, {{"INSTANCE", "Instance name"}, {"FILE", "APK file"}},
                    {"bridgeInstallApk", call, installApkOutcome});
 }
 
@@ -17,8 +17,12 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandInstallApk;
 const Command commandInstallApk{
-    "", "install-apk", "Installs an APK file into an instance",
+    "Instances and apps",
+    "",
+    "install-apk",
+    "Install an APK file in an instance",
+    "Example: bridgectl install-apk Nougat64 C:\\Downloads\\app.apk\n"
     "Example: bridgectl install-apk Nougat64 C:\\Downloads\\app.apk --wait 60\n"
-    "With --wait, it ends when the file has been dealt with; another status than 0 is a "
-    "failure,\nwhich is the exit code 12.",
+    "With --wait, the command ends when the player reports the result. A status other than 0\n"
+    "is a failure, with exit code 12.",
     declare};

@@ -16,8 +16,12 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandInstallImage;
-const Command commandInstallImage{"", "install-image", "Installs an Android image",
-                                  "Example: bridgectl install-image Nougat64 --wait 600\n"
-                                  "With --wait, progress with status 2 is the end of it, and with "
-                                  "a negative one a failure, which is\nthe exit code 12.",
-                                  declare};
+const Command commandInstallImage{
+    "Instances and apps",
+    "",
+    "install-image",
+    "Install an Android image",
+    "Example: bridgectl install-image Nougat64 --wait 600\n"
+    "With --wait, the command ends when the manager reports the end of the installation. A\n"
+    "negative status is a failure, with exit code 12.",
+    declare};

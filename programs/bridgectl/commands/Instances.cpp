@@ -18,8 +18,7 @@
 
 namespace {
 
-// The library's listing ends the process when it meets an instance of an unknown image, or one
-// whose numbers cannot be read.
+// The library ends the process if it lists an instance with an unknown image or unreadable numbers.
 bool canBeListed(Session& session, const std::string& instance) {
     if (utlFindImageTrait(utlImageNameOfInstance(instance)) == nullptr) {
         return session.fail(ExitCode::UnknownName,
@@ -44,7 +43,7 @@ void run(Session& session) {
     if (!session.start() || !canAllBeListed(session)) return;
     const LibraryText text(session.timed("bridgeConfGetInstances", bridgeConfGetInstances));
     if (text == nullptr) {
-        session.fail(ExitCode::Library, "no listing; see the log");
+        session.fail(ExitCode::Library, "the library returned no listing; see the log");
         return;
     }
     session.print(session.json ? text.get() : formatTable(instanceRows(text.get()), outputStyle()));
@@ -57,8 +56,13 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandInstances;
-const Command commandInstances{"", "instances", "Lists the instances",
-                               "Example: bridgectl instances\nThe JSON is the library's own. To "
-                               "copy, remove or dump an instance, see bridgeadm:\nit has "
-                               "copy-instance, remove-instance and dump-instance.",
-                               declare};
+const Command commandInstances{
+    "Instances and apps",
+    "",
+    "instances",
+    "List the instances",
+    "Example: bridgectl instances\n"
+    "Example: bridgectl instances --json\n"
+    "The JSON is the output of the library. To copy, remove or dump an instance, use\n"
+    "`bridgeadm copy-instance`, `bridgeadm remove-instance` and `bridgeadm dump-instance`.",
+    declare};

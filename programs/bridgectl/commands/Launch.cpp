@@ -17,7 +17,11 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandLaunch;
-const Command commandLaunch{"", "launch", "Launches an app in an instance",
+const Command commandLaunch{"Instances and apps",
+                            "",
+                            "launch",
+                            "Launch an app in an instance",
+                            "Example: bridgectl launch Nougat64 com.example.app\n"
                             "Example: bridgectl launch Nougat64 com.example.app --wait 60\n"
-                            "With --wait, it ends when the app is displayed.",
+                            "With --wait, the command ends when the app is displayed.",
                             declare};

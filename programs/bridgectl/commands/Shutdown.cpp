@@ -12,12 +12,12 @@ namespace {
 
 struct Arguments {
     std::string instance;
-    bool isForOne = false;  // else for the manager and every player
+    bool isForOne = false;  // otherwise the manager and every player
     bool flag = false;
 };
 
 void run(Session& session, const Arguments& arguments) {
-    // An empty name is a script's mistake, and must not end everything.
+    // An empty name is probably an unset variable of a script. It must not shut down everything.
     if (arguments.isForOne && arguments.instance.empty()) {
         session.failInstance(arguments.instance);
         return;
@@ -43,8 +43,9 @@ void run(Session& session, const Arguments& arguments) {
 void declare(OptionParser& parser, Session& session) {
     const auto arguments = std::make_shared<Arguments>();
     Option instance =
-        parser.add("INSTANCE", arguments->instance, "Only the player of this instance");
-    parser.addFlag("--flag", arguments->flag, "The flag that the player is handed").needs(instance);
+        parser.add("INSTANCE", arguments->instance,
+                   "Instance whose player to ask (default: the manager and all players)");
+    parser.addFlag("--flag", arguments->flag, "Flag that the player receives").needs(instance);
     parser.onRun([&session, arguments, instance] {
         arguments->isForOne = instance.isGiven();
         run(session, *arguments);
@@ -54,7 +55,11 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandShutdown;
-const Command commandShutdown{"", "shutdown", "Asks running programs to shut down",
+const Command commandShutdown{"Instances and apps",
+                              "",
+                              "shutdown",
+                              "Ask the product's programs to shut down",
                               "Example: bridgectl shutdown Nougat64\n"
-                              "Whether a program was there to be asked is in the log only.",
+                              "Example: bridgectl shutdown\n"
+                              "Only the log tells whether a program was running.",
                               declare};

@@ -19,7 +19,10 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandUninstall;
-const Command commandUninstall{"", "uninstall", "Uninstalls an app from an instance",
+const Command commandUninstall{"Instances and apps",
+                               "",
+                               "uninstall",
+                               "Uninstall an app from an instance",
                                "Example: bridgectl uninstall Nougat64 com.example.app --wait 60\n"
-                               "With --wait, it ends when the app has been uninstalled.",
+                               "With --wait, the command ends when the app is uninstalled.",
                                declare};

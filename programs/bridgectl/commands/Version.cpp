@@ -24,5 +24,9 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandVersion;
-const Command commandVersion{"", "version", "Prints the versions of the program and of the library",
-                             "Example: bridgectl version --json", declare};
+const Command commandVersion{"Diagnosis",
+                             "",
+                             "version",
+                             "Print the versions of the program and the library",
+                             "Example: bridgectl version --json",
+                             declare};

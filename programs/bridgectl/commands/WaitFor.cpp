@@ -12,8 +12,8 @@ void declare(OptionParser& parser, Session& session) {
     const auto request = std::make_shared<EventRequest>();
     request->count = 1;
     request->filter.resize(1);
-    parser.add("EVENT", request->filter[0], "Name of the event").required().oneOf(eventNames());
-    parser.add("--timeout", request->timeout, "Give up after so many seconds")
+    parser.add("EVENT", request->filter[0], "Event").required().oneOf(eventNames());
+    parser.add("--timeout", request->timeout, "Give up after this many seconds")
         .between(1, 1'000'000);
     parser.onRun([&session, request] { printRequestedEvents(session, *request); });
 }
@@ -21,8 +21,10 @@ void declare(OptionParser& parser, Session& session) {
 }  // namespace
 
 extern const Command commandWaitFor;
-const Command commandWaitFor{
-    "", "wait-for", "Waits for one event and prints it",
-    "Example: bridgectl wait-for app-installed --timeout 60\n"
-    "An event that came before \"listening on ...\" stood on standard error does not count.",
-    declare};
+const Command commandWaitFor{"Events",
+                             "",
+                             "wait-for",
+                             "Wait for an event and print it",
+                             "Example: bridgectl wait-for app-installed --timeout 60\n"
+                             "Only events after \"listening on ...\" on standard error count.",
+                             declare};

@@ -24,7 +24,7 @@ namespace {
 
 using Clock = EventQueue::Clock;
 
-// No event tells that a program has started or ended.
+// No event reports the start or end of a program, so the command polls.
 constexpr std::chrono::seconds kBetweenLooks{1};
 
 class Watcher {
@@ -32,7 +32,7 @@ class Watcher {
     explicit Watcher(Session& session)
         : session_(session), size_(session.json ? std::nullopt : outputSize()) {}
 
-    // False, after an error, when the output takes no more: as with the next functions.
+    // These three return false after an error of the output.
     bool start() {
         look();
         WatchState nothing;
@@ -58,7 +58,7 @@ class Watcher {
  private:
     void look() {
         std::string content;
-        // A file that is being replaced is read the next time.
+        // A file that is being replaced is read at the next look.
         const std::string path = utlGetDataDir() + "vantrel.conf";
         if (confDiskFiles().read(path, content) == ConfFileRead::Done) {
             state_ = watchedConfiguration(content);
@@ -83,13 +83,13 @@ class Watcher {
 
     bool draw() {
         if (!size_) return true;
-        size_ = outputSize();  // the window may have another one by now
+        size_ = outputSize();  // the window may have been resized
         const ScreenSize size = size_.value_or(ScreenSize{});
         return session_.print(watchScreen(state_, history_, size, outputStyle()));
     }
 
     Session& session_;
-    std::optional<ScreenSize> size_;  // nothing: lines in place of a screen
+    std::optional<ScreenSize> size_;  // empty: print lines instead of a screen
     WatchState state_;
     WatchHistory history_;
 };
@@ -113,7 +113,7 @@ void run(Session& session, unsigned timeout) {
 
 void declare(OptionParser& parser, Session& session) {
     const auto timeout = std::make_shared<unsigned>(0);
-    parser.add("--timeout", *timeout, "End after so many seconds").between(1, 1'000'000);
+    parser.add("--timeout", *timeout, "End after this many seconds").between(1, 1'000'000);
     parser.onRun([&session, timeout] { run(session, *timeout); });
 }
 
@@ -121,9 +121,12 @@ void declare(OptionParser& parser, Session& session) {
 
 extern const Command commandWatch;
 const Command commandWatch{
-    "", "watch", "Shows instances, running programs, events and changed settings as they are",
+    "Events",
+    "",
+    "watch",
+    "Watch instances, events and settings on one screen",
     "Example: bridgectl watch\n"
-    "On a terminal one screen that is drawn again with each event, and within a second after a\n"
-    "program started or ended or the configuration changed. Elsewhere a line for each of these,\n"
-    "with --json an object a line. Ctrl-C ends it.",
+    "On a terminal, the command redraws one screen at each event, and within a second when a\n"
+    "program starts or ends or the configuration changes. Otherwise it prints a line for each\n"
+    "change; with --json, the line is an object. Press Ctrl-C to end.",
     declare};

@@ -19,7 +19,7 @@ class Reader {
  public:
     Findings take(std::string_view content) {
         if (content.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-            add("a byte order mark: nothing of the file is read",
+            add("byte order mark: the library ignores the file",
                 "save the file as UTF-8 without a byte order mark");
             content.remove_prefix(kByteOrderMark.size());
         }
@@ -41,20 +41,21 @@ class Reader {
     void readLine(std::string_view line) {
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos || equals + 1 == line.size()) {
-            add(line.empty() ? "an empty line: nothing behind it is read"
-                             : "not key=\"value\": nothing behind it is read",
+            add(line.empty() ? "empty line: the library ignores the rest of the file"
+                             : "not key=\"value\": the library ignores the rest of the file",
                 "correct or remove the line");
             return;
         }
         if (!hasFittingLength(line)) return;
         if (line.back() == '\r') {
-            add("ends with CR LF: the value keeps its closing quote", "save with LF line ends");
+            add("ends with CR LF: the value includes the closing quote",
+                "save the file with LF line ends");
             line.remove_suffix(1);
         }
         const std::string_view quoted = line.substr(equals + 1);
         if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') {
-            add("the value is not between quotes: its first and last characters are lost",
-                "put it between double quotes");
+            add("value without quotes: its first and last characters are lost",
+                "put the value in double quotes");
             return;
         }
         readEntry(line.substr(0, equals), quoted.substr(1, quoted.size() - 2));
@@ -62,7 +63,8 @@ class Reader {
 
     bool hasFittingLength(std::string_view line) {
         if (line.size() > CONF_LINE_SIZE) {
-            add("more than 4096 bytes: nothing behind it is read", "shorten or remove the line");
+            add("more than 4096 bytes: the library ignores the rest of the file",
+                "shorten or remove the line");
             return false;
         }
         if (line.size() + 1 >= CONF_LINE_SIZE) {
@@ -75,7 +77,7 @@ class Reader {
         const std::string key(name);
         if (!known_.typeOf(key)) {
             const std::string hint = keyHint(known_, key);
-            add("the key " + key + " is unknown: nothing behind it is read",
+            add("unknown key " + key + ": the library ignores the rest of the file",
                 hint.empty() ? "remove the line" : hint);
             return;
         }
@@ -84,24 +86,25 @@ class Reader {
         const std::string entry = key + "=\"" + std::string(value) + "\"\n";
         const std::optional<KeyInfo> info = Configuration(entry).find(key);
         if (info && info->state == KeyState::Invalid) {
-            add(key + " holds no " + typeName(info->type) + ": \"" + info->text +
-                    "\": who reads it ends",
+            add(key + " is not of type " + typeName(info->type) + ": \"" + info->text +
+                    "\": front ends end when they read it",
                 repairOf(*info));
         }
     }
 
-    // An empty default is nothing that conf unset could store.
+    // `conf unset` cannot store an empty default.
     std::string repairOf(const KeyInfo& key) const {
         if (!known_.defaultOf(key.key).empty()) return "bridgectl conf unset " + key.key;
         return "bridgectl conf set " + key.key + (key.type == ConfType::Bool ? " false" : " 0");
     }
 
-    // Once for each instance, whose keys stand together.
+    // Once per instance: its keys are in consecutive lines.
     void checkImage(const std::string& instance) {
         if (instance == lastInstance_) return;
         lastInstance_ = instance;
         if (utlFindImageTrait(utlImageNameOfInstance(instance)) != nullptr) return;
-        add("instance " + instance + " has an unknown image: who lists the instances ends",
+        add("instance " + instance +
+                " has an unknown image: front ends end when they list the instances",
             "bridgeadm remove-instance " + instance);
     }
 

@@ -5,8 +5,8 @@
 
 #include "doctor/Finding.h"
 
-// What is wrong with the text of a configuration file, by the numbers of its lines, which begin at
-// 1. Looks at every line, also behind the one that the library stops at.
+// Problems in the text of a configuration file, with line numbers from 1. Checks all lines, even
+// those after the one at which the library stops.
 Findings configurationFindings(std::string_view content);
 
 #endif

@@ -4,24 +4,24 @@
 #include <string>
 #include <vector>
 
-// What the doctor has looked at.
+// The result of a check of the doctor.
 
 enum class FindingLevel {
     Ok,
-    Note,     // may be on purpose
+    Note,     // may be intended
     Problem,  // keeps a front end from starting or working
 };
 
 struct Finding {
     FindingLevel level;
-    std::string check;  // what was looked at: "registry", "lock"
+    std::string check;  // what was checked: "registry", "lock"
     std::string found;
-    std::string todo;  // empty when there is nothing to do
+    std::string todo;  // empty if there is nothing to do
 };
 
 using Findings = std::vector<Finding>;
 
-// Name of a level: "ok", "note", "problem".
+// The name of a level: "ok", "note", "problem".
 const char* levelName(FindingLevel level);
 
 #endif

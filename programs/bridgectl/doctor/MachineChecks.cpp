@@ -1,4 +1,4 @@
-// What the processes of this machine share, and the files that this one has loaded.
+// Checks of locks, servers and loaded files.
 #include <bridge/bridge.h>
 
 #include <chrono>
@@ -28,13 +28,14 @@ Finding lockFinding(const std::string& name) {
             return {FindingLevel::Ok, "lock", name + " is free", {}};
         case LockState::Held:
             return {FindingLevel::Problem, "lock",
-                    name + " was held for two seconds: who wants it waits",
-                    "end the program of the product that hangs"};
+                    name + " was held for two seconds: front ends wait for it",
+                    "end the product's program that hangs"};
         case LockState::Refused:
             break;
     }
-    return {FindingLevel::Problem, "lock", name + " cannot be opened: front ends end",
-            "find the program that made it, of a higher integrity or of another user"};
+    return {
+        FindingLevel::Problem, "lock", name + " cannot be opened: front ends end",
+        "find the program that created it: another user's, or one with a higher integrity level"};
 }
 
 std::vector<std::string> serverNames(const Configuration& configuration) {
@@ -54,7 +55,7 @@ bool isFile(const std::string& path) {
     return xfileAttributes(path, attributes) == XERR_SUCCESS && !attributes.isFolder;
 }
 
-// The module's path is the one that was loaded; the other one is, in another program.
+// Compares with the loaded module. Another program may load the other file.
 void addSecondFiles(Findings& findings, const std::string& module) {
     const std::string loaded = modulePath(module);
     const std::string folder = loaded.substr(0, loaded.find_last_of('\\'));
@@ -64,7 +65,7 @@ void addSecondFiles(Findings& findings, const std::string& module) {
         if (!isFile(second + "\\" + module) || isSameFolder(second, folder)) continue;
         findings.push_back({FindingLevel::Problem, "files",
                             module + " is in " + folder + " and in " + second,
-                            "remove one: Windows takes either"});
+                            "remove one: Windows may load either"});
         return;
     }
 }
@@ -117,7 +118,8 @@ Findings serverFindings(const Configuration& configuration) {
              name + " is served by " + image + " (process " + std::to_string(server->process) + ")",
              {}});
     }
-    if (findings.empty()) findings.push_back({FindingLevel::Ok, "server", "nobody serves", {}});
+    if (findings.empty())
+        findings.push_back({FindingLevel::Ok, "server", "no server is running", {}});
     return findings;
 }
 

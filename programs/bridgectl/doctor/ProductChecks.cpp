@@ -1,9 +1,10 @@
-// Registry, folders and files of the product.
+// Checks of the product's registry values, folders and files.
 #include <bridge/bridge.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "conf/ConfFiles.h"
 #include "doctor/Checks.h"
@@ -19,7 +20,7 @@
 
 namespace {
 
-// A log of this size has not been rotated for long, which happens when a front end starts.
+// A front end rotates the log when it starts. A log of this size has not been rotated for long.
 constexpr std::int64_t kHugeLog = 10 * XPL_LOG_ROTATE_SIZE;
 
 Finding ok(const char* check, const std::string& found) {
@@ -41,11 +42,20 @@ bool isFolder(const std::string& path) {
     return xfileAttributes(path, attributes) == XERR_SUCCESS && attributes.isFolder;
 }
 
-// What is wrong with a value by itself; an empty text when nothing is.
+bool isAbsolute(const std::string& path) {
+    const bool isOnShare = path.rfind("\\\\", 0) == 0;
+    const bool hasDrive = path.size() > 1 && path[1] == ':';
+    return isOnShare || (hasDrive && (path.size() == 2 || path[2] == '\\' || path[2] == '/'));
+}
+
+// What is wrong with a value itself. Empty if it is fine.
 std::string flawOf(const char* value) {
     if (registryValueState(value) == RegistryValue::Missing) return "is missing";
-    if (registryValueState(value) == RegistryValue::OtherType) return "is no text (REG_SZ)";
-    return textOf(value).empty() ? "is empty" : "";
+    if (registryValueState(value) == RegistryValue::OtherType) return "is not a string (REG_SZ)";
+    const std::string text = textOf(value);
+    if (text.empty()) return "is empty";
+    const bool isFolder = std::string_view(value) != "Version";
+    return isFolder && !isAbsolute(text) ? "is not an absolute path (" + text + ")" : "";
 }
 
 Finding versionFinding() {
@@ -53,20 +63,20 @@ Finding versionFinding() {
     if (version == BRIDGE_VERSION_TEXT) return ok("registry", "\"Version\" is " + version);
     return problem("registry",
                    "\"Version\" is " + version +
-                       " and this library " BRIDGE_VERSION_TEXT ": the launcher does not start",
-                   "install the library and the product of one version");
+                       ", but this library is " BRIDGE_VERSION_TEXT ": the launcher does not start",
+                   "install the library and the product in the same version");
 }
 
 Finding installFinding() {
     const std::string folder = textOf("InstallDir");
     if (folder.back() != '\\') {
         return problem("registry", "\"InstallDir\" does not end in \"\\\": " + folder,
-                       "add the \"\\\": names of programs are put right behind it");
+                       "add the \"\\\": the library appends program names to it");
     }
     for (const char* program : {"QX-Player.exe", "QX-MultiInstanceManager.exe"}) {
         if (xfileExists(folder + program) == XERR_SUCCESS) continue;
         return problem("registry", "\"InstallDir\" has no " + std::string(program) + ": " + folder,
-                       "install the product again");
+                       "reinstall the product");
     }
     return ok("registry", "\"InstallDir\" is " + folder);
 }
@@ -75,7 +85,7 @@ Finding dataFinding() {
     return ok("registry", "\"UserDefinedDir\" is " + textOf("UserDefinedDir"));
 }
 
-// Whether this user may make a file, by making one.
+// Tests whether this user can create files, by creating one.
 XErr tryFile(const std::string& folder) {
     const std::string path = folder + "\\bridgectl-" + std::to_string(thisProcess()) + ".tmp";
     Xfile file;
@@ -86,15 +96,16 @@ XErr tryFile(const std::string& folder) {
 
 Finding folderFinding(const char* check, const std::string& folder) {
     if (!isFolder(folder)) {
-        return problem(check, folder + " does not exist",
-                       "make it, or correct the registry: " + registryValueName("UserDefinedDir"));
+        return problem(
+            check, folder + " does not exist",
+            "create it, or correct the registry: " + registryValueName("UserDefinedDir"));
     }
     if (const XErr err = tryFile(folder); err != XERR_SUCCESS) {
         return problem(
-            check, "you cannot write into " + folder + ": " + statusText(err),
+            check, "cannot create files in " + folder + ": " + statusText(err),
             "as administrator: icacls \"" + folder + "\" /grant *S-1-5-32-545:(OI)(CI)M");
     }
-    return ok(check, folder + ", written by " + joined(writersOf(folder), ", "));
+    return ok(check, folder + ", writable by " + joined(writersOf(folder), ", "));
 }
 
 Finding logFinding(const std::string& path) {
@@ -106,12 +117,12 @@ Finding logFinding(const std::string& path) {
     if (err != XERR_SUCCESS) {
         return problem(
             "log",
-            path + " cannot be opened: " + statusText(err) + ": every front end ends at its start",
-            "give every user the right to write it, or delete it");
+            path + " cannot be opened: " + statusText(err) + ": front ends end when they start",
+            "let every user write it, or delete it");
     }
     const std::string text = path + " has " + std::to_string(size) + " bytes";
     if (size > kHugeLog) {
-        return problem("log", text, "end all front ends: the next start rotates it");
+        return problem("log", text, "end all front ends: the next one that starts rotates it");
     }
     return ok("log", text);
 }
@@ -124,8 +135,8 @@ Findings registryFindings() {
         const char* effect;
         Finding (*look)();
     } values[] = {{"Version", "the launcher does not start", versionFinding},
-                  {"InstallDir", "whoever starts a program ends", installFinding},
-                  {"UserDefinedDir", "no front end finds its files", dataFinding}};
+                  {"InstallDir", "front ends end when they start a program", installFinding},
+                  {"UserDefinedDir", "front ends do not find their files", dataFinding}};
     Findings findings;
     for (const auto& [value, effect, look] : values) {
         const std::string flaw = flawOf(value);
@@ -133,7 +144,7 @@ Findings registryFindings() {
             flaw.empty()
                 ? look()
                 : problem("registry", "\"" + std::string(value) + "\" " + flaw + ": " + effect,
-                          "install the product again, or write it: " + registryValueName(value)));
+                          "reinstall the product, or set it: " + registryValueName(value)));
     }
     return findings;
 }
@@ -143,7 +154,7 @@ Findings folderFindings(const std::string& logPath) {
     std::string data = utlGetDataDir();
     data.pop_back();  // the separator
     Findings findings{folderFinding("data folder", data)};
-    // Only this library's own log needs the folder; one of --log-file is made.
+    // Even with --log-file: other front ends log to this folder.
     findings.push_back(folderFinding("log folder", data + "\\Logs"));
     findings.push_back(logFinding(logPath));
     return findings;
@@ -155,7 +166,7 @@ Findings confFileFindings(std::string& content) {
     const char* const check = "configuration";
     if (confDiskFiles().read(path, content) != ConfFileRead::Done) {
         return {problem(check, path + " cannot be read: no front end starts",
-                        "install the product again, or restore the file")};
+                        "reinstall the product, or restore the file")};
     }
     Findings findings = configurationFindings(content);
     XfileAttributes attributes;
@@ -165,7 +176,7 @@ Findings confFileFindings(std::string& content) {
     }
     if (isFolder(path + "-temp")) {
         findings.push_back(problem(check, path + "-temp is a folder: no commit succeeds",
-                                   "remove it: commits write a file of this name"));
+                                   "remove it: commits create a file of this name"));
     }
     if (!findings.empty()) return findings;
     const std::size_t instances = Configuration(content).instances().size();

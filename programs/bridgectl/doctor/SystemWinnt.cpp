@@ -30,12 +30,12 @@ struct FreeLocal {
 
 std::wstring wide(const std::string& text) {
     std::wstring converted;
-    // What cannot be converted names nothing.
+    // A text that cannot be converted becomes empty.
     static_cast<void>(xtextToWide(text, converted));
     return converted;
 }
 
-// "BUILTIN\Users", or the identifier's own text for an account that is not known any more.
+// "BUILTIN\Users", or a placeholder for an account that no longer exists.
 std::string accountName(PSID sid) {
     wchar_t name[256];
     wchar_t domain[256];
@@ -163,7 +163,7 @@ std::string fileVersion(const std::string& path) {
 }
 
 bool isSigned(const std::string& path) {
-    constexpr std::size_t kRead = 4096;  // the headers of every program are at its start
+    constexpr std::size_t kRead = 4096;  // enough for the headers of any program
     constexpr std::size_t kOptionalHeader = 24;
     constexpr std::size_t kSecuritySize = 112 + 4 * 8 + 4;  // the fifth entry of the directory
     Xfile file;
