@@ -77,7 +77,7 @@ namespace QXBridge
                 if (first != task)
                 {
                     token.ThrowIfCancellationRequested();
-                    throw new TimeoutException(what + " did not come within " + limit);
+                    throw new TimeoutException(what + " did not arrive within " + limit);
                 }
                 over.Cancel();
             }

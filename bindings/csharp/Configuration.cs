@@ -80,12 +80,12 @@ namespace QXBridge
         /// <summary>Reads a text.</summary>
         public string GetString(string key)
         {
-            return session.Taken("bridgeConfGetString", Native.bridgeConfGetString(ToGet(key, "string")));
+            return session.TakeText("bridgeConfGetString", Native.bridgeConfGetString(ToGet(key, "string")));
         }
         /// <summary>Reads the elements of a list.</summary>
         public string[] GetMultiString(string key)
         {
-            return Catalogue.Elements(session.Taken("bridgeConfGetMultiString",
+            return Catalogue.Elements(session.TakeText("bridgeConfGetMultiString",
                 Native.bridgeConfGetMultiString(ToGet(key, "multi-string"))));
         }
 

@@ -40,7 +40,7 @@ namespace QXBridge
             string name = NameOf(code);
             return operation + " failed with " + code + " (" + (name.Length == 0 ? "" : name + ": ") +
                 TextOf(code) + ")" + (file == null ? "" : " for " + file) +
-                Places.WhereTheCauseIs(logPath);
+                Places.LogHint(logPath);
         }
 
         private static string NameOf(int code)

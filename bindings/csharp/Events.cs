@@ -131,8 +131,8 @@ namespace QXBridge
         {
             string has = " has the events of client \"" + client + "\"";
             if (server.Error == 0) return "process " + server.ProcessId + has;
-            if (server.Error == Machine.FileNotFound) return "nobody" + has + Places.WhereTheCauseIs(Places.LogPath);
-            return "another process" + has + ", and cannot be asked (Windows error " + server.Error + ")";
+            if (server.Error == Machine.FileNotFound) return "no process" + has + Places.LogHint(Places.LogPath);
+            return "another process" + has + ", and its id cannot be read (Windows error " + server.Error + ")";
         }
 
         /// <summary>A stream of the events of these kinds, or of all kinds, from now on. It buffers up to

@@ -46,7 +46,7 @@ namespace QXBridge
                 if (seenLoaded.Contains(instance)) return;
             if (!IsLoaded(instance))
                 throw new KeyException("instance " + Catalogue.Quoted(instance) + " is not loaded yet: " +
-                    "it is after a commit, or after instanceListUpdated", instance, null);
+                    "commit, or wait for instanceListUpdated", instance, null);
             lock (seenLoaded) seenLoaded.Add(instance);
         }
 

@@ -115,12 +115,12 @@ namespace QXBridge
         private string ListInstances()
         {
             known.RequireListable();
-            return Taken("bridgeConfGetInstances", Native.bridgeConfGetInstances());
+            return TakeText("bridgeConfGetInstances", Native.bridgeConfGetInstances());
         }
 
         private string ListApps(byte[] instance)
         {
-            return Taken("bridgeGetInstalledApps", Native.bridgeGetInstalledApps(instance));
+            return TakeText("bridgeGetInstalledApps", Native.bridgeGetInstalledApps(instance));
         }
 
         private static IList<Instance> ToInstances(string json)

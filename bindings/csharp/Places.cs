@@ -46,7 +46,7 @@ namespace QXBridge
         }
 
         /// <summary>The end of an error message.</summary>
-        internal static string WhereTheCauseIs(string logPath)
+        internal static string LogHint(string logPath)
         {
             return "; the log " + (logPath.Length == 0 ? "" : logPath + " ") + "has the cause";
         }

@@ -22,7 +22,7 @@ namespace QXBridge
         internal static IList<Problem> Run(Client client, Places places)
         {
             var preflight = new Preflight(places);
-            if (preflight.LooksAtTheDataFolder()) preflight.LookAtTheRest(client);
+            if (preflight.CheckDataFolder()) preflight.CheckTheRest(client);
             return preflight.problems.AsReadOnly();
         }
 
@@ -33,7 +33,7 @@ namespace QXBridge
 
         // False when the other checks are meaningless. Without the file and with another log the library
         // needs no data folder.
-        private bool LooksAtTheDataFolder()
+        private bool CheckDataFolder()
         {
             if (places.ConfPath == null && places.HasOwnLog) return true;
             if (places.DataFolder.Length == 0)
@@ -46,14 +46,14 @@ namespace QXBridge
             return problems.Count == 0;
         }
 
-        private void LookAtTheRest(Client client)
+        private void CheckTheRest(Client client)
         {
-            if (places.HasOwnLog || LooksAtTheLogFolder()) LookAtTheLog();
-            if (places.ConfPath != null) LookAtTheConfiguration();
-            if (client == Client.Launcher) LookAtTheVersion();
+            if (places.HasOwnLog || CheckLogFolder()) CheckLog();
+            if (places.ConfPath != null) CheckConfiguration();
+            if (client == Client.Launcher) CheckVersion();
         }
 
-        private bool LooksAtTheLogFolder()
+        private bool CheckLogFolder()
         {
             if (Directory.Exists(places.LogFolder)) return true;
             Add("the folder " + places.LogFolder + " does not exist", "create it");
@@ -61,7 +61,7 @@ namespace QXBridge
         }
 
         // With an empty path the library logs to standard output.
-        private void LookAtTheLog()
+        private void CheckLog()
         {
             if (places.LogPath.Length == 0) return;
             bool exists = File.Exists(places.LogPath) || Directory.Exists(places.LogPath);
@@ -100,7 +100,7 @@ namespace QXBridge
             return folder;
         }
 
-        private void LookAtTheConfiguration()
+        private void CheckConfiguration()
         {
             string file = "the configuration file " + places.ConfPath;
             try
@@ -118,7 +118,7 @@ namespace QXBridge
             }
         }
 
-        private void LookAtTheVersion()
+        private void CheckVersion()
         {
             string version = Machine.Current.ProductText("Version");
             if (version == Tables.Version) return;

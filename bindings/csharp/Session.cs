@@ -96,10 +96,10 @@ namespace QXBridge
             lock (Lock)
             {
                 if (life == Life.Running)
-                    throw new InvalidOperationException("there is a session already: a process has one");
+                    throw new InvalidOperationException("there is already a session: a process has one");
                 if (life == Life.Ended)
                     throw new InvalidOperationException(
-                        "the session has ended: the library starts once in a process");
+                        "the session has ended: the library starts once per process");
                 IList<Problem> problems = QXBridge.Preflight.Run(client, Places);
                 if (problems.Count > 0) throw new PreflightException(problems);
                 known.Load();
@@ -144,7 +144,7 @@ namespace QXBridge
         }
 
         /// <summary>Copies a text of the library and frees it.</summary>
-        internal string Taken(string operation, IntPtr memory)
+        internal string TakeText(string operation, IntPtr memory)
         {
             string text = TextOf(memory);
             if (text == null) throw new BridgeException(operation, Result.Failure, null, Places.LogPath);

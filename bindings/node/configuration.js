@@ -121,7 +121,7 @@ class Configuration {
     #requireLoaded(instance) {
         if (this.#loaded.has(instance)) return;
         if (!this.#isLoaded(instance)) {
-            throw new KeyError(`instance "${instance}" is not loaded yet: it is after a commit, or after instanceListUpdated`, instance);
+            throw new KeyError(`instance "${instance}" is not loaded yet: commit, or wait for instanceListUpdated`, instance);
         }
         this.#loaded.add(instance);
     }

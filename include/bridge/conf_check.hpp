@@ -187,7 +187,7 @@ inline void checkLoaded(std::string_view instance) {
     const std::string name(instance);
     if (!isLoaded(name)) {
         throw KeyError("instance " + inQuotes(name) +
-                           " is not loaded yet: it is after a commit, or after instanceListUpdated",
+                           " is not loaded yet: commit, or wait for instanceListUpdated",
                        name);
     }
     configuration().isReadyNow(name);

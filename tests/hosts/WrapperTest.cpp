@@ -115,7 +115,7 @@ TEST_F(WrapperTest, AnErrorHasItsOperationCodeNameWordsFileAndLog) {
 
 TEST_F(WrapperTest, WhatAnotherProgramWroteCountsFromTheNextLoadOn) {
     const std::string notLoaded =
-        "KeyError instance \"Nougat64_2\" is not loaded yet: it is after a commit, or after "
+        "KeyError instance \"Nougat64_2\" is not loaded yet: commit, or wait for "
         "instanceListUpdated";
     EXPECT_EQ(played("changed"),
               (Lines{notLoaded, notLoaded, "300 1",

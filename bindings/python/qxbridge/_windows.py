@@ -105,7 +105,7 @@ def pipe_server(name: str, timeout: float) -> Optional[int]:
             return _server_of(handle)
         error = _last_error()
         if error == ACCESS_DENIED:
-            raise PermissionError(f"{path} refuses this user")
+            raise PermissionError(f"this user must not open {path}")
         if error not in (FILE_NOT_FOUND, PIPE_BUSY) or time.monotonic() >= end:
             return None
         time.sleep(_PIPE_SECONDS)

@@ -15,7 +15,7 @@ async def within(awaitable: Awaitable[T], timeout: Optional[float]) -> T:
     try:
         return await asyncio.wait_for(asyncio.shield(awaitable), timeout)
     except asyncio.TimeoutError:
-        raise TimeoutError(f"it took more than {timeout} s") from None
+        raise TimeoutError(f"timed out after {timeout} s") from None
 
 
 class Background:

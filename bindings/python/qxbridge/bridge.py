@@ -216,7 +216,7 @@ class Bridge:
         except PermissionError:
             raise ListenError(f"another user has {events}", None) from None
         if process is None:
-            raise ListenError(f"nobody serves {events} after {timeout:g} s", None)
+            raise ListenError(f"no process serves {events} after {timeout:g} s", None)
         return process
 
     def _start(self, outcome: Type[E], is_outcome: Callable[[E], bool], operation: str, *values: Any,

@@ -148,8 +148,8 @@ class Known:
             if self._can_be_read(key, found) and has_value(key, found.type):
                 self._ready.add(instance)
                 return
-        raise BridgeKeyError(f'instance "{instance}" is not loaded yet: it is after a commit, '
-                             "or after instanceListUpdated", instance)
+        raise BridgeKeyError(f'instance "{instance}" is not loaded yet: commit, '
+                             "or wait for instanceListUpdated", instance)
 
     def _can_be_read(self, key: str, found: Property) -> bool:
         with self._lock:

@@ -45,7 +45,7 @@ class Work(Generic[E]):
         try:
             return self._event(self._outcome.result(timeout))
         except futures.TimeoutError:
-            raise TimeoutError(f"it took more than {timeout} s") from None
+            raise TimeoutError(f"timed out after {timeout} s") from None
 
     async def finished(self, timeout: Optional[float] = None) -> E:
         """wait() for asyncio."""

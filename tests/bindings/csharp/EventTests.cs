@@ -206,7 +206,7 @@ class EventTests : SessionTests
         Work<AppUninstalled> removal = session.UninstallApp("Nougat64", "com.größe");
         Work<ApkInstallCompleted> apk = session.InstallApk("Nougat64", "C:\\П.apk");
         Task<AppDisplayed> waiting = launch.FinishedAsync();
-        Check.Throws<TimeoutException>("AppDisplayed did not come within 00:00:00.0200000",
+        Check.Throws<TimeoutException>("AppDisplayed did not arrive within 00:00:00.0200000",
                                        () => launch.FinishedAsync(Short).Wait());
         var cancellation = new CancellationTokenSource();
         Task<AppDisplayed> cancelled = launch.FinishedAsync(Timeout.InfiniteTimeSpan, cancellation.Token);

@@ -117,7 +117,7 @@ test('numbers are judged as the library judges them', () => {
 test('an instance that another program has added is known, and loaded by the next commit', () => {
     store('vtr.instance.Nougat32.dpi="160"');
     assert.throws(() => conf.getI32('vtr.instance.Nougat32.dpi'),
-        says('instance "Nougat32" is not loaded yet: it is after a commit, or after instanceListUpdated'));
+        says('instance "Nougat32" is not loaded yet: commit, or wait for instanceListUpdated'));
     assert.throws(() => conf.getBool('vtr.instance.Nougat32.pin_to_top'), KeyError, 'which would end the process');
     conf.setString('vtr.locale', 'de-DE');
     conf.commit();

@@ -22,8 +22,8 @@ class InstancesTest(Case):
                               self.bridge.conf.get_i32, DPI.format(name))
 
     def not_loaded(self, name):
-        self.refused(KeyError, f'instance "{name}" is not loaded yet: it is after a commit, '
-                               "or after instanceListUpdated", self.bridge.conf.get_i32, DPI.format(name))
+        self.refused(KeyError, f'instance "{name}" is not loaded yet: commit, '
+                               "or wait for instanceListUpdated", self.bridge.conf.get_i32, DPI.format(name))
 
     def test_an_instance_that_does_not_exist(self):
         self.start(NOUGAT)

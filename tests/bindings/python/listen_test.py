@@ -24,7 +24,7 @@ class ListenTest(Case):
 
     def test_there_is_no_server(self):
         self.windows.server = None
-        error = self.refused(ListenError, 'nobody serves the events of client "Helper" after 0.5 s',
+        error = self.refused(ListenError, 'no process serves the events of client "Helper" after 0.5 s',
                              lambda: self.bridge.listen(timeout=0.5))
         self.assertIsNone(error.process_id)
         self.assertEqual(self.windows.pipes, [(PIPE, 0.5)])

@@ -133,8 +133,8 @@ class WorkTest(AsyncCase):
 
     def test_the_time_is_up_and_the_work_goes_on(self):
         work = self.bridge.launch_app("N", "p")
-        self.refused(TimeoutError, "it took more than 0.01 s", work.wait, 0.01)
-        self.refused(TimeoutError, "it took more than 0.01 s", lambda: run(work.finished(0.01)))
+        self.refused(TimeoutError, "timed out after 0.01 s", work.wait, 0.01)
+        self.refused(TimeoutError, "timed out after 0.01 s", lambda: run(work.finished(0.01)))
         support.fake.event("app_displayed", "N", "p")
         self.assertEqual(work.wait(), run(work.finished()))
 
