@@ -98,7 +98,7 @@ inline ListenResult listen(Callbacks callbacks = {},
             "process " + std::to_string(server) + " has the events of client \"" + client + "\""};
     }
     return {false, 0,
-            "nobody has the events of client \"" + client + "\"; the log " + detail::logPath() +
+            "no process has the events of client \"" + client + "\"; the log " + detail::logPath() +
                 " has the cause"};
 }
 

@@ -2,7 +2,6 @@
 #ifndef KIT_BINDINGS_PTHREAD_H
 #define KIT_BINDINGS_PTHREAD_H
 
-#include <process.h>
 #include <stdint.h>
 #include <stdlib.h>
 
@@ -22,7 +21,7 @@ typedef struct {
     void* argument;
 } KitThread;
 
-static unsigned __stdcall kitRunThread(void* memory) {
+static DWORD WINAPI kitRunThread(void* memory) {
     const KitThread thread = *(KitThread*)memory;
     free(memory);
     thread.run(thread.argument);
@@ -35,7 +34,7 @@ static inline void pthread_create(pthread_t* thread, const void* attributes, voi
     (void)attributes;
     memory->run = run;
     memory->argument = argument;
-    *thread = (HANDLE)_beginthreadex(NULL, 0, kitRunThread, memory, 0, NULL);
+    *thread = CreateThread(NULL, 0, kitRunThread, memory, 0, NULL);
 }
 
 static inline void pthread_join(pthread_t thread, void** result) {

@@ -12,6 +12,8 @@
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 
+#include <cctype>
+
 namespace {
 
 class BridgeDecTest : public ::testing::Test {

@@ -19,7 +19,7 @@ import includes
 CPP = {
     "algorithm": "all_of any_of clamp copy count count_if equal fill find find_if is_sorted "
                  "lower_bound max max_element min next_permutation none_of remove remove_if replace "
-                 "replace_if reverse sort",
+                 "replace_if reverse sort stable_sort",
     "array": "array begin data empty end get size",
     "atomic": "atomic atomic_thread_fence memory_order_acquire memory_order_relaxed "
               "memory_order_release",
@@ -64,8 +64,8 @@ CPP = {
                    "remove_pointer_t void_t",
     "unordered_map": "unordered_map",
     "unordered_set": "unordered_set",
-    "utility": "as_const declval exchange forward get index_sequence make_index_sequence make_pair move pair "
-               "swap",
+    "utility": "as_const declval exchange forward get index_sequence index_sequence_for "
+               "make_index_sequence make_pair move pair swap",
     "variant": "get get_if holds_alternative monostate variant visit",
     "vector": "begin data empty end size vector",
 }
@@ -73,7 +73,7 @@ CPP = {
 # The same for the headers of C: "stdio" is <cstdio>, or <stdio.h> in C.
 C = {
     "assert": "assert",
-    "ctype": "isalnum",
+    "ctype": "isalnum toupper",
     "errno": "errno",
     "limits": "INT_MAX INT_MIN",
     "locale": "setlocale LC_ALL",

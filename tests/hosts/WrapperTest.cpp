@@ -176,7 +176,7 @@ TEST_F(WrapperTest, AWorkWhoseProgramDoesNotStartSaysWhy) {
 
 TEST_F(WrapperTest, ListenSaysThatTheEventsComeHere) {
     EXPECT_EQ(played("listen"), (Lines{"listening itself", "listening",
-                                       "nobody has the events of client \"Helper\"; the log " +
+                                       "no process has the events of client \"Helper\"; the log " +
                                            (data / "Logs\\Player.log") + " has the cause"}));
 }
 

@@ -7,6 +7,8 @@
 #include "support/TestHeaders.h"
 #include "support/WaitUntil.h"
 
+#include <type_traits>
+
 namespace {
 
 template <typename Value>

@@ -34,12 +34,12 @@ class ListeningTests : SessionTests
         Check.Called("bridgeRegisterCallbacks", "bridgeLaunchApp Nougat64 p");
         machine.Server = new PipeServer { Error = 2 };
         Check.Throws<ListenException>(
-            "nobody has the events of client \"Helper\"; the log " + data.LogPath + " has the cause",
+            "no process has the events of client \"Helper\"; the log " + data.LogPath + " has the cause",
             () => session.Listen(TimeSpan.FromSeconds(3)));
         Check.Equal(3.0, machine.Limit.TotalSeconds);
         machine.Server = new PipeServer { Error = 5 };
         Check.Throws<ListenException>(
-            "another process has the events of client \"Helper\", and cannot be asked (Windows error 5)",
+            "another process has the events of client \"Helper\", and its id cannot be read (Windows error 5)",
             () => session.Listen());
         machine.Server = new PipeServer { Error = 2 };
         Check.Throws<ListenException>(() => session.ListenAsync().Wait());

@@ -1,5 +1,6 @@
 #include <bridge/bridge.hpp>
 #include <cstdio>
+#include <variant>
 
 int main() {
     if (!bridge::init(bridge::Client::Helper)) return 1;
