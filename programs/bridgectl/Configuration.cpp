@@ -102,6 +102,8 @@ std::vector<KeyInfo> Configuration::list() const {
         keys[confGlobalKey(name)] = &property;
     }
     for (const std::string& instance : instances_) {
+        // The library takes keys as C strings, and a key that ends at the NUL would be fatal.
+        if (instance.find('\0') != std::string::npos) continue;
         for (const auto& [name, property] : catalogue_.instances()) {
             keys[confInstancePrefix(instance) + name] = &property;
         }

@@ -42,7 +42,7 @@ class Configuration {
     // The default of a key, in its stored form. The key must have a type.
     const std::string& defaultOf(std::string_view key) const;
 
-    // All keys, in byte order.
+    // All keys that the library can read, in byte order.
     std::vector<KeyInfo> list() const;
 
     const std::set<std::string>& instances() const { return instances_; }

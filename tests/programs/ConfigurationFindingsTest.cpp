@@ -1,4 +1,4 @@
-// What the doctor finds in the text of a configuration.
+// Problems that the doctor finds in the text of a configuration.
 #include "doctor/ConfigurationFindings.h"
 
 #include <gtest/gtest.h>
@@ -23,15 +23,15 @@ Lines look(const std::string& content) {
 
 }  // namespace
 
-TEST(ConfigurationFindings, AWholeFileHasNone) {
+TEST(ConfigurationFindings, AValidFileHasNone) {
     EXPECT_EQ(look(""), Lines{});
-    EXPECT_EQ(look("vtr.locale=\"fr\"\nvtr.next_vm_id=\"3\"\nvtr.instance.Nougat64.ram=\"1\"\nvtr."
-                   "feature.macros=\"\"\nvtr.locale=\"a=\\\"b\"\n"),
+    EXPECT_EQ(look("vtr.locale=\"fr\"\nvtr.next_vm_id=\"3\"\nvtr.instance.Nougat64.ram=\"1\"\n"
+                   "vtr.feature.macros=\"\"\nvtr.locale=\"a=\\\"b\"\n"),
               Lines{});
     EXPECT_EQ(look("vtr.locale=\"no line feed at the end\""), Lines{});
 }
 
-TEST(ConfigurationFindings, LinesWithoutTheFormHaveTheirNumber) {
+TEST(ConfigurationFindings, InvalidLinesHaveTheirNumber) {
     EXPECT_EQ(look("vtr.locale=\"fr\"\nnonsense\n"),
               Lines{"line 2: not key=\"value\": the library ignores the rest of the file; correct "
                     "or remove the line"});
@@ -59,7 +59,7 @@ TEST(ConfigurationFindings, CarriageReturnsAreNamed) {
                     "with LF line ends"});
 }
 
-TEST(ConfigurationFindings, LinesOfThePossibleLengthAreNot) {
+TEST(ConfigurationFindings, OnlyLinesThatAreTooLongAreNamed) {
     const std::string key = "vtr.locale=\"";
     const auto line = [&key](std::size_t size) {
         return key + std::string(size - key.size() - 1, 'x') + "\"\n";
@@ -87,6 +87,12 @@ TEST(ConfigurationFindings, AnInstanceOfAnUnknownImageIsNamedOnce) {
     EXPECT_EQ(look("vtr.instance.Pie64_1.ram=\"1\"\nvtr.instance.Pie64_1.dpi=\"1\"\n"),
               Lines{"line 1: instance Pie64_1 has an unknown image: front ends end when they list "
                     "the instances; bridgeadm remove-instance Pie64_1"});
+}
+
+TEST(ConfigurationFindings, ANulCharacterInAKeyIsNamed) {
+    const std::string key = "vtr.instance.Nougat64" + std::string(1, '\0') + ".ram";
+    EXPECT_EQ(look(key + "=\"1\"\n"), Lines{"line 1: NUL character in the key " + key +
+                                            ": no front end can read it; remove the line"});
 }
 
 TEST(ConfigurationFindings, ValuesThatCannotBeReadAreNamed) {

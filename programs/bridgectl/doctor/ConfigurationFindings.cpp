@@ -81,6 +81,11 @@ class Reader {
                 hint.empty() ? "remove the line" : hint);
             return;
         }
+        if (key.find('\0') != std::string::npos) {
+            add("NUL character in the key " + key + ": no front end can read it",
+                "remove the line");
+            return;
+        }
         const ConfKey parts = confSplitKey(key);
         if (parts.scope == ConfScope::Instance) checkImage(std::string(parts.instance));
         const std::string entry = key + "=\"" + std::string(value) + "\"\n";
