@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <sstream>
+#include <string_view>
 #include <utility>
 #include <vector>
 

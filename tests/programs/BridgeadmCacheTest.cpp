@@ -1,4 +1,5 @@
-// The commands on app caches: real files, read back as bytes and by another program.
+// The app cache commands of bridgeadm. The tests compare the files' bytes and read them with
+// bridgectl.
 #include <string>
 
 #include "BridgeadmFixture.h"
@@ -7,7 +8,7 @@
 
 namespace {
 
-// An element of a cache's file.
+// An app in the cache's file.
 std::string cachedApp(const std::string& package, const std::string& activity,
                       const std::string& label, const std::string& versionCode,
                       const std::string& versionName) {
@@ -32,14 +33,14 @@ class BridgeadmCacheTest : public BridgeadmTest {
         data.makeFolder("Engine\\UserData\\SharedFolder");
     }
 
-    // Writes the list as a file and syncs it.
+    // Syncs from a file with this list.
     std::string sync(const std::string& list) const {
         return output({"sync-apps", "Nougat64", data.write("list.json", list)});
     }
 
     std::string cache() const { return data.read(kCache); }
 
-    // A command that fails leaves the cache's file alone too.
+    // Runs a command that fails and does not change the cache's file.
     void expectCacheFailure(const Arguments& arguments, unsigned status,
                             const std::string& error) const {
         const bool existed = data.has(kCache);
@@ -92,7 +93,7 @@ TEST_F(BridgeadmCacheTest, AListThatCannotBeReadIsAnError) {
     }
 }
 
-TEST_F(BridgeadmCacheTest, AnAppThatCannotBeReadIsAnErrorThatSaysWhy) {
+TEST_F(BridgeadmCacheTest, AnUnreadableAppIsAnErrorWithAReason) {
     sync(kList);
     const struct {
         const char* element;
@@ -124,7 +125,7 @@ TEST_F(BridgeadmCacheTest, AnUpdateAddsAnAppAndMovesItsIcon) {
     EXPECT_FALSE(data.has("Engine\\UserData\\SharedFolder\\icon 日本.png"));
 }
 
-TEST_F(BridgeadmCacheTest, AnUpdateKeepsWhatIsNotGiven) {
+TEST_F(BridgeadmCacheTest, AnUpdateKeepsOtherValues) {
     sync(kList);
     EXPECT_EQ(output({"update-app", "Nougat64", "com.b", "--version-code", "8"}),
               "updated com.b of Nougat64\n");
@@ -140,14 +141,14 @@ TEST_F(BridgeadmCacheTest, AnUpdateStartsACache) {
     EXPECT_EQ(cache(), "[\n" + cachedApp("com.a", "", "", "0", "") + "\n]\n");
 }
 
-TEST_F(BridgeadmCacheTest, AnIconThatIsNotThereIsAnError) {
+TEST_F(BridgeadmCacheTest, AMissingIconIsAnError) {
     sync(kList);
     expectCacheFailure({"update-app", "Nougat64", "com.c", "--icon", "nowhere.png"}, 3,
                        "no such file in the shared folder: nowhere.png");
 }
 
 TEST_F(BridgeadmCacheTest, AnIconThatCannotBeMovedIsReported) {
-    // The first save makes the folder, and the icon is moved before it.
+    // The icon is moved before the first save creates the folder.
     data.write("Engine\\UserData\\SharedFolder\\a.png", "icon");
     expectFailure({"update-app", "Nougat64", "com.a", "--icon", "a.png"}, 5,
                   "saved, but the icon could not be moved: a.png");
@@ -157,7 +158,7 @@ TEST_F(BridgeadmCacheTest, AnIconThatCannotBeMovedIsReported) {
     EXPECT_EQ(data.read(kFolder + std::string("\\com.a.png")), "icon");
 }
 
-TEST_F(BridgeadmCacheTest, NamesThatArePathsAreNoPackages) {
+TEST_F(BridgeadmCacheTest, PathsAreNotPackageNames) {
     sync(kList);
     for (const std::string name : {"..\\a", "a/b", "a:b", "", "日本"}) {
         for (const char* command : {"update-app", "remove-app"}) {
@@ -174,7 +175,7 @@ TEST_F(BridgeadmCacheTest, RemovesAnAppWithItsIcon) {
     EXPECT_FALSE(data.has(kFolder + std::string("\\com.a.png")));
 }
 
-TEST_F(BridgeadmCacheTest, AnAppThatIsNotThereCannotBeRemoved) {
+TEST_F(BridgeadmCacheTest, AMissingAppCannotBeRemoved) {
     sync(kList);
     expectCacheFailure({"remove-app", "Nougat64", "com.c"}, 3, "no such app: com.c");
     expectFailure({"remove-app", "Nougat32", "com.a"}, 3, "no such app: com.a");
@@ -190,7 +191,7 @@ TEST_F(BridgeadmCacheTest, CopiesACacheWithItsIcons) {
     EXPECT_EQ(cache(), bothApps);
 }
 
-TEST_F(BridgeadmCacheTest, ACopiedCacheIsThereForOtherPrograms) {
+TEST_F(BridgeadmCacheTest, OtherProgramsReadACopiedCache) {
     sync(kList);
     output({"copy-cache", "Nougat64", "Nougat32"});
     const ChildResult result = runChild(productFile("bridgectl.exe"), {"apps", "Nougat32"});
@@ -229,7 +230,7 @@ TEST_F(BridgeadmCacheTest, AnInstanceWithoutAFolderCannotBeSaved) {
                   "the app cache was not written: 2 XERR_NOENT");
 }
 
-TEST_F(BridgeadmCacheTest, InstancesThatTheConfigurationDoesNotKnowAreErrors) {
+TEST_F(BridgeadmCacheTest, UnknownInstancesAreErrors) {
     const std::string list = data.write("list.json", kList);
     for (const Arguments& arguments :
          {Arguments{"sync-apps", "Nougat64_9", list}, Arguments{"update-app", "Nougat64_9", "a"},
@@ -280,7 +281,7 @@ TEST_F(BridgeadmCacheTest, AnUpdateWithoutAnIconLeavesTheSharedFolderAlone) {
     EXPECT_FALSE(data.has(kFolder + std::string("\\com.a.png")));
 }
 
-TEST_F(BridgeadmCacheTest, ACacheThatIsNoListIsStartedAfresh) {
+TEST_F(BridgeadmCacheTest, ACacheThatIsNotAListIsReplaced) {
     data.write(kCache, "nonsense");
     output({"update-app", "Nougat64", "com.a"});
     EXPECT_EQ(cache(), "[\n" + cachedApp("com.a", "", "", "0", "") + "\n]\n");

@@ -1,4 +1,4 @@
-// The real program, with the registry, the data folder and the log that it uses.
+// bridgeadm with a real registry, data folder and log.
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -34,7 +34,7 @@ TEST_F(BridgeadmTest, CopiesAnInstanceIntoTheFile) {
     EXPECT_EQ(data.list(), (Arguments{"Logs", "vantrel.conf"}));
 }
 
-TEST_F(BridgeadmTest, ACopyIsThereForOtherPrograms) {
+TEST_F(BridgeadmTest, OtherProgramsReadACopy) {
     output({"copy-instance", "Nougat64", "Nougat64_日本"});
     const ChildResult result = runChild(productFile("bridgectl.exe"),
                                         {"conf", "get", "vtr.instance.Nougat64_日本.display_name"});
@@ -42,7 +42,7 @@ TEST_F(BridgeadmTest, ACopyIsThereForOtherPrograms) {
     EXPECT_EQ(result.out, "Jeux 日本\n");
 }
 
-TEST_F(BridgeadmTest, AnInstanceThatExistsIsOverwrittenOnlyWhenAsked) {
+TEST_F(BridgeadmTest, AnExistingInstanceIsOverwrittenOnlyOnRequest) {
     expectFailure({"copy-instance", "Nougat64", "Nougat32"}, 2,
                   "instance Nougat32 exists: add --overwrite");
     EXPECT_EQ(output({"copy-instance", "Nougat64", "Nougat32", "--overwrite"}),
@@ -55,13 +55,13 @@ TEST_F(BridgeadmTest, AnInstanceThatExistsIsOverwrittenOnlyWhenAsked) {
     EXPECT_EQ(file(), fileText(expected));
 }
 
-TEST_F(BridgeadmTest, OverwritingTakesANewInstanceToo) {
+TEST_F(BridgeadmTest, OverwriteAlsoAllowsANewInstance) {
     output({"copy-instance", "--overwrite", "Nougat64", "Nougat64_1"});
     addInstanceCopy(entries, "Nougat64", "Nougat64_1");
     EXPECT_EQ(file(), fileText(entries));
 }
 
-TEST_F(BridgeadmTest, OfAnUnknownInstanceThereIsNoCopy) {
+TEST_F(BridgeadmTest, AnUnknownInstanceCannotBeCopied) {
     expectFailure({"copy-instance", "Nougat64_9", "Nougat64_1"}, 3,
                   "no such instance: Nougat64_9\nbridgeadm: did you mean Nougat64?");
 }
@@ -108,7 +108,7 @@ TEST_F(BridgeadmTest, AnInstanceOfAnUnknownImageCanBeRemoved) {
     EXPECT_EQ(file(), fileText(entries));
 }
 
-TEST_F(BridgeadmTest, AFileThatCannotBeWrittenBackStaysAsItIs) {
+TEST_F(BridgeadmTest, AFileThatCannotBeWrittenDoesNotChange) {
     entries["vtr.locale"] = std::string(4095 - 4 - std::string("vtr.locale").size() + 1, 'x');
     write(entries);
     const std::string error = "not committed: 7 XERR_2BIG\nbridgeadm: " + fileHint();
@@ -144,12 +144,12 @@ TEST_F(BridgeadmTest, BytesThatAreNotUtf8DoNotEndAJsonDump) {
     EXPECT_EQ(output({"dump-instance", "Nougat64"}), dumpText(entries, "Nougat64"));
 }
 
-TEST_F(BridgeadmTest, OfAnUnknownInstanceThereIsNoDump) {
+TEST_F(BridgeadmTest, AnUnknownInstanceCannotBeDumped) {
     expectFailure({"dump-instance", "Nougat"}, 3,
                   "no such instance: Nougat\nbridgeadm: did you mean Nougat32?");
 }
 
-TEST_F(BridgeadmTest, WhatIsTooLongForADumpIsAnErrorAndNotTheEnd) {
+TEST_F(BridgeadmTest, ALineTooLongForADumpIsAnErrorAndNotFatal) {
     const std::string tooLong(92, 'v');
     entries["vtr.shared_folders"] = tooLong;
     entries["vtr.instance.Nougat64.display_name"] = tooLong;
@@ -186,7 +186,7 @@ TEST_F(BridgeadmTest, AMalformedFileIsAnError) {
     }
 }
 
-TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
+TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotFatal) {
     ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
     const std::string error = "cannot open the log file " + data.path() +
                               "\\Logs/Player.log: 2 XERR_NOENT" +
@@ -196,7 +196,7 @@ TEST_F(BridgeadmTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
     expectFailure({"trim"}, 5, error);
 }
 
-TEST_F(BridgeadmTest, LogsUnderItsNameIntoTheProductsLogOrTheGivenFile) {
+TEST_F(BridgeadmTest, LogsUnderItsNameToTheProductsLogOrTheGivenFile) {
     output({"remove-instance", "Nougat32"});
     const std::string line =
         logged::by("bridgeadm", logged::committing(data.path() + "\\vantrel.conf"));
@@ -207,7 +207,7 @@ TEST_F(BridgeadmTest, LogsUnderItsNameIntoTheProductsLogOrTheGivenFile) {
 }
 
 TEST_F(BridgeadmTest, TrimsTheProcessesOfTheInstallFolder) {
-    // The program itself runs from there.
+    // bridgeadm itself runs from that folder.
     const std::string program = productFile("bridgeadm.exe");
     registry.set("InstallDir",
                  program.substr(0, program.size() - std::string("bridgeadm.exe").size()));
@@ -270,7 +270,7 @@ TEST_F(BridgeadmTest, MisuseIsExplained) {
     EXPECT_EQ(file(), fileText(entries));
 }
 
-TEST_F(BridgeadmTest, ACommandOfTheOtherProgramIsNamedThere) {
+TEST_F(BridgeadmTest, ACommandOfTheOtherProgramIsFoundThere) {
     expectFailure({"instances"}, 2,
                   "no such command: instances\nbridgeadm: it is a command of bridgectl: see "
                   "bridgectl help instances");

@@ -1,4 +1,4 @@
-// `bridgectl doctor` on a product that is whole, and with one thing after another broken.
+// `bridgectl doctor` on an intact product, and on products with one problem.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -20,7 +20,7 @@ class BridgectlDoctorTest : public BridgectlFixture {
         data.write("vantrel.conf", "vtr.locale=\"fr-FR\"\nvtr.instance.Nougat64.ram=\"4096\"\n");
     }
 
-    // The problems that the program names, one a line; its exit code says whether there are any.
+    // The problems, one per line. Also checks the exit code.
     std::string problems() const {
         const ChildResult result = run({"doctor"});
         EXPECT_EQ(result.err, "");
@@ -37,7 +37,7 @@ class BridgectlDoctorTest : public BridgectlFixture {
     std::string install() const { return standinProgram(""); }
 };
 
-// The lines without the accounts, which are this machine's.
+// The lines without the accounts, which depend on the machine.
 std::string withoutWriters(const std::string& text) {
     std::string result;
     std::istringstream lines(text);
@@ -51,7 +51,7 @@ const std::string kValue = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value ";
 
 }  // namespace
 
-TEST_F(BridgectlDoctorTest, AWholeProductHasNoProblem) {
+TEST_F(BridgectlDoctorTest, AnIntactProductHasNoProblems) {
     const std::string text = output({"doctor"});
     EXPECT_EQ(
         withoutWriters(text),
@@ -72,7 +72,7 @@ TEST_F(BridgectlDoctorTest, AWholeProductHasNoProblem) {
     EXPECT_FALSE(data.has("Logs\\Player.log")) << "the library was started";
 }
 
-TEST_F(BridgectlDoctorTest, TheJsonHasALineEach) {
+TEST_F(BridgectlDoctorTest, TheJsonHasAnObjectPerCheck) {
     const Json findings = Json::parse(output({"doctor", "--json"}));
     ASSERT_GT(findings.size(), 8u);
     EXPECT_EQ(findings[0].dump(),
@@ -88,7 +88,7 @@ TEST_F(BridgectlDoctorTest, TheJsonHasALineEach) {
               R"("todo":"correct or remove the line"})");
 }
 
-TEST_F(BridgectlDoctorTest, AnEmptyRegistryIsNamedValueByValue) {
+TEST_F(BridgectlDoctorTest, EachMissingRegistryValueIsNamed) {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Vantrel_nvo");
     const std::string todo = "; reinstall the product, or set it: " + kValue;
     EXPECT_EQ(problems(),
@@ -190,7 +190,7 @@ TEST_F(BridgectlDoctorTest, AConfigurationThatCannotBeReplacedIsNamed) {
     ::SetFileAttributesW(wideForTests(conf()).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(BridgectlDoctorTest, WhatWouldEndAHostIsNamedAndTheDoctorGoesOn) {
+TEST_F(BridgectlDoctorTest, FatalConfigurationsAreNamedAndNotFatal) {
     data.write("vantrel.conf",
                "vtr.instance.Pie64.ram=\"1\"\nvtr.feature.rooting=\"\x1B[31m\"\nvtr.x=\"1\"\n");
     EXPECT_EQ(
@@ -217,9 +217,8 @@ TEST_F(BridgectlDoctorTest, ALockThatIsHeldIsNamed) {
     ::CloseHandle(held);
 }
 
-TEST_F(BridgectlDoctorTest, AServedNameHasItsProcess) {
-    ChildProcess listener(program(), {"--client", "LogCollector", "events"}, options);
-    ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
+TEST_F(BridgectlDoctorTest, ARunningServerIsNamedWithItsProcess) {
+    ChildProcess listener = listen({"events"});
     const std::string id = std::to_string(::GetProcessId(listener.handle()));
     EXPECT_NE(
         output({"doctor"})
@@ -228,7 +227,7 @@ TEST_F(BridgectlDoctorTest, AServedNameHasItsProcess) {
         std::string::npos);
 }
 
-TEST_F(BridgectlDoctorTest, ADllThatIsFoundTwiceIsNamed) {
+TEST_F(BridgectlDoctorTest, ADllInTwoFoldersIsNamed) {
     data.write("Qt5Core.dll", "another one");
     options.environment.push_back({"PATH", data.path()});
     const std::string program = productFile("");
@@ -236,7 +235,7 @@ TEST_F(BridgectlDoctorTest, ADllThatIsFoundTwiceIsNamed) {
                               " and in " + data.path() + "; remove one: Windows may load either\n");
 }
 
-TEST_F(BridgectlDoctorTest, FoldersOfDevelopmentTakeThePlaceOfTheRegistry) {
+TEST_F(BridgectlDoctorTest, DevelopmentFoldersReplaceTheRegistry) {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kProductKey);
     EXPECT_NE(problems(), "");
     const std::string text =
@@ -247,7 +246,7 @@ TEST_F(BridgectlDoctorTest, FoldersOfDevelopmentTakeThePlaceOfTheRegistry) {
         << text;
 }
 
-TEST_F(BridgectlDoctorTest, WithoutItsLibraryItDoesNotStart) {
+TEST_F(BridgectlDoctorTest, ItDoesNotStartWithoutItsLibrary) {
     const std::string alone = data / "bridgectl.exe";
     ASSERT_TRUE(::CopyFileW(wideForTests(program()).c_str(), wideForTests(alone).c_str(), TRUE));
     const ChildResult result = runChild(alone, {"doctor"}, options);

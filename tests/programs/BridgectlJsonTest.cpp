@@ -1,4 +1,4 @@
-// Every command's --json, and the options that every command has.
+// --json of every command, and the options that every command has.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ class BridgectlJsonTest : public BridgectlFixture {
     }
 };
 
-// The words of the line after "Example: bridgectl", up to what only a shell understands.
+// The words of the first example, up to shell syntax.
 Arguments exampleIn(const std::string& details) {
     const std::string start = "Example: bridgectl ";
     const std::size_t example = details.find(start);
@@ -44,13 +44,13 @@ Arguments exampleIn(const std::string& details) {
     return arguments;
 }
 
-std::string joined(const Arguments& words) {
+std::string inOneLine(const Arguments& words) {
     std::string text;
     for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
     return text;
 }
 
-// The examples of the commands inside one of `help --json`, by their names, "conf get" among them.
+// The examples in `help --json` by command ("conf get").
 std::map<std::string, Arguments> examplesOf(const Json& command, const std::string& prefix = {}) {
     std::map<std::string, Arguments> examples;
     for (const Json& inner : command["commands"]) {
@@ -65,13 +65,13 @@ std::map<std::string, Arguments> examplesOf(const Json& command, const std::stri
 }  // namespace
 
 TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
-    useStandins("Helper", "1");  // some of the examples wait for an event
+    useStandins("Helper", "1");  // some examples wait for an event
     const auto examples = examplesOf(json({"help", "--json"}));
     EXPECT_EQ(examples.count("conf get"), 1u);
     for (const auto& [name, example] : examples) {
         if (name == "events" || name == "wait-for" || name == "watch") continue;  // without an end
-        if (name == "doctor") continue;  // has tests of its own
-        ASSERT_EQ((joined(example) + " ").rfind(name + " ", 0), 0u)
+        if (name == "doctor") continue;  // has its own tests
+        ASSERT_EQ((inOneLine(example) + " ").rfind(name + " ", 0), 0u)
             << "is not an example of " << name;
         Arguments line = example;
         if (std::find(line.begin(), line.end(), "--json") == line.end()) line.push_back("--json");
@@ -81,16 +81,11 @@ TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
     }
 }
 
-TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectALine) {
+TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectPerLine) {
     for (const Arguments& command :
          {Arguments{"events", "--count", "1"}, Arguments{"wait-for", "app-displayed"}}) {
-        Arguments line{"--client", "LogCollector", "--json"};
-        line.insert(line.end(), command.begin(), command.end());
-        ChildProcess listener(program(), line);
-        ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
-        const ChildResult sent = runChild(standinProgram("QX-Player.exe"),
-                                          {"--event", "app-displayed", "N", "p"}, options);
-        EXPECT_EQ(sent.status, 0u);
+        ChildProcess listener = listen(joined({"--json"}, command));
+        send({"app-displayed", "N", "p"});
         const ChildResult result = listener.finish();
         EXPECT_EQ(result.status, 0u);
         const Json event = Json::parse(result.out, nullptr, false);
@@ -100,7 +95,7 @@ TEST_F(BridgectlJsonTest, EventsAndWaitForPrintAnObjectALine) {
     }
 }
 
-TEST_F(BridgectlJsonTest, TheOptionStandsBeforeOrBehindTheCommand) {
+TEST_F(BridgectlJsonTest, TheOptionComesBeforeOrAfterTheCommand) {
     const std::string text = output({"conf", "get", "vtr.locale", "--json"});
     EXPECT_EQ(text,
               "{\n    \"key\": \"vtr.locale\",\n    \"type\": \"string\",\n"
@@ -108,7 +103,7 @@ TEST_F(BridgectlJsonTest, TheOptionStandsBeforeOrBehindTheCommand) {
     EXPECT_EQ(output({"--json", "conf", "get", "vtr.locale"}), text);
 }
 
-TEST_F(BridgectlJsonTest, AnUnsetKeyIsNullAndItsExitCodeStays) {
+TEST_F(BridgectlJsonTest, AnUnsetKeyIsNullWithItsExitCode) {
     const ChildResult result = run({"conf", "get", "vtr.prefer_dedicated_gpu", "--json"});
     EXPECT_EQ(result.status, 7u);
     EXPECT_TRUE(Json::parse(result.out)["value"].is_null());
@@ -140,8 +135,8 @@ TEST_F(BridgectlJsonTest, MisuseIsAnObjectToo) {
         << "behind \"--\" it is a text";
 }
 
-TEST_F(BridgectlJsonTest, NothingButJsonIsOnStandardOutput) {
-    // Before its log is open the library prints its lines.
+TEST_F(BridgectlJsonTest, StandardOutputHasOnlyJson) {
+    // The library prints log lines until its log is open.
     const ChildResult result = run({"--client", "Other", "instances", "--json"});
     EXPECT_EQ(result.status, 5u);
     const Json error = Json::parse(result.out, nullptr, false);
@@ -159,18 +154,18 @@ TEST_F(BridgectlJsonTest, NothingButJsonIsOnStandardOutput) {
     }
 }
 
-TEST_F(BridgectlJsonTest, WhatTheLibraryPrintsIsNotOnStandardOutput) {
+TEST_F(BridgectlJsonTest, OutputOfTheLibraryIsNotOnStandardOutput) {
     const ChildResult result = run({"--client", "Other", "conf", "get", "vtr.locale"});
     EXPECT_EQ(result.out, "");
     EXPECT_NE(result.err.find("bridgeApiInitEx: Invalid clientId : Other"), std::string::npos);
 }
 
-TEST_F(BridgectlJsonTest, ChangesAreShownWithWhatWasBefore) {
+TEST_F(BridgectlJsonTest, ChangesHaveTheValueBefore) {
     const Json change = json({"conf", "set", "vtr.next_vm_id", "5", "--json"});
     EXPECT_EQ(change.dump(), R"({"key":"vtr.next_vm_id","type":"i32","value":5,"before":1})");
 }
 
-TEST_F(BridgectlJsonTest, WorkThatIsDoneIsSaidAsAnObject) {
+TEST_F(BridgectlJsonTest, ConfirmationsAreObjects) {
     EXPECT_EQ(json({"shutdown", "Nougat64", "--json"}).dump(), R"({"instance":"Nougat64"})");
     EXPECT_EQ(json({"shutdown", "--json"}).dump(), R"({"instance":null})");
     EXPECT_EQ(json({"launch", "Nougat64", "com.a", "--json"}).dump(), R"({"started":true})");
@@ -211,7 +206,7 @@ TEST_F(BridgectlJsonTest, TimingNamesEachFunctionOfTheLibrary) {
     EXPECT_EQ(reads, keys) << "one for each key";
 }
 
-TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
+TEST_F(BridgectlJsonTest, ATimeoutEndsWaitFor) {
     const ChildResult result =
         run({"--client", "LogCollector", "wait-for", "app-installed", "--timeout", "1"});
     EXPECT_EQ(result.status, 9u);
@@ -227,20 +222,16 @@ TEST_F(BridgectlJsonTest, WaitingEndsWithItsTime) {
     EXPECT_EQ(run({"wait-for", "nonsense"}).status, 2u);
 }
 
-TEST_F(BridgectlJsonTest, WaitForPassesOtherEventsOver) {
-    ChildProcess listener(productFile("bridgectl.exe"),
-                          {"--client", "LogCollector", "wait-for", "app-uninstalled", "--json"});
-    ASSERT_EQ(listener.readErrorLine(), "bridgectl: listening on vtr_LogCollector_bridge_nvo");
-    for (const char* event : {"app-displayed", "app-uninstalled"}) {
-        runChild(standinProgram("QX-Player.exe"), {"--event", event, "N", "p"}, options);
-    }
+TEST_F(BridgectlJsonTest, WaitForIgnoresOtherEvents) {
+    ChildProcess listener = listen({"wait-for", "app-uninstalled", "--json"});
+    for (const char* event : {"app-displayed", "app-uninstalled"}) send({event, "N", "p"});
     const ChildResult result = listener.finish();
     EXPECT_EQ(result.status, 0u);
     EXPECT_EQ(Json::parse(result.out)["event"], "app-uninstalled");
 }
 
-TEST_F(BridgectlJsonTest, AnOutputWithoutAReaderIsNoticedByEveryCommand) {
-    // A pipe whose reader has gone before the program starts.
+TEST_F(BridgectlJsonTest, EveryCommandReportsABrokenOutput) {
+    // A pipe whose reader has closed it before the program starts.
     options.outputIsBroken = true;
     for (const Arguments& arguments :
          {Arguments{"--help"}, Arguments{"--version"}, Arguments{"instances"},
@@ -254,7 +245,7 @@ TEST_F(BridgectlJsonTest, AnOutputWithoutAReaderIsNoticedByEveryCommand) {
     }
 }
 
-TEST_F(BridgectlJsonTest, WhatGoesIntoAPipeHasNoColours) {
+TEST_F(BridgectlJsonTest, PipesGetNoColours) {
     for (const Arguments& arguments :
          {Arguments{"--help"}, Arguments{"instances"}, Arguments{"conf", "get", "vtr.nothing"}}) {
         const ChildResult result = run(arguments);
@@ -291,7 +282,7 @@ TEST_F(BridgectlJsonTest, CodesAreExplainedByNumberAndByName) {
     EXPECT_EQ(json({"explain", "--json"}).size(), 133u);
 }
 
-TEST_F(BridgectlJsonTest, TheVersionsAreTheProgramsAndTheLibrarys) {
+TEST_F(BridgectlJsonTest, VersionPrintsProgramAndLibrary) {
     EXPECT_EQ(json({"version", "--json"}).dump(), std::string(R"({"bridgectl":")") +
                                                       kProductVersion + R"(","library":")" +
                                                       kProductVersion + R"("})");

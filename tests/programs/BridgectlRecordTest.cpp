@@ -1,4 +1,4 @@
-// Events that `bridgectl events --record` writes down and a stand-in sends again.
+// Events that `bridgectl events --record` writes and a stand-in replays.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -13,8 +13,6 @@
 
 namespace {
 
-const std::string kServer = "vtr_LogCollector_bridge_nvo";
-
 class BridgectlRecordTest : public BridgectlFixture {
  protected:
     BridgectlRecordTest() {
@@ -22,12 +20,8 @@ class BridgectlRecordTest : public BridgectlFixture {
         useStandins("LogCollector", "1");
     }
 
-    ChildProcess record(const Arguments& more = {}) const {
-        Arguments line{"--client", "LogCollector", "events", "--record", file()};
-        line.insert(line.end(), more.begin(), more.end());
-        ChildProcess listener(program(), line, options);
-        EXPECT_EQ(listener.readErrorLine(), "bridgectl: listening on " + kServer);
-        return listener;
+    ChildProcess record(const Arguments& more) const {
+        return listen(joined({"events", "--record", file()}, more));
     }
 
     unsigned replay(const std::string& path) const {
@@ -37,12 +31,13 @@ class BridgectlRecordTest : public BridgectlFixture {
     std::string file() const { return data / "trace.script"; }
 };
 
-// A front end that keeps the bytes it gets.
+// A front end that keeps the bytes it receives.
 class Bytes {
  public:
-    Bytes() : server_(kServer, [this](RawPipe& pipe) { add(pipe.readAll()); }) {}
+    explicit Bytes(const std::string& name)
+        : server_(name, [this](RawPipe& pipe) { add(pipe.readAll()); }) {}
 
-    // All bytes once there are so many.
+    // Waits for `count` bytes.
     std::string take(std::size_t count) {
         std::unique_lock<std::mutex> guard(lock_);
         EXPECT_TRUE(changed_.wait_for(guard, std::chrono::seconds(30),
@@ -73,17 +68,17 @@ TEST_F(BridgectlRecordTest, ARoundTripHasTheSameBytes) {
     packets += installImageProgressPacket("N", 2, 0.1);
     packets += instanceListUpdatedPacket();
     packets += createInstanceCompletedPacket(-2147483647 - 1, "日本");
-    // The library adds a list update before the end of an image.
+    // The library adds a list update before the end of an image's installation.
     ChildProcess listener = record({"--count", std::to_string(knownEvents().size() + 6)});
     ASSERT_TRUE(RawPipe(connectWhenFree(kServer)).write(packets));
     const ChildResult result = listener.finish();
     ASSERT_EQ(result.status, 0u) << result.err;
-    Bytes bytes;
+    Bytes bytes(kServer);
     EXPECT_EQ(replay(file()), 0u);
     EXPECT_EQ(bytes.take(packets.size()), packets);
 }
 
-TEST_F(BridgectlRecordTest, ThePausesAreThoseOfTheSender) {
+TEST_F(BridgectlRecordTest, AReplayKeepsThePauses) {
     const std::string script =
         data.write("sent.script", "event app-displayed N a\npause 700\nevent app-displayed N b\n");
     ChildProcess listener = record({"--count", "2"});
@@ -99,7 +94,7 @@ TEST_F(BridgectlRecordTest, ThePausesAreThoseOfTheSender) {
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
 }
 
-TEST_F(BridgectlRecordTest, OnlyWhatIsShownIsRecorded) {
+TEST_F(BridgectlRecordTest, OnlyShownEventsAreRecorded) {
     ChildProcess listener = record({"--count", "1", "--filter", "app-uninstalled"});
     ASSERT_TRUE(RawPipe(connectWhenFree(kServer))
                     .write(appDisplayedPacket("N", "p") + appUninstalledPacket("N", "q")));
@@ -116,7 +111,7 @@ TEST_F(BridgectlRecordTest, AFileThatCannotBeWrittenIsAnError) {
     EXPECT_EQ(result.err, "bridgectl: cannot write " + file() + ": 13 XERR_ACCES\n");
 }
 
-TEST_F(BridgectlRecordTest, AScriptThatIsNotUnderstoodSendsNothing) {
+TEST_F(BridgectlRecordTest, AnInvalidScriptSendsNothing) {
     EXPECT_EQ(replay(data / "nowhere"), 2u);
     EXPECT_EQ(replay(data.write("bad.script", "event app-displayed N a\nnonsense\n")), 2u);
     EXPECT_NE(data.read("standins.txt").find("no such script: "), std::string::npos);

@@ -1,4 +1,4 @@
-// The real program, with the registry, the data folder, the log and the library that it uses.
+// bridgectl with a real registry, data folder, log and library.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ const std::string kDataFolder =
 
 class BridgectlTest : public BridgectlFixture {
  protected:
-    // What a start that failed says beside its status.
+    // The hint of a failed start.
     std::string places() const {
         return "the configuration is " + data.path() + "\\vantrel.conf, the log " + data.path() +
                "\\Logs/Player.log; " + kDataFolder + "; see bridgectl doctor";
@@ -71,6 +71,8 @@ TEST_F(BridgectlTest, UnknownKeysAreErrors) {
     expectFailure({"conf", "get", "vtr.instance.Nougat64.nothing"}, 3,
                   "no such key: vtr.instance.Nougat64.nothing");
     expectFailure({"conf", "set", "vtr.nothing", "1"}, 3, "no such key: vtr.nothing");
+    expectFailure({"conf", "unset", "vtr.nothing"}, 3, "no such key: vtr.nothing");
+    expectFailure({"conf", "unset", "vtr.instance.Other.dpi"}, 3, "no such instance: Other");
     expectFailure({"conf", "list", "--instance", "Other"}, 3, "no such instance: Other");
 }
 
@@ -87,7 +89,7 @@ TEST_F(BridgectlTest, SetsAndCommits) {
     EXPECT_NE(text.find("vtr.next_vm_id=\"-5\"\n"), std::string::npos);
 }
 
-TEST_F(BridgectlTest, SettingAKeyOfAnUnknownInstanceDoesNotCreateIt) {
+TEST_F(BridgectlTest, ConfSetDoesNotCreateAnInstance) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.instance.Nougat32.ram", "1024"}, 3,
                   "no such instance: Nougat32\nbridgectl: did you mean Nougat64?");
@@ -96,7 +98,7 @@ TEST_F(BridgectlTest, SettingAKeyOfAnUnknownInstanceDoesNotCreateIt) {
     EXPECT_EQ(data.read("vantrel.conf"), before);
 }
 
-TEST_F(BridgectlTest, WithoutTheFileAnInstanceMayBeNew) {
+TEST_F(BridgectlTest, WithoutTheFileAnyInstanceIsPossible) {
     const std::string file = data / "new.conf";
     EXPECT_EQ(
         output({"--no-conf", "conf", "set", "vtr.instance.Nougat32.ram", "1024", "--to", file}),
@@ -142,13 +144,6 @@ TEST_F(BridgectlTest, AnEmptyDefaultThatCannotBeStoredIsRefused) {
     EXPECT_EQ(data.read("vantrel.conf"), before);
 }
 
-TEST_F(BridgectlTest, UnsettingNeedsAKeyAndAFile) {
-    expectFailure({"conf", "unset", "vtr.nothing"}, 3, "no such key: vtr.nothing");
-    expectFailure({"conf", "unset", "vtr.instance.Other.dpi"}, 3, "no such instance: Other");
-    expectFailure({"--no-conf", "conf", "unset", "vtr.locale"}, 2,
-                  "--no-conf leaves no file to commit to");
-}
-
 TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsNotCreated) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.instance.Typo.ram", "1024"}, 3,
@@ -158,7 +153,7 @@ TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsNotCreated) {
     EXPECT_EQ(data.read("vantrel.conf"), before);
 }
 
-TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
+TEST_F(BridgectlTest, ValuesOfTheWrongTypeChangeNothing) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.next_vm_id", "many"}, 4,
                   "vtr.next_vm_id cannot be \"many\": its type is i32");
@@ -167,11 +162,11 @@ TEST_F(BridgectlTest, ValuesOfTheWrongTypeAreErrorsThatChangeNothing) {
     EXPECT_EQ(data.read("vantrel.conf"), before);
 }
 
-TEST_F(BridgectlTest, ValuesThatMakeNoLineAreErrorsThatChangeNothing) {
+TEST_F(BridgectlTest, ValuesThatDoNotFitInALineChangeNothing) {
     const std::string before = data.read("vantrel.conf");
     expectFailure({"conf", "set", "vtr.locale", "a\nb"}, 4,
                   "vtr.locale and its value do not fit in one line of the file: 22 XERR_INVAL");
-    // The line has four characters beside key and value, and fewer than 4096 in all.
+    // A line has four characters besides key and value, and fewer than 4096 in all.
     const std::string longest(4095 - 4 - std::string("vtr.locale").size(), 'x');
     expectFailure({"conf", "set", "vtr.locale", longest + "x"}, 4,
                   "vtr.locale and its value do not fit in one line of the file: 7 XERR_2BIG");
@@ -241,6 +236,13 @@ TEST_F(BridgectlTest, ListsEverything) {
     EXPECT_NE(text.find("unset\n"), std::string::npos);
 }
 
+TEST_F(BridgectlTest, AnInstanceNameWithANulCharacterIsNotFatal) {
+    const std::string name = "Nougat64" + std::string(1, '\0');
+    data.write("vantrel.conf", "vtr.locale=\"fr\"\nvtr.instance." + name + ".ram=\"1\"\n");
+    EXPECT_EQ(linesIn(output({"conf", "list"})), 1 + globalCount());
+    EXPECT_EQ(linesIn(output({"instances"})), 2u);
+}
+
 TEST_F(BridgectlTest, ListsInstancesAsATable) {
     data.write("vantrel.conf",
                "vtr.instance.Nougat64.display_name=\"日本\"\n"
@@ -259,12 +261,12 @@ TEST_F(BridgectlTest, ListsInstancesAsTheLibrarysJson) {
     EXPECT_EQ(output({"instances", "--json"}), "[\n]\n");
 }
 
-TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsAnErrorAndNotTheEnd) {
+TEST_F(BridgectlTest, AnInstanceOfAnUnknownImageIsAnErrorAndNotFatal) {
     data.write("vantrel.conf", "vtr.instance.Pie64_1.ram=\"1\"\n");
     expectFailure({"instances"}, 3, "instance Pie64_1 has an unknown image");
 }
 
-TEST_F(BridgectlTest, AnInstanceWhoseNumbersCannotBeReadIsAnErrorAndNotTheEnd) {
+TEST_F(BridgectlTest, AnInstanceWithUnreadableNumbersIsAnErrorAndNotFatal) {
     for (const char* property : {"ram", "cpus"}) {
         const std::string key = std::string("vtr.instance.Nougat64.") + property;
         data.write("vantrel.conf", key + "=\"many\"\n");
@@ -294,10 +296,6 @@ TEST_F(BridgectlTest, ListsAppsAsTheLibrarysJson) {
     EXPECT_EQ(output({"apps", "Nougat64"}), "NAME  PACKAGE  ACTIVITY  VERSION  ICON\n");
 }
 
-TEST_F(BridgectlTest, AppsOfAnInstanceThatDoesNotExistAreAnError) {
-    expectFailure({"apps", "Other"}, 3, "no such instance: Other");
-}
-
 TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
     data.write("Engine\\Nougat64\\AppCache\\AppCache.json", "[3]");
     expectFailure({"apps", "Nougat64"}, 5, "the library returned no listing; see the log");
@@ -308,6 +306,8 @@ TEST_F(BridgectlTest, AnAppCacheThatCannotBeReadIsAnErrorOfTheLibrary) {
 TEST_F(BridgectlTest, WithoutTheFileThereIsNothingToCommitTo) {
     expectFailure({"--no-conf", "conf", "set", "vtr.locale", "de"}, 2,
                   "--no-conf leaves no file to commit to: add --to FILE");
+    expectFailure({"--no-conf", "conf", "unset", "vtr.locale"}, 2,
+                  "--no-conf leaves no file to commit to");
     const std::string file = data / "défaut.conf";
     EXPECT_EQ(output({"--no-conf", "conf", "set", "vtr.locale", "de", "--to", file}),
               "vtr.locale:  -> de\n");
@@ -319,7 +319,7 @@ TEST_F(BridgectlTest, WithoutTheFileTheDefaultsAreShown) {
     EXPECT_EQ(output({"--no-conf", "instances", "--json"}), "[\n]\n");
 }
 
-TEST_F(BridgectlTest, LogsUnderItsClientsNameIntoTheGivenFile) {
+TEST_F(BridgectlTest, LogsUnderItsClientsNameToTheGivenFile) {
     output({"--client", "Installer", "--log-file", data / "own.log", "conf", "get", "vtr.locale"});
     EXPECT_EQ(logMessages(data.read("own.log"))[0],
               logged::by("Installer_bridge", logged::initialising("Installer")));
@@ -346,18 +346,20 @@ TEST_F(BridgectlTest, AMissingFolderOfTheGivenLogIsCreated) {
     EXPECT_TRUE(data.has("new\\own.log"));
 }
 
-TEST_F(BridgectlTest, AMissingLogsFolderIsAnErrorAndNotTheEnd) {
+TEST_F(BridgectlTest, AMissingLogsFolderIsAnErrorAndNotFatal) {
     ASSERT_TRUE(::RemoveDirectoryW(wideForTests(data / "Logs").c_str()));
     expectFailure({"conf", "get", "vtr.locale"}, 5,
                   "cannot open the log file " + data.path() +
                       "\\Logs/Player.log: 2 XERR_NOENT\nbridgectl: " + kDataFolder);
 }
 
-TEST_F(BridgectlTest, AnUnknownClientIsRefusedByTheLibrary) {
-    const ChildResult result = run({"--client", "Other", "conf", "get", "vtr.locale"});
-    EXPECT_EQ(result.status, 5u);
-    EXPECT_NE(result.err.find("bridgectl: the library did not start: 22 XERR_INVAL\n"),
-              std::string::npos);
+TEST_F(BridgectlTest, TheLibraryRejectsAnUnknownClient) {
+    for (const Arguments& command : {Arguments{"conf", "get", "vtr.locale"}, Arguments{"events"}}) {
+        const ChildResult result = run(joined({"--client", "Other"}, command));
+        EXPECT_EQ(result.status, 5u);
+        EXPECT_NE(result.err.find("bridgectl: the library did not start: 22 XERR_INVAL\n"),
+                  std::string::npos);
+    }
 }
 
 TEST_F(BridgectlTest, AnotherProductVersionStopsTheLauncherOnly) {
@@ -372,7 +374,7 @@ class BridgectlProgramsTest : public BridgectlTest {
  protected:
     BridgectlProgramsTest() { useStandins("none", "60"); }
 
-    // Waits until the stand-ins have written that many lines, and gives all of them.
+    // Waits until the stand-ins have written `count` lines, and returns them.
     Lines waitForLines(std::size_t count) const {
         Lines lines;
         for (int i = 0; i < 3000 && lines.size() < count; ++i) {
@@ -422,7 +424,7 @@ TEST_F(BridgectlProgramsTest, EveryCommandHasItsCommandLine) {
     std::size_t lines = 0;
     for (const auto& [command, line] : cases) {
         EXPECT_EQ(output(command), "started\n");
-        lines += lines == 0 ? 2 : 1;  // the first one goes on serving
+        lines += lines == 0 ? 2 : 1;  // the first player keeps serving
         EXPECT_EQ(waitForLines(lines)[lines == 2 ? 0 : lines - 1],
                   commandLine("QX-Player.exe") + line);
     }
@@ -430,7 +432,7 @@ TEST_F(BridgectlProgramsTest, EveryCommandHasItsCommandLine) {
     EXPECT_EQ(waitForLines(lines + 2)[lines], "plrShutdownRpc(false)");
 }
 
-TEST_F(BridgectlProgramsTest, TheManagerIsStartedAndShutDownWithEverything) {
+TEST_F(BridgectlProgramsTest, ShutdownWithoutANameIncludesTheManager) {
     EXPECT_EQ(output({"install-image", "Nougat32"}), "started\n");
     EXPECT_EQ(waitForLines(2),
               (Arguments{commandLine("QX-MultiInstanceManager.exe") +
@@ -447,7 +449,7 @@ TEST_F(BridgectlProgramsTest, TheManagerIsStartedAndShutDownWithEverything) {
     EXPECT_EQ(waitForLines(5)[3], "mimShutdownRpc()");
 }
 
-TEST_F(BridgectlProgramsTest, AnEmptyNameIsNoInstanceAndNobodyIsAsked) {
+TEST_F(BridgectlProgramsTest, ShutdownOfAnEmptyNameAsksNoProgram) {
     const Arguments install{"install-image", "Nougat32"};
     EXPECT_EQ(output(install), "started\n");
     const std::string started = waitForLines(2)[0];
@@ -467,7 +469,7 @@ TEST_F(BridgectlProgramsTest, OutputCanBeJson) {
               R"({"request":"plrShutdownRpc","opcode":2000,"replyLength":0,"arguments":[false]})");
 }
 
-TEST_F(BridgectlProgramsTest, AProgramThatIsNotThereIsAnError) {
+TEST_F(BridgectlProgramsTest, AMissingProgramIsAnError) {
     registry.set("InstallDir", "C:\\Nowhere\\");
     const ChildResult result = run({"launch", "Nougat64", "com.a"});
     EXPECT_EQ(result.status, 8u);
@@ -479,9 +481,10 @@ TEST_F(BridgectlProgramsTest, AProgramThatIsNotThereIsAnError) {
 }
 
 TEST_F(BridgectlTest, WithoutAnInstallFolderNothingIsStarted) {
-    const ChildResult result = run({"launch", "Nougat64", "com.a"});
-    EXPECT_EQ(result.status, 5u);
-    EXPECT_EQ(result.err.rfind("bridgectl: the registry has no install folder\n", 0), 0u);
+    expectFailure(
+        {"launch", "Nougat64", "com.a"}, 5,
+        "the registry has no install folder\nbridgectl: reinstall the product, or set it: "
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo, value \"InstallDir\"");
 }
 
 TEST_F(BridgectlTest, MisuseIsExplained) {
@@ -495,7 +498,8 @@ TEST_F(BridgectlTest, HelpNamesCommandsAndExitCodes) {
     const std::string text = output({"--help"});
     for (const char* part :
          {"\n  conf get ", "\n  instances ", "\n  --client ID ", "\n  --log-file FILE ",
-          "\n  --no-conf ", "\n   7  the key has no value\n"}) {
+          "\n  --no-conf ", "\n   7  the key has no value\n",
+          "\n  10  another front end receives the client's events\n"}) {
         EXPECT_NE(text.find(part), std::string::npos) << part;
     }
     EXPECT_EQ(output({"conf", "get", "--help"}),

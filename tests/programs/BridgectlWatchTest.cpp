@@ -1,7 +1,6 @@
-// `bridgectl watch` into a pipe: a line for each thing that happens.
+// `bridgectl watch` into a pipe: a line for each change.
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -12,8 +11,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kTimeLength = 29;
-
 class BridgectlWatchTest : public BridgectlFixture {
  protected:
     BridgectlWatchTest() {
@@ -22,17 +19,13 @@ class BridgectlWatchTest : public BridgectlFixture {
     }
 
     ChildProcess watch(const Arguments& more = {}) const {
-        Arguments line{"--client", "LogCollector", "watch"};
-        line.insert(line.end(), more.begin(), more.end());
-        return ChildProcess(program(), line, options);
+        return ChildProcess(program(), joined({"--client", "LogCollector", "watch"}, more),
+                            options);
     }
 
-    static std::string nextLine(ChildProcess& watcher) {
-        const std::string line = watcher.readLine();
-        return line.size() > kTimeLength ? line.substr(kTimeLength + 1) : line;
-    }
+    static std::string nextLine(ChildProcess& watcher) { return withoutTimes(watcher.readLine()); }
 
-    // As a commit does, so that nobody sees half a file.
+    // Replaces the file as a commit does, so that no reader sees half of it.
     void addInstance() const {
         const std::string file =
             data.write("new.conf", kConf + "vtr.instance.Nougat32.ram=\"1\"\n");
@@ -46,7 +39,7 @@ class BridgectlWatchTest : public BridgectlFixture {
 
 }  // namespace
 
-TEST_F(BridgectlWatchTest, EachThingHasItsLine) {
+TEST_F(BridgectlWatchTest, EachChangeHasALine) {
     ChildProcess watcher = watch();
     EXPECT_EQ(nextLine(watcher), "instance-added instance=\"Nougat64\"");
     EXPECT_EQ(output({"launch", "Nougat64", "com.a"}), "started\n");
@@ -71,7 +64,7 @@ TEST_F(BridgectlWatchTest, EachThingHasItsLine) {
     EXPECT_EQ(nextLine(watcher), "instance-added instance=\"Nougat32\"");
 }
 
-TEST_F(BridgectlWatchTest, TheJsonIsAnObjectALine) {
+TEST_F(BridgectlWatchTest, TheJsonIsAnObjectPerLine) {
     ChildProcess watcher = watch({"--json", "--timeout", "1"});
     const ChildResult result = watcher.finish();
     EXPECT_EQ(result.status, 0u);
@@ -81,7 +74,7 @@ TEST_F(BridgectlWatchTest, TheJsonIsAnObjectALine) {
     EXPECT_EQ(change["instance"], "Nougat64");
 }
 
-TEST_F(BridgectlWatchTest, AnOutputWithoutAReaderEndsIt) {
+TEST_F(BridgectlWatchTest, ABrokenOutputEndsIt) {
     ChildProcess watcher = watch();
     EXPECT_EQ(nextLine(watcher), "instance-added instance=\"Nougat64\"");
     watcher.closeOutput();

@@ -1,4 +1,4 @@
-// What can come next on a command line.
+// Completion of command lines.
 #include "shared/Completion.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ CommandNode program() {
     return {"program", "", "", {option("--client", true)}, {get, list}};
 }
 
-// Names that say what they were asked for.
+// Names that show the question.
 Words values(const OptionNode& node, const Words& before) {
     std::string name = node.name;
     for (const std::string& word : before) name += "/" + word;
@@ -51,7 +51,7 @@ TEST(Completion, CommandsAndOptionsComeFirst) {
     EXPECT_EQ(after({}), (Words{"get", "list", "--client"}));
 }
 
-TEST(Completion, AnArgumentComesByItsPlace) {
+TEST(Completion, ArgumentsComeInOrder) {
     EXPECT_EQ(after({"get"}), (Words{"KEY", "--to"}));
     EXPECT_EQ(after({"get", "k"}), (Words{"PACKAGE/k", "--to"}));
     EXPECT_EQ(after({"get", "k", "p"}), Words{"--to"});
@@ -70,7 +70,7 @@ TEST(Completion, ALimitedArgumentHasItsNames) {
     EXPECT_EQ(after({"list", "--one"}), (Words{"bash", "fish", "--one"}));
 }
 
-TEST(Completion, BehindTwoDashesComeArgumentsOnly) {
+TEST(Completion, OnlyArgumentsComeAfterTwoDashes) {
     EXPECT_EQ(after({"get", "--"}), Words{"KEY"});
     EXPECT_EQ(after({"get", "--", "--to"}), Words{"PACKAGE/--to"});
 }

@@ -26,7 +26,7 @@ TEST(Configuration, FindsStoredValuesAndDefaults) {
     EXPECT_EQ(configuration.instances(), std::set<std::string>{"A"});
 }
 
-TEST(Configuration, KnowsWhatDoesNotExist) {
+TEST(Configuration, FindsNothingForUnknownKeys) {
     const Configuration configuration("vtr.instance.A.dpi=\"320\"\n");
     for (const char* key : {"", "locale", "vtr.nothing", "vtr.instance.A.nothing",
                             "vtr.instance.B.dpi", "vtr.instance.A", "vtr.dpi"}) {

@@ -1,4 +1,4 @@
-// The documents that have a table of the program's own.
+// Pages of docs/reference that contain tables of the programs.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 #include "ResultCodes.h"
 #include "shared/ExitCode.h"
 
-TEST(Documents, TheConfigurationKeysAreTheCatalogues) {
+TEST(Documents, TheKeysPageHasTheCatalogue) {
     const std::string table = catalogueMarkdown();
     ASSERT_GT(table.size(), 5000u);
     EXPECT_NE(std::string(kKeysPage).find("\n" + table), std::string::npos)
@@ -20,14 +20,14 @@ TEST(Documents, TheConfigurationKeysAreTheCatalogues) {
            "--markdown";
 }
 
-TEST(Documents, TheResultCodesAreTheLibrarys) {
+TEST(Documents, TheCodesPageHasTheResultCodes) {
     const std::string table = resultCodesMarkdown();
     ASSERT_GT(table.size(), 3000u);
     EXPECT_NE(std::string(kCodesPage).find("\n" + table + "\n"), std::string::npos)
         << "docs/reference/codes.md is to have the output of bridgectl explain --markdown";
 }
 
-TEST(Documents, TheExitCodesAreTheProgramsOwn) {
+TEST(Documents, TheCodesPageHasTheExitCodes) {
 #define EXPECT_LINE(name, number, meaning)                                                        \
     EXPECT_NE(std::string(kCodesPage).find("| " #number " | " meaning " |\n"), std::string::npos) \
         << meaning;
@@ -35,7 +35,7 @@ TEST(Documents, TheExitCodesAreTheProgramsOwn) {
 #undef EXPECT_LINE
 }
 
-TEST(ResultCodes, EveryCodeHasAMeaningOfItsOwn) {
+TEST(ResultCodes, EveryCodeHasADistinctMeaning) {
     std::set<std::string> meanings;
     for (const ResultCode& code : resultCodes()) {
         EXPECT_EQ(code.name, xerrName(code.code));

@@ -1,4 +1,4 @@
-// Events as the lines of a script.
+// Recorded events as a script.
 #include "EventScript.h"
 
 #include <gtest/gtest.h>
@@ -66,7 +66,7 @@ TEST(EventScript, NumbersKeepTheirValue) {
               "event app-installed \"N\" \"p\" \"a\" \"l\" -2147483648 \"v\" \"\" true\n");
 }
 
-TEST(EventScript, TheListUpdateThatTheLibraryAddsIsLeftOut) {
+TEST(EventScript, TheListUpdateOfTheLibraryIsLeftOut) {
     EventScript script;
     EXPECT_EQ(script.add(listUpdate(0)), "");
     EXPECT_EQ(script.add(progress(0, 2, 100)), "event image-install-progress \"N\" 2 100\n");

@@ -74,7 +74,7 @@ TEST(Event, AnEventWithoutFieldsIsItsName) {
               "{\"time\":\"" + kTimeText + "\",\"event\":\"instance-list-updated\"}\n");
 }
 
-TEST(Event, TextsCannotReachTheTerminal) {
+TEST(Event, TextsCannotControlTheTerminal) {
     const Event event = eventOf(
         "app-displayed",
         {std::string("a\n\r\t\x1B[31m\x7F\xC2\x9B\xC2\xA0\xC3\xA9"), std::string("\"\\ \xFF\xC2")});
@@ -118,7 +118,7 @@ TEST(EventQueue, WaitingEndsWithTheDeadlineOrWhenItIsStopped) {
     EXPECT_EQ(end, EventQueue::End::Stopped);
 }
 
-TEST(EventQueue, WhatIsQueuedAtTheEndIsNotLost) {
+TEST(EventQueue, QueuedEventsSurviveTheStop) {
     EventQueue queue;
     queue.push(numbered(1));
     queue.push(numbered(2));

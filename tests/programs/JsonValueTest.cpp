@@ -33,7 +33,7 @@ TEST(JsonValue, BytesThatAreNotUtf8AreReplaced) {
     EXPECT_EQ(JsonValue("a\xFF").indented(), "\"a\xEF\xBF\xBD\"");
 }
 
-TEST(JsonValue, ANumberThatIsNoneIsNull) {
+TEST(JsonValue, ANumberThatIsNotFiniteIsNull) {
     EXPECT_EQ(JsonValue(std::numeric_limits<double>::quiet_NaN()).inOneLine(), "null");
 }
 

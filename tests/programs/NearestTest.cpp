@@ -36,7 +36,7 @@ TEST(Nearest, TheFewestChangesWin) {
     EXPECT_EQ(nearestName("aab", {"aac", "aad"}), "aac") << "of equal ones the first";
 }
 
-TEST(Nearest, ANameIsNotMistyped) {
+TEST(Nearest, AnExactNameHasNoNearest) {
     EXPECT_EQ(nearest("apps"), "");
     EXPECT_EQ(nearestHint("apps", kNames), "");
     EXPECT_EQ(nearestHint("app", kNames), "did you mean apps?");

@@ -56,7 +56,7 @@ TEST_F(OptionParserTest, ArgumentsAndOptionsReceiveTheirValues) {
     EXPECT_TRUE(flag);
 }
 
-TEST_F(OptionParserTest, AValueThatIsNotGivenStaysAsItIs) {
+TEST_F(OptionParserTest, AMissingValueDoesNotChangeTheVariable) {
     std::optional<std::int32_t> number;
     text = "before";
     Option option = command.add("--text", text, "");
@@ -175,7 +175,7 @@ TEST_F(OptionParserTest, ACommandCanBeRequired) {
     EXPECT_EQ(end.text, "a command is missing");
 }
 
-TEST_F(OptionParserTest, HelpExplainsTheCommandBeforeIt) {
+TEST_F(OptionParserTest, HelpExplainsTheCommandBeforeTheOption) {
     const ParseEnd end = parse({"--help"});
     EXPECT_EQ(end.kind, ParseEnd::Help);
     EXPECT_EQ(end.text,
@@ -255,7 +255,7 @@ TEST_F(OptionParserTest, CommandsAreFoundByTheirNames) {
     EXPECT_FALSE(parser.options().command("frob"));
 }
 
-TEST_F(OptionParserTest, TheTreeHasWhatWasDeclared) {
+TEST_F(OptionParserTest, TheTreeHasAllDeclarations) {
     unsigned number = 0;
     command.add("TEXT", text, "The text").required().oneOf({"one", "two"});
     command.add("--number", number, "The number");
@@ -276,7 +276,7 @@ TEST_F(OptionParserTest, TheTreeHasWhatWasDeclared) {
     EXPECT_FALSE(node.options[2].isRequired);
 }
 
-TEST_F(OptionParserTest, ATextCanBeRequiredToHaveCharacters) {
+TEST_F(OptionParserTest, ATextCanBeRequiredToBeNonEmpty) {
     command.add("--text", text, "").notEmpty();
     expectUnderstood({"--text", "a"});
     expectError({"--text", ""}, "--text: the value is empty");
@@ -289,7 +289,7 @@ TEST_F(OptionParserTest, AnOptionThatEndsAtItsEqualsSignDoesNotTakeTheNextWord) 
     EXPECT_EQ(text, "before");
 }
 
-TEST_F(OptionParserTest, AnOptionCanHaveANumberOrNone) {
+TEST_F(OptionParserTest, AnOptionalNumberCanBeLeftOut) {
     std::optional<unsigned> number;
     command.add("TEXT", text, "").required();
     command.addWithOptionalNumber("--wait", number, "SECONDS", "");

@@ -1,4 +1,4 @@
-// What an event says about the work of a command.
+// Events that report the result of a command.
 #include "Outcome.h"
 
 #include <gtest/gtest.h>

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -73,6 +75,41 @@ class BridgectlFixture : public ProgramFixture {
                                {"QX_STANDIN_SECONDS", seconds},
                                {"QX_STANDIN_CLIENTS", client}};
     }
+
+    // Starts a command that listens as LogCollector. No later event is missed.
+    ChildProcess listen(const Arguments& command) const {
+        ChildProcess listener(program(), joined({"--client", "LogCollector"}, command), options);
+        EXPECT_EQ(listener.readErrorLine(), "bridgectl: listening on " + kServer);
+        return listener;
+    }
+
+    // Sends an event from the stand-in: its name and arguments.
+    void send(const Arguments& event) const {
+        const ChildResult sent =
+            runChild(standinProgram("QX-Player.exe"), joined({"--event"}, event), options);
+        EXPECT_EQ(sent.status, 0u);
+    }
+
+    static Arguments joined(Arguments words, const Arguments& more) {
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+
+    // The lines without the times that they begin with.
+    static std::string withoutTimes(const std::string& text) {
+        constexpr std::size_t kTimeLength = 30;  // with the space
+        std::string result;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+            const bool hasTime = text.compare(at, 2, "20") == 0 && end - at >= kTimeLength;
+            const std::size_t start = at + (hasTime ? kTimeLength : 0);
+            result += text.substr(start, end - start);
+            at = end;
+        }
+        return result;
+    }
+
+    const std::string kServer = "vtr_LogCollector_bridge_nvo";
 };
 
 #endif

@@ -1,4 +1,4 @@
-// Pseudo consoles are in the headers for Windows 10, version 1809, and later.
+// The headers declare pseudo consoles for Windows 10, version 1809, and later.
 #define NTDDI_VERSION 0x0A000006
 
 #include "PseudoConsole.h"
@@ -15,7 +15,7 @@
 namespace {
 
 constexpr COORD kWindow{100, 40};
-constexpr COORD kBuffer{160, 300};  // so that nothing scrolls away
+constexpr COORD kBuffer{160, 300};  // large enough to prevent scrolling
 constexpr std::chrono::seconds kLimit{60};
 constexpr std::chrono::milliseconds kBetweenLooks{10};
 
@@ -56,7 +56,7 @@ std::string readLine(HANDLE screen, SHORT row) {
     return utf8(text) + "\n";
 }
 
-// Starts a program with the handles of `startup`; this process's own are not inherited otherwise.
+// Starts a program with the handles of `startup`. Inherits no others unless `inherits` is set.
 HANDLE startProcess(const std::string& line, STARTUPINFOW& startup, DWORD flags, bool inherits) {
     std::wstring wide = wideForTests(line);
     PROCESS_INFORMATION process{};
@@ -71,7 +71,7 @@ HANDLE startProcess(const std::string& line, STARTUPINFOW& startup, DWORD flags,
 
 struct PseudoConsole::State {
     HPCON console = nullptr;
-    HANDLE drawn = nullptr;  // what a terminal would show: read so that nobody waits for it
+    HANDLE drawn = nullptr;  // output for a terminal; read so that writers do not block
     std::thread reader;
     HANDLE keeper = nullptr;
     HANDLE input = nullptr;
@@ -118,7 +118,7 @@ void PseudoConsole::State::keep() {
 void PseudoConsole::State::attach(unsigned codePage) {
     const auto end = std::chrono::steady_clock::now() + kLimit;
     ::FreeConsole();
-    // A program that has just been started may not have its console yet.
+    // A program that has just started may not have its console yet.
     while (!::AttachConsole(::GetProcessId(keeper))) {
         require(std::chrono::steady_clock::now() < end, "no console to attach to");
         std::this_thread::sleep_for(kBetweenLooks);

@@ -8,35 +8,35 @@
 #include <string>
 #include <vector>
 
-// A console without a window that programs run in, and whose screen this process reads. One at a
-// time: this process leaves its own console for it.
+// A console without a window. Programs run in it, and this process reads its screen. Only one at a
+// time, because this process leaves its own console for it.
 class PseudoConsole {
  public:
-    // With a code page for output: 65001 is UTF-8.
+    // `codePage` is for input and output: 65001 is UTF-8.
     explicit PseudoConsole(unsigned codePage);
     ~PseudoConsole();
     PseudoConsole(const PseudoConsole&) = delete;
     PseudoConsole& operator=(const PseudoConsole&) = delete;
 
-    // Starts a program with all its standard handles on the console. One at a time.
+    // Starts a program with its standard handles on the console. Only one at a time.
     void start(const std::string& program, const std::vector<std::string>& arguments);
 
-    // The exit status, once the program has ended. One that does not end in time is killed, and
-    // the test fails.
+    // Waits for the program's end and returns its exit status. Kills the program and fails the test
+    // if it takes too long.
     std::uint32_t finish();
 
-    // What the screen shows from its top to its last character, in lines without trailing spaces.
-    // Each ends with a line feed; a wide character counts as two columns and is in it once.
+    // The screen from the top to the last character, in lines without trailing spaces, each with a
+    // line feed. A wide character appears once.
     std::string screen() const;
 
-    // The screen once it has this text. Fails the test when it does not get it.
+    // Waits until the screen has this text, and returns the screen. Fails the test if it takes too
+    // long.
     std::string screenWith(const std::string& text) const;
 
-    // Whether escape sequences move the cursor and set colours, or are shown. Before anything is
-    // started.
+    // Whether the console follows escape sequences instead of showing them. Call before start().
     bool followsSequences() const;
 
-    // Ctrl+C, for every program in the console but this one.
+    // Sends Ctrl+C to all programs on the console except this one.
     void pressCtrlC() const;
 
  private:

@@ -29,7 +29,7 @@ std::string errorOf(const Texts& words) {
     return error;
 }
 
-// What the help says about a field's type.
+// The type of a field in the help.
 std::string typeOf(const KnownField& field) {
     switch (field.type) {
         case 'i':
@@ -43,7 +43,7 @@ std::string typeOf(const KnownField& field) {
     }
 }
 
-// The events of a command line, as the output shows them.
+// The default events of a command line, in the form of the output file.
 Texts defaultsOf(const Texts& arguments) {
     Texts lines;
     for (const StandinEvent& event : standinDefaultEvents(arguments)) {
@@ -64,7 +64,7 @@ TEST(StandinEvents, EachHasItsPacket) {
     }
 }
 
-TEST(StandinEvents, TextsAreSentAsTheyStand) {
+TEST(StandinEvents, TextsAreSentUnchanged) {
     const std::string strange = "日本 \"q\" \\ \xFF\xFE\x01";
     EXPECT_EQ(packetOf({"app-displayed", "", strange}), appDisplayedPacket("", strange));
 }
@@ -87,7 +87,7 @@ TEST(StandinEvents, AFlagIsAByte) {
     }
 }
 
-TEST(StandinEvents, WhatDoesNotFitIsRefused) {
+TEST(StandinEvents, InvalidEventsAreRejected) {
     EXPECT_EQ(errorOf({}), "no event is named");
     EXPECT_EQ(errorOf({"app-Displayed", "N", "p"}), "no such event: app-Displayed");
     const std::string usage = "not the arguments of: app-displayed instance package";
@@ -107,7 +107,7 @@ TEST(StandinEvents, WhatDoesNotFitIsRefused) {
               "versionCode:i32 versionName iconFilePath isUpdate:bool");
 }
 
-TEST(StandinEvents, TheOutputSaysWhatBecameOfThem) {
+TEST(StandinEvents, TheOutputShowsTheDelivery) {
     const StandinEvent event = eventOf({"image-install-progress", "N \"é\" \xFF", "1", "50"});
     EXPECT_EQ(standinDescribeEvent(event, {"s"}, StandinFormat::Text),
               "event image-install-progress(\"N \\\"é\\\" \xEF\xBF\xBD\",1,50.0) -> s");

@@ -1,4 +1,4 @@
-// The real stand-ins, and raw servers in place of front ends: the bytes that arrive.
+// Bytes that the real stand-ins send, received by raw servers in place of front ends.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -20,7 +20,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// A front end that only looks at bytes, under a client id of its own.
+// A front end that keeps bytes, with its own client id.
 class FrontEnd {
  public:
     explicit FrontEnd(const std::string& id, std::size_t bufferSize = 0)
@@ -31,7 +31,7 @@ class FrontEnd {
 
     std::string server() const { return "vtr_" + client + "_bridge_nvo"; }
 
-    // What each of so many connections brought.
+    // Waits for `count` connections and returns the bytes of each.
     Texts connections(std::size_t count) {
         std::unique_lock<std::mutex> guard(lock_);
         EXPECT_TRUE(changed_.wait_for(guard, std::chrono::seconds(30),
@@ -43,7 +43,7 @@ class FrontEnd {
 
  private:
     void add(std::string bytes) {
-        if (bytes.empty()) return;  // a look whether the server is there
+        if (bytes.empty()) return;  // a probe
         const std::lock_guard<std::mutex> guard(lock_);
         connections_.push_back(std::move(bytes));
         changed_.notify_all();
@@ -68,20 +68,20 @@ class StandinSendTest : public ::testing::Test {
         return result;
     }
 
-    // The exit status of a stand-in, which has ended then.
+    // Runs a stand-in to its end and returns its exit status.
     static unsigned run(const Texts& arguments, const ChildOptions& with,
                         const std::string& name = "QX-Player.exe") {
         return runChild(standinProgram(name), arguments, with).status;
     }
 
-    // The player of an instance of the test's own.
+    // Arguments of a player for an instance that only this test uses.
     static Texts player(const Texts& more = {}) {
         Texts all{"--instance", "Send" + std::to_string(::GetCurrentProcessId())};
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }
 
-    // The lines of the output that are about events.
+    // The lines of the output file about events and errors.
     Texts eventLines() const {
         Texts lines;
         const std::string text = folder.read("out.txt");
@@ -102,7 +102,7 @@ class StandinSendTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(StandinSendTest, AnEventByHandArrives) {
+TEST_F(StandinSendTest, AnEventFromTheCommandLineArrives) {
     FrontEnd frontEnd("Hand");
     EXPECT_EQ(run({"--event", "app-displayed", "Jeux 日本", "say \"hi\" \\\\s\\"},
                   options(frontEnd.client)),
@@ -136,12 +136,12 @@ TEST_F(StandinSendTest, EveryFrontEndGetsTheEvent) {
                                    R"(event app-uninstalled("N","p") -> )" + second.server()}));
 }
 
-TEST_F(StandinSendTest, WithoutAFrontEndTheStatusSaysSo) {
+TEST_F(StandinSendTest, TheStatusShowsThatThereIsNoFrontEnd) {
     EXPECT_EQ(run({"--event", "instance-list-updated"}, options("Absent")), 3u);
     EXPECT_EQ(eventLines(), Texts{"event instance-list-updated() -> nobody"});
 }
 
-TEST_F(StandinSendTest, NobodyIsAskedWhenTheListIsNone) {
+TEST_F(StandinSendTest, NoneMeansNoFrontEnd) {
     EXPECT_EQ(run({"--event", "instance-list-updated"}, options("none")), 3u);
     EXPECT_EQ(eventLines(), Texts{});
 }
@@ -162,7 +162,7 @@ TEST_F(StandinSendTest, HelpListsTheEvents) {
         << result.out;
 }
 
-TEST_F(StandinSendTest, EventsOfAMomentShareAConnection) {
+TEST_F(StandinSendTest, EventsWithoutAPauseShareAConnection) {
     FrontEnd frontEnd("Moment");
     EXPECT_EQ(run(player({"--cmd", "installApk", "--filepath", "a.apk"}), options(frontEnd.client)),
               0u);
@@ -193,7 +193,7 @@ TEST_F(StandinSendTest, TheScriptsEventsOfACommandReplaceTheDefault) {
     EXPECT_EQ(frontEnd.connections(1), Texts{appUninstalledPacket("N", "p")});
 }
 
-TEST_F(StandinSendTest, ARequestMayHaveEvents) {
+TEST_F(StandinSendTest, ARequestCanCauseEvents) {
     FrontEnd frontEnd("Request");
     ChildProcess child(standinProgram("QX-Player.exe"), player(),
                        options(frontEnd.client,
@@ -224,7 +224,7 @@ TEST_F(StandinSendTest, ASplitEventIsWhole) {
     EXPECT_EQ(frontEnd.connections(1), Texts{appDisplayedPacket("N", "p")});
 }
 
-TEST_F(StandinSendTest, GarbageComesBehindEachEventOnAConnectionOfItsOwn) {
+TEST_F(StandinSendTest, GarbageFollowsEachEventOnItsOwnConnection) {
     FrontEnd frontEnd("Garbage");
     EXPECT_EQ(run(player(),
                   options(frontEnd.client, "event-garbage 4\nevent-flood 2 app-displayed N p{n}")),
@@ -255,17 +255,17 @@ TEST_F(StandinSendTest, AFloodIsOneConnection) {
     EXPECT_EQ(eventLines().size(), 1000u);
 }
 
-TEST_F(StandinSendTest, WhatIsInThePipeSurvivesTheSendersEnd) {
+TEST_F(StandinSendTest, BytesInThePipeSurviveTheSender) {
     FrontEnd frontEnd("Memory", 65536);
     EXPECT_EQ(run({"--event", "app-displayed", "N", "p"}, options(frontEnd.client)), 0u);
     EXPECT_EQ(frontEnd.connections(1), Texts{appDisplayedPacket("N", "p")});
 }
 
-TEST_F(StandinSendTest, ABusyFrontEndIsWaitedFor) {
+TEST_F(StandinSendTest, ItWaitsForABusyFrontEnd) {
     FrontEnd frontEnd("Busy");
     void* const first = connectRaw(frontEnd.server());
     ASSERT_NE(first, nullptr);
-    // The server makes its next instance when it has seen this one: then take that too.
+    // The server creates its next instance once it has seen this client. Take that instance too.
     void* second = nullptr;
     for (int i = 0; i < 1000 && second == nullptr; ++i) {
         second = connectRaw(frontEnd.server());

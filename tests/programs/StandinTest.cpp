@@ -97,7 +97,7 @@ TEST(StandinDecode, EveryTruncationIsUnreadable) {
     EXPECT_EQ(text(bytesOf(4000, {})).rfind("unreadable a00f", 0), 0u) << "the manager's";
 }
 
-TEST(StandinScript, ReadsEveryWish) {
+TEST(StandinScript, ReadsEveryDirective) {
     std::string error;
     const auto script = standinParseScript(
         "# how to answer\nreply 0102ff\ndelay 5\nsplit 2\nshort 3\ngarbage 1 # one more\r\n\n"
@@ -114,7 +114,7 @@ TEST(StandinScript, ReadsEveryWish) {
     EXPECT_EQ(script->quitAfter, 7);
 }
 
-TEST(StandinScript, RefusesWhatItDoesNotKnow) {
+TEST(StandinScript, RejectsUnknownDirectives) {
     for (const char* text : {"nonsense",
                              "delay",
                              "delay x",
@@ -191,7 +191,7 @@ Texts shown(const StandinSteps& steps) {
 
 }  // namespace
 
-TEST(StandinScript, ReadsEventWishes) {
+TEST(StandinScript, ReadsEventDirectives) {
     const StandinScript script = scriptOf("event-split 5\nevent-garbage 3\nevent-close-early\n");
     EXPECT_EQ(script.eventSplit, 5u);
     EXPECT_EQ(script.eventGarbage, 3u);
@@ -202,7 +202,7 @@ TEST(StandinScript, ReadsEventWishes) {
     EXPECT_TRUE(script.atStart.empty());
 }
 
-TEST(StandinScript, EventsStandBehindTheirPause) {
+TEST(StandinScript, EventsFollowTheirPause) {
     EXPECT_EQ(shown(scriptOf("event instance-list-updated\nevent app-displayed N p\npause 20\n"
                              "pause 30\nevent app-uninstalled N p")
                         .atStart),
@@ -219,7 +219,7 @@ TEST(StandinScript, AFloodNumbersItsEvents) {
         << "a single event is sent as it stands";
 }
 
-TEST(StandinScript, StepsMayWaitForACommandOrARequest) {
+TEST(StandinScript, StepsCanWaitForACommandOrRequest) {
     const StandinScript script = scriptOf(
         "on launchApp pause 5\non launchApp event app-displayed N p\n"
         "on mimDownloadImageRpc event-flood 1 instance-list-updated\n"
@@ -232,7 +232,7 @@ TEST(StandinScript, StepsMayWaitForACommandOrARequest) {
     EXPECT_EQ(shown(script.on.at("plrShutdownRpc")), Texts{"0"});
 }
 
-TEST(StandinScript, WordsMayStandBetweenQuotes) {
+TEST(StandinScript, WordsCanBeQuoted) {
     EXPECT_EQ(std::get<std::string>(
                   scriptOf(R"(event app-displayed "a\nb\\n" p)").atStart[0].events[0].values[0]),
               "a\nb\\n");

@@ -26,7 +26,7 @@ TEST(DisplayWidth, CountsColumns) {
     EXPECT_EQ(displayWidth("\xFF\xFE"), 2u) << "bytes that are not UTF-8";
 }
 
-TEST(DisplayWidth, KnowsEveryScript) {
+TEST(DisplayWidth, CoversEveryScript) {
     EXPECT_EQ(displayWidth("\xD7\xA9\xD6\xBF"), 1u) << "Hebrew with a point";
     EXPECT_EQ(displayWidth("\xE0\xA4\x95\xE0\xA4\x82"), 1u) << "Devanagari with anusvara";
     EXPECT_EQ(displayWidth("\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB"), 2u) << "Hangul in parts";
@@ -52,7 +52,7 @@ TEST(Table, AlignsColumnsByWidth) {
               "NAME  CPU\n日本  4\ne\xCC\x81     12\n");
 }
 
-TEST(Table, LinesHaveNoBlanksAtTheirEnds) {
+TEST(Table, LinesHaveNoTrailingSpaces) {
     EXPECT_EQ(formatTable({{"A", "B"}, {"long text", ""}}), "A          B\nlong text\n");
     EXPECT_EQ(formatTable({}), "");
 }
@@ -72,12 +72,12 @@ TEST(Table, WideCharactersAndCombiningMarksKeepTheColumnsInLine) {
     EXPECT_EQ(columns, (std::vector<std::size_t>{14, 26, 14, 26, 14, 26, 14, 26}));
 }
 
-TEST(Table, ControlsDoNotReachTheTerminal) {
+TEST(Table, ControlCharactersDoNotReachTheTerminal) {
     EXPECT_EQ(formatTable({{"A"}, {"x\ny\x1b[1m\x7F\xC2\x9Bz"}}),
               "A\nx\xEF\xBF\xBDy\xEF\xBF\xBD[1m\xEF\xBF\xBD\xEF\xBF\xBDz\n");
 }
 
-TEST(Table, OnATerminalTheHeadingStandsOut) {
+TEST(Table, TheHeadingIsBoldOnATerminal) {
     const std::vector<TableRow> rows{{"A", "B"}, {"long", "1"}};
     EXPECT_EQ(formatTable(rows, TextStyle(/*isTerminal=*/true, nullptr)),
               "\x1b[1mA     B\x1b[0m\nlong  1\n");
@@ -86,7 +86,7 @@ TEST(Table, OnATerminalTheHeadingStandsOut) {
         << "an empty NO_COLOR asks for nothing";
 }
 
-TEST(Table, WithoutATerminalOrWithNoColorNothingStandsOut) {
+TEST(Table, WithoutATerminalOrWithNoColorThereAreNoStyles) {
     const std::vector<TableRow> rows{{"A", "B"}, {"long", "1"}};
     for (const TextStyle& style :
          {TextStyle(), TextStyle(/*isTerminal=*/false, nullptr),
@@ -97,14 +97,14 @@ TEST(Table, WithoutATerminalOrWithNoColorNothingStandsOut) {
     }
 }
 
-TEST(TextStyle, HeadingsOfAHelpAreLinesThatEndWithAColon) {
+TEST(TextStyle, HeadingsOfTheHelpEndWithAColon) {
     const TextStyle style(/*isTerminal=*/true, nullptr);
     EXPECT_EQ(style.help("Usage: x\n\nOptions:\n  a:\nend"),
               "Usage: x\n\n\x1b[1mOptions:\x1b[0m\n  a:\nend");
     EXPECT_EQ(style.error("bad"), "\x1b[31mbad\x1b[0m");
 }
 
-TEST(CallTimes, TimesHaveAPointInEveryLocale) {
+TEST(CallTimes, TimesHaveADecimalPointInEveryLocale) {
     const std::string before = std::setlocale(LC_NUMERIC, nullptr);
     char half[8] = "";
     if (std::setlocale(LC_NUMERIC, "de-DE") != nullptr) {

@@ -1,4 +1,4 @@
-// What `bridgectl watch` notices, and its screen.
+// Changes that `bridgectl watch` detects, and its screen.
 #include "Watch.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ const std::string kConfiguration =
     "vtr.locale=\"fr\"\nvtr.instance.Nougat64.display_name=\"Jeux 日本\"\n"
     "vtr.instance.Nougat64_1.ram=\"1\"\n";
 
-// Changes as lines without the time.
+// Changes as lines without times.
 Texts changes(const WatchState& before, const WatchState& after) {
     Texts lines;
     for (const WatchChange& change : changesBetween(before, after)) {
@@ -60,7 +60,7 @@ TEST(Watch, ProgramsStartAndEnd) {
               (Texts{"player-ended instance=\"Nougat64\"", "manager-ended"}));
 }
 
-TEST(Watch, InstancesComeAndGoWithoutTheirValues) {
+TEST(Watch, InstancesAreAddedAndRemovedWithoutTheirValues) {
     const WatchState one = watchedConfiguration("vtr.instance.Nougat64.ram=\"1\"\n");
     WatchState two = watchedConfiguration(kConfiguration);
     two.values["vtr.locale"] = one.values.at("vtr.locale");
@@ -105,7 +105,7 @@ TEST(Watch, TheScreenShowsEverything) {
               "\x1b[J");
 }
 
-TEST(Watch, TheScreenFitsIntoTheWindow) {
+TEST(Watch, TheScreenFitsTheWindow) {
     const WatchState state = watchedConfiguration("vtr.instance.Nougat64.display_name=\"日本\"\n");
     WatchHistory history;
     for (int i = 1; i <= 300; ++i) history.add(history.events, "event " + std::to_string(i));

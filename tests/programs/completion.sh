@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# The script that bridgectl makes for bash completes commands, options and names in a real bash.
+# Tests the completion script of bridgectl in a real bash.
 set -euo pipefail
 wine=$1 program=$2
 
-# What the script calls, as the shell would find it.
+# The completion script calls this.
 bridgectl() { "$wine" "$program" "$@"; }
 
 script=$(bridgectl completion bash)
 # shellcheck disable=SC1090
 . /dev/stdin <<<"$script"
 
-# completes WORD...: what bash would offer for the last of them, in one line.
+# completes WORD...: prints the completions of the last word in one line.
 completes() {
     COMP_WORDS=(bridgectl "$@")
     COMP_CWORD=$#

@@ -1,4 +1,4 @@
-/* Keeps a console from ending with the programs in it: it waits until somebody ends it. */
+/* Keeps a console open while programs in it end. The test terminates it. */
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Runs a program in a console until its screen has a text, ends it with Ctrl+C and writes what the
-// screen has: console_shot FILE TEXT PROGRAM ARGUMENT...
+// console_shot FILE TEXT PROGRAM ARGUMENT...: runs a program in a console until its screen shows
+// TEXT, presses Ctrl+C and writes the screen to FILE.
 #include <fstream>
 #include <ios>
 #include <string>
