@@ -1,4 +1,4 @@
-// Folders that a host of the C# binding names itself, for development.
+// The folders that a host of the C# binding sets for development.
 #include <string>
 
 #include "DotnetHosts.h"

@@ -1,5 +1,4 @@
-// The C# binding in .NET for Windows, with the steps of a scenario: the checks that no scenario
-// has.
+// The C# binding in .NET for Windows, with steps of scenarios and checks that scenarios lack.
 #include <string>
 
 #include "DotnetHosts.h"

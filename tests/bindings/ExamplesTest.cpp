@@ -1,5 +1,5 @@
-// The examples as their readers run them: the product's key in the registry, a data folder, and the
-// stand-in that reports what an app did.
+// The examples with the product's key in the registry, a data folder, and a stand-in that sends
+// events.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -50,8 +50,7 @@ class ExamplesTest : public ::testing::Test {
         registry.set("InstallDir", "C:\\None\\");
     }
 
-    // An example says "listening" when it has asked for events; the server's thread begins after
-    // that.
+    // The server's thread begins after the example has printed "listening".
     static void waitUntilServed() {
         const std::wstring path = L"\\\\.\\pipe\\vtr_Helper_bridge_nvo";
         for (int i = 0; i < 2000 && !::WaitNamedPipeW(path.c_str(), 1000); ++i) ::Sleep(5);
@@ -66,7 +65,7 @@ class ExamplesTest : public ::testing::Test {
         EXPECT_EQ(runChild(standinProgram("QX-Player.exe"), arguments, options).status, 0u);
     }
 
-    // What an example prints that waits for two events, which come as soon as it listens.
+    // The lines of an example that waits for two events, which come as soon as it listens.
     Lines linesOf(const std::string& program, std::vector<std::string> arguments = {}) const {
         arguments.push_back("2");
         ChildProcess example(program, arguments);
@@ -85,11 +84,9 @@ class ExamplesTest : public ::testing::Test {
     }
 
     static Lines expected(Lines lines) {
-        for (const char* line :
-             {"locale fr-FR", "listening", "installed Nougat64 com.größe: 第二 1.0β",
-              "displayed Nougat64 😀", "finished"}) {
-            lines.push_back(line);
-        }
+        lines.insert(lines.end(),
+                     {"locale fr-FR", "listening", "installed Nougat64 com.größe: 第二 1.0β",
+                      "displayed Nougat64 😀", "finished"});
         return lines;
     }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -34,32 +35,21 @@ TEST(HeadersTest, ReadableNumbersAreThoseThatTheLibraryReads) {
     expectTheLibrarysAnswer({"\0001"sv});
 }
 
-bridge::KeyType typeOf(ConfType type) {
-    switch (type) {
-        case ConfType::Bool:
-            return bridge::KeyType::Bool;
-        case ConfType::I32:
-            return bridge::KeyType::I32;
-        case ConfType::I64:
-            return bridge::KeyType::I64;
-        case ConfType::String:
-            return bridge::KeyType::String;
-        case ConfType::MultiString:
-        case ConfType::None:
-            break;
-    }
-    return bridge::KeyType::MultiString;
-}
-
 TEST(HeadersTest, TheKeysAreThoseOfTheLibrary) {
     const ConfCatalogue catalogue = confProductCatalogue();
-    const auto compare = [](const ConfSchema& schema, const auto& properties) {
+    const std::map<ConfType, bridge::KeyType> types = {
+        {ConfType::Bool, bridge::KeyType::Bool},
+        {ConfType::I32, bridge::KeyType::I32},
+        {ConfType::I64, bridge::KeyType::I64},
+        {ConfType::String, bridge::KeyType::String},
+        {ConfType::MultiString, bridge::KeyType::MultiString}};
+    const auto compare = [&types](const ConfSchema& schema, const auto& properties) {
         ASSERT_EQ(static_cast<std::size_t>(std::distance(schema.begin(), schema.end())),
                   std::size(properties));
         const auto* mine = std::begin(properties);
         for (const auto& [name, property] : schema) {
             EXPECT_EQ(mine->name, name);
-            EXPECT_EQ(mine->type, typeOf(property.type)) << name;
+            EXPECT_EQ(mine->type, types.at(property.type)) << name;
             EXPECT_EQ(mine->defaultValue, property.defaultValue) << name;
             ++mine;
         }

@@ -29,7 +29,7 @@ struct Scenario {
     Lines says;
 };
 
-// A language's host: its command line before the data folder, and the client that it is.
+// A language's host: its command line up to the data folder, and its client id.
 struct Language {
     std::string name;
     std::string program;
@@ -93,7 +93,7 @@ using Play = std::tuple<Language, Scenario>;
 void PrintTo(const Language& language, std::ostream* out) { *out << language.name; }
 void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.name; }
 
-// Every scenario in every language that it is for.
+// Each scenario, in each of its languages.
 std::vector<Play> plays() {
     std::vector<Play> all;
     for (const Language& language : languages()) {
@@ -197,7 +197,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
         return {language.program, arguments, options("standin.script")};
     }
 
-    // The host's lines until it listens. Then come the lines of the file and the events.
+    // The lines until the host listens. Then the file changes and the events are sent.
     Lines linesUntilItListens(ChildProcess& host) {
         Lines lines;
         while (lines.size() < scenario.says.size() &&

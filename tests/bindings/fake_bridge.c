@@ -20,8 +20,7 @@ static const char* keptClient;
 static volatile int flooding;
 static pthread_t flood;
 
-/* What reads of a key return, and listings by the name of their function. "null" is a null pointer.
- */
+/* The results of reads, by key, and of listings, by function. "null" is a null pointer. */
 static struct {
     char* name;
     char* text;

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The Python binding over a library that writes down how it was called: python_test.py LIBRARY
-[TEST...]. The tests are in the folder python, by topic."""
+"""The Python binding over a library that records its calls: python_test.py LIBRARY [TEST...]. The tests are
+in the folder python."""
 
 import pathlib
 import sys

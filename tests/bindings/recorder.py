@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""recorder.py HEADER OUTPUT: writes a C file in which each function of bridge.h writes down its name and
-its arguments, except those that fake_bridge.c defines."""
+"""recorder.py HEADER OUTPUT: writes a C file in which each function of bridge.h records its name and
+arguments. It leaves out the functions that fake_bridge.c defines."""
 
 import pathlib
 import re
@@ -21,7 +21,7 @@ BODIES = {"void": "{note};", "i32": "return {note};", "bool": "{note};\n    retu
 
 
 def definition(name, signature):
-    """Functions and memory, of which nothing can be shown, are left out of the line."""
+    """The line leaves out functions and memory."""
     parameters = [f"{C.get(one.type, one.type)} {one.name}" for one in signature.parameters]
     shown = [one for one in signature.parameters if one.type in SHOWN]
     line = " ".join([name, *[SHOWN[one.type][0] for one in shown]])

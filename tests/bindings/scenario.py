@@ -37,7 +37,7 @@ def parsed(type_, text):
 
 
 def type_of(key):
-    """By the catalogue; a key that it does not have is read as a text."""
+    """The catalogue's type; a key that it lacks is read as a text."""
     try:
         return catalogue.find(key)[1].type
     except qxbridge.BridgeKeyError:
@@ -144,7 +144,7 @@ class Host:
             say(event_line(await asyncio.wait_for(self.stream.__anext__(), LIMIT)))
 
     async def overflow(self):
-        """Five events, of which a stream for two has the first two."""
+        """Of five events, a stream with room for two has the first two."""
         for _ in range(5):
             await asyncio.wait_for(self.stream.__anext__(), LIMIT)
         try:

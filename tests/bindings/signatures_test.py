@@ -15,8 +15,7 @@ sys.path[:0] = [str(TREE / "bindings" / "python"), str(TREE / "toolchain" / "bin
 import header  # noqa: E402
 from header import callback_names, parameters_of, result_codes, without_comments  # noqa: E402
 
-# Every reader below answers {name: (result, [(type, parameter), ...])} in the words of
-# header.Signature.
+# Each reader returns {name: (result, [(type, parameter), ...])}, with the types of header.Signature.
 
 
 def header_text():
@@ -57,7 +56,7 @@ def read_csharp(text):
         found[name] = (words[result], parameters_of(list_, {**words, "IntPtr": "text"}))
     words.update({name: name for _, name, _ in delegates})
     for result, name, list_ in re.findall(import_ + r" (\S+) (bridge\w+)\((.*?)\);", text, re.S):
-        # An address is a text whose memory the host keeps, or what bridgeFreeMemory takes.
+        # An address is a text that the host keeps, or the memory that bridgeFreeMemory frees.
         into = "memory" if name == "bridgeFreeMemory" else "text"
         found[name] = ({**words, "IntPtr": "returned"}[result],
                        parameters_of(list_, {**words, "IntPtr": into}))
@@ -92,7 +91,7 @@ BINDINGS = {
 
 
 def differences(declared, binding):
-    """What of a binding is not as the header has it, one line each."""
+    """The differences between a binding and the header, one line each."""
     lines = [f"{name} is missing" for name in declared.keys() - binding.keys()]
     lines += [f"{name} does not exist" for name in binding.keys() - declared.keys()]
     for name in declared.keys() & binding.keys():
@@ -155,7 +154,7 @@ class SignaturesTest(unittest.TestCase):
         self.assertEqual(list(qxbridge.CALLBACKS), callback_names(header_text()))
 
 
-# Changes of the header that a binding would have to follow: what, by what, and which name differs.
+# Changes of the header that a binding would have to follow: pattern, replacement, and the name that differs.
 MUTATIONS = [
     (r"bridgeConfSetI32\(const char\* key, bridge_i32 value\)", "bridgeConfSetI32(const char* key, bridge_i64 value)", "bridgeConfSetI32"),
     (r"bridge_i32 BRIDGE_CALL bridgeConfCommit\(void\)", "void BRIDGE_CALL bridgeConfCommit(void)", "bridgeConfCommit"),
@@ -171,7 +170,7 @@ MUTATIONS = [
 
 def mutations(text):
     yield from MUTATIONS
-    # Each callback: one parameter more.
+    # One more parameter for each callback.
     for name in callback_names(text):
         yield rf"\(BRIDGE_CALL\* {name}\)\((void\)|)", rf"(BRIDGE_CALL* {name})(bridge_i64 more, \1", name
 

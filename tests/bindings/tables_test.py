@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""The keys and codes of the bindings are those of the listing that is kept with the tests, and of the
-page of codes."""
+"""The bindings' keys are those of tests/conf/catalogue.tsv, and their codes those of the page of codes."""
 
 import ast
 import pathlib
@@ -16,7 +15,7 @@ from qxbridge import generated as python  # noqa: E402
 
 
 def listed_keys():
-    """The listing has each registration; the last one of a name counts."""
+    """The listing has every registration; the last one of a name counts."""
     keys = {}
     for line in (TREE / "tests/conf/catalogue.tsv").read_text("utf-8").splitlines():
         if line and not line.startswith("#"):
@@ -32,7 +31,7 @@ def listed_codes():
 
 
 def records(text, opening, members):
-    """The records of a generated file, whose texts are written as Python's are."""
+    """The records of a generated file. Their texts are also Python's."""
     pattern = opening + r" \{ " + ", ".join(rf"{one}(?: =|:) (?P<{one}>.*?)" for one in members) + r" \},"
     return [tuple(ast.literal_eval(one[member]) for member in members)
             for one in re.finditer(pattern, text)]

@@ -48,7 +48,7 @@ class Browser:
         self._in_session("POST", "/url", {"url": address})
 
     def run(self, script: str) -> Any:
-        """What `return ...` of a script in the page returns."""
+        """The result of a script in the page."""
         return self._in_session("POST", "/execute/sync", {"script": script, "args": []})
 
     def click(self, selector: str) -> None:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""browser_test.py ADDRESS DATA-FOLDER: uses the example launcher in a browser, as a person does."""
+"""browser_test.py ADDRESS DATA-FOLDER: the example launcher in a browser."""
 
 import pathlib
 import sys

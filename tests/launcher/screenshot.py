@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""screenshot.py ADDRESS FILE: saves a picture of the example launcher after an app was started."""
+"""screenshot.py ADDRESS FILE: saves a screenshot of the example launcher after the launch of an app."""
 
 import pathlib
 import sys

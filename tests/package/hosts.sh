@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# hosts.sh TREE WORK: runs what package.sh built, in a Wine prefix that knows nothing of the library.
+# hosts.sh TREE WORK: runs the hosts that package.sh built, in a new Wine prefix.
 set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"

@@ -14,7 +14,7 @@ folder=$(mktemp -d)
 registry=
 trap '[ -z "$registry" ] || kill "$registry"; rm -rf "$folder"' EXIT
 
-# npm's order of versions is the library's.
+# npm orders versions as the library does.
 versions='5.2.0.999 5.2.0.1052 5.2.0.10000 5.2.1.0 5.2.1.7 5.2.10.3 5.3.0.1 6.0.0.0'
 for one in $versions; do bash "$tree/toolchain/package-npm.sh" --version "$one"; done >"$folder/versions"
 sort -c -V -u "$folder/versions" || die "npm orders them otherwise: $(<"$folder/versions")"

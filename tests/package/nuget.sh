@@ -51,7 +51,7 @@ sed "s/@VERSION@/$version/" "$source/host.deps.json" >"$folder/host/host.deps.js
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 printf 'vtr.instance.Nougat64.display_name="Jeux"\n' >"$folder/data/vantrel.conf"
 
-# run_host FOLDER OPTION...: what the host there prints, with "\" for the system's own separator.
+# run_host FOLDER OPTION...: prints the output of the host in the folder.
 run_host() {
     local host
     host=$(windows_path "$1/host.dll")
@@ -69,6 +69,6 @@ run_host "$folder/beside" >"$folder/beside.txt"
 for way in packages beside; do
     [ "$(head -n 2 "$folder/$way.txt")" = "$expected" ] || die "$way: $(<"$folder/$way.txt")"
 done
-# The PDB is beside the assembly in the folder of packages only.
+# Only the folder of packages has the PDB beside the assembly.
 grep -q "Session.Require(.* in /_/bindings/csharp/Session.cs:line $line\$" "$folder/packages.txt" ||
     die "the trace has no line $line: $(<"$folder/packages.txt")"

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""nuget_test.py NUPKG PACKAGE VERSION PATH...: the parts of the package for .NET, and what they say of each
-other. PACKAGE is the unpacked package that it was made of; no part names a PATH."""
+"""nuget_test.py NUPKG PACKAGE VERSION PATH...: the parts of the package for .NET and their references to each
+other. PACKAGE is the unpacked package that it was made from. No part contains a PATH."""
 import fnmatch
 import pathlib
 import posixpath
@@ -33,7 +33,7 @@ class NugetTest(unittest.TestCase):
         return tree.fromstring(self.parts[name])
 
     def properties(self):
-        """The name of the part with the core properties, which is the package's own."""
+        """The name of the part with the core properties, which differs between packages."""
         return next(one for one in self.parts if one.endswith(".psmdcp"))
 
     def metadata(self):

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# package.sh TREE READOBJ WORK: makes the package twice, unpacks it into an empty folder, and builds with
-# it as somebody does who has nothing else: checksums, DLLs, and a project of their own. hosts.sh runs
-# what it builds.
+# package.sh TREE READOBJ WORK: makes the package twice, unpacks it into an empty folder, checks its files, and
+# builds a user's project with it. hosts.sh runs the programs.
 set -euo pipefail
 tree=$1 readobj=$2 work=$3
 . "$tree/toolchain/common.sh"
@@ -46,7 +45,7 @@ while IFS=: read -r document link; do
     [ -e "${document%/*}/$link" ] || die "$document: no $link"
 done < <(grep -roE --include='*.md' '\]\([^)#: ]+' . | sed 's/\](//')
 
-# The source of the Qt in it goes with it, whole.
+# The source of its Qt is published with it, complete.
 source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
 python3 -m zipfile -e "$source_zip" "$work/source"
 (
@@ -58,7 +57,7 @@ python3 -m zipfile -e "$source_zip" "$work/source"
 
 grep -q 'GNU LESSER GENERAL PUBLIC LICENSE' share/licences/Qt-LGPL-3.txt
 grep -qi 'LLVM Exceptions' share/licences/LLVM-runtimes.txt
-# Debug data has them where the linker, and names of lambdas, leave no choice.
+# Only debug data may contain paths, where the linker and names of lambdas need them.
 if grep -rlF -e "$tree" -e "$cache" --exclude='*.pdb' .; then
     die "a path of the build machine is published"
 fi
@@ -70,7 +69,7 @@ done
 grep -q 'bridge_8h.html' share/doc/api/index.html
 grep -q 'bridgeConfGetInstances' share/doc/api/bridge_8h.html
 
-# Whatever a program loads is beside it, or is the system's.
+# Each DLL that a program loads is beside it or the system's.
 system='^(kernel32|advapi32|shell32|psapi|user32|ole32|version|ws2_32|mpr|netapi32|userenv|winmm|dnsapi|iphlpapi|crypt32)\.dll$|^api-ms-win-crt-.*\.dll$'
 for program in bin/*.dll bin/*.exe tools/*.exe; do
     while read -r dll; do
@@ -92,7 +91,7 @@ done
 tour=$(sed '1,/^void tour/d; /^}$/d' "$consumer/tour.cpp")
 [[ $page == *"$tour"* ]] || die "tour.cpp is not the document's"
 
-# The project, with the C compiler of another runtime and with this one's for C and C++.
+# The project, with a C compiler for another runtime, and with the library's compiler.
 cmake -S "$consumer" -B "$work/gcc" -G Ninja -DCMAKE_SYSTEM_NAME=Windows -DCONSUMER_CXX=OFF \
     -DCMAKE_C_COMPILER="$triple-gcc" -DCMAKE_PREFIX_PATH="$root" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
@@ -112,19 +111,19 @@ cmake -S "$work/pasted" -B "$work/pasted/build" -G Ninja -DCMAKE_SYSTEM_NAME=Win
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/pasted/build"
 
-# A makefile's way.
+# The flags for a makefile.
 flags=$(PKG_CONFIG_LIBDIR="$root/lib/pkgconfig" pkg-config --cflags --libs qx-bridge)
 # shellcheck disable=SC2086  # they are several words
 "$triple-gcc" "$consumer/host.c" $flags -o "$work/gcc/host_pc.exe"
 
-# Where the port for vcpkg puts it.
+# The files as the port for vcpkg installs them.
 cmake "-DPORT_FOLDER=$root/share/vcpkg/qx-bridge" "-DINTO=$work/vcpkg" -P "$tree/tests/package/vcpkg.cmake"
 cmake -S "$consumer" -B "$work/port" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$work/vcpkg" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/port"
 
-# The import library for Microsoft's linker, with the linker that there is.
+# The import library for Microsoft's linker, with clang's.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 
 # The hosts without a Windows runtime here are compiled.
@@ -147,7 +146,7 @@ PYTHONPYCACHEPREFIX="$work/pycache" python3 -m py_compile "$consumer"/{host,even
     share/bindings/python/qxbridge/*.py
 [ -e share/bindings/python/qxbridge/py.typed ] || die "Python's types are not announced"
 
-# Node's host, with the packages where npm puts them.
+# Node's host, with the packages in npm's layout.
 node=$(bash "$tree/toolchain/node.sh" --dir)
 mkdir -p "$work/npm/node_modules"
 cp -r "$root/share/bindings/node" "$work/npm/node_modules/qx-bridge"

@@ -1,5 +1,5 @@
-# cmake -DPORT_FOLDER=... -DINTO=... -P vcpkg.cmake: what vcpkg does with a port, as far as this one asks for
-# it: its variables, and the files as they stand in an installation. vcpkg itself cannot be had here.
+# cmake -DPORT_FOLDER=... -DINTO=... -P vcpkg.cmake: installs the port as vcpkg, which is not available here,
+# would: with its variables and its layout of files.
 cmake_minimum_required(VERSION 3.20)
 file(READ "${PORT_FOLDER}/vcpkg.json" manifest)
 string(JSON PORT GET "${manifest}" name)

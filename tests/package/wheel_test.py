@@ -27,7 +27,7 @@ TAG = "py3-none-win_amd64"
 PIP_INSTALL = (sys.executable, "-m", "pip", "--isolated", "--disable-pip-version-check", "install", "--quiet",
                "--root-user-action=ignore", "--no-deps", "--no-index")
 
-# Plays a host with the installed package and the stand-in, and prints the calls of the library.
+# A host of the installed package over the stand-in, which prints the library's calls.
 HOST = r"""
 import ctypes, pathlib, sys
 sys.path.insert(0, sys.argv[1])
@@ -58,7 +58,7 @@ def has_pip():
 
 @functools.lru_cache(maxsize=None)
 def installed():
-    """A folder with what install() makes, which no test changes."""
+    """A folder with the installed wheel, which no test changes."""
     folder = tempfile.TemporaryDirectory(prefix="wheel.")
     unittest.addModuleCleanup(folder.cleanup)
     install(folder.name)
@@ -66,7 +66,7 @@ def installed():
 
 
 def install(folder):
-    """As for Windows, from the file alone. Without pip as pip would unpack it."""
+    """Installs for Windows, from the file alone; without pip it unpacks the file as pip would."""
     if not has_pip():
         with zipfile.ZipFile(wheel) as archive:
             archive.extractall(folder)

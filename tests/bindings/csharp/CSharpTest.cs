@@ -72,7 +72,7 @@ class CallTests : SessionTests
         Check.fakeReset();
     }
 
-    // Functions whose method has another name than theirs, or that have none.
+    // Functions without a method of their name.
     static readonly Dictionary<string, string> Methods = new Dictionary<string, string>
     {
         { "bridgeConfGetInstances", "InstancesJson" }, { "bridgeGetInstalledApps", "AppsJson" },
@@ -89,7 +89,7 @@ class CallTests : SessionTests
         { "MultiString", "vtr.shared_folders" }, { "String", "vtr.locale" },
     };
 
-    // A value of a parameter's type, another one for each: a text is the name, unless it is a key.
+    // A different value for each parameter, by its type. A text is the name, unless it is a key.
     static object ValueOf(ParameterInfo parameter)
     {
         if (parameter.IsOptional) return parameter.DefaultValue;

@@ -63,16 +63,12 @@ static class Check
         try
         {
             call();
-        }
-        catch (AggregateException exception)
-        {
-            return exception.InnerException;
+            return null;
         }
         catch (Exception exception)
         {
-            return exception;
+            return exception is AggregateException ? exception.InnerException : exception;
         }
-        return null;
     }
 
     internal static T Throws<T>(Action call) where T : Exception

@@ -24,7 +24,7 @@ class ConfigurationTests : SessionTests
                      "bridgeConfGetString vtr.locale", "bridgeConfGetMultiString vtr.shared_folders");
     }
 
-    // An instance is looked up in the library once.
+    // Only the first read checks whether the instance is loaded.
     public static void ReadingAnInstance()
     {
         Check.Equal("Größe 日本 😀", conf.GetString("vtr.instance.Nougat64.display_name"));

@@ -33,7 +33,7 @@ static partial class DotnetHost
         Say(name, string.Join("|", fields));
     }
 
-    // The type of the exception that a call throws, and its message or what matters more.
+    // The type and the details of the exception that a call throws.
     static string Refusal(Action call)
     {
         try
@@ -97,7 +97,7 @@ static partial class DotnetHost
         WaitForEvents(events);
     }
 
-    // Listens until the handler has arrived, and returns a function that counts its calls.
+    // Listens until a handler has run a hundred times, and returns a function with the count.
     static Func<int> ListenForAHundred(Session session)
     {
         int count = 0;

@@ -23,31 +23,36 @@ class ListeningTests : SessionTests
         Check.Called("bridgeLaunchApp Nougat64 p", "bridgeLaunchApp Nougat64 p");
     }
 
-    public static void Listening()
+    // Listening fails with the process and the message, after a wait of so many seconds.
+    static void Fails(PipeServer server, string message, double limit, Action listen)
     {
-        machine.Server = new PipeServer { ProcessId = 1234 };
-        ListenException refused = Check.Throws<ListenException>(() => session.Listen());
-        Check.Equal("process 1234 has the events of client \"Helper\"", refused.Message);
-        Check.Equal(1234, refused.ProcessId);
-        Check.Equal(@"\\.\pipe\vtr_Helper_bridge_nvo 10", machine.Pipe + " " + machine.Limit.TotalSeconds);
+        machine.Server = server;
+        ListenException refused = Check.Throws<ListenException>(listen);
+        Check.Equal(server.ProcessId + " " + message, refused.ProcessId + " " + refused.Message);
+        Check.Equal(limit, machine.Limit.TotalSeconds);
+    }
+
+    public static void ListeningFails()
+    {
+        Fails(new PipeServer { ProcessId = 1234 }, "process 1234 has the events of client \"Helper\"", 10,
+              () => session.Listen());
+        Check.Equal(@"\\.\pipe\vtr_Helper_bridge_nvo", machine.Pipe);
         Check.Throws<InvalidOperationException>(() => session.LaunchApp("Nougat64", "p").FinishedAsync());
         Check.Called("bridgeRegisterCallbacks", "bridgeLaunchApp Nougat64 p");
-        machine.Server = new PipeServer { Error = 2 };
-        Check.Throws<ListenException>(
-            "no process has the events of client \"Helper\"; the log " + data.LogPath + " has the cause",
-            () => session.Listen(TimeSpan.FromSeconds(3)));
-        Check.Equal(3.0, machine.Limit.TotalSeconds);
-        machine.Server = new PipeServer { Error = 5 };
-        Check.Throws<ListenException>(
-            "another process has the events of client \"Helper\", and its id cannot be read (Windows error 5)",
-            () => session.Listen());
-        machine.Server = new PipeServer { Error = 2 };
-        Check.Throws<ListenException>(() => session.ListenAsync().Wait());
-        Check.Equal(10.0, machine.Limit.TotalSeconds);
-        Check.Throws<ListenException>(
-            () => session.ListenAsync(CancellationToken.None, TimeSpan.FromSeconds(4)).Wait());
-        Check.Equal(4.0, machine.Limit.TotalSeconds);
+        var missing = new PipeServer { Error = 2 };
+        string nobody = "no process has the events of client \"Helper\"; the log " + data.LogPath + " has the cause";
+        Fails(missing, nobody, 3, () => session.Listen(TimeSpan.FromSeconds(3)));
+        Fails(missing, nobody, 10, () => session.ListenAsync().Wait());
+        Fails(missing, nobody, 4, () => session.ListenAsync(CancellationToken.None, TimeSpan.FromSeconds(4)).Wait());
+        Fails(new PipeServer { Error = 5 },
+              "another process has the events of client \"Helper\", and its id cannot be read (Windows error 5)", 10,
+              () => session.Listen());
         Check.Throws<TaskCanceledException>(() => session.ListenAsync(new CancellationToken(true)).Wait());
+        Check.Called();
+    }
+
+    public static void ListeningSucceedsOnce()
+    {
         machine.Server = new PipeServer { ProcessId = machine.OwnProcessId };
         session.ListenAsync().Wait();
         machine.Pipe = null;
@@ -84,7 +89,7 @@ class EventTests : SessionTests
         return string.Join("\n", Enumerable.Range(0, count).Select(i => Shown(stream.ReadAsync().Result)));
     }
 
-    // The stream has these events, and no more.
+    // The stream holds these events and no others.
     static void Holds(EventStream stream, params string[] expected)
     {
         Check.Equal(string.Join("\n", expected), Read(stream, expected.Length));
@@ -311,7 +316,7 @@ class EventTests : SessionTests
             string.Join("\n", seen));
     }
 
-    // Starts a stream and work, and returns what is checked after the end of the session.
+    // Starts a stream and work, and returns the checks after the end of the session.
     internal static Action AtTheEnd()
     {
         EventStream stream = session.Events();

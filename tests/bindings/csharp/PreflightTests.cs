@@ -10,7 +10,7 @@ static class PreflightTests
     static DataFolder data;
     static FakeMachine machine;
 
-    // Each test has a data folder in which nothing is wrong.
+    // Each test starts with a data folder without problems.
     internal static void Run()
     {
         Check.Run(typeof(PreflightTests), test =>

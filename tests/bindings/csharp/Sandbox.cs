@@ -5,7 +5,7 @@ using QXBridge;
 
 static class Sandbox
 {
-    /// <summary>The folders, and a version, or none.</summary>
+    /// <summary>Sets the folders and the version, which may be missing.</summary>
     public static void Use(string dataFolder, string installFolder, string version = null)
     {
         Session.UseFolders(dataFolder, installFolder);

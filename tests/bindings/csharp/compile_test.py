@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""compile_test.py MCS README FILE...: what compiles with the files of the C# binding, and what does not:
-the example of the README, and values of another type than a key's."""
+"""compile_test.py MCS README FILE...: the README's example compiles with the files of the C# binding, and
+values of another type than the key's do not."""
 
 import pathlib
 import re
@@ -48,7 +48,7 @@ new Key<bool>("vtr.locale").ToString();"""
 
 
 def example(readme):
-    """The block of C# in a page, without its own line "using QXBridge;"."""
+    """The C# of a page, without its line "using QXBridge;"."""
     block = re.search(r"^```csharp\n(.*?)^```$", readme, re.M | re.S)[1]
     return block.replace("using QXBridge;\n", "")
 
@@ -67,7 +67,7 @@ class CompileTest(unittest.TestCase):
                               capture_output=True, encoding="utf-8", check=False)
 
     def lines_with_errors(self, body):
-        """Of a program of its own, which does not see what is internal to the binding."""
+        """Compiles it as a program of its own, which cannot use internal members of the binding."""
         host = self.folder / "host.cs"
         host.write_text(HOST % body, "utf-8")
         done = self.compile(f"-r:{self.folder}/binding.dll", f"-out:{self.folder}/host.exe", str(host))

@@ -1,6 +1,6 @@
 'use strict';
-// Calls that do not keep the event loop waiting, while another program has the configuration's lock.
-// The library starts once per process: the tests follow each other.
+// Calls that do not block the event loop while another program holds the configuration's lock. The library
+// starts once per process, so the tests depend on their order.
 
 const assert = require('assert');
 const fs = require('fs');
@@ -15,7 +15,7 @@ const createMutex = kernel.func('intptr_t CreateMutexW(void *security, int32_t o
 const waitForObject = kernel.func('uint32_t WaitForSingleObject(intptr_t handle, uint32_t milliseconds)');
 const releaseMutex = kernel.func('int32_t ReleaseMutex(intptr_t handle)');
 
-// The lock is a thread's: this one's, on which no call of this file commits.
+// A mutex belongs to a thread: this one, on which no call of this file commits.
 const lock = createMutex(null, 0, 'Global\\vtr_conf_nvo');
 const hold = () => assert.strictEqual(waitForObject(lock, 60000), 0);
 const release = () => assert.notStrictEqual(releaseMutex(lock), 0);
@@ -88,7 +88,7 @@ test('an aborted signal starts nothing', async () => {
     stop.abort();
     await assert.rejects(conf.commitAsync({ signal: stop.signal }), AbortError);
     await assert.rejects(conf.commitAsync({ timeout: 'soon' }), RangeError);
-    await conf.commitToFileAsync(path.join(host.data, 'copy.conf')); // comes after a commit that had been started
+    await conf.commitToFileAsync(path.join(host.data, 'copy.conf')); // runs after any commit that was started
     assert.strictEqual(dpi(), '200');
 });
 

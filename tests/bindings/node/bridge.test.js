@@ -52,7 +52,7 @@ test('a client that the library does not know is refused', () => {
 
 test('the initialisation', () => {
     assert.deepStrictEqual(CLIENTS, ['Launcher', 'Installer', 'LogCollector', 'Helper', 'Uninstaller']);
-    // A new string, so that nothing but the binding can keep its bytes.
+    // A new string, whose bytes only the binding can keep.
     bridge.init(Buffer.from(host.CLIENT).toString());
     assert.ok(host.log().some((line) => line.includes('In bridgeApiInit Launcher')));
 });
@@ -155,7 +155,7 @@ test('the client id outlives the call', async () => {
         global.gc();
         Array.from({ length: 5000 }, (_, n) => Buffer.alloc(9, `x${n}`));
     }
-    // The server's name is made of it just now, and the stand-in looks for "Launcher".
+    // listen() makes the server's name from it, and the stand-in connects to "Launcher".
     bridge.listen(host.PATIENT);
     const seen = collect(['appDisplayed'], 1);
     await host.send('app-displayed', 'N', 'p');
@@ -209,14 +209,14 @@ test('a listener may call the library', async () => {
     assert.strictEqual(await answer, 1);
 });
 
-test('registering again changes nothing for the listeners', async () => {
+test('listening again changes nothing for the listeners', async () => {
     bridge.listen(host.PATIENT);
     const seen = collect(['appUninstalled'], 1);
     await host.send('app-uninstalled', 'N', 'p');
     assert.strictEqual((await seen).length, 1);
 });
 
-test('the end comes once, and nothing is called after it', async () => {
+test('the library ends once, and rejects calls after that', async () => {
     let closed = 0;
     bridge.on('close', () => ++closed);
     const end = bridge.fini();
@@ -252,7 +252,7 @@ test('without a configuration file, and with a log of the host\'s', () => {
     host.plays('[]\nlogged\n', 'noFile');
 });
 
-test('without listening, Node ends by itself; while listening it does not, unless told', () => {
+test('Node ends by itself while it listens only after unref()', () => {
     host.plays('no reason to stay\n', 'unref');
 });
 

@@ -1,6 +1,5 @@
 'use strict';
-// Each function of the library is called by the method of its name, over functions that write down how
-// they were called.
+// Each function of the library is called by the method of its name, over functions that record their calls.
 
 const assert = require('assert');
 const fs = require('fs');
@@ -11,7 +10,7 @@ const { FUNCTIONS } = require('qx-bridge/bridge.generated');
 const calls = [];
 const VALUES = { bool: true, int32_t: 7, int64_t: 7n };
 const ANSWERS = { int32_t: 0, BridgeText: '[]', bool: true, int64_t: 7 };
-// By type, since the binding looks at keys itself.
+// By type, since the binding checks keys itself.
 const KEY_OF = {
     Bool: 'vtr.enable_adb_access', I32: 'vtr.mem_pcd_pclimit', String: 'vtr.locale', MultiString: 'vtr.shared_folders',
 };
@@ -34,7 +33,7 @@ function recorded({ name, result }) {
     return call;
 }
 
-// In the place of the real one, which index.js asks for.
+// Replaces the real module, which index.js requires.
 const nativeFile = require.resolve('qx-bridge/native.js');
 require.cache[nativeFile] = {
     id: nativeFile, filename: nativeFile, loaded: true,
@@ -50,23 +49,18 @@ const { load, KeyError, ListenError } = require('qx-bridge');
 const bridge = load();
 bridge.init('Helper');
 
-// Functions that are not called by a method of their name with their parameters.
+// Functions that are not called by a method of their name, and their values if these are not the parameters.
 const OTHERS = {
-    bridgeApiInit: () => bridge.init('Launcher'),
-    bridgeApiInitEx: () => bridge.init('Launcher', { noConfFile: true, logFile: 'log' }),
-    bridgeConfGetInstances: () => bridge.instances(),
-    bridgeGetInstalledApps: (instance) => bridge.apps(instance),
-    bridgePlrShutdown: (...values) => bridge.shutdownPlayer(...values),
-    bridgeCreateFreshInstance: (imageName, cpu, ram, graphicEngine, graphicRenderer, deviceProfile) =>
+    bridgeApiInit: [() => bridge.init('Launcher'), 'Launcher'],
+    bridgeApiInitEx: [() => bridge.init('Launcher', { noConfFile: true, logFile: 'log' }), 'Launcher', true, 0, 'log'],
+    bridgeConfGetInstances: [() => bridge.instances()],
+    bridgeGetInstalledApps: [(instance) => bridge.apps(instance)],
+    bridgePlrShutdown: [(...values) => bridge.shutdownPlayer(...values)],
+    bridgeCreateFreshInstance: [(imageName, cpu, ram, graphicEngine, graphicRenderer, deviceProfile) =>
         bridge.createFreshInstance({ imageName, cpu: 7, ram: 8, graphicEngine, graphicRenderer, deviceProfile }),
-    // Nobody serves the pipe, and nothing waits for it.
-    bridgeRegisterCallbacks: () => assert.rejects(bridge.listen({ timeout: 0 }), ListenError),
-};
-const OTHER_VALUES = {
-    bridgeApiInit: ['Launcher'],
-    bridgeApiInitEx: ['Launcher', true, 0, 'log'],
-    bridgeCreateFreshInstance: ['imageName', '7', '8', 'graphicEngine', 'graphicRenderer', 'deviceProfile'],
-    bridgeRegisterCallbacks: ['pointer'],
+    'imageName', '7', '8', 'graphicEngine', 'graphicRenderer', 'deviceProfile'],
+    // No process serves the pipe, and nothing waits for it.
+    bridgeRegisterCallbacks: [() => assert.rejects(bridge.listen({ timeout: 0 }), ListenError), 'pointer'],
 };
 const WITHOUT = ['bridgeFreeMemory', 'bridgeApiFini', 'bridgeConfGetI64', 'bridgeConfSetI64'];
 
@@ -74,7 +68,7 @@ const lower = (name) => name[0].toLowerCase() + name.slice(1);
 
 // bridgeConfGetBool -> conf.getBool; bridgeLaunchApp -> launchApp
 function methodOf(name) {
-    if (OTHERS[name]) return OTHERS[name];
+    if (OTHERS[name]) return OTHERS[name][0];
     const [, conf, rest] = /^bridge(Conf)?(.*)$/.exec(name);
     const target = conf ? bridge.conf : bridge;
     assert.strictEqual(typeof target[lower(rest)], 'function', `${name} has no method ${lower(rest)}`);
@@ -88,11 +82,12 @@ for (const { name, parameters } of DECLARATIONS.filter((one) => !WITHOUT.include
         if (conf) values[0] = KEY_OF[conf[1]];
         calls.length = 0;
         await methodOf(name)(...values);
-        assert.deepStrictEqual(calls, [[name, ...(OTHER_VALUES[name] ?? values)]]);
+        const others = (OTHERS[name] ?? []).slice(1);
+        assert.deepStrictEqual(calls, [[name, ...(others.length > 0 ? others : values)]]);
     });
 }
 
-// The texts that are listings. The same function is called as without "Async" and "Json".
+// These call the same function as without "Async" and "Json".
 const SAME = {
     commitAsync: [() => bridge.conf.commitAsync(), 'bridgeConfCommit'],
     commitToFileAsync: [() => bridge.conf.commitToFileAsync('path'), 'bridgeConfCommitToFile', 'path'],

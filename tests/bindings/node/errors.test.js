@@ -1,5 +1,5 @@
 'use strict';
-// What the errors say.
+// The messages and members of errors.
 
 const assert = require('assert');
 const { test } = require('node:test');

@@ -1,5 +1,5 @@
 'use strict';
-// Streams of events without a library: what is delivered, in which order, and how they end.
+// Streams of events, without the library: their events, their order and their end.
 
 const assert = require('assert');
 const { test } = require('node:test');
@@ -61,14 +61,14 @@ test('the end comes after what is buffered', async () => {
     assert.deepStrictEqual(seen, ['p']);
 });
 
-test('readers that wait learn the end', async () => {
+test('readers that wait get the end', async () => {
     const { stream } = open('appDisplayed');
     const both = [stream.next(), stream.next()];
     stream.end();
     assert.deepStrictEqual(await Promise.all(both), [DONE, DONE]);
 });
 
-test('a loop that is left forgets the stream', async () => {
+test('leaving the loop closes the stream', async () => {
     const { stream, forgotten } = open('appDisplayed');
     stream.receive(...displayed('p'));
     stream.receive(...displayed('q'));
@@ -96,7 +96,7 @@ test('a signal ends it at once', async () => {
     assert.throws(() => open('appDisplayed', { signal: stop.signal }), AbortError);
 });
 
-test('what cannot be asked for', () => {
+test('wrong arguments', () => {
     assert.throws(() => open('appMoved'), /there is no event "appMoved"/);
     assert.throws(() => open(['appDisplayed', undefined]), TypeError);
     for (const limit of [0, -1, 1.5, '5']) assert.throws(() => open('appDisplayed', { limit }), RangeError);

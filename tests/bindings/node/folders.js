@@ -1,6 +1,6 @@
 'use strict';
-// Takes folders beside what an ended process with this id has left, or, with "refused", where Windows
-// makes no key.
+// Sets folders where an ended process with the same id left a key or, with "refused", where Windows creates
+// no keys.
 
 const koffi = require('koffi');
 const { useFolders } = require('qx-bridge');
@@ -15,7 +15,7 @@ const overrideKey = api.func('int32_t RegOverridePredefKey(intptr_t root, intptr
 const HKEY_CURRENT_USER = -0x7fffffff;
 const folders = { dataFolder: 'C:\\Data', installFolder: 'C:\\Programs' };
 
-// A key that was deleted takes the user's place: Windows makes none below it.
+// Replaces HKEY_CURRENT_USER with a deleted key, below which Windows creates none.
 function refuseKeys() {
     const name = `Software\\QXBridgeTests-${process.pid}`;
     const key = [0];

@@ -1,5 +1,5 @@
 'use strict';
-// A registry of this process's own, by the call that hosts make for development.
+// The folders that a host sets for development.
 
 const assert = require('assert');
 const fs = require('fs');

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# install.sh NODE-FOLDER BUILD-FOLDER: installs the package and the example with the lines of the documents,
-# in folders outside the tree, and runs hosts with what npm has put there. The registry is this machine's.
-# Exit status 77: there is no npm.
+# install.sh NODE-FOLDER BUILD-FOLDER: installs the package and the examples with the commands of the documents,
+# in folders outside the tree, and runs hosts there. The registry runs on this machine. Exit status 77: no npm.
 set -euo pipefail
 tools=$1 build=$2
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -14,14 +13,14 @@ folder=$(mktemp -d)
 registry='' server=''
 trap 'for one in $registry $server; do kill "$one" || true; done; rm -rf "$folder"' EXIT
 
-# As the package has them.
+# The layout of the package.
 mkdir -p "$folder/package/share" "$folder/data"
 cp -r "$tree/bindings" "$tree/examples" "$folder/package/share"
 find "$folder/package" -name node_modules -prune -exec rm -rf {} +
 
 . "$here/npm_here.sh"
 
-# line_of DOCUMENT PATTERN: the one command between backquotes.
+# line_of DOCUMENT PATTERN: the only such command between backquotes.
 line_of() {
     local lines
     lines=$(grep -oE "\`$2[^\`]*\`" "$tree/$1" | tr -d '`' | sort -u)
@@ -29,7 +28,7 @@ line_of() {
     echo "$lines"
 }
 
-# run_host FOLDER SCRIPT EXPECTED: the sandbox finds its packages beside it, as the host does.
+# run_host FOLDER SCRIPT EXPECTED: with the sandbox beside it, which uses the same packages.
 run_host() {
     local status=0
     cp "$here/registry.js" "$here/sandbox.js" "$1"
@@ -50,7 +49,7 @@ example="$folder/package/share/examples/node"
 install "$example" "$(line_of examples/README.md 'npm install')"
 run_host "$example" main.js $'instance Nougat64 Größe\nlocale fr-FR\nlistening\nfinished'
 
-# The launcher takes its folders as arguments, and serves until it is ended.
+# The launcher gets its folders as arguments and serves until it is killed.
 launcher="$folder/package/share/examples/launcher"
 install "$launcher" "$(line_of examples/README.md 'npm install')"
 "$tree/toolchain/wine.sh" "$tools/node/bin/node.exe" "Z:$launcher/server.js" "Z:$build/bin/QX-Bridge.dll" \
@@ -67,7 +66,7 @@ state = json.load(urllib.request.urlopen(sys.argv[1] + "state", timeout=60))
 print(*(one["name"] + " " + one["displayName"] for one in state["instances"]))' "$address")
 [ "$shown" = 'Nougat64 Größe' ] || fail "launcher: $shown"
 
-# The line of getting-started.md, in the unpacked folder and in a project elsewhere.
+# The command of getting-started.md, in the unpacked folder and in another project.
 line=$(line_of docs/getting-started.md 'npm install --install-links')
 install "$folder/package" "$line"
 cp "$tree/tests/package/consumer/host.js" "$folder/package"
@@ -77,7 +76,7 @@ install "$folder/host" "${line/.\/share/$folder\/package\/share}"
 cp "$tree/tests/package/consumer/host.js" "$folder/host"
 run_host "$folder/host" host.js 'Nougat64 Größe'
 
-# The line of the binding's own page, beside its folder.
+# The command of the binding's README.md, beside its folder.
 mkdir "$folder/beside"
 cp -r "$folder/package/share/bindings" "$folder/beside"
 install "$folder/beside" "$(line_of bindings/node/README.md 'npm install --install-links')"

@@ -1,5 +1,5 @@
 'use strict';
-// The constants of keys, and what is suggested for a name that does not exist.
+// The constants of keys, and the suggestions for unknown names.
 
 const assert = require('assert');
 const { test } = require('node:test');
@@ -50,7 +50,7 @@ test('a suggestion is at most two letters away, or three from a name of eight le
     assert.strictEqual(didYouMean('a', []).words, '');
 });
 
-// What is wrong with a key, in words.
+// The message of the error for a key, or null.
 function wrong(key, type) {
     try {
         requireProperty(key, type);

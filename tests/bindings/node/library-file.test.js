@@ -1,5 +1,5 @@
 'use strict';
-// Which QX-Bridge.dll is loaded, beside and in Electron's archive.
+// Which QX-Bridge.dll is loaded, also in Electron's archives.
 
 const assert = require('assert');
 const fs = require('fs');
@@ -18,7 +18,7 @@ function make(file) {
     return file;
 }
 
-test('a package without the library takes the one of the current folder', () => {
+test('a package without the library leaves the search to Windows', () => {
     assert.strictEqual(libraryFile(at('empty')), 'QX-Bridge.dll');
 });
 
@@ -27,7 +27,7 @@ test('a package takes the library in its folder bin', () => {
     assert.strictEqual(libraryFile(at('installed')), file);
 });
 
-test('what lies beside the archive is taken from there', () => {
+test('a file that is unpacked beside the archive is loaded from there', () => {
     const file = make(at('app.asar.unpacked', DLL));
     assert.strictEqual(outsideArchive(at('app.asar', DLL)), file);
     assert.strictEqual(libraryFile(at('app.asar', 'node_modules', 'qx-bridge')), file);
@@ -35,7 +35,7 @@ test('what lies beside the archive is taken from there', () => {
     assert.strictEqual(outsideArchive(file), file);
 });
 
-test('a folder that is only called like the archive stays', () => {
+test('a folder with the name of an archive is none', () => {
     const file = make(at('other', 'app.asar', DLL));
     assert.strictEqual(outsideArchive(file), file);
     assert.strictEqual(outsideArchive(at('my-app.asar', DLL)), at('my-app.asar', DLL));

@@ -27,7 +27,7 @@ test('listening is confirmed', async () => {
     assert.throws(() => bridge.listen({ timeout: 'long' }), RangeError);
 });
 
-test('a second process of the same client learns who has the events', () => {
+test('the error in a second process of the same client names the first', () => {
     const refusal = `ListenError ${process.pid}: process ${process.pid} has the events of client "Launcher"\nno reason to stay\n`;
     host.plays(`refused: ${refusal}`, 'second');
     host.plays(`unhandled: ${refusal}`, 'second', 'ignore');
@@ -50,7 +50,7 @@ test('a stream of two events', async () => {
     await ofOne.return();
 });
 
-test('a stream that is not read says that it lost events', async () => {
+test('a stream that is not read reports the loss of events', async () => {
     const stream = bridge.events('appDisplayed', { limit: 1 });
     const all = bridge.events('appDisplayed');
     await host.send('app-displayed', 'N', 'p');
@@ -98,7 +98,7 @@ test('the end of the library ends streams and waits', async () => {
     const stream = bridge.events('appDisplayed');
     const next = stream.next();
     const work = bridge.installApk('NodeNever', 'f');
-    // Its stand-in sends what completes the work: not before the end, from which on no event counts.
+    // Its stand-in sends the event of the work only after the end, when no event counts any more.
     const finished = assert.rejects(work.finished(), /the library ended before the work did/);
     await bridge.fini();
     assert.deepStrictEqual(await next, { value: undefined, done: true });

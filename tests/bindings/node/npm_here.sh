@@ -1,6 +1,5 @@
-# Sourced by scripts that install with npm: starts a registry on this machine that has koffi, and points npm
-# at it. Takes the folder of Node's tools from $tools, keeps its files in $folder, and sets $registry to the
-# process that the script has to end.
+# For scripts that install with npm: starts a local registry with koffi and configures npm for it. Reads
+# $tools, the folder of Node's tools, and $folder, for its files. The script ends the process $registry.
 # shellcheck shell=bash
 
 python3 "$(dirname "${BASH_SOURCE[0]}")/npm_registry.py" "$tools/node_modules/koffi" "$folder/port" &

@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
-"""npm_registry.py PACKAGE-FOLDER PORT-FILE: a registry for npm on this machine that has one package, from
-a folder with what is needed of it on 64-bit Windows. Writes its port into the file, and serves until it
-is ended."""
+"""npm_registry.py PACKAGE-FOLDER PORT-FILE: serves a registry for npm with one package, from a folder, as far
+as 64-bit Windows needs it. Writes its port into the file."""
 
 import base64
 import hashlib
@@ -12,7 +11,7 @@ import pathlib
 import sys
 import tarfile
 
-# What the package has for other systems, and its source.
+# The package's files for other systems, and its source.
 LEFT_OUT = ("build/koffi/", "vendor/", "src/", "doc/")
 KEPT = "build/koffi/win32_x64"
 

@@ -1,5 +1,5 @@
 'use strict';
-// The values of the product's key, in a registry of this process's own.
+// Sets and removes values of the product's key, in a registry of this process's own.
 
 const koffi = require('koffi');
 const { useFolders } = require('qx-bridge');

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs a script in Node for Windows under Wine: run.sh NODE-FOLDER BUILD-FOLDER SCRIPT ARGUMENT...
-# Wine gives Node no pipes of this system that it can write to, so that the output goes into a file. A file
-# of tests has passed when it says so: a process that is ended from outside can have the status 0.
+# The output goes into a file, because Node cannot write to this system's pipes under Wine. A test file passes
+# only if it reports so: a process that is killed can have the status 0.
 set -u
 tools=$1 build=$2
 shift 2
@@ -17,7 +17,7 @@ export QX_TEST_DATA="Z:$folder/data" QX_TEST_BUILD="Z:$build"
 status=$?
 cat "$folder/output"
 if [ $status = 0 ] && [[ "$*" = *.test.js ]] && ! grep -q '^# fail 0' "$folder/output"; then
-    echo "the tests have not come to their end"
+    echo "the tests did not finish"
     exit 1
 fi
 exit $status

@@ -1,5 +1,5 @@
 'use strict';
-// A registry of this process's own, and a data folder. QX_TEST_DATA names the folder.
+// Gives this process its own registry and the data folder that QX_TEST_DATA names.
 
 const fs = require('fs');
 const path = require('path');

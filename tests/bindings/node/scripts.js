@@ -58,7 +58,7 @@ const SCRIPTS = {
             if (ended) say('an event after the end');
             if (++count !== 100) return;
             ended = true;
-            // The event thread is certainly waiting for this thread now.
+            // By now the event thread waits for this thread.
             Atomics.wait(new Int32Array(new SharedArrayBuffer(4)), 0, 0, 200);
             await bridge.fini();
             setImmediate(() => say('finished, silent since'));

@@ -1,5 +1,5 @@
 'use strict';
-// Work and the event that belongs to it, without a library.
+// Work and its event, without the library.
 
 const assert = require('assert');
 const { test } = require('node:test');

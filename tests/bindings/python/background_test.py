@@ -15,7 +15,7 @@ class BackgroundTest(AsyncCase):
         self.addCleanup(self.released.set)
 
     def hold(self, function):
-        """The function's calls wait until they are released."""
+        """Blocks the function's calls until they are released."""
         def call(line):
             if line.startswith(function):
                 self.entered.set()

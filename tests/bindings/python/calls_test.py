@@ -10,7 +10,7 @@ import support
 from qxbridge import AppInstalled, Callbacks, native
 from support import Case
 
-# Functions whose method has another name than theirs, or that have none.
+# Functions without a method of their name.
 METHODS = {"bridgeConfGetInstances": "instances_json", "bridgeGetInstalledApps": "apps_json",
            "bridgePlrShutdown": "shutdown_player", "bridgeRegisterCallbacks": "register",
            "bridgeApiInit": None, "bridgeApiInitEx": None, "bridgeApiFini": None,
@@ -21,7 +21,7 @@ KEYS = {"bool": "vtr.enable_adb_access", "i32": "vtr.mim.max_fps", "string": "vt
 
 
 def called_by_a_method():
-    """The functions that have a method. No key is of the type of those with 64 bits."""
+    """The functions that have a method, without those of 64 bits, a type that no key has."""
     return [one for one in qxbridge.FUNCTIONS if METHODS.get(one, one) and not one.endswith("I64")]
 
 
@@ -34,7 +34,7 @@ def method_of(bridge, function):
 
 
 def arguments_of(method):
-    """Another value for each parameter, by its type: a text is its name, and a key has the method's type."""
+    """A different value for each parameter, by its type. A text is its name; a key has the method's type."""
     arguments = []
     for one in inspect.signature(method).parameters.values():
         values = {int: 7 + len(arguments), bool: True, Callbacks: Callbacks()}
@@ -135,7 +135,7 @@ class CallsTest(Case):
         self.assertEqual(set(self.bridge.instances()[0]), set(qxbridge.Instance.__annotations__))
         self.assertEqual(set(self.bridge.apps("Nougat64")[0]), set(qxbridge.App.__annotations__))
 
-    def test_a_player_is_shut_down_by_force_only_if_told(self):
+    def test_a_player_is_shut_down_by_force_only_on_request(self):
         self.bridge.shutdown_player("ü")
         self.bridge.shutdown_player("ü", True)
         self.assertEqual(support.fake.taken(), ["bridgePlrShutdown ü 0", "bridgePlrShutdown ü 1"])
@@ -195,7 +195,7 @@ class CallbacksTest(Case):
         self.assertEqual(seen, [("Nougat64", "😀")])
 
     def test_the_instance_list_needs_no_second_function(self):
-        """The library calls the function for the instance list only with the one for APK files."""
+        """The library calls the function for the instance list only if it has the one for APK files."""
         seen = []
         self.bridge.register(Callbacks(instance_list_updated=lambda: seen.append("list")))
         support.fake.library.fakeSend(1)

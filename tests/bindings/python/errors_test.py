@@ -1,4 +1,4 @@
-"""What errors say."""
+"""The messages and members of errors."""
 
 import support
 from qxbridge import BridgeError, BridgeKeyError, PreflightError, Problem

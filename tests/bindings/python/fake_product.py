@@ -1,6 +1,5 @@
-"""A product around the stand-in of the library, as far as scenarios need it: a configuration that is
-loaded, listed and committed, app caches, programs that send the event of their work at once, and events
-that come when the host listens."""
+"""A product for scenarios, around the stand-in of the library: a configuration, app caches, programs that
+send the event of their work at once, and events that arrive when the host listens."""
 
 import json
 import os
@@ -14,7 +13,7 @@ from qxbridge.generated import KEYS
 
 LISTED = {"deviceProfile": "device_profile_code", "graphicsEngine": "graphics_engine",
           "graphicsRenderer": "graphics_renderer", "displayName": "display_name"}
-# The events as the stand-ins name them, in the order of bridge.h, with the words that are no texts.
+# The events by the stand-ins' names, in the order of bridge.h, with the words that are not texts.
 EVENTS = {"app-installed": {4: "number", 7: "flag"}, "app-uninstalled": {},
           "apk-install-completed": {1: "number"}, "instance-list-updated": {},
           "image-install-progress": {1: "number", 2: "progress"}, "create-instance-completed": {0: "number"},
@@ -23,7 +22,7 @@ LOADING = ("instance-list-updated", "instance-configuration-changed")
 
 
 class Given:
-    """What a scenario has beforehand: lines of a kind and more words."""
+    """The "given" lines of a scenario."""
 
     def __init__(self, lines):
         self.lines = lines
@@ -48,7 +47,7 @@ class Product:
         fake.on_call(self.called)
 
     def called(self, line):
-        """Inside each call: a method for each function, which returns its code."""
+        """Runs inside each call: the method of the function's name returns the code."""
         operation, _, values = line.partition(" ")
         handler = getattr(self, operation, None)
         self.fake.answer((handler(values) if handler else 0) or 0)
@@ -79,7 +78,7 @@ class Product:
         return self.load()
 
     def read(self, key):
-        """What is not loaded has no value."""
+        """A key that is not loaded has no value."""
         if key not in self.values:
             self.fake.value(key, "")
 
@@ -147,7 +146,7 @@ class Product:
                         flag=bool(others.get("flag", 0)))
 
     def work(self, command, *events):
-        """A program that was started: its events, unless it is silent."""
+        """A program that was started sends its events, unless it is silent."""
         if not self.given.has_programs:
             return 2
         if command not in self.given.silent:
@@ -175,8 +174,8 @@ class Product:
 
 
 def start(library, data, install):
-    """Puts the product into this process. QX_FAKE_ROOT has the files of "C:", QX_FAKE_GIVEN the lines
-    of what is given, as JSON."""
+    """Starts the product in this process. QX_FAKE_ROOT is the folder for "C:", QX_FAKE_GIVEN the "given"
+    lines as JSON."""
     given = Given(json.loads(os.environ["QX_FAKE_GIVEN"]))
     support.load(library)
     windows = support.FakeWindows(os.environ["QX_FAKE_ROOT"])

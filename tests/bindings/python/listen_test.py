@@ -1,4 +1,4 @@
-"""Whether the events come to this process."""
+"""Which process gets the events."""
 
 import support
 from qxbridge import Callbacks, ListenError, _windows

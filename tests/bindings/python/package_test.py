@@ -67,7 +67,7 @@ class PackageTest(unittest.TestCase):
 
 
 class LibraryTest(unittest.TestCase):
-    """The library of a bridge that is not told where it is."""
+    """The library of a bridge without a path."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="qxbridge.")

@@ -1,5 +1,5 @@
-"""What the tests of the Python binding share: the stand-in of the library, and a Windows whose files
-are in a folder of this machine."""
+"""The fixtures of the Python binding's tests: the stand-in of the library, and a Windows with its files in a
+temporary folder."""
 
 import asyncio
 import ctypes
@@ -43,7 +43,7 @@ class Fake:
         self.library.fakeForgetValues()
 
     def taken(self):
-        """The calls since the last time."""
+        """The calls since it was last called."""
         lines = self.library.fakeCalls().decode().splitlines()
         self.library.fakeReset()
         return lines
@@ -52,32 +52,32 @@ class Fake:
         self.library.fakeAnswer(code)
 
     def value(self, name, text):
-        """What reading a key, or a listing by its function's name, returns from now on."""
+        """Sets the result of reads of a key, or of a listing by its function's name."""
         self.library.fakeValue(name.encode(), text.encode())
 
     def on_call(self, function):
-        """function(line) is called inside each call, on the caller's thread. It may change the answer."""
+        """Calls function(line) inside each call, on its thread. The function may change the answer."""
         self._hook = function and HOOK(lambda line: function(line.decode()))
         self.library.fakeOnCall(ctypes.cast(self._hook, ctypes.c_void_p) if function else None)
 
     def event(self, name, *texts, number=0, progress=0.0, flag=False):
-        """Sends one with these values, and returns when it was received."""
+        """Sends an event, and returns after its callback."""
         utf8 = [one.encode() for one in texts] + [b""] * (MOST_TEXTS - len(texts))
         self.library.fakeEvent(SLOTS[name], (ctypes.c_char_p * MOST_TEXTS)(*utf8), number, progress, flag)
 
 
 class FakeWindows:
-    """Takes the place of qxbridge._windows. "C:\\x" is the file C/x in a temporary folder."""
+    """Replaces qxbridge._windows. "C:\\x" is the file C/x in a temporary folder."""
 
     def __init__(self, root):
         self.root = pathlib.Path(root)
         self.registry = {"UserDefinedDir": "C:\\Data", "InstallDir": "C:\\Programs\\",
                          "Version": qxbridge.generated.VERSION}
-        self.server = PROCESS  # who serves the pipe; None: nobody
-        self.pipes = []  # that were asked for, and how long
-        self.held = set()  # paths that another program keeps for itself
-        self.closed = set()  # folders in which nothing can be made
-        self.made = []  # folders in which a file was made for a trial
+        self.server = PROCESS  # the process that serves the pipe, or None
+        self.pipes = []  # with the time limit of the wait
+        self.held = set()  # paths that another program has open without sharing
+        self.closed = set()  # folders without the right to create files
+        self.made = []  # folders in which a file was created as a test
 
     def path(self, text):
         return self.root / text.replace(":", "").replace("\\", "/")
@@ -134,7 +134,7 @@ def bad(*_):
 
 
 class Case(unittest.TestCase):
-    """A bridge in a process of its own, as it seems: the one before it has ended."""
+    """A bridge, as if in a new process."""
 
     maxDiff = None
 
@@ -186,21 +186,21 @@ class Case(unittest.TestCase):
         return caught.exception
 
     def refused(self, type_, message, call, *values):
-        """Raises that, with exactly this message."""
+        """The call raises this type with exactly this message."""
         with self.assertRaises(type_) as caught:
             call(*values)
         self.assertEqual(str(caught.exception), message)
         return caught.exception
 
     def key_error(self, message, call, *values):
-        """Raises that, before the library is called."""
+        """The call raises a key error with this message, and does not reach the library."""
         fake.taken()
         error = self.refused(qxbridge.BridgeKeyError, message, call, *values)
         self.assertEqual(fake.taken(), [])
         return error
 
     def unraised(self):
-        """The list of what callbacks raise from now on."""
+        """A list that receives the messages of what callbacks raise."""
         raised = []
         self.patch(sys, "unraisablehook", lambda one: raised.append(str(one.exc_value)))
         return raised

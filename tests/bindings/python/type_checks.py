@@ -9,7 +9,7 @@ HOST = pathlib.Path(__file__).resolve().parent / "types/host.py"
 
 
 def mypy(*arguments, folder, path=""):
-    """Its lines, and its error output. MYPYPATH is the path."""
+    """The output as lines, and the error output. The path is MYPYPATH."""
     result = subprocess.run(
         ["mypy", "--strict", "--platform", "win32", "--no-error-summary", "--cache-dir", os.devnull,
          *map(str, arguments)],

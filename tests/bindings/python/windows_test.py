@@ -15,7 +15,7 @@ MACHINE = f"Software\\QX-Bridge\\Development-{os.getpid()}"
 
 
 class Kernel32:
-    """Opens return these handles or, for a negative number, fail with that error."""
+    """Opens return these handles; a negative number is an error."""
 
     def __init__(self, *opens, content=(), server=0):
         self.opens = list(opens)
@@ -275,7 +275,7 @@ class WindowsTest(unittest.TestCase):
         return registry
 
     def declared(self, load, counts, *names, **options):
-        """Loads a library of this name, with so many parameters of each function."""
+        """Loads a library, and checks its arguments and the number of parameters of each function."""
         library = mock.MagicMock()
         self.patch(sys, "platform", "win32")
         self.patch(_windows.ctypes, "WinDLL", mock.MagicMock(return_value=library), create=True)

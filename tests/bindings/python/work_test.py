@@ -1,4 +1,4 @@
-"""Work that a program was started for."""
+"""Work of a started program, and its event."""
 
 import asyncio
 import threading
@@ -83,7 +83,7 @@ class WorkTest(AsyncCase):
                                                          CreateInstanceCompleted(-2, "")))
 
     def alike(self, start, *event, **values):
-        """Starts two works, and expects that each of two such events finishes the oldest."""
+        """Starts two works; each of two such events finishes the oldest."""
         oldest, newest = start(), start()
         support.fake.event(*event, **values)
         self.assertTrue(oldest.is_finished)

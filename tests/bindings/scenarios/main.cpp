@@ -1,5 +1,8 @@
 // Plays the steps of a scenario over the C++ interface: scenario_cpp DATA-FOLDER INSTALL-FOLDER
 // STEP... Tabs separate the words of a step, which scenarios.txt describes.
+#include <fcntl.h>
+#include <io.h>
+
 #include <algorithm>
 #include <bridge/bridge.hpp>
 #include <chrono>
@@ -19,7 +22,7 @@
 #include <variant>
 #include <vector>
 
-#include "CommandLineUtf8.h"
+#include "support/Platform.h"
 #include "support/RegistrySandbox.h"
 
 namespace {
@@ -290,9 +293,10 @@ class Host {
 
 }  // namespace
 
-int main() {
-    const Words arguments = commandLineUtf8();
-    printBytes();
+int main(int argc, char** argv) {
+    const Words arguments = utf8Arguments(argc, argv);
+    ::_setmode(::_fileno(stdout), _O_BINARY);  // lines end without "\r"
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
     RegistrySandbox registry;
     if (!arguments[1].empty()) registry.set("UserDefinedDir", arguments[1]);
     registry.set("InstallDir", arguments[2]);

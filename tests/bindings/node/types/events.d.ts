@@ -1,4 +1,4 @@
-// Stands for Node's own types, of which the binding uses this.
+// The one of Node's types that the binding uses.
 declare module 'events' {
     class EventEmitter {}
 }

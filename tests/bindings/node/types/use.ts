@@ -1,4 +1,4 @@
-// The types, as a host in TypeScript uses them. Compiled only.
+// A host in TypeScript, which is only compiled.
 import {
     load, keys, preflight, BridgeError, EventOverflow, Instance, Key, KeyError, ListenError, PreflightError, RESULT, Work,
 } from 'qx-bridge';

@@ -1,4 +1,4 @@
-"""A host that a type checker agrees with, but for the lines marked so."""
+"""A host for a type checker, which accepts all lines but those marked as wrong."""
 
 import asyncio
 from typing import List
