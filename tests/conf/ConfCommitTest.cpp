@@ -101,7 +101,7 @@ TEST_F(ConfCommitTest, CommittingToAnotherFileLeavesNothingToCommit) {
     EXPECT_EQ(folder.list(), (Lines{"copy", "vantrel.conf"}));
 }
 
-TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileIsReadUntilTheNextLoad) {
+TEST_F(ConfCommitTest, AChangeCommittedToAnotherFileIsReadUntilTheNextLoad) {
     given("vtr.locale=\"a\"\n");
     set("vtr.locale", "b");
     ASSERT_EQ(confCommitToFile(store, folder / "copy"), 0);
@@ -112,7 +112,7 @@ TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileIsReadUntilTheNextLoad) {
     EXPECT_EQ(confGetString(store, "vtr.locale"), "a");
 }
 
-TEST_F(ConfCommitTest, AChangeThatWentToAnotherFileComesToTheFirstOneOnlyWhereThatLacksTheKey) {
+TEST_F(ConfCommitTest, AChangeCommittedToAnotherFileReachesTheFirstOnlyIfThatLacksTheKey) {
     given("vtr.locale=\"a\"\n");
     set("vtr.locale", "b");
     set("vtr.guid", "b");
@@ -254,7 +254,7 @@ TEST_F(ConfCommitTest, AFailedMoveDeletesTheTemporaryFile) {
     EXPECT_EQ(folder.list(), (Lines{"target", "vantrel.conf"}));
 }
 
-TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplacedAllTheSame) {
+TEST_F(ConfCommitTest, AFileHeldForAMomentIsReplaced) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
     given("vtr.locale=\"a\"\n");
     set("vtr.locale", "b");
@@ -427,7 +427,7 @@ TEST_F(ConfCommitTest, ALineFeedInAValueOfTheFileIsRefusedOnceAndThenLost) {
     EXPECT_EQ(confGetString(store, "vtr.locale"), "b");
 }
 
-TEST_F(ConfCommitTest, AnImpossibleInstanceNameBlocksTheCommitsOfThisProcess) {
+TEST_F(ConfCommitTest, AnInvalidInstanceNameBlocksTheCommitsOfThisProcess) {
     given("");
     set("vtr.instance.a=b.dpi", 1);
     EXPECT_EQ(confCommit(store), XERR_INVAL);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// What files and dumps must hold, from a listing of the catalogue that is kept with the tests.
+// The expected content of files and dumps, from the tests' own listing of the catalogue.
 
 // One row of the listing.
 struct ListedProperty {
@@ -18,7 +18,7 @@ struct ListedProperty {
 };
 std::vector<ListedProperty> listedProperties();
 
-// Number of properties, global ones and those of each instance. A name with two rows counts once.
+// The number of properties, global and of an instance. A name with two rows counts once.
 std::size_t globalCount();
 std::size_t instanceCount();
 
@@ -27,15 +27,15 @@ using Entries = std::map<std::string, std::string>;
 Entries globalDefaults();
 void addInstanceDefaults(Entries& entries, const std::string& instance);
 
-// Gives the target every entry of the source that it lacks.
+// Copies the source's entries that the target lacks.
 void addInstanceCopy(Entries& entries, const std::string& source, const std::string& target);
 
 std::string fileText(const Entries& entries);
 
-// The two last lines of every dump.
+// The last two lines of every dump.
 extern const std::string kDumpEnd;
 
-// The dump of an instance; with an empty name that of no instance.
+// The dump of an instance. An empty name means no instance.
 std::string dumpText(const Entries& entries, const std::string& instance);
 
 #endif

@@ -24,7 +24,7 @@ ConfProperty deprecatedText(const std::string& defaultValue = "");
 void expectConfBreak(const std::string& subprocess, const SubprocessArguments& arguments,
                      const std::string& line, const std::string& function = "");
 
-// A store of the test's own over a folder of the test's own.
+// A store over a temporary folder.
 class ConfTest : public ::testing::Test {
  protected:
     ConfTest() { store.fileLockName = ownLockName(path()); }
@@ -53,7 +53,7 @@ class ConfTest : public ::testing::Test {
     // Whether the configuration's file has the line.
     bool hasLine(const std::string& line) const;
 
-    // The committed value, whatever its type; nothing when the key is absent.
+    // The committed value, of any type. Nothing if the key is absent.
     std::optional<std::string> committed(const std::string& key);
     std::size_t committedCount();
 

@@ -77,7 +77,7 @@ Entries twoInstances() {
     return entries;
 }
 
-// A catalogue with one property of each scope, whose names are that long.
+// A catalogue with one property per scope, whose names have these lengths.
 ConfCatalogue catalogueOf(std::size_t globalLength, std::size_t instanceLength) {
     ConfCatalogue catalogue;
     catalogue.registerGlobal(std::string(globalLength, 'g'), {ConfType::String, ""});
@@ -115,7 +115,7 @@ CASE_PER_ROW(ConfFatalDumpTest, ::testing::Test, kFatalDumps);
 
 }  // namespace
 
-// Another program that reads the file: prints the instances and the resolution of each.
+// Another program that reads the file. Prints the instances with their resolutions.
 SUBPROCESS(readsTheInstances) {
     const LogCapture quiet;
     ConfStore& store = confStore();
@@ -228,7 +228,7 @@ TEST_F(ConfInstancesTest, ATargetThatIsRemovedButNotCommittedStaysRemoved) {
     EXPECT_EQ(confGetInstances(store), Names{"A"});
 }
 
-TEST_F(ConfSomeInstancesTest, NamesThatBeginAlikeAreKeptApart) {
+TEST_F(ConfSomeInstancesTest, InstancesWithACommonPrefixAreSeparate) {
     given(
         "vtr.instance.N.dpi=\"1\"\nvtr.instance.N_1.dpi=\"2\"\n"
         "vtr.instance.N_10.dpi=\"3\"\n");
@@ -429,7 +429,7 @@ TEST_F(ConfSomeInstancesTest, AKeyOf31AndAValueOf91BytesAreDumped) {
               global + "=" + value + "\nvtr." + property + "=" + value + "\n" + kDumpEnd);
 }
 
-TEST_F(ConfSomeInstancesTest, WhatTheCatalogueExcludesOrAnotherInstanceHasMayBeLonger) {
+TEST_F(ConfSomeInstancesTest, ExcludedValuesAndOtherInstancesMayBeLonger) {
     const std::string value(92, 'v');
     given("vtr.media_folder=\"" + value + "\"\nvtr.instance.A.grm_ignored_rules=\"" + value +
           "\"\nvtr.instance.B.display_name=\"" + value + "\"\n");
@@ -495,7 +495,7 @@ TEST(ConfInstancesFatalTest, ReadingARemovedKeyBeforeTheCommit) {
     expectConfBreak("readsARemovedKey", {}, logged::keyRemoved("vtr.instance.A.dpi"));
 }
 
-TEST_F(ConfSomeInstancesTest, WhatIsNotDeclaredIsNotDumped) {
+TEST_F(ConfSomeInstancesTest, UndeclaredKeysAreNotDumped) {
     given("vtr.instance.A.dpi=\"1\"\n");
     ASSERT_EQ(confSetCurrentInstance(store, "A"), 0);
     const std::uint32_t before = dumpSize();

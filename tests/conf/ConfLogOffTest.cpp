@@ -30,7 +30,7 @@ class ConfLogOffTest : public ConfTest {
         return result;
     }
 
-    // Commits a value, and expects that one in the file; a commit that fails leaves it as it was.
+    // Commits a value and expects this one in the file. A failed commit leaves the file unchanged.
     int commit(const char* value, const std::string& expected) {
         set("vtr.locale", value);
         const std::string before = file();

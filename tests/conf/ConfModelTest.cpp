@@ -1,5 +1,4 @@
-// The store beside a plain sequential model: whatever several threads did to it at the same time,
-// some order of their calls explains every result.
+// Linearizability: some sequential order of the calls of several threads explains every result.
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "support/Proof.h"
@@ -16,12 +15,12 @@ enum class Kind {
     HasPending,
     Discard,
     Commit,
-    CommitWithoutRead,  // the file cannot be read: nothing happens
-    CommitWithoutMove,  // the file keeps its text, the memory has the merge
+    CommitWithoutRead,  // the file cannot be read, so nothing changes
+    CommitWithoutMove,  // the file stays, and the memory has the merge
     Reload
 };
 
-// A call: what was asked, when it began and ended, and what it gave.
+// A call, when it began and ended, and its result.
 struct Call {
     Kind kind;
     std::size_t key = 0;
@@ -44,7 +43,7 @@ std::string textOf(const Call& call) {
 
 using Numbers = std::array<int, kKeys>;
 
-// The whole state of the store, as far as these calls know it.
+// The state of the store that these calls can observe.
 struct Model {
     Numbers file{1, 1};
     Numbers committed{1, 1};
@@ -69,8 +68,8 @@ struct Model {
     }
 };
 
-// The states in which the call can leave the model, with the result that it gave. None: it cannot
-// have come at this moment.
+// The states in which the call can leave the model, given its result. None: the call cannot come
+// here in the order.
 std::vector<Model> after(const Model& before, const Call& call) {
     Model model = before;
     const auto gave = [&](int result) {
@@ -105,14 +104,14 @@ std::vector<Model> after(const Model& before, const Call& call) {
     }
     std::vector<Model> states;
     if (!model.hasChanges() && call.result == 0) states.push_back(model);
-    // Changes that it found may be discarded before the merge, which then merges none.
+    // Its changes may be discarded before the merge, which then merges none.
     model.merge();
     if (call.kind == Kind::Commit) model.file = model.committed;
     if (call.result == (call.kind == Kind::Commit ? 0 : XERR_ACCES)) states.push_back(model);
     return states;
 }
 
-// Looks for an order of the calls: each comes after those that had ended when it began.
+// Searches for an order of the calls in which each comes after those that ended before it began.
 class Explanation {
  public:
     explicit Explanation(const std::vector<Call>& calls) : calls_(calls) {}
@@ -197,7 +196,7 @@ class ConfModelTest : public ConfTest {
         return calls;
     }
 
-    // Plays scripts at the same time, from the store's first state on, and gives all their calls.
+    // Plays the scripts at the same time on a new store. Returns all calls.
     std::vector<Call> playAtOnce(std::vector<std::vector<Call>> scripts) {
         folder.write("vantrel.conf", "vtr.instance.A.dpi=\"1\"\nvtr.instance.A.ram=\"1\"\n");
         HookedFiles files([](HookedFiles::Step step) {
@@ -245,8 +244,8 @@ TEST_F(ConfModelTest, SomeOrderOfTheCallsExplainsEveryResult) {
     }
 }
 
-// The checker itself: what no order explains is noticed.
-TEST_F(ConfModelTest, AResultThatNoOrderGivesIsNoticed) {
+// The checker itself.
+TEST_F(ConfModelTest, AResultThatNoOrderExplainsIsDetected) {
     const Call set{Kind::Set, 0, 2, 1, 2, 0};
     EXPECT_TRUE(Explanation({set, {Kind::Get, 0, 0, 3, 4, 2}}).exists());
     EXPECT_FALSE(Explanation({set, {Kind::Get, 0, 0, 3, 4, 1}}).exists()) << "the set had ended";

@@ -29,7 +29,7 @@ TEST(ConfNumber, AnEmptyTextIsZero) {
     EXPECT_EQ(parse64(""), 0);
 }
 
-TEST(ConfNumber, ReadsNothingBehindTheText) {
+TEST(ConfNumber, ReadsNothingAfterTheText) {
     EXPECT_EQ(parse32(std::string_view("123456").substr(0, 3)), 123);
     EXPECT_EQ(parse64(std::string_view("-123456").substr(0, 3)), -12);
 }
@@ -40,7 +40,7 @@ TEST(ConfNumber, StopsAtTheFirstOtherCharacter) {
     EXPECT_EQ(parse32("5 "), 5);
 }
 
-TEST(ConfNumber, LeadingWhiteSpaceIsTaken) {
+TEST(ConfNumber, LeadingWhiteSpaceIsSkipped) {
     EXPECT_EQ(parse32(" \t\n\v\f\r8"), 8);
     EXPECT_EQ(parse32(" 0"), 0);
 }

@@ -9,7 +9,7 @@ using ConfThreadsTest = ConfTest;
 
 std::string counterOf(const std::string& instance) { return "vtr.instance." + instance + ".dpi"; }
 
-// Counts in an instance of its own, and reads each number back.
+// Counts in its own instance and reads each number back.
 void count(ConfStore& store, const std::string& instance) {
     for (int number = 1; number <= kRounds; ++number) {
         confSetI32(store, counterOf(instance), number);

@@ -12,7 +12,7 @@ using Step = HookedFiles::Step;
 // Stops another thread at one point of its work until it may go on.
 class Stop {
  public:
-    // For that thread.
+    // Called by that thread.
     void here() {
         reached_.set_value();
         mayGoOn_.get_future().wait();

@@ -9,22 +9,22 @@
 
 #include "conf/ConfFiles.h"
 
-// The disk, with a call of the test's before each operation: it may wait, or make the operation
-// fail.
+// The files of the disk. A hook of the test runs before each operation, and may wait or make the
+// operation fail.
 class HookedFiles final : public ConfFiles {
  public:
     enum class Step { Read, Create, Write, Replace, Remove };
 
-    // The operation is the disk's when this gives XERR_SUCCESS.
+    // The operation proceeds if this returns XERR_SUCCESS.
     using Before = std::function<XErr(Step)>;
 
     explicit HookedFiles(Before before) : before_(std::move(before)) {}
 
-    // Makes that one operation fail.
+    // Makes one operation fail.
     HookedFiles(Step failing, XErr err)
         : HookedFiles([=](Step at) { return at == failing ? err : XERR_SUCCESS; }) {}
 
-    // How many bytes a write that fails says it has written.
+    // The number of bytes that a failed write reports as written.
     std::size_t writtenBeforeFailure = 0;
 
     ConfFileRead read(const std::string& path, std::string& content) override;

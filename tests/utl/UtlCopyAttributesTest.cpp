@@ -1,4 +1,4 @@
-// Copying and the attributes that files have on Windows.
+// Copying files with attributes of Windows.
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 #include "support/WindowsForTests.h"
@@ -15,7 +15,7 @@ class UtlCopyAttributesTest : public ::testing::Test {
         folder.write("source\\sub\\b", "new");
     }
 
-    // False where the file system does not keep the attribute.
+    // False if the file system does not keep the attribute.
     bool set(const std::string& name, DWORD attribute) const {
         const std::wstring path = wideForTests(folder / name);
         EXPECT_TRUE(::SetFileAttributesW(path.c_str(), attribute));
@@ -27,7 +27,7 @@ class UtlCopyAttributesTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(UtlCopyAttributesTest, AReadOnlyFileInAnExistingSubfolderGoesToo) {
+TEST_F(UtlCopyAttributesTest, AReadOnlyFileInAnExistingSubfolderIsRemovedToo) {
     folder.write("destination\\sub\\locked", "old");
     ASSERT_TRUE(set("destination\\sub\\locked", FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(utlCopyRecursive(folder / "source", folder / "destination"), 0);

@@ -150,7 +150,7 @@ TEST_F(UtlCopyTest, AnExistingFileKeepsItsContentAndTheOthersAreCopied) {
     expectCopy(-1, {"a=new a", "b=old", "c=new c"}, {"b"});
 }
 
-TEST_F(UtlCopyTest, FailuresOfAFolderAreLoggedByNameWithoutRegardToCase) {
+TEST_F(UtlCopyTest, FailuresAreLoggedByNameIgnoringCase) {
     const std::vector<std::string> names{"d", "B", "a", "C"};
     fillSource(names);
     folder.makeFolder("destination");

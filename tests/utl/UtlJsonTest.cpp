@@ -8,7 +8,7 @@
 
 namespace {
 
-// The same array of objects of one text and one number, without the library's code.
+// The expected array of objects with a text and its length, written by Qt.
 std::string asQtWrites(const std::vector<std::string>& texts) {
     QJsonArray array;
     for (const std::string& text : texts) {

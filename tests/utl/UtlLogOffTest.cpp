@@ -48,7 +48,7 @@ SUBPROCESS(trimsInSilence) {
     return off.refused() == 3 && off.printed() == 0 ? 0 : 3;
 }
 
-TEST(UtlLogOffTest, ATrim) { EXPECT_EQ(runSubprocess("trimsInSilence").status, 0u); }
+TEST(UtlLogOffTest, ATrimIsSilent) { EXPECT_EQ(runSubprocess("trimsInSilence").status, 0u); }
 
 TEST(UtlLogOffTest, WhatIsFatalIsFatalInSilence) {
     expectSilentBreak("printsFolders", {"silent", "install"});

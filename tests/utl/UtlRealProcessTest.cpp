@@ -1,4 +1,4 @@
-// Trimming and registering with Windows itself, on processes that run.
+// Trimming real processes, and registering with Windows.
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/RegistrySandbox.h"
@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder with this program in it, in the form that Windows gives image paths.
+// An install folder with a copy of this program. Its path has the form of Windows' image paths.
 class InstallFolder {
  public:
     InstallFolder() : path_(fs::canonical(fs::u8path(folder_.path())).u8string() + "\\") {
@@ -28,7 +28,7 @@ class InstallFolder {
     const std::string& path() const { return path_; }
     std::string program() const { return path_ + "utl_test.exe"; }
 
-    // A process that runs from the folder, holding this much memory.
+    // Starts a process of the folder that holds this much memory.
     ChildProcess start(std::size_t megabytes) const {
         ChildProcess child(program(), {"--subprocess", "holdsMemory", std::to_string(megabytes)});
         EXPECT_EQ(child.readLine(), "ready");
@@ -46,7 +46,7 @@ std::size_t workingSetOf(void* process) {
     return counters.WorkingSetSize;
 }
 
-// By the call that is for nothing else.
+// Tries the system call directly.
 bool workingSetsCanBeEmptied(const InstallFolder& install) {
     const ChildProcess child = install.start(/*megabytes=*/64);
     const std::size_t before = workingSetOf(child.handle());

@@ -25,9 +25,9 @@ TEST_F(UtlRegistry, ReadsNonAsciiTextAsUtf8) {
     EXPECT_EQ(read("InstallDir"), "C:\\Prógrams\\日本語\\");
 }
 
-TEST_F(UtlRegistry, AMissingKeyGivesTheDefault) { EXPECT_EQ(read("Version"), "default"); }
+TEST_F(UtlRegistry, AMissingKeyReadsAsTheDefault) { EXPECT_EQ(read("Version"), "default"); }
 
-TEST_F(UtlRegistry, AMissingValueGivesTheDefault) {
+TEST_F(UtlRegistry, AMissingValueReadsAsTheDefault) {
     registry.set("Version", "1");
     EXPECT_EQ(read("Other"), "default");
 }
@@ -43,7 +43,7 @@ TEST_F(UtlRegistry, ALongTextIsReadWhole) {
     EXPECT_EQ(read("Version"), text);
 }
 
-TEST_F(UtlRegistry, NamesThatAreNotUtf8GiveTheDefault) {
+TEST_F(UtlRegistry, NamesThatAreNotUtf8ReadAsTheDefault) {
     registry.set("Version", "abc");
     EXPECT_EQ(read("Version\xFF"), "default");
     EXPECT_EQ(utlRegistryString(UtlRegistryRoot::LocalMachine,

@@ -41,7 +41,7 @@ TEST_F(UtlRegistryTypes, AnOddSizeLosesItsLastByte) {
     EXPECT_EQ(read("Version"), "ab");
 }
 
-TEST_F(UtlRegistryTypes, TheUsersOwnRegistryIsAnotherOne) {
+TEST_F(UtlRegistryTypes, TheUsersRegistryIsSeparate) {
     constexpr const wchar_t* kKey = L"Software\\QXBridgeTests\\OfTheUser";
     const HKEY key = createRegistryKey(HKEY_CURRENT_USER, kKey);
     ::RegSetValueExW(key, L"Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"abc"), 8);

@@ -1,4 +1,4 @@
-// What every test for leaks rests on.
+// The figures that the tests for leaks compare.
 #include <gtest/gtest-spi.h>
 
 #include "support/Proof.h"
@@ -25,8 +25,8 @@ TEST(ProcessFiguresTest, MemoryInUseIsCounted) {
     EXPECT_LT(gained, 70 * kMebibyte);
 }
 
-// More rounds than a heap's bucket has blocks: it counts as in use whole.
-TEST(ProcessFiguresTest, WhatEachRoundKeepsIsALeak) {
+// More rounds than a heap bucket has blocks, since a bucket counts as a whole.
+TEST(ProcessFiguresTest, MemoryThatEveryRoundKeepsIsALeak) {
     constexpr int kRounds = 100;
     std::vector<std::vector<char>> kept;
     EXPECT_NONFATAL_FAILURE(expectNoGrowth(kRounds, 32,
@@ -38,7 +38,7 @@ TEST(ProcessFiguresTest, WhatEachRoundKeepsIsALeak) {
                             "a round leaves handles, or 32 bytes and more");
 }
 
-TEST(ProcessFiguresTest, WhatOnlyTheFirstRoundsKeepIsNone) {
+TEST(ProcessFiguresTest, MemoryThatOnlyTheFirstRoundsKeepIsNotALeak) {
     std::vector<std::vector<char>> kept;
     expectNoGrowth(10, 32, [&] {
         if (kept.size() < 5) kept.emplace_back(100'000, 'x');

@@ -3,7 +3,7 @@
 
 namespace {
 
-// Of every length around the steps that the functions take, at every place in a word.
+// Texts of every length up to several steps of the functions, at every alignment.
 template <typename Check>
 void forEachText(Check check) {
     std::mt19937 random(11);
@@ -18,18 +18,18 @@ void forEachText(Check check) {
 
 }  // namespace
 
-TEST(Xbytes, FindsWhatTheLibraryFinds) {
+TEST(Xbytes, FindsWhatTheStandardLibraryFinds) {
     forEachText([](std::string_view text) {
-        // Every place of the text holds the byte once, and there may be others.
+        // The byte is at each offset in turn. The text may contain others.
         std::string own(text);
-        for (std::size_t place = 0; place < own.size(); ++place) {
-            const char before = std::exchange(own[place], '=');
-            for (const std::size_t at : {std::size_t{0}, place, place + 1, own.size() + 1}) {
+        for (std::size_t offset = 0; offset < own.size(); ++offset) {
+            const char before = std::exchange(own[offset], '=');
+            for (const std::size_t at : {std::size_t{0}, offset, offset + 1, own.size() + 1}) {
                 ASSERT_EQ(xbytesFind<'='>(own, at), own.find('=', at));
                 ASSERT_EQ((xbytesFind<'=', '\0', '\x80'>(own, at)),
                           own.find_first_of(std::string_view("=\0\x80", 3), at));
             }
-            own[place] = before;
+            own[offset] = before;
         }
         ASSERT_EQ(xbytesFind<'x'>(text), text.find('x'));
     });

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Whether children receive the file. Handles are descriptors moved up by one.
+// Whether children receive the file. A handle is the descriptor plus one.
 bool isInherited(XfileMode mode, XfileSharing sharing, const std::string& path) {
     Xfile file;
     EXPECT_EQ(xfileOpen(file, path, mode, sharing), 0);

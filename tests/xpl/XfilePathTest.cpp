@@ -53,7 +53,7 @@ TEST(XfilePath, FoldersOfALongPathKeepItsPrefix) {
     expectChain(LR"(\\?\UNC\server\share\a)", {LR"(\\?\UNC\server\share\a)"});
 }
 
-TEST(XfilePath, TheRootOfSharesIsInAnyCase) {
+TEST(XfilePath, TheRootOfSharesIgnoresCase) {
     expectChain(LR"(\\?\unc\server\share\a)", {LR"(\\?\UNC\server\share\a)"});
     expectChain(LR"(\\?\Unc\server\share)", {});
     expectChain(LR"(\\?\unC)", {});
@@ -102,7 +102,7 @@ TEST(XfilePath, AShareFrom248CharactersOnIsMadeLong) {
     EXPECT_EQ(xfileWindowsPath(share, share), LR"(\\?\UNC\)" + share.substr(2));
 }
 
-TEST(XfilePath, TheAbsoluteFormIsWhatIsMadeLong) {
+TEST(XfilePath, TheAbsoluteFormIsMadeLong) {
     for (const wchar_t* path :
          {L"n", LR"(.\n)", LR"(..\n)", L"C:n", L"C:/n", LR"(\n)", L"/m/../n", L""}) {
         EXPECT_EQ(xfileWindowsPath(path, pathOf(248)), LR"(\\?\)" + pathOf(248)) << path;

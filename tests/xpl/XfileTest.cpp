@@ -134,12 +134,12 @@ TEST_F(XfileTest, WritingModesCreateTheMissingFolders) {
     EXPECT_EQ(folder.read("a\\b\\c\\f"), "x");
 }
 
-TEST_F(XfileTest, OnlyBackslashesCountForTheMissingFolder) {
+TEST_F(XfileTest, OnlyBackslashesSeparateTheMissingFolder) {
     EXPECT_EQ(writeWith(folder / "new/f", XfileMode::Append, "x"), XERR_NOENT);
     EXPECT_FALSE(folder.has("new"));
 }
 
-TEST_F(XfileTest, TheLogOfAMissingDataFolderCreatesThatAndNotTheFolderOfLogs) {
+TEST_F(XfileTest, ALogPathCreatesTheDataFolderButNotTheLogsFolder) {
     const std::string log = folder / "Data\\Logs/Player.log";
     EXPECT_EQ(writeWith(log, XfileMode::Append, "x"), XERR_NOENT);
     EXPECT_TRUE(folder.has("Data"));

@@ -22,8 +22,7 @@ std::string format(const XlogLineHeader& header, const XlogLineSite& site, const
     return {buffer.data(), length};
 }
 
-// The locale in which no runtime formats characters beyond its code page, whatever the tests before
-// have set.
+// The "C" locale, in which no runtime formats characters outside its code page.
 class PlainLocale {
  public:
     PlainLocale() { std::setlocale(LC_CTYPE, "C"); }
@@ -54,7 +53,7 @@ TEST(XlogLine, AnEmptyMessageIsALine) {
     EXPECT_EQ(format(kHeader, {}, "%s", ""), kHeaderText + "\n");
 }
 
-TEST(XlogLine, ThePlaceInTheSourceStandsBeforeTheMessage) {
+TEST(XlogLine, TheSourceLocationPrecedesTheMessage) {
     EXPECT_EQ(format(kHeader, {"File", "function", 12}, "m"),
               kHeaderText + "File function 12 | m\n");
     EXPECT_EQ(format(kHeader, {nullptr, "function", {}}, "m"), kHeaderText + "function m\n");
@@ -91,7 +90,7 @@ TEST(XlogLine, AMessageThatCannotBeFormattedIsPaddedWithBlanks) {
     EXPECT_EQ(line.rfind(kHeaderText, 0), 0u);
 }
 
-TEST(XlogLine, WhatTheFormatterLeftOfAMessageIsShown) {
+TEST(XlogLine, ThePartThatTheFormatterWroteIsShown) {
     const PlainLocale locale;
     ASSERT_LT(std::snprintf(nullptr, 0, "%ls", L"\xD800"), 0);
     for (const std::string& before : {std::string("before "), std::string(5000, 'x')}) {

@@ -281,7 +281,7 @@ SUBPROCESS(logsBeforeStart) {
     return 0;
 }
 
-TEST(XlogStart, BeforeItOnlyErrorsPassWithoutATagName) {
+TEST(XlogStart, BeforeTheStartOnlyErrorsAreLoggedWithoutATag) {
     const ChildResult result = runSubprocess("logsBeforeStart");
     EXPECT_EQ(result.status, 0u);
     ASSERT_EQ(logMessages(result.out).size(), 1u) << result.out;
@@ -317,7 +317,7 @@ SUBPROCESS(breaksFatally) {
     XLOG_FATAL(kMem);
 }
 
-TEST(XlogStart, TheFatalBreakLogsItsPlaceAndEndsTheProcess) {
+TEST(XlogStart, TheFatalBreakLogsItsLocationAndEndsTheProcess) {
     const TempFolder folder;
     EXPECT_EQ(runSubprocess("breaksFatally", {folder / "log"}).status, kFatalStatus);
     const Lines lines = logMessages(folder.read("log"));

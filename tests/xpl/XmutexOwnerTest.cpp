@@ -1,4 +1,4 @@
-// Who owns the mutex, where the numbers of threads are given again.
+// The owner of the mutex on systems that reuse thread ids.
 #if defined(__clang__)
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif
@@ -11,14 +11,14 @@
 
 namespace {
 
-// Runs `what` in a thread with that number. False where the system does not give it.
+// Runs `what` in a thread with this id. False if the system does not assign it.
 template <typename What>
-bool runAsThread(pid_t number, What what) {
+bool runAsThread(pid_t id, What what) {
     bool hasRun = false;
     for (int attempt = 0; attempt < 20 && !hasRun; ++attempt) {
-        std::ofstream("/proc/sys/kernel/ns_last_pid") << number - 1;
+        std::ofstream("/proc/sys/kernel/ns_last_pid") << id - 1;
         std::thread([&] {
-            if (::gettid() != number) return;
+            if (::gettid() != id) return;
             what();
             hasRun = true;
         }).join();
@@ -39,7 +39,7 @@ bool isFree(const std::string& name) {
 
 }  // namespace
 
-SUBPROCESS(tellsItsNumberAndEndsWithTheMutex) {
+SUBPROCESS(printsItsThreadIdAndExitsWithTheMutex) {
     static XmutexNamed& mutex = *new XmutexNamed;
     if (mutex.init(arguments[0]) != 0) return 1;
     mutex.lock();
@@ -48,11 +48,11 @@ SUBPROCESS(tellsItsNumberAndEndsWithTheMutex) {
     std::_Exit(0);
 }
 
-TEST(XmutexNamed, AThreadWithTheNumberOfADeadHolderTakesTheMutexAsAnyOther) {
+TEST(XmutexNamed, AThreadWithTheIdOfADeadHolderTakesTheMutex) {
     const std::string name = "Global\\vtr_test_owner" + std::to_string(::getpid());
     XmutexNamed mutex;
     ASSERT_EQ(mutex.init(name), 0);
-    const ChildResult dead = runSubprocess("tellsItsNumberAndEndsWithTheMutex", {name});
+    const ChildResult dead = runSubprocess("printsItsThreadIdAndExitsWithTheMutex", {name});
     ASSERT_EQ(dead.status, 0u);
     bool isFreeMeanwhile = true;
     const bool hasRun = runAsThread(std::atoi(dead.out.c_str()), [&] {
@@ -60,7 +60,7 @@ TEST(XmutexNamed, AThreadWithTheNumberOfADeadHolderTakesTheMutexAsAnyOther) {
         isFreeMeanwhile = isFree(name);
         mutex.unlock();
     });
-    if (!hasRun) GTEST_SKIP() << "needs the right to choose the next thread's number";
+    if (!hasRun) GTEST_SKIP() << "needs the right to choose the next thread's id";
     EXPECT_FALSE(isFreeMeanwhile);
     EXPECT_TRUE(isFree(name));
 }

@@ -133,19 +133,14 @@ TEST_F(XmutexTest, InitOnAnInitialisedObjectClosesTheOldHandle) {
     EXPECT_EQ(openHandles(), before);
 }
 
-TEST(XmutexNamed, ANameThatIsNotUtf8IsRefused) {
-    const LogCapture log;
-    XmutexNamed mutex;
+TEST_F(XmutexTest, ANameThatIsNotUtf8IsRefused) {
     EXPECT_EQ(mutex.init("\xFF"), -1);
     EXPECT_EQ(log.texts(), Lines{logged::mutexNotMade("\xFF", "1113")});
 }
 
-TEST(XmutexNamed, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
-    const LogCapture log;
-    XmutexNamed mutex;
-    const bool acquired = mutex.try_lock();
-    EXPECT_FALSE(acquired);
-    if (acquired) mutex.unlock();
+TEST_F(XmutexTest, TryLockOfAFailedWaitIsLoggedAndNotAcquired) {
+    XmutexNamed uninitialised;
+    EXPECT_FALSE(uninitialised.try_lock());
     EXPECT_EQ(log.texts(), Lines{"E XMUTEX try_lock: Error in try_lock, GetLastError: 6"});
 }
 
@@ -157,7 +152,7 @@ SUBPROCESS(locksUninitialised) {
     return 0;
 }
 
-TEST(XmutexNamed, LockOfAFailedWaitIsFatal) {
+TEST_F(XmutexTest, LockOfAFailedWaitIsFatal) {
     EXPECT_EQ(linesUntilBreak("locksUninitialised"),
               brokenIn("lock", "Error in taking lock, GetLastError: 6"));
 }
@@ -170,7 +165,7 @@ SUBPROCESS(unlocksUnowned) {
     return 0;
 }
 
-TEST(XmutexNamed, AReleaseThatFailsIsFatal) {
+TEST_F(XmutexTest, AReleaseThatFailsIsFatal) {
     EXPECT_EQ(linesUntilBreak("unlocksUnowned", {uniqueName("unowned")}),
               brokenIn("unlock", "Error in unlocking, GetLastError: 288"));
 }
@@ -217,7 +212,7 @@ SUBPROCESS(guardsNoMutex) {
     return 0;
 }
 
-TEST(XnamedGuard, AWaitThatFailsIsFatal) {
+TEST_F(XnamedGuardTest, AWaitThatFailsIsFatal) {
     for (const std::string& line : linesUntilBreak("guardsNoMutex")) {
         EXPECT_EQ(line.find("waiting for"), std::string::npos) << line;
     }

@@ -1,4 +1,4 @@
-// The mutex among the objects of Windows: their kinds, and who may open it.
+// The mutex as an object of Windows: its kind and its access rights.
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/TestHeaders.h"
@@ -19,8 +19,8 @@ void expectEveryone(PSID sid) {
     ::LocalFree(text);
 }
 
-// That the list has one entry, which grants everyone all rights.
-void expectEveryoneMayAll(PACL list) {
+// The list must have one entry, which grants everyone all rights.
+void expectFullAccessForEveryone(PACL list) {
     ASSERT_NE(list, nullptr);
     ASSERT_EQ(list->AceCount, 1);
     void* entry = nullptr;
@@ -56,7 +56,7 @@ TEST(XobjectSecurity, GrantsEveryoneAllRightsOnce) {
     EXPECT_TRUE(present);
     EXPECT_FALSE(defaulted);
     EXPECT_EQ(list, security.acl.get());
-    expectEveryoneMayAll(list);
+    expectFullAccessForEveryone(list);
 }
 
 TEST(XobjectSecurity, ARealMutexIsOpenToEveryone) {
@@ -73,5 +73,5 @@ TEST(XobjectSecurity, ARealMutexIsOpenToEveryone) {
               DWORD{ERROR_SUCCESS});
     const XlocalPtr owned(descriptor);
     ::CloseHandle(opened);
-    expectEveryoneMayAll(list);
+    expectFullAccessForEveryone(list);
 }

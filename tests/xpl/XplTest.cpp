@@ -21,7 +21,7 @@ TEST_F(XplTest, AfterTheStartWideTextsAreLoggedAsUtf8) {
     EXPECT_EQ(logMessages(folder.read("Player.log")), Lines{"E XSTR  日本"});
 }
 
-TEST_F(XplTest, ALogOfTheLimitIsRotated) {
+TEST_F(XplTest, ALogAtTheLimitIsRotated) {
     folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE, 'a'));
     folder.write("Player.log.1", "one");
     folder.write("Player.log.2", "two");
@@ -32,7 +32,7 @@ TEST_F(XplTest, ALogOfTheLimitIsRotated) {
     EXPECT_EQ(folder.read("Player.log.2"), "one") << "the oldest is replaced";
 }
 
-TEST_F(XplTest, ALogBelowTheLimitIsNot) {
+TEST_F(XplTest, ALogBelowTheLimitIsNotRotated) {
     folder.write("Player.log", std::string(XPL_LOG_ROTATE_SIZE - 1, 'a'));
     ASSERT_EQ(xplLibInit(nullptr, log()), 0);
     EXPECT_EQ(folder.list(), Lines{"Player.log"});

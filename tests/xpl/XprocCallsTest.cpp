@@ -18,7 +18,7 @@
 
 namespace {
 
-// The error of a call that fails; nothing for one that succeeds.
+// The error of a call that fails. Nothing: the call succeeds.
 using Failure = std::optional<unsigned long>;
 constexpr Failure kSuccess;
 
@@ -77,7 +77,7 @@ bool isElevated() {
     return elevation.TokenIsElevated != 0;
 }
 
-// The content of a file, as soon as it has one; nothing after half a minute.
+// Waits until a file has content, at most half a minute.
 std::string awaitContent(const std::string& path) {
     for (int i = 0; i < 600; ++i, ::Sleep(50)) {
         if (xfileExists(path) != XERR_SUCCESS) continue;
@@ -99,7 +99,7 @@ bool isOpen(HANDLE handle) {
     return ::GetHandleInformation(handle, &flags) != FALSE;
 }
 
-// Waits for a handle whose exit code cannot be read, and expects that none is returned.
+// Waits for a handle that has no exit code, and expects none.
 void expectNoExitCode() {
     const HANDLE noProcess = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
     std::uint32_t status = 77;
@@ -139,7 +139,7 @@ SUBPROCESS(writesItsVariable) {
     return 0;
 }
 
-// In a process of its own, whose locale may change.
+// In its own process, since it changes the locale.
 SUBPROCESS(setsVariableBeyondAscii) {
     xsystemUseUtf8();
     if (xprocSetEnvironment("BRIDGE_TEST", kBeyondAscii) != 0) return 1;
@@ -182,13 +182,13 @@ TEST(Xproc, ADeclinedElevationIsLogged) {
     EXPECT_EQ(log.texts()[1], logged::elevatedStartFailed("C:\\x.exe", "\"a\"", "1223"));
 }
 
-TEST(Xproc, OtherFailuresAreNotTriedAgain) {
+TEST(Xproc, OtherFailuresAreNotRetried) {
     const FakeCalls calls(ERROR_ACCESS_DENIED, kSuccess);
     EXPECT_EQ(xprocCreate(nullptr, {"x"}), XERR_ACCES);
     EXPECT_EQ(FakeCalls::seen.size(), 1u);
 }
 
-TEST(Xproc, AFailureWithoutAnErrorIsNoSuccess) {
+TEST(Xproc, AFailureWithoutAnErrorCodeIsReported) {
     const LogCapture log;
     const FakeCalls calls(ERROR_SUCCESS, kSuccess);
     XprocHandle handle = &handle;
@@ -198,7 +198,7 @@ TEST(Xproc, AFailureWithoutAnErrorIsNoSuccess) {
     EXPECT_EQ(log.texts(), Lines{logged::startFailed(R"("x.exe" "a")", "0")});
 }
 
-TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorIsNoSuccess) {
+TEST(Xproc, AnElevatedStartThatFailsWithoutAnErrorCodeIsReported) {
     const LogCapture log;
     const FakeCalls calls(XPROC_ELEVATION_REQUIRED, ERROR_SUCCESS);
     XprocHandle handle = &handle;
