@@ -152,14 +152,7 @@ TEST_F(ConfCommitTest, ANewInstanceIsMissingFromTheSetUntilTheNextLoad) {
 
 TEST_F(ConfCommitTest, RemovedKeysLeaveTheFile) {
     given("vtr.instance.A.dpi=\"7\"\n");
-    {
-        const std::lock_guard<XsharedMutex> changing(store.viewLock);
-        for (const auto& entry : catalogue.instances()) {
-            const std::string key = "vtr.instance.A." + entry.first;
-            store.view.remove(store.view.value(confFindKey(catalogue, key)));
-        }
-        store.view.forgetInstances();
-    }
+    ASSERT_EQ(confDeleteInstance(store, "A"), 0);
     EXPECT_TRUE(confHasPendingChanges(store));
     ASSERT_EQ(confCommit(store), 0);
     expectFile({});
@@ -195,6 +188,18 @@ TEST_F(ConfCommitTest, ATemporaryFileThatCannotBeCreatedChangesNothing) {
     EXPECT_TRUE(confHasPendingChanges(store));
     EXPECT_EQ(file(), "vtr.locale=\"a\"\n");
     EXPECT_TRUE(folder.has("vantrel.conf-temp"));
+}
+
+TEST_F(ConfCommitTest, ATemporaryFileThatCannotBeCreatedIsNotDeleted) {
+    int removals = 0;
+    HookedFiles files([&removals](Step at) {
+        removals += at == Step::Remove ? 1 : 0;
+        return at == Step::Create ? XERR_IO : XERR_SUCCESS;
+    });
+    ConfStore failing(catalogue, files);
+    load(failing, "");
+    EXPECT_EQ(confCommitToFile(failing, path()), XERR_IO);
+    EXPECT_EQ(removals, 0);
 }
 
 TEST_F(ConfCommitTest, AFileInPlaceOfTheFolderIsAFailedOpen) {

@@ -290,23 +290,23 @@ TEST(XlogStart, BeforeTheStartOnlyErrorsAreLoggedWithoutATag) {
         << result.out;
 }
 
-SUBPROCESS(logsToStandardOutput) {
-    if (xlogLibInit(nullptr, "") != 0) return 1;
-    XLOG_I(kConf, "to the console");
+// Logs this many lines to a file.
+SUBPROCESS(logsLines) {
+    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
+    const int count = std::stoi(arguments[2]);
+    for (int i = 0; i < count; ++i) XLOG_I(kConf, "%s:%d", arguments[1].c_str(), i);
     return 0;
 }
 
 TEST(XlogStart, AnEmptyPathMeansStandardOutput) {
-    const ChildResult result = runSubprocess("logsToStandardOutput");
+    const ChildResult result = runSubprocess("logsLines", {"", "to the console", "1"});
     EXPECT_EQ(result.status, 0u);
-    EXPECT_NE(result.out.find(" CONF    I: to the console"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find(" CONF    I: to the console:0"), std::string::npos) << result.out;
 }
-
-SUBPROCESS(logsIntoMissingFolder) { return xlogLibInit(nullptr, arguments[0]); }
 
 TEST(XlogStart, AFileThatCannotBeOpenedIsFatalAndItsLineIsLost) {
     const TempFolder folder;
-    const ChildResult result = runSubprocess("logsIntoMissingFolder", {folder / "Logs/Player.log"});
+    const ChildResult result = runSubprocess("logsLines", {folder / "Logs/Player.log", "", "0"});
     EXPECT_EQ(result.status, kFatalStatus);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(folder.list(), Lines{});
@@ -326,18 +326,12 @@ TEST(XlogStart, TheFatalBreakLogsItsLocationAndEndsTheProcess) {
     EXPECT_EQ(lines[0].substr(lines[0].size() - 11), " 0.000000()") << lines[0];
 }
 
-SUBPROCESS(logsManyLines) {
-    if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
-    for (int i = 0; i < 1000; ++i) XLOG_I(kConf, "%s:%d", arguments[1].c_str(), i);
-    return 0;
-}
-
 TEST(XlogStart, ProcessesShareALogWithoutLosingLines) {
     if (!appendsAreAtomic()) GTEST_SKIP() << kNeedsAtomicAppends;
     const TempFolder folder;
     std::vector<ChildProcess> children;
     for (const char* name : {"a", "b", "c", "d"}) {
-        children.push_back(startSubprocess("logsManyLines", {folder / "log", name}));
+        children.push_back(startSubprocess("logsLines", {folder / "log", name, "1000"}));
     }
     for (ChildProcess& child : children) EXPECT_EQ(child.finish().status, 0u);
     EXPECT_EQ(differentLines(logMessages(folder.read("log"))), 4000u);

@@ -79,7 +79,7 @@ bool isElevated() {
 
 // Waits until a file has content, at most half a minute.
 std::string awaitContent(const std::string& path) {
-    for (int i = 0; i < 600; ++i, ::Sleep(50)) {
+    for (int i = 0; i < 6'000; ++i, ::Sleep(5)) {
         if (xfileExists(path) != XERR_SUCCESS) continue;
         if (std::string content = readBytes(path); !content.empty()) return content;
     }
