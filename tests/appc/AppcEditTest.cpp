@@ -6,9 +6,6 @@
 
 namespace {
 
-const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
-                                 {"com.b", "com.b.Main", "B", 2, "2.0"}};
-
 class AppcEditTest : public AppcTest {
  protected:
     AppcEditTest() {
@@ -22,17 +19,14 @@ class AppcEditTest : public AppcTest {
     bool hasShared(const std::string& name) const {
         return data.has("Engine\\UserData\\SharedFolder\\" + name);
     }
-    std::string icon(const std::string& package) const {
-        return data.read("Engine\\Nougat64\\AppCache\\" + package + ".png");
+    static std::string iconOf(const std::string& package) {
+        return "Engine\\Nougat64\\AppCache\\" + package + ".png";
     }
-    void writeIcon(const std::string& package) const {
-        data.write("Engine\\Nougat64\\AppCache\\" + package + ".png", "old icon");
-    }
-    bool hasIcon(const std::string& package) const {
-        return data.has("Engine\\Nougat64\\AppCache\\" + package + ".png");
-    }
+    std::string icon(const std::string& package) const { return data.read(iconOf(package)); }
+    void writeIcon(const std::string& package) const { data.write(iconOf(package), "old icon"); }
+    bool hasIcon(const std::string& package) const { return data.has(iconOf(package)); }
 
-    // Makes the next save fail: a file cannot be put in place of a folder.
+    // Makes the next save fail, since a file cannot replace a folder.
     void blockTheFile() const {
         removeFile(file());
         data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
@@ -90,7 +84,7 @@ TEST_F(AppcEditTest, ASyncWithSomethingElseInTheListKeepsTheAppsBeforeItInMemory
     EXPECT_EQ(read(), fileOf(kTwo));
 }
 
-TEST_F(AppcEditTest, ASyncAnswersTheSavesResult) {
+TEST_F(AppcEditTest, ASyncReturnsTheSavesResult) {
     blockTheFile();
     EXPECT_EQ(appcSyncInstalledApps(store, kSync), -1);
     EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
@@ -119,16 +113,16 @@ TEST_F(AppcEditTest, AnUpdateAddsAnAppWithItsIcon) {
 TEST_F(AppcEditTest, AnUpdateOfAnAppKeepsOneRecordAndReplacesItsValuesAndIcon) {
     writeIcon("com.a");
     writeShared("x.png", "new icon");
-    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
-    EXPECT_EQ(read(), fileOf({{"com.a", "m", "l", 9, "v"}, kTwo[1]}));
+    EXPECT_EQ(update(store, "com.a", "x.png"), 0);
+    EXPECT_EQ(read(), fileOf({updated("com.a"), kTwo[1]}));
     EXPECT_EQ(app("com.a"), (AppcApp{"m", "l", 9, "v", "com.a.png"}));
     EXPECT_EQ(icon("com.a"), "new icon");
 }
 
-TEST_F(AppcEditTest, AnIconThatIsNotThereIsNotReported) {
+TEST_F(AppcEditTest, AMissingIconIsNotReported) {
     writeIcon("com.a");
-    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "missing.png"), 0);
-    EXPECT_EQ(read(), fileOf({{"com.a", "m", "l", 9, "v"}, kTwo[1]}));
+    EXPECT_EQ(update(store, "com.a", "missing.png"), 0);
+    EXPECT_EQ(read(), fileOf({updated("com.a"), kTwo[1]}));
     EXPECT_EQ(icon("com.a"), "old icon");
     EXPECT_EQ(log.texts(XLOG_ERROR), Lines{});
     EXPECT_EQ(log.texts(), Lines{logged::fileNotFlushed(store.sharedDir + "/missing.png")});
@@ -139,7 +133,7 @@ TEST_F(AppcEditTest, AFolderIsNeverMovedAsAnIcon) {
     writeShared("sub\\x", "x");
     for (const char* name : {"", ".", "..", "./", "..\\", "sub", "sub/", "sub\\", "sub//", "sub/.",
                              "sub\\..", "SUB/"}) {
-        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", name), 0) << name;
+        EXPECT_EQ(update(store, "com.c", name), 0) << name;
         EXPECT_TRUE(hasShared("sub\\x")) << name;
         EXPECT_FALSE(hasIcon("com.c")) << name;
     }
@@ -150,7 +144,7 @@ TEST_F(AppcEditTest, AnUpdateWithoutAnIconAsksForNoMove) {
     FailingFiles files;
     ForeignStore counted(data.path(), files);
     ASSERT_EQ(appcLibInit(counted, "Nougat64"), 0);
-    EXPECT_EQ(appcUpdateApp(counted, "com.a", "m", "l", 9, "v", ""), 0);
+    EXPECT_EQ(update(counted, "com.a", ""), 0);
     EXPECT_EQ(files.moves, 1) << "the save's";
     EXPECT_EQ(icon("com.a"), "old icon");
     EXPECT_EQ(log.texts(XLOG_VERBOSE), Lines{});
@@ -160,20 +154,19 @@ TEST_F(AppcEditTest, TheFirstAppOfAnInstanceLeavesItsIconWhereItIs) {
     ASSERT_EQ(appcLibInit(store, "Nougat64_1"), 0);
     data.makeFolder("Engine\\Nougat64_1");
     writeShared("x.png", "icon");
-    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
+    EXPECT_EQ(update(store, "com.a", "x.png"), 0);
     EXPECT_TRUE(hasShared("x.png")) << "the folder comes with the save, after the move";
-    EXPECT_EQ(data.read("Engine\\Nougat64_1\\AppCache\\AppCache.json"),
-              fileOf({{"com.a", "m", "l", 9, "v"}}));
-    EXPECT_EQ(appcUpdateApp(store, "com.a", "m", "l", 9, "v", "x.png"), 0);
+    EXPECT_EQ(data.read("Engine\\Nougat64_1\\AppCache\\AppCache.json"), fileOf({updated("com.a")}));
+    EXPECT_EQ(update(store, "com.a", "x.png"), 0);
     EXPECT_FALSE(hasShared("x.png"));
 }
 
-TEST_F(AppcEditTest, AnUpdateAnswersTheSavesResultAndTheRecordStays) {
+TEST_F(AppcEditTest, AnUpdateReturnsTheSavesResultAndKeepsTheRecord) {
     blockTheFile();
-    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", "x.png"), -1);
+    EXPECT_EQ(update(store, "com.c", "x.png"), -1);
     EXPECT_EQ(packages(), (Lines{"com.a", "com.b", "com.c"}));
     ASSERT_EQ(appcLibInit(store, "New"), 0);
-    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", "x.png"), XERR_NOENT);
+    EXPECT_EQ(update(store, "com.c", "x.png"), XERR_NOENT);
     EXPECT_EQ(log.texts(XLOG_ERROR).back(),
               logged::cacheFolderNotMade(dir("New"), "XERR_NOENT [2]"));
 }
@@ -181,7 +174,7 @@ TEST_F(AppcEditTest, AnUpdateAnswersTheSavesResultAndTheRecordStays) {
 TEST_F(AppcEditTest, TextsThatAreNotUtf8ReachTheFileReplaced) {
     EXPECT_EQ(appcUpdateApp(store, "com.c", "m\xFF", "l", 9, "v", "x.png"), 0);
     EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "m\xEF\xBF\xBD", "l", 9, "v"}}));
-    EXPECT_EQ(app("com.c").activity, "m\xFF") << "the memory has them as they came";
+    EXPECT_EQ(app("com.c").activity, "m\xFF") << "the memory has them unchanged";
 }
 
 TEST_F(AppcEditTest, ARemovalTakesTheAppAndItsIcon) {
@@ -208,18 +201,18 @@ TEST_F(AppcEditTest, RemovingWhatIsNotCachedRewritesNothing) {
     EXPECT_TRUE(hasIcon("com.c"));
 }
 
-TEST_F(AppcEditTest, ARemovalAnswersTheSavesResult) {
+TEST_F(AppcEditTest, ARemovalReturnsTheSavesResult) {
     blockTheFile();
     EXPECT_EQ(appcRemoveApp(store, "com.a"), -1);
     EXPECT_EQ(packages(), Lines{"com.b"});
 }
 
-TEST_F(AppcEditTest, ANulInAPackageNameEndsNoPath) {
+TEST_F(AppcEditTest, ANulInAPackageNameDoesNotEndAPath) {
     data.write("Engine\\Nougat64\\AppCache\\keep", "x");
     writeShared("icon", "icon");
-    EXPECT_EQ(appcUpdateApp(store, std::string("keep\0", 5), "m", "l", 9, "v", "icon"), 0);
+    EXPECT_EQ(update(store, std::string("keep\0", 5), "icon"), 0);
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\keep"), "x");
-    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", std::string("icon\0x", 6)), 0);
+    EXPECT_EQ(update(store, "com.c", std::string("icon\0x", 6)), 0);
     EXPECT_TRUE(hasShared("icon"));
     EXPECT_EQ(appcRemoveApp(store, std::string("keep\0", 5)), 0);
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\keep"), "x");

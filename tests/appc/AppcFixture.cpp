@@ -22,11 +22,20 @@ static std::string arrayText(const std::vector<PlainApp>& apps, const std::strin
     std::string text = "[\n";
     for (const PlainApp& app : apps) {
         if (&app != &apps.front()) text += ",\n";
-        text += "    {\n        \"activity\": \"" + app.activity + "\",\n        \"appLabel\": \"" +
-                app.appLabel + "\",\n        \"" + icon + app.package +
-                ".png\",\n        \"package\": \"" + app.package +
-                "\",\n        \"versionCode\": " + std::to_string(app.versionCode) +
-                ",\n        \"versionName\": \"" + app.versionName + "\"\n    }";
+        text += R"(    {
+        "activity": ")" +
+                app.activity + R"(",
+        "appLabel": ")" +
+                app.appLabel + R"(",
+        ")" + icon +
+                app.package + R"(.png",
+        "package": ")" +
+                app.package + R"(",
+        "versionCode": )" +
+                std::to_string(app.versionCode) + R"(,
+        "versionName": ")" +
+                app.versionName + R"("
+    })";
     }
     return text + (apps.empty() ? "]\n" : "\n]\n");
 }
@@ -51,7 +60,7 @@ std::string lockPrefixOf(const std::string& data) {
 
 bool isFileLockFree(const std::string& data) {
     bool isFree = false;
-    // This thread may have it itself, and would get it again.
+    // On another thread, since this one may have it.
     std::thread([&isFree, &data] {
         XmutexNamed mutex;
         ASSERT_EQ(mutex.init("Global\\vtr_" + lockPrefixOf(data) + "Nougat64_nvo"), 0);
@@ -69,6 +78,18 @@ bool operator==(const AppcApp& a, const AppcApp& b) {
     };
     return tied(a) == tied(b);
 }
+
+Lines packagesOf(AppcStore& store) {
+    std::list<std::string> list;
+    appcGetPackages(store, list);
+    return {list.begin(), list.end()};
+}
+
+XErr update(AppcStore& store, const std::string& package, const std::string& icon) {
+    return appcUpdateApp(store, package, "m", "l", 9, "v", icon);
+}
+
+PlainApp updated(const std::string& package) { return {package, "m", "l", 9, "v"}; }
 
 AppcTest::AppcTest() {
     data.makeFolder("Engine\\Nougat64");
@@ -102,12 +123,6 @@ Lines AppcTest::list() const {
     return names;
 }
 
-std::vector<std::string> AppcTest::packages() {
-    std::list<std::string> list;
-    appcGetPackages(store, list);
-    return {list.begin(), list.end()};
-}
-
 AppcApp AppcTest::app(const std::string& package) {
     AppcApp app;
     EXPECT_EQ(appcGetApp(store, package, &app.activity, &app.appLabel, &app.versionCode,
@@ -116,8 +131,6 @@ AppcApp AppcTest::app(const std::string& package) {
         << package;
     return app;
 }
-
-std::size_t AppcTest::count() { return packages().size(); }
 
 std::int32_t FailingFiles::read(const std::string& path, std::string& content) {
     before("read");

@@ -7,7 +7,7 @@
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
 
-// The text of a JSON object, with its values as they stand in JSON.
+// An app as a JSON object. The values are JSON.
 struct Element {
     std::string package = R"("com.a")";
     std::string activity = R"("com.a.Main")";
@@ -18,11 +18,9 @@ struct Element {
     std::string text() const;
 };
 
-// The texts of elements as an array.
 std::string arrayOf(const std::vector<std::string>& elements);
 
-// What the file holds for apps, laid out without the library's code. Values are written as given:
-// no character in them may need an escape.
+// An app whose values need no escapes in JSON.
 struct PlainApp {
     std::string package;
     std::string activity;
@@ -30,23 +28,33 @@ struct PlainApp {
     int versionCode;
     std::string versionName;
 };
-std::string fileOf(const std::vector<PlainApp>& apps);
 
-// The same as the listing has it, with the folder of the icons as it stands in JSON.
+const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
+                                 {"com.b", "com.b.Main", "B", 2, "2.0"}};
+
+// The file and the listing of apps, written without the library's code. The folder is that of the
+// icons, escaped as in JSON.
+std::string fileOf(const std::vector<PlainApp>& apps);
 std::string listingOf(const std::vector<PlainApp>& apps, const std::string& folder);
 
-// The lines, with the number of the source line in them as "N".
+// The lines with "N" for the numbers of source lines.
 Lines withoutNumbers(Lines lines);
 
-// File locks are the machine's: those of a data folder have names of their own.
+// File locks are machine-wide, so their names depend on the data folder.
 std::string lockPrefixOf(const std::string& data);
 
-// Whether another thread could take the file lock of the instance "Nougat64" now.
+// Whether another thread could take the file lock of "Nougat64".
 bool isFileLockFree(const std::string& data);
 
 bool operator==(const AppcApp& a, const AppcApp& b);
 
-// A cache of the test's own, in a data folder of the test's own.
+Lines packagesOf(AppcStore& store);
+
+// Updates an app with fixed values, and the app as it then is in the file.
+XErr update(AppcStore& store, const std::string& package, const std::string& icon = "");
+PlainApp updated(const std::string& package);
+
+// A cache and its data folder.
 class AppcTest : public ::testing::Test {
  protected:
     AppcTest();
@@ -60,14 +68,14 @@ class AppcTest : public ::testing::Test {
     std::string read() const;
     bool exists() const;
 
-    // Names of what is in the cache's folder.
+    // The names in the cache's folder.
     Lines list() const;
 
     bool isFileLockFree() const { return ::isFileLockFree(data.path()); }
 
-    std::vector<std::string> packages();
+    Lines packages() { return packagesOf(store); }
     AppcApp app(const std::string& package);
-    std::size_t count();
+    std::size_t count() { return packages().size(); }
 
     TempFolder data;
     LogCapture log;
@@ -75,22 +83,22 @@ class AppcTest : public ::testing::Test {
                     data.path() + "\\/Engine/UserData/SharedFolder/", lockPrefixOf(data.path())};
 };
 
-// A cache over the folder `data` of another process.
+// A cache in the data folder, as another process has it.
 struct ForeignStore : AppcStore {
     explicit ForeignStore(const std::string& data, AppcFiles& files = appcDiskFiles())
         : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/",
                     lockPrefixOf(data)) {}
 };
 
-// The disk, but for the operations that are to fail.
+// The disk, with operations that fail.
 class FailingFiles : public AppcFiles {
  public:
     std::int32_t readError = 0;  // of Windows
     XErr folderError = XERR_SUCCESS;
     bool failOpen = false;
-    std::size_t writeLimit = SIZE_MAX;  // bytes that reach the file before the write fails
+    std::size_t writeLimit = SIZE_MAX;  // a write fails after so many bytes
     bool failMove = false;
-    bool throwInWrite = false;  // when the file exists
+    bool throwInWrite = false;  // after creating the file
     bool throwInMove = false;
 
     int moves = 0;
@@ -107,7 +115,7 @@ class FailingFiles : public AppcFiles {
     virtual void before(const char* /*step*/) {}
 };
 
-// The same with a look at the file lock at each step.
+// The same, and checks the file lock at each step.
 class LockWatch final : public FailingFiles {
  public:
     explicit LockWatch(std::string data) : data_(std::move(data)) {}

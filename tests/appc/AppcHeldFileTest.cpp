@@ -1,4 +1,4 @@
-// A file that another process holds: it is kept, and nothing is saved over it before it was read.
+// A file that another process holds is kept, and not saved over before it has been read.
 #include <QJsonArray>
 
 #include "AppcFixture.h"
@@ -7,13 +7,10 @@
 
 namespace {
 
-const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
-                                 {"com.b", "com.b.Main", "B", 2, "2.0"}};
-
 const char* const kSync = R"({"apps": [
     {"package": "com.c", "activity": "c", "appLabel": "C", "versionCode": 1, "versionName": "1"}]})";
 
-// A cache whose file is there and whose load has just found it held.
+// A cache whose file was held when it was loaded.
 class AppcHeldFileTest : public AppcTest {
  protected:
     AppcHeldFileTest() {
@@ -23,20 +20,10 @@ class AppcHeldFileTest : public AppcTest {
         log.clear();
     }
 
-    Lines heldPackages() {
-        std::list<std::string> list;
-        appcGetPackages(held, list);
-        return {list.begin(), list.end()};
-    }
-
-    XErr update(const std::string& package, const std::string& icon = "") {
-        return appcUpdateApp(held, package, "m", "l", 9, "v", icon);
-    }
-
-    // The file is what it was, and an update is refused.
+    // Expects an update to be refused, and the file not to change.
     void expectRefusal() {
         log.clear();
-        EXPECT_EQ(update("com.new"), -1);
+        EXPECT_EQ(update(held, "com.new"), -1);
         EXPECT_EQ(log.texts(), Lines{kRefusal});
         EXPECT_EQ(read(), fileOf(kTwo));
         EXPECT_EQ(list(), Lines{"AppCache.json"});
@@ -56,7 +43,7 @@ TEST_F(AppcHeldFileTest, ALoadKeepsTheFileAndTheCacheIsEmpty) {
         log.clear();
         EXPECT_EQ(appcLoadFromFile(held), 0);
         EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), error)});
-        EXPECT_EQ(heldPackages(), Lines{});
+        EXPECT_EQ(packagesOf(held), Lines{});
         EXPECT_EQ(read(), fileOf(kTwo));
         EXPECT_EQ(files.removed, Lines{});
         EXPECT_TRUE(isFileLockFree());
@@ -66,16 +53,16 @@ TEST_F(AppcHeldFileTest, ALoadKeepsTheFileAndTheCacheIsEmpty) {
 TEST_F(AppcHeldFileTest, ALoadForgetsTheAppsThatWereReadBefore) {
     files.readError = 0;
     ASSERT_EQ(appcLoadFromFile(held), 0);
-    ASSERT_EQ(heldPackages(), (Lines{"com.a", "com.b"}));
+    ASSERT_EQ(packagesOf(held), (Lines{"com.a", "com.b"}));
     files.readError = 33;
     EXPECT_EQ(appcLoadFromFile(held), 0);
-    EXPECT_EQ(heldPackages(), Lines{});
+    EXPECT_EQ(packagesOf(held), Lines{});
     expectRefusal();
 }
 
 TEST_F(AppcHeldFileTest, EverySaveIsRefused) {
     EXPECT_EQ(appcSaveToFile(held), -1);
-    EXPECT_EQ(update("com.new"), -1);
+    EXPECT_EQ(update(held, "com.new"), -1);
     EXPECT_EQ(appcRemoveApp(held, "com.new"), -1);
     EXPECT_EQ(appcSyncInstalledApps(held, kSync), -1);
     EXPECT_EQ(log.texts(XLOG_VERBOSE), (Lines{kRefusal, kRefusal, kRefusal, kRefusal}));
@@ -87,17 +74,17 @@ TEST_F(AppcHeldFileTest, EverySaveIsRefused) {
 
 TEST_F(AppcHeldFileTest, TheMemoryHasWhatCouldNotBeSaved) {
     EXPECT_EQ(appcSyncInstalledApps(held, kSync), -1);
-    EXPECT_EQ(heldPackages(), Lines{"com.c"});
-    EXPECT_EQ(update("com.new"), -1);
-    EXPECT_EQ(heldPackages(), (Lines{"com.c", "com.new"}));
+    EXPECT_EQ(packagesOf(held), Lines{"com.c"});
+    EXPECT_EQ(update(held, "com.new"), -1);
+    EXPECT_EQ(packagesOf(held), (Lines{"com.c", "com.new"}));
     EXPECT_EQ(appcRemoveApp(held, "com.c"), -1);
-    EXPECT_EQ(heldPackages(), Lines{"com.new"});
+    EXPECT_EQ(packagesOf(held), Lines{"com.new"});
 }
 
 TEST_F(AppcHeldFileTest, IconsStayWhereTheyAre) {
     data.write("Engine\\UserData\\SharedFolder\\new.png", "new icon");
     data.write("Engine\\Nougat64\\AppCache\\com.a.png", "old icon");
-    EXPECT_EQ(update("com.a", "new.png"), -1);
+    EXPECT_EQ(update(held, "com.a", "new.png"), -1);
     EXPECT_EQ(appcRemoveApp(held, "com.a"), -1);
     EXPECT_EQ(data.read("Engine\\UserData\\SharedFolder\\new.png"), "new icon");
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache\\com.a.png"), "old icon");
@@ -112,8 +99,8 @@ TEST_F(AppcHeldFileTest, RemovingWhatIsNotCachedNeedsNoSave) {
 TEST_F(AppcHeldFileTest, ALoadThatReadsTheFileEndsTheRefusal) {
     files.readError = 0;
     EXPECT_EQ(appcLoadFromFile(held), 0);
-    EXPECT_EQ(update("com.c"), 0);
-    EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], {"com.c", "m", "l", 9, "v"}}));
+    EXPECT_EQ(update(held, "com.c"), 0);
+    EXPECT_EQ(read(), fileOf({kTwo[0], kTwo[1], updated("com.c")}));
     EXPECT_EQ(log.texts(), Lines{});
 }
 
@@ -122,16 +109,16 @@ TEST_F(AppcHeldFileTest, OpeningTheInstanceAgainEndsTheRefusalWhenItsFileIsRead)
     expectRefusal();
     files.readError = 0;
     EXPECT_EQ(appcLibInit(held, "Nougat64"), 0);
-    EXPECT_EQ(update("com.c"), 0);
-    EXPECT_EQ(heldPackages(), (Lines{"com.a", "com.b", "com.c"}));
+    EXPECT_EQ(update(held, "com.c"), 0);
+    EXPECT_EQ(packagesOf(held), (Lines{"com.a", "com.b", "com.c"}));
 }
 
 TEST_F(AppcHeldFileTest, ALoadThatFindsNoFileEndsTheRefusal) {
-    EXPECT_EQ(update("com.c"), -1);
+    EXPECT_EQ(update(held, "com.c"), -1);
     removeFile(file());
     EXPECT_EQ(appcLoadFromFile(held), 0);
     EXPECT_EQ(appcSaveToFile(held), 0);
-    EXPECT_EQ(read(), fileOf({{"com.c", "m", "l", 9, "v"}})) << "such a load keeps the memory";
+    EXPECT_EQ(read(), fileOf({updated("com.c")})) << "such a load keeps the memory";
 }
 
 TEST_F(AppcHeldFileTest, ALoadThatDeletesTheFileEndsTheRefusal) {
@@ -168,9 +155,8 @@ TEST_F(AppcHeldFileTest, ReplacingTheMemoryDoesNotEndTheRefusal) {
 TEST_F(AppcHeldFileTest, AnotherInstanceIsNotRefused) {
     data.makeFolder("Engine\\Other");
     EXPECT_EQ(appcLibInit(held, "Other"), 0);
-    EXPECT_EQ(update("com.c"), 0);
-    EXPECT_EQ(data.read("Engine\\Other\\AppCache\\AppCache.json"),
-              fileOf({{"com.c", "m", "l", 9, "v"}}));
+    EXPECT_EQ(update(held, "com.c"), 0);
+    EXPECT_EQ(data.read("Engine\\Other\\AppCache\\AppCache.json"), fileOf({updated("com.c")}));
     EXPECT_EQ(read(), fileOf(kTwo));
 }
 
@@ -180,8 +166,6 @@ TEST_F(AppcHeldFileTest, AnotherInstanceWithABadFileIsSavedOver) {
     EXPECT_EQ(appcLibInit(held, "Other"), -1);
     EXPECT_EQ(appcSaveToFile(held), 0);
 }
-
-// The same with files that are really held.
 
 TEST_F(AppcTest, AFileThatIsReallyHeldIsKeptAndNotSavedOver) {
     if (!HeldFile::isPossible()) GTEST_SKIP() << HeldFile::kNeedsWindows;
@@ -194,14 +178,14 @@ TEST_F(AppcTest, AFileThatIsReallyHeldIsKeptAndNotSavedOver) {
         EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
         EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), 32)});
         EXPECT_EQ(count(), 0u);
-        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
+        EXPECT_EQ(update(store, "com.c"), -1);
         EXPECT_EQ(log.texts().back(), refusal);
         holder.release();
-        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1) << "not loaded yet";
+        EXPECT_EQ(update(store, "com.c"), -1) << "not loaded yet";
         EXPECT_EQ(read(), fileOf(kTwo));
         EXPECT_EQ(list(), Lines{"AppCache.json"});
         EXPECT_EQ(appcLoadFromFile(store), 0);
-        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), 0);
+        EXPECT_EQ(update(store, "com.c"), 0);
         EXPECT_EQ(packages(), (Lines{"com.a", "com.b", "com.c"}));
         removeFile(file());
     }
@@ -215,7 +199,7 @@ TEST_F(AppcTest, AFileWhoseBytesAreLockedIsKeptAndNotSavedOver) {
     if (read() == fileOf(kTwo)) GTEST_SKIP() << "needs Windows, where locked bytes are not read";
     EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
     EXPECT_EQ(log.texts(), Lines{logged::cacheKept(file(), 33)});
-    EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), -1);
+    EXPECT_EQ(update(store, "com.c"), -1);
     holder.release();
     EXPECT_EQ(read(), fileOf(kTwo));
     EXPECT_EQ(appcLoadFromFile(store), 0);
@@ -231,7 +215,7 @@ TEST_F(AppcTest, AFileThatIsHeldForAMomentIsWaitedFor) {
         ASSERT_TRUE(holder.wasHeld());
         EXPECT_EQ(appcLibInit(store, "Nougat64"), 0);
         EXPECT_EQ(packages(), (Lines{"com.a", "com.b"}));
-        EXPECT_EQ(appcUpdateApp(store, "com.c", "m", "l", 9, "v", ""), 0);
+        EXPECT_EQ(update(store, "com.c"), 0);
         EXPECT_EQ(log.texts(), Lines{});
     }
 }

@@ -7,26 +7,27 @@
 
 namespace {
 
-// Reads one element with this version code.
-std::int32_t codeOf(const std::string& number) {
+// The apps of an array, which must be valid.
+AppcApps appsOf(const std::string& text) {
     QJsonArray array;
     AppcApps apps;
-    Element element;
-    element.versionCode = number;
-    EXPECT_TRUE(appcParseArray(arrayOf({element.text()}), array)) << number;
-    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None) << number;
-    return apps.at("com.a").versionCode;
+    EXPECT_TRUE(appcParseArray(text, array)) << text;
+    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None) << text;
+    return apps;
 }
 
-// Reads one element with this label, as it stands in JSON, without its quotes.
+// The version code of an element that has this number.
+std::int32_t codeOf(const std::string& number) {
+    Element element;
+    element.versionCode = number;
+    return appsOf(arrayOf({element.text()})).at("com.a").versionCode;
+}
+
+// The label of an element that has this text, which is JSON without its quotes.
 std::string labelOf(const std::string& text) {
-    QJsonArray array;
-    AppcApps apps;
     Element element;
     element.appLabel = '"' + text + '"';
-    EXPECT_TRUE(appcParseArray(arrayOf({element.text()}), array)) << text;
-    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None) << text;
-    return apps.at("com.a").appLabel;
+    return appsOf(arrayOf({element.text()})).at("com.a").appLabel;
 }
 
 bool isArray(std::string_view text) {
@@ -34,7 +35,7 @@ bool isArray(std::string_view text) {
     return appcParseArray(text, array);
 }
 
-// The same by Qt alone, object by object.
+// The array as Qt writes it.
 std::string byQt(const AppcApps& apps, const char* iconKey, const std::string& folder) {
     QJsonArray array;
     for (const auto& [package, app] : apps) {
@@ -50,7 +51,7 @@ std::string byQt(const AppcApps& apps, const char* iconKey, const std::string& f
     return QJsonDocument(array).toJson().toStdString();
 }
 
-// A file with an app of this label, with the label's text in JSON.
+// The file of an app with this label, escaped as in JSON.
 std::string fileWithLabel(const std::string& text) {
     return fileOf({{"com.a", "com.a.Main", text, 1, "1.0"}});
 }
@@ -138,34 +139,23 @@ TEST(AppcJson, NestingHasALimit) {
 }
 
 TEST(AppcJson, TheLastOfTwoElementsOfOnePackageCounts) {
-    QJsonArray array;
     Element second;
     second.appLabel = R"("B")";
-    ASSERT_TRUE(appcParseArray(arrayOf({Element().text(), second.text()}), array));
-    AppcApps apps;
-    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
+    const AppcApps apps = appsOf(arrayOf({Element().text(), second.text()}));
     ASSERT_EQ(apps.size(), 1u);
-    EXPECT_EQ(apps["com.a"].appLabel, "B");
+    EXPECT_EQ(apps.at("com.a").appLabel, "B");
 }
 
 TEST(AppcJson, TheLastOfTwoEqualKeysCounts) {
-    QJsonArray array;
-    ASSERT_TRUE(appcParseArray(R"([{"package":"a","activity":"","appLabel":"x","appLabel":"y",)"
-                               R"("versionCode":1,"versionName":""}])",
-                               array));
-    AppcApps apps;
-    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
-    EXPECT_EQ(apps["a"].appLabel, "y");
+    const AppcApps apps = appsOf(R"([{"package":"a","activity":"","appLabel":"x","appLabel":"y",)"
+                                 R"("versionCode":1,"versionName":""}])");
+    EXPECT_EQ(apps.at("a").appLabel, "y");
 }
 
 TEST(AppcJson, OtherKeysAreIgnoredAndTheIconIsThePackages) {
-    QJsonArray array;
-    ASSERT_TRUE(appcParseArray(R"([{"iconFileName":"other.png","package":"","activity":"m",)"
-                               R"("appLabel":"l","versionCode":-7,"versionName":"v","x":[{}]}])",
-                               array));
-    AppcApps apps;
-    EXPECT_EQ(appcReadApps(array, apps).kind, AppcFlaw::None);
-    EXPECT_EQ(apps[""], (AppcApp{"m", "l", -7, "v", ".png"}));
+    const AppcApps apps = appsOf(R"([{"iconFileName":"other.png","package":"","activity":"m",)"
+                                 R"("appLabel":"l","versionCode":-7,"versionName":"v","x":[{}]}])");
+    EXPECT_EQ(apps.at(""), (AppcApp{"m", "l", -7, "v", ".png"}));
 }
 
 TEST(AppcJson, TheSyncListIsAMemberOfTheTopLevelObject) {
@@ -183,28 +173,28 @@ TEST(AppcJson, NoAppIsAnArrayOnTwoLines) {
     EXPECT_EQ(appcListingText({}, "C:\\x"), "[\n]\n");
 }
 
-TEST(AppcJson, MembersAreIndentedByFourBlanksInOrderOfTheirKeys) {
+TEST(AppcJson, MembersAreIndentedByFourSpacesInOrderOfTheirKeys) {
     const AppcApps apps{{"com.b", {"com.b.Main", "B", -5, "2.0", "com.b.png"}},
                         {"com.a", {"com.a.Main", "A", 2147483647, "", "com.a.png"}}};
-    EXPECT_EQ(appcFileText(apps),
-              "[\n"
-              "    {\n"
-              "        \"activity\": \"com.a.Main\",\n"
-              "        \"appLabel\": \"A\",\n"
-              "        \"iconFileName\": \"com.a.png\",\n"
-              "        \"package\": \"com.a\",\n"
-              "        \"versionCode\": 2147483647,\n"
-              "        \"versionName\": \"\"\n"
-              "    },\n"
-              "    {\n"
-              "        \"activity\": \"com.b.Main\",\n"
-              "        \"appLabel\": \"B\",\n"
-              "        \"iconFileName\": \"com.b.png\",\n"
-              "        \"package\": \"com.b\",\n"
-              "        \"versionCode\": -5,\n"
-              "        \"versionName\": \"2.0\"\n"
-              "    }\n"
-              "]\n");
+    EXPECT_EQ(appcFileText(apps), R"([
+    {
+        "activity": "com.a.Main",
+        "appLabel": "A",
+        "iconFileName": "com.a.png",
+        "package": "com.a",
+        "versionCode": 2147483647,
+        "versionName": ""
+    },
+    {
+        "activity": "com.b.Main",
+        "appLabel": "B",
+        "iconFileName": "com.b.png",
+        "package": "com.b",
+        "versionCode": -5,
+        "versionName": "2.0"
+    }
+]
+)");
     EXPECT_EQ(appcListingText({*apps.begin()}, "D:\\Data\\Engine/Jeux é/AppCache/"),
               listingOf({{"com.a", "com.a.Main", "A", 2147483647, ""}},
                         R"(D:\\Data\\Engine/Jeux é/AppCache/)"));
@@ -243,7 +233,7 @@ TEST(AppcJson, EveryCharacterIsWrittenAsQtDoes) {
 TEST(AppcJson, RandomBytesAreWrittenAsQtDoes) {
     std::mt19937 random(5);
     const auto text = [&random] {
-        // Mostly the bytes that matter to UTF-8 and to JSON.
+        // Mostly bytes that have a meaning in UTF-8 or JSON.
         static constexpr char literal[] =
             "\0\x01\x1F\"\\/azé\xC0\xC3\xE2\xED\xEF\xF0\xF4\xF8\xFF\x80\x9F\xA0\xBB\xBF\x8F\x90";
         constexpr std::string_view bytes(literal, sizeof literal - 1);

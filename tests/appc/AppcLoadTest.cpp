@@ -12,7 +12,7 @@ using AppcLoadTest = AppcTest;
 const std::string kTwoApps =
     fileOf({{"com.a", "com.a.Main", "A", 1, "1.0"}, {"com.b", "com.b.Main", "日本 é", -2, "2"}});
 
-// The lines of a load that fails at a key.
+// The lines of a load that fails because of a key.
 Lines keyFailure(const std::string& what) {
     return {logged::cacheValueInvalid(what), logged::cacheNotLoaded()};
 }
@@ -28,13 +28,11 @@ TEST_F(AppcLoadTest, ReadsTheFile) {
 }
 
 TEST_F(AppcLoadTest, PackagesComeInByteOrder) {
-    std::vector<std::string> elements;
+    std::vector<PlainApp> apps;
     for (const char* package : {"é", "com.b", "com.B", "com.a.x", "com.a", "com.a-x"}) {
-        Element element;
-        element.package = '"' + std::string(package) + '"';
-        elements.push_back(element.text());
+        apps.push_back(updated(package));
     }
-    EXPECT_EQ(init(arrayOf(elements)), 0);
+    EXPECT_EQ(init(fileOf(apps)), 0);
     EXPECT_EQ(packages(), (Lines{"com.B", "com.a", "com.a-x", "com.a.x", "com.b", "é"}));
 }
 
@@ -96,7 +94,7 @@ TEST_F(AppcLoadTest, ALoadFollowsTheFile) {
     EXPECT_EQ(packages(), Lines{"com.c"});
 }
 
-TEST_F(AppcLoadTest, WhatIsNoArrayIsDeleted) {
+TEST_F(AppcLoadTest, AFileThatIsNotAnArrayIsDeleted) {
     for (const std::string& content :
          {std::string("{}"), std::string(), std::string(" \n"), std::string("null"),
           std::string("[\"\xFF\"]"), std::string("[]\0", 3), std::string("[] x"),
@@ -109,7 +107,7 @@ TEST_F(AppcLoadTest, WhatIsNoArrayIsDeleted) {
     }
 }
 
-TEST_F(AppcLoadTest, ByteOrderMarkAndCarriageReturnsAreNoHarm) {
+TEST_F(AppcLoadTest, AByteOrderMarkAndCarriageReturnsAreTolerated) {
     std::string text = "\xEF\xBB\xBF";
     for (const char c : kTwoApps) text += c == '\n' ? std::string("\r\n") : std::string(1, c);
     EXPECT_EQ(init(text), 0);
@@ -132,7 +130,7 @@ TEST_F(AppcLoadTest, AFileCutAnywhereIsDeletedAndTheNextSaveWritesAFreshOne) {
     EXPECT_EQ(count(), 2u);
 }
 
-TEST_F(AppcLoadTest, AnElementThatIsNoObjectKeepsTheAppsBeforeIt) {
+TEST_F(AppcLoadTest, AnElementThatIsNotAnObjectKeepsTheAppsBeforeIt) {
     Element a;
     Element b;
     b.package = R"("com.b")";
@@ -186,10 +184,8 @@ TEST_F(AppcLoadTest, EveryKeyMustBeThere) {
 }
 
 TEST_F(AppcLoadTest, EveryKeyMustHaveItsType) {
-    struct {
-        const char* value;
-        int type;
-    } const values[] = {{"true", 1}, {"1.5", 2}, {"\"x\"", 3}, {"[]", 4}, {"{}", 5}};
+    const std::pair<const char*, int> values[] = {
+        {"true", 1}, {"1.5", 2}, {"\"x\"", 3}, {"[]", 4}, {"{}", 5}};
     const std::pair<const char*, std::string Element::*> keys[] = {
         {"package", &Element::package},
         {"activity", &Element::activity},
@@ -228,7 +224,7 @@ TEST_F(AppcLoadTest, AFolderInPlaceOfTheFileStays) {
     EXPECT_TRUE(exists());
 }
 
-// Keeps a file open that nobody else may open.
+// Holds a file, so that no other process can open it.
 SUBPROCESS(holdsFile) {
     const HeldFile held(arguments[0]);
     std::puts(held.isHeld() ? "held" : "failed");
@@ -295,7 +291,7 @@ TEST_F(AppcLoadTest, ALookupOfAnUnknownPackageChangesNothing) {
 
 TEST_F(AppcLoadTest, AListingOpensTheInstanceAndHasTheIconsPaths) {
     write(arrayOf({Element().text()}));
-    std::string folder;  // as it stands in JSON
+    std::string folder;  // escaped, as in JSON
     for (const char c : dir()) folder += c == '\\' ? "\\\\" : std::string(1, c);
     std::string listing;
     EXPECT_EQ(appcListApps(store, "Nougat64", listing), 0);
@@ -325,9 +321,7 @@ TEST_F(AppcLoadTest, ALockThatCannotBeMadeIsTheResultAndTheCacheIsEmpty) {
     ASSERT_EQ(log.texts().size(), 1u) << "nothing is loaded";
     EXPECT_EQ(log.texts()[0].rfind(logged::mutexNotMade("Global\\vtr_appc_a\\b_nvo"), 0), 0u)
         << log.texts()[0];
-    std::list<std::string> packages;
-    appcGetPackages(product, packages);
-    EXPECT_EQ(packages, std::list<std::string>{});
+    EXPECT_EQ(packagesOf(product), Lines{});
 }
 
 TEST_F(AppcLoadTest, AnInstanceNameThatIsNotUtf8HasNoLock) {
@@ -346,9 +340,7 @@ TEST_F(AppcLoadTest, AFileThatCannotBeOpenedIsDeletedUnlessItIsHeld) {
         const bool isHeld = error == 32 || error == 33;
         EXPECT_EQ(log.texts(), Lines{isHeld ? logged::cacheKept(file(), error)
                                             : logged::cacheDeleted(file(), error)});
-        std::list<std::string> names;
-        appcGetPackages(closed, names);
-        EXPECT_TRUE(names.empty()) << error;
+        EXPECT_EQ(packagesOf(closed), Lines{}) << error;
         EXPECT_EQ(exists(), isHeld) << error;
         EXPECT_TRUE(isFileLockFree()) << error;
     }

@@ -1,4 +1,4 @@
-// Every operation beside every other, on threads of one process, with another process in between.
+// Every operation at the same time as every other, on two threads.
 #include <QJsonArray>
 
 #include "AppcFixture.h"
@@ -12,7 +12,7 @@ struct Operation {
     std::function<void(AppcStore& store, int round)> run;
 };
 
-// `data` is the folder that the store works in.
+// `data` is the store's folder.
 std::vector<Operation> operations(const std::string& data) {
     return {
         {"init", [](AppcStore& s, int) { EXPECT_EQ(appcLibInit(s, "Nougat64"), 0); }},
@@ -23,11 +23,7 @@ std::vector<Operation> operations(const std::string& data) {
          [](AppcStore& s, int) {
              static_cast<void>(appcGetApp(s, "com.a", nullptr, nullptr, nullptr, nullptr, nullptr));
          }},
-        {"list",
-         [](AppcStore& s, int) {
-             std::list<std::string> packages;
-             appcGetPackages(s, packages);
-         }},
+        {"list", [](AppcStore& s, int) { static_cast<void>(packagesOf(s)); }},
         {"listing",
          [](AppcStore& s, int) {
              std::string listing;
@@ -53,7 +49,7 @@ std::vector<Operation> operations(const std::string& data) {
     };
 }
 
-// Both operations as often as told, at the same time.
+// Runs both operations at the same time.
 void runBeside(AppcStore& store, const Operation& a, const Operation& b, int rounds) {
     std::atomic<int> waiting{2};
     const auto play = [&](const Operation& operation) {

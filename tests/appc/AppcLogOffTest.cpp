@@ -1,4 +1,4 @@
-// What is refused, with every level off: the same results, and not a line.
+// Refused calls with every log level off: the same results, and no line.
 #include "AppcFixture.h"
 #include "support/Platform.h"
 #include "support/SilentCalls.h"
@@ -15,7 +15,7 @@ class AppcLogOffTest : public AppcTest {
         return result;
     }
 
-    // Opens a cache and saves it to a disk that was set to fail.
+    // Opens a cache, and saves it to a disk that fails.
     int save(const std::function<void(FailingFiles&)>& fail, std::size_t removed) {
         FailingFiles files;
         fail(files);

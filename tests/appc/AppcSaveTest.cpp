@@ -10,12 +10,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using AppcSaveTest = AppcTest;
+class AppcSaveTest : public AppcTest {
+ protected:
+    // Expects a save to return this status, and to log this line.
+    void expectSave(XErr result, const std::string& line) {
+        log.clear();
+        EXPECT_EQ(appcSaveToFile(store), result);
+        EXPECT_EQ(log.texts(), Lines{line});
+    }
+};
 
 const std::vector<PlainApp> kOld{{"com.old", "com.old.Main", "Old", 1, "1.0"}};
 const std::vector<PlainApp> kNew{{"com.new", "com.new.Main", "New", 2, "2.0"}};
 
-// Puts the apps into the cache alone.
+// Replaces the apps in memory.
 void setApps(AppcStore& store, const std::vector<PlainApp>& apps) {
     const std::lock_guard<AppcLock> guard(store.lock);
     store.apps.clear();
@@ -25,7 +33,7 @@ void setApps(AppcStore& store, const std::vector<PlainApp>& apps) {
     }
 }
 
-// Ends the process, without any clean-up, at the step of that number.
+// Ends the process at the step with this number, without clean-up.
 class DyingFiles final : public FailingFiles {
  public:
     explicit DyingFiles(int lastStep) : left_(lastStep) {}
@@ -58,6 +66,17 @@ class DyingFiles final : public FailingFiles {
     }
 
     int left_;
+};
+
+// A cache on a disk that can fail, with the old apps in its file and the new ones in memory.
+struct FailingStore : ForeignStore {
+    explicit FailingStore(const std::string& data) : ForeignStore(data, files) {
+        writeBytes(instanceDir("Nougat64") + "AppCache.json", fileOf(kOld));
+        EXPECT_EQ(appcLibInit(*this, "Nougat64"), 0);
+        setApps(*this, kNew);
+    }
+
+    FailingFiles files;
 };
 
 }  // namespace
@@ -97,32 +116,25 @@ TEST_F(AppcSaveTest, ASavedCacheIsLoadedAgainByteForByte) {
 
 TEST_F(AppcSaveTest, WithoutTheInstancesFolderTheCachesFolderCannotBeCreated) {
     ASSERT_EQ(appcLibInit(store, "New"), 0);
-    log.clear();
-    EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheFolderNotMade(dir("New"), "XERR_NOENT [2]")});
+    expectSave(XERR_NOENT, logged::cacheFolderNotMade(dir("New"), "XERR_NOENT [2]"));
     EXPECT_FALSE(data.has("Engine\\New"));
 }
 
 TEST_F(AppcSaveTest, BeforeTheCacheIsOpenedThereIsNowhereToSaveTo) {
-    EXPECT_EQ(appcSaveToFile(store), XERR_NOENT);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheFolderNotMade("", "XERR_NOENT [2]")});
+    expectSave(XERR_NOENT, logged::cacheFolderNotMade("", "XERR_NOENT [2]"));
 }
 
 TEST_F(AppcSaveTest, AFileInPlaceOfTheFolderIsAFailedOpen) {
     data.write("Engine\\Nougat64\\AppCache", "x");
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
-    log.clear();
-    EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
+    expectSave(-1, logged::cacheNotOpenedForWriting(file()));
     EXPECT_EQ(data.read("Engine\\Nougat64\\AppCache"), "x");
 }
 
 TEST_F(AppcSaveTest, AFolderInPlaceOfTheFileIsAFailedOpen) {
     data.makeFolder("Engine\\Nougat64\\AppCache\\AppCache.json");
     ASSERT_EQ(appcLibInit(store, "Nougat64"), 0);
-    log.clear();
-    EXPECT_EQ(appcSaveToFile(store), -1);
-    EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(file())});
+    expectSave(-1, logged::cacheNotOpenedForWriting(file()));
     EXPECT_EQ(list(), Lines{"AppCache.json"}) << "nothing was written";
 }
 
@@ -131,7 +143,7 @@ TEST_F(AppcSaveTest, AFileThatMustNotBeWrittenIsAFailedOpen) {
     setApps(store, kNew);
     fs::permissions(systemPath(file()), fs::perms::owner_read | fs::perms::group_read);
     log.clear();
-    // A system's administrator may write every file.
+    // An administrator may write every file on some systems.
     const bool refused = appcSaveToFile(store) != 0;
     fs::permissions(systemPath(file()), fs::perms::all);
     if (!refused) GTEST_SKIP() << "needs Windows, whose read-only files are so for everybody";
@@ -142,17 +154,14 @@ TEST_F(AppcSaveTest, AFileThatMustNotBeWrittenIsAFailedOpen) {
 
 TEST_F(AppcSaveTest, AnExceptionLeavesTheOldFileAloneAndNoLock) {
     for (bool FailingFiles::*thrower : {&FailingFiles::throwInWrite, &FailingFiles::throwInMove}) {
-        FailingFiles files;
-        ForeignStore failing(data.path(), files);
-        write(fileOf(kOld));
-        ASSERT_EQ(appcLibInit(failing, "Nougat64"), 0);
-        setApps(failing, kNew);
-        files.*thrower = true;
+        write("");
+        FailingStore failing(data.path());
+        failing.files.*thrower = true;
         EXPECT_THROW(static_cast<void>(appcSaveToFile(failing)), std::bad_alloc);
         EXPECT_EQ(read(), fileOf(kOld));
         EXPECT_EQ(list(), Lines{"AppCache.json"});
         EXPECT_TRUE(isFileLockFree());
-        files.*thrower = false;
+        failing.files.*thrower = false;
         EXPECT_EQ(appcSaveToFile(failing), 0);
         EXPECT_EQ(read(), fileOf(kNew));
     }
@@ -208,18 +217,16 @@ TEST_F(AppcSaveTest, EveryStepThatFailsLeavesTheOldFileWhole) {
         {[](FailingFiles& f) { f.failMove = true; }, -1, failed, 1},
     };
     for (const auto& [arrange, result, line, removed] : cases) {
-        FailingFiles files;
-        ForeignStore failing(data.path(), files);
-        write(fileOf(kOld));
-        ASSERT_EQ(appcLibInit(failing, "Nougat64"), 0);
-        setApps(failing, kNew);
-        arrange(files);
+        SCOPED_TRACE(line);
+        write("");
+        FailingStore failing(data.path());
+        arrange(failing.files);
         log.clear();
-        EXPECT_EQ(appcSaveToFile(failing), result) << line;
+        EXPECT_EQ(appcSaveToFile(failing), result);
         EXPECT_EQ(log.texts(), Lines{line});
-        EXPECT_EQ(read(), fileOf(kOld)) << line;
-        EXPECT_EQ(list(), Lines{"AppCache.json"}) << line;
-        EXPECT_EQ(files.removed.size(), removed) << line;
+        EXPECT_EQ(read(), fileOf(kOld));
+        EXPECT_EQ(list(), Lines{"AppCache.json"});
+        EXPECT_EQ(failing.files.removed.size(), removed);
     }
 }
 
@@ -233,7 +240,7 @@ SUBPROCESS(savesAndDies) {
 }
 
 TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
-    constexpr int kMoved = 8;  // the step behind the move
+    constexpr int kMoved = 8;  // the step after the move
     for (int step = 1;; ++step) {
         ASSERT_EQ(init(fileOf(kOld)), 0);
         const ChildResult child =
@@ -245,14 +252,13 @@ TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
         }
         ASSERT_EQ(child.status, 7u) << step;
         EXPECT_EQ(read(), fileOf(step < kMoved ? kOld : kNew)) << step;
-        // The next one saves as if nothing had been.
         setApps(store, {});
         ASSERT_EQ(appcSaveToFile(store), 0) << step;
         EXPECT_EQ(read(), "[\n]\n");
     }
 }
 
-// Saves and loads the same cache in turn; the apps of one save all carry its writer and its number.
+// Saves and loads the same cache in turn. The apps of a save all have its writer and its number.
 SUBPROCESS(savesAndLoads) {
     LogCapture log;
     ForeignStore store(arguments[0]);
@@ -321,7 +327,6 @@ TEST_F(AppcSaveTest, ChildrenThatStartMeanwhileNeverBlockASave) {
                                   {builtProgram("appc_test.exe"), "--subprocess", "staysAlive",
                                    signs.next()}),
                       0);
-            // Spread over all the saves.
             while (saves < kSaves * i / kChildren) sleepMs(1);
         }
     });

@@ -57,23 +57,19 @@ class EventsTest : public PlainHostTest {
  protected:
     EventsTest() { writeConf("vtr.instance.Nougat64.dpi=\"240\"\n"); }
 
-    // A host that is initialised as "Helper", and no program is installed.
+    // A host that plays a script after its initialisation as "Helper". No program is installed.
     ChildProcess startHost(const Script& script) const {
         ChildProcess host =
             start(with({"registry", "InstallDir", "C:\\None\\", "init", "Helper"}, script));
         EXPECT_EQ(host.readLine(), "init 0");
         return host;
     }
-    ChildProcess startHost(std::string_view words) const { return startHost(script(words)); }
 
-    // The same, and plays the operations before "served"; returns when the host serves its events.
+    // A host that plays `before`, serves its events, and plays `after`.
     ChildProcess startServing(const Script& before, const Script& after) const {
         ChildProcess host = startHost(with(with(before, {"served", "Helper"}), after));
         EXPECT_EQ(host.readLine(), "served");
         return host;
-    }
-    ChildProcess startServing(std::string_view before, std::string_view after) const {
-        return startServing(script(before), script(after));
     }
 
     static void send(RawPipe& pipe, std::string_view packets) { EXPECT_TRUE(pipe.write(packets)); }
@@ -130,11 +126,12 @@ class EventsTest : public PlainHostTest {
     }
 
     // What a host with the callbacks of a mask prints for packets that make so many calls.
-    Lines linesFor(const std::string& mask, const std::string& packets, int calls) const {
+    Lines linesFor(const std::string& mask, const std::string& packets, int calls,
+                   std::uint32_t status = 0) const {
         ChildProcess host = startHost({"register", mask, "wait", std::to_string(calls), "fini"});
         RawPipe pipe(connectToHelper());
         send(pipe, packets);
-        return restOf(host);
+        return restOf(host, status);
     }
 
     // A second copy of the library, which a host loads and unloads.
@@ -191,10 +188,7 @@ TEST_F(EventsTest, ASlotThatIsNullIsPassedOver) {
 }
 
 TEST_F(EventsTest, Slot3WithoutSlot4EndsTheHostAtAListUpdate) {
-    ChildProcess host = startHost("register 4 wait 1 fini");
-    RawPipe pipe(connectToHelper());
-    send(pipe, instanceListUpdatedPacket());
-    EXPECT_EQ(restOf(host, kFatalStatus), Lines{});
+    EXPECT_EQ(linesFor("4", instanceListUpdatedPacket(), 1, kFatalStatus), Lines{});
     expectBreak("BRIDGE", "Source/bridge/BridgeIpcClbk");
 }
 
@@ -244,10 +238,8 @@ TEST_F(EventsTest, MalformedPacketsOnConnectionsOfTheirOwnLeaveNothingBehind) {
 
 TEST_F(EventsTest, ALengthBelowTheHeaderEndsTheHostWithItsLines) {
     for (const std::uint32_t length : {0u, 11u, 0x8000000Cu, 0xFFFFFFFFu}) {
-        ChildProcess host = startHost({"register", kAllSlots, "wait", "1", "fini"});
-        RawPipe pipe(connectToHelper());
-        send(pipe, bytesOf(3003u) + bytesOf(length) + bytesOf(0u));
-        EXPECT_EQ(restOf(host, kFatalStatus), Lines{});
+        const std::string packet = bytesOf(3003u) + bytesOf(length) + bytesOf(0u);
+        EXPECT_EQ(linesFor(kAllSlots, packet, 1, kFatalStatus), Lines{});
         const Lines lines = log();
         const std::string rest = std::to_string(static_cast<std::int32_t>(length - 12));
         EXPECT_EQ(lines.at(lines.size() - 2), logged::byHelper(logged::lengthInvalid(
@@ -273,12 +265,10 @@ TEST_F(EventsTest, EveryFunctionWorksInsideEachCallback) {
     const std::string last = std::to_string(100 + KNOWN_EVENT_COUNT - 1);
     const std::string isEven = last.find_last_of("02468") + 1 == last.size() ? "1" : "0";
     for (const char* file : {"vantrel.conf", "Inside.conf"}) {
-        const std::string text = data.read(file);
-        for (const std::string& line :
-             {"vtr.instance.Nougat64.dpi=\"" + last + "\"\n",
-              "vtr.enable_statusbar=\"" + isEven + "\"\n", "vtr.locale=\"place " + last + "\"\n",
-              "vtr.shared_folders=\"place " + last + "\"\n"}) {
-            EXPECT_NE(text.find(line), std::string::npos) << file << ": " << line;
+        for (const std::string& value :
+             {"vtr.instance.Nougat64.dpi=\"" + last, "vtr.enable_statusbar=\"" + isEven,
+              "vtr.locale=\"place " + last, "vtr.shared_folders=\"place " + last}) {
+            EXPECT_NE(data.read(file).find(value + "\"\n"), std::string::npos) << file << value;
         }
     }
 }
@@ -301,15 +291,16 @@ TEST_F(EventsTest, ACallbackThatBlocksDelaysTheOthersAndLosesNone) {
 }
 
 TEST_F(EventsTest, TheEndWaitsForACallbackThatRuns) {
-    ChildProcess host = startServing("block 500 register 128", "waitbegun 1 fini");
+    ChildProcess host =
+        startServing({"block", "500", "register", "128"}, {"waitbegun", "1", "fini"});
     RawPipe pipe(connectToHelper());
     send(pipe, appDisplayedPacket("1", "a"));
     EXPECT_EQ(restOf(host), (Lines{"waited 1", "appDisplayed 1|a", "fini 0"}));
 }
 
 TEST_F(EventsTest, ASecondHostOfANameLogsAnErrorAndTheFirstGetsTheEvents) {
-    ChildProcess first = startServing("register 128", "wait 1 fini");
-    ChildProcess second = startHost("register 128 fini");
+    ChildProcess first = startServing({"register", "128"}, {"wait", "1", "fini"});
+    ChildProcess second = startHost({"register", "128", "fini"});
     EXPECT_EQ(restOf(second), Lines{"fini 0"});
     EXPECT_EQ(loggedErrors(), Lines{logged::byHelper(logged::notListening(
                                   kHelperServer, "8(QLocalServer::listen: Address in use)"))});

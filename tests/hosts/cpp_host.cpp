@@ -1,11 +1,11 @@
 // A host over the C++ wrapper: cpp_host DATA-FOLDER SCENE
 //
 //     all      prints every event
-//     throws   a function that throws, and then one that does not
-//     raw      the same with a bare function of the C interface
-//     empty    no function set but the last
-//     calls    what the other functions answer
-//     files    initialisations with other files, and a commit into another
+//     throws   a callback that throws
+//     raw      a callback of the C interface that throws, and another one
+//     empty    only the last callback
+//     calls    the results of the other functions
+//     files    initialisations with other files, and a commit to another
 #include <cstdio>
 #include <exception>
 #include <stdexcept>

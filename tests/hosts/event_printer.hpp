@@ -7,13 +7,13 @@
 #include <string>
 #include <thread>
 
-// The events that a C++ host gets, printed as the plain host prints them.
+// Prints the events of a C++ host as the plain host does.
 class EventPrinter {
  public:
-    // Functions that print; the object must outlive them.
+    // Functions that print. The object must outlive them.
     bridge::Callbacks callbacks();
 
-    // Waits until so many events were printed; false after half a minute.
+    // Waits until so many events were printed. Returns false after half a minute.
     bool waitFor(int count);
 
  private:

@@ -1,10 +1,12 @@
 // A host with Qt of its own: qt_host DATA-FOLDER ORDER
 //
-//     before     the application object is made first, and runs its loop while events come
-//     after      the library comes first, and the application object on the same thread
-//     ended      the application object is gone again before the library comes
-//     none       there is none
-//     elsewhere  the library comes first on the main thread, the object on another: Qt warns
+// ORDER says when the application object is created. Its loop runs while events arrive.
+//
+//     before     before the library is initialised
+//     after      afterwards, on the same thread
+//     ended      before, and deleted again
+//     none       never
+//     elsewhere  afterwards, on another thread: Qt warns
 #include <QCoreApplication>
 #include <QTimer>
 #include <cstdio>
@@ -34,7 +36,7 @@ void startLibrary(EventPrinter& printer) {
     bridge::registerCallbacks(printer.callbacks());
 }
 
-// Lets the application's loop run until every event has come.
+// Runs the application's loop until every event has arrived.
 void runLoop(EventPrinter& printer) {
     std::thread waiting([&printer] {
         printer.waitFor(KNOWN_EVENT_COUNT);

@@ -19,7 +19,7 @@
 
 #include "support/RegistrySandbox.h"
 
-// Included afterwards, as hosts do that know nothing of it: whole, and with its own macros.
+// After bridge.hpp, as in hosts of any kind: complete, with its own macros.
 #include <windows.h>
 static_assert(sizeof(WNDCLASSW) > 0 && sizeof(SERVICE_STATUS) > 0, "no part of it is left out");
 
@@ -30,9 +30,11 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kLimit = std::chrono::seconds(60);  // several times what any wait takes
 
+const FreshInstance kFresh{"Nougat64", "2", "2048", "aga", "dx", "s21"};
+
 void say(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
-// The text of what a call throws.
+// The type and text of what a call throws.
 template <typename Call>
 std::string thrownBy(Call call) {
     try {
@@ -47,7 +49,7 @@ std::string thrownBy(Call call) {
     return "nothing";
 }
 
-// Whether a key takes a value, which the compiler decides.
+// Whether a key takes a value, at compile time.
 template <typename Key, typename Value, typename = void>
 constexpr bool kTakes = false;
 template <typename Key, typename Value>
@@ -138,7 +140,7 @@ void playChanged(const std::string& folder) {
     conf::commit().orThrow();
     say(thrownBy([] { conf::getI32("vtr.instance.Nougat64.dpi"); }));
     say(thrownBy([] { conf::getBool("vtr.status.raw_mode"); }));
-    // What the file lacks again stays in the library; a new start reads the instance's again.
+    // A value that the file no longer has stays until the next initialisation.
     write("vtr.instance.Nougat64.max_fps=\"60\"\n");
     conf::setI32("vtr.instance.Nougat64.max_fps", 20).orThrow();
     conf::commit().orThrow();
@@ -206,16 +208,13 @@ std::string statusOf(const Work<Outcome>& work) {
     return outcome ? std::to_string(outcome->status) : "none";
 }
 
-// The events come when all have begun, from the test.
+// The test sends the events when the host listens.
 void playWorks() {
     say(thrownBy([] { work::launchApp("Nougat64", "p").wait(); }));
     EventQueue events;
-    const auto first = work::createFreshInstance({"Nougat64", "2", "2048", "aga", "dx", "s21"});
-    {
-        const auto forgotten =
-            work::createFreshInstance({"Nougat64", "2", "2048", "aga", "dx", "s21"});
-    }
-    const auto third = work::createFreshInstance({"Nougat64", "2", "2048", "aga", "dx", "s21"});
+    const auto first = work::createFreshInstance(kFresh);
+    { const auto forgotten = work::createFreshInstance(kFresh); }
+    const auto third = work::createFreshInstance(kFresh);
     const auto one = work::installApk("Nougat64", "C:\\a.apk");
     const auto same = work::installApk("Nougat64", "C:\\a.apk");
     const auto other = work::installApk("Nougat64", "C:\\b.apk");
@@ -234,7 +233,7 @@ void playWorks() {
 }
 
 void playNoProgram() {
-    const auto work = work::createFreshInstance({"Nougat64", "2", "2048", "aga", "dx", "s21"});
+    const auto work = work::createFreshInstance(kFresh);
     say(std::to_string(work.status().code()));
     say(thrownBy([&work] { work.wait(); }));
 }
@@ -250,7 +249,7 @@ void playListen() {
     say(ended.ok ? "listening" : ended.text);
 }
 
-// Holds the name until it is killed.
+// Serves the events until it is killed.
 void playHold() {
     listenOrSay();
     EventQueue queue;

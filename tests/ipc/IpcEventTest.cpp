@@ -1,4 +1,4 @@
-// The library's table of events against the tests' own, and against the public header.
+// The library's table of events, compared with the tests' own and with the public header.
 #include "ipc/IpcEvent.h"
 
 #include <regex>

@@ -1,4 +1,4 @@
-// The watcher of an event, on a thread with an event loop that the test runs.
+// The watcher of an event, on a thread whose event loop the test runs.
 #include "ipc/IpcEventWatcherWinnt.h"
 
 #include <QEventLoop>
@@ -9,17 +9,18 @@
 
 namespace {
 
-// How often the event loop of this thread has been told, and where.
-struct Told {
-    int times = 0;
+// A watcher and its event, and the calls that it makes in this thread's event loop.
+struct Watched {
+    int calls = 0;
     QThread* thread = nullptr;
     QEventLoop loop;
-
-    void operator()() {
-        ++times;
+    IpcEventWatcher watcher{[this] {
+        ++calls;
         thread = QThread::currentThread();
         loop.quit();
-    }
+    }};
+
+    void set() const { ::SetEvent(watcher.handle()); }
 };
 
 bool isSet(const IpcEventWatcher& watcher) {
@@ -28,29 +29,27 @@ bool isSet(const IpcEventWatcher& watcher) {
 
 }  // namespace
 
-TEST(IpcEventWatcherTest, EachTimeTheEventIsSetTheThreadThatMadeTheWatcherIsTold) {
+TEST(IpcEventWatcherTest, EachSettingOfTheEventIsACallOnTheThreadOfTheWatcher) {
     onQtThread([] {
-        Told told;
-        IpcEventWatcher watcher([&told] { told(); });
-        ASSERT_TRUE(watcher.watch());
+        Watched event;
+        ASSERT_TRUE(event.watcher.watch());
         for (int i = 1; i <= 100; ++i) {
-            ::SetEvent(watcher.handle());
-            told.loop.exec();
-            EXPECT_EQ(told.times, i);
-            EXPECT_EQ(told.thread, QThread::currentThread());
-            EXPECT_FALSE(isSet(watcher));
+            event.set();
+            event.loop.exec();
+            EXPECT_EQ(event.calls, i);
+            EXPECT_EQ(event.thread, QThread::currentThread());
+            EXPECT_FALSE(isSet(event.watcher));
         }
     });
 }
 
-TEST(IpcEventWatcherTest, WhatWasSetBeforeTheWatchIsTold) {
+TEST(IpcEventWatcherTest, ASettingBeforeTheWatchIsACall) {
     onQtThread([] {
-        Told told;
-        IpcEventWatcher watcher([&told] { told(); });
-        ::SetEvent(watcher.handle());
-        ASSERT_TRUE(watcher.watch());
-        told.loop.exec();
-        EXPECT_EQ(told.times, 1);
+        Watched event;
+        event.set();
+        ASSERT_TRUE(event.watcher.watch());
+        event.loop.exec();
+        EXPECT_EQ(event.calls, 1);
     });
 }
 
@@ -73,34 +72,32 @@ TEST(IpcEventWatcherTest, ASettingDuringACallLeadsToAnother) {
     });
 }
 
-TEST(IpcEventWatcherTest, SettingsThatABusyLoopHasNotBeenToldOfAreOneCall) {
+TEST(IpcEventWatcherTest, SettingsBeforeTheLoopRunsAreOneCall) {
     onQtThread([] {
-        Told told;
-        IpcEventWatcher watcher([&told] { told(); });
-        ASSERT_TRUE(watcher.watch());
+        Watched event;
+        ASSERT_TRUE(event.watcher.watch());
         for (int i = 0; i < 50; ++i) {
-            ::SetEvent(watcher.handle());
-            while (isSet(watcher)) sleepMs(1);
+            event.set();
+            while (isSet(event.watcher)) sleepMs(1);
         }
-        told.loop.exec();
-        told.loop.processEvents();
-        EXPECT_EQ(told.times, 1);
+        event.loop.exec();
+        event.loop.processEvents();
+        EXPECT_EQ(event.calls, 1);
     });
 }
 
-// However the end and the setting meet: nothing waits on, and nothing is told to what is gone.
-TEST(IpcEventWatcherTest, AWatcherThatEndsWhileItsEventIsSetTellsNobody) {
+TEST(IpcEventWatcherTest, AWatcherThatEndsWhileItsEventIsSetMakesNoCall) {
     onQtThread([] {
         for (int i = 0; i < 500; ++i) {
-            Told told;
+            int calls = 0;
             {
-                IpcEventWatcher watcher([&told] { told(); });
+                IpcEventWatcher watcher([&calls] { ++calls; });
                 ASSERT_TRUE(watcher.watch());
                 if (i % 3 != 0) ::SetEvent(watcher.handle());
                 if (i % 3 == 2) sleepMs(1);
             }
-            told.loop.processEvents();
-            EXPECT_EQ(told.times, 0);
+            QEventLoop().processEvents();
+            EXPECT_EQ(calls, 0);
         }
     });
 }

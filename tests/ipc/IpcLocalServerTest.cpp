@@ -1,4 +1,4 @@
-// The server itself, on a thread that the test runs.
+// The server alone, on the test's thread.
 #include "ipc/IpcLocalServer.h"
 
 #include <QEventLoop>

@@ -1,4 +1,4 @@
-// Peers that go away at each moment of an event and of a request.
+// Peers that leave at each moment of an event and of a request.
 #include "ServerFixture.h"
 #include "ipc/IpcConnection.h"
 #include "plr/client/PlrEnc.h"
@@ -17,7 +17,7 @@ std::int32_t printNothing(std::int32_t, std::int32_t, const char*, const char*, 
     return 0;
 }
 
-// Without a log, whose lines would be the memory that grows.
+// Without a log, whose lines would grow the heap.
 class IpcPeerDeathTest : public ServerFixture {
  protected:
     IpcPeerDeathTest() {
@@ -31,8 +31,7 @@ class IpcPeerDeathTest : public ServerFixture {
 
     const XlogLogger before = xlogGetLogger();
 
-    // Plays one round of each moment again and again, expects that nothing is left, and gives how
-    // many rounds there were.
+    // Plays each moment in many rounds, expects no growth, and returns the number of rounds.
     static int inRounds(const std::function<void(std::size_t moment)>& play, std::size_t moments) {
         const auto all = [&] {
             for (std::size_t moment = 0; moment < moments && !HasFailure(); ++moment) play(moment);
@@ -50,15 +49,15 @@ class IpcPeerDeathTest : public ServerFixture {
     }
 };
 
-// The packets that clients send whole, each its own. They are counted and not kept: what the heap
-// has more is the library's.
+// The whole packets of the clients. They are counted and not kept, so the heap grows by the
+// library's memory only.
 enum Sent : std::size_t {
     BEFORE_ACCEPT,
     EVENT,
     EVENT_AND_A_PIECE,
     ASKING,
     ASKING_FIRST,
-    EVENT_BEHIND,
+    EVENT_AFTER,
     HOLDING,
     LAST,
     KINDS
@@ -75,7 +74,7 @@ const std::array<std::string, KINDS>& packets() {
         eventOf(EVENT_AND_A_PIECE),
         packetOf(3003, "", 100'000),
         packetOf(3003, bytesOf(std::uint32_t{ASKING_FIRST}), 100'000),
-        eventOf(EVENT_BEHIND),
+        eventOf(EVENT_AFTER),
         eventOf(HOLDING),
         eventOf(LAST)};
     return all;
@@ -85,7 +84,7 @@ std::array<std::atomic<int>, KINDS> arrived;
 std::atomic<int> unknown;
 std::atomic<int> released;  // how many of those that hold the server's thread
 
-// Keeps the server's thread at one kind of packet until the test lets it go.
+// Blocks the server's thread at one kind of packet until the test releases it.
 bool countKinds(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*,
                 std::int32_t) {
     const std::string_view bytes(reinterpret_cast<const char*>(packet),
@@ -114,7 +113,7 @@ TEST_F(IpcPeerDeathTest, ClientsThatDieAtEachMomentOfAnEvent) {
                      event,
                      whole[EVENT_AND_A_PIECE] + event.substr(0, 5),
                      whole[ASKING],
-                     whole[ASKING_FIRST] + whole[EVENT_BEHIND]};
+                     whole[ASKING_FIRST] + whole[EVENT_AFTER]};
     for (std::atomic<int>& count : arrived) count = 0;
     unknown = 0;
     released = 0;
@@ -135,7 +134,8 @@ TEST_F(IpcPeerDeathTest, ClientsThatDieAtEachMomentOfAnEvent) {
             left = true;
         });
         while (!came) sleepMs(1);
-        for (int i = 0; i < 5 && !left; ++i) sleepMs(1);  // Windows lets it go when it is heard
+        for (int i = 0; i < 5 && !left; ++i)
+            sleepMs(1);  // on Windows it leaves when it is accepted
         released = holds;
         client.join();
     };

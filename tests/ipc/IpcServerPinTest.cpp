@@ -1,4 +1,4 @@
-// When the server's thread object lets go of the module that its code is in.
+// When the server's thread object releases the module of its code.
 #include "ipc/IpcServer.h"
 #include "proof/ImportTable.h"
 #include "support/LogCapture.h"
@@ -8,9 +8,9 @@
 namespace {
 
 int freed;
-int freedBefore;  // the module was let go
+int freedBefore;  // the module was released
 
-// The runtime's own, past the import table.
+// The runtime's own.
 void reallyFree(void* memory) { static_cast<void>(std::realloc(memory, 0)); }
 
 void countFreed(void* memory) {
@@ -18,7 +18,7 @@ void countFreed(void* memory) {
     reallyFree(memory);
 }
 
-// The module is this program, which stays.
+// The module is this program, which must stay loaded.
 BOOL WINAPI letGo(HMODULE module) {
     EXPECT_EQ(module, ::GetModuleHandleW(nullptr));
     EXPECT_EQ(freedBefore, -1) << "once";
@@ -30,14 +30,14 @@ bool ignore(QLocalSocket*, const std::uint8_t*, std::int32_t, void*, std::int32_
 
 }  // namespace
 
-TEST(IpcServerPinTest, TheModuleIsLetGoWhenTheOtherMembersAreGone) {
+TEST(IpcServerPinTest, TheModuleIsReleasedAfterTheOtherMembers) {
     const LogOff off;
     auto server = std::make_unique<IpcServerThread>(std::string(100, 'n'), ignore);
     freed = 0;
     freedBefore = -1;
     {
         const ReplacedImport<void(void*)> counted("free", countFreed);
-        const ReplacedImport<decltype(::FreeLibrary)> held("FreeLibrary", letGo);
+        const auto held = REPLACED(FreeLibrary, letGo);
         server.reset();
     }
     EXPECT_EQ(freedBefore, 1) << "the name, which is a member";

@@ -16,7 +16,7 @@ namespace {
 
 std::atomic<bool> released{true};
 
-// Keeps the server's thread until the test lets it go.
+// Blocks the server's thread until the test releases it.
 bool seeWhenReleased(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length,
                      void* reply, std::int32_t replyLength) {
     while (!released) sleepMs(1);
@@ -25,14 +25,14 @@ bool seeWhenReleased(QLocalSocket* socket, const std::uint8_t* packet, std::int3
 
 class IpcServerTest : public ServerFixture {
  protected:
-    // Before the capture goes, into which the server's thread logs.
+    // Before the end of the capture, since the server's thread logs.
     ~IpcServerTest() override { stop(); }
 
     bool waitForLine(const std::string& part) const {
         return waitUntil([&] { return countLines(part) > 0; });
     }
 
-    // A client's packet arrives.
+    // Expects a client's packet to arrive.
     void expectServed(const std::string& packet = packetOf(1, "")) const {
         RawPipe client(connect());
         ASSERT_TRUE(client.write(packet));
@@ -48,7 +48,6 @@ class IpcServerTest : public ServerFixture {
         return found;
     }
 
-    // Every connection's end was told.
     void expectEveryEndIsLogged() const {
         EXPECT_EQ(countLines("AboutToClose cleaning info"),
                   countLines(logged::connectionStep("IpcConnectionInfo", name)) *
@@ -167,7 +166,7 @@ TEST_F(IpcServerTest, APacketWhoseBodyComesInALaterDeliveryGetsNoReply) {
     log.clear();
 }
 
-TEST_F(IpcServerTest, WhatAClientWroteBeforeItWasAcceptedArrivesAlthoughItHasLeft) {
+TEST_F(IpcServerTest, BytesThatAClientWroteBeforeItWasAcceptedArriveAfterItHasLeft) {
     start(seeWhenReleased);
     released = false;
     const std::string first = packetOf(1, "");

@@ -1,5 +1,4 @@
-// The rows and worked examples of docs/reference/protocol.md, against what the library sends and
-// reads.
+// The rows and examples of docs/reference/protocol.md, and what the library sends and reads.
 #include <regex>
 
 #include "KnownRequests.h"
@@ -9,7 +8,7 @@
 
 namespace {
 
-// Example to bytes of each request, as the page has them.
+// The bytes of each request on the page, by its example.
 std::map<std::string, std::string> pageExamples() {
     static const std::regex row(
         R"(\| \d+ \| [^|]* \| `([a-z]+[A-Za-z]*Rpc\([^`]*\))` \| `([0-9A-F ]+)` \|)");
@@ -21,7 +20,7 @@ std::map<std::string, std::string> pageExamples() {
     return rows;
 }
 
-// A row of the page about an event.
+// An event's row of the page.
 struct EventRow {
     std::string opcode;
     std::string fields;
@@ -41,26 +40,14 @@ std::vector<EventRow> pageEvents() {
     return rows;
 }
 
-std::string typeName(IpcEventFieldType type) {
-    switch (type) {
-        case IPC_TEXT:
-            return "text";
-        case IPC_I32:
-            return "i32";
-        case IPC_DOUBLE:
-            return "double";
-        case IPC_FLAG:
-            break;
-    }
-    return "flag";
-}
-
-// The fields of an event as the page has them.
+// The fields of an event as the page lists them.
 std::string fieldList(const IpcEvent& event) {
+    static const std::map<IpcEventFieldType, std::string> types{
+        {IPC_TEXT, "text"}, {IPC_I32, "i32"}, {IPC_DOUBLE, "double"}, {IPC_FLAG, "flag"}};
     std::string list;
     for (std::size_t i = 0; i < event.fieldCount; ++i) {
         list += list.empty() ? "" : ", ";
-        list += typeName(event.fields[i].type) + " " + event.fields[i].name;
+        list += types.at(event.fields[i].type) + " " + event.fields[i].name;
     }
     return list.empty() ? "none" : list;
 }
@@ -113,7 +100,7 @@ TEST(ProtocolPage, EveryEventHasTheFieldsThatTheLibraryReads) {
     }
 }
 
-TEST(ProtocolPage, EveryEventIsLaidOutAsTheValuesAre) {
+TEST(ProtocolPage, TheBytesOfEveryEventAreThoseOfItsValues) {
     for (const EventRow& row : pageEvents()) {
         const KnownEvent& event = knownEvent(row.example.at(0));
         const Words values(row.example.begin() + 1, row.example.end());

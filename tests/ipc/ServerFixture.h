@@ -5,7 +5,7 @@
 #include "support/Lines.h"
 #include "support/TestHeaders.h"
 
-// What the decoder of the tests saw. A decoder is a plain function, so there is one of these.
+// What the tests' decoder saw. Global, since a decoder is a plain function.
 struct Seen {
     std::mutex lock;
     std::condition_variable changed;
@@ -21,7 +21,7 @@ extern Seen seen;
 bool see(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length, void* reply,
          std::int32_t replyLength);
 
-// A server under a name of the test's own.
+// A server with a name of its own.
 class ServerFixture : public ::testing::Test {
  protected:
     ServerFixture();
@@ -30,7 +30,7 @@ class ServerFixture : public ::testing::Test {
     void start(IpcDecode decode = see);
     void stop();  // no record of a connection may be left behind
 
-    // Until there are so many records of connections, in the whole process.
+    // Waits until the process has so many records of connections.
     static bool waitForRecords(int wanted);
 
     // Connects as soon as an instance of the pipe is free; the handle is the caller's.

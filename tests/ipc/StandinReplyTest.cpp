@@ -1,16 +1,17 @@
-// The one request with a reply, against the real stand-in player and its misbehaviour.
+// The request with a reply, sent to a stand-in player that misbehaves.
 #include "plr/client/PlrEnc.h"
 #include "support/ChildProcess.h"
 #include "support/LogCapture.h"
 #include "support/TempFolder.h"
 #include "support/TestHeaders.h"
+#include "support/WaitUntil.h"
 #include "support/WindowsForTests.h"
 
 namespace {
 
 class StandinReplyTest : public ::testing::Test {
  protected:
-    // Asks a stand-in with this script, and gives its answer.
+    // Asks a stand-in with this script, and returns its reply.
     std::uint64_t ask(const std::string& script) {
         static int count = 0;
         const std::string instance =
@@ -20,11 +21,9 @@ class StandinReplyTest : public ::testing::Test {
                                {"QX_STANDIN_SCRIPT", folder.write("script", script)},
                                {"QX_STANDIN_SECONDS", "10"}};
         ChildProcess player(standinProgram("QX-Player.exe"), {"--instance", instance}, options);
-        for (int i = 0; i < 400 && (!folder.has("out.txt") ||
-                                    folder.read("out.txt").find("serving") == std::string::npos);
-             ++i) {
-            ::Sleep(10);
-        }
+        waitUntil([this] {
+            return folder.has("out.txt") && output().find("serving") != std::string::npos;
+        });
         IpcClient client;
         ipcClientInit(client, "vtr_plr_" + instance + "_nvo");
         client.waitMs = 2000;
@@ -54,7 +53,7 @@ TEST_F(StandinReplyTest, ASplitAndLateReplyIsCollected) {
     EXPECT_EQ(ask("delay 200\nsplit 3\nreply 0102030405060708"), 0x0807060504030201u);
 }
 
-TEST_F(StandinReplyTest, GarbageBehindTheReplyIsIgnored) { EXPECT_EQ(ask("garbage 20"), 1u); }
+TEST_F(StandinReplyTest, GarbageAfterTheReplyIsIgnored) { EXPECT_EQ(ask("garbage 20"), 1u); }
 
 TEST_F(StandinReplyTest, AShortReplyAnswersZero) { EXPECT_EQ(ask("short 3"), 0u); }
 

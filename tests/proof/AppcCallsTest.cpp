@@ -36,12 +36,6 @@ bool refuse() {
     return true;
 }
 
-using OddOpen = ReplacedImport<decltype(::CreateFileW)>;
-using OddRead = ReplacedImport<decltype(::ReadFile)>;
-using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
-using OddAttributes = ReplacedImport<decltype(::GetFileAttributesW)>;
-using OddSleep = ReplacedImport<decltype(::Sleep)>;
-
 constexpr char kOpen[] = "CreateFileW";
 constexpr char kRead[] = "ReadFile";
 constexpr char kMove[] = "MoveFileExW";
@@ -104,7 +98,7 @@ class AppcCallsTest : public ::testing::Test {
 
     // Loads a new file while so many calls are refused, and expects this number of calls.
     void load(int refusals, int error, int calls) {
-        const OddSleep sleeping("Sleep", countSleep);
+        const auto sleeping = REPLACED(Sleep, countSleep);
         writeFile();
         log.clear();
         refuseNext(refusals, error);
@@ -114,7 +108,7 @@ class AppcCallsTest : public ::testing::Test {
 
     // Loads while all tries but the last are refused.
     void expectReadAtTheLastTry() {
-        const OddSleep sleeping("Sleep", countSleep);
+        const auto sleeping = REPLACED(Sleep, countSleep);
         for (const int error :
              {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
             refuseNext(kTries - 1, error);
@@ -141,7 +135,7 @@ class AppcCallsTest : public ::testing::Test {
 }  // namespace
 
 TEST_F(AppcCallsTest, NoFileIsInherited) {
-    const OddOpen counting("CreateFileW", countInherited);
+    const auto counting = REPLACED(CreateFileW, countInherited);
     data.write("Shared\\icon.png", "icon");
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     EXPECT_EQ(seen.calls, 1) << "the read";
@@ -154,7 +148,7 @@ TEST_F(AppcCallsTest, NoFileIsInherited) {
 }
 
 TEST_F(AppcCallsTest, AFolderIsNotMovedWhereItsPathWithASeparatorCannotBeOpened) {
-    const OddOpen windows("CreateFileW", refuseTrailingSeparator);
+    const auto windows = REPLACED(CreateFileW, refuseTrailingSeparator);
     data.write("Shared\\sub\\x", "x");
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     for (const char* icon : {"", "/", "\\", "./", "sub/", "sub\\", "sub//"}) {
@@ -168,7 +162,7 @@ TEST_F(AppcCallsTest, AFolderIsNotMovedWhereItsPathWithASeparatorCannotBeOpened)
 TEST_F(AppcCallsTest, AnIconWhoseAttributesAreRefusedIsNotMoved) {
     data.write("Shared\\icon.png", "icon");
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddAttributes refusing(kAttributes, refuseSome<kAttributes, -1>);
+    const auto refusing = REPLACED(GetFileAttributesW, refuseSome<kAttributes, -1>);
     refuseNext(1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(update("com.b", "icon.png"), 0);
     EXPECT_TRUE(data.has("Shared\\icon.png"));
@@ -176,13 +170,13 @@ TEST_F(AppcCallsTest, AnIconWhoseAttributesAreRefusedIsNotMoved) {
 }
 
 TEST_F(AppcCallsTest, AnOpenThatIsRefusedForAMomentIsTriedAgain) {
-    const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
+    const auto refusing = REPLACED(CreateFileW, refuseSome<kOpen, -1>);
     expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
+        const auto refusing = REPLACED(CreateFileW, refuseSome<kOpen, -1>);
         load(kTries, error, kTries);
         EXPECT_EQ(packages(), Lines{}) << error;
         const bool isDenied = error == ERROR_ACCESS_DENIED;
@@ -194,7 +188,7 @@ TEST_F(AppcCallsTest, AnOpenThatStaysRefusedKeepsAHeldFileOnly) {
 TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
     for (const int error : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_WRITE_PROTECT,
                             ERROR_IO_DEVICE, ERROR_FILE_CORRUPT}) {
-        const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
+        const auto refusing = REPLACED(CreateFileW, refuseSome<kOpen, -1>);
         load(1, error, 1);
         EXPECT_EQ(seen.sleptMs, 0u) << error;
         EXPECT_EQ(log.texts(), deleted(error));
@@ -203,20 +197,20 @@ TEST_F(AppcCallsTest, AnOpenThatFailsForAnotherReasonIsNotTriedAgain) {
 }
 
 TEST_F(AppcCallsTest, AnOpenThatFailsWithoutAnErrorIsAFailureToo) {
-    const OddOpen refusing(kOpen, refuseSome<kOpen, -1>);
+    const auto refusing = REPLACED(CreateFileW, refuseSome<kOpen, -1>);
     refuseNext(1, ERROR_SUCCESS);
     EXPECT_EQ(appcLibInit(store, "Calls"), 0);
     EXPECT_EQ(log.texts(), deleted(ERROR_GEN_FAILURE));
 }
 
 TEST_F(AppcCallsTest, BytesThatAreRefusedForAMomentAreReadAgain) {
-    const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
+    const auto refusing = REPLACED(ReadFile, refuseSome<kRead, FALSE>);
     expectReadAtTheLastTry();
 }
 
 TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
     for (const int error : {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
+        const auto refusing = REPLACED(ReadFile, refuseSome<kRead, FALSE>);
         load(kTries, error, kTries);
         EXPECT_EQ(log.texts(), kept(error));
         EXPECT_EQ(update("com.b", ""), -1) << error;
@@ -229,7 +223,7 @@ TEST_F(AppcCallsTest, BytesThatStayHeldKeepTheFileAndRefuseSaves) {
 
 TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
     for (const int error : {ERROR_IO_DEVICE, ERROR_ACCESS_DENIED}) {
-        const OddRead refusing(kRead, refuseSome<kRead, FALSE>);
+        const auto refusing = REPLACED(ReadFile, refuseSome<kRead, FALSE>);
         load(kTries, error, error == ERROR_IO_DEVICE ? 1 : kTries);
         EXPECT_EQ(log.texts(), Lines{logged::cacheNotAnArray(path())});
         EXPECT_FALSE(data.has(kFile)) << error;
@@ -238,7 +232,7 @@ TEST_F(AppcCallsTest, BytesThatCannotBeReadForAnotherReasonAreNoArray) {
 
 TEST_F(AppcCallsTest, AFileWhoseAttributesAreRefusedIsNotMissing) {
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-        const OddAttributes refusing(kAttributes, refuseSome<kAttributes, -1>);
+        const auto refusing = REPLACED(GetFileAttributesW, refuseSome<kAttributes, -1>);
         refuseNext(1, error);
         EXPECT_EQ(appcLibInit(store, "Calls"), 0) << error;
         EXPECT_EQ(packages(), Lines{"com.a"}) << error;
@@ -249,8 +243,8 @@ TEST_F(AppcCallsTest, AFileWhoseAttributesAreRefusedIsNotMissing) {
 TEST_F(AppcCallsTest, ARenameThatIsRefusedForAMomentIsTriedAgain) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
     for (const int error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
-        const OddMove refusing(kMove, refuseSome<kMove, FALSE>);
-        const OddSleep sleeping("Sleep", countSleep);
+        const auto refusing = REPLACED(MoveFileExW, refuseSome<kMove, FALSE>);
+        const auto sleeping = REPLACED(Sleep, countSleep);
         refuseNext(kTries - 1, error);
         EXPECT_EQ(appcSaveToFile(store), 0) << error;
         EXPECT_EQ(seen.calls, kTries) << error;
@@ -261,8 +255,8 @@ TEST_F(AppcCallsTest, ARenameThatIsRefusedForAMomentIsTriedAgain) {
 
 TEST_F(AppcCallsTest, ARenameThatStaysRefusedLeavesTheOldFile) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddMove refusing(kMove, refuseSome<kMove, FALSE>);
-    const OddSleep sleeping("Sleep", countSleep);
+    const auto refusing = REPLACED(MoveFileExW, refuseSome<kMove, FALSE>);
+    const auto sleeping = REPLACED(Sleep, countSleep);
     refuseNext(kTries, ERROR_SHARING_VIOLATION);
     EXPECT_EQ(appcSyncInstalledApps(store, R"({"apps": []})"), -1);
     EXPECT_EQ(seen.calls, kTries);
@@ -272,7 +266,7 @@ TEST_F(AppcCallsTest, ARenameThatStaysRefusedLeavesTheOldFile) {
 
 TEST_F(AppcCallsTest, AFileThatIsReadOnlyIsNotReplaced) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddAttributes readOnly("GetFileAttributesW", [](LPCWSTR) -> DWORD {
+    const auto readOnly = REPLACED(GetFileAttributesW, [](LPCWSTR) -> DWORD {
         return FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
     });
     EXPECT_EQ(appcSaveToFile(store), -1);
@@ -282,8 +276,8 @@ TEST_F(AppcCallsTest, AFileThatIsReadOnlyIsNotReplaced) {
 
 TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddAttributes folder("GetFileAttributesW",
-                               [](LPCWSTR) -> DWORD { return FILE_ATTRIBUTE_DIRECTORY; });
+    const auto folder =
+        REPLACED(GetFileAttributesW, [](LPCWSTR) -> DWORD { return FILE_ATTRIBUTE_DIRECTORY; });
     EXPECT_EQ(appcSaveToFile(store), -1);
     EXPECT_EQ(log.texts(), Lines{logged::cacheNotOpenedForWriting(path())});
     EXPECT_EQ(data.read(kFile), kOneApp);
@@ -291,7 +285,7 @@ TEST_F(AppcCallsTest, AFolderIsNotReplaced) {
 
 TEST_F(AppcCallsTest, AFileWhoseAttributesAreRefusedIsRenamedAllTheSame) {
     ASSERT_EQ(appcLibInit(store, "Calls"), 0);
-    const OddAttributes refusing("GetFileAttributesW", [](LPCWSTR path) -> DWORD {
+    const auto refusing = REPLACED(GetFileAttributesW, [](LPCWSTR path) -> DWORD {
         static const auto attributes =
             systemFunction<decltype(::GetFileAttributesW)>("GetFileAttributesW");
         const std::wstring_view text(path);

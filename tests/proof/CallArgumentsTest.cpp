@@ -116,23 +116,12 @@ TEST_F(StartArguments, TheStandardHandlesAreGivenWithoutEffect) {
     const StandardHandle error(STD_ERROR_HANDLE);
     EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
     ASSERT_EQ(starts.size(), 1u);
-    const STARTUPINFOW& startup = starts[0].startup;
-    EXPECT_EQ(startup.cb, 104u);
-    EXPECT_EQ(startup.dwFlags, 0u) << "so that the handles mean nothing";
-    EXPECT_EQ(startup.hStdInput, input.own);
-    EXPECT_EQ(startup.hStdOutput, output.own);
-    EXPECT_EQ(startup.hStdError, error.own);
-    EXPECT_EQ(startup.lpReserved, nullptr);
-    EXPECT_EQ(startup.lpDesktop, nullptr);
-    EXPECT_EQ(startup.lpTitle, nullptr);
-    for (const DWORD number :
-         {startup.dwX, startup.dwY, startup.dwXSize, startup.dwYSize, startup.dwXCountChars,
-          startup.dwYCountChars, startup.dwFillAttribute}) {
-        EXPECT_EQ(number, 0u);
-    }
-    EXPECT_EQ(startup.wShowWindow, 0);
-    EXPECT_EQ(startup.cbReserved2, 0);
-    EXPECT_EQ(startup.lpReserved2, nullptr);
+    STARTUPINFOW expected{};  // no flag, so the handles mean nothing
+    expected.cb = 104;
+    expected.hStdInput = input.own;
+    expected.hStdOutput = output.own;
+    expected.hStdError = error.own;
+    EXPECT_EQ(std::memcmp(&starts[0].startup, &expected, sizeof expected), 0);
 }
 
 TEST_F(StartArguments, TheProcessGoesToTheCallerAndItsThreadIsClosed) {
@@ -221,18 +210,13 @@ TEST_F(ElevationArguments, TheShellIsAskedForNothingButTheStart) {
     EXPECT_EQ(elevations[0].verb, L"runas");
     EXPECT_EQ(elevations[0].file, LR"(C:\P\x.exe)");
     EXPECT_EQ(elevations[0].parameters, LR"("a b" "C:\\")");
-    const SHELLEXECUTEINFOW& info = elevations[0].info;
-    EXPECT_EQ(info.cbSize, 112u);
-    EXPECT_EQ(info.fMask, 0u) << "which asks for no process handle";
-    EXPECT_EQ(info.hwnd, nullptr);
-    EXPECT_EQ(info.lpDirectory, nullptr);
-    EXPECT_EQ(info.nShow, 1) << "SW_SHOWNORMAL";
-    EXPECT_EQ(info.lpIDList, nullptr);
-    EXPECT_EQ(info.lpClass, nullptr);
-    EXPECT_EQ(info.hkeyClass, nullptr);
-    EXPECT_EQ(info.dwHotKey, 0u);
-    EXPECT_EQ(info.hIcon, nullptr);
-    EXPECT_EQ(info.hProcess, nullptr);
+    SHELLEXECUTEINFOW expected{};  // no mask, so no process handle is requested
+    expected.cbSize = 112;
+    expected.lpVerb = elevations[0].info.lpVerb;
+    expected.lpFile = elevations[0].info.lpFile;
+    expected.lpParameters = elevations[0].info.lpParameters;
+    expected.nShow = SW_SHOWNORMAL;
+    EXPECT_EQ(std::memcmp(&elevations[0].info, &expected, sizeof expected), 0);
     EXPECT_EQ(handle, &handle) << "as the caller set it";
 }
 
@@ -277,7 +261,7 @@ HANDLE WINAPI seeMutex(LPSECURITY_ATTRIBUTES attributes, BOOL initialOwner, LPCW
 
 TEST(MutexArguments, TheMutexIsOpenToEveryoneAndNotInherited) {
     mutexRequest = {};
-    const ReplacedImport<decltype(::CreateMutexW)> seen("CreateMutexW", seeMutex);
+    const auto seen = REPLACED(CreateMutexW, seeMutex);
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init("Global\\vtr_日本_nvo"), 0);
     EXPECT_EQ(mutexRequest.count, 1);
@@ -292,7 +276,7 @@ TEST(MutexArguments, TheMutexIsOpenToEveryoneAndNotInherited) {
 TEST(MutexArguments, ANameThatIsNotUtf8IsNotAskedFor) {
     mutexRequest = {};
     const LogCapture log;
-    const ReplacedImport<decltype(::CreateMutexW)> seen("CreateMutexW", seeMutex);
+    const auto seen = REPLACED(CreateMutexW, seeMutex);
     XmutexNamed mutex;
     EXPECT_EQ(mutex.init("\xFF"), -1);
     EXPECT_EQ(mutexRequest.count, 0);
@@ -301,8 +285,8 @@ TEST(MutexArguments, ANameThatIsNotUtf8IsNotAskedFor) {
 
 TEST(MutexArguments, AnEmptyNameIsWindowsToJudge) {
     const LogCapture log;
-    const ReplacedImport<decltype(::CreateMutexW)> refused(
-        "CreateMutexW", [](LPSECURITY_ATTRIBUTES, BOOL, LPCWSTR name) -> HANDLE {
+    const auto refused =
+        REPLACED(CreateMutexW, [](LPSECURITY_ATTRIBUTES, BOOL, LPCWSTR name) -> HANDLE {
             ::SetLastError(*name == L'\0' ? ERROR_INVALID_NAME : ERROR_GEN_FAILURE);
             return nullptr;
         });
@@ -376,13 +360,11 @@ SUBPROCESS(trimsOneOfThree) {
     registry.set("InstallDir", "C:\\Apps\\");
     for (HANDLE& process : processes) process = newEvent();
     const ReplacedImport<decltype(::EnumProcesses)> list("K32EnumProcesses", listThree);
-    const ReplacedImport<decltype(::OpenProcess)> open("OpenProcess", openOfThree);
+    const auto open = REPLACED(OpenProcess, openOfThree);
     const ReplacedImport<decltype(::EnumProcessModules)> modules("K32EnumProcessModules",
                                                                  listModules);
-    const ReplacedImport<decltype(::QueryFullProcessImageNameW)> path("QueryFullProcessImageNameW",
-                                                                      pathOfThree);
-    const ReplacedImport<decltype(::SetProcessWorkingSetSize)> trim("SetProcessWorkingSetSize",
-                                                                    trimOfThree);
+    const auto path = REPLACED(QueryFullProcessImageNameW, pathOfThree);
+    const auto trim = REPLACED(SetProcessWorkingSetSize, trimOfThree);
     const LogCapture log;
     if (utlTrimMemoryAllProcs() != 0) return 1;
     for (const std::string& call : processCalls) std::printf("%s\n", call.c_str());

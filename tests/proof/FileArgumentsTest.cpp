@@ -77,7 +77,7 @@ TEST_F(InheritanceArguments, EveryFileOfACommitIsPrivate) {
 
 // In a process of its own, whose log it is.
 SUBPROCESS(opensTheLog) {
-    const ReplacedImport<decltype(::CreateFileW)> seen("CreateFileW", seeOpen);
+    const auto seen = REPLACED(CreateFileW, seeOpen);
     if (xlogSetFile(arguments[0]) != 0) return 1;
     for (const std::string& line : opens) std::printf("%s\n", line.c_str());
     return 0;
@@ -127,8 +127,8 @@ void logLinesOf(int writer) {
 
 // In a process of its own, whose log it is.
 SUBPROCESS(logsFromSeveralThreads) {
-    const ReplacedImport<decltype(::CreateFileW)> opening("CreateFileW", seeAccess);
-    const ReplacedImport<decltype(::WriteFile)> writing("WriteFile", seeWrite);
+    const auto opening = REPLACED(CreateFileW, seeAccess);
+    const auto writing = REPLACED(WriteFile, seeWrite);
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     std::vector<std::thread> threads;
     for (int i = 0; i < kWriters; ++i) threads.emplace_back(logLinesOf, i);
@@ -268,8 +268,8 @@ TEST_F(PathArguments, APathInTheLongFormStaysAsItIs) {
 }
 
 TEST_F(PathArguments, APathWithoutAnAbsoluteFormIsPassedAsItIs) {
-    const ReplacedImport<decltype(::GetFullPathNameW)> refused(
-        "GetFullPathNameW", [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD { return 0; });
+    const auto refused =
+        REPLACED(GetFullPathNameW, [](LPCWSTR, DWORD, LPWSTR, LPWSTR*) -> DWORD { return 0; });
     const std::string path = folder / nameFor(248);
     static_cast<void>(xfileExists(path));
     EXPECT_EQ(handed, Lines{"GetFileAttributesW " + path});

@@ -9,9 +9,11 @@ void replaceImport(const char* module, const char* name, void* replacement, void
 
 // Replaces an imported function while it lives:
 //
-//     const ReplacedImport<decltype(::CancelIoEx)> refused("CancelIoEx", [](...) -> BOOL {...});
+//     const auto refused = REPLACED(CancelIoEx, [](...) -> BOOL {...});
 //
 // The module's calls on other threads go to the replacement too.
+#define REPLACED(function, ...) (ReplacedImport<decltype(::function)>(#function, __VA_ARGS__))
+
 template <typename Function>
 class ReplacedImport {
  public:
@@ -37,7 +39,7 @@ void* systemAddress(const char* name, const char* module);
 
 // A replacement that only fails with this Windows error:
 //
-//     const ReplacedImport<decltype(::ReadFile)> refused("ReadFile", failing<ERROR_CRC, FALSE>);
+//     const auto refused = REPLACED(ReadFile, failing<ERROR_CRC, FALSE>);
 template <unsigned long kError, auto kResult, typename Result, typename... Arguments>
 Result failing(Arguments... /*ignored*/) {
     setSystemError(kError);

@@ -13,12 +13,6 @@
 
 namespace {
 
-using OddCreate = ReplacedImport<decltype(::CreateNamedPipeW)>;
-using OddConnect = ReplacedImport<decltype(::ConnectNamedPipe)>;
-using OddResult = ReplacedImport<decltype(::GetOverlappedResult)>;
-using OddCancel = ReplacedImport<decltype(::CancelIoEx)>;
-using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
-
 std::string pipeName;
 
 // The arguments that the pipe's instances were created with, in order.
@@ -161,7 +155,7 @@ class PipeRefusals : public ::testing::Test {
 }  // namespace
 
 TEST_F(PipeRefusals, ANameThatAnotherProcessTakesFirst) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
     refusal = ERROR_ACCESS_DENIED;
     launch();
     EXPECT_EQ(awaitError(), listenError(8, "Address in use"));
@@ -169,7 +163,7 @@ TEST_F(PipeRefusals, ANameThatAnotherProcessTakesFirst) {
 }
 
 TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsTheName) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
     start();
     expectServed(1);
     stop();
@@ -187,8 +181,8 @@ TEST_F(PipeRefusals, EveryInstanceIsForEveryoneOfThisMachineAndTheFirstClaimsThe
 
 // Freeing memory in between must not change the error.
 TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
-    const ReplacedImport<decltype(::LocalFree)> free("LocalFree", [](HLOCAL memory) -> HLOCAL {
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
+    const auto free = REPLACED(LocalFree, [](HLOCAL memory) -> HLOCAL {
         const HLOCAL left = systemFunction<decltype(::LocalFree)>("LocalFree")(memory);
         ::SetLastError(ERROR_INVALID_HANDLE);
         return left;
@@ -201,7 +195,7 @@ TEST_F(PipeRefusals, TheErrorIsThatOfTheRefusedCall) {
 // The access list is made once, so a later shortage of memory does not matter.
 TEST_F(PipeRefusals, AClientNeedsNoNewAccessList) {
     start();
-    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
+    const auto sid = REPLACED(AllocateAndInitializeSid, failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
     for (std::uint32_t i = 1; i <= 20; ++i) expectServed(i);
     EXPECT_EQ(errors(), Lines{});
 }
@@ -217,28 +211,28 @@ TEST_F(PipeRefusals, TheNameIsFreeAgainAlthoughAClientKeepsItsEnd) {
 }
 
 TEST_F(PipeRefusals, AnyOtherRefusalAtTheStartIsLoggedWithTheSystemsText) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
     expectNoServer(listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
 }
 
 TEST_F(PipeRefusals, WithoutAnAccessListThereIsNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
+    const auto sid = REPLACED(AllocateAndInitializeSid, failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
     expectNoAccessList("8", ERROR_NOT_ENOUGH_MEMORY);
 }
 
 TEST_F(PipeRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoPipe) {
-    const RefusedSid sid("AllocateAndInitializeSid", failing<ERROR_SUCCESS, FALSE>);
+    const auto sid = REPLACED(AllocateAndInitializeSid, failing<ERROR_SUCCESS, FALSE>);
     expectNoAccessList("0", ERROR_GEN_FAILURE);
 }
 
 TEST_F(PipeRefusals, AnInstanceThatFailsWithoutAnErrorDoesNotListen) {
-    const OddConnect odd("ConnectNamedPipe", failing<ERROR_SUCCESS, FALSE>);
+    const auto odd = REPLACED(ConnectNamedPipe, failing<ERROR_SUCCESS, FALSE>);
     expectNoServer(listenError(-1, systemErrorText(ERROR_GEN_FAILURE)));
 }
 
 TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
-    const OddConnect odd("ConnectNamedPipe", connectWhenAllowed);
+    const auto odd = REPLACED(ConnectNamedPipe, connectWhenAllowed);
     refusal = ERROR_INVALID_PARAMETER;
     expectNoServer(listenError(-1, systemErrorText(ERROR_INVALID_PARAMETER)));
     stop();
@@ -249,7 +243,7 @@ TEST_F(PipeRefusals, AnInstanceThatCannotWaitForItsClientIsClosed) {
 
 // The refused instances are retried, with one line for all attempts; the others continue.
 TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
     start();
     const Lines line{"E IPC IpcLocalServer: no instance for the next client, error 1816"};
     for (std::size_t round = 1; round <= 2; ++round) {
@@ -265,7 +259,7 @@ TEST_F(PipeRefusals, InstancesThatAreRefusedComeBackAndTheirClientsGetIn) {
 }
 
 TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutALine) {
-    const OddCreate odd("CreateNamedPipeW", createWhenAllowed);
+    const auto odd = REPLACED(CreateNamedPipeW, createWhenAllowed);
     start();
     {
         const LogOff off;
@@ -284,7 +278,7 @@ TEST_F(PipeRefusals, WithTheLogOffAnInstanceComesBackWithoutALine) {
 // A client that connects between the creation of an instance and its wait.
 TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
     static RawPipe* early;
-    const OddConnect odd("ConnectNamedPipe", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
+    const auto odd = REPLACED(ConnectNamedPipe, [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
         if (armed.exchange(0) != 0) early = new RawPipe(connectRaw(pipeName));
         const BOOL ok = callSystem<kConnect, BOOL>(pipe, overlapped);
         // Succeeds, as it might on another system.
@@ -305,14 +299,14 @@ TEST_F(PipeRefusals, AnInstanceWhoseWaitEndsAtOnceHasItsClient) {
 
 // The connection of a client that has left ends at once.
 TEST_F(PipeRefusals, AWaitThatEndsWithAnErrorIsAClientToo) {
-    const OddResult odd("GetOverlappedResult",
-                        [](HANDLE pipe, LPOVERLAPPED overlapped, LPDWORD count, BOOL wait) -> BOOL {
-                            const BOOL ok =
-                                callSystem<kResult, BOOL>(pipe, overlapped, count, wait);
-                            if (!ok || armed.exchange(0) == 0) return ok;
-                            ::SetLastError(ERROR_NO_DATA);
-                            return FALSE;
-                        });
+    const auto odd =
+        REPLACED(GetOverlappedResult,
+                 [](HANDLE pipe, LPOVERLAPPED overlapped, LPDWORD count, BOOL wait) -> BOOL {
+                     const BOOL ok = callSystem<kResult, BOOL>(pipe, overlapped, count, wait);
+                     if (!ok || armed.exchange(0) == 0) return ok;
+                     ::SetLastError(ERROR_NO_DATA);
+                     return FALSE;
+                 });
     start();
     armed = 1;
     expectServed(1);
@@ -326,7 +320,7 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
     static std::atomic<int> cancelled;
     static std::vector<std::thread> slow;
     cancelled = 0;
-    const OddCancel odd("CancelIoEx", [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
+    const auto odd = REPLACED(CancelIoEx, [](HANDLE pipe, LPOVERLAPPED overlapped) -> BOOL {
         slow.emplace_back([pipe, overlapped] {
             sleepMs(20);
             ++cancelled;
@@ -344,8 +338,7 @@ TEST_F(PipeRefusals, TheEndWaitsForWaitsThatAreSlowToBeCancelled) {
 }
 
 TEST_F(PipeRefusals, WithoutAnEventNothingIsServed) {
-    const ReplacedImport<decltype(::CreateEventW)> odd("CreateEventW",
-                                                       failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
+    const auto odd = REPLACED(CreateEventW, failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
     expectNoServer(listenError(4, "Out of resources"));
 }
 

@@ -44,12 +44,6 @@ std::atomic<int> calls;
 
 constexpr const char* kMutexName = "Global\\vtr_test_refusals";
 
-using RefusedSid = ReplacedImport<decltype(::AllocateAndInitializeSid)>;
-using RefusedAcl = ReplacedImport<decltype(::SetEntriesInAclW)>;
-using RefusedMemory = ReplacedImport<decltype(::LocalAlloc)>;
-using RefusedDescriptor = ReplacedImport<decltype(::InitializeSecurityDescriptor)>;
-using RefusedDacl = ReplacedImport<decltype(::SetSecurityDescriptorDacl)>;
-
 // Returns its error. The thread's last error is another one.
 DWORD WINAPI refuseAcl(ULONG, PEXPLICIT_ACCESSW, PACL, PACL*) {
     return refuse(ERROR_BUSY, DWORD{ERROR_INVALID_PARAMETER});
@@ -73,34 +67,35 @@ void expectNoMutex(const std::string& step, int status) {
 }
 
 TEST(MutexRefusals, EveryoneCannotBeNamed) {
-    const RefusedSid refused("AllocateAndInitializeSid", failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
+    const auto refused =
+        REPLACED(AllocateAndInitializeSid, failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
     expectNoMutex("AllocateAndInitializeSid Error 8", XERR_NOMEM);
 }
 
 TEST(MutexRefusals, TheAccessListCannotBeMade) {
-    const RefusedAcl refused("SetEntriesInAclW", refuseAcl);
+    const auto refused = REPLACED(SetEntriesInAclW, refuseAcl);
     expectNoMutex("SetEntriesInAcl Error 87", XERR_INVAL);
 }
 
 TEST(MutexRefusals, ThereIsNoMemoryForTheDescriptor) {
-    const RefusedMemory refused("LocalAlloc", failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
+    const auto refused = REPLACED(LocalAlloc, failing<ERROR_NOT_ENOUGH_MEMORY, nullptr>);
     expectNoMutex("InitializeSecurityDescriptor Error 8", XERR_NOMEM);
 }
 
 TEST(MutexRefusals, TheDescriptorCannotBeInitialised) {
-    const RefusedDescriptor refused("InitializeSecurityDescriptor",
-                                    failing<ERROR_UNKNOWN_REVISION, FALSE>);
+    const auto refused =
+        REPLACED(InitializeSecurityDescriptor, failing<ERROR_UNKNOWN_REVISION, FALSE>);
     expectNoMutex("InitializeSecurityDescriptor Error 1305", 101305);
 }
 
 TEST(MutexRefusals, TheAccessListCannotBeSet) {
-    const RefusedDacl refused("SetSecurityDescriptorDacl", failing<ERROR_INVALID_ACL, FALSE>);
+    const auto refused = REPLACED(SetSecurityDescriptorDacl, failing<ERROR_INVALID_ACL, FALSE>);
     expectNoMutex("SetSecurityDescriptorDacl Error 1336", 101336);
 }
 
 // Without its access list the mutex would shut other users out.
 TEST(MutexRefusals, AnAccessListThatFailsWithoutAnErrorMakesNoMutex) {
-    const RefusedSid refused("AllocateAndInitializeSid", failing<ERROR_SUCCESS, FALSE>);
+    const auto refused = REPLACED(AllocateAndInitializeSid, failing<ERROR_SUCCESS, FALSE>);
     expectNoMutex("AllocateAndInitializeSid Error 0", 100000);
 }
 
@@ -108,8 +103,8 @@ TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
     XmutexNamed mutex;
     const LogCapture log;
     {
-        const RefusedSid refused("AllocateAndInitializeSid",
-                                 failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
+        const auto refused =
+            REPLACED(AllocateAndInitializeSid, failing<ERROR_NOT_ENOUGH_MEMORY, FALSE>);
         EXPECT_EQ(mutex.init(kMutexName), -1);
     }
     EXPECT_EQ(mutex.init(kMutexName), 0);
@@ -119,11 +114,6 @@ TEST(MutexRefusals, AnObjectThatWasRefusedCanBeInitialisedLater) {
 }
 
 // Files.
-
-using RefusedSize = ReplacedImport<decltype(::GetFileSizeEx)>;
-using OddWrite = ReplacedImport<decltype(::WriteFile)>;
-using OddMove = ReplacedImport<decltype(::MoveFileExW)>;
-using OddFullPath = ReplacedImport<decltype(::GetFullPathNameW)>;
 
 BOOL WINAPI hugeSize(HANDLE, PLARGE_INTEGER size) {
     size->QuadPart = 0x80000000LL;
@@ -197,7 +187,7 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
     const ConfCatalogue catalogue = confProductCatalogue();
     ConfStore store(catalogue, confDiskFiles());
     {
-        const RefusedSize refused("GetFileSizeEx", failing<ERROR_INVALID_FUNCTION, FALSE>);
+        const auto refused = REPLACED(GetFileSizeEx, failing<ERROR_INVALID_FUNCTION, FALSE>);
         EXPECT_EQ(confLibInit(store, path, false), -1);
     }
     EXPECT_EQ(log.texts(), Lines{logged::confNotRead(path)});
@@ -206,19 +196,19 @@ TEST_F(FileRefusals, AConfigurationWithoutASizeIsAFailedRead) {
 }
 
 TEST_F(FileRefusals, AnAppCacheWithoutASizeIsNoArrayAndIsDeleted) {
-    const RefusedSize refused("GetFileSizeEx", failing<ERROR_INVALID_FUNCTION, FALSE>);
+    const auto refused = REPLACED(GetFileSizeEx, failing<ERROR_INVALID_FUNCTION, FALSE>);
     expectDeletedCache();
 }
 
 TEST_F(FileRefusals, AnAppCacheOf2GiBIsNotReadAndIsDeleted) {
-    const RefusedSize huge("GetFileSizeEx", hugeSize);
+    const auto huge = REPLACED(GetFileSizeEx, hugeSize);
     expectDeletedCache();
 }
 
 TEST_F(FileRefusals, AnAppCacheWhoseAttributesAreRefusedIsOpenedAllTheSame) {
     Cache cache(folder);
-    const ReplacedImport<decltype(::GetFileAttributesW)> refused(
-        "GetFileAttributesW", failing<ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES>);
+    const auto refused =
+        REPLACED(GetFileAttributesW, failing<ERROR_ACCESS_DENIED, INVALID_FILE_ATTRIBUTES>);
     EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
     EXPECT_EQ(cache.packages(), Lines{"com.a"});
     EXPECT_EQ(log.texts(), Lines{});
@@ -229,7 +219,7 @@ TEST_F(FileRefusals, AnAppCacheThatCannotBeWrittenStaysAsItWas) {
     ASSERT_EQ(appcLibInit(cache, "Refusals"), 0);
     const std::string before = readBytes(cache.file());
     {
-        const OddWrite refused("WriteFile", refuseWrite);
+        const auto refused = REPLACED(WriteFile, refuseWrite);
         EXPECT_EQ(appcSaveToFile(cache), -1);
     }
     EXPECT_EQ(log.texts(), Lines{logged::cacheNotWritten(cache.file())});
@@ -241,7 +231,7 @@ TEST_F(FileRefusals, ADeviceThatTakesNothingIsAnError) {
     Xfile file;
     ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::WriteNew), 0);
     std::size_t done = 77;
-    const OddWrite nothing("WriteFile", writeNothing);
+    const auto nothing = REPLACED(WriteFile, writeNothing);
     EXPECT_EQ(xfileWriteAll(file, "abc", 3, done), XERR_IO);
     EXPECT_EQ(done, 0u);
 }
@@ -252,7 +242,7 @@ TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
     ASSERT_EQ(xfileOpen(file, folder / "f", XfileMode::Read), 0);
     std::size_t done = 77;
     char bytes[6] = {};
-    const ReplacedImport<decltype(::ReadFile)> failing("ReadFile", readTwoThenFailWithTwo);
+    const auto failing = REPLACED(ReadFile, readTwoThenFailWithTwo);
     EXPECT_EQ(xfileReadAll(file, bytes, sizeof bytes, done), XERR_IO);
     EXPECT_EQ(calls, 2);
     EXPECT_EQ(done, 4u);
@@ -260,7 +250,7 @@ TEST_F(FileRefusals, WhatAFailingReadMovedIsCounted) {
 }
 
 TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
-    const OddMove held("MoveFileExW", moveAtTheThirdAttempt);
+    const auto held = REPLACED(MoveFileExW, moveAtTheThirdAttempt);
     const std::string source = folder.write("a", "");
     constexpr DWORD kHeld[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION};
     for (const DWORD error : kHeld) {
@@ -272,7 +262,7 @@ TEST_F(FileRefusals, AFileBrieflyHeldIsTriedAgain) {
 }
 
 TEST_F(FileRefusals, AMoveThatKeepsFailingReturnsItsStatusAfterItsTries) {
-    const OddMove refused("MoveFileExW", neverMove);
+    const auto refused = REPLACED(MoveFileExW, neverMove);
     const std::string source = folder.write("a", "");
     const struct {
         const char* what;
@@ -294,14 +284,14 @@ TEST_F(FileRefusals, AMoveThatKeepsFailingReturnsItsStatusAfterItsTries) {
 }
 
 TEST_F(FileRefusals, AFailedFullPathIsTheStatus) {
-    const OddFullPath refused("GetFullPathNameW", failing<ERROR_BAD_PATHNAME, 0>);
+    const auto refused = REPLACED(GetFullPathNameW, failing<ERROR_BAD_PATHNAME, 0>);
     EXPECT_EQ(xfileMakeFolders(folder / "a\\b"), XERR_NOENT);
     EXPECT_FALSE(folder.has("a"));
 }
 
 TEST_F(FileRefusals, AFullPathThatFailsAtTheSecondCallIsTheStatus) {
-    const OddFullPath refused(
-        "GetFullPathNameW", [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
+    const auto refused =
+        REPLACED(GetFullPathNameW, [](LPCWSTR, DWORD room, LPWSTR, LPWSTR*) -> DWORD {
             return room == 0 ? DWORD{20} : refuse(ERROR_NOT_ENOUGH_MEMORY, DWORD{0});
         });
     EXPECT_EQ(xfileMakeFolders(folder / "a"), XERR_NOMEM);
@@ -321,7 +311,7 @@ DWORD WINAPI growAfterTheFirst(LPCWSTR, DWORD room, LPWSTR path, LPWSTR*) {
 
 TEST_F(FileRefusals, AFullPathThatGrowsMeanwhileIsRequestedAgain) {
     fullPath = wideForTests(folder / "a\\b");
-    const OddFullPath growing("GetFullPathNameW", growAfterTheFirst);
+    const auto growing = REPLACED(GetFullPathNameW, growAfterTheFirst);
     EXPECT_EQ(xfileMakeFolders("b"), 0);
     EXPECT_EQ(calls, 3);
     EXPECT_TRUE(folder.has("a\\b"));
@@ -333,7 +323,7 @@ SUBPROCESS(logsToAFullDisk) {
     if (xlogLibInit(nullptr, arguments[0]) != 0) return 1;
     constexpr XlogModule module{XlogTag::CONF, "f"};
     {
-        const OddWrite refused("WriteFile", refuseWrite);
+        const auto refused = REPLACED(WriteFile, refuseWrite);
         XLOG_E(module, "lost");
     }
     XLOG_E(module, "written");
@@ -364,7 +354,7 @@ SUBPROCESS(changesTheLogWhileALineIsWritten) {
     xlogSetClientName("before");
     std::thread slow;
     {
-        const OddWrite slowly("WriteFile", writeSlowly);
+        const auto slowly = REPLACED(WriteFile, writeSlowly);
         slow = std::thread([&module] { XLOG_E(module, "slow"); });
         ::WaitForSingleObject(writeBegins, INFINITE);
     }
@@ -457,8 +447,7 @@ TEST(TextRefusals, AWideTextOf4GiBIsRefused) {
 }
 
 TEST(TextRefusals, AWideTextThatCannotBeConvertedIsEmpty) {
-    const ReplacedImport<decltype(::WideCharToMultiByte)> refused("WideCharToMultiByte",
-                                                                  failing<ERROR_SUCCESS, 0>);
+    const auto refused = REPLACED(WideCharToMultiByte, failing<ERROR_SUCCESS, 0>);
     EXPECT_EQ(xtextToUtf8(L"abc"), "");
 }
 
@@ -466,8 +455,7 @@ TEST(TextRefusals, AWideTextThatCannotBeConvertedIsEmpty) {
 
 TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
     const LogCapture log;
-    const ReplacedImport<decltype(::ShellExecuteExW)> refused("ShellExecuteExW",
-                                                              failing<ERROR_CANCELLED, FALSE>);
+    const auto refused = REPLACED(ShellExecuteExW, failing<ERROR_CANCELLED, FALSE>);
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe", "a"}), 101223);
     EXPECT_EQ(handle, nullptr);
@@ -476,8 +464,7 @@ TEST(ProcessRefusals, AnElevatedStartThatTheUserDeclinesIsTheStatus) {
 
 TEST(ProcessRefusals, AnElevatedStartThatFailsWithoutAnErrorIsAFailure) {
     const LogCapture log;
-    const ReplacedImport<decltype(::ShellExecuteExW)> refused("ShellExecuteExW",
-                                                              failing<ERROR_SUCCESS, FALSE>);
+    const auto refused = REPLACED(ShellExecuteExW, failing<ERROR_SUCCESS, FALSE>);
     XprocHandle handle = nullptr;
     EXPECT_EQ(xprocCreate_elevated_basic(&handle, {"C:\\x.exe"}), 100000);
     EXPECT_EQ(handle, nullptr);
@@ -498,16 +485,13 @@ TEST(ProcessRefusals, AFailedListOfProcessesIsAFailure) {
 }
 
 TEST(ProcessRefusals, AnImageWhosePathIsRefusedHasNone) {
-    const ReplacedImport<decltype(::QueryFullProcessImageNameW)> refused(
-        "QueryFullProcessImageNameW", failing<ERROR_GEN_FAILURE, FALSE>);
+    const auto refused = REPLACED(QueryFullProcessImageNameW, failing<ERROR_GEN_FAILURE, FALSE>);
     std::wstring path = L"before";
     EXPECT_FALSE(utlProcessCalls().imagePath(::GetCurrentProcess(), path));
     EXPECT_EQ(path, L"");
 }
 
 // The registry.
-
-using OddQuery = ReplacedImport<decltype(::RegQueryValueExW)>;
 
 // A value of 6 bytes at the first call; another program changes it before the second.
 template <DWORD kType, LSTATUS kStatus>
@@ -524,20 +508,16 @@ std::string readVersion() {
 }
 
 TEST(RegistryRefusals, AValueThatGrowsWhileItIsReadIsTheDefault) {
-    const OddQuery changing("RegQueryValueExW", changeBetween<REG_SZ, ERROR_MORE_DATA>);
+    const auto changing = REPLACED(RegQueryValueExW, changeBetween<REG_SZ, ERROR_MORE_DATA>);
     EXPECT_EQ(readVersion(), "default");
 }
 
 TEST(RegistryRefusals, AValueThatBecomesANumberWhileItIsReadIsTheDefault) {
-    const OddQuery changing("RegQueryValueExW", changeBetween<REG_DWORD, ERROR_SUCCESS>);
+    const auto changing = REPLACED(RegQueryValueExW, changeBetween<REG_DWORD, ERROR_SUCCESS>);
     EXPECT_EQ(readVersion(), "default");
 }
 
 // The module of the code.
-
-using OddHandleOf = ReplacedImport<decltype(::GetModuleHandleExW)>;
-using OddModule = ReplacedImport<decltype(::GetModuleHandleW)>;
-using OddExport = ReplacedImport<decltype(::GetProcAddress)>;
 
 BOOL WINAPI findNoModule(DWORD, LPCWSTR, HMODULE* module) {
     *module = nullptr;
@@ -562,8 +542,8 @@ HMODULE WINAPI beALibrary(LPCWSTR name) {
 
 TEST(ModuleRefusals, AModuleThatIsNotFoundIsNotPinned) {
     calls = 0;
-    const OddHandleOf none("GetModuleHandleExW", findNoModule);
-    const ReplacedImport<decltype(::FreeLibrary)> counting("FreeLibrary", [](HMODULE) -> BOOL {
+    const auto none = REPLACED(GetModuleHandleExW, findNoModule);
+    const auto counting = REPLACED(FreeLibrary, [](HMODULE) -> BOOL {
         ++calls;
         return TRUE;
     });
@@ -573,18 +553,18 @@ TEST(ModuleRefusals, AModuleThatIsNotFoundIsNotPinned) {
 
 TEST(ModuleRefusals, ALibraryIsUnloadedWhileTheProcessGoesOn) {
     EXPECT_FALSE(xsystemIsUnloading()) << "a program";
-    const OddModule library("GetModuleHandleW", beALibrary);
+    const auto library = REPLACED(GetModuleHandleW, beALibrary);
     EXPECT_TRUE(xsystemIsUnloading());
     {
-        const OddExport ends("GetProcAddress", findProcessEnds);
+        const auto ends = REPLACED(GetProcAddress, findProcessEnds);
         EXPECT_FALSE(xsystemIsUnloading());
     }
     {
-        const OddExport unknown("GetProcAddress", findNoExport);
+        const auto unknown = REPLACED(GetProcAddress, findNoExport);
         EXPECT_FALSE(xsystemIsUnloading()) << "releasing too little is safe";
         EXPECT_FALSE(xsystemProcessEnds()) << "and so is ending the server";
     }
-    const OddHandleOf none("GetModuleHandleExW", findNoModule);
+    const auto none = REPLACED(GetModuleHandleExW, findNoModule);
     EXPECT_FALSE(xsystemIsUnloading());
 }
 
@@ -646,7 +626,7 @@ SUBPROCESS(remembersBesideOthers) {
     ::RemoveVectoredExceptionHandler(watch);
     released.assign(count, 0);
     {
-        const OddModule library("GetModuleHandleW", beALibrary);
+        const auto library = REPLACED(GetModuleHandleW, beALibrary);
         xunloadRelease();
     }
     if (instruction < 10) return 1;
