@@ -1,4 +1,4 @@
-// Who can connect to the event server: a client of another machine, and one of low integrity.
+// Access to the event server by a client on another machine and by one of low integrity.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -16,7 +16,7 @@
 
 namespace {
 
-// Connects with these rights; the Windows error, or 0.
+// Connects with these rights and returns the Windows error, or 0.
 DWORD connectTo(const std::string& path, DWORD access = GENERIC_READ | GENERIC_WRITE) {
     const HANDLE pipe = ::CreateFileW(wideForTests(path).c_str(), access, 0, nullptr, OPEN_EXISTING,
                                       0, /*hTemplateFile=*/nullptr);
@@ -25,12 +25,12 @@ DWORD connectTo(const std::string& path, DWORD access = GENERIC_READ | GENERIC_W
     return ERROR_SUCCESS;
 }
 
-// Through the network's redirector, which makes the client a remote one on this machine too.
+// The path through the network redirector, which makes a client on this machine a remote one.
 std::string throughTheNetwork(const std::string& name) { return R"(\\127.0.0.1\pipe\)" + name; }
 
 std::string local(const std::string& name) { return R"(\\.\pipe\)" + name; }
 
-// A pipe that takes remote clients, to see whether this machine has them at all.
+// Connects to a pipe that accepts remote clients, to see whether this machine allows any.
 DWORD connectToOpenPipe(const std::string& name) {
     const HANDLE pipe =
         ::CreateNamedPipeW(wideForTests(local(name)).c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1,
@@ -40,7 +40,7 @@ DWORD connectToOpenPipe(const std::string& name) {
     return error;
 }
 
-// This thread as a program of low integrity has it, while the object lives.
+// Impersonates a token of low integrity on this thread while the object lives.
 class LowIntegrity {
  public:
     LowIntegrity() {
@@ -73,7 +73,7 @@ class LowIntegrity {
     bool isSet_ = false;
 };
 
-// Opens it with these rights; the Windows error, or 0.
+// Opens a mutex with these rights and returns the Windows error, or 0.
 DWORD openMutex(const std::string& name, DWORD access) {
     const HANDLE mutex =
         ::CreateMutexExW(nullptr, wideForTests(name).c_str(), /*dwFlags=*/0, access);
@@ -82,8 +82,8 @@ DWORD openMutex(const std::string& name, DWORD access) {
     return ERROR_SUCCESS;
 }
 
-// Windows documents that a label refuses writes. Whether it lets the other rights pass is recorded:
-// the documents leave both open.
+// Records an error that the documents do not claim: the default label of an object only denies
+// writes, so Windows may grant the other rights.
 void recordEither(const char* what, DWORD error) {
     std::printf("[figure] %s 0x%08lX\n", what, error);
     EXPECT_TRUE(error == ERROR_SUCCESS || error == ERROR_ACCESS_DENIED) << what << ' ' << error;

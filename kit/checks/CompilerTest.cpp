@@ -1,5 +1,5 @@
-// Microsoft's compiler, in PATH or where Visual Studio has installed it: what hosts compile, a host
-// with each C runtime, and the library itself.
+// Microsoft's compiler, from PATH or from Visual Studio: the header, a host with each C runtime,
+// and the library itself.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -37,7 +37,7 @@ std::string kit() {
     return products.substr(0, products.size() - std::string_view("bin\\").size());
 }
 
-// The script that sets up the newest Visual Studio; empty when there is none.
+// The set-up script of the newest Visual Studio; empty if there is none.
 std::string setUpOfVisualStudio() {
     const std::string finder =
         environment("ProgramFiles(x86)") + R"(\Microsoft Visual Studio\Installer\vswhere.exe)";
@@ -60,7 +60,7 @@ class CompilerTest : public ::testing::Test {
         setUp_ = "call \"" + script + "\" >nul\r\n";
     }
 
-    // Runs commands in the folder with the compiler in PATH. What they print goes into the log.
+    // Runs commands in the folder with the compiler in PATH. Prints their output.
     void run(const std::vector<std::string>& commands,
              std::chrono::seconds limit = std::chrono::seconds(120)) const {
         std::string script = "@echo off\r\n" + setUp_;
@@ -115,7 +115,7 @@ TEST_P(RuntimeTest, AHostWithThisRuntimeFreesTheLibrarysMemory) {
 
 INSTANTIATE_TEST_SUITE_P(Each, RuntimeTest, ::testing::Values("MD", "MDd", "MT", "MTd"), nameOf);
 
-// Its DLL serves a host that was linked with the package's import library.
+// The built DLL must serve a host that was linked with the package's import library.
 TEST_F(CompilerTest, ThePresetBuildsTheLibrary) {
     const std::string qt = environment("QX_QT");
     if (qt.empty()) {

@@ -1,4 +1,5 @@
-// What a plain and an elevated process share, in both orders; and the answers to a prompt.
+// A plain and an elevated process share pipe, mutex and file, in both orders; and the user's
+// answers to a prompt.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -15,12 +16,12 @@
 namespace {
 
 constexpr int kDeclined = 101223;
-constexpr int kPolls = 2400;  // of 50 ms: the user has to answer
+constexpr int kPolls = 2400;  // of 50 ms, since the user must answer
 
-// Waits for a file of the other process; its content.
+// Waits for a file of the other process and returns its content.
 std::string awaited(const TempFolder& folder, const std::string& name) {
     for (int i = 0; i < kPolls && !folder.has(name); ++i) sleepMs(50);
-    sleepMs(50);  // it is being written
+    sleepMs(50);  // until it is completely written
     return folder.has(name) ? folder.read(name) : "nothing came";
 }
 
@@ -28,7 +29,7 @@ std::string errorText(const char* what, DWORD error) {
     return std::string(what) + " " + std::to_string(error) + "\n";
 }
 
-// What a process sees of a server's pipe, of its mutex and of its file, with the Windows errors.
+// Opens a server's pipe, mutex and file, and returns the Windows errors as lines.
 std::string use(const std::string& name, const std::string& folder) {
     const HANDLE pipe = ::CreateFileW(wideForTests("\\\\.\\pipe\\" + name).c_str(),
                                       GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
@@ -47,7 +48,7 @@ std::string use(const std::string& name, const std::string& folder) {
 
 constexpr const char* kAllWorks = "pipe 0\nmutex 0\nfile 0\n";
 
-// What the one that is first makes.
+// The pipe, the mutex and the file of the first process.
 class Made {
  public:
     explicit Made(const std::string& folder) {
@@ -70,12 +71,12 @@ int startElevated(const std::string& subprocess, const TempFolder& folder,
 
 }  // namespace
 
-SUBPROCESS(usesAndTells) {
+SUBPROCESS(usesAndReports) {
     writeBytes(arguments[0] + "\\result", use(arguments[1], arguments[0]));
     return 0;
 }
 
-SUBPROCESS(makesAndWaits) {
+SUBPROCESS(createsAndWaits) {
     const Made made(arguments[0]);
     writeBytes(arguments[0] + "\\name", made.name());
     for (int i = 0; i < kPolls; ++i) {
@@ -86,17 +87,17 @@ SUBPROCESS(makesAndWaits) {
     return 1;
 }
 
-TEST(ElevationTest, WhatAPlainProcessMakesIsOpenToAnElevatedOne) {
+TEST(ElevationTest, AnElevatedProcessOpensTheObjectsOfAPlainOne) {
     const TempFolder folder;
     const Made made(folder.path());
     ASSERT_EQ(use(made.name(), folder.path()), kAllWorks) << "from here";
-    ASSERT_EQ(startElevated("usesAndTells", folder, made.name()), 0);
+    ASSERT_EQ(startElevated("usesAndReports", folder, made.name()), 0);
     EXPECT_EQ(awaited(folder, "result"), kAllWorks);
 }
 
-TEST(ElevationTest, WhatAnElevatedProcessMakesIsOpenToAPlainOne) {
+TEST(ElevationTest, APlainProcessOpensTheObjectsOfAnElevatedOne) {
     const TempFolder folder;
-    ASSERT_EQ(startElevated("makesAndWaits", folder, "-"), 0);
+    ASSERT_EQ(startElevated("createsAndWaits", folder, "-"), 0);
     const std::string name = awaited(folder, "name");
     EXPECT_EQ(use(name, folder.path()), kAllWorks);
     folder.write("done", "");
@@ -105,5 +106,5 @@ TEST(ElevationTest, WhatAnElevatedProcessMakesIsOpenToAPlainOne) {
 TEST(ElevationTest, ADeclinedPromptIsReported) {
     const LogCapture log;
     const TempFolder folder;
-    EXPECT_EQ(startElevated("usesAndTells", folder, "none"), kDeclined);
+    EXPECT_EQ(startElevated("usesAndReports", folder, "none"), kDeclined);
 }

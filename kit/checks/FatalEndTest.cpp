@@ -1,5 +1,5 @@
-// How a process ends fatally: with Windows' error reporting, under a debugger, with a filter of the
-// host's; and when its server's name is free again.
+// Fatal ends: with Windows' error reporting, under a debugger and with a host's exception filter;
+// and the time until the server's name is free again.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -31,7 +31,7 @@ std::wstring commandLine(const std::string& subprocess, const std::string& argum
                         "\"");
 }
 
-// A process of this program, started with flags that ChildProcess does not have.
+// A process of this program, started with flags that ChildProcess lacks.
 class FlaggedProcess {
  public:
     FlaggedProcess(const std::string& subprocess, const std::string& argument, DWORD flags)
@@ -68,8 +68,8 @@ class FlaggedProcess {
     bool isStarted_ = false;
 };
 
-// Lets the process go on after every exception, as a debugger does whose user says "continue".
-// Returns how many breakpoints it has met, Windows' own at the start included.
+// Debugs the process to its end, and continues after each breakpoint. Returns the number of
+// breakpoints, including Windows' own at the start.
 int debug(DWORD& status) {
     int breakpoints = 0;
     DEBUG_EVENT event{};
@@ -136,7 +136,7 @@ SUBPROCESS(servesAndBreaks) {
     breakWith(arguments[0] + "\\log");
 }
 
-TEST(FatalEndTest, WithErrorReportingTheStatusIsThatOfTheBreak) {
+TEST(FatalEndTest, WithErrorReportingTheStatusIsTheBreaks) {
     const TempFolder folder;
     const FlaggedProcess process("breaksWithTheDefault", folder.path(), CREATE_DEFAULT_ERROR_MODE);
     ASSERT_TRUE(process.isStarted());
@@ -156,7 +156,7 @@ TEST(FatalEndTest, UnderADebuggerTheProcessEndsAfterTheBreak) {
     EXPECT_EQ(status, kFatalStatus);
 }
 
-TEST(FatalEndTest, AFilterOfTheHostsSeesTheBreakAndTheStatusStays) {
+TEST(FatalEndTest, TheHostsExceptionFilterSeesTheBreakAndTheStatusIsKept) {
     const TempFolder folder;
     const FlaggedProcess process("breaksWithAFilter", folder.path(), 0);
     ASSERT_TRUE(process.isStarted());
@@ -166,7 +166,7 @@ TEST(FatalEndTest, AFilterOfTheHostsSeesTheBreakAndTheStatusStays) {
     EXPECT_EQ(folder.read("filter"), std::to_string(kFatalStatus));
 }
 
-TEST(FatalEndTest, TheServersNameIsFreeWhenTheProcessIsGone) {
+TEST(FatalEndTest, TheServersNameIsFreeAfterTheProcessHasEnded) {
     const TempFolder folder;
     ChildOptions options;
     options.limit = std::chrono::seconds(kLimit / 1000);

@@ -1,5 +1,4 @@
-// The library beside Qt in a folder of its own, loaded in the ways that the documents name; and the
-// locale of the host.
+// The documented ways to load the library from a folder with Qt beside it, and the host's locale.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// One log of several processes with several threads each.
+// Several threads in several processes write one log.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -27,7 +27,7 @@ void logLines(const std::string& name) {
     }
 }
 
-// Whether nothing of another line is in it.
+// Whether a line contains no part of another line.
 bool isWhole(const std::string& line) {
     const std::string start = "I CONF  ";
     if (line.rfind(start, 0) != 0 || line.size() < start.size() + kTail) return false;

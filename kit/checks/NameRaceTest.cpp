@@ -1,4 +1,4 @@
-// Two processes that want one server's name at the same moment.
+// Several processes open a server with the same name at the same moment.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// An event of Windows' that several processes know by its name.
+// A named event of Windows, shared by processes.
 class NamedEvent {
  public:
     explicit NamedEvent(const std::string& name)
@@ -37,7 +37,7 @@ void say(const std::string& line) {
     std::fflush(stdout);
 }
 
-// Asks for one name when the round begins, and keeps it until the round is over.
+// Opens a server when the round begins, and keeps it until the round is over.
 void playRound(const std::string& name) {
     NamedEvent begin(name + "-begin");
     NamedEvent over(name + "-over");

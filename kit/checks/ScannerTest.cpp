@@ -1,4 +1,4 @@
-// Commits and saves beside whatever scans this machine's files.
+// Commits and saves while this machine's scanner is running.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -20,7 +20,7 @@
 
 namespace {
 
-// How the moves of files ended.
+// Counts of file moves, by their results.
 struct Moves {
     std::atomic<int> all{0};
     std::atomic<int> denied{0};  // error 5
@@ -55,7 +55,7 @@ void printMoves(const char* what, int operations, int failed) {
 constexpr int kShort = 300;
 constexpr int kFull = 10'000;
 
-// Calls it so many times; how many failed.
+// Calls an operation repeatedly and returns the number of failures.
 template <typename Operation>
 int failuresOf(int times, Operation operation) {
     int failed = 0;

@@ -10,7 +10,7 @@
 #include "ipc/IpcServer.h"
 #include "support/Platform.h"
 
-// A server of the library's under a name of the test's own, while the object lives.
+// A server of the library with a name of this test, while the object lives.
 class ServedName {
  public:
     ServedName() : name_("vtr_test_kit_" + std::to_string(ownProcessId())) {

@@ -1,5 +1,4 @@
-// A host that loads the library at run time, from a folder without Qt: the last folder where
-// Windows may look for it is the library's own.
+// A host that loads the library at run time. Its own folder has no Qt; the library's folder has.
 //
 //     kit_loader load WAY DLL               WAY: plain, altered, directory
 //     kit_loader locale NAME ORDER DLL FILE ORDER: before or after the initialisation; commits to

@@ -8,19 +8,19 @@
 
 #include "Manifest.h"
 
-// A path of the system for UTF-8, and back.
+// Converts UTF-8 to a path of the system, and back.
 std::filesystem::path pathOf(std::string_view text);
 std::string textOf(const std::filesystem::path& path);
 
-// The whole file; empty when it cannot be read.
+// The content of a file; empty if it cannot be read.
 std::string readFile(const std::filesystem::path& path);
 
-// The last so many bytes of it.
+// At most this number of bytes from its end.
 std::string readEnd(const std::filesystem::path& path, std::size_t bytes);
 
 bool writeFile(const std::filesystem::path& path, std::string_view content);
 
-// Copies everything in a folder.
+// Copies a folder with its content.
 bool copyFolder(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // The SHA-256 of a file.

@@ -42,7 +42,7 @@ bool writeFile(const fs::path& path, std::string_view content) {
     return file.flush().good();
 }
 
-// With the system's own copy, which is many times as fast as one through streams.
+// CopyFileW is many times faster than a copy through streams.
 bool copyFolder(const fs::path& from, const fs::path& to) {
     std::error_code error;
     fs::create_directories(to, error);

@@ -12,7 +12,7 @@ struct KitOptions {
     bool help = false;
 };
 
-// Reads "--only ID,ID", "--no-questions" and "--help"; nothing for another argument.
+// Reads "--only ID,ID", "--no-questions" and "--help". Returns nothing for other arguments.
 std::optional<KitOptions> readKitOptions(const std::vector<std::string>& arguments);
 
 #endif

@@ -8,18 +8,18 @@
 // Whether this is Wine and not Windows.
 bool isWine();
 
-// Whether this process has the rights of an administrator.
+// Whether this process is elevated.
 bool isElevated();
 
 // Whether this process can write keys below HKEY_LOCAL_MACHINE, which takes elevation on Windows
 // and nothing under Wine.
 bool canWriteMachineKeys();
 
-// Whether the product's key is in the registry: in the 64-bit view, which the library reads.
+// Whether the 64-bit view of the registry, which the library reads, has the product's key.
 bool isProductInstalled();
 
-// The machine and this process, without names of users and computers. Folders are those that the
-// file systems are asked about.
+// Facts about the machine, this process and the file systems of two folders. They contain no names
+// of users or computers.
 Facts machineFacts(const std::filesystem::path& kit, const std::filesystem::path& work);
 
 #endif

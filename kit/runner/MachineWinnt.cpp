@@ -61,7 +61,7 @@ std::string machineNumber(const wchar_t* path, const wchar_t* name) {
     return std::to_string(number);
 }
 
-// What Windows itself says, whatever the program's manifest declares.
+// From RtlGetVersion, which ignores the program's manifest.
 std::string buildNumber() {
     using GetVersion = LONG(WINAPI*)(OSVERSIONINFOW*);
     const auto getVersion = functionOf<GetVersion>(L"ntdll.dll", "RtlGetVersion");
@@ -78,20 +78,20 @@ std::string wineVersion() {
     return getWine == nullptr ? "no" : getWine();
 }
 
-// The process's token's answer to one question.
+// Reads information from the token of this process.
 template <typename Answer>
-std::optional<Answer> tokenSays(TOKEN_INFORMATION_CLASS question) {
+std::optional<Answer> tokenInformation(TOKEN_INFORMATION_CLASS type) {
     HANDLE token = nullptr;
     if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token)) return std::nullopt;
     Answer answer{};
     DWORD size = 0;
-    const BOOL isKnown = ::GetTokenInformation(token, question, &answer, sizeof answer, &size);
+    const BOOL isKnown = ::GetTokenInformation(token, type, &answer, sizeof answer, &size);
     ::CloseHandle(token);
     return isKnown ? std::optional<Answer>(answer) : std::nullopt;
 }
 
 std::string elevationType() {
-    const auto type = tokenSays<TOKEN_ELEVATION_TYPE>(TokenElevationType);
+    const auto type = tokenInformation<TOKEN_ELEVATION_TYPE>(TokenElevationType);
     if (!type) return kUnknown;
     switch (*type) {
         case TokenElevationTypeFull:
@@ -103,7 +103,7 @@ std::string elevationType() {
     }
 }
 
-// The last part of the label's SID, which says low, medium or high.
+// The last part of the label's SID: 0x1000 is low, 0x2000 medium, 0x3000 high.
 std::string integrityLevel() {
     struct Label {
         TOKEN_MANDATORY_LABEL label;
@@ -111,7 +111,7 @@ std::string integrityLevel() {
     };
     HANDLE token = nullptr;
     if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token)) return kUnknown;
-    Label own{};  // the SID's address is one inside it
+    Label own{};  // label.Sid points to sid
     DWORD size = 0;
     const BOOL isKnown = ::GetTokenInformation(token, TokenIntegrityLevel, &own, sizeof own, &size);
     ::CloseHandle(token);
@@ -128,10 +128,10 @@ std::string serviceState(const wchar_t* name) {
     if (service != nullptr) ::CloseServiceHandle(service);
     if (manager != nullptr) ::CloseServiceHandle(manager);
     if (!isKnown) return "none";
-    return status.dwCurrentState == SERVICE_RUNNING ? "runs" : "does not run";
+    return status.dwCurrentState == SERVICE_RUNNING ? "running" : "not running";
 }
 
-// What the security center says of the machine's scanners together.
+// The state of all scanners together, from the security center.
 std::string scannerHealth() {
     constexpr DWORD kAntivirus = 4;
     using GetHealth = HRESULT(WINAPI*)(DWORD, int*);
@@ -140,6 +140,24 @@ std::string scannerHealth() {
     if (getHealth == nullptr || getHealth(kAntivirus, &health) != S_OK) return kUnknown;
     constexpr const char* kNames[] = {"good", "not monitored", "poor", "snoozed"};
     return health >= 0 && health < 4 ? kNames[health] : kUnknown;
+}
+
+// The scanners that are registered with the security center.
+std::string scannerNames() {
+    constexpr const wchar_t* kProviders = L"SOFTWARE\\Microsoft\\Security Center\\Provider\\Av";
+    const OwnedKey providers = openKey(kProviders);
+    std::string names;
+    wchar_t id[256];
+    for (DWORD i = 0; providers != nullptr; ++i) {
+        DWORD length = 256;
+        if (::RegEnumKeyExW(providers.get(), i, id, &length, nullptr, nullptr, nullptr, nullptr) !=
+            ERROR_SUCCESS) {
+            break;
+        }
+        const std::wstring path = std::wstring(kProviders) + L"\\" + id;
+        names += (names.empty() ? "" : ", ") + machineText(path.c_str(), L"DISPLAYNAME");
+    }
+    return names.empty() ? kUnknown : names;
 }
 
 std::string fileSystemOf(const fs::path& folder) {
@@ -183,7 +201,8 @@ void addSystem(Facts& facts) {
 }
 
 void addPolicies(Facts& facts) {
-    facts.emplace_back("scanners together", scannerHealth());
+    facts.emplace_back("scanners", scannerNames());
+    facts.emplace_back("state of the scanners", scannerHealth());
     facts.emplace_back("WinDefend", serviceState(L"WinDefend"));
     facts.emplace_back("DisableRealtimeMonitoring",
                        machineNumber((std::wstring(kDefender) + L"\\Real-Time Protection").c_str(),
@@ -213,7 +232,7 @@ void addProcess(Facts& facts) {
 bool isWine() { return wineVersion() != "no"; }
 
 bool isElevated() {
-    const auto elevation = tokenSays<TOKEN_ELEVATION>(TokenElevation);
+    const auto elevation = tokenInformation<TOKEN_ELEVATION>(TokenElevation);
     return elevation && elevation->TokenIsElevated != 0;
 }
 

@@ -8,25 +8,25 @@
 
 // A line of SHA256SUMS.
 struct ManifestFile {
-    std::string path;  // below the kit's folder, with "/"
+    std::string path;  // relative to the kit's folder, with "/"
     std::string digest;
 };
 
 struct FileFault {
     std::string path;
-    std::string what;  // "missing", "changed", or why it cannot be read
+    std::string what;  // "missing", "changed", or the error of the read
 };
 
-// Lines "<digest>  <path>". Another line makes the result empty: nothing can be said then.
+// Reads lines "<digest>  <path>". The result is empty if a line has another form.
 std::vector<ManifestFile> readManifest(std::string_view text);
 
-// The SHA-256 of a file in hexadecimal, or a word for why there is none.
+// The SHA-256 of a file in hexadecimal, or the reason why there is none.
 struct FileDigest {
     std::string digest;
     std::string fault;
 };
 
-// The files that are not as the manifest says.
+// The files that differ from the manifest.
 std::vector<FileFault> compareFiles(const std::vector<ManifestFile>& files,
                                     const std::function<FileDigest(const std::string&)>& digest);
 

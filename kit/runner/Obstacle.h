@@ -7,25 +7,24 @@
 #include "Outcome.h"
 #include "Table.h"
 
-// Why a check is not run; the outcome is Passed for one that is.
+// The reason why a check is not run. The outcome is Passed if it can run.
 struct Obstacle {
     Outcome outcome = Outcome::Passed;
     std::string reason;
 };
 
-// What a check meets here.
+// The conditions on this machine.
 struct Conditions {
     bool isWine = false;
     bool isElevated = false;
     bool writesMachineKeys = false;       // below HKEY_LOCAL_MACHINE
-    std::vector<std::string> takenFiles;  // of the kit, which are missing or changed
+    std::vector<std::string> takenFiles;  // missing or changed files of the kit
 };
 
-// Whether a name of a command is a file of the kit, and not a program of PATH.
+// Whether the program of a command is a file of the kit, not a program in PATH.
 bool isOfKit(const std::string& program);
 
-// What keeps a check from being run; the answer of the user is not asked for, and no tool looked
-// for.
+// The obstacle to a check. It neither asks the user nor searches PATH for tools.
 Obstacle obstacleOf(const Check& check, const Conditions& conditions);
 
 #endif

@@ -1,12 +1,12 @@
 #ifndef KIT_OUTCOME_H
 #define KIT_OUTCOME_H
 
-// What became of a check, or of one test of it.
+// The result of a check, or of one of its tests.
 enum class Outcome {
     Passed,
     Failed,
     Skipped,
-    NeedsWindows,  // under Wine, for what Wine cannot decide
+    NeedsWindows,  // the kit runs under Wine
 };
 
 constexpr const char* nameOf(Outcome outcome) {

@@ -8,21 +8,21 @@
 #include <utility>
 #include <vector>
 
-// One run of a program.
+// The end of a program.
 struct ProcessRun {
-    std::uint32_t error = 0;  // the Windows error of a start that failed
+    std::uint32_t error = 0;  // Windows error of a failed start
     std::uint32_t status = 0;
-    bool isLate = false;     // it was ended at its limit
-    bool isStopped = false;  // it was ended since the user wants the run to end
+    bool isLate = false;     // ended at its limit
+    bool isStopped = false;  // ended by the user
     long milliseconds = 0;
 };
 
-// Runs a program to its end, in a folder, with its standard output and error in a file. What it has
-// started and is still there ends with it.
+// Runs a program in a folder, with its standard output and error in a file, and waits for its end.
+// Its remaining child processes end with it.
 ProcessRun runProcess(const std::vector<std::string>& command, const std::filesystem::path& folder,
                       const std::filesystem::path& output, int seconds);
 
-// The full path of a program of PATH, without its ".exe" in the name; empty when there is none.
+// The full path of a program in PATH, which is named without ".exe"; empty if there is none.
 std::string programOnPath(const std::string& name);
 
 using Variables = std::vector<std::pair<std::string, std::string>>;
@@ -44,7 +44,7 @@ class ScopedVariables {
     std::vector<Earlier> earlier_;
 };
 
-// Ends what runs, and lets nothing start any more: for Ctrl-C.
+// Ends the running program and prevents further starts. For Ctrl+C.
 void stopEverything();
 bool isEverythingStopped();
 

@@ -21,7 +21,7 @@ OwnedHandle owned(HANDLE handle) {
     return OwnedHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-// Set once, by Ctrl-C.
+// Set by Ctrl+C.
 HANDLE stopEvent() {
     static const HANDLE event = ::CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, nullptr);
     return event;
@@ -32,7 +32,7 @@ std::wstring wideOf(const std::string& text) {
     return xtextToWide(text, wide) == XERR_SUCCESS ? wide : std::wstring();
 }
 
-// The C runtime's rule, which every program that the kit starts goes by.
+// The C runtime's quoting rules, which every program of the kit follows.
 std::wstring quoted(const std::string& argument) {
     std::wstring text = L"\"";
     std::size_t backslashes = 0;
@@ -120,7 +120,7 @@ ProcessRun runProcess(const std::vector<std::string>& command, const fs::path& f
     ::ResumeThread(thread.get());
     waitForEnd(process.get(), seconds, run);
     ::TerminateJobObject(job.get(), 1);
-    ::TerminateProcess(process.get(), 1);  // does nothing to one that has ended
+    ::TerminateProcess(process.get(), 1);  // no effect on an ended process
     ::WaitForSingleObject(process.get(), INFINITE);
     run.milliseconds = static_cast<long>(::GetTickCount64() - begin);
     return run;

@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Output of programs need not be UTF-8.
+// Invalid UTF-8 in the output of programs is replaced.
 std::string line(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
@@ -43,7 +43,7 @@ std::string claimOf(const Check& check) {
     return htmlText(check.page) + ": &ldquo;" + htmlText(check.sentence) + "&rdquo;";
 }
 
-// Why, which tests did not pass, and what was measured.
+// The reason, the tests that did not pass, and the figures.
 std::string detailsOf(const Record& record) {
     std::string text = record.reason;
     const auto add = [&](const std::string& more) { text += (text.empty() ? "" : "\n") + more; };
@@ -138,13 +138,13 @@ std::string htmlText(std::string_view text) {
 std::string summaryPage(const std::vector<Record>& records, const Facts& facts) {
     std::string page =
         "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
-        "<title>What Windows says</title><style>" +
-        std::string(kStyle) + "</style></head><body>\n<h1>What Windows says</h1>\n<p>" +
+        "<title>Results of the Windows kit</title><style>" +
+        std::string(kStyle) + "</style></head><body>\n<h1>Results of the Windows kit</h1>\n<p>" +
         htmlText(countsOf(records)) +
-        "</p>\n<table><tr><th>check</th><th>what it decides</th><th>result</th><th>details</th>"
-        "<th>error or status</th><th>time</th><th>what the document says</th></tr>\n";
+        "</p>\n<table><tr><th>check</th><th>question</th><th>result</th><th>details</th>"
+        "<th>error or status</th><th>time</th><th>document</th></tr>\n";
     for (const Record& record : records) page += rowOf(record);
-    page += "</table>\n<h2>The machine</h2>\n<table>\n";
+    page += "</table>\n<h2>Machine</h2>\n<table>\n";
     for (const auto& [name, value] : facts) {
         page += "<tr>" + cell(htmlText(name)) + cell(pre(value)) + "</tr>\n";
     }

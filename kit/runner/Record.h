@@ -11,14 +11,14 @@
 #include "Table.h"
 #include "TestOutput.h"
 
-// What is known of one check afterwards.
+// The result of one check.
 struct Record {
     Check check;
     Outcome outcome = Outcome::Failed;
     std::string reason;
     std::uint32_t error = 0;  // the Windows error of a failed start, else the process's status
     long milliseconds = 0;
-    std::string raw;  // the log with its output, relative to the results; empty for none
+    std::string raw;  // log of its output, relative to the results; empty if it was not run
     TestOutput output;
 };
 
@@ -27,16 +27,16 @@ using Facts = std::vector<std::pair<std::string, std::string>>;
 // "0x80000003".
 std::string hexadecimal(std::uint32_t number);
 
-// The lines of a check, in JSON: one for itself, and one for each of its tests.
+// A check as lines of JSON: one for the check, and one for each of its tests.
 std::string recordLines(const Record& record);
 
 // The facts as one JSON object.
 std::string factsText(const Facts& facts);
 
-// A text in HTML, where nothing of it is markup.
+// Escapes a text for HTML.
 std::string htmlText(std::string_view text);
 
-// One static page about everything.
+// A static page with all results and facts.
 std::string summaryPage(const std::vector<Record>& records, const Facts& facts);
 
 #endif

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The end of a program's output has its failure.
+// Failures are at the end of the output.
 constexpr std::size_t kShownBytes = 1500;
 constexpr std::size_t kKeptBytes = std::size_t{8} << 20;
 constexpr int kToolSeconds = 60;
@@ -23,7 +23,7 @@ std::string replaced(std::string text, const std::string& what, const std::strin
     return text;
 }
 
-// The program of PATH that a check needs.
+// The program in PATH that a check needs; empty if it needs none.
 std::string toolOf(const Check& check) {
     if (!check.tool.empty() || isOfKit(check.command.front())) return check.tool;
     return check.command.front();
@@ -35,7 +35,7 @@ bool isTestProgram(const Check& check) {
     });
 }
 
-// How a process ended that did not end well; empty for one that did.
+// How a process failed; empty if it did not.
 std::string faultOf(const ProcessRun& run, int limit) {
     if (run.error != 0) return "cannot be started: error " + hexadecimal(run.error);
     if (run.isStopped) return "ended by the user";
@@ -56,7 +56,7 @@ bool Runner::isWanted(const Check& check) const {
     return only.empty() || std::find(only.begin(), only.end(), check.id) != only.end();
 }
 
-// A tool is there when it runs: Windows has a python.exe that only opens the store.
+// Runs the tool to see whether it exists: Windows has a python.exe that only opens the store.
 Obstacle Runner::obstacleOfTool(const std::string& name) const {
     const std::string program = programOnPath(name);
     if (program.empty()) return {Outcome::Skipped, "needs " + name + ".exe in PATH"};
@@ -80,7 +80,7 @@ Obstacle Runner::obstacleFor(const Check& check) const {
     const Obstacle obstacle = obstacleOf(check, conditions_);
     if (obstacle.outcome != Outcome::Passed) return obstacle;
     if (check.has("prompt") && !isAccepted(check)) {
-        return {Outcome::Skipped, "the user was not asked, or declined"};
+        return {Outcome::Skipped, "declined, or not asked because of --no-questions"};
     }
     const std::string tool = toolOf(check);
     return tool.empty() ? Obstacle{} : obstacleOfTool(tool);
@@ -91,7 +91,6 @@ std::string Runner::inserted(const Check& check, const std::string& word) const 
                     programOnPath(check.tool));
 }
 
-// NAME=VALUE, separated.
 Variables Runner::variablesOf(const Check& check) const {
     Variables variables;
     for (const std::string& word : check.variables) {
@@ -112,7 +111,7 @@ std::vector<std::string> Runner::commandOf(const Check& check) const {
     return command;
 }
 
-// What a program without tests prints is not read, only its status.
+// Without tests, only the status of the program counts.
 void Runner::judge(Record& record) const {
     const std::filesystem::path log = folders_.results / pathOf(record.raw);
     if (!isTestProgram(record.check)) {

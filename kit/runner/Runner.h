@@ -10,16 +10,16 @@
 #include "Record.h"
 #include "Table.h"
 
-// What the user asked for.
+// The options of the command line.
 struct RunnerOptions {
-    std::vector<std::string> only;  // ids; empty for all
-    bool questions = true;          // whether the user may be asked
+    std::vector<std::string> only;  // ids of checks; empty for all
+    bool questions = true;          // whether to run the checks that ask the user
 };
 
-// Where everything is.
+// The folders of a run.
 struct RunnerFolders {
-    std::filesystem::path programs;  // the kit's, or a copy of it under a plain path
-    std::filesystem::path work;      // where the programs work and leave what is temporary
+    std::filesystem::path programs;  // the kit, or a copy of it with a plain path
+    std::filesystem::path work;      // working folder and temporary files of the programs
     std::filesystem::path results;
 };
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-// The state of what a run could change: one entry for each registry value and file, with what it
-// holds.
+// The content of registry values and the sizes of files, by name.
 using Snapshot = std::map<std::string, std::string>;
 
-// What differs, a line each: "+ name", "- name" or "* name" for one that is new, gone or changed.
+// A line for each difference: "+ name" for a new entry, "- name" for a removed one, "* name" for a
+// changed one.
 std::vector<std::string> differences(const Snapshot& before, const Snapshot& after);
 
 #endif

@@ -57,7 +57,7 @@ std::vector<std::wstring> subkeysOf(HKEY key) {
     }
 }
 
-// A key with everything below it.
+// Adds a key with its values and subkeys.
 void addKey(HKEY root, const std::wstring& path, REGSAM view, const std::string& shown,
             Snapshot& snapshot) {
     HKEY key = nullptr;
@@ -77,7 +77,7 @@ void addFile(const fs::directory_entry& entry, Snapshot& snapshot) {
     snapshot[textOf(entry.path())] = isFolder ? "folder" : std::to_string(entry.file_size(ignored));
 }
 
-// Everything below a folder, with sizes.
+// Adds everything below a folder, except one subfolder.
 void addTree(const fs::path& folder, const fs::path& except, Snapshot& snapshot) {
     std::error_code error;
     for (fs::recursive_directory_iterator at(folder, error), end; at != end; at.increment(error)) {
@@ -90,7 +90,7 @@ void addTree(const fs::path& folder, const fs::path& except, Snapshot& snapshot)
     }
 }
 
-// What the tests and the kit name their folders.
+// The prefixes that the tests and the kit give to their folders.
 bool isOurs(const std::wstring& name) {
     return name.rfind(L"qxb", 0) == 0 || name.rfind(L"QXBridge", 0) == 0;
 }

@@ -28,7 +28,7 @@ bool isNeed(const std::string& word) {
     return std::find(std::begin(kKitNeeds), std::end(kKitNeeds), word) != std::end(kKitNeeds);
 }
 
-// Sets a member; false for a name that no check has, or an impossible value.
+// Sets a member; false for an unknown name or an invalid value.
 bool setMember(Check& check, std::string_view name, std::string_view value) {
     if (name == "decides") {
         check.decides = value;
@@ -54,7 +54,7 @@ bool setMember(Check& check, std::string_view name, std::string_view value) {
     return true;
 }
 
-// What a check lacks, or has twice.
+// A missing or duplicate member of a check; empty if there is none.
 std::string faultOf(const std::vector<Check>& checks) {
     std::vector<std::string> ids;
     for (const Check& check : checks) {
@@ -67,7 +67,7 @@ std::string faultOf(const std::vector<Check>& checks) {
     return checks.empty() ? "no checks" : "";
 }
 
-// Adds what a line says; false for a line that says nothing.
+// Parses a line; false if it is invalid.
 bool readLine(std::string_view line, std::vector<Check>& checks) {
     if (line.front() == '[' && line.back() == ']') {
         checks.emplace_back().id = trimmed(line.substr(1, line.size() - 2));

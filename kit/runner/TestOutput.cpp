@@ -31,7 +31,7 @@ bool isOf(std::string_view line, const TestRun& test) {
     return startsWith(rest, " (") || startsWith(rest, ", ");
 }
 
-// The line that says how the running test ended.
+// Reads the line that ends the running test.
 bool endsTest(std::string_view line, TestRun& test) {
     constexpr std::pair<std::string_view, Outcome> kEnds[] = {
         {kOk, Outcome::Passed}, {kFailed, Outcome::Failed}, {kSkipped, Outcome::Skipped}};

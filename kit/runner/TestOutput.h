@@ -8,25 +8,23 @@
 
 #include "Outcome.h"
 
-// One test of a test program's output.
+// One test in the output of a test program.
 struct TestRun {
     std::string name;  // "Suite.Test"
     Outcome outcome = Outcome::Failed;
-    std::string reason;  // of a skipped or failed one
+    std::string reason;  // why it was skipped or failed
     long milliseconds = 0;
 };
 
 struct TestOutput {
     std::vector<TestRun> tests;
-    std::vector<std::pair<std::string, std::string>> figures;  // of lines "[figure] NAME VALUE"
+    std::vector<std::pair<std::string, std::string>> figures;  // from lines "[figure] NAME VALUE"
 };
 
-// Reads what a GoogleTest program prints. A test that has begun and has no end failed: its process
-// is gone.
+// Reads the output of GoogleTest. A test that began and did not end has failed.
 TestOutput readTestOutput(std::string_view text);
 
-// What the tests say together: one failure is a failure, and skipped tests alone are skipped. No
-// test at all is a failure.
+// Failed if a test failed or none ran, skipped if all were skipped, else passed.
 Outcome outcomeOf(const std::vector<TestRun>& tests);
 
 #endif

@@ -35,7 +35,7 @@ void put(std::string& out, Number number) {
 
 std::uint32_t size32(std::string_view bytes) { return static_cast<std::uint32_t>(bytes.size()); }
 
-// The fields that a file's header and its place in the directory share.
+// The fields that a local header and a directory entry share.
 void putFields(std::string& out, const ZipEntry& entry) {
     put(out, kVersion);
     put(out, kNamesAreUtf8);

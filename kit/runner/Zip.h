@@ -15,8 +15,7 @@ struct ZipEntry {
 // The CRC-32 of zip files.
 std::uint32_t zipChecksum(std::string_view bytes);
 
-// A zip archive of these files, stored as they are. They may have four gigabytes together and be
-// 65,535: what the kit packs is far below.
+// A zip archive of uncompressed files: at most 65,535 files and 4 GiB in total.
 std::string zipArchive(const std::vector<ZipEntry>& entries);
 
 #endif

@@ -1,4 +1,4 @@
-// run_checks: lets this machine's Windows decide what the documents claim. run.cmd starts it.
+// run_checks: checks on this machine's Windows what the documents claim. run.cmd starts it.
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -36,18 +36,18 @@ enum Exit { kDone = 0, kSomethingFailed = 1, kCannotRun = 2, kProductIsInstalled
 
 constexpr const char* kUsage =
     "usage: run.cmd [--only ID,ID...] [--no-questions]\n\n"
-    "Runs the checks of checks.txt and leaves a page and a zip of results in the folder results.\n"
-    "--no-questions leaves out the checks that need an answer of the user.\n";
+    "Runs the checks of checks.txt and writes a summary page and a zip into the folder results.\n"
+    "--no-questions skips the checks that need an answer from the user.\n";
 
 constexpr const char* kInstalled =
     "the product is installed here (HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel_nvo exists), and the "
-    "checks would change its registry values.\nNothing was done. Take a machine without it.";
+    "checks would change its registry values.\nNothing was changed. Use a machine without it.";
 
-// What the tests need of the kit.
+// The folders that the checks use.
 constexpr const char* kProgramFolders[] = {"bin", "tests",    "standins", "kit",    "include",
                                            "lib", "bindings", "examples", "source", "headers"};
 
-// Test programs take their own path for ASCII, and make longer ones below it.
+// Test programs require an ASCII path, and create longer paths below it.
 constexpr std::size_t kLongestPlainPath = 100;
 
 fs::path kitFolder() {
@@ -70,7 +70,7 @@ bool isPlain(const fs::path& path) {
            std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > L' ' && c < 127; });
 }
 
-// A folder with a plain path that every user may write into; empty when there is none.
+// A folder with a plain path in which every user can create files; empty if there is none.
 fs::path plainFolder() {
     for (const wchar_t* name : {L"PUBLIC", L"ProgramData"}) {
         const fs::path folder = environmentPath(name);
@@ -79,7 +79,7 @@ fs::path plainFolder() {
     return {};
 }
 
-// A name that no other run has at the same time.
+// A name that is unique among simultaneous runs.
 std::string ownName(const std::string& what) {
     return "QXBridgeKit-" + std::to_string(::GetCurrentProcessId()) + "-" + what;
 }
@@ -93,7 +93,7 @@ std::string stamp() {
     return text;
 }
 
-// A scanner may still have files of it open.
+// Retries, because a scanner may have files open.
 void removeFolder(const fs::path& folder) {
     constexpr int kTries = 20;
     std::error_code error;
@@ -108,7 +108,7 @@ void setVariable(const wchar_t* name, const std::wstring& value) {
     ::SetEnvironmentVariableW(name, value.c_str());
 }
 
-// A run from its guards to its zip.
+// One run, from the state before it to its zip.
 class KitRun {
  public:
     KitRun(RunnerOptions options, fs::path kit);
@@ -129,7 +129,7 @@ class KitRun {
 
     const RunnerOptions options_;
     const fs::path kit_;
-    const fs::path temporary_;  // of the user
+    const fs::path temporary_;  // the user's
     Table table_;
     Snapshot before_;
     Snapshot reportsBefore_;
@@ -149,7 +149,7 @@ void KitRun::add(Record record) {
     records_.push_back(std::move(record));
 }
 
-// A check that the runner makes by itself.
+// Adds a check of the runner itself.
 void KitRun::addOwn(const std::string& id, const std::string& decides, const std::string& fault) {
     Record record;
     record.check.id = id;
@@ -160,7 +160,7 @@ void KitRun::addOwn(const std::string& id, const std::string& decides, const std
     add(std::move(record));
 }
 
-// Everything that is about to be made has a name of this run's own.
+// Reads the table, records the state before the run and creates its folders.
 bool KitRun::prepare() {
     table_ = readTable(readFile(kit_ / "checks.txt"));
     if (!table_.fault.empty()) {
@@ -180,7 +180,7 @@ bool KitRun::prepare() {
     return !error;
 }
 
-// The programs' temporary files go into the work folder, and no error of theirs opens a window.
+// Redirects temporary files into the work folder, and suppresses windows for errors.
 void KitRun::prepareEnvironment() const {
     ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     setVariable(L"TEMP", folders_.work.native());
@@ -209,7 +209,7 @@ void KitRun::checkFiles() {
         taken_.push_back(fault.path);
         text += (text.empty() ? "" : "\n") + fault.path + ": " + fault.what;
     }
-    addOwn("files", "Whether a scanner has taken files of the kit", text);
+    addOwn("files", "Whether all files of the kit are present and unchanged", text);
 }
 
 void KitRun::runChecks() {
@@ -236,9 +236,9 @@ void KitRun::restore() {
     for (const std::string& line : differences(before_, stateNow(kit_, temporary_))) {
         text += (text.empty() ? "" : "\n") + line;
     }
-    addOwn("restored", "Whether registry and folders are as they were before", text);
+    addOwn("restored", "Whether registry and folders are unchanged", text);
     for (const std::string& line : differences(reportsBefore_, errorReportsNow())) {
-        facts_.emplace_back("Windows' own error report", line);
+        facts_.emplace_back("error report of Windows", line);
     }
 }
 
@@ -281,8 +281,8 @@ int KitRun::play() {
         prepareEnvironment();
         runChecks();
     } else {
-        addOwn("programs", "Whether the programs have a place with a plain path",
-               "no folder for them");
+        addOwn("programs", "Whether there is a folder with a plain path for the programs",
+               "neither PUBLIC nor ProgramData can be used");
     }
     setVariable(L"TEMP", temporary_.native());
     restore();

@@ -21,7 +21,7 @@ Conditions conditions(bool isWine, bool isElevated, std::vector<std::string> tak
     return {isWine, isElevated, isElevated, std::move(taken)};
 }
 
-constexpr const char* kElevation = "needs elevation: its programs read HKEY_LOCAL_MACHINE";
+constexpr const char* kElevation = "needs elevation, to write to HKEY_LOCAL_MACHINE";
 
 }  // namespace
 
@@ -61,7 +61,7 @@ TEST(KitObstacle, WhereAnyoneWritesMachineKeysNoElevationIsNeeded) {
 TEST(KitObstacle, WithElevationNoPromptCanBeChecked) {
     const Obstacle obstacle = obstacleOf(checkWith({"plain"}), conditions(false, true));
     EXPECT_EQ(obstacle.outcome, Outcome::Skipped);
-    EXPECT_EQ(obstacle.reason, "needs a kit that was started without elevation");
+    EXPECT_EQ(obstacle.reason, "needs a start without elevation");
     EXPECT_EQ(obstacleOf(checkWith({"plain"}), conditions(false, false)).outcome, Outcome::Passed);
 }
 

@@ -20,7 +20,7 @@ def windows(path):
 
 
 def variables(check):
-    """Of its environment. The kit has the files of tests at the tree's places."""
+    """The environment of a check. The kit and the tree have the files of tests at the same paths."""
     words = check.get("set", "").replace("{kit}", windows(TREE)).replace("{tool}", "tool").split()
     return dict(word.split("=", 1) for word in words)
 
@@ -47,7 +47,7 @@ def faults(check):
 
 
 def programs():
-    """The test programs of the tree, by the names in its CMake files."""
+    """The test programs of the tree, from its CMake files."""
     files = sorted(TREE.glob("tests/*/CMakeLists.txt"))
     return [f"tests/{name}.exe" for file in files
             for name in re.findall(r"^bridge_test\((\w+)", file.read_text("utf-8"), re.M)]

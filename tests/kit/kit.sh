@@ -29,7 +29,7 @@ trap 'bash "$tree/toolchain/prefix.sh" down; rm -rf "$prefix"' EXIT
 bash "$tree/toolchain/prefix.sh" up
 wine() { timeout 250 "$tree/toolchain/wine.sh" "$@"; }
 
-# run STATUS ARGUMENT...: what it prints is in $output, its results in $results.
+# run STATUS ARGUMENT...: sets $output to the printed text and $results to the folder of results.
 run() {
     local expected=$1 status=0
     shift
@@ -41,7 +41,7 @@ run() {
 }
 says() { grep -qF -- "$1" <<<"$output" || fail "not said: $1; but: $output"; }
 
-# Where the product is installed, nothing is done.
+# The kit refuses to start where the product is installed.
 key='HKLM\SOFTWARE\Vantrel_nvo'
 wine reg add "$key" /v UserDefinedDir /d 'C:\Data' /f >/dev/null
 run 3
@@ -50,7 +50,7 @@ says 'the product is installed here'
 wine reg query "$key" /v UserDefinedDir >/dev/null || fail "the guard lost the product's key"
 wine reg delete "$key" /f >/dev/null
 
-# What Wine can run of it passes, and leaves nothing behind. Node is the build machine's.
+# Some checks that Wine can run pass, and leave nothing on the machine. Node is the build machine's.
 export WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin"
 run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-runtimes,python
 says '  files: passed'
@@ -101,7 +101,7 @@ says '  dotnet-tests: passed'
 says '  examples-node: passed'
 says '  examples-dotnet: passed'
 
-# A scanner takes a file, changes another one and empties a third. A check leaves files behind.
+# One file is missing and two are changed, as by a scanner. Checks leave files and keys.
 rm "$kit/tests/standin_core_test.exe"
 : >"$kit/tests/conf_test.exe"
 cat >>"$kit/checks.txt" <<'END'
@@ -139,14 +139,14 @@ for key in QXBridgeTests QX-Bridge; do
     ! wine reg query "HKCU\\Software\\$key" >/dev/null 2>&1 || fail "the key $key stays"
 done
 
-# A damaged table is named, and an unknown argument explained.
+# A damaged table and an unknown argument are reported.
 echo 'colour = red' >>"$kit/checks.txt"
 run 2
 says 'colour = red'
 run 2 --colour
 says 'usage: run.cmd'
 
-# run.cmd hands arguments over, and the status back.
+# run.cmd passes arguments to the runner, and returns its status.
 status=0
 (cd "$kit" && wine cmd /c run.cmd --colour >"$work/output" 2>/dev/null </dev/null) || status=$?
 [ "$status" = 2 ] && grep -q 'usage: run.cmd' "$work/output" || fail "run.cmd: status $status, $(<"$work/output")"

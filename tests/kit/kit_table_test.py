@@ -1,4 +1,4 @@
-"""What toolchain/kit_table.py says of tables and pages."""
+"""Tests of toolchain/kit_table.py."""
 import pathlib
 import sys
 import tempfile

@@ -1,4 +1,4 @@
-"""What kit/bindings/suite.py reports: python_suite_test.py TREE LIBRARY, a library that records its calls."""
+"""Tests of kit/bindings/suite.py: python_suite_test.py TREE LIBRARY. The library records its calls."""
 import pathlib
 import subprocess
 import sys
@@ -33,7 +33,7 @@ def run(kit, library):
 
 
 def ends(lines, sign):
-    """The tests that ended so, without their times."""
+    """The names of the tests that ended with this sign."""
     return [line[len(sign):].rsplit(" (", 1)[0] for line in lines if line.startswith(sign)]
 
 

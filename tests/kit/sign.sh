@@ -13,7 +13,7 @@ cp "$program" "$work/files/library.dll"
 echo text >"$work/files/text.txt"
 cp -r "$work/files" "$work/unsigned"
 
-# sign [VARIABLE=VALUE...]: its output is in $said.
+# sign [VARIABLE=VALUE...]: runs sign.sh with its output in $said.
 sign() { said=$(env "$@" bash "$tree/toolchain/sign.sh" "$work/files" 2>&1); }
 
 # certificate NAME: NAME.pem, and NAME.p12 with the password "secret word".
@@ -45,7 +45,7 @@ for file in library.dll "a folder/program.exe"; do
     fi
 done
 
-# With a time-stamp service of this test's own.
+# A time-stamp service of this test.
 openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=tsa -addext extendedKeyUsage=critical,timeStamping \
     -addext basicConstraints=critical,CA:FALSE -addext keyUsage=critical,digitalSignature \
     -keyout "$work/tsa.key" -out "$work/tsa.pem" 2>/dev/null
@@ -65,7 +65,7 @@ for file in library.dll "a folder/program.exe"; do
     grep -q 'Subject: /CN=tsa' "$work/log" || fail "$file: $(<"$work/log")"
 done
 
-# refused WORDS VARIABLE...: it fails, says so, and leaves the files as they were.
+# refused WORDS VARIABLE...: signing fails with a message that contains WORDS, and changes no file.
 refused() {
     local words=$1
     shift
