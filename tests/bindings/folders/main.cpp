@@ -1,5 +1,8 @@
 // A C++ host that names its own folders: folders_cpp SCENARIO DATA-FOLDER INSTALL-FOLDER. Prints
 // what it then sees of the registry and of the library, and "finished" at the end.
+#include <fcntl.h>
+#include <io.h>
+
 #include <bridge/bridge.hpp>
 #include <cstdio>
 #include <exception>
@@ -8,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "../scenarios/CommandLineUtf8.h"
+#include "support/Platform.h"
 #include "support/WindowsForTests.h"
 
 namespace {
@@ -136,9 +139,10 @@ const std::map<std::string, Scenario>& scenarios() {
 
 }  // namespace
 
-int main() {
-    const std::vector<std::string> arguments = commandLineUtf8();
-    printBytes();
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments = utf8Arguments(argc, argv);
+    ::_setmode(::_fileno(stdout), _O_BINARY);  // lines end without "\r"
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
     scenarios().at(arguments[1])({arguments[2], arguments[3]});
     say("finished");
     return 0;
