@@ -39,7 +39,7 @@ CommandNode program() {
     CommandNode get{
         "get",
         "Print a value",
-        "Example: tool conf get a\nA first note\nin two lines.\n\nA second note:\n"
+        "Example: tool conf get a\nA first note\nwith two lines.\n\nA second note:\n"
         "  0  kept as it is",
         {argument("KEY", "Key", true), argument("REST", "More keys", false), help, shell},
         {}};
@@ -75,7 +75,7 @@ TEST(HelpText, ACommandExplainsItsArgumentsAndOptions) {
               "Options:\n  -h, --help    Print this help\n"
               "  --shell NAME  Shell: bash, fish (default: bash)\n\n"
               "Example:\n  tool conf get a\n\n"
-              "A first note in two lines.\n\nA second note:\n  0  kept as it is\n");
+              "A first note with two lines.\n\nA second note:\n  0  kept as it is\n");
 }
 
 TEST(HelpText, TwoExamplesHaveAPluralHeading) {
@@ -113,6 +113,6 @@ TEST(HelpText, ThePageHasASectionForEachCommandWithoutTheProgramsOptions) {
               "| Options | |\n|---|---|\n"
               "| `--shell NAME` | Shell: bash, fish (default: bash) |\n\n"
               "Example:\n\n```text\ntool conf get a\n```\n\n"
-              "A first note in two lines.\n\nA second note:\n\n```text\n  0  kept as it is\n```\n\n"
+              "A first note with two lines.\n\nA second note:\n\n```text\n  0  kept as it is\n```\n\n"
               "### tool run\n\nRun it.\n\n```text\ntool run [OPTION...]\n```\n");
 }
