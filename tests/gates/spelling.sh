@@ -3,15 +3,16 @@
 set -euo pipefail
 codespell=$1
 cd "$2"
-# The letter of an escape sequence, as in "\nFile", is not part of the next word.
-options=(--ignore-words tests/gates/spelling.txt --ignore-regex '(?<!\\)(?:\\\\)*\\[nrt](?=[A-Z])')
+usual=(--ignore-words tests/gates/spelling.txt)
+code=("${usual[@]}")
+# In code, the letter of an escape sequence is not part of the next word. Only newer versions consider that.
+echo '"\nin"' | "$codespell" - >/dev/null || code+=(--ignore-regex '(?<!\\)(?:\\\\)*\\[nrt]')
 
-if echo '"a\nT'eh'"' | "$codespell" "${options[@]}" - >/dev/null; then
-    echo "codespell misses a misspelling after an escape sequence"
-    exit 1
-fi
 mapfile -t files < <(find . \( -name .git -o -name build -o -name corpus -o -name node_modules \) -prune \
     -o -type f ! -name '*.png' ! -name '*.svg' -print)
-[ ${#files[@]} -gt 500 ] || { echo "only ${#files[@]} files found"; exit 1; }
-"$codespell" "${options[@]}" "${files[@]}"
+mapfile -t sources < <(printf '%s\n' "${files[@]}" | grep -E '\.(c|cpp|cs|h|hpp|js|mjs|mts|py|sh|ts)$')
+mapfile -t others < <(printf '%s\n' "${files[@]}" | grep -vxFf <(printf '%s\n' "${sources[@]}"))
+[ ${#sources[@]} -gt 400 ] && [ ${#others[@]} -gt 50 ] || { echo "only ${#files[@]} files found"; exit 1; }
+"$codespell" "${code[@]}" "${sources[@]}"
+"$codespell" "${usual[@]}" "${others[@]}"
 echo "${#files[@]} files"
