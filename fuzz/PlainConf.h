@@ -7,8 +7,8 @@
 
 #include "xpl/Xerr.h"
 
-// The text of a configuration once more, written for clearness alone: what the fuzzers compare the
-// library with.
+// A second, simple implementation of the configuration's text. The fuzzers compare the library with
+// it.
 
 struct PlainEntry {
     std::string line;

@@ -15,7 +15,7 @@ class Line {
  public:
     explicit Line(XlogLineBuffer& buffer) : buffer_(buffer) {}
 
-    // Appends a text, padded with blanks to this width, and the separator.
+    // Appends a text, padded with spaces to this width, and the separator.
     void appendText(std::string_view text, std::size_t width, std::string_view separator) {
         constexpr std::string_view blanks = "          ";
         add(text);

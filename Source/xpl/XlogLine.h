@@ -32,7 +32,7 @@ struct XlogLineSite {
 using XlogLineBuffer = std::array<char, XLOG_LINE_SIZE>;
 
 // Formats a line that ends with a line feed, and returns its length, at most 4094. A longer line is
-// cut at 4093 characters. A message that cannot be formatted is padded with blanks to that length.
+// cut at 4093 characters. A message that cannot be formatted is padded with spaces to that length.
 std::size_t xlogFormatLine(XlogLineBuffer& buffer, const XlogLineHeader& header,
                            const XlogLineSite& site, const char* format, std::va_list arguments)
     XPRINTF_LIKE(4, 0);

@@ -16,7 +16,7 @@ class GuardedBytes {
     const std::uint8_t* data() const { return data_; }
 
  private:
-    std::size_t size_;  // of the pages, with the one that is no memory
+    std::size_t size_;  // of the pages, including the inaccessible one
     void* pages_;
     std::uint8_t* data_;
 };

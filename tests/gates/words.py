@@ -13,14 +13,40 @@ import prose
 
 # Phrase, as a regular expression in which a space matches line breaks too -> what to write instead.
 TABLE = (
+    (r"anew|once more", "again"),
+    (r"apart by", "separated by"),
+    (r"at the end of which", "after which"),
+    (r"beforehand", "in advance"),
+    (r"becomes? of", "the result of"),
+    (r"dealt with", "handled"),
     (r"for want of", "without"),
+    (r"giv(es?|en|ing) back", "returns, frees"),
+    (r"goes by", "follows"),
+    (r"(is|are|was|were) handed", "receives"),
+    (r"hand(s|ed|ing)? on", "passes"),
     (r"has told( so)?", "has reported, has fired"),
     (r"in (its|their) stead", "instead"),
     (r"in vain", "without effect"),
+    # "Is no X" is bad; "there is no X", "is no longer" and "is no larger" are not.
+    (r"(?!there\b)\w+ (is|are|was|were) no (?!longer|more|such|less|fewer|\w+er\b)\w+", "is not a"),
+    (r"(is|are) to (be|have|know)", "must, will"),
+    (r"(is|are|was|were|been|be) told(?! apart)", "is reported, is logged, is passed"),
+    (r"kept waiting", "blocked"),
+    (r"no other than", "only"),
+    (r"of (his|ours|theirs)", "his, our, their"),
+    (r"on its way", "queued, in progress"),
     (r"owing to", "because of"),
     (r"shall", "must, or the present tense"),
-    (r"till", "until"),
+    (r"some(body|one)( else)?", "the process, the thread, the caller"),
+    (r"stands? (behind|there|here|between|around|beside)", "follows, is"),
     (r"(there|here|where)(of|in|by|upon)|hitherto|henceforth", "a plain preposition"),
+    (r"till", "until"),
+    (r"(to|can|cannot) be had", "available"),
+    (r"what stands", "the text, the bytes"),
+    (r"which is why", "therefore"),
+    (r"wish(es)?", "directive, request"),
+    (r"with patience", "tolerates"),
+    (r"without regard to", "regardless of"),
 )
 EXCEPTIONS = "tests/gates/words.txt"
 NOT_OURS = {".git", "build", "corpus", "node_modules", "__pycache__"}
