@@ -20,8 +20,8 @@ bool isOption(const std::string& word) { return word.size() > 1 && word.front() 
 struct Place {
     const CommandNode* command;
     Words before;                         // the command's arguments by their places
-    const OptionNode* waiting = nullptr;  // the option whose value comes next
-    bool isLiteral = false;               // behind "--" nothing is an option
+    const OptionNode* waiting = nullptr;  // the option that needs the next word as its value
+    bool isLiteral = false;               // after "--" nothing is an option
 };
 
 void advance(Place& place, const std::string& word) {

@@ -103,17 +103,17 @@ bool addPause(StandinSteps& steps, const Words& words) {
     return true;
 }
 
-bool isStep(std::string_view wish) {
-    return wish == "event" || wish == "event-flood" || wish == "pause";
+bool isStep(std::string_view directive) {
+    return directive == "event" || directive == "event-flood" || directive == "pause";
 }
 
 // Adds the step in the words from `first` on: "event ...", "event-flood ..." or "pause ...".
 bool addStep(StandinSteps& steps, const Words& words, std::size_t first, std::string& error) {
-    const std::string& wish = words[first];
+    const std::string& directive = words[first];
     Words rest(words.begin() + static_cast<std::ptrdiff_t>(first) + 1, words.end());
-    if (wish == "pause") return addPause(steps, rest);
-    if (wish == "event-flood") return addFlood(steps, std::move(rest), error);
-    return wish == "event" && addEvent(steps, rest, error);
+    if (directive == "pause") return addPause(steps, rest);
+    if (directive == "event-flood") return addFlood(steps, std::move(rest), error);
+    return directive == "event" && addEvent(steps, rest, error);
 }
 
 bool applyOn(StandinScript& script, const Words& words, std::string& error) {
@@ -125,21 +125,21 @@ bool applyOn(StandinScript& script, const Words& words, std::string& error) {
     return addStep(script.on[words[1]], words, 2, error);
 }
 
-bool applyNumber(StandinScript& script, std::string_view wish, int number) {
+bool applyNumber(StandinScript& script, std::string_view directive, int number) {
     const auto size = static_cast<std::size_t>(number);
-    if (wish == "delay") {
+    if (directive == "delay") {
         script.delayMs = number;
-    } else if (wish == "split") {
+    } else if (directive == "split") {
         script.split = size;
-    } else if (wish == "short") {
+    } else if (directive == "short") {
         script.cut = size;
-    } else if (wish == "garbage") {
+    } else if (directive == "garbage") {
         script.garbage = size;
-    } else if (wish == "quit-after") {
+    } else if (directive == "quit-after") {
         script.quitAfter = number;
-    } else if (wish == "event-split") {
+    } else if (directive == "event-split") {
         script.eventSplit = size;
-    } else if (wish == "event-garbage") {
+    } else if (directive == "event-garbage") {
         script.eventGarbage = size;
     } else {
         return false;
@@ -147,22 +147,22 @@ bool applyNumber(StandinScript& script, std::string_view wish, int number) {
     return true;
 }
 
-bool applyWord(StandinScript& script, std::string_view wish) {
-    if (wish == "close-early") return script.closeEarly = true;
-    if (wish == "never-read") return script.neverRead = true;
-    if (wish == "event-close-early") return script.eventCloseEarly = true;
+bool applyWord(StandinScript& script, std::string_view directive) {
+    if (directive == "close-early") return script.closeEarly = true;
+    if (directive == "never-read") return script.neverRead = true;
+    if (directive == "event-close-early") return script.eventCloseEarly = true;
     return false;
 }
 
 bool applyLine(StandinScript& script, const Words& words, std::string& error) {
-    const std::string& wish = words[0];
-    if (isStep(wish)) return addStep(script.atStart, words, 0, error);
-    if (wish == "on") return applyOn(script, words, error);
-    if (words.size() == 1) return applyWord(script, wish);
+    const std::string& directive = words[0];
+    if (isStep(directive)) return addStep(script.atStart, words, 0, error);
+    if (directive == "on") return applyOn(script, words, error);
+    if (words.size() == 1) return applyWord(script, directive);
     if (words.size() != 2) return false;
-    if (wish == "reply") return parseHex(words[1], script.reply);
+    if (directive == "reply") return parseHex(words[1], script.reply);
     int number = 0;
-    return parseNumber(words[1], number) && applyNumber(script, wish, number);
+    return parseNumber(words[1], number) && applyNumber(script, directive, number);
 }
 
 std::string_view trimmed(std::string_view line) {

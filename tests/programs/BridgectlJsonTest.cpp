@@ -132,7 +132,7 @@ TEST_F(BridgectlJsonTest, MisuseIsAnObjectToo) {
                               "\n");
     }
     EXPECT_EQ(run({"conf", "set", "vtr.locale", "--", "--json", "x"}).out, "")
-        << "behind \"--\" it is a text";
+        << "after \"--\" it is an argument";
 }
 
 TEST_F(BridgectlJsonTest, StandardOutputHasOnlyJson) {

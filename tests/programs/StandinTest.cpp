@@ -216,7 +216,7 @@ TEST(StandinScript, AFloodNumbersItsEvents) {
                      R"( event apk-install-completed("N22",2,"p2") -> x)"}));
     EXPECT_EQ(shown(scriptOf("event app-displayed N{n} p").atStart),
               (Texts{R"(0 event app-displayed("N{n}","p") -> x)"}))
-        << "a single event is sent as it stands";
+        << "a single event is not numbered";
 }
 
 TEST(StandinScript, StepsCanWaitForACommandOrRequest) {
