@@ -88,7 +88,7 @@ inline ListenResult listen(Callbacks callbacks = {},
                            std::chrono::milliseconds limit = std::chrono::seconds(10)) {
     detail::refuseOnEventThread("listen()");
     const std::string client = detail::clientOfStart();
-    if (client.empty()) throw std::logic_error("init() comes first");
+    if (client.empty()) throw std::logic_error("call init() first");
     registerCallbacks(std::move(callbacks));
     const unsigned long server = detail::serverOf(client, limit);
     if (server == detail::thisProcess()) return {true, server, {}};

@@ -75,7 +75,7 @@ class Work {
     std::optional<Outcome> wait(
         std::optional<std::chrono::milliseconds> limit = std::nullopt) const {
         status_.orThrow();
-        if (!detail::isRegistered()) throw std::logic_error("listen() comes first");
+        if (!detail::isRegistered()) throw std::logic_error("call listen() first");
         detail::refuseOnEventThread("wait()");
         std::unique_lock<std::mutex> guard(state_->lock);
         detail::waitFor(state_->changed, guard, limit,

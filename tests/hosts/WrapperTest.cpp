@@ -61,7 +61,7 @@ class WrapperTest : public PlainHostTest {
         return eventPacket(knownEvent(name), words);
     }
 
-    static constexpr const char* kNotStarted = "logic_error init() comes first";
+    static constexpr const char* kNotStarted = "logic_error call init() first";
 
     std::string installFolder = "C:\\None\\";
 };
@@ -162,7 +162,7 @@ TEST_F(WrapperTest, AnEventIsTheOutcomeOfOneWorkInTheOrderOfTheCalls) {
                               packet("image-install-progress", {"Nougat32", "2", "100"});
     EXPECT_EQ(
         playedWith("works", created + installed + image),
-        (Lines{"logic_error listen() comes first", "listening", "created 0 2", "installed 3 5 3",
+        (Lines{"logic_error call listen() first", "listening", "created 0 2", "installed 3 5 3",
                "image 2 after 25 50 ", "time-out", "no outcome after the end"}));
 }
 
