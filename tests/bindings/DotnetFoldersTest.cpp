@@ -66,7 +66,7 @@ TEST_F(DotnetFoldersTest, TheirKeyGoesAtTheEndOfTheProcess) {
     EXPECT_FALSE(hasDevelopmentKey(process));
 }
 
-TEST_F(DotnetFoldersTest, TheyHaveToComeBeforeTheStart) {
+TEST_F(DotnetFoldersTest, TheyAreRefusedAfterTheStart) {
     const std::string refusal =
         "InvalidOperationException: UseFolders() must be called before the start";
     EXPECT_EQ(played({"FoldersAfterTheStart"}), (Lines{refusal, refusal}));

@@ -121,12 +121,12 @@ TEST_F(DotnetTest, AllNineEventsArriveWithTheirValues) {
     EXPECT_EQ(playedWithEvents({"AllNineEvents"}, everyEventScript()), everyLine());
 }
 
-TEST_F(DotnetTest, WhatAHandlerThrowsIsReportedAndTheNextHandlerAndEventCome) {
+TEST_F(DotnetTest, AnExceptionOfAHandlerIsReportedAndTheNextHandlerAndEventCome) {
     EXPECT_EQ(playedWithEvents({"ThrowingHandler"}, kTwoEvents),
               (Lines{"failed: the host's own", "next handler p1", "next handler p2"}));
 }
 
-TEST_F(DotnetTest, CollectionsAmongEventsTakeNoHandlerAway) {
+TEST_F(DotnetTest, CollectionsAmongEventsKeepTheHandlers) {
     EXPECT_EQ(playedWithEvents({"Collections"}, "event-flood 1000 app-displayed N p{n}\n"),
               Lines{"in order 1000"});
 }
@@ -144,7 +144,7 @@ TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
                      "starts once in a process"}));
 }
 
-TEST_F(DotnetTest, ASecondListenerIsToldWhichProcessHasTheEvents) {
+TEST_F(DotnetTest, ASecondListenerGetsTheProcessThatHasTheEvents) {
     ChildProcess first = startHost({"StuckHandler"});
     EXPECT_EQ(first.readLine(), "listening");
     const std::string id = std::to_string(::GetProcessId(first.handle()));

@@ -150,7 +150,7 @@ TEST_F(ExamplesTest, WithoutANumberTheyEndAtOnce) {
     }
 }
 
-TEST_F(ExamplesTest, AFailedStartIsSaid) {
+TEST_F(ExamplesTest, AFailedStartIsReported) {
     data.write("vantrel.conf", "no line of a configuration\n");
     for (const char* program : {"example_c.exe", "example_cpp.exe", "example_qt.exe"}) {
         const ChildResult result = runChild(builtProgram(program), {});

@@ -35,7 +35,7 @@ TEST(HeadersTest, ReadableNumbersAreThoseThatTheLibraryReads) {
     expectTheLibrarysAnswer({"\0001"sv});
 }
 
-TEST(HeadersTest, TheKeysAreThoseOfTheLibrary) {
+TEST(HeadersTest, TheKeysAreTheLibrarys) {
     const ConfCatalogue catalogue = confProductCatalogue();
     const std::map<ConfType, bridge::KeyType> types = {
         {ConfType::Bool, bridge::KeyType::Bool},
@@ -58,7 +58,7 @@ TEST(HeadersTest, TheKeysAreThoseOfTheLibrary) {
     compare(catalogue.instances(), kInstanceProperties);
 }
 
-TEST(HeadersTest, TheImagesAreThoseOfTheLibrary) {
+TEST(HeadersTest, TheImagesAreTheLibrarys) {
     EXPECT_EQ(std::size(kImages), 2u);
     for (const std::string_view image : kImages) {
         EXPECT_NE(utlFindImageTrait(image), nullptr) << image;

@@ -28,10 +28,10 @@ def complaints(*arguments):
 class TypesTest(unittest.TestCase):
     maxDiff = None
 
-    def test_the_binding_has_no_fault(self):
+    def test_the_binding_has_no_errors(self):
         self.assertEqual(complaints("-p", "qxbridge"), [])
 
-    def test_the_examples_of_the_page_have_no_fault(self):
+    def test_the_examples_of_the_page_have_no_errors(self):
         page = (BINDING / "README.md").read_text("utf-8")
         host, loop = re.findall(r"^```python\n(.*?)^```$", page, re.M | re.S)
         coroutine = "\n\nasync def read(bridge: Bridge) -> None:\n" + textwrap.indent(loop, "    ")

@@ -102,7 +102,7 @@ class WheelTest(FolderTest):
             "Wheel-Version: 1.0", f"Generator: qx-bridge ({self.version})", "Root-Is-Purelib: false",
             f"Tag: {TAG}"])
 
-    def test_what_it_says_of_itself(self):
+    def test_its_metadata(self):
         head, _, page = self.text("METADATA").partition("\n\n")
         said = dict(re.findall(r"^([\w-]+): (.*)$", head, re.M))
         self.assertEqual((said["Name"], said["Version"], said["Requires-Python"]),

@@ -25,6 +25,7 @@ static class Check
 
     internal static void Run(Type tests, Action<Action> around = null)
     {
+        int before = Tests;
         const BindingFlags Own = BindingFlags.Public | BindingFlags.Static | BindingFlags.DeclaredOnly;
         foreach (MethodInfo method in tests.GetMethods(Own).OrderBy(one => one.MetadataToken))
         {
@@ -33,6 +34,7 @@ static class Check
             else around(test);
             ++Tests;
         }
+        Equal(true, Tests > before);
     }
 
     internal static string Text(IntPtr memory)

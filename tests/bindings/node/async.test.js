@@ -67,7 +67,7 @@ test('the event loop runs while a commit waits', async () => {
     assert.strictEqual(dpi(), '160');
 });
 
-test('a limit ends the wait, and the commit goes on', async () => {
+test('a time-out ends the wait, and the commit continues', async () => {
     conf.setI32('vtr.instance.Nougat64.dpi', 200);
     hold();
     await assert.rejects(conf.commitAsync({ timeout: 5 }),
@@ -92,7 +92,7 @@ test('an aborted signal starts nothing', async () => {
     assert.strictEqual(dpi(), '200');
 });
 
-test('the end waits for what runs inside', async () => {
+test('the end waits for calls that run', async () => {
     hold();
     const order = [];
     const commit = conf.commitToFileAsync(path.join(host.data, 'last.conf')).then(() => order.push('commit'));

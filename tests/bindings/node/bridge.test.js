@@ -136,7 +136,7 @@ test('the apps of an instance', () => {
     assert.throws(() => bridge.apps('Broken'), failure('bridgeGetInstalledApps', RESULT.FAILURE));
 });
 
-test('programs that are not there', () => {
+test('missing programs', () => {
     const calls = {
         bridgeLaunchApp: () => bridge.launchApp('Nougat64', 'p'),
         bridgeLaunchAppStore: () => bridge.launchAppStore('Nougat64', 's', 'p'),
@@ -230,7 +230,7 @@ test('the library ends once, and rejects calls after that', async () => {
     assert.strictEqual(closed, 1);
 });
 
-test('programs that are there', () => {
+test('existing programs', () => {
     host.plays('displayed NodeTest com.größe\nfinished\n', 'launch');
     const said = fs.readFileSync(host.output, 'utf8');
     assert.ok(said.includes('plrShutdownRpc(true)'), said);

@@ -93,7 +93,7 @@ test('an empty bool without a default has no value', () => {
     store();
 });
 
-test('numbers are judged as the library judges them', () => {
+test('the same numbers are readable as for the library', () => {
     const { KnownValues } = require('qx-bridge/known-values');
     const known = new KnownValues();
     const isNumber = (value) => {
@@ -125,7 +125,7 @@ test('an instance that another program has added is known, and loaded by the nex
     assert.strictEqual(conf.getBool('vtr.instance.Nougat32.pin_to_top'), false);
 });
 
-test('whether an instance is loaded is not asked of a number that cannot be read', () => {
+test('an unreadable number does not show whether an instance is loaded', () => {
     const instance = 'vtr.instance.Nougat32_5';
     store(`${instance}.display_name=""`, `${instance}.dpi="wide"`, `${instance}.max_fps="30"`);
     conf.commitToFile(path.join(host.data, 'copy.conf'));
@@ -133,7 +133,7 @@ test('whether an instance is loaded is not asked of a number that cannot be read
     store();
 });
 
-test('what the file says at a commit counts from then on', () => {
+test('a commit loads the values of the file', () => {
     store('vtr.status.raw_mode="?"', 'vtr.instance.Nougat32.dpi="wide"');
     assert.strictEqual(conf.getBool('vtr.status.raw_mode'), true, 'not loaded yet');
     conf.commitToFile(path.join(host.data, 'copy.conf'));
@@ -173,7 +173,7 @@ test('a name that no instance can have', () => {
     assert.throws(() => conf.getI32('vtr.instance.Pie64.dpi'), says('there is no instance "Pie64"'));
 });
 
-test('a listing with an instance of another image', async () => {
+test('a listing with an instance of an unknown image', async () => {
     const ram = 'vtr.instance.Nougat64.ram="4096"';
     store(ram);
     conf.commitToFile(path.join(host.data, 'copy.conf'));

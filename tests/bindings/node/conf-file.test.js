@@ -50,6 +50,6 @@ test('a line is as long as its bytes, whether they are UTF-8 or not', () => {
     assert.deepStrictEqual(read(`vtr.guid="${'ü'.repeat(2043)}"\nvtr.locale="x"\n`).values, {}, 'letters of two bytes');
 });
 
-test('names are found after such a line too', () => {
+test('instances are found after such a line too', () => {
     assert.deepStrictEqual(read('no line\nvtr.instance.N.dpi="1"\n'), { instances: ['N'], values: {} });
 });

@@ -46,7 +46,7 @@ test('a start that would fail lists what is in the way', () => {
     assert.strictEqual(error.problems, problems);
 });
 
-test('limits are named as Node names them', () => {
+test('time-outs and aborts have the names of Node\'s errors', () => {
     const aborted = new errors.AbortError('why');
     assert.deepStrictEqual([aborted.name, aborted.code, aborted.cause], ['AbortError', 'ABORT_ERR', 'why']);
     assert.strictEqual(new errors.TimeoutError('commitAsync', 5).message, 'commitAsync took longer than 5 ms');

@@ -122,7 +122,7 @@ test('without a file and with a log of its own a host needs no data folder', () 
     assert.deepStrictEqual(preflight('Helper', { noConfFile: true, logFile: path.join(host.data, 'own.log') }), []);
 });
 
-test('init() says the same instead of ending the process', () => {
+test('init() reports the same problems instead of ending the process', () => {
     const bridge = load(host.dll);
     fs.rmdirSync(logs);
     const [what, remedy] = [`the folder ${logs} does not exist`, 'create it: the log is written there'];

@@ -37,7 +37,7 @@ test('the server\'s thread takes a moment', async () => {
     await untilServed('Helper', 60000, never);
 });
 
-test('another process that leaves is none', async () => {
+test('another process that leaves does not count', async () => {
     served(OTHER, OTHER, null, process.pid);
     await untilServed('Helper', 60000, never);
 });
@@ -48,7 +48,7 @@ test('another process that stays has the events', async () => {
     await assert.rejects(untilServed('Helper', 0, never), refused(OTHER, `process ${OTHER} has the events of client "Helper"`));
 });
 
-test('nobody has it in time', async () => {
+test('no process has it in time', async () => {
     served(null);
     await assert.rejects(untilServed('Helper', 20, never), refused(0, 'no process has the events of client "Helper" after 20 ms'));
 });

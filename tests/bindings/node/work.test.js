@@ -72,7 +72,7 @@ test('an image is installed with status 2, and other statuses are progress', asy
     assert.throws(() => imageInstalled('A', { progress: 5 }), TypeError);
 });
 
-test('limits end the wait, and not the work', async () => {
+test('time-outs and signals end the wait but not the work', async () => {
     const works = listening();
     const work = works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing);
     await assert.rejects(work.finished({ timeout: 1 }),
@@ -89,7 +89,7 @@ test('limits end the wait, and not the work', async () => {
     assert.strictEqual((await work.finished()).status, 2);
 });
 
-test('a signal is let go of when the wait is over', async () => {
+test('the wait removes its listener from the signal at its end', async () => {
     const works = listening();
     const listeners = new Set();
     const signal = {

@@ -45,7 +45,7 @@ class BackgroundTest(AsyncCase):
         self.fails("bridgeConfCommitToFile", 13,
                    lambda: run(self.bridge.conf.commit_to_file_async("p")))
 
-    async def test_the_loop_goes_on_meanwhile(self):
+    async def test_the_event_loop_continues_meanwhile(self):
         task = await self.hold_commit()
         for _ in range(10):
             await asyncio.sleep(0)
@@ -59,7 +59,7 @@ class BackgroundTest(AsyncCase):
         await self.bridge.conf.commit_async()
         self.assertTrue(threads[0].startswith("qxbridge"), threads)
 
-    async def test_the_time_is_up_and_the_call_goes_on(self):
+    async def test_the_call_continues_after_a_time_out(self):
         task = await self.hold_commit(timeout=0.05)
         with self.assertRaises(TimeoutError):
             await task

@@ -21,7 +21,7 @@ class ErrorsTest(Case):
         self.assertEqual(str(error), "bridgeLaunchApp failed with 101223 (Windows error 1223); "
                                      "the log has the cause")
 
-    def test_a_code_that_nobody_knows(self):
+    def test_an_unknown_code(self):
         self.assertEqual((BridgeError("bridgeLaunchApp", 41).name, BridgeError("bridgeLaunchApp", 41).text),
                          ("", "an unknown code"))
 
@@ -64,7 +64,7 @@ class ErrorsTest(Case):
                          "bridgePlrShutdown failed with -1 (XERR_FAILURE: it failed; the log has the cause); "
                          "the log C:\\own.log has the cause")
 
-    def test_a_text_that_is_missing(self):
+    def test_a_null_text(self):
         self.start()
         self.assertEqual(self.said(self.bridge.apps, "null"),
                          "bridgeGetInstalledApps failed with -1 (XERR_FAILURE: it failed; the log has the cause); "

@@ -87,7 +87,7 @@ class EventsTest(AsyncCase):
         self.assertEqual((len(seen), caught.exception.limit, str(caught.exception)),
                          (2, 2, "more than 2 events waited to be read"))
 
-    async def test_an_overflow_is_not_healed_by_reading(self):
+    async def test_reading_does_not_clear_an_overflow(self):
         stream = self.bridge.events(limit=1)
         self.displayed("p", "p")
         await next_of(stream)

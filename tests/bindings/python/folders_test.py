@@ -37,7 +37,7 @@ class FoldersTest(Case):
         qxbridge.use_folders("C:\\Own", "C:\\Programs")
         self.assertEqual(qxbridge.preflight("Launcher"), [])
 
-    def test_a_folder_that_is_none(self):
+    def test_folders_that_are_not_valid(self):
         for folders, type_, message in (
                 (("", "C:\\P"), ValueError, "data_folder must not be empty"),
                 (("C:\\Own", ""), ValueError, "install_folder must not be empty"),
@@ -46,7 +46,7 @@ class FoldersTest(Case):
             self.refused(type_, message, qxbridge.use_folders, *folders)
         self.assertEqual(self.windows.registry["UserDefinedDir"], "C:\\Elsewhere")
 
-    def test_it_comes_before_the_start(self):
+    def test_it_is_refused_after_the_start(self):
         qxbridge.use_folders("C:\\Own", "C:\\Programs")
         self.start()
         for _ in range(2):

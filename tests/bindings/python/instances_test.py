@@ -75,21 +75,21 @@ class InstancesTest(Case):
                 self.assertEqual(read, names[:position + 1] + ["ram"])
                 self.bridge.fini()
 
-    def test_that_an_instance_is_loaded_is_looked_at_once(self):
+    def test_whether_an_instance_is_loaded_is_checked_once(self):
         self.start(NOUGAT)
         self.bridge.conf.get_i32("vtr.instance.Nougat64.ram")
         support.fake.taken()
         self.bridge.conf.get_i32("vtr.instance.Nougat64.ram")
         self.assertEqual(support.fake.taken(), ["bridgeConfGetI32 vtr.instance.Nougat64.ram"])
 
-    def test_an_instance_that_is_not_loaded_is_looked_at_again(self):
+    def test_an_instance_that_is_not_loaded_is_checked_again(self):
         self.start(NOUGAT)
         self.loaded("Nougat64")
         self.not_loaded("Nougat64")
         self.loaded("Nougat64", dpi="240")
         self.assertEqual(self.bridge.conf.get_i32(DPI.format("Nougat64")), 240)
 
-    def test_looking_whether_it_is_loaded_reads_no_value_that_is_fatal(self):
+    def test_the_check_whether_it_is_loaded_reads_no_fatal_value(self):
         self.start('vtr.instance.Nougat64.dpi="abc"', 'vtr.instance.Nougat64.max_fps="x"')
         self.loaded("Nougat64", gl_win_height="1")
         self.bridge.conf.get_i32("vtr.instance.Nougat64.ram")

@@ -63,7 +63,7 @@ class TypedKeysTest(Case):
         self.assertRaises(TypeError, self.bridge.conf.set, keys.GLOBAL.mim_max_fps, True)
         self.assertEqual(support.fake.taken(), [])
 
-    def test_a_key_made_by_hand_is_looked_at(self):
+    def test_a_key_made_by_hand_is_checked(self):
         self.start()
         self.key_error('there is no key "vtr.x"', self.bridge.conf.get, Key("vtr.x", "bool", ""))
 
@@ -164,7 +164,7 @@ class ValueChecksTest(Case):
         self.assertEqual(support.fake.taken(), ["bridgeConfSetBool vtr.status.raw_mode 0",
                                                 "bridgeConfGetBool vtr.status.raw_mode"])
 
-    def test_a_set_that_failed_is_none(self):
+    def test_a_set_that_failed_does_not_count(self):
         self.start()
         support.fake.answer(22)
         self.fails("bridgeConfSetBool", 22, self.bridge.conf.set_bool, RAW_MODE, False)
@@ -222,7 +222,7 @@ class ValueChecksTest(Case):
         self.bridge.conf.commit()
         self.bridge.conf.get_bool(RAW_MODE)
 
-    def test_a_commit_with_nothing_to_do_loads_nothing(self):
+    def test_a_commit_without_changes_loads_nothing(self):
         self.start()
         self.write('vtr.status.raw_mode="1"')
         self.bridge.conf.set_bool("vtr.enable_adb_access", False)  # its default
@@ -244,7 +244,7 @@ class ValueChecksTest(Case):
         support.fake.event("instance_list_updated")
         self.unreadable("vtr.enable_adb_access", "maybe", self.bridge.conf.get_bool)
 
-    def test_a_load_leaves_what_is_staged(self):
+    def test_a_load_keeps_staged_values(self):
         self.start()
         self.bridge.register(Callbacks())
         self.bridge.conf.set_bool(RAW_MODE, True)

@@ -68,7 +68,7 @@ class LifeTest(Case):
             bridge.fini()
         self.assertEqual(support.fake.taken(), ["bridgeApiFini"])
 
-    def test_that_nothing_starts_again_is_said_before_anything_is_looked_at(self):
+    def test_a_second_start_is_refused_before_the_preflight(self):
         self.start()
         self.windows.path("C:\\Data\\vantrel.conf").unlink()
         self.refused_now("another Bridge", Bridge(support.fake.path).init, "Helper")

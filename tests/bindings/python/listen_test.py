@@ -50,7 +50,7 @@ class ListenTest(Case):
         support.fake.event("app_displayed", "N", "q")
         self.assertEqual(seen, [("N", "p"), ("N", "q")])
 
-    def test_a_registration_alone_does_not_look(self):
+    def test_a_registration_alone_does_not_check_the_pipe(self):
         self.windows.server = None
         self.bridge.register(Callbacks())
         self.assertEqual(self.windows.pipes, [])

@@ -84,9 +84,9 @@ class LibraryTest(unittest.TestCase):
         self.assertEqual(loaded._name, str(beside))
         self.assertNotEqual(loaded._handle, support.fake.library._handle)
 
-    def test_without_one_there_windows_looks_for_it(self):
+    def test_without_one_there_windows_searches_for_it(self):
         self.assertEqual(native.library_path(), "QX-Bridge.dll")
 
-    def test_a_path_counts_more_than_a_library_beside_the_modules(self):
+    def test_a_path_takes_precedence_over_a_library_beside_the_modules(self):
         shutil.copy(support.fake.path, self.folder / "QX-Bridge.dll")
         self.assertEqual(qxbridge.Bridge(support.fake.path)._calls._library._name, support.fake.path)

@@ -35,16 +35,16 @@ class PreflightTest(Case):
         self.windows.path(LOGS).rmdir()
         self.assertEqual(self.problems(), [f"the folder {LOGS} does not exist"])
 
-    def test_a_log_that_another_program_keeps_for_itself(self):
+    def test_a_log_that_another_program_does_not_share(self):
         self.windows.path(LOG).touch()
         self.windows.held.add(LOG)
         self.assertEqual(self.problems(), [f"the log {LOG} cannot be opened (Windows error 32)"])
 
-    def test_a_folder_in_which_no_log_can_be_made(self):
+    def test_a_folder_in_which_no_log_can_be_created(self):
         self.windows.closed.add(LOGS)
         self.assertEqual(self.problems(), [f"the log {LOG} cannot be opened (Windows error 5)"])
 
-    def test_a_log_that_is_there_is_opened_and_no_file_made(self):
+    def test_an_existing_log_is_opened_and_no_file_is_created(self):
         self.windows.path(LOG).touch()
         self.assertEqual(self.problems(), [])
         self.assertEqual(self.windows.made, [])
@@ -110,7 +110,7 @@ class PreflightTest(Case):
         self.windows.registry["UserDefinedDir"] = None
         self.assertEqual(self.problems(no_conf_file=True, log_file="C:\\own.log"), [])
 
-    def test_the_initialisation_looks_first_and_does_not_call_the_library(self):
+    def test_the_initialisation_checks_first_and_does_not_call_the_library(self):
         self.windows.path(CONF).unlink()
         with self.assertRaises(PreflightError) as caught:
             self.bridge.init("Helper")

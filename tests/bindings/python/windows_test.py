@@ -179,7 +179,7 @@ class WindowsTest(unittest.TestCase):
         self.assertEqual((access, share, disposition, flags), (0x00010004, 7, 1, 0x04000000))
         self.assertEqual(closed, ("close", 5))
 
-    def test_a_folder_in_which_nothing_can_be_made(self):
+    def test_a_folder_in_which_nothing_can_be_created(self):
         self.kernel32(-5)
         self.assertEqual(_windows.create_error("C:\\Logs"), 5)
 
@@ -299,7 +299,7 @@ class WindowsTest(unittest.TestCase):
         self.assertEqual(_windows._last_error(), 231)
 
     @unittest.skipIf(sys.platform == "win32", "this is Windows")
-    def test_elsewhere_there_is_no_windows(self):
+    def test_other_systems_raise_an_error(self):
         for call in (lambda: _windows.registry_text("k", "v"), _windows._kernel32, _windows._advapi32,
                      lambda: _windows.own_local_machine("k", {})):
             self.assertRaises(OSError, call)

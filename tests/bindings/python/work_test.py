@@ -57,7 +57,7 @@ class WorkTest(AsyncCase):
         self.assertEqual(seen, [InstallImageProgress("Nougat64", 1, 25.0),
                                 InstallImageProgress("Nougat64", -3, 0.0)])
 
-    def test_progress_that_nobody_wants(self):
+    def test_an_installation_without_a_function_for_progress(self):
         work = self.bridge.install_image("Nougat64")
         support.fake.event("install_image_progress", "Nougat64", number=1)
         support.fake.event("install_image_progress", "Nougat64", number=2)
@@ -131,7 +131,7 @@ class WorkTest(AsyncCase):
         support.fake.event("app_displayed", "N", "p")
         self.assertEqual(result(), AppDisplayed("N", "p"))
 
-    def test_the_time_is_up_and_the_work_goes_on(self):
+    def test_the_work_continues_after_a_time_out(self):
         work = self.bridge.launch_app("N", "p")
         self.refused(TimeoutError, "timed out after 0.01 s", work.wait, 0.01)
         self.refused(TimeoutError, "timed out after 0.01 s", lambda: run(work.finished(0.01)))
@@ -160,7 +160,7 @@ class WorkTest(AsyncCase):
         self.assertRaises(BridgeError, self.bridge.launch_app, "N", "p")
         self.assertEqual(self.bridge._dispatcher._watches, [])
 
-    def test_what_is_finished_is_forgotten(self):
+    def test_finished_work_is_released(self):
         for _ in range(3):
             self.bridge.launch_app("N", "p")
         self.assertEqual(len(self.bridge._dispatcher._watches), 3)
@@ -193,7 +193,7 @@ class WorkTest(AsyncCase):
 
 
 class WithoutListeningTest(Case):
-    def test_nobody_can_wait(self):
+    def test_waiting_is_refused(self):
         self.start()
         work = self.bridge.launch_app("N", "p")
         self.refused(RuntimeError, "call listen() first", work.wait)
@@ -207,7 +207,7 @@ class WithoutListeningTest(Case):
         support.fake.event("app_displayed", "N", "p")
         self.assertEqual(work.wait(), AppDisplayed("N", "p"))
 
-    def test_listening_that_failed_is_none(self):
+    def test_listening_that_failed_does_not_count(self):
         self.start()
         self.windows.server = None
         self.assertRaises(ListenError, self.bridge.listen)
