@@ -38,7 +38,7 @@ TEST_F(AppcCopyTest, AFileThatCannotBeCopiedIsLeftOutAndTheResultIsStillGood) {
     EXPECT_TRUE(isFileLockFree());
 }
 
-TEST_F(AppcCopyTest, TheOpenCacheStaysTheOneItWas) {
+TEST_F(AppcCopyTest, TheOpenCacheStaysOpen) {
     data.makeFolder("Engine\\Other\\AppCache");
     EXPECT_EQ(appcCopyInstance(store, "Other", "New"), 0) << "neither of the two is open";
     ASSERT_EQ(appcSaveToFile(store), 0);

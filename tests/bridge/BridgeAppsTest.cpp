@@ -17,8 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A cache over a data folder. Its instances are others than those of the layer's own tests, which
-// look at the machine-wide lock and may run at the same time.
+// A cache in a data folder. The app cache's own tests, which may run at the same time, check the
+// machine-wide locks of other instances.
 struct Cache : AppcStore {
     explicit Cache(const std::string& data)
         : AppcStore(appcDiskFiles(), data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}
@@ -49,13 +49,13 @@ class BridgeAppsTest : public ::testing::Test {
     Cache store{data.path()};
 };
 
-// An array of one app, of this package.
+// An array of one app.
 std::string oneApp(const std::string& package) {
     return R"([{"package":")" + package +
            R"(","activity":"m","appLabel":"l","versionCode":1,"versionName":"v"}])";
 }
 
-// A file as Qt writes it, and the listing that it makes, both without the library's code.
+// A file and its listing as Qt writes them.
 struct Reference {
     std::string file;
     std::string listing;
@@ -208,7 +208,7 @@ TEST_F(BridgeAppsTest, ThreadsGetTheInstanceThatTheyAskedFor) {
     EXPECT_EQ(log.texts(), Lines{});
 }
 
-// The listing beside everything that edits a cache, on threads.
+// Lists a cache on threads while others edit it.
 SUBPROCESS(listsBesideEdits) {
     LogCapture log;
     Cache store(arguments[0]);

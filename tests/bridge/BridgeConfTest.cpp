@@ -1,4 +1,4 @@
-// The listing's fatal ends, where what it looks at first says why, and the commit's own line.
+// The listing's fatal ends, whose lines show what it checks first, and the commit's own line.
 #include "bridge/BridgeConf.h"
 
 #include "support/FatalBreak.h"
@@ -8,8 +8,8 @@
 #include "support/TestHeaders.h"
 #include "xpl/Xpl.h"
 
-// Lists a file whose one instance is removed, but listed again since the file has been read since.
-// Every line goes to standard output. Arguments: the instance, its memory, "removed" or "kept".
+// Lists a file with one instance. A removed one is listed because the file has been read again. The
+// log goes to standard output. Arguments: the instance, its memory, "removed" or "kept".
 SUBPROCESS(listsInstance) {
     const std::string& name = arguments.at(0);
     const TempFolder folder;
@@ -37,7 +37,7 @@ Lines lastWords(const std::string& instance, const std::string& ram, const std::
 
 }  // namespace
 
-TEST(BridgeInstancesTest, AnUnknownImageIsToldBeforeAnythingIsRead) {
+TEST(BridgeInstancesTest, AnUnknownImageIsReportedBeforeAnythingIsRead) {
     const Lines unknown{"E UTL  utlGetImageTrait: Unknown image Pie64",
                         logged::fatalBreak("UTL", "Source/utl/Utl")};
     EXPECT_EQ(lastWords("Pie64_1", "4096", "kept"), unknown);

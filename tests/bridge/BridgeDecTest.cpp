@@ -1,4 +1,4 @@
-// From packets to the host's functions, with the lines that the log gets.
+// From packets to the host's functions, with their log lines.
 #include "bridge/BridgeDec.h"
 
 #include "GuardedBytes.h"

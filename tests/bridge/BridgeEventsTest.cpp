@@ -1,4 +1,4 @@
-// The event server's life. It is kept once per process, so each test has a process of its own.
+// The event server's lifetime. There is one per process, so each test has its own process.
 #include "bridge/BridgeEvents.h"
 
 #include "HostCalls.h"
@@ -26,7 +26,7 @@ int failInit(IpcServerThread**, const std::string& name, IpcDecode) {
 
 void initialise() { static_cast<void>(internal::bridgeApiInitEx("Uninstaller", true, 0, "NUL")); }
 
-// The lines that the bridge logged since, and the calls that the host got.
+// Prints and clears the bridge's log lines and the host's calls.
 void print(LogCapture& log) {
     for (const std::string& line : log.texts()) {
         if (line.find(" BRIDGE ") != std::string::npos) std::printf("%s\n", line.c_str());
@@ -36,7 +36,7 @@ void print(LogCapture& log) {
     hostCalls.clear();
 }
 
-// An event without a server.
+// Decodes an event without a server.
 void decodeOne() {
     const std::string packet = createInstanceCompletedPacket(0, "N");
     bridgeDecode(nullptr, reinterpret_cast<const std::uint8_t*>(packet.data()),
@@ -47,7 +47,7 @@ void waitUntilServed() {
     waitUntil([] { return ipcNameIsServed(kServerName); });
 }
 
-// Sends an event and waits until the server has read it: it answers when it is through.
+// Sends an event, and waits for the reply to the packet after it.
 void sendOne() {
     RawPipe pipe(connectWhenFree(kServerName));
     const std::string event = createInstanceCompletedPacket(7, "N");
@@ -55,7 +55,7 @@ void sendOne() {
     pipe.read(1);
 }
 
-// The lines of an event, and of the packet after it in sendOne(), which is none.
+// The lines of an event, and of the packet after it in sendOne(), which is not an event.
 std::string eventLine(const std::string& status) {
     return logged::instanceCreated(status, "N") + "\n";
 }
@@ -92,7 +92,7 @@ SUBPROCESS(failsToStart) {
     return 0;
 }
 
-TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverTriedAgain) {
+TEST(BridgeEventsTest, AFailedStartSetsNoCallbacksAndIsNeverRetried) {
     EXPECT_EQ(subprocessOutput("failsToStart"),
               "start of vtr_Uninstaller_bridge_nvo\n"
               "I BRIDGE Bridge ipc ..\n"

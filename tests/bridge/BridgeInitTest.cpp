@@ -1,5 +1,4 @@
-// What only the inside of an initialisation shows. It is kept once per process, so each test has a
-// process of its own.
+// State of the initialisation that no export shows. It is per process, so each test has its own.
 #include "bridge/BridgeInit.h"
 
 #include <bridge/bridge.h>
@@ -16,7 +15,7 @@ namespace {
 
 XErr initialise(const char* client) { return internal::bridgeApiInitEx(client, true, 0, "NUL"); }
 
-// The bridge's lines with where they come from.
+// Prints the bridge's lines with their file and function.
 void print(const LogCapture& log) {
     for (const LogCapture::Line& line : log.lines()) {
         if (line.tag != XlogTag::BRIDGE) continue;

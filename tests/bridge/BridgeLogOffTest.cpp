@@ -1,4 +1,4 @@
-// What is refused, and what is passed on, with every level off: the same results, and not a line.
+// Refused and successful calls with every log level off: the same results, and no line.
 #include "HostCalls.h"
 #include "ReplacedIpcCalls.h"
 #include "appc/AppcStore.h"
@@ -81,7 +81,7 @@ TEST(BridgeLogOffTest, WhatIsRefusedOrPassedOnIsSoInSilence) {
     bridgeSetCallbacks({});
 }
 
-// The initialisation puts the library's own logger in place: what comes before it is silent.
+// The initialisation installs the library's own logger, so only what comes before it is silent.
 SUBPROCESS(initialisesInSilence) {
     RegistrySandbox registry;
     const TempFolder folder;

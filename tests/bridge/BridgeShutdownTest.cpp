@@ -1,4 +1,4 @@
-// A client that cannot be prepared, which only a stand-in for the preparation can show.
+// Clients whose initialisation fails, for which it is replaced.
 #include "bridge/BridgeShutdown.h"
 
 #include "ReplacedIpcCalls.h"
@@ -20,7 +20,7 @@ int failForManager(IpcClient& client, const std::string& serverName) {
 class BridgeShutdownTest : public ::testing::Test {
  protected:
     BridgeShutdownTest() {
-        // A file without instances, whatever the tests before have left in the one store.
+        // A file without instances, since other tests use the same store.
         EXPECT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", ""), false), 0);
         confAddInstance(confStore(), "Nougat64_2");
         confAddInstance(confStore(), "Nougat64_10");

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-// Bytes that end where no memory is: reading one byte behind them ends the process.
+// Bytes at the end of accessible memory: reading the byte after them ends the process.
 class GuardedBytes {
  public:
     explicit GuardedBytes(std::string_view bytes);

@@ -6,10 +6,10 @@
 
 #include "bridge/BridgeIpcClbk.h"
 
-// A host that writes down its calls: one line each, as "onAppDisplayed(Nougat64|com.example)".
+// The calls of the writing host, a line each: "onAppDisplayed(Nougat64|com.example)".
 extern std::vector<std::string> hostCalls;
 
-// All functions of that host.
+// A host whose functions record their calls.
 BridgeCallbacks writingHost();
 
 #endif

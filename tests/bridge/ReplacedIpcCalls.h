@@ -3,7 +3,7 @@
 
 #include "bridge/BridgeIpcCalls.h"
 
-// Puts one of the starts of clients and servers in the place of the library's, as long as it lives.
+// Replaces the library's initialisation of clients or servers while it lives.
 class ReplacedIpcCalls {
  public:
     explicit ReplacedIpcCalls(decltype(BridgeIpcCalls::clientInit) init) {

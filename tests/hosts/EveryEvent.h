@@ -5,17 +5,18 @@
 
 #include "PlainHost.h"
 
-// One scenario for every kind of host: the example of each event, with texts beyond ASCII.
+// Packets with the example of each event, for hosts of every kind. The texts have non-ASCII
+// characters.
 std::string everyEvent();
 
 // The same as a script for the stand-ins.
 std::string everyEventScript();
 
-// What a host prints for it, a line an event, and its line for one of them.
+// The lines that a host prints for them, and for one of them.
 Lines everyLine();
 std::string lineOf(const std::string& name);
 
-// The server's name of a host that says "Helper", and a connection to it as soon as there is one.
+// The server of a host that is initialised as "Helper", and a connection to it, for which it waits.
 constexpr const char* kHelperServer = "vtr_Helper_bridge_nvo";
 void* connectToHelper();
 

@@ -1,4 +1,4 @@
-// What bridge.hpp adds to the library, in a host of its own.
+// What bridge.hpp adds to the library.
 #include <chrono>
 #include <string>
 
@@ -28,7 +28,7 @@ class WrapperTest : public PlainHostTest {
                             options);
     }
 
-    // The lines of a host that has been initialised, up to the "finished" that is expected.
+    // The lines of a host, without those at its start and its "finished".
     static Lines rest(ChildProcess& host) {
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, 0u) << result.out << result.err;
@@ -44,7 +44,7 @@ class WrapperTest : public PlainHostTest {
         return rest(host);
     }
 
-    // The same for a host that is sent these packets when it listens.
+    // The same for a host that gets these packets when it listens.
     Lines playedWith(const std::string& scene, const std::string& packets) const {
         ChildProcess host = startScene(scene);
         Lines before;
@@ -75,7 +75,7 @@ TEST_F(WrapperTest, KeysHaveATextATypeAndTheRightValues) {
                      "KeyError there is no instance \"Nougat65\"; did you mean \"Nougat64\"?"}));
 }
 
-TEST_F(WrapperTest, AWrongKeyIsAnExceptionThatSaysWhatMayHaveBeenMeant) {
+TEST_F(WrapperTest, AWrongKeyIsAnExceptionWithASuggestion) {
     EXPECT_EQ(played("wrong keys"),
               (Lines{"KeyError \"vtr.locale\" is a string, not an i64",
                      "KeyError \"vtr.locale\" is a string, not an i64",
@@ -91,7 +91,7 @@ TEST_F(WrapperTest, AWrongKeyIsAnExceptionThatSaysWhatMayHaveBeenMeant) {
                      "vtr.locael vtr.locale"}));
 }
 
-TEST_F(WrapperTest, AnErrorHasItsOperationCodeNameWordsFileAndLog) {
+TEST_F(WrapperTest, AnErrorHasItsOperationCodeNameTextFileAndLog) {
     data.makeFolder("Engine\\Broken\\AppCache");
     data.write("Engine\\Broken\\AppCache\\AppCache.json", "[3]");
     const std::string log = "; the log " + (data / "Logs\\Player.log") + " has the cause";
@@ -113,7 +113,7 @@ TEST_F(WrapperTest, AnErrorHasItsOperationCodeNameWordsFileAndLog) {
                "bridgeLaunchApp|2|XERR_NOENT|no such file or folder", "-1"}));
 }
 
-TEST_F(WrapperTest, WhatAnotherProgramWroteCountsFromTheNextLoadOn) {
+TEST_F(WrapperTest, ValuesOfAnotherProgramAreUsedAfterTheNextLoad) {
     const std::string notLoaded =
         "KeyError instance \"Nougat64_2\" is not loaded yet: commit, or wait for "
         "instanceListUpdated";
@@ -138,7 +138,7 @@ TEST_F(WrapperTest, AQueueHasTheEventsInOrderUntilItOverflowsOrTheLibraryEnds) {
                      "no event after the end", "ended", "none after the end"}));
 }
 
-TEST_F(WrapperTest, WhatWouldWaitForItselfIsRefusedInACallback) {
+TEST_F(WrapperTest, CallsThatWouldDeadlockAreRefusedInACallback) {
     installFolder = standinProgram("");
     data.write("standin.script", "on launchApp pause 1\n");
     EXPECT_EQ(playedWith("inside", packet("app-displayed", {"Nougat64", "p"})),
@@ -147,7 +147,7 @@ TEST_F(WrapperTest, WhatWouldWaitForItselfIsRefusedInACallback) {
                      "logic_error wait() must not be called inside a callback", "goes on"}));
 }
 
-TEST_F(WrapperTest, AnEventIsTheOutcomeOfOneWorkInTheOrderOfTheCalls) {
+TEST_F(WrapperTest, EachEventIsTheOutcomeOfOneWorkInTheOrderOfTheCalls) {
     installFolder = standinProgram("");
     data.write("standin.script", "");
     const std::string created = packet("create-instance-completed", {"0", "Nougat64_1"}) +
@@ -166,7 +166,7 @@ TEST_F(WrapperTest, AnEventIsTheOutcomeOfOneWorkInTheOrderOfTheCalls) {
                "image 2 after 25 50 ", "time-out", "no outcome after the end"}));
 }
 
-TEST_F(WrapperTest, AWorkWhoseProgramDoesNotStartSaysWhy) {
+TEST_F(WrapperTest, AWorkWhoseProgramDoesNotStartReportsTheReason) {
     EXPECT_EQ(played("no program"),
               (Lines{"2",
                      "Error bridgeCreateFreshInstance failed with 2 (XERR_NOENT: no such file or "
@@ -174,13 +174,13 @@ TEST_F(WrapperTest, AWorkWhoseProgramDoesNotStartSaysWhy) {
                          (data / "Logs\\Player.log") + " has the cause"}));
 }
 
-TEST_F(WrapperTest, ListenSaysThatTheEventsComeHere) {
+TEST_F(WrapperTest, ListenReportsItsOwnProcess) {
     EXPECT_EQ(played("listen"), (Lines{"listening itself", "listening",
                                        "no process has the events of client \"Helper\"; the log " +
                                            (data / "Logs\\Player.log") + " has the cause"}));
 }
 
-TEST_F(WrapperTest, ListenSaysWhoHasTheEvents) {
+TEST_F(WrapperTest, ListenReportsTheProcessThatHasTheEvents) {
     ChildProcess first = startScene("hold");
     EXPECT_EQ(first.readLine(), kNotStarted);
     EXPECT_EQ(first.readLine(), "listening");
@@ -190,7 +190,7 @@ TEST_F(WrapperTest, ListenSaysWhoHasTheEvents) {
     first.kill();
 }
 
-TEST_F(WrapperTest, PreflightIsThatOfTheCHeader) {
+TEST_F(WrapperTest, PreflightReportsTheProblemsOfTheCHeader) {
     const std::string error =
         "bridgeApiInit failed with 22 (XERR_INVAL: an argument was refused); the log has the cause";
     EXPECT_EQ(played("preflight"), (Lines{"0 0", error}));

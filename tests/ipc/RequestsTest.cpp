@@ -38,16 +38,17 @@ void expectSent(const KnownRequest& request, const Words& values) {
     EXPECT_TRUE(sentBytes(request, values) == requestPacket(request, values)) << request.name;
 }
 
-// Sends every request that has these fields with each value in all fields of a type.
+// Sends every request that has these fields with each value in each field of a type.
 void expectSentWithEach(const Words& values, char type, const Lines& fields) {
     for (const KnownRequest& request : knownRequests()) {
         if (std::count(fields.begin(), fields.end(), request.fields) == 0) continue;
-        for (const std::string& value : values) {
-            Words all = sampleOf(request);
-            for (std::size_t i = 0; i < all.size(); ++i) {
-                if (request.fields[i] == type) all[i] = value;
+        for (std::size_t i = 0; i < request.fields.size(); ++i) {
+            if (request.fields[i] != type) continue;
+            for (const std::string& value : values) {
+                Words all = sampleOf(request);
+                all[i] = value;
+                expectSent(request, all);
             }
-            expectSent(request, all);
         }
     }
 }

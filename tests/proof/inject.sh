@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# inject.sh BUILD: commits whose every system call on the configuration file or its temporary file
-# fails, or is the process's last, by strace under Wine: nothing in the program knows of it. (The
-# move is the work of Wine's server; proof_test lets that one fail.)
+# inject.sh BUILD: commits in which a system call on the configuration file or its temporary file
+# fails, or is the process's last. strace injects the faults under Wine, so the program is unchanged.
+# (Wine's server makes the move; proof_test lets that one fail.)
 set -euo pipefail
 build=$1
 tree=$(cd "$(dirname "$0")/../.." && pwd)
@@ -15,9 +15,9 @@ command -v strace >/dev/null || die "strace is not installed: toolchain/packages
 
 subprocess() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess "$1" "Z:$conf"; }
 
-# expect_whole WHERE STATUS: what a commit of that status leaves. One that says so is in the file, one
-# that says no is not, and one that was killed is or is not. Nothing but a temporary file is left, and
-# the next process commits.
+# expect_whole WHERE STATUS: checks the files after a commit with that status. One that succeeded is in
+# the file, one that failed is not, one that was killed may be. At most a temporary file is left, and the
+# next process can commit.
 expect_whole() {
     case $2 in
         0) cmp -s "$conf" "$folder/after" || die "$1: the commit succeeded and is not in the file" ;;
@@ -38,10 +38,10 @@ commit_with() (
     strace -f -o "$folder/trace" -P "$conf" -P "$conf-temp" -e "trace=$2" \
         -e "inject=$2:$1:when=$3" \
         "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess commits "Z:$conf"
-    exit $?  # so that this shell, whose words nobody reads, is the one that reports a kill
+    exit $?  # lets this shell, whose output is discarded, report a kill
 ) >/dev/null 2>&1
 
-# sweep FAULT CALL...: for each of these calls, the first, the second, until there are no more.
+# sweep FAULT CALL...: for the first of each of these calls, the second, until there are no more.
 sweep() {
     local fault=$1 call n status
     shift

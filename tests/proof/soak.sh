@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# soak.sh BUILD [PERCENT]: the long forms of what each run of the tests plays shortly
-# (support/Proof.h), or so much of them.
+# soak.sh BUILD [PERCENT]: the long forms of the proofs of which each test run plays a short form
+# (support/Proof.h), or that much of them.
 set -euo pipefail
 build=$1 percent=${2:-100}
 tree=$(cd "$(dirname "$0")/../.." && pwd)
-# Batches of equal size need it.
+# So that all batches have the same size.
 [[ $percent =~ ^([1-9]0|100)$ ]] || {
     echo "error: the part of the long forms is 10, 20 ... 100 percent, not $percent" >&2
     exit 1
 }
 export BRIDGE_PROOF=$percent QX_STANDIN_CLIENTS=none
 
-# Far beyond what any part takes on a busy machine.
+# Much more than any part takes on a busy machine.
 minutes=60
 
-# play TEST PATTERN...: a pattern that names no test is a mistake, for example of a renaming.
+# play TEST PATTERN...: a pattern that matches no test is an error, for example after a renaming.
 play() {
     local test=$1 pattern names filter
     shift
