@@ -22,20 +22,11 @@ static std::string arrayText(const std::vector<PlainApp>& apps, const std::strin
     std::string text = "[\n";
     for (const PlainApp& app : apps) {
         if (&app != &apps.front()) text += ",\n";
-        text += R"(    {
-        "activity": ")" +
-                app.activity + R"(",
-        "appLabel": ")" +
-                app.appLabel + R"(",
-        ")" + icon +
-                app.package + R"(.png",
-        "package": ")" +
-                app.package + R"(",
-        "versionCode": )" +
-                std::to_string(app.versionCode) + R"(,
-        "versionName": ")" +
-                app.versionName + R"("
-    })";
+        text += "    {\n        \"activity\": \"" + app.activity + "\",\n        \"appLabel\": \"" +
+                app.appLabel + "\",\n        \"" + icon + app.package +
+                ".png\",\n        \"package\": \"" + app.package +
+                "\",\n        \"versionCode\": " + std::to_string(app.versionCode) +
+                ",\n        \"versionName\": \"" + app.versionName + "\"\n    }";
     }
     return text + (apps.empty() ? "]\n" : "\n]\n");
 }

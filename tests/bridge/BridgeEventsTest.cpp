@@ -9,7 +9,6 @@
 #include "support/EventPackets.h"
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/Subprocess.h"
 #include "support/TestHeaders.h"

@@ -6,7 +6,6 @@
 #include "support/MalformedPackets.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
-#include "support/TestHeaders.h"
 #include "support/WaitUntil.h"
 #include "support/WindowsForTests.h"
 #include "support/event_table.h"

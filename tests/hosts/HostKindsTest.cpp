@@ -2,7 +2,6 @@
 #include "EveryEvent.h"
 #include "support/LogLines.h"
 #include "support/RawServer.h"
-#include "support/TestHeaders.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 #include "PlainHost.h"
 #include "support/LogLines.h"
 #include "support/Platform.h"
-#include "support/ProductVersion.h"
 #include "support/WindowsForTests.h"
 
 namespace {

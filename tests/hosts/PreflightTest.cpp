@@ -4,7 +4,6 @@
 #include <string>
 
 #include "PlainHost.h"
-#include "support/ProductVersion.h"
 
 namespace {
 

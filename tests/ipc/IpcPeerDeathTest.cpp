@@ -3,7 +3,6 @@
 #include "ipc/IpcConnection.h"
 #include "plr/client/PlrEnc.h"
 #include "support/EventPackets.h"
-#include "support/Platform.h"
 #include "support/Proof.h"
 #include "support/RawServer.h"
 #include "support/WaitUntil.h"

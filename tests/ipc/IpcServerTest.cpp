@@ -6,7 +6,6 @@
 #include "support/LogCapture.h"
 #include "support/LogLines.h"
 #include "support/MalformedPackets.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/WaitUntil.h"
 #include "support/process_figures.h"

@@ -2,7 +2,6 @@
 
 #include "mim/client/MimEnc.h"
 #include "plr/client/PlrEnc.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/TestHeaders.h"
 #include "support/WaitUntil.h"

@@ -21,7 +21,6 @@
 #include "support/FakeSocket.h"
 #include "support/LogLines.h"
 #include "support/NoCallbacks.h"
-#include "support/Platform.h"
 #include "support/RawServer.h"
 #include "support/RegistrySandbox.h"
 #include "support/Subprocess.h"
