@@ -1,4 +1,4 @@
-// Typed reads and writes, through the DLL's exports, of many keys in no order.
+// Typed reads and writes of many keys in random order, through the DLL's exports.
 #include <QSettings>
 #include <cstdlib>
 #include <functional>
@@ -18,7 +18,7 @@ constexpr std::size_t kKeyCount = 1024;
 constexpr double kSettingsAim = 0.3;
 constexpr double kFloorAim = 1.2;
 
-// The keys of one type, and what every side reads and writes.
+// The keys of one type, and the values that every side reads and writes.
 struct Access {
     explicit Access(ConfType type) : keys(someKeys(Library::get().values(), type, kKeyCount)) {
         const FloorPath path =
@@ -35,7 +35,7 @@ struct Access {
         for (const auto& [key, value] : map) std::free(value);
     }
 
-    // Goes round the keys; after each round the values to write are others.
+    // Cycles through the keys, and changes the values to write after each cycle.
     std::size_t next() {
         if (++at == keys.size()) {
             at = 0;
@@ -54,7 +54,7 @@ struct Access {
 };
 using AccessPtr = std::shared_ptr<Access>;
 
-// Calls work(access), each side over keys of its own.
+// Calls work(access). Each side has its own keys.
 template <typename Work>
 Side side(const char* name, double aim, ConfType type, Work work) {
     const auto access = std::make_shared<Access>(type);
@@ -81,7 +81,7 @@ void floorSet(Access& access, std::string_view value) {
     stored = floorCopy(value);
 }
 
-// `qt` makes the value that QSettings is given; `text` is the floor's.
+// `qt` creates the value for QSettings, `text` the value for the floor.
 template <typename Library, typename Qt, typename Text>
 std::vector<Side> setSides(ConfType type, Library library, Qt qt, Text text) {
     return {side("library", 0, type,

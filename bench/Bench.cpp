@@ -1,4 +1,4 @@
-// Rounds, stability, and the lines of JSON.
+// Rounds, their stability, and output as lines of JSON.
 #include "Bench.h"
 
 #include <algorithm>
@@ -15,10 +15,10 @@ constexpr int kAttempts = 3;
 constexpr int kSingleRounds = 40;
 constexpr double kSampleNanoseconds = 20e6;
 
-// Highest ratio of the slowest to the fastest sample of the middle half.
+// Maximum ratio of the slowest to the fastest sample in the middle half.
 constexpr double kSpread = 1.35;
 
-using Samples = std::vector<double>;  // nanoseconds of one piece of work
+using Samples = std::vector<double>;  // nanoseconds per operation
 
 // The middle half, sorted.
 Samples core(Samples samples) {
@@ -38,7 +38,7 @@ double worstSpread(const std::vector<Samples>& sides) {
     return worst;
 }
 
-// How often the work fits into a sample. The first time is left out: much is done then for once.
+// The number of operations per sample. The first operation does not count, because it initialises.
 std::int64_t timesFor(const Side& side) {
     side.time(1);
     for (std::int64_t times = 1;; times *= 4) {
@@ -61,7 +61,7 @@ std::vector<Samples> measureOnce(const Row& row, const std::vector<Side>& sides,
     return all;
 }
 
-// All even rounds, and all odd ones: how far the two differ shows whether the figures repeat.
+// Compares the even rounds with the odd ones to see whether the figures are repeatable.
 using Halves = std::array<Samples, 2>;
 
 std::vector<Halves> measureSingleTimes(const std::vector<Side>& sides) {

@@ -10,36 +10,36 @@
 #include <utility>
 #include <vector>
 
-// The harness: rows of work, each done by several sides, one after another in rounds, so that what
-// else happens on the machine meets all of them.
+// The harness. A row is an operation that several sides implement. The sides take turns in rounds,
+// so that other load on the machine affects all of them.
 
-// One way of doing a row's work.
+// One implementation of a row's operation.
 struct Side {
     std::string name;
 
-    // Highest ratio of the library's time to this side's that is aimed at; 0: none.
+    // Maximum intended ratio of the library's time to this side's time; 0: none.
     double aim = 0;
 
-    // Does the work so many times and returns the nanoseconds that it took.
+    // Repeats the operation and returns the nanoseconds that it took.
     std::function<double(std::int64_t times)> time;
 
-    // In place of `time`, in rows about single times: does the work for one round and appends the
-    // nanoseconds of each time.
+    // Instead of `time`, in rows of single times: repeats the operation for one round and appends
+    // the nanoseconds of each operation.
     std::function<void(std::vector<double>& times)> each = nullptr;
 };
 
 struct Row {
-    std::string name;  // "load/1000": what the command line selects by, up to any "/"
-    std::string work;  // for readers
+    std::string name;  // "load/1000"; the command line selects by the parts before each "/"
+    std::string work;  // description for readers
 
-    // Sets the work up; called when the row is measured. The first side is the library. What the
-    // sides own goes when they go.
+    // Creates the sides when the row is measured. The first side is the library. The sides own what
+    // they use.
     std::function<std::vector<Side>()> sides;
 
-    // Pieces of work that one time is for: times are shown for one of them.
+    // Operations per time. Times are shown per operation.
     double pieces = 1;
 
-    // Of single times, the quantile whose ratio counts; 0: they are shown, and no ratio.
+    // In rows of single times, the quantile whose ratio counts; 0: no ratio.
     double quantile = 0;
 };
 
@@ -50,7 +50,7 @@ inline double nanosecondsSince(std::chrono::steady_clock::time_point start) {
         .count();
 }
 
-// Sides' times around a call, or around a call that something comes before each time.
+// Times a call, or a call with an untimed preparation before each repetition.
 template <typename Run>
 std::function<double(std::int64_t)> timed(Run run) {
     return [run](std::int64_t times) {
@@ -74,13 +74,13 @@ std::function<double(std::int64_t)> timedAfter(Prepare prepare, Run run) {
     };
 }
 
-// Ends the program: a row that cannot do its work must not look fast.
+// Ends the program, because a row that fails must not look fast.
 [[noreturn]] void benchFail(std::string_view why);
 inline void benchCheck(bool ok, std::string_view why) {
     if (!ok) benchFail(why);
 }
 
-// Keeps a result from being optimised away.
+// Prevents the compiler from removing the computation of a result.
 template <typename Value>
 void benchUse(const Value& value) {
     asm volatile("" : : "r"(&value) : "memory");
@@ -89,10 +89,10 @@ void benchUse(const Value& value) {
 // Measures a row and prints it as one line of JSON.
 void benchMeasure(const Row& row);
 
-// Sets a row up and does the work of one of its sides so many times, for a profiler to look at.
+// Repeats the operation of one side of a row, for a profiler.
 void benchRepeat(const Row& row, const std::string& side, std::int64_t times);
 
-// A line of JSON with numbers that are no times: name, and pairs of name and number.
+// Prints a line of JSON with numbers that are not times: a name, and pairs of name and number.
 void benchPrintNumbers(std::string_view row,
                        const std::vector<std::pair<std::string, double>>& numbers);
 
@@ -107,8 +107,8 @@ void addEventRows(Rows& rows);
 void addStartRows(Rows& rows);
 void addThreadRows(Rows& rows);
 
-// Prints the row "footprint": sizes of the DLL, of a configuration of 1,000 instances, and of the
-// private memory that initialising with it takes.
+// Prints the row "footprint": the sizes of the DLL, of a configuration of 1,000 instances, and of
+// the private memory that the initialisation with it allocates.
 void benchFootprint();
 
 #endif

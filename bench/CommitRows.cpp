@@ -1,4 +1,4 @@
-// Committing changes. Making them is not part of it.
+// Commits of changes, without the time for the changes themselves.
 #include <QSettings>
 #include <cstddef>
 #include <memory>
@@ -83,7 +83,7 @@ std::vector<Side> commitSides(int instances, std::size_t changes) {
 void addCommitRows(Rows& rows) {
     for (const std::size_t changes : {1u, 1000u}) {
         for (const int count : kInstanceCounts) {
-            // Ten instances have fewer texts than that.
+            // Ten instances have fewer texts.
             const std::string amount = std::to_string(changes);
             const std::string size = std::to_string(count);
             rows.push_back({"commit/" + amount + "/" + size,

@@ -1,4 +1,4 @@
-// Events: from bytes in a pipe to the call of the decoder.
+// Events, from the bytes in a pipe to the call of the decoder.
 #include <uv.h>
 
 #include <private/qthread_p.h>
@@ -25,17 +25,17 @@ namespace {
 
 constexpr int kManyConnections = 64;
 constexpr int kInstances = kManyConnections + 8;
-constexpr double kThroughputAim = 1 / 0.9;  // of the time for a packet
+constexpr double kThroughputAim = 1 / 0.9;  // times the time per packet
 constexpr double kLatencyAim = 1.0;
 
-// Of the latencies: what disturbs most of them on a busy machine leaves the lowest tenth alone.
+// The quantile of latencies that counts: load on the machine hardly affects the lowest tenth.
 constexpr double kLatencyQuantile = 0.1;
-constexpr int kWarmUps = 10;  // times that the others' rounds have made slower
+constexpr int kWarmUps = 10;  // the first operations of a round are slower
 constexpr int kTimes = 50;
 constexpr std::size_t kStreamBytes = 65536;
 constexpr std::size_t kBurstPackets = 16;
 
-// Counts packets on the server's thread; another one waits for a count.
+// Counts packets on the server's thread. Another thread waits for a count.
 class Counter {
  public:
     void add() {
@@ -45,7 +45,7 @@ class Counter {
         }
     }
 
-    // To be called before the packets are sent.
+    // Call before the packets are sent.
     void expect(std::int64_t more) {
         wanted_.store(count_.load(std::memory_order_relaxed) + more, std::memory_order_relaxed);
     }
@@ -84,7 +84,7 @@ class LibraryServer final : public Server {
     IpcServerThread* thread_ = nullptr;
 };
 
-// A QLocalServer as one writes it in an afternoon.
+// A simple server with QLocalServer.
 class QtServer final : public Server {
     class Thread final : public QThread {
      public:
@@ -220,7 +220,7 @@ std::string packets(std::size_t count) {
 
 std::size_t streamPackets() { return kStreamBytes / somePacket().size(); }
 
-// A server with connections to it.
+// A server and its connections.
 class Talk {
  public:
     Talk(const char* name, std::unique_ptr<Server> (*make)(const std::string& name),
@@ -235,7 +235,7 @@ class Talk {
     Talk(const Talk&) = delete;
     Talk& operator=(const Talk&) = delete;
 
-    // Sends these packets on each connection, so many times, and waits until all have arrived.
+    // Sends these packets repeatedly on each connection, and waits until all have arrived.
     void send(const std::string& bytes, std::size_t count, std::int64_t times) {
         const auto each = static_cast<std::int64_t>(count * pipes_.size());
         server_->counter.expect(each * times);
@@ -265,7 +265,7 @@ std::unique_ptr<Server> make(const std::string& name) {
     return std::make_unique<Kind>(name);
 }
 
-// Time for sending `count` packets at once on each connection.
+// The time to send `count` packets in one write on each connection.
 template <typename Kind>
 Side side(const char* title, const char* name, double aim, int connections, std::size_t count) {
     const auto talk = std::make_shared<Talk>(name, make<Kind>, connections);
@@ -281,8 +281,8 @@ std::vector<Side> eventSides(int connections, std::size_t count) {
             side<OverlappedServer>("floor: overlapped reads", "floor", 0, connections, count)};
 }
 
-// Keeps all threads of this process on its last core. Where the scheduler puts sender and server,
-// and whether a sleeping core has to wake up, would otherwise decide about a latency.
+// Pins this process to its last core. Otherwise latencies depend on the scheduler's placement of
+// sender and server, and on the wake-up time of idle cores.
 class OneCore {
  public:
     OneCore() {

@@ -8,14 +8,14 @@
 
 #include "SampleConf.h"
 
-// What the system itself costs: the bare calls, with no checks but those that a measurement needs.
+// The floor: the cost of the bare system calls, with only the checks that a measurement needs.
 
 using FloorPath = std::filesystem::path;
 
-// A path of the library's, as the system has it.
+// Converts a path of the library to one of the system.
 FloorPath floorPath(const std::string& path);
 
-// An open file, which closes itself.
+// An open file. The destructor closes it.
 class FloorFile {
  public:
     enum Mode { Read, Create, Append };
@@ -25,18 +25,18 @@ class FloorFile {
     FloorFile(const FloorFile&) = delete;
     FloorFile& operator=(const FloorFile&) = delete;
 
-    std::string read();  // all of it, in one piece
+    std::string read();  // the whole file
     void write(std::string_view bytes);
-    void flush();  // to the disk
+    void flush();  // to disk
 
  private:
     std::intptr_t handle_;
 };
 
-// Puts a file into another one's place.
+// Replaces a file by another one.
 void floorMove(const FloorPath& from, const FloorPath& to);
 
-// The lock that processes share, of that name.
+// A named mutex, shared by processes.
 class FloorMutex {
  public:
     explicit FloorMutex(const char* name);
@@ -52,14 +52,14 @@ class FloorMutex {
 
 std::string floorRead(const FloorPath& path);
 
-// Reads a configuration in one piece and splits its lines into an ordered map, with the hint that
-// they come in order.
+// Reads a whole configuration and inserts its lines into an ordered map, with a hint for sorted
+// input.
 KeyValues floorLoad(const FloorPath& path);
 
-// A new text of malloc's with these bytes.
+// Copies bytes into memory from malloc().
 char* floorCopy(std::string_view text);
 
-// Gives a file another time of its last change, so that caches of its content are stale.
+// Changes the modification time of a file, so that cached content is stale.
 void floorTouch(const FloorPath& path);
 
 #endif

@@ -13,7 +13,7 @@ constexpr std::size_t kReplyLengthOffset = 8;
 
 std::wstring pipePath(const std::string& name) { return L"\\\\.\\pipe\\" + wideForTests(name); }
 
-// The low bit of an event keeps an operation's end from the port.
+// The low bit of the event suppresses the completion packet.
 HANDLE unported(HANDLE event) {
     return reinterpret_cast<HANDLE>(reinterpret_cast<std::uintptr_t>(event) | 1);
 }
@@ -62,7 +62,7 @@ FloorServer::~FloorServer() {
     ::PostQueuedCompletionStatus(port_, 0, 0, nullptr);
     thread_.join();
     for (const auto& instance : instances_) ::CloseHandle(instance->pipe);
-    // What was pending ends now, and needs its memory until it has.
+    // Pending operations use their memory until they are cancelled.
     DWORD count = 0;
     ULONG_PTR key = 0;
     OVERLAPPED* overlapped = nullptr;
@@ -94,7 +94,8 @@ void FloorServer::listen(Instance& instance) {
     instance.overlapped = {};
     if (::ConnectNamedPipe(instance.pipe, &instance.overlapped)) return;
     if (::GetLastError() == ERROR_IO_PENDING) return;
-    ::PostQueuedCompletionStatus(port_, 0, 1, &instance.overlapped);  // a client was faster
+    ::PostQueuedCompletionStatus(port_, 0, 1,
+                                 &instance.overlapped);  // a client has already connected
 }
 
 void FloorServer::take(Instance& instance, std::size_t count) {

@@ -10,10 +10,10 @@
 #include <thread>
 #include <vector>
 
-// Cuts packets out of the bytes of one connection; for servers that are not the library's.
+// Splits the bytes of a connection into packets, for servers of the other sides.
 class PacketSplitter {
  public:
-    // Calls visit(packet) for each packet that is complete now.
+    // Calls visit(packet) for each complete packet.
     template <typename Visit>
     void feed(const char* bytes, std::size_t count, Visit visit) {
         if (!rest_.empty()) {
@@ -46,8 +46,8 @@ class PacketSplitter {
     std::string rest_;
 };
 
-// A server over overlapped calls and a completion port, on one thread. Always so many instances of
-// the pipe exist. A packet that wants a reply gets zeros.
+// A server with overlapped calls and a completion port, on one thread. The number of pipe instances
+// is constant. Requests with a reply get zeros.
 class FloorServer {
  public:
     using OnPacket = std::function<void(std::string_view packet)>;
@@ -70,7 +70,7 @@ class FloorServer {
     std::thread thread_;
 };
 
-// Connects, waiting while the server is busy.
+// Connects, and waits while the server is busy.
 void* floorConnect(const std::string& name);
 
 #endif

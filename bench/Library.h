@@ -7,15 +7,15 @@
 
 #include "SampleConf.h"
 
-// The library as its host sees it, initialised over a configuration of so many instances; once for
-// each number.
+// The library as its host sees it, initialised with a configuration of this number of instances.
+// Each number has its own library.
 class Library {
  public:
     static constexpr int kInstances = 1000;
 
     static const Library& get(int instances = kInstances);
 
-    // The numbers that it can be had with.
+    // The available numbers of instances.
     static std::vector<int> sizes();
 
     const KeyValues& values() const { return values_; }

@@ -1,4 +1,4 @@
-// The DLL itself.
+// The DLL, loaded at run time.
 #include <filesystem>
 #include <map>
 
@@ -17,7 +17,7 @@ void resolve(HMODULE module, const char* name, Function& function) {
     benchCheck(function != nullptr, name);
 }
 
-// The DLL keeps one configuration: for another one a copy of it is loaded.
+// A DLL has one configuration, so each configuration loads its own copy.
 HMODULE load(int instances, const TempFolder& folder) {
     if (instances == Library::kInstances) return ::LoadLibraryW(L"QX-Bridge.dll");
     const FloorPath copy = floorPath(folder / "QX-Bridge-copy.dll");

@@ -24,7 +24,7 @@ constexpr int kCounts[] = {10, 1000, 10000};
 constexpr double kQtAim = 1.1;
 constexpr const char* kInstance = "Nougat64";
 
-// What an instance's object shows, at hand, so that the competitors read no properties.
+// The values in an instance's object, in memory, so that the competitors read no properties.
 struct Instance {
     std::string name;
     std::string deviceProfile;
@@ -110,8 +110,8 @@ std::vector<Side> instanceSides(int count) {
         {"RapidJSON", 0, timed([listing] { benchUse(rapidListing(listing->instances)); })}};
 }
 
-// The app cache of one instance, on the disk. All sides read the file, since hosts want its state
-// of the moment.
+// The app cache of one instance, on disk. All sides read the file, because hosts need its current
+// state.
 struct Apps {
     explicit Apps(int count)
         : store(appcDiskFiles(), folder.path() + "\\", folder.path() + "\\Shared\\") {

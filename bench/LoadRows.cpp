@@ -1,4 +1,4 @@
-// Loading a configuration, and reading one value so that nothing stays unparsed.
+// Loads a configuration and reads one value, so that everything is parsed.
 #include <QSettings>
 #include <cstddef>
 #include <cstdint>
@@ -55,7 +55,7 @@ std::function<double(std::int64_t)> settingsLoad(const std::shared_ptr<Files>& f
     return timedAfter(
         [files] {
             files->qt.reset();
-            floorTouch(files->settings);  // or the parsed file of the last time serves
+            floorTouch(files->settings);  // invalidates the cached parsed file
         },
         [files] {
             files->qt = std::make_unique<QSettings>(
@@ -87,7 +87,7 @@ std::function<double(std::int64_t)> floorReloadOf(const std::shared_ptr<Files>& 
     return timedAfter([files] { files->map.clear(); }, [files] { floorLoadLocked(*files); });
 }
 
-// Of a small file the floor's calls are most of the time, and are the library's too.
+// With a small file, most of the time is system calls that the library makes too.
 double floorAim(int instances) { return instances == 10 ? 1.0 : 0.6; }
 
 std::vector<Side> loadSides(int instances) {

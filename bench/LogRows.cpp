@@ -1,4 +1,4 @@
-// A log line into a file, and one whose level is off.
+// A log line that is written to a file, and one whose level is disabled.
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
 
@@ -17,7 +17,7 @@ namespace {
 constexpr XlogModule kLog{XlogTag::CONF, "bench/LogRows"};
 constexpr double kOffAim = 0.7;
 
-// As long as the lines of the others.
+// The same length as the lines of the other sides.
 constexpr std::string_view kFloorLine =
     "2024-03-07 14:05:09.042+0100 1234  1234  CONF   Helper_bridge I: "
     "bridgeOnAppDisplayedClbk called: instance Nougat64, number 4711\n";

@@ -3,8 +3,9 @@
 
 #include <functional>
 
-// Another process that commits changes of a configuration of its own, of so many instances. Calling
-// the result with true lets it work, with false lets it rest. Null where there can be none.
+// Another process that commits changes to its own configuration of this number of instances. Call
+// the result with true to resume it and with false to pause it. Null where the system has no such
+// process.
 std::function<void(bool works)> otherProcess(int instances);
 
 #endif

@@ -6,8 +6,8 @@
 
 #include "Bench.h"
 
-// Loading by Windows' own functions for INI files, where there are such: a file of "[General]" and
-// these lines, and the name of one of its keys.
+// Loads a file of "[General]" and these lines with Windows' functions for INI files, where they
+// exist, and reads one of its keys.
 std::optional<Side> profileSide(const std::string& path, const std::string& key);
 
 #endif

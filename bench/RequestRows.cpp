@@ -1,4 +1,4 @@
-// Requests: connect, send, perhaps read the reply, disconnect.
+// Requests: connect, send, read the reply if there is one, disconnect.
 #include <QLocalSocket>
 #include <cstdint>
 #include <memory>
@@ -26,7 +26,7 @@ std::string packetOf(const IpcRequest& request, IpcFields fields) {
     return {reinterpret_cast<const char*>(packet.bytes.get()), packet.size};
 }
 
-// The two requests' rows of the table.
+// The rows of the two requests.
 const IpcRequest& withoutReply() { return PLR_REQUESTS[6]; }
 const IpcRequest& withReply() { return PLR_REQUESTS[1]; }
 

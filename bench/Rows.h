@@ -3,7 +3,7 @@
 
 #include "Bench.h"
 
-// What is measured here: everything on Windows; what needs no program and no DLL anywhere.
+// The rows to measure: all on Windows; elsewhere those that need no program and no DLL.
 Rows allRows();
 
 #endif

@@ -26,7 +26,7 @@ std::string instanceValue(const std::string& property, const ConfProperty& decla
 }
 
 std::string globalValue(const ConfProperty& declared) {
-    // These cannot be read before they are set.
+    // Keys that cannot be read before they are set.
     return declared.type == ConfType::Bool && declared.defaultValue.empty() ? "0"
                                                                             : declared.defaultValue;
 }

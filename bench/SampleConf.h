@@ -10,25 +10,25 @@
 #include "conf/ConfStore.h"
 #include "support/TempFolder.h"
 
-// Configurations to measure with.
+// Sample configurations.
 
 constexpr int kInstanceCounts[] = {10, 100, 1000, 10000};
 
 using KeyValues = std::map<std::string, std::string, std::less<>>;
 
-// Every property of the catalogue and of so many instances, with values of usual lengths.
+// Every property of the catalogue and of this number of instances, with values of typical lengths.
 KeyValues sampleValues(int instances);
 
-// As the product keeps them: one `key="value"` a line, in order.
+// The product's format: one `key="value"` per line, sorted.
 std::string sampleText(const KeyValues& values);
 
 std::string instanceName(int number);
 
-// So many keys, the same at each call, in no order. Of properties with that type; of any instance
-// property with ConfType::None.
+// This number of keys in a random order that is the same at each call: of properties with this
+// type, or of all instance properties with ConfType::None.
 std::vector<std::string> someKeys(const KeyValues& values, ConfType type, std::size_t count);
 
-// A store over a file of its own, loaded.
+// A loaded store with its own file.
 struct SampleStore {
     explicit SampleStore(int instances);
 

@@ -1,4 +1,4 @@
-// Start-up in processes of their own, and what the library takes of disk and memory.
+// Start-up in separate processes, and the library's size on disk and in memory.
 #include <cstdint>
 #include <cstdlib>
 #include <functional>

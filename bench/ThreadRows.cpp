@@ -1,5 +1,5 @@
-// Reads and sets while other threads are at work. The times are single ones: what matters is how
-// long a caller can wait, not what it takes on average.
+// Reads and sets while other threads work. The times are of single operations, because the longest
+// wait of a caller matters, not the average.
 #include <QSettings>
 #include <QString>
 #include <algorithm>
@@ -22,11 +22,11 @@
 namespace {
 
 constexpr double kRoundNanoseconds = 20e6;
-constexpr std::int64_t kReads = 1000;  // in a block
+constexpr std::int64_t kReads = 1000;  // per block
 
 using Work = std::function<void()>;
 
-// Does a piece of work in a loop, on a thread of its own, from the first time on.
+// Repeats an operation on its own thread.
 class Busy {
  public:
     explicit Busy(Work work) : work_(std::move(work)), thread_([this] { run(); }) {
@@ -53,7 +53,7 @@ class Busy {
     std::thread thread_;
 };
 
-// Each time of this work, for the length of a round.
+// The time of each operation during a round.
 void timeEach(const Work& work, std::vector<double>& times) {
     const auto start = std::chrono::steady_clock::now();
     for (auto before = start; nanosecondsSince(start) < kRoundNanoseconds;) {
@@ -109,8 +109,8 @@ Work libraryCommit(const Library& library, const Keys& keys) {
     };
 }
 
-// A file of the same content. Each piece of work has a QSettings object of its own, as Qt asks of
-// threads; the objects share what has been read.
+// A file with the same content. Each thread has its own QSettings object, as Qt requires. The
+// objects share the parsed file.
 class Settings {
  public:
     explicit Settings(const KeyValues& values)
@@ -159,8 +159,8 @@ std::vector<Side> readBesideCommit(int instances) {
         besideThreads("library, nobody commits", read, {})};
     if (const auto other = otherProcess(instances)) {
         sides.push_back(besideProcess("library, another process commits elsewhere", read, other));
-        // Not natively: Qt's mutex goes back to the thread that has just left it, and a read beside
-        // one that syncs may take minutes.
+        // Not in the native build: Qt's mutex is not fair there, and a read can wait minutes for a
+        // thread that syncs.
         sides.push_back(
             besideThreads("QSettings, a thread syncs", settings.read(keys), {settings.sync(keys)}));
     }
@@ -188,8 +188,8 @@ std::vector<Side> setBesideReads() {
                           {settings.read(keys), settings.read(keys)})};
 }
 
-// Time for a block of reads when each of these threads does so many blocks, all at once. Threads
-// take long to start: the time begins when all are there.
+// The time per block of reads when several threads read at the same time. It begins when all
+// threads have started, because starts are slow.
 std::function<double(std::int64_t)> together(const std::vector<Work>& works) {
     return [works](std::int64_t times) {
         std::atomic<std::size_t> missing{works.size()};

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Measures and reports; ./run bench comes here when everything is built and Wine runs.
+# Measures and reports, for ./run bench. Everything is built, and Wine is running.
 #   bench.sh [--check|--record|--native] [ROW...]
 #   bench.sh --count
 # --check compares the ratios with bench/recorded.json; --record, for a whole run on a quiet machine,
-# replaces that file and the figures of docs/explanation/performance.md. --native measures on this machine's own
-# system what needs no program and no DLL; --count counts its instructions.
+# replaces that file and the figures of docs/explanation/performance.md. --native measures the rows that need
+# no program and no DLL in the native build; --count counts their instructions.
 set -euo pipefail
 . "$(dirname "$0")/../toolchain/common.sh"
 
@@ -25,7 +25,7 @@ build_native() {
     ninja -C "$tree/build/native" bench
 }
 
-# Qt's own event loop, and files in memory where that is possible.
+# Qt's own event loop, and files in memory where possible.
 native() (
     folder=$(mktemp -d -p "$([ -d /dev/shm ] && echo /dev/shm || echo /tmp)" qxb.XXXXXX)
     trap 'rm -rf "$folder"' EXIT

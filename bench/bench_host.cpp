@@ -1,8 +1,8 @@
 // bench_host library|qt|memory FOLDER: a host that starts the library over the product's data in
-// FOLDER, or loads only what the library needs, and prints the nanoseconds; or the private bytes
-// that the initialisation took.
-// bench_host commit FOLDER KEY EVENT: prints a line when it has started the library, and then
-// commits changes of that text in a loop as long as the event of that name is set.
+// FOLDER, or loads only its dependencies, and prints the nanoseconds; or the private bytes that the
+// initialisation allocated.
+// bench_host commit FOLDER KEY EVENT: prints a line after it has started the library, then commits
+// changes of that text in a loop while the event with this name is set.
 #include <bridge/bridge.h>
 
 #include <chrono>
@@ -22,7 +22,7 @@ Function resolve(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
 }
 
-// Memory that belongs to this process alone, program texts left out.
+// Private memory of this process, without code.
 std::size_t privateBytes() {
     std::size_t sum = 0;
     MEMORY_BASIC_INFORMATION region{};

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the library is measured against, from Debian's packages, into the cache: the headers of
+# Installs the competitors from Debian's packages into the cache: the headers of
 # spdlog, fmt and RapidJSON, and libuv built with the Windows toolchain. QX_TOOLCHAIN and QX_QT are
 # set by ./run.
 set -euo pipefail
@@ -21,7 +21,7 @@ headers() {
         cp -r "$work/$name/usr/include/." "$prefix/include/"
         cp "$work/$name/usr/share/doc/$name/copyright" "$prefix/licences/$name"
     done
-    # Debian keeps some of them in the architecture's folder.
+    # Some are in the architecture's folder.
     if [ -d "$prefix/include/x86_64-linux-gnu" ]; then
         cp -r "$prefix/include/x86_64-linux-gnu/." "$prefix/include/"
     fi

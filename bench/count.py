@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""count.py BENCH: instructions of one piece of work, natively, by callgrind.
+"""count.py BENCH: counts the instructions of one operation in the native build, with callgrind.
 
 Unlike times they repeat. Each side of a row is run with its work done N and 3 N times; the
 difference is that of 2 N pieces. Prints a line of JSON for each row.

@@ -1,5 +1,5 @@
-// bench [ROW...]             measures the rows whose names begin with one of these, or all
-// bench --repeat ROW SIDE N   does the work of one side N times, for a profiler
+// bench [ROW...]             measures the rows with these name prefixes, or all rows
+// bench --repeat ROW SIDE N   repeats the operation of one side N times, for a profiler
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

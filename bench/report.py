@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Turns the lines of JSON that the measurements left in a folder into tables and a chart.
+"""Turns the measurements in a folder, lines of JSON, into tables and a chart.
 
 report.py table FOLDER     raw.jsonl: table on the terminal; results.json and chart.svg in FOLDER
 report.py check FOLDER     the same, and compares the ratios with the recorded ones
@@ -23,7 +23,7 @@ PAGE = TREE / "docs" / "explanation" / "performance.md"
 CHART = TREE / "docs" / "explanation" / "performance.svg"
 SUMMARY_CHART = TREE / "docs" / "explanation" / "performance-summary.svg"
 
-# What the summary shows, each against what one would use instead.
+# The rows of the summary, and the alternative of each.
 SUMMARY = {
     ("load/10", "QSettings"): "Read the file of 10 instances",
     ("get/string", "QSettings value()"): "Read a setting",
@@ -38,7 +38,7 @@ SUMMARY = {
 MET, MISSED, NO_AIM = "#2a78b4", "#e08214", "#aab"
 MIDDLE, END, BOLD = 'text-anchor="middle"', 'text-anchor="end"', 'font-weight="bold"'
 
-# A ratio may be this many times the recorded one; noise of a shared machine stays below.
+# Maximum factor between a ratio and the recorded one. Noise of a shared machine is lower.
 CHECK_FACTOR = 1.6
 DLL_LIMIT = 600 * 1024
 MEMORY_LIMIT = 3.0  # of the file
@@ -68,7 +68,7 @@ def read(path):
 
 
 def has_ratio(row):
-    """Not those of which only the quantiles of single times are shown."""
+    """False for rows that only show quantiles of single times."""
     return row.get("quantile") != 0
 
 
@@ -77,7 +77,7 @@ def with_ratios(rows):
 
 
 def summary(row):
-    """Ratios are those of neighbouring samples, so that what slows both down does not count."""
+    """Ratios of neighbouring samples, so that load on the machine cancels out."""
     library = row["sides"][0]["samples"]
     for side in row["sides"]:
         samples = side["samples"]
@@ -102,7 +102,7 @@ def verdict(ratio, aim):
 
 
 def cells(rows):
-    """One line for each competitor of each row."""
+    """A line for each competitor of each row."""
     for row in with_ratios(rows):
         library = row["sides"][0]
         for side in row["sides"][1:]:
@@ -142,12 +142,12 @@ def rows_table(rows):
 
 
 def native_table(rows):
-    """Without the aims, which are for Windows' calls."""
+    """Without aims, which are for Windows."""
     return [HEAD[:5] + HEAD[7:], *(line[:5] + line[7:] for line in cells(rows))]
 
 
 def quantiles_table(rows):
-    """Of single times, of each side."""
+    """The quantiles of single times of each side."""
     quantiles = ("0.5", "0.99", "0.999", "1")
     lines = [("row", "side", "median", "99 %", "99.9 %", "longest")]
     for row in rows:
@@ -171,7 +171,7 @@ def read_counts(path):
 
 
 def counts_table(counts):
-    """Instructions of one piece of work, of each side."""
+    """Instructions per operation of each side."""
     lines = [("row", "library", "against", "instructions", "ratio")]
     for row in counts:
         own, *others = row["instructions"].items()
@@ -182,7 +182,7 @@ def counts_table(counts):
 
 
 def bars_of(rows):
-    """What the charts need of what was measured: row, library, against, takes, ratio
+    """The data of the charts from the measurements: row, library, against, takes, ratio
     and its text, aim."""
     return [Bar(row["row"], time(row["sides"][0]["median"]), side["name"], time(side["median"]),
                 side["ratio"], f"{side['ratio']:.2f}", side["aim"] or None)
@@ -190,7 +190,7 @@ def bars_of(rows):
 
 
 def recorded_bars():
-    """The same from the recorded ratios, and the times and aims of the page's table."""
+    """The same data from the recorded ratios and the page's table."""
     recorded = json.loads(RECORDED.read_text())
     table = re.search("<!-- figures -->\n(.*?)\n\n", PAGE.read_text(), re.S).group(1)
     bars = []
@@ -233,7 +233,7 @@ def legend(x, y, entries):
 
 
 def chart(bars):
-    """Bars of the ratios on a logarithmic scale; a tick where the aim is, the figures in a column."""
+    """Ratios as bars on a logarithmic scale, with a tick at the aim and the figures in a column."""
     height, left, width, top = 17, 370, 450, 62
     low, high = math.log10(0.01), math.log10(10)
     bottom = top + height * len(bars)
@@ -260,7 +260,7 @@ def chart(bars):
 
 
 def summary_chart(bars):
-    """What a host does most, against what it would use instead, on a scale from nothing."""
+    """The most frequent operations and their alternatives, on a linear scale from zero."""
     known = {(bar.row, bar.against): bar for bar in bars}
     shown = [(words, known[key]) for key, words in SUMMARY.items() if key in known]
     height, left, width, top = 30, 270, 300, 76
@@ -288,7 +288,7 @@ def summary_chart(bars):
 
 
 def draw():
-    """Both charts of the page, from what is recorded."""
+    """Both charts of the page, from the recorded data."""
     bars = recorded_bars()
     CHART.write_text(chart(bars))
     SUMMARY_CHART.write_text(summary_chart(bars))
@@ -314,7 +314,7 @@ def check(rows):
 
 
 def replace(page, name, text):
-    """Puts a text between the page's two marks of that name."""
+    """Replaces the text between the page's two marks of this name."""
     begin, end = f"<!-- {name} -->", f"<!-- end of {name} -->"
     return re.sub(f"{begin}.*{end}", lambda _: f"{begin}\n{text}\n{end}", page, flags=re.S)
 

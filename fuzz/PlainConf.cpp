@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::size_t kLongestRead = 4096;
-constexpr std::size_t kLongestWritten = 4095;  // line feed included
+constexpr std::size_t kLongestWritten = 4095;  // including the line feed
 
 std::vector<std::string> linesOf(std::string_view content) {
     std::vector<std::string> lines;

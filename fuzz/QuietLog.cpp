@@ -13,7 +13,7 @@ void (*callAtFatalBreak)() = nullptr;
 
 std::int32_t enableAll(std::int32_t, std::int32_t) { return 1; }
 
-// Arguments that the format does not fit are a sanitizer's report.
+// Formats the line, so that sanitizers report arguments that do not match.
 std::int32_t format(std::int32_t, std::int32_t, const char*, const char*, std::int32_t,
                     const char* format, ...) XPRINTF_LIKE(6, 7);
 

@@ -1,5 +1,5 @@
-// App lists: they are read as the plain reader reads them; the file's text is Qt's own to the byte,
-// and reads back as the same apps.
+// App lists. The library and the simple reader read the same apps. The written file has the same
+// bytes as Qt's, and reads back as the same apps.
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
@@ -28,7 +28,7 @@ bool areSame(const AppcApps& a, const AppcApps& b) {
 
 QJsonValue jsonOf(const std::string& text) { return QString::fromStdString(text); }
 
-// Both forms as Qt writes them.
+// Both forms, as Qt writes them.
 std::string textByQt(const AppcApps& apps, const char* iconKey, const std::string& folder) {
     QJsonArray array;
     for (const auto& [package, app] : apps) {
@@ -55,7 +55,7 @@ std::int32_t plainVersion(const QJsonValue& value) {
         std::clamp<double>(value.toDouble(), Limits::min(), Limits::max()));
 }
 
-// The first of the wanted members that is not there as it should be.
+// The first required member that is missing or has another type.
 AppcFlaw plainFlaw(const QJsonObject& object) {
     struct Wanted {
         const char* key;

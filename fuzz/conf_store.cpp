@@ -1,5 +1,5 @@
-// A configuration loads, and its commit is refused or not, as the plain model says; the values are
-// the model's, and so is the committed file to the byte, which then stays as it is.
+// Configurations. The store and a simple model agree on the load, the values, refused commits and
+// the bytes of the committed file. A second commit changes nothing.
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -20,7 +20,7 @@
 
 namespace {
 
-// One folder in memory.
+// A folder in memory.
 class MemoryFiles final : public ConfFiles {
  public:
     std::map<std::string, std::string> files;
@@ -60,7 +60,8 @@ class MemoryFiles final : public ConfFiles {
 
 constexpr const char* kPath = "vantrel.conf";
 
-// What every run changes: a value that most files have, and one of an instance that hardly any has.
+// The values that every run changes: one that most files have, and one of an instance that few
+// have.
 constexpr const char* kChangedInstance = "Fuzz";
 const std::map<std::string, std::string>& changes() {
     static const auto& one = *new std::map<std::string, std::string>{
@@ -84,11 +85,11 @@ bool beginsWith(const std::string& text, std::string_view start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
-// What a store holds after it loaded a file and after a commit.
+// A model of the store after a load and after a commit.
 struct Model {
     PlainText::End end = PlainText::Whole;  // of the load
     std::map<std::string, std::string> values;
-    std::map<std::string, const ConfCatalogueRow*> named;  // keys that the file has
+    std::map<std::string, const ConfCatalogueRow*> named;  // the keys in the file
     std::set<std::string, std::less<>> instances;
 
     explicit Model(std::string_view content) {
@@ -115,7 +116,7 @@ struct Model {
         for (const auto& [key, value] : changes()) values[key] = value;
     }
 
-    // Why the first entry that must not be written must not be.
+    // The reason why the first invalid entry must not be written.
     XErr refusal() const {
         for (const auto& [key, value] : values) {
             const XErr err = plainCheckEntry(key, value);
@@ -195,7 +196,7 @@ void checkValues(ConfStore& store, const Model& model) {
     }
 }
 
-// Sets what every run sets; some of it may be in the file already.
+// Sets the values that every run changes. The file may already have them.
 void checkChanges(ConfStore& store, const Model& model) {
     bool any = false;
     for (const auto& [key, value] : changes()) {
@@ -206,7 +207,7 @@ void checkChanges(ConfStore& store, const Model& model) {
     check(confHasPendingChanges(store) == any, "only what changes is pending");
 }
 
-// The file after a commit; nothing when it does not load or holds what must not be written.
+// The file after a commit; nothing if the file does not load or has an invalid entry.
 std::optional<std::string> committed(std::string_view content) {
     Model model(content);
     MemoryFiles disk;

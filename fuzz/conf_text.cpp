@@ -1,5 +1,6 @@
-// The text of a configuration: what is read lies inside the content and is what the plain reader
-// reads; what may be written is what the plain rule says, and reads back as it was.
+// The text of a configuration. The reader and a simple reader return the same entries, which are
+// parts of the content. The writer accepts the entries that a simple rule accepts, and they read
+// back unchanged.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -65,8 +66,9 @@ void checkReading(std::string_view content, const PlainText& expected) {
           "the malformed line is the plain reader's");
 }
 
-// What the content reads as, and what nothing reads as: keys and values of any bytes, parted in the
-// middle and at its first "=" signs, which then stand in the one, the other or neither.
+// The entries of the content, and entries that no file contains: the content is split into key and
+// value in the middle and at its first "=" signs, which become part of the key, the value or
+// neither.
 Pairs pairsOf(const std::string& content, const PlainText& text) {
     constexpr int kParted = 4;
     Pairs pairs;
@@ -76,17 +78,17 @@ Pairs pairsOf(const std::string& content, const PlainText& text) {
     std::size_t equals = content.find('=');
     for (int i = 0; i < kParted && equals != std::string::npos; ++i) {
         const std::string before = content.substr(0, equals);
-        const std::string behind = content.substr(equals + 1);
-        pairs.emplace_back(before, behind);
-        pairs.emplace_back(before + "=", behind);
-        pairs.emplace_back(before, "=" + behind);
-        pairs.emplace_back(behind, before);
+        const std::string after = content.substr(equals + 1);
+        pairs.emplace_back(before, after);
+        pairs.emplace_back(before + "=", after);
+        pairs.emplace_back(before, "=" + after);
+        pairs.emplace_back(after, before);
         equals = content.find('=', equals + 1);
     }
     return pairs;
 }
 
-// Appends the entry to the text when it may be written.
+// Appends the entry to the text if it is valid.
 bool write(const Pair& entry, std::string& text) {
     const auto& [key, value] = entry;
     const std::string line = plainLine(key, value);

@@ -1,5 +1,5 @@
-// Event packets: the host gets exactly the calls that the reference reader makes of the packet, or
-// the log its one error line. The packet lies in memory of exactly its size.
+// Event packets. The host gets the same calls as from the reference reader, or the log gets one
+// error line. The packet is in memory of exactly its size.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace {
 
-// Events about instances load the configuration again: one without a file.
+// Events about instances reload the configuration, which has no file here.
 void setUp() {
     static const bool once = [] {
         confStore().fileLockName = "Global\\vtr_fuzz_events";

@@ -1,5 +1,4 @@
-// Level specifications: the thresholds are those that applying item after item gives, up to the
-// first that is malformed.
+// Level specifications. The thresholds are the result of all items before the first malformed one.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +31,7 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return parts;
 }
 
-// False at the first item that is malformed.
+// False for a malformed item.
 bool applyPlainly(const std::string& levels, Thresholds& thresholds) {
     for (const std::string& item : split(levels, ' ')) {
         if (item.empty()) continue;

@@ -1,9 +1,9 @@
-// Packet assembly: however a stream of bytes is delivered, the packets are those that its headers
-// describe, and the replies those of packets that came whole within one delivery. A length that is
-// fatal ends the process, after the packets before it and no earlier than its header is there.
+// Packet assembly. The packets of a stream do not depend on how its bytes are delivered. Packets
+// that are delivered whole get replies. A fatal length ends the process when its header is
+// complete, after the packets before it.
 //
-// The first byte counts the sizes of deliveries that follow it, used over and over; the rest is the
-// stream.
+// The first byte of the input is the number of delivery sizes that follow it. The sizes are used in
+// a cycle. The rest is the stream.
 #include <algorithm>
 #include <csetjmp>
 #include <cstdint>
@@ -46,10 +46,10 @@ constexpr std::size_t kNowhere = std::string::npos;
 
 struct Plan {
     std::vector<Packet> packets;
-    std::size_t fatal = kNowhere;  // where the header with a fatal length begins
+    std::size_t fatal = kNowhere;  // offset of the header with a fatal length
 };
 
-// What the headers of a stream describe. Replies are kept short: they are memory.
+// The packets that the headers of a stream describe. Replies are short, to save memory.
 Plan planOf(std::string& stream) {
     constexpr std::uint64_t kTooLong = (std::uint64_t{1} << 31) + kHeader;
     Plan plan;
@@ -68,7 +68,7 @@ Plan planOf(std::string& stream) {
     return plan;
 }
 
-// Ends of the deliveries.
+// The offsets at which deliveries end.
 std::vector<std::size_t> deliveries(const std::string& sizes, std::size_t total) {
     std::vector<std::size_t> ends;
     for (std::size_t end = 0, i = 0; end < total; ++i) {
@@ -86,11 +86,10 @@ std::size_t deliveryOf(const std::vector<std::size_t>& ends, std::size_t needed)
     return i;
 }
 
-// How much a buffer may take for what came so far: Qt lets one that grows have room for as much
-// again.
+// The maximum capacity of a buffer for the bytes so far: a growing buffer of Qt has twice its size.
 int roomFor(std::size_t arrived) { return static_cast<int>(2 * arrived + 64); }
 
-// Delivers the stream, whole or up to a fatal length.
+// Delivers the stream up to its end or to a fatal length.
 void deliver(IpcConnectionInfo& info, FakeSocket& socket, const std::string& stream,
              const std::vector<std::size_t>& ends) {
     std::size_t start = 0;
@@ -111,8 +110,8 @@ void deliver(IpcConnectionInfo& info, FakeSocket& socket, const std::string& str
 
 std::jmp_buf afterFatalBreak;
 
-// Whether the work comes to a fatal break, which would end the process. It is left by a jump: what
-// stands on the stack between here and the break needs no destructor.
+// Whether the work reaches a fatal break, which would end the process. longjmp() leaves it, so no
+// object on the stack between here and the break needs a destructor.
 template <typename Work>
 bool breaksFatally(Work work) {
     if (setjmp(afterFatalBreak) != 0) return true;
@@ -148,7 +147,7 @@ void checkDelivery(const std::string& stream, const Plan& plan,
 void checkStream(std::string stream, Plan plan, const std::string& sizes) {
     checkDelivery(stream, plan, deliveries(sizes, stream.size()));
     if (plan.fatal == kNowhere) return;
-    stream.resize(plan.fatal + kHeader - 1);  // is nothing yet
+    stream.resize(plan.fatal + kHeader - 1);  // an incomplete header
     plan.fatal = kNowhere;
     checkDelivery(stream, plan, deliveries(sizes, stream.size()));
 }

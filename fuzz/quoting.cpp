@@ -1,5 +1,5 @@
-// Command lines: the product's programs take them apart into the arguments that they were made of.
-// Arguments are separated by NULs in the input.
+// Command lines. The product's programs parse them into the original arguments, which NULs separate
+// in the input.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the seeds of the fuzzers: corpus/TARGET/NAME. They are kept in the tree; this is how they
-were made, and where more are added."""
+"""Writes the seeds of the fuzzers into corpus/TARGET/NAME. The tree has its output. Add further seeds here."""
 import json
 import pathlib
 import re
@@ -22,7 +21,7 @@ def write(target, name, data):
     (folder / name).write_bytes(data)
 
 
-# Configuration texts for the reader and the writer, which know no property.
+# Configuration texts for reader and writer, with any properties.
 def line(key, value):
     return f'{key}="{value}"\n'
 
@@ -37,15 +36,15 @@ TEXT = {
     "blank-last": line("vtr.locale", "en") + "\n",
     "only-line-feed": "\n",
     "no-equals": "nonsense\n",
-    "no-equals-behind-entries": line("a", "1") + "nonsense\n" + line("b", "2"),
+    "no-equals-after-entries": line("a", "1") + "nonsense\n" + line("b", "2"),
     "one-character": "x",
     "only-equals": "=",
     "many-equals": "====\n",
     "ends-at-equals": "vtr.locale=\n",
-    "ends-at-equals-behind-entries": line("a", "1") + "b=\n" + line("c", "3"),
-    "one-behind-equals": "vtr.locale=x\n",
-    "two-behind-equals": 'vtr.locale=""\n',
-    "three-behind-equals": 'vtr.locale="""\n',
+    "ends-at-equals-after-entries": line("a", "1") + "b=\n" + line("c", "3"),
+    "one-after-equals": "vtr.locale=x\n",
+    "two-after-equals": 'vtr.locale=""\n',
+    "three-after-equals": 'vtr.locale="""\n',
     "no-quotes": "vtr.locale=abc\n",
     "blanks-around-equals": 'vtr.locale = "abc"\n',
     "equals-in-value": line("vtr.locale", "a=b=c"),
@@ -63,7 +62,7 @@ TEXT = {
     "not-utf8": b'vtr.locale="\xff\xfe"\n',
     "utf8": line("vtr.locale", "日本語 é 🎮"),
     "bom": b'\xef\xbb\xbfvtr.locale="a"\n',
-    # The borders of reading, 4096 bytes without the line feed, and of writing, 4095 with it.
+    # The limits of reading, 4096 bytes without the line feed, and of writing, 4095 bytes with it.
     "longest-line": 'vtr.locale="' + "x" * (4096 - 13) + '"\n',
     "one-too-long": 'vtr.locale="' + "x" * (4096 - 12) + '"\n',
     "longest-written": 'vtr.locale="' + "x" * (4095 - 14) + '"\n',
@@ -71,14 +70,14 @@ TEXT = {
     "long-but-short-to-write": 'vtr.locale="a\0' + "x" * 4000 + '"\n',
     "longest-key-written": "k" * (4095 - 5) + '="v"\n',
     "equals-in-the-last-place": "k" * 4095 + "=\n",
-    "equals-behind-the-last-place": "k" * 4096 + "=\n",
-    "too-long-behind-entries": line("a", "1") + "k" * 5000 + '="v"\n' + line("b", "2"),
+    "equals-after-the-last-place": "k" * 4096 + "=\n",
+    "too-long-after-entries": line("a", "1") + "k" * 5000 + '="v"\n' + line("b", "2"),
 }
 for name, text in TEXT.items():
     write("conf_text", name, text)
 
 
-# Configuration files for the store: which properties there are counts here.
+# Configuration files for the store, with properties of the catalogue.
 KEYS = ["vtr.locale", "vtr.guid", "vtr.next_vm_id", "vtr.enable_adb_access"]
 INSTANCE_KEYS = ["dpi", "ram", "cpus", "display_name", "abi_list", "fb_width"]
 
@@ -91,7 +90,7 @@ def lines(keys, value):
     return "".join(line(key, value) for key in keys)
 
 
-BEFORE, BEHIND = line("vtr.guid", "before"), line("vtr.guid", "behind")
+BEFORE, AFTER = line("vtr.guid", "before"), line("vtr.guid", "behind")
 FILES = {
     "globals": lines(KEYS, "1"),
     "globals-backwards": lines(reversed(KEYS), "1"),
@@ -117,14 +116,14 @@ FILES = {
     "carriage-returns": line("vtr.guid", "a").replace("\n", "\r\n"),
     "nul-in-value": line("vtr.guid", "a\0b"),
     "no-last-line-feed": BEFORE + 'vtr.country="x"',
-    # What every run changes.
+    # Values that every run changes.
     "changed-already": line("vtr.locale", "fuzz"),
     "all-changed-already": line("vtr.locale", "fuzz")
                            + line(instance_key("Fuzz", "astc_decoding_mode"), "fuzz"),
     "changed-instance-known": line(instance_key("Fuzz"), "7"),
     "changed-twice": line("vtr.locale", "fuzz") + line("vtr.locale", "x"),
-    # Keys that there are not, between some that there are.
-    **{f"unknown-{name}": BEFORE + line(key, "1") + BEHIND for name, key in {
+    # Unknown keys between known ones.
+    **{f"unknown-{name}": BEFORE + line(key, "1") + AFTER for name, key in {
         "global": "vtr.unknown",
         "other": "other",
         "empty": "",
@@ -132,8 +131,8 @@ FILES = {
         "two-dots": "vtr..",
         "capitals": "VTR.locale",
         "capital": "vtr.Locale",
-        "blank-behind": "vtr.locale ",
-        "nul-behind": "vtr.locale\0",
+        "blank-after": "vtr.locale ",
+        "nul-after": "vtr.locale\0",
         "property-as-global": "vtr.dpi",
         "global-of-instance": instance_key("A", "locale"),
         "of-instance": instance_key("A", "old"),
@@ -144,18 +143,18 @@ FILES = {
         "no-second-dot": "vtr.instance.dpi",
     }.items()},
     "unknown-that-ends-at-equals": BEFORE + "vtr.unknown=\n",
-    "ends-at-equals": BEFORE + "vtr.country=\n" + BEHIND,
+    "ends-at-equals": BEFORE + "vtr.country=\n" + AFTER,
     "unknown-before-ends-at-equals": line("vtr.unknown", "1") + "vtr.country=\n",
-    "malformed": BEFORE + "vtr.country\n" + BEHIND,
-    # What loads and must not be written, and what may because a later line or the commit mends it.
+    "malformed": BEFORE + "vtr.country\n" + AFTER,
+    # Entries that load but must not be written, and entries that a later line or the commit corrects.
     "too-long-to-write": 'vtr.guid="' + "x" * (4095 - 11) + '"\n',
     "longest-written": 'vtr.guid="' + "x" * (4095 - 12) + '"\n',
-    "too-long-then-short": 'vtr.guid="' + "x" * (4095 - 11) + '"\n' + BEHIND,
+    "too-long-then-short": 'vtr.guid="' + "x" * (4095 - 11) + '"\n' + AFTER,
     "too-long-then-changed": 'vtr.locale="' + "x" * (4096 - 13) + '"\n',
     "longest-instance": line(instance_key("n" * 4051), "1"),
     "instance-too-long-for-a-default": line(instance_key("n" * 4052), "1"),
     "nul-in-instance": line(instance_key("a\0b"), "1"),
-    "nul-in-instance-and-too-long-behind": line(instance_key("a\0b"), "1")
+    "nul-in-instance-and-too-long-after": line(instance_key("a\0b"), "1")
                                            + 'vtr.vantrel_account_id="' + "x" * 4070 + '"\n',
     "too-long-before-nul-in-instance": 'vtr.guid="' + "x" * (4095 - 11) + '"\n'
                                        + line(instance_key("a\0b"), "1"),
@@ -196,8 +195,8 @@ JSON = {
     "empty-texts": [app(package="", activity="", appLabel="", versionName="")],
     "long-text": [app(appLabel="x" * 3000)],
     "capital-key": [{**app(package=...), "Package": "com.a"}],
-    "flaw-behind-apps": [app(), app(package="com.b"), app(activity=...), app(package="com.c")],
-    "number-behind-flaw": [app(versionCode="1"), 5],
+    "flaw-after-apps": [app(), app(package="com.b"), app(activity=...), app(package="com.c")],
+    "number-after-flaw": [app(versionCode="1"), 5],
     "backwards": [app(package=name) for name in ("c", "b", "a")],
     "sync-with-flaw": {"apps": [app(), app(activity=None)]},
     "sync-with-number": {"apps": [app(), 5]},
@@ -259,7 +258,7 @@ def example(fields):
 
 
 def examples():
-    """Each event's name to its packet."""
+    """A packet for each event, by name."""
     table = (root.parents[1] / "tests/support/event_table.h").read_text(encoding="utf-8")
     table = re.sub(r"\s*\\\n\s*", " ", table)
     fields = dict(re.findall(r"#define FIELDS_(\w+)\(TEXT, [^)]*\) (.*)", table))
@@ -283,10 +282,10 @@ for opcode in (0, 2000, 2999, 3000 + len(examples()), 0x7FFFFFFF, 0xFFFFFFFF):
 for size in (0, 1, 7, 8, 10):
     write("event_decode", f"size-{size}", packet(3003)[:size])
 write("event_decode", "no-nul", packet(3006, struct.pack("<I", 3) + b"abc"))
-write("event_decode", "nul-behind", packet(3007, text("ab", 1) + text("c")))
+write("event_decode", "nul-after", packet(3007, text("ab", 1) + text("c")))
 
 
-# Streams of packets behind a schedule: how many sizes, the sizes less one, the stream.
+# Streams of packets after a schedule: the number of sizes, each size minus one, the stream.
 def stream(sizes, *packets):
     return bytes([len(sizes)]) + bytes(size - 1 for size in sizes) + b"".join(packets)
 
@@ -304,12 +303,12 @@ write("packet_assembly", "short-header", stream([], packet(1)[:11]))
 for length in (0, 11, 13, 0x7FFFFFFF, 0x80000000, 0x8000000B, 0x8000000C, 0xFFFFFFFF):
     write("packet_assembly", f"length-{length:x}",
           stream([], packet(1), packet(2, b"abc", length=length)))
-# A header that is fatal, whole in one delivery or not, behind a packet that is whole or not.
+# A fatal header in one or several deliveries, after a complete or an incomplete packet.
 FATAL = packet(2, length=0x80000000 + 12)
 write("packet_assembly", "fatal-alone", stream([], FATAL))
 write("packet_assembly", "fatal-in-bytes", stream([1], packet(1, b"ab", 4), FATAL))
 write("packet_assembly", "fatal-in-halves", stream([6], FATAL, packet(1)))
-write("packet_assembly", "fatal-behind-three", stream([], *ALL[:3], FATAL, *ALL[3:]))
+write("packet_assembly", "fatal-after-three", stream([], *ALL[:3], FATAL, *ALL[3:]))
 write("packet_assembly", "fatal-without-its-end", stream([], packet(1), FATAL[:11]))
 write("packet_assembly", "nearly-fatal", stream([9], packet(2, b"abc", length=0x8000000B)))
 write("packet_assembly", "large-reply", stream([20], packet(1, b"abc", 0xFFFFFFFF)))

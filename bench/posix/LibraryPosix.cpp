@@ -1,4 +1,4 @@
-// The exports, linked in: there is no DLL here.
+// The exports, which are linked statically.
 #include "Bench.h"
 #include "Library.h"
 #include "support/RegistrySandbox.h"

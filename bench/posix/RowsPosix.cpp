@@ -11,4 +11,4 @@ Rows allRows() {
     return rows;
 }
 
-void benchFootprint() {}  // that of the DLL, of which there is none here
+void benchFootprint() {}  // there is no DLL to measure
