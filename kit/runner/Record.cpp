@@ -1,8 +1,8 @@
 #include "Record.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <map>
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -22,10 +22,15 @@ Json testLine(const Record& record, const TestRun& test) {
             {"milliseconds", test.milliseconds}};
 }
 
+// Fixed widths, so that long details leave room for the other columns.
 constexpr const char* kStyle =
-    "body{font:15px sans-serif;margin:2em;max-width:75em}table{border-collapse:collapse}"
-    "td,th{border:1px solid #bbb;padding:.3em .6em;vertical-align:top;text-align:left}"
-    "pre{white-space:pre-wrap;margin:0}.passed{background:#dfd}.failed{background:#fcc}"
+    "body{font:15px sans-serif;margin:2em}table{border-collapse:collapse}"
+    "td,th{border:1px solid #bbb;padding:.3em .6em;vertical-align:top;text-align:left;"
+    "overflow-wrap:anywhere}pre{white-space:pre-wrap;margin:0}"
+    ".results{table-layout:fixed;width:100%}.results th:nth-child(1){width:12%}"
+    ".results th:nth-child(2){width:22%}.results th:nth-child(3){width:7%}"
+    ".results th:nth-child(5){width:8%}.results th:nth-child(6){width:6%}"
+    ".results th:nth-child(7){width:21%}.passed{background:#dfd}.failed{background:#fcc}"
     ".skipped{background:#eee}.needs{background:#ffd}";
 
 const char* classOf(Outcome outcome) {
@@ -55,26 +60,39 @@ std::string detailsOf(const Record& record) {
     return text;
 }
 
+// Empty for a success, and for a check that was not run.
+std::string errorOf(const Record& record) {
+    return record.error == 0 ? std::string() : hexadecimal(record.error);
+}
+
+std::string timeOf(const Record& record) {
+    if (record.raw.empty()) return {};
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%ld.%03ld s", record.milliseconds / 1000,
+                  record.milliseconds % 1000);
+    return seconds;
+}
+
 std::string rowOf(const Record& record) {
     std::string result = nameOf(record.outcome);
     if (!record.raw.empty()) {
         result = "<a href=\"" + htmlText(record.raw) + "\">" + result + "</a>";
     }
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%ld.%03ld s", record.milliseconds / 1000,
-                  record.milliseconds % 1000);
     return std::string("<tr class=\"") + classOf(record.outcome) + "\">" +
            cell(htmlText(record.check.id)) + cell(htmlText(record.check.decides)) + cell(result) +
-           cell(pre(detailsOf(record))) + cell(hexadecimal(record.error)) + cell(seconds) +
+           cell(pre(detailsOf(record))) + cell(errorOf(record)) + cell(timeOf(record)) +
            cell(claimOf(record.check)) + "</tr>\n";
 }
 
 std::string countsOf(const std::vector<Record>& records) {
-    std::map<std::string, int> counts;
-    for (const Record& record : records) ++counts[nameOf(record.outcome)];
     std::string text;
-    for (const auto& [name, count] : counts) {
-        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + name;
+    for (const Outcome outcome :
+         {Outcome::Passed, Outcome::Failed, Outcome::Skipped, Outcome::NeedsWindows}) {
+        const auto count =
+            std::count_if(records.begin(), records.end(),
+                          [outcome](const Record& record) { return record.outcome == outcome; });
+        if (count == 0) continue;
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + nameOf(outcome);
     }
     return text;
 }
@@ -141,7 +159,8 @@ std::string summaryPage(const std::vector<Record>& records, const Facts& facts) 
         "<title>Results of the Windows kit</title><style>" +
         std::string(kStyle) + "</style></head><body>\n<h1>Results of the Windows kit</h1>\n<p>" +
         htmlText(countsOf(records)) +
-        "</p>\n<table><tr><th>check</th><th>question</th><th>result</th><th>details</th>"
+        "</p>\n<table "
+        "class=\"results\"><tr><th>check</th><th>question</th><th>result</th><th>details</th>"
         "<th>error or status</th><th>time</th><th>document</th></tr>\n";
     for (const Record& record : records) page += rowOf(record);
     page += "</table>\n<h2>Machine</h2>\n<table>\n";

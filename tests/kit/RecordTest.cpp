@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -57,4 +58,23 @@ TEST(KitRecord, ThePageHasResultsFiguresTimesAndClaims) {
     EXPECT_NE(page.find("1.042 s"), std::string::npos);
     EXPECT_NE(page.find("docs/reference/limits.md: &ldquo;it&#39;s so&rdquo;"), std::string::npos);
     EXPECT_NE(page.find("<td>build</td><td><pre>10.0</pre></td>"), std::string::npos);
+}
+
+TEST(KitRecord, ThePageShowsNoTimeAndNoErrorForACheckThatWasNotRun) {
+    Record record = sample();
+    record.outcome = Outcome::Skipped;
+    record.error = 0;
+    record.milliseconds = 0;
+    record.raw.clear();
+    const std::string page = summaryPage({record}, {});
+    EXPECT_EQ(page.find("0x00000000"), std::string::npos);
+    EXPECT_EQ(page.find("0.000 s"), std::string::npos);
+}
+
+TEST(KitRecord, ThePageCountsPassedChecksFirst) {
+    std::vector<Record> records(3, sample());
+    records[0].outcome = Outcome::NeedsWindows;
+    records[1].outcome = Outcome::Passed;
+    EXPECT_NE(summaryPage(records, {}).find("<p>1 passed, 1 failed, 1 needs Windows</p>"),
+              std::string::npos);
 }

@@ -81,7 +81,7 @@ assert len(tests) == 2 and all(line["result"] == "passed" for line in tests), te
 facts = json.loads((results / "machine.json").read_text("utf-8"))
 assert facts["Wine"] != "no" and facts["build"].startswith("10.0."), facts
 page = (results / "summary.html").read_text("utf-8")
-assert "<script" not in page and "3 passed" not in page.split("<table>")[1], "markup"
+assert "<script" not in page and page.count("<table") == 2, "markup"
 END
 
 # With a compiler: a stand-in that copies a host, and fails where none is named.
