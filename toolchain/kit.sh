@@ -47,7 +47,7 @@ find "$folder" -name __pycache__ -prune -exec rm -rf {} +
 
 bash "$tree/toolchain/licences.sh" "$folder/licences"
 cp "$tree/kit/checks.txt" "$folder"
-(cd "$tree" && find docs -name '*.md' -exec cp --parents {} "$folder" \;)
+(cd "$tree" && find docs \( -name '*.md' -o -name '*.png' -o -name '*.svg' \) -exec cp --parents {} "$folder" \;)
 sed 's/$/\r/' "$tree/kit/run.cmd" >"$folder/run.cmd"
 bash "$tree/toolchain/sign.sh" "$folder"
 
