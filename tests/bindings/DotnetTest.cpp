@@ -138,10 +138,10 @@ TEST_F(DotnetTest, NoHandlerRunsAfterTheEndAmongEvents) {
 TEST_F(DotnetTest, ASecondSessionIsRefusedAndTheFirstKeepsItsEvents) {
     EXPECT_EQ(playedWithEvents({"SecondSession"}, kOneEvent),
               (Lines{"appDisplayed N|p",
-                     "while it runs: InvalidOperationException: there is a session already: a "
+                     "while it runs: InvalidOperationException: there is already a session: a "
                      "process has one",
                      "after its end: InvalidOperationException: the session has ended: the library "
-                     "starts once in a process"}));
+                     "starts once per process"}));
 }
 
 TEST_F(DotnetTest, ASecondListenerGetsTheProcessThatHasTheEvents) {

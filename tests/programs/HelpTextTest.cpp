@@ -101,18 +101,19 @@ TEST(HelpText, ALongLabelHasItsTextInTheNextLine) {
 }
 
 TEST(HelpText, ThePageHasASectionForEachCommandWithoutTheProgramsOptions) {
-    EXPECT_EQ(helpMarkdown(program()),
-              "## tool\n\nDo things.\n\n"
-              "```text\ntool [OPTION...] COMMAND [ARGUMENT...]\n```\n\n"
-              "| Keys | |\n|---|---|\n| `conf get` | Print a value |\n\n"
-              "| Work | |\n|---|---|\n| `run` | Run it |\n\n"
-              "| Options | |\n|---|---|\n| `-h, --help` | Print this help |\n\n"
-              "### tool conf get\n\nPrint a value.\n\n"
-              "```text\ntool conf get [OPTION...] KEY [REST...]\n```\n\n"
-              "| Arguments | |\n|---|---|\n| `KEY` | Key |\n| `REST` | More keys |\n\n"
-              "| Options | |\n|---|---|\n"
-              "| `--shell NAME` | Shell: bash, fish (default: bash) |\n\n"
-              "Example:\n\n```text\ntool conf get a\n```\n\n"
-              "A first note with two lines.\n\nA second note:\n\n```text\n  0  kept as it is\n```\n\n"
-              "### tool run\n\nRun it.\n\n```text\ntool run [OPTION...]\n```\n");
+    EXPECT_EQ(
+        helpMarkdown(program()),
+        "## tool\n\nDo things.\n\n"
+        "```text\ntool [OPTION...] COMMAND [ARGUMENT...]\n```\n\n"
+        "| Keys | |\n|---|---|\n| `conf get` | Print a value |\n\n"
+        "| Work | |\n|---|---|\n| `run` | Run it |\n\n"
+        "| Options | |\n|---|---|\n| `-h, --help` | Print this help |\n\n"
+        "### tool conf get\n\nPrint a value.\n\n"
+        "```text\ntool conf get [OPTION...] KEY [REST...]\n```\n\n"
+        "| Arguments | |\n|---|---|\n| `KEY` | Key |\n| `REST` | More keys |\n\n"
+        "| Options | |\n|---|---|\n"
+        "| `--shell NAME` | Shell: bash, fish (default: bash) |\n\n"
+        "Example:\n\n```text\ntool conf get a\n```\n\n"
+        "A first note with two lines.\n\nA second note:\n\n```text\n  0  kept as it is\n```\n\n"
+        "### tool run\n\nRun it.\n\n```text\ntool run [OPTION...]\n```\n");
 }
