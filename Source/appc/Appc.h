@@ -20,7 +20,7 @@ struct AppcStore;
 AppcStore& appcStore();
 
 // Opens the cache of an instance in place of the previous one: empties it, then loads the file.
-// Returns -1 when the machine-wide lock cannot be created, or when the load does.
+// Returns -1 when the machine-wide lock cannot be created, else the result of the load.
 [[nodiscard]] XErr appcLibInit(AppcStore& store, const std::string& instance);
 
 // Loads the file. Without one, leaves the cache unchanged and returns 0. A file that cannot be

@@ -54,7 +54,7 @@ class DiskFiles final : public AppcFiles {
     }
 
     void remove(const std::string& path) override {
-        // Ignored: the caller's work does not depend on it.
+        // The caller's work does not depend on the result.
         if (hasNoNul(path)) static_cast<void>(xfileDelete(path));
     }
 };

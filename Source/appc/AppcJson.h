@@ -21,7 +21,7 @@ struct AppcFlaw {
     enum Kind { None, NotAnObject, NotDefined, InvalidType };
 
     Kind kind = None;
-    const char* key = "";                           // of the last two
+    const char* key = "";                           // for NotDefined and InvalidType
     QJsonValue::Type type = QJsonValue::Undefined;  // the type found, for InvalidType
     const char* expected = "";                      // the type expected, for InvalidType
 };

@@ -54,7 +54,7 @@ XErr appcSaveToFile(AppcStore& store) {
                xerrName(err).c_str(), err);
         return err;
     }
-    // Its name is never used again, so it must not be left behind.
+    // The name has this process's id: no other process would overwrite a file left behind.
     XtemporaryFile temporary(store.files, temporaryPath(path), kAppcLog, "appcSaveToFile");
     const AppcWrite written = writeBeside(store.files, path, temporary, text);
     if (written == AppcWrite::OpenFailed) {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr XlogModule kLog{XlogTag::BRIDGE, "Source/bridge/BridgeDec"};
 
-// Room for an opcode and a length. The fields still start after a whole header.
+// Opcode and length only; yet the fields always start after a whole header.
 constexpr std::int32_t kMinLength = 8;
 
 // A text inside the packet. The host reads up to the NUL; the count in the packet determines where

@@ -19,7 +19,7 @@ namespace {
 
 struct EventServer {
     std::mutex lock;
-    bool exists XTS_GUARDED_BY(lock) = false;    // started, or tried
+    bool exists XTS_GUARDED_BY(lock) = false;    // a start was attempted
     bool finished XTS_GUARDED_BY(lock) = false;  // stopped by bridgeApiFini
     IpcServerThread* thread XTS_GUARDED_BY(lock) = nullptr;
 };

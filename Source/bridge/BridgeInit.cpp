@@ -68,7 +68,7 @@ XErr bridgeApiInitEx(const char* clientIdText, bool noConfFile, std::int64_t /*r
     XLOG_I(kLog, "%s:#################### In bridgeApiInit %s ###############", self,
            client.c_str());
     XLOG_I(kLog, "Loading configuration ...");
-    // A file that makes the loader throw counts as a failed load.
+    // An exception counts as a failed load.
     const XErr err = bridgeCatchAll(self, XERR_FAILURE, [noConfFile] {
         return confLibInit(confStore(), confPath(noConfFile), /*allowDeprecated=*/false);
     });

@@ -6,7 +6,8 @@
 #include "ipc/IpcClient.h"
 #include "ipc/IpcServer.h"
 
-// Functions that start clients and servers. They never fail, so tests replace them.
+// Functions that start clients and servers. The real ones never fail; tests replace them to inject
+// failures.
 struct BridgeIpcCalls {
     int (*clientInit)(IpcClient& client, const std::string& serverName);
     int (*serverInit)(IpcServerThread** out, const std::string& name, IpcDecode decode);

@@ -41,7 +41,7 @@ XErr confAddInstance(ConfStore& store, const std::string& name);
 // Writes the pending changes to the file that was loaded; does nothing when there are none.
 [[nodiscard]] XErr confCommit(ConfStore& store);
 
-// The same to any file, also without changes. Under the machine-wide lock, reads the loaded file
+// The same to any file, even without changes. Under the machine-wide lock, reads the loaded file
 // again, merges the pending changes and replaces `path` through "<path>-temp". After a failed
 // reload (-1) the changes stay pending. After a later failure they are in memory only: 7 for a line
 // that is too long, 22 for a key or value that would not read back, or a file operation's status.
@@ -104,8 +104,8 @@ XErr confDiscardChanges(ConfStore& store);
 bool confIsInstanceName(std::string_view name);
 
 // Stages the source's values, except deprecated ones, as changes of the target and makes the target
-// known. Overwrites an existing target; one whose removal is pending stays removed. Returns -1 when
-// the source is unknown, 22 when `target` is not an instance name.
+// known. Overwrites values of an existing target; its keys whose removal is pending stay removed.
+// Returns -1 when the source is unknown, 22 when `target` is not an instance name.
 [[nodiscard]] XErr confCopyInstance(ConfStore& store, const std::string& source,
                                     const std::string& target);
 

@@ -86,7 +86,7 @@ XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<Co
     std::optional<ConfRefusedEntry> refused;
     if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
     if (const XErr err = merge(store, text, refused); err != XERR_SUCCESS) return err;
-    // The lines before a refused one are written all the same.
+    // The lines before a refused one are still written.
     if (const XErr err = flush(*output, text); err != XERR_SUCCESS) return err;
     if (refused) return refuse(*refused);
     output.reset();  // closes the file, which cannot fail

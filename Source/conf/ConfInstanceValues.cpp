@@ -40,7 +40,7 @@ ConfInstanceValues::ConfInstanceValues(ConfStore& store, const ConfColumn* colum
     texts_.reserve(store.view.instanceCount() * kTextSize);
     store.view.forEachInstance([&](const std::string& name, const ConfView::Group& group) {
         add(&name);
-        // Keys are split at the first ".", so a name with a "." has none.
+        // Keys are split at the first ".", so none belongs to a name with a ".".
         const bool isReadable = name.find('.') == std::string::npos;
         for (const std::size_t index : indices) {
             add(isReadable && index != kNone ? shownText(group.values[index]) : nullptr);

@@ -117,7 +117,7 @@ class ConfView {
     // A hash index of the same instances: a get takes 0.6 of the time of a search in the map.
     std::unordered_map<std::string_view, Group*> byName_;
     std::map<std::string, ConfValue, std::less<>> others_;  // by keys that are not declared
-    std::vector<ConfValue*> changed_;  // every changed value once; some changes were dropped
+    std::vector<ConfValue*> changed_;  // each once, even if its change was dropped since
 };
 
 template <typename Visit>

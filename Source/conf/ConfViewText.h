@@ -14,12 +14,12 @@
 struct ConfBadLine {
     std::string_view line;
     std::string_view key;
-    const char* directory;  // of properties that lacks the key; null: the line is malformed
+    const char* directory;  // log name of the schema without the key; null: malformed line
 };
 
-// Applies the lines in order, up to a bad one. Afterwards the instances of these lines are the
-// known ones. Adds the keys of deprecated properties to `deprecated`. Throws std::out_of_range at a
-// line that ends with its "=".
+// Applies the lines in order, up to a bad one. Afterwards only the instances of these lines are
+// known. Adds the keys of deprecated properties to `deprecated`. Throws std::out_of_range at a line
+// that ends with its "=".
 std::optional<ConfBadLine> confReadView(ConfView& view, ConfView::Names& deprecated,
                                         std::string_view text);
 

@@ -92,8 +92,8 @@ bool beginPacket(IpcConnectionInfo& info, std::uint32_t& replyLength, const char
 }
 
 // Reads the rest of the packet after its first `size` bytes. The number of missing bytes is a
-// signed 32-bit number, so lengths near both ends of the range make it negative: after such a
-// header the next packet cannot be found.
+// signed 32-bit number: negative for a length that is too small or above 2 GiB. After such a header
+// the next packet cannot be found.
 void readBody(IpcConnectionInfo& info, int size, const char* self) {
     const auto bytesToRead =
         static_cast<std::int32_t>(info.packetLen - static_cast<std::uint32_t>(size));
@@ -245,8 +245,8 @@ void ipcHandleNewConnection(QLocalServer* server, IpcDecode decode, const std::s
                   [connection] { connection->deleteLater(); });
     };
     std::unique_ptr<QLocalSocket, decltype(abandon)> unfinished(socket, abandon);
-    // The three handlers share the record. It is freed with the last handler, which the socket
-    // owns, whatever order the signals come in.
+    // The three handlers, which the socket owns, share the record: it is freed with the last one,
+    // whatever the order of the signals.
     const auto info = std::make_shared<IpcConnectionInfo>(socket, serverName);
     XLOG_D(kIpcServerLog, "%s: New connection received for server %s", "ipcHandleNewConnection",
            serverName->c_str());
@@ -273,7 +273,7 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
     do {
         const bool begun = info->packetLen != 0;
         if (!begun && !beginPacket(*info, replyLength, self)) return;
-        // Bytes that were read together with the header belong to the packet.
+        // After a header, the bytes that were read with it count as new.
         const int size = begun ? info->held() : kHeaderSize;
         readBody(*info, size, self);
         if (info->isWhole()) {
@@ -281,7 +281,7 @@ void ipcReadCommand(IpcConnectionInfo* info, IpcDecode decode) {
         } else {
             XLOG_D(kIpcServerLog, "%s for serverName %s, bufferReadSize = %d, packetLen = %u", self,
                    serverOf(*info), info->held(), info->packetLen);
-            if (info->held() == size) return;  // whatever the socket announces
+            if (info->held() == size) return;  // no new bytes, whatever the socket announces
         }
     } while (hasUnread(*info));
 }

@@ -15,7 +15,7 @@ struct IpcListenError {
 
 // A QLocalServer that keeps listening whatever its clients do. On Windows, Qt's own loses one of
 // its eight pipe instances to each client that disconnects before the instance is ready; after
-// eight of them it accepts no clients.
+// eight such clients it accepts no more.
 //
 // Create, use and delete it on one thread, which runs an event loop. isListening() stays false.
 class IpcLocalServer : public QLocalServer {

@@ -44,7 +44,7 @@ bool isLetter(wchar_t c) { return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <=
 std::size_t rootNameLength(std::wstring_view path) {
     if (path.size() >= 2 && isLetter(path[0]) && path[1] == L':') return 2;
     if (path.size() < 3 || !isSeparator(path[0]) || !isSeparator(path[1])) return 0;
-    if (isSeparator(path[2])) return 0;  // a server has a name
+    if (isSeparator(path[2])) return 0;  // no server name
     const std::size_t server = path.find_first_of(L"\\/", 2);
     if (server == std::wstring_view::npos) return path.size();
     const std::size_t share = path.find_first_of(L"\\/", server + 1);
@@ -62,7 +62,7 @@ std::string utlGetInstallDir() {
 }
 
 std::string utlGetDataDir() {
-    // Never empty, since the separator is added even to a missing value.
+    // Never true: dataDir() ends with a separator even if the value is missing.
     if (dataDir().empty()) {
         XLOG_E(kLog, "%s: Failed to get data dir properly", "utlGetDataDir");
         XLOG_FATAL(kLog);

@@ -47,7 +47,7 @@ void UtlJsonArray::put(std::string_view bytes) {
     size_ += bytes.size();
 }
 
-// Valid UTF-8: only characters that need an escape change.
+// `text` is valid UTF-8.
 void UtlJsonArray::putEscaped(std::string_view text) {
     for (const char c : text) {
         const bool isEscaped = static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';

@@ -50,7 +50,7 @@ char* put(char* to, std::int64_t number, int digits, char separator) {
     return to + digits + 1;
 }
 
-// From 1970 to 3000.
+// For the years 1970 to 3000.
 XclockStamp usualStamp(std::int64_t local, std::string_view zoneSuffix) {
     const std::int64_t seconds = local / kMicrosPerSecond;
     const std::int64_t date = dateOf(seconds / kSecondsPerDay);

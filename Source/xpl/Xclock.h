@@ -14,7 +14,7 @@ std::int64_t xclockUtc();
 std::int64_t xclockOffset(std::int64_t utcSeconds);
 
 // UTC of a local time. In a zone with daylight saving time, assumes that it applies all year, so
-// the result is an hour off in some seasons.
+// the result is an hour off in winter.
 std::int64_t xclockLocalToUtc(std::int64_t local);
 
 // strftime of microseconds since 1970-01-01, without a zone conversion.
@@ -25,7 +25,7 @@ std::string xclockFormat(std::int64_t time, const char* format);
 using XclockStamp = std::array<char, 64>;
 XclockStamp xclockStamp(std::int64_t local, const char* zoneSuffix);
 
-// "+0530" or "-0500". UTC itself gives "-0000".
+// "+0530" or "-0500"; "-0000" for UTC.
 std::string xclockZoneSuffix(std::int64_t local, std::int64_t utc);
 
 #endif

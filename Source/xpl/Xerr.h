@@ -24,8 +24,8 @@ enum class XErrCode : XErr {
 
 constexpr XErr XERR_WINDOWS_BASE = 100000;
 
-// Status of a Windows error. Windows error 0 gives 100000: a call that reported a failure must not
-// yield success.
+// Status of a Windows error. 100000 for Windows error 0, since a failed call must not yield
+// success.
 XErr xerrFromWindows(std::int32_t windowsError) noexcept;
 
 // Name of a status for log lines: "XERR_NOENT", or "NOTDEFINED: 134" if it has none.

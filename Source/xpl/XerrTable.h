@@ -4,7 +4,7 @@
 // Status codes and Windows errors as X-macros. Every list of codes, names and translations is made
 // from these rows.
 
-// X(code, name): Linux errno values. 41 and 58 are only aliases there, and missing here.
+// X(code, name): Linux errno values. Linux does not use 41 and 58.
 #define XERR_CODES(X)      \
     X(-1, FAILURE)         \
     X(0, SUCCESS)          \

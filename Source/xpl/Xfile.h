@@ -13,7 +13,7 @@
 enum class XfileMode : std::uint32_t {
     Read = 1,       // must exist
     ReadWrite = 2,  // created when missing
-    Append = 3,     // append only, created when missing; a write stays in one piece
+    Append = 3,     // append only, created when missing; concurrent writes do not mix
     WriteNew = 4,   // created, or emptied when it exists
     Update = 5,     // read and write; must exist
 };

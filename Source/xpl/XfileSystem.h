@@ -18,8 +18,8 @@
 [[nodiscard]] XErr xfileSystemReplace(const std::string& source, const std::string& destination,
                                       int retries);
 
-// After a Windows error of an open or read that can mean that another process uses the file: waits
-// a moment and returns true. Returns false at once for other errors.
+// If this Windows error of an open or read can mean that another process uses the file, waits a
+// moment and returns true; else returns false at once.
 [[nodiscard]] bool xfileSystemWaitForHolder(std::int32_t windowsError);
 
 #endif

@@ -58,8 +58,7 @@ XErr absolutePath(const std::wstring& path, std::wstring& absolute) {
     }
 }
 
-// Status of the file call that just failed on this thread. A call can fail without setting an
-// error.
+// Status of the file call that just failed on this thread, perhaps without setting an error.
 XErr failed(Xfile& file) {
     const DWORD error = ::GetLastError();
     file.setWindowsError(static_cast<std::int32_t>(error != 0 ? error : ERROR_GEN_FAILURE));

@@ -78,7 +78,7 @@ class ContextInUse {
     const Context* operator->() const { return &now_; }
 
  private:
-    // Before the first change and after the last line.
+    // Used before the first change and after the holder's destruction.
     static const Context& initial() {
         static const Context* const empty = xunloadKeep<Context>();
         return *empty;

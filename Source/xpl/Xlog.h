@@ -47,7 +47,7 @@ struct XlogLogger {
 
 // The process-wide logger. Before xlogLibInit it prints errors, without a tag, to standard output.
 // Only xlogLibInit changes it. A variable, since a function call would add a quarter to the cost of
-// a line that is off.
+// a disabled line.
 extern XlogLogger xlogLogger;
 
 inline const XlogLogger& xlogGetLogger() noexcept { return xlogLogger; }

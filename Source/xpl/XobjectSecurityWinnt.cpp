@@ -8,7 +8,7 @@
 
 namespace {
 
-// Pipes log as the mutex does.
+// Errors of pipes appear under the mutex's tag too.
 constexpr XlogModule kLog{XlogTag::XMUTEX, "Source/xpl/XmutexWinnt"};
 
 constexpr DWORD kAllRights = 0x001FFFFF;

@@ -14,7 +14,7 @@ constexpr XlogModule kXprocLog{XlogTag::XSTR, "Source/xpl/XprocWinnt"};
 // ERROR_ELEVATION_REQUIRED of winerror.h, which some versions of that header lack.
 constexpr unsigned long XPROC_ELEVATION_REQUIRED = 740;
 
-// Closes a process handle, or on Windows that of its first thread. Does not end the process.
+// Closes the handle of a process or, on Windows, of its first thread. Does not end the process.
 struct XprocClose {
     void operator()(void* process) const noexcept;
 };

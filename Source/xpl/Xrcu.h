@@ -58,8 +58,7 @@ class Xrcu {
 
  private:
     // A reader that begins after the replacement sees the new value, so old values can be freed as
-    // soon as there is no reader. A writer does not wait for that: the next one frees what this one
-    // leaves.
+    // soon as there is no reader. A writer tries for a moment; what it leaves, the next one frees.
     void releaseReplaced() XTS_REQUIRES(writers_) {
         constexpr int kTries = 1000;
         constexpr int kTriesUntilYield = 100;  // on a busy machine a yield takes milliseconds

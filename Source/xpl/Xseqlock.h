@@ -11,7 +11,7 @@
 #include <type_traits>
 
 // A seqlock: a small value that is written rarely and read often. A read takes no lock and never
-// returns a torn value. Writing while working on a copy is allowed.
+// returns a torn value.
 template <typename Value>
 class Xseqlock {
     static_assert(std::is_trivially_copyable_v<Value>);

@@ -14,7 +14,7 @@ void xsystemUseUtf8();
 
 // Breaks into the debugger. Without one, or when the debugger continues, the process ends with
 // status 0x80000003 (STATUS_BREAKPOINT). A host's runtime that handles the exception first may end
-// it with another status.
+// the process with another status.
 [[noreturn]] void xsystemDebugBreak() noexcept;
 
 // Whether the process is ending: its other threads have been terminated, wherever they were.

@@ -6,8 +6,8 @@
 // Singletons. They are not destroyed at process exit, where threads may still use them, but are
 // released when a host unloads the library.
 
-// Registers an object for release at unload, in reverse order. When out of memory, the object is
-// never released.
+// Registers an object for release at unload, in reverse order of registration. When out of memory,
+// the object is never released.
 void xunloadRemember(void* object, void (*release)(void* object)) noexcept;
 
 // Creates an object that lives until unload. Never null.

@@ -18,7 +18,7 @@ constexpr XlogModule kLog{XlogTag::CONF, "programs/bridgeadm/Session"};
 
 XErr load() { return confLibInit(confStore(), configurationPath(), /*allowDeprecated=*/false); }
 
-// Independent of the locale.
+// Unlike std::isalnum, does not depend on the locale.
 bool isPackageCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
            c == '_';

@@ -29,7 +29,7 @@ class Session : public ProgramRun {
     // Calls startWithConfiguration() and opens the app cache of an instance, which must exist.
     bool openCache(const std::string& instance);
 
-    // Whether this can be the name of an Android package. File names contain it.
+    // Whether this can be the name of an Android package. File names are made from it.
     bool requirePackageName(const std::string& package);
 
     // Checks the result of an operation that writes the app cache's files.

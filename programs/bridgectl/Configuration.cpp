@@ -102,7 +102,7 @@ std::vector<KeyInfo> Configuration::list() const {
         keys[confGlobalKey(name)] = &property;
     }
     for (const std::string& instance : instances_) {
-        // The library takes keys as C strings, and a key that ends at the NUL would be fatal.
+        // The library takes keys as C strings, and a key that is cut at a NUL would be fatal.
         if (instance.find('\0') != std::string::npos) continue;
         for (const auto& [name, property] : catalogue_.instances()) {
             keys[confInstancePrefix(instance) + name] = &property;

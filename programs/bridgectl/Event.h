@@ -39,7 +39,7 @@ struct Event {
     LocalTime time;
     const IpcEvent* kind;
     std::vector<EventValue> values;  // one for each field of the kind
-    EventMoment moment{};            // `time` on a clock that nobody sets
+    EventMoment moment{};            // `time` on the steady clock
 };
 
 // A value as one line of JSON without control characters.

@@ -12,9 +12,9 @@ class EventScript {
     // The head of the script.
     static std::string start();
 
-    // The lines for an event. A list update is held back until the next event: the library itself
-    // reports a list update before the end of an image's installation, so replaying that event
-    // creates another one.
+    // The lines for an event. A list update is held back until the next event, and dropped if that
+    // is the end of an image's installation: replaying it makes the library report the update
+    // again.
     std::string add(const Event& event);
 
     // The lines held back.

@@ -64,7 +64,7 @@ Outcome installImageOutcome(const Event& event, const Texts& texts) {
 Outcome createInstanceOutcome(const Event& event, const Texts& texts) {
     if (!isKind(event, "create-instance-completed")) return Outcome::Unknown;
     const std::int32_t status = numberAt(event, 0);
-    // A failed creation need not have a name.
+    // The event of a failed creation may lack the name.
     const std::string instance = textAt(event, 1);
     const bool isOther = utlImageNameOfInstance(instance) != texts[0];
     return isOther && (status == 0 || !instance.empty()) ? Outcome::Unknown : ofStatus(status);

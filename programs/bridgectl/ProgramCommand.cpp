@@ -24,7 +24,7 @@ struct Arguments {
 void printOutcome(Session& session, const Event& event, Outcome outcome) {
     const std::string line = eventText(event);
     if (outcome == Outcome::Failure) {
-        // Without the time and the line feed.
+        // The event's line without its time and line feed.
         const std::size_t start = line.find(' ') + 1;
         session.fail(ExitCode::Reported,
                      "the work failed: " + line.substr(start, line.size() - start - 1));

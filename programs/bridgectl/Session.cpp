@@ -89,7 +89,7 @@ std::optional<ConfType> Session::requireType(const std::string& key) {
 std::optional<KeyInfo> Session::requireKey(const std::string& key) {
     if (!requireType(key)) return std::nullopt;
     std::optional<KeyInfo> info = configuration().find(key);
-    // The property exists, so the instance does not.
+    // The key has a type, so only its instance can be missing.
     if (!info) failInstance(confSplitKey(key).instance);
     return info;
 }

@@ -19,7 +19,7 @@ bool isOption(const std::string& word) { return word.size() > 1 && word.front() 
 // The state after some words of a command line.
 struct Place {
     const CommandNode* command;
-    Words before;                         // the command's arguments by their places
+    Words before;                         // the positional arguments so far
     const OptionNode* waiting = nullptr;  // the option that needs the next word as its value
     bool isLiteral = false;               // after "--" nothing is an option
 };

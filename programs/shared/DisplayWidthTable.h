@@ -11,9 +11,9 @@ struct WidthRange {
     std::uint32_t last;
 };
 
-// General categories Mn, Me and Cf without the format characters that are seen (the soft hyphen and
-// the Arabic number signs), and the Hangul vowels and finals, which join the syllable before them.
-// Code points without a character may lie inside a range.
+// General categories Mn, Me and Cf without the visible format characters (the soft hyphen and the
+// Arabic number signs), and the Hangul vowels and finals, which join the syllable before them.
+// Ranges may contain unassigned code points.
 inline constexpr WidthRange kZeroWidth[] = {
     {0x0300, 0x036F},   {0x0483, 0x0489},   {0x0591, 0x05BD},   {0x05BF, 0x05BF},
     {0x05C1, 0x05C2},   {0x05C4, 0x05C5},   {0x05C7, 0x05C7},   {0x0610, 0x061A},
@@ -98,7 +98,7 @@ inline constexpr WidthRange kZeroWidth[] = {
     {0xE0001, 0xE01EF},
 };
 
-// East Asian Width W and F. Characters of the table above may lie inside a range.
+// East Asian Width W and F. Ranges may contain characters of the table above.
 inline constexpr WidthRange kDoubleWidth[] = {
     {0x1100, 0x115F},   {0x231A, 0x231B},   {0x2329, 0x232A},   {0x23E9, 0x23EC},
     {0x23F0, 0x23F0},   {0x23F3, 0x23F3},   {0x25FD, 0x25FE},   {0x2614, 0x2615},

@@ -17,7 +17,7 @@ using Lines = std::vector<std::string>;
 
 constexpr std::size_t kWidth = 80;
 constexpr std::size_t kPageWidth = 100;
-constexpr std::size_t kMostLabel = 24;  // a longer label has its text in the next line
+constexpr std::size_t kMostLabel = 24;  // after a longer label the text starts a new line
 
 // A command or option, and what it is for.
 using Row = std::pair<std::string, std::string>;

@@ -26,12 +26,12 @@ bool parseUnsigned(const std::string& text, unsigned& number) {
     return error == std::errc() && stop == end;
 }
 
-// A check without a name: CLI11 would show that in the option's type.
+// A check without a name, which CLI11 would show in the option's type.
 CLI::Validator check(const std::function<std::string(std::string&)>& find) {
     return CLI::Validator(find, "");
 }
 
-// The names that an option is limited to are in its type: "TEXT:{a,b}".
+// The choices of an option, from its type: "TEXT:{a,b}".
 std::vector<std::string> choicesOf(const std::string& type) {
     const std::size_t start = type.find('{');
     if (start == std::string::npos) return {};
@@ -72,8 +72,8 @@ Option addOption(CLI::App& app, const char* name, Value& value, const char* help
     return Option(*app.add_option(name, value, help));
 }
 
-// An option that ends at its "=", as a variable without a value leaves it. CLI11 would take the
-// next word for the value.
+// An option with nothing after its "=", as an empty shell variable leaves it. CLI11 would take the
+// next word as its value.
 std::optional<std::string> emptyOption(const std::vector<std::string>& arguments) {
     for (const std::string& word : arguments) {
         if (word == "--") break;

@@ -85,7 +85,7 @@ class OptionParser {
     OptionParser addCommand(const char* name, const char* summary, const char* details,
                             const char* section);
 
-    // Makes it an error to give no subcommand.
+    // Makes a missing subcommand an error.
     void requireCommand();
 
     // The subcommand of this name, if there is one.

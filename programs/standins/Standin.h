@@ -17,9 +17,9 @@
 // A program started without a window has no visible output, so a stand-in appends its lines to a
 // file: $QX_STANDIN_OUTPUT, or "<program>.output.txt" in its folder. With $QX_STANDIN_FORMAT=json
 // each line is a JSON object. Its script is $QX_STANDIN_SCRIPT, or "<program>.script" in its folder
-// if that exists. It ends at the shutdown request, or after $QX_STANDIN_SECONDS (20) without a
-// request. It sends events to the front ends whose client ids are in $QX_STANDIN_CLIENTS ("none":
-// to no front end), by default to all ids that the library accepts.
+// if that exists. It ends at the shutdown request, or after $QX_STANDIN_SECONDS (default: 20)
+// without a request. It sends events to the front ends whose client ids are in $QX_STANDIN_CLIENTS
+// ("none": to no front end), by default to all ids that the library accepts.
 class Standin {
  public:
     // Exit statuses of the programs.

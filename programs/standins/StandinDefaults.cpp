@@ -95,7 +95,7 @@ std::vector<StandinEvent> standinDefaultEvents(const Words& arguments) {
         values.push_back(std::move(*value));
     }
     std::vector<StandinEvent> events;
-    std::string unused;  // the rows are events
+    std::string unused;  // the rows have no errors
     for (const Words& row : command->rows(values)) {
         events.push_back(standinParseEvent(row, unused).value());
     }

@@ -21,13 +21,13 @@
 //     short 3                  only this many bytes of the reply
 //     garbage 20               this many extra bytes after the reply
 //     close-early              closes the connection instead of replying
-//     never-read               takes connections and never reads them
+//     never-read               accepts connections and never reads from them
 //     quit-after 2             ends the program after this many requests
 //
 //     event NAME ARGUMENT...   sends an event as soon as the program serves
 //     event-flood 1000 NAME ARGUMENT...   sends this many; "{n}" is the number of each
 //     pause 500                milliseconds before the next event
-//     on CMD ...               one of these three at this command or request
+//     on CMD ...               one of the three above at this command or request
 //     event-split 3            each event in two writes, the first of this many bytes
 //     event-garbage 20         this many extra bytes after each event
 //     event-close-early        closes the connection in the middle of each event

@@ -56,7 +56,7 @@ std::uint64_t thisThread() {
 
 constexpr std::string_view kGlobal = "Global\\";
 
-// After the namespace no further "\" is allowed.
+// Whether no "\" follows the namespace.
 bool isInNamespace(const std::string& name) {
     const std::size_t start = name.rfind(kGlobal, 0) == 0 ? kGlobal.size() : 0;
     return name.find('\\', start) == std::string::npos;

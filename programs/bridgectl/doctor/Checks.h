@@ -6,8 +6,8 @@
 #include "Configuration.h"
 #include "doctor/Finding.h"
 
-// The checks of the doctor. They do not start the library and change nothing. They read whatever
-// would make the library end a host.
+// The checks of the doctor. They do not start the library and change nothing. They cover everything
+// that would make the library end a host.
 
 // The three registry values and the programs in the install folder.
 Findings registryFindings();

@@ -20,7 +20,8 @@
 
 namespace {
 
-// A front end rotates the log when it starts. A log of this size has not been rotated for long.
+// A front end rotates the log when it starts. A log of this size has not been rotated for a long
+// time.
 constexpr std::int64_t kHugeLog = 10 * XPL_LOG_ROTATE_SIZE;
 
 Finding ok(const char* check, const std::string& found) {
