@@ -1,4 +1,4 @@
-// Calls on separate threads, which go on when the wait for them ends, and waits with a limit.
+// Calls on separate threads, and waits with a limit. A call goes on after the wait for it has ended.
 
 using System;
 using System.Threading;
@@ -49,7 +49,7 @@ namespace QXBridge
 
     internal static class Waiting
     {
-        /// <summary>Runs a function on a separate thread. A token does not stop it.</summary>
+        /// <summary>Runs a function on a separate thread. A cancelled token ends the wait only.</summary>
         internal static Task<T> OnAThread<T>(Func<T> function, CancellationToken token)
         {
             if (token.IsCancellationRequested) return Cancelled<T>(token);

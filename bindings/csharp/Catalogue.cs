@@ -114,7 +114,7 @@ namespace QXBridge
         }
 
         // The library's rule: white space, a sign, digits. Text after a number other than 0 is ignored,
-        // numbers of any length are cut to 32 bits, and an empty text is 0.
+        // numbers are clamped to 32 bits, and an empty text is 0.
         private static bool IsNumber(string stored)
         {
             if (stored.Length == 0) return true;
@@ -128,7 +128,7 @@ namespace QXBridge
             return at > first && (!isZero || at == stored.Length);
         }
 
-        /// <summary>The candidate with the fewest edits; null when none is near.</summary>
+        /// <summary>The candidate nearest by edit distance; null when none is near.</summary>
         internal static string Nearest(string wrong, IEnumerable<string> candidates)
         {
             string nearest = null;

@@ -203,7 +203,7 @@ namespace QXBridge
             return Committed("bridgeConfCommitToFile", Native.bridgeConfCommitToFile(bytes), path);
         }
 
-        // Changes remain staged only when the file could not be loaded.
+        // After a failure the changes stay staged only when the file could not be loaded.
         private bool Committed(string operation, int code, string file)
         {
             if (code != Result.Failure) known.Merge();

@@ -10,11 +10,11 @@ namespace QXBridge
     {
         /// <summary>For development: makes this process use these folders instead of those in the registry,
         /// without administrator rights. Call it before the start. The process gets its own
-        /// HKEY_LOCAL_MACHINE, a volatile key below HKEY_CURRENT_USER, with UserDefinedDir, InstallDir (a
-        /// missing "\" at its end is added) and this library's Version; an empty folder is left out. The
+        /// HKEY_LOCAL_MACHINE, a volatile key below HKEY_CURRENT_USER, with UserDefinedDir, InstallDir (which
+        /// gets a missing final "\") and this library's Version; an empty folder is left out. The
         /// rest of HKEY_LOCAL_MACHINE is hidden from this process; programs that it starts see the real
         /// one. The key is deleted when the process exits, or, after a fatal error, at the next log-off.
-        /// Throws Win32Exception when Windows refuses it, InvalidOperationException after the
+        /// Throws Win32Exception when a Windows function fails, InvalidOperationException after the
         /// start.</summary>
         public static void UseFolders(string dataFolder, string installFolder)
         {

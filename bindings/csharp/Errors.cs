@@ -58,7 +58,7 @@ namespace QXBridge
     }
 
     /// <summary>A key, instance or value with which the library would end the process, or which it would
-    /// accept silently. The library was not called.</summary>
+    /// wrongly accept. The library was not called.</summary>
     public sealed class KeyException : ArgumentException
     {
         internal KeyException(string message, string key, string suggestion) : base(message)
@@ -106,7 +106,7 @@ namespace QXBridge
         public IList<Problem> Problems { get; private set; }
     }
 
-    /// <summary>This process receives no events: another process serves this client's name, or none
+    /// <summary>This process receives no events: another process receives those of this client, or none
     /// does.</summary>
     public sealed class ListenException : Exception
     {

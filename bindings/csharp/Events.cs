@@ -16,7 +16,7 @@ namespace QXBridge
     public delegate void ApkInstallCompletedHandler(string instance, int status, string apkFilePath);
     /// <summary>Handles a change of the list of instances.</summary>
     public delegate void InstanceListUpdatedHandler();
-    /// <summary>Handles the progress of an image.</summary>
+    /// <summary>Handles the progress of an image's installation.</summary>
     public delegate void InstallImageProgressHandler(string imageName, int status, double progress);
     /// <summary>Handles a new instance, or one that could not be created.</summary>
     public delegate void CreateInstanceCompletedHandler(int status, string instance);
@@ -49,7 +49,7 @@ namespace QXBridge
         public event ApkInstallCompletedHandler ApkInstallCompleted;
         /// <summary>The list of instances changed. The configuration has been reloaded.</summary>
         public event InstanceListUpdatedHandler InstanceListUpdated;
-        /// <summary>Progress of an image.</summary>
+        /// <summary>Progress of an image's installation.</summary>
         public event InstallImageProgressHandler InstallImageProgress;
         /// <summary>An instance was created, or could not be.</summary>
         public event CreateInstanceCompletedHandler CreateInstanceCompleted;
@@ -115,7 +115,7 @@ namespace QXBridge
             }
         }
 
-        // When another process has the name, the library only logs an error.
+        // When another process serves the name, the library only logs an error.
         private void RequireOwnServer(TimeSpan limit)
         {
             PipeServer server = Machine.Current.ServerOf(@"\\.\pipe\vtr_" + client + "_bridge_nvo", limit);
@@ -192,7 +192,7 @@ namespace QXBridge
             CallHandlers(one);
         }
 
-        // Runs before the handlers, which may read loaded values and may block.
+        // Runs before the handlers: they may read the loaded values, and may block.
         private void PassOn(BridgeEvent one)
         {
             bool isAfterALoad = one is InstanceListUpdated || one is InstanceConfigurationChanged;

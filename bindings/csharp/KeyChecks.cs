@@ -7,8 +7,8 @@ namespace QXBridge
 {
     internal sealed class KeyChecks
     {
-        // For an instance that is not loaded all of these are 0 or "", for a loaded one at least one is not.
-        // Reading them never ends the process if their stored values can be read.
+        // For an instance that is not loaded these and the text below are all 0 or "", for a loaded one at
+        // least one is not. Reading them never ends the process if their stored values can be read.
         private static readonly string[] NumbersOfALoadedOne =
             { "dpi", "max_fps", "eco_mode_max_fps", "gl_win_height" };
         private const string TextOfALoadedOne = "display_name";

@@ -47,8 +47,8 @@ namespace QXBridge
             lock (guard)
             {
                 Take(values);
-                // The library may have loaded an earlier file, whose instances can still make the listing
-                // fatal.
+                // The library may still have the instances of the previous file, which can make the listing
+                // fatal too.
                 whenLoaded = new HashSet<string>(whenLoaded.Concat(inTheFile));
             }
         }
@@ -69,7 +69,8 @@ namespace QXBridge
             }
         }
 
-        /// <summary>Records that a value was set. As in the library, setting the current value stages nothing.</summary>
+        /// <summary>Records that a value was set. As in the library, setting the current value stages
+        /// nothing.</summary>
         internal void Stage(string key, string value)
         {
             lock (guard)
@@ -164,7 +165,7 @@ namespace QXBridge
             return new HashSet<string>(values.Keys.Select(Catalogue.InstanceOf).Where(one => one != null));
         }
 
-        // Null for a file that cannot be read, with which the library keeps its values too.
+        // Null for a file that cannot be read: the library then keeps its values too.
         private Dictionary<string, string> ReadFile()
         {
             if (path == null) return new Dictionary<string, string>();

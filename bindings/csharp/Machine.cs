@@ -1,5 +1,5 @@
-// Queries to the system other than for files: the product's registry values, whether a log can be opened,
-// and the server of a pipe. Tests replace it.
+// System queries that tests replace: the product's registry values, whether a log can be opened, and the
+// server of a pipe.
 
 using System;
 using System.Diagnostics;

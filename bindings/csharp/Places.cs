@@ -15,7 +15,7 @@ namespace QXBridge
             LogPath = logFilePath ?? Below(LogFolder, "Player.log");
         }
 
-        // As the library does it, even when the folder is not a valid path.
+        // Like the library, accepts a folder that is not a valid path.
         private static string Below(string folder, string name)
         {
             return folder + Path.DirectorySeparatorChar + name;

@@ -88,8 +88,8 @@ namespace QXBridge
             }
         }
 
-        // The nearest existing parent of the log. The library creates missing folders that "\" separates.
-        // Null for a folder that neither exists nor is created.
+        // The nearest existing parent of the log, since the library creates missing folders. Null when it
+        // would not: it creates only the folders before the last "\".
         private string FolderThatIsWritten()
         {
             string path = Path.GetFullPath(places.LogPath);

@@ -26,8 +26,8 @@ namespace QXBridge
     }
 
     /// <summary>The library, from its initialisation to its end. A process can have one session; a second
-    /// one, also after the end of the first, throws InvalidOperationException. Its methods may be called
-    /// from any thread, except Dispose(), during which no other call may run.</summary>
+    /// one, even after the end of the first, throws InvalidOperationException. Methods may be called from
+    /// any thread, but no other call may run during Dispose().</summary>
     public sealed partial class Session : IDisposable
     {
         private const uint LoadFromItsFolder = 0x00000100 | 0x00001000;

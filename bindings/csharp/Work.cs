@@ -8,9 +8,9 @@ using System.Threading.Tasks;
 
 namespace QXBridge
 {
-    /// <summary>Started work. It ends with an event; an event belongs to the oldest work that it matches.
-    /// Work that nobody waits for is kept until its event arrives or the session ends. A handler must not
-    /// block on it: the event cannot arrive before the handler returns.</summary>
+    /// <summary>Started work. It ends with an event; an event ends the oldest work that it matches, whether
+    /// the host waits for it or not. A handler must not block on it: the event cannot arrive before the
+    /// handler returns.</summary>
     public sealed class Work<T> where T : BridgeEvent
     {
         private readonly Session session;

@@ -61,8 +61,8 @@ class Calls {
         this.#requireSuccess(operation, await this.valueLater(operation, ...values), file);
     }
 
-    // Waits for running calls first, because none may run during bridgeApiFini. That one runs on another
-    // thread: it waits for the event thread, which may be waiting for this one.
+    // Waits for running calls first, because none may run during bridgeApiFini. That runs on another thread:
+    // it waits for the event thread, which may be waiting for this one.
     async finish() {
         const wasReady = this.#state === 'ready';
         this.#state = 'finished';

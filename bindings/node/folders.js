@@ -39,7 +39,7 @@ function withKey(root, name, use) {
     }
 }
 
-// The library appends the names of programs without a separator.
+// The library appends program names directly to the folder.
 const withSeparator = (folder) => (folder.endsWith('\\') ? folder : `${folder}\\`);
 
 let own = false;
@@ -47,7 +47,7 @@ let own = false;
 // Windows keeps its own handle to the key.
 function takeOwnMachine() {
     if (own) return;
-    deleteTree(HKEY_CURRENT_USER, OWN); // of an ended process with this id
+    deleteTree(HKEY_CURRENT_USER, OWN); // left by an ended process with the same id
     withKey(HKEY_CURRENT_USER, OWN, (key) => {
         check(overrideKey(HKEY_LOCAL_MACHINE, key), 'RegOverridePredefKey', OWN);
     });

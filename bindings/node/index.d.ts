@@ -47,7 +47,7 @@ export interface Signal {
     removeEventListener(type: 'abort', listener: () => void): void;
 }
 
-/** When a promise stops waiting, with AbortError or TimeoutError. The operation itself goes on. */
+/** Limits of a wait, after which it rejects with AbortError or TimeoutError. The operation itself goes on. */
 export interface Limits {
     signal?: Signal | null;
     /** Milliseconds; no limit by default. */
@@ -58,8 +58,8 @@ export interface Limits {
  * Typed access to the configuration, by a constant of `keys` or by full key: "vtr.<name>" or
  * "vtr.instance.<instance>.<name>". Set functions stage a change; commit() writes it to the file.
  *
- * They throw KeyError before the library is called: for a key that does not exist or has another type,
- * an instance that does not exist or is not loaded yet, and a value that is missing or cannot be read.
+ * All throw KeyError before the library is called: for a key that does not exist or has another type, an
+ * instance that does not exist or is not loaded yet, and a value that is missing or cannot be read.
  */
 export interface Configuration {
     get<T extends Value>(key: Key<T>): T;
@@ -126,8 +126,8 @@ export interface FreshInstance {
 export interface Work<Outcome> {
     /**
      * Resolves with the values of the event that reports the outcome; check its status. May be called
-     * again, also after a timeout or after the event. Rejects with BridgeUsageError without listen(), or
-     * when the library ends first.
+     * again, even after a timeout or the event. Rejects with BridgeUsageError without listen(), or when the
+     * library ends first.
      */
     finished(options?: Limits): Promise<Outcome>;
 }
@@ -177,7 +177,7 @@ export interface Bridge extends EventEmitter {
     /**
      * Stops the library for the rest of the process. From this call on no event of the library is emitted
      * and every other function throws. The promise resolves when the event server has stopped. 'close' is
-     * then emitted, with which events.on(bridge, event, { close: ['close'] }) ends.
+     * then emitted; it ends an iteration over events.on(bridge, event, { close: ['close'] }).
      */
     fini(): Promise<void>;
 
@@ -190,7 +190,7 @@ export interface Bridge extends EventEmitter {
      * "cpus" cannot be read.
      */
     instances(): Instance[];
-    /** The same as the library's JSON text. */
+    /** The listing as the library's JSON text. */
     instancesJson(): string;
     instancesAsync(options?: Limits): Promise<Instance[]>;
     apps(instance: string): App[];
@@ -203,9 +203,9 @@ export interface Bridge extends EventEmitter {
     launchUrl(instance: string, url: string): void;
     installApk(instance: string, apkFilePath: string): Work<ApkInstallCompleted>;
     uninstallApp(instance: string, packageName: string): Work<AppUninstalled>;
-    /** Ends with the event with status 2. */
+    /** Its outcome is the event with status 2. */
     installImage(imageName: string, options?: ImageOptions): Work<InstallImageProgress>;
-    /** Ends with the next createInstanceCompleted event. Events complete the calls in order. */
+    /** Its outcome is the next createInstanceCompleted event. Events complete the calls in order. */
     createFreshInstance(wanted: FreshInstance): Work<CreateInstanceCompleted>;
 
     /** Asks one player, or the manager and every player, to shut down, on a separate thread. */
@@ -224,7 +224,7 @@ export interface Bridge extends EventEmitter {
     removeListener(event: 'listening' | 'close', listener: () => void): this;
 }
 
-/** Reports the problems with which init() would fail, without starting anything. Empty when there are none. */
+/** The problems with which init() would fail; empty when there are none. Starts nothing. */
 export function preflight(clientId: ClientId, options?: InitOptions): Problem[];
 
 export interface Folders {
@@ -235,9 +235,9 @@ export interface Folders {
 }
 
 /**
- * For development: gives this process its own HKEY_LOCAL_MACHINE with these folders and the library's version.
- * It needs no administrator rights. Call it before init(). The rest of HKEY_LOCAL_MACHINE is hidden from this
- * process; processes that it starts see the machine's. A later call replaces the folders.
+ * For development: gives this process its own HKEY_LOCAL_MACHINE with these folders and the library's
+ * version, without administrator rights. Call it before init(). The rest of HKEY_LOCAL_MACHINE is hidden from
+ * this process; processes that it starts see the real one. A later call replaces the folders.
  */
 export function useFolders(folders: Folders): void;
 

@@ -1,4 +1,4 @@
-// The same for hosts that import. A process has one library, however it was loaded.
+// The same for ES modules. A process has one library, however it was loaded.
 import binding from './index.js';
 
 export const {

@@ -32,6 +32,6 @@ export type ValueOf<K extends string> =
     : K extends `vtr.${infer P}` ? (P extends keyof GlobalProperties ? GlobalProperties[P] : never)
     : never;
 
-/** The text of a key with this value type. A string that is only known at run time is accepted too. */
+/** The text of a key with this value type. A string known only at run time is accepted too. */
 export type KeyText<K extends string, T extends Value> =
     string extends K ? K : [ValueOf<K>] extends [never] ? never : ValueOf<K> extends T ? K : never;

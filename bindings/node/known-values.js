@@ -1,6 +1,6 @@
 'use strict';
-// The binding's own copy of the library's configuration: the instances, and the values of the last load. It
-// answers questions that would end the process if the library were asked.
+// The binding's own copy of the library's configuration: the instances, and the values of the last load. The
+// checks use it, because asking the library could end the process.
 
 const { IMAGES } = require('./bridge.generated');
 const { KeyError } = require('./errors');
@@ -29,7 +29,7 @@ function isNumber(value) {
 
 const unreadable = (key, value) => new KeyError(`"${key}" has a value that cannot be read: "${value}"`, key);
 
-// Numbers of an instance that each listing reads.
+// Numbers of each instance that a listing reads.
 const LISTED_NUMBERS = ['ram', 'cpus'];
 
 const READABLE = { bool: (value) => value === '0' || value === '1', i32: isNumber };

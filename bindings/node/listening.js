@@ -7,8 +7,8 @@ const windows = require('./windows');
 
 const PAUSE_MS = 5;
 
-// The library looks for another server on its own thread, a moment after the first check here. A process that
-// is ending may have released the pipe by then.
+// Time that another process gets to release the pipe, because it may be ending. The library itself looks for
+// another server on its own thread, a moment after the first check here.
 const LEAVING_MS = 500;
 
 const pause = () => new Promise((resolve) => setTimeout(resolve, PAUSE_MS).unref());

@@ -16,8 +16,8 @@ function distance(a, b) {
 
 const LONG_NAME = 8;
 
-// The nearest known name, the first of several, as the end of a message; empty when none is near. `length` is
-// the length of the part that can differ.
+// The end of a message that suggests the nearest known name, the first of several; empty when none is near.
+// `length` is the length of the part that can differ.
 function didYouMean(wrong, known, length = wrong.length) {
     const most = length >= LONG_NAME ? 3 : 2;
     let suggestion = '';

@@ -42,8 +42,8 @@ def registry_text(key: str, name: str) -> Optional[str]:
 
 
 def own_local_machine(key: str, texts: Dict[str, str]) -> None:
-    """Gives this process its own HKEY_LOCAL_MACHINE, which contains only these texts under a key. The
-    registry key behind it is deleted when the interpreter exits, at the latest when the user logs off."""
+    """Gives this process its own HKEY_LOCAL_MACHINE, which contains only these texts under a key. They are
+    in a volatile key, which is deleted when the interpreter exits, at the latest when the user logs off."""
     if sys.platform != "win32":
         raise OSError("there is no registry on this system")
     import winreg
@@ -81,12 +81,12 @@ def read_file(path: str) -> Optional[bytes]:
 
 
 def append_error(path: str) -> int:
-    """The Windows error when an existing file is opened as a log; 0 for none."""
+    """The Windows error of opening an existing file as a log; 0 for none."""
     return _open_error(path, FILE_APPEND_DATA, OPEN_EXISTING, 0)
 
 
 def create_error(folder: str) -> int:
-    """The Windows error when a file is created in a folder; 0 for none. The file is deleted again."""
+    """The Windows error of creating a file in a folder; 0 for none. The file is deleted again."""
     path = f"{folder}\\qxbridge-{os.getpid()}-{time.monotonic_ns()}.tmp"
     return _open_error(path, FILE_APPEND_DATA | DELETE, CREATE_NEW, DELETE_ON_CLOSE)
 
@@ -169,7 +169,7 @@ def _last_error() -> int:
 
 
 def _any_length(path: str) -> str:
-    """A long path in the form without a length limit, as the library uses it."""
+    """The path; a long one in the form without a length limit, as the library uses it."""
     full = ntpath.abspath(path)
     if len(full) < _LONG_PATH or full.startswith(("\\\\?\\", "\\\\.\\")):
         return path

@@ -26,12 +26,12 @@ IMAGE_INSTALLED = 2
 
 
 class Bridge:
-    """The library. It can be started once per process. After init() every method may be called from any
-    thread, except fini(), during which no other call may run."""
+    """The library. It can be started once per process. After init() methods may be called from any thread,
+    but no other call may run during fini()."""
 
     def __init__(self, path: Optional[str] = None) -> None:
-        """Loads the library. Without a path it is the one beside this package's modules, if it exists.
-        With an absolute path Windows finds the Qt DLLs beside it."""
+        """Loads the library: without a path the one beside this package's modules, else the one that
+        Windows finds. With an absolute path Windows finds the Qt DLLs beside it."""
         self._calls = Calls(ctypes.CDLL(library_path() if path is None else path))
         self._background = Background()
         self._places = product.Places("", "", "", "")
@@ -93,7 +93,7 @@ class Bridge:
         self._calls.require_ready()
         self._dispatcher.callbacks = callbacks
         if self._pointers is None:
-            # All of them: the binding follows the events that load the configuration.
+            # All of them: the binding needs the events that load the configuration.
             self._pointers = callback_pointers(self._dispatcher.receive)
         self._calls.value("bridgeRegisterCallbacks", *self._pointers)
 
@@ -119,8 +119,8 @@ class Bridge:
     def events(self, names: Type[E], *, limit: int = 10000) -> EventStream[E]: ...
 
     def events(self, names: Any = None, *, limit: int = 10000) -> EventStream[Any]:
-        """A stream of events from now on for `async for`: all of them, or those of these names or this
-        class. Events arrive after listen(). The stream buffers up to `limit` events."""
+        """A stream for `async for` of the events from now on: all, or those of these names or this class.
+        Events arrive after listen(). The stream buffers up to `limit` events."""
         self._calls.require_ready()
         stream: EventStream[Any] = EventStream(types_of(names), limit)
         self._dispatcher.add_stream(stream)
@@ -168,7 +168,7 @@ class Bridge:
         self._calls.status("bridgeLaunchUrl", utf8(instance), utf8(url), file=self._places.player)
 
     def install_apk(self, instance: str, apk_file_path: str) -> Work[ApkInstallCompleted]:
-        """Finished when the instance has processed the file; the outcome has the status."""
+        """Finished when the instance has processed the file, with the outcome's status."""
         return self._start(ApkInstallCompleted,
                            lambda one: (one.instance, one.apk_file_path) == (instance, apk_file_path),
                            "bridgeInstallApk", utf8(instance), utf8(apk_file_path), file=apk_file_path)
@@ -181,8 +181,7 @@ class Bridge:
     def install_image(self, image_name: str,
                       progress: Optional[Callable[[InstallImageProgress], Any]] = None
                       ) -> Work[InstallImageProgress]:
-        """Finished with status 2. progress is called on the event thread with the events of other
-        statuses."""
+        """Finished with status 2. Events with other statuses go to progress(), on the event thread."""
         def is_outcome(event: InstallImageProgress) -> bool:
             if event.image_name != image_name or event.status == IMAGE_INSTALLED:
                 return event.image_name == image_name

@@ -37,7 +37,7 @@ class Configuration:
         self._places = Places("", "", "", "")
 
     def use(self, places: Places) -> None:
-        """Called by an initialisation."""
+        """Called at the initialisation."""
         self._places = places
 
     def get(self, key: Key[T]) -> T:

@@ -68,11 +68,11 @@ class ListenError(Exception):
 
     def __init__(self, message: str, process_id: Optional[int]) -> None:
         super().__init__(message)
-        self.process_id = process_id  # the process that receives them; None when there is none or it is unknown
+        self.process_id = process_id  # the process that receives them; None when there is none or not known
 
 
 class EventOverflow(Exception):
-    """More events arrived than the stream can buffer. The buffered ones were delivered, later ones are lost."""
+    """More events arrived than the stream can buffer. Those buffered were delivered; later ones are lost."""
 
     def __init__(self, limit: int) -> None:
         super().__init__(f"more than {limit} events waited to be read")

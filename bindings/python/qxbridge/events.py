@@ -23,7 +23,7 @@ def _wake(future: "asyncio.Future[None]") -> None:
 class EventStream(AsyncIterator[E], Generic[E]):
     """Events in order, for `async for`. The stream ends with the library or with close().
 
-    Its buffer is limited. When more events arrive, the stream delivers the buffered ones and then raises
+    Its buffer is limited. When it overflows, the stream delivers the buffered events and then raises
     EventOverflow.
     """
 
@@ -85,7 +85,7 @@ class EventStream(AsyncIterator[E], Generic[E]):
         try:
             loop.call_soon_threadsafe(_wake, future)
         except RuntimeError:
-            pass  # the loop has ended together with its tasks
+            pass  # the loop has ended, and its tasks with it
 
 
 def types_of(wanted: Union[None, str, Type[Any], Iterable[str]]) -> Tuple[Type[Any], ...]:

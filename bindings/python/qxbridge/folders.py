@@ -16,8 +16,9 @@ def use_folders(data_folder: str, install_folder: str) -> None:
     """For development: makes this process use these folders instead of those in the registry.
 
     Call it before init(). It needs no administrator rights. The process gets its own HKEY_LOCAL_MACHINE
-    with the two folders and the library's version; the rest of the machine's is hidden from it. Programs
-    that it starts see the machine's. Raises OSError with the Windows function that failed and its error.
+    with the two folders and the library's version; the rest of HKEY_LOCAL_MACHINE is hidden from it.
+    Programs that it starts see the real one. Raises OSError with the Windows function that failed and its
+    error.
     """
     data = _folder("data_folder", data_folder)
     programs = _folder("install_folder", install_folder)

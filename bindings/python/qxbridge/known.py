@@ -1,4 +1,4 @@
-"""A copy of the library's configuration that decides whether a call would be fatal: the instances, and the
+"""A copy of the library's configuration, for deciding whether a call would be fatal: the instances, and the
 values that were loaded or set."""
 
 import re
@@ -13,7 +13,7 @@ from .generated import Property
 # At least one of these is not 0 or "" for a loaded instance: each has such a default.
 _PROBES = ("dpi", "max_fps", "eco_mode_max_fps", "gl_win_height", "display_name")
 
-# The library's conversion stops at the first other character, and rejects only a text that yields 0 that way.
+# The library's conversion stops at the first other character, and rejects a text only if it then yields 0.
 _NUMBER = re.compile(r"[ \t\n\v\f\r]*[+-]?([0-9]+)")
 
 
@@ -61,7 +61,7 @@ class Known:
         self._staged: Dict[str, str] = {}
 
     def start(self) -> None:
-        """Called by an initialisation, which resets the global properties to their defaults."""
+        """Called at the initialisation, which resets the global properties to their defaults."""
         with self._lock:
             self._committed = {key: value for key, value in self._committed.items()
                                if key.startswith(INSTANCE_PREFIX)}
@@ -76,7 +76,7 @@ class Known:
             self._committed.update(_values_in(content))
 
     def commit(self, call: Callable[[], None], always: bool) -> None:
-        """Makes a commit, which loads the file unless there is nothing to do."""
+        """Makes a commit by call(), in which the library loads the file unless there is nothing to write."""
         content = self._read()
         call()
         with self._lock:
@@ -96,8 +96,8 @@ class Known:
             self._added.add(name)
 
     def require_listable(self) -> None:
-        """Called before a listing, in which the library ends the process for an instance without an image
-        or a number that it cannot read."""
+        """Called before a listing, which ends the process for an instance of an unknown image or a number
+        that cannot be read."""
         with self._lock:
             names = sorted(self._listed)
         for name in names:

@@ -14,13 +14,13 @@ LIBRARY = "QX-Bridge.dll"
 
 
 def library_path() -> str:
-    """The library beside this module, as in an installed package; else Windows searches for it."""
+    """The library beside this module, as in an installed package; else its name, which Windows searches."""
     beside = os.path.join(os.path.dirname(os.path.abspath(__file__)), LIBRARY)
     return beside if _windows.exists(beside) else LIBRARY
 
 
 def _callback_type(name: str, parameters: Dict[str, Any]) -> Any:
-    """A separate type for each callback: CFUNCTYPE returns one type for equal signatures."""
+    """A separate type for each callback: CFUNCTYPE returns the same type for equal signatures."""
     plain: Any = CFUNCTYPE(None, *parameters.values())
     members = dict(_flags_=plain._flags_, _argtypes_=plain._argtypes_, _restype_=plain._restype_)
     return type(name, (getattr(ctypes, "_CFuncPtr"),), members)
