@@ -37,8 +37,8 @@ class Instance {
 
     std::string_view name() const { return values_.name(number_); }
 
-    // A value missing from the snapshot is read by its key: that logs the reason, or succeeds if it
-    // has become readable.
+    // Reads a value missing from the snapshot by its key: this logs why it cannot be read, or
+    // succeeds if it has become readable.
     std::string_view text(Column column) {
         if (const auto value = values_.value(number_, column)) return *value;
         return spare_[column] = confGetString(store_, keyOf(column));

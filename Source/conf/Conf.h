@@ -69,7 +69,7 @@ XErr confSetBool(ConfStore& store, std::string_view key, bool value);
 XErr confSetI32(ConfStore& store, std::string_view key, std::int32_t value);
 XErr confSetI64(ConfStore& store, std::string_view key, std::int64_t value);
 
-// Elements of a multi-string. "" has none; a trailing "," gives a trailing empty element. Joining
+// Elements of a multi-string. "" has none; after a trailing "," there is an empty one. Joining
 // drops leading empty elements.
 std::vector<std::string> confSplitMultiString(std::string_view text);
 std::string confJoinMultiString(const std::vector<std::string>& elements);

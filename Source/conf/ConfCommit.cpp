@@ -82,7 +82,7 @@ XErr merge(ConfStore& store, std::string& text, std::optional<ConfRefusedEntry>&
 // The steps after which the temporary file is deleted when one fails.
 XErr fillAndMove(ConfStore& store, XtemporaryFile& temporary, std::unique_ptr<ConfOutput> output,
                  const std::string& path) XTS_REQUIRES(store.lock) {
-    std::string text;  // the file's, then its replacement's
+    std::string text;  // of the old file, then of the new one
     std::optional<ConfRefusedEntry> refused;
     if (const XErr err = confReadFile(store, text); err != XERR_SUCCESS) return err;
     if (const XErr err = merge(store, text, refused); err != XERR_SUCCESS) return err;

@@ -25,8 +25,8 @@ struct InstanceEntry {
     const std::string& value;
 };
 
-// The part of the key prefix + name after `start`; none when it does not begin with `start`. The
-// prefix may end inside `start`: the keys of "A.B" are the keys of "A" that begin with "B.".
+// The part of the key (prefix + name) after `start`; none when the key does not begin with `start`.
+// The prefix may end inside `start`: the keys of "A.B" are keys of "A" that begin with "B.".
 std::optional<std::string_view> rest(std::string_view prefix, std::string_view name,
                                      std::string_view start) {
     if (start.substr(0, prefix.size()) != prefix) return std::nullopt;

@@ -68,8 +68,8 @@ bool connectToServer(IpcClient& client, const char* self) {
     return true;
 }
 
-// Waits until everything written to the socket is in the pipe. A socket whose peer has gone drops
-// its buffer, so only bytes that it reports as written count.
+// Waits until everything written to the socket is in the pipe. A socket whose peer has disconnected
+// drops its buffer, so only bytes that it reports as written count.
 bool waitUntilWritten(QLocalSocket& socket, const qint64& reported, qint64 size, int waitMs) {
     while (reported < size) {
         if (!socket.waitForBytesWritten(waitMs)) return reported >= size;
@@ -121,7 +121,7 @@ void warnWhenSlow(const IpcClient& client, Clock::time_point start, int result, 
            client.serverName.c_str());
 }
 
-// Reads up to `size` bytes within the client's time limit, and returns how many came. A socket may
+// Reads up to `size` bytes within the client's time limit, and returns their number. A socket may
 // hold bytes that it has not announced, so reads before each wait and after the last.
 qint64 collect(IpcClient& client, char* out, qint64 size) {
     QLocalSocket& socket = *client.socket;
@@ -154,8 +154,8 @@ void registerErrorType() {
 
 }  // namespace
 
-// Runs in destructors. Nothing else uses a client's socket, so it can be deleted at once when there
-// is no memory for deferred deletion.
+// Runs in destructors. Only the client uses its socket, so it can be deleted at once when there is
+// no memory for deferred deletion.
 void IpcSocketDeleter::operator()(QLocalSocket* socket) const {
     const bool later = xcatchAll(kLog, "~IpcClient", false, [socket] {
         if (!deliversDeferredDeletion()) return false;

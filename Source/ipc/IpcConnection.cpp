@@ -128,7 +128,7 @@ void writeReply(QLocalSocket& socket, const unsigned char* reply, std::uint32_t 
     const char* const bytes = reinterpret_cast<const char*>(reply);
     for (qint64 done = 0; done < length;) {
         const qint64 count = socket.write(bytes + done, std::min(kReplyPiece, length - done));
-        if (count <= 0) return;  // the peer has gone
+        if (count <= 0) return;  // the peer has disconnected
         done += count;
     }
 }
@@ -146,7 +146,7 @@ void consumePacket(IpcConnectionInfo& info) {
     }
 }
 
-// The packet stays in the buffer while the decoder runs; receive() is not reentered meanwhile. It
+// The packet stays in the buffer while the decoder runs: receive() reads nothing then. The packet
 // is consumed before its reply is written: the socket may throw when out of memory, and the packet
 // must not be dispatched twice.
 void dispatch(IpcConnectionInfo& info, IpcDecode decode, std::uint32_t replyLength,

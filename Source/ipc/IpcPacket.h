@@ -15,7 +15,7 @@
 //
 //     i32     4 bytes, two's complement
 //     bool    4 bytes, of which receivers read the lowest; written as 0 or 1
-//     double  8 bytes, IEEE 754 binary64, at whatever offset it falls on
+//     double  8 bytes, IEEE 754 binary64, not aligned
 //     text    its length with the NUL as 4 bytes, then UTF-8 bytes and the NUL
 
 constexpr std::size_t IPC_HEADER_SIZE = 12;

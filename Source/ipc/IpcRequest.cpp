@@ -18,7 +18,7 @@ bool send(IpcClient& client, const XlogModule& module, const IpcRequest& request
           IpcFields fields) {
     const bool disconnectAfter = request.replyLength == 0;
     const IpcPacket packet = ipcLayOut(request.opcode, request.replyLength, fields);
-    // A packet with bytes fits into an int.
+    // The size of a packet that was built fits into an int.
     const bool sent = packet.bytes != nullptr &&
                       ipcSendToServer(client, packet.bytes.get(), static_cast<int>(packet.size),
                                       disconnectAfter) == 0;

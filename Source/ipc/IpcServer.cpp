@@ -28,7 +28,7 @@ void IpcServerThread::run() {
     // which most hosts never do.
     QThreadData::get2(this)->requiresCoreApplication = false;
     xcatchAll(kIpcServerLog, "run", [this] { serve(); });
-    // On the sockets' thread: after it ends, nothing would deliver their deferred deletion.
+    // Here, on the sockets' thread: after it ends, nothing would deliver their deferred deletion.
     server.reset();
 }
 

@@ -25,7 +25,7 @@ const UtlImageTrait& utlGetImageTrait(std::string_view imageName);
 std::string_view utlImageNameOfInstance(std::string_view instance);
 
 // The ABIs of the mask (1 "x86", 2 "x64", 4 "arm", 8 "arm64") that the image supports, separated by
-// ",". A mask outside 1 to 15 is logged and gives "".
+// ",". Returns "" after logging a mask outside 1 to 15.
 std::string utlGetAbiListFromAbiInt(std::int32_t abiMask, const std::string& imageName);
 
 // Version of the library. Hosts and the registry compare the plain text; the full text includes the

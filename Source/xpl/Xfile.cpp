@@ -39,7 +39,7 @@ std::int32_t readWhole(Xfile& file, std::string& content) {
     std::size_t done = 0;
     const XErr err = xfileReadAll(file, content.data(), content.size(), done);
     content.resize(done);
-    // End of file is not an error: the file may have been truncated meanwhile.
+    // End of file is not an error: the file may have become shorter since its size was read.
     return err == XERR_SUCCESS || err == XERR_NODATA ? 0 : file.windowsError();
 }
 

@@ -241,8 +241,8 @@ void xlogException(const XlogModule& module, const char* function, const char* w
 
 void xlogFatalBreak(const XlogModule& module, std::int32_t line, const char* function) noexcept {
     if (xlogIsEnabled(module, XLOG_ERROR)) {
-        // The format is part of the log's vocabulary and must not change; its last conversion is
-        // always given a zero.
+        // The format is part of the log's vocabulary and must not change. Its last number is
+        // always 0.
         static_cast<void>(xlogLogger.print(
             XLOG_ERROR, static_cast<std::int32_t>(module.tag), module.file, function, line,
             "FATAL: DEBUG BREAK: %s:%d %f()", module.file, line, 0.0));

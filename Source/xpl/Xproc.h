@@ -19,9 +19,9 @@ using XprocArguments = std::vector<std::string>;
 
 // Starts a program without a window and does not wait for it. The child inherits this process's
 // inheritable handles, environment and current folder. When Windows requires elevation (error 740),
-// starts it through the shell's "runas" instead, which gives no handle and leaves `handle`
-// unchanged. `handle` may be null. Returns 22 for an empty list, else the translated error, which
-// is logged; 100000 when Windows reports a failure without an error.
+// starts it through the shell's "runas" instead, which has no handle and leaves `handle` unchanged.
+// `handle` may be null. Returns 22 for an empty list, else the translated error, which is logged;
+// 100000 when Windows reports a failure without an error.
 [[nodiscard]] XErr xprocCreate(XprocHandle* handle, const XprocArguments& arguments);
 
 // The two ways that xprocCreate tries.

@@ -44,7 +44,7 @@ bool shellRunAs(const std::wstring& file, const std::wstring& parameters, XprocP
     const BOOL ok = ::ShellExecuteExW(&info);
     error = ::GetLastError();
     if (!ok) return false;
-    process.reset(info.hProcess);  // none, since the mask does not ask for one
+    process.reset(info.hProcess);  // null: the mask does not request a handle
     return true;
 }
 

@@ -6,7 +6,7 @@
 
 #include "Event.h"
 
-// What an event says about the work of a command. `texts` are the command's arguments.
+// The outcome of a command's work, according to an event. `texts` are the command's arguments.
 enum class Outcome {
     Unknown,  // about something else, or the work is not finished
     Success,

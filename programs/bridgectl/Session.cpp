@@ -39,7 +39,7 @@ int Session::startLibrary() {
 bool Session::start() {
     std::string content;
     if (!noConf) {
-        // The library reports a missing file.
+        // Ignored: the library reports a missing file.
         static_cast<void>(confDiskFiles().read(configurationPath(), content));
     }
     configuration_.emplace(content);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kEmpty = "the value is empty";
 
-// What CLI11 stores for an option whose number is not given.
+// What CLI11 stores for an option without its optional number.
 constexpr const char* kNoNumber = "forever";
 
 bool parseUnsigned(const std::string& text, unsigned& number) {
@@ -144,7 +144,7 @@ bool isKind(const CLI::ParseError& error, CLI::ExitCodes kind) {
     return error.get_exit_code() == static_cast<int>(kind);
 }
 
-// CLI11's "A is required" and the like in plainer words. A second line is a hint.
+// CLI11's message in plainer words. A second line is a hint.
 ParseEnd reworded(const CLI::ParseError& error) {
     const std::string what = error.what();
     const std::string name = what.substr(0, what.find(' '));
@@ -381,7 +381,7 @@ ParseEnd ProgramParser::parse(const std::vector<std::string>& arguments) {
         return emptyValue(*app_, arguments, *name);
     }
     try {
-        // CLI11 takes them from the back.
+        // CLI11 expects them in reverse order.
         app_->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         return endOf(*app_, error);

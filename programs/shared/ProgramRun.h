@@ -31,7 +31,7 @@ class ProgramRun {
     // Confirms that the work is done, as text or JSON.
     bool confirm(const std::string& text, const JsonValue& value);
 
-    // Prints a line on standard error that is not an error.
+    // Prints a line, not an error, on standard error.
     void notice(const std::string& text) const;
 
     // Prints an error, and a hint in another line if there is one, and sets the exit code. Returns

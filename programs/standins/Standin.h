@@ -25,7 +25,7 @@ class Standin {
     // Exit statuses of the programs.
     static constexpr int kDone = 0;
     static constexpr int kMisuse = 2;
-    static constexpr int kNobody = 3;  // no front end took the event
+    static constexpr int kNobody = 3;  // no front end accepted the event
 
     // Reads the command line of this process and the script. False if the script has an error,
     // which the output names.

@@ -57,7 +57,7 @@ class Delivery {
         if (script.eventCloseEarly) bytes.resize(result.cutAt = bytes.size() / 2);
         bytes.append(script.eventGarbage, '#');
         result.failed = !connect() || !write(pipe_, bytes, script.eventSplit);
-        // The front end could not read anything more on this connection.
+        // The front end cannot find the next packet on this connection.
         if (script.eventCloseEarly || script.eventGarbage > 0) pipe_.close();
         return result;
     }

@@ -31,8 +31,8 @@ std::vector<std::string> standinKnownClients();
 std::vector<std::string> standinParseClients(const std::string& list);
 
 // Sends events in order to every front end that has a server now: over one connection, or over one
-// per event if the script corrupts what follows. Returns the number of front ends that took all
-// events. Does nothing without clients.
+// per event if the script makes a connection unusable after each. Returns the number of front ends
+// that accepted all events. Does nothing without clients.
 int standinSend(const StandinSending& sending, const std::vector<StandinEvent>& events);
 
 // Runs steps on its own thread: a front end may send a request while it handles an event, and the

@@ -23,7 +23,7 @@ constexpr unsigned long kNotEnoughMemory = 8;
 
 struct Process {
     pid_t id;
-    std::uint32_t killedWith;  // the exit code that xprocKill gave
+    std::uint32_t killedWith;  // the exit code from xprocKill
 };
 
 std::vector<std::string> takeApart(const std::string& line) {

@@ -32,7 +32,7 @@ struct App {
     std::string versionName;
 };
 
-// The values of the command line, and the app's current values for the others.
+// The app's current values, replaced by those of the command line.
 App updatedApp(const Arguments& arguments) {
     App app;
     static_cast<void>(appcGetApp(appcStore(), arguments.package, &app.activity, &app.label,
