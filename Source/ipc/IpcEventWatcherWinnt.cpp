@@ -36,7 +36,7 @@ bool IpcEventWatcher::watch() {
 void IpcEventWatcher::run() {
     while (::WaitForSingleObject(event_, INFINITE) == WAIT_OBJECT_0) {
         ::ResetEvent(event_);
-        // After the reset: a request to end that comes now sets the event again.
+        // Checked after the reset: a later request to end sets the event again.
         if (isInterruptionRequested()) return;
         post();
     }

@@ -1,4 +1,4 @@
-// System calls for child processes: CreateProcessW, ShellExecuteExW and their kin.
+// System calls for child processes: CreateProcessW, ShellExecuteExW and related ones.
 #include "xpl/Xproc.h"
 
 #include "xpl/Xlog.h"

@@ -98,7 +98,7 @@ namespace QXBridge
             lock (guard) added.Add(name);
         }
 
-        /// <summary>Throws for an instance that neither the file nor this process has.</summary>
+        /// <summary>Throws for an instance that is neither in the file nor added by this process.</summary>
         internal void Require(string name)
         {
             if (IsKnown(name)) return;

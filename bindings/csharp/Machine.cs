@@ -10,7 +10,7 @@ using System.Threading;
 
 namespace QXBridge
 {
-    /// <summary>The server of a pipe: a process, or the error with which it could not be found.</summary>
+    /// <summary>The server of a pipe: its process, or the error of finding it.</summary>
     internal struct PipeServer
     {
         internal int ProcessId; // 0 when not known

@@ -31,7 +31,7 @@ namespace QXBridge
             problems.Add(new Problem(what, remedy));
         }
 
-        // False when the other checks are meaningless. Without the file and with another log the library
+        // Returns false when the other checks are meaningless. A start without the file and with another log
         // needs no data folder.
         private bool CheckDataFolder()
         {

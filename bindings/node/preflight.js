@@ -31,7 +31,7 @@ function dataFolderProblem() {
     return { what: `the data folder ${folder} does not exist`, remedy: 'create it, or set the registry value "UserDefinedDir" to another' };
 }
 
-// The nearest existing parent. The library creates the folders of a log that "\" separates.
+// The nearest existing parent. The library creates the folders before the last "\" of a log's path.
 function existingFolder(folder) {
     let found = folder;
     while (!isFolder(found) && path.dirname(found) !== found) found = path.dirname(found);

@@ -59,7 +59,7 @@ XErr translated(int error) {
     }
 }
 
-// The Windows error of such a failure.
+// The Windows error of an errno value.
 std::int32_t windowsErrorOf(int error) {
     switch (error) {
         case ENOENT:
@@ -92,7 +92,7 @@ std::int32_t windowsErrorOf(int error) {
     }
 }
 
-// Status of a call on a file that failed.
+// Status of a failed call on a file.
 XErr failed(Xfile& file, int error) {
     file.setWindowsError(windowsErrorOf(error));
     return translated(error);

@@ -1,5 +1,5 @@
-// System calls for child processes: posix_spawn and its kin. The command line is split by the rule
-// of xprocQuote.
+// System calls for child processes: posix_spawn and related ones. The command line is split by the
+// rule of xprocQuote.
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>

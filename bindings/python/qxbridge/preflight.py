@@ -29,7 +29,7 @@ def _folder_to_write(folder: str) -> str:
 
 
 def _own_log_folder(path: str) -> Optional[Problem]:
-    """The library creates the folders of a log's path that "\\" separates."""
+    """A problem with the log's folder. The library creates only the folders before the last "\\"."""
     last = max(path.rfind("\\"), path.rfind("/"))
     if last < 0 or path[last] == "\\" or _windows.is_folder(path[:last]):
         return None
