@@ -35,8 +35,9 @@ create() {
 keep_server() {
     # A server without programs is about to end.
     timeout 2 "$server" -w >/dev/null 2>&1 || true
-    # Fails when a server runs. It must not hold the caller's output open.
-    "$server" -p >"$WINEPREFIX/server.log" 2>&1 </dev/null || true
+    # Fails when a server runs. It must not hold the caller's output open. Programs of a server that has
+    # crashed hang and keep their lock.
+    if "$server" -p >>"$WINEPREFIX/server.log" 2>&1 </dev/null; then rm -f "$WINEPREFIX/kept"; fi
     exec 8>"$WINEPREFIX/kept"
     if flock -n 8; then
         local input="$WINEPREFIX/no-input"

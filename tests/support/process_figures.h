@@ -6,8 +6,8 @@ extern "C" {
 #endif
 
 /*
- * The number of handles of this process, from the system's table of all handles, since
- * GetProcessHandleCount returns 0 under Wine.
+ * The number of handles of this process. Under Wine, where GetProcessHandleCount returns 0, it
+ * tries each handle.
  */
 long openHandles(void);
 
