@@ -91,7 +91,7 @@ typedef int bridge_i32;
 
 /**
  * Signed 64-bit integer. C89 has no such type, but every compiler for x64 has it as an extension.
- * The mark keeps GCC and clang from warning about it.
+ * `__extension__` keeps GCC and clang from warning about it.
  */
 #if defined(__GNUC__) || defined(__clang__)
 __extension__ typedef long long bridge_i64;
@@ -240,9 +240,9 @@ BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiInitEx(const char* clientId, bridge_b
  *
  * Call it last. Inside a callback it stops nothing and logs an error. It does not commit staged
  * changes. It is not needed after a failed initialisation. A host that does not call it still ends
- * cleanly, but cannot unload the library. Call FreeLibrary() only after this function has returned.
- * An earlier call can unload the library while the function still runs. Qt's two DLLs stay loaded
- * once the library has handled an event or sent a request.
+ * cleanly, but cannot unload the library. Call FreeLibrary() only after this function has returned,
+ * because an earlier FreeLibrary() can unload the library while the function still runs. Qt's two
+ * DLLs stay loaded once the library has handled an event or sent a request.
  * @return 0
  */
 BRIDGE_API bridge_i32 BRIDGE_CALL bridgeApiFini(void);

@@ -124,7 +124,7 @@ void guarded(const std::shared_ptr<const Callbacks>& callbacks, Part part) noexc
     }
 }
 
-/** Calls the host's function, then the queues and works. Only these need makeEvent(). */
+/** Calls the host's function, then passes makeEvent() to the queues and works, if there are any. */
 template <typename MakeEvent, typename Function, typename... Arguments>
 void deliver(MakeEvent makeEvent, Function Callbacks::*member, Arguments&&... arguments) noexcept {
     std::shared_ptr<const Callbacks> callbacks;
