@@ -264,8 +264,9 @@ BRIDGE_INLINE int bridgePreflightData(char* data, bridgeOnProblem report, void* 
 }
 
 /**
- * Reports every problem that would make bridgeApiInitEx() fail or end the process. Changes nothing.
- * If the data folder is missing, checks nothing else.
+ * Checks the data folder, the log, the configuration file and, for "Launcher", the product's
+ * version, without a lasting change. Does not find a bad line in the configuration file or an
+ * unknown client id. If the data folder is missing, checks nothing else.
  * @param clientId    as for bridgeApiInitEx()
  * @param noConfFile  as for bridgeApiInitEx()
  * @param logFilePath as for bridgeApiInitEx()
@@ -307,7 +308,7 @@ BRIDGE_INLINE void bridgePreflightCollect(void* context, const char* what, const
  * @param logFilePath as for bridgeApiInitEx()
  * @param text        buffer for the lines, which are truncated if necessary; null if size is 0
  * @param size        size of the buffer in bytes
- * @return number of problems; 0 if the initialisation would succeed
+ * @return number of problems
  */
 BRIDGE_INLINE int bridgePreflight(const char* clientId, bridge_bool noConfFile,
                                   const char* logFilePath, char* text, size_t size) {

@@ -31,10 +31,10 @@ struct PreflightOptions {
 };
 
 /**
- * Checks what the initialisation needs. Changes nothing.
+ * bridgeForEachProblem(). It does not find a bad line in the configuration file.
  * @param client  the kind of host
  * @param options the arguments of the planned initialisation
- * @return the problems; empty when the initialisation would succeed
+ * @return the problems
  */
 inline std::vector<Problem> preflight(Client client, const PreflightOptions& options = {}) {
     std::vector<Problem> problems;
