@@ -1,6 +1,6 @@
 'use strict';
-// A small launcher: a page on the loopback address that lists instances and their apps, starts and
-// stops them, changes a few settings, and shows events as they arrive.
+// A small launcher: a page on the loopback address that lists instances and their apps, launches apps,
+// stops players, changes a few settings, and shows events as they arrive.
 //     node server.js [PATH-OF-QX-Bridge.dll [DATA-FOLDER INSTALL-FOLDER]]
 // The two folders replace those of the registry, so that it needs neither the product nor administrator
 // rights. The printed address contains a token that other users cannot guess.

@@ -495,11 +495,13 @@ BRIDGE_API void BRIDGE_CALL bridgeRegisterCallbacks(
  * package. The icon file may be missing.
  *
  * The function reads the instance's app cache, whether or not the instance runs. The array is empty
- * in three cases: there is no app cache; the cache is not a JSON array, and the library deletes it;
- * another program has the cache open exclusively, and the log has an error.
+ * in three cases: there is no app cache; another program has the cache open exclusively; the cache
+ * is not a JSON array or cannot be opened for another reason, and the library deletes it. The log
+ * shows which.
  * @param instance instance name
- * @return the JSON; free it with bridgeFreeMemory(). Null, with an error in the log, when the app
- *         cache cannot be opened, when an element is not an object, or when an app has a value that
+ * @return the JSON; free it with bridgeFreeMemory(). Null, with an error in the log, when the
+ *         machine-wide lock of the app cache cannot be created, for example because the instance
+ *         name has a backslash, when an element is not an object, or when an app has a value that
  *         is missing or has the wrong type
  */
 BRIDGE_API char* BRIDGE_CALL bridgeGetInstalledApps(const char* instance);
