@@ -23,8 +23,8 @@ struct Side {
     // Repeats the operation and returns the nanoseconds that it took.
     std::function<double(std::int64_t times)> time;
 
-    // Instead of `time`, in rows of single times: repeats the operation for one round and appends
-    // the nanoseconds of each operation.
+    // Instead of `time`, in rows that time each operation: repeats it for one round and appends
+    // the nanoseconds of each.
     std::function<void(std::vector<double>& times)> each = nullptr;
 };
 
@@ -36,10 +36,10 @@ struct Row {
     // they use.
     std::function<std::vector<Side>()> sides;
 
-    // Operations per time. Times are shown per operation.
+    // Operations per measured time. Times are shown per operation.
     double pieces = 1;
 
-    // In rows of single times, the quantile whose ratio counts; 0: no ratio.
+    // In rows that time each operation, the quantile whose ratio counts; 0: no ratio.
     double quantile = 0;
 };
 

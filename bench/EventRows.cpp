@@ -281,8 +281,8 @@ std::vector<Side> eventSides(int connections, std::size_t count) {
             side<OverlappedServer>("floor: overlapped reads", "floor", 0, connections, count)};
 }
 
-// Pins this process to its last core. Otherwise latencies depend on the scheduler's placement of
-// sender and server, and on the wake-up time of idle cores.
+// Pins this process to its last core. Otherwise latencies depend on which cores the scheduler
+// chooses for sender and server, and on the wake-up time of idle cores.
 class OneCore {
  public:
     OneCore() {

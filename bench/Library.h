@@ -7,8 +7,8 @@
 
 #include "SampleConf.h"
 
-// The library as its host sees it, initialised with a configuration of this number of instances.
-// Each number has its own library.
+// The library as its host sees it, initialised with a configuration of this many instances. Each
+// number has its own copy of the library.
 class Library {
  public:
     static constexpr int kInstances = 1000;

@@ -3,9 +3,8 @@
 
 #include <functional>
 
-// Another process that commits changes to its own configuration of this number of instances. Call
-// the result with true to resume it and with false to pause it. Null where the system has no such
-// process.
+// Another process that commits changes to its own configuration of this many instances. Call the
+// result with true to resume it and with false to pause it. Null on systems without such a process.
 std::function<void(bool works)> otherProcess(int instances);
 
 #endif

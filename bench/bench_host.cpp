@@ -1,8 +1,10 @@
-// bench_host library|qt|memory FOLDER: a host that starts the library over the product's data in
-// FOLDER, or loads only its dependencies, and prints the nanoseconds; or the private bytes that the
-// initialisation allocated.
-// bench_host commit FOLDER KEY EVENT: prints a line after it has started the library, then commits
-// changes of that text in a loop while the event with this name is set.
+// bench_host library FOLDER   starts the library with the product's data in FOLDER, and prints the
+//                             nanoseconds
+// bench_host qt FOLDER        the same, but only loads the library's dependencies
+// bench_host memory FOLDER    prints the private bytes that the initialisation allocates
+// bench_host commit FOLDER KEY EVENT
+//                             starts the library, prints a line, then changes and commits KEY in a
+//                             loop while the event with this name is set
 #include <bridge/bridge.h>
 
 #include <chrono>

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """count.py BENCH: counts the instructions of one operation in the native build, with callgrind.
 
-Unlike times they repeat. Each side of a row is run with its work done N and 3 N times; the
-difference is that of 2 N pieces. Prints a line of JSON for each row.
+Unlike times, the counts are repeatable. Runs each side of a row with N and with 3 N operations; the
+difference is the count of 2 N operations. Prints a line of JSON for each row.
 """
 import json
 import re

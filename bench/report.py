@@ -5,8 +5,8 @@ report.py table FOLDER     raw.jsonl: table on the terminal; results.json and ch
 report.py check FOLDER     the same, and compares the ratios with the recorded ones
 report.py native FOLDER    native.jsonl: table
 report.py count FOLDER     counts.jsonl: table
-report.py record FOLDER    the table, and the figures of bench/recorded.json and docs of all three
-report.py draw             the charts of docs again, from the figures that are recorded
+report.py record FOLDER    the table; updates bench/recorded.json and the figures of docs from all three
+report.py draw             draws the charts of docs from the recorded figures
 """
 import collections
 import html
@@ -68,7 +68,7 @@ def read(path):
 
 
 def has_ratio(row):
-    """False for rows that only show quantiles of single times."""
+    """False for rows that only show quantiles."""
     return row.get("quantile") != 0
 
 
@@ -142,12 +142,12 @@ def rows_table(rows):
 
 
 def native_table(rows):
-    """Without aims, which are for Windows."""
+    """The table without aims, because the aims are for Windows."""
     return [HEAD[:5] + HEAD[7:], *(line[:5] + line[7:] for line in cells(rows))]
 
 
 def quantiles_table(rows):
-    """The quantiles of single times of each side."""
+    """The quantiles of each side's times of single operations."""
     quantiles = ("0.5", "0.99", "0.999", "1")
     lines = [("row", "side", "median", "99 %", "99.9 %", "longest")]
     for row in rows:
@@ -182,8 +182,7 @@ def counts_table(counts):
 
 
 def bars_of(rows):
-    """The data of the charts from the measurements: row, library, against, takes, ratio
-    and its text, aim."""
+    """The data of the charts, from the measurements."""
     return [Bar(row["row"], time(row["sides"][0]["median"]), side["name"], time(side["median"]),
                 side["ratio"], f"{side['ratio']:.2f}", side["aim"] or None)
             for row in with_ratios(rows) for side in row["sides"][1:]]

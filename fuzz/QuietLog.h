@@ -1,10 +1,11 @@
 #ifndef FUZZ_QUIETLOG_H
 #define FUZZ_QUIETLOG_H
 
-// From here on every line of the log is formatted, and goes nowhere.
+// From now on, log lines are formatted and discarded.
 void logIntoNothing();
 
-// From here on this is called for the line of a fatal break, before the break ends the process.
+// Sets a function that is called when the line of a fatal break is logged, before the break ends
+// the process.
 void logCallAtFatalBreak(void (*atFatalBreak)());
 
 #endif

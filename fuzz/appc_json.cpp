@@ -28,7 +28,7 @@ bool areSame(const AppcApps& a, const AppcApps& b) {
 
 QJsonValue jsonOf(const std::string& text) { return QString::fromStdString(text); }
 
-// Both forms, as Qt writes them.
+// The text that Qt writes for a cache file or a listing.
 std::string textByQt(const AppcApps& apps, const char* iconKey, const std::string& folder) {
     QJsonArray array;
     for (const auto& [package, app] : apps) {

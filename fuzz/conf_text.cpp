@@ -66,8 +66,8 @@ void checkReading(std::string_view content, const PlainText& expected) {
           "the malformed line is the plain reader's");
 }
 
-// The entries of the content, and entries that no file contains: the content is split into key and
-// value in the middle and at its first "=" signs, which become part of the key, the value or
+// The entries of the content, and entries that no file can contain: splits the content into key and
+// value in the middle and around its first "=" signs, with the sign in the key, the value or
 // neither.
 Pairs pairsOf(const std::string& content, const PlainText& text) {
     constexpr int kParted = 4;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# kit.sh [FOLDER]: makes the Windows kit of what is built in build/windows, as a zip in FOLDER
-# (build/windows when none is named), and says where.
+# kit.sh [FOLDER]: makes the Windows kit from build/windows, as a zip in FOLDER (default: build/windows), and
+# prints its path.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -12,7 +12,7 @@ folder="$into/kit-package/$name"
 rm -rf "$into/kit-package"
 mkdir -p "$folder"/{bin,tests/bindings,standins,kit,docs,include,lib,bindings/node_modules}
 
-# The programs, without what debuggers want.
+# The programs, without debug data.
 cp "$build"/bin/*.{dll,exe} "$folder/bin"
 cp "$build"/standins/*.{dll,exe} "$folder/standins"
 cp "$build"/kit/*.exe "$folder/kit"
@@ -27,7 +27,7 @@ cp "$folder/tests/recording/QX-Bridge".{dll,pyd}
 cp -r "$tree/examples" "$folder"
 cp -r "$tree"/tests/bindings/{node,python,scenario.py,scenarios.txt} "$folder/tests/bindings"
 
-# What a Microsoft compiler and the languages' runtimes need.
+# The files that Microsoft's compiler and the languages' runtimes need.
 cp -r "$tree/include/bridge" "$folder/include"
 cp "$build/lib/QX-Bridge.lib" "$folder/lib"
 cp "$tree/tests/package/consumer"/host.{c,cpp} "$tree"/kit/bindings/{*.js,*.py,runtime_host.c} "$folder/bindings"

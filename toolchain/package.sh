@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package.sh [FOLDER]: makes the zip of what is built in build/windows, and the packages for npm, NuGet and pip, in
-# FOLDER (default: build/windows). Prints the path of the zip.
+# package.sh [FOLDER]: makes the zip from build/windows, and the packages for npm, NuGet and pip, in FOLDER
+# (default: build/windows). Prints the path of the zip.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 

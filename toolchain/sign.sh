@@ -2,10 +2,10 @@
 # sign.sh FOLDER: signs the DLLs and programs below FOLDER, and verifies each signature and time stamp,
 # if the environment names a certificate:
 #   QX_SIGN_CERTIFICATE    file with certificate and key (PKCS #12)
-#   QX_SIGN_PASSWORD_FILE  file with its password, on one line; without it there is none
+#   QX_SIGN_PASSWORD_FILE  file with its password, on one line; default: no password
 #   QX_SIGN_TIMESTAMP      address of a time-stamp service (RFC 3161); without it a signature expires
 #                          with its certificate
-#   QX_SIGN_CA             authorities of signatures and time stamps (PEM); without it the system's
+#   QX_SIGN_CA             authorities of signatures and time stamps (PEM); default: the system's
 # Standard error says how many files were signed.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"

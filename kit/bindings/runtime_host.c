@@ -1,5 +1,5 @@
-/* runtime_host LOG: a host whose C runtime need not be the library's. It frees the library's
- * memory. */
+/* runtime_host LOG: a host that can be built with another C runtime than the library's. It frees
+ * memory of the library. */
 #include <bridge/bridge.h>
 #include <stdio.h>
 #include <string.h>

@@ -1,6 +1,6 @@
 'use strict';
-// suite.js KIT: runs each test file of the Node binding in a process and a data folder of its own, and
-// reports the files as GoogleTest reports tests.
+// suite.js KIT: runs each test file of the Node binding in its own process and data folder, and reports the
+// files in the format of GoogleTest.
 const { spawnSync } = require('child_process');
 const fs = require('fs');
 const os = require('os');
@@ -11,7 +11,7 @@ const kit = process.argv[2];
 const tests = path.join(kit, 'tests', 'bindings', 'node');
 const work = fs.mkdtempSync(path.join(os.tmpdir(), 'node-'));
 
-// The exit status alone does not prove that the tests came to their end.
+// The exit status alone does not prove that all tests ran.
 function run(name) {
     const data = path.join(work, name);
     const output = path.join(work, `${name}.txt`);

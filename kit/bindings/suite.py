@@ -1,5 +1,5 @@
-"""suite.py KIT LIBRARY: runs the tests of the Python binding over the recording library, and reports
-them as GoogleTest does."""
+"""suite.py KIT LIBRARY: runs the tests of the Python binding with the recording library, and reports
+them in the format of GoogleTest."""
 import pathlib
 import sys
 import time

@@ -25,7 +25,7 @@ DWORD connectTo(const std::string& path, DWORD access = GENERIC_READ | GENERIC_W
     return ERROR_SUCCESS;
 }
 
-// The path through the network redirector, which makes a client on this machine a remote one.
+// A path through the network redirector: the server sees a client on this machine as remote.
 std::string throughTheNetwork(const std::string& name) { return R"(\\127.0.0.1\pipe\)" + name; }
 
 std::string local(const std::string& name) { return R"(\\.\pipe\)" + name; }
@@ -82,8 +82,8 @@ DWORD openMutex(const std::string& name, DWORD access) {
     return ERROR_SUCCESS;
 }
 
-// Records an error that the documents do not claim: the default label of an object only denies
-// writes, so Windows may grant the other rights.
+// Records the result without expecting one: the default label of an object only denies writes, so
+// Windows may grant the other rights.
 void recordEither(const char* what, DWORD error) {
     std::printf("[figure] %s 0x%08lX\n", what, error);
     EXPECT_TRUE(error == ERROR_SUCCESS || error == ERROR_ACCESS_DENIED) << what << ' ' << error;

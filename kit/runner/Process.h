@@ -22,7 +22,7 @@ struct ProcessRun {
 ProcessRun runProcess(const std::vector<std::string>& command, const std::filesystem::path& folder,
                       const std::filesystem::path& output, int seconds);
 
-// The full path of a program in PATH, which is named without ".exe"; empty if there is none.
+// The full path of a program in PATH; empty if there is none. `name` lacks ".exe".
 std::string programOnPath(const std::string& name);
 
 using Variables = std::vector<std::pair<std::string, std::string>>;

@@ -134,7 +134,7 @@ class KitRun {
     Snapshot before_;
     Snapshot reportsBefore_;
     RunnerFolders folders_;
-    fs::path copy_;  // of the programs; empty for none
+    fs::path copy_;  // of the programs; empty if they run in place
     Facts facts_;
     std::vector<std::string> taken_;
     std::vector<Record> records_;

@@ -51,7 +51,7 @@ std::string lockPrefixOf(const std::string& data) {
 
 bool isFileLockFree(const std::string& data) {
     bool isFree = false;
-    // On another thread, since this one may have it.
+    // On another thread, because this one may hold the lock.
     std::thread([&isFree, &data] {
         XmutexNamed mutex;
         ASSERT_EQ(mutex.init("Global\\vtr_" + lockPrefixOf(data) + "Nougat64_nvo"), 0);

@@ -32,8 +32,8 @@ struct PlainApp {
 const std::vector<PlainApp> kTwo{{"com.a", "com.a.Main", "A", 1, "1.0"},
                                  {"com.b", "com.b.Main", "B", 2, "2.0"}};
 
-// The file and the listing of apps, written without the library's code. The folder is that of the
-// icons, escaped as in JSON.
+// The expected file and listing of apps, made without the library's code. `folder` is the folder of
+// the icons, escaped as in JSON.
 std::string fileOf(const std::vector<PlainApp>& apps);
 std::string listingOf(const std::vector<PlainApp>& apps, const std::string& folder);
 
@@ -50,7 +50,7 @@ bool operator==(const AppcApp& a, const AppcApp& b);
 
 Lines packagesOf(AppcStore& store);
 
-// Updates an app with fixed values, and the app as it then is in the file.
+// Updates an app with fixed values. updated() is the app that the file then has.
 XErr update(AppcStore& store, const std::string& package, const std::string& icon = "");
 PlainApp updated(const std::string& package);
 
@@ -83,7 +83,7 @@ class AppcTest : public ::testing::Test {
                     data.path() + "\\/Engine/UserData/SharedFolder/", lockPrefixOf(data.path())};
 };
 
-// A cache in the data folder, as another process has it.
+// Another process's cache in the data folder.
 struct ForeignStore : AppcStore {
     explicit ForeignStore(const std::string& data, AppcFiles& files = appcDiskFiles())
         : AppcStore(files, data + "\\", data + "\\/Engine/UserData/SharedFolder/",
@@ -96,7 +96,7 @@ class FailingFiles : public AppcFiles {
     std::int32_t readError = 0;  // of Windows
     XErr folderError = XERR_SUCCESS;
     bool failOpen = false;
-    std::size_t writeLimit = SIZE_MAX;  // a write fails after so many bytes
+    std::size_t writeLimit = SIZE_MAX;  // a write fails after this many bytes
     bool failMove = false;
     bool throwInWrite = false;  // after creating the file
     bool throwInMove = false;

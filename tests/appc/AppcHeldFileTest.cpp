@@ -1,4 +1,4 @@
-// A file that another process holds is kept, and not saved over before it has been read.
+// A file that another process holds is not overwritten before it has been read.
 #include <QJsonArray>
 
 #include "AppcFixture.h"

@@ -143,7 +143,7 @@ TEST_F(AppcSaveTest, AFileThatMustNotBeWrittenIsAFailedOpen) {
     setApps(store, kNew);
     fs::permissions(systemPath(file()), fs::perms::owner_read | fs::perms::group_read);
     log.clear();
-    // An administrator may write every file on some systems.
+    // On some systems an administrator may write read-only files.
     const bool refused = appcSaveToFile(store) != 0;
     fs::permissions(systemPath(file()), fs::perms::all);
     if (!refused) GTEST_SKIP() << "needs Windows, whose read-only files are so for everybody";
@@ -258,7 +258,7 @@ TEST_F(AppcSaveTest, ASaveThatDiesAtAnyStepLeavesAWholeFileAndNoLock) {
     }
 }
 
-// Saves and loads the same cache in turn. The apps of a save all have its writer and its number.
+// Alternately saves and loads the same cache. All apps of a save have its writer and its number.
 SUBPROCESS(savesAndLoads) {
     LogCapture log;
     ForeignStore store(arguments[0]);

@@ -1,4 +1,4 @@
-// Folders that a host of the C++ interface names itself, for development.
+// The folders that a host of the C++ interface sets for development.
 #include <string>
 
 #include "PlainHost.h"

@@ -96,7 +96,7 @@ class DotnetTest : public PlainHostTest {
         all.insert(all.end(), steps.begin(), steps.end());
         ChildOptions options = standinOptions();
         options.environment.emplace_back("QX_STANDIN_SECONDS",
-                                         "1");  // they keep the host's output open
+                                         "1");  // those keep the host's output open
         return ChildProcess(environment("QX_DOTNET"), all, options);
     }
 

@@ -129,7 +129,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
         data.write("standin.script", script);
     }
 
-    // What can be given.
+    // Sets the state that a line "given" names.
     void prepare(const std::string& what) {
         using Given = std::function<void(const std::string& rest)>;
         const std::map<std::string, Given> all = {
@@ -197,7 +197,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
         return {language.program, arguments, options("standin.script")};
     }
 
-    // The lines until the host listens. Then the file changes and the events are sent.
+    // The lines until the host listens. Then changes the file and sends the events.
     Lines linesUntilItListens(ChildProcess& host) {
         Lines lines;
         while (lines.size() < scenario.says.size() &&
@@ -243,7 +243,7 @@ class ScenariosTest : public PlainHostTest, public ::testing::WithParamInterface
     std::string mark;
     std::string script;
     std::string events;
-    std::string later;  // more lines of the file when the host listens
+    std::string later;  // lines that the file gets when the host listens
     bool hasConf = true;
     std::unique_ptr<ChildProcess> other;
     std::unique_ptr<ChildProcess> sender;

@@ -78,7 +78,7 @@ void fakeAnswer(bridge_i32 code) { answer = code; }
 int fakeLiveTexts(void) { return liveTexts; }
 const char* fakeClient(void) { return keptClient; }
 
-/* Calls the function with the line of each call, before the call returns. */
+/* Sets a function that each call invokes with its line before it returns. */
 void fakeOnCall(void (*function)(const char* line)) { onCall = function; }
 
 void fakeValue(const char* name, const char* text) {
@@ -100,7 +100,7 @@ void fakeForgetValues(void) {
     }
 }
 
-/* An event: the texts of its function in their order, and its other values. */
+/* An event: the text parameters of its callback in order, and the other values. */
 struct event {
     int slot; /* from 1, in the order of bridge.h */
     const char* texts[6];

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The Python binding over a library that records its calls: python_test.py LIBRARY [TEST...]. The tests are
-in the folder python."""
+"""python_test.py LIBRARY [TEST...]: runs the tests in the folder python, with a library that records its
+calls."""
 
 import pathlib
 import sys

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The bindings declare what bridge.h declares: names, parameters and their order, types, results and
-constants. bridge.h is the only truth; each binding is read from its generated file. The second half of
-this test changes the header in memory and sees to it that each change is found in each binding."""
+constants. bridge.h is authoritative; each binding is read from its generated file. The second half of this
+test changes the header in memory and expects that each change is reported for each binding."""
 
 import ctypes
 import pathlib
@@ -56,7 +56,7 @@ def read_csharp(text):
         found[name] = (words[result], parameters_of(list_, {**words, "IntPtr": "text"}))
     words.update({name: name for _, name, _ in delegates})
     for result, name, list_ in re.findall(import_ + r" (\S+) (bridge\w+)\((.*?)\);", text, re.S):
-        # An address is a text that the host keeps, or the memory that bridgeFreeMemory frees.
+        # An address is the memory that bridgeFreeMemory frees, otherwise a text that must outlive the call.
         into = "memory" if name == "bridgeFreeMemory" else "text"
         found[name] = ({**words, "IntPtr": "returned"}[result],
                        parameters_of(list_, {**words, "IntPtr": into}))

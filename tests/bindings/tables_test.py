@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The bindings' keys are those of tests/conf/catalogue.tsv, and their codes those of the page of codes."""
+"""The bindings have the keys of tests/conf/catalogue.tsv and the codes of docs/reference/codes.md."""
 
 import ast
 import pathlib

@@ -1,4 +1,4 @@
-// The listing's fatal ends, whose lines show what it checks first, and the commit's own line.
+// Fatal breaks of the listing, whose log lines show the order of its checks, and the commit's line.
 #include "bridge/BridgeConf.h"
 
 #include "support/FatalBreak.h"
@@ -8,8 +8,9 @@
 #include "support/TestHeaders.h"
 #include "xpl/Xpl.h"
 
-// Lists a file with one instance. A removed one is listed because the file has been read again. The
-// log goes to standard output. Arguments: the instance, its memory, "removed" or "kept".
+// Lists a file with one instance. A removed instance is listed again, because the file has been
+// read again. The log goes to standard output. Arguments: the instance, its memory, "removed" or
+// "kept".
 SUBPROCESS(listsInstance) {
     const std::string& name = arguments.at(0);
     const TempFolder folder;

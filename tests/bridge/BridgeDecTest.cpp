@@ -81,7 +81,7 @@ bool decodeInPlace(const std::string& packet) {
                         static_cast<std::int32_t>(packet.size()), nullptr, 0);
 }
 
-// An event with its values, the host's call, and the words of its line.
+// An event with its values, the host's call, and the values in its log line.
 struct DecodedEvent {
     const char* name;
     const char* event;
@@ -185,7 +185,7 @@ TEST_F(BridgeDecTest, ProgressWithStatus2AnnouncesTheInstanceListFirst) {
                             "D BRIDGE bridgeInstallImageProgress returning\n"}));
 }
 
-// The lines of every event. The tests above have its special cases.
+// The lines of every event. The tests above cover special cases.
 TEST_F(BridgeDecTest, EachEventReachesItsSlotBetweenTheLinesOfItsCall) {
     for (const KnownEvent& event : knownEvents()) {
         hostCalls.clear();

@@ -67,7 +67,7 @@ TEST(BridgeInitTest, TheHostsOwnTextIsKeptFromTheLastInitialisationThatWasNotRef
 
 SUBPROCESS(cannotMakeTheLock) {
     RegistrySandbox registry;
-    confStore().fileLockName = "a\\b";  // in no folder of the system's
+    confStore().fileLockName = "a\\b";  // in an object directory that does not exist
     const LogCapture log;
     std::printf("%d\n", initialise("Helper"));
     for (const std::string& line : log.texts(XLOG_ERROR)) std::printf("%s\n", line.c_str());

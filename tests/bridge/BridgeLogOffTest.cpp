@@ -53,7 +53,7 @@ bool listsWithoutALock() {
 
 TEST(BridgeLogOffTest, WhatIsRefusedOrPassedOnIsSoInSilence) {
     const TempFolder folder;
-    const LogCapture log;  // of what comes before and after
+    const LogCapture log;  // for the calls before and after those with the log off
     ASSERT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", ""), false), 0);
     hostCalls.clear();
     bridgeSetCallbacks(writingHost());
@@ -81,7 +81,7 @@ TEST(BridgeLogOffTest, WhatIsRefusedOrPassedOnIsSoInSilence) {
     bridgeSetCallbacks({});
 }
 
-// The initialisation installs the library's own logger, so only what comes before it is silent.
+// The initialisation installs the library's own logger, so only the steps before it are silent.
 SUBPROCESS(initialisesInSilence) {
     RegistrySandbox registry;
     const TempFolder folder;

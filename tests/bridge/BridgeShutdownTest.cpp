@@ -1,4 +1,4 @@
-// Clients whose initialisation fails, for which it is replaced.
+// Clients whose initialisation fails. The tests replace it with a function that fails.
 #include "bridge/BridgeShutdown.h"
 
 #include "ReplacedIpcCalls.h"

@@ -6,7 +6,7 @@
 
 #include "bridge/BridgeIpcClbk.h"
 
-// The calls of the writing host, a line each: "onAppDisplayed(Nougat64|com.example)".
+// The calls that the writing host received, a line each: "onAppDisplayed(Nougat64|com.example)".
 extern std::vector<std::string> hostCalls;
 
 // A host whose functions record their calls.

@@ -175,7 +175,7 @@ TEST(ConfMultiString, JoiningLosesLeadingEmptyElementsOnly) {
 
 namespace {
 
-// The product's catalogue with what it does not declare: long numbers and deprecated properties.
+// The product's catalogue plus what it lacks: 64-bit numbers and deprecated properties.
 ConfCatalogue rareCatalogue() {
     ConfCatalogue catalogue = confProductCatalogue();
     catalogue.registerGlobal("big", {ConfType::I64, "0"});

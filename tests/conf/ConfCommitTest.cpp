@@ -30,7 +30,7 @@ class ConfCommitTest : public ConfTest {
     }
 };
 
-// The same with files whose replacing fails until it is allowed.
+// The same with a store whose files cannot be replaced until the test allows it.
 class ConfUnmovedTest : public ConfCommitTest {
  protected:
     XErr moved = XERR_ACCES;
@@ -352,7 +352,7 @@ TEST_F(ConfUnmovedTest, TheNextCommitBringsKeysThatTheFileLacksAfterAFailedMove)
 
 TEST_F(ConfCommitTest, AnEntryOf4096BytesOrMoreIsRefusedAndTheOldFileStays) {
     given("vtr.locale=\"a\"\n");
-    // The length of the line with its line feed, and the length that is logged.
+    // The length of the line with its line feed, and the length in the log.
     const std::pair<std::size_t, int> cases[] = {{4096, 4096}, {4097, -1}, {9000, -1}};
     for (const auto& [size, shown] : cases) {
         const std::string value(size - 12, 'x');
@@ -478,7 +478,7 @@ TEST_F(ConfCommitTest, ChildrenThatStartMeanwhileNeverBlockACommit) {
                                   {builtProgram("conf_test.exe"), "--subprocess", "staysAlive",
                                    signs.next()}),
                       0);
-            // Spread over all the commits.
+            // Starts the children at regular intervals of the commits.
             while (commits < kCommits * i / kChildren) sleepMs(1);
         }
     });

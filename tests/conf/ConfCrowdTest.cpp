@@ -35,8 +35,8 @@ int raiseCounters(ConfStore& store, const std::string& instance) {
     return number;
 }
 
-// How often a committer waits until the auditor has seen its commit. Otherwise a quick crowd would
-// be done before the auditor's first look.
+// How often a committer waits until the auditor has seen its commit. Otherwise all committers could
+// end before the auditor's first look.
 constexpr int kAudits = 10;
 
 bool isAudited(int commit, int commits) {
@@ -51,8 +51,8 @@ void waitForMark(const std::string& path) {
     while (xfileExists(path) != XERR_SUCCESS) sleepMs(1);
 }
 
-// What is wrong with a state of the file. Empty if it is complete: it has every global key and, for
-// each instance, all of its keys with equal counters. `entries` receives what it holds.
+// The fault of a state of the file. Empty if it is complete: it has every global key and, for each
+// instance, all of its keys with equal counters. `entries` receives the file's entries.
 std::string flawOf(const std::string& content, Entries& entries) {
     ConfTextReader reader(content);
     ConfEntry entry;
@@ -113,7 +113,7 @@ class Auditor {
     int states_ = 0;  // that differed from the one before
 };
 
-// Writes the marks that committers wait for, as the auditor sees their commits.
+// When the auditor sees a commit, writes the mark that its committer waits for.
 class Marks {
  public:
     explicit Marks(int commits) : commits_(commits) {}
@@ -171,7 +171,7 @@ class Committer {
         process_ = start();
     }
 
-    // How many temporary files of others it found.
+    // The number of temporary files of other processes that it found.
     int leftovers() const { return leftovers_; }
 
  private:
@@ -195,7 +195,8 @@ class ConfCrowdTest : public ConfTest {
 }  // namespace
 
 // Raises its own counters this many times and sets a shared key. Reads the counters from the file,
-// so that a lost commit stays lost. With a folder for the auditor's marks, waits for these.
+// so that a lost commit is not concealed by the next one. If there is a folder for the auditor's
+// marks, waits for them.
 SUBPROCESS(commitsManyTimes) {
     LogCapture quiet;
     ConfStore& store = confStore();
@@ -311,7 +312,7 @@ TEST_F(ConfCrowdTest, KillingCommittersAtRandomLosesNothingThatWasCommitted) {
         committer.expectNumber(auditor);
         leftovers += committer.leftovers();
     }
-    // One kill in twenty meets a commit: too few for the short form to count on.
+    // One kill in twenty hits a commit. The short form may have none.
     EXPECT_GE(leftovers, proofSize(0, 10));
     EXPECT_LE(leftovers, kills + kProcesses);
     std::printf("%d of %d kills left a temporary file\n", leftovers, kills);

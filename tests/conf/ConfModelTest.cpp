@@ -68,8 +68,8 @@ struct Model {
     }
 };
 
-// The states in which the call can leave the model, given its result. None: the call cannot come
-// here in the order.
+// The states in which the call can leave the model, given its result. None: the call cannot be at
+// this position of the order.
 std::vector<Model> after(const Model& before, const Call& call) {
     Model model = before;
     const auto gave = [&](int result) {

@@ -90,7 +90,7 @@ std::string randomKey(std::mt19937& random) {
 struct Values {
     std::function<void(std::string_view, std::string_view)> set;
     std::function<void(std::string_view)> erase;
-    std::function<void()> clear;  // none: values are not cleared at once
+    std::function<void()> clear;  // null for the map that cannot be cleared
     std::function<std::optional<std::string>(std::string_view)> find;
     std::function<Model()> all;
 };

@@ -1,4 +1,4 @@
-// The calls that a window's thread makes never wait for a disk, another program or the log.
+// The calls that a user interface's thread makes never wait for a disk, another program or the log.
 #include "ConfFixture.h"
 #include "HookedFiles.h"
 #include "conf/ConfInstanceValues.h"
@@ -72,7 +72,7 @@ class ConfWaitsTest : public ConfTest {
  protected:
     void SetUp() override { given("vtr.instance.A.dpi=\"1\"\nvtr.instance.A.ram=\"1\"\n"); }
 
-    // The same configuration through other files.
+    // A second store of the same configuration, with its own access to files.
     struct OtherStore : ConfStore {
         OtherStore(const ConfWaitsTest& test, ConfFiles& files) : ConfStore(test.catalogue, files) {
             fileLockName = test.store.fileLockName;
@@ -120,7 +120,7 @@ class ConfWaitsTest : public ConfTest {
             auto ended = std::async(std::launch::async, [&] { call.run(store); });
             const auto state = ended.wait_for(std::chrono::seconds(20));
             EXPECT_EQ(state, std::future_status::ready) << call.name;
-            if (state != std::future_status::ready) return;  // the test ends with the others' waits
+            if (state != std::future_status::ready) return;  // one failure is enough
         }
     }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """callers.py TREE: the C++ wrapper, each binding and a test call every function of bridge.h. The test is
-one of the layer or of whole processes."""
+in tests/bridge or tests/hosts."""
 
 import pathlib
 import re

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The documents' links and pictures (documents.py), and the log lines that they explain, which are those
-# of the source.
+# Checks the documents' links and pictures (documents.py), and that the log lines that they explain are in the
+# source.
 set -euo pipefail
 root=$1
 cd "$root"

@@ -73,7 +73,7 @@ class EventsTest : public PlainHostTest {
 
     static void send(RawPipe& pipe, std::string_view packets) { EXPECT_TRUE(pipe.write(packets)); }
 
-    // Operations that note the host's figures after a warm-up, and after each of the batches.
+    // Operations that note the host's figures after a warm-up and after each batch.
     static Script waitAndNote(int warmUp, int batch) {
         Script script;
         for (int i = 0; i <= GROWTH_BATCHES; ++i) {
@@ -82,8 +82,8 @@ class EventsTest : public PlainHostTest {
         return script;
     }
 
-    // Sends the warm-up, and each batch when the host has noted the one before. Returns the host's
-    // lines about the last batch, and those after it.
+    // Sends the warm-up, and each batch after the host has noted the previous one. Returns the
+    // host's lines from the last batch on.
     static Lines linesOfBatches(ChildProcess& host, const std::function<int()>& sendWarmUp,
                                 const std::function<int()>& sendBatch) {
         int sent = sendWarmUp();
@@ -97,7 +97,7 @@ class EventsTest : public PlainHostTest {
         return lines;
     }
 
-    // The lines that the host has still to print until its end.
+    // The lines that the host prints from now until its end.
     static Lines restOf(ChildProcess& host, std::uint32_t status = 0) {
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, status) << result.out << result.err;
@@ -112,7 +112,7 @@ class EventsTest : public PlainHostTest {
         return errors;
     }
 
-    // Waits until the log has that many error lines. Does not parse it, which takes long.
+    // Waits until the log has this many error lines. Does not parse it, because that is slow.
     bool waitForErrors(std::size_t count) const {
         return waitUntil([&] {
             const std::string text = data.read("Logs\\Player.log");
@@ -124,7 +124,7 @@ class EventsTest : public PlainHostTest {
         });
     }
 
-    // What a host with the callbacks of a mask prints for packets that make so many calls.
+    // The lines of a host with the callbacks of a mask, for packets that cause this many calls.
     Lines linesFor(const std::string& mask, const std::string& packets, int calls,
                    std::uint32_t status = 0) const {
         ChildProcess host = startHost({"register", mask, "wait", std::to_string(calls), "fini"});

@@ -16,7 +16,7 @@ std::string everyEventScript();
 Lines everyLine();
 std::string lineOf(const std::string& name);
 
-// The server of a host that is initialised as "Helper", and a connection to it, for which it waits.
+// The server of a host that is initialised as "Helper". connectToHelper() waits for the server.
 constexpr const char* kHelperServer = "vtr_Helper_bridge_nvo";
 void* connectToHelper();
 

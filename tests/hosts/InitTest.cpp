@@ -25,7 +25,7 @@ class InitTest : public PlainHostTest {
         return path;
     }
 
-    // For files in it.
+    // The form of a path that may have any length.
     static std::string anyLength(const std::string& path) { return "\\\\?\\" + path; }
 };
 

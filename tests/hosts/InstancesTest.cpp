@@ -20,7 +20,7 @@ class InstancesTest : public PlainHostTest {
         return text;
     }
 
-    // An instance without properties of its own, but for its memory.
+    // An instance without properties except its memory.
     static std::string object(const std::string& name, const std::string& image,
                               const std::string& ram = "0") {
         return "    {\n        \"cpu\": 0,\n        \"deviceProfile\": \"\",\n"

@@ -21,7 +21,7 @@ class PlainHostTest : public ::testing::Test {
     // Starts the host with a registry that names the data folder, then the script.
     ChildProcess start(const Script& script, const ChildOptions& options = {}) const;
 
-    // The same until its end.
+    // The same, and waits for its end.
     ChildResult play(const Script& script, const ChildOptions& options = {}) const;
 
     // The lines that a script prints. Its status must be 0.

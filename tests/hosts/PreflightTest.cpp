@@ -21,7 +21,8 @@ class PreflightTest : public PlainHostTest {
  protected:
     PreflightTest() { writeConf("vtr.locale=\"fr-FR\"\n"); }
 
-    // Expects a host to find these problems, and its start then to end as told: "0", "-1", "fatal".
+    // Expects a host to find these problems, and its start to end as `end` says: "0", "-1",
+    // "fatal".
     void expectProblems(const Lines& problems, const std::string& end,
                         const Start& start = {}) const {
         Script script = start.registry;

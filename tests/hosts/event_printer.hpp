@@ -13,7 +13,7 @@ class EventPrinter {
     // Functions that print. The object must outlive them.
     bridge::Callbacks callbacks();
 
-    // Waits until so many events were printed. Returns false after half a minute.
+    // Waits until this many events were printed. Returns false after half a minute.
     bool waitFor(int count);
 
  private:

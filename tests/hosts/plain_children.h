@@ -1,8 +1,8 @@
 /*
  * Children that the plain host starts by itself, with its inheritable handles:
  *
- *     commitamong CHILDREN COMMITS   commits on a thread until so many children have started, then
- *                                    so many times while they run; prints how many failed each time
+ *     commitamong CHILDREN COMMITS   commits on a thread while it starts this many children, then
+ *                                    this many times while they run; prints the failures of both
  *     outlive PID                    waits for the end of that process
  */
 #ifndef TESTS_HOSTS_PLAIN_CHILDREN_H

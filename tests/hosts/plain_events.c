@@ -31,7 +31,7 @@ static unsigned long addToSum(unsigned long sum, const char* text) {
     return sum;
 }
 
-/* A long text is shown as its length and its FNV-1a sum. */
+/* A long text is shown as its length and its FNV-1a hash. */
 static const char* shown(const char* text) {
     static char sums[8][40];
     static int nextSum;
@@ -64,7 +64,7 @@ static void useConfiguration(void) {
     read += isText(bridgeConfGetString("vtr.locale"), line);
     set += bridgeConfSetMultiString("vtr.shared_folders", line);
     read += isText(bridgeConfGetMultiString("vtr.shared_folders"), line);
-    /* No key is of these two's type. */
+    /* No key has the type of these two functions. */
     read += bridgeConfGetI64(NULL) == 0 && bridgeConfSetI64(NULL, 1) == BRIDGE_INVALID_ARGUMENT;
     sprintf(line, "inside: read %d, set %d, list %d, commit %d", read, set, list != NULL,
             bridgeConfCommit());
@@ -203,7 +203,7 @@ static void steady(void) {
         printGrowth("steady", &growth);
 }
 
-/* A copy of the library that is not linked. */
+/* A copy of the library that is loaded at run time. */
 typedef struct {
     HMODULE library;
     bridge_i32(BRIDGE_CALL* init)(const char*, bridge_bool, bridge_i64, const char*);
@@ -297,8 +297,8 @@ static int live(const WCHAR* path, const char* player, int life) {
 }
 
 /*
- * The growth that is not the library's: Wine 10's C runtime keeps a small block for each setlocale,
- * and its heap keeps the block's bucket. The smallest bucket has 31 blocks.
+ * Growth that the library does not cause: Wine 10's C runtime keeps a small block for each
+ * setlocale, and its heap keeps the block's bucket. The smallest bucket has 31 blocks.
  */
 static void setLocaleAmongSmallBlocks(void) {
     enum { BLOCKS = 64, SMALL = 40 };
@@ -328,7 +328,7 @@ static void control(int rounds) {
     printGrowth("control", &growth);
 }
 
-/* The warm-up may leave blocks that the later cycles use again. */
+/* The warm-up may leave free blocks that later cycles use. */
 static void loadUnload(const WCHAR* path, int count, const char* player) {
     const int warmUp = 20;
     const int rounds = count / GROWTH_BATCHES;

@@ -1,7 +1,7 @@
 /*
- * A host that loads the library on a thread, uses it, unloads it, and ends the thread, which then
- * calls what the library has left in it. In C, with the older C runtime; imports nothing of the
- * library. The arguments are a data folder and the use:
+ * A host that loads the library on a thread, uses it, unloads it, and ends the thread. The end of
+ * the thread calls any callback that the DLLs have left registered. In C, with the older C runtime,
+ * and without an import of the library. The arguments are a data folder and the use:
  *
  *     none      the initialisation only
  *     apps      a listing of apps for which Qt5Core gets no memory

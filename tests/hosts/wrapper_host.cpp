@@ -19,7 +19,7 @@
 
 #include "support/RegistrySandbox.h"
 
-// After bridge.hpp, as in hosts of any kind: complete, with its own macros.
+// After bridge.hpp, as hosts may include it: complete, with its own macros.
 #include <windows.h>
 static_assert(sizeof(WNDCLASSW) > 0 && sizeof(SERVICE_STATUS) > 0, "no part of it is left out");
 

@@ -8,7 +8,7 @@
 #include "support/Platform.h"
 #include "support/RawServer.h"
 
-// A server that reads so many bytes of its client, and nothing more. It never replies.
+// A server that reads this many bytes of its client and nothing more. It never replies.
 class DeafServer {
  public:
     DeafServer(const std::string& name, std::size_t bytes, std::size_t bufferSize)
@@ -24,7 +24,7 @@ class DeafServer {
     DeafServer& operator=(const DeafServer&) = delete;
 
  private:
-    std::atomic<bool> ends_{false};  // first: the server uses it
+    std::atomic<bool> ends_{false};  // declared first, because the server uses it
     RawServer server_;
 };
 

@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 const std::string kPacket(12, 'p');
 
-// A server that keeps what it gets of one client.
+// A server that keeps the bytes of one client.
 struct Recorder {
     explicit Recorder(const std::string& name)
         : server(name, [this](RawPipe& pipe) { got = pipe.readAll(); }) {}
@@ -59,7 +59,7 @@ class IpcClientTest : public ::testing::Test {
                " to server " + name + " failed";
     }
 
-    // Reads the reply of a server that sends none. Returns after how many seconds the read failed.
+    // Reads the reply of a server that sends none. Returns the seconds until the read failed.
     double waitForReply() {
         const DeafServer server(name, kPacket.size(), /*bufferSize=*/65536);
         EXPECT_EQ(send(kPacket, false), 0);
@@ -68,7 +68,7 @@ class IpcClientTest : public ::testing::Test {
         return seconds;
     }
 
-    // Warnings and errors but for the slow-call warning, which depends on the machine's speed.
+    // Warnings and errors except the slow-call warning, which depends on the machine's speed.
     Lines complaints() const {
         Lines all;
         for (const std::string& line : log.texts(XLOG_WARNING)) {
@@ -146,7 +146,7 @@ TEST_F(IpcClientTest, APeerThatClosesAtOnceLosesALargePacket) {
         name, [](RawPipe& pipe) { pipe.close(); }, /*bufferSize=*/0);
     EXPECT_EQ(send(std::string(1 << 20, 'x'), true), -1);
     EXPECT_LT(seconds, 2.0);
-    // The end is noticed while connecting, while writing, or not before the write's wait.
+    // The client notices the end when it connects, writes or waits for the write.
     for (const std::string& line : complaints()) EXPECT_EQ(line, failedWrite(1 << 20));
 }
 
@@ -279,12 +279,12 @@ TEST(IpcClient, InitAndEndAreLogged) {
                                             logged::clientStep("~IpcClient", "some name")}));
 }
 
-// A connected socket whose bytes go nowhere, or come from nowhere.
+// A connected socket that accepts no bytes, or claims to have bytes that it does not have.
 class OddSocket : public QLocalSocket {
  public:
     bool refusesBytes = false;
     bool promisesBytes = false;
-    int readyMs = -1;  // how long a wait for bytes takes, which then says that they are there
+    int readyMs = -1;  // duration of a wait for bytes, which then claims that there are some
 
     qint64 bytesAvailable() const override {
         return promisesBytes ? 8 : QLocalSocket::bytesAvailable();
@@ -365,7 +365,7 @@ TEST_F(IpcClientTest, ADisconnectWaitsForThePeerToTakeWhatIsStillToBeWritten) {
     EXPECT_EQ(got.size(), kPacket.size() + large.size());
 }
 
-// Queued connections of a host to its own sockets' errors need it.
+// Hosts that connect to the errors of their own sockets with queued connections need it.
 TEST(IpcClient, TheTypeOfASocketsErrorIsKnownToQt) {
     IpcClient client;
     ipcClientInit(client, "some name");

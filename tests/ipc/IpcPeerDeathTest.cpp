@@ -81,7 +81,7 @@ const std::array<std::string, KINDS>& packets() {
 
 std::array<std::atomic<int>, KINDS> arrived;
 std::atomic<int> unknown;
-std::atomic<int> released;  // how many of those that hold the server's thread
+std::atomic<int> released;  // how many of the packets that hold the server's thread
 
 // Blocks the server's thread at one kind of packet until the test releases it.
 bool countKinds(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void*,
@@ -148,7 +148,7 @@ TEST_F(IpcPeerDeathTest, ClientsThatDieAtEachMomentOfAnEvent) {
             }
         },
         said.size() + 2);
-    released = std::numeric_limits<int>::max();  // whatever failed
+    released = std::numeric_limits<int>::max();  // even after a failure
 
     for (std::size_t kind = 0; kind < HOLDING; ++kind) {
         EXPECT_TRUE(waitForKind(static_cast<Sent>(kind), rounds)) << kind;

@@ -315,7 +315,7 @@ TEST_F(IpcReadCommandTest, AReplyIsWrittenWholeHoweverLittleTheSocketTakes) {
 }
 
 TEST_F(IpcReadCommandTest, AReplyIsGivenUpWhenThePeerHasGone) {
-    // Takes one piece, and then fails, or takes nothing for ever.
+    // Accepts one write. Every later one fails, or accepts nothing.
     struct LeavingSocket : FakeSocket {
         qint64 writeData(const char* bytes, qint64 size) override {
             return written.empty() ? FakeSocket::writeData(bytes, size) : answer;
@@ -359,7 +359,7 @@ TEST_F(IpcReadCommandTest, APacketWhoseReplyFindsNoMemoryCountsAsConsumed) {
 }
 
 TEST_F(IpcReadCommandTest, ASocketThatClaimsBytesAndGivesNoneEndsTheCall) {
-    // Goes on claiming, as a closed socket of Windows does, up to what this test has patience for.
+    // Keeps claiming bytes, as a closed socket does on Windows, up to a limit of this test.
     struct ClosedSocket : FakeSocket {
         qint64 bytesAvailable() const override {
             return FakeSocket::bytesAvailable() + (refused < 1000 ? 1 : 0);
@@ -392,7 +392,7 @@ TEST_F(IpcReadCommandTest, AClaimedLengthTakesNoMemoryBeforeTheBytesCome) {
 
 TEST_F(IpcReadCommandTest, APacketThatCannotBeHeldIsRefusedBeforeItIsCopied) {
     const int size = std::numeric_limits<int>::max() - 64;
-    info.buffer = QByteArray::fromRawData("", size);  // nothing may look into it
+    info.buffer = QByteArray::fromRawData("", size);  // nothing may read it
     info.packetLen = 0x80000000u;
     socket.waiting = "x";
     EXPECT_THROW(ipcReadCommand(&info, record), std::bad_alloc);
@@ -417,7 +417,7 @@ TEST_F(IpcReadCommandTest, APacketOfSeveralBlocksLeavesTheNextOneAlone) {
     }
 }
 
-// A packet of which the socket announces more bytes than the first delivery has.
+// The socket announces more bytes of a packet than the first delivery has.
 struct Shortfall {
     const char* name;
     std::size_t payload;

@@ -25,7 +25,7 @@ bool record(QLocalSocket*, const std::uint8_t* packet, std::int32_t length, void
     return true;
 }
 
-// A socket that claims more bytes than it gives: as many as fit a packet of the largest length.
+// A socket that claims more bytes than it has: enough for a packet of the largest length.
 class BoundlessSocket : public FakeSocket {
  public:
     qint64 bytesAvailable() const override { return qint64{1} << 32; }
@@ -116,7 +116,7 @@ TEST_F(IpcReentryTest, APacketThatNoMemoryCanHoldDropsItsConnection) {
     emit socket->readyRead();
     EXPECT_EQ(packets, Lines{});
     EXPECT_EQ(log.texts(XLOG_ERROR), noMemoryLine());
-    // Where it has another socket inside, that one is aborted.
+    // A socket that wraps another one stays open: only the inner one is aborted.
     if (closeSignals() == 1) EXPECT_FALSE(socket->isOpen());
     delete alive.data();
 }

@@ -57,7 +57,7 @@ class IpcServerLoadTest : public ServerFixture {
         return counted.total == wanted;
     }
 
-    // Runs play(i) on so many threads.
+    // Runs play(i) on this many threads.
     template <typename Play>
     static void onThreads(std::size_t count, Play play) {
         std::vector<std::thread> threads;

@@ -8,9 +8,9 @@
 namespace {
 
 int freed;
-int freedBefore;  // the module was released
+int freedBefore;  // when the module was released
 
-// The runtime's own.
+// The C runtime's free(), which the test replaces.
 void reallyFree(void* memory) { static_cast<void>(std::realloc(memory, 0)); }
 
 void countFreed(void* memory) {

@@ -4,7 +4,7 @@
 #include "support/DeliveringThread.h"
 #include "support/TestHeaders.h"
 
-// Runs `call` on a thread of Qt's that delivers events without an application object.
+// Runs `call` on a Qt thread that delivers events without an application object.
 template <typename Call>
 void onQtThread(Call call) {
     const std::unique_ptr<QThread> thread(QThread::create([call] {

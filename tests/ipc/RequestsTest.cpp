@@ -11,7 +11,7 @@ namespace {
 
 const Words kTexts{"", "com.example.app", "é日\xF0\x9F\x8E\xAE", std::string(64 * 1024, 'x')};
 
-// A value of its own for each field.
+// A different value for each field.
 Words sampleOf(const KnownRequest& request) {
     Words values;
     for (const char type : request.fields) {
@@ -38,7 +38,8 @@ void expectSent(const KnownRequest& request, const Words& values) {
     EXPECT_TRUE(sentBytes(request, values) == requestPacket(request, values)) << request.name;
 }
 
-// Sends every request that has these fields with each value in each field of a type.
+// Sends each request that has one of these lists of fields, with each value in each field of the
+// type.
 void expectSentWithEach(const Words& values, char type, const Lines& fields) {
     for (const KnownRequest& request : knownRequests()) {
         if (std::count(fields.begin(), fields.end(), request.fields) == 0) continue;

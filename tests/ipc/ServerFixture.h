@@ -30,7 +30,7 @@ class ServerFixture : public ::testing::Test {
     void start(IpcDecode decode = see);
     void stop();  // no record of a connection may be left behind
 
-    // Waits until the process has so many records of connections.
+    // Waits until the process has this many records of connections.
     static bool waitForRecords(int wanted);
 
     // Connects as soon as an instance of the pipe is free; the handle is the caller's.

@@ -42,7 +42,7 @@ wine "$node/node/bin/node.exe" "$(windows_path "$work/npm/host.js")" \
 [ "$(tr -d '\r' <"$folder/node.txt")" = "Nougat64 Jeux" ] || die "host.js lists: $(<"$folder/node.txt")"
 
 # event_arrives COMMAND...: a program of the document that waits for an event prints it and ends. Its
-# standard input is open until the event was sent, since Enter, or its end, is what C's program waits for.
+# standard input stays open until the event is sent, because the C program ends at the end of its input.
 event_arrives() {
     local host sent='' status=0 log="$folder/data/Logs/Player.log"
     rm -f "$folder/input" "$folder/event.txt" "$log"

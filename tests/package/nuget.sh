@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# nuget.sh TREE WORK: checks the package for .NET that package.sh made, unpacks it into an empty folder, and runs
-# a host of it: from the folder of packages, and with the DLLs beside it. The host names its folders itself.
+# nuget.sh TREE WORK: checks the package for .NET that package.sh made, unpacks it into an empty folder, and
+# runs a host with it: with the DLLs in the folder of packages, and in the host's folder.
 set -euo pipefail
 tree=$1 work=$2
 . "$tree/toolchain/common.sh"
@@ -15,7 +15,7 @@ runtime="$dotnet/shared/Microsoft.NETCore.App/2.0.0"
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# Made again in another folder.
+# The same package results in another folder.
 mkdir "$folder/again"
 bash "$tree/toolchain/package-nuget.sh" "$folder/again" "$root" "$folder/again"
 cmp "$nupkg" "$folder/again/QXBridge.$version.nupkg" || die "the same build gives another package"

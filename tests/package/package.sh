@@ -45,7 +45,7 @@ while IFS=: read -r document link; do
     [ -e "${document%/*}/$link" ] || die "$document: no $link"
 done < <(grep -roE --include='*.md' '\]\([^)#: ]+' . | sed 's/\](//')
 
-# The source of its Qt is published with it, complete.
+# The complete source of its Qt is published with it.
 source_zip=$(bash "$tree/toolchain/qt-source.sh" "$work/made")
 python3 -m zipfile -e "$source_zip" "$work/source"
 (
@@ -102,7 +102,7 @@ cmake -S "$consumer" -B "$work/clang" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
 cmake --build "$work/clang"
 
-# The document's project, pasted.
+# The project in the document.
 mkdir -p "$work/pasted"
 sed -n '/^    cmake_minimum_required/,/^$/s/^    //p' share/doc/getting-started.md >"$work/pasted/CMakeLists.txt"
 cp "$consumer"/{host,event}.c "$work/pasted"
@@ -126,13 +126,13 @@ cmake --build "$work/port"
 # The import library for Microsoft's linker, with clang's.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
 
-# The hosts without a Windows runtime here are compiled.
+# Hosts in languages without a Windows runtime here are only compiled.
 for program in host event; do
     mcs -warnaserror -langversion:5 -platform:x64 "-out:$work/${program}_cs.exe" "$consumer/$program.cs" \
         share/bindings/csharp/*.cs
 done
-# For .NET Core, which has the classes that events need in other assemblies. These name each other with
-# versions that the compiler takes for others than those beside them: 1702.
+# For .NET Core, which has the classes of events in other assemblies. Warning 1702: these assemblies refer to
+# other versions of each other.
 runtime="$(bash "$tree/toolchain/dotnet.sh" --dir)/shared/Microsoft.NETCore.App/2.0.0"
 references=()
 for assembly in Microsoft.Win32.Primitives Microsoft.Win32.Registry System.Collections System.Console \

@@ -92,7 +92,7 @@ class BridgectlEventsTest : public BridgectlFixture {
         return BridgectlFixture::listen(joined({"events"}, more));
     }
 
-    // Sets the script, and after how many seconds without a request the programs of start() end.
+    // Sets the script, and the seconds without a request after which the programs of start() end.
     void setScript(const std::string& script, const std::string& seconds = "1") {
         useStandins("LogCollector", seconds);
         options.environment.emplace_back("QX_STANDIN_SCRIPT", data.write("script", script));

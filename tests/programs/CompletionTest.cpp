@@ -36,7 +36,7 @@ CommandNode program() {
     return {"program", "", "", {option("--client", true)}, {get, list}};
 }
 
-// Names that show the question.
+// A name that shows the arguments of the call.
 Words values(const OptionNode& node, const Words& before) {
     std::string name = node.name;
     for (const std::string& word : before) name += "/" + word;

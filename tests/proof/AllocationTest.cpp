@@ -1,5 +1,5 @@
-// Every export while memory is short: the Nth allocation fails, for each N, once and for ever. The
-// result is the function's own or its failure, and afterwards everything works. bridgeFreeMemory,
+// Every export while memory is short: for each N, the Nth allocation fails, alone or with all later
+// ones. The function succeeds or returns its failure, and works again afterwards. bridgeFreeMemory,
 // bridgeConfGetI64 and bridgeConfSetI64 allocate nothing.
 #include <bridge/bridge.h>
 
@@ -438,7 +438,7 @@ TEST(ConnectionAllocationTest, ADisconnectThatMemoryIsShortFor) {
 std::atomic<int> failingNext;  // the number of the allocation that fails next
 std::atomic<int> started;
 std::atomic<int> ended;
-std::atomic<bool> wasMet;  // the last shortage
+std::atomic<bool> wasMet;  // an allocation failed in the last shortage
 
 // A packet starts a shortage on the server's thread, and another one ends it.
 bool startOrEndShortage(QLocalSocket*, const std::uint8_t* packet, std::int32_t, void*,
@@ -494,7 +494,7 @@ TEST(ConnectionAllocationTest, TheServersThreadOutlivesEachShortage) {
     EXPECT_GT(shortages, 4);
 }
 
-// A client on a thread of Qt's, whose event loop deletes the socket.
+// A client on a Qt thread, whose event loop deletes the socket.
 SUBPROCESS(dropsAClientInAShortage) {
     int result = 1;
     const std::unique_ptr<QThread> thread(QThread::create([&arguments, &result] {

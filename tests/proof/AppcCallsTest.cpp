@@ -20,7 +20,7 @@ constexpr int kTries = 11;
 
 // What the replacements have seen, of the app cache's files only.
 struct Seen {
-    int error = 0;     // that the next calls meet
+    int error = 0;     // of the next calls
     int refusals = 0;  // how many of them
     int calls = 0;
     DWORD sleptMs = 0;
@@ -41,7 +41,7 @@ constexpr char kRead[] = "ReadFile";
 constexpr char kMove[] = "MoveFileExW";
 constexpr char kAttributes[] = "GetFileAttributesW";
 
-// Refuses as many calls as refuse() says, and makes the others.
+// Fails while refuse() returns true, then makes the calls.
 template <const char* kName, std::intptr_t kFailure, typename Result, typename... Arguments>
 Result refuseSome(Arguments... arguments) {
     return refuse() ? (Result)kFailure : callSystem<kName, Result>(arguments...);
@@ -96,7 +96,7 @@ class AppcCallsTest : public ::testing::Test {
         return appcUpdateApp(store, package, "m", "l", 1, "v", icon);
     }
 
-    // Loads a new file while so many calls are refused, and expects this number of calls.
+    // Loads a new file while `refusals` calls are refused, and expects this number of calls.
     void load(int refusals, int error, int calls) {
         const auto sleeping = REPLACED(Sleep, countSleep);
         writeFile();

@@ -116,7 +116,7 @@ TEST_F(StartArguments, TheStandardHandlesAreGivenWithoutEffect) {
     const StandardHandle error(STD_ERROR_HANDLE);
     EXPECT_EQ(xprocCreate_basic(nullptr, {"x.exe"}), 0);
     ASSERT_EQ(starts.size(), 1u);
-    STARTUPINFOW expected{};  // no flag, so the handles mean nothing
+    STARTUPINFOW expected{};  // without the flag, the handles are ignored
     expected.cb = 104;
     expected.hStdInput = input.own;
     expected.hStdOutput = output.own;

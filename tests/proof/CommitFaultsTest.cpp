@@ -20,13 +20,13 @@ constexpr std::uint32_t kDiedStatus = 7;
 constexpr const char* kFile = "vantrel.conf";
 constexpr const char* kTemporary = "vantrel.conf-temp";
 
-// So many that half a write has whole lines and a part of one.
+// Enough that half a write has whole lines and a part of one.
 constexpr int kInstances = 90;
 
 // Where the changes are after a commit.
 enum class Changes { Pending, InMemory, InFile };
 
-// What a commit with an error does.
+// The outcome of a commit with an error.
 struct Course {
     XErr result;
     Changes changes;
@@ -34,8 +34,8 @@ struct Course {
     int laterCalls;  // after the error
 };
 
-// A call of a commit, and the courses when it fails once, or it and every later one. A release that
-// fails is fatal.
+// A call of a commit, and the outcome when only this call fails, or this and every later one. A
+// release that fails is fatal.
 struct Call {
     const char* function;
     Course once;
@@ -97,7 +97,7 @@ std::string nameOf(const Faults& faults) {
     return name;
 }
 
-// Errors alone. For the release, for ever is the same as once.
+// Errors without deaths. The release is the last call, so ErrorForEver equals ErrorOnce there.
 std::vector<Faults> errors() {
     std::vector<Faults> all;
     for (int call = 0; call < kCallCount; ++call) all.push_back({{Fault::ErrorOnce, call}});
@@ -116,8 +116,8 @@ std::vector<Faults> deaths() {
     return all;
 }
 
-// Deaths at a call after an error, also at calls that only such a commit makes. The short form has
-// the errors with the most later calls.
+// Deaths at each call after an error, which may be a call that only such a commit makes. The short
+// form has the errors with the most later calls.
 std::vector<Faults> deathsAfterErrors() {
     std::vector<FaultAt> first{{Fault::ErrorOnce, 2},
                                {Fault::ErrorOnce, kWrite},
@@ -191,12 +191,12 @@ struct Commit {
 // What a process prints after a commit that it survived.
 struct Report {
     XErr result = 0;
-    int pending = 0;  // changes at all, and each of the two
+    int pending = 0;  // whether there are changes, and which of the two
     int dpiPending = 0;
     int localePending = 0;
     int calls = 0;
     XErr again = 0;
-    Lines names;  // of what was there before it started over
+    Lines names;  // the files before it initialises again
 };
 
 Report reportOf(const std::string& text) {
@@ -216,7 +216,7 @@ class CommitFaultsTest : public ::testing::Test {
         other.write("empty", "");
         EXPECT_EQ(confLibInit(store, other / "empty", false), 0);
         addInstances(store);
-        confSetI32(store, kDpi, 240);  // the tests before this one, in one process, changed it
+        confSetI32(store, kDpi, 240);  // earlier tests in the same process changed it
         EXPECT_EQ(confCommitToFile(store, path), 0);
         commit.before = folder.read(kFile);
         EXPECT_GT(commit.before.size(), 100'000u);
@@ -247,7 +247,7 @@ class CommitFaultsTest : public ::testing::Test {
         return runSubprocess("commitsWithFaults", arguments);
     }
 
-    // Expects a process to survive its faults with that course, and to commit again.
+    // Expects a process to survive its faults with this outcome, and to commit again.
     void expectCourse(const Faults& faults, const Course& expected, int calls) {
         SCOPED_TRACE(nameOf(faults));
         const ChildResult child = play(faults);
@@ -289,7 +289,7 @@ class CommitFaultsTest : public ::testing::Test {
     }
 
     TempFolder folder;
-    TempFolder other;  // for what is not the commit's
+    TempFolder other;  // for other files than the commit's
     std::string path = folder / kFile;
     Commit commit;
     LogCapture log;
@@ -389,7 +389,7 @@ TEST_F(CommitFaultsTest, AProcessThatDiesAfterADeniedMoveLeavesAWholeFileAndNoLo
     }
 }
 
-// Counts different ones only.
+// All faults are different.
 TEST_F(CommitFaultsTest, TheSweepIsWideEnough) {
     std::set<std::string> points;
     std::size_t played = 0;

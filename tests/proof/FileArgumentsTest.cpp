@@ -96,7 +96,7 @@ constexpr int kLinesOfAWriter = 100;
 
 struct LogWrites {
     std::mutex guard;
-    DWORD access = 0;  // which the file was opened with
+    DWORD access = 0;  // of the open file
     Lines texts;
 };
 LogWrites logWrites;
@@ -168,7 +168,7 @@ template <typename Argument>
 void noteDestination(Argument) {}
 void noteDestination(LPCWSTR path) { handed.back() += " > " + xtextToUtf8(path); }
 
-// Notes the call, and makes it.
+// Records the call and makes it.
 template <const char* kName, typename Result, typename... Rest>
 Result noting(LPCWSTR path, Rest... rest) {
     handed.push_back(std::string(kName) + " " + xtextToUtf8(path));
@@ -211,7 +211,7 @@ class PathArguments : public ::testing::Test {
         EXPECT_EQ(xfileRemoveFolder(path), 0);
     }
 
-    // The calls that those make, with `path` in this form.
+    // The calls of those operations, with `path` in this form.
     Lines everythingWith(const std::string& path) const {
         const std::string lookAtFolder = "GetFileAttributesW " + folder.path();
         const std::string other = folder / "m";

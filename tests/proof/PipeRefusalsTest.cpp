@@ -123,7 +123,7 @@ class PipeRefusals : public ::testing::Test {
         EXPECT_FALSE(ipcNameIsServed(name));
     }
 
-    // So many connected clients.
+    // This many connected clients.
     std::vector<std::unique_ptr<RawPipe>> connect(std::size_t count) const {
         std::vector<std::unique_ptr<RawPipe>> clients;
         while (clients.size() < count) {

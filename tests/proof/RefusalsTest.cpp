@@ -170,7 +170,7 @@ class FileRefusals : public ::testing::Test {
  protected:
     FileRefusals() { calls = 0; }
 
-    // Expects the app cache to take its file for something else.
+    // Expects the app cache to report that its file is not an array, and to delete it.
     void expectDeletedCache() const {
         Cache cache(folder);
         EXPECT_EQ(appcLibInit(cache, "Refusals"), 0);
@@ -358,7 +358,7 @@ SUBPROCESS(changesTheLogWhileALineIsWritten) {
         slow = std::thread([&module] { XLOG_E(module, "slow"); });
         ::WaitForSingleObject(writeBegins, INFINITE);
     }
-    xlogSetClientName("after");  // comes back, though the line is not done
+    xlogSetClientName("after");  // returns although the line is not written yet
     if (xlogSetFile(arguments[1]) != 0) return 2;
     XLOG_E(module, "quick");
     ::SetEvent(writeGoesOn);

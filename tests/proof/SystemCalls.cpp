@@ -151,7 +151,7 @@ BOOL flush(HANDLE file) {
     return ok;
 }
 
-// A close that fails has closed the handle all the same.
+// A close that fails still closes the handle.
 BOOL closeHandle(HANDLE handle) {
     {
         const std::lock_guard<std::recursive_mutex> guard(state().lock);

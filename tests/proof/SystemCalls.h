@@ -23,7 +23,7 @@ struct FaultAt {
     int call = -1;
 };
 
-// Of two faults of one call the later one counts.
+// If two faults are for the same call, the later one in the list counts.
 void arm(std::vector<FaultAt> faults);
 
 // Ends the faults. Returns the names of the functions that were called, in order.

@@ -33,7 +33,7 @@ expect_whole() {
     [ ! -e "$conf-temp" ] || die "$1: a temporary file is left"
 }
 
-# commit_with FAULT CALL N: a commit whose Nth CALL has it. Its status.
+# commit_with FAULT CALL N: commits with FAULT in the Nth CALL. Returns the commit's status.
 commit_with() (
     strace -f -o "$folder/trace" -P "$conf" -P "$conf-temp" -e "trace=$2" \
         -e "inject=$2:$1:when=$3" \

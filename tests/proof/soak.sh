@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# soak.sh BUILD [PERCENT]: the long forms of the proofs of which each test run plays a short form
-# (support/Proof.h), or that much of them.
+# soak.sh BUILD [PERCENT]: plays the long forms of the proofs, or PERCENT of them. Each test run plays the
+# short forms (support/Proof.h).
 set -euo pipefail
 build=$1 percent=${2:-100}
 tree=$(cd "$(dirname "$0")/../.." && pwd)

@@ -44,7 +44,7 @@ class LogOff {
     LogOff(const LogOff&) = delete;
     LogOff& operator=(const LogOff&) = delete;
 
-    // How many lines were not logged because of it, and how many were printed nevertheless.
+    // How many lines were suppressed, and how many were printed.
     int refused() const;
     int printed() const;
 

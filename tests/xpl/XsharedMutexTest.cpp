@@ -22,7 +22,7 @@ constexpr std::chrono::milliseconds kShort{30};
 
 TEST(XsharedMutexTest, AnyNumberOfThreadsReadAtTheSameTime) {
     XsharedMutex mutex;
-    constexpr int kReaders = 12;  // some share a lock
+    constexpr int kReaders = 12;  // more than the mutex has locks
     std::atomic<int> inside{0};
     inThreads(kReaders, [&](int) {
         const XsharedGuard reading(mutex);

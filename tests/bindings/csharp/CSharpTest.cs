@@ -72,7 +72,7 @@ class CallTests : SessionTests
         Check.fakeReset();
     }
 
-    // Functions without a method of their name.
+    // Functions without a method of the same name.
     static readonly Dictionary<string, string> Methods = new Dictionary<string, string>
     {
         { "bridgeConfGetInstances", "InstancesJson" }, { "bridgeGetInstalledApps", "AppsJson" },
@@ -89,7 +89,8 @@ class CallTests : SessionTests
         { "MultiString", "vtr.shared_folders" }, { "String", "vtr.locale" },
     };
 
-    // A different value for each parameter, by its type. A text is the name, unless it is a key.
+    // A different value for each parameter, by its type. A text is the parameter's name. A key has the method's
+    // type.
     static object ValueOf(ParameterInfo parameter)
     {
         if (parameter.IsOptional) return parameter.DefaultValue;
@@ -192,7 +193,7 @@ class EndTests : SessionTests
 
 static class CSharpTest
 {
-    // Leaves a session that listens. The handler here runs after the binding's own.
+    // The process ends with a listening session. This handler of its end runs after the binding's.
     static int EndOfTheProcess()
     {
         int count = 0;

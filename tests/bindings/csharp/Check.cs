@@ -1,5 +1,5 @@
-// The vocabulary of the C# tests. A class of tests has a public static method for each. They run in the
-// order of the source, and the first check that fails ends the process.
+// The checks of the C# tests. Each public static method of a test class is a test. They run in source order,
+// and the first failed check ends the process.
 
 using System;
 using System.Collections.Generic;
@@ -53,7 +53,7 @@ static class Check
         Environment.Exit(1);
     }
 
-    // The library's calls since the last check of them.
+    // Expects these calls of the library since the last such check.
     internal static void Called(params string[] expected)
     {
         Equal(string.Join("\n", expected), Text(fakeCalls()).TrimEnd('\n'));

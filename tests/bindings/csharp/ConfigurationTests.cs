@@ -1,4 +1,4 @@
-// Reading, writing and committing, and what is refused, over the stand-in of the library.
+// Reads, writes and commits, and the refused ones, with the stand-in of the library.
 
 using System;
 using QXBridge;
@@ -172,7 +172,7 @@ class ConfigurationTests : SessionTests
         Check.Called();
         AnEmptyCommitLoadsNothing();
         conf.GetBool("vtr.status.raw_mode");
-        conf.SetI32(Dpi, 7);  // staged, which a read sees
+        conf.SetI32(Dpi, 7);  // staged, so a read returns it
         conf.GetI32(Dpi);
         conf.SetBool("vtr.feature.macros", true);
         conf.Commit();

@@ -1,4 +1,4 @@
-// Scenarios in which the host names its folders itself.
+// Scenarios in which the host sets its folders itself.
 
 using System;
 using System.Linq;
@@ -69,7 +69,7 @@ static partial class DotnetHost
         Say(Refusal(() => Session.UseFolders(dataFolder, null)));
     }
 
-    // Nothing can be created below a deleted key in the place of HKEY_CURRENT_USER.
+    // HKEY_CURRENT_USER is replaced by a deleted key, below which nothing can be created.
     public static void FoldersWithoutAUser()
     {
         string name = @"Software\QXBridgeTests\no-user-" + OwnId;

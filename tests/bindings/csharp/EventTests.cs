@@ -1,4 +1,4 @@
-// Listening, handlers, streams and work with an outcome, over the stand-in of the library.
+// Listening, handlers, streams and work with an outcome, with the stand-in of the library.
 
 using System;
 using System.Collections.Generic;
@@ -23,7 +23,7 @@ class ListeningTests : SessionTests
         Check.Called("bridgeLaunchApp Nougat64 p", "bridgeLaunchApp Nougat64 p");
     }
 
-    // Listening fails with the process and the message, after a wait of so many seconds.
+    // Listening fails with the server's process and this message, after a wait of `limit` seconds.
     static void Fails(PipeServer server, string message, double limit, Action listen)
     {
         machine.Server = server;
@@ -66,7 +66,7 @@ class EventTests : SessionTests
 {
     static readonly TimeSpan Short = TimeSpan.FromMilliseconds(20);
 
-    // What fakeSend(1) sends.
+    // The events of fakeSend(1).
     static readonly string[] AllNine =
     {
         "AppInstalled Nougat64|com.größe|Main|第二 App|-5|1.0β|C:\\Ü.png|True",
@@ -101,7 +101,7 @@ class EventTests : SessionTests
         Check.Throws<TimeoutException>(() => finished(Short).Wait());
     }
 
-    // What a call inside a handler throws.
+    // The exception of a call inside a handler.
     static string ThrownInAHandler(Action call)
     {
         Exception thrown = null;

@@ -1,5 +1,5 @@
-// A C++ host that names its own folders: folders_cpp SCENARIO DATA-FOLDER INSTALL-FOLDER. Prints
-// what it then sees of the registry and of the library, and "finished" at the end.
+// A C++ host that sets its folders itself: folders_cpp SCENARIO DATA-FOLDER INSTALL-FOLDER. Prints
+// what it then reads from the registry and the library, and "finished" at the end.
 #include <fcntl.h>
 #include <io.h>
 
@@ -88,7 +88,7 @@ void afterTheStart(const Folders& folders) {
     sayRefusal(folders);
 }
 
-// No key can be created in a HKEY_CURRENT_USER that is deleted.
+// HKEY_CURRENT_USER is replaced by a deleted key, below which no key can be created.
 void withoutAUser(const Folders& folders) {
     HKEY gone = nullptr;
     const std::string name =

@@ -155,7 +155,7 @@ test('the client id outlives the call', async () => {
         global.gc();
         Array.from({ length: 5000 }, (_, n) => Buffer.alloc(9, `x${n}`));
     }
-    // listen() makes the server's name from it, and the stand-in connects to "Launcher".
+    // listen() makes the server's name from the client id, and the stand-in connects to "Launcher".
     bridge.listen(host.PATIENT);
     const seen = collect(['appDisplayed'], 1);
     await host.send('app-displayed', 'N', 'p');

@@ -49,7 +49,7 @@ const { load, KeyError, ListenError } = require('qx-bridge');
 const bridge = load();
 bridge.init('Helper');
 
-// Functions that are not called by a method of their name, and their values if these are not the parameters.
+// Functions without a method of the same name: a call, and the library's arguments if they differ.
 const OTHERS = {
     bridgeApiInit: [() => bridge.init('Launcher'), 'Launcher'],
     bridgeApiInitEx: [() => bridge.init('Launcher', { noConfFile: true, logFile: 'log' }), 'Launcher', true, 0, 'log'],
@@ -87,7 +87,7 @@ for (const { name, parameters } of DECLARATIONS.filter((one) => !WITHOUT.include
     });
 }
 
-// These call the same function as without "Async" and "Json".
+// Methods that call the same function as the method without "Async" or "Json".
 const SAME = {
     commitAsync: [() => bridge.conf.commitAsync(), 'bridgeConfCommit'],
     commitToFileAsync: [() => bridge.conf.commitToFileAsync('path'), 'bridgeConfCommitToFile', 'path'],

@@ -82,7 +82,7 @@ function runScript(name, ...words) {
     return { status: result.status, output: fs.readFileSync(file, 'utf8') };
 }
 
-// One of scripts.js, with the output that it has to have.
+// Runs one of scripts.js and checks its output.
 function plays(expected, ...words) {
     assert.deepStrictEqual(runScript('scripts.js', ...words), { status: 0, output: expected });
 }

@@ -28,7 +28,7 @@ line_of() {
     echo "$lines"
 }
 
-# run_host FOLDER SCRIPT EXPECTED: with the sandbox beside it, which uses the same packages.
+# run_host FOLDER SCRIPT EXPECTED: runs a script with sandbox.js, which uses the packages of FOLDER too.
 run_host() {
     local status=0
     cp "$here/registry.js" "$here/sandbox.js" "$1"
@@ -76,7 +76,7 @@ install "$folder/host" "${line/.\/share/$folder\/package\/share}"
 cp "$tree/tests/package/consumer/host.js" "$folder/host"
 run_host "$folder/host" host.js 'Nougat64 Größe'
 
-# The command of the binding's README.md, beside its folder.
+# The command of the binding's README.md, in the parent folder of the binding.
 mkdir "$folder/beside"
 cp -r "$folder/package/share/bindings" "$folder/beside"
 install "$folder/beside" "$(line_of bindings/node/README.md 'npm install --install-links')"

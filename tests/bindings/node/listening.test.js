@@ -98,7 +98,7 @@ test('the end of the library ends streams and waits', async () => {
     const stream = bridge.events('appDisplayed');
     const next = stream.next();
     const work = bridge.installApk('NodeNever', 'f');
-    // Its stand-in sends the event of the work only after the end, when no event counts any more.
+    // Its stand-in sends the event of the work only after the end, when events are ignored.
     const finished = assert.rejects(work.finished(), /the library ended before the work did/);
     await bridge.fini();
     assert.deepStrictEqual(await next, { value: undefined, done: true });

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""npm_registry.py PACKAGE-FOLDER PORT-FILE: serves a registry for npm with one package, from a folder, as far
-as 64-bit Windows needs it. Writes its port into the file."""
+"""npm_registry.py PACKAGE-FOLDER PORT-FILE: serves the package in a folder as an npm registry, without the
+files for systems other than 64-bit Windows. Writes the server's port into the file."""
 
 import base64
 import hashlib

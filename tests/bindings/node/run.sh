@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs a script in Node for Windows under Wine: run.sh NODE-FOLDER BUILD-FOLDER SCRIPT ARGUMENT...
 # The output goes into a file, because Node cannot write to this system's pipes under Wine. A test file passes
-# only if it reports so: a process that is killed can have the status 0.
+# only if its output says so, because a killed process can have the status 0.
 set -u
 tools=$1 build=$2
 shift 2

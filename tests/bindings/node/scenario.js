@@ -60,7 +60,7 @@ function valueOf(value) {
     return String(value);
 }
 
-// The progress is the one number with a fraction.
+// Progress is the only number with a fraction.
 function sayEvent({ event, ...values }) {
     if ('progress' in values) values.progress = values.progress.toFixed(3);
     say(['event', event, Object.values(values).map(valueOf).join('|')].filter((part) => part !== '').join(' '));

@@ -1,5 +1,5 @@
 'use strict';
-// Hosts whose end is a test: scripts.js NAME [ARGUMENT].
+// Hosts for tests of how a process ends: scripts.js NAME [ARGUMENT].
 
 const { spawn } = require('child_process');
 const { on } = require('events');
@@ -47,7 +47,7 @@ const SCRIPTS = {
         say('finished');
     },
 
-    // The end in the middle of a flood of events, while the event loop is blocked.
+    // The end during many events, while the event loop is blocked.
     finish() {
         process.env.QX_STANDIN_SCRIPT = host.write('flood.script', 'event-flood 20000 app-displayed N p{n}\n');
         const bridge = host.start();

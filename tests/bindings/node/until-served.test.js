@@ -1,5 +1,5 @@
 'use strict';
-// Which process serves a client's pipe, with simulated answers of Windows.
+// Which process serves a client's pipe, with simulated results of Windows.
 
 const assert = require('assert');
 const { test } = require('node:test');

@@ -113,7 +113,7 @@ test('without listening there is no outcome', async () => {
 test('the end of the library is the end of the wait', async () => {
     const works = listening();
     const work = works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing);
-    works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing); // nobody asks for this one
+    works.start('installApk', 'apkInstallCompleted', ofInstance('N'), nothing); // nothing waits for this work
     const finished = work.finished();
     works.end();
     await assert.rejects(finished, /the library ended before the work did/);

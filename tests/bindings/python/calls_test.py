@@ -10,7 +10,7 @@ import support
 from qxbridge import AppInstalled, Callbacks, native
 from support import Case
 
-# Functions without a method of their name.
+# Functions without a method of the same name.
 METHODS = {"bridgeConfGetInstances": "instances_json", "bridgeGetInstalledApps": "apps_json",
            "bridgePlrShutdown": "shutdown_player", "bridgeRegisterCallbacks": "register",
            "bridgeApiInit": None, "bridgeApiInitEx": None, "bridgeApiFini": None,
@@ -21,7 +21,7 @@ KEYS = {"bool": "vtr.enable_adb_access", "i32": "vtr.mim.max_fps", "string": "vt
 
 
 def called_by_a_method():
-    """The functions that have a method, without those of 64 bits, a type that no key has."""
+    """The functions that have a method, except the 64-bit ones, because no key has that type."""
     return [one for one in qxbridge.FUNCTIONS if METHODS.get(one, one) and not one.endswith("I64")]
 
 
@@ -34,7 +34,8 @@ def method_of(bridge, function):
 
 
 def arguments_of(method):
-    """A different value for each parameter, by its type. A text is its name; a key has the method's type."""
+    """A different value for each parameter, by its type. A text is the parameter's name, a key has the
+    method's type."""
     arguments = []
     for one in inspect.signature(method).parameters.values():
         values = {int: 7 + len(arguments), bool: True, Callbacks: Callbacks()}

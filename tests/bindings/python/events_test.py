@@ -160,7 +160,7 @@ class EventsTest(AsyncCase):
         self.bridge.register(Callbacks(app_displayed=lambda *_: seen.append(1)))
         self.displayed("p")
         self.assertEqual((seen, raised), ([1], []))
-        reader._log_destroy_pending = False  # asyncio would say that the test left it
+        reader._log_destroy_pending = False  # else asyncio reports the unfinished task
 
     def test_functions_get_the_events_that_a_stream_gets(self):
         seen = []

@@ -47,7 +47,7 @@ class Product:
         fake.on_call(self.called)
 
     def called(self, line):
-        """Runs inside each call: the method of the function's name returns the code."""
+        """Runs inside each call. The method with the function's name returns the code."""
         operation, _, values = line.partition(" ")
         handler = getattr(self, operation, None)
         self.fake.answer((handler(values) if handler else 0) or 0)

@@ -16,7 +16,7 @@ from qxbridge import _windows, life
 TREE = pathlib.Path(__file__).resolve().parents[3]
 HOOK = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
 PROCESS = 4711
-MOST_TEXTS = 6  # of an event
+MOST_TEXTS = 6  # parameters of an event
 WINDOWS = ("registry_text", "own_local_machine", "is_folder", "exists", "read_file", "append_error",
            "create_error", "process_id", "pipe_server")
 SLOTS = {name: slot for slot, name in enumerate(qxbridge.Callbacks._fields, 1)}
@@ -200,7 +200,7 @@ class Case(unittest.TestCase):
         return error
 
     def unraised(self):
-        """A list that receives the messages of what callbacks raise."""
+        """A list that receives the messages of exceptions that callbacks raise."""
         raised = []
         self.patch(sys, "unraisablehook", lambda one: raised.append(str(one.exc_value)))
         return raised

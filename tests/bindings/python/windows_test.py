@@ -19,7 +19,7 @@ class Kernel32:
 
     def __init__(self, *opens, content=(), server=0):
         self.opens = list(opens)
-        self.content = list(content)  # what each read gives; None: it fails
+        self.content = list(content)  # the result of each read; None: it fails
         self.server = server
         self.calls = []
         self.error = 0

@@ -83,7 +83,7 @@ class WorkTest(AsyncCase):
                                                          CreateInstanceCompleted(-2, "")))
 
     def alike(self, start, *event, **values):
-        """Starts two works; each of two such events finishes the oldest."""
+        """Starts the same work twice. Each of two such events finishes the older work that is unfinished."""
         oldest, newest = start(), start()
         support.fake.event(*event, **values)
         self.assertTrue(oldest.is_finished)

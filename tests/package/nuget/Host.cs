@@ -1,6 +1,6 @@
-// A host of the package for .NET, which names its folders itself:
+// A host of the package for .NET, which sets its folders itself:
 //     host.dll DATA-FOLDER
-// It prints the instances, and where in the sources a failure came from.
+// It prints the instances, and the source line of a failure.
 
 using System;
 using System.IO;

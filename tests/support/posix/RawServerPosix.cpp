@@ -126,7 +126,7 @@ void RawServer::run(void* first) {
     while (!stop_) {
         const int descriptor = ::accept4(descriptorOf(first), nullptr, nullptr, SOCK_CLOEXEC);
         if (descriptor < 0) continue;
-        const int size = static_cast<int>(bufferSize_);  // the other way is the client's to say
+        const int size = static_cast<int>(bufferSize_);  // the client sets the other one
         ::setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
         RawPipe connection(handleOf(descriptor));
         if (stop_) break;
