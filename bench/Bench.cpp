@@ -38,7 +38,7 @@ double worstSpread(const std::vector<Samples>& sides) {
     return worst;
 }
 
-// The number of operations per sample. The first operation does not count, because it initialises.
+// The number of operations per sample. The first operation is not timed, because it initialises.
 std::int64_t timesFor(const Side& side) {
     side.time(1);
     for (std::int64_t times = 1;; times *= 4) {

@@ -265,7 +265,7 @@ std::unique_ptr<Server> make(const std::string& name) {
     return std::make_unique<Kind>(name);
 }
 
-// The time to send `count` packets in one write on each connection.
+// The time until `count` packets, sent in one write on each connection, have arrived.
 template <typename Kind>
 Side side(const char* title, const char* name, double aim, int connections, std::size_t count) {
     const auto talk = std::make_shared<Talk>(name, make<Kind>, connections);

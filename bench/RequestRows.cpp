@@ -26,7 +26,7 @@ std::string packetOf(const IpcRequest& request, IpcFields fields) {
     return {reinterpret_cast<const char*>(packet.bytes.get()), packet.size};
 }
 
-// The rows of the two requests.
+// A request of each kind.
 const IpcRequest& withoutReply() { return PLR_REQUESTS[6]; }
 const IpcRequest& withReply() { return PLR_REQUESTS[1]; }
 

@@ -60,8 +60,8 @@ class MemoryFiles final : public ConfFiles {
 
 constexpr const char* kPath = "vantrel.conf";
 
-// The values that every run changes: one that most files have, and one of an instance that few
-// have.
+// The values that every run changes: a global one that most files have, and one of an instance that
+// few files have.
 constexpr const char* kChangedInstance = "Fuzz";
 const std::map<std::string, std::string>& changes() {
     static const auto& one = *new std::map<std::string, std::string>{

@@ -110,8 +110,8 @@ void deliver(IpcConnectionInfo& info, FakeSocket& socket, const std::string& str
 
 std::jmp_buf afterFatalBreak;
 
-// Whether the work reaches a fatal break, which would end the process. longjmp() leaves it, so no
-// object on the stack between here and the break needs a destructor.
+// Whether the work reaches a fatal break, which would end the process. longjmp() leaves the work
+// there, so no object on the stack may need a destructor.
 template <typename Work>
 bool breaksFatally(Work work) {
     if (setjmp(afterFatalBreak) != 0) return true;

@@ -285,7 +285,7 @@ write("event_decode", "no-nul", packet(3006, struct.pack("<I", 3) + b"abc"))
 write("event_decode", "nul-after", packet(3007, text("ab", 1) + text("c")))
 
 
-# Streams of packets after a schedule: the number of sizes, each size minus one, the stream.
+# A schedule of deliveries and a stream of packets: the number of sizes, each size minus one, the stream.
 def stream(sizes, *packets):
     return bytes([len(sizes)]) + bytes(size - 1 for size in sizes) + b"".join(packets)
 

@@ -46,8 +46,8 @@ sanitize() {
 }
 
 # The sanitizers' options for one fuzzer. Only one fuzzer hits a leak in Qt that is suppressed. The
-# suppression names a function, so every allocation needs its whole stack, which takes nine tenths of the
-# speed.
+# suppression names a function, so every allocation records its whole stack, which makes that fuzzer ten times
+# slower.
 sanitizers_for() {
     [ "$1" = appc_json ] || return 0
     echo "LSAN_OPTIONS=suppressions=$tree/tests/sanitizers/lsan.supp:print_suppressions=0"

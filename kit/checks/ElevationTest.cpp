@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kDeclined = 101223;
-constexpr int kPolls = 2400;  // of 50 ms, since the user must answer
+constexpr int kPolls = 2400;  // of 50 ms: the user needs time to answer
 
 // Waits for a file of the other process and returns its content.
 std::string awaited(const TempFolder& folder, const std::string& name) {

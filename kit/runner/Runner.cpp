@@ -11,7 +11,7 @@
 
 namespace {
 
-// Failures are at the end of the output.
+// Of the end of the output, where failures are.
 constexpr std::size_t kShownBytes = 1500;
 constexpr std::size_t kKeptBytes = std::size_t{8} << 20;
 constexpr int kToolSeconds = 60;

@@ -180,14 +180,14 @@ bool KitRun::prepare() {
     return !error;
 }
 
-// Redirects temporary files into the work folder, and suppresses windows for errors.
+// Redirects temporary files into the work folder, and suppresses error dialogs.
 void KitRun::prepareEnvironment() const {
     ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     setVariable(L"TEMP", folders_.work.native());
     setVariable(L"TMP", folders_.work.native());
     setVariable(L"QX_STANDIN_CLIENTS", L"none");
     setVariable(L"GTEST_COLOR", L"no");
-    setVariable(L"PYTHONDONTWRITEBYTECODE", L"1");  // it would be written into the kit
+    setVariable(L"PYTHONDONTWRITEBYTECODE", L"1");  // its bytecode would be written into the kit
 }
 
 bool KitRun::copyPrograms() {

@@ -115,7 +115,7 @@ class FailingFiles : public AppcFiles {
     virtual void before(const char* /*step*/) {}
 };
 
-// The same, and checks the file lock at each step.
+// The same, and records at each step whether the file lock is held.
 class LockWatch final : public FailingFiles {
  public:
     explicit LockWatch(std::string data) : data_(std::move(data)) {}

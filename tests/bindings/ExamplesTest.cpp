@@ -50,7 +50,7 @@ class ExamplesTest : public ::testing::Test {
         registry.set("InstallDir", "C:\\None\\");
     }
 
-    // The server's thread begins after the example has printed "listening".
+    // The example prints "listening" before its server's thread starts.
     static void waitUntilServed() {
         const std::wstring path = L"\\\\.\\pipe\\vtr_Helper_bridge_nvo";
         for (int i = 0; i < 2000 && !::WaitNamedPipeW(path.c_str(), 1000); ++i) ::Sleep(5);

@@ -1,4 +1,4 @@
-// The parts of the C++ headers that need no library, compared with the library's own.
+// The parts of the C++ headers that work without the library, compared with the library's code.
 #include <bridge/conf_check.hpp>
 #include <bridge/configuration_file.hpp>
 #include <bridge/json.hpp>

@@ -144,7 +144,7 @@ class Host:
             say(event_line(await asyncio.wait_for(self.stream.__anext__(), LIMIT)))
 
     async def overflow(self):
-        """Of five events, a stream with room for two has the first two."""
+        """Of five events, a stream with room for two delivers the first two."""
         for _ in range(5):
             await asyncio.wait_for(self.stream.__anext__(), LIMIT)
         try:

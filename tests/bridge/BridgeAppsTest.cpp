@@ -17,8 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A cache in a data folder. The app cache's own tests, which may run at the same time, check the
-// machine-wide locks of other instances.
+// A cache in a data folder. The app cache's own tests may run at the same time, so their
+// machine-wide locks are those of other instances.
 struct Cache : AppcStore {
     explicit Cache(const std::string& data)
         : AppcStore(appcDiskFiles(), data + "\\", data + "\\/Engine/UserData/SharedFolder/") {}

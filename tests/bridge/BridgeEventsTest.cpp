@@ -54,7 +54,7 @@ void sendOne() {
     pipe.read(1);
 }
 
-// The lines of an event, and of the packet after it in sendOne(), which is not an event.
+// The lines of an event, and of the invalid packet that sendOne() sends after it.
 std::string eventLine(const std::string& status) {
     return logged::instanceCreated(status, "N") + "\n";
 }

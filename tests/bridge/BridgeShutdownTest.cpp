@@ -20,7 +20,7 @@ int failForManager(IpcClient& client, const std::string& serverName) {
 class BridgeShutdownTest : public ::testing::Test {
  protected:
     BridgeShutdownTest() {
-        // A file without instances, since other tests use the same store.
+        // Other tests use the same store, so load a file without instances.
         EXPECT_EQ(confLibInit(confStore(), folder.write("vantrel.conf", ""), false), 0);
         confAddInstance(confStore(), "Nougat64_2");
         confAddInstance(confStore(), "Nougat64_10");

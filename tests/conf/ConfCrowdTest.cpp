@@ -61,7 +61,7 @@ std::string flawOf(const std::string& content, Entries& entries) {
         entries[std::string(entry.key)] = entry.value;
     }
     if (content.empty() || content.back() != '\n') return "cut at its end";
-    const std::size_t count = entries.size();  // looking for a missing key adds it
+    const std::size_t count = entries.size();  // operator[] adds missing keys below
     Entries needed = globalDefaults();
     for (const auto& [key, value] : entries) {
         if (key.rfind("vtr.instance.", 0) != 0) continue;
@@ -110,7 +110,7 @@ class Auditor {
     std::string last_;
     std::map<std::string, int> numbers_;
     int looks_ = 0;
-    int states_ = 0;  // that differed from the one before
+    int states_ = 0;  // different from the previous one
 };
 
 // When the auditor sees a commit, writes the mark that its committer waits for.
@@ -159,7 +159,8 @@ class Committer {
         }
     }
 
-    // The file has the last number that it printed, or the one that it was about to print.
+    // Expects the file to have the last number that it printed, or the one that it would print
+    // next.
     void expectNumber(const Auditor& auditor) const {
         const int number = auditor.numbers().at(instance_);
         EXPECT_GE(number, confirmed_) << instance_;

@@ -24,7 +24,7 @@ ConfProperty deprecatedText(const std::string& defaultValue = "");
 void expectConfBreak(const std::string& subprocess, const SubprocessArguments& arguments,
                      const std::string& line, const std::string& function = "");
 
-// A store over a temporary folder.
+// A store with its file in a temporary folder.
 class ConfTest : public ::testing::Test {
  protected:
     ConfTest() { store.fileLockName = ownLockName(path()); }

@@ -16,7 +16,7 @@ enum class Kind {
     Discard,
     Commit,
     CommitWithoutRead,  // the file cannot be read, so nothing changes
-    CommitWithoutMove,  // the file stays, and the memory has the merge
+    CommitWithoutMove,  // the file stays as it is, the memory has the merged values
     Reload
 };
 
@@ -104,7 +104,7 @@ std::vector<Model> after(const Model& before, const Call& call) {
     }
     std::vector<Model> states;
     if (!model.hasChanges() && call.result == 0) states.push_back(model);
-    // Its changes may be discarded before the merge, which then merges none.
+    // Another thread may discard its changes before the merge, which then merges none.
     model.merge();
     if (call.kind == Kind::Commit) model.file = model.committed;
     if (call.result == (call.kind == Kind::Commit ? 0 : XERR_ACCES)) states.push_back(model);
@@ -142,7 +142,7 @@ class Explanation {
     std::set<std::pair<std::uint32_t, Model>> tried_;
 };
 
-// The step of the files that fails in this thread's commit.
+// The file operation that fails in this thread's commits.
 thread_local std::optional<HookedFiles::Step> failing;
 
 int play(ConfStore& store, const Call& call) {

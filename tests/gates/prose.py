@@ -31,7 +31,7 @@ KINDS = {C_LIKE: ("c", "cpp", "dox", "h", "hpp"), CSHARP: ("cs",),
 LEXERS = {suffix: lexer for lexer, suffixes in KINDS.items() for suffix in suffixes}
 NAMES = {"CMakeLists.txt": CMAKE, "run": SHELL}
 
-QUOTED = re.compile(r'`[^`\n]*`|"[^"\n]*"')  # not the author's own words
+QUOTED = re.compile(r'`[^`\n]*`|"[^"\n]*"')  # not the author's prose
 # In a document: fenced and indented code, and the targets of links.
 NOT_PROSE = re.compile(r"^```.*?^```$|(?:(?<=\n\n)|\A)(?: {4}[^\n]*\n+)+|(?<=\])\([^)\s]*\)",
                        re.S | re.M)

@@ -71,7 +71,7 @@ class ShutdownTest : public PlainHostTest {
     Requests asked;
 };
 
-// Requests, with the flag of a player's.
+// The requests to players, by their flag, and to the manager.
 const std::string kPlayerFalse = packetOf(2000, bytesOf(0u));
 const std::string kPlayerTrue = packetOf(2000, bytesOf(1u));
 const std::string kManager = packetOf(4000, "");

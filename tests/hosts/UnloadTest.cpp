@@ -17,8 +17,8 @@ class UnloadTest : public PlainHostTest {
         return {builtProgram("unloading_host.exe"), {data.path(), use}};
     }
 
-    // Expects a host to print these lines, and then that it has unloaded the library and, unless Qt
-    // stays, Qt.
+    // Expects a host to print these lines, and then that it has unloaded the library and, without
+    // `qtStays`, Qt.
     void expectUnload(ChildProcess& host, const Lines& lines, bool qtStays = false) const {
         const ChildResult result = host.finish();
         EXPECT_EQ(result.status, 0u) << result.out << result.err;
@@ -57,7 +57,7 @@ TEST_F(UnloadTest, AfterAnExceptionInsideQt) {
     EXPECT_TRUE(hasLoggedAnException());
 }
 
-// Qt stays loaded once a request was made.
+// Qt stays loaded after a request.
 TEST_F(UnloadTest, AfterAnExceptionInsideQtDuringARequest) {
     writeConf(kGood);
     expectUnload("request", {"init 0", "shutdown -1", "refused 1"}, /*qtStays=*/true);

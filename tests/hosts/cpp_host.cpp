@@ -2,7 +2,7 @@
 //
 //     all      prints every event
 //     throws   a callback that throws
-//     raw      a callback of the C interface that throws, and another one
+//     raw      two callbacks of the C interface, one of which throws
 //     empty    only the last callback
 //     calls    the results of the other functions
 //     files    initialisations with other files, and a commit to another

@@ -73,7 +73,8 @@ static void useConfiguration(void) {
     bridgeFreeMemory(list);
 }
 
-/* Starts programs, none of which exists, and calls bridgeApiFini, which has no effect here. */
+/* Tries to start programs, none of which exists, and calls bridgeApiFini, which has no effect here.
+ */
 static void usePrograms(void) {
     char* const apps = bridgeGetInstalledApps("Nougat64");
     char line[200];
@@ -243,7 +244,7 @@ static int unload(const Copy* copy, const WCHAR* path) {
     return GetModuleHandleW(path) == NULL;
 }
 
-/* The event to "Installer" that the configuration of an instance "N" has changed. */
+/* The event that the configuration of the instance "N" has changed. */
 static const unsigned char kChanged[] = {0xBE, 0x0B, 0, 0, 18, 0, 0, 0,   0,
                                          0,    0,    0, 2, 0,  0, 0, 'N', 0};
 

@@ -162,7 +162,7 @@ static void shutdownMany(void) {
     printGrowth("requests", &growth);
 }
 
-/* The operations that call one function with texts. */
+/* The arguments of operations that call one function. */
 typedef const char* const* Texts;
 #define FLAG(index) ((bridge_bool)atoi(texts[index]))
 

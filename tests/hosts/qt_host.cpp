@@ -1,4 +1,4 @@
-// A host with Qt of its own: qt_host DATA-FOLDER ORDER
+// A host that uses Qt itself: qt_host DATA-FOLDER ORDER
 //
 // ORDER says when the application object is created. Its loop runs while events arrive.
 //

@@ -48,8 +48,8 @@ class IpcPeerDeathTest : public ServerFixture {
     }
 };
 
-// The whole packets of the clients. They are counted and not kept, so the heap grows by the
-// library's memory only.
+// The complete packets of the clients. They are counted but not kept, so only the library's memory
+// adds to the heap.
 enum Sent : std::size_t {
     BEFORE_ACCEPT,
     EVENT,
@@ -134,7 +134,7 @@ TEST_F(IpcPeerDeathTest, ClientsThatDieAtEachMomentOfAnEvent) {
         });
         while (!came) sleepMs(1);
         for (int i = 0; i < 5 && !left; ++i)
-            sleepMs(1);  // on Windows it leaves when it is accepted
+            sleepMs(1);  // on Windows it can leave only after it is accepted
         released = holds;
         client.join();
     };

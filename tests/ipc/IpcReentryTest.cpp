@@ -1,5 +1,5 @@
-// What arrives on a connection while its decoder runs an event loop of its own, and connections
-// that are dropped. The socket is in memory.
+// Data that arrives while a connection's decoder runs its own event loop, and connections that are
+// dropped. The socket is in memory.
 #include <QCoreApplication>
 #include <QPointer>
 

@@ -65,7 +65,7 @@ class IpcServerLoadTest : public ServerFixture {
         for (std::thread& thread : threads) thread.join();
     }
 
-    // Sends the packets that have these numbers over one connection, in writes of many.
+    // Sends the packets with these numbers over one connection, with many packets per write.
     static void send(RawPipe& pipe, std::uint32_t client, std::uint32_t from, std::uint32_t to) {
         std::string piece;
         for (std::uint32_t i = from; i < to; ++i) {

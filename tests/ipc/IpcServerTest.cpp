@@ -177,7 +177,7 @@ TEST_F(IpcServerTest, BytesThatAClientWroteBeforeItWasAcceptedArriveAfterItHasLe
         RawPipe client(connect());
         client.write(second);
     });
-    sleepMs(100);  // lets the client leave, where the system allows that before it is accepted
+    sleepMs(100);  // lets the client leave before it is accepted, if the system allows that
     released = true;
     leaving.join();
     ASSERT_TRUE(seen.waitFor(2));

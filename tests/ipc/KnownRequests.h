@@ -26,7 +26,7 @@ const std::vector<KnownRequest>& knownRequests();
 // The request with this name; there must be one.
 const KnownRequest& knownRequest(const std::string& name);
 
-// The packet that the protocol demands.
+// The packet that the protocol requires.
 std::string requestPacket(const KnownRequest& request, const Words& values);
 
 // The server that sentBytes() runs.

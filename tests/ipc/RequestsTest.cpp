@@ -166,7 +166,7 @@ TEST(Requests, TheSizeOfATextIsNotCutTo32Bits) {
 }
 
 TEST(Requests, APacketBeyondTheLongestIsNotLaidOut) {
-    // One text of 128 MiB, in as many fields as it takes.
+    // The same text of 128 MiB in 16 fields.
     const std::string text(std::size_t{128} << 20, 'x');
     const IpcField t = text.c_str();
     const IpcPacket packet = ipcLayOut(1, 0, {t, t, t, t, t, t, t, t, t, t, t, t, t, t, t, t});

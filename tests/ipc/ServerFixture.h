@@ -28,7 +28,7 @@ class ServerFixture : public ::testing::Test {
     ~ServerFixture() override;
 
     void start(IpcDecode decode = see);
-    void stop();  // no record of a connection may be left behind
+    void stop();  // expects that no record of a connection remains
 
     // Waits until the process has this many records of connections.
     static bool waitForRecords(int wanted);

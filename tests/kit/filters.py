@@ -20,7 +20,7 @@ def windows(path):
 
 
 def variables(check):
-    """The environment of a check. The kit and the tree have the files of tests at the same paths."""
+    """The environment of a check. Test files have the same paths in the kit and in the tree."""
     words = check.get("set", "").replace("{kit}", windows(TREE)).replace("{tool}", "tool").split()
     return dict(word.split("=", 1) for word in words)
 

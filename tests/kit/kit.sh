@@ -50,7 +50,7 @@ says 'the product is installed here'
 wine reg query "$key" /v UserDefinedDir >/dev/null || fail "the guard lost the product's key"
 wine reg delete "$key" /f >/dev/null
 
-# Some checks that Wine can run pass, and leave nothing on the machine. Node is the build machine's.
+# Some checks that Wine can run pass, and leave nothing on the machine. Uses the build machine's Node.
 export WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin"
 run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-runtimes,python
 says '  files: passed'
@@ -94,7 +94,7 @@ says '  microsoft-preset: skipped'
 WINEPATH="$WINEPATH;Z:$compiler" run 1 --only microsoft-runtimes
 says '  microsoft-runtimes: failed'
 
-# The bindings' own tests and the examples, in the runtimes that the build machine has for Windows.
+# The bindings' own tests and the examples, in the Windows runtimes of the build machine.
 WINEPATH="$WINEPATH;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)" \
     run 0 --only dotnet-tests,examples-node,examples-dotnet
 says '  dotnet-tests: passed'

@@ -87,7 +87,7 @@ tsc=(node "$tools/node_modules/typescript/bin/tsc" --strict --target ES2022 --ou
     cd "$project"
     "${tsc[@]}" --module node16 --moduleResolution node16 use.mts use.cts events.d.ts
     "${tsc[@]}" --module commonjs --moduleResolution node use.ts events.d.ts
-    [ ! -e node_modules/@types ] # whose names would help
+    [ ! -e node_modules/@types ] # its names would hide missing declarations
     echo "import { load } from 'qx-bridge'; const wrong: number = load();" >wrong.mts
     if "${tsc[@]}" --module node16 --moduleResolution node16 wrong.mts events.d.ts >wrong.txt; then
         die "a wrong type is taken"

@@ -331,8 +331,8 @@ TEST_F(BridgectlEventsTest, AListenerReleasesTheName) {
 }
 
 // A process with its own console, so that its Ctrl-C reaches no other process. It starts a listener
-// there, has an event sent and shown, and presses Ctrl-C. Its output and status are the listener's,
-// unless the system gives no such console.
+// there, sends an event, waits until the listener shows it, and presses Ctrl-C. Its output and
+// status are the listener's, or kNoConsole if the system creates no console.
 constexpr int kNoConsole = 97;
 
 SUBPROCESS(pressesCtrlC) {

@@ -69,7 +69,7 @@ TEST_F(BridgectlJsonTest, EveryCommandPrintsJson) {
     const auto examples = examplesOf(json({"help", "--json"}));
     EXPECT_EQ(examples.count("conf get"), 1u);
     for (const auto& [name, example] : examples) {
-        if (name == "events" || name == "wait-for" || name == "watch") continue;  // without an end
+        if (name == "events" || name == "wait-for" || name == "watch") continue;  // these never end
         if (name == "doctor") continue;  // has its own tests
         ASSERT_EQ((inOneLine(example) + " ").rfind(name + " ", 0), 0u)
             << "is not an example of " << name;

@@ -21,7 +21,7 @@ class BridgectlUsageTest : public BridgectlFixture {
     std::string file() const { return data.read("vantrel.conf"); }
 };
 
-// The number of processes that have, or have left behind, a private registry.
+// The number of private registries, of running and of ended processes.
 unsigned developmentKeys() {
     HKEY key = nullptr;
     if (::RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\QX-Bridge", 0, KEY_READ, &key) !=

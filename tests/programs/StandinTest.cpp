@@ -176,7 +176,7 @@ std::string errorOf(std::string_view text) {
     return error;
 }
 
-// Steps as text: "500 app-displayed("N","p") ...; ...".
+// A script's steps as text: "500 app-displayed("N","p") ...; ...".
 Texts shown(const StandinSteps& steps) {
     Texts texts;
     for (const StandinStep& step : steps) {

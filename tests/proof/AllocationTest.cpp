@@ -129,8 +129,8 @@ class AllocationTest : public ::testing::Test {
         return shortages;
     }
 
-    // Expects the text that the call returns with enough memory, or null after one error line with
-    // the function's name.
+    // Expects the call to return the same text as with enough memory, or null after one error line
+    // with the function's name.
     static void expectText(const std::string& name, const std::function<char*()>& call) {
         const std::optional<std::string> plenty = taken(call());
         ASSERT_TRUE(plenty.has_value());
@@ -149,8 +149,8 @@ class AllocationTest : public ::testing::Test {
         EXPECT_GT(shortages, 0);
     }
 
-    // Expects a set of a new value to return 0 and set it, or -1 and not to. Before each shortage
-    // nothing is staged for the key.
+    // Expects a call that sets a new value to return 0 and set it, or to return -1 and leave the
+    // old one. Before each shortage nothing is staged for the key.
     static void expectSet(const std::function<bridge_i32()>& set,
                           const std::function<std::string()>& get) {
         const std::string committed = get();
@@ -394,8 +394,8 @@ bool disconnectInShortage(const QPointer<QLocalSocket>& socket, Shortage kind, i
     return endShortage();
 }
 
-// Returns whether an allocation failed and whether the socket has been deleted. The server deletes
-// one whose deletion could not be queued.
+// Returns whether an allocation failed and whether the socket has been deleted. If the deletion
+// cannot be queued, the server deletes the socket.
 std::string disconnectsInShortage(Shortage kind, int first) {
     const std::string name = "server";
     QPointer<QLocalSocket> socket = new FakeSocket;

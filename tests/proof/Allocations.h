@@ -3,13 +3,13 @@
 
 #include <cstddef>
 
-// Replaces operator new, malloc and calloc of everything that is linked into this program. Qt,
-// which does not survive every failure, has its own.
+// Replaces operator new, malloc and calloc of everything that is linked into this program. Qt does
+// not survive every failure; its DLLs keep their own functions.
 
 enum class Shortage { Once, ForEver };
 
-// Lets the allocation with this number, from 0, fail on this thread, and with ForEver every later
-// one.
+// Makes the allocation with this number, from 0, fail on this thread, and with ForEver every later
+// one too.
 void startShortage(Shortage kind, int first);
 
 // Ends the shortage. Returns false when no allocation failed in it.

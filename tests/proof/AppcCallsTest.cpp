@@ -18,7 +18,7 @@ constexpr const char* kOneApp =
 
 constexpr int kTries = 11;
 
-// What the replacements have seen, of the app cache's files only.
+// What the replacements have recorded, for the app cache's files only.
 struct Seen {
     int error = 0;     // of the next calls
     int refusals = 0;  // how many of them
@@ -106,7 +106,7 @@ class AppcCallsTest : public ::testing::Test {
         EXPECT_EQ(seen.calls, calls) << error;
     }
 
-    // Loads while all tries but the last are refused.
+    // Loads while all attempts except the last are refused.
     void expectReadAtTheLastTry() {
         const auto sleeping = REPLACED(Sleep, countSleep);
         for (const int error :

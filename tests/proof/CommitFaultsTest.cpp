@@ -105,7 +105,7 @@ std::vector<Faults> errors() {
     return all;
 }
 
-// Deaths alone: after one call is before the next one.
+// Deaths without errors. A death after a call is a death before the next one.
 std::vector<Faults> deaths() {
     std::vector<Faults> all;
     for (int call = 0; call < kCallCount; ++call) {

@@ -193,7 +193,7 @@ class PathArguments : public ::testing::Test {
         return std::string(length - folder.path().size() - 1, 'n');
     }
 
-    // Every operation on a file or folder of that path, whose folder is `folder`.
+    // Every operation on a file or folder of this path, which is in `folder`.
     void useEverything(const std::string& path) const {
         Xfile file;
         std::int64_t size = 0;

@@ -5,8 +5,8 @@ namespace {
 
 struct DiskFile {
     std::string safe;                 // flushed
-    std::string base;                 // what programs see: this,
-    std::vector<std::string> pieces;  // and after it what was written since the last flush
+    std::string base;                 // programs read this,
+    std::vector<std::string> pieces;  // followed by the writes since the last flush
 
     std::string content() const {
         std::string all = base;
@@ -83,7 +83,7 @@ void forEachLoss(const DiskFile& file, Visit visit) {
 
 using Losses = std::set<std::string>;
 
-// The losses that can leave `path` neither as it was nor with the content `after`.
+// The losses that can leave `path` with neither its old content nor `after`.
 Losses harmfulLosses(const std::vector<FileOperation>& operations, const DiskContents& before,
                      const std::string& path, const std::string& after) {
     Losses harmful;

@@ -22,8 +22,8 @@ constexpr const char* kLossGarbage = "garbage";
 constexpr const char* kLossEarlier = "an earlier piece";  // but not the later ones
 
 // Expects the operations to give `path` the content `after`, and a power failure at any time to
-// leave it as it was before or with that content. Without the flushes it must not: the operations
-// write one piece.
+// leave the old content or that one. Also expects that this is false without the flushes: the
+// operations write one piece.
 void expectOldOrNew(const std::vector<FileOperation>& operations, const DiskContents& before,
                     const std::string& path, const std::string& after);
 

@@ -44,7 +44,7 @@ std::atomic<int> calls;
 
 constexpr const char* kMutexName = "Global\\vtr_test_refusals";
 
-// Returns its error. The thread's last error is another one.
+// Returns an error that differs from the thread's last error.
 DWORD WINAPI refuseAcl(ULONG, PEXPLICIT_ACCESSW, PACL, PACL*) {
     return refuse(ERROR_BUSY, DWORD{ERROR_INVALID_PARAMETER});
 }
@@ -130,7 +130,7 @@ BOOL WINAPI writeNothing(HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) {
     return TRUE;
 }
 
-// Reads two bytes in each call, and reports a failure for the second.
+// Reads two bytes in each call. The second call fails nevertheless.
 BOOL WINAPI readTwoThenFailWithTwo(HANDLE, LPVOID bytes, DWORD, LPDWORD done, LPOVERLAPPED) {
     std::memset(bytes, 'x', 2);
     *done = 2;
@@ -575,7 +575,7 @@ void release(void* object) { ++released[reinterpret_cast<std::uintptr_t>(object)
 
 void remember(std::size_t number) { xunloadRemember(reinterpret_cast<void*>(number), release); }
 
-// Remembers another object just before one instruction of xunloadRemember, as another thread could.
+// Remembers another object right before an instruction of xunloadRemember, as another thread could.
 struct Intrusion {
     bool active = false;
     int instruction = 0;

@@ -28,7 +28,7 @@ constexpr UINT kDied = 7;
     for (;;) ::Sleep(1);
 }
 
-// Whether a fault lasts until a later call, of this function.
+// Whether a fault also affects a later call of this function.
 bool lasts(const State& s, const FaultAt& at, std::string_view function) {
     if (at.fault == Fault::ErrorForEver) return function != "ReleaseMutex";
     if (at.fault != Fault::DeniedForEver) return false;

@@ -41,7 +41,7 @@ commit_with() (
     exit $?  # lets this shell, whose output is discarded, report a kill
 ) >/dev/null 2>&1
 
-# sweep FAULT CALL...: for the first of each of these calls, the second, until there are no more.
+# sweep FAULT CALL...: commits once for each occurrence of each of these calls, with FAULT there.
 sweep() {
     local fault=$1 call n status
     shift
@@ -70,5 +70,5 @@ sweep error=EIO read write fsync close fcntl newfstatat
 sweep error=ENOSPC write
 printf 'in all %d points: the old file or the new one, and the next commit succeeds\n' "$points"
 [ "$points" -gt 0 ] || die "strace injects nothing here"
-# Two loads and one commit: 2 reads, 2 writes and a flush, and what Wine adds, always the same.
+# Two loads and one commit: 2 reads, 2 writes, a flush, and a constant number of calls that Wine adds.
 [ "$points" = 41 ] || die "$points points instead of 41"

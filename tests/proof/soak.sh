@@ -4,7 +4,7 @@
 set -euo pipefail
 build=$1 percent=${2:-100}
 tree=$(cd "$(dirname "$0")/../.." && pwd)
-# So that all batches have the same size.
+# Other values would give batches of different sizes.
 [[ $percent =~ ^([1-9]0|100)$ ]] || {
     echo "error: the part of the long forms is 10, 20 ... 100 percent, not $percent" >&2
     exit 1

@@ -6,9 +6,9 @@
 
 #include "support/Platform.h"
 
-// Holds a file open as a scanner or another program may. Others cannot open it (Nothing), can only
-// delete it (Deletion), can neither move nor delete it (ReadAndWrite), or can open but not read it
-// (EverythingButItsBytes).
+// Holds a file open as a scanner or another program may. By what it shares, others cannot open the
+// file (Nothing), can only delete it (Deletion), can neither move nor delete it (ReadAndWrite), or
+// can open but not read it (EverythingButItsBytes).
 class HeldFile {
  public:
     enum class Shares { Nothing, Deletion, ReadAndWrite, EverythingButItsBytes };

@@ -176,7 +176,7 @@ inline Line readWhole(Text server) { return readStep(server, "calling decodeFunc
 inline Line readError(Text server, Text error) {
     return "E IPC ipcReadCommand for serverName " + server + ", " + error;
 }
-// A packet whose length leaves a rest after the header that no 32-bit number holds.
+// A packet whose length without the header does not fit a 32-bit number.
 inline Line lengthInvalid(Text server, Text length, Text rest) {
     return readError(server, "bytesToRead " + rest + " is negative, packetLen = " + length +
                                  ", buffer size = 12");

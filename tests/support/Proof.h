@@ -11,9 +11,9 @@ int proofSize(int shortForm, int fullForm);
 // The same for a value of BRIDGE_PROOF. Null: it is not set.
 int proofSizeFor(const char* proof, int shortForm, int fullForm);
 
-// Plays GROWTH_BATCHES batches, each of `rounds` rounds. Expects that a round leaks no handle and
-// fewer than this many bytes (support/growth.h). Play a few rounds before, for what is allocated
-// only once.
+// Plays GROWTH_BATCHES batches of `rounds` rounds each. Expects that a round leaks no handle and
+// fewer than this many bytes (support/growth.h). Play a few rounds before, so that objects that are
+// allocated only once do not count.
 void expectNoGrowth(int rounds, double bytesOfARound, const std::function<void()>& play);
 
 #endif

@@ -4,8 +4,8 @@
 #include <string>
 
 HKEY createRegistryKey(HKEY root, const wchar_t* path) {
-    // Volatile, as the keys of the other languages' hosts: one of these may have created the parent
-    // key, and a volatile key has no lasting subkeys.
+    // Volatile like the keys of hosts in other languages: one of these hosts may have created the
+    // parent key, and a volatile key can have only volatile subkeys.
     HKEY key = nullptr;
     if (::RegCreateKeyExW(root, path, 0, nullptr, REG_OPTION_VOLATILE,
                           KEY_ALL_ACCESS | KEY_WOW64_64KEY, nullptr, &key,

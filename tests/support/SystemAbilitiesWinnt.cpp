@@ -37,7 +37,7 @@ bool allWritesArrive(const std::wstring& path) {
 
 }  // namespace
 
-// Where appending is not atomic, one round in ten still loses nothing.
+// Where appending is not atomic, nine rounds in ten lose writes.
 bool appendsAreAtomic() {
     constexpr int kRounds = 40;
     const TempFolder folder;

@@ -11,7 +11,7 @@
 
 #include "support/ChildProcess.h"
 
-// A pipe whose writing end a child gets as its standard output or error.
+// A pipe. A child gets its write end as standard output or error.
 class ChildPipe {
  public:
     ChildPipe();

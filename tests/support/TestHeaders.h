@@ -1,7 +1,7 @@
 #ifndef TESTS_TESTHEADERS_H
 #define TESTS_TESTHEADERS_H
 
-// The precompiled headers of the tests. A test and its fixture include this, and further standard
+// The precompiled headers of the tests. Tests and fixtures include this file, and other standard
 // headers only if they are missing here.
 #include <gtest/gtest.h>
 

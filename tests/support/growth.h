@@ -6,10 +6,10 @@ extern "C" {
 #endif
 
 /*
- * Detects what a repeated step leaks. Heaps keep freed blocks in buckets, and the system allocates
- * some handles once: such figures rise in a few steps and then stay. A leak rises with every round.
- * So the rounds are played in batches, and only the batches with the smallest growth count: on a
- * busy machine one batch in three adds a bucket or two.
+ * Detects leaks of a repeated step. Heaps keep freed blocks in buckets, and the system allocates
+ * some handles once: this growth stops after a few rounds, but a leak grows with every round.
+ * Therefore the rounds are played in batches, and only the batches with the smallest growth count:
+ * on a busy machine one batch in three adds a bucket or two.
  */
 enum { GROWTH_BATCHES = 10, GROWTH_BATCHES_THAT_COUNT = 4 };
 

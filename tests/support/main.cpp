@@ -45,7 +45,7 @@ void reportBesideOthers() {
     ::testing::GTEST_FLAG(output) = std::string("xml:") + folder + entry + ".xml";
 }
 
-// Names a slow test on standard error, since a program that hangs is killed without a message.
+// Names a slow test on standard error, because a program that hangs is killed without a message.
 class SlowTestNotice : public ::testing::EmptyTestEventListener {
  public:
     SlowTestNotice() : watcher_([this] { watch(); }) {}

@@ -45,7 +45,7 @@ class UtlCopyTest : public ::testing::Test {
         EXPECT_EQ(log.texts(XLOG_VERBOSE), lines);
     }
 
-    // A copy with this result leaves this tree, and these files fail.
+    // Expects a copy to have this result, to leave this tree, and to fail for these files.
     void expectCopy(XErr result, const Lines& tree, const Lines& failed = {}) {
         EXPECT_EQ(copy(), result);
         EXPECT_EQ(treeOf(destination), tree);

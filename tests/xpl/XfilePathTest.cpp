@@ -3,12 +3,12 @@
 
 namespace {
 
-// The folders of a path, each in its long form.
+// Expects these folders of a path, each in its long form.
 void expectChain(std::wstring_view path, const std::vector<std::wstring>& chain) {
     EXPECT_EQ(xfileFolderChain(path), chain) << std::wstring(path);
 }
 
-// An absolute path of that many characters.
+// An absolute path of this many characters.
 std::wstring pathOf(std::size_t length, std::wstring path = LR"(C:\)") {
     return path.append(length - path.size(), L'n');
 }

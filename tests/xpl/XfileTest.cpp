@@ -37,7 +37,7 @@ class XfileTest : public ::testing::Test {
     // The content of a file whose path may be long.
     static std::string readLong(const std::string& path) { return readBytes("\\\\?\\" + path); }
 
-    // A path whose folder exists has no file, then one of five bytes, then none again.
+    // Creates and deletes a file of five bytes, and expects the path's state at each step.
     static void expectLife(const std::string& path) {
         std::int64_t size = -1;
         EXPECT_EQ(xfileExists(path), XERR_NOENT);
@@ -70,7 +70,7 @@ class XfileTest : public ::testing::Test {
     TempFolder folder;
 };
 
-// A write to "f", in a folder that holds it or not.
+// A write to "f", which exists with the content `before` or does not exist.
 struct ModeCase {
     const char* name;
     std::optional<std::string> before;

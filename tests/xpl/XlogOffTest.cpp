@@ -1,5 +1,5 @@
-// Refused calls with every level off: the same results without a line. Tries what the compiler's
-// thread-safety analysis refuses.
+// Refused calls with every level off: the same results without a line. Contains misuse that the
+// compiler's thread-safety analysis would reject.
 #if defined(__clang__)
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif

@@ -1,4 +1,4 @@
-// Tries what the compiler's thread-safety analysis refuses.
+// Contains misuse that the compiler's thread-safety analysis would reject.
 #if defined(__clang__)
 #pragma clang diagnostic ignored "-Wthread-safety-analysis"
 #endif

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Makes a call in its own thread, which has its own place among the readers.
+// Makes a call in a new thread, which may use another of the mutex's two locks.
 template <typename Call>
 auto inThread(Call call) {
     return std::async(std::launch::async, call);

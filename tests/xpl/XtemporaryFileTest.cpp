@@ -26,7 +26,7 @@ class NotedFiles final : public XfileReplacer {
 
 class XtemporaryFileTest : public ::testing::Test {
  protected:
-    // Uses a temporary file "t" and destroys it. The calls of the files must be these.
+    // Uses a temporary file "t" and destroys it. Expects these calls of the file functions.
     void expectCalls(const Lines& calls, const std::function<void(XtemporaryFile&)>& use) {
         {
             XtemporaryFile temporary(files, "t", kModule, "function");

@@ -85,7 +85,7 @@ static class Check
         Equal(message, Throws<T>(call).Message);
     }
 
-    // Each call is refused for its key.
+    // Expects each call to throw a KeyException with this message.
     internal static void Refused(string message, params Action[] calls)
     {
         foreach (Action call in calls) Throws<KeyException>(message, call);

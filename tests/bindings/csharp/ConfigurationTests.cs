@@ -149,7 +149,7 @@ class ConfigurationTests : SessionTests
         Check.Called();
     }
 
-    // A read of an unreadable number would end the process, so another key shows that the instance is loaded.
+    // Reading a malformed number would end the process, so another key shows that the instance is loaded.
     public static void AnInstanceIsLookedUpByAReadableNumber()
     {
         data.Write("vtr.instance.Nougat64_8.dpi=\"abc\"", "vtr.instance.Nougat64_8.max_fps=\"abc\"");

@@ -127,7 +127,7 @@ static class PreflightTests
                                    : what.Split(',')[0])));
     }
 
-    // The library needs no data folder then.
+    // Without the file, and with its own log, a host needs no data folder.
     public static void WithoutTheFileAndWithALogOfItsOwn()
     {
         machine.Registry.Clear();

@@ -52,7 +52,7 @@ test('a client that the library does not know is refused', () => {
 
 test('the initialisation', () => {
     assert.deepStrictEqual(CLIENTS, ['Launcher', 'Installer', 'LogCollector', 'Helper', 'Uninstaller']);
-    // A new string, whose bytes only the binding can keep.
+    // A new string: only the binding keeps its bytes.
     bridge.init(Buffer.from(host.CLIENT).toString());
     assert.ok(host.log().some((line) => line.includes('In bridgeApiInit Launcher')));
 });

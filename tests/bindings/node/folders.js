@@ -1,5 +1,5 @@
 'use strict';
-// Sets folders where an ended process with the same id left a key or, with "refused", where Windows creates
+// Sets folders when an ended process with the same id has left a key or, with "refused", when Windows creates
 // no keys.
 
 const koffi = require('koffi');

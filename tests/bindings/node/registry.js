@@ -1,5 +1,5 @@
 'use strict';
-// Sets and removes values of the product's key, in a registry of this process's own.
+// Sets and removes values of the product's key, in this process's own registry.
 
 const koffi = require('koffi');
 const { useFolders } = require('qx-bridge');

@@ -109,8 +109,8 @@ const SCRIPTS = {
         bridge.fini().then(() => say('finished'));
     },
 
-    // A second process of a client, which handles the refusal or, with "ignore", does not. It finishes before
-    // it ends, because Wine must not cut off a thread that is just starting.
+    // A second process of a client, which handles the refusal or, with "ignore", does not. It calls fini()
+    // before it ends, because under Wine the end must not interrupt a thread that is starting.
     second(how) {
         const bridge = host.start();
         const listening = bridge.listen(host.PATIENT);

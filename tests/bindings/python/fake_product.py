@@ -13,7 +13,7 @@ from qxbridge.generated import KEYS
 
 LISTED = {"deviceProfile": "device_profile_code", "graphicsEngine": "graphics_engine",
           "graphicsRenderer": "graphics_renderer", "displayName": "display_name"}
-# The events by the stand-ins' names, in the order of bridge.h, with the words that are not texts.
+# The events by the stand-ins' names, in the order of bridge.h, with the parameters that are not texts.
 EVENTS = {"app-installed": {4: "number", 7: "flag"}, "app-uninstalled": {},
           "apk-install-completed": {1: "number"}, "instance-list-updated": {},
           "image-install-progress": {1: "number", 2: "progress"}, "create-instance-completed": {0: "number"},
@@ -127,7 +127,7 @@ class Product:
         self.fake.value("bridgeGetInstalledApps", text if readable else "null")
 
     def bridgeRegisterCallbacks(self, _):
-        """The host listens."""
+        """From now on the host listens: changes the file and sends the events."""
         if self.given.later:
             with self.file.open("a", encoding="utf-8") as file:
                 file.writelines(one + "\n" for one in self.given.later)

@@ -12,7 +12,7 @@ ZERO = {"dpi": "0", "max_fps": "0", "eco_mode_max_fps": "0", "gl_win_height": "0
 
 class InstancesTest(Case):
     def loaded(self, instance, **values):
-        """The values that the library has of an instance; the others are missing."""
+        """Sets the values that the library has of an instance; the others are missing."""
         for name, text in {**ZERO, **values}.items():
             support.fake.value(f"vtr.instance.{instance}.{name}", text)
 

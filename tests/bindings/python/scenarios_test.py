@@ -52,7 +52,7 @@ def prepare(folder, scenario):
 
 
 def play(scenario):
-    """The lines of the host's error output and of its output."""
+    """The lines of the host's standard error and output."""
     given = scenario["given"]
     data = "" if "no registry value" in given else DATA
     with tempfile.TemporaryDirectory(prefix="scenario.") as root:

@@ -56,7 +56,7 @@ class Fake:
         self.library.fakeValue(name.encode(), text.encode())
 
     def on_call(self, function):
-        """Calls function(line) inside each call, on its thread. The function may change the answer."""
+        """Calls function(line) inside each call, on its thread. The function may change the result."""
         self._hook = function and HOOK(lambda line: function(line.decode()))
         self.library.fakeOnCall(ctypes.cast(self._hook, ctypes.c_void_p) if function else None)
 

@@ -56,7 +56,7 @@ int listeningSocket(const std::string& path) {
     return descriptor;
 }
 
-// Interrupts a system call of the thread that receives it.
+// The signal has an empty handler, so it only interrupts a system call of the receiving thread.
 constexpr int kInterrupt = SIGUSR1;
 
 void letCallsBeInterrupted() {

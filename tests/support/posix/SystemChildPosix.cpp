@@ -40,7 +40,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     return pointers;
 }
 
-// As on Windows, a break has its own status.
+// As on Windows, a fatal break has its own status.
 std::uint32_t statusOf(int status) {
     if (WIFEXITED(status)) return static_cast<std::uint32_t>(WEXITSTATUS(status));
     return WTERMSIG(status) == SIGTRAP ? kFatalStatus : kKilledStatus;

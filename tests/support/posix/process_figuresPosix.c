@@ -5,7 +5,7 @@
 
 #include "support/process_figures.h"
 
-/* Without the three entries that reading the folder brings: itself, "." and "..". */
+/* Without three entries: the folder's own descriptor, "." and "..". */
 long openHandles(void) {
     DIR* const folder = opendir("/proc/self/fd");
     long found = -3;
