@@ -36,7 +36,7 @@ wait_for_text() {
 # Waits for a line that the stand-ins write.
 wait_for() { wait_for_text programs.txt "$1" xF; }
 
-# Waits for an event that the listening front end prints, given without its time.
+# Waits until the listening front end prints this event, which is given without its time.
 wait_for_event() { wait_for_text events.txt " $1" F; }
 
 # What an event means for a front end.

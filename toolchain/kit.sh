@@ -20,7 +20,7 @@ cp "$build"/tests/*.exe "$build"/tests/{QX-Bridge,Qt5Core,Qt5Network,late_plugin
 cp "$build"/tests/bindings/{dotnet_host,dotnet_scenario,listing_csharp}.{dll,runtimeconfig.json} \
     "$build"/tests/example_csharp.{dll,runtimeconfig.json} "$folder/tests"
 cp -r "$build/tests/recording" "$folder/tests"
-# tests/bindings/scenario.py takes a DLL for the real library.
+# tests/bindings/scenario.py would take a DLL for the real library.
 cp "$folder/tests/recording/QX-Bridge".{dll,pyd}
 
 # The tests of the bindings and the examples, at their places in the tree.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # try-kit.sh ZIP WORK [ARGUMENT...]: unpacks the Windows kit into a folder whose name has a blank and
-# letters outside ASCII, and runs it under Wine, in a prefix of its own, with these arguments. The
+# letters outside ASCII, and runs it under Wine, in its own prefix, with these arguments. The
 # results are in WORK. If the cache has Node and .NET for Windows, they are in PATH.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"

@@ -1,4 +1,4 @@
-/* The threads that tests/bindings/fake_bridge.c uses, over those of Windows. */
+/* The thread functions that tests/bindings/fake_bridge.c uses, for Windows. */
 #ifndef KIT_BINDINGS_PTHREAD_H
 #define KIT_BINDINGS_PTHREAD_H
 

@@ -11,8 +11,8 @@ bool isWine();
 // Whether this process is elevated.
 bool isElevated();
 
-// Whether this process can write keys below HKEY_LOCAL_MACHINE, which takes elevation on Windows
-// and nothing under Wine.
+// Whether this process can write keys below HKEY_LOCAL_MACHINE, which requires elevation on Windows
+// but not under Wine.
 bool canWriteMachineKeys();
 
 // Whether the 64-bit view of the registry, which the library reads, has the product's key.

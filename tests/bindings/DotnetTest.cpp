@@ -1,4 +1,4 @@
-// The C# binding in .NET for Windows: hosts over the real library and the stand-ins.
+// The C# binding in .NET for Windows: hosts with the real library and the stand-ins.
 #include <string>
 
 #include "DotnetHosts.h"

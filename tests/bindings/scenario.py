@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Plays the steps of a scenario over the Python binding: scenario.py LIBRARY DATA-FOLDER
+"""Plays the steps of a scenario with the Python binding: scenario.py LIBRARY DATA-FOLDER
 INSTALL-FOLDER STEP... Tabs separate the words of a step, which scenarios.txt describes.
 
-A library that is not a DLL is the stand-in of the tests; python/fake_product.py gives it a configuration
-and programs. With the DLL the registry names the folders.
+If LIBRARY is not a DLL, it is the stand-in of the tests, and python/fake_product.py adds a configuration
+and programs. With the DLL, the registry names the folders.
 """
 
 import asyncio

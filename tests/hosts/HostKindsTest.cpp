@@ -1,4 +1,4 @@
-// The same events in hosts of each kind: over the C++ wrapper, and with Qt.
+// The same events in hosts of each kind: with the C++ wrapper, and with Qt.
 #include "EveryEvent.h"
 #include "support/LogLines.h"
 #include "support/RawServer.h"

@@ -7,8 +7,8 @@ namespace {
 
 class InitTest : public PlainHostTest {
  protected:
-    // Expects the initialisation to be refused with this result. It prints its one log line, since
-    // there is no log yet.
+    // Expects the initialisation to be refused with this result. It prints its only log line,
+    // because there is no log yet.
     void expectRefusal(const std::string& client, const std::string& result,
                        const std::string& line) const {
         SCOPED_TRACE(client);

@@ -7,7 +7,7 @@ namespace {
 
 class LaunchTest : public PlainHostTest {
  protected:
-    // Expects this command line in the log of a start that fails, since no program is installed.
+    // Expects this command line in the log of a start, which fails because no program is installed.
     void expectCommandLine(const Script& operation, const std::string& commandLine) const {
         const Lines lines =
             output(with({"registry", "InstallDir", "C:\\No Such\\", "init", "Helper"}, operation));

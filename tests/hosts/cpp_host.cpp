@@ -1,4 +1,4 @@
-// A host over the C++ wrapper: cpp_host DATA-FOLDER SCENE
+// A host that uses the C++ wrapper: cpp_host DATA-FOLDER SCENE
 //
 //     all      prints every event
 //     throws   a callback that throws

@@ -13,7 +13,7 @@ void sandboxRegistry(void) {
     wsprintfW(path, L"Software\\QXBridgeTests\\host-%lu", GetCurrentProcessId());
     /* Left by a host that ended fatally, whose process id is in use again. */
     RegDeleteTreeW(HKEY_CURRENT_USER, path);
-    /* The parent is not volatile, since it holds lasting keys too. */
+    /* The parent is not volatile, because it holds lasting keys too. */
     RegCloseKey(openKey(HKEY_CURRENT_USER, L"Software\\QXBridgeTests", REG_OPTION_NON_VOLATILE));
     key = openKey(HKEY_CURRENT_USER, path, REG_OPTION_VOLATILE);
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);

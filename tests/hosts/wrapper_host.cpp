@@ -28,7 +28,7 @@ namespace {
 using namespace bridge;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kLimit = std::chrono::seconds(60);  // several times what any wait takes
+constexpr milliseconds kLimit = std::chrono::seconds(60);  // several times the longest wait
 
 const FreshInstance kFresh{"Nougat64", "2", "2048", "aga", "dx", "s21"};
 
@@ -49,7 +49,7 @@ std::string thrownBy(Call call) {
     return "nothing";
 }
 
-// Whether a key takes a value, at compile time.
+// Whether a key accepts a value, at compile time.
 template <typename Key, typename Value, typename = void>
 constexpr bool kTakes = false;
 template <typename Key, typename Value>

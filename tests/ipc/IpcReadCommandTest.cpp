@@ -1,4 +1,4 @@
-// Packet assembly, over a socket in memory. A delivery is one call of ipcReadCommand.
+// Packet assembly from a socket in memory. A delivery is one call of ipcReadCommand.
 #include <QCoreApplication>
 #include <QPointer>
 

@@ -33,7 +33,7 @@ std::string requestPacket(const KnownRequest& request, const Words& values);
 std::string requestServer();
 
 // Encodes the request, and returns the bytes that a server receives. It replies 0x0102030405060708
-// if the request wants a reply.
+// if the request has a reply.
 std::string sentBytes(const KnownRequest& request, const Words& values);
 
 #endif

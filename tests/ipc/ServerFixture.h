@@ -5,7 +5,7 @@
 #include "support/Lines.h"
 #include "support/TestHeaders.h"
 
-// What the tests' decoder saw. Global, since a decoder is a plain function.
+// The packets that the tests' decoder saw. Global, because a decoder is a plain function.
 struct Seen {
     std::mutex lock;
     std::condition_variable changed;
@@ -21,7 +21,7 @@ extern Seen seen;
 bool see(QLocalSocket* socket, const std::uint8_t* packet, std::int32_t length, void* reply,
          std::int32_t replyLength);
 
-// A server with a name of its own.
+// A server with a unique name.
 class ServerFixture : public ::testing::Test {
  protected:
     ServerFixture();

@@ -27,7 +27,7 @@ TAG = "py3-none-win_amd64"
 PIP_INSTALL = (sys.executable, "-m", "pip", "--isolated", "--disable-pip-version-check", "install", "--quiet",
                "--root-user-action=ignore", "--no-deps", "--no-index")
 
-# A host of the installed package over the stand-in, which prints the library's calls.
+# A host of the installed package with the stand-in, which prints the library's calls.
 HOST = r"""
 import ctypes, pathlib, sys
 sys.path.insert(0, sys.argv[1])

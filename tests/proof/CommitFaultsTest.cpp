@@ -297,7 +297,7 @@ class CommitFaultsTest : public ::testing::Test {
 
 }  // namespace
 
-// For inject.sh: a file, and one commit over it.
+// For inject.sh: writes a file, and commits to it.
 SUBPROCESS(fills) {
     LogCapture quiet;
     ConfStore& store = confStore();

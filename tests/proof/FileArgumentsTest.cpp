@@ -75,7 +75,7 @@ TEST_F(InheritanceArguments, EveryFileOfACommitIsPrivate) {
                             "private vantrel.conf-temp"}));
 }
 
-// In a process of its own, whose log it is.
+// In its own process, because it sets the process's log.
 SUBPROCESS(opensTheLog) {
     const auto seen = REPLACED(CreateFileW, seeOpen);
     if (xlogSetFile(arguments[0]) != 0) return 1;
@@ -125,7 +125,7 @@ void logLinesOf(int writer) {
     for (int i = 0; i < kLinesOfAWriter; ++i) XLOG_I(module, "%s", messageOf(writer, i).c_str());
 }
 
-// In a process of its own, whose log it is.
+// In its own process, because it sets the process's log.
 SUBPROCESS(logsFromSeveralThreads) {
     const auto opening = REPLACED(CreateFileW, seeAccess);
     const auto writing = REPLACED(WriteFile, seeWrite);

@@ -7,7 +7,7 @@
 
 #include "SystemCalls.h"
 
-// A disk whose power fails: flushed bytes are safe, bytes written since may be lost. Writes append,
+// A disk whose power fails: flushed bytes are safe, later bytes may be lost. Writes append,
 // and files are created, moved and deleted in the order of the operations.
 
 // Contents by path.

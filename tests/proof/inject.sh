@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # inject.sh BUILD: commits in which a system call on the configuration file or its temporary file
 # fails, or is the process's last. strace injects the faults under Wine, so the program is unchanged.
-# (Wine's server makes the move; proof_test lets that one fail.)
+# (Wine's server makes the move; proof_test makes that one fail.)
 set -euo pipefail
 build=$1
 tree=$(cd "$(dirname "$0")/../.." && pwd)

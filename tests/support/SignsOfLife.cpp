@@ -2,7 +2,7 @@
 
 #include "support/Platform.h"
 
-// With slashes, since a child's start-up keeps doubled backslashes.
+// With slashes, because a child's start-up does not undo doubled backslashes.
 std::string SignsOfLife::next() {
     std::string path = folder_ / std::to_string(++children_);
     for (char& c : path) c = c == '\\' ? '/' : c;

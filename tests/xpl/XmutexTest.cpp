@@ -62,7 +62,7 @@ int millisecondsOf(const std::string& line) {
     return std::stoi(line.substr(line.rfind(' ', end - 1) + 1));
 }
 
-// A mutex of its own name, and the log.
+// A mutex with a unique name, and the log.
 class XmutexTest : public ::testing::Test {
  protected:
     void SetUp() override { ASSERT_EQ(mutex.init(name), 0); }

@@ -126,8 +126,8 @@ TEST(Xproc, AChildGetsTheExactCommandLine) {
     }
 }
 
-// Whether the C runtime sets variables in the encoding of its locale. In a process of its own, so
-// that the locale of the tests stays as the library leaves it.
+// Whether the C runtime sets variables in the encoding of its locale. In its own process, so that
+// the locale of the tests does not change.
 SUBPROCESS(asksTheRuntimeForVariablesInUtf8) {
     std::setlocale(LC_ALL, ".UTF8");
     if (::_putenv((std::string("BRIDGE_TEST=") + kBeyondAscii).c_str()) != 0) return 1;

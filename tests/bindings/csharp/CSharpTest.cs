@@ -1,4 +1,4 @@
-// The C# binding over a library that records its calls.
+// The C# binding with a library that records its calls.
 
 using System;
 using System.Collections.Generic;

@@ -1,6 +1,6 @@
-// A host of the C# binding over the real library, in .NET for Windows:
+// A host of the C# binding with the real library, in .NET for Windows:
 //     dotnet_host.dll LIBRARY DATA-FOLDER INSTALL-FOLDER SCENARIO [LOG]
-// SCENARIO is a public method below. One with a parameter gets a session, which ends after it. The host
+// SCENARIO is a public method below. If it has a parameter, it gets a session that ends after it. The host
 // prints a line for each outcome, which DotnetTest.cpp expects, and "finished".
 
 using System;

@@ -1,4 +1,4 @@
-// Plays the steps of a scenario over the C# binding and the real library, in .NET for Windows:
+// Plays the steps of a scenario with the C# binding and the real library, in .NET for Windows:
 //     dotnet_scenario.dll LIBRARY DATA-FOLDER INSTALL-FOLDER STEP...
 // Tabs separate the words of a step, which scenarios.txt describes. QX_SCENARIO_VERSION is the product's version.
 

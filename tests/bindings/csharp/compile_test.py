@@ -67,7 +67,7 @@ class CompileTest(unittest.TestCase):
                               capture_output=True, encoding="utf-8", check=False)
 
     def lines_with_errors(self, body):
-        """Compiles it as a program of its own, which cannot use internal members of the binding."""
+        """Compiles it as a separate program, which cannot use internal members of the binding."""
         host = self.folder / "host.cs"
         host.write_text(HOST % body, "utf-8")
         done = self.compile(f"-r:{self.folder}/binding.dll", f"-out:{self.folder}/host.exe", str(host))

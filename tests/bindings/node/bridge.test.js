@@ -1,5 +1,5 @@
 'use strict';
-// The Node binding in Node for Windows, over the real library. The library starts once per process, so the
+// The Node binding in Node for Windows, with the real library. The library starts once per process, so the
 // tests depend on their order, and scripts.js has those that end the process.
 
 const assert = require('assert');

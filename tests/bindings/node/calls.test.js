@@ -1,5 +1,6 @@
 'use strict';
-// Each function of the library is called by the method of its name, over functions that record their calls.
+// Each function of the library is called by the method of its name. Functions that record their calls replace
+// the library.
 
 const assert = require('assert');
 const fs = require('fs');

@@ -1,5 +1,5 @@
 'use strict';
-// Errors that would end the process are exceptions, over the real library. The library starts once per
+// Errors that would end the process are exceptions, with the real library. The library starts once per
 // process, so the tests depend on their order.
 
 const assert = require('assert');

@@ -72,7 +72,7 @@ function hasUserKey(name) {
     return true;
 }
 
-// Runs another script of this folder to its end, in a sandbox of its own.
+// Runs another script of this folder to its end, in its own sandbox.
 function runScript(name, ...words) {
     const file = path.join(data, `${name}.output`);
     const out = fs.openSync(file, 'w');

@@ -1,4 +1,4 @@
-"""The scenarios of all languages, in Python: over the stand-in of the library and fake_product.py."""
+"""The scenarios of all languages, in Python, with the stand-in of the library and fake_product.py."""
 
 import json
 import os

@@ -1,4 +1,4 @@
-"""mypy over hosts of the Python binding."""
+"""Runs mypy on hosts of the Python binding."""
 
 import os
 import pathlib

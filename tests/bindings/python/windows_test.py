@@ -1,4 +1,4 @@
-"""The calls of Windows, over functions that record them."""
+"""The binding's calls of Windows, with functions that record them."""
 
 import ctypes
 import functools

@@ -1,4 +1,4 @@
-// Plays the steps of a scenario over the C++ interface: scenario_cpp DATA-FOLDER INSTALL-FOLDER
+// Plays the steps of a scenario with the C++ interface: scenario_cpp DATA-FOLDER INSTALL-FOLDER
 // STEP... Tabs separate the words of a step, which scenarios.txt describes.
 #include <fcntl.h>
 #include <io.h>

@@ -26,7 +26,7 @@ static class Look
         Console.WriteLine("runs on " + module.Architecture + " " + module.Attributes);
     }
 
-    // An asynchronous method has its lines in a type of its own.
+    // The lines of an asynchronous method are in a separate type.
     static bool HasLines(MethodDefinition method)
     {
         return method.DebugInformation.HasSequencePoints || method.DeclaringType.NestedTypes

@@ -18,7 +18,7 @@
 
 namespace {
 
-// A handle is the descriptor plus one, since null means none.
+// A handle is the descriptor plus one, because null means none.
 int descriptorOf(void* handle) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(handle)) - 1;
 }
