@@ -28,7 +28,7 @@ mkdir -p "$content"/{bin,licences} "$into"
 cp "$package"/share/bindings/node/{*.js,*.mjs,*.ts,*.mts,README.md,package.json} "$content"
 cp "$package/CHANGELOG.md" "$content"
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$content/bin"
-# Without the licences of what only the programs contain.
+# Without licences that apply to the programs only.
 cp "$package"/share/licences/{README.md,*.txt} "$content/licences"
 rm "$content"/licences/{CLI11,nlohmann-json,Unicode}.txt
 sed -i -e '/bridgectl/d' -e 's/inside the programs and every DLL/inside every DLL/' "$content/licences/README.md"

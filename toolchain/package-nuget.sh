@@ -34,7 +34,7 @@ mono "$work/finish.exe" "$work/compiled/QXBridge.dll" "$package/share/bindings/c
 [ -z "${QX_SIGN_CERTIFICATE:-}" ] || bash "$tree/toolchain/sign.sh" "$lib"
 
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$native"
-# Without the licences of what only the programs contain.
+# Without licences that apply to the programs only.
 cp "$package"/share/licences/*.txt "$content/licences"
 rm "$content"/licences/{CLI11,nlohmann-json,Unicode}.txt
 sed -e '/bridgectl/d' -e 's/inside the programs and every DLL/inside the Qt DLLs and `QX-Bridge.dll`/' \

@@ -15,7 +15,7 @@ mkdir -p "$root/qxbridge" "$info"
 cp "$package"/share/bindings/python/qxbridge/{*.py,py.typed} "$root/qxbridge"
 cp "$package"/bin/{QX-Bridge,Qt5Core,Qt5Network}.dll "$root/qxbridge"
 
-# Without the licences of what only the programs contain.
+# Without licences that apply to the programs only.
 cp -r "$package/share/licences" "$info/licenses"
 rm "$info"/licenses/{CLI11,nlohmann-json,Unicode}.txt
 sed -i '/`bin\/bridgectl/d; s#`bin/#`qxbridge/#g' "$info/licenses/README.md"

@@ -58,7 +58,7 @@ class ConfSomeInstancesTest : public ConfTest {
     }
 };
 
-// The same over kTwoInstances.
+// The same with the file kTwoInstances.
 class ConfInstancesTest : public ConfSomeInstancesTest {
  protected:
     void SetUp() override { given(kTwoInstances); }

@@ -166,7 +166,7 @@ static void shutdownMany(void) {
 typedef const char* const* Texts;
 #define FLAG(index) ((bridge_bool)atoi(texts[index]))
 
-/* Those with a number as their result: name, number of texts, call. */
+/* The operations that print a number: name, number of texts, call. */
 #define NUMBER_OPERATIONS(ROW)                                      \
     ROW(init, 1, bridgeApiInit(texts[0]))                           \
     ROW(initex, 3, bridgeApiInitEx(texts[0], FLAG(1), 0, texts[2])) \
@@ -183,7 +183,7 @@ typedef const char* const* Texts;
     ROW(setmulti, 2, bridgeConfSetMultiString(texts[0], texts[1]))  \
     ROW(plrshutdown, 2, bridgePlrShutdown(texts[0], FLAG(1)))
 
-/* Those with a text as their result. */
+/* The operations that print a text. */
 #define TEXT_OPERATIONS(ROW)                             \
     ROW(getstr, 1, bridgeConfGetString(texts[0]))        \
     ROW(getmulti, 1, bridgeConfGetMultiString(texts[0])) \

@@ -58,7 +58,7 @@ std::string garbage(std::size_t size) {
     return bytes;
 }
 
-// With one piece replaced.
+// The content with one piece replaced.
 std::string withPiece(DiskFile file, std::size_t index, std::string piece) {
     file.pieces[index] = std::move(piece);
     return file.content();

@@ -176,7 +176,7 @@ BOOL deleteFile(LPCWSTR path) {
     return ok;
 }
 
-// For the rest of the process.
+// The replacements stay for the rest of the process.
 template <typename Function>
 void install(const char* name, Function* replacement) {
     void* original = nullptr;

@@ -15,8 +15,8 @@ command -v strace >/dev/null || die "strace is not installed: toolchain/packages
 
 subprocess() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess "$1" "Z:$conf"; }
 
-# expect_whole WHERE STATUS: checks the files after a commit with that status. One that succeeded is in
-# the file, one that failed is not, one that was killed may be. At most a temporary file is left, and the
+# expect_whole WHERE STATUS: checks the files after a commit with that status. A commit that succeeded
+# is in the file, one that failed is not, one that was killed may be. At most a temporary file is left, and the
 # next process can commit.
 expect_whole() {
     case $2 in

@@ -35,7 +35,7 @@ class ChildProcess {
 
     // Waits for the next line of its standard output. Returns it without the line feed.
     std::string readLine();
-    // The same for its standard error. finish() still returns all of that.
+    // The same for its standard error. finish() still returns these lines too.
     std::string readErrorLine();
 
     // Leaves its standard output without a reader.

@@ -26,7 +26,7 @@ inline Line messageOf(Text line) { return line.substr(line.find(' ', 2) + 1); }
 inline Line untagged(Text line) { return "E   " + messageOf(line); }
 
 // The line of a fatal break in a file, "Source/conf/Conf", as a process without a name prints it.
-// With a function where the log shows it; without a tag where the log is not initialised.
+// Pass the function if the log shows it, and no tag if the log is not initialised.
 inline Line fatalBreak(Text tag, Text file, Text function = "") {
     return "E " + tag + "  " + function + (function.empty() ? "" : " ") +
            "FATAL: DEBUG BREAK: " + file;
