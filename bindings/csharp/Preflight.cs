@@ -1,4 +1,4 @@
-// Checks for everything that would make the start of the library fail or end the process.
+// Checks, before the start, for causes that make the library's start fail or end the process.
 
 using System;
 using System.Collections.Generic;

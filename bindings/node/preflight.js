@@ -1,5 +1,5 @@
 'use strict';
-// Checks for everything that would make the library's start fail or end the process.
+// Checks, before the start, for causes that make the library's start fail or end the process.
 
 const fs = require('fs');
 const path = require('path');

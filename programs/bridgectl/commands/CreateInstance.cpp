@@ -35,6 +35,6 @@ const Command commandCreateInstance{
     "With --wait, the command ends when the manager reports the result. A status other than 0\n"
     "is a failure, with exit code 12.\n"
     "\n"
-    "To copy or remove an instance, use `bridgeadm copy-instance` and `bridgeadm remove-\n"
-    "instance`.",
+    "To copy or remove an instance, use `bridgeadm copy-instance` and\n"
+    "`bridgeadm remove-instance`.",
     declare};
