@@ -15,9 +15,9 @@ command -v strace >/dev/null || die "strace is not installed: toolchain/packages
 
 subprocess() { "$tree/toolchain/wine.sh" "$build/tests/proof_test.exe" --subprocess "$1" "Z:$conf"; }
 
-# expect_whole WHERE STATUS: checks the files after a commit with that status. A commit that succeeded
-# is in the file, one that failed is not, one that was killed may be. At most a temporary file is left, and the
-# next process can commit.
+# expect_whole WHERE STATUS: checks the files after a commit with that status. A commit that succeeded is in
+# the file. A failed one is not, and a killed one may be. At most a temporary file is left, and the next
+# process can commit.
 expect_whole() {
     case $2 in
         0) cmp -s "$conf" "$folder/after" || die "$1: the commit succeeded and is not in the file" ;;
