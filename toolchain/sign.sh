@@ -13,7 +13,7 @@ set -euo pipefail
 folder=$1
 certificate=${QX_SIGN_CERTIFICATE:-}
 if [ -z "$certificate" ]; then
-    say "The files are unsigned: where a code integrity policy is on, Windows refuses them with error 4551 (docs/reference/limits.md)." >&2
+    say "The files are unsigned: where a code integrity policy is on, Windows refuses them with error 4551 (docs/how-to/ship-and-sign.md)." >&2
     exit 0
 fi
 command -v osslsigncode >/dev/null || die "signing needs Debian's package osslsigncode"
