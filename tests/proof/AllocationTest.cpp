@@ -512,7 +512,7 @@ SUBPROCESS(dropsAClientInAShortage) {
     return result;
 }
 
-// Starts a shortage, "once" or "for ever", at the allocation with this number.
+// Fails the allocation with this number ("once"), or that one and all later ones ("for ever").
 void startShortage(const SubprocessArguments& arguments) {
     startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
                   std::stoi(arguments[1]));

@@ -403,7 +403,7 @@ TEST_F(CommitFaultsTest, TheSweepIsWideEnough) {
     std::printf("%zu different points\n", points.size());
 }
 
-// Without a temporary file, and with one that is larger than the new file.
+// The temporary file does not exist, or is larger than the new file.
 TEST_F(CommitFaultsTest, APowerFailureLeavesTheOldFileOrTheNewOne) {
     for (const bool hasLeftover : {false, true}) {
         DiskContents before{{path, commit.before}};
