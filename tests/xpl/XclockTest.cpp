@@ -68,6 +68,18 @@ TEST(Xclock, AZoneWithADaylightRuleIsInItAllYear) {
     EXPECT_EQ(runSubprocess("printsDistanceToUtc", {}, zone).out, "60 60 ");
 }
 
+SUBPROCESS(printsMinutesFromUtc) {
+    // The clock may go on between the two calls.
+    std::printf("%d", static_cast<int>((xclockNow() - xclockUtc() + kSecond) / kMinute));
+    return 0;
+}
+
+TEST(Xclock, NowIsTheTimeOfTheZone) {
+    ChildOptions zone;
+    zone.environment = {{"TZ", "AAA-05:30"}};  // POSIX counts from the zone to UTC
+    EXPECT_EQ(runSubprocess("printsMinutesFromUtc", {}, zone).out, "330");
+}
+
 TEST(Xclock, NowHasTheResolutionOfAMillisecond) {
     const std::int64_t now = xclockNow();
     EXPECT_EQ(now % 1000, 0);
