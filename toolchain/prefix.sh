@@ -2,7 +2,7 @@
 # Prepares the Wine prefix of the build tree and keeps a Wine server running for it. Without one, each
 # program start takes a second or more.
 #   prefix.sh up        creates the prefix if it is missing and starts the server
-#   prefix.sh up-both   does the same for the tests' second prefix too
+#   prefix.sh up-both   does the same for the tests' second prefix too, and gives each prefix a core
 #   prefix.sh down      ends the servers of these two prefixes only
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -12,9 +12,21 @@ export WINEDEBUG=-all
 wine="$tree/toolchain/wine.sh"
 server=/usr/lib/wine/wineserver64
 
-create() {
-    mkdir -p "$WINEPREFIX"
+# The set-up of a prefix takes eight seconds, so it is done once for each version of Wine. Prefixes are copies.
+template="$cache/prefix-$(digest <(/usr/lib/wine/wine64 --version) "$tree/toolchain/prefix.sh")"
+
+# Each program reads these keys at its start, which is nearly half of its messages to the server. It compares the
+# time zones with this system's one by one, and does without those that are missing.
+remove_keys() {
+    local key version='HKLM\Software\Microsoft\Windows NT\CurrentVersion'
+    for key in 'Time Zones' Fonts FontLink FontSubstitutes; do
+        "$wine" reg delete "$version\\$key" /f
+    done
+}
+
+set_up() {
     "$wine" wineboot --init
+    remove_keys
     # A debug break ends the process immediately, because the debugger named here does not exist. Auto=0
     # would ask the user and start a desktop that keeps the process's pipes open.
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
@@ -24,6 +36,24 @@ create() {
     "$wine" reg add 'HKCU\Software\Wine' /v Version /d win10 /f
     "$server" -w
     mark_complete "$WINEPREFIX"
+}
+
+make_template() {
+    local made
+    mkdir -p "$cache"
+    made=$(mktemp -d "$cache/prefix.XXXXXX")
+    (export WINEPREFIX=$made && set_up)
+    rm -f "$made/wineserver"  # the server's folder; each prefix has its own
+    mv -T "$made" "$template" || { is_complete "$template" && rm -rf "$made"; }
+}
+
+# Programs do not change the files that Wine itself puts on the drive, so copies share them if they are on
+# the same file system. The server would write to shared registry files in place.
+create() {
+    is_complete "$template" || make_template
+    mkdir -p "$(dirname "$WINEPREFIX")"
+    cp -a --link "$template" "$WINEPREFIX" 2>/dev/null || cp -a "$template/." "$WINEPREFIX"
+    cp --remove-destination "$template"/*.reg "$WINEPREFIX"
 }
 
 # A server that a program starts ends with its last program, and a program that starts at that moment can
@@ -37,7 +67,7 @@ keep_server() {
     timeout 2 "$server" -w >/dev/null 2>&1 || true
     # Fails when a server runs. It must not hold the caller's output open. Programs of a server that has
     # crashed hang and keep their lock.
-    if "$server" -p >>"$WINEPREFIX/server.log" 2>&1 </dev/null; then rm -f "$WINEPREFIX/kept"; fi
+    if "${pin[@]}" "$server" -p >>"$WINEPREFIX/server.log" 2>&1 </dev/null; then rm -f "$WINEPREFIX/kept"; fi
     exec 8>"$WINEPREFIX/kept"
     if flock -n 8; then
         local input="$WINEPREFIX/no-input"
@@ -48,11 +78,20 @@ keep_server() {
     exec 8>&-
 }
 
+# up [CORE]: with a core, the server and all programs run there. Many calls of a program are a message to
+# the server and a reply. Between two cores these take twice as long, because the other core sleeps.
 up() {
     if ! is_complete "$WINEPREFIX"; then
         rm -rf "$WINEPREFIX"
+        steps_done=0
         steps_total=1
         step "Wine prefix" "10 s" create
+    fi
+    pin=()
+    rm -f "$WINEPREFIX/core"
+    if [ $# -gt 0 ] && taskset -c "$1" true 2>/dev/null; then
+        pin=(taskset -c "$1")
+        echo "$1" >"$WINEPREFIX/core"
     fi
     keep_server
     # The first program starts Wine's services, which hold its output open while they run.
@@ -63,13 +102,17 @@ up() {
 # run in parallel with those in the first.
 second="$WINEPREFIX-2"
 
+up_both() {
+    local cores  # such as "0-3,6"
+    cores=$(sed -n 's/^Cpus_allowed_list:[[:space:]]*//p' /proc/self/status)
+    up "${cores%%[-,]*}"
+    WINEPREFIX=$second
+    up "${cores##*[-,]}"
+}
+
 case ${1:-up} in
 up) up ;;
-up-both)
-    up
-    WINEPREFIX=$second
-    up
-    ;;
+up-both) up_both ;;
 down)
     "$server" -k >/dev/null 2>&1 || true
     [ ! -d "$second" ] || WINEPREFIX=$second "$server" -k >/dev/null 2>&1 || true

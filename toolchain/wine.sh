@@ -9,10 +9,14 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINESERVER=/usr/lib/wine/wineserver64
 # Never ask to install anything, never open a crash dialog or a browser.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winedbg.exe=d${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
+export FONTCONFIG_FILE="$tree/toolchain/fonts.conf"
 unset DISPLAY
 # Wine needs the page at 0x7ffe0000, which is in the gigabyte where the kernel places the heap at random.
 # About one start in 20,000 fails ("failed to map the shared user data"). A fixed heap address avoids
 # that, but not every container allows it.
 wine=(/usr/lib/wine/wine64)
 if setarch -R true 2>/dev/null; then wine=(setarch -R "${wine[@]}"); fi
+# The core of the prefix, if the tests gave it one. Programs that test concurrency use all cores.
+if [ -z "${QX_ALL_CORES:-}" ] && [ -f "$WINEPREFIX/core" ]; then wine=(taskset -c "$(<"$WINEPREFIX/core")" "${wine[@]}"); fi
+unset QX_ALL_CORES
 exec "${wine[@]}" "$@"
