@@ -121,7 +121,7 @@ cmake "-DPORT_FOLDER=$root/share/vcpkg/qx-bridge" "-DINTO=$work/vcpkg" -P "$tree
 cmake -S "$consumer" -B "$work/port" -G Ninja -DCMAKE_SYSTEM_NAME=Windows \
     -DCMAKE_C_COMPILER="$compiler" -DCMAKE_CXX_COMPILER="$compiler++" -DCMAKE_PREFIX_PATH="$work/vcpkg" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=NEVER
-cmake --build "$work/port"
+cmake --build "$work/port" --target host_c host_cxx  # host_c copies the DLLs
 
 # The import library for Microsoft's linker, with clang's.
 "$compiler" -Iinclude "$consumer/host.c" lib/QX-Bridge.lib -o "$work/clang/host_lib.exe"
