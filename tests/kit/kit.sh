@@ -50,9 +50,13 @@ says 'the product is installed here'
 wine reg query "$key" /v UserDefinedDir >/dev/null || fail "the guard lost the product's key"
 wine reg delete "$key" /f >/dev/null
 
-# Some checks that Wine can run pass, and leave nothing on the machine. Uses the build machine's Node.
-export WINEPATH="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin"
-run 0 --only node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,microsoft-runtimes,python
+# Checks that Wine can run pass, and leave nothing on the machine. Uses the build machine's Node and .NET for
+# Windows. The compiler is a stand-in that copies a host, and fails where none is named.
+compiler="$tree/build/windows/tests/compiler"
+runtimes="Z:$(bash "$tree/toolchain/node.sh" --dir)/node/bin;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)"
+checks=node,log-threads,load-qt-beside-the-library,icon-moves,standins,elevation-declined,python
+checks+=,dotnet-tests,examples-node,examples-dotnet,microsoft-compiler,microsoft-runtimes,microsoft-preset
+WINEPATH="$runtimes;Z:$compiler" QX_FAKE_HOST="Z:$compiler/runtime_host.exe" run 0 --only "$checks"
 says '  files: passed'
 says '  log-threads: needs Windows (this is Wine)'
 says '  load-qt-beside-the-library: passed'
@@ -60,7 +64,12 @@ says '  icon-moves: passed'
 says '  node: passed'
 says '  standins: passed'
 says '  elevation-declined: needs Windows (this is Wine)'
-says '  microsoft-runtimes: skipped'
+says '  dotnet-tests: passed'
+says '  examples-node: passed'
+says '  examples-dotnet: passed'
+says '  microsoft-compiler: passed'
+says '  microsoft-runtimes: passed'
+says '  microsoft-preset: skipped'
 says '  python: skipped (needs python.exe in PATH)'
 says '  restored: passed'
 [ -z "$(find "$WINEPREFIX/drive_c" -name 'QXBridgeKit-*' -o -name 'qxb-*')" ] || fail "folders stay"
@@ -84,22 +93,8 @@ page = (results / "summary.html").read_text("utf-8")
 assert "<script" not in page and page.count("<table") == 2, "markup"
 END
 
-# With a compiler: a stand-in that copies a host, and fails where none is named.
-compiler="$tree/build/windows/tests/compiler"
-WINEPATH="$WINEPATH;Z:$compiler" QX_FAKE_HOST="Z:$compiler/runtime_host.exe" \
-    run 0 --only microsoft-compiler,microsoft-runtimes,microsoft-preset
-says '  microsoft-compiler: passed'
-says '  microsoft-runtimes: passed'
-says '  microsoft-preset: skipped'
-WINEPATH="$WINEPATH;Z:$compiler" run 1 --only microsoft-runtimes
+WINEPATH="Z:$compiler" run 1 --only microsoft-runtimes
 says '  microsoft-runtimes: failed'
-
-# The bindings' own tests and the examples, in the Windows runtimes of the build machine.
-WINEPATH="$WINEPATH;Z:$(bash "$tree/toolchain/dotnet.sh" --dir)" \
-    run 0 --only dotnet-tests,examples-node,examples-dotnet
-says '  dotnet-tests: passed'
-says '  examples-node: passed'
-says '  examples-dotnet: passed'
 
 # One file is missing and two are changed, as by a scanner. Checks leave files and keys.
 rm "$kit/tests/standin_core_test.exe"
@@ -123,7 +118,7 @@ decides = Whether a filter without tests is a failure
 run = tests/xpl_test.exe --gtest_filter=No.Such
 END
 sed -i "s,{system}/reg.exe,C:/windows/system32/reg.exe," "$kit/checks.txt"
-run 1 --only standins,conf,leaves-files,leaves-a-key,leaves-folders-for-development,names-no-test
+run 1 --only standins,conf,leaves-files,leaves-a-key,leaves-folders-for-development,names-no-test,microsoft-runtimes
 says '  files: failed'
 says 'tests/standin_core_test.exe: missing'
 says 'tests/conf_test.exe: changed'
@@ -134,6 +129,7 @@ says '  leaves-files: passed'
 says '  leaves-a-key: passed'
 says '  leaves-folders-for-development: passed'
 says '  names-no-test: failed (no test ran)'
+says '  microsoft-runtimes: skipped'
 says '  restored: failed (+ C:\users\Public\qxb-left'
 for key in QXBridgeTests QX-Bridge; do
     ! wine reg query "HKCU\\Software\\$key" >/dev/null 2>&1 || fail "the key $key stays"
