@@ -1,8 +1,8 @@
 // The folders that a host of the C++ interface sets for development.
 #include <string>
 
+#include "BindingHosts.h"
 #include "PlainHost.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -19,17 +19,6 @@ class CppFoldersTest : public PlainHostTest {
         return {builtProgram("folders_cpp.exe"), {scenario, dataFolder, installFolder}};
     }
 
-    // The lines of a host, without the "finished" that is expected.
-    static Lines linesUpToTheEnd(ChildProcess& host) {
-        const ChildResult result = host.finish();
-        EXPECT_EQ(result.status, 0u);
-        EXPECT_EQ(result.err, "");
-        Lines lines = linesOf(result.out);
-        EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
-        if (!lines.empty()) lines.pop_back();
-        return lines;
-    }
-
     Lines played(const std::string& scenario) const {
         ChildProcess host = startHost(scenario);
         return linesUpToTheEnd(host);
@@ -43,16 +32,6 @@ class CppFoldersTest : public PlainHostTest {
     std::string dataFolder = data.path();
     std::string installFolder = "C:\\None\\";
 };
-
-bool hasDevelopmentKey(DWORD process) {
-    const std::wstring path = L"Software\\QX-Bridge\\Development-" + std::to_wstring(process);
-    HKEY key = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
-        return false;
-    }
-    ::RegCloseKey(key);
-    return true;
-}
 
 }  // namespace
 

@@ -1,8 +1,8 @@
 // The folders that a host of the C# binding sets for development.
 #include <string>
 
+#include "BindingHosts.h"
 #include "DotnetHosts.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -19,16 +19,6 @@ class DotnetFoldersTest : public DotnetTest {
         return values;
     }
 };
-
-bool hasDevelopmentKey(DWORD process) {
-    const std::wstring path = L"Software\\QX-Bridge\\Development-" + std::to_wstring(process);
-    HKEY key = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
-        return false;
-    }
-    ::RegCloseKey(key);
-    return true;
-}
 
 }  // namespace
 

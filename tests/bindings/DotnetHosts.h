@@ -2,9 +2,9 @@
 #define TESTS_DOTNETHOSTS_H
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "BindingHosts.h"
 #include "EveryEvent.h"
 
 // The status of a .NET host after a fatal break. The runtime passes the break to
@@ -19,11 +19,6 @@ constexpr const char* kConf =
     "vtr.instance.Nougat64.dpi=\"240\"\n"
     "vtr.instance.Nougat64.ram=\"4096\"\n"
     "vtr.shared_folders=\"a,b\"\n";
-
-inline std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? std::string() : value;
-}
 
 // Hosts of the C# binding in .NET for Windows.
 class DotnetTest : public PlainHostTest {
@@ -42,17 +37,6 @@ class DotnetTest : public PlainHostTest {
         Script all{environment("QX_DOTNET_HOST"), library, data.path(), installFolder};
         all.insert(all.end(), scenario.begin(), scenario.end());
         return ChildProcess(environment("QX_DOTNET"), all, standinOptions());
-    }
-
-    // The lines of a host before "finished", its last one.
-    static Lines linesUpToTheEnd(ChildProcess& host) {
-        const ChildResult result = host.finish();
-        EXPECT_EQ(result.status, 0u);
-        EXPECT_EQ(result.err, "");
-        Lines lines = linesOf(result.out);
-        EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
-        if (!lines.empty()) lines.pop_back();
-        return lines;
     }
 
     Lines played(const Script& scenario) const {

@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "BindingHosts.h"
 #include "support/ChildProcess.h"
 #include "support/ProductRegistry.h"
 #include "support/TempFolder.h"
-#include "support/WindowsForTests.h"
 
 namespace {
 
@@ -29,11 +28,6 @@ const Lines kInstances = {"instances [",
                           "    }",
                           "]",
                           ""};
-
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? std::string() : value;
-}
 
 class ExamplesTest : public ::testing::Test {
  protected:

@@ -3,7 +3,6 @@
 #include <cctype>
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -15,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "BindingHosts.h"
 #include "PlainHost.h"
 #include "support/ProductVersion.h"
 
@@ -36,11 +36,6 @@ struct Language {
     std::vector<std::string> arguments;
     std::string client;
 };
-
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? std::string() : value;
-}
 
 std::vector<Language> languages() {
     const std::string library = builtProgram("QX-Bridge.dll");

@@ -13,6 +13,16 @@ Lines linesOf(std::string_view text) {
     return lines;
 }
 
+Lines linesUpToTheEnd(ChildProcess& host) {
+    const ChildResult result = host.finish();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.err, "");
+    Lines lines = linesOf(result.out);
+    EXPECT_EQ(lines.empty() ? "" : lines.back(), "finished") << result.out;
+    if (!lines.empty()) lines.pop_back();
+    return lines;
+}
+
 Lines with(Lines lines, const Lines& more) {
     lines.insert(lines.end(), more.begin(), more.end());
     return lines;

@@ -50,6 +50,9 @@ class PlainHostTest : public ::testing::Test {
 
 Lines linesOf(std::string_view text);
 
+// The lines of a host before "finished", its last one. Its status must be 0.
+Lines linesUpToTheEnd(ChildProcess& host);
+
 Lines with(Lines lines, const Lines& more);
 
 // The bytes in a host's line about a batch, "NAME: handles H, bytes B". Expects no handles.
