@@ -12,50 +12,6 @@ export WINEDEBUG=-all
 wine="$tree/toolchain/wine.sh"
 server=/usr/lib/wine/wineserver64
 
-# The set-up of a prefix takes eight seconds, so it is done once for each version of Wine. Prefixes are copies.
-template="$cache/prefix-$(digest <(/usr/lib/wine/wine64 --version) "$tree/toolchain/prefix.sh")"
-
-# Each program reads these keys at its start, which is nearly half of its messages to the server. It compares the
-# time zones with this system's one by one, and does without those that are missing.
-remove_keys() {
-    local key version='HKLM\Software\Microsoft\Windows NT\CurrentVersion'
-    for key in 'Time Zones' Fonts FontLink FontSubstitutes; do
-        "$wine" reg delete "$version\\$key" /f
-    done
-}
-
-set_up() {
-    "$wine" wineboot --init
-    remove_keys
-    # A debug break ends the process immediately, because the debugger named here does not exist. Auto=0
-    # would ask the user and start a desktop that keeps the process's pipes open.
-    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
-        /v Auto /d 1 /f
-    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
-        /v Debugger /d 'none.exe %ld %ld' /f
-    "$wine" reg add 'HKCU\Software\Wine' /v Version /d win10 /f
-    "$server" -w
-    mark_complete "$WINEPREFIX"
-}
-
-make_template() {
-    local made
-    mkdir -p "$cache"
-    made=$(mktemp -d "$cache/prefix.XXXXXX")
-    (export WINEPREFIX=$made && set_up)
-    rm -f "$made/wineserver"  # the server's folder; each prefix has its own
-    mv -T "$made" "$template" || { is_complete "$template" && rm -rf "$made"; }
-}
-
-# Programs do not change the files that Wine itself puts on the drive, so copies share them if they are on
-# the same file system. The server would write to shared registry files in place.
-create() {
-    is_complete "$template" || make_template
-    mkdir -p "$(dirname "$WINEPREFIX")"
-    cp -a --link "$template" "$WINEPREFIX" 2>/dev/null || cp -a "$template/." "$WINEPREFIX"
-    cp --remove-destination "$template"/*.reg "$WINEPREFIX"
-}
-
 # A server that a program starts ends with its last program, and a program that starts at that moment can
 # hang. A new server therefore gets an option to stay. For a server that runs already, a program that
 # waits for input forever keeps it running. That program holds the lock.
@@ -85,7 +41,7 @@ up() {
         rm -rf "$WINEPREFIX"
         steps_done=0
         steps_total=1
-        step "Wine prefix" "10 s" create
+        step "Wine prefix" "10 s, later at once" bash "$tree/toolchain/new-prefix.sh" "$WINEPREFIX"
     fi
     pin=()
     rm -f "$WINEPREFIX/core"
