@@ -70,3 +70,14 @@ TEST(IpcEvent, TheTableIsThatOfTheProtocol) {
 TEST(IpcEvent, TheFieldsAreTheParametersOfTheCallbacksOfTheHeader) {
     EXPECT_EQ(tableCallbacks(), headerCallbacks());
 }
+
+// The compiler asks this about each callback.
+TEST(IpcEvent, ACallbackTakesAnEventsFieldsInTheirOrderAndOfTheirTypes) {
+    const IpcEvent event{
+        1, "all", 4, {{"t", IPC_TEXT}, {"i", IPC_I32}, {"d", IPC_DOUBLE}, {"b", IPC_FLAG}}};
+    EXPECT_TRUE((ipcTakesFields<const char*, std::int32_t, double, std::uint8_t>(event)));
+    EXPECT_FALSE((ipcTakesFields<const char*, std::int32_t, double>(event)));
+    EXPECT_FALSE((ipcTakesFields<const char*, std::int32_t, double, double>(event)));
+    EXPECT_FALSE((ipcTakesFields<const char*, double, std::int32_t, std::uint8_t>(event)));
+    EXPECT_FALSE((ipcTakesFields<const char*, std::int32_t, double, std::uint8_t, double>(event)));
+}

@@ -16,21 +16,38 @@ void forEachText(Check check) {
     }
 }
 
-}  // namespace
-
-TEST(Xbytes, FindsWhatTheStandardLibraryFinds) {
-    forEachText([](std::string_view text) {
-        // The byte is at each offset in turn. The text may contain others.
+// Puts the first of the wanted bytes at each offset in turn. The text may contain others.
+template <char... Wanted>
+void expectTheStandardLibrarysResult() {
+    constexpr char kWanted[]{Wanted...};
+    const std::string_view wanted(kWanted, sizeof kWanted);
+    forEachText([&](std::string_view text) {
         std::string own(text);
+        ASSERT_EQ(xbytesFind<Wanted...>(own), own.find_first_of(wanted));
         for (std::size_t offset = 0; offset < own.size(); ++offset) {
-            const char before = std::exchange(own[offset], '=');
+            const char before = std::exchange(own[offset], kWanted[0]);
             for (const std::size_t at : {std::size_t{0}, offset, offset + 1, own.size() + 1}) {
-                ASSERT_EQ(xbytesFind<'='>(own, at), own.find('=', at));
-                ASSERT_EQ((xbytesFind<'=', '\0', '\x80'>(own, at)),
-                          own.find_first_of(std::string_view("=\0\x80", 3), at));
+                ASSERT_EQ(xbytesFind<Wanted...>(own, at), own.find_first_of(wanted, at));
             }
             own[offset] = before;
         }
-        ASSERT_EQ(xbytesFind<'x'>(text), text.find('x'));
     });
+}
+
+}  // namespace
+
+TEST(Xbytes, FindsWhatTheStandardLibraryFinds) {
+    expectTheStandardLibrarysResult<'='>();
+    expectTheStandardLibrarysResult<'=', '\0', '\x80'>();
+}
+
+// Each set of bytes is compiled on its own.
+TEST(Xbytes, FindsTheBytesThatSeparateTheConfigurationsLines) {
+    expectTheStandardLibrarysResult<'\0'>();
+    expectTheStandardLibrarysResult<'\n'>();
+    expectTheStandardLibrarysResult<'=', '\n'>();
+    expectTheStandardLibrarysResult<'\n', '\0'>();
+    expectTheStandardLibrarysResult<'\0', '\n'>();
+    expectTheStandardLibrarysResult<'\0', '=', '\n'>();
+    expectTheStandardLibrarysResult<'\n', '=', '\0'>();
 }
