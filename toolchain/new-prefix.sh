@@ -29,9 +29,9 @@ add_values() {
 }
 
 make_first() {
-    local made
     mkdir -p "$cache"
     made=$(mktemp -d "$cache/prefix.XXXXXX")
+    trap 'rm -rf "$made"' EXIT  # if it is interrupted
     export WINEPREFIX=$made
     "$wine" wineboot --init
     remove_keys
@@ -39,8 +39,7 @@ make_first() {
     "$server" -w
     rm -f "$made/wineserver"  # the name of the server's folder; each prefix has its own
     mark_complete "$made"
-    # Another run can have made it meanwhile.
-    mv -T "$made" "$first" || { is_complete "$first" && rm -rf "$made"; }
+    mv -T "$made" "$first" || is_complete "$first"  # another run can have made it meanwhile
 }
 
 # Programs do not change the files that Wine itself puts on the drive, so copies share them if they are on
