@@ -22,6 +22,7 @@ configure_file(cmake/QXBridgeConfig.cmake.in "${package_folder}/QXBridgeConfig.c
 write_basic_package_version_file("${package_folder}/QXBridgeConfigVersion.cmake"
     VERSION "${PROJECT_VERSION}" COMPATIBILITY SameMajorVersion)
 install(FILES "${package_folder}/QXBridgeConfig.cmake" "${package_folder}/QXBridgeConfigVersion.cmake"
+    cmake/QXBridgeCopyRuntime.cmake
     DESTINATION lib/cmake/QXBridge)
 
 configure_file(cmake/qx-bridge.pc.in "${package_folder}/qx-bridge.pc" @ONLY)

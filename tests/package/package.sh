@@ -21,7 +21,7 @@ diff <(find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort) \
     <(sed 's/^[0-9a-f]*  //' SHA256SUMS) || die "a file without a checksum"
 for file in README.md CHANGELOG.md bin/{QX-Bridge.dll,QX-Bridge.pdb,Qt5Core.dll,Qt5Network.dll,bridgectl.exe} \
     tools/{QX-Player,QX-MultiInstanceManager}.exe lib/pkgconfig/qx-bridge.pc include/bridge/bridge.{h,hpp} lib/QX-Bridge.lib \
-    lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridgeConfig{,Version}.cmake \
+    lib/QX-Bridge.dll.a lib/cmake/QXBridge/QXBridge{Config,ConfigVersion,CopyRuntime}.cmake \
     share/doc/{getting-started,reference/{configuration-keys,codes},explanation/trust}.md share/doc/api/index.html \
     share/licences/{README.md,Qt.txt,Qt-LGPL-3.txt,Qt-GPL-3.txt,LLVM-runtimes.txt,Apache-2.0.txt} \
     share/licences/{mingw-w64-runtime,CLI11,nlohmann-json,Unicode}.txt \
