@@ -512,7 +512,7 @@ SUBPROCESS(dropsAClientInAShortage) {
     return result;
 }
 
-// Fails the allocation with this number ("once"), or that one and all later ones ("for ever").
+// The arguments: a kind of shortage, and the number of the first allocation that fails.
 void startShortage(const SubprocessArguments& arguments) {
     startShortage(arguments[0] == "once" ? Shortage::Once : Shortage::ForEver,
                   std::stoi(arguments[1]));
